@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <string>
+
+#include "vex2/framework/Export.h"
+
+/// What a file operation throws when the system refuses it. Never leaves the library's manager.
+class VEX2_API CFileException : public std::exception {
+ public:
+  CFileException() = default;
+  /// `error` is the system's error number, `offset` the file position concerned.
+  CFileException(int error, std::string path, std::uint64_t offset);
+
+  /// One line: the path, the offset and the system's own words.
+  const char* what() const noexcept override { return text_.c_str(); }
+  int GetError() const { return error_; }
+  const std::string& GetPath() const { return path_; }
+  std::uint64_t GetOffset() const { return offset_; }
+
+ private:
+  int error_ = 0;
+  std::uint64_t offset_ = 0;
+  std::string path_;
+  std::string text_;
+};

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "vex2/framework/CRuntimeClass.h"
+#include "vex2/framework/Export.h"
+
+/// The base of every class that a host may hold in the framework's lists and maps.
+///
+/// The order of the five virtual operations is part of the binary interface: run-time class,
+/// destructor, serialise, check, dump. Derived classes add theirs after these.
+class VEX2_API CObject {
+ public:
+  /// The record of the object's class. Owned by the module that defines the class.
+  virtual const CRuntimeClass* GetRuntimeClass() const;
+  virtual ~CObject();
+
+  /// Hooks that the library leaves empty: documents have a format of their own, and neither
+  /// validity checks nor dumps are needed by any host.
+  virtual void Serialize();
+  virtual void AssertValid() const;
+  virtual void Dump() const;
+
+  /// Whether the object's class is `base` or derives from it.
+  bool IsKindOf(const CRuntimeClass* base) const;
+
+  /// The record of CObject itself.
+  static const CRuntimeClass* ClassRecord();
+
+ protected:
+  CObject() = default;
+  CObject(const CObject&) = default;
+  CObject& operator=(const CObject&) = default;
+};

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <iosfwd>
+#include <string>
+#include <string_view>
+
+#include "vex2/framework/Export.h"
+
+/// A text of single-byte characters that may hold zero bytes. A value: copies are independent.
+class VEX2_API CString {
+ public:
+  CString() = default;
+  /// A null pointer gives the empty text.
+  CString(const char* text);  // NOLINT: hosts hand in literals
+  /// The first `length` characters of `text`, zero bytes included.
+  CString(const char* text, int length);
+  explicit CString(std::string_view text) : text_(text) {}
+
+  int GetLength() const { return static_cast<int>(text_.size()); }
+  bool IsEmpty() const { return text_.empty(); }
+  void Empty() { text_.clear(); }
+
+  /// The characters with a terminating zero; valid until the text changes or ends.
+  const char* GetString() const { return text_.c_str(); }
+  operator const char*() const { return text_.c_str(); }  // NOLINT: hosts pass it on as it is
+  /// The characters, zero bytes included; valid until the text changes or ends.
+  std::string_view View() const { return text_; }
+
+  /// The character at `index`, from 0; 0 at the end and for an index out of range.
+  char GetAt(int index) const;
+
+  CString& operator+=(const CString& tail);
+  CString& operator+=(char tail);
+  friend VEX2_API CString operator+(const CString& left, const CString& right);
+
+  /// All characters count, case and zero bytes included.
+  friend bool operator==(const CString& left, const CString& right) {
+    return left.text_ == right.text_;
+  }
+  friend bool operator==(const CString& left, const char* right) {
+    return left.text_ == (right != nullptr ? right : "");
+  }
+  friend bool operator<(const CString& left, const CString& right) {
+    return left.text_ < right.text_;
+  }
+
+  /// Below, at or above 0 as this text sorts before, with or after `other`, byte by byte.
+  int Compare(const char* other) const;
+  /// Index of the first `character` at or after `start`, or -1.
+  int Find(char character, int start = 0) const;
+  /// Index of the first place where `part` stands, or -1.
+  int Find(const char* part, int start = 0) const;
+  /// Index of the last `character`, or -1.
+  int ReverseFind(char character) const;
+  /// Parts; indexes and counts are cut to what the text holds.
+  CString Left(int count) const;
+  CString Right(int count) const;
+  CString Mid(int first) const;
+  CString Mid(int first, int count) const;
+  /// Turns ASCII letters to upper case, whatever the locale.
+  void MakeUpper();
+
+ private:
+  std::string text_;
+};
+
+VEX2_API std::ostream& operator<<(std::ostream& out, const CString& text);
