@@ -1,0 +1,76 @@
+# vex2_add_library(NAME EXPORT_NAME SOURCES... [DEPENDS BASE]) compiles SOURCES once and makes two
+# libraries of them: NAME (shared, vex2::EXPORT_NAME) and NAME_static (vex2::EXPORT_NAME_static).
+# DEPENDS names the library of the layer below, by the NAME it was made with.
+function(vex2_add_library name export_name)
+  cmake_parse_arguments(arg "" "DEPENDS" "SOURCES" ${ARGN})
+  if(NOT arg_SOURCES)  # a layer that has only headers so far
+    set(arg_SOURCES ${CMAKE_CURRENT_BINARY_DIR}/${name}_empty.cpp)
+    file(CONFIGURE OUTPUT ${arg_SOURCES} CONTENT "")
+  endif()
+
+  add_library(${name}_objects OBJECT ${arg_SOURCES})
+  target_link_libraries(${name}_objects PRIVATE vex2_flags)
+  target_include_directories(${name}_objects PRIVATE ${PROJECT_SOURCE_DIR})
+  target_compile_definitions(${name}_objects PRIVATE _FILE_OFFSET_BITS=64)
+  set_target_properties(${name}_objects PROPERTIES
+    POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # Our own calls of our own operations need no detour, and a module can be unloaded for good.
+    target_compile_options(${name}_objects PRIVATE -fno-semantic-interposition -fno-gnu-unique)
+  endif()
+
+  add_library(${name} SHARED $<TARGET_OBJECTS:${name}_objects>)
+  add_library(${name}_static STATIC $<TARGET_OBJECTS:${name}_objects>)
+  set(exports ${PROJECT_SOURCE_DIR}/cmake/exports.map)
+  target_link_options(${name} PRIVATE LINKER:--no-undefined LINKER:--version-script=${exports})
+  set_target_properties(${name} PROPERTIES
+    VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
+    EXPORT_NAME ${export_name} LINK_DEPENDS ${exports} INSTALL_RPATH $ORIGIN LINKER_LANGUAGE CXX)
+  set_target_properties(${name}_static PROPERTIES
+    OUTPUT_NAME ${name} EXPORT_NAME ${export_name}_static LINKER_LANGUAGE CXX)
+
+  foreach(suffix "" _static)
+    set(target ${name}${suffix})
+    add_library(vex2::${export_name}${suffix} ALIAS ${target})
+    target_compile_features(${target} PUBLIC cxx_std_20)
+    target_include_directories(${target} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
+                                                $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+    if(arg_DEPENDS)
+      target_link_libraries(${target} PUBLIC ${arg_DEPENDS}${suffix})
+    endif()
+    if(suffix OR NOT arg_DEPENDS)
+      target_link_libraries(${target} PUBLIC ${CMAKE_DL_LIBS})
+    endif()
+    install(TARGETS ${target} EXPORT vex2Targets)
+  endforeach()
+endfunction()
+
+# vex2_install_headers(FOLDER [INTERNAL HEADER...]) installs every header of FOLDER (below vex2/)
+# but those that only the library itself uses.
+function(vex2_install_headers folder)
+  cmake_parse_arguments(arg "" "" "INTERNAL" ${ARGN})
+  file(GLOB headers CONFIGURE_DEPENDS RELATIVE ${CMAKE_CURRENT_SOURCE_DIR}/${folder}
+       ${folder}/*.h)
+  foreach(header ${headers})
+    if(NOT header IN_LIST arg_INTERNAL)
+      install(FILES ${folder}/${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/vex2/${folder})
+    endif()
+  endforeach()
+endfunction()
+
+# vex2_check_headers(NAME HEADERS... LINK LIBRARY...) compiles each header, named from the root of
+# the repository, on its own.
+function(vex2_check_headers name)
+  cmake_parse_arguments(arg "" "" "HEADERS;LINK" ${ARGN})
+  set(sources "")
+  foreach(header ${arg_HEADERS})
+    string(MAKE_C_IDENTIFIER ${header} stem)
+    set(source ${CMAKE_CURRENT_BINARY_DIR}/${name}/${stem}.cpp)
+    file(CONFIGURE OUTPUT ${source} CONTENT "#include \"@header@\"\n" @ONLY)
+    list(APPEND sources ${source})
+  endforeach()
+  if(sources)
+    add_library(${name} OBJECT ${sources})
+    target_link_libraries(${name} PRIVATE vex2_flags ${arg_LINK})
+  endif()
+endfunction()
