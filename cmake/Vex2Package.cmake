@@ -1,0 +1,19 @@
+# What lets other builds find the installed libraries: a CMake package and pkg-config files. Both
+# find their files relative to themselves, so an installed tree can be moved.
+include(CMakePackageConfigHelpers)
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/vex2)
+install(EXPORT vex2Targets NAMESPACE vex2:: DESTINATION ${package_dir})
+configure_package_config_file(cmake/vex2Config.cmake.in vex2Config.cmake
+                              INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(vex2ConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/vex2Config.cmake ${PROJECT_BINARY_DIR}/vex2ConfigVersion.cmake
+        DESTINATION ${package_dir})
+
+set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+file(RELATIVE_PATH vex2_pc_to_prefix "/${pkgconfig_dir}" "/")
+string(REGEX REPLACE "/$" "" vex2_pc_to_prefix "${vex2_pc_to_prefix}")
+foreach(name vex2 vex2framework)
+  configure_file(cmake/${name}.pc.in ${name}.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/${name}.pc DESTINATION ${pkgconfig_dir})
+endforeach()
