@@ -32,6 +32,8 @@ class VEX2_API CString {
   CString& operator+=(const CString& tail);
   CString& operator+=(char tail);
   friend VEX2_API CString operator+(const CString& left, const CString& right);
+  /// Without it, `path + '/'` would move the pointer that a text converts to.
+  friend VEX2_API CString operator+(const CString& left, char right);
 
   /// All characters count, case and zero bytes included.
   friend bool operator==(const CString& left, const CString& right) {

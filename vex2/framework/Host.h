@@ -34,7 +34,7 @@ using Setting = std::variant<std::monostate, std::uint32_t, std::string>;
 
 /// The one seam between the library and the desktop it runs on. A host application derives from
 /// it and installs its own with `SetHost`; the library calls it on the thread that called the
-/// library. Every operation has the console host's answer as its default.
+/// library. Every operation has the console host's answer as its default; none may throw.
 class VEX2_API Host {
  public:
   virtual ~Host();
@@ -55,9 +55,9 @@ class VEX2_API Host {
   virtual CTime Now();
 };
 
-/// Installs `host` for the whole process and returns the one that was installed before. Null
-/// brings back the console host. The host stays the caller's and must outlive its installation.
-/// Not to be called while another thread is inside the library.
+/// Installs `host` for the whole process and returns the one that was installed before, null when
+/// that was the console host. Null brings the console host back. The host stays the caller's and
+/// must outlive its installation. Not to be called while another thread is inside the library.
 VEX2_API Host* SetHost(Host* host);
 
 /// The installed host; never null.

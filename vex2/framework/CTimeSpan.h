@@ -1,0 +1,35 @@
+#pragma once
+
+#include <compare>
+#include <cstdint>
+
+#include "vex2/framework/CString.h"
+#include "vex2/framework/Export.h"
+
+/// A length of time in whole seconds; negative when it runs backwards, and then so are its parts.
+class VEX2_API CTimeSpan {
+ public:
+  constexpr CTimeSpan() = default;
+  constexpr explicit CTimeSpan(std::int64_t seconds) : seconds_(seconds) {}
+  constexpr CTimeSpan(std::int32_t days, int hours, int minutes, int seconds)
+      : seconds_(((days * std::int64_t{24} + hours) * 60 + minutes) * 60 + seconds) {}
+
+  /// Whole days; then the hours (0 to 23), minutes and seconds (0 to 59) that are left of the day.
+  std::int64_t GetDays() const { return seconds_ / kSecondsPerDay; }
+  int GetHours() const { return static_cast<int>(seconds_ / 3600 % 24); }
+  int GetMinutes() const { return static_cast<int>(seconds_ / 60 % 60); }
+  int GetSeconds() const { return static_cast<int>(seconds_ % 60); }
+  std::int64_t GetTotalSeconds() const { return seconds_; }
+
+  /// `pattern` with %D replaced by the days, %H, %M and %S by the hours, minutes and seconds with
+  /// two digits, and %% by a percent sign. Any other character stands for itself. A null pattern
+  /// gives the empty text.
+  CString Format(const char* pattern) const;
+
+  friend constexpr auto operator<=>(const CTimeSpan&, const CTimeSpan&) = default;
+
+ private:
+  static constexpr std::int64_t kSecondsPerDay = 24 * 60 * 60;
+
+  std::int64_t seconds_ = 0;
+};
