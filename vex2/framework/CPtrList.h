@@ -1,0 +1,14 @@
+#pragma once
+
+#include "vex2/framework/CObject.h"
+#include "vex2/framework/Export.h"
+#include "vex2/framework/ListOf.h"
+
+/// A list of pointers to anything, see `vex2::ListOf`.
+class VEX2_API CPtrList : public CObject, public vex2::ListOf<void*> {
+ public:
+  using ListOf::ListOf;
+
+  const CRuntimeClass* GetRuntimeClass() const override;
+  static const CRuntimeClass* ClassRecord();
+};

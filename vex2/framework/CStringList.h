@@ -1,0 +1,15 @@
+#pragma once
+
+#include "vex2/framework/CObject.h"
+#include "vex2/framework/CString.h"
+#include "vex2/framework/Export.h"
+#include "vex2/framework/ListOf.h"
+
+/// A list of texts, see `vex2::ListOf`.
+class VEX2_API CStringList : public CObject, public vex2::ListOf<CString> {
+ public:
+  using ListOf::ListOf;
+
+  const CRuntimeClass* GetRuntimeClass() const override;
+  static const CRuntimeClass* ClassRecord();
+};
