@@ -5,7 +5,6 @@
 #include <memory>
 #include <span>
 #include <string>
-#include <vector>
 
 #include "vex2/framework/CFileException.h"
 #include "vex2/framework/CFileStatus.h"
@@ -109,29 +108,34 @@ class VEX2_API CFile : public CObject {
  private:
   struct Replacement;
 
-  bool openLocked(const std::string& path, int flags, bool exclusive, CFileException* error);
-  bool waitForLock(const std::string& path, bool exclusive, bool& replaced, CFileException* error);
-  bool openTemporary(const std::string& target);
+  bool openLocked(const char* path, int flags, bool exclusive, CFileException* error);
+  int lockHandle(bool exclusive, std::int64_t deadline);
+  bool isStillAt(const char* path) const;
+  bool openTemporary(CFileException* error);
+  void putInPlace();
+  void copyInto(int target);
+  void syncAll(int handle);
   void writeOut();
-  void writeAt(const std::uint8_t* bytes, std::size_t count, std::uint64_t offset);
+  void writeAt(int handle, const std::uint8_t* bytes, std::size_t count, std::uint64_t offset);
   std::size_t readAt(std::uint8_t* bytes, std::size_t count, std::uint64_t offset);
   void fill(std::size_t atLeast);
+  void useBuffer();
   void forgetBuffer() noexcept;
   void releaseHandle() noexcept;
   [[noreturn]] void fail(int error, std::uint64_t offset) const;
 
   int handle_ = -1;
   bool regular_ = false;
-  bool writable_ = false;
   std::string path_;
   std::uint64_t position_ = 0;
-  std::uint64_t length_ = 0;  // of the file as the system has it; buffered writes may pass it
+  std::uint64_t length_ = 0;  // as the system has it; bytes still in the buffer may lie past it
 
   // One buffer serves both directions. It holds the bytes from bufferStart_ on: read from the
   // file, or, when dirty_, still to be written there.
   std::unique_ptr<std::uint8_t[]> buffer_;
   std::uint64_t bufferStart_ = 0;
   std::size_t bufferUsed_ = 0;
+  std::size_t readAhead_ = 0;
   bool dirty_ = false;
 
   std::unique_ptr<Replacement> replacement_;

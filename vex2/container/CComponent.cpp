@@ -1,0 +1,75 @@
+#include "vex2/container/CComponent.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "vex2/container/Encoding.h"
+#include "vex2/container/ReadLimits.h"
+#include "vex2/container/Status.h"
+#include "vex2/container/TagTable.h"
+
+namespace {
+
+constexpr std::size_t kRecordHead = vex2::kTagLength + sizeof(std::uint32_t);
+
+}  // namespace
+
+CComponent::CComponent(std::string_view tag, std::uint32_t length) : length_(length) {
+  setTag(tag);
+}
+
+const CRuntimeClass* CComponent::ClassRecord() {
+  static const CRuntimeClass record{"CComponent", sizeof(CComponent), CObject::ClassRecord(),
+                                    nullptr};
+  return &record;
+}
+
+const CRuntimeClass* CComponent::GetRuntimeClass() const { return ClassRecord(); }
+
+void CComponent::setTag(std::string_view tag) {
+  tag_.fill(' ');
+  std::copy_n(tag.begin(), std::min(tag.size(), tag_.size()), tag_.begin());
+}
+
+CComponent& CComponent::Assign(const CComponent& source) {
+  if (source.tag_ == tag_) length_ = source.length_;
+  return *this;
+}
+
+int CComponent::Read(CFile* file, std::uint32_t& counter) {
+  if (file == nullptr) return vex2::kReadFailed;
+  const vex2::NestingGuard nesting;
+  std::array<std::uint8_t, kRecordHead> head{};
+  if (vex2::ReadBytes(*file, head.data(), head.size()) != vex2::kSuccess) return vex2::kNotFound;
+  if (nesting.IsTooDeep()) return vex2::kNotFound;
+  length_ = vex2::LoadBig<std::uint32_t>(head.data() + vex2::kTagLength);
+  const int status = length_ != 0 ? ReadBody(file) : vex2::kSuccess;
+  constexpr std::uint64_t kMaxCount = std::numeric_limits<std::uint32_t>::max();
+  counter = static_cast<std::uint32_t>(
+      std::min(std::uint64_t{counter} + length_ + kRecordHead, kMaxCount));
+  return status;
+}
+
+int CComponent::Read(CFile* file) {
+  std::uint32_t counter = 0;
+  return Read(file, counter);
+}
+
+int CComponent::Write(CFile* file) {
+  if (file == nullptr) return vex2::kWriteFailed;
+  file->Write(tag_.data(), tag_.size());
+  vex2::WriteValue(*file, length_);
+  // The body's status is not passed on: a refused write is the file's exception.
+  if (length_ != 0) static_cast<void>(WriteBody(file));
+  return vex2::kSuccess;
+}
+
+std::uint64_t CComponent::GetSize() const { return std::uint64_t{length_} + kRecordHead; }
+
+void CComponent::AllocateBody() {}
+void CComponent::FreeBody() {}
+bool CComponent::IsPlateSetupComp() const { return false; }
+bool CComponent::IsThermocycleComp() const { return false; }
+CString CComponent::GetValueString() { return {}; }
+int CComponent::WriteBody(CFile* /*file*/) { return vex2::kSuccess; }
+int CComponent::ReadBody(CFile* /*file*/) { return vex2::kSuccess; }

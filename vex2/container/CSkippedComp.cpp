@@ -1,0 +1,37 @@
+#include "vex2/container/CSkippedComp.h"
+
+#include <algorithm>
+#include <array>
+
+#include "vex2/container/Encoding.h"
+#include "vex2/container/TagTable.h"
+
+CSkippedComp::CSkippedComp() : CComponent({}) {}
+
+CSkippedComp::CSkippedComp(std::string_view tag, std::uint32_t length) : CComponent(tag, length) {}
+
+int CSkippedComp::Read(CFile* file, std::uint32_t& counter) {
+  if (file == nullptr) return vex2::kReadFailed;
+  const auto head = file->Peek(vex2::kTagLength);
+  if (head.size() >= vex2::kTagLength) {
+    setTag({reinterpret_cast<const char*>(head.data()), vex2::kTagLength});
+  }
+  return CComponent::Read(file, counter);
+}
+
+int CSkippedComp::WriteBody(CFile* file) {
+  if (file == nullptr) return vex2::kWriteFailed;
+  file->SetLength(file->GetLength() + GetLength());
+  file->SeekToEnd();
+  return vex2::kSuccess;
+}
+
+int CSkippedComp::ReadBody(CFile* file) {
+  if (file == nullptr) return vex2::kReadFailed;
+  try {
+    file->Seek(GetLength(), CFile::current);
+  } catch (const CFileException&) {
+    // A body that cannot be stepped over leaves the reader at a place where no tag can be read.
+  }
+  return vex2::kSuccess;
+}

@@ -1,0 +1,10 @@
+#include "vex2/framework/CFileException.h"
+
+#include <system_error>
+#include <utility>
+
+CFileException::CFileException(int error, std::string path, std::uint64_t offset)
+    : error_(error), offset_(offset), path_(std::move(path)) {
+  text_ = path_ + ": at byte " + std::to_string(offset_) + ": " +
+          std::generic_category().message(error_);
+}

@@ -1,0 +1,166 @@
+#include "vex2/framework/CFileReplacement.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <cstdlib>
+#include <utility>
+
+#include "vex2/framework/FileSystem.h"
+
+using vex2::CurrentFileSystem;
+
+namespace {
+
+std::string folderOf(const std::string& path) {
+  const auto separator = path.rfind('/');
+  if (separator == std::string::npos) return "./";
+  return path.substr(0, separator + 1);
+}
+
+std::string resolved(const char* path) {
+  const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path, nullptr), &std::free);
+  return real != nullptr ? real.get() : path;
+}
+
+bool isDanglingLink(const char* path) {
+  struct stat link {};
+  struct stat target {};
+  return ::lstat(path, &link) == 0 && S_ISLNK(link.st_mode) && ::stat(path, &target) != 0;
+}
+
+// The folder takes no new file, or the place is not ours to give to another one.
+bool renameCannotServe(int error) {
+  return error == EACCES || error == EPERM || error == EROFS || error == EBUSY || error == EXDEV;
+}
+
+}  // namespace
+
+CFile::Replacement::~Replacement() {
+  auto& files = CurrentFileSystem();
+  if (!temporary.empty()) files.Remove(temporary.c_str());
+  if (targetHandle >= 0) files.Close(targetHandle);
+}
+
+bool CFile::OpenReplacement(const char* path, CFileException* error) {
+  Close();
+  CFileException why;
+  const bool exists = openLocked(path, O_WRONLY, true, &why);
+  if (!exists && why.GetError() != ENOENT) {
+    if (error != nullptr) *error = why;
+    return false;
+  }
+  auto replacement = std::make_unique<Replacement>();
+  struct stat info {};
+  const bool single =
+      !exists || (CurrentFileSystem().Stat(handle_, info) >= 0 && regular_ && info.st_nlink == 1);
+  if (single && !(path != nullptr && isDanglingLink(path))) {
+    replacement->target = exists ? resolved(path) : path;
+    replacement->targetHandle = std::exchange(handle_, -1);
+    replacement_ = std::move(replacement);
+    if (openTemporary(&why)) {
+      path_ = path;
+      return true;
+    }
+    const int targetHandle = std::exchange(replacement_->targetHandle, -1);
+    replacement_.reset();
+    handle_ = targetHandle;
+    if (!renameCannotServe(why.GetError())) {
+      releaseHandle();
+      if (error != nullptr) *error = CFileException(why.GetError(), path, 0);
+      return false;
+    }
+  }
+  releaseHandle();
+  if (!Open(path, modeWrite | modeCreate, error)) return false;
+  replacement_ = std::make_unique<Replacement>();
+  return true;
+}
+
+bool CFile::openTemporary(CFileException* error) {
+  static std::atomic<unsigned> count{0};
+  auto& files = CurrentFileSystem();
+  for (;;) {
+    // The name does not grow with the target's, which may be as long as names can be.
+    const std::string path = folderOf(replacement_->target) + ".vex2-save-" +
+                             std::to_string(::getpid()) + "-" + std::to_string(count++);
+    handle_ = files.Open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (handle_ == -EEXIST || handle_ == -EINTR) continue;
+    if (handle_ < 0) {
+      *error = CFileException(-std::exchange(handle_, -1), path, 0);
+      return false;
+    }
+    replacement_->temporary = path;
+    break;
+  }
+  regular_ = true;
+  length_ = 0;
+  position_ = 0;
+  forgetBuffer();
+  if (replacement_->targetHandle >= 0) {
+    const int status = files.CopyAttributes(replacement_->targetHandle, handle_);
+    if (status < 0) {
+      releaseHandle();
+      *error = CFileException(-status, replacement_->temporary, 0);
+      return false;
+    }
+  }
+  return true;
+}
+
+void CFile::CloseReplacement() {
+  if (handle_ < 0 || replacement_ == nullptr) fail(EBADF, 0);
+  try {
+    writeOut();
+    syncAll(handle_);
+    if (!replacement_->temporary.empty()) putInPlace();
+  } catch (...) {
+    Abort();
+    throw;
+  }
+  Abort();
+}
+
+void CFile::putInPlace() {
+  auto& files = CurrentFileSystem();
+  auto& replacement = *replacement_;
+  const int status = files.Rename(replacement.temporary.c_str(), replacement.target.c_str());
+  if (status < 0 && replacement.targetHandle >= 0 && renameCannotServe(-status)) {
+    copyInto(replacement.targetHandle);
+    return;
+  }
+  if (status < 0) fail(-status, 0);
+  replacement.temporary.clear();
+  // Without this the new name may be lost with the power, and with it nothing but the new content.
+  const int folder =
+      files.Open(folderOf(replacement.target).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0);
+  if (folder < 0) return;
+  const int synced = files.SyncAll(folder);
+  files.Close(folder);
+  if (synced < 0 && synced != -EINVAL) fail(-synced, 0);
+}
+
+// The last resort where the folder will not exchange one file for another.
+void CFile::copyInto(int target) {
+  position_ = 0;
+  forgetBuffer();
+  for (auto bytes = Peek(kBufferSize); !bytes.empty(); bytes = Peek(kBufferSize)) {
+    writeAt(target, bytes.data(), bytes.size(), position_);
+    position_ += bytes.size();
+  }
+  if (const int status = CurrentFileSystem().Truncate(target, length_); status < 0) {
+    fail(-status, length_);
+  }
+  syncAll(target);
+}
+
+void CFile::syncAll(int handle) {
+  int status = 0;
+  do {
+    status = CurrentFileSystem().SyncAll(handle);
+  } while (status == -EINTR);
+  if (status < 0 && regular_) fail(-status, 0);
+}

@@ -1,0 +1,109 @@
+#include "vex2/framework/FileSystem.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <cstdio>
+#include <ctime>
+
+namespace vex2 {
+namespace {
+
+FileSystem& SystemFiles() {
+  static FileSystem system;
+  return system;
+}
+
+std::atomic<FileSystem*> installed{nullptr};
+
+template <typename Result>
+Result orError(Result result) {
+  return result < 0 ? static_cast<Result>(-errno) : result;
+}
+
+constexpr const char* kAccessList = "system.posix_acl_access";
+
+}  // namespace
+
+FileSystem::~FileSystem() = default;
+
+int FileSystem::Open(const char* path, int flags, mode_t mode) {
+  return orError(::open(path, flags, mode));
+}
+
+int FileSystem::Close(int file) { return orError(::close(file)); }
+
+ssize_t FileSystem::ReadAt(int file, void* bytes, std::size_t count, std::uint64_t offset) {
+  return orError(::pread(file, bytes, count, static_cast<off_t>(offset)));
+}
+
+ssize_t FileSystem::WriteAt(int file, const void* bytes, std::size_t count, std::uint64_t offset) {
+  return orError(::pwrite(file, bytes, count, static_cast<off_t>(offset)));
+}
+
+int FileSystem::Truncate(int file, std::uint64_t length) {
+  return orError(::ftruncate(file, static_cast<off_t>(length)));
+}
+
+int FileSystem::SyncData(int file) { return orError(::fdatasync(file)); }
+
+int FileSystem::SyncAll(int file) { return orError(::fsync(file)); }
+
+int FileSystem::Lock(int file, bool exclusive) {
+  return orError(::flock(file, (exclusive ? LOCK_EX : LOCK_SH) | LOCK_NB));
+}
+
+int FileSystem::Stat(int file, struct stat& info) { return orError(::fstat(file, &info)); }
+
+int FileSystem::StatPath(const char* path, struct stat& info) {
+  return orError(::stat(path, &info));
+}
+
+int FileSystem::Rename(const char* from, const char* to) { return orError(std::rename(from, to)); }
+
+int FileSystem::Remove(const char* path) { return orError(::unlink(path)); }
+
+int FileSystem::CopyAttributes(int model, int file) {
+  struct stat info {};
+  if (const int status = Stat(model, info); status < 0) return status;
+  // Another user's file stays writable for those who may write it, even if its owner changes:
+  // group and permissions are tried in turn, and a refusal of the owner alone is no failure.
+  if (::fchown(file, info.st_uid, info.st_gid) != 0) {
+    [[maybe_unused]] const int ignored = ::fchown(file, static_cast<uid_t>(-1), info.st_gid);
+  }
+  if (::fchmod(file, info.st_mode & 07777U) != 0) return -errno;
+  std::array<char, 4096> list{};
+  const ssize_t size = ::fgetxattr(model, kAccessList, list.data(), list.size());
+  if (size > 0) {
+    [[maybe_unused]] const int ignored =
+        ::fsetxattr(file, kAccessList, list.data(), static_cast<std::size_t>(size), 0);
+  }
+  return 0;
+}
+
+std::int64_t FileSystem::Milliseconds() {
+  timespec now{};
+  ::clock_gettime(CLOCK_MONOTONIC, &now);
+  return std::int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1'000'000;
+}
+
+void FileSystem::Pause(int milliseconds) {
+  const timespec pause{milliseconds / 1000, (milliseconds % 1000) * 1'000'000L};
+  ::nanosleep(&pause, nullptr);
+}
+
+FileSystem& CurrentFileSystem() {
+  FileSystem* system = installed.load(std::memory_order_acquire);
+  return system != nullptr ? *system : SystemFiles();
+}
+
+FileSystem* SetFileSystem(FileSystem* system) {
+  return installed.exchange(system, std::memory_order_acq_rel);
+}
+
+}  // namespace vex2

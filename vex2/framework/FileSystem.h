@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include <sys/stat.h>
+#include <sys/types.h>
+
+namespace vex2 {
+
+/// The one seam between the library and the operating system's files. `CFile` goes through it for
+/// everything, so that faults of every kind can be staged behind it. Internal, not installed.
+///
+/// Every operation answers a non-negative result or the negated system error number. Interrupted
+/// and partial transfers are the caller's to continue.
+class FileSystem {
+ public:
+  virtual ~FileSystem();
+
+  virtual int Open(const char* path, int flags, mode_t mode);
+  virtual int Close(int file);
+  virtual ssize_t ReadAt(int file, void* bytes, std::size_t count, std::uint64_t offset);
+  virtual ssize_t WriteAt(int file, const void* bytes, std::size_t count, std::uint64_t offset);
+  virtual int Truncate(int file, std::uint64_t length);
+  /// Content (and what is needed to find it) is on the disk when it returns.
+  virtual int SyncData(int file);
+  /// Content and attributes are on the disk when it returns.
+  virtual int SyncAll(int file);
+  /// Takes an advisory lock without waiting; -EWOULDBLOCK when another holds it.
+  virtual int Lock(int file, bool exclusive);
+  virtual int Stat(int file, struct stat& info);
+  virtual int StatPath(const char* path, struct stat& info);
+  virtual int Rename(const char* from, const char* to);
+  virtual int Remove(const char* path);
+  /// Gives `file` the permissions, owner and access list of `model` as far as the system lets it.
+  virtual int CopyAttributes(int model, int file);
+  /// Monotonic milliseconds, and a pause: what waiting for a lock needs.
+  virtual std::int64_t Milliseconds();
+  virtual void Pause(int milliseconds);
+};
+
+/// The file system in use; the system's own unless one was installed.
+FileSystem& CurrentFileSystem();
+
+/// Installs `system` for the whole process, null for the system's own. Returns what was installed
+/// before. It stays the caller's.
+FileSystem* SetFileSystem(FileSystem* system);
+
+}  // namespace vex2

@@ -1,0 +1,295 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "vex2/container/CComponent.h"
+#include "vex2/container/Status.h"
+#include "vex2/framework/CFile.h"
+#include "vex2/framework/CString.h"
+#include "vex2/framework/CStringList.h"
+#include "vex2/framework/CWnd.h"
+#include "vex2/manager/Vex2HeaderData.h"
+#include "vex2/run/ThermocycleProgram.h"
+#include "vex2/run/TimeStamp.h"
+#include "vex2/run/Vex2AcquisitionData.h"
+#include "vex2/run/Vex2DataType.h"
+#include "vex2/run/Vex2FrameData.h"
+#include "vex2/run/Vex2GlobalComplex.h"
+#include "vex2/run/Vex2WellRecord.h"
+
+class AcquisitionDataComp;
+class CGlobalComp;
+class ThermocycleProgramComp;
+
+/// One plate document: its header and its components, in memory, and the operations that read and
+/// change them and bring them to and from the disk.
+///
+/// Operations that return int answer 0 or a negative `vex2::Status`; none throws. Those without a
+/// path work on the document in memory alone. "Replace" and "Set" operations move what they change
+/// to the end of the document. Pointers that are handed out belong to the document and are valid
+/// until it changes; arrays that are filled for the caller belong to the caller.
+///
+/// Wells are numbered from 1 unless called an index; frames and indexes count from 0. One thread
+/// uses a manager at a time; managers on different threads are independent.
+class VEX2_API Vex2FileManager : public CFile {
+ public:
+  // --- Life of a document (Vex2FileManager.cpp, Vex2FileManagerFiles.cpp) ---
+
+  /// A closed file and an empty document for a 96-well plate.
+  Vex2FileManager();
+  /// A closed file and a copy of the other's header, path and components; components of unknown
+  /// kinds are left out, analysis results and settings are not copied.
+  Vex2FileManager(const Vex2FileManager& other);
+  /// Resets and copies as above. Assigning a manager to itself leaves it empty.
+  Vex2FileManager& operator=(const Vex2FileManager& other);
+  ~Vex2FileManager() override;
+
+  const CRuntimeClass* GetRuntimeClass() const override;
+  static const CRuntimeClass* ClassRecord();
+
+  CString GetFileName() const override;
+  CString GetFileTitle() const override;
+  /// The path that was last opened or set, also while the file is closed.
+  CString GetFilePath() const override;
+
+  // The order of these six is part of the binary interface. A null file is the manager's own.
+
+  /// Writes the header to the manager's own file and all components to the end of `file`. A study
+  /// keeps eight kinds of components and ends with an "EOF " record. -200 when the manager's file
+  /// is not open or a write failed.
+  virtual int WriteComponentFile(CFile* file);
+  /// Resets and reads the whole document. -100 when the manager's file is not open or is no "Vex2"
+  /// document, else the status of the record that ended the reading; what was read before stays.
+  virtual int ReadComponentFile(CFile* file);
+
+ protected:
+  /// Right after `component` was written: keeps the header's positions up to date, in memory and
+  /// in the file, and leaves the position at the file's end.
+  virtual void UpdateHeaderOffsets(const CComponent& component);
+
+ public:
+  virtual int ReadHeaderData(CFile* file);
+  /// Reads the header from offset 0 of `file` into `header` and leaves the position behind it.
+  /// -100 when the manager's file is not open or is no "Vex2" document.
+  virtual int ReadHeaderData(Vex2HeaderData& header, CFile* file);
+  /// Writes the header to offset 0 of the manager's own file, whatever `file` is, and drops
+  /// everything behind it. -200 when that is not open or refuses.
+  virtual int WriteHeaderData(CFile* file);
+
+  /// Empties header and document. The file stays open, the path and the document's own analysis
+  /// results stay. Always 0.
+  int Reset();
+
+  /// Opens `path` and keeps it as the document's: for reading with `write` 0; else for writing,
+  /// emptied with `append` 0, at its end otherwise. 1 when open, 0 when not.
+  int SafeOpen(const char* path, int write, int append);
+
+  /// Reads the document at `path`, or one that the user chooses when `path` is null or `dialog`
+  /// true. 0 also for a document that could be read in part only: `ReadComponentFile` after
+  /// `SafeOpen` tells. -50 when the user cancelled, -100 when the file cannot be opened.
+  int ReadFromFile(const char* path, bool dialog = false);
+  /// Saves the document to `path`, chosen as above. What stood there is replaced only once the new
+  /// document is complete and on the disk. -50 or -200 on failure, and the old one stands.
+  int SaveToFile(const char* path, bool dialog = false);
+  /// Takes over `header` and saves it alone to `path`, as `SaveToFile` does. 0 or -200.
+  int SaveHeader(const char* path, const Vex2HeaderData& header);
+
+  int GetAllComponentCount() const;
+  /// Empties `tags` and fills it with the components' tags in order. Always true.
+  bool GetComponentTagList(CStringList& tags) const;
+  /// The component at `index` from 0, owned by the document; null for an index out of range.
+  CComponent* GetComponent(int index) const;
+  /// For tests of the list operations: a new header and, behind what there is, a placeholder for
+  /// each kind, with lengths 100, 99, and so on. No valid document.
+  void initTestData();
+  bool IsAcquisitionDataAvailable() const;
+
+  // --- Header (Vex2FileManagerHeader.cpp) ---
+
+  const Vex2HeaderData& GetHeaderData() const { return header_; }
+  void SetHeaderData(const Vex2HeaderData& header) { header_ = header; }
+  int GetHeaderRows() const { return header_.rows; }
+  int GetHeaderCols() const { return header_.columns; }
+  /// Always 1024.
+  int GetHeaderBytes() const { return kHeaderBytes; }
+  void SetFilePath(const char* path) { filePath_ = path; }
+
+  // Tests on the open file; false when it is not open or is no "Vex2" document. They move the
+  // position.
+  bool IsVex2Format();
+  bool IsBlueLightSpecialFile();
+  bool IsKestorFile();
+
+  // --- Kind of run (Vex2FileManagerAssay.cpp) ---
+
+  bool IsAssayType(int type) const;
+  bool IsRQP() const;
+  bool IsRQS() const;
+
+  // --- Run-wide settings (Vex2FileManagerSettings.cpp) ---
+
+  /// Copies the settings that the document holds into `info`; -300 when it holds none.
+  int GetGlobalComplexInfo(Vex2GlobalComplex* info) const;
+  /// Replaces all settings; a null `info` leaves an empty list of them. Always 0.
+  int ReplaceGlobalComplexComp(const Vex2GlobalComplex* info);
+  /// Replaces all settings and appends them to the file at `path`. 0 or -200.
+  int AppendGlobalComplexComp(const char* path, const Vex2GlobalComplex* info);
+  /// Most dyes in a well; 4 with -300 when the document does not say, which is so for every
+  /// document that was read.
+  int GetMaxDyesPerWell(int& count) const;
+  int GetConfidencePercent(float& percent) const;
+  int UpdateConfidencePercent(float percent);
+  /// Getters of texts empty their argument first; -300 when there is none. Setting an empty text
+  /// removes it. Setters always answer 0.
+  int GetCalibrator(CString& name) const;
+  int SetCalibrator(const CString& name);
+  int GetEndoControl(CString& name) const;
+  int SetEndoControl(const CString& name);
+  int GetRQAnalysisType(unsigned short& type) const;
+  int SetRQAnalysisType(unsigned short type);
+  /// Up to the first zero byte; empty when there is none.
+  void GetPassiveReference(CString& name) const;
+  void SetPassiveReference(const CString& name);
+  int GetSampleVolume() const;
+  void SetSampleVolume(unsigned short volume);
+  /// One byte each, with its sign.
+  void GetPrePostFlags(int& pre, int& post) const;
+  void SetPrePostFlags(int pre, int post);
+
+  // --- Thermal cycling program (Vex2FileManagerProgram.cpp) ---
+
+  /// Copies the program into `program`, which may be null; -300 when there is none.
+  int GetThermocycleProgramInfo(ThermocycleProgram* program) const;
+  /// `program` must not be null. Always 0.
+  int ReplaceThermocycleProgram(const ThermocycleProgram* program);
+  ThermocycleProgramComp* GetThermocycleProgComp() const;
+
+  // --- Data blocks (Vex2FileManagerBlocks.cpp) ---
+
+  /// Always 0.
+  int RemoveAcquisitionDataBlock(Vex2DataType type);
+  /// Replaces the block in memory and in the file at `path`. Raw data must be the file's last
+  /// record: everything behind them is cut off. Reporting blocks are rewritten together from the
+  /// first of them on. -100 when the file is no readable document, -200 when it cannot be written.
+  int ReplaceAcquisitionDataBlock(const char* path, const Vex2AcquisitionData* data,
+                                  Vex2DataType type);
+
+  // --- Frames (Vex2FileManagerFrames.cpp) ---
+
+  /// Gives the block these wells, or makes a block for them. See `AcquisitionDataComp`.
+  void InitAcqDataWellNumberArray(const unsigned short* wellNumbers, unsigned short count,
+                                  Vex2DataType type);
+  /// Appends a frame in memory and commits it.
+  int AppendAcquisitionDataFrame(const char* path, const Vex2FrameData* frame, Vex2DataType type);
+  /// Brings a frame that is complete in memory to the file at `path`; when this answers 0 it is on
+  /// the disk. Reporting blocks are not written (0). -300 without a block, -100 when the file is no
+  /// readable document, -200 when it cannot be written, -260 when there is no such frame. On
+  /// failure the file has the length that it had.
+  int CommitAcqDataFrame(const char* path, int frameIndex, Vex2DataType type);
+  /// Sets one well's record in memory; frames are filled in order.
+  bool SetAcqDataWellRecord(const Vex2WellRecord* record, int frameIndex, int wellNumber,
+                            Vex2DataType type);
+  bool SetAcqDataStartTime(const TimeStamp& time, Vex2DataType type);
+  bool SetAcqDataEndTime(const TimeStamp& time, Vex2DataType type);
+  bool GetAcqDataStartTime(TimeStamp& time, Vex2DataType type) const;
+  bool GetAcqDataEndTime(TimeStamp& time, Vex2DataType type) const;
+
+  /// Copies a frame into `frame`, which may be null. -300 without a block, -260 without the frame.
+  int ReadDataFrame(int frameIndex, Vex2FrameData* frame, Vex2DataType type) const;
+  bool GetAcqDataWellRecord(Vex2WellRecord* record, int frameIndex, int wellNumber,
+                            Vex2DataType type) const;
+  bool GetAcqDataWellRecordForWellIndex(Vex2WellRecord* record, int frameIndex, int wellIndex,
+                                        Vex2DataType type) const;
+  /// Frames that hold the well: all of them, or 0 when the block does not have it.
+  int GetDataCntInWell(int wellNumber, Vex2DataType type) const;
+  int GetDataFrameCount(Vex2DataType type) const;
+  /// Of a plate of this study; of the document itself for a null name.
+  int GetDataFrameCountByName(const char* plateName, Vex2DataType type) const;
+  int GetWellCount(Vex2DataType type) const;
+
+  /// Straight from a file, which costs the header, the block's head and the frame; the document in
+  /// memory stays. A frame index out of range is no error and leaves `frame` as it was.
+  int GetDataFrameCount(const char* path, int& count, Vex2DataType type);
+  int ReadDataFrame(const char* path, int frameIndex, Vex2FrameData* frame, Vex2DataType type);
+
+  // --- Acquisition status (Vex2FileManagerStatus.cpp) ---
+
+  CString GetAcquisitionStatus() const;
+  /// Exactly four characters; anything else is reported to the user, changes nothing, and is -261.
+  int SetAcquisitionStatus(const char* status);
+  /// In memory and in the file's header. 0 or -200.
+  int SetAcquisitionStatus(const char* path, const char* status);
+  bool IsAcquisitionZero() const;
+  bool IsAcquisitionProg() const;
+  bool IsAcquisitionDone() const;
+
+ protected:
+  static constexpr int kHeaderBytes = 1024;
+
+  /// Copies header, path and components; what the manager held must be gone.
+  void deepCopy(const Vex2FileManager& source);
+  /// The first component with this tag, or null. What is found is a position for the next.
+  CComponent* includesComponent(std::string_view tag) const;
+  /// Deletes the component at the position; nothing happens for null.
+  void RemoveComponent(CComponent* position);
+  /// The same search with the class; null also when another class stands under the tag.
+  template <typename Component>
+  Component* find(std::string_view tag) const {
+    return dynamic_cast<Component*>(includesComponent(tag));
+  }
+  void appendComponent(std::unique_ptr<CComponent> component);
+  /// Removes what has the component's tag and appends the component.
+  void replaceComponent(std::unique_ptr<CComponent> component);
+
+  /// Runs an operation that reads or writes files. Refusals of the system and memory that runs out
+  /// become `failure`, and the file is closed unless it was open before.
+  int guarded(int failure, const std::function<int()>& operation);
+  /// Replaces the file at `path` with what `write` puts into the open manager. 0 or the status.
+  int saveWhole(const char* path, const std::function<int()>& write);
+  /// Opens the file at `path` for writing without emptying it, runs `write` with the position at
+  /// its end, and closes. -200 when it cannot be opened.
+  int appendTo(const char* path, const std::function<int()>& write);
+  /// Opens a document for in-place changes: -100 when it is no readable document, -200 when it
+  /// cannot be written, else 0 and the file is open for reading and writing.
+  int openForPatching(const char* path);
+  bool openKeepingPath(const char* path, unsigned flags);
+
+  int ReadHeaderDataHelper(Vex2HeaderData& header, CFile* file);
+  int WriteHeaderDataHelper(std::uint32_t& headerBytes, CFile* file);
+  int UpdateThermocycleOffset(unsigned long offset);
+  int UpdateAcqDataOffset(unsigned long offset);
+  int WriteThermocycleComp();
+
+  int AppendAcquisitionDataBlock(const char* path, const Vex2AcquisitionData* data);
+  AcquisitionDataComp* findBlock(Vex2DataType type) const;
+  /// The position of the block's tag in the open file, or 0.
+  long findReporterCompOffset(Vex2DataType type);
+  int readAFrame(int frameIndex, Vex2FrameData* frame, long blockOffset);
+
+  /// The components that a save writes: all of them, but for a study.
+  bool isWritten(const CComponent& component) const;
+
+  Vex2HeaderData header_;
+
+ private:
+  struct BlockGeometry;
+
+  bool hasMarker(std::uint64_t offset, std::string_view marker);
+  int readComponents(CFile& file);
+  int patchHeaderWord(std::uint64_t at, unsigned long value);
+  std::uint32_t documentPosition(std::uint64_t position) const;
+  int replaceRawData(const char* path, AcquisitionDataComp& block);
+  int replaceReportingData(const char* path, AcquisitionDataComp& block);
+  int commitFrame(AcquisitionDataComp& block, int frameIndex);
+  int readGeometry(long blockOffset, BlockGeometry& geometry);
+  int getText(std::string_view tag, CString& text) const;
+  int setText(std::string_view tag, const CString& text);
+  bool hasStatus(std::string_view status) const;
+
+  CString filePath_;
+  std::vector<std::unique_ptr<CComponent>> components_;
+};

@@ -1,0 +1,219 @@
+#include "vex2/run/AcquisitionDataComp.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <numeric>
+
+#include "vex2/container/Encoding.h"
+#include "vex2/container/ReadLimits.h"
+#include "vex2/run/WellRecordCoding.h"
+
+using vex2::kStoredRecordSize;
+using vex2::kSuccess;
+
+AcquisitionDataComp::AcquisitionDataComp(std::string_view tag) : CComponent(tag, kFixedLength) {}
+
+AcquisitionDataComp::AcquisitionDataComp(std::string_view tag, const std::uint16_t* wellNumbers,
+                                         std::uint16_t count)
+    : AcquisitionDataComp(tag) {
+  if (count == 0 || wellNumbers == nullptr) return;
+  allocate(count);
+  std::copy_n(wellNumbers, count, wellNumbers_.begin());
+  setLength(kFixedLength + 2U * count);
+}
+
+AcquisitionDataComp::AcquisitionDataComp(std::string_view tag, const Vex2FrameData& frame)
+    : AcquisitionDataComp(tag) {
+  allocate(frame.wellCount);
+  setLength(kFixedLength + 2U * frame.wellCount);
+  SetFrame(0, frame);
+}
+
+AcquisitionDataComp::AcquisitionDataComp(std::string_view tag, const Vex2AcquisitionData& data)
+    : AcquisitionDataComp(tag) {
+  if (data.frames == nullptr || data.frameCount <= 0) return;
+  allocate(data.frames[0].wellCount);
+  setLength(kFixedLength + 2U * data.frames[0].wellCount);
+  for (int index = 0; index < data.frameCount; ++index) {
+    if (!SetFrame(index, data.frames[index])) return;
+  }
+}
+
+std::uint64_t AcquisitionDataComp::frameSize() const {
+  return kStoredRecordSize * wellNumbers_.size();
+}
+
+// The well numbers' bytes are fewer than a frame's and vanish in the division.
+int AcquisitionDataComp::GetFrameCount() const {
+  if (wellNumbers_.empty() || GetLength() < kFixedLength) return 0;
+  return static_cast<int>((GetLength() - kFixedLength) / frameSize());
+}
+
+bool AcquisitionDataComp::canGrow() const {
+  return GetLength() + frameSize() <= std::numeric_limits<std::uint32_t>::max();
+}
+
+void AcquisitionDataComp::allocate(std::size_t wells) {
+  frames_.clear();
+  wellNumbers_.resize(wells);
+  std::iota(wellNumbers_.begin(), wellNumbers_.end(), std::uint16_t{1});
+  if (wells != 0) frames_.resize(static_cast<std::size_t>(capacity_));
+}
+
+bool AcquisitionDataComp::makeRoom(int index) {
+  if (wellNumbers_.empty()) return true;
+  const std::uint64_t end = (std::uint64_t{static_cast<std::uint32_t>(index)} + 1) * frameSize();
+  if (index < 0 || end > std::numeric_limits<std::uint32_t>::max()) return false;
+  if (index >= capacity_) {
+    capacity_ += kCapacityStep * ((index - capacity_ + 1) / kCapacityStep + 1);
+  }
+  if (frames_.size() < static_cast<std::size_t>(capacity_)) {
+    frames_.resize(static_cast<std::size_t>(capacity_));
+  }
+  return true;
+}
+
+AcquisitionDataComp::Frame AcquisitionDataComp::newFrame() const {
+  void* memory = ::operator new(wellNumbers_.size() * sizeof(Vex2WellRecord));
+  return Frame(static_cast<Vex2WellRecord*>(memory));
+}
+
+Vex2WellRecord* AcquisitionDataComp::frameToFill(int index) {
+  Frame& frame = frames_[static_cast<std::size_t>(index)];
+  if (frame == nullptr) {
+    frame = newFrame();
+    std::fill_n(frame.get(), wellNumbers_.size(), Vex2WellRecord{});
+  }
+  return frame.get();
+}
+
+void AcquisitionDataComp::SetWellNumbers(const std::uint16_t* wellNumbers, std::uint16_t count) {
+  if (wellNumbers == nullptr || count == 0) return;
+  if (count != wellNumbers_.size()) allocate(count);
+  std::copy_n(wellNumbers, count, wellNumbers_.begin());
+}
+
+int AcquisitionDataComp::FindWell(int wellNumber) const {
+  const auto found = std::find(wellNumbers_.begin(), wellNumbers_.end(), wellNumber);
+  return found != wellNumbers_.end() ? static_cast<int>(found - wellNumbers_.begin()) : -1;
+}
+
+bool AcquisitionDataComp::SetFrame(int index, const Vex2FrameData& frame) {
+  if (wellNumbers_.empty()) return true;
+  if (!canGrow() || !makeRoom(index)) return false;
+  Vex2WellRecord* records = frameToFill(index);
+  const std::size_t given =
+      frame.records != nullptr ? std::min<std::size_t>(frame.wellCount, wellNumbers_.size()) : 0;
+  std::copy_n(frame.records, given, records);
+  std::fill(records + given, records + wellNumbers_.size(), Vex2WellRecord{});
+  setLength(static_cast<std::uint32_t>(GetLength() + frameSize()));
+  return true;
+}
+
+bool AcquisitionDataComp::SetWellRecord(int index, int position, const Vex2WellRecord& record) {
+  if (position < 0 || position >= GetWellCount() || !canGrow() || !makeRoom(index)) return false;
+  Vex2WellRecord* records = frameToFill(index);
+  records[position] = record;
+  int filled = 0;
+  for (std::size_t i = 0; i < wellNumbers_.size() && filled < 2; ++i) {
+    if (records[i].leading[0] != 0) ++filled;
+  }
+  if (filled == 1) setLength(static_cast<std::uint32_t>(GetLength() + frameSize()));
+  return true;
+}
+
+const Vex2WellRecord* AcquisitionDataComp::GetFrame(int index) const {
+  const auto place = static_cast<std::size_t>(index);
+  return index >= 0 && place < frames_.size() ? frames_[place].get() : nullptr;
+}
+
+void AcquisitionDataComp::CopyFrame(int index, Vex2FrameData& frame) const {
+  frame.Resize(GetWellCount());
+  if (const Vex2WellRecord* records = GetFrame(index)) {
+    std::copy_n(records, wellNumbers_.size(), frame.records);
+  }
+}
+
+int AcquisitionDataComp::WriteFrame(CFile& file, int index) const {
+  if (index < 0 || index >= GetFrameCount()) return vex2::kNoSuchFrame;
+  vex2::WriteWellRecords(file, GetFrame(index), wellNumbers_.size());
+  return kSuccess;
+}
+
+void AcquisitionDataComp::Upgrade() {
+  if (version_ >= 2) return;
+  const auto frames = static_cast<std::uint64_t>(GetFrameCount());
+  version_ = 2;
+  setLength(static_cast<std::uint32_t>(kFixedLength + 2 * wellNumbers_.size() +
+                                       frames * frameSize()));
+}
+
+CComponent& AcquisitionDataComp::Assign(const CComponent& source) {
+  const auto* same = dynamic_cast<const AcquisitionDataComp*>(&source);
+  if (same == nullptr || same == this || source.GetTag() != GetTag()) return *this;
+  CComponent::Assign(source);
+  version_ = same->version_;
+  timeBlockSize_ = same->timeBlockSize_;
+  startTime_ = same->startTime_;
+  endTime_ = same->endTime_;
+  capacity_ = same->capacity_;
+  allocate(same->wellNumbers_.size());
+  wellNumbers_ = same->wellNumbers_;
+  for (std::size_t i = 0; i < same->frames_.size(); ++i) {
+    if (same->frames_[i] == nullptr) continue;
+    frames_[i] = newFrame();
+    std::copy_n(same->frames_[i].get(), wellNumbers_.size(), frames_[i].get());
+  }
+  return *this;
+}
+
+int AcquisitionDataComp::WriteBody(CFile* file) {
+  if (file == nullptr) return vex2::kWriteFailed;
+  vex2::WriteValue(*file, version_);
+  vex2::WriteValue(*file, timeBlockSize_);
+  file->Write(startTime_.fields, sizeof startTime_.fields);
+  file->Write(endTime_.fields, sizeof endTime_.fields);
+  vex2::WriteValue(*file, GetWellCount());
+  for (const std::uint16_t number : wellNumbers_) vex2::WriteValue(*file, number);
+  const int frames = GetFrameCount();
+  for (int index = 0; index < frames; ++index) {
+    vex2::WriteWellRecords(*file, GetFrame(index), wellNumbers_.size());
+  }
+  return kSuccess;
+}
+
+int AcquisitionDataComp::ReadBody(CFile* file) {
+  if (file == nullptr) return vex2::kReadFailed;
+  int status = vex2::ReadValue(*file, version_);
+  if (status == kSuccess && version_ >= 2) {
+    status = vex2::ReadValue(*file, timeBlockSize_);
+    if (status == kSuccess) status = vex2::ReadBytes(*file, startTime_.fields, 6);
+    if (status == kSuccess) status = vex2::ReadBytes(*file, endTime_.fields, 6);
+  }
+  std::uint16_t wells = 0;
+  if (status == kSuccess) status = vex2::ReadValue(*file, wells);
+  if (status != kSuccess) return status;
+  if (!vex2::HasBytesLeft(*file, 2U * wells)) return vex2::ShortRead(*file);
+  allocate(wells);
+  for (std::uint16_t& number : wellNumbers_) {
+    status = vex2::ReadValue(*file, number);
+    if (status != kSuccess) return status;
+  }
+  return readFrames(*file);
+}
+
+int AcquisitionDataComp::readFrames(CFile& file) {
+  const int frames = GetFrameCount();
+  if (!vex2::HasBytesLeft(file, static_cast<std::uint64_t>(frames) * frameSize())) {
+    return vex2::ShortRead(file);
+  }
+  if (frames > 0 && !makeRoom(frames - 1)) return vex2::kReadFailed;
+  for (int index = 0; index < frames; ++index) {
+    Frame frame = newFrame();
+    const int status = vex2::ReadWellRecords(file, frame.get(), wellNumbers_.size());
+    if (status != kSuccess) return status;
+    frames_[static_cast<std::size_t>(index)] = std::move(frame);
+  }
+  return kSuccess;
+}

@@ -1,0 +1,23 @@
+#include "vex2/run/ThermocycleProgramComp.h"
+
+#include <cstring>
+
+#include "vex2/container/Status.h"
+
+ThermocycleProgramComp::ThermocycleProgramComp() : CBlockValueComp("TPro") {}
+
+ThermocycleProgramComp::ThermocycleProgramComp(const ThermocycleProgram& program)
+    : CBlockValueComp("TPro", program.length, program.data) {}
+
+void ThermocycleProgramComp::CopyTo(ThermocycleProgram& program) const {
+  program.Clear();
+  program.length = GetLength();
+  program.Allocate();
+  if (program.data != nullptr && GetData() != nullptr) {
+    std::memcpy(program.data, GetData(), GetLength());
+  }
+}
+
+int ThermocycleProgramComp::WriteBody(CFile* file) {
+  return GetData() != nullptr ? CBlockValueComp::WriteBody(file) : vex2::kWriteFailed;
+}

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <cstdint>
+
+#include "vex2/framework/Export.h"
+
+/// A date and time of day in six bytes. Their order and meaning belong to the applications; the
+/// library stores and returns them as they are.
+struct VEX2_API TimeStamp {
+  std::uint8_t fields[6] = {};
+
+  friend bool operator==(const TimeStamp&, const TimeStamp&) = default;
+};

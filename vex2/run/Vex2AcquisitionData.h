@@ -1,0 +1,13 @@
+#pragma once
+
+#include <cstdint>
+
+#include "vex2/framework/Export.h"
+#include "vex2/run/Vex2FrameData.h"
+
+/// A whole data block as a caller hands it in. Borrows its frames, which must have the same number
+/// of wells each.
+struct VEX2_API Vex2AcquisitionData {
+  Vex2FrameData* frames = nullptr;
+  std::int32_t frameCount = 0;
+};

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+
+#include "vex2/framework/Export.h"
+#include "vex2/run/Vex2WellRecord.h"
+
+/// One frame: a record per well, in the block's well order. Owns its records.
+struct VEX2_API Vex2FrameData {
+  Vex2WellRecord* records = nullptr;  ///< `wellCount` records made with new[], or null
+  std::uint16_t wellCount = 0;
+
+  Vex2FrameData() = default;
+  /// A frame of `count` records that are all zero.
+  explicit Vex2FrameData(std::uint16_t count) { Resize(count); }
+  Vex2FrameData(const Vex2FrameData&) = delete;
+  Vex2FrameData& operator=(const Vex2FrameData&) = delete;
+  Vex2FrameData(Vex2FrameData&& other) noexcept;
+  Vex2FrameData& operator=(Vex2FrameData&& other) noexcept;
+  ~Vex2FrameData() { delete[] records; }
+
+  /// Releases the records and makes `count` new ones that are all zero; none for 0.
+  void Resize(std::uint16_t count);
+};
