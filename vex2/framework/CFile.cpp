@@ -6,10 +6,11 @@
 #include <cerrno>
 #include <cstring>
 #include <limits>
-#include <string_view>
+#include <utility>
 
 #include "vex2/framework/CFileReplacement.h"
 #include "vex2/framework/FileSystem.h"
+#include "vex2/framework/PathNames.h"
 
 using vex2::CurrentFileSystem;
 
@@ -39,11 +40,6 @@ int systemFlags(unsigned flags) {
 
 bool hasNoLocks(int error) {
   return error == ENOLCK || error == EOPNOTSUPP || error == ENOSYS || error == EINVAL;
-}
-
-std::string_view nameOf(std::string_view path) {
-  const auto separator = path.find_last_of("/\\");
-  return separator == std::string_view::npos ? path : path.substr(separator + 1);
 }
 
 }  // namespace
@@ -329,13 +325,9 @@ void CFile::SyncData() {
   if (status < 0 && regular_) fail(-status, position_);
 }
 
-CString CFile::GetFileName() const { return CString(nameOf(path_)); }
+CString CFile::GetFileName() const { return CString(vex2::FileNameOf(path_)); }
 
-CString CFile::GetFileTitle() const {
-  const auto name = nameOf(path_);
-  const auto dot = name.rfind('.');
-  return CString(dot == std::string_view::npos || dot == 0 ? name : name.substr(0, dot));
-}
+CString CFile::GetFileTitle() const { return CString(vex2::FileTitleOf(path_)); }
 
 CString CFile::GetFilePath() const { return CString(std::string_view(path_)); }
 

@@ -88,6 +88,9 @@ class VEX2_API CFile : public CObject {
   /// at the file's end. `atLeast` is at most `kBufferSize`. Valid until the next operation.
   std::span<const std::uint8_t> Peek(std::size_t atLeast);
 
+  /// Drops what is buffered and was not yet written out.
+  void DiscardBuffer() noexcept { forgetBuffer(); }
+
   /// Bytes from the position to the end; 0 past the end.
   std::uint64_t GetRemaining() const;
 

@@ -246,17 +246,18 @@ class VEX2_API Vex2FileManager : public CFile {
   void replaceComponent(std::unique_ptr<CComponent> component);
 
   /// Runs an operation that reads or writes files. Refusals of the system and memory that runs out
-  /// become `failure`, and the file is closed unless it was open before.
-  int guarded(int failure, const std::function<int()>& operation);
+  /// become `failure`.
+  static int guarded(int failure, const std::function<int()>& operation);
+  /// The same with the file that is open, which is closed afterwards.
+  int guardedFile(int failure, const std::function<int()>& operation);
   /// Replaces the file at `path` with what `write` puts into the open manager. 0 or the status.
   int saveWhole(const char* path, const std::function<int()>& write);
   /// Opens the file at `path` for writing without emptying it, runs `write` with the position at
-  /// its end, and closes. -200 when it cannot be opened.
+  /// its end, and closes. -200 when it cannot be opened; a write that fails leaves the length.
   int appendTo(const char* path, const std::function<int()>& write);
   /// Opens a document for in-place changes: -100 when it is no readable document, -200 when it
   /// cannot be written, else 0 and the file is open for reading and writing.
   int openForPatching(const char* path);
-  bool openKeepingPath(const char* path, unsigned flags);
 
   int ReadHeaderDataHelper(Vex2HeaderData& header, CFile* file);
   int WriteHeaderDataHelper(std::uint32_t& headerBytes, CFile* file);
@@ -278,16 +279,22 @@ class VEX2_API Vex2FileManager : public CFile {
  private:
   struct BlockGeometry;
 
+  bool openKeepingPath(const char* path, unsigned flags);
+  void restoreLength(std::uint64_t length);
   bool hasMarker(std::uint64_t offset, std::string_view marker);
   int readComponents(CFile& file);
+  void writeHeaderWord(std::uint64_t at, std::uint32_t word);
   int patchHeaderWord(std::uint64_t at, unsigned long value);
+  int readAcqDataOffset(std::uint32_t& offset);
   std::uint32_t documentPosition(std::uint64_t position) const;
-  int replaceRawData(const char* path, AcquisitionDataComp& block);
-  int replaceReportingData(const char* path, AcquisitionDataComp& block);
-  int commitFrame(AcquisitionDataComp& block, int frameIndex);
+  int appendRawData(AcquisitionDataComp& block);
+  int replaceRawData(AcquisitionDataComp& block);
+  int replaceReportingData(AcquisitionDataComp& block);
+  int commitFrame(AcquisitionDataComp& block, int frameIndex, std::uint32_t offset);
   int readGeometry(long blockOffset, BlockGeometry& geometry);
   int getText(std::string_view tag, CString& text) const;
   int setText(std::string_view tag, const CString& text);
+  void changeSettings(const std::function<void(Vex2GlobalComplex&)>& change);
   bool hasStatus(std::string_view status) const;
 
   CString filePath_;

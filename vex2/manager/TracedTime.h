@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+#include "vex2/framework/CTime.h"
+
+/// Times a long operation and tells the diagnostic trace when it ends. Internal.
+namespace vex2 {
+
+class TracedTime {
+ public:
+  /// `what` completes "Total time needed for ...".
+  explicit TracedTime(std::string what);
+  ~TracedTime();
+  TracedTime(const TracedTime&) = delete;
+  TracedTime& operator=(const TracedTime&) = delete;
+
+ private:
+  std::string what_;
+  CTime start_;
+};
+
+}  // namespace vex2

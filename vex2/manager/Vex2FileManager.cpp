@@ -1,0 +1,104 @@
+#include "vex2/manager/Vex2FileManager.h"
+
+#include <algorithm>
+#include <new>
+
+#include "vex2/container/CSkippedComp.h"
+#include "vex2/container/TagFactory.h"
+#include "vex2/container/TagTable.h"
+#include "vex2/framework/PathNames.h"
+
+Vex2FileManager::Vex2FileManager() = default;
+
+Vex2FileManager::Vex2FileManager(const Vex2FileManager& other) : CFile() { deepCopy(other); }
+
+Vex2FileManager& Vex2FileManager::operator=(const Vex2FileManager& other) {
+  // Deliberately without a test for self-assignment: hosts rely on an empty document.
+  Reset();
+  deepCopy(other);
+  return *this;
+}
+
+Vex2FileManager::~Vex2FileManager() = default;
+
+const CRuntimeClass* Vex2FileManager::ClassRecord() {
+  static const CRuntimeClass record{
+      "Vex2FileManager", sizeof(Vex2FileManager), CFile::ClassRecord(),
+      [] { return std::unique_ptr<CObject>(std::make_unique<Vex2FileManager>()); }};
+  return &record;
+}
+
+const CRuntimeClass* Vex2FileManager::GetRuntimeClass() const { return ClassRecord(); }
+
+CString Vex2FileManager::GetFileName() const { return CString(vex2::FileNameOf(filePath_.View())); }
+
+CString Vex2FileManager::GetFileTitle() const {
+  return CString(vex2::FileTitleOf(filePath_.View()));
+}
+
+CString Vex2FileManager::GetFilePath() const { return filePath_; }
+
+int Vex2FileManager::Reset() {
+  header_.Reset();
+  components_.clear();
+  return vex2::kSuccess;
+}
+
+void Vex2FileManager::deepCopy(const Vex2FileManager& source) {
+  header_ = source.header_;
+  filePath_ = source.filePath_;
+  for (const auto& component : source.components_) {
+    std::unique_ptr<CComponent> clone;
+    if (CloneComponent(*component, clone) == 1) appendComponent(std::move(clone));
+  }
+}
+
+int Vex2FileManager::GetAllComponentCount() const { return static_cast<int>(components_.size()); }
+
+bool Vex2FileManager::GetComponentTagList(CStringList& tags) const {
+  tags.RemoveAll();
+  for (const auto& component : components_) tags.AddTail(CString(component->GetTag()));
+  return true;
+}
+
+CComponent* Vex2FileManager::GetComponent(int index) const {
+  return index >= 0 && index < GetAllComponentCount()
+             ? components_[static_cast<std::size_t>(index)].get()
+             : nullptr;
+}
+
+void Vex2FileManager::initTestData() {
+  header_ = Vex2HeaderData();
+  std::uint32_t length = 100;
+  for (const auto tag : vex2::kTagTable) {
+    appendComponent(std::make_unique<CSkippedComp>(tag, length--));
+  }
+}
+
+bool Vex2FileManager::IsAcquisitionDataAvailable() const {
+  return !IsAcquisitionZero() && header_.acquisitionDataOffset != 0;
+}
+
+CComponent* Vex2FileManager::includesComponent(std::string_view tag) const {
+  for (const auto& component : components_) {
+    if (component->GetTag() == tag) return component.get();
+  }
+  return nullptr;
+}
+
+void Vex2FileManager::RemoveComponent(CComponent* position) {
+  if (position == nullptr) return;
+  const auto found =
+      std::find_if(components_.begin(), components_.end(),
+                   [position](const auto& component) { return component.get() == position; });
+  if (found != components_.end()) components_.erase(found);
+}
+
+void Vex2FileManager::appendComponent(std::unique_ptr<CComponent> component) {
+  components_.push_back(std::move(component));
+}
+
+void Vex2FileManager::replaceComponent(std::unique_ptr<CComponent> component) {
+  RemoveComponent(includesComponent(component->GetTag()));
+  appendComponent(std::move(component));
+}

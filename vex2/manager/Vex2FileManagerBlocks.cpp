@@ -1,0 +1,143 @@
+// Whole data blocks.
+
+#include <algorithm>
+#include <array>
+
+#include "vex2/container/CSkippedComp.h"
+#include "vex2/container/Encoding.h"
+#include "vex2/container/TagTable.h"
+#include "vex2/framework/CWaitCursor.h"
+#include "vex2/manager/TracedTime.h"
+#include "vex2/manager/Vex2FileManager.h"
+#include "vex2/run/AcquisitionDataComp.h"
+
+using vex2::kSuccess;
+
+namespace {
+
+bool isReportingBlock(int row) { return row >= DataREPr && row <= DataREPt; }
+
+std::unique_ptr<AcquisitionDataComp> makeBlock(Vex2DataType type, const Vex2AcquisitionData* data) {
+  const std::string_view tag = vex2::TagAt(type);
+  return data != nullptr ? std::make_unique<AcquisitionDataComp>(tag, *data)
+                         : std::make_unique<AcquisitionDataComp>(tag);
+}
+
+// The reporting blocks of a file, and where the first of them stands; 0 when there is none.
+struct ReportingBlocks {
+  std::vector<std::unique_ptr<AcquisitionDataComp>> blocks;
+  std::uint64_t start = 0;
+};
+
+int readReportingBlocks(CFile& file, ReportingBlocks& found) {
+  while (true) {
+    const auto bytes = file.Peek(vex2::kTagLength);
+    if (bytes.size() < vex2::kTagLength) return kSuccess;
+    const std::string_view tag(reinterpret_cast<const char*>(bytes.data()), vex2::kTagLength);
+    const int row = vex2::FindTagIndex(tag);
+    if (!isReportingBlock(row)) {
+      if (const int status = CSkippedComp().Read(&file); status != kSuccess) return status;
+      continue;
+    }
+    if (found.start == 0) found.start = file.GetPosition();
+    auto block = std::make_unique<AcquisitionDataComp>(vex2::TagAt(row));
+    if (const int status = block->Read(&file); status != kSuccess) return status;
+    found.blocks.push_back(std::move(block));
+  }
+}
+
+}  // namespace
+
+AcquisitionDataComp* Vex2FileManager::findBlock(Vex2DataType type) const {
+  return find<AcquisitionDataComp>(vex2::TagAt(type));
+}
+
+int Vex2FileManager::AppendAcquisitionDataBlock(const char* path, const Vex2AcquisitionData* data) {
+  replaceComponent(makeBlock(DataRAWa, data));
+  AcquisitionDataComp* block = findBlock(DataRAWa);
+  return appendTo(path, [&] { return appendRawData(*block); });
+}
+
+int Vex2FileManager::appendRawData(AcquisitionDataComp& block) {
+  const std::uint32_t position = documentPosition(SeekToEnd());
+  const int status = block.Write(this);
+  if (status != kSuccess) return status;
+  // The block is on the disk before the header leads to it.
+  SyncData();
+  header_.acquisitionDataOffset = position;
+  return UpdateAcqDataOffset(position);
+}
+
+int Vex2FileManager::RemoveAcquisitionDataBlock(Vex2DataType type) {
+  RemoveComponent(includesComponent(vex2::TagAt(type)));
+  return kSuccess;
+}
+
+int Vex2FileManager::ReplaceAcquisitionDataBlock(const char* path, const Vex2AcquisitionData* data,
+                                                 Vex2DataType type) {
+  const CWaitCursor wait;
+  const vex2::TracedTime time("replacing Acquisition/Reporting Data");
+  replaceComponent(makeBlock(type, data));
+  AcquisitionDataComp* block = findBlock(type);
+  if (block == nullptr) return vex2::kNotFound;
+  if (const int status = openForPatching(path); status != kSuccess) return status;
+  return guardedFile(vex2::kWriteFailed, [&] {
+    return type == DataRAWa ? replaceRawData(*block) : replaceReportingData(*block);
+  });
+}
+
+int Vex2FileManager::replaceRawData(AcquisitionDataComp& block) {
+  std::uint32_t offset = 0;
+  if (const int status = readAcqDataOffset(offset); status != kSuccess) return status;
+  if (offset == 0) return appendRawData(block);
+  Seek(offset, begin);
+  const int status = block.Write(this);
+  SetLength(offset + block.GetSize());
+  return status;
+}
+
+int Vex2FileManager::replaceReportingData(AcquisitionDataComp& block) {
+  Vex2HeaderData header;
+  if (const int status = ReadHeaderData(header, nullptr); status != kSuccess) return status;
+  ReportingBlocks kept;
+  if (const int status = readReportingBlocks(*this, kept); status != kSuccess) return status;
+  if (kept.start == 0) {
+    SeekToEnd();
+    return block.Write(this);
+  }
+  const auto old = std::find_if(kept.blocks.begin(), kept.blocks.end(), [&](const auto& candidate) {
+    return candidate->GetTag() == block.GetTag();
+  });
+  if (old != kept.blocks.end()) kept.blocks.erase(old);
+
+  Seek(static_cast<std::int64_t>(kept.start), begin);
+  std::uint64_t newLength = kept.start + block.GetSize();
+  int status = block.Write(this);
+  for (const auto& other : kept.blocks) {
+    if (status == kSuccess) status = other->Write(this);
+    newLength += other->GetSize();
+  }
+  SetLength(newLength);
+  // What stood behind the first reporting block is cut off, so no position may lead there.
+  if (header.thermocycleOffset > kept.start) static_cast<void>(UpdateThermocycleOffset(0));
+  if (header.acquisitionDataOffset > kept.start) static_cast<void>(UpdateAcqDataOffset(0));
+  return status;
+}
+
+long Vex2FileManager::findReporterCompOffset(Vex2DataType type) {
+  if (GetLength() <= kHeaderBytes) return 0;
+  Seek(kHeaderBytes, begin);
+  std::uint64_t remaining = GetLength() - kHeaderBytes;
+  while (remaining > 0) {
+    const auto position = static_cast<long>(GetPosition());
+    std::array<char, vex2::kTagLength> tag{};
+    if (vex2::ReadBytes(*this, tag.data(), tag.size()) != kSuccess) return 0;
+    const int row = vex2::FindTagIndex({tag.data(), tag.size()});
+    if (row >= 0 && row == static_cast<int>(type)) return position;
+    std::uint32_t length = 0;
+    if (vex2::ReadValue(*this, length) != kSuccess) return 0;
+    Seek(length, current);
+    remaining -= std::min(remaining, std::uint64_t{length} + 8);
+  }
+  return 0;
+}

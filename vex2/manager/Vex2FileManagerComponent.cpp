@@ -1,0 +1,103 @@
+#include "vex2/manager/Vex2FileManagerComponent.h"
+
+#include <array>
+#include <vector>
+
+#include "vex2/container/CLongValueComp.h"
+#include "vex2/container/TagFactory.h"
+#include "vex2/container/TagTable.h"
+
+using vex2::kSuccess;
+
+Vex2FileManagerComponent::Vex2FileManagerComponent() = default;
+
+Vex2FileManagerComponent::Vex2FileManagerComponent(const Vex2FileManagerComponent& other)
+    : Vex2FileManager() {
+  deepCopy(other);
+}
+
+Vex2FileManagerComponent::Vex2FileManagerComponent(const Vex2FileManager& other) {
+  deepCopy(other);
+}
+
+Vex2FileManagerComponent& Vex2FileManagerComponent::operator=(
+    const Vex2FileManagerComponent& other) {
+  return *this = static_cast<const Vex2FileManager&>(other);
+}
+
+Vex2FileManagerComponent& Vex2FileManagerComponent::operator=(const Vex2FileManager& other) {
+  // The order is deliberate: a plate that is assigned to itself is empty afterwards.
+  Reset();
+  if (this != &other) deepCopy(other);
+  return *this;
+}
+
+Vex2FileManagerComponent::~Vex2FileManagerComponent() = default;
+
+const CRuntimeClass* Vex2FileManagerComponent::ClassRecord() {
+  static const CRuntimeClass record{
+      "Vex2FileManagerComponent", sizeof(Vex2FileManagerComponent), Vex2FileManager::ClassRecord(),
+      [] { return std::unique_ptr<CObject>(std::make_unique<Vex2FileManagerComponent>()); }};
+  return &record;
+}
+
+const CRuntimeClass* Vex2FileManagerComponent::GetRuntimeClass() const { return ClassRecord(); }
+
+int Vex2FileManagerComponent::ReadHeaderData(CFile* file) { return ReadHeaderData(header_, file); }
+
+int Vex2FileManagerComponent::ReadHeaderData(Vex2HeaderData& header, CFile* file) {
+  return guarded(vex2::kReadFailed, [&] { return ReadHeaderDataHelper(header, file); });
+}
+
+int Vex2FileManagerComponent::WriteHeaderData(CFile* file) {
+  return guarded(vex2::kWriteFailed, [&] {
+    CFile& target = file != nullptr ? *file : *this;
+    std::uint32_t written = 0;
+    const int status = WriteHeaderDataHelper(written, &target);
+    // A table that passes the header's size on its own gets no padding.
+    if (written < kHeaderBytes) {
+      const std::vector<std::uint8_t> padding(kHeaderBytes - written, 0xFF);
+      target.Write(padding.data(), padding.size());
+    }
+    return status;
+  });
+}
+
+void Vex2FileManagerComponent::UpdateHeaderOffsets(const CComponent& /*component*/) {}
+
+int Vex2FileManagerComponent::WriteComponentFile(CFile* file) {
+  return guarded(vex2::kWriteFailed, [&] {
+    CFile& target = file != nullptr ? *file : *this;
+    int status = WriteHeaderData(&target);
+    if (status != kSuccess) return status;
+    for (int index = 0; index < GetAllComponentCount() && status == kSuccess; ++index) {
+      status = GetComponent(index)->Write(&target);
+    }
+    static_cast<void>(CLongValueComp("EOPl").Write(&target));
+    return status;
+  });
+}
+
+int Vex2FileManagerComponent::ReadComponentFile(CFile* file) {
+  return guarded(vex2::kReadFailed,
+                 [&] { return readComponents(file != nullptr ? *file : *this); });
+}
+
+int Vex2FileManagerComponent::readComponents(CFile& file) {
+  Reset();
+  int status = ReadHeaderData(&file);
+  if (status != kSuccess) return status;
+  for (;;) {
+    std::array<char, vex2::kTagLength> bytes{};
+    if (file.Read(bytes.data(), bytes.size()) < bytes.size()) return vex2::kReadFailed;
+    const std::string_view tag(bytes.data(), bytes.size());
+    if (tag == "EOF " || tag == "Vex2") return status;
+    std::unique_ptr<CComponent> component;
+    // What is not known is stepped over tag by tag, until something is.
+    if (CreateComponent(tag, component) == 0) continue;
+    file.Seek(-static_cast<std::int64_t>(tag.size()), current);
+    status = component->Read(&file);
+    if (tag == "EOPl") return status;
+    if (status == kSuccess) appendComponent(std::move(component));
+  }
+}

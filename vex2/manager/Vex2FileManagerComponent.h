@@ -1,0 +1,38 @@
+#pragma once
+
+#include "vex2/manager/Vex2FileManager.h"
+
+/// One plate inside a study: a plate document that is written and read at the position where the
+/// study's file stands, and ends with an "EOPl" record.
+class VEX2_API Vex2FileManagerComponent final : public Vex2FileManager {
+ public:
+  Vex2FileManagerComponent();
+  Vex2FileManagerComponent(const Vex2FileManagerComponent& other);
+  /// Cuts a plate out of a document of its own.
+  explicit Vex2FileManagerComponent(const Vex2FileManager& other);
+  /// Resets and copies. Assigning a plate to itself leaves it empty.
+  Vex2FileManagerComponent& operator=(const Vex2FileManagerComponent& other);
+  Vex2FileManagerComponent& operator=(const Vex2FileManager& other);
+  ~Vex2FileManagerComponent() override;
+
+  const CRuntimeClass* GetRuntimeClass() const override;
+  static const CRuntimeClass* ClassRecord();
+
+  // A null file is the plate's own.
+
+  /// Writes the header, filled up with 0xFF, all components and an "EOPl" record.
+  int WriteComponentFile(CFile* file) override;
+  /// Reads up to the first "EOPl", "EOF " or "Vex2" tag; -100 when the file ends before one.
+  /// Otherwise the status of the last record that was read.
+  int ReadComponentFile(CFile* file) override;
+  int ReadHeaderData(CFile* file) override;
+  int ReadHeaderData(Vex2HeaderData& header, CFile* file) override;
+  int WriteHeaderData(CFile* file) override;
+
+ protected:
+  /// Does nothing: positions in an embedded plate lead nowhere.
+  void UpdateHeaderOffsets(const CComponent& component) override;
+
+ private:
+  int readComponents(CFile& file);
+};

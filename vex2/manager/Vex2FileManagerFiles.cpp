@@ -1,0 +1,201 @@
+// Opening, reading and saving whole documents.
+
+#include <algorithm>
+#include <array>
+#include <new>
+
+#include "vex2/container/CLongValueComp.h"
+#include "vex2/container/CSkippedComp.h"
+#include "vex2/container/TagFactory.h"
+#include "vex2/container/TagTable.h"
+#include "vex2/framework/CWaitCursor.h"
+#include "vex2/manager/FileChooser.h"
+#include "vex2/manager/TracedTime.h"
+#include "vex2/manager/Vex2FileManager.h"
+
+using vex2::kSuccess;
+
+namespace {
+
+constexpr char kFilter[] = "Vex Files\0*.vex\0All Files\0*.*\0";
+constexpr const char* kExtension = "vex";
+
+// A study keeps its own settings and its plates; all else would be a plate's.
+constexpr std::array<std::string_view, 8> kStudyTags = {"DETL", "GLBL", "CALR", "ENDO",
+                                                        "RQAT", "Conf", "MPLC", "TPro"};
+
+// Asks for a path where none is given. False when the user cancelled.
+bool choosePath(const char*& path, bool dialog, const char* title, CString& chosen) {
+  if (path != nullptr && !dialog) return true;
+  CString folder;
+  if (!ChooseDocumentFile(nullptr, chosen, folder, kFilter, nullptr, kExtension, nullptr, title,
+                          0)) {
+    return false;
+  }
+  path = chosen.GetString();
+  return true;
+}
+
+}  // namespace
+
+int Vex2FileManager::guarded(int failure, const std::function<int()>& operation) {
+  try {
+    return operation();
+  } catch (const CFileException&) {
+    return failure;
+  } catch (const std::bad_alloc&) {
+    return failure;
+  }
+}
+
+int Vex2FileManager::guardedFile(int failure, const std::function<int()>& operation) {
+  const int status = guarded(failure, [&] {
+    const int result = operation();
+    Close();
+    return result;
+  });
+  Abort();
+  return status;
+}
+
+bool Vex2FileManager::openKeepingPath(const char* path, unsigned flags) {
+  // The path may be the one that is held.
+  const CString kept(path);
+  filePath_ = kept;
+  return path != nullptr &&
+         guarded(0, [&] { return Open(kept.GetString(), flags) ? 1 : 0; }) == 1;
+}
+
+int Vex2FileManager::SafeOpen(const char* path, int write, int append) {
+  constexpr unsigned kCommon = typeBinary | shareExclusive;
+  if (write == 0) return openKeepingPath(path, modeRead | kCommon) ? 1 : 0;
+  if (append == 0) return openKeepingPath(path, modeWrite | modeCreate | kCommon) ? 1 : 0;
+  if (!openKeepingPath(path, modeWrite | modeCreate | modeNoTruncate | kCommon)) return 0;
+  SeekToEnd();
+  return 1;
+}
+
+int Vex2FileManager::openForPatching(const char* path) {
+  const auto isDocument = [this] {
+    return guarded(0, [this] { return IsVex2Format() ? 1 : 0; }) == 1;
+  };
+  // One open for looking and writing: between two of them another program could replace the file.
+  int refusal = vex2::kReadFailed;
+  if (!openKeepingPath(path, modeReadWrite | typeBinary | shareExclusive)) {
+    if (path == nullptr || SafeOpen(path, 0, 0) == 0) return vex2::kReadFailed;
+    if (isDocument()) refusal = vex2::kWriteFailed;
+  } else if (isDocument()) {
+    return kSuccess;
+  }
+  Abort();
+  return refusal;
+}
+
+int Vex2FileManager::appendTo(const char* path, const std::function<int()>& write) {
+  if (path == nullptr || SafeOpen(path, 1, 1) == 0) return vex2::kWriteFailed;
+  const std::uint64_t before = GetLength();
+  const int status = guarded(vex2::kWriteFailed, [&] {
+    const int result = write();
+    Flush();
+    return result;
+  });
+  if (status != kSuccess) restoreLength(before);
+  return guardedFile(vex2::kWriteFailed, [status] { return status; });
+}
+
+void Vex2FileManager::restoreLength(std::uint64_t length) {
+  DiscardBuffer();
+  // Where even that is refused, what was half written stays behind the last whole record.
+  static_cast<void>(guarded(vex2::kWriteFailed, [&] {
+    SetLength(length);
+    return kSuccess;
+  }));
+}
+
+int Vex2FileManager::saveWhole(const char* path, const std::function<int()>& write) {
+  if (path == nullptr) return vex2::kWriteFailed;
+  const CString kept(path);
+  filePath_ = kept;
+  const int status = guarded(vex2::kWriteFailed, [&] {
+    if (!OpenReplacement(kept.GetString())) return static_cast<int>(vex2::kWriteFailed);
+    const int result = write();
+    if (result == kSuccess) CloseReplacement();
+    return result;
+  });
+  Abort();
+  return status;
+}
+
+int Vex2FileManager::ReadFromFile(const char* path, bool dialog) {
+  CString chosen;
+  if (!choosePath(path, dialog, "Select Vex File to Open", chosen)) return vex2::kCancelled;
+  if (SafeOpen(path, 0, 0) == 0) return vex2::kReadFailed;
+  // A document that could be read in part is a success: hosts show what there is.
+  static_cast<void>(ReadComponentFile(nullptr));
+  Abort();
+  return kSuccess;
+}
+
+int Vex2FileManager::SaveToFile(const char* path, bool dialog) {
+  CString chosen;
+  if (!choosePath(path, dialog, "Select Vex File to Save", chosen)) return vex2::kCancelled;
+  return saveWhole(path, [this] { return WriteComponentFile(nullptr); });
+}
+
+int Vex2FileManager::SaveHeader(const char* path, const Vex2HeaderData& header) {
+  SetHeaderData(header);
+  return saveWhole(path, [this] { return WriteHeaderData(nullptr); });
+}
+
+int Vex2FileManager::ReadComponentFile(CFile* file) {
+  const CWaitCursor wait;
+  const vex2::TracedTime time("reading in components");
+  return guarded(vex2::kReadFailed,
+                 [&] { return readComponents(file != nullptr ? *file : *this); });
+}
+
+int Vex2FileManager::readComponents(CFile& file) {
+  Reset();
+  int status = ReadHeaderData(&file);
+  if (status != kSuccess || file.GetLength() <= kHeaderBytes) return status;
+  std::uint64_t remaining = file.GetLength() - kHeaderBytes;
+  while (remaining > 0) {
+    std::array<char, vex2::kTagLength> tag{};
+    // Declared lengths need not add up to the file's, so the file's end is what ends the loop.
+    if (file.Read(tag.data(), tag.size()) < tag.size()) break;
+    std::unique_ptr<CComponent> component;
+    const bool known = CreateComponent({tag.data(), tag.size()}, component) == 1;
+    Seek(-static_cast<std::int64_t>(tag.size()), current);
+    std::uint32_t size = 0;
+    const int read = component->Read(&file, size);
+    if (known) {
+      status = read;
+      if (status != kSuccess) break;
+      appendComponent(std::move(component));
+    }
+    remaining -= std::min<std::uint64_t>(remaining, size);
+  }
+  return status;
+}
+
+bool Vex2FileManager::isWritten(const CComponent& component) const {
+  return !IsRQS() || std::find(kStudyTags.begin(), kStudyTags.end(), component.GetTag()) !=
+                         kStudyTags.end();
+}
+
+int Vex2FileManager::WriteComponentFile(CFile* file) {
+  return guarded(vex2::kWriteFailed, [&] {
+    CFile& target = file != nullptr ? *file : *this;
+    int status = WriteHeaderData(&target);
+    if (status != kSuccess) return status;
+    target.SeekToEnd();
+    for (const auto& component : components_) {
+      if (status != kSuccess) break;
+      if (!isWritten(*component)) continue;
+      status = component->Write(&target);
+      UpdateHeaderOffsets(*component);
+    }
+    if (IsRQS()) static_cast<void>(CLongValueComp("EOF ").Write(&target));
+    return status;
+  });
+}

@@ -1,0 +1,189 @@
+// Frames of data blocks: added and committed while a run goes on, read back from memory.
+
+#include <array>
+
+#include "vex2/container/Encoding.h"
+#include "vex2/container/TagTable.h"
+#include "vex2/framework/Host.h"
+#include "vex2/manager/Vex2FileManager.h"
+#include "vex2/run/AcquisitionDataComp.h"
+
+using vex2::kNoSuchFrame;
+using vex2::kNotFound;
+using vex2::kSuccess;
+
+namespace {
+
+constexpr const char* kNotInitialised =
+    "The function Vex2FileManager::InitAcqDataWellNumberArray() needs to be called first, before "
+    "we can call Vex2FileManager::SetAcqDataWellRecord";
+
+// Reads back the word that a commit patches, so that a failed commit can put it back.
+std::uint32_t wordAt(CFile& file, std::uint64_t offset) {
+  std::uint32_t word = 0;
+  file.Seek(static_cast<std::int64_t>(offset), CFile::begin);
+  static_cast<void>(vex2::ReadValue(file, word));
+  return word;
+}
+
+void patchWord(CFile& file, std::uint64_t offset, std::uint32_t word) {
+  file.Seek(static_cast<std::int64_t>(offset), CFile::begin);
+  vex2::WriteValue(file, word);
+  file.SyncData();
+}
+
+bool copyRecord(const AcquisitionDataComp* block, int frameIndex, int position,
+                Vex2WellRecord* record) {
+  if (block == nullptr || frameIndex < 0 || frameIndex >= block->GetFrameCount() || position < 0 ||
+      position >= block->GetWellCount()) {
+    return false;
+  }
+  const Vex2WellRecord* records = block->GetFrame(frameIndex);
+  if (record != nullptr) *record = records != nullptr ? records[position] : Vex2WellRecord{};
+  return true;
+}
+
+}  // namespace
+
+void Vex2FileManager::InitAcqDataWellNumberArray(const unsigned short* wellNumbers,
+                                                 unsigned short count, Vex2DataType type) {
+  if (AcquisitionDataComp* block = findBlock(type)) {
+    block->SetWellNumbers(wellNumbers, count);
+  } else if (!vex2::TagAt(type).empty()) {
+    appendComponent(
+        std::make_unique<AcquisitionDataComp>(vex2::TagAt(type), wellNumbers, count));
+  }
+}
+
+int Vex2FileManager::AppendAcquisitionDataFrame(const char* path, const Vex2FrameData* frame,
+                                                Vex2DataType type) {
+  AcquisitionDataComp* block = findBlock(type);
+  const int index = block != nullptr ? block->GetFrameCount() : 0;
+  if (frame != nullptr && block != nullptr) {
+    if (!block->SetFrame(index, *frame)) return vex2::kWriteFailed;
+  } else if (frame != nullptr && !vex2::TagAt(type).empty()) {
+    appendComponent(std::make_unique<AcquisitionDataComp>(vex2::TagAt(type), *frame));
+  }
+  return CommitAcqDataFrame(path, index, type);
+}
+
+int Vex2FileManager::CommitAcqDataFrame(const char* path, int frameIndex, Vex2DataType type) {
+  AcquisitionDataComp* block = findBlock(type);
+  if (block == nullptr) return kNotFound;
+  if (type != DataRAWa) return kSuccess;
+  if (const int status = openForPatching(path); status != kSuccess) return status;
+  std::uint32_t offset = 0;
+  const int read = guarded(vex2::kReadFailed, [&] { return readAcqDataOffset(offset); });
+  if (read != kSuccess) {
+    Abort();
+    return read;
+  }
+  return guardedFile(vex2::kWriteFailed,
+                     [&] { return commitFrame(*block, frameIndex, offset); });
+}
+
+int Vex2FileManager::commitFrame(AcquisitionDataComp& block, int frameIndex,
+                                 std::uint32_t offset) {
+  const std::uint64_t lengthAt = std::uint64_t{offset} + vex2::kTagLength;
+  const std::uint64_t fileLength = GetLength();
+  const std::uint32_t oldWord = offset != 0 ? wordAt(*this, lengthAt) : 0;
+  const int status = guarded(vex2::kWriteFailed, [&] {
+    if (offset == 0) {
+      const int result = appendRawData(block);
+      SyncData();
+      return result;
+    }
+    SeekToEnd();
+    if (const int result = block.WriteFrame(*this, frameIndex); result != kSuccess) return result;
+    // The frame is on the disk before the length counts it: whatever happens in between, every
+    // frame that counts is there.
+    SyncData();
+    patchWord(*this, lengthAt, block.GetLength());
+    return static_cast<int>(kSuccess);
+  });
+  if (status == kSuccess || status == kNoSuchFrame) return status;
+  DiscardBuffer();
+  if (offset != 0 && lengthAt < fileLength) {
+    static_cast<void>(guarded(vex2::kWriteFailed, [&] {
+      patchWord(*this, lengthAt, oldWord);
+      return kSuccess;
+    }));
+  }
+  restoreLength(fileLength);
+  return status;
+}
+
+bool Vex2FileManager::SetAcqDataWellRecord(const Vex2WellRecord* record, int frameIndex,
+                                           int wellNumber, Vex2DataType type) {
+  AcquisitionDataComp* block = findBlock(type);
+  if (block == nullptr) {
+    vex2::GetHost()->ShowMessage(kNotInitialised);
+    return false;
+  }
+  return record != nullptr && guarded(0, [&] {
+           return block->SetWellRecord(frameIndex, block->FindWell(wellNumber), *record) ? 1 : 0;
+         }) == 1;
+}
+
+bool Vex2FileManager::SetAcqDataStartTime(const TimeStamp& time, Vex2DataType type) {
+  AcquisitionDataComp* block = findBlock(type);
+  if (block != nullptr) block->SetStartTime(time);
+  return block != nullptr;
+}
+
+bool Vex2FileManager::SetAcqDataEndTime(const TimeStamp& time, Vex2DataType type) {
+  AcquisitionDataComp* block = findBlock(type);
+  if (block != nullptr) block->SetEndTime(time);
+  return block != nullptr;
+}
+
+bool Vex2FileManager::GetAcqDataStartTime(TimeStamp& time, Vex2DataType type) const {
+  const AcquisitionDataComp* block = findBlock(type);
+  if (block != nullptr) time = block->GetStartTime();
+  return block != nullptr;
+}
+
+bool Vex2FileManager::GetAcqDataEndTime(TimeStamp& time, Vex2DataType type) const {
+  const AcquisitionDataComp* block = findBlock(type);
+  if (block != nullptr) time = block->GetEndTime();
+  return block != nullptr;
+}
+
+int Vex2FileManager::ReadDataFrame(int frameIndex, Vex2FrameData* frame, Vex2DataType type) const {
+  const AcquisitionDataComp* block = findBlock(type);
+  if (block == nullptr) return kNotFound;
+  if (frameIndex < 0 || frameIndex >= block->GetFrameCount()) return kNoSuchFrame;
+  if (frame != nullptr) block->CopyFrame(frameIndex, *frame);
+  return kSuccess;
+}
+
+bool Vex2FileManager::GetAcqDataWellRecord(Vex2WellRecord* record, int frameIndex, int wellNumber,
+                                           Vex2DataType type) const {
+  const AcquisitionDataComp* block = findBlock(type);
+  return block != nullptr && copyRecord(block, frameIndex, block->FindWell(wellNumber), record);
+}
+
+bool Vex2FileManager::GetAcqDataWellRecordForWellIndex(Vex2WellRecord* record, int frameIndex,
+                                                       int wellIndex, Vex2DataType type) const {
+  return copyRecord(findBlock(type), frameIndex, wellIndex, record);
+}
+
+int Vex2FileManager::GetDataCntInWell(int wellNumber, Vex2DataType type) const {
+  const AcquisitionDataComp* block = findBlock(type);
+  return block != nullptr && block->FindWell(wellNumber) >= 0 ? block->GetFrameCount() : 0;
+}
+
+int Vex2FileManager::GetDataFrameCount(Vex2DataType type) const {
+  const AcquisitionDataComp* block = findBlock(type);
+  return block != nullptr ? block->GetFrameCount() : 0;
+}
+
+int Vex2FileManager::GetDataFrameCountByName(const char* plateName, Vex2DataType type) const {
+  // A document that holds no plates has none of that name.
+  return plateName == nullptr ? GetDataFrameCount(type) : 0;
+}
+
+int Vex2FileManager::GetWellCount(Vex2DataType type) const {
+  const AcquisitionDataComp* block = findBlock(type);
+  return block != nullptr ? block->GetWellCount() : 0;
+}

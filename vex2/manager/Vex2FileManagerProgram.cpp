@@ -1,0 +1,36 @@
+// The thermal cycling program.
+
+#include "vex2/manager/Vex2FileManager.h"
+#include "vex2/run/ThermocycleProgramComp.h"
+
+using vex2::kNotFound;
+using vex2::kSuccess;
+
+int Vex2FileManager::GetThermocycleProgramInfo(ThermocycleProgram* program) const {
+  const ThermocycleProgramComp* component = GetThermocycleProgComp();
+  if (component == nullptr) return kNotFound;
+  if (program != nullptr) component->CopyTo(*program);
+  return kSuccess;
+}
+
+int Vex2FileManager::ReplaceThermocycleProgram(const ThermocycleProgram* program) {
+  replaceComponent(program != nullptr ? std::make_unique<ThermocycleProgramComp>(*program)
+                                      : std::make_unique<ThermocycleProgramComp>());
+  return kSuccess;
+}
+
+ThermocycleProgramComp* Vex2FileManager::GetThermocycleProgComp() const {
+  return find<ThermocycleProgramComp>("TPro");
+}
+
+int Vex2FileManager::WriteThermocycleComp() {
+  if (!IsOpen()) return vex2::kWriteFailed;
+  for (const auto& component : components_) {
+    if (!component->IsThermocycleComp()) continue;
+    return guarded(vex2::kWriteFailed, [&] {
+      header_.thermocycleOffset = documentPosition(SeekToEnd());
+      return component->Write(this);
+    });
+  }
+  return kNotFound;
+}

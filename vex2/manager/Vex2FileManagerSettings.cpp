@@ -1,0 +1,130 @@
+// The run-wide settings: those that travel together in "GLBL", and the five that stand alone.
+
+#include <string>
+
+#include "vex2/container/CBlockValueComp.h"
+#include "vex2/container/CFloatValueComp.h"
+#include "vex2/container/CShortValueComp.h"
+#include "vex2/manager/Vex2FileManager.h"
+#include "vex2/run/CGlobalComp.h"
+
+using vex2::kNotFound;
+using vex2::kSuccess;
+
+namespace {
+
+constexpr int kDefaultMaxDyesPerWell = 4;
+
+}  // namespace
+
+int Vex2FileManager::GetGlobalComplexInfo(Vex2GlobalComplex* info) const {
+  const auto* settings = find<CGlobalComp>("GLBL");
+  if (settings == nullptr) return kNotFound;
+  if (info != nullptr) settings->CopyTo(*info);
+  return kSuccess;
+}
+
+int Vex2FileManager::ReplaceGlobalComplexComp(const Vex2GlobalComplex* info) {
+  replaceComponent(info != nullptr ? std::make_unique<CGlobalComp>(*info)
+                                   : std::make_unique<CGlobalComp>());
+  return kSuccess;
+}
+
+int Vex2FileManager::AppendGlobalComplexComp(const char* path, const Vex2GlobalComplex* info) {
+  ReplaceGlobalComplexComp(info);
+  return appendTo(path, [this] { return includesComponent("GLBL")->Write(this); });
+}
+
+int Vex2FileManager::GetMaxDyesPerWell(int& count) const {
+  count = kDefaultMaxDyesPerWell;
+  const auto* value = find<CShortValueComp>("MDPW");
+  if (value == nullptr) return kNotFound;
+  count = value->GetValue();
+  return kSuccess;
+}
+
+int Vex2FileManager::GetConfidencePercent(float& percent) const {
+  const auto* value = find<CFloatValueComp>("Conf");
+  if (value == nullptr) return kNotFound;
+  percent = value->GetValue();
+  return kSuccess;
+}
+
+int Vex2FileManager::UpdateConfidencePercent(float percent) {
+  replaceComponent(std::make_unique<CFloatValueComp>("Conf", percent));
+  return kSuccess;
+}
+
+int Vex2FileManager::getText(std::string_view tag, CString& text) const {
+  text.Empty();
+  CComponent* component = includesComponent(tag);
+  if (component == nullptr) return kNotFound;
+  text = component->GetValueString();
+  return kSuccess;
+}
+
+int Vex2FileManager::setText(std::string_view tag, const CString& text) {
+  RemoveComponent(includesComponent(tag));
+  if (!text.IsEmpty()) appendComponent(std::make_unique<CBlockValueComp>(tag, text));
+  return kSuccess;
+}
+
+int Vex2FileManager::GetCalibrator(CString& name) const { return getText("CALR", name); }
+int Vex2FileManager::SetCalibrator(const CString& name) { return setText("CALR", name); }
+int Vex2FileManager::GetEndoControl(CString& name) const { return getText("ENDO", name); }
+int Vex2FileManager::SetEndoControl(const CString& name) { return setText("ENDO", name); }
+
+int Vex2FileManager::GetRQAnalysisType(unsigned short& type) const {
+  const auto* value = find<CShortValueComp>("RQAT");
+  if (value == nullptr) return kNotFound;
+  type = value->GetValue();
+  return kSuccess;
+}
+
+int Vex2FileManager::SetRQAnalysisType(unsigned short type) {
+  replaceComponent(std::make_unique<CShortValueComp>("RQAT", type));
+  return kSuccess;
+}
+
+void Vex2FileManager::GetPassiveReference(CString& name) const {
+  Vex2GlobalComplex info;
+  static_cast<void>(GetGlobalComplexInfo(&info));
+  const std::string bytes(reinterpret_cast<const char*>(info.passiveReferenceData),
+                          info.passiveReferenceData != nullptr ? info.passiveReferenceLength : 0);
+  name = CString(bytes.c_str());
+}
+
+void Vex2FileManager::SetPassiveReference(const CString& name) {
+  changeSettings([&](Vex2GlobalComplex& info) { info.SetPassiveReference(name); });
+}
+
+int Vex2FileManager::GetSampleVolume() const {
+  Vex2GlobalComplex info;
+  static_cast<void>(GetGlobalComplexInfo(&info));
+  return info.sampleVolume;
+}
+
+void Vex2FileManager::SetSampleVolume(unsigned short volume) {
+  changeSettings([volume](Vex2GlobalComplex& info) { info.sampleVolume = volume; });
+}
+
+void Vex2FileManager::GetPrePostFlags(int& pre, int& post) const {
+  Vex2GlobalComplex info;
+  static_cast<void>(GetGlobalComplexInfo(&info));
+  pre = info.preFlag;
+  post = info.postFlag;
+}
+
+void Vex2FileManager::SetPrePostFlags(int pre, int post) {
+  changeSettings([pre, post](Vex2GlobalComplex& info) {
+    info.preFlag = pre;
+    info.postFlag = post;
+  });
+}
+
+void Vex2FileManager::changeSettings(const std::function<void(Vex2GlobalComplex&)>& change) {
+  Vex2GlobalComplex info;
+  static_cast<void>(GetGlobalComplexInfo(&info));
+  change(info);
+  ReplaceGlobalComplexComp(&info);
+}
