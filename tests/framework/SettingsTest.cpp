@@ -62,7 +62,7 @@ TEST_F(SettingsTest, OnlyTheSectionOfTheKeyCounts) {
   EXPECT_EQ(find("Name = 1\n"), Setting());
   EXPECT_EQ(find("[Software\\Orbanet Scientific]\nName = 1\n"), Setting());
   EXPECT_EQ(find("[Software\\Orbanet Scientific\\Vex2\\Sub]\nName = 1\n"), Setting());
-  EXPECT_EQ(find("[Software\\Orbanet Scientific\\Vex2\nName = 1\n"), Setting());
+  EXPECT_EQ(find("[Software\\Orbanet Scientific\\Vex2x\nName = 1\n"), Setting());
   EXPECT_EQ(find("[a]\nName=1\n[ Software\\Orbanet Scientific\\Vex2 ]\n[]\nName=2\n"), Setting());
   EXPECT_EQ(find("[a]\nName=1\n[software\\orbanet scientific\\vex2]\nNAME=2\n"), number(2));
 }
