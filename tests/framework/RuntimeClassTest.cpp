@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include "vex2/framework/CFile.h"
 #include "vex2/framework/CMapStringToOb.h"
 #include "vex2/framework/CObList.h"
 #include "vex2/framework/CPtrArray.h"
@@ -66,6 +67,7 @@ TEST(RuntimeClass, MakesAnObjectWhereTheClassHasADefault) {
 
 TEST(RuntimeClass, NamesEveryClassOfTheFramework) {
   const std::pair<const char*, const CRuntimeClass*> classes[] = {
+      {"CFile", CFile::ClassRecord()},
       {"CMapStringToOb", CMapStringToOb::ClassRecord()}, {"CObList", CObList::ClassRecord()},
       {"CPtrArray", CPtrArray::ClassRecord()},           {"CPtrList", CPtrList::ClassRecord()},
       {"CStringList", CStringList::ClassRecord()},       {"CWnd", CWnd::ClassRecord()}};
