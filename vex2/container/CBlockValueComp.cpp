@@ -37,7 +37,9 @@ void CBlockValueComp::AllocateBody() {
   data_ = GetLength() != 0 ? std::make_unique<std::uint8_t[]>(GetLength()) : nullptr;
 }
 
-void CBlockValueComp::FreeBody() { data_.reset(); }
+void CBlockValueComp::FreeBody() {
+  data_.reset();
+}
 
 bool CBlockValueComp::endsInZero() const {
   return data_ != nullptr && GetLength() != 0 && data_[GetLength() - 1] == 0;

@@ -24,7 +24,9 @@ const CRuntimeClass* CComponent::ClassRecord() {
   return &record;
 }
 
-const CRuntimeClass* CComponent::GetRuntimeClass() const { return ClassRecord(); }
+const CRuntimeClass* CComponent::GetRuntimeClass() const {
+  return ClassRecord();
+}
 
 void CComponent::setTag(std::string_view tag) {
   tag_.fill(' ');
@@ -64,12 +66,24 @@ int CComponent::Write(CFile* file) {
   return vex2::kSuccess;
 }
 
-std::uint64_t CComponent::GetSize() const { return std::uint64_t{length_} + kRecordHead; }
+std::uint64_t CComponent::GetSize() const {
+  return std::uint64_t{length_} + kRecordHead;
+}
 
 void CComponent::AllocateBody() {}
 void CComponent::FreeBody() {}
-bool CComponent::IsPlateSetupComp() const { return false; }
-bool CComponent::IsThermocycleComp() const { return false; }
-CString CComponent::GetValueString() { return {}; }
-int CComponent::WriteBody(CFile* /*file*/) { return vex2::kSuccess; }
-int CComponent::ReadBody(CFile* /*file*/) { return vex2::kSuccess; }
+bool CComponent::IsPlateSetupComp() const {
+  return false;
+}
+bool CComponent::IsThermocycleComp() const {
+  return false;
+}
+CString CComponent::GetValueString() {
+  return {};
+}
+int CComponent::WriteBody(CFile* /*file*/) {
+  return vex2::kSuccess;
+}
+int CComponent::ReadBody(CFile* /*file*/) {
+  return vex2::kSuccess;
+}

@@ -73,7 +73,9 @@ CComponent& CContainerComp::Assign(const CComponent& source) {
   return *this;
 }
 
-void CContainerComp::FreeBody() { children_.clear(); }
+void CContainerComp::FreeBody() {
+  children_.clear();
+}
 
 int CContainerComp::WriteBody(CFile* file) {
   if (file == nullptr) return vex2::kWriteFailed;

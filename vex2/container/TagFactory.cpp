@@ -46,8 +46,8 @@ constexpr auto makeCreators() {
   for (const int row : {31, 38, 60, 66}) {
     creators.at(static_cast<std::size_t>(row)) = tagged<CFloatValueComp>;
   }
-  for (const int row : {4, 5, 16, 26, 27, 36, 37, 41, 48, 49, 50, 51, 52, 56, 57, 65, 70, 71, 74,
-                        75}) {
+  for (const int row :
+       {4, 5, 16, 26, 27, 36, 37, 41, 48, 49, 50, 51, 52, 56, 57, 65, 70, 71, 74, 75}) {
     creators.at(static_cast<std::size_t>(row)) = tagged<CBlockValueComp>;
   }
   for (const int row : {12, 20, 29, 30, 35}) {

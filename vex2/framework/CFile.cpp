@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "vex2/framework/CFileReplacement.h"
+#include "vex2/framework/DescribeClass.h"
 #include "vex2/framework/FileSystem.h"
 #include "vex2/framework/PathNames.h"
 
@@ -24,8 +25,7 @@ constexpr int kLockPauseMilliseconds = 5;
 constexpr std::size_t kFirstRead = std::size_t{16} * 1024;
 constexpr std::size_t kReadGrowth = 4;
 
-constexpr auto kMaxPosition =
-    static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
+constexpr auto kMaxPosition = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
 
 int systemFlags(unsigned flags) {
   int result = O_RDONLY;
@@ -55,13 +55,13 @@ CFile::~CFile() {
 }
 
 const CRuntimeClass* CFile::ClassRecord() {
-  static const CRuntimeClass record{
-      "CFile", sizeof(CFile), CObject::ClassRecord(),
-      [] { return std::unique_ptr<CObject>(std::make_unique<CFile>()); }};
+  static const CRuntimeClass record = vex2::DescribeClass<CFile>("CFile", CObject::ClassRecord());
   return &record;
 }
 
-const CRuntimeClass* CFile::GetRuntimeClass() const { return ClassRecord(); }
+const CRuntimeClass* CFile::GetRuntimeClass() const {
+  return ClassRecord();
+}
 
 bool CFile::Open(const char* path, unsigned flags, CFileException* error) {
   Close();
@@ -164,8 +164,8 @@ std::size_t CFile::Read(void* buffer, std::size_t count) {
   std::size_t done = 0;
   while (done < count) {
     const std::size_t left = count - done;
-    const bool buffered = !dirty_ && position_ >= bufferStart_ &&
-                          position_ - bufferStart_ < bufferUsed_;
+    const bool buffered =
+        !dirty_ && position_ >= bufferStart_ && position_ - bufferStart_ < bufferUsed_;
     if (!buffered && left >= kBufferSize) {
       writeOut();
       const std::size_t got = readAt(out + done, left, position_);
@@ -193,8 +193,8 @@ std::span<const std::uint8_t> CFile::Peek(std::size_t atLeast) {
 // Leaves the buffer starting at the position.
 void CFile::fill(std::size_t atLeast) {
   useBuffer();
-  const bool readingOn = bufferUsed_ != 0 && position_ >= bufferStart_ &&
-                         position_ - bufferStart_ <= bufferUsed_;
+  const bool readingOn =
+      bufferUsed_ != 0 && position_ >= bufferStart_ && position_ - bufferStart_ <= bufferUsed_;
   std::size_t kept = 0;
   if (readingOn) {
     const auto skip = static_cast<std::size_t>(position_ - bufferStart_);
@@ -281,14 +281,16 @@ std::uint64_t CFile::Seek(std::int64_t offset, SeekPosition from) {
   if (handle_ < 0) fail(EBADF, 0);
   const std::uint64_t base = from == begin ? 0 : from == current ? position_ : GetLength();
   const auto distance = static_cast<std::uint64_t>(offset);
-  const bool lands = offset < 0 ? std::uint64_t{0} - distance <= base
-                                : distance <= kMaxPosition - base;
+  const bool lands =
+      offset < 0 ? std::uint64_t{0} - distance <= base : distance <= kMaxPosition - base;
   if (!lands) fail(EINVAL, base);
   position_ = base + distance;
   return position_;
 }
 
-std::uint64_t CFile::GetPosition() const { return position_; }
+std::uint64_t CFile::GetPosition() const {
+  return position_;
+}
 
 std::uint64_t CFile::GetLength() const {
   return dirty_ ? std::max(length_, bufferStart_ + bufferUsed_) : length_;
@@ -313,7 +315,9 @@ void CFile::SetLength(std::uint64_t length) {
   length_ = length;
 }
 
-void CFile::Flush() { writeOut(); }
+void CFile::Flush() {
+  writeOut();
+}
 
 void CFile::SyncData() {
   if (handle_ < 0) fail(EBADF, position_);
@@ -325,11 +329,17 @@ void CFile::SyncData() {
   if (status < 0 && regular_) fail(-status, position_);
 }
 
-CString CFile::GetFileName() const { return CString(vex2::FileNameOf(path_)); }
+CString CFile::GetFileName() const {
+  return CString(vex2::FileNameOf(path_));
+}
 
-CString CFile::GetFileTitle() const { return CString(vex2::FileTitleOf(path_)); }
+CString CFile::GetFileTitle() const {
+  return CString(vex2::FileTitleOf(path_));
+}
 
-CString CFile::GetFilePath() const { return CString(std::string_view(path_)); }
+CString CFile::GetFilePath() const {
+  return CString(std::string_view(path_));
+}
 
 bool CFile::GetStatus(CFileStatus& status) const {
   struct stat info {};

@@ -36,7 +36,9 @@ int FileSystem::Open(const char* path, int flags, mode_t mode) {
   return orError(::open(path, flags, mode));
 }
 
-int FileSystem::Close(int file) { return orError(::close(file)); }
+int FileSystem::Close(int file) {
+  return orError(::close(file));
+}
 
 ssize_t FileSystem::ReadAt(int file, void* bytes, std::size_t count, std::uint64_t offset) {
   return orError(::pread(file, bytes, count, static_cast<off_t>(offset)));
@@ -50,23 +52,33 @@ int FileSystem::Truncate(int file, std::uint64_t length) {
   return orError(::ftruncate(file, static_cast<off_t>(length)));
 }
 
-int FileSystem::SyncData(int file) { return orError(::fdatasync(file)); }
+int FileSystem::SyncData(int file) {
+  return orError(::fdatasync(file));
+}
 
-int FileSystem::SyncAll(int file) { return orError(::fsync(file)); }
+int FileSystem::SyncAll(int file) {
+  return orError(::fsync(file));
+}
 
 int FileSystem::Lock(int file, bool exclusive) {
   return orError(::flock(file, (exclusive ? LOCK_EX : LOCK_SH) | LOCK_NB));
 }
 
-int FileSystem::Stat(int file, struct stat& info) { return orError(::fstat(file, &info)); }
+int FileSystem::Stat(int file, struct stat& info) {
+  return orError(::fstat(file, &info));
+}
 
 int FileSystem::StatPath(const char* path, struct stat& info) {
   return orError(::stat(path, &info));
 }
 
-int FileSystem::Rename(const char* from, const char* to) { return orError(std::rename(from, to)); }
+int FileSystem::Rename(const char* from, const char* to) {
+  return orError(std::rename(from, to));
+}
 
-int FileSystem::Remove(const char* path) { return orError(::unlink(path)); }
+int FileSystem::Remove(const char* path) {
+  return orError(::unlink(path));
+}
 
 int FileSystem::CopyAttributes(int model, int file) {
   struct stat info {};

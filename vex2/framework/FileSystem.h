@@ -1,11 +1,11 @@
 #pragma once
 
+#include <sys/stat.h>
+#include <sys/types.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
-
-#include <sys/stat.h>
-#include <sys/types.h>
 
 namespace vex2 {
 

@@ -9,7 +9,9 @@ namespace {
 
 constexpr std::size_t kMaxInitialName = 260;
 
-std::string textOf(const char* text) { return text != nullptr ? text : ""; }
+std::string textOf(const char* text) {
+  return text != nullptr ? text : "";
+}
 
 std::string filterText(const char* filter) {
   if (filter == nullptr) return {};

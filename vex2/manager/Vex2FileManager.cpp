@@ -6,11 +6,14 @@
 #include "vex2/container/CSkippedComp.h"
 #include "vex2/container/TagFactory.h"
 #include "vex2/container/TagTable.h"
+#include "vex2/framework/DescribeClass.h"
 #include "vex2/framework/PathNames.h"
 
 Vex2FileManager::Vex2FileManager() = default;
 
-Vex2FileManager::Vex2FileManager(const Vex2FileManager& other) : CFile() { deepCopy(other); }
+Vex2FileManager::Vex2FileManager(const Vex2FileManager& other) : CFile() {
+  deepCopy(other);
+}
 
 Vex2FileManager& Vex2FileManager::operator=(const Vex2FileManager& other) {
   // Deliberately without a test for self-assignment: hosts rely on an empty document.
@@ -22,21 +25,26 @@ Vex2FileManager& Vex2FileManager::operator=(const Vex2FileManager& other) {
 Vex2FileManager::~Vex2FileManager() = default;
 
 const CRuntimeClass* Vex2FileManager::ClassRecord() {
-  static const CRuntimeClass record{
-      "Vex2FileManager", sizeof(Vex2FileManager), CFile::ClassRecord(),
-      [] { return std::unique_ptr<CObject>(std::make_unique<Vex2FileManager>()); }};
+  static const CRuntimeClass record =
+      vex2::DescribeClass<Vex2FileManager>("Vex2FileManager", CFile::ClassRecord());
   return &record;
 }
 
-const CRuntimeClass* Vex2FileManager::GetRuntimeClass() const { return ClassRecord(); }
+const CRuntimeClass* Vex2FileManager::GetRuntimeClass() const {
+  return ClassRecord();
+}
 
-CString Vex2FileManager::GetFileName() const { return CString(vex2::FileNameOf(filePath_.View())); }
+CString Vex2FileManager::GetFileName() const {
+  return CString(vex2::FileNameOf(filePath_.View()));
+}
 
 CString Vex2FileManager::GetFileTitle() const {
   return CString(vex2::FileTitleOf(filePath_.View()));
 }
 
-CString Vex2FileManager::GetFilePath() const { return filePath_; }
+CString Vex2FileManager::GetFilePath() const {
+  return filePath_;
+}
 
 int Vex2FileManager::Reset() {
   header_.Reset();
@@ -53,7 +61,9 @@ void Vex2FileManager::deepCopy(const Vex2FileManager& source) {
   }
 }
 
-int Vex2FileManager::GetAllComponentCount() const { return static_cast<int>(components_.size()); }
+int Vex2FileManager::GetAllComponentCount() const {
+  return static_cast<int>(components_.size());
+}
 
 bool Vex2FileManager::GetComponentTagList(CStringList& tags) const {
   tags.RemoveAll();

@@ -32,6 +32,10 @@ bool Vex2FileManager::IsAssayType(int type) const {
   return type == 0;
 }
 
-bool Vex2FileManager::IsRQP() const { return IsAssayType(kRelativePlate); }
+bool Vex2FileManager::IsRQP() const {
+  return IsAssayType(kRelativePlate);
+}
 
-bool Vex2FileManager::IsRQS() const { return IsAssayType(kRelativeStudy); }
+bool Vex2FileManager::IsRQS() const {
+  return IsAssayType(kRelativeStudy);
+}

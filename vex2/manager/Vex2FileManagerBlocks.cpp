@@ -15,7 +15,9 @@ using vex2::kSuccess;
 
 namespace {
 
-bool isReportingBlock(int row) { return row >= DataREPr && row <= DataREPt; }
+bool isReportingBlock(int row) {
+  return row >= DataREPr && row <= DataREPt;
+}
 
 std::unique_ptr<AcquisitionDataComp> makeBlock(Vex2DataType type, const Vex2AcquisitionData* data) {
   const std::string_view tag = vex2::TagAt(type);

@@ -6,6 +6,7 @@
 #include "vex2/container/CLongValueComp.h"
 #include "vex2/container/TagFactory.h"
 #include "vex2/container/TagTable.h"
+#include "vex2/framework/DescribeClass.h"
 
 using vex2::kSuccess;
 
@@ -35,15 +36,18 @@ Vex2FileManagerComponent& Vex2FileManagerComponent::operator=(const Vex2FileMana
 Vex2FileManagerComponent::~Vex2FileManagerComponent() = default;
 
 const CRuntimeClass* Vex2FileManagerComponent::ClassRecord() {
-  static const CRuntimeClass record{
-      "Vex2FileManagerComponent", sizeof(Vex2FileManagerComponent), Vex2FileManager::ClassRecord(),
-      [] { return std::unique_ptr<CObject>(std::make_unique<Vex2FileManagerComponent>()); }};
+  static const CRuntimeClass record = vex2::DescribeClass<Vex2FileManagerComponent>(
+      "Vex2FileManagerComponent", Vex2FileManager::ClassRecord());
   return &record;
 }
 
-const CRuntimeClass* Vex2FileManagerComponent::GetRuntimeClass() const { return ClassRecord(); }
+const CRuntimeClass* Vex2FileManagerComponent::GetRuntimeClass() const {
+  return ClassRecord();
+}
 
-int Vex2FileManagerComponent::ReadHeaderData(CFile* file) { return ReadHeaderData(header_, file); }
+int Vex2FileManagerComponent::ReadHeaderData(CFile* file) {
+  return ReadHeaderData(header_, file);
+}
 
 int Vex2FileManagerComponent::ReadHeaderData(Vex2HeaderData& header, CFile* file) {
   return guarded(vex2::kReadFailed, [&] { return ReadHeaderDataHelper(header, file); });

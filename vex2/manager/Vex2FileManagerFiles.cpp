@@ -62,8 +62,7 @@ bool Vex2FileManager::openKeepingPath(const char* path, unsigned flags) {
   // The path may be the one that is held.
   const CString kept(path);
   filePath_ = kept;
-  return path != nullptr &&
-         guarded(0, [&] { return Open(kept.GetString(), flags) ? 1 : 0; }) == 1;
+  return path != nullptr && guarded(0, [&] { return Open(kept.GetString(), flags) ? 1 : 0; }) == 1;
 }
 
 int Vex2FileManager::SafeOpen(const char* path, int write, int append) {
@@ -179,8 +178,8 @@ int Vex2FileManager::readComponents(CFile& file) {
 }
 
 bool Vex2FileManager::isWritten(const CComponent& component) const {
-  return !IsRQS() || std::find(kStudyTags.begin(), kStudyTags.end(), component.GetTag()) !=
-                         kStudyTags.end();
+  return !IsRQS() ||
+         std::find(kStudyTags.begin(), kStudyTags.end(), component.GetTag()) != kStudyTags.end();
 }
 
 int Vex2FileManager::WriteComponentFile(CFile* file) {

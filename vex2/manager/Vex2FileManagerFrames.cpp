@@ -50,8 +50,7 @@ void Vex2FileManager::InitAcqDataWellNumberArray(const unsigned short* wellNumbe
   if (AcquisitionDataComp* block = findBlock(type)) {
     block->SetWellNumbers(wellNumbers, count);
   } else if (!vex2::TagAt(type).empty()) {
-    appendComponent(
-        std::make_unique<AcquisitionDataComp>(vex2::TagAt(type), wellNumbers, count));
+    appendComponent(std::make_unique<AcquisitionDataComp>(vex2::TagAt(type), wellNumbers, count));
   }
 }
 
@@ -78,12 +77,10 @@ int Vex2FileManager::CommitAcqDataFrame(const char* path, int frameIndex, Vex2Da
     Abort();
     return read;
   }
-  return guardedFile(vex2::kWriteFailed,
-                     [&] { return commitFrame(*block, frameIndex, offset); });
+  return guardedFile(vex2::kWriteFailed, [&] { return commitFrame(*block, frameIndex, offset); });
 }
 
-int Vex2FileManager::commitFrame(AcquisitionDataComp& block, int frameIndex,
-                                 std::uint32_t offset) {
+int Vex2FileManager::commitFrame(AcquisitionDataComp& block, int frameIndex, std::uint32_t offset) {
   const std::uint64_t lengthAt = std::uint64_t{offset} + vex2::kTagLength;
   const std::uint64_t fileLength = GetLength();
   const std::uint32_t oldWord = offset != 0 ? wordAt(*this, lengthAt) : 0;
@@ -120,7 +117,8 @@ bool Vex2FileManager::SetAcqDataWellRecord(const Vex2WellRecord* record, int fra
     vex2::GetHost()->ShowMessage(kNotInitialised);
     return false;
   }
-  return record != nullptr && guarded(0, [&] {
+  return record != nullptr &&
+         guarded(0, [&] {
            return block->SetWellRecord(frameIndex, block->FindWell(wellNumber), *record) ? 1 : 0;
          }) == 1;
 }

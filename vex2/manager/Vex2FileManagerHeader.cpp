@@ -80,15 +80,21 @@ bool Vex2FileManager::hasMarker(std::uint64_t offset, std::string_view marker) {
          marker == std::string_view(found, sizeof found);
 }
 
-bool Vex2FileManager::IsVex2Format() { return hasMarker(0, "Vex2"); }
+bool Vex2FileManager::IsVex2Format() {
+  return hasMarker(0, "Vex2");
+}
 
 bool Vex2FileManager::IsBlueLightSpecialFile() {
   return IsVex2Format() && hasMarker(kKindMarkerAt, "Blue");
 }
 
-bool Vex2FileManager::IsKestorFile() { return IsVex2Format() && hasMarker(kKindMarkerAt, "Kest"); }
+bool Vex2FileManager::IsKestorFile() {
+  return IsVex2Format() && hasMarker(kKindMarkerAt, "Kest");
+}
 
-int Vex2FileManager::ReadHeaderData(CFile* file) { return ReadHeaderData(header_, file); }
+int Vex2FileManager::ReadHeaderData(CFile* file) {
+  return ReadHeaderData(header_, file);
+}
 
 int Vex2FileManager::ReadHeaderData(Vex2HeaderData& header, CFile* file) {
   return guarded(vex2::kReadFailed, [&] {

@@ -69,10 +69,18 @@ int Vex2FileManager::setText(std::string_view tag, const CString& text) {
   return kSuccess;
 }
 
-int Vex2FileManager::GetCalibrator(CString& name) const { return getText("CALR", name); }
-int Vex2FileManager::SetCalibrator(const CString& name) { return setText("CALR", name); }
-int Vex2FileManager::GetEndoControl(CString& name) const { return getText("ENDO", name); }
-int Vex2FileManager::SetEndoControl(const CString& name) { return setText("ENDO", name); }
+int Vex2FileManager::GetCalibrator(CString& name) const {
+  return getText("CALR", name);
+}
+int Vex2FileManager::SetCalibrator(const CString& name) {
+  return setText("CALR", name);
+}
+int Vex2FileManager::GetEndoControl(CString& name) const {
+  return getText("ENDO", name);
+}
+int Vex2FileManager::SetEndoControl(const CString& name) {
+  return setText("ENDO", name);
+}
 
 int Vex2FileManager::GetRQAnalysisType(unsigned short& type) const {
   const auto* value = find<CShortValueComp>("RQAT");

@@ -45,6 +45,12 @@ int Vex2FileManager::SetAcquisitionStatus(const char* path, const char* status) 
   });
 }
 
-bool Vex2FileManager::IsAcquisitionZero() const { return hasStatus("ZERO"); }
-bool Vex2FileManager::IsAcquisitionProg() const { return hasStatus("PROG"); }
-bool Vex2FileManager::IsAcquisitionDone() const { return hasStatus("DONE"); }
+bool Vex2FileManager::IsAcquisitionZero() const {
+  return hasStatus("ZERO");
+}
+bool Vex2FileManager::IsAcquisitionProg() const {
+  return hasStatus("PROG");
+}
+bool Vex2FileManager::IsAcquisitionDone() const {
+  return hasStatus("DONE");
+}

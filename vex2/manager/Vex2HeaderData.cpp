@@ -45,7 +45,6 @@ Vex2HeaderData::Vex2HeaderData(const Vex2HeaderData& other) : rows(0), usage(nul
 Vex2HeaderData& Vex2HeaderData::operator=(const Vex2HeaderData& other) {
   if (this == &other) return *this;
   SetRows(other.usage != nullptr ? other.rows : std::uint16_t{0});
-  rows = other.rows;
   if (usage != nullptr) std::copy_n(other.usage, rows, usage);
   setText(magic, other.magic);
   formatA = other.formatA;
@@ -63,7 +62,9 @@ Vex2HeaderData& Vex2HeaderData::operator=(const Vex2HeaderData& other) {
   return *this;
 }
 
-Vex2HeaderData::~Vex2HeaderData() { delete[] usage; }
+Vex2HeaderData::~Vex2HeaderData() {
+  delete[] usage;
+}
 
 void Vex2HeaderData::Reset() {
   blank(magic);

@@ -145,8 +145,8 @@ void AcquisitionDataComp::Upgrade() {
   if (version_ >= 2) return;
   const auto frames = static_cast<std::uint64_t>(GetFrameCount());
   version_ = 2;
-  setLength(static_cast<std::uint32_t>(kFixedLength + 2 * wellNumbers_.size() +
-                                       frames * frameSize()));
+  setLength(
+      static_cast<std::uint32_t>(kFixedLength + 2 * wellNumbers_.size() + frames * frameSize()));
 }
 
 CComponent& AcquisitionDataComp::Assign(const CComponent& source) {
