@@ -1,0 +1,50 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tools/vex/Errors.h"
+
+namespace vex2::tool {
+
+/// One of the things that `vex` can do. It lives as long as the call.
+class Command {
+ public:
+  struct Description {
+    std::string name;      ///< as it is typed
+    std::string summary;   ///< a sentence
+    std::string examples;  ///< command lines, each on a line of its own
+  };
+
+  explicit Command(Description description) : description_(std::move(description)) {}
+  virtual ~Command() = default;
+  Command(const Command&) = delete;
+  Command& operator=(const Command&) = delete;
+
+  const Description& Describe() const { return description_; }
+
+  /// Adds the arguments and options to the command's own part of the command line. They may keep
+  /// references to members.
+  virtual void AddOptions(CLI::App& app) = 0;
+  /// Does it, once the command line was parsed. Throws `Error`; answers another code than kDone
+  /// only when it went on after an error that it printed itself.
+  virtual ExitCode Run() = 0;
+
+ private:
+  Description description_;
+};
+
+/// All commands, in the order of the help.
+std::vector<std::unique_ptr<Command>> MakeCommands();
+
+std::unique_ptr<Command> MakeInfoCommand();
+std::unique_ptr<Command> MakeTreeCommand();
+std::unique_ptr<Command> MakeFrameCommand();
+std::unique_ptr<Command> MakeExportCommand();
+std::unique_ptr<Command> MakeCopyCommand();
+std::unique_ptr<Command> MakeStatusCommand();
+std::unique_ptr<Command> MakeSetCommand();
+
+}  // namespace vex2::tool

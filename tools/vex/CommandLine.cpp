@@ -1,0 +1,115 @@
+#include "tools/vex/CommandLine.h"
+
+#include <cerrno>
+#include <exception>
+#include <iostream>
+#include <new>
+
+#include "tools/vex/Command.h"
+
+namespace vex2::tool {
+
+std::vector<std::unique_ptr<Command>> MakeCommands() {
+  std::vector<std::unique_ptr<Command>> commands;
+  commands.push_back(MakeStatusCommand());
+  return commands;
+}
+
+namespace {
+
+constexpr const char* kSummary = "Plate documents of a real-time PCR instrument.";
+constexpr const char* kFooter =
+    "Exit codes: 0 done, 1 a document is at fault, 2 the call is, 3 the system is.";
+
+std::string exampleText(const std::string& examples) {
+  std::string text = examples.find('\n') == std::string::npos ? "Example:" : "Examples:";
+  std::size_t begin = 0;
+  while (begin <= examples.size()) {
+    const std::size_t end = std::min(examples.find('\n', begin), examples.size());
+    text += "\n  " + examples.substr(begin, end - begin);
+    begin = end + 1;
+  }
+  return text;
+}
+
+void addCommand(CLI::App& app, Command& command) {
+  const auto& [name, summary, examples] = command.Describe();
+  CLI::App* part = app.add_subcommand(name, summary);
+  part->footer(exampleText(examples));
+  command.AddOptions(*part);
+}
+
+// The command that was typed, for where to look for help.
+std::string chosen(const CLI::App& app) {
+  const auto parts = app.get_subcommands();
+  return parts.empty() ? "vex" : "vex " + parts.front()->get_name();
+}
+
+std::string oneLine(std::string text) {
+  for (char& character : text) {
+    if (character == '\n') character = ' ';
+  }
+  return text;
+}
+
+void parse(CLI::App& app, int argumentCount, const char* const* arguments) {
+  try {
+    app.parse(argumentCount, arguments);
+  } catch (const CLI::Success&) {
+    throw;
+  } catch (const CLI::ParseError& error) {
+    throw Error(ExitCode::kUsage, oneLine(error.what()) + "; see '" + chosen(app) + " --help'");
+  }
+}
+
+void finishOutput() {
+  errno = 0;
+  if (!std::cout.flush()) {
+    throw SystemError("standard output", errno != 0 ? errno : EIO);
+  }
+}
+
+ExitCode run(int argumentCount, const char* const* arguments) {
+  CLI::App app(kSummary, "vex");
+  app.set_version_flag("--version", "vex " VEX2_VERSION, "Print the version and exit");
+  app.set_help_flag("-h,--help", "Print this help and exit");
+  app.require_subcommand(1);
+  app.footer(
+      exampleText("vex simulate run.vex\nvex info run.vex\nvex export run.vex --format csv") +
+      "\n\n" + kFooter);
+  const auto commands = MakeCommands();
+  for (const auto& command : commands) addCommand(app, *command);
+  try {
+    parse(app, argumentCount, arguments);
+  } catch (const CLI::Success& success) {
+    app.exit(success, std::cout, std::cerr);
+    finishOutput();
+    return ExitCode::kDone;
+  }
+  for (const auto& command : commands) {
+    if (!app.got_subcommand(command->Describe().name)) continue;
+    const ExitCode code = command->Run();
+    finishOutput();
+    return code;
+  }
+  return ExitCode::kUsage;
+}
+
+}  // namespace
+
+int RunCommandLine(int argumentCount, const char* const* arguments) noexcept {
+  ExitCode code = ExitCode::kSystem;
+  try {
+    code = run(argumentCount, arguments);
+  } catch (const Error& error) {
+    PrintLine(error.what());
+    code = error.Code();
+  } catch (const std::bad_alloc&) {
+    PrintLine("there is not enough memory");
+  } catch (const std::exception& error) {
+    PrintLine(Printable(error.what()));
+  }
+  return static_cast<int>(code);
+}
+
+}  // namespace vex2::tool
