@@ -163,6 +163,22 @@ def read_container(source, record, depth, allowed=None):
     record["children"] = read_list(source, depth, record["count"], allowed)
 
 
+def read_cells(source, record, depth):
+    record["count"] = source.u16()
+    record["children"] = []
+    for _ in range(record["count"]):
+        cell = {"tag": "CELL", "offset": source.at, "kind": "cell"}
+        source.take(4)
+        cell["declared"] = cell["length"] = source.u32()
+        if depth + 1 > MAX_DEPTH:
+            raise Unreadable
+        if cell["declared"]:
+            read_cell(source, cell, depth + 1)
+        else:
+            cell.update(new_fields("cell"))
+        record["children"].append(cell)
+
+
 def read_cell(source, record, depth):
     record.update(count=source.u16(), coord1=source.u16(), coord2=source.u16(), flag=source.u8())
     record["children"] = read_list(source, depth, record["count"])
@@ -264,11 +280,10 @@ def simple(**readers):
 BODIES = {
     "byte": simple(value=Source.u8), "short": simple(value=Source.u16),
     "long": simple(value=Source.u32), "colour": simple(value=lambda source: list(source.take(3))),
-    "float": read_float, "block": read_text, "container": read_container, "cells": None,
+    "float": read_float, "block": read_text, "container": read_container, "cells": read_cells,
     "cell": read_cell, "data": read_data, "pureDye": read_calibration,
     "background": read_calibration, "plates": read_plates, "plate": read_plate,
 }
-BODIES["cells"] = lambda source, record, depth: read_container(source, record, depth, "CELL")
 BODIES["program"] = BODIES["opaque"] = (
     lambda source, record, _depth: record.update(value=source.raw(record["declared"])))
 

@@ -1,0 +1,31 @@
+# Tests of what is written: the format's description, the README, the examples.
+
+add_test(NAME documents.format
+         COMMAND Python3::Interpreter ${CMAKE_CURRENT_SOURCE_DIR}/format/read_document_test.py)
+set(vex_argument "")
+if(TARGET vex)
+  set(vex_argument --vex $<TARGET_FILE:vex>)
+endif()
+add_test(NAME documents.pages
+         COMMAND Python3::Interpreter ${CMAKE_CURRENT_SOURCE_DIR}/documents/check_documents.py
+                 ${vex_argument})
+
+if(TARGET example_readme)
+  set(run ${CMAKE_CURRENT_BINARY_DIR}/example.vex)
+  add_test(NAME examples.record_run COMMAND example_record_run ${run})
+  set_tests_properties(examples.record_run PROPERTIES FIXTURES_SETUP example_run)
+
+  add_test(NAME examples.readme COMMAND example_readme ${run})
+  add_test(NAME examples.read_frame COMMAND example_read_frame ${run} 2)
+  add_test(NAME examples.own_host COMMAND example_own_host ${run})
+  set_tests_properties(examples.readme PROPERTIES FIXTURES_REQUIRED example_run
+                       PASS_REGULAR_EXPRESSION "frame 0: 101\nframe 1: 201\nframe 2: 301\n$")
+  set_tests_properties(examples.read_frame PROPERTIES FIXTURES_REQUIRED example_run
+                       PASS_REGULAR_EXPRESSION "^301\t302.*\t396\n$")
+  set_tests_properties(examples.own_host PROPERTIES FIXTURES_REQUIRED example_run
+                       PASS_REGULAR_EXPRESSION "3 records, status DONE\n.message. The Acquisition")
+
+  add_test(NAME examples.read_frame_that_is_not_there COMMAND example_read_frame ${run} 3)
+  set_tests_properties(examples.read_frame_that_is_not_there PROPERTIES
+                       FIXTURES_REQUIRED example_run PASS_REGULAR_EXPRESSION "has 3 frames")
+endif()

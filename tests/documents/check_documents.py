@@ -1,0 +1,97 @@
+"""Holds README.md and docs/ to what is there: links lead somewhere, and examples are the real ones.
+
+usage: check_documents.py [--vex PATH]    with the command, its parts are compared with the documents
+"""
+
+import argparse
+import pathlib
+import re
+import subprocess
+import sys
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+LINK = re.compile(r"\[[^\]]*\]\(([^)\s]+)\)")
+HEADING = re.compile(r"^#+ +(.*)$", re.MULTILINE)
+
+
+def documents():
+    pages = sorted(ROOT.glob("*.md")) + sorted((ROOT / "docs").rglob("*.md"))
+    return pages + [ROOT / "tests" / "data" / "README.md"]
+
+
+def without_code(text):
+    return re.sub(r"^```.*?^```", "", text, flags=re.MULTILINE | re.DOTALL)
+
+
+def anchor(heading):
+    """The name that a heading can be linked by."""
+    plain = re.sub(r"[^\w\- ]", "", heading.lower())
+    return plain.strip().replace(" ", "-")
+
+
+def broken_links(page):
+    text = without_code(page.read_text())
+    for target in LINK.findall(text):
+        if re.match(r"[a-z]+:", target):
+            continue
+        path, _, name = target.partition("#")
+        file = (page.parent / path).resolve() if path else page
+        if not file.exists():
+            yield f"{page.relative_to(ROOT)}: {target} is not there"
+        elif name and name not in map(anchor, HEADING.findall(without_code(file.read_text()))):
+            yield f"{page.relative_to(ROOT)}: {target} has no such heading"
+
+
+def drifted_example(readme):
+    source = (ROOT / "examples" / "readme.cpp").read_text()
+    blocks = re.findall(r"^```cpp\n(.*?)^```", readme, re.MULTILINE | re.DOTALL)
+    if source not in blocks:
+        yield "README.md: its C++ example is not examples/readme.cpp"
+
+
+def unlisted_decisions():
+    folder = ROOT / "docs" / "decisions"
+    index = (folder / "README.md").read_text()
+    for record in sorted(folder.glob("[0-9]*.md")):
+        if f"({record.name})" not in index:
+            yield f"docs/decisions/README.md: {record.name} is not in the index"
+
+
+def output_of(*command):
+    return subprocess.run(command, check=True, capture_output=True, text=True).stdout
+
+
+def undocumented_commands(vex, readme):
+    """Each command has a row in the README and a section in the man page, and the other way round."""
+    page = (ROOT / "docs" / "man" / "vex.1").read_text()
+    help_text = output_of(vex, "--help")
+    there = set(re.findall(r"^  (\w+) ", help_text.split("Subcommands:")[1], re.MULTILINE))
+    for name, text, pattern in (("README.md", readme, r"^\| `vex (\w+)"),
+                                ("docs/man/vex.1", page, r"^\.SS vex (\w+)")):
+        told = set(re.findall(pattern, text, re.MULTILINE))
+        for command in sorted(there - told):
+            yield f"{name}: nothing about vex {command}"
+        for command in sorted(told - there):
+            yield f"{name}: there is no vex {command}"
+    for command in sorted(there):
+        for option in re.findall(r"(?<![\w-])--[a-z][a-z-]+", output_of(vex, command, "--help")):
+            if option.replace("-", r"\-") not in page and option != "--help":
+                yield f"docs/man/vex.1: nothing about {option} of vex {command}"
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--vex")
+    vex = parser.parse_args().vex
+    readme = (ROOT / "README.md").read_text()
+    faults = [fault for page in documents() for fault in broken_links(page)]
+    faults += drifted_example(readme)
+    faults += unlisted_decisions()
+    if vex:
+        faults += undocumented_commands(vex, readme)
+    print("\n".join(faults) or f"{len(documents())} documents are right")
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
