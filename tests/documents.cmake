@@ -2,13 +2,8 @@
 
 add_test(NAME documents.format
          COMMAND Python3::Interpreter ${CMAKE_CURRENT_SOURCE_DIR}/format/read_document_test.py)
-set(vex_argument "")
-if(TARGET vex)
-  set(vex_argument --vex $<TARGET_FILE:vex>)
-endif()
 add_test(NAME documents.pages
-         COMMAND Python3::Interpreter ${CMAKE_CURRENT_SOURCE_DIR}/documents/check_documents.py
-                 ${vex_argument})
+         COMMAND Python3::Interpreter ${CMAKE_CURRENT_SOURCE_DIR}/documents/check_documents.py)
 
 if(TARGET example_readme)
   set(run ${CMAKE_CURRENT_BINARY_DIR}/example.vex)

@@ -1,0 +1,119 @@
+#!/usr/bin/env python3
+"""Writes the man page of the vex command from what its --help says: make_man.py VEX >vex.1"""
+
+import re
+import subprocess
+import sys
+
+# CLI11 puts explanations into this column, and those that do not fit beside it on the next line.
+COLUMN = 30
+# What a reader of a man page can do without.
+NOISE = re.compile(r" REQUIRED| (Excludes|Needs): [^ ]+|:(UINT|FLOAT|TEXT|INT)\b|(?<=[A-Z]) TEXT\b|UINT:(?={)")
+
+HEAD = r'''.\" Made by make_man.py from what vex --help says; do not edit.
+.TH VEX 1 "" "vex2" "Plate documents"
+.SH NAME
+vex \- plate documents of a real-time PCR instrument
+.SH SYNOPSIS
+.B vex
+.I COMMAND
+[\fIOPTION\fR]... [\fIARGUMENT\fR]...
+.SH DESCRIPTION
+.B vex
+records runs of a plate into documents, shows what documents hold, and changes them without harm. A
+document whose run is in progress is never rewritten, nor is one that could not be read whole.
+.SH COMMANDS'''
+
+TAIL = r'''.SH EXIT STATUS
+.TP
+.B 0
+done
+.TP
+.B 1
+a document, or another file that was read, is at fault
+.TP
+.B 2
+the call is at fault: arguments, or paths that lead nowhere
+.TP
+.B 3
+the system is at fault: disk, memory, locks
+.TP
+.B 130
+the user interrupted it
+.PP
+Every error is one line on standard error that names the file, and the offset where there is one.
+.SH FILES
+.TP
+.I vex2/settings.ini
+under $XDG_CONFIG_HOME or ~/.config, and
+.IR /etc/vex2/settings.ini :
+settings of the instrument
+.TP
+.I .NAME.recording
+beside a document, the lock of who records it
+.SH SEE ALSO
+The document format, docs/format.md'''
+
+
+def escaped(text):
+    text = text.replace("\\", r"\e").replace("-", r"\-")
+    return r"\&" + text if text.startswith((".", "'")) else text
+
+
+def help_of(vex, *words):
+    return subprocess.run([vex, *words, "--help"], check=True, capture_output=True,
+                          text=True).stdout
+
+
+def sections(text):
+    """The help's lines by heading; what stands before the first is under an empty one."""
+    found, heading = {"": []}, ""
+    for line in text.splitlines():
+        if re.fullmatch(r"[A-Z][\w ]*:", line):
+            heading = line.rstrip(":")
+            found[heading] = []
+        else:
+            found[heading].append(line)
+    return found
+
+
+def entries(lines):
+    """Name and explanation of each option, put together from lines that may be wrapped."""
+    found = []
+    for line in lines:
+        if re.match(r"  \S", line):
+            fits_beside = len(line) > COLUMN and line[COLUMN - 1] == " " and line[COLUMN] != " "
+            name, text = (line[:COLUMN], line[COLUMN:]) if fits_beside else (line, "")
+            found.append([NOISE.sub("", name).strip(), text])
+        elif line.strip():
+            found[-1][1] = f"{found[-1][1]} {line.strip()}".strip()
+    return found
+
+
+def command_page(vex, name):
+    parts = sections(help_of(vex, name))
+    usage = next(line for line in parts[""] if line.startswith("Usage:"))
+    about = " ".join(line for line in parts[""] if line and line != usage)
+    yield f".SS {usage[len('Usage: '):]}".replace("-", r"\-")
+    yield escaped(about)
+    for heading in ("Positionals", "Options"):
+        for option, text in entries(parts.pop(heading, [])):
+            if not option.startswith("-h,"):
+                yield from (".TP", f".B {escaped(option)}", escaped(text))
+    for heading, lines in parts.items():
+        kept = [escaped(line[2:] if line.startswith("  ") else line) for line in lines if line]
+        if heading and kept:
+            yield from (".PP", escaped(heading) + ":", ".PP", ".nf", ".RS", *kept, ".RE", ".fi")
+
+
+def main():
+    vex = sys.argv[1]
+    print(HEAD)
+    for line in sections(help_of(vex))["Subcommands"]:
+        if match := re.match(r"  (\w+)", line):
+            print("\n".join(command_page(vex, match[1])))
+    print(TAIL)
+
+
+if __name__ == "__main__":
+    main()
