@@ -1,5 +1,7 @@
 # Tests of what is written: the format's description, the README, the examples.
 
+find_package(nlohmann_json REQUIRED)
+target_link_libraries(test_format PRIVATE nlohmann_json::nlohmann_json)
 add_test(NAME documents.format
          COMMAND Python3::Interpreter ${CMAKE_CURRENT_SOURCE_DIR}/format/read_document_test.py)
 add_test(NAME documents.pages
