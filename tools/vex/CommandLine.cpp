@@ -6,12 +6,19 @@
 #include <new>
 
 #include "tools/vex/Command.h"
+#include "vex2/framework/CFileException.h"
 
 namespace vex2::tool {
 
 std::vector<std::unique_ptr<Command>> MakeCommands() {
   std::vector<std::unique_ptr<Command>> commands;
+  commands.push_back(MakeInfoCommand());
+  commands.push_back(MakeTreeCommand());
+  commands.push_back(MakeFrameCommand());
+  commands.push_back(MakeExportCommand());
+  commands.push_back(MakeCopyCommand());
   commands.push_back(MakeStatusCommand());
+  commands.push_back(MakeSetCommand());
   return commands;
 }
 
@@ -104,6 +111,8 @@ int RunCommandLine(int argumentCount, const char* const* arguments) noexcept {
   } catch (const Error& error) {
     PrintLine(error.what());
     code = error.Code();
+  } catch (const CFileException& error) {
+    PrintLine(SystemError(error.GetPath(), error.GetError()).what());
   } catch (const std::bad_alloc&) {
     PrintLine("there is not enough memory");
   } catch (const std::exception& error) {

@@ -34,6 +34,10 @@ bool isTheCallsFault(int error) {
   }
 }
 
+bool isContinuation(char character) {
+  return (static_cast<unsigned char>(character) & 0xC0U) == 0x80U;
+}
+
 // The bytes of the UTF-8 character at the start of `text`, 0 where there is none.
 std::size_t characterLength(std::string_view text) {
   const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
@@ -45,7 +49,7 @@ std::size_t characterLength(std::string_view text) {
                                               : 0U;
   if (length > text.size()) return 0;
   for (std::size_t i = 1; i < length; ++i) {
-    if ((byte(i) & 0xC0U) != 0x80U) return 0;
+    if (!isContinuation(text[i])) return 0;
   }
   const bool isControl = byte(0) < 0x20 || byte(0) == 0x7F || (byte(0) == 0xC2 && byte(1) < 0xA0);
   return isControl ? 0 : length;
@@ -60,11 +64,14 @@ std::string Printable(std::string_view text) {
     const std::size_t length = characterLength(text);
     if (length > 0) {
       result += text.substr(0, length);
-    } else {
-      const auto byte = static_cast<unsigned char>(text.front());
-      result.append("\\x").append({kDigits[byte >> 4U], kDigits[byte & 0xFU]});
+      text.remove_prefix(length);
+      continue;
     }
-    text.remove_prefix(length > 0 ? length : 1);
+    // Of the second range of control characters it is the second byte that says which.
+    if (text.size() > 1 && text[0] == '\xC2' && isContinuation(text[1])) text.remove_prefix(1);
+    const auto byte = static_cast<unsigned char>(text.front());
+    result.append("\\x").append({kDigits[byte >> 4U], kDigits[byte & 0xFU]});
+    text.remove_prefix(1);
   }
   return result;
 }

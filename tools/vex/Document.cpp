@@ -1,0 +1,151 @@
+#include "tools/vex/Document.h"
+
+#include <algorithm>
+
+#include "tools/vex/Errors.h"
+#include "tools/vex/Text.h"
+
+namespace vex2::tool {
+
+namespace {
+
+constexpr std::uint64_t kHeaderSize = 1024;
+// The last place for a row's used wells lies within the header up to here.
+constexpr int kMostRows = 238;
+constexpr const char* kRunning =
+    "its run is in progress, and saving would break it; let the recorder finish, or set the status "
+    "with 'vex status' when it never will";
+
+bool isPlainTag(std::string_view tag) {
+  return std::all_of(tag.begin(), tag.end(), [](char c) { return c >= ' ' && c <= '~'; });
+}
+
+std::string quoted(std::string_view tag) {
+  return "\"" + ToUtf8(tag) + "\"";
+}
+
+}  // namespace
+
+// Notes the document's own records, and those in them that the library does not know.
+struct Document::Surveyor final : RecordVisitor {
+  explicit Surveyor(Document& survey) : document(survey) {}
+
+  void Begin(const FileRecord& record, CFile& /*file*/) override {
+    const bool known = IsKnownToLibrary(record.Tag());
+    if (record.depth == 1) {
+      document.records_.push_back({std::string(record.Tag()), record.offset, record.length, known});
+      topKnown = known;
+      if (!known) {
+        document.losses_.push_back({record.offset, "the record " + quoted(record.Tag()) + " of " +
+                                                       Counted(record.length, "byte") +
+                                                       " is of no known kind"});
+      }
+    } else if (topKnown && !known && record.length > 0) {
+      document.losses_.push_back({record.offset, "the bytes of the record " + quoted(record.Tag()) +
+                                                     " within another, of no known kind"});
+    }
+  }
+
+  Document& document;
+  bool topKnown = false;
+};
+
+Document::Document(std::string path) : path_(std::move(path)) {
+  content_.OpenDocument(path_);
+  size_ = content_.GetLength();
+  survey();
+  content_.Abort();
+}
+
+void Document::survey() {
+  const int status = content_.ReadComponentFile(nullptr);
+  fault_ = headerFault();
+  strayOffset_ = size_;
+  if (fault_) return;
+  Surveyor surveyor(*this);
+  const WalkEnd end = WalkRecords(content_, surveyor);
+  fault_ = recordFault(status, end);
+  if (fault_) return;
+  findStrayBytes(end.offset);
+  noteStudyLosses();
+}
+
+std::optional<FileFault> Document::headerFault() const {
+  const std::uint64_t needed = RecordsOffset(static_cast<std::uint32_t>(content_.GetHeaderRows()));
+  if (size_ >= needed) return std::nullopt;
+  return FileFault{size_, "the header is cut short: " + std::to_string(size_) + " of " +
+                              Counted(needed, "byte") + " are there"};
+}
+
+std::optional<FileFault> Document::recordFault(int status, const WalkEnd& end) const {
+  if (end.fault) return end.fault;
+  // The reader kept known records in order, so that the first one it lacks is where it gave up.
+  int kept = content_.GetAllComponentCount();
+  for (const Record& record : records_) {
+    if (!record.known || kept-- > 0) continue;
+    return FileFault{record.offset, "the record " + quoted(record.tag) +
+                                        " could not be read, nor what follows it"};
+  }
+  if (status == kSuccess) return std::nullopt;
+  return FileFault{end.offset, "the document could not be read any further"};
+}
+
+// A frame that was not committed is no record, but its bytes may look like some.
+void Document::findStrayBytes(std::uint64_t walkEnd) {
+  strayOffset_ = walkEnd;
+  const auto lastKnown =
+      std::find_if(records_.rbegin(), records_.rend(), [](const Record& r) { return r.known; });
+  const auto stray = std::find_if(lastKnown.base(), records_.end(),
+                                  [](const Record& r) { return !isPlainTag(r.tag); });
+  if (stray != records_.end()) {
+    strayOffset_ = stray->offset;
+    records_.erase(stray, records_.end());
+    std::erase_if(losses_, [this](const Loss& loss) { return loss.offset >= strayOffset_; });
+  }
+  if (strayOffset_ >= size_) return;
+  const bool isTorn = !records_.empty() && records_.back().tag == "RAWa";
+  losses_.push_back({strayOffset_, Counted(size_ - strayOffset_, "byte") +
+                                       (isTorn ? " of a frame that was not committed"
+                                               : " at the end that are no record")});
+}
+
+void Document::noteStudyLosses() {
+  int index = 0;
+  for (const Record& record : records_) {
+    if (!record.known) continue;
+    const CComponent* component = content_.GetComponent(index++);
+    if (component == nullptr || content_.IsWritten(*component)) continue;
+    losses_.push_back(
+        {record.offset, "the record " + quoted(record.tag) + ", which a study does not keep"});
+  }
+  std::stable_sort(losses_.begin(), losses_.end(),
+                   [](const Loss& a, const Loss& b) { return a.offset < b.offset; });
+}
+
+void Document::RequireWhole(std::string_view purpose) const {
+  const std::string refusal =
+      purpose.empty() ? "" : "; it cannot be read whole, so it is not " + std::string(purpose);
+  if (fault_) {
+    const std::uint64_t lost = size_ - std::min(size_, fault_->offset);
+    throw Error(ExitCode::kDocument, path_,
+                fault_->what + " (" + Counted(lost, "byte") + " lost)" + refusal, fault_->offset);
+  }
+  if (!purpose.empty() && content_.GetHeaderRows() > kMostRows) {
+    throw Error(ExitCode::kDocument, path_,
+                "a plate of " + std::to_string(content_.GetHeaderRows()) +
+                    " rows does not fit into a header that is saved",
+                kHeaderSize);
+  }
+}
+
+void Document::RequireAtRest() const {
+  if (content_.IsAcquisitionProg()) throw Error(ExitCode::kDocument, path_, kRunning);
+}
+
+void RequireNoRunAt(const std::string& path) {
+  Vex2FileManager file;
+  if (file.SafeOpen(path.c_str(), 0, 0) == 0 || file.ReadHeaderData(nullptr) != kSuccess) return;
+  if (file.IsAcquisitionProg()) throw Error(ExitCode::kDocument, path, kRunning);
+}
+
+}  // namespace vex2::tool

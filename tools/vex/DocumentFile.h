@@ -1,0 +1,38 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "vex2/manager/Vex2FileManager.h"
+
+namespace vex2::tool {
+
+/// The manager as the tools need it: with the system's reasons, and with what a manager keeps to
+/// those who derive from it.
+class DocumentFile : public Vex2FileManager {
+ public:
+  /// Opens the document at `path` for reading. Throws an error when the system refuses, or when it
+  /// is no document.
+  void OpenDocument(const std::string& path);
+
+  /// Whether saving the document would write the component: a study leaves most of its own out.
+  bool IsWritten(const CComponent& component) const { return isWritten(component); }
+  /// Moves the component at the end of the document to the end again after `change` has appended
+  /// others, where it is the data block that frames are appended to.
+  template <typename Change>
+  void KeepingRawDataLast(const Change& change) {
+    const bool wasLast = hasRawDataLast();
+    change();
+    if (wasLast && !hasRawDataLast()) moveRawDataToEnd();
+  }
+
+  /// Reads one frame of the block whose record begins at `blockOffset` of the open file. Answers
+  /// the library's status; `frame` keeps what it held when there is no such frame.
+  int ReadFrameAt(int index, Vex2FrameData& frame, std::uint64_t blockOffset);
+
+ private:
+  bool hasRawDataLast() const;
+  void moveRawDataToEnd();
+};
+
+}  // namespace vex2::tool

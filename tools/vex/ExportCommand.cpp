@@ -1,0 +1,114 @@
+#include <ostream>
+
+#include "tools/vex/Command.h"
+#include "tools/vex/DataBlock.h"
+#include "tools/vex/Document.h"
+#include "tools/vex/Output.h"
+#include "tools/vex/Rewriting.h"
+#include "tools/vex/RunReading.h"
+#include "tools/vex/Settings.h"
+#include "vex2/run/AcquisitionDataComp.h"
+
+namespace vex2::tool {
+
+namespace {
+
+constexpr std::uint32_t kTemperatureScale = 100;
+constexpr std::uint32_t kTimeScale = 1000;
+
+/// Writes readings as rows, in the columns that `vex record` reads.
+class CsvWriter {
+ public:
+  CsvWriter(std::ostream& out, std::uint32_t scale) : out_(out), scale_(scale) {
+    out_ << "well,stage,cycle,time_s,temperature_c,fluorescence\n";
+  }
+
+  void Write(const std::string& well, const Vex2WellRecord& record) {
+    out_ << well;
+    // A well that gave nothing in this frame has its row, and no numbers in it.
+    if (record.leading[0] == 0) {
+      out_ << ",,,,,\n";
+      return;
+    }
+    const RunReading reading = DecodeReading(record);
+    out_ << (reading.melting ? ",melt," : ",amplification,") << reading.cycle << ','
+         << ShortestQuotient(reading.time, kTimeScale) << ','
+         << ShortestQuotient(reading.temperature, kTemperatureScale) << ','
+         << ShortestQuotient(reading.value, scale_) << '\n';
+  }
+
+ private:
+  std::ostream& out_;
+  std::uint32_t scale_;
+};
+
+void writeRows(CsvWriter& writer, const AcquisitionDataComp& block, std::uint32_t columns) {
+  const Vex2WellRecord unfilled;
+  const int frames = block.GetFrameCount();
+  std::size_t position = 0;
+  for (const std::uint16_t number : block.GetWellNumbers()) {
+    const std::string well = WellName(number, columns);
+    for (int frame = 0; frame < frames; ++frame) {
+      const Vex2WellRecord* records = block.GetFrame(frame);
+      writer.Write(well, records != nullptr ? records[position] : unfilled);
+    }
+    ++position;
+  }
+}
+
+class ExportCommand final : public Command {
+ public:
+  ExportCommand()
+      : Command({"export", "Write the readings as a table, a row a well and frame.",
+                 "vex export run.vex --format csv\nvex export run.vex -o run.csv"}) {}
+
+  void AddOptions(CLI::App& app) override {
+    app.add_option("FILE", file_, "The document")->required()->type_name("");
+    app.add_option("--format", format_, "csv, the only one")
+        ->check(CLI::IsMember({"csv"}))
+        ->type_name("NAME");
+    AddBlockOption(app, block_);
+    app.add_option("-o,--output", target_, "The file to write; standard output if none")
+        ->type_name("OUT");
+  }
+
+  ExitCode Run() override {
+    const Document document(file_);
+    const AcquisitionDataComp* block = find(document.Content());
+    if (block == nullptr) {
+      document.RequireWhole("");
+      throw Error(ExitCode::kDocument, file_, "it has no data block \"" + block_ + "\"");
+    }
+    if (IsSameFile(file_, target_)) {
+      throw Error(ExitCode::kUsage, file_, "the table would take the place of its own document");
+    }
+    Output output(target_);
+    CsvWriter writer(output.Stream(), ScaleInLog(LogText(document.Content())));
+    writeRows(writer, *block, static_cast<std::uint32_t>(document.Content().GetHeaderCols()));
+    output.Finish();
+    document.RequireWhole("");
+    return ExitCode::kDone;
+  }
+
+ private:
+  const AcquisitionDataComp* find(const Vex2FileManager& document) const {
+    for (int i = 0; i < document.GetAllComponentCount(); ++i) {
+      const CComponent* component = document.GetComponent(i);
+      if (component->GetTag() == block_) return dynamic_cast<const AcquisitionDataComp*>(component);
+    }
+    return nullptr;
+  }
+
+  std::string file_;
+  std::string format_ = "csv";
+  std::string block_;
+  std::string target_;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> MakeExportCommand() {
+  return std::make_unique<ExportCommand>();
+}
+
+}  // namespace vex2::tool

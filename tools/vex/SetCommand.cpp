@@ -1,0 +1,108 @@
+#include <algorithm>
+#include <iostream>
+#include <utility>
+
+#include "tools/vex/Command.h"
+#include "tools/vex/Rewriting.h"
+#include "tools/vex/Settings.h"
+#include "tools/vex/Text.h"
+
+namespace vex2::tool {
+
+namespace {
+
+std::string settingList() {
+  std::string text = "Settings:";
+  for (const Setting& setting : Settings()) {
+    text += "\n  " + PadRight(std::string(setting.key), 20) + std::string(setting.takes);
+  }
+  return text + "\n  A text that is set to nothing, as in comment=, is removed.";
+}
+
+class SetCommand final : public Command {
+ public:
+  SetCommand()
+      : Command({"set", "Change a document's run-wide settings.",
+                 "vex set run.vex comment='second dilution series' sample-volume=25\n"
+                 "vex set run.vex calibrator= --dry-run"}) {}
+
+  void AddOptions(CLI::App& app) override {
+    app.add_option("FILE", file_, "The document")->required()->type_name("");
+    app.add_option("KEY=VALUE", assignments_, "The settings and their new values")
+        ->required()
+        ->type_name("");
+    app.add_flag("--dry-run", dryRun_, "Say what would change, and change nothing");
+    rewriting_.AddOptions(app);
+    app.footer(settingList() + "\n\n" + app.get_footer());
+  }
+
+  ExitCode Run() override {
+    const std::vector<Change> changes = parse();
+    Document document(file_);
+    document.RequireAtRest();
+    rewriting_.Prepare(document, file_);
+    std::string report;
+    document.Content().KeepingRawDataLast([&] {
+      for (const Change& change : changes) report += apply(document.Content(), change);
+    });
+    if (!dryRun_) Rewriting::Save(document, file_);
+    std::cout << report;
+    return ExitCode::kDone;
+  }
+
+ private:
+  struct Change {
+    const Setting* setting;
+    std::string value;
+  };
+
+  std::vector<Change> parse() const {
+    std::vector<Change> changes;
+    for (const std::string& assignment : assignments_) {
+      const std::size_t equals = assignment.find('=');
+      const std::string key = assignment.substr(0, equals);
+      const auto found = std::find_if(Settings().begin(), Settings().end(),
+                                      [&](const Setting& setting) { return setting.key == key; });
+      if (equals == std::string::npos) refuse(assignment, "is not of the form key=value");
+      if (found == Settings().end()) refuse(key, "is no setting");
+      for (const Change& change : changes) {
+        if (change.setting == &*found) refuse(key, "is given twice");
+      }
+      changes.push_back({&*found, assignment.substr(equals + 1)});
+    }
+    return changes;
+  }
+
+  [[noreturn]] void refuse(const std::string& what, const std::string& why) const {
+    throw Error(ExitCode::kUsage, file_, "'" + what + "' " + why + "; see 'vex set --help'");
+  }
+
+  std::string apply(Vex2FileManager& document, const Change& change) const {
+    const Setting& setting = *change.setting;
+    const std::string before = shown(setting.get(document));
+    if (!setting.set(document, change.value)) {
+      const std::string key(setting.key);
+      refuse(key + "=" + change.value, "cannot be: " + key + " takes " +
+                                           (setting.takes == "text" ? "a text of Latin-1 characters"
+                                                                    : std::string(setting.takes)));
+    }
+    return std::string(setting.key) + ": " + before + " -> " + shown(setting.get(document)) + "\n";
+  }
+
+  static std::string shown(const nlohmann::json& value) {
+    return value.is_null() ? "none" : Printable(SettingText(value));
+  }
+
+  std::string file_;
+  std::vector<std::string> assignments_;
+  bool dryRun_ = false;
+  Rewriting rewriting_;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> MakeSetCommand() {
+  return std::make_unique<SetCommand>();
+}
+
+}  // namespace vex2::tool
