@@ -39,10 +39,18 @@ std::string exampleText(const std::string& examples) {
   return text;
 }
 
+// The help's left column, so wide that what is explained beside it ends within 80 columns.
+std::shared_ptr<CLI::Formatter> withColumn(std::size_t width) {
+  auto formatter = std::make_shared<CLI::Formatter>();
+  formatter->column_width(width);
+  return formatter;
+}
+
 void addCommand(CLI::App& app, Command& command) {
   const auto& [name, summary, examples] = command.Describe();
   CLI::App* part = app.add_subcommand(name, summary);
   part->footer(exampleText(examples));
+  part->formatter(withColumn(26));
   command.AddOptions(*part);
 }
 
@@ -80,6 +88,7 @@ ExitCode run(int argumentCount, const char* const* arguments) {
   CLI::App app(kSummary, "vex");
   app.set_version_flag("--version", "vex " VEX2_VERSION, "Print the version and exit");
   app.set_help_flag("-h,--help", "Print this help and exit");
+  app.formatter(withColumn(13));
   app.require_subcommand(1);
   app.footer(
       exampleText("vex simulate run.vex\nvex info run.vex\nvex export run.vex --format csv") +

@@ -59,7 +59,7 @@ void writeRows(CsvWriter& writer, const AcquisitionDataComp& block, std::uint32_
 class ExportCommand final : public Command {
  public:
   ExportCommand()
-      : Command({"export", "Write the readings as a table, a row a well and frame.",
+      : Command({"export", "Write the readings as a table, a row for each well and frame.",
                  "vex export run.vex --format csv\nvex export run.vex -o run.csv"}) {}
 
   void AddOptions(CLI::App& app) override {
