@@ -4,6 +4,9 @@ find_package(nlohmann_json REQUIRED)
 target_link_libraries(test_format PRIVATE nlohmann_json::nlohmann_json)
 add_test(NAME documents.format
          COMMAND Python3::Interpreter ${CMAKE_CURRENT_SOURCE_DIR}/format/read_document_test.py)
+if(TARGET vex)
+  set_tests_properties(documents.format PROPERTIES ENVIRONMENT VEX_COMMAND=$<TARGET_FILE:vex>)
+endif()
 add_test(NAME documents.pages
          COMMAND Python3::Interpreter ${CMAKE_CURRENT_SOURCE_DIR}/documents/check_documents.py)
 

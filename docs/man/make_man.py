@@ -5,8 +5,6 @@ import re
 import subprocess
 import sys
 
-# CLI11 puts explanations into this column, and those that do not fit beside it on the next line.
-COLUMN = 30
 # What a reader of a man page can do without.
 NOISE = re.compile(r" REQUIRED| (Excludes|Needs): [^ ]+|:(UINT|FLOAT|TEXT|INT)\b|(?<=[A-Z]) TEXT\b|UINT:(?={)")
 
@@ -81,10 +79,8 @@ def entries(lines):
     """Name and explanation of each option, put together from lines that may be wrapped."""
     found = []
     for line in lines:
-        if re.match(r"  \S", line):
-            fits_beside = len(line) > COLUMN and line[COLUMN - 1] == " " and line[COLUMN] != " "
-            name, text = (line[:COLUMN], line[COLUMN:]) if fits_beside else (line, "")
-            found.append([NOISE.sub("", name).strip(), text])
+        if match := re.match(r"  (\S.*?)(?:  +(.*))?$", line):
+            found.append([NOISE.sub("", match[1]), match[2] or ""])
         elif line.strip():
             found[-1][1] = f"{found[-1][1]} {line.strip()}".strip()
     return found

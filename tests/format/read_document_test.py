@@ -4,6 +4,7 @@ import json
 import os
 import pathlib
 import re
+import subprocess
 import unittest
 
 import read_document
@@ -59,6 +60,31 @@ class ReadDocument(unittest.TestCase):
     def test_other_files_are_refused(self):
         with self.assertRaises(ValueError):
             read_document.read(b"Vex3" + bytes(1020))
+
+
+def places(records, length):
+    """Tag, offset and declared length of each record and of those in it."""
+    for record in records:
+        yield record["tag"], record["offset"], record[length]
+        yield from places(record.get("children", []), length)
+
+
+@unittest.skipUnless("VEX_COMMAND" in os.environ, "no vex command")
+class Tree(unittest.TestCase):
+    def test_the_command_shows_the_same_records_at_the_same_places(self):
+        for path in sorted((ROOT / "tests" / "data").glob("*.vex")):
+            with self.subTest(path.stem):
+                found = read_document.read(path.read_bytes())
+                shown = subprocess.run([os.environ["VEX_COMMAND"], "tree", "--json", str(path)],
+                                       capture_output=True, text=True, check=False).stdout
+                expected = set(places(found["components"] + found["dropped"], "declared"))
+                # A plate's end is no record of the plate, and one that could not be read is shown.
+                actual = {place for place in places(json.loads(shown), "length")
+                          if place[0] != "EOPl"}
+                if found["whole"]:
+                    self.assertEqual(actual, expected)
+                else:
+                    self.assertLess(expected, actual)
 
 
 class TagTable(unittest.TestCase):
