@@ -21,7 +21,7 @@ bool isPlainTag(std::string_view tag) {
 }
 
 std::string quoted(std::string_view tag) {
-  return "\"" + ToUtf8(tag) + "\"";
+  return '"' + ToUtf8(tag) + '"';
 }
 
 }  // namespace
