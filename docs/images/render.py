@@ -1,7 +1,13 @@
 #!/usr/bin/env python3
-"""Draws what a program printed on a terminal as SVG: render.py TITLE <captured.txt >picture.svg
+"""Draws what a program printed on a terminal as SVG, with its colours.
 
-Captured with its colours, e.g. by: script -qec 'vex info run.vex' captured.txt
+usage: render.py TITLE [WORD...] <captured.txt >picture.svg
+
+With words, only the steps of a script are drawn in whose headings ("== ...") one of them stands.
+The picture of the README was made so:
+
+    script -qec 'stty cols 90; scripts/demo' demo.txt
+    docs/images/render.py 'A run, cut off and continued' continued curves <demo.txt >demo.svg
 """
 
 import re
@@ -87,8 +93,23 @@ def svg(lines, title):
     yield "</g></svg>"
 
 
+def steps(lines, words):
+    """The lines below headings in which one of the words stands, headings included."""
+    chosen = False
+    for line in lines:
+        plain = SEQUENCE.sub("", line)
+        if plain.startswith("Script done"):
+            return
+        if plain.startswith("== "):
+            chosen = any(word in plain for word in words)
+        if chosen:
+            yield line
+
+
 def main():
     lines = screen(sys.stdin.read())
+    if len(sys.argv) > 2:
+        lines = list(steps(lines, sys.argv[2:]))
     while lines and not SEQUENCE.sub("", lines[-1]).strip():
         lines.pop()
     print("\n".join(svg(lines, sys.argv[1])))
