@@ -39,6 +39,8 @@ class Command {
 /// All commands, in the order of the help.
 std::vector<std::unique_ptr<Command>> MakeCommands();
 
+std::unique_ptr<Command> MakeRecordCommand();
+std::unique_ptr<Command> MakeSimulateCommand();
 std::unique_ptr<Command> MakeInfoCommand();
 std::unique_ptr<Command> MakeTreeCommand();
 std::unique_ptr<Command> MakeFrameCommand();

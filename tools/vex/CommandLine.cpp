@@ -12,6 +12,8 @@ namespace vex2::tool {
 
 std::vector<std::unique_ptr<Command>> MakeCommands() {
   std::vector<std::unique_ptr<Command>> commands;
+  commands.push_back(MakeRecordCommand());
+  commands.push_back(MakeSimulateCommand());
   commands.push_back(MakeInfoCommand());
   commands.push_back(MakeTreeCommand());
   commands.push_back(MakeFrameCommand());

@@ -11,9 +11,10 @@ namespace vex2::tool {
 /// What the command answers to the shell.
 enum class ExitCode : int {
   kDone = 0,
-  kDocument = 1,  ///< a document, or another file that was read, is at fault
-  kUsage = 2,     ///< the call is at fault: arguments, or paths that lead nowhere
-  kSystem = 3,    ///< the system is at fault: disk, memory, locks
+  kDocument = 1,       ///< a document, or another file that was read, is at fault
+  kUsage = 2,          ///< the call is at fault: arguments, or paths that lead nowhere
+  kSystem = 3,         ///< the system is at fault: disk, memory, locks
+  kInterrupted = 130,  ///< the user ended it; what shells know as the answer to Ctrl-C
 };
 
 /// Why a command gives up: an exit code and one line for standard error, which names the file and,

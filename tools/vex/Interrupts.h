@@ -1,0 +1,29 @@
+#pragma once
+
+#include <csignal>
+
+namespace vex2::tool {
+
+/// While it lives, Ctrl-C and a request to end are not obeyed at once but when asked for, so that
+/// what is under way is finished first; and a file that grows too large is an error of its write
+/// and not the process's end. Made on the only thread.
+class Interrupts {
+ public:
+  Interrupts();
+  ~Interrupts();
+  Interrupts(const Interrupts&) = delete;
+  Interrupts& operator=(const Interrupts&) = delete;
+
+  /// Waits for that many seconds, or until asked to end. True when asked to end, also before.
+  bool Wait(double seconds);
+  /// The same without waiting.
+  bool Pending() { return Wait(0); }
+
+ private:
+  sigset_t awaited_{};
+  sigset_t before_{};
+  struct sigaction fileSizeBefore_ {};
+  bool asked_ = false;
+};
+
+}  // namespace vex2::tool
