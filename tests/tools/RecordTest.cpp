@@ -1,0 +1,220 @@
+// What a recording puts into its document, and what it refuses to record.
+
+#include <gmock/gmock.h>
+
+#include <limits>
+
+#include "tests/tools/RecordFixture.h"
+
+namespace vex2::test {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+std::uint16_t firstReading(const Vex2FileManager& document, int frame, int well) {
+  Vex2WellRecord record;
+  EXPECT_TRUE(document.GetAcqDataWellRecord(&record, frame, well, DataRAWa));
+  return record.leading[4];
+}
+
+TEST_F(RecordTest, HoldsEveryReadingExactly) {
+  const CommandResult result = RunVex(Record());
+  EXPECT_EQ(result.exitCode, 0) << result.errors;
+  EXPECT_EQ(result.output + result.errors, "") << "quiet where there is no terminal";
+  ExpectWhole();
+}
+
+TEST_F(RecordTest, LeavesNoFileButTheDocument) {
+  RunVex(Record());
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(folder_.Path())) {
+    names.push_back(entry.path().filename());
+  }
+  EXPECT_THAT(names, testing::ElementsAre("run.vex"));
+}
+
+TEST_F(RecordTest, HeaderTellsThePlateAndTheWellsInUse) {
+  RunVex(Record());
+  Vex2FileManager document;
+  document.ReadFromFile(Run().c_str());
+  const Vex2HeaderData& header = document.GetHeaderData();
+  EXPECT_EQ(std::string(header.plateTypeCode, 4), "p9C ");
+  EXPECT_EQ(header.rows, 8);
+  EXPECT_EQ(header.columns, 12);
+  EXPECT_EQ(header.usage[0], 15U);
+  EXPECT_EQ(header.usage[1], 15U);
+  EXPECT_EQ(header.usage[2], 0U);
+}
+
+TEST_F(RecordTest, DataBlockIsTheLastRecord) {
+  RunVex(Record());
+  Vex2FileManager document;
+  document.ReadFromFile(Run().c_str());
+  CStringList tags;
+  document.GetComponentTagList(tags);
+  std::vector<std::string> names;
+  for (POSITION at = tags.GetHeadPosition(); at != nullptr;) {
+    names.emplace_back(tags.GetNext(at).GetString());
+  }
+  EXPECT_THAT(names, testing::ElementsAre("GLBL", "TPro", "RAWa"));
+}
+
+TEST_F(RecordTest, WellsAreNumberedByRowsFromOne) {
+  RunVex(Record());
+  Vex2FileManager document;
+  document.ReadFromFile(Run().c_str());
+  ASSERT_EQ(document.GetWellCount(DataRAWa), static_cast<int>(kWells));
+  for (const int well : {1, 2, 3, 4, 13, 14, 15, 16}) {
+    EXPECT_EQ(document.GetDataCntInWell(well, DataRAWa), kFrames) << well;
+  }
+}
+
+TEST_F(RecordTest, MarkerStandsInTheFirstMeltingFrameAlone) {
+  RunVex(Record());
+  Vex2FileManager document;
+  document.ReadFromFile(Run().c_str());
+  for (int frame = 0; frame < kFrames; ++frame) {
+    EXPECT_EQ(firstReading(document, frame, 1) == 65000, frame == 40) << frame;
+  }
+}
+
+TEST_F(RecordTest, ReadingsThatLookLikeAMarkerAreRecordedWithoutBeingOne) {
+  std::string readings =
+      ReadingsWith("A1,amplification,1,20,60,0.313", "A1,amplification,1,20,60,0");
+  const std::string line = "A1,amplification,2,59.5,60,0.317";
+  readings.replace(readings.find(line), line.size(), "A1,amplification,2,59.5,60,65");
+  ASSERT_EQ(RunVex(RecordFrom(File("odd.csv", readings))).exitCode, 0);
+  Vex2FileManager document;
+  document.ReadFromFile(Run().c_str());
+  EXPECT_EQ(firstReading(document, 0, 1), 1);
+  EXPECT_EQ(firstReading(document, 1, 1), 64999);
+  EXPECT_EQ(RecordedReadings(Run()), ReadReadingsFile(folder_ / "odd.csv"));
+}
+
+TEST_F(RecordTest, StartAndEndAreDatesOfToday) {
+  RunVex(Record());
+  Vex2FileManager document;
+  document.ReadFromFile(Run().c_str());
+  TimeStamp start;
+  TimeStamp end;
+  ASSERT_TRUE(document.GetAcqDataStartTime(start, DataRAWa));
+  ASSERT_TRUE(document.GetAcqDataEndTime(end, DataRAWa));
+  for (const TimeStamp& time : {start, end}) {
+    const std::time_t now = std::time(nullptr);
+    EXPECT_EQ(time.fields[0], std::localtime(&now)->tm_year - 100);
+    EXPECT_TRUE(time.fields[1] >= 1 && time.fields[1] <= 12);
+  }
+  EXPECT_LE(std::vector<int>(start.fields, start.fields + 6),
+            std::vector<int>(end.fields, end.fields + 6));
+}
+
+TEST_F(RecordTest, ScaleIsTheLargestPowerOfTenWithWhichAllFit) {
+  const struct {
+    const char* reading;
+    const char* scale;
+  } cases[] = {{"65.535", "scale=1000"},
+               {"65.536", "scale=100"},
+               {"655.36", "scale=10"},
+               {"65535.4", "scale=1"}};
+  for (const auto& [reading, scale] : cases) {
+    const std::string file =
+        File("large.csv", ReadingsWith("60,0.313", std::string("60,") + reading));
+    ASSERT_EQ(RunVex(RecordFrom(file, {"--force"})).exitCode, 0) << reading;
+    EXPECT_THAT(TextOf(Run()), HasSubstr(std::string(scale) + "\n")) << reading;
+  }
+}
+
+TEST_F(RecordTest, ReadingThatDoesNotFitNamesItsRow) {
+  const std::string row3 = File("large.csv", ReadingsWith("60,0.317", "60,65535.5"));
+  CommandResult result = RunVex(RecordFrom(row3));
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.errors, HasSubstr("large.csv: row 3: "));
+  EXPECT_FALSE(std::filesystem::exists(Run()));
+  result = RunVex(Record({"--scale", "100000"}));
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.errors, HasSubstr("run-readings.csv: row "));
+  EXPECT_EQ(RunVex(Record({"--scale", "10"})).exitCode, 0);
+}
+
+TEST_F(RecordTest, MissingReadingNamesWellAndFrame) {
+  const std::string file =
+      File("less.csv", ReadingsWith("B2,amplification,7,257,60,", "B2,amplification,41,257,60,"));
+  const CommandResult result = RunVex(RecordFrom(file));
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.errors,
+              HasSubstr("less.csv: well B2 has no reading in amplification cycle 7"));
+  EXPECT_FALSE(std::filesystem::exists(Run()));
+}
+
+TEST_F(RecordTest, SecondReadingOfAWellInAFrameNamesBothRows) {
+  const std::string file =
+      File("more.csv", ReadingsWith("A1,amplification,2,59.5,", "A1,amplification,1,59.5,"));
+  const CommandResult result = RunVex(RecordFrom(file));
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.errors, HasSubstr("more.csv: row 3: well A1 has a second reading in "
+                                       "amplification cycle 1, the first is in row 2"));
+}
+
+TEST_F(RecordTest, WellThatTheWellsFileLacksNamesItsRow) {
+  const CommandResult result = RunVex(RecordFrom(File("odd.csv", ReadingsWith("\nA2,", "\nC2,"))));
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.errors, HasSubstr("odd.csv: row 50: well 'C2' is not in the wells file"));
+}
+
+TEST_F(RecordTest, NumbersThatAreNoneNameTheirRow) {
+  const struct {
+    const char* field;
+    const char* error;
+  } cases[] = {{"nan", "is no number"},     {"inf", "is no number"},   {"-inf", "is no number"},
+               {"-0.5", "is negative"},     {"1e999", "is no number"}, {"0.3x", "is no number"},
+               {"", "is no number"},        {"0x10", "is no number"},  {"1e300", "does not fit"},
+               {"\"\"\"\"", "is no number"}};
+  for (const auto& [field, error] : cases) {
+    const std::string file = File("bad.csv", ReadingsWith("60,0.317", std::string("60,") + field));
+    const CommandResult result = RunVex(RecordFrom(file));
+    EXPECT_EQ(result.exitCode, 1) << field;
+    EXPECT_THAT(result.errors, HasSubstr("bad.csv: row 3: ")) << field;
+    EXPECT_THAT(result.errors, HasSubstr(error)) << field;
+  }
+}
+
+TEST_F(RecordTest, TimesAndTemperaturesThatDoNotFitNameTheirRow) {
+  for (const char* fields : {"4294968,60,", "-1,60,", "59.5,655.36,", "59.5,-1,"}) {
+    const std::string file = File("bad.csv", ReadingsWith("59.5,60,", fields));
+    const CommandResult result = RunVex(RecordFrom(file));
+    EXPECT_EQ(result.exitCode, 1) << fields;
+    EXPECT_THAT(result.errors, HasSubstr("bad.csv: row 3: ")) << fields;
+  }
+}
+
+TEST_F(RecordTest, StandardInputServesForReadings) {
+  const CommandResult result = RunVex(RecordFrom("-"), {.input = TextOf(Readings())});
+  EXPECT_EQ(result.exitCode, 0) << result.errors;
+  ExpectWhole();
+  EXPECT_EQ(RunVex({"record", Run(), "--readings", "-", "--wells", "-", "--force"}).exitCode, 2);
+}
+
+TEST_F(RecordTest, FileThatIsThereStaysUnlessForced) {
+  const std::string before = "somebody's";
+  WriteBytes(Run(), ToBytes(before));
+  const CommandResult refused = RunVex(Record());
+  EXPECT_EQ(refused.exitCode, 2);
+  EXPECT_THAT(refused.errors, HasSubstr(Run() + ": "));
+  EXPECT_EQ(TextOf(Run()), before);
+  EXPECT_EQ(RunVex(Record({"--force"})).exitCode, 0);
+  ExpectWhole();
+}
+
+TEST_F(RecordTest, FolderThatIsNotThereIsTheCallsFault) {
+  CommandResult result =
+      RunVex({"record", folder_ / "none/run.vex", "--readings", Readings(), "--wells", Wells()});
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_THAT(result.errors, HasSubstr("none/run.vex: No such file"));
+  result = RunVex({"record", Run(), "--readings", folder_ / "none.csv", "--wells", Wells()});
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_THAT(result.errors, HasSubstr("none.csv: No such file"));
+}
+
+}  // namespace
+}  // namespace vex2::test
