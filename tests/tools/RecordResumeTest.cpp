@@ -359,6 +359,10 @@ TEST_F(RecordSampleTest, MeasuredPlateOf384WellsKilledHalfWayIsWholeInTheEnd) {
   const auto expected = ReadReadingsFile(readings);
   EXPECT_EQ(expected.size(), 82944U);
   EXPECT_EQ(RecordedReadings(Run()), expected);
+  const CommandResult exported = RunVex({"export", Run(), "--format", "csv"});
+  ASSERT_EQ(exported.exitCode, 0) << exported.errors;
+  std::istringstream rows(exported.output);
+  EXPECT_EQ(ReadReadings(rows), expected);
 }
 
 TEST_F(RecordSampleTest, MeasuredPlateOf96WellsIsRecordedWhole) {

@@ -1,14 +1,12 @@
 #include "tools/vex/RecordProgress.h"
 
-#include <sys/ioctl.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <iostream>
 
 #include "tools/vex/Errors.h"
+#include "tools/vex/Terminal.h"
 
 namespace vex2::tool {
 
@@ -17,11 +15,6 @@ namespace {
 constexpr auto kLeastPause = std::chrono::milliseconds(50);  // between two drawings
 constexpr std::size_t kLongestBar = 40;
 constexpr std::size_t kShortestBar = 5;
-
-std::size_t terminalWidth() {
-  winsize size{};
-  return ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
-}
 
 std::string duration(double seconds) {
   const auto whole = static_cast<long>(std::ceil(seconds));
@@ -45,7 +38,7 @@ std::string milliseconds(double seconds) {
 }  // namespace
 
 RecordProgress::RecordProgress(std::string name)
-    : name_(Printable(name)), onTerminal_(::isatty(STDERR_FILENO) != 0) {}
+    : name_(Printable(name)), onTerminal_(Terminal::Error().IsTerminal()) {}
 
 RecordProgress::~RecordProgress() {
   if (drawn_) std::cerr << std::endl;
@@ -77,7 +70,7 @@ std::string RecordProgress::line(const RecordState& state) const {
     text += ", last commit " + milliseconds(state.lastCommit);
   }
   const std::size_t used = name_.size() + text.size() + 5;
-  const std::size_t room = terminalWidth() - std::min(terminalWidth(), used);
+  const std::size_t room = Terminal::Error().Width() - std::min(Terminal::Error().Width(), used);
   if (room < kShortestBar) return text;
   const std::size_t width = std::min(room, kLongestBar);
   const std::size_t filled = width * state.framesDone / std::max<std::size_t>(state.framesTotal, 1);

@@ -2,15 +2,14 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <charconv>
 #include <cmath>
-#include <fstream>
 #include <functional>
 #include <numeric>
+#include <ostream>
 #include <utility>
 
-#include "tools/vex/Errors.h"
+#include "tools/vex/Output.h"
 
 namespace vex2::tool {
 
@@ -145,14 +144,6 @@ void addFrame(RunPlan& plan, std::vector<Well>& wells, const RunReading& common,
   });
 }
 
-void writeFile(const std::string& path, const std::function<void(std::ostream&)>& write) {
-  errno = 0;
-  std::ofstream out(path, std::ios::binary);
-  if (out) write(out);
-  out.close();
-  if (!out) throw SystemError(path, errno != 0 ? errno : EIO);
-}
-
 }  // namespace
 
 RunPlan SimulateRun(const SimulationParameters& parameters) {
@@ -200,33 +191,35 @@ void ReadParameters(std::string_view log, SimulationParameters& parameters) {
 }
 
 void WriteReadings(const RunPlan& plan, const std::string& path) {
-  writeFile(path, [&](std::ostream& out) {
-    out << "well,stage,cycle,time_s,temperature_c,fluorescence\n";
-    for (std::size_t i = 0; i < plan.wells.size(); ++i) {
-      for (const auto& frame : plan.frames) {
-        const RunReading& reading = frame[i];
-        out << plan.plate.NameOf(plan.wells[i]) << (reading.melting ? ",melt," : ",amplification,")
-            << reading.cycle << ',' << ShortestQuotient(reading.time, 1000) << ','
-            << ShortestQuotient(reading.temperature, 100) << ','
-            << ShortestQuotient(reading.value, plan.scale) << '\n';
-      }
+  Output output(path);
+  std::ostream& out = output.Stream();
+  out << "well,stage,cycle,time_s,temperature_c,fluorescence\n";
+  for (std::size_t i = 0; i < plan.wells.size(); ++i) {
+    for (const auto& frame : plan.frames) {
+      const RunReading& reading = frame[i];
+      out << plan.plate.NameOf(plan.wells[i]) << (reading.melting ? ",melt," : ",amplification,")
+          << reading.cycle << ',' << ShortestQuotient(reading.time, 1000) << ','
+          << ShortestQuotient(reading.temperature, 100) << ','
+          << ShortestQuotient(reading.value, plan.scale) << '\n';
     }
-  });
+  }
+  output.Finish();
 }
 
 void WriteSimulatedWells(const RunPlan& plan, const std::string& path) {
-  writeFile(path, [&](std::ostream& out) {
-    out << "well,sample,target,task,quantity,reporter\n";
-    for (const unsigned well : plan.wells) {
-      const unsigned level = levelOf(plan.plate, well);
-      const bool isControl = level == kLevels - 1;
-      out << plan.plate.NameOf(well) << ','
-          << (isControl ? "no template" : "dilution " + std::to_string(level + 1)) << ",target "
-          << static_cast<char>('A' + (well - 1) / plan.plate.columns)
-          << (isControl ? ",NTC," : ",STND,") << static_cast<std::uint32_t>(copiesAt(level))
-          << ",green\n";
-    }
-  });
+  Output output(path);
+  std::ostream& out = output.Stream();
+  out << "well,sample,target,task,quantity,reporter\n";
+  for (const unsigned well : plan.wells) {
+    const unsigned level = levelOf(plan.plate, well);
+    const bool isControl = level == kLevels - 1;
+    out << plan.plate.NameOf(well) << ','
+        << (isControl ? "no template" : "dilution " + std::to_string(level + 1)) << ",target "
+        << static_cast<char>('A' + (well - 1) / plan.plate.columns)
+        << (isControl ? ",NTC," : ",STND,") << static_cast<std::uint32_t>(copiesAt(level))
+        << ",green\n";
+  }
+  output.Finish();
 }
 
 }  // namespace vex2::tool
