@@ -65,7 +65,8 @@ def undocumented_commands(vex, readme):
     """Each command has a row in the README and a section in the man page, and the other way round."""
     page = (ROOT / "docs" / "man" / "vex.1").read_text()
     help_text = output_of(vex, "--help")
-    there = set(re.findall(r"^  (\w+) ", help_text.split("Subcommands:")[1], re.MULTILINE))
+    names = help_text.split("Subcommands:\n")[1].split("\n\n")[0]
+    there = set(re.findall(r"^  (\w+) ", names, re.MULTILINE))
     for name, text, pattern in (("README.md", readme, r"^\| `vex (\w+)"),
                                 ("docs/man/vex.1", page, r"^\.SS vex (\w+)")):
         told = set(re.findall(pattern, text, re.MULTILINE))
