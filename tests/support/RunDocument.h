@@ -1,0 +1,161 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tests/support/Files.h"
+#include "vex2/manager/Vex2FileManager.h"
+
+namespace vex2::test {
+
+/// A manager whose protected operations tests can reach.
+class OpenedManager : public Vex2FileManager {
+ public:
+  using Vex2FileManager::AppendAcquisitionDataBlock;
+  using Vex2FileManager::findBlock;
+  using Vex2FileManager::findReporterCompOffset;
+  using Vex2FileManager::includesComponent;
+  using Vex2FileManager::readAFrame;
+  using Vex2FileManager::UpdateAcqDataOffset;
+  using Vex2FileManager::UpdateThermocycleOffset;
+  using Vex2FileManager::WriteThermocycleComp;
+
+  std::uint32_t AcquisitionDataOffset() const { return header_.acquisitionDataOffset; }
+  std::uint32_t ThermocycleOffset() const { return header_.thermocycleOffset; }
+  template <typename Component>
+  void Append(std::unique_ptr<Component> component) {
+    appendComponent(std::move(component));
+  }
+};
+
+/// Bytes of a document under construction; numbers are big-endian.
+class ByteString {
+ public:
+  ByteString& Text(std::string_view text) {
+    bytes_.insert(bytes_.end(), text.begin(), text.end());
+    return *this;
+  }
+  ByteString& Byte(unsigned value) { return number(value, 1); }
+  ByteString& Short(unsigned value) { return number(value, 2); }
+  ByteString& Long(unsigned long value) { return number(value, 4); }
+  ByteString& Raw(const Bytes& bytes) {
+    bytes_.insert(bytes_.end(), bytes.begin(), bytes.end());
+    return *this;
+  }
+  ByteString& Zeros(std::size_t count) {
+    bytes_.insert(bytes_.end(), count, 0);
+    return *this;
+  }
+  operator const Bytes&() const { return bytes_; }
+
+ private:
+  ByteString& number(unsigned long value, int width) {
+    for (int shift = 8 * (width - 1); shift >= 0; shift -= 8) {
+      bytes_.push_back(static_cast<std::uint8_t>(value >> static_cast<unsigned>(shift) & 0xFFU));
+    }
+    return *this;
+  }
+
+  Bytes bytes_;
+};
+
+inline std::uint32_t LongAt(const Bytes& bytes, std::size_t at) {
+  return std::uint32_t{bytes.at(at)} << 24U | std::uint32_t{bytes.at(at + 1)} << 16U |
+         std::uint32_t{bytes.at(at + 2)} << 8U | bytes.at(at + 3);
+}
+
+inline void SetLongAt(Bytes& bytes, std::size_t at, unsigned long value) {
+  const Bytes word = ByteString().Long(value);
+  std::copy(word.begin(), word.end(), bytes.begin() + static_cast<std::ptrdiff_t>(at));
+}
+
+inline Bytes Slice(const Bytes& bytes, std::size_t from, std::size_t count) {
+  const auto first = bytes.begin() + static_cast<std::ptrdiff_t>(from);
+  return {first, first + static_cast<std::ptrdiff_t>(count)};
+}
+
+/// A filled record whose every stored value tells frame, position and place apart. The values that
+/// live in memory alone are 0, so that it reads back equal.
+inline Vex2WellRecord MakeRecord(int frame, int position) {
+  Vex2WellRecord record;
+  const auto value = [&](int place) {
+    return static_cast<std::uint16_t>(frame * 7919 + position * 41 + place * 257 + 1);
+  };
+  for (int i = 0; i < 8; ++i) record.leading[i] = value(i);
+  for (int i = 0; i < 32; ++i) record.data[i] = value(8 + i);
+  if (record.leading[0] == 0) record.leading[0] = 1;
+  return record;
+}
+
+inline Vex2FrameData MakeFrame(std::uint16_t wells, int index) {
+  Vex2FrameData frame(wells);
+  for (int position = 0; position < wells; ++position) {
+    frame.records[position] = MakeRecord(index, position);
+  }
+  return frame;
+}
+
+inline bool SameFrame(const Vex2FrameData& a, const Vex2FrameData& b) {
+  return a.wellCount == b.wellCount && std::equal(a.records, a.records + a.wellCount, b.records);
+}
+
+/// How the record lies in a document.
+inline Bytes StoredRecord(const Vex2WellRecord& record) {
+  ByteString bytes;
+  for (const std::uint16_t value : record.leading) bytes.Short(value);
+  for (int i = 0; i < 32; ++i) bytes.Short(record.data[i]);
+  return bytes;
+}
+
+inline Bytes StoredFrame(const Vex2FrameData& frame) {
+  ByteString bytes;
+  for (int i = 0; i < frame.wellCount; ++i) bytes.Raw(StoredRecord(frame.records[i]));
+  return bytes;
+}
+
+inline std::vector<std::uint16_t> WellNumbers(std::uint16_t count) {
+  std::vector<std::uint16_t> numbers(count);
+  for (std::uint16_t i = 0; i < count; ++i) numbers[i] = static_cast<std::uint16_t>(i + 1);
+  return numbers;
+}
+
+/// A whole data block of version 2 whose times are zero: tag, length and body.
+inline Bytes StoredBlock(std::string_view tag, std::uint16_t wells, int frames) {
+  ByteString bytes;
+  bytes.Text(tag).Long(18 + 2UL * wells + 80UL * wells * static_cast<unsigned long>(frames));
+  bytes.Short(2).Short(12).Zeros(12).Short(wells);
+  for (const auto number : WellNumbers(wells)) bytes.Short(number);
+  for (int index = 0; index < frames; ++index) bytes.Raw(StoredFrame(MakeFrame(wells, index)));
+  return bytes;
+}
+
+/// A document header as a new manager writes it, with the given position of the raw data.
+inline Bytes StoredHeader(std::uint32_t acquisitionDataOffset = 0) {
+  ByteString bytes;
+  bytes.Text("Vex2").Short(2).Short(2).Text("AbsQ").Text("RtRn").Text("p9C ");
+  bytes.Short(8).Short(12).Long(0).Byte(0).Text(std::string(31, ' '));
+  bytes.Text("Kest").Text("ZERO").Long(acquisitionDataOffset);
+  for (int row = 0; row < 8; ++row) bytes.Long(4095);
+  return bytes.Zeros(920);
+}
+
+/// Those bytes one after the other.
+inline Bytes Join(const std::vector<Bytes>& parts) {
+  ByteString bytes;
+  for (const Bytes& part : parts) bytes.Raw(part);
+  return bytes;
+}
+
+/// The tags of the components in order, e.g. "GLBL RAWa".
+inline std::string TagsOf(const Vex2FileManager& manager) {
+  std::string tags;
+  for (int i = 0; i < manager.GetAllComponentCount(); ++i) {
+    if (i > 0) tags += ' ';
+    tags += manager.GetComponent(i)->GetTag();
+  }
+  return tags;
+}
+
+}  // namespace vex2::test
