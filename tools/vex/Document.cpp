@@ -21,7 +21,7 @@ bool isPlainTag(std::string_view tag) {
 }
 
 std::string quoted(std::string_view tag) {
-  return '"' + ToUtf8(tag) + '"';
+  return "\"" + ToUtf8(tag) + "\"";
 }
 
 }  // namespace
@@ -77,8 +77,15 @@ std::optional<FileFault> Document::headerFault() const {
                               Counted(needed, "byte") + " are there"};
 }
 
+// What an interrupted commit leaves behind looks like a record without end.
+bool Document::beginsStrayBytes(std::uint64_t offset) const {
+  if (records_.empty()) return false;
+  const Record& last = records_.back();
+  return last.offset == offset && !last.known && !isPlainTag(last.tag);
+}
+
 std::optional<FileFault> Document::recordFault(int status, const WalkEnd& end) const {
-  if (end.fault) return end.fault;
+  if (end.fault && !beginsStrayBytes(end.fault->offset)) return end.fault;
   // The reader kept known records in order, so that the first one it lacks is where it gave up.
   int kept = content_.GetAllComponentCount();
   for (const Record& record : records_) {

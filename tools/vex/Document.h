@@ -55,6 +55,7 @@ class Document {
   void survey();
   std::optional<FileFault> headerFault() const;
   std::optional<FileFault> recordFault(int status, const WalkEnd& end) const;
+  bool beginsStrayBytes(std::uint64_t offset) const;
   void findStrayBytes(std::uint64_t walkEnd);
   void noteStudyLosses();
 

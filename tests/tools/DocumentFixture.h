@@ -1,0 +1,95 @@
+#pragma once
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "tests/support/Files.h"
+#include "tests/support/SampleData.h"
+#include "tests/support/TempFolder.h"
+#include "tests/tools/VexProcess.h"
+#include "tools/vex/RunReading.h"
+#include "vex2/manager/Vex2FileManager.h"
+
+namespace vex2::test {
+
+/// Appends a record to the bytes of a document.
+inline void AppendRecord(Bytes& bytes, std::string_view tag, const Bytes& body) {
+  const auto put = [&](std::uint8_t byte) { bytes.push_back(byte); };
+  for (const char character : tag) put(static_cast<std::uint8_t>(character));
+  for (int shift = 24; shift >= 0; shift -= 8) {
+    put(static_cast<std::uint8_t>(body.size() >> static_cast<unsigned>(shift) & 0xFFU));
+  }
+  bytes.insert(bytes.end(), body.begin(), body.end());
+}
+
+/// Documents to try the commands on, made with the library, and what the commands say of them.
+class DocumentTest : public TempFolderTest {
+ protected:
+  static constexpr std::uint16_t kWells = 3;
+  const std::string path_ = folder_ / "run.vex";
+
+  /// A run of wells A1 to A3: two frames of amplification and one of melting.
+  void MakeRun(const char* status = "DONE", const std::string& log = "scale=100\n") const {
+    Vex2FileManager run;
+    run.SetAcquisitionStatus(status);
+    Vex2GlobalComplex settings;
+    settings.SetLog(log.data(), static_cast<std::uint32_t>(log.size()));
+    run.ReplaceGlobalComplexComp(&settings);
+    ASSERT_EQ(run.SaveToFile(path_.c_str()), 0);
+    const std::uint16_t wells[kWells] = {1, 2, 3};
+    run.InitAcqDataWellNumberArray(wells, kWells, DataRAWa);
+    TimeStamp start{{26, 3, 4, 5, 6, 7}};
+    run.SetAcqDataStartTime(start, DataRAWa);
+    for (std::uint16_t frame = 0; frame < 3; ++frame) {
+      for (std::uint16_t well = 1; well <= kWells; ++well) {
+        const tool::RunReading reading{
+            .cycle = static_cast<std::uint16_t>(frame < 2 ? frame + 1 : 1),
+            .temperature = 5982,
+            .melting = frame == 2,
+            .time = 65536U * frame + 117U,
+            .value = static_cast<std::uint16_t>(100 * well + frame)};
+        const Vex2WellRecord record = tool::EncodeReading(reading, frame == 2);
+        ASSERT_TRUE(run.SetAcqDataWellRecord(&record, frame, well, DataRAWa));
+      }
+      ASSERT_EQ(run.CommitAcqDataFrame(path_.c_str(), frame, DataRAWa), 0);
+    }
+  }
+
+  /// A document of these bytes behind an empty document's header.
+  void MakeDocument(const Bytes& records) const {
+    Vex2FileManager empty;
+    ASSERT_EQ(empty.SaveToFile(path_.c_str()), 0);
+    Bytes bytes = ReadBytes(path_);
+    bytes.insert(bytes.end(), records.begin(), records.end());
+    WriteBytes(path_, bytes);
+  }
+
+  /// Expects that the command ends so, with one line on standard error that begins with "vex: "
+  /// and the document's path, and holds `text`.
+  void ExpectRefused(const VexProcess::Arguments& arguments, int exitCode,
+                     const std::string& text) const {
+    const CommandResult result = RunVex(arguments);
+    EXPECT_EQ(result.exitCode, exitCode);
+    EXPECT_THAT(result.errors, testing::StartsWith("vex: " + path_ + ": "));
+    EXPECT_THAT(result.errors, testing::HasSubstr(text));
+    EXPECT_EQ(std::count(result.errors.begin(), result.errors.end(), '\n'), 1) << result.errors;
+  }
+
+  /// What the command prints; it must be done without a word on standard error.
+  static std::string Output(const VexProcess::Arguments& arguments) {
+    const CommandResult result = RunVex(arguments);
+    EXPECT_EQ(result.exitCode, 0) << result.errors;
+    EXPECT_EQ(result.errors, "");
+    return result.output;
+  }
+
+  static nlohmann::json JsonOutput(const VexProcess::Arguments& arguments) {
+    return nlohmann::json::parse(Output(arguments));
+  }
+};
+
+}  // namespace vex2::test

@@ -1,0 +1,85 @@
+#include <gtest/gtest.h>
+
+#include "tools/vex/RunReading.h"
+
+using namespace vex2::tool;
+
+namespace {
+
+constexpr RunReading kReading = {
+    .cycle = 7, .temperature = 5982, .melting = false, .time = 274117, .value = 570};
+
+}  // namespace
+
+TEST(RunReading, EachPartHasItsPlaceInTheRecord) {
+  const Vex2WellRecord record = EncodeReading(kReading, false);
+  const std::uint16_t leading[8] = {1, 7, 5982, 0, 570, 4, 11973, 0};
+  EXPECT_TRUE(std::equal(std::begin(leading), std::end(leading), record.leading));
+  EXPECT_EQ(record.data[0], 570);
+  EXPECT_TRUE(std::all_of(record.data + 1, record.data + 36, [](auto v) { return v == 0; }));
+}
+
+TEST(RunReading, WhatIsEncodedDecodesAgain) {
+  RunReading reading = kReading;
+  EXPECT_EQ(DecodeReading(EncodeReading(reading, false)), reading);
+  reading = {
+      .cycle = 65535, .temperature = 65535, .melting = true, .time = 4294967295U, .value = 0};
+  EXPECT_EQ(DecodeReading(EncodeReading(reading, true)), reading);
+}
+
+TEST(RunReading, OnlyTheFirstFrameOfMeltingLooksLikeOne) {
+  const auto fifth = [](std::uint16_t value, bool begins) {
+    RunReading reading = kReading;
+    reading.value = value;
+    return EncodeReading(reading, begins).leading[4];
+  };
+  EXPECT_EQ(fifth(570, true), 65000);
+  EXPECT_EQ(fifth(0, false), 1);
+  EXPECT_EQ(fifth(65000, false), 64999);
+  EXPECT_EQ(fifth(65535, false), 65535);
+}
+
+TEST(RunReading, ScaleIsFoundInTheLogAndReplaced) {
+  EXPECT_EQ(ScaleInLog(""), 1U);
+  EXPECT_EQ(ScaleInLog("scale=1000\n"), 1000U);
+  EXPECT_EQ(ScaleInLog("a=b\nscale=10"), 10U);
+  EXPECT_EQ(ScaleInLog("myscale=10\n"), 1U);
+  for (const char* log : {"scale=\n", "scale=0\n", "scale=-5\n", "scale=10x\n", "scale=9999999\n",
+                          "scale=99999999999999999999\n"}) {
+    EXPECT_EQ(ScaleInLog(log), 1U) << log;
+  }
+  EXPECT_EQ(LogWithScale("", 10), "scale=10\n");
+  EXPECT_EQ(LogWithScale("scale=1\na=b", 1000), "a=b\nscale=1000\n");
+}
+
+TEST(WellName, WellsAreCountedByRows) {
+  EXPECT_EQ(WellName(1, 12), "A1");
+  EXPECT_EQ(WellName(12, 12), "A12");
+  EXPECT_EQ(WellName(13, 12), "B1");
+  EXPECT_EQ(WellName(384, 24), "P24");
+  EXPECT_EQ(WellName(26 * 48 + 1, 48), "AA1");
+  EXPECT_EQ(WellName(7, 0), "7");
+  EXPECT_EQ(WellName(0, 12), "0");
+}
+
+TEST(WellName, NamesLeadBackToTheirNumbers) {
+  for (std::uint32_t number = 1; number <= 32 * 48; ++number) {
+    ASSERT_EQ(WellNumber(WellName(number, 48), 32, 48), number);
+  }
+  for (const char* name : {"", "A", "1", "A0", "A13", "I1", "a1", "A01", "A1 ", "A-1", "ZZZZZZZ1",
+                           "A99999999999999999999"}) {
+    EXPECT_EQ(WellNumber(name, 8, 12), std::nullopt) << name;
+  }
+}
+
+TEST(ShortestQuotient, IsTheNumberThatWasScaled) {
+  EXPECT_EQ(ShortestQuotient(59, 100), "0.59");
+  EXPECT_EQ(ShortestQuotient(1511, 100), "15.11");
+  EXPECT_EQ(ShortestQuotient(274117, 1000), "274.117");
+  EXPECT_EQ(ShortestQuotient(540, 100), "5.4");
+  EXPECT_EQ(ShortestQuotient(0, 100), "0");
+  EXPECT_EQ(ShortestQuotient(4294967295U, 1), "4294967295");
+  for (std::uint32_t value = 0; value < 65536; ++value) {
+    ASSERT_EQ(std::stod(ShortestQuotient(value, 1000)), value / 1000.0);
+  }
+}
