@@ -54,14 +54,13 @@ class TextTree final : public RecordVisitor {
   std::uint64_t end_;
 };
 
-/// A list of objects. It is written as the records are met, so that a large document costs no more
-/// than a small one.
+/// A list of objects, of everything that the document's reader would take for a record. It is
+/// written as the records are met, so that a large document costs no more than a small one.
 class JsonTree final : public RecordVisitor {
  public:
-  explicit JsonTree(std::uint64_t end) : end_(end) { std::cout << '['; }
+  JsonTree() { std::cout << '['; }
 
   void Begin(const FileRecord& record, CFile& file) override {
-    if (record.offset >= end_) return;
     std::cout << (isFirst_ ? "\n" : ",\n") << indent(record.depth);
     std::string text = fields(record, file).dump();
     if (holdsRecords(record)) {
@@ -74,7 +73,7 @@ class JsonTree final : public RecordVisitor {
   }
 
   void End(const FileRecord& record) override {
-    if (record.offset >= end_ || !holdsRecords(record)) return;
+    if (!holdsRecords(record)) return;
     close(record.depth);
   }
 
@@ -111,7 +110,6 @@ class JsonTree final : public RecordVisitor {
     --open_;
   }
 
-  std::uint64_t end_;
   bool isFirst_ = true;
   int open_ = 0;
 };
@@ -133,7 +131,7 @@ class TreeCommand final : public Command {
     DocumentFile file;
     file.OpenDocument(file_);
     if (json_) {
-      JsonTree tree(document.StrayOffset());
+      JsonTree tree;
       static_cast<void>(WalkRecords(file, tree));
       tree.Finish();
     } else {
