@@ -4,11 +4,14 @@ find_package(nlohmann_json REQUIRED)
 target_link_libraries(test_format PRIVATE nlohmann_json::nlohmann_json)
 add_test(NAME documents.format
          COMMAND Python3::Interpreter ${CMAKE_CURRENT_SOURCE_DIR}/format/read_document_test.py)
+set(command "")
 if(TARGET vex)
+  set(command --vex $<TARGET_FILE:vex>)
   set_tests_properties(documents.format PROPERTIES ENVIRONMENT VEX_COMMAND=$<TARGET_FILE:vex>)
 endif()
 add_test(NAME documents.pages
-         COMMAND Python3::Interpreter ${CMAKE_CURRENT_SOURCE_DIR}/documents/check_documents.py)
+         COMMAND Python3::Interpreter ${CMAKE_CURRENT_SOURCE_DIR}/documents/check_documents.py
+                 ${command})
 
 if(TARGET example_readme)
   set(run ${CMAKE_CURRENT_BINARY_DIR}/example.vex)
