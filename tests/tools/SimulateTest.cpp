@@ -92,6 +92,15 @@ TEST(SimulateRun, OtherSeedsAreOtherRuns) {
   EXPECT_NE(SimulateRun({.seed = 3}).frames, SimulateRun({.seed = 4}).frames);
 }
 
+TEST(ReadParameters, LogThatNamesTooMuchIsNotFollowed) {
+  SimulationParameters parameters;
+  tool::ReadParameters("cycles=4000000000\nmelt=12\nwells=99999999999\nseed=5x\nseed=", parameters);
+  EXPECT_EQ(parameters.cycles, 40U);
+  EXPECT_EQ(parameters.meltSteps, 12U);
+  EXPECT_EQ(parameters.wells, 96U);
+  EXPECT_EQ(parameters.seed, 1U);
+}
+
 TEST_F(SimulateTest, RecordsWhatItWritesAsReadings) {
   const CommandResult result =
       RunVex({"simulate", Run(), "--cycles", "12", "--melt", "5", "--seed", "9", "--readings-out",

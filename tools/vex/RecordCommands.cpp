@@ -112,9 +112,9 @@ class SimulateCommand final : public RecordingCommand {
     app.add_option("--wells", wells_, "Wells of the plate: 96 (the default) or 384")
         ->check(CLI::IsMember({96U, 384U}));
     app.add_option("--cycles", cycles_, "Amplification cycles; 40 by default")
-        ->check(CLI::Range(1U, 1000U));
+        ->check(CLI::Range(1U, kMostSteps));
     app.add_option("--melt", meltSteps_, "Readings of a melting stage at the end; 0 by default")
-        ->check(CLI::Range(0U, 1000U));
+        ->check(CLI::Range(0U, kMostSteps));
     app.add_option("--seed", seed_, "Another number is another run; 1 by default");
     app.add_option("--readings-out", readingsOut_, "Write the readings also to this CSV file")
         ->type_name("FILE.csv");

@@ -5,9 +5,9 @@
 #include <charconv>
 #include <cmath>
 #include <functional>
+#include <limits>
 #include <numeric>
 #include <ostream>
-#include <utility>
 
 #include "tools/vex/Output.h"
 
@@ -27,11 +27,16 @@ constexpr std::uint32_t kMeltStepTime = 1'350;
 constexpr std::uint16_t kReadingTemperature = 6000;  // hundredths of a degree
 constexpr std::uint32_t kMeltRange = 3500;
 
-using Parameter = std::pair<std::string_view, std::uint32_t SimulationParameters::*>;
-constexpr std::array<Parameter, 4> kParameters = {{{"wells=", &SimulationParameters::wells},
-                                                   {"cycles=", &SimulationParameters::cycles},
-                                                   {"melt=", &SimulationParameters::meltSteps},
-                                                   {"seed=", &SimulationParameters::seed}}};
+struct Parameter {
+  std::string_view key;
+  std::uint32_t SimulationParameters::*member;
+  std::uint32_t most;
+};
+constexpr std::array<Parameter, 4> kParameters = {
+    {{"wells=", &SimulationParameters::wells, 384},
+     {"cycles=", &SimulationParameters::cycles, kMostSteps},
+     {"melt=", &SimulationParameters::meltSteps, kMostSteps},
+     {"seed=", &SimulationParameters::seed, std::numeric_limits<std::uint32_t>::max()}}};
 
 // Random numbers that are the same everywhere: integer arithmetic, and floating-point arithmetic
 // of the kinds that have but one right result. Neither the standard's distributions nor its
@@ -154,7 +159,7 @@ RunPlan SimulateRun(const SimulationParameters& parameters) {
   plan.scale = kScale;
   plan.comment = "Simulated dilution series";
   plan.origin = "source=simulation\n";
-  for (const auto& [key, member] : kParameters) {
+  for (const auto& [key, member, most] : kParameters) {
     plan.origin.append(key).append(std::to_string(parameters.*member)).append("\n");
   }
   std::vector<Well> wells = wellsOf(plan, parameters.seed);
@@ -183,9 +188,12 @@ void ReadParameters(std::string_view log, SimulationParameters& parameters) {
   while (!log.empty()) {
     const std::string_view line = log.substr(0, log.find('\n'));
     log.remove_prefix(std::min(log.size(), line.size() + 1));
-    for (const auto& [key, member] : kParameters) {
+    for (const auto& [key, member, most] : kParameters) {
       if (!line.starts_with(key)) continue;
-      std::from_chars(line.data() + key.size(), line.data() + line.size(), parameters.*member);
+      std::uint32_t value = 0;
+      const char* end = line.data() + line.size();
+      const auto [rest, error] = std::from_chars(line.data() + key.size(), end, value);
+      if (error == std::errc() && rest == end && value <= most) parameters.*member = value;
     }
   }
 }

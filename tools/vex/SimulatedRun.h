@@ -8,6 +8,9 @@
 
 namespace vex2::tool {
 
+/// Of cycles and of melting readings.
+inline constexpr std::uint32_t kMostSteps = 1000;
+
 /// What a simulated run is made from: the same parameters give the same readings on every machine.
 struct SimulationParameters {
   std::uint32_t wells = 96;     ///< 96 or 384
@@ -22,7 +25,7 @@ struct SimulationParameters {
 /// A melting stage shows each product come apart around a temperature of its own.
 RunPlan SimulateRun(const SimulationParameters& parameters);
 
-/// Takes over what a simulated run's log names, and leaves what it does not.
+/// Takes over what a simulated run's log names, and leaves what it does not or what cannot be.
 void ReadParameters(std::string_view log, SimulationParameters& parameters);
 
 /// Writes the run's readings, or what its wells hold, as the files that `vex record` takes. Throws
