@@ -21,7 +21,7 @@ bool isPlainTag(std::string_view tag) {
 }
 
 std::string quoted(std::string_view tag) {
-  return "\"" + ToUtf8(tag) + "\"";
+  return std::string("\"").append(ToUtf8(tag)).append("\"");
 }
 
 }  // namespace
