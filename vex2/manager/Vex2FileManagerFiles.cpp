@@ -75,15 +75,12 @@ int Vex2FileManager::SafeOpen(const char* path, int write, int append) {
 }
 
 int Vex2FileManager::openForPatching(const char* path) {
-  const auto isDocument = [this] {
-    return guarded(0, [this] { return IsVex2Format() ? 1 : 0; }) == 1;
-  };
   // One open for looking and writing: between two of them another program could replace the file.
   int refusal = vex2::kReadFailed;
   if (!openKeepingPath(path, modeReadWrite | typeBinary | shareExclusive)) {
     if (path == nullptr || SafeOpen(path, 0, 0) == 0) return vex2::kReadFailed;
-    if (isDocument()) refusal = vex2::kWriteFailed;
-  } else if (isDocument()) {
+    if (IsVex2Format()) refusal = vex2::kWriteFailed;
+  } else if (IsVex2Format()) {
     return kSuccess;
   }
   Abort();

@@ -75,9 +75,11 @@ void exchange(Fields& fields, Header& header, Rows& rows) {
 bool Vex2FileManager::hasMarker(std::uint64_t offset, std::string_view marker) {
   if (!IsOpen()) return false;
   char found[4] = {};
-  Seek(static_cast<std::int64_t>(offset), begin);
-  return vex2::ReadBytes(*this, found, sizeof found) == kSuccess &&
-         marker == std::string_view(found, sizeof found);
+  const int status = guarded(vex2::kReadFailed, [&] {
+    Seek(static_cast<std::int64_t>(offset), begin);
+    return vex2::ReadBytes(*this, found, sizeof found);
+  });
+  return status == kSuccess && marker == std::string_view(found, sizeof found);
 }
 
 bool Vex2FileManager::IsVex2Format() {
@@ -128,6 +130,8 @@ int Vex2FileManager::WriteHeaderData(CFile* /*file*/) {
     SeekToBegin();
     std::uint32_t written = 0;
     const int status = WriteHeaderDataHelper(written, this);
+    // What a longer file held behind the table would show through the padding.
+    if (GetLength() > GetPosition()) SetLength(GetPosition());
     SetLength(kHeaderBytes);
     return status;
   });
