@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <string_view>
 #include <vector>
@@ -12,6 +11,7 @@
 #include "vex2/framework/CString.h"
 #include "vex2/framework/CStringList.h"
 #include "vex2/framework/CWnd.h"
+#include "vex2/framework/FunctionRef.h"
 #include "vex2/manager/Vex2HeaderData.h"
 #include "vex2/run/ThermocycleProgram.h"
 #include "vex2/run/TimeStamp.h"
@@ -247,14 +247,14 @@ class VEX2_API Vex2FileManager : public CFile {
 
   /// Runs an operation that reads or writes files. Refusals of the system and memory that runs out
   /// become `failure`.
-  static int guarded(int failure, const std::function<int()>& operation);
+  static int guarded(int failure, vex2::FunctionRef<int()> operation);
   /// The same with the file that is open, which is closed afterwards.
-  int guardedFile(int failure, const std::function<int()>& operation);
+  int guardedFile(int failure, vex2::FunctionRef<int()> operation);
   /// Replaces the file at `path` with what `write` puts into the open manager. 0 or the status.
-  int saveWhole(const char* path, const std::function<int()>& write);
+  int saveWhole(const char* path, vex2::FunctionRef<int()> write);
   /// Opens the file at `path` for writing without emptying it, runs `write` with the position at
   /// its end, and closes. -200 when it cannot be opened; a write that fails leaves the length.
-  int appendTo(const char* path, const std::function<int()>& write);
+  int appendTo(const char* path, vex2::FunctionRef<int()> write);
   /// Opens a document for in-place changes: -100 when it is no readable document, -200 when it
   /// cannot be written, else 0 and the file is open for reading and writing.
   int openForPatching(const char* path);
@@ -277,6 +277,8 @@ class VEX2_API Vex2FileManager : public CFile {
   Vex2HeaderData header_;
 
  private:
+  static constexpr std::uint64_t kAcquisitionDataOffsetAt = 68;
+
   struct BlockGeometry;
 
   bool openKeepingPath(const char* path, unsigned flags);
@@ -294,7 +296,7 @@ class VEX2_API Vex2FileManager : public CFile {
   int readGeometry(long blockOffset, BlockGeometry& geometry);
   int getText(std::string_view tag, CString& text) const;
   int setText(std::string_view tag, const CString& text);
-  void changeSettings(const std::function<void(Vex2GlobalComplex&)>& change);
+  void changeSettings(vex2::FunctionRef<void(Vex2GlobalComplex&)> change);
   bool hasStatus(std::string_view status) const;
 
   CString filePath_;

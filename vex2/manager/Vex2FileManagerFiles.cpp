@@ -38,7 +38,7 @@ bool choosePath(const char*& path, bool dialog, const char* title, CString& chos
 
 }  // namespace
 
-int Vex2FileManager::guarded(int failure, const std::function<int()>& operation) {
+int Vex2FileManager::guarded(int failure, vex2::FunctionRef<int()> operation) {
   try {
     return operation();
   } catch (const CFileException&) {
@@ -48,7 +48,7 @@ int Vex2FileManager::guarded(int failure, const std::function<int()>& operation)
   }
 }
 
-int Vex2FileManager::guardedFile(int failure, const std::function<int()>& operation) {
+int Vex2FileManager::guardedFile(int failure, vex2::FunctionRef<int()> operation) {
   const int status = guarded(failure, [&] {
     const int result = operation();
     Close();
@@ -87,7 +87,7 @@ int Vex2FileManager::openForPatching(const char* path) {
   return refusal;
 }
 
-int Vex2FileManager::appendTo(const char* path, const std::function<int()>& write) {
+int Vex2FileManager::appendTo(const char* path, vex2::FunctionRef<int()> write) {
   if (path == nullptr || SafeOpen(path, 1, 1) == 0) return vex2::kWriteFailed;
   const std::uint64_t before = GetLength();
   const int status = guarded(vex2::kWriteFailed, [&] {
@@ -108,7 +108,7 @@ void Vex2FileManager::restoreLength(std::uint64_t length) {
   }));
 }
 
-int Vex2FileManager::saveWhole(const char* path, const std::function<int()>& write) {
+int Vex2FileManager::saveWhole(const char* path, vex2::FunctionRef<int()> write) {
   if (path == nullptr) return vex2::kWriteFailed;
   const CString kept(path);
   filePath_ = kept;

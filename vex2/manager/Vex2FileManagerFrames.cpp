@@ -81,9 +81,12 @@ int Vex2FileManager::CommitAcqDataFrame(const char* path, int frameIndex, Vex2Da
 }
 
 int Vex2FileManager::commitFrame(AcquisitionDataComp& block, int frameIndex, std::uint32_t offset) {
-  const std::uint64_t lengthAt = std::uint64_t{offset} + vex2::kTagLength;
+  // What makes the frame count: the block's length, or for a new block its position.
+  const std::uint64_t patchedAt =
+      offset != 0 ? std::uint64_t{offset} + vex2::kTagLength : kAcquisitionDataOffsetAt;
   const std::uint64_t fileLength = GetLength();
-  const std::uint32_t oldWord = offset != 0 ? wordAt(*this, lengthAt) : 0;
+  const std::uint32_t oldWord = wordAt(*this, patchedAt);
+  const std::uint32_t heldOffset = header_.acquisitionDataOffset;
   const int status = guarded(vex2::kWriteFailed, [&] {
     if (offset == 0) {
       const int result = appendRawData(block);
@@ -95,14 +98,15 @@ int Vex2FileManager::commitFrame(AcquisitionDataComp& block, int frameIndex, std
     // The frame is on the disk before the length counts it: whatever happens in between, every
     // frame that counts is there.
     SyncData();
-    patchWord(*this, lengthAt, block.GetLength());
+    patchWord(*this, patchedAt, block.GetLength());
     return static_cast<int>(kSuccess);
   });
   if (status == kSuccess || status == kNoSuchFrame) return status;
   DiscardBuffer();
-  if (offset != 0 && lengthAt < fileLength) {
+  header_.acquisitionDataOffset = heldOffset;
+  if (patchedAt < fileLength) {
     static_cast<void>(guarded(vex2::kWriteFailed, [&] {
-      patchWord(*this, lengthAt, oldWord);
+      patchWord(*this, patchedAt, oldWord);
       return kSuccess;
     }));
   }

@@ -14,7 +14,6 @@ namespace {
 constexpr std::uint32_t kFixedHeaderBytes = 72;
 constexpr std::uint64_t kThermocycleOffsetAt = 24;
 constexpr std::uint64_t kKindMarkerAt = 60;
-constexpr std::uint64_t kAcquisitionDataOffsetAt = 68;
 
 // Takes fields from the file. What the file is too short for keeps its value.
 class FieldReader {

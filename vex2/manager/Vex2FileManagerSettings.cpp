@@ -130,7 +130,7 @@ void Vex2FileManager::SetPrePostFlags(int pre, int post) {
   });
 }
 
-void Vex2FileManager::changeSettings(const std::function<void(Vex2GlobalComplex&)>& change) {
+void Vex2FileManager::changeSettings(vex2::FunctionRef<void(Vex2GlobalComplex&)> change) {
   Vex2GlobalComplex info;
   static_cast<void>(GetGlobalComplexInfo(&info));
   change(info);

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <type_traits>
+#include <utility>
+
+namespace vex2 {
+
+template <typename Signature>
+class FunctionRef;
+
+/// A callable that is handed down for the length of one call. Borrows it; unlike `std::function` it
+/// never allocates, so that handing down an operation cannot itself run out of memory.
+template <typename Result, typename... Arguments>
+class FunctionRef<Result(Arguments...)> {
+ public:
+  template <typename Callable>
+  requires(!std::is_same_v<std::remove_cvref_t<Callable>, FunctionRef>)
+      FunctionRef(const Callable& callable)
+      : callable_(&callable), call_([](const void* object, Arguments... arguments) -> Result {
+          return (*static_cast<const Callable*>(object))(std::forward<Arguments>(arguments)...);
+        }) {}
+
+  Result operator()(Arguments... arguments) const {
+    return call_(callable_, std::forward<Arguments>(arguments)...);
+  }
+
+ private:
+  const void* callable_;
+  Result (*call_)(const void*, Arguments...);
+};
+
+}  // namespace vex2
