@@ -187,7 +187,7 @@ void CommitFrame(benchmark::State& state) {
   require(manager.ReadDataFrame(0, &frame, DataRAWa) == 0, "frame");
   int next = 1;
   const auto ours = [&] {
-    // A run goes on for as long as this measures, but a document need not.
+    // The instrument sets the records while it measures: that is not the commit's time.
     for (int well = 1; well <= kWells; ++well) {
       require(manager.SetAcqDataWellRecord(&frame.records[well - 1], next, well, DataRAWa), "set");
     }

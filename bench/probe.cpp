@@ -1,12 +1,8 @@
 // probe: does one thing to a document, so that what it takes can be counted from outside.
 
-#include <malloc.h>
-
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
-#include <new>
 #include <string>
 #include <string_view>
 
@@ -15,20 +11,8 @@
 
 namespace {
 
-std::size_t heapNow = 0;
-std::size_t heapPeak = 0;
-
 int read(Vex2FileManager& manager, const char* path) {
   if (manager.ReadFromFile(path) != 0 || manager.GetAllComponentCount() < 0) return 1;
-  return 0;
-}
-
-int printHeap(const char* path) {
-  const std::size_t before = heapNow;
-  heapPeak = heapNow;
-  Vex2FileManager manager;
-  if (read(manager, path) != 0) return 1;
-  std::printf("%zu\n", heapPeak - before);
   return 0;
 }
 
@@ -39,8 +23,6 @@ int run(std::string_view command, const char* path, const char* argument) {
     vex2::bench::MakeNested(path, std::atoi(argument));
   } else if (command == "records") {
     std::printf("%d\n", vex2::bench::SmallRecordsPerList());
-  } else if (command == "heap") {
-    return printHeap(path);
   } else if (command == "read") {
     Vex2FileManager manager;
     return read(manager, path);
@@ -55,28 +37,9 @@ int run(std::string_view command, const char* path, const char* argument) {
 
 }  // namespace
 
-// All of the library's memory comes through here, so the peak is exact and the same on every run.
-void* operator new(std::size_t size) {
-  void* memory = std::malloc(size);
-  if (memory == nullptr) throw std::bad_alloc();
-  heapNow += malloc_usable_size(memory);
-  heapPeak = std::max(heapPeak, heapNow);
-  return memory;
-}
-
-void operator delete(void* memory) noexcept {
-  if (memory == nullptr) return;
-  heapNow -= malloc_usable_size(memory);
-  std::free(memory);
-}
-
-void operator delete(void* memory, std::size_t /*size*/) noexcept {
-  operator delete(memory);
-}
-
 int main(int count, char** arguments) {
   if (count < 3) {
-    std::fputs("usage: vex2_bench_probe run|nested|records|heap|read|copy FILE [N|OUT]\n", stderr);
+    std::fputs("usage: vex2_bench_probe run|nested|records|read|copy FILE [N|OUT]\n", stderr);
     return 2;
   }
   try {

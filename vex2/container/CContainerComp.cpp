@@ -1,5 +1,6 @@
 #include "vex2/container/CContainerComp.h"
 
+#include <algorithm>
 #include <limits>
 #include <utility>
 
@@ -9,6 +10,7 @@
 namespace {
 
 constexpr std::uint32_t kCountLength = sizeof(std::uint16_t);
+constexpr std::size_t kUsualChildren = 16;
 
 }  // namespace
 
@@ -98,6 +100,8 @@ int CContainerComp::WriteChildren(CFile* file) {
 }
 
 int CContainerComp::ReadChildren(CFile* file) {
+  // The count is the file's word, so room is made for no more children than most lists have.
+  children_.reserve(std::min<std::size_t>(count_, kUsualChildren));
   for (int pass = 0; pass < count_; ++pass) {
     std::unique_ptr<CComponent> child;
     if (!vex2::CreateNextComponent(*file, child)) return vex2::kSuccess;

@@ -161,6 +161,13 @@ void CFile::releaseHandle() noexcept {
 
 std::size_t CFile::Read(void* buffer, std::size_t count) {
   auto* out = static_cast<std::uint8_t*>(buffer);
+  // Documents are mostly fields of a few bytes: what is at hand is handed out at once.
+  const std::uint64_t skip = position_ - bufferStart_;
+  if (!dirty_ && position_ >= bufferStart_ && skip <= bufferUsed_ && count <= bufferUsed_ - skip) {
+    if (count != 0) std::memcpy(out, buffer_.get() + skip, count);
+    position_ += count;
+    return count;
+  }
   std::size_t done = 0;
   while (done < count) {
     const std::size_t left = count - done;
