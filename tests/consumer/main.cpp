@@ -1,9 +1,15 @@
+// A host that sees only what is installed: makes a document, saves it and reads it back.
 #include <cstdio>
 
-#include "vex2/framework/CString.h"
+#include "vex2/manager/Vex2FileManager.h"
 
-int main() {
-  const CString text("Vex2");
-  std::printf("%s\n", text.GetString());
-  return text.GetLength() == 4 ? 0 : 1;
+int main(int count, char** arguments) {
+  if (count < 2) return 2;
+  Vex2FileManager document;
+  document.SetSampleVolume(25);
+  if (document.SaveToFile(arguments[1]) != vex2::kSuccess) return 1;
+  Vex2FileManager back;
+  if (back.ReadFromFile(arguments[1]) != vex2::kSuccess) return 1;
+  std::printf("%d rows, %d µl\n", back.GetHeaderRows(), back.GetSampleVolume());
+  return back.GetHeaderRows() == 8 && back.GetSampleVolume() == 25 ? 0 : 1;
 }

@@ -67,10 +67,10 @@ TEST(RuntimeClass, MakesAnObjectWhereTheClassHasADefault) {
 
 TEST(RuntimeClass, NamesEveryClassOfTheFramework) {
   const std::pair<const char*, const CRuntimeClass*> classes[] = {
-      {"CFile", CFile::ClassRecord()},
-      {"CMapStringToOb", CMapStringToOb::ClassRecord()}, {"CObList", CObList::ClassRecord()},
-      {"CPtrArray", CPtrArray::ClassRecord()},           {"CPtrList", CPtrList::ClassRecord()},
-      {"CStringList", CStringList::ClassRecord()},       {"CWnd", CWnd::ClassRecord()}};
+      {"CFile", CFile::ClassRecord()},       {"CMapStringToOb", CMapStringToOb::ClassRecord()},
+      {"CObList", CObList::ClassRecord()},   {"CPtrArray", CPtrArray::ClassRecord()},
+      {"CPtrList", CPtrList::ClassRecord()}, {"CStringList", CStringList::ClassRecord()},
+      {"CWnd", CWnd::ClassRecord()}};
   for (const auto& [name, record] : classes) {
     EXPECT_STREQ(record->name, name);
     EXPECT_EQ(record->baseClass, CObject::ClassRecord());
