@@ -105,7 +105,8 @@ class VEX2_API CFile : public CObject {
   bool OpenReplacement(const char* path, CFileException* error = nullptr);
 
   /// Makes the new content durable and puts it in place, then closes. Throws `CFileException`, and
-  /// then the old content is still in place and the file is closed.
+  /// then the file is closed and the old content is still in place, unless only the last step was
+  /// refused, which makes the exchange itself durable.
   void CloseReplacement();
 
  private:

@@ -6,6 +6,6 @@
 
 /// Whether a number in the host's settings store is set: the value `name` of the product's key,
 /// or of `subKey` below it when that is not null, for the machine or for the current user. False
-/// when the key is not there; `defaultValue` counts when the value is not there or is no number.
+/// when it is not there; `defaultValue` counts when the value is no number.
 VEX2_API bool ReadRegistryFlag(bool localMachine, const char* name, std::uint32_t defaultValue,
                                const char* subKey);

@@ -62,7 +62,12 @@ bool Vex2FileManager::openKeepingPath(const char* path, unsigned flags) {
   // The path may be the one that is held.
   const CString kept(path);
   filePath_ = kept;
-  return path != nullptr && guarded(0, [&] { return Open(kept.GetString(), flags) ? 1 : 0; }) == 1;
+  if (path != nullptr && guarded(0, [&] { return Open(kept.GetString(), flags) ? 1 : 0; }) == 1) {
+    return true;
+  }
+  // Memory that ran out half-way must not leave a file that is open and locked.
+  Abort();
+  return false;
 }
 
 int Vex2FileManager::SafeOpen(const char* path, int write, int append) {

@@ -1,0 +1,286 @@
+// No file crashes or hangs the library or makes it take memory that the file cannot fill; every
+// failure has a status, and the manager is of use afterwards.
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <chrono>
+#include <filesystem>
+
+#include "tests/support/DocumentBytes.h"
+#include "tests/support/FaultyFiles.h"
+#include "tests/support/SampleData.h"
+#include "tests/support/SilentHost.h"
+#include "tests/support/TempFolder.h"
+#include "vex2/container/TagFactory.h"
+#include "vex2/container/TagTable.h"
+#include "vex2/manager/Vex2FileManager.h"
+#include "vex2/manager/Vex2FileManagerComponent.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using vex2::test::BigEndian;
+using vex2::test::Bytes;
+using vex2::test::DocumentOf;
+using vex2::test::FaultyFiles;
+using vex2::test::FirstDifference;
+using vex2::test::HeaderBytes;
+using vex2::test::ListRecord;
+using vex2::test::NestedLists;
+using vex2::test::ReadBytes;
+using vex2::test::Record;
+using vex2::test::RecordDeclaring;
+using vex2::test::ToBytes;
+using vex2::test::WriteBytes;
+using namespace std::string_literals;
+
+const std::string kName = Record("NAME", "abc");
+
+class Hostile : public vex2::test::TempFolderTest {
+ protected:
+  void TearDown() override {
+    const std::string good = folder_ / "good.vex";
+    WriteBytes(good, DocumentOf(kName));
+    EXPECT_EQ(manager_.ReadFromFile(good.c_str()), 0) << "usable afterwards";
+    EXPECT_EQ(manager_.GetAllComponentCount(), 1);
+    EXPECT_EQ(manager_.SaveToFile(good.c_str()), 0);
+    EXPECT_EQ(FirstDifference(ReadBytes(good), DocumentOf(kName)), "");
+  }
+
+  int read(const Bytes& bytes) {
+    WriteBytes(path_, bytes);
+    return readAgain();
+  }
+  int readAgain() {
+    EXPECT_EQ(manager_.SafeOpen(path_.c_str(), 0, 0), 1);
+    const int status = manager_.ReadComponentFile(nullptr);
+    manager_.Close();
+    return status;
+  }
+  int count() const { return manager_.GetAllComponentCount(); }
+
+  vex2::test::SilentHost host_;
+  std::string path_ = folder_ / "hostile.vex";
+  Vex2FileManager manager_;
+};
+
+TEST_F(Hostile, NestingIsBounded) {
+  for (const auto* tag : {"SPEC", "CNTL", "CPLT", "CPNM", "DETT"}) {
+    EXPECT_EQ(read(DocumentOf(kName + NestedLists(tag, 63) + kName)), 0) << tag;
+    EXPECT_EQ(count(), 3);
+    EXPECT_EQ(read(DocumentOf(kName + NestedLists(tag, 64) + kName)), 0) << tag;
+    EXPECT_EQ(count(), 3);
+    EXPECT_EQ(read(DocumentOf(kName + NestedLists(tag, 65) + kName)), -300) << tag;
+    EXPECT_EQ(count(), 1);
+  }
+  EXPECT_EQ(read(DocumentOf(NestedLists("GLBL", 1'000'000))), -300);
+  EXPECT_EQ(count(), 0);
+}
+
+TEST_F(Hostile, NestingOfTheDeepestDocumentIsSavedAndReadAgain) {
+  const Bytes bytes = DocumentOf(NestedLists("SPEC", 64));
+  ASSERT_EQ(read(bytes), 0);
+  const Vex2FileManager copy(manager_);
+  ASSERT_EQ(Vex2FileManager(copy).SaveToFile(path_.c_str()), 0);
+  EXPECT_EQ(FirstDifference(ReadBytes(path_), bytes), "");
+}
+
+TEST_F(Hostile, LengthsThatTheFileCannotFillEndTheReading) {
+  for (const auto tag : vex2::kTagTable) {
+    for (const std::uint32_t length : {0xFFFFFFFFU, 0x80000000U, 0x7FFFFFFFU, 1'000'000U}) {
+      SCOPED_TRACE(std::string(tag) + " " + std::to_string(length));
+      for (const std::string& body :
+           {std::string(), std::string(40, '\0'), std::string(40, '\xFF')}) {
+        EXPECT_LE(read(DocumentOf(kName + RecordDeclaring(tag, length, body))), 0);
+        ASSERT_GE(count(), 1);
+        EXPECT_EQ(manager_.GetComponent(0)->GetTag(), "NAME");
+      }
+    }
+  }
+}
+
+TEST_F(Hostile, ShortBodiesOfEveryKindHaveAStatus) {
+  std::unique_ptr<CComponent> component;
+  for (const auto tag : vex2::kTagTable) {
+    for (std::uint32_t length = 1; length <= 40; ++length) {
+      for (const char fill : {'\0', '\xFF'}) {
+        const int status = read(DocumentOf(Record(tag, std::string(length, fill))));
+        EXPECT_LE(status, 0) << tag << " " << length;
+        EXPECT_EQ(count() == 1, status == 0 && CreateComponent(tag, component) == 1)
+            << tag << " " << length;
+      }
+    }
+  }
+}
+
+TEST_F(Hostile, CountsWithoutChildrenAreNoFailure) {
+  EXPECT_EQ(read(DocumentOf(ListRecord("SPEC", 65535, ""))), 0);
+  EXPECT_EQ(count(), 1);
+  EXPECT_EQ(read(DocumentOf(ListRecord("SPEC", 65535, Record("Zzzz", "")))), 0);
+}
+
+TEST_F(Hostile, ManyEmptyRecordsAreReadInTheirTime) {
+  std::string records;
+  for (int i = 0; i < 200'000; ++i) records += Record(i % 2 != 0 ? "Zzzz" : "VERS", "");
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_EQ(read(DocumentOf(records)), 0);
+  EXPECT_EQ(count(), 100'000);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(60));
+}
+
+TEST_F(Hostile, AHeaderOf65535RowsIsReadFromAShortFile) {
+  const std::string header = HeaderBytes().replace(20, 2, "\xFF\xFF");
+  EXPECT_EQ(read(ToBytes(header)), 0);
+  EXPECT_EQ(manager_.GetHeaderRows(), 65535);
+  EXPECT_EQ(read(ToBytes(header + kName)), 0);
+  EXPECT_EQ(count(), 0) << "the table takes all there is";
+  EXPECT_EQ(read(ToBytes(HeaderBytes(65535) + kName)), 0);
+  EXPECT_EQ(count(), 1);
+  Vex2FileManagerComponent plate;
+  CFile file;
+  ASSERT_TRUE(file.Open(path_.c_str(), CFile::modeRead));
+  EXPECT_EQ(plate.ReadComponentFile(&file), -100);
+  EXPECT_EQ(plate.GetAllComponentCount(), 1);
+}
+
+TEST_F(Hostile, FilesCutAnywhereHaveAStatus) {
+  int documents = 0;
+  for (const auto& entry : fs::directory_iterator(vex2::test::SourcePath("tests/data"))) {
+    if (entry.path().extension() != ".vex") continue;
+    ++documents;
+    const Bytes whole = ReadBytes(entry.path());
+    for (std::size_t length = 0; length <= std::min<std::size_t>(whole.size(), 1200); ++length) {
+      const int status = read(Bytes(whole.begin(), whole.begin() + static_cast<long>(length)));
+      EXPECT_TRUE(status == 0 || status == -100 || status == -300) << entry << " " << length;
+      EXPECT_EQ(status == -100 && length < 4, length < 4) << entry << " " << length;
+      Vex2FileManagerComponent plate;
+      CFile file;
+      ASSERT_TRUE(file.Open(path_.c_str(), CFile::modeRead));
+      EXPECT_LE(plate.ReadComponentFile(&file), 0);
+    }
+  }
+  EXPECT_GE(documents, 5);
+}
+
+TEST_F(Hostile, EveryRefusedReadIsAStatus) {
+  const Bytes bytes =
+      DocumentOf(kName + ListRecord("SPEC", 1, kName) + Record("COMM", std::string(600'000, 'c')) +
+                 Record("TPro", std::string(300'000, 'p')) + kName);
+  WriteBytes(path_, bytes);
+  for (const int error : {EIO, FaultyFiles::kNoMemory}) {
+    for (int after = 0; after < 100; ++after) {
+      FaultyFiles files;
+      files.read = {error, after};
+      const int status = readAgain();
+      if (files.read.after >= 0) {
+        EXPECT_EQ(status, 0);
+        EXPECT_GT(after, 3) << "faults were staged";
+        break;
+      }
+      EXPECT_EQ(status, -100) << after;
+      EXPECT_LT(count(), 5);
+      files.read = {error, after};
+      EXPECT_EQ(manager_.ReadFromFile(path_.c_str()), 0);
+      EXPECT_FALSE(manager_.IsOpen());
+    }
+  }
+}
+
+TEST_F(Hostile, EveryRefusedStepOfASaveIsAStatusAndTheOldDocumentStands) {
+  ASSERT_EQ(read(DocumentOf(kName + Record("COMM", std::string(600'000, 'c')))), 0);
+  const std::string target = folder_ / "target.vex";
+  const Bytes old = DocumentOf(Record("NAME", "old"));
+  WriteBytes(target, old);
+  FaultyFiles::Fault FaultyFiles::*const steps[] = {
+      &FaultyFiles::open,    &FaultyFiles::createNew, &FaultyFiles::lock,
+      &FaultyFiles::stat,    &FaultyFiles::write,     &FaultyFiles::truncate,
+      &FaultyFiles::syncAll, &FaultyFiles::rename,    &FaultyFiles::attributes};
+  for (const auto step : steps) {
+    for (const int error : {EIO, ENOSPC, FaultyFiles::kNoMemory}) {
+      FaultyFiles files;
+      files.*step = {error, 0};
+      EXPECT_EQ(manager_.SaveToFile(target.c_str()), -200);
+      EXPECT_FALSE(manager_.IsOpen());
+      EXPECT_EQ(FirstDifference(ReadBytes(target), old), "");
+      files.*step = {error, 0};
+      EXPECT_EQ(manager_.SaveHeader(target.c_str(), Vex2HeaderData()), -200);
+      EXPECT_EQ(FirstDifference(ReadBytes(target), old), "");
+    }
+  }
+  const auto names = fs::directory_iterator(folder_.Path());
+  EXPECT_EQ(std::distance(begin(names), end(names)), 2) << "nothing half made is left";
+}
+
+TEST_F(Hostile, AnOpenThatFailsHalfWayLeavesNothingOpen) {
+  WriteBytes(path_, DocumentOf(kName));
+  FaultyFiles::Fault FaultyFiles::*const steps[] = {&FaultyFiles::open, &FaultyFiles::lock,
+                                                    &FaultyFiles::stat};
+  for (const auto step : steps) {
+    for (const int error : {EIO, FaultyFiles::kNoMemory}) {
+      FaultyFiles files;
+      files.*step = {error, 0};
+      EXPECT_EQ(manager_.SafeOpen(path_.c_str(), 1, 1), 0);
+      EXPECT_FALSE(manager_.IsOpen());
+      files.*step = {error, 0};
+      EXPECT_EQ(manager_.ReadFromFile(path_.c_str()), -100);
+    }
+  }
+  FaultyFiles files;
+  files.truncate = {FaultyFiles::kNoMemory, 0};
+  EXPECT_EQ(manager_.SafeOpen(path_.c_str(), 1, 0), 0);
+  EXPECT_FALSE(manager_.IsOpen());
+  CFile other;
+  EXPECT_TRUE(other.Open(path_.c_str(), CFile::modeWrite)) << "and nothing locked";
+}
+
+TEST_F(Hostile, TestsOfTheKindAnswerWhenTheDiskDoesNot) {
+  WriteBytes(path_, DocumentOf(""));
+  FaultyFiles files;
+  for (const int error : {EIO, FaultyFiles::kNoMemory}) {
+    ASSERT_EQ(manager_.SafeOpen(path_.c_str(), 0, 0), 1);
+    files.read = {error, 0};
+    EXPECT_FALSE(manager_.IsVex2Format());
+    EXPECT_FALSE(manager_.IsKestorFile());
+    EXPECT_FALSE(manager_.IsBlueLightSpecialFile());
+    EXPECT_EQ(manager_.ReadHeaderData(nullptr), -100);
+    files.read = {};
+    EXPECT_TRUE(manager_.IsKestorFile());
+  }
+  manager_.Close();
+}
+
+TEST_F(Hostile, PipesAndFoldersInADocumentsPlaceDoNotHang) {
+  ASSERT_EQ(mkfifo(path_.c_str(), 0600), 0);
+  EXPECT_EQ(readAgain(), -100);
+  EXPECT_EQ(manager_.ReadFromFile(path_.c_str()), 0) << "it opened";
+  EXPECT_EQ(manager_.SaveToFile(path_.c_str()), -200);
+  const std::string folder = folder_.Path().string();
+  EXPECT_EQ(manager_.ReadFromFile(folder.c_str()), -100);
+  EXPECT_EQ(manager_.SaveToFile(folder.c_str()), -200);
+}
+
+TEST_F(Hostile, AFullDeviceIsAFailedWrite) {
+  ASSERT_EQ(read(DocumentOf(kName)), 0);
+  EXPECT_EQ(manager_.SaveToFile("/dev/full"), -200);
+  EXPECT_EQ(manager_.SaveHeader("/dev/full", Vex2HeaderData()), -200);
+  EXPECT_EQ(manager_.SaveToFile("/dev/null"), 0);
+}
+
+TEST_F(Hostile, PositionsPast32BitsFailTheWrite) {
+  // A nested record of an unknown kind keeps its place, which takes no space but moves what
+  // follows.
+  const std::string list = ListRecord("SPEC", 1, RecordDeclaring("Zzzz", 0xFFFFFFFF, ""));
+  ASSERT_EQ(read(DocumentOf(list)), 0);
+  ASSERT_EQ(count(), 1);
+  const std::string target = folder_ / "target.vex";
+  EXPECT_EQ(manager_.SaveToFile(target.c_str()), 0);
+  EXPECT_GT(fs::file_size(target), 0xFFFFFFFFU);
+  const ThermocycleProgram program;
+  ASSERT_EQ(manager_.ReplaceThermocycleProgram(&program), 0);
+  EXPECT_EQ(manager_.SaveToFile(target.c_str()), -200);
+  EXPECT_EQ(manager_.GetHeaderData().thermocycleOffset, 0U) << "never wraps";
+  EXPECT_GT(fs::file_size(target), 0xFFFFFFFFU) << "the old document stands";
+}
+
+}  // namespace
