@@ -8,3 +8,7 @@ CFileException::CFileException(int error, std::string path, std::uint64_t offset
   text_ = path_ + ": at byte " + std::to_string(offset_) + ": " +
           std::generic_category().message(error_);
 }
+
+const char* CFileException::what() const noexcept {
+  return text_.c_str();
+}

@@ -14,7 +14,7 @@ class VEX2_API CFileException : public std::exception {
   CFileException(int error, std::string path, std::uint64_t offset);
 
   /// One line: the path, the offset and the system's own words.
-  const char* what() const noexcept override { return text_.c_str(); }
+  const char* what() const noexcept override;
   int GetError() const { return error_; }
   const std::string& GetPath() const { return path_; }
   std::uint64_t GetOffset() const { return offset_; }
