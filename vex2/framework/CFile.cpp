@@ -49,7 +49,7 @@ CFile::CFile() = default;
 CFile::~CFile() {
   try {
     CFile::Close();
-  } catch (const CFileException&) {
+  } catch (...) {
     // Whoever needs to know closes the file himself.
   }
 }

@@ -85,15 +85,15 @@ bool CFile::openTemporary(CFileException* error) {
   auto& files = CurrentFileSystem();
   for (;;) {
     // The name does not grow with the target's, which may be as long as names can be.
-    const std::string path = folderOf(replacement_->target) + ".vex2-save-" +
-                             std::to_string(::getpid()) + "-" + std::to_string(count++);
+    std::string path = folderOf(replacement_->target) + ".vex2-save-" + std::to_string(::getpid()) +
+                       "-" + std::to_string(count++);
     handle_ = files.Open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (handle_ == -EEXIST || handle_ == -EINTR) continue;
     if (handle_ < 0) {
       *error = CFileException(-std::exchange(handle_, -1), path, 0);
       return false;
     }
-    replacement_->temporary = path;
+    replacement_->temporary = std::move(path);
     break;
   }
   regular_ = true;

@@ -1,19 +1,24 @@
 #include "vex2/manager/TracedTime.h"
 
-#include <utility>
+#include <new>
+#include <string>
 
 #include "vex2/framework/CTimeSpan.h"
 #include "vex2/framework/Host.h"
 
 namespace vex2 {
 
-TracedTime::TracedTime(std::string what) : what_(std::move(what)), start_(GetHost()->Now()) {}
+TracedTime::TracedTime(const char* what) : what_(what), start_(GetHost()->Now()) {}
 
 TracedTime::~TracedTime() {
-  const CTimeSpan elapsed = GetHost()->Now() - start_;
-  const std::string format =
-      "Total time needed for " + what_ + " is: days: %D, hours: %H, mins: %M, secs: %S\n";
-  GetHost()->Trace(elapsed.Format(format.c_str()).GetString());
+  try {
+    const CTimeSpan elapsed = GetHost()->Now() - start_;
+    const std::string format = std::string("Total time needed for ") + what_ +
+                               " is: days: %D, hours: %H, mins: %M, secs: %S\n";
+    GetHost()->Trace(elapsed.Format(format.c_str()).GetString());
+  } catch (const std::bad_alloc&) {
+    // The operation is worth more than the message about it.
+  }
 }
 
 }  // namespace vex2

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <string>
-
 #include "vex2/framework/CTime.h"
 
 /// Times a long operation and tells the diagnostic trace when it ends. Internal.
@@ -10,13 +8,14 @@ namespace vex2 {
 class TracedTime {
  public:
   /// `what` completes "Total time needed for ...".
-  explicit TracedTime(std::string what);
+  explicit TracedTime(const char* what);
+  /// Tells nothing when memory runs out.
   ~TracedTime();
   TracedTime(const TracedTime&) = delete;
   TracedTime& operator=(const TracedTime&) = delete;
 
  private:
-  std::string what_;
+  const char* what_;
   CTime start_;
 };
 

@@ -109,6 +109,8 @@ void Vex2FileManager::appendComponent(std::unique_ptr<CComponent> component) {
 }
 
 void Vex2FileManager::replaceComponent(std::unique_ptr<CComponent> component) {
-  RemoveComponent(includesComponent(component->GetTag()));
+  // Removed last, so that nothing is lost where there is no memory for the new one's place.
+  CComponent* before = includesComponent(component->GetTag());
   appendComponent(std::move(component));
+  RemoveComponent(before);
 }

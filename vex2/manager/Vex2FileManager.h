@@ -289,6 +289,7 @@ class VEX2_API Vex2FileManager : public CFile {
   int patchHeaderWord(std::uint64_t at, unsigned long value);
   int readAcqDataOffset(std::uint32_t& offset);
   std::uint32_t documentPosition(std::uint64_t position) const;
+  int setBlock(Vex2DataType type, const Vex2AcquisitionData* data);
   int appendRawData(AcquisitionDataComp& block);
   int replaceRawData(AcquisitionDataComp& block);
   int replaceReportingData(AcquisitionDataComp& block);

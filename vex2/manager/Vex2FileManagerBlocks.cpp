@@ -54,8 +54,15 @@ AcquisitionDataComp* Vex2FileManager::findBlock(Vex2DataType type) const {
   return find<AcquisitionDataComp>(vex2::TagAt(type));
 }
 
+int Vex2FileManager::setBlock(Vex2DataType type, const Vex2AcquisitionData* data) {
+  return guarded(vex2::kWriteFailed, [&] {
+    replaceComponent(makeBlock(type, data));
+    return kSuccess;
+  });
+}
+
 int Vex2FileManager::AppendAcquisitionDataBlock(const char* path, const Vex2AcquisitionData* data) {
-  replaceComponent(makeBlock(DataRAWa, data));
+  if (const int status = setBlock(DataRAWa, data); status != kSuccess) return status;
   AcquisitionDataComp* block = findBlock(DataRAWa);
   return appendTo(path, [&] { return appendRawData(*block); });
 }
@@ -79,7 +86,7 @@ int Vex2FileManager::ReplaceAcquisitionDataBlock(const char* path, const Vex2Acq
                                                  Vex2DataType type) {
   const CWaitCursor wait;
   const vex2::TracedTime time("replacing Acquisition/Reporting Data");
-  replaceComponent(makeBlock(type, data));
+  if (const int status = setBlock(type, data); status != kSuccess) return status;
   AcquisitionDataComp* block = findBlock(type);
   if (block == nullptr) return vex2::kNotFound;
   if (const int status = openForPatching(path); status != kSuccess) return status;

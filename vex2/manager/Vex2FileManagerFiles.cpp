@@ -59,15 +59,15 @@ int Vex2FileManager::guardedFile(int failure, vex2::FunctionRef<int()> operation
 }
 
 bool Vex2FileManager::openKeepingPath(const char* path, unsigned flags) {
-  // The path may be the one that is held.
-  const CString kept(path);
-  filePath_ = kept;
-  if (path != nullptr && guarded(0, [&] { return Open(kept.GetString(), flags) ? 1 : 0; }) == 1) {
-    return true;
-  }
+  const bool isOpen = guarded(0, [&] {
+                        // The path may be the one that is held.
+                        const CString kept(path);
+                        filePath_ = kept;
+                        return path != nullptr && Open(kept.GetString(), flags) ? 1 : 0;
+                      }) == 1;
   // Memory that ran out half-way must not leave a file that is open and locked.
-  Abort();
-  return false;
+  if (!isOpen) Abort();
+  return isOpen;
 }
 
 int Vex2FileManager::SafeOpen(const char* path, int write, int append) {
@@ -115,9 +115,9 @@ void Vex2FileManager::restoreLength(std::uint64_t length) {
 
 int Vex2FileManager::saveWhole(const char* path, vex2::FunctionRef<int()> write) {
   if (path == nullptr) return vex2::kWriteFailed;
-  const CString kept(path);
-  filePath_ = kept;
   const int status = guarded(vex2::kWriteFailed, [&] {
+    const CString kept(path);
+    filePath_ = kept;
     if (!OpenReplacement(kept.GetString())) return static_cast<int>(vex2::kWriteFailed);
     const int result = write();
     if (result == kSuccess) CloseReplacement();
@@ -144,7 +144,11 @@ int Vex2FileManager::SaveToFile(const char* path, bool dialog) {
 }
 
 int Vex2FileManager::SaveHeader(const char* path, const Vex2HeaderData& header) {
-  SetHeaderData(header);
+  const int status = guarded(vex2::kWriteFailed, [&] {
+    SetHeaderData(header);
+    return kSuccess;
+  });
+  if (status != kSuccess) return status;
   return saveWhole(path, [this] { return WriteHeaderData(nullptr); });
 }
 

@@ -47,22 +47,29 @@ bool copyRecord(const AcquisitionDataComp* block, int frameIndex, int position,
 
 void Vex2FileManager::InitAcqDataWellNumberArray(const unsigned short* wellNumbers,
                                                  unsigned short count, Vex2DataType type) {
-  if (AcquisitionDataComp* block = findBlock(type)) {
-    block->SetWellNumbers(wellNumbers, count);
-  } else if (!vex2::TagAt(type).empty()) {
-    appendComponent(std::make_unique<AcquisitionDataComp>(vex2::TagAt(type), wellNumbers, count));
-  }
+  static_cast<void>(guarded(vex2::kWriteFailed, [&] {
+    if (AcquisitionDataComp* block = findBlock(type)) {
+      block->SetWellNumbers(wellNumbers, count);
+    } else if (!vex2::TagAt(type).empty()) {
+      appendComponent(std::make_unique<AcquisitionDataComp>(vex2::TagAt(type), wellNumbers, count));
+    }
+    return kSuccess;
+  }));
 }
 
 int Vex2FileManager::AppendAcquisitionDataFrame(const char* path, const Vex2FrameData* frame,
                                                 Vex2DataType type) {
   AcquisitionDataComp* block = findBlock(type);
   const int index = block != nullptr ? block->GetFrameCount() : 0;
-  if (frame != nullptr && block != nullptr) {
-    if (!block->SetFrame(index, *frame)) return vex2::kWriteFailed;
-  } else if (frame != nullptr && !vex2::TagAt(type).empty()) {
-    appendComponent(std::make_unique<AcquisitionDataComp>(vex2::TagAt(type), *frame));
-  }
+  const int status = guarded(vex2::kWriteFailed, [&] {
+    if (frame != nullptr && block != nullptr) {
+      if (!block->SetFrame(index, *frame)) return vex2::kWriteFailed;
+    } else if (frame != nullptr && !vex2::TagAt(type).empty()) {
+      appendComponent(std::make_unique<AcquisitionDataComp>(vex2::TagAt(type), *frame));
+    }
+    return kSuccess;
+  });
+  if (status != kSuccess) return status;
   return CommitAcqDataFrame(path, index, type);
 }
 
@@ -118,8 +125,10 @@ bool Vex2FileManager::SetAcqDataWellRecord(const Vex2WellRecord* record, int fra
                                            int wellNumber, Vex2DataType type) {
   AcquisitionDataComp* block = findBlock(type);
   if (block == nullptr) {
-    vex2::GetHost()->ShowMessage(kNotInitialised);
-    return false;
+    return guarded(0, [] {
+             vex2::GetHost()->ShowMessage(kNotInitialised);
+             return 0;
+           }) == 1;
   }
   return record != nullptr &&
          guarded(0, [&] {
@@ -155,8 +164,10 @@ int Vex2FileManager::ReadDataFrame(int frameIndex, Vex2FrameData* frame, Vex2Dat
   const AcquisitionDataComp* block = findBlock(type);
   if (block == nullptr) return kNotFound;
   if (frameIndex < 0 || frameIndex >= block->GetFrameCount()) return kNoSuchFrame;
-  if (frame != nullptr) block->CopyFrame(frameIndex, *frame);
-  return kSuccess;
+  return guarded(vex2::kReadFailed, [&] {
+    if (frame != nullptr) block->CopyFrame(frameIndex, *frame);
+    return kSuccess;
+  });
 }
 
 bool Vex2FileManager::GetAcqDataWellRecord(Vex2WellRecord* record, int frameIndex, int wellNumber,

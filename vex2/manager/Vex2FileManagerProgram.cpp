@@ -9,14 +9,18 @@ using vex2::kSuccess;
 int Vex2FileManager::GetThermocycleProgramInfo(ThermocycleProgram* program) const {
   const ThermocycleProgramComp* component = GetThermocycleProgComp();
   if (component == nullptr) return kNotFound;
-  if (program != nullptr) component->CopyTo(*program);
-  return kSuccess;
+  return guarded(vex2::kReadFailed, [&] {
+    if (program != nullptr) component->CopyTo(*program);
+    return kSuccess;
+  });
 }
 
 int Vex2FileManager::ReplaceThermocycleProgram(const ThermocycleProgram* program) {
-  replaceComponent(program != nullptr ? std::make_unique<ThermocycleProgramComp>(*program)
-                                      : std::make_unique<ThermocycleProgramComp>());
-  return kSuccess;
+  return guarded(vex2::kWriteFailed, [&] {
+    replaceComponent(program != nullptr ? std::make_unique<ThermocycleProgramComp>(*program)
+                                        : std::make_unique<ThermocycleProgramComp>());
+    return kSuccess;
+  });
 }
 
 ThermocycleProgramComp* Vex2FileManager::GetThermocycleProgComp() const {

@@ -20,18 +20,22 @@ constexpr int kDefaultMaxDyesPerWell = 4;
 int Vex2FileManager::GetGlobalComplexInfo(Vex2GlobalComplex* info) const {
   const auto* settings = find<CGlobalComp>("GLBL");
   if (settings == nullptr) return kNotFound;
-  if (info != nullptr) settings->CopyTo(*info);
-  return kSuccess;
+  return guarded(vex2::kReadFailed, [&] {
+    if (info != nullptr) settings->CopyTo(*info);
+    return kSuccess;
+  });
 }
 
 int Vex2FileManager::ReplaceGlobalComplexComp(const Vex2GlobalComplex* info) {
-  replaceComponent(info != nullptr ? std::make_unique<CGlobalComp>(*info)
-                                   : std::make_unique<CGlobalComp>());
-  return kSuccess;
+  return guarded(vex2::kWriteFailed, [&] {
+    replaceComponent(info != nullptr ? std::make_unique<CGlobalComp>(*info)
+                                     : std::make_unique<CGlobalComp>());
+    return kSuccess;
+  });
 }
 
 int Vex2FileManager::AppendGlobalComplexComp(const char* path, const Vex2GlobalComplex* info) {
-  ReplaceGlobalComplexComp(info);
+  if (const int status = ReplaceGlobalComplexComp(info); status != kSuccess) return status;
   return appendTo(path, [this] { return includesComponent("GLBL")->Write(this); });
 }
 
@@ -51,22 +55,31 @@ int Vex2FileManager::GetConfidencePercent(float& percent) const {
 }
 
 int Vex2FileManager::UpdateConfidencePercent(float percent) {
-  replaceComponent(std::make_unique<CFloatValueComp>("Conf", percent));
-  return kSuccess;
+  return guarded(vex2::kWriteFailed, [&] {
+    replaceComponent(std::make_unique<CFloatValueComp>("Conf", percent));
+    return kSuccess;
+  });
 }
 
 int Vex2FileManager::getText(std::string_view tag, CString& text) const {
   text.Empty();
   CComponent* component = includesComponent(tag);
   if (component == nullptr) return kNotFound;
-  text = component->GetValueString();
-  return kSuccess;
+  return guarded(vex2::kReadFailed, [&] {
+    text = component->GetValueString();
+    return kSuccess;
+  });
 }
 
 int Vex2FileManager::setText(std::string_view tag, const CString& text) {
-  RemoveComponent(includesComponent(tag));
-  if (!text.IsEmpty()) appendComponent(std::make_unique<CBlockValueComp>(tag, text));
-  return kSuccess;
+  if (text.IsEmpty()) {
+    RemoveComponent(includesComponent(tag));
+    return kSuccess;
+  }
+  return guarded(vex2::kWriteFailed, [&] {
+    replaceComponent(std::make_unique<CBlockValueComp>(tag, text));
+    return kSuccess;
+  });
 }
 
 int Vex2FileManager::GetCalibrator(CString& name) const {
@@ -90,16 +103,22 @@ int Vex2FileManager::GetRQAnalysisType(unsigned short& type) const {
 }
 
 int Vex2FileManager::SetRQAnalysisType(unsigned short type) {
-  replaceComponent(std::make_unique<CShortValueComp>("RQAT", type));
-  return kSuccess;
+  return guarded(vex2::kWriteFailed, [&] {
+    replaceComponent(std::make_unique<CShortValueComp>("RQAT", type));
+    return kSuccess;
+  });
 }
 
 void Vex2FileManager::GetPassiveReference(CString& name) const {
-  Vex2GlobalComplex info;
-  static_cast<void>(GetGlobalComplexInfo(&info));
-  const std::string bytes(reinterpret_cast<const char*>(info.passiveReferenceData),
-                          info.passiveReferenceData != nullptr ? info.passiveReferenceLength : 0);
-  name = CString(bytes.c_str());
+  name.Empty();
+  static_cast<void>(guarded(vex2::kReadFailed, [&] {
+    Vex2GlobalComplex info;
+    static_cast<void>(GetGlobalComplexInfo(&info));
+    const std::string bytes(reinterpret_cast<const char*>(info.passiveReferenceData),
+                            info.passiveReferenceData != nullptr ? info.passiveReferenceLength : 0);
+    name = CString(bytes.c_str());
+    return kSuccess;
+  }));
 }
 
 void Vex2FileManager::SetPassiveReference(const CString& name) {
@@ -131,8 +150,11 @@ void Vex2FileManager::SetPrePostFlags(int pre, int post) {
 }
 
 void Vex2FileManager::changeSettings(vex2::FunctionRef<void(Vex2GlobalComplex&)> change) {
-  Vex2GlobalComplex info;
-  static_cast<void>(GetGlobalComplexInfo(&info));
-  change(info);
-  ReplaceGlobalComplexComp(&info);
+  static_cast<void>(guarded(vex2::kWriteFailed, [&] {
+    Vex2GlobalComplex info;
+    // Settings that cannot be copied for want of memory must not be replaced by half of them.
+    if (const int status = GetGlobalComplexInfo(&info); status == vex2::kReadFailed) return status;
+    change(info);
+    return ReplaceGlobalComplexComp(&info);
+  }));
 }

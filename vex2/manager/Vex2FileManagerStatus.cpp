@@ -24,10 +24,12 @@ CString Vex2FileManager::GetAcquisitionStatus() const {
 int Vex2FileManager::SetAcquisitionStatus(const char* status) {
   const std::string_view given = status != nullptr ? status : "";
   if (given.size() != kStatusLength) {
-    vex2::GetHost()->ShowMessage(
-        "The Acquisition Status should be a string 4 characters long. The new value '" +
-        std::string(given) + "' is invalid and won't be used.");
-    return vex2::kInvalidStatus;
+    return guarded(vex2::kInvalidStatus, [given] {
+      vex2::GetHost()->ShowMessage(
+          "The Acquisition Status should be a string 4 characters long. The new value '" +
+          std::string(given) + "' is invalid and won't be used.");
+      return vex2::kInvalidStatus;
+    });
   }
   std::memcpy(header_.acquisitionStatus, given.data(), kStatusLength);
   return vex2::kSuccess;

@@ -55,10 +55,11 @@ bool AcquisitionDataComp::canGrow() const {
 }
 
 void AcquisitionDataComp::allocate(std::size_t wells) {
-  frames_.clear();
-  wellNumbers_.resize(wells);
-  std::iota(wellNumbers_.begin(), wellNumbers_.end(), std::uint16_t{1});
-  if (wells != 0) frames_.resize(static_cast<std::size_t>(capacity_));
+  std::vector<std::uint16_t> numbers(wells);
+  std::iota(numbers.begin(), numbers.end(), std::uint16_t{1});
+  std::vector<Frame> frames(wells != 0 ? static_cast<std::size_t>(capacity_) : 0);
+  wellNumbers_ = std::move(numbers);
+  frames_ = std::move(frames);
 }
 
 bool AcquisitionDataComp::makeRoom(int index) {

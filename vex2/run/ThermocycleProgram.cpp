@@ -8,7 +8,8 @@ void ThermocycleProgram::Clear() {
 
 void ThermocycleProgram::Allocate() {
   if (length == 0) return;
-  delete[] data;
-  data = nullptr;
-  data = new std::uint8_t[length];
+  const std::uint32_t wanted = length;
+  Clear();
+  data = new std::uint8_t[wanted];
+  length = wanted;
 }
