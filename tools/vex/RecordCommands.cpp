@@ -64,24 +64,20 @@ class RecordCommand final : public RecordingCommand {
  public:
   RecordCommand()
       : RecordingCommand(
-            {"record", "Play measured readings into a document, as an instrument records a run.",
+            {"record", "Play measured readings into a document, as an instrument does.",
              "vex record run.vex --readings readings.csv --wells wells.csv\n"
              "vex record run.vex --readings readings.csv --wells wells.csv --resume"}) {}
 
   void AddOptions(CLI::App& app) override {
     addDocument(app);
     app.add_option("--readings", files_.readings,
-                   "CSV of well, stage, cycle, time_s, temperature_c, fluorescence; - is standard "
-                   "input")
+                   "well,stage,cycle,time_s,temperature_c,fluorescence")
         ->type_name("FILE.csv")
         ->required();
-    app.add_option("--wells", files_.wells,
-                   "CSV of well, sample, target, task, quantity, reporter; - is standard input")
+    app.add_option("--wells", files_.wells, "well,sample,target,task,quantity,reporter; - is stdin")
         ->type_name("FILE.csv")
         ->required();
-    app.add_option("--scale", files_.scale,
-                   "What readings are multiplied by before they are rounded to 16 bits; else the "
-                   "largest power of ten up to 1000 with which all fit")
+    app.add_option("--scale", files_.scale, "Factor of readings; else the largest to fit 16 bits")
         ->type_name("N")
         ->check(CLI::Range(std::uint32_t{1}, kLargestScale));
     addRecordOptions(app);
@@ -102,8 +98,7 @@ class SimulateCommand final : public RecordingCommand {
  public:
   SimulateCommand()
       : RecordingCommand({"simulate",
-                          "Record the run of a simulated dilution series, the same for the same "
-                          "numbers.",
+                          "Record a simulated dilution series, the same for the same seed.",
                           "vex simulate run.vex\n"
                           "vex simulate run.vex --wells 384 --cycles 45 --melt 70 --seed 7"}) {}
 
