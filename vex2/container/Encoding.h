@@ -72,6 +72,20 @@ inline void WriteValue(CFile& file, float value) {
   file.Write(bytes.data(), bytes.size());
 }
 
+/// Bytes that are no number stand as they are; on a short read `value` is untouched.
+template <std::size_t Count>
+[[nodiscard]] int ReadValue(CFile& file, std::array<std::uint8_t, Count>& value) {
+  std::array<std::uint8_t, Count> bytes{};
+  const int status = ReadBytes(file, bytes.data(), bytes.size());
+  if (status == kSuccess) value = bytes;
+  return status;
+}
+
+template <std::size_t Count>
+void WriteValue(CFile& file, const std::array<std::uint8_t, Count>& value) {
+  file.Write(value.data(), value.size());
+}
+
 /// What a read of more bytes than there are comes to: they are consumed, and the status says so.
 [[nodiscard]] inline int ShortRead(CFile& file) {
   file.SeekToEnd();

@@ -34,5 +34,6 @@ template class ScalarComponent<std::uint8_t>;
 template class ScalarComponent<std::uint16_t>;
 template class ScalarComponent<std::uint32_t>;
 template class ScalarComponent<float>;
+template class ScalarComponent<std::array<std::uint8_t, 3>>;
 
 }  // namespace vex2

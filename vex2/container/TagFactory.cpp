@@ -14,6 +14,12 @@
 #include "vex2/run/AcquisitionDataComp.h"
 #include "vex2/run/CGlobalComp.h"
 #include "vex2/run/ThermocycleProgramComp.h"
+#include "vex2/setup/CCalibrationComp.h"
+#include "vex2/setup/CColorComp.h"
+#include "vex2/setup/CDetectorExtensionComp.h"
+#include "vex2/setup/CDetectorListComp.h"
+#include "vex2/setup/CPlateSetupComp.h"
+#include "vex2/setup/CRequiredDyesComp.h"
 
 namespace {
 
@@ -57,8 +63,17 @@ constexpr auto makeCreators() {
     creators.at(static_cast<std::size_t>(row)) = tagged<AcquisitionDataComp>;
   }
   creators[0] = own<CGlobalComp>;
+  creators[10] = own<CPureDyeComp>;
+  creators[11] = own<CBackgroundComp>;
   creators[14] = own<ThermocycleProgramComp>;
   creators[19] = own<CSpectrumChannelComp>;
+  creators[21] = own<CPlateSetupComp>;
+  creators[22] = own<CCellComp>;
+  creators[40] = own<CCalibrationComp>;
+  creators[46] = own<CDetectorListComp>;
+  creators[47] = own<CDetectorExtensionComp>;
+  creators[53] = own<CColorComp>;
+  creators[64] = own<CRequiredDyesComp>;
   return creators;
 }
 

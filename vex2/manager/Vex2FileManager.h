@@ -8,6 +8,7 @@
 #include "vex2/container/CComponent.h"
 #include "vex2/container/Status.h"
 #include "vex2/framework/CFile.h"
+#include "vex2/framework/CObList.h"
 #include "vex2/framework/CString.h"
 #include "vex2/framework/CStringList.h"
 #include "vex2/framework/CWnd.h"
@@ -20,9 +21,16 @@
 #include "vex2/run/Vex2FrameData.h"
 #include "vex2/run/Vex2GlobalComplex.h"
 #include "vex2/run/Vex2WellRecord.h"
+#include "vex2/setup/Vex2BGC.h"
+#include "vex2/setup/Vex2Detector.h"
+#include "vex2/setup/Vex2DyeInfo.h"
+#include "vex2/setup/Vex2PlateSetup.h"
+#include "vex2/setup/Vex2PureDye.h"
 
 class AcquisitionDataComp;
+class CBackgroundComp;
 class CGlobalComp;
+class CPlateSetupComp;
 class ThermocycleProgramComp;
 
 /// One plate document: its header and its components, in memory, and the operations that read and
@@ -126,9 +134,24 @@ class VEX2_API Vex2FileManager : public CFile {
 
   // --- Kind of run (Vex2FileManagerAssay.cpp) ---
 
+  /// Whether the header's code of the run is that of `type`; 0 for a code that is none of the
+  /// seven.
   bool IsAssayType(int type) const;
+  bool IsBackground() const;
+  bool IsPureSpectra() const;
+  bool IsAQ() const;
   bool IsRQP() const;
   bool IsRQS() const;
+  bool IsAD() const;
+  bool IsPM() const;
+  bool IsRealTime() const;
+  bool IsPlateRead() const;
+
+  /// Appends an element for each pure dye of the calibration that has a name; the list's owner
+  /// deletes them. False, and the list is unchanged, when there is no calibration.
+  bool LoadDyeList(CObList* list) const;
+  /// Of a plate of this study; of the document itself for a null name.
+  bool LoadDyeListByName(CObList* list, const char* plateName) const;
 
   // --- Run-wide settings (Vex2FileManagerSettings.cpp) ---
 
@@ -167,6 +190,85 @@ class VEX2_API Vex2FileManager : public CFile {
   /// `program` must not be null. Always 0.
   int ReplaceThermocycleProgram(const ThermocycleProgram* program);
   ThermocycleProgramComp* GetThermocycleProgComp() const;
+
+  // --- Plate setup (Vex2FileManagerSetup.cpp) ---
+
+  /// Replaces what stands in the wells; a null `setup` leaves a plate without wells. 0, or -200 for
+  /// one that is too large to be stored, and then nothing is changed.
+  int ReplacePlateSetup(const Vex2PlateSetup* setup);
+  /// Copies what stands in the wells into `setup`, which may be null; -300 when there is no setup.
+  int GetPlateSetupInfo(Vex2PlateSetup* setup) const;
+  CPlateSetupComp* GetPlateSetupComp() const;
+  /// Saves header, program and plate setup alone to `path`, as `SaveToFile` does. -300 when the
+  /// document lacks program or setup, else 0 or -200.
+  int SaveSetupInfo(const char* path);
+  /// Wells of the plate type that the header names: 96, 384 or 0.
+  int GetPlateSize() const;
+  /// Stores which wells are used, row by row. False, and nothing is changed, for null, no rows or
+  /// columns, more than 65535 rows or 32 columns. The header's number of columns stays as it is.
+  bool SetUsageArray(const bool* usage, int rows, int columns);
+  static bool SetUsageArray(const bool* usage, int rows, int columns, Vex2HeaderData& header);
+  /// Releases `usage` and fills a new array, which the caller frees with delete[]. False, and
+  /// `usage` is unchanged, when the header describes no plate of 1 to 32 columns.
+  bool GetUsageArray(bool*& usage) const;
+
+  // --- Detectors (Vex2FileManagerDetectors.cpp) ---
+  // A detector without a name is reported to the user and left out; that is no failure.
+
+  /// Replaces all detectors; the list stays also when it is empty. 0 or -200.
+  int UpdateDetectorList(const Vex2Detector* list, int count);
+  /// Adds a detector at the end, in place of one of its name. 0 or -200.
+  int AppendDetectorInfo(const Vex2Detector* detector);
+  /// False when there is no such detector. The list goes with its last detector.
+  bool RemoveDetectorInfo(const CString& name);
+  /// -300 without detectors; see `AppendGlobalComplexComp`.
+  int AppendDetectorListToFile(const char* path);
+  /// 0 with -300 when there is no list.
+  int GetNumberOfDetectors(int& count) const;
+  /// Releases `list` and fills a new array, which the caller frees with delete[]. An empty list
+  /// leaves it as it was. -300 when there is no list.
+  int GetDetectorListInfo(Vex2Detector*& list) const;
+
+  // --- Calibration (Vex2FileManagerCalibration.cpp) ---
+
+  /// Replace the calibration or one part of it; a null record removes the part. 0 or -200.
+  int ReplaceCalibComponent(const Vex2PureDye* pureDye, const Vex2BGC* background);
+  int ReplacePureDye(const Vex2PureDye* record);
+  int ReplaceBackground(const Vex2BGC* record);
+  /// Replaces the background in memory and in the file at `path`: where a background stands alone
+  /// in the file it is overwritten in place, otherwise the whole calibration is appended. -100 when
+  /// the file is no readable document, -200 when it cannot be written, -250 when its background has
+  /// another size, -300 when it ends within a record's head; the file is then unchanged.
+  int ReplaceBackground(const char* path, const Vex2BGC* record);
+  /// Put a component that stands alone in the document, in place of one of its kind, and append it
+  /// to the file at `path`. 0 or -200; the document keeps the component.
+  int AppendPureDye(const char* path, const Vex2PureDye* record);
+  int AppendBackground(const char* path, const Vex2BGC* record);
+  /// Removes the parts, with both the calibration itself. -300 when there is none to remove.
+  int RemoveCalibComponents(bool pureDye, bool background);
+  /// Copies each part that there is into its record, which is made with new where it is null, and
+  /// sets its flag to 1, else to 0. -300 without calibration.
+  int GetCalibrationInfo(Vex2PureDye*& pureDye, int* hasPureDye, Vex2BGC*& background,
+                         int* hasBackground) const;
+  int GetPureDyeCount() const;
+  /// Saves header and calibration alone to `path`, as `SaveToFile` does. -300 without calibration,
+  /// else 0 or -200.
+  int SaveCalibrationInfo(const char* path);
+
+  // --- Required dyes (Vex2FileManagerDyes.cpp) ---
+
+  /// False when the list has the dye. An empty name adds nothing, but makes a list.
+  bool AppendRequiredDyenfo(const CString& dye);
+  /// Replaces all dyes; the list stays also when it is empty. 0 or -200.
+  int UpdateRequiredDyeList(const CString* dyes, int count);
+  /// False when there is no such dye. The list goes with its last dye.
+  bool RemoveRequiredDyeInfo(const CString& dye);
+  /// -300 without a list; see `AppendGlobalComplexComp`.
+  int AppendRequiredDyeListToFile(const char* path);
+  /// 0 with -300 when there is no list.
+  int GetNumberOfRequiredDyes(int& count) const;
+  /// As `GetDetectorListInfo`.
+  int GetRequiredDyeListInfo(CString*& dyes) const;
 
   // --- Data blocks (Vex2FileManagerBlocks.cpp) ---
 
@@ -264,6 +366,9 @@ class VEX2_API Vex2FileManager : public CFile {
   int UpdateThermocycleOffset(unsigned long offset);
   int UpdateAcqDataOffset(unsigned long offset);
   int WriteThermocycleComp();
+  /// Writes the plate setup to the end of the open file. 0, -200 when none is open, -300 when there
+  /// is no setup.
+  int WritePlateSetupComp();
 
   int AppendAcquisitionDataBlock(const char* path, const Vex2AcquisitionData* data);
   AcquisitionDataComp* findBlock(Vex2DataType type) const;
@@ -282,6 +387,8 @@ class VEX2_API Vex2FileManager : public CFile {
   struct BlockGeometry;
 
   bool openKeepingPath(const char* path, unsigned flags);
+  /// Runs `write` with the position at the open file's end; when it fails, that is where it was.
+  int writeAtEnd(vex2::FunctionRef<int()> write);
   void restoreLength(std::uint64_t length);
   bool hasMarker(std::uint64_t offset, std::string_view marker);
   int readComponents(CFile& file);
@@ -299,6 +406,12 @@ class VEX2_API Vex2FileManager : public CFile {
   int setText(std::string_view tag, const CString& text);
   void changeSettings(vex2::FunctionRef<void(Vex2GlobalComplex&)> change);
   bool hasStatus(std::string_view status) const;
+  template <typename Component, typename Record>
+  int replaceCalibrationPart(const Record* record);
+  template <typename Component, typename Record>
+  int appendAlone(const char* path, const Record* record);
+  int patchBackground(CBackgroundComp* background);
+  int findBackground(std::uint32_t length, std::uint64_t& position);
 
   CString filePath_;
   std::vector<std::unique_ptr<CComponent>> components_;

@@ -1,26 +1,57 @@
-// Queries of the kind of run.
+// Queries of the kind of run, and the list of the dyes that an instrument was calibrated with.
 
+#include <algorithm>
 #include <array>
 
 #include "vex2/manager/Vex2FileManager.h"
+#include "vex2/setup/CCalibrationComp.h"
 
 namespace {
+
+enum AssayNumber {
+  kBackground = 950,
+  kPureSpectra = 951,
+  kAbsolute = 1000,
+  kRelativePlate = 1001,
+  kRelativeStudy = 1002,
+  kAllelic = 1003,
+  kPlusMinus = 1004,
+};
 
 struct AssayType {
   std::string_view code;
   int number;
 };
 
-constexpr int kRelativePlate = 1001;
-constexpr int kRelativeStudy = 1002;
-
-constexpr std::array<AssayType, 7> kAssayTypes = {{{"BGND", 950},
-                                                   {"PDye", 951},
-                                                   {"AbsQ", 1000},
+constexpr std::array<AssayType, 7> kAssayTypes = {{{"BGND", kBackground},
+                                                   {"PDye", kPureSpectra},
+                                                   {"AbsQ", kAbsolute},
                                                    {"RelQ", kRelativePlate},
                                                    {"RQSt", kRelativeStudy},
-                                                   {"AllD", 1003},
-                                                   {"+/- ", 1004}}};
+                                                   {"AllD", kAllelic},
+                                                   {"+/- ", kPlusMinus}}};
+
+CString upperNameOf(const Vex2DyeSpectrum& dye) {
+  const std::string_view name(dye.name, dye.name != nullptr ? dye.nameLength : 0);
+  CString upper(name.substr(0, name.find('\0')));
+  upper.MakeUpper();
+  return upper;
+}
+
+// Appends an element for the dye, unless its name says that it is none.
+void appendDye(CObList& list, const Vex2DyeSpectrum& dye) {
+  const CString name = upperNameOf(dye);
+  if (name.IsEmpty() || name == "<NONE>" || name == "(NONE)") return;
+  auto info = std::make_unique<Vex2DyeInfo>();
+  info->name = name;
+  info->index = dye.dyeIndex;
+  constexpr std::size_t kValues = std::size(decltype(info->values){});
+  if (dye.values != nullptr) {
+    std::copy_n(dye.values, std::min<std::size_t>(dye.valueCount, kValues), info->values);
+  }
+  list.AddTail(info.get());
+  static_cast<void>(info.release());
+}
 
 }  // namespace
 
@@ -32,10 +63,51 @@ bool Vex2FileManager::IsAssayType(int type) const {
   return type == 0;
 }
 
+bool Vex2FileManager::IsBackground() const {
+  return IsAssayType(kBackground);
+}
+bool Vex2FileManager::IsPureSpectra() const {
+  return IsAssayType(kPureSpectra);
+}
+bool Vex2FileManager::IsAQ() const {
+  return IsAssayType(kAbsolute);
+}
 bool Vex2FileManager::IsRQP() const {
   return IsAssayType(kRelativePlate);
 }
-
 bool Vex2FileManager::IsRQS() const {
   return IsAssayType(kRelativeStudy);
+}
+bool Vex2FileManager::IsAD() const {
+  return IsAssayType(kAllelic);
+}
+bool Vex2FileManager::IsPM() const {
+  return IsAssayType(kPlusMinus);
+}
+bool Vex2FileManager::IsRealTime() const {
+  return IsAQ() || IsRQP() || IsRQS();
+}
+bool Vex2FileManager::IsPlateRead() const {
+  return IsPM() || IsAD();
+}
+
+bool Vex2FileManager::LoadDyeList(CObList* list) const {
+  const auto* calibration = find<CCalibrationComp>("CALI");
+  if (list == nullptr || calibration == nullptr) return false;
+  const auto* pureDye = calibration->Find<CPureDyeComp>();
+  if (pureDye == nullptr) return true;
+  const int before = list->GetCount();
+  const int status = guarded(vex2::kReadFailed, [&] {
+    const Vex2PureDye& dyes = pureDye->GetRecord();
+    for (int index = 0; index < dyes.entryCount; ++index) appendDye(*list, dyes.entries[index]);
+    return vex2::kSuccess;
+  });
+  if (status == vex2::kSuccess) return true;
+  while (list->GetCount() > before) delete list->RemoveTail();
+  return false;
+}
+
+bool Vex2FileManager::LoadDyeListByName(CObList* list, const char* plateName) const {
+  // A document that holds no plates has none of that name.
+  return plateName == nullptr && LoadDyeList(list);
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <new>
+#include <stdexcept>
 
 #include "vex2/container/CLongValueComp.h"
 #include "vex2/container/CSkippedComp.h"
@@ -44,6 +45,8 @@ int Vex2FileManager::guarded(int failure, vex2::FunctionRef<int()> operation) {
   } catch (const CFileException&) {
     return failure;
   } catch (const std::bad_alloc&) {
+    return failure;
+  } catch (const std::length_error&) {
     return failure;
   }
 }
@@ -94,14 +97,20 @@ int Vex2FileManager::openForPatching(const char* path) {
 
 int Vex2FileManager::appendTo(const char* path, vex2::FunctionRef<int()> write) {
   if (path == nullptr || SafeOpen(path, 1, 1) == 0) return vex2::kWriteFailed;
+  const int status = writeAtEnd(write);
+  return guardedFile(vex2::kWriteFailed, [status] { return status; });
+}
+
+int Vex2FileManager::writeAtEnd(vex2::FunctionRef<int()> write) {
   const std::uint64_t before = GetLength();
   const int status = guarded(vex2::kWriteFailed, [&] {
+    SeekToEnd();
     const int result = write();
     Flush();
     return result;
   });
   if (status != kSuccess) restoreLength(before);
-  return guardedFile(vex2::kWriteFailed, [status] { return status; });
+  return status;
 }
 
 void Vex2FileManager::restoreLength(std::uint64_t length) {

@@ -1,0 +1,157 @@
+// The instrument's calibration: pure dyes and background.
+
+#include <array>
+
+#include "vex2/container/Encoding.h"
+#include "vex2/container/ReadLimits.h"
+#include "vex2/manager/Vex2FileManager.h"
+#include "vex2/setup/CCalibrationComp.h"
+
+using vex2::kNotFound;
+using vex2::kSuccess;
+
+namespace {
+
+constexpr const char* kTag = "CALI";
+
+// Copies a part into the caller's record and says whether there was one.
+template <typename Component, typename Record>
+void copyPart(const CCalibrationComp& calibration, Record*& record, int* has) {
+  const auto* part = calibration.Find<Component>();
+  if (part != nullptr) {
+    auto made = record == nullptr ? std::make_unique<Record>() : nullptr;
+    part->CopyTo(made != nullptr ? *made : *record);
+    if (made != nullptr) record = made.release();
+  }
+  if (has != nullptr) *has = part != nullptr ? 1 : 0;
+}
+
+}  // namespace
+
+int Vex2FileManager::ReplaceCalibComponent(const Vex2PureDye* pureDye, const Vex2BGC* background) {
+  return guarded(vex2::kWriteFailed, [&] {
+    replaceComponent(std::make_unique<CCalibrationComp>(pureDye, background));
+    return kSuccess;
+  });
+}
+
+template <typename Component, typename Record>
+int Vex2FileManager::replaceCalibrationPart(const Record* record) {
+  return guarded(vex2::kWriteFailed, [&] {
+    std::unique_ptr<CComponent> part;
+    if (record != nullptr) part = std::make_unique<Component>(*record);
+    auto* calibration = find<CCalibrationComp>(kTag);
+    if (calibration == nullptr) {
+      replaceComponent(std::make_unique<CCalibrationComp>());
+      calibration = find<CCalibrationComp>(kTag);
+    }
+    calibration->Remove(Component::kTag);
+    const bool added = part == nullptr || calibration->AddChild(std::move(part));
+    return added ? kSuccess : vex2::kWriteFailed;
+  });
+}
+
+int Vex2FileManager::ReplacePureDye(const Vex2PureDye* record) {
+  return replaceCalibrationPart<CPureDyeComp>(record);
+}
+
+int Vex2FileManager::ReplaceBackground(const Vex2BGC* record) {
+  return replaceCalibrationPart<CBackgroundComp>(record);
+}
+
+template <typename Component, typename Record>
+int Vex2FileManager::appendAlone(const char* path, const Record* record) {
+  const int status = guarded(vex2::kWriteFailed, [&] {
+    replaceComponent(record != nullptr ? std::make_unique<Component>(*record)
+                                       : std::make_unique<Component>());
+    return kSuccess;
+  });
+  if (status != kSuccess) return status;
+  return appendTo(path, [this] { return includesComponent(Component::kTag)->Write(this); });
+}
+
+int Vex2FileManager::AppendPureDye(const char* path, const Vex2PureDye* record) {
+  return appendAlone<CPureDyeComp>(path, record);
+}
+
+int Vex2FileManager::AppendBackground(const char* path, const Vex2BGC* record) {
+  return appendAlone<CBackgroundComp>(path, record);
+}
+
+int Vex2FileManager::ReplaceBackground(const char* path, const Vex2BGC* record) {
+  if (const int status = ReplaceBackground(record); status != kSuccess) return status;
+  if (const int status = openForPatching(path); status != kSuccess) return status;
+  CBackgroundComp* background = find<CCalibrationComp>(kTag)->Find<CBackgroundComp>();
+  return guardedFile(vex2::kWriteFailed, [&] { return patchBackground(background); });
+}
+
+int Vex2FileManager::patchBackground(CBackgroundComp* background) {
+  std::uint64_t position = 0;
+  const std::uint32_t length = background != nullptr ? background->GetLength() : 0;
+  if (const int status = findBackground(length, position); status != kSuccess) return status;
+  if (position == 0) return writeAtEnd([this] { return includesComponent(kTag)->Write(this); });
+  if (background == nullptr) return kSuccess;
+  Seek(static_cast<std::int64_t>(position), begin);
+  return background->Write(this);
+}
+
+// The position of the first background that stands alone in the open file, 0 when there is none.
+int Vex2FileManager::findBackground(std::uint32_t length, std::uint64_t& position) {
+  Seek(kHeaderBytes, begin);
+  while (GetRemaining() > 0) {
+    const std::uint64_t start = GetPosition();
+    std::array<char, 4> tag{};
+    std::uint32_t found = 0;
+    if (vex2::ReadBytes(*this, tag.data(), tag.size()) != kSuccess) return kNotFound;
+    if (vex2::ReadValue(*this, found) != kSuccess) return kNotFound;
+    if (std::string_view(tag.data(), tag.size()) == CBackgroundComp::kTag) {
+      position = start;
+      return found == length ? kSuccess : vex2::kSizeDiffers;
+    }
+    // What was appended behind a record that the file does not hold whole would be lost in it.
+    if (!vex2::HasBytesLeft(*this, found)) return vex2::kReadFailed;
+    Seek(found, current);
+  }
+  return kSuccess;
+}
+
+int Vex2FileManager::RemoveCalibComponents(bool pureDye, bool background) {
+  if (!pureDye && !background) return kSuccess;
+  auto* calibration = find<CCalibrationComp>(kTag);
+  if (calibration == nullptr) return kNotFound;
+  if (pureDye && background) {
+    RemoveComponent(calibration);
+    return kSuccess;
+  }
+  const auto tag = pureDye ? CPureDyeComp::kTag : CBackgroundComp::kTag;
+  return calibration->Remove(tag) ? kSuccess : kNotFound;
+}
+
+int Vex2FileManager::GetCalibrationInfo(Vex2PureDye*& pureDye, int* hasPureDye,
+                                        Vex2BGC*& background, int* hasBackground) const {
+  if (hasPureDye != nullptr) *hasPureDye = 0;
+  if (hasBackground != nullptr) *hasBackground = 0;
+  const auto* calibration = find<CCalibrationComp>(kTag);
+  if (calibration == nullptr) return kNotFound;
+  return guarded(vex2::kReadFailed, [&] {
+    copyPart<CBackgroundComp>(*calibration, background, hasBackground);
+    copyPart<CPureDyeComp>(*calibration, pureDye, hasPureDye);
+    return kSuccess;
+  });
+}
+
+int Vex2FileManager::GetPureDyeCount() const {
+  const auto* calibration = find<CCalibrationComp>(kTag);
+  const auto* pureDye = calibration != nullptr ? calibration->Find<CPureDyeComp>() : nullptr;
+  return pureDye != nullptr ? pureDye->GetRecord().entryCount : 0;
+}
+
+int Vex2FileManager::SaveCalibrationInfo(const char* path) {
+  auto* calibration = find<CCalibrationComp>(kTag);
+  if (calibration == nullptr) return kNotFound;
+  return saveWhole(path, [&] {
+    if (const int status = WriteHeaderData(nullptr); status != kSuccess) return status;
+    SeekToEnd();
+    return calibration->Write(this);
+  });
+}

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "vex2/container/CContainerComp.h"
+#include "vex2/setup/CBackgroundComp.h"
+#include "vex2/setup/CPureDyeComp.h"
+
+/// The calibration in a document, "CALI": a list of at most one "PDYE" and at most one "BKGD".
+class VEX2_API CCalibrationComp final : public CContainerComp {
+ public:
+  /// With a child for each record that is given.
+  explicit CCalibrationComp(const Vex2PureDye* pureDye = nullptr,
+                            const Vex2BGC* background = nullptr);
+
+  /// The first child of the kind, owned by the list; null when there is none.
+  template <typename Component>
+  Component* Find() const {
+    return dynamic_cast<Component*>(FindChild(Component::kTag));
+  }
+  /// Deletes the first child with this tag; false when there is none.
+  bool Remove(std::string_view tag);
+};

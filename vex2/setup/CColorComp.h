@@ -1,0 +1,13 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "vex2/container/ScalarComponent.h"
+
+/// A colour, "COLR": three bytes, whose order belongs to the applications.
+class VEX2_API CColorComp final : public vex2::ScalarComponent<std::array<std::uint8_t, 3>> {
+ public:
+  CColorComp() : ScalarComponent("COLR") {}
+  explicit CColorComp(const std::array<std::uint8_t, 3>& color) : ScalarComponent("COLR", color) {}
+};

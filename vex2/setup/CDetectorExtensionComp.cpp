@@ -1,0 +1,128 @@
+#include "vex2/setup/CDetectorExtensionComp.h"
+
+#include <algorithm>
+
+#include "vex2/container/CByteValueComp.h"
+#include "vex2/container/CFloatValueComp.h"
+#include "vex2/container/CLongValueComp.h"
+#include "vex2/container/CShortValueComp.h"
+#include "vex2/setup/CColorComp.h"
+#include "vex2/setup/Parts.h"
+
+using vex2::AddPart;
+using vex2::PartAs;
+
+namespace {
+
+using Color = std::array<std::uint8_t, 3>;
+
+// Makes a child for each field.
+class FieldWriter {
+ public:
+  explicit FieldWriter(CContainerComp& list) : list_(list) {}
+
+  void Text(std::string_view tag, const CString& text) {
+    if (!text.IsEmpty()) AddPart<CBlockValueComp>(list_, tag, text);
+  }
+  void Color(const std::uint8_t (&bytes)[3]) {
+    AddPart<CColorComp>(list_, ::Color{bytes[0], bytes[1], bytes[2]});
+  }
+  void Date(std::string_view tag, std::int32_t date) {
+    if (date > 0) AddPart<CLongValueComp>(list_, tag, static_cast<std::uint32_t>(date));
+  }
+  void Number(std::string_view tag, std::uint16_t number) {
+    AddPart<CShortValueComp>(list_, tag, number);
+  }
+  void Number(std::string_view tag, float number) { AddPart<CFloatValueComp>(list_, tag, number); }
+  void LowByte(std::string_view tag, std::int32_t value) {
+    const auto low = static_cast<std::uint8_t>(static_cast<std::uint32_t>(value) & 0xFFU);
+    AddPart<CByteValueComp>(list_, tag, low);
+  }
+
+ private:
+  CContainerComp& list_;
+};
+
+// Fills the field that one child holds.
+class FieldReader {
+ public:
+  explicit FieldReader(const CComponent& child) : child_(child) {}
+
+  void Text(std::string_view tag, CString& text) {
+    if (const auto* block = holder<CBlockValueComp>(tag)) text = CString(vex2::PartText(*block));
+  }
+  void Color(std::uint8_t (&bytes)[3]) {
+    if (const auto* color = holder<CColorComp>("COLR")) {
+      std::copy_n(color->GetValue().begin(), sizeof bytes, bytes);
+    }
+  }
+  void Date(std::string_view tag, std::int32_t& date) {
+    if (const auto* value = holder<CLongValueComp>(tag)) {
+      date = static_cast<std::int32_t>(value->GetValue());
+    }
+  }
+  void Number(std::string_view tag, std::uint16_t& number) {
+    if (const auto* value = holder<CShortValueComp>(tag)) number = value->GetValue();
+  }
+  void Number(std::string_view tag, float& number) {
+    if (const auto* value = holder<CFloatValueComp>(tag)) number = value->GetValue();
+  }
+  void LowByte(std::string_view tag, std::int32_t& value) {
+    if (const auto* byte = holder<CByteValueComp>(tag)) {
+      value = static_cast<std::int8_t>(byte->GetValue());
+    }
+  }
+
+ private:
+  template <typename Component>
+  const Component* holder(std::string_view tag) const {
+    return child_.GetTag() == tag ? PartAs<Component>(child_) : nullptr;
+  }
+
+  const CComponent& child_;
+};
+
+// The fields in the order in which they are written.
+template <typename Fields, typename Detector>
+void exchange(Fields& fields, Detector& detector) {
+  fields.Text("DETN", detector.name);
+  fields.Text("DYER", detector.reporterDye);
+  fields.Text("DYEQ", detector.quencherDye);
+  fields.Text("DESC", detector.description);
+  fields.Text("COMT", detector.comment);
+  fields.Color(detector.color);
+  fields.Date("DATC", detector.dateCreated);
+  fields.Date("DATM", detector.dateModified);
+  fields.Text("OWNR", detector.owner);
+  fields.Text("LOCS", detector.location);
+  fields.Number("DASB", detector.baselineStart);
+  fields.Number("DAEB", detector.baselineEnd);
+  fields.Number("DATH", detector.threshold);
+  fields.LowByte("DAAB", detector.autoBaseline);
+  fields.LowByte("DAAT", detector.autoThreshold);
+  fields.Number("DAQF", detector.analysisFlags);
+}
+
+}  // namespace
+
+CDetectorExtensionComp::CDetectorExtensionComp() : CContainerComp("DETX") {}
+
+CDetectorExtensionComp::CDetectorExtensionComp(const Vex2Detector& detector)
+    : CDetectorExtensionComp() {
+  FieldWriter fields(*this);
+  exchange(fields, detector);
+}
+
+void CDetectorExtensionComp::CopyTo(Vex2Detector& detector) const {
+  detector.Clear();
+  for (int index = 0; index < GetChildCount(); ++index) {
+    FieldReader fields(*GetChild(index));
+    exchange(fields, detector);
+  }
+}
+
+std::string_view CDetectorExtensionComp::GetName() const {
+  const CComponent* child = FindChild("DETN");
+  const auto* block = child != nullptr ? PartAs<CBlockValueComp>(*child) : nullptr;
+  return block != nullptr ? vex2::PartText(*block) : std::string_view();
+}

@@ -1,0 +1,38 @@
+#include "vex2/setup/CPlateSetupComp.h"
+
+#include "vex2/container/Status.h"
+#include "vex2/setup/Parts.h"
+
+CPlateSetupComp::CPlateSetupComp() : CContainerComp("CELS") {}
+
+CPlateSetupComp::CPlateSetupComp(const Vex2PlateSetup& setup) : CPlateSetupComp() {
+  if (setup.cells == nullptr) return;
+  for (std::uint16_t index = 0; index < setup.count; ++index) {
+    vex2::AddPart<CCellComp>(*this, setup.cells[index]);
+  }
+}
+
+void CPlateSetupComp::CopyTo(Vex2PlateSetup& setup) const {
+  setup.Clear();
+  setup.Resize(GetCount());
+  for (int index = 0; index < setup.count; ++index) {
+    const CComponent* child = GetChild(index);
+    const auto* cell = child != nullptr ? vex2::PartAs<CCellComp>(*child) : nullptr;
+    if (cell != nullptr) cell->CopyTo(setup.cells[index]);
+  }
+}
+
+void CPlateSetupComp::AllocateBody() {
+  FreeBody();
+  for (int index = 0; index < GetCount(); ++index) keepChild(std::make_unique<CCellComp>());
+}
+
+int CPlateSetupComp::ReadChildren(CFile* file) {
+  // Cells are made as they are read: the count is only the file's word.
+  for (int index = 0; index < GetCount(); ++index) {
+    auto cell = std::make_unique<CCellComp>();
+    if (const int status = cell->Read(file); status != vex2::kSuccess) return status;
+    keepChild(std::move(cell));
+  }
+  return vex2::kSuccess;
+}

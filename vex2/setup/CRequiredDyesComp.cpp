@@ -1,0 +1,26 @@
+#include "vex2/setup/CRequiredDyesComp.h"
+
+#include "vex2/setup/Parts.h"
+
+CRequiredDyesComp::CRequiredDyesComp() : CContainerComp("RqDy") {}
+
+CRequiredDyesComp::CRequiredDyesComp(const CString* dyes, int count) : CRequiredDyesComp() {
+  for (int index = 0; dyes != nullptr && index < count; ++index) Add(dyes[index]);
+}
+
+void CRequiredDyesComp::Add(const CString& dye) {
+  if (!dye.IsEmpty()) vex2::AddPart<CBlockValueComp>(*this, "aDye", dye);
+}
+
+int CRequiredDyesComp::Find(const CString& dye) const {
+  for (int index = 0; !dye.IsEmpty() && index < GetChildCount(); ++index) {
+    if (GetName(index) == dye.View()) return index;
+  }
+  return -1;
+}
+
+std::string_view CRequiredDyesComp::GetName(int index) const {
+  const CComponent* child = GetChild(index);
+  const auto* block = child != nullptr ? vex2::PartAs<CBlockValueComp>(*child) : nullptr;
+  return block != nullptr ? vex2::PartText(*block) : std::string_view();
+}

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+
+namespace vex2 {
+
+/// A calibration as a caller exchanges it: a head, which is kept as given, and spectra. Owns the
+/// spectra; a copy is asked for by name, since it is a large one.
+template <typename Spectrum>
+struct SpectrumSet {
+  std::uint8_t code[4] = {};
+  std::uint32_t setting = 10;
+  std::uint16_t entryCount = 0;
+  std::uint16_t option = 0;
+  std::uint32_t value = 0;
+  std::uint8_t extra1[4] = {};
+  std::uint8_t extra2[4] = {};
+  Spectrum* entries = nullptr;  ///< `entryCount` of them, made with new[], or null
+
+  SpectrumSet() = default;
+  SpectrumSet(const SpectrumSet&) = delete;
+  SpectrumSet& operator=(const SpectrumSet&) = delete;
+  ~SpectrumSet() { delete[] entries; }
+
+  /// Makes `count` new entries in place of the old ones, none for 0.
+  void SetEntryCount(std::uint16_t count) {
+    delete[] entries;
+    entries = nullptr;
+    entryCount = 0;
+    if (count == 0) return;
+    entries = new Spectrum[count];
+    entryCount = count;
+  }
+
+  /// Copies all of `other` in place of what is held.
+  void CopyFrom(const SpectrumSet& other) {
+    if (this == &other) return;
+    std::copy_n(other.code, sizeof code, code);
+    setting = other.setting;
+    option = other.option;
+    value = other.value;
+    std::copy_n(other.extra1, sizeof extra1, extra1);
+    std::copy_n(other.extra2, sizeof extra2, extra2);
+    SetEntryCount(other.entries != nullptr ? other.entryCount : std::uint16_t{0});
+    std::copy_n(other.entries, entryCount, entries);
+  }
+};
+
+}  // namespace vex2

@@ -1,0 +1,7 @@
+#pragma once
+
+#include "vex2/setup/SpectrumSet.h"
+#include "vex2/setup/Vex2BackgroundSpectrum.h"
+
+/// The background of an instrument.
+struct Vex2BGC : vex2::SpectrumSet<Vex2BackgroundSpectrum> {};

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "vex2/setup/Spectrum.h"
+
+/// The spectrum of one pure dye. What the numbers mean belongs to the instrument.
+struct Vex2DyeSpectrum : vex2::Spectrum {
+  std::uint8_t byte1 = 0;
+  std::uint8_t byte2 = 0;
+  std::uint16_t param1 = 0;
+  std::uint16_t param2 = 0;
+  std::uint16_t param3 = 0;
+};

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstdint>
+
+#include "vex2/framework/Export.h"
+
+/// One detector in one well, as a caller exchanges it. Owns its two texts.
+struct VEX2_API Vex2WellDetector {
+  char* detectorName = nullptr;         ///< with a terminating zero, made with new[], or null
+  std::int32_t detectorNameLength = 0;  ///< characters
+  char* task = nullptr;                 ///< e.g. "UNKN" or "STND"; kept as given
+  std::int32_t taskLength = 0;          ///< characters
+  float quantity = 0;
+  bool used = true;
+
+  Vex2WellDetector() = default;
+  Vex2WellDetector(const Vex2WellDetector&) = delete;
+  Vex2WellDetector& operator=(const Vex2WellDetector&) = delete;
+  ~Vex2WellDetector();
+
+  /// Copy `length` characters into the record's own buffer, which is made anew only when the text
+  /// grows. With a null `text` only the length is set.
+  void SetDetectorName(const char* text, std::int32_t length);
+  void SetTask(const char* text, std::int32_t length);
+};
