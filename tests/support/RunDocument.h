@@ -20,6 +20,7 @@ class OpenedManager : public Vex2FileManager {
   using Vex2FileManager::readAFrame;
   using Vex2FileManager::UpdateAcqDataOffset;
   using Vex2FileManager::UpdateThermocycleOffset;
+  using Vex2FileManager::WritePlateSetupComp;
   using Vex2FileManager::WriteThermocycleComp;
 
   std::uint32_t AcquisitionDataOffset() const { return header_.acquisitionDataOffset; }

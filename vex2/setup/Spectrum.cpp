@@ -6,7 +6,7 @@ namespace vex2 {
 namespace {
 
 template <typename Element>
-void setArray(Element*& array, std::uint8_t& held, const Element* source, std::uint8_t count) {
+void setArray(Element*& array, std::uint8_t& held, const void* source, std::uint8_t count) {
   Element* made = count != 0 ? new Element[count]() : nullptr;
   if (made != nullptr && source != nullptr) std::memcpy(made, source, count * sizeof(Element));
   delete[] array;
@@ -40,7 +40,7 @@ void Spectrum::SetName(const char* text, std::uint8_t length) {
   setArray(name, nameLength, text, length);
 }
 
-void Spectrum::SetValues(const float* source, std::uint8_t count) {
+void Spectrum::SetValues(const void* source, std::uint8_t count) {
   setArray(values, valueCount, source, count);
 }
 

@@ -14,8 +14,9 @@ struct VEX2_API Spectrum {
   std::uint16_t dyeIndex = 0;
   std::uint8_t nameLength = 0;  ///< characters
   std::uint8_t valueCount = 0;
-  char* name = nullptr;     ///< without a terminator, made with new[], or null
-  float* values = nullptr;  ///< one a filter, made with new[], or null
+  char* name = nullptr;  ///< without a terminator, made with new[], or null
+  /// One a filter, four bytes that are kept as given; made with new[], or null.
+  std::uint32_t* values = nullptr;
 
   Spectrum() = default;
   Spectrum(const Spectrum& other);
@@ -25,7 +26,8 @@ struct VEX2_API Spectrum {
   /// Make a new buffer of just this length, null for 0, and copy what is given into it; with a null
   /// pointer it holds zeros.
   void SetName(const char* text, std::uint8_t length);
-  void SetValues(const float* source, std::uint8_t count);
+  /// `source` is `count` values of four bytes, of whichever type the host has them.
+  void SetValues(const void* source, std::uint8_t count);
 };
 
 }  // namespace vex2

@@ -49,9 +49,9 @@ class BodyReader {
   void Values(Spectrum& spectrum) {
     std::uint8_t count = 0;
     Number(count);
-    if (!has(count * sizeof(float))) return;
+    if (!has(count * sizeof *spectrum.values)) return;
     spectrum.SetValues(nullptr, count);
-    Bytes(spectrum.values, count * sizeof(float));
+    Bytes(spectrum.values, count * sizeof *spectrum.values);
   }
   template <typename Record>
   void EntryCount(Record& record) {
@@ -87,7 +87,7 @@ class BodyWriter {
   }
   void Values(const Spectrum& spectrum) {
     WriteValue(file_, spectrum.valueCount);
-    file_.Write(spectrum.values, spectrum.valueCount * sizeof(float));
+    file_.Write(spectrum.values, spectrum.valueCount * sizeof *spectrum.values);
   }
   template <typename Record>
   void EntryCount(const Record& record) {
