@@ -20,6 +20,8 @@
 #include "vex2/setup/CDetectorListComp.h"
 #include "vex2/setup/CPlateSetupComp.h"
 #include "vex2/setup/CRequiredDyesComp.h"
+#include "vex2/study/CMultiPlateComp.h"
+#include "vex2/study/CRQPlateComp.h"
 
 namespace {
 
@@ -74,6 +76,8 @@ constexpr auto makeCreators() {
   creators[47] = own<CDetectorExtensionComp>;
   creators[53] = own<CColorComp>;
   creators[64] = own<CRequiredDyesComp>;
+  creators[68] = own<CMultiPlateComp>;
+  creators[69] = own<CRQPlateComp>;
   return creators;
 }
 

@@ -18,6 +18,7 @@ Vex2FileManager::Vex2FileManager(const Vex2FileManager& other) : CFile() {
 Vex2FileManager& Vex2FileManager::operator=(const Vex2FileManager& other) {
   // Deliberately without a test for self-assignment: hosts rely on an empty document.
   Reset();
+  ownAnalysis_.reset();
   deepCopy(other);
   return *this;
 }
@@ -49,6 +50,7 @@ CString Vex2FileManager::GetFilePath() const {
 int Vex2FileManager::Reset() {
   header_.Reset();
   components_.clear();
+  ResetAnalysisMap();
   return vex2::kSuccess;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <string_view>
 #include <vector>
@@ -26,12 +27,15 @@
 #include "vex2/setup/Vex2DyeInfo.h"
 #include "vex2/setup/Vex2PlateSetup.h"
 #include "vex2/setup/Vex2PureDye.h"
+#include "vex2/study/VexAnalysis.h"
 
 class AcquisitionDataComp;
 class CBackgroundComp;
 class CGlobalComp;
+class CMultiPlateComp;
 class CPlateSetupComp;
 class ThermocycleProgramComp;
+class Vex2FileManagerComponent;
 
 /// One plate document: its header and its components, in memory, and the operations that read and
 /// change them and bring them to and from the disk.
@@ -329,6 +333,82 @@ class VEX2_API Vex2FileManager : public CFile {
   bool IsAcquisitionProg() const;
   bool IsAcquisitionDone() const;
 
+  // --- Plates of a study (Vex2FileManagerStudy.cpp) ---
+  //
+  // Plates are known by name: the title of the file that each was added from. Pointers to plates
+  // are valid until the plate is removed or the study is reset, read or assigned.
+
+  /// Drops all plates and moves their place to the end of the document. Their names stay taken
+  /// until `SyncPlatesWithAnalysisStorageMap`. Always true.
+  bool InitMultiplate();
+  /// Adds a copy of `plate` under its file's title, see `SplitPath`, and analysis storage for it.
+  /// `lastModified` is kept as it is. False, and nothing changes, when the name is taken, which the
+  /// analysis storage decides, for null, and where the copy finds no room.
+  bool AddRQPlate(const Vex2FileManager* plate, const CString& lastModified);
+  /// Removes the plate and its analysis storage. True for every name in a document that holds
+  /// plates; otherwise whether there was storage of that name.
+  bool RemoveRQPlate(const CString& name);
+  /// Empties both lists and fills them with the plates' names and dates, pairwise, in order. False,
+  /// and both stay as they were, when the document has no place for plates.
+  bool GetMultiPlateList(CStringList& names, CStringList& dates) const;
+  int GetRQPlateCount() const;
+  int GetNumPlates() const;
+  /// The first plate of this name, owned by the study; null when there is none.
+  Vex2FileManagerComponent* GetSinglePlatePtrByName(const CString& name) const;
+  /// What a plate inside a study knows of its own file: name and date. Kept up to 1023 characters.
+  /// Getters leave their argument as it was when there is none. Always 0.
+  int AppendPlateName(const CString& name);
+  int GetPlateName(CString& name) const;
+  int AppendLastModifiedDate(const CString& date);
+  int GetLastModifiedDate(CString& date) const;
+  /// Makes the document, whatever it was, a plate for studies; in memory only.
+  void ConvertAQ2RQ();
+
+  // --- Analysis results (Vex2FileManagerAnalysis.cpp) ---
+  //
+  // Results live in memory only: of the document itself, and of each plate of a study by its name.
+  // What is stored belongs to the document from then on. It is destroyed when it is removed, or
+  // with the storage: its own with the document, a plate's with `Reset` too.
+
+  /// Mode 1: new storage for the document itself. Any other: none, and the plates' storage goes,
+  /// too. The plate's size; when that is below 1, nothing changes.
+  int CreateAnalysisStorage(int mode);
+  /// Makes storage for every plate of the study that has none, and destroys what is no plate's.
+  void SyncPlatesWithAnalysisStorageMap();
+
+  // Without a name the operations work on the document's own results. A null name means the same;
+  // with a `const char*` all but `SetReporterAt` do their work and answer false.
+  //
+  // Get hands out what is stored, null where nothing is, and answers whether there was anything;
+  // for an unknown name the argument stays as it was. Set stores, null included, and destroys
+  // nothing: whoever replaces a result has taken the old one back. It is false without storage and
+  // for a well that the document's plate does not have. Remove destroys, and is false where nothing
+  // was.
+
+  bool GetMCDataAt(IDAMCMatrix*& matrix, int well) const;
+  bool GetMCDataAt(const char* plateName, IDAMCMatrix*& matrix, int well) const;
+  bool GetMCDataAt(const CString& plateName, IDAMCMatrix*& matrix, int well) const;
+  bool SetMCDataAt(IDAMCMatrix* matrix, int well);
+  bool SetMCDataAt(const char* plateName, IDAMCMatrix* matrix, int well);
+  bool SetMCDataAt(const CString& plateName, IDAMCMatrix* matrix, int well);
+
+  /// Two sets of reporters stand side by side; `second` chooses.
+  bool GetReporterAt(IDAClippedMatrix*& matrix, int well, bool second) const;
+  bool GetReporterAt(const char* plateName, IDAClippedMatrix*& matrix, int well, bool second) const;
+  bool GetReporterAt(const CString& plateName, IDAClippedMatrix*& matrix, int well,
+                     bool second) const;
+  bool SetReporterAt(IDAClippedMatrix* matrix, int well, bool second);
+  bool SetReporterAt(const char* plateName, IDAClippedMatrix* matrix, int well, bool second);
+  bool SetReporterAt(const CString& plateName, IDAClippedMatrix* matrix, int well, bool second);
+  bool RemoveReporterAt(int well, bool second);
+  bool RemoveReporterAt(const char* plateName, int well, bool second);
+  bool RemoveReporterAt(const CString& plateName, int well, bool second);
+
+  /// Of the document itself alone.
+  bool GetMeltingDataAt(IDAMeltingPoints*& points, int well) const;
+  bool SetMeltingDataAt(IDAMeltingPoints* points, int well);
+  bool RemoveMeltingDataAt(int well);
+
  protected:
   static constexpr int kHeaderBytes = 1024;
 
@@ -379,7 +459,11 @@ class VEX2_API Vex2FileManager : public CFile {
   /// The components that a save writes: all of them, but for a study.
   bool isWritten(const CComponent& component) const;
 
+  VexAnalysis* LookupAnalysisPtr(const CString& plateName) const;
+  void ResetAnalysisMap();
+
   Vex2HeaderData header_;
+  std::unique_ptr<VexAnalysis> ownAnalysis_;
 
  private:
   static constexpr std::uint64_t kAcquisitionDataOffsetAt = 68;
@@ -412,7 +496,12 @@ class VEX2_API Vex2FileManager : public CFile {
   int appendAlone(const char* path, const Record* record);
   int patchBackground(CBackgroundComp* background);
   int findBackground(std::uint32_t length, std::uint64_t& position);
+  CMultiPlateComp* findPlates() const;
+  bool addPlate(const CString& name, const Vex2FileManager& plate, const CString& lastModified);
+  int setPlateText(std::string_view tag, const CString& text);
+  int getPlateText(std::string_view tag, CString& text) const;
 
   CString filePath_;
   std::vector<std::unique_ptr<CComponent>> components_;
+  std::map<CString, std::unique_ptr<VexAnalysis>> analysisMap_;
 };

@@ -29,6 +29,7 @@ Vex2FileManagerComponent& Vex2FileManagerComponent::operator=(
 Vex2FileManagerComponent& Vex2FileManagerComponent::operator=(const Vex2FileManager& other) {
   // The order is deliberate: a plate that is assigned to itself is empty afterwards.
   Reset();
+  ownAnalysis_.reset();
   if (this != &other) deepCopy(other);
   return *this;
 }
@@ -54,32 +55,34 @@ int Vex2FileManagerComponent::ReadHeaderData(Vex2HeaderData& header, CFile* file
 }
 
 int Vex2FileManagerComponent::WriteHeaderData(CFile* file) {
-  return guarded(vex2::kWriteFailed, [&] {
-    CFile& target = file != nullptr ? *file : *this;
-    std::uint32_t written = 0;
-    const int status = WriteHeaderDataHelper(written, &target);
-    // A table that passes the header's size on its own gets no padding.
-    if (written < kHeaderBytes) {
-      const std::vector<std::uint8_t> padding(kHeaderBytes - written, 0xFF);
-      target.Write(padding.data(), padding.size());
-    }
-    return status;
-  });
+  return guarded(vex2::kWriteFailed, [&] { return writeHeader(file != nullptr ? *file : *this); });
+}
+
+int Vex2FileManagerComponent::writeHeader(CFile& file) {
+  std::uint32_t written = 0;
+  const int status = WriteHeaderDataHelper(written, &file);
+  // A table that passes the header's size on its own gets no padding.
+  if (written < kHeaderBytes) {
+    const std::vector<std::uint8_t> padding(kHeaderBytes - written, 0xFF);
+    file.Write(padding.data(), padding.size());
+  }
+  return status;
 }
 
 void Vex2FileManagerComponent::UpdateHeaderOffsets(const CComponent& /*component*/) {}
 
 int Vex2FileManagerComponent::WriteComponentFile(CFile* file) {
-  return guarded(vex2::kWriteFailed, [&] {
-    CFile& target = file != nullptr ? *file : *this;
-    int status = WriteHeaderData(&target);
-    if (status != kSuccess) return status;
-    for (int index = 0; index < GetAllComponentCount() && status == kSuccess; ++index) {
-      status = GetComponent(index)->Write(&target);
-    }
-    static_cast<void>(CLongValueComp("EOPl").Write(&target));
-    return status;
-  });
+  return guarded(vex2::kWriteFailed, [&] { return writePlate(file != nullptr ? *file : *this); });
+}
+
+int Vex2FileManagerComponent::writePlate(CFile& file) {
+  int status = writeHeader(file);
+  if (status != kSuccess) return status;
+  for (int index = 0; index < GetAllComponentCount() && status == kSuccess; ++index) {
+    status = GetComponent(index)->Write(&file);
+  }
+  static_cast<void>(CLongValueComp("EOPl").Write(&file));
+  return status;
 }
 
 int Vex2FileManagerComponent::ReadComponentFile(CFile* file) {

@@ -34,5 +34,11 @@ class VEX2_API Vex2FileManagerComponent final : public Vex2FileManager {
   void UpdateHeaderOffsets(const CComponent& component) override;
 
  private:
+  // The record around a plate lets refusals of the system pass: the save that they end is the
+  // study's.
+  friend class CRQPlateComp;
+
   int readComponents(CFile& file);
+  int writeHeader(CFile& file);
+  int writePlate(CFile& file);
 };

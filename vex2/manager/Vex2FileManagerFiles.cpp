@@ -180,8 +180,11 @@ int Vex2FileManager::readComponents(CFile& file) {
     std::unique_ptr<CComponent> component;
     const bool known = CreateComponent({tag.data(), tag.size()}, component) == 1;
     Seek(-static_cast<std::int64_t>(tag.size()), current);
+    const std::uint64_t start = GetPosition();
     std::uint32_t size = 0;
     const int read = component->Read(&file, size);
+    // The length of a study's plates grows with every save and in the end is more than they have.
+    if (component->GetTag() == "MPLC") size = static_cast<std::uint32_t>(GetPosition() - start);
     if (known) {
       status = read;
       if (status != kSuccess) break;

@@ -5,7 +5,7 @@
 #include "vex2/container/Encoding.h"
 #include "vex2/container/TagTable.h"
 #include "vex2/framework/Host.h"
-#include "vex2/manager/Vex2FileManager.h"
+#include "vex2/manager/Vex2FileManagerComponent.h"
 #include "vex2/run/AcquisitionDataComp.h"
 
 using vex2::kNoSuchFrame;
@@ -192,8 +192,9 @@ int Vex2FileManager::GetDataFrameCount(Vex2DataType type) const {
 }
 
 int Vex2FileManager::GetDataFrameCountByName(const char* plateName, Vex2DataType type) const {
-  // A document that holds no plates has none of that name.
-  return plateName == nullptr ? GetDataFrameCount(type) : 0;
+  if (plateName == nullptr) return GetDataFrameCount(type);
+  const Vex2FileManagerComponent* plate = GetSinglePlatePtrByName(plateName);
+  return plate != nullptr ? plate->GetDataFrameCount(type) : 0;
 }
 
 int Vex2FileManager::GetWellCount(Vex2DataType type) const {

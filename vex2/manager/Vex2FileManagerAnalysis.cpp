@@ -1,0 +1,165 @@
+// What analysis applications keep beside a document: results per plate and well, in memory only.
+//
+// Each family of operations names a table and chooses whose: the document's own, or that of the
+// plate of a name. The overloads for `const char*` do their work and answer false, but for the one
+// that sets reporters: hosts read the result itself.
+
+#include <set>
+
+#include "vex2/manager/Vex2FileManager.h"
+
+namespace {
+
+template <class Result>
+using Table = vex2::ResultTable<Result> VexAnalysis::*;
+
+Table<IDAClippedMatrix> reporterTable(bool second) {
+  return second ? &VexAnalysis::secondReporters : &VexAnalysis::reporters;
+}
+
+template <class Result>
+bool getAt(const VexAnalysis* analysis, Table<Result> table, Result*& result, int well) {
+  result = analysis != nullptr ? (analysis->*table).GetAt(well - 1) : nullptr;
+  return result != nullptr;
+}
+
+template <class Result>
+bool setAt(VexAnalysis* analysis, Table<Result> table, Result* result, int well, int plateSize) {
+  if (analysis == nullptr || well < 1 || well > plateSize) return false;
+  (analysis->*table).SetAt(well - 1, result);
+  return true;
+}
+
+template <class Result>
+bool removeAt(VexAnalysis* analysis, Table<Result> table, int well) {
+  return analysis != nullptr && (analysis->*table).RemoveAt(well - 1);
+}
+
+}  // namespace
+
+int Vex2FileManager::CreateAnalysisStorage(int mode) {
+  const int size = GetPlateSize();
+  if (size < 1) return size;
+  ownAnalysis_.reset();
+  if (mode == 1) {
+    ownAnalysis_ = std::make_unique<VexAnalysis>(size);
+  } else {
+    ResetAnalysisMap();
+  }
+  return size;
+}
+
+void Vex2FileManager::SyncPlatesWithAnalysisStorageMap() {
+  CStringList list;
+  CStringList dates;
+  GetMultiPlateList(list, dates);
+  std::set<CString> names;
+  for (POSITION at = list.GetHeadPosition(); at != nullptr;) names.insert(list.GetNext(at));
+  for (const CString& name : names) {
+    if (analysisMap_.count(name) != 0) continue;
+    analysisMap_.emplace(name, std::make_unique<VexAnalysis>(GetPlateSize()));
+  }
+  std::erase_if(analysisMap_, [&](const auto& entry) { return names.count(entry.first) == 0; });
+}
+
+VexAnalysis* Vex2FileManager::LookupAnalysisPtr(const CString& plateName) const {
+  const auto found = analysisMap_.find(plateName);
+  return found != analysisMap_.end() ? found->second.get() : nullptr;
+}
+
+void Vex2FileManager::ResetAnalysisMap() {
+  analysisMap_.clear();
+}
+
+// --- Multicomponent data ---
+
+bool Vex2FileManager::GetMCDataAt(IDAMCMatrix*& matrix, int well) const {
+  return getAt(ownAnalysis_.get(), &VexAnalysis::mcData, matrix, well);
+}
+
+bool Vex2FileManager::GetMCDataAt(const CString& plateName, IDAMCMatrix*& matrix, int well) const {
+  const VexAnalysis* analysis = LookupAnalysisPtr(plateName);
+  return analysis != nullptr && getAt(analysis, &VexAnalysis::mcData, matrix, well);
+}
+
+bool Vex2FileManager::GetMCDataAt(const char* plateName, IDAMCMatrix*& matrix, int well) const {
+  static_cast<void>(plateName == nullptr ? GetMCDataAt(matrix, well)
+                                         : GetMCDataAt(CString(plateName), matrix, well));
+  return false;
+}
+
+bool Vex2FileManager::SetMCDataAt(IDAMCMatrix* matrix, int well) {
+  return setAt(ownAnalysis_.get(), &VexAnalysis::mcData, matrix, well, GetPlateSize());
+}
+
+bool Vex2FileManager::SetMCDataAt(const CString& plateName, IDAMCMatrix* matrix, int well) {
+  return setAt(LookupAnalysisPtr(plateName), &VexAnalysis::mcData, matrix, well, GetPlateSize());
+}
+
+bool Vex2FileManager::SetMCDataAt(const char* plateName, IDAMCMatrix* matrix, int well) {
+  static_cast<void>(plateName == nullptr ? SetMCDataAt(matrix, well)
+                                         : SetMCDataAt(CString(plateName), matrix, well));
+  return false;
+}
+
+// --- Reporter data ---
+
+bool Vex2FileManager::GetReporterAt(IDAClippedMatrix*& matrix, int well, bool second) const {
+  return getAt(ownAnalysis_.get(), reporterTable(second), matrix, well);
+}
+
+bool Vex2FileManager::GetReporterAt(const CString& plateName, IDAClippedMatrix*& matrix, int well,
+                                    bool second) const {
+  const VexAnalysis* analysis = LookupAnalysisPtr(plateName);
+  return analysis != nullptr && getAt(analysis, reporterTable(second), matrix, well);
+}
+
+bool Vex2FileManager::GetReporterAt(const char* plateName, IDAClippedMatrix*& matrix, int well,
+                                    bool second) const {
+  static_cast<void>(plateName == nullptr ? GetReporterAt(matrix, well, second)
+                                         : GetReporterAt(CString(plateName), matrix, well, second));
+  return false;
+}
+
+bool Vex2FileManager::SetReporterAt(IDAClippedMatrix* matrix, int well, bool second) {
+  return setAt(ownAnalysis_.get(), reporterTable(second), matrix, well, GetPlateSize());
+}
+
+bool Vex2FileManager::SetReporterAt(const CString& plateName, IDAClippedMatrix* matrix, int well,
+                                    bool second) {
+  return setAt(LookupAnalysisPtr(plateName), reporterTable(second), matrix, well, GetPlateSize());
+}
+
+bool Vex2FileManager::SetReporterAt(const char* plateName, IDAClippedMatrix* matrix, int well,
+                                    bool second) {
+  return plateName == nullptr ? SetReporterAt(matrix, well, second)
+                              : SetReporterAt(CString(plateName), matrix, well, second);
+}
+
+bool Vex2FileManager::RemoveReporterAt(int well, bool second) {
+  return removeAt(ownAnalysis_.get(), reporterTable(second), well);
+}
+
+bool Vex2FileManager::RemoveReporterAt(const CString& plateName, int well, bool second) {
+  return removeAt(LookupAnalysisPtr(plateName), reporterTable(second), well);
+}
+
+bool Vex2FileManager::RemoveReporterAt(const char* plateName, int well, bool second) {
+  static_cast<void>(plateName == nullptr ? RemoveReporterAt(well, second)
+                                         : RemoveReporterAt(CString(plateName), well, second));
+  return false;
+}
+
+// --- Melting data ---
+
+bool Vex2FileManager::GetMeltingDataAt(IDAMeltingPoints*& points, int well) const {
+  return getAt(ownAnalysis_.get(), &VexAnalysis::meltingData, points, well);
+}
+
+bool Vex2FileManager::SetMeltingDataAt(IDAMeltingPoints* points, int well) {
+  return setAt(ownAnalysis_.get(), &VexAnalysis::meltingData, points, well, GetPlateSize());
+}
+
+bool Vex2FileManager::RemoveMeltingDataAt(int well) {
+  return removeAt(ownAnalysis_.get(), &VexAnalysis::meltingData, well);
+}

@@ -1,0 +1,115 @@
+// The plates of a study, and what a plate knows of its place in one.
+
+#include <cstring>
+
+#include "vex2/container/CBlockValueComp.h"
+#include "vex2/manager/SplitPath.h"
+#include "vex2/manager/Vex2FileManager.h"
+#include "vex2/manager/Vex2FileManagerComponent.h"
+#include "vex2/study/CMultiPlateComp.h"
+#include "vex2/study/CRQPlateComp.h"
+
+using vex2::kSuccess;
+
+namespace {
+
+// Other programs read these texts into buffers of one byte more.
+constexpr int kMaxPlateText = 1023;
+
+}  // namespace
+
+CMultiPlateComp* Vex2FileManager::findPlates() const {
+  return find<CMultiPlateComp>("MPLC");
+}
+
+bool Vex2FileManager::InitMultiplate() {
+  replaceComponent(std::make_unique<CMultiPlateComp>());
+  return true;
+}
+
+bool Vex2FileManager::AddRQPlate(const Vex2FileManager* plate, const CString& lastModified) {
+  if (plate == nullptr) return false;
+  CString folder;
+  CString name;
+  CString extension;
+  SplitPath(plate->GetFilePath(), folder, name, extension);
+  // The analysis map alone decides whether a name is taken.
+  if (analysisMap_.count(name) != 0) return false;
+  return guarded(0, [&] { return addPlate(name, *plate, lastModified) ? 1 : 0; }) == 1;
+}
+
+bool Vex2FileManager::addPlate(const CString& name, const Vex2FileManager& plate,
+                               const CString& lastModified) {
+  // All that takes memory comes first: a plate that does not fit leaves the study as it was.
+  auto added = std::make_unique<CRQPlateComp>();
+  added->SetPlate(name, plate, lastModified);
+  auto analysis = std::make_unique<VexAnalysis>(GetPlateSize());
+  if (findPlates() == nullptr) replaceComponent(std::make_unique<CMultiPlateComp>());
+  CMultiPlateComp* plates = findPlates();
+  if (plates == nullptr || !plates->AddPlate(std::move(added))) return false;
+  analysisMap_[name] = std::move(analysis);
+  return true;
+}
+
+bool Vex2FileManager::RemoveRQPlate(const CString& name) {
+  // The name may be one that goes with the plate.
+  const CString kept = name;
+  const bool hadAnalysis = analysisMap_.erase(kept) != 0;
+  CMultiPlateComp* plates = findPlates();
+  if (plates == nullptr) return hadAnalysis;
+  plates->RemovePlate(kept);
+  return true;
+}
+
+bool Vex2FileManager::GetMultiPlateList(CStringList& names, CStringList& dates) const {
+  const CMultiPlateComp* plates = findPlates();
+  if (plates != nullptr) plates->GetPlateLists(names, dates);
+  return plates != nullptr;
+}
+
+int Vex2FileManager::GetRQPlateCount() const {
+  const CMultiPlateComp* plates = findPlates();
+  return plates != nullptr ? plates->GetChildCount() : 0;
+}
+
+int Vex2FileManager::GetNumPlates() const {
+  CStringList names;
+  CStringList dates;
+  GetMultiPlateList(names, dates);
+  return names.GetCount();
+}
+
+Vex2FileManagerComponent* Vex2FileManager::GetSinglePlatePtrByName(const CString& name) const {
+  const CMultiPlateComp* plates = findPlates();
+  const int index = plates != nullptr ? plates->FindPlate(name) : -1;
+  return index >= 0 ? plates->GetPlateAt(index)->GetPlate() : nullptr;
+}
+
+int Vex2FileManager::setPlateText(std::string_view tag, const CString& text) {
+  replaceComponent(std::make_unique<CBlockValueComp>(tag, text.Left(kMaxPlateText)));
+  return kSuccess;
+}
+
+int Vex2FileManager::getPlateText(std::string_view tag, CString& text) const {
+  if (CComponent* component = includesComponent(tag); component != nullptr) {
+    text = component->GetValueString();
+  }
+  return kSuccess;
+}
+
+int Vex2FileManager::AppendPlateName(const CString& name) {
+  return setPlateText("Path", name);
+}
+int Vex2FileManager::GetPlateName(CString& name) const {
+  return getPlateText("Path", name);
+}
+int Vex2FileManager::AppendLastModifiedDate(const CString& date) {
+  return setPlateText("RQPD", date);
+}
+int Vex2FileManager::GetLastModifiedDate(CString& date) const {
+  return getPlateText("RQPD", date);
+}
+
+void Vex2FileManager::ConvertAQ2RQ() {
+  std::memcpy(header_.assayCode, "RelQ", sizeof header_.assayCode);
+}

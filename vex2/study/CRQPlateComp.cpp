@@ -1,0 +1,47 @@
+#include "vex2/study/CRQPlateComp.h"
+
+#include "vex2/container/Status.h"
+#include "vex2/manager/Vex2FileManagerComponent.h"
+
+CRQPlateComp::CRQPlateComp() : CContainerComp("RQPl") {}
+
+CRQPlateComp::~CRQPlateComp() = default;
+
+void CRQPlateComp::SetPlate(const CString& name, const Vex2FileManager& plate,
+                            const CString& date) {
+  auto copy = std::make_unique<Vex2FileManagerComponent>(plate);
+  copy->AppendPlateName(name);
+  copy->AppendLastModifiedDate(date);
+  name_ = name;
+  date_ = date;
+  plate_ = std::move(copy);
+}
+
+CComponent& CRQPlateComp::Assign(const CComponent& source) {
+  const auto* same = dynamic_cast<const CRQPlateComp*>(&source);
+  if (same == nullptr || same == this) return *this;
+  CContainerComp::Assign(source);
+  name_ = same->name_;
+  date_ = same->date_;
+  plate_ =
+      same->plate_ != nullptr ? std::make_unique<Vex2FileManagerComponent>(*same->plate_) : nullptr;
+  return *this;
+}
+
+int CRQPlateComp::WriteChildren(CFile* file) {
+  if (file == nullptr) return vex2::kWriteFailed;
+  // The list in front promises a plate; without one the whole study would not read back.
+  if (plate_ == nullptr) plate_ = std::make_unique<Vex2FileManagerComponent>();
+  return plate_->writePlate(*file);
+}
+
+int CRQPlateComp::ReadChildren(CFile* file) {
+  if (file == nullptr) return vex2::kReadFailed;
+  if (plate_ == nullptr) plate_ = std::make_unique<Vex2FileManagerComponent>();
+  const int status = plate_->ReadComponentFile(file);
+  name_.Empty();
+  date_.Empty();
+  plate_->GetPlateName(name_);
+  plate_->GetLastModifiedDate(date_);
+  return status;
+}

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "vex2/framework/Export.h"
+
+/// Melting points of one well, as an analysis library computes and defines it. Documents keep it
+/// for its owner and destroy it; they never look inside.
+class VEX2_API IDAMeltingPoints {
+ public:
+  virtual ~IDAMeltingPoints() = default;
+};
