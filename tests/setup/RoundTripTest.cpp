@@ -25,7 +25,7 @@ class RoundTrip : public SampleDataTest {
 
 TEST_F(RoundTrip, GivesTheExpectedBytes) {
   for (const char* name : {"06-plate-setup", "07-detectors", "08-calibration", "09-required-dyes",
-                           "13-whole-document", "14-odd-records"}) {
+                           "10-every-kind", "12-study", "13-whole-document", "14-odd-records"}) {
     Vex2FileManager manager;
     ASSERT_EQ(manager.ReadFromFile(documentOf(name).c_str()), kSuccess);
     const Bytes expected = ReadBytes(Sample("golden/" + std::string(name) + ".roundtrip.vex"));
