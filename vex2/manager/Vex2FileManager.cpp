@@ -23,7 +23,9 @@ Vex2FileManager& Vex2FileManager::operator=(const Vex2FileManager& other) {
   return *this;
 }
 
-Vex2FileManager::~Vex2FileManager() = default;
+Vex2FileManager::~Vex2FileManager() {
+  resetSettings();
+}
 
 const CRuntimeClass* Vex2FileManager::ClassRecord() {
   static const CRuntimeClass record =
@@ -51,6 +53,7 @@ int Vex2FileManager::Reset() {
   header_.Reset();
   components_.clear();
   ResetAnalysisMap();
+  resetSettings();
   return vex2::kSuccess;
 }
 

@@ -27,6 +27,9 @@
 #include "vex2/setup/Vex2DyeInfo.h"
 #include "vex2/setup/Vex2PlateSetup.h"
 #include "vex2/setup/Vex2PureDye.h"
+#include "vex2/study/CAnalysisSettingsDetectorMap.h"
+#include "vex2/study/KestorSpectrum.h"
+#include "vex2/study/TAGPROBE.h"
 #include "vex2/study/VexAnalysis.h"
 
 class AcquisitionDataComp;
@@ -409,6 +412,77 @@ class VEX2_API Vex2FileManager : public CFile {
   bool SetMeltingDataAt(IDAMeltingPoints* points, int well);
   bool RemoveMeltingDataAt(int well);
 
+  // --- Analysis settings (Vex2FileManagerAnalysisSettings.cpp) ---
+  //
+  // With what each detector is analysed, and the threshold cycles that came out: of the document
+  // itself, for a null plate name, and of each plate of a study. In memory only; `Reset` destroys
+  // all of them, those in maps that were handed in included.
+
+  /// Null for a plate without settings. What is handed out stays the document's.
+  CAnalysisSettingsDetectorMap* GetAnalysisSettingsDetectorMap(const char* plateName) const;
+  CAnalysisSettingsMap* GetAnalysisSettingsMap(const char* plateName) const;
+  /// Uses `map` as the plate's settings. The settings in it are the document's from now on; the map
+  /// of a plate goes with them, that of the document itself stays the caller's. What the document
+  /// itself lacks of the plates' detectors, it receives copies of.
+  void AddAnalysisSettingsMap(const char* plateName, CAnalysisSettingsMap* map);
+  /// Adds settings with the probe's parameters under its name. False, and nothing changes, for a
+  /// probe without a name, a plate without settings and a detector that has some.
+  bool AddDetectorToAnalysisSettingsMap(const TAGPROBE& probe, const char* plateName);
+  /// Destroys the detector's settings. False when there were none.
+  bool RemoveDetectorFromAnalysisSettingsMap(const char* detector, const char* plateName);
+  /// Null for a null map and for an unknown detector.
+  CAnalysisSettings* GetAnalysisSettingsByDetector(const CAnalysisSettingsMap* map,
+                                                   const CString& detector) const;
+  bool IsAnalysisAvailableFor(const char* plateName, const char* detector) const;
+  /// Stores the threshold cycle of a well, numbered from 1, where the detector has settings.
+  void SetCtAt(const char* plateName, const char* detector, const float& ct, int well);
+  /// `CCtEntry::kNoCt`, which is -999.1, where there is none.
+  float GetCtAt(const char* plateName, const char* detector, int well) const;
+  /// Destroys the document's own settings; the map stays, empty.
+  void ResetGlobalAnalysisSettingsMap();
+  /// Destroys the settings of all plates with their maps.
+  void ResetAnalysisSettingsPlateMap();
+  /// Marks, among the document's own settings, those of the detectors in `list`, which holds
+  /// `CNamedObject`s, and no others. False for an empty list.
+  bool PrepareQueryList(const CObList& list);
+
+  // --- Plates from files (Vex2FileManagerRQPlates.cpp) ---
+
+  /// Reads a plate that is to join a study, and says in `lastModified` when its file was changed,
+  /// in local time, as "Mar 05, 2003 02:07 PM". 0; -50 for a null path or when `choose` is set,
+  /// since the chooser for plates always ends as if cancelled; -100 for a file that cannot be
+  /// opened; -1 for one that is no document and -2 for one that is not of the kind "Kest", and then
+  /// the document stays as it was; otherwise the status of the read.
+  int ReadRQPFromFile(CWnd* parent, const char* path, bool choose, CString& lastModified);
+  /// The chooser for plates: shows nothing and answers false, which hosts rely on. See
+  /// `ChooseDocumentFile`.
+  static bool RQSOpenFile(CWnd* owner, CString& path, CString& folder, const char* filter,
+                          const char* initialName, const char* defaultExtension,
+                          const char* initialFolder, const char* title, int flag);
+
+  // --- What a plate holds (Vex2FileManagerQueries.cpp) ---
+  //
+  // Of the raw readings. A study is asked through its plates, in order.
+
+  /// The wells that have readings and how many the fullest one has; in a study, of the first plate
+  /// with any.
+  void GetPlateDataInfo(int& wellsWithData, int& largestCount) const;
+  /// The number of frames, in a study that of the first plate with any; `plateSize` is that of the
+  /// last plate that was asked.
+  long GetPlateInfo(long& plateSize) const;
+  /// How many frames belong to the thermal cycling, and the index of the frame, from 0, that begins
+  /// a melting stage, -1 without one. Of the plate of this name, 0 and -1 when there is none; for
+  /// null of the first plate of a study, or of the document.
+  void FindPCRMeltingParams(const char* plateName, int& pcrFrameCount, int& meltingStart) const;
+
+  // --- Spectra (Vex2FileManagerSpectra.cpp) ---
+
+  /// Fills `spectrum` with the readings of its well in its frame, of the plate of this name or,
+  /// when there is none, of the document. In a background document entries 24 to 27 become the
+  /// rates of the four groups of readings. False for null, and when there is no such record, and
+  /// then `failed` is set and the values stay as they were.
+  bool LoadSpectrum(KestorSpectrum* spectrum, const char* plateName) const;
+
  protected:
   static constexpr int kHeaderBytes = 1024;
 
@@ -461,6 +535,17 @@ class VEX2_API Vex2FileManager : public CFile {
 
   VexAnalysis* LookupAnalysisPtr(const CString& plateName) const;
   void ResetAnalysisMap();
+  // With the storage itself, which may be null; the other overloads come to these. It stands last,
+  // so that a null plate name stays a name.
+  bool GetMCDataAt(IDAMCMatrix*& matrix, int well, const VexAnalysis* analysis) const;
+  bool SetMCDataAt(IDAMCMatrix* matrix, int well, VexAnalysis* analysis);
+  bool GetReporterAt(IDAClippedMatrix*& matrix, int well, bool second,
+                     const VexAnalysis* analysis) const;
+  bool SetReporterAt(IDAClippedMatrix* matrix, int well, bool second, VexAnalysis* analysis);
+  bool RemoveReporterAt(int well, bool second, VexAnalysis* analysis);
+  CAnalysisSettingsDetectorMap* LookupAnalysisDetectorMapPtr(const char* plateName) const;
+  CAnalysisSettings* GetAnalysisSettings(const char* plateName, const char* detector) const;
+  void SyncPlateDetectorsWithGlobal();
 
   Vex2HeaderData header_;
   std::unique_ptr<VexAnalysis> ownAnalysis_;
@@ -500,8 +585,15 @@ class VEX2_API Vex2FileManager : public CFile {
   bool addPlate(const CString& name, const Vex2FileManager& plate, const CString& lastModified);
   int setPlateText(std::string_view tag, const CString& text);
   int getPlateText(std::string_view tag, CString& text) const;
+  void resetSettings();
+  int readStudyPlate(CString& lastModified);
+  /// The plates that stand for a study, in order, or the document itself.
+  std::vector<const Vex2FileManager*> platesToAsk() const;
 
   CString filePath_;
   std::vector<std::unique_ptr<CComponent>> components_;
   std::map<CString, std::unique_ptr<VexAnalysis>> analysisMap_;
+  std::unique_ptr<CAnalysisSettingsDetectorMap> detectorMap_ =
+      std::make_unique<CAnalysisSettingsDetectorMap>();
+  std::map<CString, std::unique_ptr<CAnalysisSettingsDetectorMap>> plateDetectorMaps_;
 };

@@ -73,13 +73,18 @@ void Vex2FileManager::ResetAnalysisMap() {
 
 // --- Multicomponent data ---
 
+bool Vex2FileManager::GetMCDataAt(IDAMCMatrix*& matrix, int well,
+                                  const VexAnalysis* analysis) const {
+  return getAt(analysis, &VexAnalysis::mcData, matrix, well);
+}
+
 bool Vex2FileManager::GetMCDataAt(IDAMCMatrix*& matrix, int well) const {
-  return getAt(ownAnalysis_.get(), &VexAnalysis::mcData, matrix, well);
+  return GetMCDataAt(matrix, well, ownAnalysis_.get());
 }
 
 bool Vex2FileManager::GetMCDataAt(const CString& plateName, IDAMCMatrix*& matrix, int well) const {
   const VexAnalysis* analysis = LookupAnalysisPtr(plateName);
-  return analysis != nullptr && getAt(analysis, &VexAnalysis::mcData, matrix, well);
+  return analysis != nullptr && GetMCDataAt(matrix, well, analysis);
 }
 
 bool Vex2FileManager::GetMCDataAt(const char* plateName, IDAMCMatrix*& matrix, int well) const {
@@ -88,12 +93,16 @@ bool Vex2FileManager::GetMCDataAt(const char* plateName, IDAMCMatrix*& matrix, i
   return false;
 }
 
+bool Vex2FileManager::SetMCDataAt(IDAMCMatrix* matrix, int well, VexAnalysis* analysis) {
+  return setAt(analysis, &VexAnalysis::mcData, matrix, well, GetPlateSize());
+}
+
 bool Vex2FileManager::SetMCDataAt(IDAMCMatrix* matrix, int well) {
-  return setAt(ownAnalysis_.get(), &VexAnalysis::mcData, matrix, well, GetPlateSize());
+  return SetMCDataAt(matrix, well, ownAnalysis_.get());
 }
 
 bool Vex2FileManager::SetMCDataAt(const CString& plateName, IDAMCMatrix* matrix, int well) {
-  return setAt(LookupAnalysisPtr(plateName), &VexAnalysis::mcData, matrix, well, GetPlateSize());
+  return SetMCDataAt(matrix, well, LookupAnalysisPtr(plateName));
 }
 
 bool Vex2FileManager::SetMCDataAt(const char* plateName, IDAMCMatrix* matrix, int well) {
@@ -104,14 +113,19 @@ bool Vex2FileManager::SetMCDataAt(const char* plateName, IDAMCMatrix* matrix, in
 
 // --- Reporter data ---
 
+bool Vex2FileManager::GetReporterAt(IDAClippedMatrix*& matrix, int well, bool second,
+                                    const VexAnalysis* analysis) const {
+  return getAt(analysis, reporterTable(second), matrix, well);
+}
+
 bool Vex2FileManager::GetReporterAt(IDAClippedMatrix*& matrix, int well, bool second) const {
-  return getAt(ownAnalysis_.get(), reporterTable(second), matrix, well);
+  return GetReporterAt(matrix, well, second, ownAnalysis_.get());
 }
 
 bool Vex2FileManager::GetReporterAt(const CString& plateName, IDAClippedMatrix*& matrix, int well,
                                     bool second) const {
   const VexAnalysis* analysis = LookupAnalysisPtr(plateName);
-  return analysis != nullptr && getAt(analysis, reporterTable(second), matrix, well);
+  return analysis != nullptr && GetReporterAt(matrix, well, second, analysis);
 }
 
 bool Vex2FileManager::GetReporterAt(const char* plateName, IDAClippedMatrix*& matrix, int well,
@@ -121,13 +135,18 @@ bool Vex2FileManager::GetReporterAt(const char* plateName, IDAClippedMatrix*& ma
   return false;
 }
 
+bool Vex2FileManager::SetReporterAt(IDAClippedMatrix* matrix, int well, bool second,
+                                    VexAnalysis* analysis) {
+  return setAt(analysis, reporterTable(second), matrix, well, GetPlateSize());
+}
+
 bool Vex2FileManager::SetReporterAt(IDAClippedMatrix* matrix, int well, bool second) {
-  return setAt(ownAnalysis_.get(), reporterTable(second), matrix, well, GetPlateSize());
+  return SetReporterAt(matrix, well, second, ownAnalysis_.get());
 }
 
 bool Vex2FileManager::SetReporterAt(const CString& plateName, IDAClippedMatrix* matrix, int well,
                                     bool second) {
-  return setAt(LookupAnalysisPtr(plateName), reporterTable(second), matrix, well, GetPlateSize());
+  return SetReporterAt(matrix, well, second, LookupAnalysisPtr(plateName));
 }
 
 bool Vex2FileManager::SetReporterAt(const char* plateName, IDAClippedMatrix* matrix, int well,
@@ -136,12 +155,16 @@ bool Vex2FileManager::SetReporterAt(const char* plateName, IDAClippedMatrix* mat
                               : SetReporterAt(CString(plateName), matrix, well, second);
 }
 
+bool Vex2FileManager::RemoveReporterAt(int well, bool second, VexAnalysis* analysis) {
+  return removeAt(analysis, reporterTable(second), well);
+}
+
 bool Vex2FileManager::RemoveReporterAt(int well, bool second) {
-  return removeAt(ownAnalysis_.get(), reporterTable(second), well);
+  return RemoveReporterAt(well, second, ownAnalysis_.get());
 }
 
 bool Vex2FileManager::RemoveReporterAt(const CString& plateName, int well, bool second) {
-  return removeAt(LookupAnalysisPtr(plateName), reporterTable(second), well);
+  return RemoveReporterAt(well, second, LookupAnalysisPtr(plateName));
 }
 
 bool Vex2FileManager::RemoveReporterAt(const char* plateName, int well, bool second) {

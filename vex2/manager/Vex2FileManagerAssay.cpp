@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "vex2/manager/Vex2FileManager.h"
+#include "vex2/manager/Vex2FileManagerComponent.h"
 #include "vex2/setup/CCalibrationComp.h"
 
 namespace {
@@ -108,6 +108,7 @@ bool Vex2FileManager::LoadDyeList(CObList* list) const {
 }
 
 bool Vex2FileManager::LoadDyeListByName(CObList* list, const char* plateName) const {
-  // A document that holds no plates has none of that name.
-  return plateName == nullptr && LoadDyeList(list);
+  if (plateName == nullptr) return LoadDyeList(list);
+  const Vex2FileManagerComponent* plate = GetSinglePlatePtrByName(plateName);
+  return plate != nullptr && plate->LoadDyeList(list);
 }

@@ -1,0 +1,123 @@
+// Plates that are read from their files to join a study.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <ctime>
+
+#include "tests/support/Files.h"
+#include "tests/support/RecordingHost.h"
+#include "tests/support/TempFolder.h"
+#include "vex2/manager/Vex2FileManager.h"
+
+namespace vex2::test {
+namespace {
+
+class StudyPlateFile : public TempFolderTest {
+ protected:
+  StudyPlateFile() {
+    document_.SetCalibrator("before");
+    document_.SetFilePath("/runs/before.vex");
+  }
+  std::string savedPlate(const char* kind = "Kest") {
+    Vex2FileManager plate;
+    Vex2HeaderData header = plate.GetHeaderData();
+    std::copy_n(kind, 4, header.kindMarker);
+    plate.SetHeaderData(header);
+    plate.SetCalibrator("read");
+    std::string path = folder_ / "plate.vex";
+    EXPECT_EQ(plate.SaveToFile(path.c_str()), kSuccess);
+    return path;
+  }
+  int read(const std::string& path) {
+    return document_.ReadRQPFromFile(nullptr, path.c_str(), false, date_);
+  }
+  void expectUntouched() {
+    EXPECT_EQ(date_, "unset");
+    EXPECT_FALSE(document_.IsOpen());
+    CString calibrator;
+    document_.GetCalibrator(calibrator);
+    EXPECT_EQ(calibrator, "before");
+  }
+
+  RecordingHost host_;
+  Vex2FileManager document_;
+  CString date_ = "unset";
+};
+
+TEST_F(StudyPlateFile, IsReadAndClosedAndItsPathKept) {
+  const std::string path = savedPlate();
+  EXPECT_EQ(read(path), kSuccess);
+  CString calibrator;
+  document_.GetCalibrator(calibrator);
+  EXPECT_EQ(calibrator, "read");
+  EXPECT_EQ(document_.GetFilePath(), path.c_str());
+  EXPECT_FALSE(document_.IsOpen());
+  Vex2FileManager study;
+  EXPECT_TRUE(study.AddRQPlate(&document_, date_));
+  EXPECT_NE(study.GetSinglePlatePtrByName("plate"), nullptr);
+  EXPECT_FALSE(study.AddRQPlate(&document_, date_));
+}
+
+TEST_F(StudyPlateFile, SaysWhenItWasChangedInLocalTime) {
+  const std::string path = savedPlate();
+  for (const auto& [hour, text] :
+       {std::pair(14, "Mar 05, 2003 02:07 PM"), std::pair(0, "Mar 05, 2003 12:07 AM")}) {
+    std::tm local{};
+    local.tm_year = 103;
+    local.tm_mon = 2;
+    local.tm_mday = 5;
+    local.tm_hour = hour;
+    local.tm_min = 7;
+    local.tm_isdst = -1;
+    const timespec times[] = {{std::mktime(&local), 0}, {std::mktime(&local), 0}};
+    ASSERT_EQ(::utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
+    EXPECT_EQ(read(path), kSuccess);
+    EXPECT_EQ(date_, text);
+  }
+}
+
+TEST_F(StudyPlateFile, IsNeverChosenByTheUser) {
+  const std::string path = savedPlate();
+  EXPECT_EQ(document_.ReadRQPFromFile(nullptr, nullptr, false, date_), kCancelled);
+  EXPECT_EQ(document_.ReadRQPFromFile(nullptr, path.c_str(), true, date_), kCancelled);
+  expectUntouched();
+  CString chosen = "kept";
+  CString folder;
+  EXPECT_FALSE(Vex2FileManager::RQSOpenFile(nullptr, chosen, folder, "", nullptr, "vex", nullptr,
+                                            "Select RQ Plate(s)", 1));
+  EXPECT_EQ(chosen, "kept");
+  EXPECT_TRUE(host_.chooserRequests.empty());
+}
+
+TEST_F(StudyPlateFile, ThatIsNotThereIsNotOpened) {
+  EXPECT_EQ(read(folder_ / "missing.vex"), kReadFailed);
+  expectUntouched();
+}
+
+TEST_F(StudyPlateFile, OfAnotherFormatLeavesTheDocumentAsItWas) {
+  const std::string path = folder_ / "notes.txt";
+  WriteBytes(path, ToBytes("Plate notes, nothing more."));
+  EXPECT_EQ(read(path), kPlateNotADocument);
+  expectUntouched();
+  EXPECT_EQ(document_.GetFilePath(), "/runs/before.vex");
+}
+
+TEST_F(StudyPlateFile, OfAnotherKindLeavesTheDocumentAsItWas) {
+  for (const char* kind : {"Blue", "kest", "    "}) {
+    EXPECT_EQ(read(savedPlate(kind)), kPlateOfOtherKind) << kind;
+    expectUntouched();
+    EXPECT_EQ(document_.GetFilePath(), "/runs/before.vex");
+  }
+}
+
+TEST_F(StudyPlateFile, ThatEndsWithinARecordGivesTheStatusOfTheRead) {
+  const std::string path = savedPlate();
+  Bytes bytes = ReadBytes(path);
+  bytes.resize(bytes.size() - 2);
+  WriteBytes(path, bytes);
+  EXPECT_EQ(read(path), kReadFailed);
+}
+
+}  // namespace
+}  // namespace vex2::test

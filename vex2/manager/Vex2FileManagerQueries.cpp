@@ -1,0 +1,81 @@
+// What analysis applications ask of the raw data: of a document, or of the plates of a study.
+
+#include <algorithm>
+#include <map>
+
+#include "vex2/manager/Vex2FileManagerComponent.h"
+#include "vex2/study/CMultiPlateComp.h"
+#include "vex2/study/CRQPlateComp.h"
+
+namespace {
+
+// A first reading that no well gives: it marks the first frame of a melting stage.
+bool isMeltingMark(std::uint16_t reading) {
+  return reading == 0 || reading == 65000;
+}
+
+int findMeltingStart(const Vex2FileManager& plate) {
+  Vex2FrameData frame;
+  const int frames = plate.GetDataFrameCount(DataRAWa);
+  for (int index = 0; index < frames; ++index) {
+    if (plate.ReadDataFrame(index, &frame, DataRAWa) != vex2::kSuccess) break;
+    const bool marked =
+        std::any_of(frame.records, frame.records + frame.wellCount,
+                    [](const Vex2WellRecord& record) { return isMeltingMark(record.leading[4]); });
+    if (marked) return index;
+  }
+  return -1;
+}
+
+}  // namespace
+
+std::vector<const Vex2FileManager*> Vex2FileManager::platesToAsk() const {
+  if (!IsRQS()) return {this};
+  std::vector<const Vex2FileManager*> plates;
+  const CMultiPlateComp* list = findPlates();
+  // Plates are known by name: one whose name an earlier one has gives way to that.
+  std::map<CString, const Vex2FileManager*> byName;
+  for (int index = 0; list != nullptr && index < list->GetChildCount(); ++index) {
+    const CRQPlateComp* plate = list->GetPlateAt(index);
+    if (plate == nullptr || plate->GetPlate() == nullptr) continue;
+    plates.push_back(byName.emplace(plate->GetPlateName(), plate->GetPlate()).first->second);
+  }
+  return plates;
+}
+
+void Vex2FileManager::GetPlateDataInfo(int& wellsWithData, int& largestCount) const {
+  wellsWithData = 0;
+  largestCount = 0;
+  for (const Vex2FileManager* plate : platesToAsk()) {
+    for (int well = 1; well <= plate->GetPlateSize(); ++well) {
+      const int count = plate->GetDataCntInWell(well, DataRAWa);
+      largestCount = std::max(largestCount, count);
+      if (count != 0) ++wellsWithData;
+    }
+    if (largestCount != 0) return;
+  }
+}
+
+long Vex2FileManager::GetPlateInfo(long& plateSize) const {
+  plateSize = 0;
+  for (const Vex2FileManager* plate : platesToAsk()) {
+    plateSize = plate->GetPlateSize();
+    if (const int frames = plate->GetDataFrameCount(DataRAWa); frames != 0) return frames;
+  }
+  return 0;
+}
+
+void Vex2FileManager::FindPCRMeltingParams(const char* plateName, int& pcrFrameCount,
+                                           int& meltingStart) const {
+  meltingStart = -1;
+  pcrFrameCount = 0;
+  const Vex2FileManager* plate = nullptr;
+  if (plateName != nullptr) {
+    plate = GetSinglePlatePtrByName(plateName);
+  } else if (const auto plates = platesToAsk(); !plates.empty()) {
+    plate = plates.front();
+  }
+  if (plate == nullptr) return;
+  meltingStart = findMeltingStart(*plate);
+  pcrFrameCount = meltingStart >= 0 ? meltingStart : plate->GetDataFrameCount(DataRAWa);
+}

@@ -1,0 +1,46 @@
+// The file of a plate that is to join a study.
+
+#include "vex2/manager/Vex2FileManager.h"
+
+using vex2::kSuccess;
+
+namespace {
+
+constexpr char kFilter[] = "RQ Plate(s)\0*.vex\0All Files\0*.*\0";
+constexpr const char* kDateFormat = "%b %d, %Y %I:%M %p";
+
+}  // namespace
+
+bool Vex2FileManager::RQSOpenFile(CWnd* /*owner*/, CString& /*path*/, CString& /*folder*/,
+                                  const char* /*filter*/, const char* /*initialName*/,
+                                  const char* /*defaultExtension*/, const char* /*initialFolder*/,
+                                  const char* /*title*/, int /*flag*/) {
+  return false;
+}
+
+int Vex2FileManager::ReadRQPFromFile(CWnd* parent, const char* path, bool choose,
+                                     CString& lastModified) {
+  CString chosen;
+  if (path == nullptr || choose) {
+    CString folder;
+    if (!RQSOpenFile(parent, chosen, folder, kFilter, nullptr, "vex", nullptr, "Select RQ Plate(s)",
+                     1)) {
+      return vex2::kCancelled;
+    }
+    path = chosen.GetString();
+  }
+  const CString before = filePath_;
+  if (SafeOpen(path, 0, 0) == 0) return vex2::kReadFailed;
+  const int status = guardedFile(vex2::kReadFailed, [&] { return readStudyPlate(lastModified); });
+  // A file that is refused leaves the document as it was, its path included.
+  if (status == vex2::kPlateNotADocument || status == vex2::kPlateOfOtherKind) filePath_ = before;
+  return status;
+}
+
+int Vex2FileManager::readStudyPlate(CString& lastModified) {
+  if (!IsVex2Format()) return vex2::kPlateNotADocument;
+  if (!IsKestorFile()) return vex2::kPlateOfOtherKind;
+  const int status = ReadComponentFile(nullptr);
+  if (CFileStatus file; GetStatus(file)) lastModified = file.modificationTime.Format(kDateFormat);
+  return status;
+}
