@@ -57,7 +57,7 @@ TEST_F(RecordTest, DataBlockIsTheLastRecord) {
   for (POSITION at = tags.GetHeadPosition(); at != nullptr;) {
     names.emplace_back(tags.GetNext(at).GetString());
   }
-  EXPECT_THAT(names, testing::ElementsAre("GLBL", "TPro", "RAWa"));
+  EXPECT_THAT(names, testing::ElementsAre("GLBL", "TPro", "CELS", "DETL", "RqDy", "RAWa"));
 }
 
 TEST_F(RecordTest, WellsAreNumberedByRowsFromOne) {

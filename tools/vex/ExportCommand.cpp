@@ -4,6 +4,7 @@
 #include "tools/vex/DataBlock.h"
 #include "tools/vex/Document.h"
 #include "tools/vex/Output.h"
+#include "tools/vex/ReadingsWriter.h"
 #include "tools/vex/Rewriting.h"
 #include "tools/vex/RunReading.h"
 #include "tools/vex/Settings.h"
@@ -13,36 +14,7 @@ namespace vex2::tool {
 
 namespace {
 
-constexpr std::uint32_t kTemperatureScale = 100;
-constexpr std::uint32_t kTimeScale = 1000;
-
-/// Writes readings as rows, in the columns that `vex record` reads.
-class CsvWriter {
- public:
-  CsvWriter(std::ostream& out, std::uint32_t scale) : out_(out), scale_(scale) {
-    out_ << "well,stage,cycle,time_s,temperature_c,fluorescence\n";
-  }
-
-  void Write(const std::string& well, const Vex2WellRecord& record) {
-    out_ << well;
-    // A well that gave nothing in this frame has its row, and no numbers in it.
-    if (record.leading[0] == 0) {
-      out_ << ",,,,,\n";
-      return;
-    }
-    const RunReading reading = DecodeReading(record);
-    out_ << (reading.melting ? ",melt," : ",amplification,") << reading.cycle << ','
-         << ShortestQuotient(reading.time, kTimeScale) << ','
-         << ShortestQuotient(reading.temperature, kTemperatureScale) << ','
-         << ShortestQuotient(reading.value, scale_) << '\n';
-  }
-
- private:
-  std::ostream& out_;
-  std::uint32_t scale_;
-};
-
-void writeRows(CsvWriter& writer, const AcquisitionDataComp& block, std::uint32_t columns) {
+void writeRows(ReadingsWriter& writer, const AcquisitionDataComp& block, std::uint32_t columns) {
   const Vex2WellRecord unfilled;
   const int frames = block.GetFrameCount();
   std::size_t position = 0;
@@ -83,7 +55,7 @@ class ExportCommand final : public Command {
       throw Error(ExitCode::kUsage, file_, "the table would take the place of its own document");
     }
     Output output(target_);
-    CsvWriter writer(output.Stream(), ScaleInLog(LogText(document.Content())));
+    ReadingsWriter writer(output.Stream(), ScaleInLog(LogText(document.Content())));
     writeRows(writer, *block, static_cast<std::uint32_t>(document.Content().GetHeaderCols()));
     output.Finish();
     document.RequireWhole("");

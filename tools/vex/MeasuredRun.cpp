@@ -5,13 +5,13 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
-#include <set>
 #include <span>
 #include <tuple>
 #include <vector>
 
 #include "tools/vex/CsvReader.h"
 #include "tools/vex/Errors.h"
+#include "tools/vex/WellsFile.h"
 
 namespace vex2::tool {
 
@@ -38,36 +38,6 @@ bool isSameFrame(const Row& left, const Row& right) {
 std::string placeName(const Row& row) {
   return (row.reading.melting ? "melt cycle " : "amplification cycle ") +
          std::to_string(row.reading.cycle);
-}
-
-unsigned short wellOf(const CsvRow& row, std::size_t column, PlateLayout plate) {
-  const std::optional<unsigned short> well = plate.Find(row.Text(column));
-  if (!well) row.RefuseField(column, "is no well of a plate, A1 to P24");
-  return *well;
-}
-
-// The wells in use, as the largest plate numbers them.
-std::set<unsigned short> loadWells(const std::string& path) {
-  enum Column : std::size_t { kWell, kSample, kTarget, kTask, kQuantity, kReporter };
-  std::set<unsigned short> wells;
-  ReadCsv(path, {"well", "sample", "target", "task", "quantity", "reporter"},
-          [&](const CsvRow& row) {
-            if (!wells.insert(wellOf(row, kWell, kPlate384)).second) {
-              row.RefuseField(kWell, "is there twice");
-            }
-            if (!row.Text(kQuantity).empty()) {
-              static_cast<void>(row.Decimal(kQuantity, std::numeric_limits<double>::max()));
-            }
-          });
-  if (wells.empty()) throw Error(ExitCode::kDocument, CsvName(path), "names no well");
-  return wells;
-}
-
-PlateLayout smallestPlate(const std::set<unsigned short>& wells) {
-  const bool fits = std::all_of(wells.begin(), wells.end(), [](unsigned short well) {
-    return kPlate96.Find(kPlate384.NameOf(well)).has_value();
-  });
-  return fits ? kPlate96 : kPlate384;
 }
 
 bool isMelting(const CsvRow& row, std::size_t column) {
@@ -187,12 +157,10 @@ void cutIntoFrames(std::span<const Row> rows, const std::string& file, RunPlan& 
 
 RunPlan LoadMeasuredRun(const MeasuredRunFiles& files) {
   const std::string name = CsvName(files.readings);
-  const std::set<unsigned short> wells = loadWells(files.wells);
   RunPlan plan;
-  plan.plate = smallestPlate(wells);
-  for (const unsigned short well : wells) {
-    plan.wells.push_back(*plan.plate.Find(kPlate384.NameOf(well)));
-  }
+  plan.contents = LoadWells(files.wells);
+  plan.plate = plan.contents.plate;
+  plan.wells = plan.contents.Wells();
   std::vector<Row> rows = loadReadings(files.readings, plan);
   plan.scale = files.scale ? *files.scale : chooseScale(rows);
   applyScale(rows, plan.scale, name);

@@ -6,9 +6,11 @@
 #include "tools/vex/Command.h"
 #include "tools/vex/InterruptedRun.h"
 #include "tools/vex/MeasuredRun.h"
+#include "tools/vex/Output.h"
 #include "tools/vex/RecordProgress.h"
 #include "tools/vex/Recorder.h"
 #include "tools/vex/SimulatedRun.h"
+#include "tools/vex/WellsFile.h"
 
 namespace vex2::tool {
 
@@ -121,11 +123,17 @@ class SimulateCommand final : public RecordingCommand {
   ExitCode Run() override {
     const RunPlan plan = SimulateRun(parameters());
     if (!readingsOut_.empty()) WriteReadings(plan, readingsOut_);
-    if (!wellsOut_.empty()) WriteSimulatedWells(plan, wellsOut_);
+    if (!wellsOut_.empty()) writeWells(plan.contents);
     return record(plan);
   }
 
  private:
+  void writeWells(const PlateContents& contents) const {
+    Output output(wellsOut_);
+    WriteWells(contents, output.Stream());
+    output.Finish();
+  }
+
   // A run that is gone on with is the one in the document, whatever is not said again.
   SimulationParameters parameters() const {
     SimulationParameters result;

@@ -135,6 +135,8 @@ void Recorder::begin() {
   manager_.SetHeaderData(headerFor(plan_));
   setSettings(manager_, plan_);
   setProgram(manager_, plan_);
+  StoreContents(manager_, plan_.contents);
+  StoreCalibration(manager_, plan_.calibration);
   errno = 0;
   check(manager_.SaveToFile(document_.c_str()));
   check(manager_.SetAcquisitionStatus(document_.c_str(), "PROG"));

@@ -35,30 +35,14 @@ void Rewriting::AddOptions(CLI::App& app) {
 void Rewriting::Prepare(Document& document, const std::string& target) const {
   document.RequireWhole("saved");
   upgradeBlocks(document);
-  reportLosses(document, document.Losses(), target);
+  reportLosses(document, target);
 }
 
-void Rewriting::PreparePlate(const Document& document, const Document::Plate& plate,
-                             const std::string& target) const {
-  document.RequireWhole("saved");
-  upgradeBlocks(document, plate);
-  std::vector<Document::Loss> losses = document.Losses();
-  std::erase_if(losses, [&](const Document::Loss& loss) {
-    return loss.offset < plate.offset || loss.offset >= plate.end;
-  });
-  reportLosses(document, losses, target);
-}
-
-void Rewriting::upgradeBlocks(const Document& document) const {
-  upgradeBlocks(document, document.Itself());
-  for (const Document::Plate& plate : document.Plates()) upgradeBlocks(document, plate);
-}
-
-void Rewriting::upgradeBlocks(const Document& document, const Document::Plate& plate) const {
+void Rewriting::upgradeBlocks(Document& document) const {
   int index = 0;
-  for (const Document::Record& record : plate.records) {
+  for (const Document::Record& record : document.Records()) {
     if (!record.known) continue;
-    auto* block = dynamic_cast<AcquisitionDataComp*>(plate.content->GetComponent(index++));
+    auto* block = dynamic_cast<AcquisitionDataComp*>(document.Content().GetComponent(index++));
     if (block == nullptr || block->GetVersion() >= kFirstVersionThatReadsBack) continue;
     if (!upgrade_) {
       throw Error(ExitCode::kDocument, document.Path(),
@@ -71,8 +55,8 @@ void Rewriting::upgradeBlocks(const Document& document, const Document::Plate& p
   }
 }
 
-void Rewriting::reportLosses(const Document& document, const std::vector<Document::Loss>& losses,
-                             const std::string& target) const {
+void Rewriting::reportLosses(const Document& document, const std::string& target) const {
+  const auto& losses = document.Losses();
   if (losses.empty()) return;
   if (IsSameFile(document.Path(), target) && !dropUnknown_) {
     throw Error(ExitCode::kDocument, document.Path(),
@@ -91,8 +75,8 @@ void Rewriting::reportLosses(const Document& document, const std::vector<Documen
   }
 }
 
-void Rewriting::Save(Vex2FileManager& document, const std::string& target) {
-  if (document.SaveToFile(target.c_str()) == kSuccess) return;
+void Rewriting::Save(Document& document, const std::string& target) {
+  if (document.Content().SaveToFile(target.c_str()) == kSuccess) return;
   throw SystemError(target, reasonAgainst(target));
 }
 

@@ -3,7 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "tools/vex/PlateLayout.h"
+#include "tools/vex/Calibration.h"
+#include "tools/vex/PlateContents.h"
 #include "tools/vex/RunReading.h"
 #include "vex2/run/Vex2WellRecord.h"
 
@@ -12,6 +13,8 @@ namespace vex2::tool {
 /// Everything that a run's document will hold once the run is over, known beforehand.
 struct RunPlan {
   PlateLayout plate;
+  PlateContents contents;  ///< what stands in the wells
+  Calibration calibration;
   std::vector<unsigned short> wells;            ///< the wells in use, from 1, ascending
   std::vector<std::vector<RunReading>> frames;  ///< in time order; in each a reading per well
   std::uint32_t scale = 1;                      ///< by which the readings' values were multiplied

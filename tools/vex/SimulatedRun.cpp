@@ -10,6 +10,7 @@
 #include <ostream>
 
 #include "tools/vex/Output.h"
+#include "tools/vex/ReadingsWriter.h"
 
 namespace vex2::tool {
 
@@ -20,6 +21,8 @@ constexpr unsigned kLevels = 6;  // five dilutions and the control
 constexpr double kMostCopies = 1e6;
 constexpr double kPlateauCopies = 3e11;
 constexpr double kReadingsTop = 65.535;  // what fits with the scale
+
+constexpr const char* kReporter = "green";
 
 constexpr std::uint32_t kFirstCycleAt = 20'000;  // milliseconds
 constexpr std::uint32_t kCycleTime = 39'500;
@@ -139,6 +142,23 @@ std::vector<Well> wellsOf(const RunPlan& plan, std::uint32_t seed) {
   return wells;
 }
 
+PlateContents contentsOf(const PlateLayout& plate) {
+  PlateContents contents;
+  contents.plate = plate;
+  for (unsigned short well = 1; well <= plate.WellCount(); ++well) {
+    const unsigned level = levelOf(plate, well);
+    const bool isControl = level == kLevels - 1;
+    WellRow& row = contents.rows.emplace_back();
+    row.well = well;
+    row.sample = isControl ? "no template" : "dilution " + std::to_string(level + 1);
+    row.target = std::string("target ") + static_cast<char>('A' + (well - 1U) / plate.columns);
+    row.task = isControl ? "NTC" : "STND";
+    row.quantity = static_cast<float>(copiesAt(level));
+    row.reporter = kReporter;
+  }
+  return contents;
+}
+
 void addFrame(RunPlan& plan, std::vector<Well>& wells, const RunReading& common,
               const std::function<std::uint16_t(Well&)>& read) {
   auto& frame = plan.frames.emplace_back(wells.size(), common);
@@ -154,6 +174,8 @@ void addFrame(RunPlan& plan, std::vector<Well>& wells, const RunReading& common,
 RunPlan SimulateRun(const SimulationParameters& parameters) {
   RunPlan plan;
   plan.plate = parameters.wells == kPlate384.WellCount() ? kPlate384 : kPlate96;
+  plan.contents = contentsOf(plan.plate);
+  plan.calibration = SimulatedCalibration();
   plan.wells.resize(plan.plate.WellCount());
   std::iota(plan.wells.begin(), plan.wells.end(), static_cast<unsigned short>(1));
   plan.scale = kScale;
@@ -200,32 +222,9 @@ void ReadParameters(std::string_view log, SimulationParameters& parameters) {
 
 void WriteReadings(const RunPlan& plan, const std::string& path) {
   Output output(path);
-  std::ostream& out = output.Stream();
-  out << "well,stage,cycle,time_s,temperature_c,fluorescence\n";
+  ReadingsWriter writer(output.Stream(), plan.scale);
   for (std::size_t i = 0; i < plan.wells.size(); ++i) {
-    for (const auto& frame : plan.frames) {
-      const RunReading& reading = frame[i];
-      out << plan.plate.NameOf(plan.wells[i]) << (reading.melting ? ",melt," : ",amplification,")
-          << reading.cycle << ',' << ShortestQuotient(reading.time, 1000) << ','
-          << ShortestQuotient(reading.temperature, 100) << ','
-          << ShortestQuotient(reading.value, plan.scale) << '\n';
-    }
-  }
-  output.Finish();
-}
-
-void WriteSimulatedWells(const RunPlan& plan, const std::string& path) {
-  Output output(path);
-  std::ostream& out = output.Stream();
-  out << "well,sample,target,task,quantity,reporter\n";
-  for (const unsigned well : plan.wells) {
-    const unsigned level = levelOf(plan.plate, well);
-    const bool isControl = level == kLevels - 1;
-    out << plan.plate.NameOf(well) << ','
-        << (isControl ? "no template" : "dilution " + std::to_string(level + 1)) << ",target "
-        << static_cast<char>('A' + (well - 1) / plan.plate.columns)
-        << (isControl ? ",NTC," : ",STND,") << static_cast<std::uint32_t>(copiesAt(level))
-        << ",green\n";
+    for (const auto& frame : plan.frames) writer.Write(plan.plate.NameOf(plan.wells[i]), frame[i]);
   }
   output.Finish();
 }

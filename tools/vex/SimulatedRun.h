@@ -28,9 +28,8 @@ RunPlan SimulateRun(const SimulationParameters& parameters);
 /// Takes over what a simulated run's log names, and leaves what it does not or what cannot be.
 void ReadParameters(std::string_view log, SimulationParameters& parameters);
 
-/// Writes the run's readings, or what its wells hold, as the files that `vex record` takes. Throws
-/// an error that names the file.
+/// Writes the run's readings as the file that `vex record` takes. Throws an error that names the
+/// file.
 void WriteReadings(const RunPlan& plan, const std::string& path);
-void WriteSimulatedWells(const RunPlan& plan, const std::string& path);
 
 }  // namespace vex2::tool

@@ -49,7 +49,8 @@ std::size_t Terminal::TextWidth() const {
 
 std::string Terminal::Styled(std::string_view text, Style style) const {
   if (!hasColours_ || style == Style::kPlain) return std::string(text);
-  constexpr std::array<std::string_view, 6> kCodes = {"0", "1", "2", "32", "33", "31"};
+  constexpr std::array<std::string_view, 9> kCodes = {"0",  "1",  "2",  "32", "33",
+                                                      "31", "36", "35", "34"};
   std::string styled = "\x1b[";
   styled.append(kCodes[static_cast<std::size_t>(style)]).append("m");
   return styled.append(text).append("\x1b[0m");

@@ -9,7 +9,7 @@ namespace vex2::tool {
 /// What stands at the other end of an output: a person's terminal, or a file or another program.
 class Terminal {
  public:
-  enum class Style { kPlain, kBold, kDim, kGreen, kYellow, kRed };
+  enum class Style { kPlain, kBold, kDim, kGreen, kYellow, kRed, kCyan, kMagenta, kBlue };
 
   /// Of standard output.
   static const Terminal& Out();

@@ -28,6 +28,8 @@ std::string PadLeft(std::string text, std::size_t width);
 
 /// "1 frame", "2 frames".
 std::string Counted(unsigned long long count, std::string_view noun);
+/// For nouns whose plural is no mere "s".
+std::string Counted(unsigned long long count, std::string_view one, std::string_view many);
 
 /// The bytes in hexadecimal, two digits each.
 std::string ToHex(std::string_view bytes);

@@ -1,0 +1,36 @@
+#include "tools/vex/CsvWriter.h"
+
+#include <csv.h>
+
+namespace vex2::tool {
+
+namespace {
+
+bool needsQuotes(std::string_view field) {
+  // Blanks at either end are kept by quotes alone: many readers cut them off.
+  return field.find_first_of(",\"\r\n") != std::string_view::npos || field.starts_with(' ') ||
+         field.ends_with(' ');
+}
+
+void writeField(std::ostream& out, const std::string& field) {
+  if (!needsQuotes(field)) {
+    out << field;
+    return;
+  }
+  std::string quoted(csv_write(nullptr, 0, field.data(), field.size()), '\0');
+  csv_write(quoted.data(), quoted.size(), field.data(), field.size());
+  out << quoted;
+}
+
+}  // namespace
+
+void CsvWriter::Row(const std::string& plate, const std::vector<std::string>& fields) {
+  if (hasPlates_) writeField(out_, plate);
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    if (hasPlates_ || i > 0) out_ << ',';
+    writeField(out_, fields[i]);
+  }
+  out_ << '\n';
+}
+
+}  // namespace vex2::tool

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "vex2/setup/Vex2Detector.h"
+
+namespace vex2::tool {
+
+/// A field of a detector under the name by which people call it.
+struct DetectorField {
+  std::string_view key;
+  std::string_view takes;  ///< what values there are, for people
+  /// The value, texts as UTF-8.
+  nlohmann::ordered_json (*get)(const Vex2Detector& detector);
+  /// Sets the value that `text` stands for. False when it stands for none.
+  bool (*set)(Vex2Detector& detector, std::string_view text);
+};
+
+/// All of them, the name first.
+const std::vector<DetectorField>& DetectorFields();
+
+/// A field's value as a person reads and types it.
+std::string DetectorText(const nlohmann::ordered_json& value);
+
+}  // namespace vex2::tool

@@ -1,0 +1,31 @@
+#include "tools/vex/ReadingsWriter.h"
+
+namespace vex2::tool {
+
+namespace {
+
+constexpr std::uint32_t kTemperatureScale = 100;
+constexpr std::uint32_t kTimeScale = 1000;
+
+}  // namespace
+
+ReadingsWriter::ReadingsWriter(std::ostream& out, std::uint32_t scale) : out_(out), scale_(scale) {
+  out_ << "well,stage,cycle,time_s,temperature_c,fluorescence\n";
+}
+
+void ReadingsWriter::Write(const std::string& well, const RunReading& reading) {
+  out_ << well << (reading.melting ? ",melt," : ",amplification,") << reading.cycle << ','
+       << ShortestQuotient(reading.time, kTimeScale) << ','
+       << ShortestQuotient(reading.temperature, kTemperatureScale) << ','
+       << ShortestQuotient(reading.value, scale_) << '\n';
+}
+
+void ReadingsWriter::Write(const std::string& well, const Vex2WellRecord& record) {
+  if (record.leading[0] == 0) {
+    out_ << well << ",,,,,\n";
+  } else {
+    Write(well, DecodeReading(record));
+  }
+}
+
+}  // namespace vex2::tool
