@@ -14,6 +14,15 @@ void MakeRun(const std::string& path, std::uint16_t wells, int frames);
 /// each.
 void MakeNested(const std::string& path, int lists);
 
+/// Writes a document of `setups` plate setups of 384 wells with a name and four detectors each.
+void MakeSetups(const std::string& path, int setups);
+
+/// How many records stand in one plate setup, itself not counted.
+int RecordsPerSetup();
+
+/// Writes a study of `plates` runs of `frames` frames of 384 wells.
+void MakeStudy(const std::string& path, int plates, int frames);
+
 /// How many records stand in one list of settings, itself not counted.
 int SmallRecordsPerList();
 

@@ -33,6 +33,12 @@ constexpr int kFrames = 400;
 constexpr std::size_t kStored = 80;
 constexpr std::size_t kFrameBytes = kStored * kWells;
 constexpr int kAttempts = 3;
+constexpr double kNoLimit = 1e9;
+// A study like those of a laboratory, and one for a quick look.
+constexpr int kPlates = 20;
+constexpr int kFewPlates = 4;
+constexpr int kStudyFrames = 216;
+constexpr int kManyRounds = 100;
 
 int rounds = 101;
 std::string folder;
@@ -99,6 +105,32 @@ std::string fileOf(int frames) {
   return path;
 }
 
+int studyPlates() {
+  return rounds < kManyRounds ? kFewPlates : kPlates;
+}
+
+std::string studyFile() {
+  const std::string path = folder + "/study.vex";
+  if (!std::filesystem::exists(path)) {
+    vex2::bench::MakeStudy(path, studyPlates(), kStudyFrames);
+  }
+  return path;
+}
+
+void rawWrite(const std::string& path, const std::vector<char>& bytes) {
+  const std::string beside = path + ".new";
+  const int file = ::open(beside.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+  require(file >= 0, "open");
+  for (std::size_t done = 0; done < bytes.size();) {
+    const ssize_t count = ::write(file, bytes.data() + done, bytes.size() - done);
+    require(count > 0, "write");
+    done += static_cast<std::size_t>(count);
+  }
+  require(::fsync(file) == 0, "sync");
+  ::close(file);
+  require(::rename(beside.c_str(), path.c_str()) == 0, "rename");
+}
+
 // Reads the bytes by way of a stage and gives every record the place that it has in memory.
 void stagedRead(const std::string& path, std::vector<std::unique_ptr<char[]>>& frames) {
   const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
@@ -137,6 +169,60 @@ void WholeDocument(benchmark::State& state) {
     return time;
   };
   measure(state, 1.5, ours, peer);
+}
+
+// A study is read with as many copies of the same records, whatever lies between its plates.
+void StudyRead(benchmark::State& state) {
+  const std::string path = studyFile();
+  const auto ours = [&] {
+    Vex2FileManager manager;
+    const double time = timed([&] { require(manager.ReadFromFile(path.c_str()) == 0, "read"); });
+    require(manager.GetNumPlates() == studyPlates(), "plates");
+    return time;
+  };
+  const auto peer = [&] {
+    std::vector<std::unique_ptr<char[]>> frames;
+    const double time = timed([&] { stagedRead(path, frames); });
+    require(frames.size() >= static_cast<std::size_t>(studyPlates() * kStudyFrames), "frames");
+    return time;
+  };
+  measure(state, 1.5, ours, peer);
+}
+
+void StudyWritten(benchmark::State& state) {
+  const std::string path = studyFile();
+  const std::string oursPath = folder + "/ours-study.vex";
+  const std::string peerPath = folder + "/peer-study.vex";
+  Vex2FileManager manager;
+  require(manager.ReadFromFile(path.c_str()) == 0, "read");
+  const auto size = static_cast<std::size_t>(std::filesystem::file_size(path));
+  const std::vector<char> bytes(size, 'x');
+  const auto ours = [&] {
+    return timed([&] { require(manager.SaveToFile(oursPath.c_str()) == 0, "save"); });
+  };
+  const auto peer = [&] { return timed([&] { rawWrite(peerPath, bytes); }); };
+  measure(state, 1.5, ours, peer);
+}
+
+// The peer brings the bytes alone into memory: what the records cost on top of that.
+void PlateSetupRead(benchmark::State& state) {
+  const std::string path = folder + "/setup.vex";
+  vex2::bench::MakeSetups(path, 1);
+  const auto ours = [&] {
+    Vex2FileManager manager;
+    const double time = timed([&] { require(manager.ReadFromFile(path.c_str()) == 0, "read"); });
+    require(manager.GetPlateSetupComp() != nullptr, "setup");
+    return time;
+  };
+  std::vector<char> bytes(static_cast<std::size_t>(std::filesystem::file_size(path)));
+  const auto peer = [&] {
+    return timed([&] {
+      const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+      require(file >= 0 && ::read(file, bytes.data(), bytes.size()) > 0, "read");
+      ::close(file);
+    });
+  };
+  measure(state, kNoLimit, ours, peer);
 }
 
 double readLastFrame(const std::string& path, int frames) {
@@ -205,6 +291,9 @@ void CommitFrame(benchmark::State& state) {
 }
 
 BENCHMARK(WholeDocument)->UseManualTime()->Iterations(1)->Unit(benchmark::kMicrosecond);
+BENCHMARK(StudyRead)->UseManualTime()->Iterations(1)->Unit(benchmark::kMicrosecond);
+BENCHMARK(StudyWritten)->UseManualTime()->Iterations(1)->Unit(benchmark::kMicrosecond);
+BENCHMARK(PlateSetupRead)->UseManualTime()->Iterations(1)->Unit(benchmark::kMicrosecond);
 BENCHMARK(OneFrameOfMany)->UseManualTime()->Iterations(1)->Unit(benchmark::kMicrosecond);
 BENCHMARK(CommitFrame)->UseManualTime()->Iterations(1)->Unit(benchmark::kMicrosecond);
 

@@ -43,7 +43,8 @@ int main(int count, char** arguments) {
   const std::size_t before = heapNow;
   heapPeak = before;
   Vex2FileManager manager;
-  if (manager.ReadFromFile(arguments[1]) != 0 || manager.GetDataFrameCount(DataRAWa) == 0) {
+  if (manager.ReadFromFile(arguments[1]) != 0 ||
+      manager.GetDataFrameCount(DataRAWa) + manager.GetNumPlates() == 0) {
     std::fputs("vex2_bench_heap: cannot read the document\n", stderr);
     return 1;
   }

@@ -23,6 +23,18 @@ int run(std::string_view command, const char* path, const char* argument) {
     vex2::bench::MakeNested(path, std::atoi(argument));
   } else if (command == "records") {
     std::printf("%d\n", vex2::bench::SmallRecordsPerList());
+  } else if (command == "setups") {
+    vex2::bench::MakeSetups(path, std::atoi(argument));
+  } else if (command == "setup-records") {
+    std::printf("%d\n", vex2::bench::RecordsPerSetup());
+  } else if (command == "study") {
+    constexpr int kFrames = 40;
+    vex2::bench::MakeStudy(path, std::atoi(argument), kFrames);
+  } else if (command == "convert") {
+    Vex2FileManager manager;
+    Vex2PlateSetup setup;
+    if (read(manager, path) != 0 || manager.GetPlateSetupInfo(&setup) != 0) return 1;
+    return manager.ReplacePlateSetup(&setup) == 0 ? 0 : 1;
   } else if (command == "read") {
     Vex2FileManager manager;
     return read(manager, path);
@@ -39,7 +51,11 @@ int run(std::string_view command, const char* path, const char* argument) {
 
 int main(int count, char** arguments) {
   if (count < 3) {
-    std::fputs("usage: vex2_bench_probe run|nested|records|read|copy FILE [N|OUT]\n", stderr);
+    std::fputs(
+        "usage: vex2_bench_probe run|nested|records|setups|setup-records|study|convert|read|copy "
+        "FILE "
+        "[N|OUT]\n",
+        stderr);
     return 2;
   }
   try {

@@ -1,0 +1,281 @@
+// The calibration of a document, in memory and in files, and what is made of it.
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cstring>
+#include <memory>
+
+#include "tests/support/Files.h"
+#include "tests/support/RunDocument.h"
+#include "tests/support/TempFolder.h"
+
+namespace vex2::test {
+namespace {
+
+class CalibrationOfADocument : public TempFolderTest {
+ protected:
+  CalibrationOfADocument() {
+    dyes_.SetEntryCount(2);
+    dyes_.entries[0].SetName("Fam", 3);
+    dyes_.entries[0].dyeIndex = 4;
+    const std::uint32_t values[] = {1, 2, 3, 4, 5};
+    dyes_.entries[0].SetValues(values, 5);
+    background_.SetEntryCount(1);
+    background_.setting = 12;
+  }
+  // The parts that are there, e.g. "dyes 2 background 1".
+  std::string parts(const Vex2FileManager& document) const {
+    Vex2PureDye* dyes = nullptr;
+    Vex2BGC* background = nullptr;
+    int has[2] = {5, 5};
+    const int status = document.GetCalibrationInfo(dyes, &has[0], background, &has[1]);
+    const std::unique_ptr<Vex2PureDye> dyesOwner(dyes);
+    const std::unique_ptr<Vex2BGC> backgroundOwner(background);
+    EXPECT_EQ(dyes != nullptr, has[0] == 1);
+    EXPECT_EQ(background != nullptr, has[1] == 1);
+    if (status != kSuccess) return "status " + std::to_string(status);
+    return (dyes != nullptr ? "dyes " + std::to_string(dyes->entryCount) : "") +
+           (background != nullptr ? " background " + std::to_string(background->entryCount) : "");
+  }
+  std::string parts() const { return parts(document_); }
+  Bytes savedDocument() {
+    EXPECT_EQ(document_.SaveToFile(path_.c_str()), kSuccess);
+    return ReadBytes(path_);
+  }
+  std::string tagsInFile() const {
+    Vex2FileManager reader;
+    EXPECT_EQ(reader.ReadFromFile(path_.c_str()), kSuccess);
+    return TagsOf(reader);
+  }
+
+  const std::string path_ = folder_ / "calibration.vex";
+  Vex2PureDye dyes_;
+  Vex2BGC background_;
+  Vex2FileManager document_;
+};
+
+TEST_F(CalibrationOfADocument, IsReplacedAsAWhole) {
+  EXPECT_EQ(parts(), "status -300");
+  EXPECT_EQ(document_.GetPureDyeCount(), 0);
+  EXPECT_EQ(document_.ReplaceCalibComponent(&dyes_, &background_), kSuccess);
+  EXPECT_EQ(parts(), "dyes 2 background 1");
+  EXPECT_EQ(document_.GetPureDyeCount(), 2);
+  EXPECT_EQ(document_.ReplaceCalibComponent(nullptr, &background_), kSuccess);
+  EXPECT_EQ(parts(), " background 1");
+  EXPECT_EQ(document_.GetPureDyeCount(), 0);
+  EXPECT_EQ(document_.ReplaceCalibComponent(nullptr, nullptr), kSuccess);
+  EXPECT_EQ(parts(), "");
+  EXPECT_EQ(TagsOf(document_), "CALI");
+}
+
+TEST_F(CalibrationOfADocument, IsReplacedPartByPart) {
+  EXPECT_EQ(document_.ReplaceBackground(&background_), kSuccess);
+  EXPECT_EQ(document_.ReplacePureDye(&dyes_), kSuccess);
+  EXPECT_EQ(parts(), "dyes 2 background 1");
+  dyes_.SetEntryCount(3);
+  EXPECT_EQ(document_.ReplacePureDye(&dyes_), kSuccess);
+  EXPECT_EQ(parts(), "dyes 3 background 1");
+  EXPECT_EQ(document_.ReplacePureDye(nullptr), kSuccess);
+  EXPECT_EQ(parts(), " background 1");
+  EXPECT_EQ(document_.ReplaceBackground(nullptr), kSuccess);
+  EXPECT_EQ(parts(), "");
+}
+
+TEST_F(CalibrationOfADocument, GoesIntoRecordsThatAreThere) {
+  document_.ReplaceCalibComponent(&dyes_, &background_);
+  Vex2PureDye dyes;
+  dyes.SetEntryCount(9);
+  Vex2PureDye* given = &dyes;
+  Vex2BGC background;
+  Vex2BGC* givenBackground = &background;
+  int has[2] = {};
+  EXPECT_EQ(document_.GetCalibrationInfo(given, &has[0], givenBackground, &has[1]), kSuccess);
+  EXPECT_EQ(given, &dyes);
+  EXPECT_EQ(dyes.entryCount, 2);
+  EXPECT_EQ(dyes.entries[0].values[4], 5U);
+  EXPECT_EQ(background.setting, 12U);
+}
+
+TEST_F(CalibrationOfADocument, LosesThePartsThatAreRemoved) {
+  EXPECT_EQ(document_.RemoveCalibComponents(false, false), kSuccess);
+  EXPECT_EQ(document_.RemoveCalibComponents(true, false), kNotFound);
+  EXPECT_EQ(document_.RemoveCalibComponents(true, true), kNotFound);
+  document_.ReplaceCalibComponent(&dyes_, &background_);
+  EXPECT_EQ(document_.RemoveCalibComponents(true, false), kSuccess);
+  EXPECT_EQ(document_.RemoveCalibComponents(true, false), kNotFound);
+  EXPECT_EQ(parts(), " background 1");
+  EXPECT_EQ(document_.RemoveCalibComponents(false, true), kSuccess);
+  EXPECT_EQ(document_.RemoveCalibComponents(false, true), kNotFound);
+  EXPECT_EQ(TagsOf(document_), "CALI");
+  EXPECT_EQ(document_.RemoveCalibComponents(true, true), kSuccess);
+  EXPECT_EQ(TagsOf(document_), "");
+}
+
+TEST_F(CalibrationOfADocument, PartsThatStandAloneAreAppendedToAFile) {
+  EXPECT_EQ(document_.AppendPureDye(nullptr, &dyes_), kWriteFailed);
+  EXPECT_EQ(document_.AppendBackground((folder_ / "missing/x.vex").c_str(), &background_),
+            kWriteFailed);
+  EXPECT_EQ(TagsOf(document_), "PDYE BKGD") << "the document keeps them all the same";
+  ASSERT_EQ(Vex2FileManager().SaveToFile(path_.c_str()), kSuccess);
+  EXPECT_EQ(document_.AppendPureDye(path_.c_str(), &dyes_), kSuccess);
+  EXPECT_EQ(document_.AppendBackground(path_.c_str(), &background_), kSuccess);
+  EXPECT_EQ(TagsOf(document_), "PDYE BKGD");
+  EXPECT_EQ(tagsInFile(), "PDYE BKGD");
+  EXPECT_EQ(parts(), "status -300") << "they are no part of the calibration";
+}
+
+TEST_F(CalibrationOfADocument, AloneIsSaved) {
+  EXPECT_EQ(document_.SaveCalibrationInfo(path_.c_str()), kNotFound);
+  document_.ReplaceCalibComponent(&dyes_, &background_);
+  document_.SetCalibrator("not in it");
+  EXPECT_EQ(document_.SaveCalibrationInfo(nullptr), kWriteFailed);
+  EXPECT_EQ(document_.SaveCalibrationInfo((folder_ / "missing/x.vex").c_str()), kWriteFailed);
+  EXPECT_EQ(document_.SaveCalibrationInfo(path_.c_str()), kSuccess);
+  EXPECT_EQ(document_.GetFilePath(), path_.c_str());
+  EXPECT_EQ(tagsInFile(), "CALI");
+  Vex2FileManager reader;
+  reader.ReadFromFile(path_.c_str());
+  EXPECT_EQ(parts(reader), "dyes 2 background 1");
+}
+
+class BackgroundInAFile : public CalibrationOfADocument {
+ protected:
+  // A file in which a background stands alone behind the settings.
+  Bytes fileWithBackground() {
+    EXPECT_EQ(Vex2FileManager().SaveToFile(path_.c_str()), kSuccess);
+    Vex2FileManager writer;
+    writer.SetCalibrator("first");
+    EXPECT_EQ(writer.SaveToFile(path_.c_str()), kSuccess);
+    EXPECT_EQ(writer.AppendBackground(path_.c_str(), &background_), kSuccess);
+    return ReadBytes(path_);
+  }
+};
+
+TEST_F(BackgroundInAFile, OfTheSameSizeIsOverwrittenInPlace) {
+  const Bytes before = fileWithBackground();
+  background_.setting = 99;
+  EXPECT_EQ(document_.ReplaceBackground(path_.c_str(), &background_), kSuccess);
+  const Bytes after = ReadBytes(path_);
+  ASSERT_EQ(after.size(), before.size());
+  int changed = 0;
+  for (std::size_t i = 0; i < after.size(); ++i) changed += after[i] != before[i] ? 1 : 0;
+  EXPECT_EQ(changed, 1);
+  EXPECT_EQ(parts(), " background 1");
+}
+
+TEST_F(BackgroundInAFile, OfAnotherSizeIsRefusedButNotInMemory) {
+  const Bytes before = fileWithBackground();
+  background_.SetEntryCount(2);
+  EXPECT_EQ(document_.ReplaceBackground(path_.c_str(), &background_), kSizeDiffers);
+  EXPECT_EQ(ReadBytes(path_), before);
+  EXPECT_EQ(parts(), " background 2");
+  EXPECT_FALSE(document_.IsOpen());
+}
+
+TEST_F(BackgroundInAFile, WithoutOneReceivesTheWholeCalibration) {
+  ASSERT_EQ(Vex2FileManager().SaveToFile(path_.c_str()), kSuccess);
+  document_.ReplacePureDye(&dyes_);
+  EXPECT_EQ(document_.ReplaceBackground(path_.c_str(), &background_), kSuccess);
+  EXPECT_EQ(tagsInFile(), "CALI");
+  Vex2FileManager reader;
+  reader.ReadFromFile(path_.c_str());
+  EXPECT_EQ(parts(reader), "dyes 2 background 1");
+}
+
+TEST_F(BackgroundInAFile, OfTheCalibrationIsNotThatWhichStandsAlone) {
+  document_.ReplaceBackground(&background_);
+  savedDocument();
+  EXPECT_EQ(document_.ReplaceBackground(path_.c_str(), &background_), kSuccess);
+  EXPECT_EQ(tagsInFile(), "CALI CALI");
+}
+
+TEST_F(BackgroundInAFile, ThatCannotBeReadIsAStatus) {
+  EXPECT_EQ(document_.ReplaceBackground(nullptr, &background_), kReadFailed);
+  EXPECT_EQ(document_.ReplaceBackground((folder_ / "missing.vex").c_str(), &background_),
+            kReadFailed);
+  EXPECT_EQ(parts(), " background 1");
+}
+
+TEST_F(BackgroundInAFile, OfATornFileIsLeftAlone) {
+  Bytes bytes = fileWithBackground();
+  const Bytes tail = ToBytes("TORN");
+  for (const std::size_t cut : {1028U, 1030U}) {
+    Bytes torn(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(cut));
+    WriteBytes(path_, torn);
+    EXPECT_LT(document_.ReplaceBackground(path_.c_str(), &background_), 0);
+    EXPECT_EQ(ReadBytes(path_), torn);
+  }
+}
+
+class AssayType : public CalibrationOfADocument {
+ protected:
+  void setAssay(const char* code) {
+    Vex2HeaderData header = document_.GetHeaderData();
+    std::memcpy(header.assayCode, code, 4);
+    document_.SetHeaderData(header);
+  }
+};
+
+TEST_F(AssayType, IsThatOfTheHeadersCode) {
+  for (const auto& [code, number] :
+       {std::pair("BGND", 950), std::pair("PDye", 951), std::pair("AbsQ", 1000),
+        std::pair("RelQ", 1001), std::pair("RQSt", 1002), std::pair("AllD", 1003),
+        std::pair("+/- ", 1004), std::pair("absq", 0), std::pair("+/-\0", 0)}) {
+    setAssay(code);
+    for (const int type : {0, 950, 951, 1000, 1001, 1002, 1003, 1004, 1005}) {
+      EXPECT_EQ(document_.IsAssayType(type), type == number) << code << ' ' << type;
+    }
+    EXPECT_EQ(document_.IsBackground(), number == 950);
+    EXPECT_EQ(document_.IsPureSpectra(), number == 951);
+    EXPECT_EQ(document_.IsAQ(), number == 1000);
+    EXPECT_EQ(document_.IsRQP(), number == 1001);
+    EXPECT_EQ(document_.IsRQS(), number == 1002);
+    EXPECT_EQ(document_.IsAD(), number == 1003);
+    EXPECT_EQ(document_.IsPM(), number == 1004);
+    EXPECT_EQ(document_.IsRealTime(), number >= 1000 && number <= 1002) << code;
+    EXPECT_EQ(document_.IsPlateRead(), number >= 1003) << code;
+  }
+}
+
+using DyeList = CalibrationOfADocument;
+
+TEST_F(DyeList, HasTheNamedDyesInUpperCaseWithTheirFirstValues) {
+  dyes_.SetEntryCount(6);
+  const char* names[] = {"Fam", "", "<None>", "(NONE)", "none", "Vi c"};
+  for (int i = 0; i < 6; ++i) {
+    dyes_.entries[i].SetName(names[i], static_cast<std::uint8_t>(std::strlen(names[i])));
+    dyes_.entries[i].dyeIndex = static_cast<std::uint16_t>(i);
+  }
+  const std::uint32_t values[] = {1, 2, 3, 4, 5};
+  dyes_.entries[0].SetValues(values, 5);
+  dyes_.entries[5].SetValues(values, 2);
+  document_.ReplacePureDye(&dyes_);
+  CObList list;
+  ASSERT_TRUE(document_.LoadDyeList(&list));
+  ASSERT_EQ(list.GetCount(), 3);
+  const auto next = [&] {
+    return std::unique_ptr<Vex2DyeInfo>(dynamic_cast<Vex2DyeInfo*>(list.RemoveHead()));
+  };
+  const auto fam = next();
+  EXPECT_EQ(fam->name, "FAM");
+  EXPECT_EQ(fam->index, 0);
+  EXPECT_EQ(fam->values[3], 4U);
+  EXPECT_EQ(next()->name, "NONE");
+  const auto vic = next();
+  EXPECT_EQ(vic->name, "VI C");
+  EXPECT_EQ(vic->index, 5);
+  EXPECT_EQ(vic->values[1], 2U);
+  EXPECT_EQ(vic->values[2], 0U) << "a value that is not there";
+}
+
+TEST_F(DyeList, WithoutACalibrationIsUnchanged) {
+  CObList list;
+  EXPECT_FALSE(document_.LoadDyeList(&list));
+  document_.ReplaceBackground(&background_);
+  EXPECT_TRUE(document_.LoadDyeList(&list));
+  EXPECT_TRUE(list.IsEmpty());
+  EXPECT_FALSE(document_.LoadDyeList(nullptr));
+}
+
+}  // namespace
+}  // namespace vex2::test
