@@ -86,8 +86,14 @@ def entries(lines):
     return found
 
 
-def command_page(vex, name):
-    parts = sections(help_of(vex, name))
+def subcommands(parts):
+    """The names of the commands that a help lists."""
+    lines = parts.get("Subcommands", [])
+    return [match[1] for line in lines if (match := re.match(r"  (\w+)", line))]
+
+
+def command_page(vex, *words):
+    parts = sections(help_of(vex, *words))
     usage = next(line for line in parts[""] if line.startswith("Usage:"))
     about = " ".join(line for line in parts[""] if line and line != usage)
     yield f".SS {usage[len('Usage: '):]}".replace("-", r"\-")
@@ -96,18 +102,21 @@ def command_page(vex, name):
         for option, text in entries(parts.pop(heading, [])):
             if not option.startswith("-h,"):
                 yield from (".TP", f".B {escaped(option)}", escaped(text))
+    inner = subcommands(parts)
+    parts.pop("Subcommands", None)
     for heading, lines in parts.items():
         kept = [escaped(line[2:] if line.startswith("  ") else line) for line in lines if line]
         if heading and kept:
             yield from (".PP", escaped(heading) + ":", ".PP", ".nf", ".RS", *kept, ".RE", ".fi")
+    for name in inner:
+        yield from command_page(vex, *words, name)
 
 
 def main():
     vex = sys.argv[1]
     print(HEAD)
-    for line in sections(help_of(vex))["Subcommands"]:
-        if match := re.match(r"  (\w+)", line):
-            print("\n".join(command_page(vex, match[1])))
+    for name in subcommands(sections(help_of(vex))):
+        print("\n".join(command_page(vex, name)))
     print(TAIL)
 
 

@@ -61,12 +61,27 @@ def output_of(*command):
     return subprocess.run(command, check=True, capture_output=True, text=True).stdout
 
 
+def subcommands(help_text):
+    names = help_text.partition("Subcommands:\n")[2].split("\n\n")[0]
+    return re.findall(r"^  (\w+) ", names, re.MULTILINE)
+
+
+def undocumented_options(vex, page, *words):
+    """Each option of a command, and of those within it, stands in the man page."""
+    help_text = output_of(vex, *words, "--help")
+    for option in re.findall(r"(?<![\w-])--[a-z][a-z-]+", help_text):
+        if option.replace("-", r"\-") not in page and option != "--help":
+            yield f"docs/man/vex.1: nothing about {option} of vex {' '.join(words)}"
+    for inner in subcommands(help_text):
+        if f".SS vex {' '.join(words)} {inner}" not in page:
+            yield f"docs/man/vex.1: nothing about vex {' '.join(words)} {inner}"
+        yield from undocumented_options(vex, page, *words, inner)
+
+
 def undocumented_commands(vex, readme):
     """Each command has a row in the README and a section in the man page, and the other way round."""
     page = (ROOT / "docs" / "man" / "vex.1").read_text()
-    help_text = output_of(vex, "--help")
-    names = help_text.split("Subcommands:\n")[1].split("\n\n")[0]
-    there = set(re.findall(r"^  (\w+) ", names, re.MULTILINE))
+    there = set(subcommands(output_of(vex, "--help")))
     for name, text, pattern in (("README.md", readme, r"^\| `vex (\w+)"),
                                 ("docs/man/vex.1", page, r"^\.SS vex (\w+)")):
         told = set(re.findall(pattern, text, re.MULTILINE))
@@ -75,9 +90,7 @@ def undocumented_commands(vex, readme):
         for command in sorted(told - there):
             yield f"{name}: there is no vex {command}"
     for command in sorted(there):
-        for option in re.findall(r"(?<![\w-])--[a-z][a-z-]+", output_of(vex, command, "--help")):
-            if option.replace("-", r"\-") not in page and option != "--help":
-                yield f"docs/man/vex.1: nothing about {option} of vex {command}"
+        yield from undocumented_options(vex, page, command)
 
 
 def main():

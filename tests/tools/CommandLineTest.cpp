@@ -27,6 +27,11 @@ TEST(CommandLine, HelpOfEveryCommandHasAnExampleAndFitsATerminal) {
   std::vector<std::vector<std::string>> calls = {{"--help"}};
   for (const auto& command : vex2::tool::MakeCommands()) {
     calls.push_back({command->Describe().name, "--help"});
+    const auto* group = dynamic_cast<const vex2::tool::CommandGroup*>(command.get());
+    if (group == nullptr) continue;
+    for (const auto& action : group->Actions()) {
+      calls.push_back({command->Describe().name, action->Describe().name, "--help"});
+    }
   }
   for (const auto& call : calls) {
     const CommandResult result = RunVex(call);

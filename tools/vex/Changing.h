@@ -27,7 +27,7 @@ class Changing {
     const Plate plate = choice.One(document);
     std::string report;
     document.Content().KeepingRawDataLast([&] { report = change(*plate.content); });
-    if (!dryRun_) Rewriting::Save(document, path);
+    if (!dryRun_) Rewriting::Save(document.Content(), path);
     return dryRun_ ? report + "(dry run: nothing was changed)\n" : report;
   }
 

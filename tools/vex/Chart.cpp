@@ -38,6 +38,13 @@ int levelOf(double value, const Range& range, int steps) {
   return share > 0 ? std::max(level, 1) : level;
 }
 
+// Whole numbers that are not too long are shown as they are.
+std::string scaleNumber(double number) {
+  constexpr double kLongest = 1e6;
+  const bool isShort = number == std::floor(number) && std::abs(number) < kLongest;
+  return isShort ? std::to_string(static_cast<long>(number)) : ShortNumber(number);
+}
+
 }  // namespace
 
 std::string Sparkline(const std::vector<double>& values) {
@@ -57,10 +64,11 @@ std::string ShortNumber(double number) {
   return text.data();
 }
 
-std::string DrawBars(const std::vector<double>& values, int height, const Terminal& terminal) {
+std::string DrawBars(const std::vector<double>& values, int height, const Terminal& terminal,
+                     std::size_t first) {
   const Range range = rangeOf(values);
-  const std::string top = ShortNumber(range.most);
-  const std::string bottom = ShortNumber(range.least);
+  const std::string top = scaleNumber(range.most);
+  const std::string bottom = scaleNumber(range.least);
   const std::size_t scale = std::max(top.size(), bottom.size()) + 1;
   const std::size_t count = std::max<std::size_t>(values.size(), 1);
   const std::size_t room = (terminal.Width() - std::min(terminal.Width(), scale)) / count;
@@ -83,7 +91,7 @@ std::string DrawBars(const std::vector<double>& values, int height, const Termin
   std::string numbers(scale, ' ');
   for (std::size_t i = 0; i < values.size(); ++i) {
     const std::size_t at = scale + i * (bar + gap.size());
-    const std::string number = std::to_string(i + 1);
+    const std::string number = std::to_string(i + first);
     if (i > 0 && numbers.size() >= at) continue;
     numbers.resize(at, ' ');
     numbers += number;

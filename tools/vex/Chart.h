@@ -12,8 +12,9 @@ namespace vex2::tool {
 std::string Sparkline(const std::vector<double>& values);
 
 /// A bar for each value, `height` lines high, with the scale to the left and the values' numbers,
-/// from 1, below. Bars are as wide as the terminal has room for.
-std::string DrawBars(const std::vector<double>& values, int height, const Terminal& terminal);
+/// from `first`, below. Bars are as wide as the terminal has room for.
+std::string DrawBars(const std::vector<double>& values, int height, const Terminal& terminal,
+                     std::size_t first = 1);
 
 /// A number for a table: four digits at most, and no more than it takes.
 std::string ShortNumber(double number);

@@ -36,6 +36,27 @@ class Command {
   Description description_;
 };
 
+/// Makes a command a part of `app`'s command line, with its help.
+void AddCommand(CLI::App& app, Command& command);
+/// Runs the one of `commands` that was given to `app`.
+ExitCode RunCommand(const CLI::App& app, const std::vector<std::unique_ptr<Command>>& commands);
+
+/// A command that does several things, each by a command of its own behind its name.
+class CommandGroup final : public Command {
+ public:
+  CommandGroup(Description description, std::vector<std::unique_ptr<Command>> actions)
+      : Command(std::move(description)), actions_(std::move(actions)) {}
+
+  void AddOptions(CLI::App& app) override;
+  ExitCode Run() override { return RunCommand(*app_, actions_); }
+
+  const std::vector<std::unique_ptr<Command>>& Actions() const { return actions_; }
+
+ private:
+  std::vector<std::unique_ptr<Command>> actions_;
+  const CLI::App* app_ = nullptr;
+};
+
 /// All commands, in the order of the help.
 std::vector<std::unique_ptr<Command>> MakeCommands();
 
@@ -48,9 +69,12 @@ std::unique_ptr<Command> MakeDetectorsCommand();
 std::unique_ptr<Command> MakeDyesCommand();
 std::unique_ptr<Command> MakeCalibrationCommand();
 std::unique_ptr<Command> MakeFrameCommand();
+std::unique_ptr<Command> MakeSpectrumCommand();
 std::unique_ptr<Command> MakeExportCommand();
 std::unique_ptr<Command> MakeCopyCommand();
 std::unique_ptr<Command> MakeStatusCommand();
 std::unique_ptr<Command> MakeSetCommand();
+std::unique_ptr<Command> MakeStudyCommand();
+std::unique_ptr<Command> MakeStudySetCommand();
 
 }  // namespace vex2::tool

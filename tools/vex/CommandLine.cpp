@@ -21,10 +21,12 @@ std::vector<std::unique_ptr<Command>> MakeCommands() {
   commands.push_back(MakeDyesCommand());
   commands.push_back(MakeCalibrationCommand());
   commands.push_back(MakeFrameCommand());
+  commands.push_back(MakeSpectrumCommand());
   commands.push_back(MakeExportCommand());
   commands.push_back(MakeCopyCommand());
   commands.push_back(MakeStatusCommand());
   commands.push_back(MakeSetCommand());
+  commands.push_back(MakeStudyCommand());
   return commands;
 }
 
@@ -52,18 +54,10 @@ std::shared_ptr<CLI::Formatter> withColumn(std::size_t width) {
   return formatter;
 }
 
-void addCommand(CLI::App& app, Command& command) {
-  const auto& [name, summary, examples] = command.Describe();
-  CLI::App* part = app.add_subcommand(name, summary);
-  part->footer(exampleText(examples));
-  part->formatter(withColumn(26));
-  command.AddOptions(*part);
-}
-
 // The command that was typed, for where to look for help.
 std::string chosen(const CLI::App& app) {
   const auto parts = app.get_subcommands();
-  return parts.empty() ? "vex" : "vex " + parts.front()->get_name();
+  return parts.empty() ? app.get_name() : app.get_name() + " " + chosen(*parts.front());
 }
 
 std::string oneLine(std::string text) {
@@ -100,7 +94,7 @@ ExitCode run(int argumentCount, const char* const* arguments) {
       exampleText("vex simulate run.vex\nvex info run.vex\nvex export run.vex --format csv") +
       "\n\n" + kFooter);
   const auto commands = MakeCommands();
-  for (const auto& command : commands) addCommand(app, *command);
+  for (const auto& command : commands) AddCommand(app, *command);
   try {
     parse(app, argumentCount, arguments);
   } catch (const CLI::Success& success) {
@@ -108,16 +102,34 @@ ExitCode run(int argumentCount, const char* const* arguments) {
     finishOutput();
     return ExitCode::kDone;
   }
+  const ExitCode code = RunCommand(app, commands);
+  finishOutput();
+  return code;
+}
+
+}  // namespace
+
+void AddCommand(CLI::App& app, Command& command) {
+  const auto& [name, summary, examples] = command.Describe();
+  CLI::App* part = app.add_subcommand(name, summary);
+  part->footer(exampleText(examples));
+  part->formatter(withColumn(26));
+  command.AddOptions(*part);
+}
+
+ExitCode RunCommand(const CLI::App& app, const std::vector<std::unique_ptr<Command>>& commands) {
   for (const auto& command : commands) {
-    if (!app.got_subcommand(command->Describe().name)) continue;
-    const ExitCode code = command->Run();
-    finishOutput();
-    return code;
+    if (app.got_subcommand(command->Describe().name)) return command->Run();
   }
   return ExitCode::kUsage;
 }
 
-}  // namespace
+void CommandGroup::AddOptions(CLI::App& app) {
+  app_ = &app;
+  app.require_subcommand(1);
+  app.formatter(withColumn(13));
+  for (const auto& action : actions_) AddCommand(app, *action);
+}
 
 int RunCommandLine(int argumentCount, const char* const* arguments) noexcept {
   ExitCode code = ExitCode::kSystem;

@@ -32,7 +32,7 @@ class CopyCommand final : public Command {
                 ": its run is in progress; the copy ends with the last frame "
                 "committed so far");
     }
-    Rewriting::Save(document, target_);
+    Rewriting::Save(document.Content(), target_);
     return ExitCode::kDone;
   }
 

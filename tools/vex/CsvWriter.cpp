@@ -12,23 +12,20 @@ bool needsQuotes(std::string_view field) {
          field.ends_with(' ');
 }
 
-void writeField(std::ostream& out, const std::string& field) {
-  if (!needsQuotes(field)) {
-    out << field;
-    return;
-  }
-  std::string quoted(csv_write(nullptr, 0, field.data(), field.size()), '\0');
-  csv_write(quoted.data(), quoted.size(), field.data(), field.size());
-  out << quoted;
-}
-
 }  // namespace
 
+std::string CsvField(const std::string& text) {
+  if (!needsQuotes(text)) return text;
+  std::string quoted(csv_write(nullptr, 0, text.data(), text.size()), '\0');
+  csv_write(quoted.data(), quoted.size(), text.data(), text.size());
+  return quoted;
+}
+
 void CsvWriter::Row(const std::string& plate, const std::vector<std::string>& fields) {
-  if (hasPlates_) writeField(out_, plate);
+  if (hasPlates_) out_ << CsvField(plate);
   for (std::size_t i = 0; i < fields.size(); ++i) {
     if (hasPlates_ || i > 0) out_ << ',';
-    writeField(out_, fields[i]);
+    out_ << CsvField(fields[i]);
   }
   out_ << '\n';
 }

@@ -6,6 +6,9 @@
 
 namespace vex2::tool {
 
+/// A text as a field of CSV: in quotes where it needs them.
+std::string CsvField(const std::string& text);
+
 /// Writes rows of comma-separated fields as RFC 4180 has them, but with bare line ends: fields are
 /// quoted where they need to be.
 class CsvWriter {

@@ -4,6 +4,10 @@
 
 #include "tools/vex/Errors.h"
 #include "tools/vex/Text.h"
+#include "vex2/framework/CFileStatus.h"
+#include "vex2/manager/Vex2FileManagerComponent.h"
+#include "vex2/study/CMultiPlateComp.h"
+#include "vex2/study/CRQPlateComp.h"
 
 namespace vex2::tool {
 
@@ -12,6 +16,7 @@ namespace {
 constexpr std::uint64_t kHeaderSize = 1024;
 // The last place for a row's used wells lies within the header up to here.
 constexpr int kMostRows = 238;
+constexpr std::string_view kPlates = "MPLC";
 constexpr const char* kRunning =
     "its run is in progress, and saving would break it; let the recorder finish, or set the status "
     "with 'vex status' when it never will";
@@ -26,33 +31,66 @@ std::string quoted(std::string_view tag) {
 
 }  // namespace
 
-// Notes the document's own records, and those in them that the library does not know.
+// Notes the document's own records and those of its plates, and what the library does not know.
 struct Document::Surveyor final : RecordVisitor {
   explicit Surveyor(Document& survey) : document(survey) {}
 
   void Begin(const FileRecord& record, CFile& /*file*/) override {
-    const bool known = IsKnownToLibrary(record.Tag());
+    const Record noted{std::string(record.Tag()), record.offset, record.length,
+                       IsKnownToLibrary(record.Tag())};
     if (record.depth == 1) {
-      document.records_.push_back({std::string(record.Tag()), record.offset, record.length, known});
-      topKnown = known;
-      if (!known) {
-        document.losses_.push_back({record.offset, "the record " + quoted(record.Tag()) + " of " +
-                                                       Counted(record.length, "byte") +
-                                                       " is of no known kind"});
-      }
-    } else if (topKnown && !known && record.length > 0) {
-      document.losses_.push_back({record.offset, "the bytes of the record " + quoted(record.Tag()) +
+      beginOwn(noted);
+    } else if (topKnown && !noted.known && record.length > 0) {
+      document.losses_.push_back({record.offset, "the bytes of the record " + quoted(noted.tag) +
                                                      " within another, of no known kind"});
     }
+    if (!isPlates) return;
+    if (record.depth == 2) {
+      document.plates_.emplace_back();
+      document.plates_.back().offset = record.offset;
+      document.plates_.back().isEmbedded = true;
+    } else if (record.depth == 3) {
+      document.plates_.back().records.push_back(noted);
+    }
+  }
+
+  void End(const FileRecord& record) override {
+    if (isPlates && record.depth == 2)
+      document.plates_.back().end = document.content_.GetPosition();
+  }
+
+  void Pass(std::uint64_t offset) override {
+    constexpr std::uint64_t kPassed = 4;
+    if (passedEnd != offset) {
+      document.losses_.push_back({offset, "bytes in a plate that are no record"});
+    }
+    passedEnd = offset + kPassed;
+  }
+
+  void beginOwn(const Record& record) {
+    topKnown = record.known;
+    // The library has one place for plates: the first.
+    isPlates = record.tag == kPlates && !hadPlates;
+    hadPlates = hadPlates || isPlates;
+    document.records_.push_back(record);
+    if (record.known) return;
+    document.losses_.push_back({record.offset, "the record " + quoted(record.tag) + " of " +
+                                                   Counted(record.length, "byte") +
+                                                   " is of no known kind"});
   }
 
   Document& document;
   bool topKnown = false;
+  bool hadPlates = false;
+  bool isPlates = false;  // the walk is within the record of the plates
+  std::uint64_t passedEnd = 0;
 };
 
 Document::Document(std::string path) : path_(std::move(path)) {
   content_.OpenDocument(path_);
   size_ = content_.GetLength();
+  CFileStatus status;
+  if (content_.GetStatus(status)) modified_ = status.modificationTime;
   survey();
   content_.Abort();
 }
@@ -65,6 +103,7 @@ void Document::survey() {
   Surveyor surveyor(*this);
   const WalkEnd end = WalkRecords(content_, surveyor);
   fault_ = recordFault(status, end);
+  linkPlates();
   if (fault_) return;
   findStrayBytes(end.offset);
   noteStudyLosses();
@@ -116,12 +155,38 @@ void Document::findStrayBytes(std::uint64_t walkEnd) {
                                                : " at the end that are no record")});
 }
 
+// What the walk found of the plates, and what the reader kept: as many, unless it gave up in one.
+void Document::linkPlates() {
+  const CMultiPlateComp* kept = nullptr;
+  for (int i = 0; i < content_.GetAllComponentCount() && kept == nullptr; ++i) {
+    kept = dynamic_cast<const CMultiPlateComp*>(content_.GetComponent(i));
+  }
+  const auto count = static_cast<std::size_t>(kept != nullptr ? kept->GetChildCount() : 0);
+  plates_.resize(std::min(plates_.size(), count));
+  for (std::size_t i = 0; i < plates_.size(); ++i) {
+    const CRQPlateComp* plate = kept->GetPlateAt(static_cast<int>(i));
+    plates_[i].name = plate->GetPlateName().View();
+    plates_[i].date = plate->GetLastModifiedDate().View();
+    plates_[i].content = plate->GetPlate();
+  }
+}
+
+Document::Plate Document::Itself() const {
+  Plate plate;
+  plate.content = &content_;
+  plate.end = size_;
+  plate.records = records_;
+  return plate;
+}
+
 void Document::noteStudyLosses() {
   int index = 0;
   for (const Record& record : records_) {
     if (!record.known) continue;
     const CComponent* component = content_.GetComponent(index++);
     if (component == nullptr || content_.IsWritten(*component)) continue;
+    // A study that is saved ends with one of its own.
+    if (record.tag == "EOF ") continue;
     losses_.push_back(
         {record.offset, "the record " + quoted(record.tag) + ", which a study does not keep"});
   }

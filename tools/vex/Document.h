@@ -7,6 +7,7 @@
 
 #include "tools/vex/DocumentFile.h"
 #include "tools/vex/RecordWalker.h"
+#include "vex2/framework/CTime.h"
 
 namespace vex2::tool {
 
@@ -19,6 +20,16 @@ class Document {
     std::uint64_t offset = 0;
     std::uint32_t length = 0;
     bool known = false;  ///< to the library, which drops others
+  };
+  /// One plate's worth of a document: the document itself, or a plate that a study holds.
+  struct Plate {
+    bool isEmbedded = false;                   ///< in a study, which knows it by name and date
+    std::string name;                          ///< characters of Latin-1, as is the date
+    std::string date;                          ///< when the plate's own file was last changed
+    const Vex2FileManager* content = nullptr;  ///< owned by the document
+    std::uint64_t offset = 0;                  ///< in the file: of the plate's record, or 0
+    std::uint64_t end = 0;                     ///< in the file: behind it
+    std::vector<Record> records;               ///< its own
   };
   /// What saving the document would not bring back.
   struct Loss {
@@ -36,6 +47,14 @@ class Document {
   std::uint64_t Size() const { return size_; }
   /// The records in the file, in their order, as far as they could be followed.
   const std::vector<Record>& Records() const { return records_; }
+  /// The document itself as a plate. Valid as long as the document is.
+  Plate Itself() const;
+  /// The plates in it, in their order; none where it is no study.
+  const std::vector<Plate>& Plates() const { return plates_; }
+  /// Whether it is a document for the sake of the plates in it.
+  bool IsStudy() const { return content_.IsRQS(); }
+  /// When the file was last changed.
+  CTime Modified() const { return modified_; }
   /// Where the bytes begin that are no records any more; the file's size when there are none.
   std::uint64_t StrayOffset() const { return strayOffset_; }
   /// Why the document could not be read whole; nothing when it was.
@@ -58,12 +77,15 @@ class Document {
   bool beginsStrayBytes(std::uint64_t offset) const;
   void findStrayBytes(std::uint64_t walkEnd);
   void noteStudyLosses();
+  void linkPlates();
 
   std::string path_;
   DocumentFile content_;
   std::uint64_t size_ = 0;
   std::uint64_t strayOffset_ = 0;
+  CTime modified_;
   std::vector<Record> records_;
+  std::vector<Plate> plates_;
   std::vector<Loss> losses_;
   std::optional<FileFault> fault_;
 };

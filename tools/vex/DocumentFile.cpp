@@ -11,7 +11,18 @@ namespace {
 
 constexpr std::string_view kRawData = "RAWa";
 
+// What a study adds to a plate: name and date.
+bool isPlateText(const CComponent& component) {
+  return component.GetTag() == "Path" || component.GetTag() == "RQPD";
+}
+
 }  // namespace
+
+DocumentFile::DocumentFile(const Vex2FileManager& plate) : Vex2FileManager(plate) {
+  int last = GetAllComponentCount() - 1;
+  while (last >= 0 && isPlateText(*GetComponent(last))) --last;
+  if (last >= 0 && GetComponent(last)->GetTag() == kRawData) moveToEnd(GetComponent(last));
+}
 
 void DocumentFile::OpenDocument(const std::string& path) {
   CFileException reason;
@@ -34,11 +45,10 @@ bool DocumentFile::hasRawDataLast() const {
   return last != nullptr && last->GetTag() == kRawData;
 }
 
-void DocumentFile::moveRawDataToEnd() {
-  CComponent* block = includesComponent(kRawData);
+void DocumentFile::moveToEnd(CComponent* component) {
   std::unique_ptr<CComponent> copy;
-  if (block == nullptr || CloneComponent(*block, copy) != 1) return;
-  RemoveComponent(block);
+  if (component == nullptr || CloneComponent(*component, copy) != 1) return;
+  RemoveComponent(component);
   appendComponent(std::move(copy));
 }
 

@@ -11,6 +11,11 @@ namespace vex2::tool {
 /// those who derive from it.
 class DocumentFile : public Vex2FileManager {
  public:
+  DocumentFile() = default;
+  /// A document of its own of a plate from a study, record for record; raw data that were the last
+  /// ones, before the plate was given its name and date, are that again.
+  explicit DocumentFile(const Vex2FileManager& plate);
+
   /// Opens the document at `path` for reading. Throws an error when the system refuses, or when it
   /// is no document.
   void OpenDocument(const std::string& path);
@@ -23,7 +28,7 @@ class DocumentFile : public Vex2FileManager {
   void KeepingRawDataLast(const Change& change) {
     const bool wasLast = hasRawDataLast();
     change();
-    if (wasLast && !hasRawDataLast()) moveRawDataToEnd();
+    if (wasLast && !hasRawDataLast()) moveToEnd(includesComponent("RAWa"));
   }
 
   /// Reads one frame of the block whose record begins at `blockOffset` of the open file. Answers
@@ -32,7 +37,7 @@ class DocumentFile : public Vex2FileManager {
 
  private:
   bool hasRawDataLast() const;
-  void moveRawDataToEnd();
+  void moveToEnd(CComponent* component);
 };
 
 }  // namespace vex2::tool

@@ -2,19 +2,23 @@
 
 #include "tools/vex/Command.h"
 #include "tools/vex/DataBlock.h"
-#include "tools/vex/Document.h"
+#include "tools/vex/DocumentPlates.h"
 #include "tools/vex/Output.h"
 #include "tools/vex/ReadingsWriter.h"
 #include "tools/vex/Rewriting.h"
 #include "tools/vex/RunReading.h"
 #include "tools/vex/Settings.h"
+#include "tools/vex/Text.h"
 #include "vex2/run/AcquisitionDataComp.h"
 
 namespace vex2::tool {
 
 namespace {
 
-void writeRows(ReadingsWriter& writer, const AcquisitionDataComp& block, std::uint32_t columns) {
+void writePlate(ReadingsWriter& writer, const Document::Plate& plate,
+                const AcquisitionDataComp& block) {
+  writer.BeginPlate(ToUtf8(plate.name), ScaleInLog(LogText(*plate.content)));
+  const auto columns = static_cast<std::uint32_t>(plate.content->GetHeaderCols());
   const Vex2WellRecord unfilled;
   const int frames = block.GetFrameCount();
   std::size_t position = 0;
@@ -32,7 +36,8 @@ class ExportCommand final : public Command {
  public:
   ExportCommand()
       : Command({"export", "Write the readings as a table, a row for each well and frame.",
-                 "vex export run.vex --format csv\nvex export run.vex -o run.csv"}) {}
+                 "vex export run.vex --format csv\nvex export run.vex -o run.csv\n"
+                 "vex export study.vex --plate plate1"}) {}
 
   void AddOptions(CLI::App& app) override {
     app.add_option("FILE", file_, "The document")->required()->type_name("");
@@ -40,41 +45,41 @@ class ExportCommand final : public Command {
         ->check(CLI::IsMember({"csv"}))
         ->type_name("NAME");
     AddBlockOption(app, block_);
+    plate_.AddTo(app);
     app.add_option("-o,--output", target_, "The file to write; standard output if none")
         ->type_name("OUT");
   }
 
   ExitCode Run() override {
     const Document document(file_);
-    const AcquisitionDataComp* block = find(document.Content());
-    if (block == nullptr) {
-      document.RequireWhole("");
-      throw Error(ExitCode::kDocument, file_, "it has no data block \"" + block_ + "\"");
-    }
+    const auto plates = platesWithBlock(document);
     if (IsSameFile(file_, target_)) {
       throw Error(ExitCode::kUsage, file_, "the table would take the place of its own document");
     }
     Output output(target_);
-    ReadingsWriter writer(output.Stream(), ScaleInLog(LogText(document.Content())));
-    writeRows(writer, *block, static_cast<std::uint32_t>(document.Content().GetHeaderCols()));
+    ReadingsWriter writer(output.Stream(), document.IsStudy() && !plate_.IsGiven());
+    for (const Document::Plate& plate : plates) {
+      writePlate(writer, plate, *FindBlock(plate, block_));
+    }
     output.Finish();
     document.RequireWhole("");
     return ExitCode::kDone;
   }
 
  private:
-  const AcquisitionDataComp* find(const Vex2FileManager& document) const {
-    for (int i = 0; i < document.GetAllComponentCount(); ++i) {
-      const CComponent* component = document.GetComponent(i);
-      if (component->GetTag() == block_) return dynamic_cast<const AcquisitionDataComp*>(component);
-    }
-    return nullptr;
+  std::vector<Document::Plate> platesWithBlock(const Document& document) const {
+    auto plates = plate_.Choose(document);
+    std::erase_if(plates, [&](const auto& plate) { return FindBlock(plate, block_) == nullptr; });
+    if (!plates.empty()) return plates;
+    document.RequireWhole("");
+    throw Error(ExitCode::kDocument, file_, "it has no data block \"" + block_ + "\"");
   }
 
   std::string file_;
   std::string format_ = "csv";
   std::string block_;
   std::string target_;
+  PlateOption plate_;
 };
 
 }  // namespace

@@ -1,13 +1,15 @@
 #include <algorithm>
 #include <iostream>
+#include <new>
 #include <nlohmann/json.hpp>
 
 #include "tools/vex/Command.h"
 #include "tools/vex/DataBlock.h"
-#include "tools/vex/DocumentFile.h"
+#include "tools/vex/DocumentPlates.h"
 #include "tools/vex/RunReading.h"
 #include "tools/vex/Terminal.h"
 #include "tools/vex/Text.h"
+#include "vex2/run/AcquisitionDataComp.h"
 
 namespace vex2::tool {
 
@@ -19,6 +21,8 @@ constexpr std::size_t kStoredData = 32;
 
 /// One frame with what is needed to show it.
 struct FrameView {
+  std::string plate;          ///< of a study
+  bool isEmbedded = false;    ///< in a study
   std::uint32_t columns = 0;  ///< of the plate
   std::vector<std::uint16_t> wells;
   std::uint64_t frameCount = 0;
@@ -102,26 +106,68 @@ class FrameCommand final : public Command {
     app.add_option("FILE", file_, "The document")->required()->type_name("");
     app.add_option("N", index_, "The frame, from 0")->required()->type_name("");
     AddBlockOption(app, block_);
-    app.add_flag("--json", json_, "For programs: an object");
+    plate_.AddTo(app);
+    app.add_flag("--json", json_, "For programs: an object; one a line for each plate");
   }
 
   ExitCode Run() override {
-    const FrameView view = read();
-    if (json_) {
-      printJson(view);
+    DocumentFile file;
+    file.OpenDocument(file_);
+    static_cast<void>(file.ReadHeaderData(nullptr));
+    if (file.IsRQS() || plate_.IsGiven()) {
+      file.Close();
+      const Document document(file_);
+      for (const Document::Plate& plate : platesWithFrame(document)) show(readPlate(plate));
+      document.RequireWhole("");
     } else {
-      std::cout << Printable(file_) << ": " << block_ << ", frame " << index_ << " of "
-                << view.frameCount << ", " << Counted(view.wells.size(), "well") << '\n';
-      printTable(view);
+      show(read(file));
     }
     return ExitCode::kDone;
   }
 
  private:
-  FrameView read() const {
-    DocumentFile file;
-    file.OpenDocument(file_);
-    static_cast<void>(file.ReadHeaderData(nullptr));
+  void show(const FrameView& view) {
+    if (json_) return printJson(view);
+    if (shown_++ > 0) std::cout << '\n';
+    std::cout << Printable(file_) << (view.isEmbedded ? ", plate " + Printable(view.plate) : "")
+              << ": " << block_ << ", frame " << index_ << " of " << view.frameCount << ", "
+              << Counted(view.wells.size(), "well") << '\n';
+    printTable(view);
+  }
+
+  std::vector<Document::Plate> platesWithFrame(const Document& document) const {
+    auto plates = plate_.Choose(document);
+    std::erase_if(plates, [&](const auto& plate) { return FindBlock(plate, block_) == nullptr; });
+    if (plates.empty()) {
+      document.RequireWhole("");
+      throw Error(ExitCode::kDocument, file_, "it has no data block \"" + block_ + "\"");
+    }
+    std::uint64_t most = 0;
+    std::erase_if(plates, [&](const auto& plate) {
+      const auto count = static_cast<std::uint64_t>(FindBlock(plate, block_)->GetFrameCount());
+      most = std::max(most, count);
+      return index_ < 0 || static_cast<std::uint64_t>(index_) >= count;
+    });
+    if (plates.empty()) requireIndex(most);
+    return plates;
+  }
+
+  FrameView readPlate(const Document::Plate& plate) const {
+    const AcquisitionDataComp& block = *FindBlock(plate, block_);
+    FrameView view{.plate = ToUtf8(plate.name),
+                   .isEmbedded = plate.isEmbedded,
+                   .columns = static_cast<std::uint32_t>(plate.content->GetHeaderCols()),
+                   .wells = {block.GetWellNumbers().begin(), block.GetWellNumbers().end()},
+                   .frameCount = static_cast<std::uint64_t>(block.GetFrameCount()),
+                   .frame = {}};
+    const auto index = static_cast<int>(index_);
+    if (plate.content->ReadDataFrame(index, &view.frame, BlockType(block_)) != kSuccess) {
+      throw std::bad_alloc();
+    }
+    return view;
+  }
+
+  FrameView read(DocumentFile& file) const {
     const auto record = findBlock(file, block_);
     if (!record) throw Error(ExitCode::kDocument, file_, "it has no data block \"" + block_ + "\"");
     auto head = ReadDataBlockHead(file, *record);
@@ -130,7 +176,9 @@ class FrameCommand final : public Command {
                   record->offset);
     }
     requireIndex(head->frameCount);
-    FrameView view{.columns = static_cast<std::uint32_t>(file.GetHeaderCols()),
+    FrameView view{.plate = {},
+                   .isEmbedded = false,
+                   .columns = static_cast<std::uint32_t>(file.GetHeaderCols()),
                    .wells = std::move(head->wells),
                    .frameCount = head->frameCount,
                    .frame = {}};
@@ -177,18 +225,21 @@ class FrameCommand final : public Command {
            {"leading", record.leading},
            {"data", std::vector<std::uint16_t>(record.data, record.data + kStoredData)}});
     }
-    const ordered_json frame = {{"file", file_},
-                                {"block", block_},
-                                {"frame", index_},
-                                {"frames", view.frameCount},
-                                {"wells", std::move(wells)}};
+    ordered_json frame = {{"file", file_}};
+    if (view.isEmbedded) frame["plate"] = view.plate;
+    frame["block"] = block_;
+    frame["frame"] = index_;
+    frame["frames"] = view.frameCount;
+    frame["wells"] = std::move(wells);
     std::cout << frame.dump(-1, ' ', false, ordered_json::error_handler_t::replace) << '\n';
   }
 
   std::string file_;
   std::string block_;
   std::int64_t index_ = 0;
+  PlateOption plate_;
   bool json_ = false;
+  int shown_ = 0;
 };
 
 }  // namespace

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <bit>
 #include <iostream>
 #include <iterator>
 #include <map>
@@ -7,13 +6,11 @@
 #include <sstream>
 
 #include "tools/vex/Command.h"
-#include "tools/vex/DataBlock.h"
-#include "tools/vex/Document.h"
-#include "tools/vex/RecordKinds.h"
+#include "tools/vex/DocumentInfo.h"
+#include "tools/vex/DocumentPlates.h"
 #include "tools/vex/Settings.h"
 #include "tools/vex/Terminal.h"
 #include "tools/vex/Text.h"
-#include "vex2/run/AcquisitionDataComp.h"
 
 namespace vex2::tool {
 
@@ -22,113 +19,17 @@ namespace {
 using nlohmann::ordered_json;
 using Style = Terminal::Style;
 
-template <std::size_t size>
-std::string textOf(const char (&characters)[size]) {
-  std::string text = ToUtf8({characters, size});
-  text.erase(text.find_last_not_of(' ') + 1);
-  return text;
-}
-
-std::size_t wellsInUse(const Vex2HeaderData& header) {
-  std::size_t count = 0;
-  for (unsigned row = 0; row < header.rows && header.usage != nullptr; ++row) {
-    count += static_cast<std::size_t>(std::popcount(header.usage[row]));
-  }
-  return count;
-}
-
-ordered_json timeOf(const TimeStamp& time) {
-  const auto text = TimeText(time);
-  return text ? ordered_json(*text) : ordered_json(nullptr);
-}
-
-ordered_json blockInfo(const AcquisitionDataComp& block) {
-  return {{"tag", block.GetTag()},
-          {"version", block.GetVersion()},
-          {"wells", block.GetWellCount()},
-          {"frames", block.GetFrameCount()},
-          {"start", timeOf(block.GetStartTime())},
-          {"end", timeOf(block.GetEndTime())}};
-}
-
-ordered_json settingsInfo(const Vex2FileManager& document) {
-  ordered_json settings = ordered_json::object();
-  for (const Setting& setting : Settings()) {
-    const auto value = setting.get(document);
-    if (!value.is_null()) settings[std::string(setting.key)] = value;
-  }
-  return settings;
-}
-
-ordered_json faultsInfo(const Document& document) {
-  ordered_json faults = ordered_json::array();
-  if (const auto& fault = document.Fault()) {
-    faults.push_back({{"offset", fault->offset}, {"what", fault->what}});
-  }
-  for (const Document::Loss& loss : document.Losses()) {
-    faults.push_back({{"offset", loss.offset}, {"what", loss.what}});
-  }
-  return faults;
-}
-
-ordered_json recordsInfo(const Document& document) {
-  ordered_json records = ordered_json::array();
-  for (const Document::Record& record : document.Records()) {
-    records.push_back({{"tag", ToUtf8(record.tag)},
-                       {"offset", record.offset},
-                       {"length", record.length},
-                       {"known", record.known}});
-  }
-  return records;
-}
-
-/// Everything that the command says about a document, for programs and for people.
-ordered_json gather(const Document& document) {
-  const DocumentFile& content = document.Content();
-  const Vex2HeaderData& header = content.GetHeaderData();
-  ordered_json info = {{"file", document.Path()},
-                       {"size", document.Size()},
-                       {"whole", !document.Fault()},
-                       {"kind", textOf(header.kindMarker)},
-                       {"plate",
-                        {{"type", textOf(header.plateTypeCode)},
-                         {"rows", header.rows},
-                         {"columns", header.columns},
-                         {"wellsInUse", wellsInUse(header)}}},
-                       {"assay", textOf(header.assayCode)},
-                       {"run", textOf(header.runCode)},
-                       {"text", textOf(header.text)},
-                       {"status", textOf(header.acquisitionStatus)},
-                       {"frames", content.GetDataFrameCount(DataRAWa)},
-                       {"start", nullptr},
-                       {"end", nullptr},
-                       {"blocks", ordered_json::array()},
-                       {"settings", settingsInfo(content)},
-                       {"programSize", nullptr}};
-  for (int i = 0; i < content.GetAllComponentCount(); ++i) {
-    const CComponent* component = content.GetComponent(i);
-    if (const auto* block = dynamic_cast<const AcquisitionDataComp*>(component)) {
-      info["blocks"].push_back(blockInfo(*block));
-      if (block->GetTag() != "RAWa") continue;
-      info["start"] = timeOf(block->GetStartTime());
-      info["end"] = timeOf(block->GetEndTime());
-    } else if (component->GetTag() == "TPro" && info["programSize"].is_null()) {
-      info["programSize"] = component->GetLength();
-    }
-  }
-  info["records"] = recordsInfo(document);
-  info["faults"] = faultsInfo(document);
-  return info;
-}
-
 /// The same on a person's screen.
 class Screen {
  public:
   explicit Screen(const ordered_json& info) : info_(info) {}
 
   void Print() {
-    std::cout << terminal_.Styled(Printable(info_["file"].get<std::string>()), Style::kBold)
-              << '\n';
+    const bool isPlate = info_.contains("name");
+    const std::string title =
+        text(info_["file"]) + (isPlate ? ", plate " + text(info_["name"]) : "");
+    std::cout << terminal_.Styled(title, Style::kBold) << '\n';
+    if (isPlate) line("modified", text(info_["modified"]));
     line("kind", kindText());
     line("plate", plateText());
     line("assay", assayText());
@@ -139,8 +40,9 @@ class Screen {
       line("program", Counted(info_["programSize"].get<unsigned>(), "byte"));
     }
     printRecords();
+    printPlates();
     line("size", Counted(info_["size"].get<std::uint64_t>(), "byte"));
-    printFaults();
+    if (info_.contains("faults")) printFaults();
   }
 
  private:
@@ -170,6 +72,20 @@ class Screen {
       current += item;
     }
     line(label, current, style);
+  }
+
+  void printPlates() {
+    if (!info_.contains("plates")) return;
+    const auto& plates = info_["plates"];
+    line("plates", std::to_string(plates.size()) + " in all");
+    for (const auto& plate : plates) {
+      line("", text(plate["name"]) + ": " +
+                   Counted(plate["plate"]["rows"].get<std::uint64_t>() *
+                               plate["plate"]["columns"].get<std::uint64_t>(),
+                           "well") +
+                   ", " + Counted(plate["frames"].get<unsigned>(), "frame") + ", " +
+                   text(plate["status"]) + ", modified " + text(plate["modified"]));
+    }
   }
 
   void printFaults() {
@@ -288,6 +204,7 @@ class InfoCommand final : public Command {
 
   void AddOptions(CLI::App& app) override {
     app.add_option("FILE", files_, "The documents")->required()->type_name("");
+    plate_.AddTo(app);
     app.add_flag("--json", json_, "For programs: an object a document, one a line");
   }
 
@@ -307,7 +224,8 @@ class InfoCommand final : public Command {
  private:
   void show(const std::string& file) {
     const Document document(file);
-    const ordered_json info = gather(document);
+    // What a study says has its plates in it.
+    const ordered_json info = DescribeDocument(document, plate_.Choose(document).front());
     if (json_) {
       std::cout << info.dump(-1, ' ', false, ordered_json::error_handler_t::replace) << '\n';
     } else {
@@ -318,6 +236,7 @@ class InfoCommand final : public Command {
   }
 
   std::vector<std::string> files_;
+  PlateOption plate_;
   bool json_ = false;
   int shown_ = 0;
 };

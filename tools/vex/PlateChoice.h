@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/vex/Document.h"
+#include "tools/vex/DocumentPlates.h"
 #include "vex2/manager/Vex2FileManagerComponent.h"
 
 namespace vex2::tool {
@@ -61,7 +61,7 @@ class PlateChoice {
   static std::string shownName(const Plate& plate);
   static std::string title(const Plate& plate);
 
-  std::string name_;
+  PlateOption option_;
 };
 
 /// Whether the document holds plates of a study.

@@ -1,5 +1,7 @@
 #include "tools/vex/ReadingsWriter.h"
 
+#include "tools/vex/CsvWriter.h"
+
 namespace vex2::tool {
 
 namespace {
@@ -9,12 +11,17 @@ constexpr std::uint32_t kTimeScale = 1000;
 
 }  // namespace
 
-ReadingsWriter::ReadingsWriter(std::ostream& out, std::uint32_t scale) : out_(out), scale_(scale) {
-  out_ << "well,stage,cycle,time_s,temperature_c,fluorescence\n";
+ReadingsWriter::ReadingsWriter(std::ostream& out, bool ofPlates) : out_(out), ofPlates_(ofPlates) {
+  out_ << (ofPlates ? "plate," : "") << "well,stage,cycle,time_s,temperature_c,fluorescence\n";
+}
+
+void ReadingsWriter::BeginPlate(const std::string& name, std::uint32_t scale) {
+  plate_ = ofPlates_ ? CsvField(name) + "," : "";
+  scale_ = scale;
 }
 
 void ReadingsWriter::Write(const std::string& well, const RunReading& reading) {
-  out_ << well << (reading.melting ? ",melt," : ",amplification,") << reading.cycle << ','
+  out_ << plate_ << well << (reading.melting ? ",melt," : ",amplification,") << reading.cycle << ','
        << ShortestQuotient(reading.time, kTimeScale) << ','
        << ShortestQuotient(reading.temperature, kTemperatureScale) << ','
        << ShortestQuotient(reading.value, scale_) << '\n';
@@ -22,7 +29,7 @@ void ReadingsWriter::Write(const std::string& well, const RunReading& reading) {
 
 void ReadingsWriter::Write(const std::string& well, const Vex2WellRecord& record) {
   if (record.leading[0] == 0) {
-    out_ << well << ",,,,,\n";
+    out_ << plate_ << well << ",,,,,\n";
   } else {
     Write(well, DecodeReading(record));
   }

@@ -140,7 +140,10 @@ class Walker {
       const std::uint64_t offset = file_.GetPosition();
       const FileRecord next = readTag();
       if (next.Tag() == "EOF " || next.Tag() == "Vex2") return true;
-      if (next.kind->layout == BodyLayout::kUnknown) continue;
+      if (next.kind->layout == BodyLayout::kUnknown) {
+        visitor_.Pass(offset);
+        continue;
+      }
       seek(offset);
       if (!this->record(record.depth + 1)) return false;
       if (next.Tag() == "EOPl") return true;

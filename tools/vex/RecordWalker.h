@@ -31,6 +31,8 @@ class RecordVisitor {
   virtual void Begin(const FileRecord& record, CFile& file) = 0;
   /// It ends, after the records in it. Not called for a record that ends the walk.
   virtual void End(const FileRecord& record) { static_cast<void>(record); }
+  /// Four bytes of a plate in a study are passed over: they begin no record that its reader knows.
+  virtual void Pass(std::uint64_t offset) { static_cast<void>(offset); }
 };
 
 /// What is wrong at a place in a file.

@@ -35,14 +35,30 @@ void Rewriting::AddOptions(CLI::App& app) {
 void Rewriting::Prepare(Document& document, const std::string& target) const {
   document.RequireWhole("saved");
   upgradeBlocks(document);
-  reportLosses(document, target);
+  reportLosses(document, document.Losses(), target);
 }
 
-void Rewriting::upgradeBlocks(Document& document) const {
+void Rewriting::PreparePlate(const Document& document, const Document::Plate& plate,
+                             const std::string& target) const {
+  document.RequireWhole("saved");
+  upgradeBlocks(document, plate);
+  std::vector<Document::Loss> losses = document.Losses();
+  std::erase_if(losses, [&](const Document::Loss& loss) {
+    return loss.offset < plate.offset || loss.offset >= plate.end;
+  });
+  reportLosses(document, losses, target);
+}
+
+void Rewriting::upgradeBlocks(const Document& document) const {
+  upgradeBlocks(document, document.Itself());
+  for (const Document::Plate& plate : document.Plates()) upgradeBlocks(document, plate);
+}
+
+void Rewriting::upgradeBlocks(const Document& document, const Document::Plate& plate) const {
   int index = 0;
-  for (const Document::Record& record : document.Records()) {
+  for (const Document::Record& record : plate.records) {
     if (!record.known) continue;
-    auto* block = dynamic_cast<AcquisitionDataComp*>(document.Content().GetComponent(index++));
+    auto* block = dynamic_cast<AcquisitionDataComp*>(plate.content->GetComponent(index++));
     if (block == nullptr || block->GetVersion() >= kFirstVersionThatReadsBack) continue;
     if (!upgrade_) {
       throw Error(ExitCode::kDocument, document.Path(),
@@ -55,8 +71,8 @@ void Rewriting::upgradeBlocks(Document& document) const {
   }
 }
 
-void Rewriting::reportLosses(const Document& document, const std::string& target) const {
-  const auto& losses = document.Losses();
+void Rewriting::reportLosses(const Document& document, const std::vector<Document::Loss>& losses,
+                             const std::string& target) const {
   if (losses.empty()) return;
   if (IsSameFile(document.Path(), target) && !dropUnknown_) {
     throw Error(ExitCode::kDocument, document.Path(),
@@ -75,8 +91,8 @@ void Rewriting::reportLosses(const Document& document, const std::string& target
   }
 }
 
-void Rewriting::Save(Document& document, const std::string& target) {
-  if (document.Content().SaveToFile(target.c_str()) == kSuccess) return;
+void Rewriting::Save(Vex2FileManager& document, const std::string& target) {
+  if (document.SaveToFile(target.c_str()) == kSuccess) return;
   throw SystemError(target, reasonAgainst(target));
 }
 

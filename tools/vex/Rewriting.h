@@ -19,12 +19,18 @@ class Rewriting {
   /// error what a save elsewhere leaves out.
   void Prepare(Document& document, const std::string& target) const;
 
+  /// The same for one of the document's plates, which is saved alone, to another file.
+  void PreparePlate(const Document& document, const Document::Plate& plate,
+                    const std::string& target) const;
+
   /// Saves `document` to `target`; throws an error when that fails.
-  static void Save(Document& document, const std::string& target);
+  static void Save(Vex2FileManager& document, const std::string& target);
 
  private:
-  void upgradeBlocks(Document& document) const;
-  void reportLosses(const Document& document, const std::string& target) const;
+  void upgradeBlocks(const Document& document) const;
+  void upgradeBlocks(const Document& document, const Document::Plate& plate) const;
+  void reportLosses(const Document& document, const std::vector<Document::Loss>& losses,
+                    const std::string& target) const;
 
   bool upgrade_ = false;
   bool dropUnknown_ = false;

@@ -5,15 +5,18 @@
 #include "tools/vex/Command.h"
 #include "tools/vex/Rewriting.h"
 #include "tools/vex/Settings.h"
+#include "tools/vex/Study.h"
 #include "tools/vex/Text.h"
 
 namespace vex2::tool {
 
 namespace {
 
-std::string settingList() {
+using SettingList = std::vector<Setting>;
+
+std::string settingList(const SettingList& settings) {
   std::string text = "Settings:";
-  for (const Setting& setting : Settings()) {
+  for (const Setting& setting : settings) {
     text += "\n  " + PadRight(std::string(setting.key), 20) + std::string(setting.takes);
   }
   return text + "\n  A text that is set to nothing, as in comment=, is removed.";
@@ -21,10 +24,12 @@ std::string settingList() {
 
 class SetCommand final : public Command {
  public:
-  SetCommand()
-      : Command({"set", "Change a document's run-wide settings.",
-                 "vex set run.vex comment='second dilution series' sample-volume=25\n"
-                 "vex set run.vex calibrator= --dry-run"}) {}
+  /// `call` is what is typed in front of the document.
+  SetCommand(Description description, std::string call, SettingList settings, bool ofStudy)
+      : Command(std::move(description)),
+        call_(std::move(call)),
+        settings_(std::move(settings)),
+        ofStudy_(ofStudy) {}
 
   void AddOptions(CLI::App& app) override {
     app.add_option("FILE", file_, "The document")->required()->type_name("");
@@ -33,19 +38,20 @@ class SetCommand final : public Command {
         ->type_name("");
     app.add_flag("--dry-run", dryRun_, "Say what would change, and change nothing");
     rewriting_.AddOptions(app);
-    app.footer(settingList() + "\n\n" + app.get_footer());
+    app.footer(settingList(settings_) + "\n\n" + app.get_footer());
   }
 
   ExitCode Run() override {
     const std::vector<Change> changes = parse();
     Document document(file_);
+    if (ofStudy_) RequireStudy(document);
     document.RequireAtRest();
     rewriting_.Prepare(document, file_);
     std::string report;
     document.Content().KeepingRawDataLast([&] {
       for (const Change& change : changes) report += apply(document.Content(), change);
     });
-    if (!dryRun_) Rewriting::Save(document, file_);
+    if (!dryRun_) Rewriting::Save(document.Content(), file_);
     std::cout << report;
     return ExitCode::kDone;
   }
@@ -61,10 +67,10 @@ class SetCommand final : public Command {
     for (const std::string& assignment : assignments_) {
       const std::size_t equals = assignment.find('=');
       const std::string key = assignment.substr(0, equals);
-      const auto found = std::find_if(Settings().begin(), Settings().end(),
+      const auto found = std::find_if(settings_.begin(), settings_.end(),
                                       [&](const Setting& setting) { return setting.key == key; });
       if (equals == std::string::npos) refuse(assignment, "is not of the form key=value");
-      if (found == Settings().end()) refuse(key, "is no setting");
+      if (found == settings_.end()) refuse(key, "is no setting");
       for (const Change& change : changes) {
         if (change.setting == &*found) refuse(key, "is given twice");
       }
@@ -74,7 +80,7 @@ class SetCommand final : public Command {
   }
 
   [[noreturn]] void refuse(const std::string& what, const std::string& why) const {
-    throw Error(ExitCode::kUsage, file_, "'" + what + "' " + why + "; see 'vex set --help'");
+    throw Error(ExitCode::kUsage, file_, "'" + what + "' " + why + "; see '" + call_ + " --help'");
   }
 
   std::string apply(Vex2FileManager& document, const Change& change) const {
@@ -93,6 +99,9 @@ class SetCommand final : public Command {
     return value.is_null() ? "none" : Printable(SettingText(value));
   }
 
+  std::string call_;
+  SettingList settings_;
+  bool ofStudy_;
   std::string file_;
   std::vector<std::string> assignments_;
   bool dryRun_ = false;
@@ -102,7 +111,21 @@ class SetCommand final : public Command {
 }  // namespace
 
 std::unique_ptr<Command> MakeSetCommand() {
-  return std::make_unique<SetCommand>();
+  return std::make_unique<SetCommand>(
+      Command::Description{"set", "Change a document's run-wide settings.",
+                           "vex set run.vex comment='second dilution series' sample-volume=25\n"
+                           "vex set run.vex calibrator= --dry-run"},
+      "vex set", Settings(), false);
+}
+
+std::unique_ptr<Command> MakeStudySetCommand() {
+  SettingList settings = Settings();
+  std::erase_if(settings, [](const Setting& setting) { return !setting.isOfStudies; });
+  return std::make_unique<SetCommand>(
+      Command::Description{"set", "Change how a study compares its plates.",
+                           "vex study set study.vex calibrator=liver endogenous-control=18S\n"
+                           "vex study set study.vex confidence=95 analysis-type=1"},
+      "vex study set", std::move(settings), true);
 }
 
 }  // namespace vex2::tool

@@ -147,10 +147,10 @@ const std::vector<Setting>& Settings() {
       {"drks", byte, getNumber<&S::drks>, setByte<&S::drks>},
       {"version", "0 to 4294967295", getNumber<&S::version>, setNumber<&S::version, std::uint32_t>},
       {"log", text, getBlock<&S::logData, &S::logLength>, setLog},
-      {"confidence", "0 to 100 percent", getConfidence, setConfidence},
-      {"calibrator", text, getName<&M::GetCalibrator>, setName<&M::SetCalibrator>},
-      {"endogenous-control", text, getName<&M::GetEndoControl>, setName<&M::SetEndoControl>},
-      {"analysis-type", word, getAnalysisType, setAnalysisType},
+      {"confidence", "0 to 100 percent", getConfidence, setConfidence, true},
+      {"calibrator", text, getName<&M::GetCalibrator>, setName<&M::SetCalibrator>, true},
+      {"endogenous-control", text, getName<&M::GetEndoControl>, setName<&M::SetEndoControl>, true},
+      {"analysis-type", word, getAnalysisType, setAnalysisType, true},
   };
   return settings;
 }

@@ -17,6 +17,7 @@ struct Setting {
   nlohmann::json (*get)(const Vex2FileManager& document);
   /// Sets the value that `text` stands for. False when it stands for none.
   bool (*set)(Vex2FileManager& document, std::string_view text);
+  bool isOfStudies = false;  ///< it says how a study compares its plates
 };
 
 /// All of them, in the order in which they are shown.

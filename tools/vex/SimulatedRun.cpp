@@ -222,7 +222,8 @@ void ReadParameters(std::string_view log, SimulationParameters& parameters) {
 
 void WriteReadings(const RunPlan& plan, const std::string& path) {
   Output output(path);
-  ReadingsWriter writer(output.Stream(), plan.scale);
+  ReadingsWriter writer(output.Stream());
+  writer.BeginPlate({}, plan.scale);
   for (std::size_t i = 0; i < plan.wells.size(); ++i) {
     for (const auto& frame : plan.frames) writer.Write(plan.plate.NameOf(plan.wells[i]), frame[i]);
   }

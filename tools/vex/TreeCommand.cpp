@@ -2,7 +2,7 @@
 #include <nlohmann/json.hpp>
 
 #include "tools/vex/Command.h"
-#include "tools/vex/Document.h"
+#include "tools/vex/DocumentPlates.h"
 #include "tools/vex/RecordValue.h"
 #include "tools/vex/Terminal.h"
 #include "tools/vex/Text.h"
@@ -114,6 +114,34 @@ class JsonTree final : public RecordVisitor {
   int open_ = 0;
 };
 
+/// Passes the records of one plate on as if it were a document of its own.
+class PlateRecords final : public RecordVisitor {
+ public:
+  PlateRecords(const Document::Plate& plate, RecordVisitor& next) : plate_(plate), next_(next) {}
+
+  void Begin(const FileRecord& record, CFile& file) override {
+    if (isWithin(record)) next_.Begin(lifted(record), file);
+  }
+  void End(const FileRecord& record) override {
+    if (isWithin(record)) next_.End(lifted(record));
+  }
+
+ private:
+  bool isWithin(const FileRecord& record) const {
+    if (!plate_.isEmbedded) return true;
+    return record.offset > plate_.offset && record.offset < plate_.end;
+  }
+  FileRecord lifted(FileRecord record) const {
+    // A plate is a record in the record of all plates.
+    constexpr int kDepthOfPlate = 2;
+    if (plate_.isEmbedded) record.depth -= kDepthOfPlate;
+    return record;
+  }
+
+  const Document::Plate& plate_;
+  RecordVisitor& next_;
+};
+
 class TreeCommand final : public Command {
  public:
   TreeCommand()
@@ -123,28 +151,37 @@ class TreeCommand final : public Command {
 
   void AddOptions(CLI::App& app) override {
     app.add_option("FILE", file_, "The document")->required()->type_name("");
+    plate_.AddTo(app);
     app.add_flag("--json", json_, "For programs: a list of objects");
   }
 
   ExitCode Run() override {
     const Document document(file_);
+    // The tree of a study has those of its plates in it.
+    const Document::Plate plate = plate_.Choose(document).front();
     DocumentFile file;
     file.OpenDocument(file_);
     if (json_) {
       JsonTree tree;
-      static_cast<void>(WalkRecords(file, tree));
+      walk(file, plate, tree);
       tree.Finish();
     } else {
-      TextTree tree(document.StrayOffset());
-      static_cast<void>(WalkRecords(file, tree));
-      tree.Finish(document.Size());
+      TextTree tree(plate.isEmbedded ? plate.end : document.StrayOffset());
+      walk(file, plate, tree);
+      tree.Finish(plate.end);
     }
     document.RequireWhole("");
     return ExitCode::kDone;
   }
 
  private:
+  static void walk(CFile& file, const Document::Plate& plate, RecordVisitor& tree) {
+    PlateRecords records(plate, tree);
+    static_cast<void>(WalkRecords(file, records));
+  }
+
   std::string file_;
+  PlateOption plate_;
   bool json_ = false;
 };
 

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <filesystem>
+
+#include "tests/tools/DocumentFixture.h"
+
+namespace vex2::test {
+
+using nlohmann::json;
+
+/// Two plates, and what becomes of them in a study.
+class StudyTest : public DocumentTest {
+ protected:
+  void SetUp() override {
+    makePlate(plate1_, "first");
+    makePlate(plate2_, "second");
+  }
+
+  static void makePlate(const std::string& path, const std::string& comment,
+                        const char* type = "p9C ", const char* kind = "Kest") {
+    Vex2FileManager plate;
+    Vex2HeaderData header;
+    std::copy_n(type, 4, header.plateTypeCode);
+    std::copy_n(kind, 4, header.kindMarker);
+    plate.SetHeaderData(header);
+    Vex2GlobalComplex settings;
+    settings.SetComment(comment.data(), static_cast<std::uint32_t>(comment.size()));
+    plate.ReplaceGlobalComplexComp(&settings);
+    const std::uint16_t wells[] = {1, 2};
+    plate.InitAcqDataWellNumberArray(wells, 2, DataRAWa);
+    const Vex2WellRecord record = tool::EncodeReading({.cycle = 1, .value = 77}, true);
+    for (int well = 1; well <= 2; ++well) plate.SetAcqDataWellRecord(&record, 0, well, DataRAWa);
+    ASSERT_EQ(plate.SaveToFile(path.c_str()), 0);
+  }
+
+  void makeStudy() { Output({"study", "new", study_, plate1_, plate2_}); }
+
+  json plates() { return JsonOutput({"study", "list", "--json", study_})["plates"]; }
+
+  /// Expects the refusal of `file`, and that the study is as it was.
+  void expectStudyRefuses(const VexProcess::Arguments& arguments, const std::string& file,
+                          int exitCode, const std::string& text) {
+    const bool isThere = std::filesystem::exists(study_);
+    const Bytes before = isThere ? ReadBytes(study_) : Bytes();
+    const CommandResult result = RunVex(arguments);
+    EXPECT_EQ(result.exitCode, exitCode);
+    EXPECT_THAT(result.errors, testing::StartsWith("vex: " + file + ": "));
+    EXPECT_THAT(result.errors, testing::HasSubstr(text));
+    EXPECT_EQ(result.output, "");
+    ASSERT_EQ(std::filesystem::exists(study_), isThere);
+    if (isThere) {
+      EXPECT_EQ(FirstDifference(ReadBytes(study_), before), "");
+    }
+  }
+
+  /// The records of a document or a plate of it, without what says where they stand and without a
+  /// plate's name and date.
+  static json content(json records) {
+    json kept = json::array();
+    for (json& record : records) {
+      if (record["tag"] == "Path" || record["tag"] == "RQPD" || record["tag"] == "EOPl") continue;
+      record.erase("offset");
+      if (record.contains("children")) record["children"] = content(record["children"]);
+      kept.push_back(record);
+    }
+    return kept;
+  }
+
+  const std::string study_ = folder_ / "study.vex";
+  const std::string plate1_ = folder_ / "plate1.vex";
+  const std::string plate2_ = folder_ / "plate2.vex";
+};
+
+}  // namespace vex2::test
