@@ -32,4 +32,7 @@ class CTypedPtrMap : public Base {
     Base::GetNextAssoc(position, key, found);
     value = static_cast<Pointer>(found);
   }
+  Pointer GetNextValue(POSITION& position) const {
+    return static_cast<Pointer>(Base::GetNextValue(position));
+  }
 };

@@ -63,6 +63,14 @@ class MapOf {
     value = entry->second;
     position = toPosition(entries_.upper_bound(entry->first));
   }
+  /// The pointer at `position`, which moves on to the next entry; null at a null position. Takes no
+  /// memory, which the copy of a key may.
+  Pointer GetNextValue(POSITION& position) const {
+    if (position == nullptr) return nullptr;
+    const auto* const entry = reinterpret_cast<const Entry*>(position);
+    position = toPosition(entries_.upper_bound(entry->first));
+    return entry->second;
+  }
 
  private:
   using Entries = std::map<CString, Pointer>;

@@ -43,7 +43,8 @@ class Vex2FileManagerComponent;
 /// One plate document: its header and its components, in memory, and the operations that read and
 /// change them and bring them to and from the disk.
 ///
-/// Operations that return int answer 0 or a negative `vex2::Status`; none throws. Those without a
+/// Operations that return int answer 0 or a negative `vex2::Status`; none throws. Where memory runs
+/// out, those without a status change nothing and answer as if nothing were there. Those without a
 /// path work on the document in memory alone. "Replace" and "Set" operations move what they change
 /// to the end of the document. Pointers that are handed out belong to the document and are valid
 /// until it changes; arrays that are filled for the caller belong to the caller.
@@ -422,8 +423,9 @@ class VEX2_API Vex2FileManager : public CFile {
   CAnalysisSettingsDetectorMap* GetAnalysisSettingsDetectorMap(const char* plateName) const;
   CAnalysisSettingsMap* GetAnalysisSettingsMap(const char* plateName) const;
   /// Uses `map` as the plate's settings. The settings in it are the document's from now on; the map
-  /// of a plate goes with them, that of the document itself stays the caller's. What the document
-  /// itself lacks of the plates' detectors, it receives copies of.
+  /// of a plate goes with them, that of the document itself stays the caller's. A map that was
+  /// handed in before and is now replaced is the caller's again, with the settings in it. What the
+  /// document itself lacks of the plates' detectors, it receives copies of.
   void AddAnalysisSettingsMap(const char* plateName, CAnalysisSettingsMap* map);
   /// Adds settings with the probe's parameters under its name. False, and nothing changes, for a
   /// probe without a name, a plate without settings and a detector that has some.

@@ -6,7 +6,11 @@
 
 #include <set>
 
+#include "vex2/manager/OrNothing.h"
 #include "vex2/manager/Vex2FileManager.h"
+#include "vex2/study/CMultiPlateComp.h"
+
+using vex2::OrNothing;
 
 namespace {
 
@@ -40,26 +44,26 @@ bool removeAt(VexAnalysis* analysis, Table<Result> table, int well) {
 int Vex2FileManager::CreateAnalysisStorage(int mode) {
   const int size = GetPlateSize();
   if (size < 1) return size;
-  ownAnalysis_.reset();
-  if (mode == 1) {
-    ownAnalysis_ = std::make_unique<VexAnalysis>(size);
-  } else {
-    ResetAnalysisMap();
-  }
-  return size;
+  return OrNothing([&] {
+    ownAnalysis_ = mode == 1 ? std::make_unique<VexAnalysis>(size) : nullptr;
+    if (mode != 1) ResetAnalysisMap();
+    return size;
+  });
 }
 
 void Vex2FileManager::SyncPlatesWithAnalysisStorageMap() {
-  CStringList list;
-  CStringList dates;
-  GetMultiPlateList(list, dates);
-  std::set<CString> names;
-  for (POSITION at = list.GetHeadPosition(); at != nullptr;) names.insert(list.GetNext(at));
-  for (const CString& name : names) {
-    if (analysisMap_.count(name) != 0) continue;
-    analysisMap_.emplace(name, std::make_unique<VexAnalysis>(GetPlateSize()));
-  }
-  std::erase_if(analysisMap_, [&](const auto& entry) { return names.count(entry.first) == 0; });
+  OrNothing([this] {
+    CStringList list;
+    CStringList dates;
+    if (const CMultiPlateComp* plates = findPlates()) plates->GetPlateLists(list, dates);
+    std::set<CString> names;
+    for (POSITION at = list.GetHeadPosition(); at != nullptr;) names.insert(list.GetNext(at));
+    for (const CString& name : names) {
+      if (analysisMap_.count(name) != 0) continue;
+      analysisMap_.emplace(name, std::make_unique<VexAnalysis>(GetPlateSize()));
+    }
+    std::erase_if(analysisMap_, [&](const auto& entry) { return names.count(entry.first) == 0; });
+  });
 }
 
 VexAnalysis* Vex2FileManager::LookupAnalysisPtr(const CString& plateName) const {
@@ -88,8 +92,10 @@ bool Vex2FileManager::GetMCDataAt(const CString& plateName, IDAMCMatrix*& matrix
 }
 
 bool Vex2FileManager::GetMCDataAt(const char* plateName, IDAMCMatrix*& matrix, int well) const {
-  static_cast<void>(plateName == nullptr ? GetMCDataAt(matrix, well)
-                                         : GetMCDataAt(CString(plateName), matrix, well));
+  OrNothing([&] {
+    return plateName == nullptr ? GetMCDataAt(matrix, well)
+                                : GetMCDataAt(CString(plateName), matrix, well);
+  });
   return false;
 }
 
@@ -106,8 +112,10 @@ bool Vex2FileManager::SetMCDataAt(const CString& plateName, IDAMCMatrix* matrix,
 }
 
 bool Vex2FileManager::SetMCDataAt(const char* plateName, IDAMCMatrix* matrix, int well) {
-  static_cast<void>(plateName == nullptr ? SetMCDataAt(matrix, well)
-                                         : SetMCDataAt(CString(plateName), matrix, well));
+  OrNothing([&] {
+    return plateName == nullptr ? SetMCDataAt(matrix, well)
+                                : SetMCDataAt(CString(plateName), matrix, well);
+  });
   return false;
 }
 
@@ -130,8 +138,10 @@ bool Vex2FileManager::GetReporterAt(const CString& plateName, IDAClippedMatrix*&
 
 bool Vex2FileManager::GetReporterAt(const char* plateName, IDAClippedMatrix*& matrix, int well,
                                     bool second) const {
-  static_cast<void>(plateName == nullptr ? GetReporterAt(matrix, well, second)
-                                         : GetReporterAt(CString(plateName), matrix, well, second));
+  OrNothing([&] {
+    return plateName == nullptr ? GetReporterAt(matrix, well, second)
+                                : GetReporterAt(CString(plateName), matrix, well, second);
+  });
   return false;
 }
 
@@ -151,8 +161,10 @@ bool Vex2FileManager::SetReporterAt(const CString& plateName, IDAClippedMatrix* 
 
 bool Vex2FileManager::SetReporterAt(const char* plateName, IDAClippedMatrix* matrix, int well,
                                     bool second) {
-  return plateName == nullptr ? SetReporterAt(matrix, well, second)
-                              : SetReporterAt(CString(plateName), matrix, well, second);
+  return OrNothing([&] {
+    return plateName == nullptr ? SetReporterAt(matrix, well, second)
+                                : SetReporterAt(CString(plateName), matrix, well, second);
+  });
 }
 
 bool Vex2FileManager::RemoveReporterAt(int well, bool second, VexAnalysis* analysis) {
@@ -168,8 +180,10 @@ bool Vex2FileManager::RemoveReporterAt(const CString& plateName, int well, bool 
 }
 
 bool Vex2FileManager::RemoveReporterAt(const char* plateName, int well, bool second) {
-  static_cast<void>(plateName == nullptr ? RemoveReporterAt(well, second)
-                                         : RemoveReporterAt(CString(plateName), well, second));
+  OrNothing([&] {
+    return plateName == nullptr ? RemoveReporterAt(well, second)
+                                : RemoveReporterAt(CString(plateName), well, second);
+  });
   return false;
 }
 

@@ -3,8 +3,11 @@
 
 #include <cstring>
 
+#include "vex2/manager/OrNothing.h"
 #include "vex2/manager/Vex2FileManager.h"
 #include "vex2/study/CNamedObject.h"
+
+using vex2::OrNothing;
 
 namespace {
 
@@ -15,14 +18,15 @@ void addSettings(CAnalysisSettingsMap& map, const CString& detector,
   static_cast<void>(settings.release());
 }
 
-template <class Visit>
-void forEachSettings(const CAnalysisSettingsMap* map, Visit visit) {
-  if (map == nullptr) return;
+// Adds copies of the settings of all detectors that `global` lacks.
+void addWhatIsMissing(CAnalysisSettingsMap& global, const CAnalysisSettingsMap& plate) {
   CString detector;
   CAnalysisSettings* settings = nullptr;
-  for (POSITION at = map->GetStartPosition(); at != nullptr;) {
-    map->GetNextAssoc(at, detector, settings);
-    if (settings != nullptr) visit(detector, *settings);
+  CAnalysisSettings* held = nullptr;
+  for (POSITION at = plate.GetStartPosition(); at != nullptr;) {
+    plate.GetNextAssoc(at, detector, settings);
+    if (settings == nullptr || global.Lookup(detector, held)) continue;
+    addSettings(global, detector, std::make_unique<CAnalysisSettings>(*settings));
   }
 }
 
@@ -31,8 +35,10 @@ void forEachSettings(const CAnalysisSettingsMap* map, Visit visit) {
 CAnalysisSettingsDetectorMap* Vex2FileManager::LookupAnalysisDetectorMapPtr(
     const char* plateName) const {
   if (plateName == nullptr) return detectorMap_.get();
-  const auto found = plateDetectorMaps_.find(plateName);
-  return found != plateDetectorMaps_.end() ? found->second.get() : nullptr;
+  return OrNothing([&] {
+    const auto found = plateDetectorMaps_.find(plateName);
+    return found != plateDetectorMaps_.end() ? found->second.get() : nullptr;
+  });
 }
 
 CAnalysisSettingsDetectorMap* Vex2FileManager::GetAnalysisSettingsDetectorMap(
@@ -53,7 +59,8 @@ CAnalysisSettings* Vex2FileManager::GetAnalysisSettingsByDetector(const CAnalysi
 CAnalysisSettings* Vex2FileManager::GetAnalysisSettings(const char* plateName,
                                                         const char* detector) const {
   if (detector == nullptr) return nullptr;
-  return GetAnalysisSettingsByDetector(GetAnalysisSettingsMap(plateName), detector);
+  return OrNothing(
+      [&] { return GetAnalysisSettingsByDetector(GetAnalysisSettingsMap(plateName), detector); });
 }
 
 bool Vex2FileManager::IsAnalysisAvailableFor(const char* plateName, const char* detector) const {
@@ -61,29 +68,24 @@ bool Vex2FileManager::IsAnalysisAvailableFor(const char* plateName, const char* 
 }
 
 void Vex2FileManager::AddAnalysisSettingsMap(const char* plateName, CAnalysisSettingsMap* map) {
-  static_cast<void>(guarded(0, [&] {
-    CAnalysisSettingsDetectorMap* detectors = LookupAnalysisDetectorMapPtr(plateName);
-    if (detectors == nullptr) {
-      auto added = std::make_unique<CAnalysisSettingsDetectorMap>();
-      detectors = added.get();
-      plateDetectorMaps_[plateName] = std::move(added);
+  OrNothing([&] {
+    if (plateName == nullptr) {
+      detectorMap_->AddAnalysisSettingsMap(map);
+    } else {
+      auto& detectors = plateDetectorMaps_[plateName];
+      if (detectors == nullptr) detectors = std::make_unique<CAnalysisSettingsDetectorMap>();
+      detectors->AddAnalysisSettingsMap(map);
     }
-    detectors->AddAnalysisSettingsMap(map);
     SyncPlateDetectorsWithGlobal();
-    return 0;
-  }));
+  });
 }
 
 void Vex2FileManager::SyncPlateDetectorsWithGlobal() {
   CAnalysisSettingsMap* global = GetAnalysisSettingsMap(nullptr);
   if (global == nullptr) return;
   for (const auto& [name, detectors] : plateDetectorMaps_) {
-    forEachSettings(detectors->GetAnalysisSettingsMap(),
-                    [&](const CString& detector, const CAnalysisSettings& settings) {
-                      CAnalysisSettings* held = nullptr;
-                      if (global->Lookup(detector, held)) return;
-                      addSettings(*global, detector, std::make_unique<CAnalysisSettings>(settings));
-                    });
+    const CAnalysisSettingsMap* plate = detectors->GetAnalysisSettingsMap();
+    if (plate != nullptr) addWhatIsMissing(*global, *plate);
   }
 }
 
@@ -92,35 +94,31 @@ bool Vex2FileManager::AddDetectorToAnalysisSettingsMap(const TAGPROBE& probe,
   CAnalysisSettingsMap* map = GetAnalysisSettingsMap(plateName);
   const std::string_view name(probe.name, ::strnlen(probe.name, sizeof probe.name));
   if (name.empty() || map == nullptr) return false;
-  return guarded(0, [&] {
-           const CString detector(name);
-           CAnalysisSettings* held = nullptr;
-           if (map->Lookup(detector, held)) return 0;
-           auto settings = std::make_unique<CAnalysisSettings>();
-           settings->parameters = probe.parameters;
-           addSettings(*map, detector, std::move(settings));
-           return 1;
-         }) == 1;
+  return OrNothing([&] {
+    const CString detector(name);
+    CAnalysisSettings* held = nullptr;
+    if (map->Lookup(detector, held)) return false;
+    auto settings = std::make_unique<CAnalysisSettings>();
+    settings->parameters = probe.parameters;
+    addSettings(*map, detector, std::move(settings));
+    return true;
+  });
 }
 
 bool Vex2FileManager::RemoveDetectorFromAnalysisSettingsMap(const char* detector,
                                                             const char* plateName) {
   CAnalysisSettings* settings = GetAnalysisSettings(plateName, detector);
   if (settings == nullptr) return false;
-  // The name may be a text that goes with the settings' key.
-  const CString name = detector;
-  delete settings;
-  return GetAnalysisSettingsMap(plateName)->RemoveKey(name);
+  const bool isRemoved =
+      OrNothing([&] { return GetAnalysisSettingsMap(plateName)->RemoveKey(detector); });
+  if (isRemoved) delete settings;
+  return isRemoved;
 }
 
 void Vex2FileManager::SetCtAt(const char* plateName, const char* detector, const float& ct,
                               int well) {
   CAnalysisSettings* settings = GetAnalysisSettings(plateName, detector);
-  if (settings == nullptr) return;
-  static_cast<void>(guarded(0, [&] {
-    settings->SetCt(well, ct);
-    return 0;
-  }));
+  if (settings != nullptr) OrNothing([&] { settings->SetCt(well, ct); });
 }
 
 float Vex2FileManager::GetCtAt(const char* plateName, const char* detector, int well) const {
@@ -145,8 +143,9 @@ void Vex2FileManager::resetSettings() {
 
 bool Vex2FileManager::PrepareQueryList(const CObList& list) {
   const CAnalysisSettingsMap* global = GetAnalysisSettingsMap(nullptr);
-  forEachSettings(global,
-                  [](const CString&, CAnalysisSettings& settings) { settings.queryFlag = 0; });
+  for (POSITION at = global != nullptr ? global->GetStartPosition() : nullptr; at != nullptr;) {
+    if (CAnalysisSettings* settings = global->GetNextValue(at)) settings->queryFlag = 0;
+  }
   for (POSITION at = list.GetHeadPosition(); at != nullptr;) {
     const auto* object = dynamic_cast<const CNamedObject*>(list.GetNext(at));
     if (object == nullptr || object->name.IsEmpty()) continue;

@@ -3,9 +3,12 @@
 #include <algorithm>
 #include <map>
 
+#include "vex2/manager/OrNothing.h"
 #include "vex2/manager/Vex2FileManagerComponent.h"
 #include "vex2/study/CMultiPlateComp.h"
 #include "vex2/study/CRQPlateComp.h"
+
+using vex2::OrNothing;
 
 namespace {
 
@@ -30,17 +33,19 @@ int findMeltingStart(const Vex2FileManager& plate) {
 }  // namespace
 
 std::vector<const Vex2FileManager*> Vex2FileManager::platesToAsk() const {
-  if (!IsRQS()) return {this};
-  std::vector<const Vex2FileManager*> plates;
-  const CMultiPlateComp* list = findPlates();
-  // Plates are known by name: one whose name an earlier one has gives way to that.
-  std::map<CString, const Vex2FileManager*> byName;
-  for (int index = 0; list != nullptr && index < list->GetChildCount(); ++index) {
-    const CRQPlateComp* plate = list->GetPlateAt(index);
-    if (plate == nullptr || plate->GetPlate() == nullptr) continue;
-    plates.push_back(byName.emplace(plate->GetPlateName(), plate->GetPlate()).first->second);
-  }
-  return plates;
+  return OrNothing([this] {
+    std::vector<const Vex2FileManager*> plates;
+    if (!IsRQS()) plates.push_back(this);
+    const CMultiPlateComp* list = IsRQS() ? findPlates() : nullptr;
+    // Plates are known by name: one whose name an earlier one has gives way to that.
+    std::map<CString, const Vex2FileManager*> byName;
+    for (int index = 0; list != nullptr && index < list->GetChildCount(); ++index) {
+      const CRQPlateComp* plate = list->GetPlateAt(index);
+      if (plate == nullptr || plate->GetPlate() == nullptr) continue;
+      plates.push_back(byName.emplace(plate->GetPlateName(), plate->GetPlate()).first->second);
+    }
+    return plates;
+  });
 }
 
 void Vex2FileManager::GetPlateDataInfo(int& wellsWithData, int& largestCount) const {
@@ -71,7 +76,7 @@ void Vex2FileManager::FindPCRMeltingParams(const char* plateName, int& pcrFrameC
   pcrFrameCount = 0;
   const Vex2FileManager* plate = nullptr;
   if (plateName != nullptr) {
-    plate = GetSinglePlatePtrByName(plateName);
+    plate = OrNothing([&] { return GetSinglePlatePtrByName(plateName); });
   } else if (const auto plates = platesToAsk(); !plates.empty()) {
     plate = plates.front();
   }

@@ -29,11 +29,17 @@ int Vex2FileManager::ReadRQPFromFile(CWnd* parent, const char* path, bool choose
     }
     path = chosen.GetString();
   }
-  const CString before = filePath_;
-  if (SafeOpen(path, 0, 0) == 0) return vex2::kReadFailed;
+  CString before;
+  const int copied = guarded(vex2::kReadFailed, [&] {
+    before = filePath_;
+    return kSuccess;
+  });
+  if (copied != kSuccess || SafeOpen(path, 0, 0) == 0) return vex2::kReadFailed;
   const int status = guardedFile(vex2::kReadFailed, [&] { return readStudyPlate(lastModified); });
   // A file that is refused leaves the document as it was, its path included.
-  if (status == vex2::kPlateNotADocument || status == vex2::kPlateOfOtherKind) filePath_ = before;
+  if (status == vex2::kPlateNotADocument || status == vex2::kPlateOfOtherKind) {
+    filePath_ = std::move(before);
+  }
   return status;
 }
 

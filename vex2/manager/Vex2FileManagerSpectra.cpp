@@ -1,16 +1,17 @@
 // Spectra: the readings of one well in one frame.
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 #include <limits>
 
+#include "vex2/manager/OrNothing.h"
 #include "vex2/manager/RegistryFlag.h"
 #include "vex2/manager/Vex2FileManagerComponent.h"
 #include "vex2/study/BackgroundConversion.h"
 
 namespace {
 
-constexpr int kBackgroundAssay = 950;
 constexpr double kScale = 16;
 constexpr double kArrayScale = 1024;
 
@@ -23,24 +24,30 @@ std::uint32_t truncated(float value) {
 
 void convertBackground(std::span<std::uint32_t> values) {
   if (values.size() < vex2::kBackgroundValues) return;
-  const bool hasArray = ReadRegistryFlag(true, "Blue LED Array Illumination", 0, nullptr);
-  std::vector<float> numbers(values.size());
-  std::transform(values.begin(), values.end(), numbers.begin(),
+  const bool hasArray = vex2::OrNothing(
+      [] { return ReadRegistryFlag(true, "Blue LED Array Illumination", 0, nullptr); });
+  // All other values are readings of 16 bits, which are the same as numbers of either kind.
+  std::array<float, vex2::kBackgroundValues> numbers{};
+  std::transform(values.begin(), values.begin() + numbers.size(), numbers.begin(),
                  [](std::uint32_t value) { return static_cast<float>(value); });
   vex2::ConvertBackground(numbers, hasArray ? kArrayScale : kScale);
   std::transform(numbers.begin(), numbers.end(), values.begin(), truncated);
+}
+
+const Vex2FileManager* plateOrDocument(const Vex2FileManager& document, const char* plateName) {
+  if (plateName == nullptr) return &document;
+  const Vex2FileManager* plate = document.GetSinglePlatePtrByName(plateName);
+  return plate != nullptr ? plate : &document;
 }
 
 }  // namespace
 
 bool Vex2FileManager::LoadSpectrum(KestorSpectrum* spectrum, const char* plateName) const {
   if (spectrum == nullptr) return false;
-  const Vex2FileManager* document = this;
-  if (plateName != nullptr) {
-    if (const auto* plate = GetSinglePlatePtrByName(plateName); plate != nullptr) document = plate;
-  }
+  const auto* document = vex2::OrNothing([&] { return plateOrDocument(*this, plateName); });
   Vex2WellRecord record;
-  if (!document->GetAcqDataWellRecord(&record, spectrum->frameIndex, spectrum->well, DataRAWa)) {
+  if (document == nullptr ||
+      !document->GetAcqDataWellRecord(&record, spectrum->frameIndex, spectrum->well, DataRAWa)) {
     spectrum->failed = 1;
     return false;
   }
@@ -50,9 +57,6 @@ bool Vex2FileManager::LoadSpectrum(KestorSpectrum* spectrum, const char* plateNa
   std::fill(values.begin(), values.end(), 0);
   std::copy_n(record.data, std::min(values.size(), std::size(record.data)), values.begin());
   // The study's kind decides, also for a plate of it.
-  if (!IsAssayType(kBackgroundAssay)) return true;
-  return guarded(0, [&] {
-           convertBackground(values);
-           return 1;
-         }) == 1;
+  if (IsBackground()) convertBackground(values);
+  return true;
 }

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "vex2/container/CBlockValueComp.h"
+#include "vex2/manager/OrNothing.h"
 #include "vex2/manager/SplitPath.h"
 #include "vex2/manager/Vex2FileManager.h"
 #include "vex2/manager/Vex2FileManagerComponent.h"
@@ -10,6 +11,7 @@
 #include "vex2/study/CRQPlateComp.h"
 
 using vex2::kSuccess;
+using vex2::OrNothing;
 
 namespace {
 
@@ -23,19 +25,22 @@ CMultiPlateComp* Vex2FileManager::findPlates() const {
 }
 
 bool Vex2FileManager::InitMultiplate() {
-  replaceComponent(std::make_unique<CMultiPlateComp>());
-  return true;
+  return OrNothing([this] {
+    replaceComponent(std::make_unique<CMultiPlateComp>());
+    return true;
+  });
 }
 
 bool Vex2FileManager::AddRQPlate(const Vex2FileManager* plate, const CString& lastModified) {
   if (plate == nullptr) return false;
-  CString folder;
-  CString name;
-  CString extension;
-  SplitPath(plate->GetFilePath(), folder, name, extension);
-  // The analysis map alone decides whether a name is taken.
-  if (analysisMap_.count(name) != 0) return false;
-  return guarded(0, [&] { return addPlate(name, *plate, lastModified) ? 1 : 0; }) == 1;
+  return OrNothing([&] {
+    CString folder;
+    CString name;
+    CString extension;
+    SplitPath(plate->GetFilePath(), folder, name, extension);
+    // The analysis map alone decides whether a name is taken.
+    return analysisMap_.count(name) == 0 && addPlate(name, *plate, lastModified);
+  });
 }
 
 bool Vex2FileManager::addPlate(const CString& name, const Vex2FileManager& plate,
@@ -43,28 +48,34 @@ bool Vex2FileManager::addPlate(const CString& name, const Vex2FileManager& plate
   // All that takes memory comes first: a plate that does not fit leaves the study as it was.
   auto added = std::make_unique<CRQPlateComp>();
   added->SetPlate(name, plate, lastModified);
-  auto analysis = std::make_unique<VexAnalysis>(GetPlateSize());
+  decltype(analysisMap_) storage;
+  storage.emplace(name, std::make_unique<VexAnalysis>(GetPlateSize()));
   if (findPlates() == nullptr) replaceComponent(std::make_unique<CMultiPlateComp>());
   CMultiPlateComp* plates = findPlates();
   if (plates == nullptr || !plates->AddPlate(std::move(added))) return false;
-  analysisMap_[name] = std::move(analysis);
+  analysisMap_.merge(storage);
   return true;
 }
 
 bool Vex2FileManager::RemoveRQPlate(const CString& name) {
-  // The name may be one that goes with the plate.
-  const CString kept = name;
-  const bool hadAnalysis = analysisMap_.erase(kept) != 0;
-  CMultiPlateComp* plates = findPlates();
-  if (plates == nullptr) return hadAnalysis;
-  plates->RemovePlate(kept);
-  return true;
+  return OrNothing([&] {
+    // The name may be one that goes with the plate.
+    const CString kept = name;
+    const bool hadAnalysis = analysisMap_.erase(kept) != 0;
+    CMultiPlateComp* plates = findPlates();
+    if (plates == nullptr) return hadAnalysis;
+    plates->RemovePlate(kept);
+    return true;
+  });
 }
 
 bool Vex2FileManager::GetMultiPlateList(CStringList& names, CStringList& dates) const {
   const CMultiPlateComp* plates = findPlates();
-  if (plates != nullptr) plates->GetPlateLists(names, dates);
-  return plates != nullptr;
+  if (plates == nullptr) return false;
+  return OrNothing([&] {
+    plates->GetPlateLists(names, dates);
+    return true;
+  });
 }
 
 int Vex2FileManager::GetRQPlateCount() const {
@@ -86,15 +97,19 @@ Vex2FileManagerComponent* Vex2FileManager::GetSinglePlatePtrByName(const CString
 }
 
 int Vex2FileManager::setPlateText(std::string_view tag, const CString& text) {
-  replaceComponent(std::make_unique<CBlockValueComp>(tag, text.Left(kMaxPlateText)));
-  return kSuccess;
+  return guarded(vex2::kWriteFailed, [&] {
+    replaceComponent(std::make_unique<CBlockValueComp>(tag, text.Left(kMaxPlateText)));
+    return kSuccess;
+  });
 }
 
 int Vex2FileManager::getPlateText(std::string_view tag, CString& text) const {
-  if (CComponent* component = includesComponent(tag); component != nullptr) {
+  CComponent* component = includesComponent(tag);
+  if (component == nullptr) return kSuccess;
+  return guarded(vex2::kReadFailed, [&] {
     text = component->GetValueString();
-  }
-  return kSuccess;
+    return kSuccess;
+  });
 }
 
 int Vex2FileManager::AppendPlateName(const CString& name) {

@@ -30,12 +30,7 @@ void CAnalysisSettingsDetectorMap::AddAnalysisSettingsMap(CAnalysisSettingsMap* 
 
 void CAnalysisSettingsDetectorMap::DestroySettings() {
   if (map_ == nullptr) return;
-  CString detector;
-  CAnalysisSettings* settings = nullptr;
-  for (POSITION at = map_->GetStartPosition(); at != nullptr;) {
-    map_->GetNextAssoc(at, detector, settings);
-    delete settings;
-  }
+  for (POSITION at = map_->GetStartPosition(); at != nullptr;) delete map_->GetNextValue(at);
   map_->RemoveAll();
 }
 

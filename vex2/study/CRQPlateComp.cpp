@@ -1,5 +1,8 @@
 #include "vex2/study/CRQPlateComp.h"
 
+#include <new>
+#include <utility>
+
 #include "vex2/container/Status.h"
 #include "vex2/manager/Vex2FileManagerComponent.h"
 
@@ -10,10 +13,13 @@ CRQPlateComp::~CRQPlateComp() = default;
 void CRQPlateComp::SetPlate(const CString& name, const Vex2FileManager& plate,
                             const CString& date) {
   auto copy = std::make_unique<Vex2FileManagerComponent>(plate);
-  copy->AppendPlateName(name);
-  copy->AppendLastModifiedDate(date);
-  name_ = name;
-  date_ = date;
+  const bool isNamed = copy->AppendPlateName(name) == vex2::kSuccess &&
+                       copy->AppendLastModifiedDate(date) == vex2::kSuccess;
+  if (!isNamed) throw std::bad_alloc();
+  CString keptName = name;
+  CString keptDate = date;
+  name_ = std::move(keptName);
+  date_ = std::move(keptDate);
   plate_ = std::move(copy);
 }
 
@@ -41,7 +47,8 @@ int CRQPlateComp::ReadChildren(CFile* file) {
   const int status = plate_->ReadComponentFile(file);
   name_.Empty();
   date_.Empty();
-  plate_->GetPlateName(name_);
-  plate_->GetLastModifiedDate(date_);
-  return status;
+  const int named = plate_->GetPlateName(name_);
+  const int dated = plate_->GetLastModifiedDate(date_);
+  if (status != vex2::kSuccess) return status;
+  return named != vex2::kSuccess ? named : dated;
 }
