@@ -28,6 +28,11 @@ if(TARGET example_readme)
   set_tests_properties(examples.own_host PROPERTIES FIXTURES_REQUIRED example_run
                        PASS_REGULAR_EXPRESSION "3 records, status DONE\n.message. The Acquisition")
 
+  add_test(NAME examples.walk_study
+           COMMAND example_walk_study ${CMAKE_CURRENT_BINARY_DIR}/example_study.vex ${run})
+  set_tests_properties(examples.walk_study PROPERTIES FIXTURES_REQUIRED example_run
+                       PASS_REGULAR_EXPRESSION "^example: top 301, Ct 2.5\n$")
+
   add_test(NAME examples.read_frame_that_is_not_there COMMAND example_read_frame ${run} 3)
   set_tests_properties(examples.read_frame_that_is_not_there PROPERTIES
                        FIXTURES_REQUIRED example_run PASS_REGULAR_EXPRESSION "has 3 frames")

@@ -5,8 +5,7 @@
 #include <filesystem>
 #include <functional>
 
-#include "tests/memory/FailingMemory.h"
-#include "tests/support/RunDocument.h"
+#include "tests/memory/AllocationSweep.h"
 #include "tests/support/SilentHost.h"
 #include "tests/support/TempFolder.h"
 
@@ -30,36 +29,7 @@ class OutOfMemory : public TempFolderTest {
     everyCall(warmUp_);  // what is made once and for all must not count as leaked
   }
 
-  // Runs `prepare`, then `operation` with one allocation failing, then `check` with its status and
-  // a manager in the state that it is left in; for each allocation until none fails.
-  struct Sweep {
-    std::function<void(OpenedManager&)> prepare;
-    std::function<int(OpenedManager&)> operation;
-    std::function<void(OpenedManager&, int status)> check;
-  };
-  static int sweep(const Sweep& sweep) {
-    for (int allocation = 0;; ++allocation) {
-      SCOPED_TRACE("allocation " + std::to_string(allocation));
-      const long before = BlocksInUse();
-      bool failed = false;
-      {
-        OpenedManager manager;
-        sweep.prepare(manager);
-        int status = 0;
-        {
-          const FailingMemory memory(allocation);
-          status = sweep.operation(manager);
-          failed = FailingMemory::HasFailed();
-        }
-        EXPECT_FALSE(manager.IsOpen());
-        EXPECT_TRUE(failed || status == kSuccess) << status;
-        sweep.check(manager, status);
-      }
-      if (testing::Test::HasFailure()) return allocation;
-      EXPECT_EQ(BlocksInUse(), before);
-      if (!failed) return allocation;
-    }
-  }
+  static int sweep(const AllocationSweep& sweep) { return sweep.Run(); }
 
   int read(OpenedManager& manager) const {
     if (manager.SafeOpen(path_.c_str(), 0, 0) == 0) return kReadFailed;

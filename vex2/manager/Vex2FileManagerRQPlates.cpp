@@ -1,5 +1,9 @@
 // The file of a plate that is to join a study.
 
+#include <array>
+#include <utility>
+
+#include "vex2/container/TagTable.h"
 #include "vex2/manager/Vex2FileManager.h"
 
 using vex2::kSuccess;
@@ -44,6 +48,9 @@ int Vex2FileManager::ReadRQPFromFile(CWnd* parent, const char* path, bool choose
 }
 
 int Vex2FileManager::readStudyPlate(CString& lastModified) {
+  // A file that cannot be read throws here, before it passes for one of another format.
+  std::array<char, vex2::kTagLength> magic{};
+  static_cast<void>(Read(magic.data(), magic.size()));
   if (!IsVex2Format()) return vex2::kPlateNotADocument;
   if (!IsKestorFile()) return vex2::kPlateOfOtherKind;
   const int status = ReadComponentFile(nullptr);
