@@ -89,6 +89,18 @@ TEST_F(Map, EntryBehindTheWalkCanBeRemoved) {
   EXPECT_EQ(keys(), "c1");
 }
 
+TEST_F(Map, ValuesCanBeWalkedWithoutTheirKeys) {
+  map_.SetAt("b", nullptr);
+  map_.SetAt("a", &one_);
+  map_.SetAt("c", &two_);
+  POSITION at = map_.GetStartPosition();
+  EXPECT_EQ(map_.GetNextValue(at), &one_);
+  EXPECT_EQ(map_.GetNextValue(at), nullptr);
+  EXPECT_EQ(map_.GetNextValue(at), &two_);
+  EXPECT_EQ(at, nullptr);
+  EXPECT_EQ(map_.GetNextValue(at), nullptr);
+}
+
 TEST_F(Map, NullPositionChangesNothing) {
   map_.SetAt("a", &one_);
   POSITION none = nullptr;

@@ -5,6 +5,7 @@
 
 #include <ctime>
 
+#include "tests/support/FaultyFileSystem.h"
 #include "tests/support/Files.h"
 #include "tests/support/RecordingHost.h"
 #include "tests/support/TempFolder.h"
@@ -117,6 +118,70 @@ TEST_F(StudyPlateFile, ThatEndsWithinARecordGivesTheStatusOfTheRead) {
   bytes.resize(bytes.size() - 2);
   WriteBytes(path, bytes);
   EXPECT_EQ(read(path), kReadFailed);
+  EXPECT_FALSE(document_.IsOpen());
+  EXPECT_NE(date_, "unset") << "when it was changed is known all the same";
+}
+
+TEST_F(StudyPlateFile, ThatCannotBeReadIsNotTakenForOneOfAnotherFormat) {
+  const std::string path = savedPlate();
+  FaultyFileSystem files;
+  ASSERT_EQ(read(path), kSuccess);
+  const int calls = files.CallCount();
+  ASSERT_GE(calls, 4);
+  int failures = 0;
+  for (int call = 0; call < calls; ++call) {
+    SCOPED_TRACE("call " + std::to_string(call));
+    files.Restart();
+    files.FailCall(call, EIO, true);
+    const int status = read(path);
+    EXPECT_TRUE(status == kReadFailed || status == kSuccess) << status;
+    EXPECT_FALSE(document_.IsOpen());
+    if (status != kSuccess) ++failures;
+    files.Restart();
+    EXPECT_EQ(read(path), kSuccess);
+  }
+  EXPECT_GE(failures, 2);
+}
+
+TEST_F(StudyPlateFile, ThatComesInSmallPiecesIsReadWhole) {
+  const std::string path = savedPlate();
+  FaultyFileSystem files;
+  files.Shorten(7, true);
+  EXPECT_EQ(read(path), kSuccess);
+  CString calibrator;
+  document_.GetCalibrator(calibrator);
+  EXPECT_EQ(calibrator, "read");
+}
+
+TEST_F(StudyPlateFile, OfAStudyIsKeptWholeOrAsItWasWhenItsSaveFails) {
+  const std::string path = folder_ / "study.vex";
+  ASSERT_EQ(read(savedPlate()), kSuccess);
+  Vex2FileManager study;
+  Vex2HeaderData header = study.GetHeaderData();
+  std::copy_n("RQSt", 4, header.assayCode);
+  study.SetHeaderData(header);
+  study.InitMultiplate();
+  ASSERT_EQ(study.SaveToFile(path.c_str()), kSuccess);
+  const Bytes old = ReadBytes(path);
+  ASSERT_TRUE(study.AddRQPlate(&document_, date_));
+  FaultyFileSystem files;
+  ASSERT_EQ(study.SaveToFile(path.c_str()), kSuccess);
+  const Bytes whole = ReadBytes(path);
+  const int calls = files.CallCount();
+  for (int call = 0; call < calls; ++call) {
+    SCOPED_TRACE("call " + std::to_string(call));
+    WriteBytes(path, old);
+    files.Restart();
+    files.FailCall(call, EIO, true);
+    const int status = study.SaveToFile(path.c_str());
+    EXPECT_TRUE(status == kSuccess || status == kWriteFailed) << status;
+    const Bytes after = ReadBytes(path);
+    EXPECT_TRUE(after == whole || (status == kWriteFailed && after == old));
+    EXPECT_FALSE(study.IsOpen());
+  }
+  files.Restart();
+  EXPECT_EQ(study.SaveToFile(path.c_str()), kSuccess);
+  EXPECT_EQ(ReadBytes(path), whole);
 }
 
 }  // namespace
