@@ -34,7 +34,8 @@ int run(std::string_view command, const char* path, const char* argument) {
     Vex2FileManager manager;
     Vex2PlateSetup setup;
     if (read(manager, path) != 0 || manager.GetPlateSetupInfo(&setup) != 0) return 1;
-    return manager.ReplacePlateSetup(&setup) == 0 ? 0 : 1;
+    Vex2FileManager other;
+    return other.ReplacePlateSetup(&setup) == 0 ? 0 : 1;
   } else if (command == "read") {
     Vex2FileManager manager;
     return read(manager, path);

@@ -11,6 +11,8 @@ namespace {
 
 constexpr std::uint32_t kCountLength = sizeof(std::uint16_t);
 constexpr std::size_t kUsualChildren = 16;
+// Of a list that is made child by child; most hold a few.
+constexpr std::size_t kFirstChildren = 4;
 
 }  // namespace
 
@@ -40,6 +42,7 @@ bool CContainerComp::AddChild(std::unique_ptr<CComponent> child) {
       length > std::numeric_limits<std::uint32_t>::max()) {
     return false;
   }
+  if (children_.capacity() == 0) children_.reserve(kFirstChildren);
   children_.push_back(std::move(child));
   count_ = static_cast<std::uint16_t>(children_.size());
   setLength(static_cast<std::uint32_t>(length));

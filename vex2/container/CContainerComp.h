@@ -47,6 +47,8 @@ class VEX2_API CContainerComp : public CComponent {
 
   /// Takes a child that was read over into the list, without a change of count and length.
   void keepChild(std::unique_ptr<CComponent> child);
+  /// Makes room for so many children at once.
+  void reserveChildren(std::size_t count) { children_.reserve(count); }
   void setCount(std::uint16_t count) { count_ = count; }
 
  private:

@@ -1,7 +1,5 @@
 #include "vex2/container/TagTable.h"
 
-#include <algorithm>
-
 namespace vex2 {
 namespace {
 
@@ -10,22 +8,31 @@ struct Entry {
   int row;
 };
 
+// Of four characters.
 constexpr std::uint32_t keyOf(std::string_view tag) {
   std::uint32_t key = 0;
-  for (const char character : tag) key = key << 8U | static_cast<unsigned char>(character);
+  for (std::size_t i = 0; i < kTagLength; ++i) {
+    key = key << 8U | static_cast<unsigned char>(tag[i]);
+  }
   return key;
 }
 
-// Sorted by tag; of a tag that stands twice only the later row.
+// A tag's place is its hash, or the next free one behind: so many places that few are taken twice.
+constexpr std::size_t kPlaces = 256;
+
+constexpr std::size_t placeOf(std::uint32_t key) {
+  return key * 0x9E3779B1U >> 24U;
+}
+
 constexpr auto makeLookup() {
-  std::array<Entry, kTagTable.size() - 1> lookup{};
-  std::size_t used = 0;
+  std::array<Entry, kPlaces> lookup{};
+  lookup.fill({0, -1});
   for (int row = 0; row < kTagRowCount; ++row) {
     if (row == kShadowedDescriptionRow) continue;
-    lookup[used++] = {keyOf(TagAt(row)), row};
+    std::size_t place = placeOf(keyOf(TagAt(row)));
+    while (lookup[place].row >= 0) place = (place + 1) % kPlaces;
+    lookup[place] = {keyOf(TagAt(row)), row};
   }
-  std::sort(lookup.begin(), lookup.end(),
-            [](const Entry& left, const Entry& right) { return left.key < right.key; });
   return lookup;
 }
 
@@ -36,10 +43,9 @@ constexpr auto kLookup = makeLookup();
 int FindTagIndex(std::string_view tag) noexcept {
   if (tag.size() != kTagLength) return -1;
   const std::uint32_t key = keyOf(tag);
-  const auto* found =
-      std::lower_bound(kLookup.begin(), kLookup.end(), key,
-                       [](const Entry& entry, std::uint32_t wanted) { return entry.key < wanted; });
-  return found != kLookup.end() && found->key == key ? found->row : -1;
+  std::size_t place = placeOf(key);
+  while (kLookup[place].row >= 0 && kLookup[place].key != key) place = (place + 1) % kPlaces;
+  return kLookup[place].row;
 }
 
 }  // namespace vex2

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <iterator>
 #include <list>
-#include <memory>
 
 #include "vex2/framework/Position.h"
 
@@ -68,7 +67,7 @@ class ListOf {
   POSITION Find(const Value& value, POSITION after = nullptr) const {
     const auto start = after != nullptr ? std::next(toNode(after)->self) : nodes_.begin();
     return toPosition(
-        std::find_if(start, nodes_.end(), [&](const auto& node) { return node->value == value; }));
+        std::find_if(start, nodes_.end(), [&](const Node& node) { return node.value == value; }));
   }
   /// The entry at `index`, from 0; null for an index out of range.
   POSITION FindIndex(int index) const {
@@ -79,7 +78,7 @@ class ListOf {
  private:
   // A position is the address of a node, which knows its way back into the list.
   struct Node;
-  using Nodes = std::list<std::unique_ptr<Node>>;
+  using Nodes = std::list<Node>;
   using Iterator = typename Nodes::const_iterator;
   struct Node {
     Value value;
@@ -88,15 +87,16 @@ class ListOf {
 
   static Node* toNode(POSITION position) { return reinterpret_cast<Node*>(position); }
   POSITION toPosition(Iterator at) const {
-    return at != nodes_.end() ? reinterpret_cast<POSITION>(at->get()) : nullptr;
+    // Positions are not const, entries here are.
+    return at != nodes_.end() ? reinterpret_cast<POSITION>(const_cast<Node*>(&*at)) : nullptr;
   }
   POSITION before(POSITION position) const {
     const Iterator at = toNode(position)->self;
     return at != nodes_.begin() ? toPosition(std::prev(at)) : nullptr;
   }
   POSITION insert(Iterator at, const Value& value) {
-    const auto placed = nodes_.insert(at, std::make_unique<Node>(Node{value, {}}));
-    (*placed)->self = placed;
+    const auto placed = nodes_.insert(at, Node{value, {}});
+    placed->self = placed;
     return toPosition(placed);
   }
   Value take(POSITION position) {

@@ -12,6 +12,7 @@ using vex2::PartAs;
 namespace {
 
 constexpr std::uint32_t kFixedLength = 7;
+constexpr std::size_t kTexts = 2;
 
 void addText(CContainerComp& list, std::string_view tag, const char* text, std::int32_t length) {
   if (text == nullptr || text[0] == '\0' || length <= 0) return;
@@ -64,6 +65,7 @@ CCellComp::CCellComp(const Vex2WellSetup& well) : CCellComp() {
   coord1_ = well.coord1;
   coord2_ = well.coord2;
   flag_ = well.flag ? 1 : 0;
+  reserveChildren(kTexts + static_cast<std::size_t>(well.detectors.GetCount()));
   addText(*this, "NAME", well.name, well.nameLength);
   addText(*this, "DESC", well.description, well.descriptionLength);
   for (POSITION at = well.detectors.GetHeadPosition(); at != nullptr;) {

@@ -9,7 +9,7 @@ void SetText(char*& buffer, std::int32_t& held, const char* text, std::int32_t l
   char* target = buffer;
   if (length > held) {
     const std::size_t room = length > 0 ? static_cast<std::size_t>(length) + 1 : 1;
-    target = new char[room]();
+    target = text != nullptr ? new char[room] : new char[room]();
   }
   // The text may be part of the one before, which is therefore released last.
   if (length > 0 && text != nullptr) std::memmove(target, text, static_cast<std::size_t>(length));
