@@ -106,6 +106,36 @@ TEST_F(Wells, OfARunInProgressStay) {
   ExpectRefused({"wells", path_, "--from", wells_}, 1, "its run is in progress");
 }
 
+// Gives the document's header another plate: no known type, and so many rows and columns.
+void SetPlate(const std::string& path, std::uint8_t rows, std::uint16_t columns) {
+  constexpr std::size_t kTypeAt = 16;
+  constexpr std::size_t kRowsAt = 20;
+  Bytes bytes = ReadBytes(path);
+  std::fill_n(bytes.begin() + kTypeAt, kRowsAt - kTypeAt, std::uint8_t{'x'});
+  const std::uint8_t size[] = {0, rows, static_cast<std::uint8_t>(columns >> 8U),
+                               static_cast<std::uint8_t>(columns & 0xFFU)};
+  std::copy(std::begin(size), std::end(size), bytes.begin() + kRowsAt);
+  WriteBytes(path, bytes);
+}
+
+TEST_F(Wells, OfMoreThanASetupHoldsAreRefused) {
+  Simulate();
+  SetPlate(path_, 200, 328);  // 64 wells and a full count of 16 bits
+  const Bytes before = ReadBytes(path_);
+  const std::string why = "its plate of 200 rows and 328 columns has more wells than a setup holds";
+  ExpectRefused({"wells", path_}, 1, why);
+  ExpectRefused({"wells", path_, "--json"}, 1, why);
+  ExpectRefused({"wells", path_, "--from", wells_}, 1, why);
+  EXPECT_EQ(RunVex({"wells", path_, "--csv"}).output, "");
+  EXPECT_EQ(ReadBytes(path_), before);
+}
+
+TEST_F(Wells, OfAPlateWithoutColumnsAreShown) {
+  Simulate();
+  SetPlate(path_, 8, 0);
+  EXPECT_THAT(Output({"wells", path_}), testing::StartsWith("0 wells, 96 set up"));
+}
+
 TEST_F(Wells, FileThatContradictsItselfNamesItsRow) {
   Simulate();
   for (const auto& [rows, why] :

@@ -98,8 +98,8 @@ std::string DrawPlate(const PlateLayout& plate, const std::vector<std::string>& 
   const Values values(texts);
   const std::size_t nameWidth = plate.rows > 0 ? rowName(plate.rows - 1).size() : 0;
   const std::size_t width = terminal.TextWidth();
-  const std::size_t room =
-      plate.columns > 0 ? (width - std::min(width, nameWidth)) / plate.columns - 1 : 0;
+  const std::size_t share = (width - std::min(width, nameWidth)) / std::max(plate.columns, 1U);
+  const std::size_t room = std::max<std::size_t>(share, 1) - 1;  // but for a blank
   const bool usesLetters = values.Widest() > room;
   std::size_t cell = kLeastCell;
   if (values.Count() > 0) {

@@ -1,4 +1,6 @@
 #include <cmath>
+#include <cstdint>
+#include <limits>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <set>
@@ -15,6 +17,8 @@ namespace vex2::tool {
 namespace {
 
 using nlohmann::ordered_json;
+
+constexpr unsigned kMostWells = std::numeric_limits<unsigned short>::max();
 
 ordered_json wellsInfo(const Vex2FileManager& document) {
   const PlateContents contents = ContentsOf(document);
@@ -90,10 +94,10 @@ class WellsCommand final : public ListingCommand {
   }
 
   void printCsv(const std::vector<Plate>& plates, bool all) const override {
+    for (const Plate& plate : plates) requireSetup(*plate.content);
     CsvWriter csv(std::cout, all);
     WriteWellColumns(csv);
     for (const Plate& plate : plates) {
-      requireSetup(*plate.content);
       WriteWells(ContentsOf(*plate.content), csv, ToUtf8(plate.name));
     }
   }
@@ -111,13 +115,24 @@ class WellsCommand final : public ListingCommand {
   }
 
  private:
+  // A header may say what it likes, but wells are numbered in 16 bits.
+  void requireNumberedWells(const Vex2FileManager& plate) const {
+    const PlateLayout layout = LayoutOf(plate);
+    if (std::uint64_t{layout.rows} * layout.columns <= kMostWells) return;
+    throw Error(ExitCode::kDocument, file_,
+                "its plate of " + std::to_string(layout.rows) + " rows and " +
+                    std::to_string(layout.columns) + " columns has more wells than a setup holds");
+  }
+
   void requireSetup(const Vex2FileManager& plate) const {
+    requireNumberedWells(plate);
     if (plate.GetPlateSetupComp() != nullptr) return;
     throw Error(ExitCode::kDocument, file_,
                 "it has no plate setup; 'vex wells FILE --from wells.csv' gives it one");
   }
 
   std::string replace(Vex2FileManager& document, PlateContents contents) const {
+    requireNumberedWells(document);
     const PlateContents before = ContentsOf(document);
     const PlateLayout loaded = contents.plate;
     const PlateLayout own = LayoutOf(document);
