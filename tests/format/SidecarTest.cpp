@@ -17,8 +17,13 @@
 #include "vex2/container/CLongValueComp.h"
 #include "vex2/container/CShortValueComp.h"
 #include "vex2/container/TagFactory.h"
-#include "vex2/manager/Vex2FileManager.h"
+#include "vex2/manager/Vex2FileManagerComponent.h"
 #include "vex2/run/AcquisitionDataComp.h"
+#include "vex2/setup/CBackgroundComp.h"
+#include "vex2/setup/CCellComp.h"
+#include "vex2/setup/CColorComp.h"
+#include "vex2/setup/CPureDyeComp.h"
+#include "vex2/study/CRQPlateComp.h"
 
 namespace {
 
@@ -84,6 +89,85 @@ void compareFrames(const AcquisitionDataComp& block, const json& expected) {
   }
 }
 
+template <typename Byte, std::size_t Size>
+std::string hexOfArray(const Byte (&bytes)[Size]) {
+  return hexOf(std::string(bytes, bytes + Size));
+}
+
+void compareEntry(const vex2::Spectrum& entry, const json& expected) {
+  EXPECT_EQ(entry.key1, expected["key1"]);
+  EXPECT_EQ(entry.key2, expected["key2"]);
+  EXPECT_EQ(entry.dyeIndex, expected["dyeIndex"]);
+  EXPECT_EQ(std::string(entry.name, entry.nameLength), latin1(expected["name"]));
+  const std::string values(reinterpret_cast<const char*>(entry.values), 4U * entry.valueCount);
+  EXPECT_EQ(hexOf(values), expected["valueBytes"].get<std::string>());
+}
+
+void compareOwn(const Vex2DyeSpectrum& entry, const json& expected) {
+  EXPECT_EQ(entry.byte1, expected["byte1"]);
+  EXPECT_EQ(entry.byte2, expected["byte2"]);
+  EXPECT_EQ(json({entry.param1, entry.param2, entry.param3}), expected["params"]);
+}
+
+void compareOwn(const Vex2BackgroundSpectrum& entry, const json& expected) {
+  EXPECT_EQ(entry.limit, expected["limit"]);
+}
+
+template <typename Component>
+void compareSpectra(const CComponent& component, const json& expected) {
+  const auto* calibration = dynamic_cast<const Component*>(&component);
+  ASSERT_NE(calibration, nullptr);
+  const auto& record = calibration->GetRecord();
+  EXPECT_EQ(hexOfArray(record.code), expected["code"].get<std::string>());
+  EXPECT_EQ(record.setting, expected["setting"]);
+  EXPECT_EQ(record.option, expected["option"]);
+  EXPECT_EQ(record.value, expected["value"]);
+  EXPECT_EQ(hexOfArray(record.extra1), expected["extra1"].get<std::string>());
+  EXPECT_EQ(hexOfArray(record.extra2), expected["extra2"].get<std::string>());
+  const auto& reserved = calibration->GetReserved();
+  const std::string words = expected.value("reserved1", "") + expected.value("reserved2", "") +
+                            expected.value("reserved", "");
+  EXPECT_EQ(hexOf(std::string(reserved.begin(), reserved.end())), words);
+  ASSERT_EQ(record.entryCount, expected["entries"].size());
+  for (std::size_t index = 0; index < record.entryCount; ++index) {
+    compareEntry(record.entries[index], expected["entries"][index]);
+    compareOwn(record.entries[index], expected["entries"][index]);
+  }
+}
+
+void compareCell(const CComponent& component, const json& expected) {
+  const auto* cell = dynamic_cast<const CCellComp*>(&component);
+  ASSERT_NE(cell, nullptr);
+  EXPECT_EQ(cell->GetCoord1(), expected["coord1"]);
+  EXPECT_EQ(cell->GetCoord2(), expected["coord2"]);
+  EXPECT_EQ(cell->GetFlag(), expected["flag"]);
+}
+
+template <std::size_t Size>
+std::string textOf(const char (&characters)[Size]) {
+  return std::string(characters, Size);
+}
+
+void compareHeader(const Vex2HeaderData& header, const json& expected) {
+  SCOPED_TRACE("header");
+  EXPECT_EQ(textOf(header.magic), latin1(expected["magic"]));
+  EXPECT_EQ(header.formatA, expected["formatA"]);
+  EXPECT_EQ(header.formatB, expected["formatB"]);
+  EXPECT_EQ(textOf(header.assayCode), latin1(expected["assayCode"]));
+  EXPECT_EQ(textOf(header.runCode), latin1(expected["runCode"]));
+  EXPECT_EQ(textOf(header.plateTypeCode), latin1(expected["plateTypeCode"]));
+  EXPECT_EQ(header.columns, expected["columns"]);
+  EXPECT_EQ(header.thermocycleOffset, expected["thermocycleOffset"]);
+  EXPECT_EQ(header.flagG, expected["flagG"]);
+  EXPECT_EQ(textOf(header.text), latin1(expected["text"]));
+  EXPECT_EQ(textOf(header.kindMarker), latin1(expected["kindMarker"]));
+  EXPECT_EQ(textOf(header.acquisitionStatus), latin1(expected["acquisitionStatus"]));
+  EXPECT_EQ(header.acquisitionDataOffset, expected["acquisitionDataOffset"]);
+  ASSERT_EQ(header.rows, expected["rows"]);
+  EXPECT_EQ(json(std::vector<std::uint32_t>(header.usage, header.usage + header.rows)),
+            expected["usage"]);
+}
+
 void compareValue(const CComponent& component, const std::string& kind, const json& expected) {
   const auto holds = [&]<typename Component>(const Component* value) {
     ASSERT_NE(value, nullptr);
@@ -92,6 +176,7 @@ void compareValue(const CComponent& component, const std::string& kind, const js
   if (kind == "byte") holds(dynamic_cast<const CByteValueComp*>(&component));
   if (kind == "short") holds(dynamic_cast<const CShortValueComp*>(&component));
   if (kind == "long") holds(dynamic_cast<const CLongValueComp*>(&component));
+  if (kind == "colour") holds(dynamic_cast<const CColorComp*>(&component));
   if (kind == "float" && !expected.is_null()) {
     holds(dynamic_cast<const CFloatValueComp*>(&component));
   }
@@ -101,6 +186,23 @@ void compareValue(const CComponent& component, const std::string& kind, const js
   EXPECT_EQ(isText ? found : hexOf(found), isText ? latin1(expected) : expected.get<std::string>());
 }
 
+void compare(const CComponent& component, const json& expected);
+
+void comparePlate(const CComponent& component, const json& expected) {
+  const auto* plate = dynamic_cast<const CRQPlateComp*>(&component);
+  ASSERT_NE(plate, nullptr);
+  EXPECT_EQ(std::string(plate->GetPlateName().View()), latin1(expected.value("name", "")));
+  EXPECT_EQ(std::string(plate->GetLastModifiedDate().View()), latin1(expected.value("date", "")));
+  const Vex2FileManagerComponent* document = plate->GetPlate();
+  ASSERT_NE(document, nullptr);
+  if (expected.contains("header")) compareHeader(document->GetHeaderData(), expected["header"]);
+  const json& children = expected["children"];
+  ASSERT_EQ(static_cast<std::size_t>(document->GetAllComponentCount()), children.size());
+  for (int i = 0; i < document->GetAllComponentCount(); ++i) {
+    compare(*document->GetComponent(i), children[static_cast<std::size_t>(i)]);
+  }
+}
+
 void compare(const CComponent& component, const json& expected) {
   SCOPED_TRACE(expected["tag"].get<std::string>() + " at " + expected["offset"].dump());
   EXPECT_EQ(component.GetTag(), expected["tag"].get<std::string>());
@@ -108,7 +210,11 @@ void compare(const CComponent& component, const json& expected) {
   const std::string kind = expected["kind"];
   if (expected.contains("value")) compareValue(component, kind, expected["value"]);
   if (kind == "data") compareFrames(dynamic_cast<const AcquisitionDataComp&>(component), expected);
-  if (kind != "container") return;
+  if (kind == "pureDye") compareSpectra<CPureDyeComp>(component, expected);
+  if (kind == "background") compareSpectra<CBackgroundComp>(component, expected);
+  if (kind == "cell") compareCell(component, expected);
+  if (kind == "plate") comparePlate(component, expected);
+  if (kind != "container" && kind != "cells" && kind != "cell" && kind != "plates") return;
   const auto& list = dynamic_cast<const CContainerComp&>(component);
   const json& children = expected["children"];
   EXPECT_EQ(list.GetCount(), expected["count"].get<int>());
@@ -132,6 +238,7 @@ TEST_P(Sidecar, SaysWhatTheLibraryFinds) {
   const bool whole = expected.contains("whole") ? expected["whole"].get<bool>()
                                                 : expected["status"].get<int>() == 0;
   EXPECT_EQ(status == 0, whole);
+  if (expected.contains("header")) compareHeader(manager.GetHeaderData(), expected["header"]);
   const json& components = expected["components"];
   ASSERT_EQ(static_cast<std::size_t>(manager.GetAllComponentCount()), components.size());
   for (int i = 0; i < manager.GetAllComponentCount(); ++i) {
