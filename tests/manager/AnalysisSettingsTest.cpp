@@ -4,6 +4,8 @@
 
 #include <cstring>
 #include <memory>
+#include <string>
+#include <string_view>
 
 #include "vex2/manager/Vex2FileManager.h"
 #include "vex2/study/CNamedObject.h"
@@ -30,7 +32,7 @@ class CountedSettings : public CAnalysisSettings {
 
 TAGPROBE probeOf(const char* name, std::int32_t parameter1 = 7) {
   TAGPROBE probe;
-  std::strncpy(probe.name, name, sizeof probe.name);
+  std::string_view(name).copy(probe.name, sizeof probe.name - 1);
   probe.parameters.parameter1 = parameter1;
   return probe;
 }
