@@ -9,6 +9,7 @@ namespace {
 
 using vex2::test::BigEndian;
 using vex2::test::HeaderBytes;
+using vex2::test::ListRecord;
 using vex2::test::ReadBytes;
 using vex2::test::Record;
 using vex2::test::RecordDeclaring;
@@ -88,7 +89,13 @@ TEST_F(EmbeddedPlate, TheEndRecordsStatusIsTheResult) {
 }
 
 TEST_F(EmbeddedPlate, AFailedRecordIsLeftOutAndReadingGoesOn) {
-  // The list ends at its child's torn length; what follows is taken up again.
+  // A study's plates end where something else stands among them: that is taken up as a record.
+  const std::string other = Record("CALR", "sample");
+  EXPECT_EQ(read(kName + ListRecord("MPLC", 1, other) + kEnd), 0);
+  EXPECT_EQ(tags(), "NAMECALR");
+}
+
+TEST_F(EmbeddedPlate, AFailedRecordAtTheEndIsLeftOut) {
   const std::string torn = RecordDeclaring("SPEC", 2, "\0"s);
   EXPECT_EQ(read(kName + torn), -100);
   EXPECT_EQ(tags(), "NAME");
