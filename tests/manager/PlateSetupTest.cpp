@@ -5,6 +5,7 @@
 #include <cstring>
 #include <memory>
 
+#include "tests/support/FaultyFiles.h"
 #include "tests/support/Files.h"
 #include "tests/support/RunDocument.h"
 #include "tests/support/TempFolder.h"
@@ -114,8 +115,18 @@ TEST_F(PlateSetupOfADocument, AloneWithItsProgramIsSaved) {
 TEST_F(PlateSetupOfADocument, SavedAloneLeavesTheOldDocumentWhenItFails) {
   const Bytes before = ToBytes("something else");
   WriteBytes(path_, before);
-  EXPECT_EQ(document_.SaveSetupInfo(path_.c_str()), kNotFound);
-  EXPECT_EQ(ReadBytes(path_), before);
+  Vex2PlateSetup setup;
+  fill(setup, 2);
+  document_.ReplacePlateSetup(&setup);
+  addProgram();
+  for (auto fault : {&FaultyFiles::write, &FaultyFiles::syncAll, &FaultyFiles::rename}) {
+    FaultyFiles files;
+    (files.*fault).error = EIO;
+    EXPECT_EQ(document_.SaveSetupInfo(path_.c_str()), kWriteFailed);
+    EXPECT_EQ(ReadBytes(path_), before);
+    EXPECT_FALSE(document_.IsOpen());
+  }
+  EXPECT_EQ(document_.SaveSetupInfo(path_.c_str()), kSuccess);
 }
 
 TEST(PlateSize, IsThatOfThePlateTypesCode) {
