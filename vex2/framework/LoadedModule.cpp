@@ -27,12 +27,12 @@ Entry findEntry(void* library, const char* name) {
 }  // namespace
 
 LoadedModule::LoadedModule(LoadedModule&& other) noexcept
-    : library_(std::exchange(other.library_, nullptr)) {}
+    : handle_(std::exchange(other.handle_, nullptr)) {}
 
 LoadedModule& LoadedModule::operator=(LoadedModule&& other) noexcept {
   if (this != &other) {
     Unload();
-    library_ = std::exchange(other.library_, nullptr);
+    handle_ = std::exchange(other.handle_, nullptr);
   }
   return *this;
 }
@@ -58,13 +58,13 @@ bool LoadedModule::Load(const std::string& path, std::string& error) {
     error = path + ": the module refused to load: it, or a class of it, is registered already";
     return false;
   }
-  library_ = library.release();
+  handle_ = library.release();
   return true;
 }
 
 void LoadedModule::Unload() {
-  if (library_ == nullptr) return;
-  const Library library(std::exchange(library_, nullptr));
+  if (handle_ == nullptr) return;
+  const Library library(std::exchange(handle_, nullptr));
   findEntry<UnloadEntry>(library.get(), kUnloadName)();
 }
 

@@ -32,10 +32,10 @@ class VEX2_API LoadedModule {
   /// Has the module unregister itself and closes its library. Nothing happens when none is loaded.
   void Unload();
 
-  bool IsLoaded() const { return library_ != nullptr; }
+  bool IsLoaded() const { return handle_ != nullptr; }
 
  private:
-  void* library_ = nullptr;  // the linker's handle
+  void* handle_ = nullptr;  // the linker's handle
 };
 
 }  // namespace vex2
