@@ -25,7 +25,7 @@ bool isPlainTag(std::string_view tag) {
   return std::all_of(tag.begin(), tag.end(), [](char c) { return c >= ' ' && c <= '~'; });
 }
 
-std::string quoted(std::string_view tag) {
+std::string inQuotes(std::string_view tag) {
   return std::string("\"").append(ToUtf8(tag)).append("\"");
 }
 
@@ -41,7 +41,7 @@ struct Document::Surveyor final : RecordVisitor {
     if (record.depth == 1) {
       beginOwn(noted);
     } else if (topKnown && !noted.known && record.length > 0) {
-      document.losses_.push_back({record.offset, "the bytes of the record " + quoted(noted.tag) +
+      document.losses_.push_back({record.offset, "the bytes of the record " + inQuotes(noted.tag) +
                                                      " within another, of no known kind"});
     }
     if (!isPlates) return;
@@ -74,7 +74,7 @@ struct Document::Surveyor final : RecordVisitor {
     hadPlates = hadPlates || isPlates;
     document.records_.push_back(record);
     if (record.known) return;
-    document.losses_.push_back({record.offset, "the record " + quoted(record.tag) + " of " +
+    document.losses_.push_back({record.offset, "the record " + inQuotes(record.tag) + " of " +
                                                    Counted(record.length, "byte") +
                                                    " is of no known kind"});
   }
@@ -129,7 +129,7 @@ std::optional<FileFault> Document::recordFault(int status, const WalkEnd& end) c
   int kept = content_.GetAllComponentCount();
   for (const Record& record : records_) {
     if (!record.known || kept-- > 0) continue;
-    return FileFault{record.offset, "the record " + quoted(record.tag) +
+    return FileFault{record.offset, "the record " + inQuotes(record.tag) +
                                         " could not be read, nor what follows it"};
   }
   if (status == kSuccess) return std::nullopt;
@@ -188,7 +188,7 @@ void Document::noteStudyLosses() {
     // A study that is saved ends with one of its own.
     if (record.tag == "EOF ") continue;
     losses_.push_back(
-        {record.offset, "the record " + quoted(record.tag) + ", which a study does not keep"});
+        {record.offset, "the record " + inQuotes(record.tag) + ", which a study does not keep"});
   }
   std::stable_sort(losses_.begin(), losses_.end(),
                    [](const Loss& a, const Loss& b) { return a.offset < b.offset; });

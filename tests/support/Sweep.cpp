@@ -1,0 +1,42 @@
+#include "tests/support/Sweep.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+
+namespace vex2::test {
+namespace {
+
+std::string variable(const char* name) {
+  const char* value = std::getenv(name);
+  return value == nullptr ? "" : value;
+}
+
+std::string jsonText(const std::string& text) {
+  std::string quoted = "\"";
+  for (const char character : text) {
+    if (character == '"' || character == '\\') quoted += '\\';
+    quoted += character;
+  }
+  return quoted + "\"";
+}
+
+}  // namespace
+
+bool FullSweeps() {
+  return !variable("VEX2_FULL_SWEEPS").empty();
+}
+
+void ReportSweep(const SweepResult& result) {
+  const std::string path = variable("VEX2_SWEEP_RESULTS");
+  if (path.empty()) return;
+  std::ostringstream line;
+  line << "{\"promise\": " << jsonText(result.promise) << ", \"sweep\": " << jsonText(result.sweep)
+       << ", \"points\": " << result.points << ", \"states\": " << result.states
+       << ", \"bad\": " << result.bad << ", \"full\": " << (FullSweeps() ? "true" : "false")
+       << "}\n";
+  // One write, appended: tests report side by side.
+  std::ofstream(path, std::ios::app) << line.str() << std::flush;
+}
+
+}  // namespace vex2::test
