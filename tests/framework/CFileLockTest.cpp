@@ -8,7 +8,7 @@
 #include <functional>
 #include <thread>
 
-#include "tests/support/FaultyFiles.h"
+#include "tests/support/FaultyFileSystem.h"
 #include "tests/support/Files.h"
 #include "tests/support/TempFolder.h"
 #include "vex2/framework/CFile.h"
@@ -16,7 +16,8 @@
 namespace {
 
 using namespace std::chrono_literals;
-using vex2::test::FaultyFiles;
+using vex2::test::FaultyFileSystem;
+using vex2::test::FileCall;
 using vex2::test::ReadBytes;
 using vex2::test::ToBytes;
 using vex2::test::WriteBytes;
@@ -24,7 +25,7 @@ using vex2::test::WriteBytes;
 constexpr unsigned kCreate = CFile::modeWrite | CFile::modeCreate;
 
 // Time passes only while someone waits.
-struct QuickFiles : FaultyFiles {
+struct QuickFiles : FaultyFileSystem {
   std::int64_t now = 1000;
   int pauses = 0;
   std::function<void()> whileWaiting;
@@ -133,10 +134,10 @@ TEST_F(FileLock, IsGivenUpByEveryWayOfClosing) {
 
 TEST_F(FileLock, IsDoneWithoutWhereTheFileSystemHasNone) {
   for (const int error : {ENOLCK, EOPNOTSUPP, ENOSYS}) {
-    files_.lock = {error, 0};
+    files_.FailKind(FileCall::lock, error);
     EXPECT_TRUE(opens(CFile::modeWrite));
   }
-  files_.lock = {EIO, 0};
+  files_.FailKind(FileCall::lock, EIO);
   EXPECT_FALSE(opens(CFile::modeWrite));
 }
 

@@ -4,7 +4,7 @@
 
 #include <filesystem>
 
-#include "tests/support/FaultyFiles.h"
+#include "tests/support/FaultyFileSystem.h"
 #include "tests/support/Files.h"
 #include "tests/support/TempFolder.h"
 #include "vex2/framework/CFile.h"
@@ -12,7 +12,8 @@
 namespace {
 
 namespace fs = std::filesystem;
-using vex2::test::FaultyFiles;
+using vex2::test::FaultyFileSystem;
+using vex2::test::FileCall;
 using vex2::test::ReadBytes;
 using vex2::test::ToBytes;
 using vex2::test::WriteBytes;
@@ -55,7 +56,7 @@ class Replacement : public vex2::test::TempFolderTest {
   }
 
   std::string path_ = folder_ / "file";
-  FaultyFiles files_;
+  FaultyFileSystem files_;
   Saver file_;
 };
 
@@ -74,7 +75,7 @@ TEST_F(Replacement, TakesThePlaceOnlyWhenItIsComplete) {
 
 TEST_F(Replacement, IsOnTheDiskBeforeAndAfterItTakesThePlace) {
   ASSERT_EQ(save(path_), 0);
-  EXPECT_EQ(files_.calls, "LWSRS");
+  EXPECT_EQ(files_.Changes(), "LWSRS");
 }
 
 TEST_F(Replacement, ThatIsNotFinishedLeavesTheOldContent) {
@@ -88,13 +89,11 @@ TEST_F(Replacement, ThatIsNotFinishedLeavesTheOldContent) {
 }
 
 TEST_F(Replacement, ThatFailsAnywhereLeavesTheOldContent) {
-  FaultyFiles::Fault FaultyFiles::*const steps[] = {&FaultyFiles::write, &FaultyFiles::syncAll,
-                                                    &FaultyFiles::rename, &FaultyFiles::createNew,
-                                                    &FaultyFiles::attributes};
-  for (const auto step : steps) {
-    files_.*step = {ENOSPC, 0};
+  for (const auto step : {FileCall::write, FileCall::syncAll, FileCall::rename, FileCall::createNew,
+                          FileCall::copyAttributes}) {
+    files_.FailKind(step, ENOSPC);
     EXPECT_EQ(save(path_), ENOSPC);
-    files_.*step = {};
+    files_.Heal(step);
     EXPECT_FALSE(file_.IsOpen());
     EXPECT_EQ(contentOf(path_), "old content");
     EXPECT_EQ(filesInFolder(), 1);
@@ -103,7 +102,7 @@ TEST_F(Replacement, ThatFailsAnywhereLeavesTheOldContent) {
 }
 
 TEST_F(Replacement, ThatMayNotSurviveAPowerCutIsAFailureToo) {
-  files_.syncAll = {EIO, 1};
+  files_.FailKind(FileCall::syncAll, EIO, 1);
   EXPECT_EQ(save(path_), EIO);
   EXPECT_EQ(contentOf(path_), "new");
   EXPECT_EQ(filesInFolder(), 1);
@@ -155,7 +154,7 @@ TEST_F(Replacement, OfAFileWithSeveralNamesIsWrittenInPlace) {
 TEST_F(Replacement, InAFolderThatTakesNoNewFileIsWrittenInPlace) {
   const ino_t before = identityOf(path_);
   for (const int error : {EACCES, EROFS, EPERM}) {
-    files_.createNew = {error, 0};
+    files_.FailKind(FileCall::createNew, error);
     EXPECT_EQ(save(path_, "new" + std::to_string(error)), 0);
     EXPECT_EQ(contentOf(path_), "new" + std::to_string(error));
     EXPECT_EQ(identityOf(path_), before);
@@ -166,7 +165,7 @@ TEST_F(Replacement, InAFolderThatTakesNoNewFileIsWrittenInPlace) {
 TEST_F(Replacement, WhereARenameIsRefusedIsCopiedIntoTheOldFile) {
   const ino_t before = identityOf(path_);
   for (const int error : {EBUSY, EXDEV, EPERM}) {
-    files_.rename = {error, 0};
+    files_.FailKind(FileCall::rename, error);
     EXPECT_EQ(save(path_, "new" + std::to_string(error)), 0);
     EXPECT_EQ(contentOf(path_), "new" + std::to_string(error));
     EXPECT_EQ(identityOf(path_), before);
@@ -175,9 +174,9 @@ TEST_F(Replacement, WhereARenameIsRefusedIsCopiedIntoTheOldFile) {
 }
 
 TEST_F(Replacement, OfWhatCannotBeWrittenFails) {
-  files_.open = {EACCES, 0};
+  files_.FailKind(FileCall::open, EACCES);
   EXPECT_EQ(save(path_), EACCES);
-  files_.open = {};
+  files_.Heal(FileCall::open);
   EXPECT_EQ(save(folder_.Path().string()), EISDIR);
   EXPECT_EQ(save(folder_ / "no/folder"), ENOENT);
   EXPECT_EQ(save(""), ENOENT);

@@ -3,7 +3,7 @@
 
 #include <limits>
 
-#include "tests/support/FaultyFiles.h"
+#include "tests/support/FaultyFileSystem.h"
 #include "tests/support/Files.h"
 #include "tests/support/TempFolder.h"
 #include "vex2/framework/CFile.h"
@@ -11,7 +11,8 @@
 namespace {
 
 using vex2::test::Bytes;
-using vex2::test::FaultyFiles;
+using vex2::test::FaultyFileSystem;
+using vex2::test::FileCall;
 using vex2::test::FirstDifference;
 using vex2::test::ReadBytes;
 using vex2::test::ToBytes;
@@ -130,17 +131,17 @@ TEST_F(File, WritingPastTheEndLeavesZeros) {
 }
 
 TEST_F(File, WritesAreGatheredUntilFlushed) {
-  FaultyFiles files;
+  FaultyFileSystem files;
   ASSERT_TRUE(file_.Open(path_.c_str(), kCreate));
   for (int i = 0; i < 1000; ++i) file_.Write("ten bytes.", 10);
-  EXPECT_EQ(files.calls, "L");
+  EXPECT_EQ(files.Changes(), "L");
   EXPECT_EQ(file_.GetLength(), 10000U);
   EXPECT_TRUE(ReadBytes(path_).empty());
   file_.Flush();
-  EXPECT_EQ(files.calls, "LW");
+  EXPECT_EQ(files.Changes(), "LW");
   EXPECT_EQ(ReadBytes(path_).size(), 10000U);
   file_.Close();
-  EXPECT_EQ(files.calls, "LW");
+  EXPECT_EQ(files.Changes(), "LW");
 }
 
 TEST_F(File, AbortDropsWhatWasNotWrittenOut) {
@@ -218,18 +219,14 @@ TEST_F(File, PeekLooksWithoutMoving) {
 }
 
 TEST_F(File, InterruptedAndPartialTransfersAreContinued) {
-  FaultyFiles files;
-  files.chunk = 7;
-  files.interruptions = 3;
+  FaultyFileSystem files;
+  files.Shorten(7, true);
   const Bytes bytes = pattern(1000);
   ASSERT_TRUE(file_.Open(path_.c_str(), CFile::modeReadWrite | CFile::modeCreate));
   file_.Write(bytes.data(), bytes.size());
-  files.interruptions = 2;
   file_.SyncData();
-  files.interruptions = 2;
   file_.SetLength(900);
   file_.SeekToBegin();
-  files.interruptions = 2;
   Bytes back(1000);
   EXPECT_EQ(file_.Read(back.data(), 1000), 900U);
   back.resize(900);
@@ -251,10 +248,10 @@ TEST_F(File, PositionsPastFourGiBWork) {
 }
 
 TEST_F(File, RefusalsOfTheSystemAreThrownWithPathAndPlace) {
-  FaultyFiles files;
+  FaultyFileSystem files;
   holds("0123456789");
   ASSERT_TRUE(file_.Open(path_.c_str(), CFile::modeReadWrite));
-  files.read = {EIO, 0};
+  files.FailKind(FileCall::read, EIO);
   file_.Seek(4, CFile::begin);
   try {
     read(1);
@@ -264,28 +261,28 @@ TEST_F(File, RefusalsOfTheSystemAreThrownWithPathAndPlace) {
     EXPECT_EQ(error.GetPath(), path_);
     EXPECT_EQ(error.GetOffset(), 4U);
   }
-  files.read = {};
+  files.Heal(FileCall::read);
   EXPECT_EQ(read(1), "4") << "usable afterwards";
-  files.truncate = {EIO, 0};
+  files.FailKind(FileCall::truncate, EIO);
   EXPECT_THROW(file_.SetLength(3), CFileException);
   EXPECT_EQ(file_.GetLength(), 10U);
-  files.syncData = {EIO, 0};
+  files.FailKind(FileCall::syncData, EIO);
   EXPECT_THROW(file_.SyncData(), CFileException);
 }
 
 TEST_F(File, ACloseThatCannotWriteThrowsAndClosesAllTheSame) {
-  FaultyFiles files;
+  FaultyFileSystem files;
   ASSERT_TRUE(file_.Open(path_.c_str(), kCreate));
   file_.Write("x", 1);
-  files.write = {ENOSPC, 0};
+  files.FailKind(FileCall::write, ENOSPC);
   EXPECT_THROW(file_.Close(), CFileException);
   EXPECT_FALSE(file_.IsOpen());
   EXPECT_NO_THROW(file_.Close());
 }
 
 TEST_F(File, DestructionSwallowsWhatCannotBeWritten) {
-  FaultyFiles files;
-  files.write = {ENOSPC, 0};
+  FaultyFileSystem files;
+  files.FailKind(FileCall::write, ENOSPC);
   {
     CFile file;
     ASSERT_TRUE(file.Open(path_.c_str(), kCreate));
@@ -327,11 +324,11 @@ TEST_F(File, AFullDeviceRefusesWhatIsWrittenOut) {
 
 TEST_F(File, ReadingOnTakesEverLargerSteps) {
   WriteBytes(path_, Bytes(4 * CFile::kBufferSize));
-  struct Counting : FaultyFiles {
+  struct Counting : FaultyFileSystem {
     int reads = 0;
     ssize_t ReadAt(int file, void* bytes, std::size_t count, std::uint64_t offset) override {
       ++reads;
-      return FaultyFiles::ReadAt(file, bytes, count, offset);
+      return FaultyFileSystem::ReadAt(file, bytes, count, offset);
     }
   } files;
   ASSERT_TRUE(file_.Open(path_.c_str(), CFile::modeRead));

@@ -8,7 +8,7 @@
 #include <filesystem>
 
 #include "tests/support/DocumentBytes.h"
-#include "tests/support/FaultyFiles.h"
+#include "tests/support/FaultyFileSystem.h"
 #include "tests/support/SampleData.h"
 #include "tests/support/SilentHost.h"
 #include "tests/support/TempFolder.h"
@@ -23,7 +23,8 @@ namespace fs = std::filesystem;
 using vex2::test::BigEndian;
 using vex2::test::Bytes;
 using vex2::test::DocumentOf;
-using vex2::test::FaultyFiles;
+using vex2::test::FaultyFileSystem;
+using vex2::test::FileCall;
 using vex2::test::FirstDifference;
 using vex2::test::HeaderBytes;
 using vex2::test::ListRecord;
@@ -168,19 +169,20 @@ TEST_F(Hostile, EveryRefusedReadIsAStatus) {
       DocumentOf(kName + ListRecord("SPEC", 1, kName) + Record("COMM", std::string(600'000, 'c')) +
                  Record("TPro", std::string(300'000, 'p')) + kName);
   WriteBytes(path_, bytes);
-  for (const int error : {EIO, FaultyFiles::kNoMemory}) {
+  for (const int error : {EIO, FaultyFileSystem::kNoMemory}) {
     for (int after = 0; after < 100; ++after) {
-      FaultyFiles files;
-      files.read = {error, after};
+      FaultyFileSystem files;
+      files.FailKind(FileCall::read, error, after);
       const int status = readAgain();
-      if (files.read.after >= 0) {
+      if (!files.HasFailed()) {
         EXPECT_EQ(status, 0);
         EXPECT_GT(after, 3) << "faults were staged";
         break;
       }
       EXPECT_EQ(status, -100) << after;
       EXPECT_LT(count(), 5);
-      files.read = {error, after};
+      files.Restart();
+      files.FailKind(FileCall::read, error, after);
       EXPECT_EQ(manager_.ReadFromFile(path_.c_str()), 0);
       EXPECT_FALSE(manager_.IsOpen());
     }
@@ -192,18 +194,16 @@ TEST_F(Hostile, EveryRefusedStepOfASaveIsAStatusAndTheOldDocumentStands) {
   const std::string target = folder_ / "target.vex";
   const Bytes old = DocumentOf(Record("NAME", "old"));
   WriteBytes(target, old);
-  FaultyFiles::Fault FaultyFiles::*const steps[] = {
-      &FaultyFiles::open,    &FaultyFiles::createNew, &FaultyFiles::lock,
-      &FaultyFiles::stat,    &FaultyFiles::write,     &FaultyFiles::truncate,
-      &FaultyFiles::syncAll, &FaultyFiles::rename,    &FaultyFiles::attributes};
-  for (const auto step : steps) {
-    for (const int error : {EIO, ENOSPC, FaultyFiles::kNoMemory}) {
-      FaultyFiles files;
-      files.*step = {error, 0};
+  for (const auto step :
+       {FileCall::open, FileCall::createNew, FileCall::lock, FileCall::stat, FileCall::write,
+        FileCall::truncate, FileCall::syncAll, FileCall::rename, FileCall::copyAttributes}) {
+    for (const int error : {EIO, ENOSPC, FaultyFileSystem::kNoMemory}) {
+      FaultyFileSystem files;
+      files.FailKind(step, error);
       EXPECT_EQ(manager_.SaveToFile(target.c_str()), -200);
       EXPECT_FALSE(manager_.IsOpen());
       EXPECT_EQ(FirstDifference(ReadBytes(target), old), "");
-      files.*step = {error, 0};
+      files.FailKind(step, error);
       EXPECT_EQ(manager_.SaveHeader(target.c_str(), Vex2HeaderData()), -200);
       EXPECT_EQ(FirstDifference(ReadBytes(target), old), "");
     }
@@ -214,20 +214,18 @@ TEST_F(Hostile, EveryRefusedStepOfASaveIsAStatusAndTheOldDocumentStands) {
 
 TEST_F(Hostile, AnOpenThatFailsHalfWayLeavesNothingOpen) {
   WriteBytes(path_, DocumentOf(kName));
-  FaultyFiles::Fault FaultyFiles::*const steps[] = {&FaultyFiles::open, &FaultyFiles::lock,
-                                                    &FaultyFiles::stat};
-  for (const auto step : steps) {
-    for (const int error : {EIO, FaultyFiles::kNoMemory}) {
-      FaultyFiles files;
-      files.*step = {error, 0};
+  for (const auto step : {FileCall::open, FileCall::lock, FileCall::stat}) {
+    for (const int error : {EIO, FaultyFileSystem::kNoMemory}) {
+      FaultyFileSystem files;
+      files.FailKind(step, error);
       EXPECT_EQ(manager_.SafeOpen(path_.c_str(), 1, 1), 0);
       EXPECT_FALSE(manager_.IsOpen());
-      files.*step = {error, 0};
+      files.FailKind(step, error);
       EXPECT_EQ(manager_.ReadFromFile(path_.c_str()), -100);
     }
   }
-  FaultyFiles files;
-  files.truncate = {FaultyFiles::kNoMemory, 0};
+  FaultyFileSystem files;
+  files.FailKind(FileCall::truncate, FaultyFileSystem::kNoMemory);
   EXPECT_EQ(manager_.SafeOpen(path_.c_str(), 1, 0), 0);
   EXPECT_FALSE(manager_.IsOpen());
   CFile other;
@@ -236,15 +234,15 @@ TEST_F(Hostile, AnOpenThatFailsHalfWayLeavesNothingOpen) {
 
 TEST_F(Hostile, TestsOfTheKindAnswerWhenTheDiskDoesNot) {
   WriteBytes(path_, DocumentOf(""));
-  FaultyFiles files;
-  for (const int error : {EIO, FaultyFiles::kNoMemory}) {
+  FaultyFileSystem files;
+  for (const int error : {EIO, FaultyFileSystem::kNoMemory}) {
     ASSERT_EQ(manager_.SafeOpen(path_.c_str(), 0, 0), 1);
-    files.read = {error, 0};
+    files.FailKind(FileCall::read, error);
     EXPECT_FALSE(manager_.IsVex2Format());
     EXPECT_FALSE(manager_.IsKestorFile());
     EXPECT_FALSE(manager_.IsBlueLightSpecialFile());
     EXPECT_EQ(manager_.ReadHeaderData(nullptr), -100);
-    files.read = {};
+    files.Heal(FileCall::read);
     EXPECT_TRUE(manager_.IsKestorFile());
   }
   manager_.Close();

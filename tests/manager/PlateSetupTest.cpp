@@ -5,7 +5,7 @@
 #include <cstring>
 #include <memory>
 
-#include "tests/support/FaultyFiles.h"
+#include "tests/support/FaultyFileSystem.h"
 #include "tests/support/Files.h"
 #include "tests/support/RunDocument.h"
 #include "tests/support/TempFolder.h"
@@ -119,9 +119,9 @@ TEST_F(PlateSetupOfADocument, SavedAloneLeavesTheOldDocumentWhenItFails) {
   fill(setup, 2);
   document_.ReplacePlateSetup(&setup);
   addProgram();
-  for (auto fault : {&FaultyFiles::write, &FaultyFiles::syncAll, &FaultyFiles::rename}) {
-    FaultyFiles files;
-    (files.*fault).error = EIO;
+  for (const auto call : {FileCall::write, FileCall::syncAll, FileCall::rename}) {
+    FaultyFileSystem files;
+    files.FailKind(call, EIO);
     EXPECT_EQ(document_.SaveSetupInfo(path_.c_str()), kWriteFailed);
     EXPECT_EQ(ReadBytes(path_), before);
     EXPECT_FALSE(document_.IsOpen());
