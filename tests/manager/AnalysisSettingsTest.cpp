@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "tests/support/Counted.h"
 #include "vex2/manager/Vex2FileManager.h"
 #include "vex2/study/CNamedObject.h"
 
@@ -20,15 +21,7 @@ class SettingsManager : public Vex2FileManager {
 };
 
 // Settings that tell when they are destroyed.
-class CountedSettings : public CAnalysisSettings {
- public:
-  CountedSettings() { ++living; }
-  ~CountedSettings() override { --living; }
-  CountedSettings(const CountedSettings&) = delete;
-  CountedSettings& operator=(const CountedSettings&) = delete;
-
-  static inline int living = 0;
-};
+using CountedSettings = Counted<CAnalysisSettings>;
 
 TAGPROBE probeOf(const char* name, std::int32_t parameter1 = 7) {
   TAGPROBE probe;

@@ -2,22 +2,11 @@
 
 #include <memory>
 
+#include "tests/support/Counted.h"
 #include "vex2/manager/Vex2FileManager.h"
 
 namespace vex2::test {
 namespace {
-
-// A result that tells when it is destroyed.
-template <class Base>
-class Counted : public Base {
- public:
-  Counted() { ++living; }
-  ~Counted() override { --living; }
-  Counted(const Counted&) = delete;
-  Counted& operator=(const Counted&) = delete;
-
-  static inline int living = 0;
-};
 
 using Matrix = Counted<IDAMCMatrix>;
 using Reporter = Counted<IDAClippedMatrix>;

@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include "tests/support/Counted.h"
 #include "vex2/study/CAnalysisSettingsDetectorMap.h"
 #include "vex2/study/CDetectorMatrix.h"
 #include "vex2/study/KestorSpectrum.h"
@@ -12,16 +13,6 @@
 namespace vex2::test {
 namespace {
 
-template <class Base>
-class Counted : public Base {
- public:
-  Counted() { ++living; }
-  ~Counted() override { --living; }
-  Counted(const Counted&) = delete;
-  Counted& operator=(const Counted&) = delete;
-
-  static inline int living = 0;
-};
 using Settings = Counted<CAnalysisSettings>;
 
 TEST(CVector, CopiesAreIndependent) {

@@ -6,6 +6,12 @@
 #include "vex2/container/Status.h"
 #include "vex2/manager/Vex2FileManagerComponent.h"
 
+namespace {
+
+constexpr std::uint32_t kEmptyListLength = 2;  // the count
+
+}  // namespace
+
 CRQPlateComp::CRQPlateComp() : CContainerComp("RQPl") {}
 
 CRQPlateComp::~CRQPlateComp() = default;
@@ -44,6 +50,9 @@ int CRQPlateComp::WriteChildren(CFile* file) {
 int CRQPlateComp::ReadChildren(CFile* file) {
   if (file == nullptr) return vex2::kReadFailed;
   if (plate_ == nullptr) plate_ = std::make_unique<Vex2FileManagerComponent>();
+  // What a file says here is of no use: the list is empty, whatever its length and count.
+  setCount(0);
+  setLength(kEmptyListLength);
   const int status = plate_->ReadComponentFile(file);
   name_.Empty();
   date_.Empty();

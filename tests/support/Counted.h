@@ -1,0 +1,17 @@
+#pragma once
+
+namespace vex2::test {
+
+/// A `Base` of which the living ones are counted, by the type that is counted.
+template <class Base>
+class Counted : public Base {
+ public:
+  Counted() { ++living; }
+  ~Counted() override { --living; }
+  Counted(const Counted&) = delete;
+  Counted& operator=(const Counted&) = delete;
+
+  static inline int living = 0;
+};
+
+}  // namespace vex2::test
