@@ -249,7 +249,7 @@ TEST_F(RecordResumeTest, RecordBehindTheDataBlockIsNotCutOff) {
 }
 
 TEST_F(RecordResumeTest, SecondRecorderIsRefusedWhileTheFirstLives) {
-  VexProcess first(Record({"--pace", "0.02"}));
+  VexProcess first(Record({"--pace", "600"}));
   ASSERT_TRUE(WaitForFrames(0));
   fs::create_symlink("run.vex", folder_ / "link.vex");
   fs::create_directory(folder_ / "sub");
@@ -267,7 +267,9 @@ TEST_F(RecordResumeTest, SecondRecorderIsRefusedWhileTheFirstLives) {
   arguments[1] = folder_ / "hard.vex";
   EXPECT_THAT(RunVex(arguments).errors, HasSubstr("has other names as well"));
   fs::remove(folder_ / "hard.vex");
-  EXPECT_EQ(first.Wait().exitCode, 0);
+  first.Signal(SIGKILL);
+  EXPECT_EQ(first.Wait().endSignal, SIGKILL);
+  EXPECT_EQ(RunVex(Record({"--resume"})).exitCode, 0);
   ExpectWhole();
 }
 

@@ -45,7 +45,8 @@ TEST_F(Set, TextsThatAreSetToNothingAreRemoved) {
 TEST_F(Set, DryRunChangesNothing) {
   MakeRun();
   const Bytes before = ReadBytes(path_);
-  EXPECT_EQ(Output({"set", path_, "--dry-run", "version=7"}), "version: 512 -> 7\n");
+  EXPECT_EQ(Output({"set", path_, "--dry-run", "version=7"}),
+            "version: 512 -> 7\n(dry run: nothing was changed)\n");
   EXPECT_EQ(FirstDifference(ReadBytes(path_), before), "");
 }
 

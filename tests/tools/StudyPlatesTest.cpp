@@ -66,9 +66,68 @@ TEST_F(StudyPlates, ANameThatNoneHasIsRefused) {
        {VexProcess::Arguments{"info", study_, "--plate", "x"},
         VexProcess::Arguments{"tree", study_, "--plate", "x"},
         VexProcess::Arguments{"frame", study_, "0", "--plate", "x"},
-        VexProcess::Arguments{"export", study_, "--plate", "x"}}) {
+        VexProcess::Arguments{"export", study_, "--plate", "x"},
+        VexProcess::Arguments{"set", study_, "--plate", "x", "comment=a"},
+        VexProcess::Arguments{"status", study_, "--plate", "x"},
+        VexProcess::Arguments{"status", study_, "DONE", "--plate", "x"},
+        VexProcess::Arguments{"copy", study_, path_, "--plate", "x"}}) {
     expectStudyRefuses(arguments, study_, 2, "no plate 'x'; its plates are 'plate1', 'plate2'");
   }
+}
+
+TEST_F(StudyPlates, SettingsOfTheNamedOneAreSet) {
+  EXPECT_EQ(Output({"set", study_, "--plate", "plate2", "comment=other"}),
+            "comment: second -> other\n");
+  const auto comment = [&](const char* plate) {
+    return JsonOutput({"info", "--json", "--plate", plate, study_})["settings"]["comment"];
+  };
+  EXPECT_EQ(comment("plate1"), "first");
+  EXPECT_EQ(comment("plate2"), "other");
+  expectStudyRefuses({"set", study_, "comment=other"}, study_, 2,
+                     "a study keeps no comment of its own; name the plate to change with --plate");
+  EXPECT_EQ(Output({"set", study_, "calibrator=liver"}), "calibrator: none -> liver\n");
+}
+
+TEST_F(StudyPlates, StatusIsThatOfEachOrOfOne) {
+  EXPECT_EQ(Output({"status", study_, "DONE", "--plate", "plate2", "--dry-run"}),
+            "ZERO -> DONE\n(dry run: nothing was changed)\n");
+  EXPECT_EQ(Output({"status", study_}), "ZERO  plate1\nZERO  plate2\n");
+  EXPECT_EQ(Output({"status", study_, "DONE", "--plate", "plate2"}), "ZERO -> DONE\n");
+  EXPECT_EQ(Output({"status", study_}), "ZERO  plate1\nDONE  plate2\n");
+  EXPECT_EQ(Output({"status", study_, "--plate", "plate2"}), "DONE\n");
+}
+
+TEST_F(StudyPlates, ACopyOfOneIsADocumentOfItsOwn) {
+  Output({"copy", study_, path_, "--plate", "plate2"});
+  EXPECT_EQ(content(JsonOutput({"tree", "--json", path_})),
+            content(JsonOutput({"tree", "--json", plate2_})));
+  expectStudyRefuses({"copy", study_, study_, "--plate", "plate2"}, study_, 2,
+                     "the plate would take the place of its own study");
+}
+
+TEST_F(StudyPlates, DetectorsOfTheStudyItselfStandBeforeThoseOfItsPlates) {
+  Vex2Detector own;
+  own.name = "of the study";
+  Vex2FileManager study;
+  ASSERT_EQ(study.ReadFromFile(study_.c_str()), 0);
+  ASSERT_EQ(study.AppendDetectorInfo(&own), 0);
+  ASSERT_EQ(study.SaveToFile(study_.c_str()), 0);
+  Output({"detectors", study_, "--plate", "plate2", "--add", "name=of plate 2"});
+
+  const json all = JsonOutput({"detectors", study_, "--json"});
+  EXPECT_EQ(all["detectors"][0]["name"], "of the study");
+  EXPECT_EQ(all["plates"][0]["detectors"].size(), 0U);
+  EXPECT_EQ(all["plates"][1]["detectors"][0]["name"], "of plate 2");
+  const std::string text = Output({"detectors", study_});
+  EXPECT_THAT(text, testing::StartsWith("study\n"));
+  EXPECT_THAT(text, HasSubstr("\n\nplate \"plate1\"\nno detectors\n"));
+  EXPECT_THAT(Output({"detectors", study_, "--csv"}), HasSubstr("\n,of the study,"));
+}
+
+TEST_F(StudyPlates, StatusOfAPlainDocumentIsNotSetInADryRun) {
+  EXPECT_EQ(Output({"status", plate1_, "DONE", "--dry-run"}),
+            "ZERO -> DONE\n(dry run: nothing was changed)\n");
+  EXPECT_EQ(Output({"status", plate1_}), "ZERO\n");
 }
 
 class SpectrumCommand : public StudyTest {

@@ -124,8 +124,9 @@ TEST_F(Study, DryRunsChangeNothing) {
   Output({"study", "new", study_, plate1_});
   const Bytes before = ReadBytes(study_);
   EXPECT_EQ(Output({"study", "add", "--dry-run", study_, plate2_}),
-            "+ plate2: 96 wells, 1 frame\n");
-  EXPECT_EQ(Output({"study", "remove", "--dry-run", study_, "plate1"}), "- plate1\n");
+            "+ plate2: 96 wells, 1 frame\n(dry run: nothing was changed)\n");
+  EXPECT_EQ(Output({"study", "remove", "--dry-run", study_, "plate1"}),
+            "- plate1\n(dry run: nothing was changed)\n");
   EXPECT_EQ(FirstDifference(ReadBytes(study_), before), "");
 }
 

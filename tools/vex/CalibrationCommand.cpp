@@ -107,7 +107,7 @@ class CalibrationCommand final : public Command {
         ->type_name("FILE.csv")
         ->excludes(json)
         ->excludes(target);
-    choice_.AddOption(app);
+    plate_.AddTo(app);
     changing_.AddOptions(app);
     app.footer("A replaced part keeps its head, which the table does not hold.\n\n" +
                app.get_footer());
@@ -116,32 +116,33 @@ class CalibrationCommand final : public Command {
   ExitCode Run() override {
     if (!source_.empty()) {
       const Calibration loaded = LoadCalibration(source_);
-      std::cout << changing_.Apply(file_, choice_,
-                                   [&](Vex2FileManager& plate) { return replace(plate, loaded); });
+      std::cout << changing_.ApplyToPlate(
+          file_, plate_, [&](Vex2FileManager& plate) { return replace(plate, loaded); });
       return ExitCode::kDone;
     }
-    Document document(file_);
+    const Document document(file_);
+    const auto plates = plate_.ChoosePlates(document);
+    const bool all = plate_.IsAll(document);
     if (!target_.empty()) {
-      exportTo(document);
+      exportTo(plates, all);
     } else if (json_) {
-      std::cout << choice_.Json(document, describe).dump(2) << '\n';
+      std::cout << DescribePlates(plates, all, describe).dump(2) << '\n';
     } else {
-      choice_.ForEach(document, std::cout, print);
+      ShowPlates(plates, all, std::cout, print);
     }
     document.RequireWhole("");
     return ExitCode::kDone;
   }
 
  private:
-  void exportTo(Document& document) const {
+  void exportTo(const std::vector<Document::Plate>& plates, bool all) const {
     if (IsSameFile(file_, target_)) {
       throw Error(ExitCode::kUsage, file_, "the table would take the place of its own document");
     }
-    const std::vector<Plate> plates = choice_.Of(document);
     Output output(target_ == "csv" ? "-" : target_);
-    CsvWriter csv(output.Stream(), choice_.IsAll(document));
+    CsvWriter csv(output.Stream(), all);
     WriteCalibrationColumns(csv);
-    for (const Plate& plate : plates) {
+    for (const Document::Plate& plate : plates) {
       WriteCalibration(CalibrationOf(*plate.content), csv, ToUtf8(plate.name));
     }
     output.Finish();
@@ -167,7 +168,7 @@ class CalibrationCommand final : public Command {
   bool json_ = false;
   std::string target_;
   std::string source_;
-  PlateChoice choice_;
+  PlateOption plate_;
   Changing changing_;
 };
 

@@ -1,5 +1,6 @@
 #include "tools/vex/Command.h"
-#include "tools/vex/Rewriting.h"
+#include "tools/vex/DocumentPlates.h"
+#include "tools/vex/Study.h"
 
 namespace vex2::tool {
 
@@ -16,11 +17,16 @@ class CopyCommand final : public Command {
     app.add_option("OUT", target_, "Where to save it, in place of what is there")
         ->required()
         ->type_name("");
+    plate_.AddTo(app);
     rewriting_.AddOptions(app);
   }
 
   ExitCode Run() override {
     Document document(source_);
+    if (plate_.IsGiven()) {
+      ExtractPlate(document, plate_.One(document), target_, rewriting_);
+      return ExitCode::kDone;
+    }
     if (IsSameFile(source_, target_)) {
       document.RequireAtRest();
     } else {
@@ -39,6 +45,7 @@ class CopyCommand final : public Command {
  private:
   std::string source_;
   std::string target_;
+  PlateOption plate_;
   Rewriting rewriting_;
 };
 

@@ -87,6 +87,8 @@ class DetectorsCommand final : public ListingCommand {
     return report;
   }
 
+  bool studiesHaveIt() const override { return true; }
+
   ordered_json describe(const Vex2FileManager& plate) const override {
     ordered_json list = ordered_json::array();
     for (const Vex2Detector& detector : DetectorsOf(plate)) {
@@ -99,10 +101,10 @@ class DetectorsCommand final : public ListingCommand {
     return {{"detectors", std::move(list)}};
   }
 
-  void printCsv(const std::vector<Plate>& plates, bool all) const override {
+  void printCsv(const std::vector<Document::Plate>& plates, bool all) const override {
     CsvWriter csv(std::cout, all);
     csv.Row("plate", keys());
-    for (const Plate& plate : plates) {
+    for (const Document::Plate& plate : plates) {
       for (const Vex2Detector& detector : DetectorsOf(*plate.content)) {
         csv.Row(ToUtf8(plate.name), valuesOf(detector));
       }

@@ -56,7 +56,7 @@ struct Document::Surveyor final : RecordVisitor {
 
   void End(const FileRecord& record) override {
     if (isPlates && record.depth == 2)
-      document.plates_.back().end = document.content_.GetPosition();
+      document.plates_.back().end = document.content_->GetPosition();
   }
 
   void Pass(std::uint64_t offset) override {
@@ -86,22 +86,23 @@ struct Document::Surveyor final : RecordVisitor {
   std::uint64_t passedEnd = 0;
 };
 
-Document::Document(std::string path) : path_(std::move(path)) {
-  content_.OpenDocument(path_);
-  size_ = content_.GetLength();
+Document::Document(std::string path)
+    : path_(std::move(path)), content_(std::make_unique<DocumentFile>()) {
+  content_->OpenDocument(path_);
+  size_ = content_->GetLength();
   CFileStatus status;
-  if (content_.GetStatus(status)) modified_ = status.modificationTime;
+  if (content_->GetStatus(status)) modified_ = status.modificationTime;
   survey();
-  content_.Abort();
+  content_->Abort();
 }
 
 void Document::survey() {
-  const int status = content_.ReadComponentFile(nullptr);
+  const int status = content_->ReadComponentFile(nullptr);
   fault_ = headerFault();
   strayOffset_ = size_;
   if (fault_) return;
   Surveyor surveyor(*this);
-  const WalkEnd end = WalkRecords(content_, surveyor);
+  const WalkEnd end = WalkRecords(*content_, surveyor);
   fault_ = recordFault(status, end);
   linkPlates();
   if (fault_) return;
@@ -110,7 +111,7 @@ void Document::survey() {
 }
 
 std::optional<FileFault> Document::headerFault() const {
-  const std::uint64_t needed = RecordsOffset(static_cast<std::uint32_t>(content_.GetHeaderRows()));
+  const std::uint64_t needed = RecordsOffset(static_cast<std::uint32_t>(content_->GetHeaderRows()));
   if (size_ >= needed) return std::nullopt;
   return FileFault{size_, "the header is cut short: " + std::to_string(size_) + " of " +
                               Counted(needed, "byte") + " are there"};
@@ -126,7 +127,7 @@ bool Document::beginsStrayBytes(std::uint64_t offset) const {
 std::optional<FileFault> Document::recordFault(int status, const WalkEnd& end) const {
   if (end.fault && !beginsStrayBytes(end.fault->offset)) return end.fault;
   // The reader kept known records in order, so that the first one it lacks is where it gave up.
-  int kept = content_.GetAllComponentCount();
+  int kept = content_->GetAllComponentCount();
   for (const Record& record : records_) {
     if (!record.known || kept-- > 0) continue;
     return FileFault{record.offset, "the record " + inQuotes(record.tag) +
@@ -158,8 +159,8 @@ void Document::findStrayBytes(std::uint64_t walkEnd) {
 // What the walk found of the plates, and what the reader kept: as many, unless it gave up in one.
 void Document::linkPlates() {
   const CMultiPlateComp* kept = nullptr;
-  for (int i = 0; i < content_.GetAllComponentCount() && kept == nullptr; ++i) {
-    kept = dynamic_cast<const CMultiPlateComp*>(content_.GetComponent(i));
+  for (int i = 0; i < content_->GetAllComponentCount() && kept == nullptr; ++i) {
+    kept = dynamic_cast<const CMultiPlateComp*>(content_->GetComponent(i));
   }
   const auto count = static_cast<std::size_t>(kept != nullptr ? kept->GetChildCount() : 0);
   plates_.resize(std::min(plates_.size(), count));
@@ -169,11 +170,13 @@ void Document::linkPlates() {
     plates_[i].date = plate->GetLastModifiedDate().View();
     plates_[i].content = plate->GetPlate();
   }
+  // A record without a body holds no plate.
+  std::erase_if(plates_, [](const Plate& plate) { return plate.content == nullptr; });
 }
 
 Document::Plate Document::Itself() const {
   Plate plate;
-  plate.content = &content_;
+  plate.content = content_.get();
   plate.end = size_;
   plate.records = records_;
   return plate;
@@ -183,8 +186,8 @@ void Document::noteStudyLosses() {
   int index = 0;
   for (const Record& record : records_) {
     if (!record.known) continue;
-    const CComponent* component = content_.GetComponent(index++);
-    if (component == nullptr || content_.IsWritten(*component)) continue;
+    const CComponent* component = content_->GetComponent(index++);
+    if (component == nullptr || content_->IsWritten(*component)) continue;
     // A study that is saved ends with one of its own.
     if (record.tag == "EOF ") continue;
     losses_.push_back(
@@ -202,16 +205,16 @@ void Document::RequireWhole(std::string_view purpose) const {
     throw Error(ExitCode::kDocument, path_,
                 fault_->what + " (" + Counted(lost, "byte") + " lost)" + refusal, fault_->offset);
   }
-  if (!purpose.empty() && content_.GetHeaderRows() > kMostRows) {
+  if (!purpose.empty() && content_->GetHeaderRows() > kMostRows) {
     throw Error(ExitCode::kDocument, path_,
-                "a plate of " + std::to_string(content_.GetHeaderRows()) +
+                "a plate of " + std::to_string(content_->GetHeaderRows()) +
                     " rows does not fit into a header that is saved",
                 kHeaderSize);
   }
 }
 
 void Document::RequireAtRest() const {
-  if (content_.IsAcquisitionProg()) throw Error(ExitCode::kDocument, path_, kRunning);
+  if (content_->IsAcquisitionProg()) throw Error(ExitCode::kDocument, path_, kRunning);
 }
 
 void RequireNoRunAt(const std::string& path) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -23,13 +24,13 @@ class Document {
   };
   /// One plate's worth of a document: the document itself, or a plate that a study holds.
   struct Plate {
-    bool isEmbedded = false;                   ///< in a study, which knows it by name and date
-    std::string name;                          ///< characters of Latin-1, as is the date
-    std::string date;                          ///< when the plate's own file was last changed
-    const Vex2FileManager* content = nullptr;  ///< owned by the document
-    std::uint64_t offset = 0;                  ///< in the file: of the plate's record, or 0
-    std::uint64_t end = 0;                     ///< in the file: behind it
-    std::vector<Record> records;               ///< its own
+    bool isEmbedded = false;             ///< in a study, which knows it by name and date
+    std::string name;                    ///< characters of Latin-1, as is the date
+    std::string date;                    ///< when the plate's own file was last changed
+    Vex2FileManager* content = nullptr;  ///< owned by the document
+    std::uint64_t offset = 0;            ///< in the file: of the plate's record, or 0
+    std::uint64_t end = 0;               ///< in the file: behind it
+    std::vector<Record> records;         ///< its own
   };
   /// What saving the document would not bring back.
   struct Loss {
@@ -42,8 +43,8 @@ class Document {
   explicit Document(std::string path);
 
   const std::string& Path() const { return path_; }
-  DocumentFile& Content() { return content_; }
-  const DocumentFile& Content() const { return content_; }
+  DocumentFile& Content() { return *content_; }
+  const DocumentFile& Content() const { return *content_; }
   std::uint64_t Size() const { return size_; }
   /// The records in the file, in their order, as far as they could be followed.
   const std::vector<Record>& Records() const { return records_; }
@@ -52,7 +53,7 @@ class Document {
   /// The plates in it, in their order; none where it is no study.
   const std::vector<Plate>& Plates() const { return plates_; }
   /// Whether it is a document for the sake of the plates in it.
-  bool IsStudy() const { return content_.IsRQS(); }
+  bool IsStudy() const { return content_->IsRQS(); }
   /// When the file was last changed.
   CTime Modified() const { return modified_; }
   /// Where the bytes begin that are no records any more; the file's size when there are none.
@@ -80,7 +81,7 @@ class Document {
   void linkPlates();
 
   std::string path_;
-  DocumentFile content_;
+  std::unique_ptr<DocumentFile> content_;
   std::uint64_t size_ = 0;
   std::uint64_t strayOffset_ = 0;
   CTime modified_;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "tools/vex/Errors.h"
+#include "tools/vex/Terminal.h"
 #include "tools/vex/Text.h"
 #include "vex2/run/AcquisitionDataComp.h"
 
@@ -21,6 +22,25 @@ std::vector<Document::Plate> PlateOption::Choose(const Document& document) const
     plates.insert(plates.end(), document.Plates().begin(), document.Plates().end());
   }
   return plates;
+}
+
+std::vector<Document::Plate> PlateOption::ChoosePlates(const Document& document) const {
+  return IsAll(document) ? document.Plates() : Choose(document);
+}
+
+Document::Plate PlateOption::One(const Document& document) const {
+  if (IsAll(document)) {
+    throw Error(ExitCode::kUsage, document.Path(),
+                "it is a study: name the plate to change with --plate");
+  }
+  return Choose(document).front();
+}
+
+std::string PlateTitle(const Document::Plate& plate) {
+  const Terminal& terminal = Terminal::Out();
+  const std::string title =
+      plate.isEmbedded ? "plate " + Shown(plate.name, terminal.TextWidth()) : "study";
+  return terminal.Styled(title, Terminal::Style::kBold);
 }
 
 std::size_t PlateOption::FindIndex(const Document& document) const {

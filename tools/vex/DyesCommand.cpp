@@ -46,10 +46,10 @@ class DyesCommand final : public ListingCommand {
     return {{"dyes", std::move(list)}};
   }
 
-  void printCsv(const std::vector<Plate>& plates, bool all) const override {
+  void printCsv(const std::vector<Document::Plate>& plates, bool all) const override {
     CsvWriter csv(std::cout, all);
     csv.Row("plate", {"dye"});
-    for (const Plate& plate : plates) {
+    for (const Document::Plate& plate : plates) {
       for (const std::string& dye : RequiredDyesOf(*plate.content)) {
         csv.Row(ToUtf8(plate.name), {ToUtf8(dye)});
       }

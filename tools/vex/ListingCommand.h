@@ -19,24 +19,26 @@ class ListingCommand : public Command {
     auto* csv = app.add_flag("--csv", csv_, "For programs, as a table");
     app.add_flag("--json", json_, "For programs, as JSON")->excludes(csv);
     addChanges(app);
-    choice_.AddOption(app);
+    plate_.AddTo(app);
     changing_.AddOptions(app);
   }
 
   ExitCode Run() override {
     if (hasChanges()) {
-      std::cout << changing_.Apply(file_, choice_,
-                                   [&](Vex2FileManager& plate) { return change(plate); });
+      std::cout << changing_.ApplyToPlate(file_, plate_,
+                                          [&](Vex2FileManager& plate) { return change(plate); });
       return ExitCode::kDone;
     }
-    Document document(file_);
+    const Document document(file_);
+    const auto plates = studiesHaveIt() ? plate_.Choose(document) : plate_.ChoosePlates(document);
+    const bool all = plate_.IsAll(document);
     if (json_) {
       const auto info = [&](const Vex2FileManager& plate) { return describe(plate); };
-      std::cout << choice_.Json(document, info).dump(2) << '\n';
+      std::cout << DescribePlates(plates, all, info).dump(2) << '\n';
     } else if (csv_) {
-      printCsv(choice_.Of(document), choice_.IsAll(document));
+      printCsv(plates, all);
     } else {
-      choice_.ForEach(document, std::cout, [&](const Vex2FileManager& plate) { print(plate); });
+      ShowPlates(plates, all, std::cout, [&](const Vex2FileManager& plate) { print(plate); });
     }
     document.RequireWhole("");
     return ExitCode::kDone;
@@ -49,9 +51,11 @@ class ListingCommand : public Command {
   /// Changes the plate, and answers lines that say what. Throws an error when that cannot be.
   virtual std::string change(Vex2FileManager& plate) const = 0;
 
+  /// Whether a study keeps such things of its own, beside those of its plates.
+  virtual bool studiesHaveIt() const { return false; }
   virtual nlohmann::ordered_json describe(const Vex2FileManager& plate) const = 0;
   /// Writes the table; where it is of `all` plates of a study, with their names in front.
-  virtual void printCsv(const std::vector<Plate>& plates, bool all) const = 0;
+  virtual void printCsv(const std::vector<Document::Plate>& plates, bool all) const = 0;
   virtual void print(const Vex2FileManager& plate) const = 0;
 
   std::string file_;
@@ -59,7 +63,7 @@ class ListingCommand : public Command {
  private:
   bool csv_ = false;
   bool json_ = false;
-  PlateChoice choice_;
+  PlateOption plate_;
   Changing changing_;
 };
 

@@ -2,8 +2,8 @@
 #include <iostream>
 #include <utility>
 
+#include "tools/vex/Changing.h"
 #include "tools/vex/Command.h"
-#include "tools/vex/Rewriting.h"
 #include "tools/vex/Settings.h"
 #include "tools/vex/Study.h"
 #include "tools/vex/Text.h"
@@ -36,8 +36,8 @@ class SetCommand final : public Command {
     app.add_option("KEY=VALUE", assignments_, "The settings and their new values")
         ->required()
         ->type_name("");
-    app.add_flag("--dry-run", dryRun_, "Say what would change, and change nothing");
-    rewriting_.AddOptions(app);
+    if (!ofStudy_) plate_.AddTo(app);
+    changing_.AddOptions(app);
     app.footer(settingList(settings_) + "\n\n" + app.get_footer());
   }
 
@@ -45,14 +45,12 @@ class SetCommand final : public Command {
     const std::vector<Change> changes = parse();
     Document document(file_);
     if (ofStudy_) RequireStudy(document);
-    document.RequireAtRest();
-    rewriting_.Prepare(document, file_);
-    std::string report;
-    document.Content().KeepingRawDataLast([&] {
-      for (const Change& change : changes) report += apply(document.Content(), change);
+    std::cout << changing_.Apply(document, [&] {
+      Vex2FileManager& target = targetOf(document, changes);
+      std::string report;
+      for (const Change& change : changes) report += apply(target, change);
+      return report;
     });
-    if (!dryRun_) Rewriting::Save(document.Content(), file_);
-    std::cout << report;
     return ExitCode::kDone;
   }
 
@@ -77,6 +75,18 @@ class SetCommand final : public Command {
       changes.push_back({&*found, assignment.substr(equals + 1)});
     }
     return changes;
+  }
+
+  // The plate that was named, or what the settings belong to.
+  Vex2FileManager& targetOf(Document& document, const std::vector<Change>& changes) const {
+    if (!plate_.IsAll(document)) return *plate_.One(document).content;
+    for (const Change& change : changes) {
+      if (change.setting->isOfStudies) continue;
+      throw Error(ExitCode::kUsage, file_,
+                  "a study keeps no " + std::string(change.setting->key) +
+                      " of its own; name the plate to change with --plate");
+    }
+    return document.Content();
   }
 
   [[noreturn]] void refuse(const std::string& what, const std::string& why) const {
@@ -104,8 +114,8 @@ class SetCommand final : public Command {
   bool ofStudy_;
   std::string file_;
   std::vector<std::string> assignments_;
-  bool dryRun_ = false;
-  Rewriting rewriting_;
+  PlateOption plate_;
+  Changing changing_;
 };
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <iostream>
 #include <optional>
 
+#include "tools/vex/Changing.h"
 #include "tools/vex/Command.h"
 #include "tools/vex/DocumentFile.h"
 
@@ -19,6 +20,8 @@ class StatusCommand final : public Command {
   void AddOptions(CLI::App& app) override {
     app.add_option("FILE", file_, "The document")->required()->type_name("");
     app.add_option("CODE", code_, "The new one: ZERO, PROG or DONE, or any four")->type_name("");
+    plate_.AddTo(app);
+    changing_.AddOptions(app);
   }
 
   ExitCode Run() override {
@@ -27,13 +30,17 @@ class StatusCommand final : public Command {
     document.OpenDocument(file_);
     static_cast<void>(document.ReadHeaderData(nullptr));
     document.Abort();
+    if (plate_.IsGiven() || (document.IsRQS() && !code_)) return runOnPlates();
     const CString before = document.GetAcquisitionStatus();
     if (!code_) {
       std::cout << Printable(before.View()) << '\n';
       return ExitCode::kDone;
     }
-    if (document.SetAcquisitionStatus(file_.c_str(), code_->c_str()) != kSuccess) fail();
-    std::cout << Printable(before.View()) << " -> " << *code_ << '\n';
+    if (!changing_.IsDryRun() &&
+        document.SetAcquisitionStatus(file_.c_str(), code_->c_str()) != kSuccess) {
+      fail();
+    }
+    std::cout << change(before) << (changing_.IsDryRun() ? Changing::kDryRun : "");
     return ExitCode::kDone;
   }
 
@@ -45,6 +52,32 @@ class StatusCommand final : public Command {
     if (code_->size() == 4 && isPlain) return;
     throw Error(ExitCode::kUsage, file_,
                 "the status '" + *code_ + "' is not four plain characters, like DONE");
+  }
+
+  // Of a plate in a study, which is read whole, and saved whole with the plate's new status.
+  ExitCode runOnPlates() const {
+    if (code_) {
+      std::cout << changing_.ApplyToPlate(file_, plate_, [&](Vex2FileManager& plate) {
+        const CString before = plate.GetAcquisitionStatus();
+        Vex2HeaderData header = plate.GetHeaderData();
+        code_->copy(header.acquisitionStatus, sizeof header.acquisitionStatus);
+        plate.SetHeaderData(header);
+        return change(before);
+      });
+      return ExitCode::kDone;
+    }
+    const Document document(file_);
+    for (const Document::Plate& plate : plate_.ChoosePlates(document)) {
+      std::cout << Printable(plate.content->GetAcquisitionStatus().View());
+      if (!plate_.IsGiven()) std::cout << "  " << Printable(ToUtf8(plate.name));
+      std::cout << '\n';
+    }
+    document.RequireWhole("");
+    return ExitCode::kDone;
+  }
+
+  std::string change(const CString& before) const {
+    return Printable(before.View()) + " -> " + *code_ + "\n";
   }
 
   [[noreturn]] void fail() const {
@@ -61,6 +94,8 @@ class StatusCommand final : public Command {
 
   std::string file_;
   std::optional<std::string> code_;
+  PlateOption plate_;
+  Changing changing_;
 };
 
 }  // namespace

@@ -112,6 +112,17 @@ std::string AddPlates(Vex2FileManager& study, const std::string& studyPath,
   return report;
 }
 
+void ExtractPlate(const Document& study, const Document::Plate& plate, const std::string& target,
+                  const Rewriting& rewriting) {
+  if (IsSameFile(study.Path(), target)) {
+    throw Error(ExitCode::kUsage, study.Path(), "the plate would take the place of its own study");
+  }
+  RequireNoRunAt(target);
+  rewriting.PreparePlate(study, plate, target);
+  DocumentFile single(*plate.content);
+  Rewriting::Save(single, target);
+}
+
 void RequireStudy(const Document& document) {
   if (document.IsStudy()) return;
   throw Error(ExitCode::kDocument, document.Path(),

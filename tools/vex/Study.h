@@ -14,6 +14,11 @@ namespace vex2::tool {
 std::string AddPlates(Vex2FileManager& study, const std::string& studyPath,
                       const std::vector<std::string>& paths, const Rewriting& rewriting);
 
+/// Saves one plate of `study` to `target` as a document of its own. Throws an error when that fails
+/// or the study itself stands there.
+void ExtractPlate(const Document& study, const Document::Plate& plate, const std::string& target,
+                  const Rewriting& rewriting);
+
 /// Throws an error unless `document` is a study.
 void RequireStudy(const Document& document);
 

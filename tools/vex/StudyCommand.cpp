@@ -3,6 +3,7 @@
 #include <iostream>
 #include <nlohmann/json.hpp>
 
+#include "tools/vex/Changing.h"
 #include "tools/vex/Command.h"
 #include "tools/vex/DocumentPlates.h"
 #include "tools/vex/Study.h"
@@ -15,8 +16,6 @@ namespace {
 
 using nlohmann::ordered_json;
 
-constexpr const char* kDryRun = "Say what would change, and change nothing";
-
 /// What the actions that change a study have in common.
 class StudyChange : public Command {
  public:
@@ -25,8 +24,7 @@ class StudyChange : public Command {
   void AddOptions(CLI::App& app) override {
     app.add_option("STUDY", study_, "The study")->required()->type_name("");
     AddArguments(app);
-    app.add_flag("--dry-run", dryRun_, kDryRun);
-    rewriting_.AddOptions(app);
+    changing_.AddOptions(app);
   }
 
  protected:
@@ -36,14 +34,16 @@ class StudyChange : public Command {
     app.add_option("PLATE", plates, "The documents of the plates")->required()->type_name("");
   }
 
-  void Finish(Vex2FileManager& study, const std::string& report) const {
-    if (!dryRun_) Rewriting::Save(study, study_);
-    std::cout << report;
+  /// Changes the study with `change`, which is handed it and answers what it changed.
+  template <typename Change>
+  void ChangeStudy(const Change& change) const {
+    Document document(study_);
+    RequireStudy(document);
+    std::cout << changing_.Apply(document, [&] { return change(document); });
   }
 
   std::string study_;
-  Rewriting rewriting_;
-  bool dryRun_ = false;
+  Changing changing_;
 };
 
 class NewAction final : public StudyChange {
@@ -59,8 +59,8 @@ class NewAction final : public StudyChange {
     }
     RequireNoRunAt(study_);
     Vex2FileManager study;
-    const std::string report = AddPlates(study, study_, plates_, rewriting_);
-    Finish(study, report);
+    const std::string report = AddPlates(study, study_, plates_, changing_.Losses());
+    std::cout << changing_.Finish(study, study_, report);
     return ExitCode::kDone;
   }
 
@@ -82,12 +82,9 @@ class AddAction final : public StudyChange {
                      "vex study add study.vex plate3.vex"}) {}
 
   ExitCode Run() override {
-    Document document(study_);
-    RequireStudy(document);
-    document.RequireAtRest();
-    rewriting_.Prepare(document, study_);
-    const std::string report = AddPlates(document.Content(), study_, plates_, rewriting_);
-    Finish(document.Content(), report);
+    ChangeStudy([&](Document& study) {
+      return AddPlates(study.Content(), study_, plates_, changing_.Losses());
+    });
     return ExitCode::kDone;
   }
 
@@ -105,25 +102,7 @@ class RemoveAction final : public StudyChange {
                      "vex study remove study.vex plate1 plate2"}) {}
 
   ExitCode Run() override {
-    Document document(study_);
-    RequireStudy(document);
-    document.RequireAtRest();
-    rewriting_.Prepare(document, study_);
-    std::vector<std::string> removed;
-    for (const std::string& name : names_) {
-      const Document::Plate* plate = FindPlate(document, name);
-      if (plate == nullptr) RefusePlateName(document, name);
-      if (std::find(removed.begin(), removed.end(), plate->name) != removed.end()) {
-        throw Error(ExitCode::kUsage, study_, "the plate '" + name + "' is given twice");
-      }
-      removed.push_back(plate->name);
-    }
-    std::string report;
-    for (const std::string& name : removed) {
-      document.Content().RemoveRQPlate(CString(std::string_view(name)));
-      report += "- " + Printable(ToUtf8(name)) + "\n";
-    }
-    Finish(document.Content(), report);
+    ChangeStudy([&](Document& study) { return remove(study); });
     return ExitCode::kDone;
   }
 
@@ -133,6 +112,24 @@ class RemoveAction final : public StudyChange {
   }
 
  private:
+  std::string remove(Document& study) const {
+    std::vector<std::string> removed;
+    for (const std::string& name : names_) {
+      const Document::Plate* plate = FindPlate(study, name);
+      if (plate == nullptr) RefusePlateName(study, name);
+      if (std::find(removed.begin(), removed.end(), plate->name) != removed.end()) {
+        throw Error(ExitCode::kUsage, study_, "the plate '" + name + "' is given twice");
+      }
+      removed.push_back(plate->name);
+    }
+    std::string report;
+    for (const std::string& name : removed) {
+      study.Content().RemoveRQPlate(CString(std::string_view(name)));
+      report += "- " + Printable(ToUtf8(name)) + "\n";
+    }
+    return report;
+  }
+
   std::vector<std::string> names_;
 };
 
@@ -228,16 +225,10 @@ class ExtractAction final : public Command {
   }
 
   ExitCode Run() override {
-    Document document(study_);
+    const Document document(study_);
     const Document::Plate* plate = FindPlate(document, name_);
     if (plate == nullptr) RefusePlateName(document, name_);
-    if (IsSameFile(study_, target_)) {
-      throw Error(ExitCode::kUsage, study_, "the plate would take the place of its own study");
-    }
-    RequireNoRunAt(target_);
-    rewriting_.PreparePlate(document, *plate, target_);
-    DocumentFile single(*plate->content);
-    Rewriting::Save(single, target_);
+    ExtractPlate(document, *plate, target_, rewriting_);
     return ExitCode::kDone;
   }
 

@@ -93,11 +93,11 @@ class WellsCommand final : public ListingCommand {
     return wellsInfo(plate);
   }
 
-  void printCsv(const std::vector<Plate>& plates, bool all) const override {
-    for (const Plate& plate : plates) requireSetup(*plate.content);
+  void printCsv(const std::vector<Document::Plate>& plates, bool all) const override {
+    for (const Document::Plate& plate : plates) requireSetup(*plate.content);
     CsvWriter csv(std::cout, all);
     WriteWellColumns(csv);
-    for (const Plate& plate : plates) {
+    for (const Document::Plate& plate : plates) {
       WriteWells(ContentsOf(*plate.content), csv, ToUtf8(plate.name));
     }
   }
