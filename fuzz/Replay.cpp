@@ -1,0 +1,30 @@
+// Runs a fuzz target on each of the files and of the files in the folders that it is given, once,
+// with any compiler and under any sanitizer. What is not there is passed over.
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "fuzz/Require.h"
+
+int main(int count, char** arguments) {
+  namespace fs = std::filesystem;
+  std::vector<fs::path> inputs;
+  for (int i = 1; i < count; ++i) {
+    if (fs::is_regular_file(arguments[i])) inputs.emplace_back(arguments[i]);
+    if (!fs::is_directory(arguments[i])) continue;
+    for (const auto& entry : fs::directory_iterator(arguments[i])) inputs.push_back(entry.path());
+  }
+  for (const fs::path& input : inputs) {
+    // Said beforehand, since a finding ends the program.
+    std::fprintf(stderr, "%s\n", input.c_str());
+    std::ifstream file(input, std::ios::binary);
+    const std::string bytes{std::istreambuf_iterator<char>(file), {}};
+    LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
+  }
+  std::printf("%zu inputs\n", inputs.size());
+  return inputs.empty() ? 1 : 0;
+}
