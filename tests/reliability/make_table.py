@@ -1,0 +1,51 @@
+"""Writes what the sweeps of faults met into the table of docs/reliability.md.
+
+usage: make_table.py RESULTS DOCUMENT
+
+RESULTS is what the tests wrote where VEX2_SWEEP_RESULTS is set: a JSON object a line. Only sweeps at full
+length count; those of the same name are added up. The exit code is 1 when a promise was broken.
+"""
+
+import collections
+import json
+import pathlib
+import sys
+
+BEGIN = "<!-- sweeps: written by tests/reliability/make_table.py -->"
+END = "<!-- end of sweeps -->"
+
+
+def sums(lines):
+    rows = collections.OrderedDict()
+    for line in filter(None, map(str.strip, lines)):
+        result = json.loads(line)
+        if not result["full"]:
+            continue
+        row = rows.setdefault((result["promise"], result["sweep"]), [0, 0, 0])
+        for column, key in enumerate(("points", "states", "bad")):
+            row[column] += result[key]
+    return dict(sorted(rows.items()))
+
+
+def table(rows):
+    lines = ["| Fault | What was tried | Points | States looked at | Bad |", "|---|---|--:|--:|--:|"]
+    for (promise, sweep), counts in rows.items():
+        numbers = " | ".join(f"{count:,}" for count in counts)
+        lines.append(f"| {promise} | {sweep} | {numbers} |")
+    return "\n".join(lines)
+
+
+def main():
+    if len(sys.argv) != 3:
+        sys.exit(__doc__)
+    rows = sums(pathlib.Path(sys.argv[1]).read_text().splitlines())
+    if not rows:
+        sys.exit(f"{sys.argv[1]}: no sweep at full length is in it")
+    document = pathlib.Path(sys.argv[2])
+    before, rest = document.read_text().split(BEGIN)
+    document.write_text(f"{before}{BEGIN}\n{table(rows)}\n{END}{rest.split(END)[1]}")
+    return 1 if any(counts[2] for counts in rows.values()) else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
