@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <iostream>
 #include <iterator>
 #include <new>
@@ -125,12 +126,13 @@ class SpectrumCommand final : public Command {
     constexpr std::size_t kValueWidth = 6;
     const Terminal& terminal = Terminal::Out();
     if (shown_++ > 0) std::cout << '\n';
-    std::cout << terminal.Styled(
-                     Printable(file_) +
-                         (spectrum.isEmbedded ? ", plate " + Printable(spectrum.plate) : ""),
-                     Terminal::Style::kBold)
-              << ": well " << spectrum.wellName << ", frame " << frame_ << " of "
-              << spectrum.frameCount << ", well value " << spectrum.record.leading[0] << '\n';
+    const std::string source =
+        Printable(file_) + (spectrum.isEmbedded ? ", plate " + Printable(spectrum.plate) : "");
+    const std::string what = ": well " + spectrum.wellName + ", frame " + std::to_string(frame_) +
+                             " of " + std::to_string(spectrum.frameCount) + ", well value " +
+                             std::to_string(spectrum.record.leading[0]);
+    const std::size_t room = terminal.TextWidth() - std::min(terminal.TextWidth(), Columns(what));
+    std::cout << terminal.Styled(CutTo(source, room), Terminal::Style::kBold) << what << '\n';
     constexpr int kHeight = 8;
     const auto& readings = spectrum.record.data;
     std::cout << DrawBars({std::begin(readings), std::end(readings)}, kHeight, terminal, 0);
