@@ -32,6 +32,9 @@ constexpr int kHeaderSize = 1024;
 // The usage table must end within the header.
 constexpr int kMostRows = (kHeaderSize - 72) / 4;
 
+// Of 80 bytes each, in all the files of an execution.
+constexpr std::uint64_t kMostRecords = 20'000;
+
 class Describer {
  public:
   explicit Describer(bool isFollowed) : isFollowed_(isFollowed) {}
@@ -131,6 +134,14 @@ class Describer {
     number(wells.size());
     raw(wells.data(), wells.size_bytes());
     number(component.GetFrameCount());
+    // A block that was read without wells, and given some, has as many empty frames as its length
+    // says. No file here has room for them.
+    const std::uint64_t recordCount =
+        std::uint64_t{wells.size()} * static_cast<std::uint64_t>(component.GetFrameCount());
+    if (recordCount > kMostRecords) {
+      isReadable_ = false;
+      return;
+    }
     for (int index = 0; index < component.GetFrameCount(); ++index) {
       const Vex2WellRecord* records = component.GetFrame(index);
       for (std::size_t well = 0; well < wells.size(); ++well) {

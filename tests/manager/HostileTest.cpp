@@ -9,7 +9,6 @@
 
 #include "tests/support/DocumentBytes.h"
 #include "tests/support/FaultyFileSystem.h"
-#include "tests/support/SampleData.h"
 #include "tests/support/SilentHost.h"
 #include "tests/support/TempFolder.h"
 #include "vex2/container/TagFactory.h"
@@ -143,25 +142,6 @@ TEST_F(Hostile, AHeaderOf65535RowsIsReadFromAShortFile) {
   ASSERT_TRUE(file.Open(path_.c_str(), CFile::modeRead));
   EXPECT_EQ(plate.ReadComponentFile(&file), -100);
   EXPECT_EQ(plate.GetAllComponentCount(), 1);
-}
-
-TEST_F(Hostile, FilesCutAnywhereHaveAStatus) {
-  int documents = 0;
-  for (const auto& entry : fs::directory_iterator(vex2::test::SourcePath("tests/data"))) {
-    if (entry.path().extension() != ".vex") continue;
-    ++documents;
-    const Bytes whole = ReadBytes(entry.path());
-    for (std::size_t length = 0; length <= std::min<std::size_t>(whole.size(), 1200); ++length) {
-      const int status = read(Bytes(whole.begin(), whole.begin() + static_cast<long>(length)));
-      EXPECT_TRUE(status == 0 || status == -100 || status == -300) << entry << " " << length;
-      EXPECT_EQ(status == -100 && length < 4, length < 4) << entry << " " << length;
-      Vex2FileManagerComponent plate;
-      CFile file;
-      ASSERT_TRUE(file.Open(path_.c_str(), CFile::modeRead));
-      EXPECT_LE(plate.ReadComponentFile(&file), 0);
-    }
-  }
-  EXPECT_GE(documents, 5);
 }
 
 TEST_F(Hostile, EveryRefusedReadIsAStatus) {

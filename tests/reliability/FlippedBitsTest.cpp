@@ -1,0 +1,37 @@
+// No bit of a document, flipped, is the library's undoing.
+
+#include <numeric>
+
+#include "tests/reliability/DamagedDocuments.h"
+
+namespace vex2::test {
+namespace {
+
+constexpr std::size_t kSmall = std::size_t{16} * 1024;
+
+using FlippedBits = DamagedDocument;
+
+TEST_P(FlippedBits, HaveAStatusAndHurtNothing) {
+  std::vector<std::size_t> places = StructureOf(whole_).bytes;
+  if (whole_.size() <= kSmall) {
+    places.resize(whole_.size());
+    std::iota(places.begin(), places.end(), std::size_t{0});
+  }
+  Bytes bytes = whole_;
+  const auto step = static_cast<std::size_t>(InFullSweeps(1, 331));
+  for (std::size_t bit = 0; bit < 8 * places.size(); bit += step) {
+    const std::size_t place = places[bit / 8];
+    bytes[place] = static_cast<std::uint8_t>(bytes[place] ^ 1U << bit % 8);
+    ++points_;
+    ASSERT_TRUE(stands(bytes)) << "byte " << place << " bit " << bit % 8;
+    bytes[place] = whole_[place];
+  }
+  report("any bit flipped", FullSweeps()
+                                ? "every bit up to 16 KiB, above that of every structural byte"
+                                : "each 331st of these bits");
+}
+
+INSTANTIATE_TEST_SUITE_P(Documents, FlippedBits, testing::ValuesIn(SampleDocuments()), SampleName);
+
+}  // namespace
+}  // namespace vex2::test
