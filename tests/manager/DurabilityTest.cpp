@@ -151,13 +151,14 @@ TEST_F(Durability, CommitPutsTheFrameOnTheDiskBeforeTheLengthThatCountsIt) {
             "write@" + end + "+" + std::to_string(80 * kWells) + " barrier write@1028+4 barrier ");
 }
 
-TEST_F(Durability, CommitPutsTheBlockOnTheDiskBeforeThePositionThatLeadsToIt) {
+TEST_F(Durability, CommitPutsTheBlockOnTheDiskBeforeItsTagAndThePositionThatLeadsToIt) {
   OpenedManager manager;
   record(manager, 0);
   FaultyFileSystem files;
   EXPECT_EQ(append(manager, 0), kSuccess);
   const auto size = std::to_string(StoredBlock("RAWa", kWells, 1).size());
-  EXPECT_EQ(changesIn(files.Log(), path_), "write@1024+" + size + " barrier write@68+4 barrier ");
+  EXPECT_EQ(changesIn(files.Log(), path_),
+            "write@1024+" + size + " barrier write@1024+4 barrier write@68+4 barrier ");
 }
 
 // The order of what matters in a save, one word a call; writes in a row count once.

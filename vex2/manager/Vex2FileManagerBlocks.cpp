@@ -69,9 +69,15 @@ int Vex2FileManager::AppendAcquisitionDataBlock(const char* path, const Vex2Acqu
 
 int Vex2FileManager::appendRawData(AcquisitionDataComp& block) {
   const std::uint32_t position = documentPosition(SeekToEnd());
-  const int status = block.Write(this);
-  if (status != kSuccess) return status;
-  // The block is on the disk before the header leads to it.
+  // Until all of it is on the disk, the block goes without its tag and is stepped over by whoever
+  // reads the document: its length may get there before its frames. The header leads to it last.
+  constexpr std::array<char, vex2::kTagLength> kNoTag{};
+  Write(kNoTag.data(), kNoTag.size());
+  vex2::WriteValue(*this, block.GetLength());
+  static_cast<void>(block.WriteBody(this));
+  SyncData();
+  Seek(position, begin);
+  Write(block.GetTag().data(), vex2::kTagLength);
   SyncData();
   header_.acquisitionDataOffset = position;
   return UpdateAcqDataOffset(position);
