@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -87,6 +88,47 @@ TEST_F(FileLock, ThatIsGivenUpInTimeIsTaken) {
   };
   EXPECT_TRUE(opens(CFile::modeWrite));
   EXPECT_EQ(files_.pauses, 100);
+}
+
+TEST_F(FileLock, ThatAWriterWaitsForIsNotGivenToReadersWhoComeLater) {
+  ASSERT_TRUE(first_.Open(path_.c_str(), CFile::modeRead));
+  const int later = files_.Open(path_.c_str(), O_RDONLY, 0);
+  int refused = 0;
+  files_.whileWaiting = [&] {
+    refused = files_.EnterGate(later, false);
+    first_.Close();
+  };
+  EXPECT_TRUE(opens(CFile::modeWrite));
+  EXPECT_EQ(refused, -EWOULDBLOCK);
+  EXPECT_EQ(files_.EnterGate(later, false), 0);
+  files_.Close(later);
+}
+
+TEST_F(FileLock, ThatAReaderWaitsForIsNotGivenToWritersWhoComeLater) {
+  ASSERT_TRUE(first_.Open(path_.c_str(), CFile::modeWrite));
+  const int later = files_.Open(path_.c_str(), O_RDWR, 0);
+  int refused = 0;
+  int together = -1;
+  files_.whileWaiting = [&] {
+    refused = files_.EnterGate(later, true);
+    together = files_.EnterGate(later, false);
+    files_.LeaveGate(later);
+    first_.Close();
+  };
+  EXPECT_TRUE(opens(CFile::modeRead));
+  EXPECT_EQ(refused, -EWOULDBLOCK);
+  EXPECT_EQ(together, 0);
+  files_.Close(later);
+}
+
+TEST_F(FileLock, IsWaitedForAlsoByWhoHasToWaitForOthersWhoWait) {
+  const int waiting = files_.Open(path_.c_str(), O_RDWR, 0);
+  ASSERT_EQ(files_.EnterGate(waiting, true), 0);
+  EXPECT_FALSE(opens(CFile::modeRead));
+  EXPECT_EQ(error_.GetError(), EWOULDBLOCK);
+  files_.whileWaiting = [&] { files_.LeaveGate(waiting); };
+  EXPECT_TRUE(opens(CFile::modeRead));
+  files_.Close(waiting);
 }
 
 TEST_F(FileLock, AFileIsEmptiedOnlyUnderIt) {

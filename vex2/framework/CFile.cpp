@@ -18,7 +18,7 @@ using vex2::CurrentFileSystem;
 namespace {
 
 constexpr std::int64_t kLockWaitMilliseconds = 2000;
-constexpr int kLockPauseMilliseconds = 5;
+constexpr int kLockPauseMilliseconds = 1;
 
 // A jump reads little, reading on reads ever more: one frame out of a large document costs that
 // frame, and a whole document a handful of calls.
@@ -111,9 +111,19 @@ bool CFile::openLocked(const char* path, int flags, bool exclusive, CFileExcepti
 
 int CFile::lockHandle(bool exclusive, std::int64_t deadline) {
   auto& files = CurrentFileSystem();
+  // Whoever stands in the gate keeps out those who come later, and so gets the lock in time. A
+  // gate that cannot be had for any other reason is done without.
+  bool isNext = false;
   for (;;) {
-    const int status = files.Lock(handle_, exclusive);
-    if (status >= 0 || hasNoLocks(-status)) return 0;
+    int status = isNext ? 0 : files.EnterGate(handle_, exclusive);
+    if (status != -EWOULDBLOCK && status != -EINTR) {
+      isNext = true;
+      status = files.Lock(handle_, exclusive);
+      if (status >= 0 || hasNoLocks(-status)) {
+        static_cast<void>(files.LeaveGate(handle_));
+        return 0;
+      }
+    }
     if (status != -EINTR && status != -EWOULDBLOCK) return -status;
     if (status == -EWOULDBLOCK) {
       if (files.Milliseconds() >= deadline) return EWOULDBLOCK;

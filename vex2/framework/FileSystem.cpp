@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <ctime>
+#include <limits>
 
 namespace vex2 {
 namespace {
@@ -24,6 +25,25 @@ std::atomic<FileSystem*> installed{nullptr};
 template <typename Result>
 Result orError(Result result) {
   return result < 0 ? static_cast<Result>(-errno) : result;
+}
+
+// The gate is one byte that no document reaches. Its locks belong to the open file as the main
+// lock does, and are given up with it.
+constexpr off_t kGateAt = std::numeric_limits<off_t>::max() - 1;
+
+int setGate(int file, short type) {
+#ifdef F_OFD_SETLK
+  struct flock gate {};
+  gate.l_type = type;
+  gate.l_whence = SEEK_SET;
+  gate.l_start = kGateAt;
+  gate.l_len = 1;
+  const int status = orError(::fcntl(file, F_OFD_SETLK, &gate));
+  return status == -EACCES ? -EWOULDBLOCK : status;
+#else
+  static_cast<void>(file), static_cast<void>(type), static_cast<void>(kGateAt);
+  return -ENOSYS;
+#endif
 }
 
 constexpr const char* kAccessList = "system.posix_acl_access";
@@ -62,6 +82,14 @@ int FileSystem::SyncAll(int file) {
 
 int FileSystem::Lock(int file, bool exclusive) {
   return orError(::flock(file, (exclusive ? LOCK_EX : LOCK_SH) | LOCK_NB));
+}
+
+int FileSystem::EnterGate(int file, bool exclusive) {
+  return setGate(file, exclusive ? F_WRLCK : F_RDLCK);
+}
+
+int FileSystem::LeaveGate(int file) {
+  return setGate(file, F_UNLCK);
 }
 
 int FileSystem::Stat(int file, struct stat& info) {

@@ -29,6 +29,11 @@ class FileSystem {
   virtual int SyncAll(int file);
   /// Takes an advisory lock without waiting; -EWOULDBLOCK when another holds it.
   virtual int Lock(int file, bool exclusive);
+  /// Takes a place before the lock without waiting: one for writers or any number of readers;
+  /// -EWOULDBLOCK when the others have it. Whoever may have to wait for the lock waits there, so
+  /// that readers who come later do not keep a writer waiting for ever, nor writers a reader.
+  virtual int EnterGate(int file, bool exclusive);
+  virtual int LeaveGate(int file);
   virtual int Stat(int file, struct stat& info);
   virtual int StatPath(const char* path, struct stat& info);
   virtual int Rename(const char* from, const char* to);
