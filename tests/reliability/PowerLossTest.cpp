@@ -148,16 +148,17 @@ Verdict JudgeRun(const RunPlan& plan) {
 TEST(PowerLoss, InARunLeavesTheFramesWhoseCommitReturned) {
   Verdict verdict;
   const int frames = InFullSweeps(45, 5);
-  for (const int wells : {1, 5, 12, 24}) {
-    verdict.Add(JudgeRun({.wells = wells, .frames = frames}));
-  }
-  const auto lots = static_cast<std::uint64_t>(InFullSweeps(20, 3));
-  for (const int wells : {96, 384}) {
-    verdict.Add(JudgeRun({.wells = wells, .frames = frames, .mostStates = lots}));
-  }
+  const auto visit = [&](int wells, int lots) {
+    const auto most = static_cast<std::uint64_t>(lots);
+    verdict.Add(JudgeRun({.wells = wells, .frames = frames, .mostStates = most}));
+  };
+  for (const int wells : {1, 5, 12, 24, 32, 40}) visit(wells, InFullSweeps(1000, 60));
+  visit(96, InFullSweeps(10, 3));
+  visit(384, 3);
   EXPECT_EQ(verdict.bad, 0U) << verdict.first;
   EXPECT_GE(verdict.states, FullSweeps() ? 100'000U : 1000U);
-  ReportSweep({kPromise, "what a disk may hold after a cut at each write of runs, six plate sizes",
+  ReportSweep({kPromise,
+               "what a disk may hold after a cut at each write of runs, eight sizes of plates",
                verdict.points, verdict.states, verdict.bad});
 }
 
