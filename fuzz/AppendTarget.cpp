@@ -51,7 +51,11 @@ void requireRun(const Content& setup, const Frames& frames) {
 class Run {
  public:
   Run(Vex2FileManager& document, std::uint16_t wells) : wells_(wells) {
-    document.RemoveAcquisitionDataBlock(DataRAWa);
+    // A file can hold several; one that stays would take the frames, or drop them without wells.
+    for (int before = -1; before != document.GetAllComponentCount();) {
+      before = document.GetAllComponentCount();
+      document.RemoveAcquisitionDataBlock(DataRAWa);
+    }
     Vex2HeaderData header = document.GetHeaderData();
     header.acquisitionDataOffset = 0;
     document.SetHeaderData(header);
