@@ -76,5 +76,6 @@ std::unique_ptr<Command> MakeStatusCommand();
 std::unique_ptr<Command> MakeSetCommand();
 std::unique_ptr<Command> MakeStudyCommand();
 std::unique_ptr<Command> MakeStudySetCommand();
+std::unique_ptr<Command> MakeCheckCommand();
 
 }  // namespace vex2::tool

@@ -27,6 +27,7 @@ std::vector<std::unique_ptr<Command>> MakeCommands() {
   commands.push_back(MakeStatusCommand());
   commands.push_back(MakeSetCommand());
   commands.push_back(MakeStudyCommand());
+  commands.push_back(MakeCheckCommand());
   return commands;
 }
 

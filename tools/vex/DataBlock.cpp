@@ -42,6 +42,20 @@ std::optional<DataBlockHead> ReadDataBlockHead(CFile& file, const FileRecord& re
   return head;
 }
 
+FrameFit FitFrames(const FileRecord& record, const DataBlockHead& head, std::uint64_t end) {
+  FrameFit fit;
+  fit.headSize = head.firstFrame - record.offset;
+  if (head.frameSize == 0) return fit;
+  const auto split = [&](std::uint64_t last, std::uint64_t& frames, std::uint64_t& rest) {
+    const std::uint64_t bytes = last - std::min(last, head.firstFrame);
+    frames = bytes / head.frameSize;
+    rest = bytes % head.frameSize;
+  };
+  split(record.DeclaredEnd(), fit.counted, fit.countedRest);
+  split(end, fit.there, fit.thereRest);
+  return fit;
+}
+
 void AddBlockOption(CLI::App& app, std::string& tag) {
   tag = "RAWa";
   app.add_option("--block", tag, "The data block; RAWa if none")

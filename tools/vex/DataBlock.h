@@ -28,6 +28,19 @@ struct DataBlockHead {
 /// before it does.
 std::optional<DataBlockHead> ReadDataBlockHead(CFile& file, const FileRecord& record);
 
+/// How the frames of a block stand in a file.
+struct FrameFit {
+  std::uint64_t headSize = 0;  ///< bytes of the record before its frames, tag and length included
+  std::uint64_t counted = 0;   ///< whole frames that the block's length has room for
+  std::uint64_t countedRest = 0;  ///< bytes that the length counts behind the last of them
+  std::uint64_t there = 0;        ///< whole frames from the first one's place to `end`
+  std::uint64_t thereRest = 0;    ///< bytes behind the last of them
+};
+
+/// Of the block at `record` with that head: what its length says, and what there is up to `end`,
+/// the place where the file or the next record begins.
+FrameFit FitFrames(const FileRecord& record, const DataBlockHead& head, std::uint64_t end);
+
 /// Adds "--block" to a command; `tag` holds the block's tag then, "RAWa" when it is not given.
 void AddBlockOption(CLI::App& app, std::string& tag);
 /// The block of that tag, which is one of a block.

@@ -13,12 +13,14 @@ enum class BodyLayout : std::uint8_t {
   kLong,
   kFloat,
   kText,
-  kBytes,   ///< the instrument's own: as many bytes as the record declares
-  kColour,  ///< three bytes
-  kList,    ///< a 16-bit count and that many records
-  kCell,    ///< a list with five bytes of its own behind the count
-  kPlate,   ///< a document within the document, behind a count that is 0
-  kData,    ///< a data block
+  kBytes,       ///< the instrument's own: as many bytes as the record declares
+  kPureDyes,    ///< a head and entries that tell their own length
+  kBackground,  ///< the same with smaller entries
+  kColour,      ///< three bytes
+  kList,        ///< a 16-bit count and that many records
+  kCell,        ///< a list with five bytes of its own behind the count
+  kPlate,       ///< a document within the document, behind a count that is 0
+  kData,        ///< a data block
 };
 
 /// What the tools know of a kind of record besides what the library does.

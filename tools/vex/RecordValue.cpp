@@ -95,6 +95,8 @@ std::string describeContent(CFile& file, const FileRecord& record, std::size_t w
     case BodyLayout::kPlate:
       return "";
     case BodyLayout::kBytes:
+    case BodyLayout::kPureDyes:
+    case BodyLayout::kBackground:
     case BodyLayout::kUnknown:
       return describeBytes(file, record);
     default: {
@@ -123,6 +125,8 @@ ordered_json ReadRecordValue(CFile& file, const FileRecord& record) {
     case BodyLayout::kText:
       return ToUtf8(textOf(bodyBytes(file, record, record.length)));
     case BodyLayout::kBytes:
+    case BodyLayout::kPureDyes:
+    case BodyLayout::kBackground:
       return ToHex(bodyBytes(file, record, record.length));
     default:
       return nullptr;

@@ -17,6 +17,18 @@ constexpr std::uint64_t kHeadSize = 8;
 // As deep as the document's reader goes: a file of lists within lists would use up the stack.
 constexpr int kDeepest = 64;
 
+// Of pure dyes and backgrounds.
+constexpr std::uint64_t kEntryCountAt = 8;
+constexpr std::uint64_t kSpectraHead = 72;
+constexpr std::uint64_t kValueSize = 4;
+// Bytes of an entry before the length of its name, and between the name and the number of values.
+struct EntryLayout {
+  std::uint64_t beforeName;
+  std::uint64_t behindName;
+};
+constexpr EntryLayout kPureDyeEntry = {8, 6};
+constexpr EntryLayout kBackgroundEntry = {8, 0};
+
 template <std::size_t size>
 std::optional<std::array<unsigned char, size>> readBytes(CFile& file) {
   std::array<unsigned char, size> bytes{};
@@ -73,6 +85,7 @@ class Walker {
     visitor_.Begin(record, file_);
     seek(record.BodyOffset());
     if (record.length != 0 && !body(record)) return false;
+    record.end = file_.GetPosition();
     visitor_.End(record);
     return true;
   }
@@ -96,6 +109,10 @@ class Walker {
         return plate(record);
       case BodyLayout::kData:
         return data(record);
+      case BodyLayout::kPureDyes:
+        return spectra(record, kPureDyeEntry);
+      case BodyLayout::kBackground:
+        return spectra(record, kBackgroundEntry);
       case BodyLayout::kText:
       case BodyLayout::kBytes:
       case BodyLayout::kUnknown:
@@ -161,6 +178,28 @@ class Walker {
     }
     seek(block->firstFrame + block->frameCount * block->frameSize);
     return true;
+  }
+
+  // The entries tell how long they are, and the body ends with the last.
+  bool spectra(const FileRecord& record, const EntryLayout& entry) {
+    seek(record.BodyOffset() + kEntryCountAt);
+    const auto count = ReadShort(file_);
+    seek(record.BodyOffset());
+    if (!step(record, kSpectraHead)) return false;
+    for (unsigned i = 0; i < count.value_or(0); ++i) {
+      if (!step(record, entry.beforeName)) return false;
+      const std::uint64_t name = readByte();
+      if (!step(record, name + entry.behindName)) return false;
+      const std::uint64_t values = readByte();
+      if (!step(record, values * kValueSize)) return false;
+    }
+    return true;
+  }
+
+  std::uint8_t readByte() {
+    std::uint8_t byte = 0;
+    file_.Read(&byte, 1);
+    return byte;
   }
 
   static std::string named(const FileRecord& record) {

@@ -16,14 +16,18 @@ struct FileRecord {
   std::array<char, 4> tagBytes{};
   std::uint64_t offset = 0;  ///< of the tag, from the file's begin
   std::uint32_t length = 0;  ///< as the record declares it
+  std::uint64_t end = 0;     ///< where the reader goes on; known once the record ends
   int depth = 1;             ///< 1 for a record of the document itself
   const RecordKind* kind = nullptr;
 
   std::string_view Tag() const { return {tagBytes.data(), tagBytes.size()}; }
   std::uint64_t BodyOffset() const { return offset + 8; }
+  std::uint64_t DeclaredEnd() const { return BodyOffset() + length; }
 };
 
-/// Is told of each record of a file. Neither operation need leave the file's position.
+/// Is told of each record of a file, also of a damaged one: what the records declare (`length`) and
+/// where the reader goes on behind them (`end`) are two things, and a record that begins and does
+/// not end is where the walk gave up. No operation need leave the file's position.
 class RecordVisitor {
  public:
   virtual ~RecordVisitor() = default;

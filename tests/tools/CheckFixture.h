@@ -1,0 +1,87 @@
+#pragma once
+
+#include <functional>
+
+#include "tests/support/RunDocument.h"
+#include "tests/tools/DocumentFixture.h"
+#include "tools/vex/DocumentCheck.h"
+
+namespace vex2::test {
+
+/// Documents that have something wrong with them, made on purpose, and what is found.
+class DamageTest : public DocumentTest {
+ protected:
+  // Of the run that `MakeRun` makes: settings, then the block.
+  static constexpr std::size_t kBlock = 1120;
+  static constexpr std::size_t kFrame = 80 * kWells;
+  static constexpr std::size_t kFrames = 3;
+  static constexpr std::size_t kFirstFrame = kBlock + 26 + 2 * kWells;
+  static constexpr std::size_t kBlockLength = 18 + 2 * kWells + kFrames * kFrame;
+  static constexpr std::size_t kEnd = kBlock + 8 + kBlockLength;
+  static constexpr std::size_t kProgramAt = 24;
+  static constexpr std::size_t kStatusAt = 64;
+  static constexpr std::size_t kPositionAt = 68;
+
+  void Change(const std::function<void(Bytes&)>& change) const {
+    Bytes bytes = ReadBytes(path_);
+    change(bytes);
+    WriteBytes(path_, bytes);
+  }
+  void SetLong(std::size_t at, unsigned long value) const {
+    Change([=](Bytes& bytes) { SetLongAt(bytes, at, value); });
+  }
+  void SetStatus(std::string_view status) const {
+    Change(
+        [=](Bytes& bytes) { std::copy(status.begin(), status.end(), bytes.begin() + kStatusAt); });
+  }
+  /// Appends what `count` bytes of further frames would be.
+  void AppendFrameBytes(std::size_t count) const {
+    Change([=](Bytes& bytes) {
+      const Bytes frame = Slice(bytes, kFirstFrame, kFrame);
+      for (std::size_t i = 0; i < count; ++i) bytes.push_back(frame[i % kFrame]);
+    });
+  }
+  void Append(const Bytes& more) const {
+    Change([&](Bytes& bytes) { bytes.insert(bytes.end(), more.begin(), more.end()); });
+  }
+
+  std::vector<tool::Finding> Found(tool::Severity severity) const {
+    std::vector<tool::Finding> found = tool::CheckDocument(path_).Sorted();
+    std::erase_if(found, [=](const auto& finding) { return finding.severity != severity; });
+    return found;
+  }
+  static std::string Told(const std::vector<tool::Finding>& findings) {
+    std::string text;
+    for (const tool::Finding& finding : findings) {
+      text +=
+          finding.record + " at " + std::to_string(finding.offset) + ": " + finding.problem + "\n";
+    }
+    return text;
+  }
+  std::string Errors() const { return Told(Found(tool::Severity::kError)); }
+  std::string Warnings() const { return Told(Found(tool::Severity::kWarning)); }
+  std::string Notes() const { return Told(Found(tool::Severity::kNote)); }
+
+  /// Expects this one error and no warning, or the other way round; each with what it means.
+  void ExpectError(const std::string& told) const {
+    EXPECT_EQ(Errors(), told + "\n");
+    EXPECT_EQ(Warnings(), "");
+    ExpectMeaning(tool::Severity::kError);
+  }
+  void ExpectWarning(const std::string& told) const {
+    EXPECT_EQ(Warnings(), told + "\n");
+    EXPECT_EQ(Errors(), "");
+    ExpectMeaning(tool::Severity::kWarning);
+  }
+  void ExpectSound() const {
+    EXPECT_EQ(Errors(), "");
+    EXPECT_EQ(Warnings(), "");
+  }
+
+ private:
+  void ExpectMeaning(tool::Severity severity) const {
+    for (const tool::Finding& finding : Found(severity)) EXPECT_NE(finding.consequence, "");
+  }
+};
+
+}  // namespace vex2::test
