@@ -77,5 +77,6 @@ std::unique_ptr<Command> MakeSetCommand();
 std::unique_ptr<Command> MakeStudyCommand();
 std::unique_ptr<Command> MakeStudySetCommand();
 std::unique_ptr<Command> MakeCheckCommand();
+std::unique_ptr<Command> MakeRepairCommand();
 
 }  // namespace vex2::tool

@@ -28,6 +28,7 @@ std::vector<std::unique_ptr<Command>> MakeCommands() {
   commands.push_back(MakeSetCommand());
   commands.push_back(MakeStudyCommand());
   commands.push_back(MakeCheckCommand());
+  commands.push_back(MakeRepairCommand());
   return commands;
 }
 

@@ -79,6 +79,7 @@ void RecordCheck::Pass(std::uint64_t offset) {
   constexpr std::uint64_t kPassed = 4;
   const bool goesOn = passedEnd_ == offset;
   passedEnd_ = offset + kPassed;
+  hasGaps_ = true;
   if (goesOn || levels_.empty()) return;
   findings_.Add({Severity::kWarning, path(levels_.size()), offset,
                  "bytes in a plate that begin no known record",
@@ -118,6 +119,7 @@ void RecordCheck::add(Severity severity, std::string problem, std::string conseq
 
 void RecordCheck::checkUnknown(const FileRecord& record) {
   if (levels_.size() > 1 && !levels_.front().known) return;
+  if (!isPlain(record.Tag())) hasGaps_ = true;
   if (!isPlain(record.Tag()) && record.depth == 1) {
     return add(Severity::kError, "these bytes are no record, and known ones follow",
                "the reader steps over " + Counted(record.length, "byte") +
@@ -140,6 +142,7 @@ void RecordCheck::checkLength(const Level& level) {
   if (record.length == 0 || level.holdsPlates || isFreeInLength(record.kind->layout)) return;
   const std::uint64_t held = record.end - record.BodyOffset();
   if (held == record.length) return;
+  wrongLengths_.push_back({path(levels_.size()), record.offset, record.length, held});
   const std::string lengths = "its length is " + std::to_string(record.length) +
                               ", but what it holds takes " + Counted(held, "byte");
   if (record.length < held) {
@@ -218,7 +221,9 @@ void RecordCheck::checkWells(const DataBlockHead& head) {
     if (well == 0 || (plate_.Wells() > 0 && well > plate_.Wells())) ++outside;
   }
   if (doubles > 0) {
-    add(Severity::kWarning, Counted(doubles, "well") + " of it stands in it twice",
+    add(Severity::kWarning,
+        std::to_string(doubles) + " of its wells " + (doubles == 1 ? "stands" : "stand") +
+            " in it twice",
         "only the first reading of such a well is found by its number");
   }
   if (outside > 0) {

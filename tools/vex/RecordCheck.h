@@ -18,6 +18,14 @@ struct PositionedRecord {
   std::uint64_t declaredEnd = 0;  ///< where its length says that it ends
 };
 
+/// A record whose length is not what it holds.
+struct WrongLength {
+  std::string name;
+  std::uint64_t offset = 0;
+  std::uint32_t declared = 0;
+  std::uint64_t held = 0;
+};
+
 /// Adds what is wrong with each record of a document, as the walk over them meets it.
 class RecordCheck final : public RecordVisitor {
  public:
@@ -30,6 +38,10 @@ class RecordCheck final : public RecordVisitor {
 
   /// The programs and raw data that were walked over.
   const std::vector<PositionedRecord>& Positioned() const { return positioned_; }
+  const std::vector<WrongLength>& WrongLengths() const { return wrongLengths_; }
+  /// Whether there are bytes between the document's records that are none, so that the walk may
+  /// have taken for records what is none.
+  bool HasGaps() const { return hasGaps_; }
   /// The tags that lead to the record at `offset`, where the walk or the reader gave up.
   std::string NameAt(std::uint64_t offset) const;
 
@@ -57,6 +69,8 @@ class RecordCheck final : public RecordVisitor {
   HeaderFields plate_;         ///< the header that the records belong to
   std::vector<Level> levels_;  ///< the record that was begun last, and those that it is in
   std::vector<PositionedRecord> positioned_;
+  std::vector<WrongLength> wrongLengths_;
+  bool hasGaps_ = false;
   std::uint64_t passedEnd_ = 0;
 };
 

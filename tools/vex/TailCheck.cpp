@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "tools/vex/DataBlock.h"
 #include "tools/vex/Text.h"
 
 namespace vex2::tool {
@@ -23,30 +22,10 @@ std::string textAt(CFile& file, std::uint64_t offset) {
   return {text.data(), file.Read(text.data(), text.size())};
 }
 
-/// The block that frames are appended to, when the document ends with it.
-struct LastBlock {
-  FileRecord record;
-  DataBlockHead head;
-};
-
-std::optional<LastBlock> lastBlock(CFile& file, const Document& document) {
-  const auto& records = document.Records();
-  if (records.empty() || records.back().tag != kBlock || records.back().length == 0) {
-    return std::nullopt;
-  }
-  LastBlock block;
-  block.record.offset = records.back().offset;
-  block.record.length = records.back().length;
-  auto head = ReadDataBlockHead(file, block.record);
-  if (!head || head->frameSize == 0) return std::nullopt;
-  block.head = std::move(*head);
-  return block;
-}
-
 // The file ends before the block does.
 void checkCutBlock(CFile& file, const Document& document, const HeaderFields& header,
                    const FileFault& fault, Findings& findings) {
-  const auto block = lastBlock(file, document);
+  const auto block = FindLastBlock(file, document);
   if (header.IsUnfinished() && header.rawDataPosition == 0) {
     findings.Add({Severity::kWarning, std::string(kBlock), fault.offset,
                   "a block that the header does not lead to, cut short: its first commit was "
@@ -116,7 +95,7 @@ void checkStray(CFile& file, const Document& document, const HeaderFields& heade
   const std::uint64_t from = document.StrayOffset();
   const std::uint64_t bytes = document.Size() - from;
   if (bytes == 0) return;
-  if (const auto block = lastBlock(file, document)) {
+  if (const auto block = FindLastBlock(file, document)) {
     return checkBehindBlock(*block, document, header, findings);
   }
   const std::string begin = textAt(file, from);
@@ -139,6 +118,20 @@ void checkStray(CFile& file, const Document& document, const HeaderFields& heade
 }
 
 }  // namespace
+
+std::optional<LastBlock> FindLastBlock(CFile& file, const Document& document) {
+  const auto& records = document.Records();
+  if (records.empty() || records.back().tag != kBlock || records.back().length == 0) {
+    return std::nullopt;
+  }
+  LastBlock block;
+  block.record.offset = records.back().offset;
+  block.record.length = records.back().length;
+  auto head = ReadDataBlockHead(file, block.record);
+  if (!head || head->frameSize == 0) return std::nullopt;
+  block.head = std::move(*head);
+  return block;
+}
 
 void CheckEnd(CFile& file, const Document& document, const HeaderFields& header,
               const RecordCheck& records, Findings& findings) {

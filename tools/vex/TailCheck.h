@@ -1,11 +1,24 @@
 #pragma once
 
+#include <optional>
+
+#include "tools/vex/DataBlock.h"
 #include "tools/vex/Document.h"
 #include "tools/vex/Findings.h"
 #include "tools/vex/HeaderFields.h"
 #include "tools/vex/RecordCheck.h"
 
 namespace vex2::tool {
+
+/// The block that frames are appended to, where a document ends with it.
+struct LastBlock {
+  FileRecord record;
+  DataBlockHead head;
+};
+
+/// That of the open document; nothing when another record is the last one, or the block has no
+/// wells or ends before its frames.
+std::optional<LastBlock> FindLastBlock(CFile& file, const Document& document);
 
 /// Adds what is wrong with the end of a document: where the reader gives up before it, and bytes
 /// behind the last record. What an interrupted commit leaves there is a warning: nothing that was

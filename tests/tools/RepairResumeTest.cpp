@@ -1,0 +1,45 @@
+// A recording that was cut off and spoilt goes on after a repair.
+
+#include <csignal>
+
+#include "tests/support/RunDocument.h"
+#include "tests/tools/RecordFixture.h"
+#include "tools/vex/DocumentCheck.h"
+
+namespace vex2::test {
+namespace {
+
+class RepairResume : public RecordTest {};
+
+TEST_F(RepairResume, ARunGoesOnThatWasTornAndWhosePositionWasLost) {
+  {
+    VexProcess recorder(Record({"--pace", "0.01"}));
+    ASSERT_TRUE(WaitForFrames(10));
+    recorder.Signal(SIGKILL);
+    recorder.Wait();
+  }
+  const int frames = RecordedFrames(Run());
+  Bytes bytes = ReadBytes(Run());
+  const std::uint32_t block = LongAt(bytes, 68);
+  // Two frames that the length does not count, part of another, and a position beside the tag.
+  SetLongAt(bytes, block + 4, 18 + 2 * kWells + kFrameBytes * static_cast<std::size_t>(frames - 2));
+  bytes.resize(block + 26 + 2 * kWells + kFrameBytes * static_cast<std::size_t>(frames));
+  bytes.insert(bytes.end(), 100, 0);
+  SetLongAt(bytes, 68, block + 1);
+  WriteBytes(Run(), bytes);
+  EXPECT_EQ(RunVex(Record({"--resume"})).exitCode, 1);
+
+  const CommandResult repaired = RunVex({"repair", Run()});
+  EXPECT_EQ(repaired.exitCode, 0) << repaired.errors;
+  const tool::Findings findings = tool::CheckDocument(Run());
+  EXPECT_EQ(findings.Count(tool::Severity::kError), 0U);
+  EXPECT_EQ(findings.Count(tool::Severity::kWarning), 0U);
+  EXPECT_EQ(RecordedFrames(Run()), frames);
+
+  const CommandResult resumed = RunVex(Record({"--resume"}));
+  EXPECT_EQ(resumed.exitCode, 0) << resumed.errors;
+  ExpectWhole();
+}
+
+}  // namespace
+}  // namespace vex2::test

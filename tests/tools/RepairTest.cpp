@@ -1,0 +1,218 @@
+// What `vex repair` mends in place, what it leaves alone, and that a document is never lost by it.
+
+#include <unistd.h>
+
+#include <csignal>
+#include <filesystem>
+
+#include "tests/tools/CheckFixture.h"
+#include "tools/vex/RecordingLock.h"
+#include "tools/vex/Repair.h"
+
+namespace vex2::test {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+
+class Repair : public DamageTest {
+ protected:
+  /// Mends what `MakeRun` made and a change spoilt, expects it to be clean then, and as `mended`.
+  void ExpectMended(const Bytes& mended) const {
+    const Bytes before = ReadBytes(path_);
+    const CommandResult result = RunVex({"repair", path_});
+    EXPECT_EQ(result.exitCode, 0) << result.errors;
+    EXPECT_EQ(result.errors, "");
+    EXPECT_EQ(FirstDifference(ReadBytes(path_), mended), "");
+    EXPECT_EQ(FirstDifference(ReadBytes(path_ + ".backup"), before), "");
+    ExpectSound();
+    fs::remove(path_ + ".backup");
+  }
+  void ExpectLeftAlone(int exitCode, const std::string& output, const std::string& errors) const {
+    const Bytes before = ReadBytes(path_);
+    const CommandResult result = RunVex({"repair", path_});
+    EXPECT_EQ(result.exitCode, exitCode);
+    EXPECT_EQ(result.output, output);
+    EXPECT_THAT(result.errors, HasSubstr(errors));
+    EXPECT_EQ(FirstDifference(ReadBytes(path_), before), "");
+    EXPECT_FALSE(fs::exists(path_ + ".backup"));
+  }
+};
+
+TEST_F(Repair, LeavesASoundDocumentAlone) {
+  MakeRun("DONE");
+  ExpectLeftAlone(0, path_ + ": there is nothing to mend\n", "");
+  SetLong(kPositionAt, kEnd);
+  ExpectLeftAlone(0, path_ + ": there is nothing to mend\n", "");
+}
+
+TEST_F(Repair, CutsOffPartOfAFrame) {
+  for (const char* status : {"PROG", "DONE"}) {
+    MakeRun(status);
+    const Bytes whole = ReadBytes(path_);
+    for (const std::size_t torn : {std::size_t{1}, kFrame - 1}) {
+      WriteBytes(path_, whole);
+      AppendFrameBytes(torn);
+      ExpectMended(whole);
+    }
+  }
+}
+
+TEST_F(Repair, CutsOffAFrameOfZeros) {
+  MakeRun("PROG");
+  const Bytes whole = ReadBytes(path_);
+  Append(Bytes(kFrame, 0));
+  ExpectMended(whole);
+}
+
+TEST_F(Repair, CountsWholeFramesBehindTheBlock) {
+  MakeRun("PROG");
+  for (const unsigned frames : {1U, 2U}) {
+    AppendFrameBytes(frames * kFrame);
+    Bytes mended = ReadBytes(path_);
+    const std::uint32_t length = LongAt(mended, kBlock + 4);
+    SetLongAt(mended, kBlock + 4, length + frames * kFrame);
+    AppendFrameBytes(11);
+    ExpectMended(mended);
+  }
+}
+
+TEST_F(Repair, SetsALengthThatCountsTooManyFramesToThoseThatAreThere) {
+  MakeRun("DONE");
+  Bytes mended = ReadBytes(path_);
+  mended.resize(kEnd - kFrame);
+  SetLongAt(mended, kBlock + 4, kBlockLength - kFrame);
+  Change([](Bytes& bytes) { bytes.resize(kEnd - 1); });
+  ExpectMended(mended);
+}
+
+TEST_F(Repair, SetsALengthThatCountsHalfAFrame) {
+  MakeRun("DONE");
+  const Bytes whole = ReadBytes(path_);
+  SetLong(kBlock + 4, kBlockLength - kFrame + 50);
+  ExpectMended(whole);
+  SetLong(kBlock + 4, 20);
+  ExpectMended(whole);
+}
+
+TEST_F(Repair, MakesThePositionLeadToTheBlock) {
+  MakeRun("PROG");
+  const Bytes whole = ReadBytes(path_);
+  for (const unsigned long position : {0UL, kBlock + 1UL, 1UL * kEnd, 0xFFFFFFFFUL}) {
+    SetLong(kPositionAt, position);
+    ExpectMended(whole);
+  }
+}
+
+TEST_F(Repair, MakesThePositionOfTheProgramLeadToIt) {
+  Bytes records;
+  AppendRecord(records, "TPro", {1, 2, 3});
+  MakeDocument(records);
+  SetLong(kProgramAt, 1024);
+  const Bytes whole = ReadBytes(path_);
+  SetLong(kProgramAt, 1030);
+  ExpectMended(whole);
+}
+
+TEST_F(Repair, CutsOffAFirstCommitThatWasInterrupted) {
+  MakeRun("PROG");
+  Bytes begun = ReadBytes(path_);
+  SetLongAt(begun, kPositionAt, 0);
+  begun.resize(kBlock);
+  for (const std::size_t rest : {std::size_t{3}, std::size_t{12}, std::size_t{40}}) {
+    MakeRun("PROG");
+    SetLong(kPositionAt, 0);
+    Change([=](Bytes& bytes) { bytes.resize(kBlock + rest); });
+    ExpectMended(begun);
+  }
+}
+
+TEST_F(Repair, MendsTheLengthsOfRecordsThatAreReadByWhatTheyHold) {
+  const auto settings = [](unsigned long list, unsigned long version) {
+    return ByteString().Text("GLBL").Long(list).Short(1).Text("VERS").Long(version).Long(512);
+  };
+  MakeDocument(settings(14, 4));
+  const Bytes whole = ReadBytes(path_);
+  MakeDocument(settings(10, 2));
+  ExpectMended(whole);
+  MakeDocument(settings(14, 6));
+  ExpectMended(whole);
+}
+
+TEST_F(Repair, RefusesWhatItCannotMend) {
+  MakeRun("DONE");
+  Append(Bytes(kFrame + 1, 0));
+  ExpectLeftAlone(1, path_ + ": there is nothing to mend\n",
+                  ": at byte 1872: not mended: 1 whole frame and 1 of the 240 bytes of a frame");
+  MakeDocument(ByteString().Text("GLBL").Long(14).Short(1).Text("VERS").Long(4).Short(2));
+  ExpectLeftAlone(1, path_ + ": there is nothing to mend\n",
+                  "vex: " + path_ + ": 'vex recover' takes what is whole into a new document\n");
+}
+
+TEST_F(Repair, DryRunTellsAndChangesNothing) {
+  MakeRun("PROG");
+  AppendFrameBytes(10);
+  SetLong(kPositionAt, 0);
+  const Bytes before = ReadBytes(path_);
+  EXPECT_EQ(Output({"repair", "--dry-run", path_}),
+            path_ +
+                ": this would be mended\n"
+                "  byte 68: 0 -> 1120, the header's position of RAWa, for its tag\n"
+                "  byte 1872: cut off 10 bytes of a frame that was not committed\n");
+  EXPECT_EQ(ReadBytes(path_), before);
+  EXPECT_FALSE(fs::exists(path_ + ".backup"));
+}
+
+TEST_F(Repair, NeverWritesOverABackup) {
+  MakeRun("PROG");
+  for (const char* name : {".backup", ".backup-2"}) {
+    WriteBytes(path_ + name, ToBytes("kept"));
+  }
+  AppendFrameBytes(10);
+  const Bytes before = ReadBytes(path_);
+  EXPECT_THAT(Output({"repair", path_}), HasSubstr("as it was, it is "));
+  EXPECT_EQ(ReadBytes(path_ + ".backup"), ToBytes("kept"));
+  EXPECT_EQ(ReadBytes(path_ + ".backup-2"), ToBytes("kept"));
+  EXPECT_EQ(ReadBytes(path_ + ".backup-3"), before);
+}
+
+TEST_F(Repair, RefusesADocumentThatIsBeingRecorded) {
+  MakeRun("PROG");
+  AppendFrameBytes(10);
+  const tool::RecordingLock lock(tool::ResolveDocument(path_));
+  ExpectRefused({"repair", path_}, 2, "is being recorded already");
+}
+
+TEST_F(Repair, WithoutRoomForTheBackupTheDocumentIsAsItWasAndThereIsNone) {
+  MakeRun("PROG");
+  AppendFrameBytes(10);
+  const Bytes before = ReadBytes(path_);
+  const CommandResult result = RunVex({"repair", path_}, {.input = "", .fileSize = 1000});
+  EXPECT_NE(result.exitCode, 0);
+  EXPECT_EQ(ReadBytes(path_), before);
+}
+
+TEST_F(Repair, KilledAtAnyMomentItLeavesTheOldOrTheNewDocument) {
+  MakeRun("PROG");
+  const Bytes mended = ReadBytes(path_);
+  AppendFrameBytes(10);
+  const Bytes spoilt = ReadBytes(path_);
+  for (int round = 0; round < 8; ++round) {
+    WriteBytes(path_, spoilt);
+    VexProcess repair({"repair", path_});
+    ::usleep(static_cast<useconds_t>(round * 6000));
+    repair.Signal(SIGKILL);
+    repair.Wait();
+    const Bytes left = ReadBytes(path_);
+    EXPECT_TRUE(left == spoilt || left == mended) << round;
+    if (left == mended) {
+      EXPECT_EQ(ReadBytes(path_ + ".backup"), spoilt);
+    }
+    for (const auto& entry : fs::directory_iterator(std::string(folder_ / "."))) {
+      if (entry.path().filename() != "run.vex") fs::remove(entry.path());
+    }
+  }
+}
+
+}  // namespace
+}  // namespace vex2::test
