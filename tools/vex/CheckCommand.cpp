@@ -113,22 +113,28 @@ ordered_json jsonOf(const std::string& file, const Findings& findings) {
   return {{"file", file}, {"findings", std::move(list)}, {"leftOut", findings.LeftOut()}};
 }
 
+constexpr const char* kMeaning =
+    "\n\nWhat it means:\n"
+    "  error    content is not read, or the next write would do harm\n"
+    "  warning  out of the ordinary, but all of the content is read\n"
+    "  note     as it should be, and good to know; never a finding\n\n"
+    "  The exit code is 1 when there are errors, with --strict also when there are\n"
+    "  warnings, and else 0. 'vex repair' mends in place what is safe to;\n"
+    "  'vex recover' takes what is whole into a new document.";
+
 class CheckCommand final : public Command {
  public:
   CheckCommand()
       : Command({"check", "Look for everything that can be wrong with documents.",
                  "vex check *.vex\nvex check --strict run.vex && echo spotless\n"
-                 "vex check --json run.vex | jq '.findings[] | select(.severity == \"error\")'\n\n"
-                 "An error means that content is not read, or that the next write would do harm;\n"
-                 "a warning that something is out of the ordinary, but all of it is read. Notes\n"
-                 "are no findings. Exit code 0: sound; 1: errors, or with --strict warnings.\n"
-                 "'vex repair' mends in place what is safe to, 'vex recover' saves the rest."}) {}
+                 "vex check --json run.vex | jq '.findings[] | select(.severity == \"error\")'"}) {}
 
   void AddOptions(CLI::App& app) override {
     app.add_option("FILE", files_, "The documents")->required()->type_name("");
     app.add_flag("--strict", strict_, "Warnings are findings, too: exit code 1");
-    app.add_flag("--notes", notes_, "Also show what is as it should be, and good to know");
+    app.add_flag("--notes", notes_, "Show notes, too");
     app.add_flag("--json", json_, "For programs: an object a document, one a line");
+    app.footer(app.get_footer() + kMeaning);
   }
 
   ExitCode Run() override {

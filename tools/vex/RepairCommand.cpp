@@ -9,20 +9,25 @@ namespace vex2::tool {
 
 namespace {
 
+constexpr const char* kMeaning =
+    "\n\nWhat it does:\n"
+    "  It sets lengths and positions right, cuts off a torn end, and touches nothing\n"
+    "  else. A backup is made first: FILE.backup, or with a number where there is\n"
+    "  one. The document is the old or the new one at every moment. Do not repair a\n"
+    "  run that another program is recording.\n\n"
+    "  What cannot be mended is told, with exit code 1; 'vex recover' takes what is\n"
+    "  whole into a new document.";
+
 class RepairCommand final : public Command {
  public:
   RepairCommand()
       : Command({"repair", "Mend in place what is safe to: torn ends, lengths, positions.",
-                 "vex repair --dry-run run.vex\nvex repair run.vex && vex check run.vex\n\n"
-                 "What was read before is read afterwards. A backup is made beside the document\n"
-                 "first: FILE.backup, or with a number where there is one already; the document\n"
-                 "is the old or the new one at every moment. Do not repair a run that another\n"
-                 "program is recording. What cannot be mended is told, with exit code 1: 'vex\n"
-                 "recover' takes what is whole into a new document."}) {}
+                 "vex repair --dry-run run.vex\nvex repair run.vex && vex check run.vex"}) {}
 
   void AddOptions(CLI::App& app) override {
     app.add_option("FILE", file_, "The document")->required()->type_name("");
     app.add_flag("--dry-run", dryRun_, "Say what would be mended, and change nothing");
+    app.footer(app.get_footer() + kMeaning);
   }
 
   ExitCode Run() override {
