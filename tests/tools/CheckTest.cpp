@@ -83,7 +83,23 @@ TEST_F(CheckFrames, AFirstCommitThatWasInterruptedIsAWarning) {
       "interrupted");
   Change([](Bytes& bytes) { bytes.resize(kBlock + 3); });
   ExpectWarning(
-      " at 1120: 3 bytes of a block follow the last record: its first commit was interrupted");
+      " at 1120: 3 bytes of a block without its tag follow the last record: a first commit was "
+      "interrupted");
+}
+
+TEST_F(CheckFrames, ABlockWithoutItsTagIsAFirstCommitOnlyAtTheBeginOfARun) {
+  MakeRun("PROG");
+  Change([](Bytes& bytes) {
+    SetLongAt(bytes, kBlock, 0);
+    SetLongAt(bytes, kBlock + 4, kBlockLength - 2 * kFrame);
+    SetLongAt(bytes, kPositionAt, 0);
+    bytes.resize(kFirstFrame + kFrame);
+  });
+  ExpectWarning(
+      " at 1120: 272 bytes of a block without its tag follow the last record: a first commit was "
+      "interrupted");
+  SetStatus("DONE");
+  ExpectError(" at 1120: 272 bytes follow the last record, and begin none that is known");
 }
 
 TEST_F(CheckFrames, ATimeBlockOfAnotherSizeIsAnError) {
@@ -309,10 +325,10 @@ TEST_F(CheckRecords, BytesBetweenRecordsThatAreNoneAreAnError) {
 TEST_F(CheckRecords, BytesBehindTheLastAreAnErrorWhenARecordMayHideInThem) {
   Bytes records;
   AppendRecord(records, "COMM", ToBytes("text"));
-  records.insert(records.end(), 7, 0);
+  records.insert(records.end(), 7, 0xFF);
   MakeDocument(records);
   ExpectWarning(" at 1036: 7 bytes follow the last record, and begin none that is known");
-  Append({0});
+  Append({0xFF});
   ExpectError(" at 1036: 8 bytes follow the last record, and begin none that is known");
 }
 

@@ -123,6 +123,12 @@ TEST_F(Repair, CutsOffAFirstCommitThatWasInterrupted) {
     MakeRun("PROG");
     SetLong(kPositionAt, 0);
     Change([=](Bytes& bytes) { bytes.resize(kBlock + rest); });
+    const Bytes torn = ReadBytes(path_);
+    ExpectMended(begun);
+    // A block gets its tag last.
+    WriteBytes(path_, torn);
+    Change([](Bytes& bytes) { std::fill_n(bytes.begin() + kBlock, 3, std::uint8_t{0}); });
+    if (rest > 3) Change([](Bytes& bytes) { bytes[kBlock + 3] = 0; });
     ExpectMended(begun);
   }
 }

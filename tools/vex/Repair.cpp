@@ -62,7 +62,8 @@ class Planner {
     if (const auto block = FindLastBlock(file_, document_)) return mendBlock(*block);
     const std::uint64_t from =
         document_.Fault() ? document_.Fault()->offset : document_.StrayOffset();
-    const bool isFirstCommit = document_.Fault() && isFirstCommitOpen();
+    const bool isFirstCommit =
+        document_.Fault() ? isFirstCommitOpen() : IsFirstCommit(file_, document_, header_);
     if (isFirstCommit) return cutAt(from, "of a first commit that was interrupted");
     if (document_.Fault() || plan_.size - from >= kRecordHead) return;
     cutAt(from, "behind the last record, too few for another");

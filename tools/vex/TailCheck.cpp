@@ -98,12 +98,10 @@ void checkStray(CFile& file, const Document& document, const HeaderFields& heade
   if (const auto block = FindLastBlock(file, document)) {
     return checkBehindBlock(*block, document, header, findings);
   }
-  const std::string begin = textAt(file, from);
-  if (header.IsUnfinished() && header.rawDataPosition == 0 && bytes < kRecordHead &&
-      begin == kBlock.substr(0, begin.size())) {
+  if (IsFirstCommit(file, document, header)) {
     findings.Add({Severity::kWarning, "", from,
-                  Counted(bytes, "byte") + " of a block follow the last record: its first commit "
-                                           "was interrupted",
+                  Counted(bytes, "byte") + " of a block without its tag follow the last record: a "
+                                           "first commit was interrupted",
                   kNotCommitted, kResume});
     return;
   }
@@ -118,6 +116,21 @@ void checkStray(CFile& file, const Document& document, const HeaderFields& heade
 }
 
 }  // namespace
+
+// A block gets its tag when all of it is on the disk, and then the header leads to it.
+bool IsFirstCommit(CFile& file, const Document& document, const HeaderFields& header) {
+  const auto& records = document.Records();
+  const bool hasBlock = std::any_of(records.begin(), records.end(),
+                                    [](const auto& record) { return record.tag == kBlock; });
+  if (hasBlock || !header.IsUnfinished() || header.rawDataPosition != 0) return false;
+  constexpr std::uint64_t kBlockHead = 26;
+  constexpr std::uint64_t kBytesOfWell = 82;  // its number and its reading
+  const std::uint64_t from = document.StrayOffset();
+  const std::uint64_t bytes = document.Size() - from;
+  if (bytes == 0 || bytes > kBlockHead + kBytesOfWell * header.Wells()) return false;
+  const std::string begin = textAt(file, from);
+  return begin == kBlock.substr(0, begin.size()) || begin == std::string(begin.size(), '\0');
+}
 
 std::optional<LastBlock> FindLastBlock(CFile& file, const Document& document) {
   const auto& records = document.Records();
