@@ -2,11 +2,16 @@
 
 #include <cstdint>
 #include <cstring>
+#include <limits>
+#include <memory>
+#include <vector>
 
 #include "tests/container/Stream.h"
 #include "tests/support/DocumentBytes.h"
 #include "vex2/container/CContainerComp.h"
 #include "vex2/container/CSkippedComp.h"
+#include "vex2/container/TagFactory.h"
+#include "vex2/container/TagTable.h"
 #include "vex2/run/ThermocycleProgramComp.h"
 
 namespace {
@@ -15,6 +20,15 @@ using vex2::test::Record;
 using vex2::test::RecordDeclaring;
 
 class Component : public vex2::test::StreamTest {};
+
+// One of each kind that a document can hold.
+std::vector<std::unique_ptr<CComponent>> oneOfEachKind() {
+  std::vector<std::unique_ptr<CComponent>> components(vex2::kTagRowCount);
+  for (int row = 0; row < vex2::kTagRowCount; ++row) {
+    CreateComponent(vex2::TagAt(row), components[static_cast<std::size_t>(row)]);
+  }
+  return components;
+}
 
 // A pointer to a virtual member holds the slot's distance from the start of the table, and 1.
 template <typename Member>
@@ -59,6 +73,13 @@ TEST_F(Component, NullFilesAreRefused) {
   EXPECT_EQ(CSkippedComp().Read(nullptr, counter), -100);
 }
 
+TEST_F(Component, EveryBodyRefusesANullFile) {
+  for (const auto& component : oneOfEachKind()) {
+    EXPECT_EQ(component->ReadBody(nullptr), -100) << component->GetTag();
+    EXPECT_EQ(component->WriteBody(nullptr), -200) << component->GetTag();
+  }
+}
+
 TEST_F(Component, AHeaderThatIsCutShortIsNotFound) {
   const std::string record = Record("VERS", "");
   for (std::size_t length = 0; length < record.size(); ++length) {
@@ -92,6 +113,34 @@ TEST_F(Component, AssignTakesTheLengthOfTheSameTagOnly) {
   EXPECT_EQ(component.GetLength(), 3U);
 }
 
+TEST_F(Component, AssignFromAnotherClassOfTheSameTagChangesNothing) {
+  for (const auto& component : oneOfEachKind()) {
+    if (dynamic_cast<CSkippedComp*>(component.get()) != nullptr) continue;
+    const std::uint32_t length = component->GetLength();
+    CComponent& self = component->Assign(CSkippedComp(component->GetTag(), 77));
+    EXPECT_EQ(&self, component.get());
+    EXPECT_EQ(component->GetLength(), length) << component->GetTag();
+  }
+}
+
+TEST_F(Component, AssignFromItselfChangesNothing) {
+  for (const auto& component : oneOfEachKind()) {
+    const std::string before = Written(*component);
+    component->Assign(*component);
+    EXPECT_EQ(Written(*component), before) << component->GetTag();
+  }
+}
+
+TEST_F(Component, AllClassesAreOfOneFamily) {
+  const CRuntimeClass* family = CComponent::ClassRecord();
+  EXPECT_STREQ(family->name, "CComponent");
+  EXPECT_EQ(family->baseClass, CObject::ClassRecord());
+  EXPECT_EQ(family->CreateObject(), nullptr);
+  for (const auto& component : oneOfEachKind()) {
+    EXPECT_TRUE(component->IsKindOf(family)) << component->GetTag();
+  }
+}
+
 TEST_F(Component, TheReaderDoesNotChangeTheTag) {
   CComponent component("VERS");
   ASSERT_EQ(component.Read(&Holding(Record("TSMP", ""))), 0);
@@ -115,6 +164,21 @@ TEST_F(Component, APlaceholderStepsOverABodyAndKeepsTagAndLength) {
   EXPECT_EQ(counter, 12U);
   EXPECT_EQ(file_.GetPosition(), 12U);
   EXPECT_EQ(Written(skipped), Record("Zzzz", std::string(4, '\0')));
+}
+
+TEST_F(Component, APlaceholderTakesItsTagFromAWholeOneOnly) {
+  CSkippedComp skipped("Zzzz", 0);
+  EXPECT_EQ(skipped.CComponent::Read(&Holding("Yyy")), -300);
+  EXPECT_EQ(skipped.GetTag(), "Zzzz");
+}
+
+TEST_F(Component, ABodyThatCannotBeSteppedOverIsNoFailure) {
+  constexpr auto kFarthest = std::numeric_limits<std::int64_t>::max();
+  CSkippedComp skipped("Zzzz", 1);
+  CFile& file = Holding("");
+  file.Seek(kFarthest, CFile::begin);
+  EXPECT_EQ(skipped.ReadBody(&file), 0);
+  EXPECT_EQ(file.GetPosition(), static_cast<std::uint64_t>(kFarthest));
 }
 
 }  // namespace

@@ -129,6 +129,12 @@ TEST_F(Container, AFileThatEndsBeforeALengthIsNotFound) {
   EXPECT_EQ(list_.GetChildCount(), 1);
 }
 
+TEST_F(Container, AChildThatIsNotWrittenIsTheListsFailure) {
+  EXPECT_EQ(list_.WriteChildren(nullptr), 0) << "there is nothing to write";
+  list_.AddChild(std::make_unique<CLongValueComp>("VERS", 5));
+  EXPECT_EQ(list_.WriteChildren(nullptr), -200);
+}
+
 TEST_F(Container, NestsSixtyFourDeepAndNoDeeper) {
   for (const int depth : {63, 64}) {
     const std::string record = NestedLists("SPEC", depth);

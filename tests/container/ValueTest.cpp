@@ -130,6 +130,14 @@ TEST_F(Value, ATextOfOneZeroByteBecomesEmpty) {
   EXPECT_EQ(Written(component), Record("COMM", ""));
 }
 
+TEST_F(Value, ATextThatBecameEmptyStaysEmptyHoweverOftenItIsAskedFor) {
+  CBlockValueComp component("COMM", 1, "\0");
+  for (int time = 0; time < 2; ++time) {
+    EXPECT_TRUE(component.GetValueString().IsEmpty());
+    EXPECT_EQ(component.GetLength(), 0U);
+  }
+}
+
 TEST_F(Value, BlocksHoldWhatTheyAreMadeWith) {
   EXPECT_EQ(textOf(CBlockValueComp("COMM", 3, "a\0b")), "a\0b"s);
   EXPECT_EQ(textOf(CBlockValueComp("COMM", 0, "abc")), "none");
@@ -160,6 +168,26 @@ TEST_F(Value, AllocateMakesAZeroBlockAndFreeDropsIt) {
   CBlockValueComp empty("COMM");
   empty.AllocateBody();
   EXPECT_EQ(empty.GetData(), nullptr);
+}
+
+TEST_F(Value, ABlockThatWasFreedHasNoTextAndNothingToWrite) {
+  CBlockValueComp component("COMM", CString("abc"));
+  component.FreeBody();
+  EXPECT_TRUE(component.GetValueString().IsEmpty());
+  ASSERT_TRUE(file_.Open(path_.c_str(), CFile::modeWrite | CFile::modeCreate));
+  EXPECT_EQ(component.WriteBody(&file_), 0);
+  EXPECT_EQ(file_.GetLength(), 0U);
+  CBlockValueComp copy("COMM", CString("other"));
+  copy.Assign(component);
+  EXPECT_EQ(copy.GetData(), nullptr);
+}
+
+TEST_F(Value, ABodyOfNoBytesIsNoBlock) {
+  CBlockValueComp component("COMM", 1, "\0");
+  static_cast<void>(component.GetValueString());
+  EXPECT_EQ(component.ReadBody(&Holding("next")), 0);
+  EXPECT_EQ(component.GetData(), nullptr);
+  EXPECT_EQ(file_.GetPosition(), 0U);
 }
 
 TEST_F(Value, ALengthThatTheFileCannotFillIsAShortRead) {

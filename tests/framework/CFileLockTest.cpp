@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -151,6 +152,26 @@ TEST_F(FileLock, OnAFileThatWasReplacedIsTakenOnTheNewOne) {
   EXPECT_EQ(std::string(text, 11), "new content");
 }
 
+TEST_F(FileLock, OnAFileThatIsReplacedAgainAndAgainIsGivenUpInTime) {
+  // Each time that the file is open, the path leads to another one.
+  struct Replacing : QuickFiles {
+    int StatPath(const char* path, struct stat& info) override {
+      now += 500;
+      const int status = QuickFiles::StatPath(path, info);
+      ++(isOnOtherDisk ? info.st_dev : info.st_ino);
+      return status;
+    }
+    bool isOnOtherDisk = false;
+  } files;
+  for (const bool other : {false, true}) {
+    files.isOnOtherDisk = other;
+    const std::int64_t before = files.now;
+    EXPECT_FALSE(opens(CFile::modeRead));
+    EXPECT_EQ(error_.GetError(), EWOULDBLOCK);
+    EXPECT_EQ(files.now - before, 2500);
+  }
+}
+
 TEST_F(FileLock, OnAFileThatWasRemovedFails) {
   ASSERT_TRUE(first_.Open(path_.c_str(), CFile::modeWrite));
   files_.whileWaiting = [&] {
@@ -175,7 +196,7 @@ TEST_F(FileLock, IsGivenUpByEveryWayOfClosing) {
 }
 
 TEST_F(FileLock, IsDoneWithoutWhereTheFileSystemHasNone) {
-  for (const int error : {ENOLCK, EOPNOTSUPP, ENOSYS}) {
+  for (const int error : {ENOLCK, EOPNOTSUPP, ENOSYS, EINVAL}) {
     files_.FailKind(FileCall::lock, error);
     EXPECT_TRUE(opens(CFile::modeWrite));
   }

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <limits>
 
@@ -59,6 +60,10 @@ TEST_F(File, OpeningWhatIsNotThereFailsAndSaysWhy) {
   EXPECT_EQ(errorOf(CFile::modeWrite), ENOENT);
   EXPECT_FALSE(file_.IsOpen());
   EXPECT_FALSE(file_.Open(nullptr, CFile::modeRead));
+  CFileException error;
+  EXPECT_FALSE(file_.Open(nullptr, CFile::modeRead, &error));
+  EXPECT_EQ(error.GetError(), EINVAL);
+  EXPECT_EQ(error.GetPath(), "");
   CFileStatus status;
   EXPECT_FALSE(file_.GetStatus(status));
 }
@@ -70,6 +75,16 @@ TEST_F(File, CreatingEmptiesUnlessToldNotTo) {
   EXPECT_EQ(file_.GetPosition(), 0U);
   ASSERT_TRUE(file_.Open(path_.c_str(), kCreate));
   EXPECT_EQ(file_.GetLength(), 0U);
+}
+
+TEST_F(File, ThatCannotBeEmptiedIsNotOpened) {
+  holds("content");
+  FaultyFileSystem files;
+  files.FailKind(FileCall::truncate, EIO);
+  EXPECT_EQ(errorOf(kCreate), EIO);
+  EXPECT_FALSE(file_.IsOpen());
+  EXPECT_FALSE(file_.Open(path_.c_str(), kCreate)) << "also for those who do not ask why";
+  EXPECT_EQ(ReadBytes(path_).size(), 7U);
 }
 
 TEST_F(File, OpeningAnOpenFileClosesItFirst) {
@@ -119,6 +134,16 @@ TEST_F(File, SeekingOutOfBoundsThrowsAndChangesNothing) {
   EXPECT_EQ(file_.Seek(kMost, CFile::begin), static_cast<std::uint64_t>(kMost));
   EXPECT_EQ(read(1), "");
   EXPECT_EQ(file_.GetRemaining(), 0U);
+}
+
+TEST_F(File, WritingWhereNoFileReachesThrowsAndChangesNothing) {
+  constexpr auto kMost = std::numeric_limits<std::int64_t>::max();
+  ASSERT_TRUE(file_.Open(path_.c_str(), kCreate));
+  file_.Seek(kMost - 1, CFile::begin);
+  EXPECT_THROW(file_.Write("xy", 2), CFileException);
+  EXPECT_EQ(file_.GetPosition(), static_cast<std::uint64_t>(kMost) - 1);
+  EXPECT_THROW(file_.SetLength(std::uint64_t{kMost} + 1), CFileException);
+  EXPECT_EQ(file_.GetLength(), 0U);
 }
 
 TEST_F(File, WritingPastTheEndLeavesZeros) {
@@ -233,6 +258,29 @@ TEST_F(File, InterruptedAndPartialTransfersAreContinued) {
   EXPECT_EQ(FirstDifference(back, Bytes(bytes.begin(), bytes.begin() + 900)), "");
 }
 
+TEST_F(File, ThatShrinksWhileItIsOpenReadsAsFarAsItGoes) {
+  holds("0123456789");
+  ASSERT_TRUE(file_.Open(path_.c_str(), CFile::modeRead));
+  ASSERT_EQ(::truncate(path_.c_str(), 4), 0);
+  EXPECT_EQ(read(10), "0123");
+  EXPECT_EQ(read(1), "");
+}
+
+TEST_F(File, ADiskThatTakesNothingIsAFailureAndNoEndlessLoop) {
+  struct Full : FaultyFileSystem {
+    ssize_t WriteAt(int, const void*, std::size_t, std::uint64_t) override { return 0; }
+  } files;
+  ASSERT_TRUE(file_.Open(path_.c_str(), kCreate));
+  file_.Write("x", 1);
+  try {
+    file_.Flush();
+    ADD_FAILURE() << "nothing was thrown";
+  } catch (const CFileException& error) {
+    EXPECT_EQ(error.GetError(), EIO);
+  }
+  file_.Abort();
+}
+
 TEST_F(File, PositionsPastFourGiBWork) {
   ASSERT_TRUE(file_.Open(path_.c_str(), CFile::modeReadWrite | CFile::modeCreate));
   file_.Seek(kFourGiB + 5, CFile::begin);
@@ -293,7 +341,9 @@ TEST_F(File, DestructionSwallowsWhatCannotBeWritten) {
 
 TEST_F(File, OperationsOnAClosedFileThrow) {
   EXPECT_THROW(read(1), CFileException);
+  EXPECT_THROW(read(CFile::kBufferSize), CFileException);
   EXPECT_THROW(file_.Write("x", 1), CFileException);
+  EXPECT_THROW(file_.Write(pattern(CFile::kBufferSize).data(), CFile::kBufferSize), CFileException);
   EXPECT_THROW(file_.Seek(0, CFile::begin), CFileException);
   EXPECT_THROW(file_.SetLength(0), CFileException);
   EXPECT_THROW(file_.SyncData(), CFileException);
@@ -313,6 +363,12 @@ TEST_F(File, FoldersAreRefusedAndPipesReadAsEmpty) {
   EXPECT_EQ(read(4), "");
   file_.Close();
   EXPECT_FALSE(file_.Open(path_.c_str(), CFile::modeWrite)) << "and without waiting for a reader";
+}
+
+TEST_F(File, WhatIsNoFileNeedsNoSync) {
+  ASSERT_TRUE(file_.Open("/dev/null", CFile::modeWrite));
+  file_.Write("x", 1);
+  EXPECT_NO_THROW(file_.SyncData());
 }
 
 TEST_F(File, AFullDeviceRefusesWhatIsWrittenOut) {

@@ -73,6 +73,16 @@ TEST(ThermocycleProgramComp, CopiesTheBytes) {
   EXPECT_EQ(std::memcmp(component.GetData(), "abc", 3), 0);
 }
 
+TEST(ThermocycleProgramComp, FreedOneIsCopiedAsZeros) {
+  ThermocycleProgram program;
+  fill(program, "abc");
+  ThermocycleProgramComp component(program);
+  component.FreeBody();
+  component.CopyTo(program);
+  ASSERT_EQ(program.length, 3U);
+  EXPECT_EQ(std::memcmp(program.data, "\0\0\0", 3), 0);
+}
+
 using ThermocycleProgramCompFiles = TempFolderTest;
 
 TEST_F(ThermocycleProgramCompFiles, BodyWithoutABlockIsRefusedAndWritesNothing) {

@@ -3,7 +3,12 @@
 #include <cstring>
 #include <string>
 
-#include "vex2/run/Vex2GlobalComplex.h"
+#include "vex2/container/CBlockValueComp.h"
+#include "vex2/container/CByteValueComp.h"
+#include "vex2/container/CFloatValueComp.h"
+#include "vex2/container/CLongValueComp.h"
+#include "vex2/container/CShortValueComp.h"
+#include "vex2/run/CGlobalComp.h"
 
 namespace {
 
@@ -94,6 +99,30 @@ TEST(Vex2GlobalComplex, PassiveReferenceFromAStringHasNoTerminator) {
   EXPECT_EQ(text(info.passiveReferenceData, info.passiveReferenceLength), "ROX");
   info.SetPassiveReference(CString(""));
   EXPECT_EQ(info.passiveReferenceLength, 0U);
+}
+
+TEST(Vex2GlobalComplex, LengthWithoutDataIsNotStored) {
+  Vex2GlobalComplex info;
+  info.commentLength = 5;
+  const CGlobalComp stored(info);
+  EXPECT_EQ(stored.FindChild("COMM"), nullptr);
+  EXPECT_NE(stored.FindChild("POSR"), nullptr);
+}
+
+TEST(Vex2GlobalComplex, IsFilledFromItsOwnRecordsAlone) {
+  CGlobalComp stored;
+  stored.AddChild(std::make_unique<CLongValueComp>("DATM", 7));
+  stored.AddChild(std::make_unique<CShortValueComp>("ROWN", std::uint16_t{7}));
+  stored.AddChild(std::make_unique<CByteValueComp>("DUSE", std::uint8_t{7}));
+  stored.AddChild(std::make_unique<CFloatValueComp>("QANT", 7.0F));
+  stored.AddChild(std::make_unique<CBlockValueComp>("NAME", CString("seven")));
+  Vex2GlobalComplex info;
+  stored.CopyTo(info);
+  EXPECT_EQ(info.version, 512U);
+  EXPECT_EQ(info.sampleVolume, 0);
+  EXPECT_EQ(info.unitCode, 1);
+  EXPECT_EQ(info.ftrd | info.drks | info.preFlag | info.postFlag, 0);
+  EXPECT_EQ(info.commentLength + info.passiveReferenceLength + info.logLength, 0U);
 }
 
 }  // namespace

@@ -192,6 +192,20 @@ TEST_F(DetectorList, TakesNoMoreThanItCanCount) {
   EXPECT_EQ(list.GetChildCount(), 65535);
 }
 
+TEST_F(DetectorList, RequiredDyesAreNoMoreThanTheyCanCount) {
+  CRequiredDyesComp dyes;
+  for (int index = 0; index < 65535; ++index) dyes.Add("FAM");
+  EXPECT_THROW(dyes.Add("VIC"), std::length_error);
+  EXPECT_EQ(dyes.GetChildCount(), 65535);
+}
+
+TEST_F(DetectorList, TextThatWasFreedIsEmpty) {
+  CRequiredDyesComp dyes;
+  dyes.Add("FAM");
+  dyes.GetChild(0)->FreeBody();
+  EXPECT_EQ(dyes.GetName(0), "");
+}
+
 TEST_F(DetectorList, ColourIsThreeBytes) {
   CColorComp color;
   EXPECT_EQ(Written(color), Record("COLR", "\0\0\0"s));

@@ -161,6 +161,39 @@ TEST_F(PlateSetup, SkipsWhatIsNoneOfAWellsRecordsAndKeepsItInTheFile) {
   EXPECT_EQ(Written(setup), bytes);
 }
 
+TEST_F(PlateSetup, SkipsWhatIsNoneOfADetectorsRecords) {
+  const std::string detector =
+      ListRecord("DETT", 4,
+                 Record("NAME", "no") + Record("DYCD", "\0\0\0\1"s) +
+                     Record("DATH", "\0\0\x80\x3F"s) + Record("DAAB", "\0"s));
+  CPlateSetupComp setup;
+  ASSERT_EQ(
+      setup.Read(&Holding(ListRecord("CELS", 1, Record("CELL", cellBody(1, 0, 0, 1, detector))))),
+      0);
+  Vex2PlateSetup back;
+  setup.CopyTo(back);
+  ASSERT_EQ(back.cells[0].detectors.GetCount(), 1);
+  const Vex2WellDetector& read = *back.cells[0].detectors.GetHead();
+  EXPECT_EQ(read.detectorName, nullptr);
+  EXPECT_EQ(read.task, nullptr);
+  EXPECT_EQ(read.quantity, 0);
+  EXPECT_TRUE(read.used);
+}
+
+TEST_F(PlateSetup, LeavesOutDetectorsThatAreNone) {
+  Vex2WellSetup well;
+  well.detectors.AddTail(nullptr);
+  addDetector(well, "MYC", "UNKN");
+  const CCellComp cell(well);
+  EXPECT_EQ(cell.GetChildCount(), 1);
+}
+
+TEST_F(PlateSetup, OfMoreDetectorsThanAWellCanCountIsRefused) {
+  Vex2WellSetup well;
+  for (int index = 0; index < 65536; ++index) well.detectors.AddTail(new Vex2WellDetector);
+  EXPECT_THROW(CCellComp{well}, std::length_error);
+}
+
 TEST_F(PlateSetup, TrustsNoTagForTheClassBehindIt) {
   Vex2PlateSetup setup;
   setup.Resize(1);
@@ -233,6 +266,9 @@ TEST_F(PlateSetup, AllocatingMakesNewCellsAndFreeingDropsThem) {
   component.FreeBody();
   EXPECT_EQ(component.GetChildCount(), 0);
   EXPECT_EQ(component.GetCount(), 3);
+  component.CopyTo(setup);
+  EXPECT_EQ(setup.count, 3);
+  EXPECT_EQ(setup.cells[0].name, nullptr);
 }
 
 TEST_F(PlateSetup, NewCellTakesSevenBytes) {

@@ -2,6 +2,7 @@
 // destroyed with what.
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 
 #include "tests/support/Counted.h"
@@ -80,6 +81,28 @@ TEST(VexAnalysis, DestroysEveryResultOfEveryTable) {
   EXPECT_STREQ(analysis->GetRuntimeClass()->name, "VexAnalysis");
   analysis.reset();
   EXPECT_EQ(Matrix::living + Reporter::living + Points::living, 0);
+}
+
+TEST(CAnalysisParameters, AreEqualWhereAllOfThemAre) {
+  const CAnalysisParameters usual;
+  const std::function<void(CAnalysisParameters&)> changes[] = {
+      [](auto& other) { other.parameter1 = 7; }, [](auto& other) { other.parameter2 = 7; },
+      [](auto& other) { other.parameter3 = 7; }, [](auto& other) { other.parameter4 = 7; },
+      [](auto& other) { other.parameter5 = 7; }, [](auto& other) { other.parameter6 = 7; }};
+  EXPECT_EQ(usual, CAnalysisParameters());
+  for (const auto& change : changes) {
+    CAnalysisParameters other;
+    change(other);
+    EXPECT_NE(usual, other);
+  }
+}
+
+TEST(CAnalysisSettings, AreMadeByName) {
+  const CRuntimeClass* record = CAnalysisSettings::ClassRecord();
+  EXPECT_STREQ(record->name, "CAnalysisSettings");
+  const auto object = record->CreateObject();
+  ASSERT_NE(object, nullptr);
+  EXPECT_EQ(object->GetRuntimeClass(), record);
 }
 
 TEST(CAnalysisSettings, CopiesHaveEntriesOfTheirOwn) {

@@ -63,7 +63,6 @@ void AcquisitionDataComp::allocate(std::size_t wells) {
 }
 
 bool AcquisitionDataComp::makeRoom(int index) {
-  if (wellNumbers_.empty()) return true;
   const std::uint64_t end = (std::uint64_t{static_cast<std::uint32_t>(index)} + 1) * frameSize();
   if (index < 0 || end > std::numeric_limits<std::uint32_t>::max()) return false;
   if (index >= capacity_) {

@@ -13,8 +13,11 @@ void ThermocycleProgramComp::CopyTo(ThermocycleProgram& program) const {
   program.Clear();
   program.length = GetLength();
   program.Allocate();
-  if (program.data != nullptr && GetData() != nullptr) {
+  if (program.data == nullptr) return;
+  if (GetData() != nullptr) {
     std::memcpy(program.data, GetData(), GetLength());
+  } else {
+    std::memset(program.data, 0, GetLength());
   }
 }
 
