@@ -113,7 +113,7 @@ void recordBehind(Vex2FileManager& document, Script& script) {
   Vex2FileManager saved;
   Read(saved, kSaved);
   const bool isWhole = saved.GetAllComponentCount() == document.GetAllComponentCount();
-  if (!isWhole || !CanBeFollowed(saved)) return;
+  if (!isWhole || !CanBeFollowed(document, saved)) return;
   const Content setup = ContentOf(saved);
   while (!script.IsOver() && !run.IsOver()) {
     if (script.Byte() % 4 == 3) {

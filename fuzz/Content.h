@@ -33,9 +33,9 @@ std::string ContentOf(const CComponent& component);
 /// saved and read, so that there was something to compare.
 bool RequireKept(Vex2FileManager& document);
 
-/// Whether records that are appended to the document that was saved last, and read again into
-/// `saved`, will be found. Not so behind a list that still waits for records, and behind lengths
-/// that count more than there is.
-bool CanBeFollowed(const Vex2FileManager& saved);
+/// Whether records that are appended to the document that was saved last and kept, and read again
+/// into `saved`, will be found. Not so behind a list that still waits for records, and behind
+/// lengths that count more than there is.
+bool CanBeFollowed(const Vex2FileManager& document, const Vex2FileManager& saved);
 
 }  // namespace vex2::fuzz
