@@ -120,7 +120,8 @@ TEST_F(AcquisitionStatus, IsOnTheDiskWhenSettingReturns) {
   files.FailKind(FileCall::syncData, EIO);
   EXPECT_EQ(manager_.SetAcquisitionStatus(path_.c_str(), "PROG"), kWriteFailed);
   files.Restart();
-  EXPECT_EQ(manager_.SetAcquisitionStatus(path_.c_str(), "PROG"), kSuccess);
+  OpenedManager another;
+  EXPECT_EQ(another.SetAcquisitionStatus(path_.c_str(), "PROG"), kSuccess);
 }
 
 }  // namespace

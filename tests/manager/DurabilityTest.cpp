@@ -55,63 +55,6 @@ class Durability : public TempFolderTest {
   std::string path_ = folder_ / "run.vex";
 };
 
-class FailedCommit : public Durability, public testing::WithParamInterface<std::pair<int, int>> {
- protected:
-  // Frames that are committed before the one that fails, and the error.
-  int committed() const { return GetParam().first; }
-  int error() const { return GetParam().second; }
-};
-
-TEST_P(FailedCommit, AtAnyCallLeavesTheFileAndCanBeRepeated) {
-  FaultyFileSystem files;
-  int call = 0;
-  for (;; ++call) {
-    files.Restart();
-    OpenedManager manager;
-    record(manager, committed());
-    const Bytes before = ReadBytes(path_);
-    files.Restart();
-    files.FailCall(call, error());
-    const int status = append(manager, committed());
-    const bool failed = files.HasFailed();
-    files.Restart();
-    if (status == kSuccess) {
-      ASSERT_EQ(FirstDifference(ReadBytes(path_), documentOf(committed() + 1)), "") << call;
-      if (!failed) break;
-      continue;
-    }
-    EXPECT_TRUE(status == kWriteFailed || status == kReadFailed) << status;
-    ASSERT_EQ(FirstDifference(ReadBytes(path_), before), "") << "call " << call;
-    EXPECT_FALSE(manager.IsOpen());
-    EXPECT_EQ(manager.AcquisitionDataOffset(), committed() == 0 ? 0U : 1024U);
-    ASSERT_EQ(manager.CommitAcqDataFrame(path_.c_str(), committed(), DataRAWa), kSuccess) << call;
-    ASSERT_EQ(FirstDifference(ReadBytes(path_), documentOf(committed() + 1)), "")
-        << "after the failure of call " << call;
-  }
-  EXPECT_GE(call, 8);
-}
-
-TEST_P(FailedCommit, FromAnyCallOnLeavesTheEarlierFrames) {
-  FaultyFileSystem files;
-  for (int call = 0;; ++call) {
-    files.Restart();
-    OpenedManager manager;
-    record(manager, committed());
-    files.Restart();
-    files.FailCall(call, error(), true);
-    const int status = append(manager, committed());
-    const bool failed = files.HasFailed();
-    files.Restart();
-    EXPECT_EQ(status == kSuccess, !failed) << call;
-    expectFrames(committed());
-    if (!failed) break;
-  }
-}
-
-INSTANTIATE_TEST_SUITE_P(Frames, FailedCommit,
-                         testing::Values(std::pair{0, EIO}, std::pair{0, ENOSPC}, std::pair{1, EIO},
-                                         std::pair{2, EIO}, std::pair{2, ENOSPC}));
-
 TEST_F(Durability, ShortAndInterruptedTransfersAreCarriedThrough) {
   FaultyFileSystem files;
   files.Shorten(7, true);

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <limits>
 #include <new>
 #include <utility>
 
@@ -42,9 +43,13 @@ FaultyFileSystem::~FaultyFileSystem() {
 }
 
 void FaultyFileSystem::FailCall(int number, int error, bool fromThenOn) {
+  FailCalls(number, fromThenOn ? std::numeric_limits<int>::max() : 1, error);
+}
+
+void FaultyFileSystem::FailCalls(int number, int count, int error) {
   failAt_ = number;
+  failCount_ = count;
   error_ = error;
-  fromThenOn_ = fromThenOn;
 }
 
 void FaultyFileSystem::FailKind(FileCall kind, int error, int after, bool once) {
@@ -87,6 +92,12 @@ std::string FaultyFileSystem::Changes() const {
   return changes;
 }
 
+bool FaultyFileSystem::WasRefused(FileCall kind) const {
+  return std::any_of(log_.begin(), log_.end(), [kind](const FileOperation& operation) {
+    return operation.call == kind && operation.result < 0 && operation.result != -EINTR;
+  });
+}
+
 // 0, or the negated error that the call is to answer in place of being carried out.
 int FaultyFileSystem::fault(FileCall kind) {
   if (interrupts_ && isInterruptible(kind)) {
@@ -94,7 +105,7 @@ int FaultyFileSystem::fault(FileCall kind) {
     if (interruptNow_) return -EINTR;
   }
   const int number = calls_++;
-  const bool struck = failAt_ >= 0 && (number == failAt_ || (fromThenOn_ && number > failAt_));
+  const bool struck = failAt_ >= 0 && number >= failAt_ && number - failAt_ < failCount_;
   const int error = struck ? error_ : faultOfKind(kind);
   if (error == 0) return 0;
   hit_ = true;

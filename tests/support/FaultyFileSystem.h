@@ -53,6 +53,8 @@ class FaultyFileSystem : public FileSystem {
 
   /// Lets call number `number` fail with `error`, and with `fromThenOn` all that follow it.
   void FailCall(int number, int error, bool fromThenOn = false);
+  /// Lets `count` calls fail, the first of them number `number`.
+  void FailCalls(int number, int count, int error);
   /// Lets calls of this kind fail once `after` of them went well, or `once` the one that follows.
   void FailKind(FileCall kind, int error, int after = 0, bool once = false);
   /// Ends what `FailKind` began.
@@ -82,6 +84,8 @@ class FaultyFileSystem : public FileSystem {
   std::string Changes() const;
   /// Calls that could have failed.
   int CallCount() const { return calls_; }
+  /// Whether a call of this kind was refused, and not only interrupted.
+  bool WasRefused(FileCall kind) const;
   /// Whether a staged fault has struck.
   bool HasFailed() const { return hit_; }
 
@@ -121,8 +125,8 @@ class FaultyFileSystem : public FileSystem {
   std::map<FileCall, Fault> failing_;
   int calls_ = 0;
   int failAt_ = -1;
+  int failCount_ = 0;
   int error_ = 0;
-  bool fromThenOn_ = false;
   int killAt_ = -1;
   Moment moment_ = Moment::before;
   int writersError_ = 0;

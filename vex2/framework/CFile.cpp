@@ -84,6 +84,7 @@ bool CFile::openLocked(const char* path, int flags, bool exclusive, CFileExcepti
     releaseHandle();
     return false;
   };
+  identity_ = {};
   if (path == nullptr) return refuse(EINVAL);
   auto& files = CurrentFileSystem();
   const std::int64_t deadline = files.Milliseconds() + kLockWaitMilliseconds;
@@ -98,6 +99,7 @@ bool CFile::openLocked(const char* path, int flags, bool exclusive, CFileExcepti
     if (S_ISDIR(info.st_mode)) return refuse(EISDIR);
     regular_ = S_ISREG(info.st_mode);
     length_ = regular_ ? static_cast<std::uint64_t>(info.st_size) : 0;
+    identity_ = {info.st_dev, info.st_ino};
     if (isStillAt(path)) break;
     // A save put a new file in the place of the one whose lock we waited for.
     releaseHandle();
@@ -134,11 +136,9 @@ int CFile::lockHandle(bool exclusive, std::int64_t deadline) {
 
 bool CFile::isStillAt(const char* path) const {
   if (!regular_) return true;
-  auto& files = CurrentFileSystem();
-  struct stat opened {};
   struct stat named {};
-  if (files.Stat(handle_, opened) < 0 || files.StatPath(path, named) < 0) return false;
-  return opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
+  if (CurrentFileSystem().StatPath(path, named) < 0) return false;
+  return identity_ == Identity{named.st_dev, named.st_ino};
 }
 
 void CFile::Close() {
@@ -236,9 +236,14 @@ std::size_t CFile::readAt(std::uint8_t* bytes, std::size_t count, std::uint64_t 
   if (handle_ < 0) fail(EBADF, offset);
   if (!regular_ || offset >= length_) return 0;
   count = static_cast<std::size_t>(std::min<std::uint64_t>(count, length_ - offset));
+  return readFrom(handle_, bytes, count, offset);
+}
+
+std::size_t CFile::readFrom(int handle, std::uint8_t* bytes, std::size_t count,
+                            std::uint64_t offset) {
   std::size_t done = 0;
   while (done < count) {
-    const auto got = CurrentFileSystem().ReadAt(handle_, bytes + done, count - done, offset + done);
+    const auto got = CurrentFileSystem().ReadAt(handle, bytes + done, count - done, offset + done);
     if (got == -EINTR) continue;
     if (got < 0) fail(static_cast<int>(-got), offset + done);
     if (got == 0) break;

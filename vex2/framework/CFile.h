@@ -5,6 +5,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <utility>
 
 #include "vex2/framework/CFileException.h"
 #include "vex2/framework/CFileStatus.h"
@@ -104,10 +105,24 @@ class VEX2_API CFile : public CObject {
   /// kept. False on failure, also where `path` could not have been opened for writing.
   bool OpenReplacement(const char* path, CFileException* error = nullptr);
 
+  /// The same for a file that is open for reading and writing and is to be changed: from here on
+  /// this is the new file, empty, and what stands at the path is untouched. False where a rename
+  /// cannot serve: then the file is open as it was. Throws `CFileException` where it failed.
+  bool ReplaceOpenFile();
+
+  /// Writes the first `count` bytes of what is being replaced, fewer where it is shorter, at the
+  /// position.
+  void CopyReplaced(std::uint64_t count);
+
   /// Makes the new content durable and puts it in place, then closes. Throws `CFileException`, and
   /// then the file is closed and the old content is still in place, unless only the last step was
   /// refused, which makes the exchange itself durable.
   void CloseReplacement();
+
+  /// Device and number of the file that was opened last; of what is being replaced while that
+  /// goes on. Both 0 where there is none.
+  using Identity = std::pair<std::uint64_t, std::uint64_t>;
+  const Identity& GetIdentity() const { return identity_; }
 
  private:
   struct Replacement;
@@ -115,13 +130,15 @@ class VEX2_API CFile : public CObject {
   bool openLocked(const char* path, int flags, bool exclusive, CFileException* error);
   int lockHandle(bool exclusive, std::int64_t deadline);
   bool isStillAt(const char* path) const;
-  bool openTemporary(CFileException* error);
+  bool beginReplacement(const std::string& target, bool exists, CFileException& error);
+  bool openTemporary(CFileException& error);
   void putInPlace();
   void copyInto(int target);
   void syncAll(int handle);
   void writeOut();
   void writeAt(int handle, const std::uint8_t* bytes, std::size_t count, std::uint64_t offset);
   std::size_t readAt(std::uint8_t* bytes, std::size_t count, std::uint64_t offset);
+  std::size_t readFrom(int handle, std::uint8_t* bytes, std::size_t count, std::uint64_t offset);
   void fill(std::size_t atLeast);
   void useBuffer();
   void forgetBuffer() noexcept;
@@ -131,6 +148,7 @@ class VEX2_API CFile : public CObject {
   int handle_ = -1;
   bool regular_ = false;
   std::string path_;
+  Identity identity_;
   std::uint64_t position_ = 0;
   std::uint64_t length_ = 0;  // as the system has it; bytes still in the buffer may lie past it
 

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstdlib>
@@ -53,21 +54,11 @@ bool CFile::OpenReplacement(const char* path, CFileException* error) {
     if (error != nullptr) *error = why;
     return false;
   }
-  auto replacement = std::make_unique<Replacement>();
   struct stat info {};
   const bool single =
       !exists || (CurrentFileSystem().Stat(handle_, info) >= 0 && regular_ && info.st_nlink == 1);
   if (single && !(path != nullptr && isDanglingLink(path))) {
-    replacement->target = exists ? resolved(path) : path;
-    replacement->targetHandle = std::exchange(handle_, -1);
-    replacement_ = std::move(replacement);
-    if (openTemporary(&why)) {
-      path_ = path;
-      return true;
-    }
-    const int targetHandle = std::exchange(replacement_->targetHandle, -1);
-    replacement_.reset();
-    handle_ = targetHandle;
+    if (beginReplacement(path, exists, why)) return true;
     if (!renameCannotServe(why.GetError())) {
       releaseHandle();
       if (error != nullptr) *error = CFileException(why.GetError(), path, 0);
@@ -80,7 +71,49 @@ bool CFile::OpenReplacement(const char* path, CFileException* error) {
   return true;
 }
 
-bool CFile::openTemporary(CFileException* error) {
+bool CFile::ReplaceOpenFile() {
+  if (handle_ < 0 || replacement_ != nullptr) fail(EBADF, 0);
+  writeOut();
+  struct stat info {};
+  if (!regular_ || CurrentFileSystem().Stat(handle_, info) < 0 || info.st_nlink != 1) return false;
+  CFileException why;
+  const std::string path = path_;
+  if (beginReplacement(path, true, why)) return true;
+  if (renameCannotServe(why.GetError())) return false;
+  throw why;
+}
+
+// Where it fails, what was open is open again.
+bool CFile::beginReplacement(const std::string& target, bool exists, CFileException& error) {
+  const std::uint64_t length = length_;
+  replacement_ = std::make_unique<Replacement>();
+  replacement_->target = exists ? resolved(target.c_str()) : target;
+  replacement_->targetHandle = std::exchange(handle_, -1);
+  if (openTemporary(error)) {
+    path_ = target;
+    return true;
+  }
+  handle_ = std::exchange(replacement_->targetHandle, -1);
+  length_ = length;
+  replacement_.reset();
+  return false;
+}
+
+void CFile::CopyReplaced(std::uint64_t count) {
+  if (handle_ < 0 || replacement_ == nullptr || replacement_->targetHandle < 0) fail(EBADF, 0);
+  const std::unique_ptr<std::uint8_t[]> bytes(new std::uint8_t[kBufferSize]);
+  std::uint64_t done = 0;
+  while (done < count) {
+    const auto wanted =
+        static_cast<std::size_t>(std::min<std::uint64_t>(kBufferSize, count - done));
+    const std::size_t got = readFrom(replacement_->targetHandle, bytes.get(), wanted, done);
+    if (got == 0) break;
+    Write(bytes.get(), got);
+    done += got;
+  }
+}
+
+bool CFile::openTemporary(CFileException& error) {
   static std::atomic<unsigned> count{0};
   auto& files = CurrentFileSystem();
   for (;;) {
@@ -90,7 +123,7 @@ bool CFile::openTemporary(CFileException* error) {
     handle_ = files.Open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (handle_ == -EEXIST || handle_ == -EINTR) continue;
     if (handle_ < 0) {
-      *error = CFileException(-std::exchange(handle_, -1), path, 0);
+      error = CFileException(-std::exchange(handle_, -1), path, 0);
       return false;
     }
     replacement_->temporary = std::move(path);
@@ -104,7 +137,7 @@ bool CFile::openTemporary(CFileException* error) {
     const int status = files.CopyAttributes(replacement_->targetHandle, handle_);
     if (status < 0) {
       releaseHandle();
-      *error = CFileException(-status, replacement_->temporary, 0);
+      error = CFileException(-status, replacement_->temporary, 0);
       return false;
     }
   }

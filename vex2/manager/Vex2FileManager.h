@@ -284,7 +284,8 @@ class VEX2_API Vex2FileManager : public CFile {
   int RemoveAcquisitionDataBlock(Vex2DataType type);
   /// Replaces the block in memory and in the file at `path`. Raw data must be the file's last
   /// record: everything behind them is cut off. Reporting blocks are rewritten together from the
-  /// first of them on. -100 when the file is no readable document, -200 when it cannot be written.
+  /// first of them on. What stood there is replaced only once the new document is on the disk. -100
+  /// when the file is no readable document, -200 when it cannot be written.
   int ReplaceAcquisitionDataBlock(const char* path, const Vex2AcquisitionData* data,
                                   Vex2DataType type);
 
@@ -298,7 +299,9 @@ class VEX2_API Vex2FileManager : public CFile {
   /// Brings a frame that is complete in memory to the file at `path`; when this answers 0 it is on
   /// the disk. Reporting blocks are not written (0). -300 without a block, -100 when the file is no
   /// readable document, -200 when it cannot be written, -260 when there is no such frame. On
-  /// failure the file has the length that it had.
+  /// failure the file has the length that it had, and the same frame may be tried again. Not so
+  /// when the disk failed to store it: from then on this manager refuses all changes of that file
+  /// with -200, and tells the user, until a whole document is saved in its place.
   int CommitAcqDataFrame(const char* path, int frameIndex, Vex2DataType type);
   /// Sets one well's record in memory; frames are filled in order.
   bool SetAcqDataWellRecord(const Vex2WellRecord* record, int frameIndex, int wellNumber,
@@ -556,6 +559,10 @@ class VEX2_API Vex2FileManager : public CFile {
   static constexpr std::uint64_t kAcquisitionDataOffsetAt = 68;
 
   struct BlockGeometry;
+  struct DistrustedFile {
+    Identity identity;
+    bool told;  // the user knows
+  };
 
   bool openKeepingPath(const char* path, unsigned flags);
   /// Runs `write` with the position at the open file's end; when it fails, that is where it was.
@@ -572,6 +579,26 @@ class VEX2_API Vex2FileManager : public CFile {
   int replaceRawData(AcquisitionDataComp& block);
   int replaceReportingData(AcquisitionDataComp& block);
   int commitFrame(AcquisitionDataComp& block, int frameIndex, std::uint32_t offset);
+  int appendFrame(AcquisitionDataComp& block, int frameIndex, std::uint32_t offset);
+  void patchWord(std::uint64_t offset, std::uint32_t word);
+  /// A data barrier. The file whose barrier failed is not trusted any more: what the system could
+  /// not store it may have dropped, and a later barrier would not tell.
+  void barrier();
+  bool isDistrusted() const;
+  /// For the file that was opened last, which was stored whole.
+  void trustAgain() noexcept;
+  /// True, with the file closed and the user told, when the open file is not trusted.
+  bool refusesChanges();
+  /// Cuts off what a commit that was cut short left behind what counts, where the next frame of
+  /// `block` belongs.
+  void cutLeftovers(const AcquisitionDataComp& block, std::uint32_t offset);
+  std::uint64_t endOfFrames(const AcquisitionDataComp& block, std::uint32_t offset);
+  std::uint64_t endOfRecords(const AcquisitionDataComp& block);
+  bool isLeftover(const AcquisitionDataComp& block, std::uint64_t start);
+  /// Changes the open file with `write`, as a whole: what it is given has the first `kept` bytes of
+  /// the file at least, and takes its place when all is written. Where that cannot serve it is the
+  /// file itself.
+  int rewrite(std::uint64_t kept, vex2::FunctionRef<int()> write);
   int readGeometry(long blockOffset, BlockGeometry& geometry);
   int getText(std::string_view tag, CString& text) const;
   int setText(std::string_view tag, const CString& text);
@@ -593,6 +620,7 @@ class VEX2_API Vex2FileManager : public CFile {
   std::vector<const Vex2FileManager*> platesToAsk() const;
 
   CString filePath_;
+  std::vector<DistrustedFile> distrusted_;
   std::vector<std::unique_ptr<CComponent>> components_;
   std::map<CString, std::unique_ptr<VexAnalysis>> analysisMap_;
   std::unique_ptr<CAnalysisSettingsDetectorMap> detectorMap_ =

@@ -75,10 +75,10 @@ int Vex2FileManager::appendRawData(AcquisitionDataComp& block) {
   Write(kNoTag.data(), kNoTag.size());
   vex2::WriteValue(*this, block.GetLength());
   static_cast<void>(block.WriteBody(this));
-  SyncData();
+  barrier();
   Seek(position, begin);
   Write(block.GetTag().data(), vex2::kTagLength);
-  SyncData();
+  barrier();
   header_.acquisitionDataOffset = position;
   return UpdateAcqDataOffset(position);
 }
@@ -104,11 +104,16 @@ int Vex2FileManager::ReplaceAcquisitionDataBlock(const char* path, const Vex2Acq
 int Vex2FileManager::replaceRawData(AcquisitionDataComp& block) {
   std::uint32_t offset = 0;
   if (const int status = readAcqDataOffset(offset); status != kSuccess) return status;
-  if (offset == 0) return appendRawData(block);
-  Seek(offset, begin);
-  const int status = block.Write(this);
-  SetLength(offset + block.GetSize());
-  return status;
+  if (offset == 0) {
+    cutLeftovers(block, offset);
+    return writeAtEnd([&] { return appendRawData(block); });
+  }
+  return rewrite(offset, [&] {
+    Seek(offset, begin);
+    const int written = block.Write(this);
+    SetLength(offset + block.GetSize());
+    return written;
+  });
 }
 
 int Vex2FileManager::replaceReportingData(AcquisitionDataComp& block) {
@@ -116,27 +121,26 @@ int Vex2FileManager::replaceReportingData(AcquisitionDataComp& block) {
   if (const int status = ReadHeaderData(header, nullptr); status != kSuccess) return status;
   ReportingBlocks kept;
   if (const int status = readReportingBlocks(*this, kept); status != kSuccess) return status;
-  if (kept.start == 0) {
-    SeekToEnd();
-    return block.Write(this);
-  }
+  if (kept.start == 0) return writeAtEnd([&] { return block.Write(this); });
   const auto old = std::find_if(kept.blocks.begin(), kept.blocks.end(), [&](const auto& candidate) {
     return candidate->GetTag() == block.GetTag();
   });
   if (old != kept.blocks.end()) kept.blocks.erase(old);
 
-  Seek(static_cast<std::int64_t>(kept.start), begin);
-  std::uint64_t newLength = kept.start + block.GetSize();
-  int status = block.Write(this);
-  for (const auto& other : kept.blocks) {
-    if (status == kSuccess) status = other->Write(this);
-    newLength += other->GetSize();
-  }
-  SetLength(newLength);
-  // What stood behind the first reporting block is cut off, so no position may lead there.
-  if (header.thermocycleOffset > kept.start) static_cast<void>(UpdateThermocycleOffset(0));
-  if (header.acquisitionDataOffset > kept.start) static_cast<void>(UpdateAcqDataOffset(0));
-  return status;
+  return rewrite(kept.start, [&] {
+    Seek(static_cast<std::int64_t>(kept.start), begin);
+    std::uint64_t newLength = kept.start + block.GetSize();
+    int status = block.Write(this);
+    for (const auto& other : kept.blocks) {
+      if (status == kSuccess) status = other->Write(this);
+      newLength += other->GetSize();
+    }
+    SetLength(newLength);
+    // What stood behind the first reporting block is cut off, so no position may lead there.
+    if (header.thermocycleOffset > kept.start) static_cast<void>(UpdateThermocycleOffset(0));
+    if (header.acquisitionDataOffset > kept.start) static_cast<void>(UpdateAcqDataOffset(0));
+    return status;
+  });
 }
 
 long Vex2FileManager::findReporterCompOffset(Vex2DataType type) {

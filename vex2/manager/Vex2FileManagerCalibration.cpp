@@ -91,8 +91,10 @@ int Vex2FileManager::patchBackground(CBackgroundComp* background) {
   if (const int status = findBackground(length, position); status != kSuccess) return status;
   if (position == 0) return writeAtEnd([this] { return includesComponent(kTag)->Write(this); });
   if (background == nullptr) return kSuccess;
-  Seek(static_cast<std::int64_t>(position), begin);
-  return background->Write(this);
+  return rewrite(GetLength(), [&] {
+    Seek(static_cast<std::int64_t>(position), begin);
+    return background->Write(this);
+  });
 }
 
 // The position of the first background that stands alone in the open file, 0 when there is none.

@@ -89,7 +89,7 @@ int Vex2FileManager::openForPatching(const char* path) {
     if (path == nullptr || SafeOpen(path, 0, 0) == 0) return vex2::kReadFailed;
     if (IsVex2Format()) refusal = vex2::kWriteFailed;
   } else if (IsVex2Format()) {
-    return kSuccess;
+    return refusesChanges() ? vex2::kWriteFailed : kSuccess;
   }
   Abort();
   return refusal;
@@ -97,6 +97,7 @@ int Vex2FileManager::openForPatching(const char* path) {
 
 int Vex2FileManager::appendTo(const char* path, vex2::FunctionRef<int()> write) {
   if (path == nullptr || SafeOpen(path, 1, 1) == 0) return vex2::kWriteFailed;
+  if (refusesChanges()) return vex2::kWriteFailed;
   const int status = writeAtEnd(write);
   return guardedFile(vex2::kWriteFailed, [status] { return status; });
 }
@@ -129,7 +130,10 @@ int Vex2FileManager::saveWhole(const char* path, vex2::FunctionRef<int()> write)
     filePath_ = kept;
     if (!OpenReplacement(kept.GetString())) return static_cast<int>(vex2::kWriteFailed);
     const int result = write();
-    if (result == kSuccess) CloseReplacement();
+    if (result == kSuccess) {
+      CloseReplacement();
+      trustAgain();
+    }
     return result;
   });
   Abort();

@@ -26,12 +26,6 @@ std::uint32_t wordAt(CFile& file, std::uint64_t offset) {
   return word;
 }
 
-void patchWord(CFile& file, std::uint64_t offset, std::uint32_t word) {
-  file.Seek(static_cast<std::int64_t>(offset), CFile::begin);
-  vex2::WriteValue(file, word);
-  file.SyncData();
-}
-
 bool copyRecord(const AcquisitionDataComp* block, int frameIndex, int position,
                 Vex2WellRecord* record) {
   if (block == nullptr || frameIndex < 0 || frameIndex >= block->GetFrameCount() || position < 0 ||
@@ -88,37 +82,47 @@ int Vex2FileManager::CommitAcqDataFrame(const char* path, int frameIndex, Vex2Da
 }
 
 int Vex2FileManager::commitFrame(AcquisitionDataComp& block, int frameIndex, std::uint32_t offset) {
+  cutLeftovers(block, offset);
   // What makes the frame count: the block's length, or for a new block its position.
   const std::uint64_t patchedAt =
       offset != 0 ? std::uint64_t{offset} + vex2::kTagLength : kAcquisitionDataOffsetAt;
   const std::uint64_t fileLength = GetLength();
   const std::uint32_t oldWord = wordAt(*this, patchedAt);
   const std::uint32_t heldOffset = header_.acquisitionDataOffset;
-  const int status = guarded(vex2::kWriteFailed, [&] {
-    if (offset == 0) {
-      const int result = appendRawData(block);
-      SyncData();
-      return result;
-    }
-    SeekToEnd();
-    if (const int result = block.WriteFrame(*this, frameIndex); result != kSuccess) return result;
-    // The frame is on the disk before the length counts it: whatever happens in between, every
-    // frame that counts is there.
-    SyncData();
-    patchWord(*this, patchedAt, block.GetLength());
-    return static_cast<int>(kSuccess);
-  });
+  const int status =
+      guarded(vex2::kWriteFailed, [&] { return appendFrame(block, frameIndex, offset); });
   if (status == kSuccess || status == kNoSuchFrame) return status;
   DiscardBuffer();
   header_.acquisitionDataOffset = heldOffset;
-  if (patchedAt < fileLength) {
-    static_cast<void>(guarded(vex2::kWriteFailed, [&] {
-      patchWord(*this, patchedAt, oldWord);
-      return kSuccess;
-    }));
-  }
-  restoreLength(fileLength);
+  const int takenBack = guarded(vex2::kWriteFailed, [&] {
+    if (wordAt(*this, patchedAt) != oldWord) patchWord(patchedAt, oldWord);
+    return kSuccess;
+  });
+  // A length that counts a frame which was cut off would cost the whole block. Where it cannot be
+  // taken back the frame stays, and where that does not count, the next commit cuts it off.
+  if (takenBack == kSuccess) restoreLength(fileLength);
   return status;
+}
+
+int Vex2FileManager::appendFrame(AcquisitionDataComp& block, int frameIndex, std::uint32_t offset) {
+  if (offset == 0) {
+    const int result = appendRawData(block);
+    barrier();
+    return result;
+  }
+  SeekToEnd();
+  if (const int result = block.WriteFrame(*this, frameIndex); result != kSuccess) return result;
+  // The frame is on the disk before the length counts it: whatever happens in between, every frame
+  // that counts is there.
+  barrier();
+  patchWord(std::uint64_t{offset} + vex2::kTagLength, block.GetLength());
+  return kSuccess;
+}
+
+void Vex2FileManager::patchWord(std::uint64_t offset, std::uint32_t word) {
+  Seek(static_cast<std::int64_t>(offset), begin);
+  vex2::WriteValue(*this, word);
+  barrier();
 }
 
 bool Vex2FileManager::SetAcqDataWellRecord(const Vex2WellRecord* record, int frameIndex,

@@ -42,7 +42,7 @@ int Vex2FileManager::SetAcquisitionStatus(const char* path, const char* status) 
     if (GetLength() <= kStatusAt) return static_cast<int>(vex2::kWriteFailed);
     Seek(kStatusAt, begin);
     Write(header_.acquisitionStatus, kStatusLength);
-    SyncData();
+    barrier();
     return static_cast<int>(vex2::kSuccess);
   });
 }

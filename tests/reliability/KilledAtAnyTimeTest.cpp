@@ -1,4 +1,5 @@
-// A recording process that dies at any moment loses no frame whose commit returned.
+// A recording process that dies at any moment, and not only at a system call, loses no frame whose
+// commit returned.
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/wait.h>
@@ -10,16 +11,16 @@
 
 #include "tests/support/RunDocument.h"
 #include "tests/support/SilentHost.h"
+#include "tests/support/Sweep.h"
 #include "tests/support/TempFolder.h"
 
 namespace vex2::test {
 namespace {
 
-constexpr int kKills = 100;
 constexpr int kMostFrames = 24;
 constexpr int kMostMicroseconds = 1500;  // some commits' time
 
-class KilledRecorder : public TempFolderTest, public testing::WithParamInterface<std::uint16_t> {
+class KilledAtAnyTime : public TempFolderTest, public testing::WithParamInterface<std::uint16_t> {
  protected:
   // Runs in a process of its own, and tells `pipe` one byte for the document and one a frame.
   [[noreturn]] void record(int pipe) {
@@ -85,22 +86,28 @@ class KilledRecorder : public TempFolderTest, public testing::WithParamInterface
   std::string path_ = folder_ / "run.vex";
 };
 
-TEST_P(KilledRecorder, LosesNoFrameWhoseCommitReturned) {
+TEST_P(KilledAtAnyTime, LosesNoFrameWhoseCommitReturned) {
   std::mt19937 random(GetParam());
   std::uniform_int_distribution<int> count(0, kMostFrames);
   std::uniform_int_distribution<int> delay(0, kMostMicroseconds);
+  const int kills = InFullSweeps(100, 12);
   int cutShort = 0;
-  for (int i = 0; i < kKills; ++i) {
+  for (int i = 0; i < kills; ++i) {
     std::filesystem::remove(path_);
     const int told = killAfter(count(random), std::chrono::microseconds(delay(random)));
     if (told == 0) continue;  // the document itself had not been saved yet
     ASSERT_NO_FATAL_FAILURE(expectFrames(told - 1)) << "kill " << i;
     if (told > 1 && told <= kMostFrames) ++cutShort;
   }
-  EXPECT_GE(cutShort, kKills / 4);  // else the moments were not those of a run
+  EXPECT_GE(cutShort, kills / 4);  // else the moments were not those of a run
+  ReportSweep({.promise = "the process is killed",
+               .sweep = "SIGKILL at random moments, " + std::to_string(GetParam()) + " wells",
+               .points = static_cast<std::uint64_t>(kills),
+               .states = static_cast<std::uint64_t>(kills),
+               .bad = 0});
 }
 
-INSTANTIATE_TEST_SUITE_P(Plates, KilledRecorder, testing::Values(96, 384));
+INSTANTIATE_TEST_SUITE_P(Plates, KilledAtAnyTime, testing::Values(96, 384));
 
 }  // namespace
 }  // namespace vex2::test

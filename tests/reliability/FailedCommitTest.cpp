@@ -1,0 +1,167 @@
+// A commit that the system refuses leaves the file as it was, and the same frame can be tried
+// again; where even taking it back is refused, every earlier frame is there and the next commit
+// mends the rest.
+#include "tests/reliability/RunOnDisk.h"
+
+namespace vex2::test {
+namespace {
+
+constexpr const char* kPromise = "a commit fails";
+
+struct Staged {
+  int committed;  // frames before the one that fails
+  int error;
+};
+
+class FailedCommit : public RunOnDisk, public testing::WithParamInterface<Staged> {
+ protected:
+  int committed() const { return GetParam().committed; }
+  std::string name() const {
+    return std::to_string(committed()) + " frames before, " +
+           std::string(::strerrorname_np(GetParam().error));
+  }
+  // A manager with that much committed, and then the commit of one frame more with these calls
+  // failing. Its status; false when there were not as many calls.
+  bool fail(OpenedManager& manager, int call, int count, int& status) {
+    files_.Restart();
+    files_.SkipSyncs();
+    record(manager, committed());
+    files_.Restart();
+    files_.SkipSyncs();
+    files_.FailCalls(call, count, GetParam().error);
+    status = append(manager, committed());
+    const bool struck = files_.HasFailed();
+    syncFailed_ = files_.WasRefused(FileCall::syncData);
+    files_.Restart();
+    files_.SkipSyncs();
+    EXPECT_FALSE(manager.IsOpen());
+    EXPECT_TRUE(status == kSuccess || status == kWriteFailed || status == kReadFailed) << status;
+    EXPECT_TRUE(struck || status == kSuccess) << status;
+    return struck;
+  }
+  bool same(int frames) {
+    const std::string difference = FirstDifference(ReadBytes(path_), documentOf(frames));
+    EXPECT_EQ(difference, "");
+    return difference.empty();
+  }
+
+  FaultyFileSystem files_;
+  bool syncFailed_ = false;
+};
+
+TEST_P(FailedCommit, AtAnyCallLeavesTheFileAndCanBeRepeated) {
+  SweepResult result{.promise = kPromise, .sweep = "one call fails; " + name()};
+  for (int call = 0;; ++call) {
+    SCOPED_TRACE("call " + std::to_string(call));
+    OpenedManager manager;
+    int status = kSuccess;
+    if (!fail(manager, call, 1, status)) break;
+    ++result.points;
+    ++result.states;
+    if (status == kSuccess) {
+      if (!same(committed() + 1)) ++result.bad;
+      continue;
+    }
+    EXPECT_EQ(manager.AcquisitionDataOffset(), committed() == 0 ? 0U : 1024U);
+    const bool kept = same(committed());
+    const int again = manager.CommitAcqDataFrame(path_.c_str(), committed(), DataRAWa);
+    // What a failed sync means for the manager is told elsewhere; to the file it means the same.
+    EXPECT_EQ(again, syncFailed_ ? kWriteFailed : kSuccess);
+    const bool repeated = syncFailed_ ? goOn() == kSuccess : again == kSuccess;
+    if (!kept || !repeated || !same(committed() + 1)) ++result.bad;
+  }
+  EXPECT_GE(result.points, 8U);
+  EXPECT_EQ(result.bad, 0U);
+  ReportSweep(result);
+}
+
+TEST_P(FailedCommit, ThatCannotBeTakenBackLeavesTheEarlierFramesAndIsMended) {
+  SweepResult result{.promise = kPromise, .sweep = "calls fail while it is taken back; " + name()};
+  bool struck = true;
+  for (int call = 0; struck; ++call) {
+    for (const int count : {2, 3, 4, 5, 6, 7, 8, 1000}) {
+      SCOPED_TRACE(std::to_string(count) + " calls from " + std::to_string(call));
+      OpenedManager manager;
+      int status = kSuccess;
+      struck = fail(manager, call, count, status);
+      if (!struck) break;
+      ++result.points;
+      ++result.states;
+      const int frames = readableFrames();
+      EXPECT_TRUE(frames == committed() || frames == committed() + 1) << frames;
+      // Its own manager tries again where it is to and may; else another one goes on with the run.
+      const bool tries = frames == committed() && !syncFailed_;
+      const bool repeated =
+          (tries ? manager.CommitAcqDataFrame(path_.c_str(), committed(), DataRAWa) : goOn()) ==
+          kSuccess;
+      EXPECT_TRUE(repeated);
+      const int now = readableFrames();
+      EXPECT_EQ(now, frames + 1);
+      if (!repeated || now != frames + 1 || frames < committed() || !same(now)) ++result.bad;
+    }
+  }
+  EXPECT_GE(result.points, 50U);
+  EXPECT_EQ(result.bad, 0U);
+  ReportSweep(result);
+}
+
+INSTANTIATE_TEST_SUITE_P(Frames, FailedCommit,
+                         testing::Values(Staged{0, EIO}, Staged{0, ENOSPC}, Staged{1, EIO},
+                                         Staged{2, EIO}, Staged{2, ENOSPC}));
+
+class CommitBehindLeftovers : public RunOnDisk {
+ protected:
+  void SetUp() override { files_.SkipSyncs(); }
+  FaultyFileSystem files_;
+};
+
+TEST_F(CommitBehindLeftovers, CutsOffPartOfAFrame) {
+  for (const std::size_t left : {1U, 3U, 4U, 79U, 80U, 239U, 240U}) {
+    WriteBytes(path_, Join({documentOf(2), Bytes(left, 'x')}));
+    EXPECT_EQ(readableFrames(), 2) << left;
+    EXPECT_EQ(goOn(), kSuccess);
+    EXPECT_EQ(FirstDifference(ReadBytes(path_), documentOf(3)), "") << left;
+  }
+}
+
+TEST_F(CommitBehindLeftovers, LeavesWhatIsMoreThanAFrameOrARecordOfItsOwn) {
+  const Bytes name = ByteString().Text("NAME").Long(4).Text("name");
+  const Bytes frame = StoredFrame(MakeFrame(wells_, 2));
+  Bytes block = StoredBlock("RAWa", wells_, 2);
+  SetLongAt(block, 4, 18 + 2UL * wells_ + 80UL * wells_ * 3);
+  for (const Bytes& behind : {name, Bytes(241, 'x')}) {
+    WriteBytes(path_, Join({documentOf(2), behind}));
+    EXPECT_EQ(goOn(), kSuccess);
+    EXPECT_EQ(FirstDifference(ReadBytes(path_), Join({StoredHeader(1024), block, behind, frame})),
+              "");
+  }
+}
+
+TEST_F(CommitBehindLeftovers, ReplacesWhatThereIsOfAFirstBlock) {
+  const Bytes block = StoredBlock("RAWa", wells_, 1);
+  const Bytes other = ByteString().Text("NAME").Long(4).Text("name");
+  for (std::size_t left = 0; left < block.size(); ++left) {
+    SCOPED_TRACE(left);
+    WriteBytes(path_, Join({StoredHeader(), other, Slice(block, 0, left)}));
+    OpenedManager manager;
+    const auto numbers = WellNumbers(wells_);
+    manager.InitAcqDataWellNumberArray(numbers.data(), wells_, DataRAWa);
+    ASSERT_EQ(append(manager, 0), kSuccess);
+    ASSERT_EQ(FirstDifference(ReadBytes(path_), Join({StoredHeader(1036), other, block})), "");
+  }
+}
+
+TEST_F(CommitBehindLeftovers, KeepsABlockWithFramesThatItDoesNotHold) {
+  const Bytes block = StoredBlock("RAWa", wells_, 2);
+  for (const Bytes& there : {block, Slice(block, 0, block.size() - 1)}) {
+    WriteBytes(path_, Join({StoredHeader(), there}));
+    OpenedManager manager;
+    const auto numbers = WellNumbers(wells_);
+    manager.InitAcqDataWellNumberArray(numbers.data(), wells_, DataRAWa);
+    ASSERT_EQ(append(manager, 5), kSuccess);
+    EXPECT_EQ(FirstDifference(Slice(ReadBytes(path_), 1024, there.size()), there), "");
+  }
+}
+
+}  // namespace
+}  // namespace vex2::test

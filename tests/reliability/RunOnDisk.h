@@ -1,0 +1,81 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "tests/support/FaultyFileSystem.h"
+#include "tests/support/RunDocument.h"
+#include "tests/support/SilentHost.h"
+#include "tests/support/Sweep.h"
+#include "tests/support/TempFolder.h"
+
+namespace vex2::test {
+
+/// A run that is recorded to `path_`, and what can be read of it afterwards.
+class RunOnDisk : public TempFolderTest {
+ protected:
+  /// A document without frames at `path_`, and a manager that is to record to it.
+  void begin(OpenedManager& manager) const {
+    WriteBytes(path_, StoredHeader());
+    const auto numbers = WellNumbers(wells_);
+    manager.InitAcqDataWellNumberArray(numbers.data(), wells_, DataRAWa);
+  }
+  /// The same with this many frames committed.
+  void record(OpenedManager& manager, int frames) const {
+    begin(manager);
+    for (int i = 0; i < frames; ++i) ASSERT_EQ(append(manager, i), kSuccess);
+  }
+  int append(Vex2FileManager& manager, int index) const {
+    const Vex2FrameData frame = MakeFrame(wells_, index);
+    return manager.AppendAcquisitionDataFrame(path_.c_str(), &frame, DataRAWa);
+  }
+  /// The bytes of a document with this many frames committed.
+  Bytes documentOf(int frames) const {
+    if (frames == 0) return StoredHeader();
+    return Join({StoredHeader(1024), StoredBlock("RAWa", wells_, frames)});
+  }
+  /// How many frames the file gives back, read as a whole and one by one; -1 when one of them is
+  /// not what was recorded, or the two ways differ.
+  int readableFrames() const {
+    Vex2FileManager reader;
+    int inFile = -1;
+    if (reader.ReadFromFile(path_.c_str()) != kSuccess ||
+        reader.GetDataFrameCount(path_.c_str(), inFile, DataRAWa) != kSuccess) {
+      return -1;
+    }
+    const int frames = reader.GetDataFrameCount(DataRAWa);
+    for (int i = 0; i < frames; ++i) {
+      Vex2FrameData frame;
+      if (reader.ReadDataFrame(i, &frame, DataRAWa) != kSuccess ||
+          !SameFrame(frame, MakeFrame(wells_, i))) {
+        return -1;
+      }
+    }
+    for (int i = 0; i < inFile; ++i) {
+      Vex2FrameData frame;
+      if (reader.ReadDataFrame(path_.c_str(), i, &frame, DataRAWa) != kSuccess ||
+          !SameFrame(frame, MakeFrame(wells_, i))) {
+        return -1;
+      }
+    }
+    // A block that the header does not yet lead to is found by reading the whole alone.
+    return inFile == frames || (inFile == 0 && frames <= 1) ? frames : -1;
+  }
+  /// Reads the file as a program does that goes on with the run, and commits the frame that
+  /// follows. The status.
+  int goOn() const {
+    OpenedManager manager;
+    manager.ReadFromFile(path_.c_str());
+    if (manager.GetWellCount(DataRAWa) == 0) {
+      const auto numbers = WellNumbers(wells_);
+      manager.InitAcqDataWellNumberArray(numbers.data(), wells_, DataRAWa);
+    }
+    return append(manager, manager.GetDataFrameCount(DataRAWa));
+  }
+
+  SilentHost host_;
+  std::string path_ = folder_ / "run.vex";
+  std::uint16_t wells_ = 3;
+};
+
+}  // namespace vex2::test
