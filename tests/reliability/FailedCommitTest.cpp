@@ -16,10 +16,6 @@ struct Staged {
 class FailedCommit : public RunOnDisk, public testing::WithParamInterface<Staged> {
  protected:
   int committed() const { return GetParam().committed; }
-  std::string name() const {
-    return std::to_string(committed()) + " frames before, " +
-           std::string(::strerrorname_np(GetParam().error));
-  }
   // A manager with that much committed, and then the commit of one frame more with these calls
   // failing. Its status; false when there were not as many calls.
   bool fail(OpenedManager& manager, int call, int count, int& status) {
@@ -50,7 +46,8 @@ class FailedCommit : public RunOnDisk, public testing::WithParamInterface<Staged
 };
 
 TEST_P(FailedCommit, AtAnyCallLeavesTheFileAndCanBeRepeated) {
-  SweepResult result{.promise = kPromise, .sweep = "one call fails; " + name()};
+  SweepResult result{.promise = kPromise,
+                     .sweep = "EIO and ENOSPC at each call, then the frame again"};
   for (int call = 0;; ++call) {
     SCOPED_TRACE("call " + std::to_string(call));
     OpenedManager manager;
@@ -76,7 +73,8 @@ TEST_P(FailedCommit, AtAnyCallLeavesTheFileAndCanBeRepeated) {
 }
 
 TEST_P(FailedCommit, ThatCannotBeTakenBackLeavesTheEarlierFramesAndIsMended) {
-  SweepResult result{.promise = kPromise, .sweep = "calls fail while it is taken back; " + name()};
+  SweepResult result{.promise = kPromise,
+                     .sweep = "EIO and ENOSPC at each call and at those that take it back"};
   bool struck = true;
   for (int call = 0; struck; ++call) {
     for (const int count : {2, 3, 4, 5, 6, 7, 8, 1000}) {
@@ -115,12 +113,22 @@ class CommitBehindLeftovers : public RunOnDisk {
   FaultyFileSystem files_;
 };
 
-TEST_F(CommitBehindLeftovers, CutsOffPartOfAFrame) {
+TEST_F(CommitBehindLeftovers, WritesOverPartOfAFrame) {
   for (const std::size_t left : {1U, 3U, 4U, 79U, 80U, 239U, 240U}) {
     WriteBytes(path_, Join({documentOf(2), Bytes(left, 'x')}));
     EXPECT_EQ(readableFrames(), 2) << left;
     EXPECT_EQ(goOn(), kSuccess);
     EXPECT_EQ(FirstDifference(ReadBytes(path_), documentOf(3)), "") << left;
+  }
+}
+
+TEST_F(CommitBehindLeftovers, ThatFailsLeavesTheLength) {
+  WriteBytes(path_, Join({documentOf(2), Bytes(17, 'x')}));
+  for (const FileCall call : {FileCall::write, FileCall::syncData}) {
+    files_.FailKind(call, EIO, 0, true);
+    EXPECT_EQ(goOn(), kWriteFailed);
+    EXPECT_EQ(std::filesystem::file_size(path_), documentOf(2).size() + 17);
+    EXPECT_EQ(readableFrames(), 2);
   }
 }
 
@@ -137,17 +145,25 @@ TEST_F(CommitBehindLeftovers, LeavesWhatIsMoreThanAFrameOrARecordOfItsOwn) {
   }
 }
 
-TEST_F(CommitBehindLeftovers, ReplacesWhatThereIsOfAFirstBlock) {
+TEST_F(CommitBehindLeftovers, WritesOverWhatThereIsOfAFirstBlock) {
   const Bytes block = StoredBlock("RAWa", wells_, 1);
   const Bytes other = ByteString().Text("NAME").Long(4).Text("name");
-  for (std::size_t left = 0; left < block.size(); ++left) {
-    SCOPED_TRACE(left);
-    WriteBytes(path_, Join({StoredHeader(), other, Slice(block, 0, left)}));
+  const auto write = [&](const Bytes& there) {
+    WriteBytes(path_, Join({StoredHeader(), other, there}));
     OpenedManager manager;
     const auto numbers = WellNumbers(wells_);
     manager.InitAcqDataWellNumberArray(numbers.data(), wells_, DataRAWa);
     ASSERT_EQ(append(manager, 0), kSuccess);
     ASSERT_EQ(FirstDifference(ReadBytes(path_), Join({StoredHeader(1036), other, block})), "");
+  };
+  write(block);
+  Bytes untagged = block;
+  std::fill_n(untagged.begin(), 4, std::uint8_t{0});
+  // Its frame is nobody's, and another one by now.
+  untagged.back() ^= 1;
+  for (std::size_t left = 0; left <= untagged.size(); ++left) {
+    SCOPED_TRACE(left);
+    ASSERT_NO_FATAL_FAILURE(write(Slice(untagged, 0, left)));
   }
 }
 

@@ -95,8 +95,7 @@ TEST_P(KilledAtEachCall, LeavesEveryCommittedFrameAndCanBeGoneOnWith) {
   const std::size_t step = FullSweeps() ? 1 : points.size() / 16 | 1U;
   SweepResult result{.promise = "the process is killed",
                      .sweep = "SIGKILL before, within and after each system call of a run of " +
-                              std::to_string(kFrames) + " frames, " + std::to_string(wells_) +
-                              " wells"};
+                              std::to_string(kFrames) + " frames of 8, 96 and 384 wells"};
   files_.Restart();
   files_.SkipSyncs();
   for (std::size_t i = 0; i < points.size(); i += step) {

@@ -123,16 +123,18 @@ int FaultyFileSystem::faultOfKind(FileCall kind) {
 }
 
 std::size_t FaultyFileSystem::portion(std::size_t count) const {
-  return std::min(isKilled(Moment::halfway) ? count / 2 : count, most_);
+  return std::min(isKilled(calls_ - 1, Moment::halfway) ? count / 2 : count, most_);
 }
 
 template <typename Call>
 auto FaultyFileSystem::stage(FileOperation operation, Call call) -> decltype(call()) {
   decltype(call()) result = fault(operation.call);
   if (result == 0) {
-    if (isKilled(Moment::before)) die();
+    // A call may be made of others, which count, too.
+    const int number = calls_ - 1;
+    if (isKilled(number, Moment::before)) die();
     result = call();
-    if (isKilled(Moment::after) || isKilled(Moment::halfway)) die();
+    if (isKilled(number, Moment::after) || isKilled(number, Moment::halfway)) die();
   }
   operation.result = result;
   log_.push_back(std::move(operation));
@@ -191,6 +193,16 @@ int FaultyFileSystem::SyncAll(int file) {
 int FaultyFileSystem::Lock(int file, bool exclusive) {
   return stage({.call = FileCall::lock, .path = paths_[file]},
                [&] { return FileSystem::Lock(file, exclusive); });
+}
+
+int FaultyFileSystem::EnterGate(int file, bool exclusive) {
+  return stage({.call = FileCall::gate, .path = paths_[file]},
+               [&] { return FileSystem::EnterGate(file, exclusive); });
+}
+
+int FaultyFileSystem::LeaveGate(int file) {
+  return stage({.call = FileCall::gate, .path = paths_[file]},
+               [&] { return FileSystem::LeaveGate(file); });
 }
 
 int FaultyFileSystem::Stat(int file, struct stat& info) {

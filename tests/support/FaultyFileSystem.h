@@ -20,6 +20,7 @@ enum class FileCall {
   syncData,
   syncAll,
   lock,
+  gate,  ///< entered or left
   stat,
   statPath,
   rename,
@@ -97,6 +98,8 @@ class FaultyFileSystem : public FileSystem {
   int SyncData(int file) override;
   int SyncAll(int file) override;
   int Lock(int file, bool exclusive) override;
+  int EnterGate(int file, bool exclusive) override;
+  int LeaveGate(int file) override;
   int Stat(int file, struct stat& info) override;
   int StatPath(const char* path, struct stat& info) override;
   int Rename(const char* from, const char* to) override;
@@ -117,7 +120,7 @@ class FaultyFileSystem : public FileSystem {
   int fault(FileCall kind);
   int faultOfKind(FileCall kind);
   std::size_t portion(std::size_t count) const;
-  bool isKilled(Moment moment) const { return calls_ - 1 == killAt_ && moment_ == moment; }
+  bool isKilled(int number, Moment moment) const { return number == killAt_ && moment == moment_; }
 
   FileSystem* before_;
   std::map<int, std::string> paths_;

@@ -575,7 +575,7 @@ class VEX2_API Vex2FileManager : public CFile {
   int readAcqDataOffset(std::uint32_t& offset);
   std::uint32_t documentPosition(std::uint64_t position) const;
   int setBlock(Vex2DataType type, const Vex2AcquisitionData* data);
-  int appendRawData(AcquisitionDataComp& block);
+  int writeRawData(AcquisitionDataComp& block, std::uint64_t place);
   int replaceRawData(AcquisitionDataComp& block);
   int replaceReportingData(AcquisitionDataComp& block);
   int commitFrame(AcquisitionDataComp& block, int frameIndex, std::uint32_t offset);
@@ -589,9 +589,9 @@ class VEX2_API Vex2FileManager : public CFile {
   void trustAgain() noexcept;
   /// True, with the file closed and the user told, when the open file is not trusted.
   bool refusesChanges();
-  /// Cuts off what a commit that was cut short left behind what counts, where the next frame of
-  /// `block` belongs.
-  void cutLeftovers(const AcquisitionDataComp& block, std::uint32_t offset);
+  /// Where the next frame of `block` belongs, or the block itself where the header leads to none:
+  /// the file's end, but in front of what a commit that was cut short left there.
+  std::uint64_t endOfWhatCounts(const AcquisitionDataComp& block, std::uint32_t offset);
   std::uint64_t endOfFrames(const AcquisitionDataComp& block, std::uint32_t offset);
   std::uint64_t endOfRecords(const AcquisitionDataComp& block);
   bool isLeftover(const AcquisitionDataComp& block, std::uint64_t start);

@@ -64,17 +64,19 @@ int Vex2FileManager::setBlock(Vex2DataType type, const Vex2AcquisitionData* data
 int Vex2FileManager::AppendAcquisitionDataBlock(const char* path, const Vex2AcquisitionData* data) {
   if (const int status = setBlock(DataRAWa, data); status != kSuccess) return status;
   AcquisitionDataComp* block = findBlock(DataRAWa);
-  return appendTo(path, [&] { return appendRawData(*block); });
+  return appendTo(path, [&] { return writeRawData(*block, GetLength()); });
 }
 
-int Vex2FileManager::appendRawData(AcquisitionDataComp& block) {
-  const std::uint32_t position = documentPosition(SeekToEnd());
+int Vex2FileManager::writeRawData(AcquisitionDataComp& block, std::uint64_t place) {
+  const std::uint32_t position = documentPosition(place);
+  Seek(position, begin);
   // Until all of it is on the disk, the block goes without its tag and is stepped over by whoever
   // reads the document: its length may get there before its frames. The header leads to it last.
   constexpr std::array<char, vex2::kTagLength> kNoTag{};
   Write(kNoTag.data(), kNoTag.size());
   vex2::WriteValue(*this, block.GetLength());
   static_cast<void>(block.WriteBody(this));
+  if (GetLength() > GetPosition()) SetLength(GetPosition());
   barrier();
   Seek(position, begin);
   Write(block.GetTag().data(), vex2::kTagLength);
@@ -105,8 +107,8 @@ int Vex2FileManager::replaceRawData(AcquisitionDataComp& block) {
   std::uint32_t offset = 0;
   if (const int status = readAcqDataOffset(offset); status != kSuccess) return status;
   if (offset == 0) {
-    cutLeftovers(block, offset);
-    return writeAtEnd([&] { return appendRawData(block); });
+    const std::uint64_t place = endOfWhatCounts(block, offset);
+    return writeAtEnd([&] { return writeRawData(block, place); });
   }
   return rewrite(offset, [&] {
     Seek(offset, begin);

@@ -82,7 +82,6 @@ int Vex2FileManager::CommitAcqDataFrame(const char* path, int frameIndex, Vex2Da
 }
 
 int Vex2FileManager::commitFrame(AcquisitionDataComp& block, int frameIndex, std::uint32_t offset) {
-  cutLeftovers(block, offset);
   // What makes the frame count: the block's length, or for a new block its position.
   const std::uint64_t patchedAt =
       offset != 0 ? std::uint64_t{offset} + vex2::kTagLength : kAcquisitionDataOffsetAt;
@@ -99,19 +98,21 @@ int Vex2FileManager::commitFrame(AcquisitionDataComp& block, int frameIndex, std
     return kSuccess;
   });
   // A length that counts a frame which was cut off would cost the whole block. Where it cannot be
-  // taken back the frame stays, and where that does not count, the next commit cuts it off.
+  // taken back the frame stays, and where that does not count, the next commit writes over it.
   if (takenBack == kSuccess) restoreLength(fileLength);
   return status;
 }
 
 int Vex2FileManager::appendFrame(AcquisitionDataComp& block, int frameIndex, std::uint32_t offset) {
+  const std::uint64_t place = endOfWhatCounts(block, offset);
   if (offset == 0) {
-    const int result = appendRawData(block);
+    const int result = writeRawData(block, place);
     barrier();
     return result;
   }
-  SeekToEnd();
+  Seek(static_cast<std::int64_t>(place), begin);
   if (const int result = block.WriteFrame(*this, frameIndex); result != kSuccess) return result;
+  if (GetLength() > GetPosition()) SetLength(GetPosition());
   // The frame is on the disk before the length counts it: whatever happens in between, every frame
   // that counts is there.
   barrier();

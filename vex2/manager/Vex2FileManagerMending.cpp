@@ -18,6 +18,9 @@ namespace {
 
 constexpr std::uint64_t kRecordHead = vex2::kTagLength + sizeof(std::uint32_t);
 
+// In place of a new block's tag until all of it is on the disk.
+constexpr std::string_view kNoTag("\0\0\0\0", vex2::kTagLength);
+
 // The head of a data block as it stands in a file.
 struct StoredBlock {
   std::string tag;
@@ -110,9 +113,9 @@ bool Vex2FileManager::refusesChanges() {
 // A process that dies within a commit leaves bytes that nothing counts behind what counts, and so
 // does a failed commit where the system would not even cut them off. Readers do not see them, but
 // what was appended behind them would be looked for in front.
-void Vex2FileManager::cutLeftovers(const AcquisitionDataComp& block, std::uint32_t offset) {
-  const std::uint64_t counted = offset != 0 ? endOfFrames(block, offset) : endOfRecords(block);
-  if (counted < GetLength()) SetLength(counted);
+std::uint64_t Vex2FileManager::endOfWhatCounts(const AcquisitionDataComp& block,
+                                               std::uint32_t offset) {
+  return offset != 0 ? endOfFrames(block, offset) : endOfRecords(block);
 }
 
 std::uint64_t Vex2FileManager::endOfFrames(const AcquisitionDataComp& block, std::uint32_t offset) {
@@ -136,7 +139,7 @@ std::uint64_t Vex2FileManager::endOfRecords(const AcquisitionDataComp& block) {
   std::uint64_t start = kHeaderBytes;
   while (start < fileEnd) {
     const std::string tag = tagAt(*this, start);
-    if (!tag.empty() && block.GetTag().substr(0, tag.size()) == tag) {
+    if (tag == block.GetTag() || tag == kNoTag.substr(0, tag.size())) {
       return isLeftover(block, start) ? start : fileEnd;
     }
     // What is no record is no way to the next one, and may go on for gigabytes.
@@ -150,14 +153,14 @@ std::uint64_t Vex2FileManager::endOfRecords(const AcquisitionDataComp& block) {
   return fileEnd;
 }
 
-// Whether what stands there, to the file's end, is a first commit that was cut short: a block with
-// nothing in it that `block` does not hold.
+// Whether what stands there, to the file's end, is a first commit that was cut short: a block that
+// has no tag yet, or nothing in it that `block` does not hold.
 bool Vex2FileManager::isLeftover(const AcquisitionDataComp& block, std::uint64_t start) {
   const StoredBlock head = headAt(*this, start);
   if (start + kRecordHead + head.length < GetLength()) return false;
   if (!head.isWhole) return GetLength() - start <= kRecordHead + AcquisitionDataComp::kFixedLength;
   if (head.version < 2 || head.wells != block.GetWellCount()) return false;
-  if (head.firstFrame > GetLength()) return true;
+  if (head.tag == kNoTag || head.firstFrame > GetLength()) return true;
   Seek(static_cast<std::int64_t>(head.firstFrame), begin);
   const std::uint64_t frame = vex2::kStoredRecordSize * head.wells;
   const std::uint64_t frames = frame != 0 ? GetRemaining() / frame : 0;
