@@ -1,0 +1,203 @@
+// A disk that is full, a limit on the size of files, and transfers that are cut short and
+// interrupted: a status, every committed frame intact, and the run goes on when there is room.
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+
+#include "tests/reliability/RunOnDisk.h"
+#include "tests/reliability/Works.h"
+
+namespace vex2::test {
+namespace {
+
+constexpr const char* kPromise = "disk full, short write, EINTR";
+
+class DiskFull : public RunOnDisk {
+ protected:
+  static SweepResult resultOf(const char* sweep) { return {.promise = kPromise, .sweep = sweep}; }
+  // Commits frames from this one on until one is refused; the number that is committed then.
+  int recordUntilRefused(OpenedManager& manager, int frames) {
+    int status = kSuccess;
+    while ((status = append(manager, frames)) == kSuccess && frames < 1000) ++frames;
+    EXPECT_EQ(status, kWriteFailed);
+    return frames;
+  }
+  // Whether a refused frame left the file as it was, and a refused save the old document.
+  void expectIntact(OpenedManager& manager, int frames) {
+    EXPECT_EQ(FirstDifference(ReadBytes(path_), documentOf(frames)), "");
+    EXPECT_EQ(readableFrames(), frames);
+    EXPECT_EQ(manager.SaveToFile(path_.c_str()), kWriteFailed);
+    EXPECT_EQ(FirstDifference(ReadBytes(path_), documentOf(frames)), "");
+    // A save that failed has moved the position in memory alone.
+    EXPECT_FALSE(manager.IsOpen());
+  }
+  void goOnWith(OpenedManager& manager, int frames) {
+    EXPECT_EQ(manager.CommitAcqDataFrame(path_.c_str(), frames, DataRAWa), kSuccess);
+    EXPECT_EQ(FirstDifference(ReadBytes(path_), documentOf(frames + 1)), "");
+  }
+};
+
+// The system's limit on the size of a file, as long as it lives.
+class FileSizeLimit {
+ public:
+  explicit FileSizeLimit(rlim_t bytes) : before_(std::signal(SIGXFSZ, SIG_IGN)) {
+    ::getrlimit(RLIMIT_FSIZE, &limit_);
+    const rlimit limit{bytes, limit_.rlim_max};
+    EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+  }
+  ~FileSizeLimit() {
+    ::setrlimit(RLIMIT_FSIZE, &limit_);
+    std::signal(SIGXFSZ, before_);
+  }
+  FileSizeLimit(const FileSizeLimit&) = delete;
+  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+ private:
+  rlimit limit_{};
+  void (*before_)(int);
+};
+
+TEST_F(DiskFull, ALimitOnTheSizeOfFilesLeavesTheFramesAndTheRunGoesOnAboveIt) {
+  SweepResult result = resultOf("a limit on the size of files, in the midst of each call");
+  const std::size_t frame = 80UL * wells_;
+  const std::size_t head = documentOf(1).size() - frame;
+  const std::size_t last = documentOf(3).size();
+  const std::size_t step = FullSweeps() ? 1 : 23;
+  FaultyFileSystem files;
+  files.SkipSyncs();
+  for (std::size_t limit = 1024; limit < last; limit += step) {
+    SCOPED_TRACE(limit);
+    OpenedManager manager;
+    begin(manager);
+    int frames = 0;
+    {
+      const FileSizeLimit limited(limit);
+      frames = recordUntilRefused(manager, 0);
+      EXPECT_EQ(frames, limit < head ? 0 : static_cast<int>((limit - head) / frame));
+      expectIntact(manager, frames);
+    }
+    goOnWith(manager, frames);
+    ++result.points;
+    ++result.states;
+    if (HasFailure()) ++result.bad;
+  }
+  ReportSweep(result);
+}
+
+TEST_F(DiskFull, TransfersThatAreCutShortAndInterruptedAreCarriedThrough) {
+  SweepResult result = resultOf("every transfer cut to a few bytes and interrupted");
+  FaultyFileSystem files;
+  for (const std::size_t most : {1U, 3U, 7U, 79U, 4095U}) {
+    SCOPED_TRACE(most);
+    files.Restart();
+    files.SkipSyncs();
+    files.Shorten(most, true);
+    OpenedManager manager;
+    record(manager, 3);
+    EXPECT_EQ(FirstDifference(ReadBytes(path_), documentOf(3)), "");
+    EXPECT_EQ(readableFrames(), 3);
+    result.points += files.Log().size();
+    for (const Work& writer : WholeWriters()) {
+      SCOPED_TRACE(writer.name);
+      const auto write = [&](const std::string& path, bool shortened) {
+        files.Restart();
+        files.SkipSyncs();
+        if (shortened) files.Shorten(most, true);
+        Vex2FileManager plate;
+        FillDocument(plate);
+        WriteBytes(path, documentOf(3));
+        EXPECT_EQ(writer.run(plate, path.c_str()), kSuccess);
+        return ReadBytes(path);
+      };
+      const Bytes expected = write(folder_ / "whole.vex", false);
+      EXPECT_EQ(FirstDifference(write(folder_ / "short.vex", true), expected), "");
+      result.points += files.Log().size();
+      ++result.states;
+    }
+  }
+  result.bad = HasFailure() ? 1 : 0;
+  ReportSweep(result);
+}
+
+TEST_F(DiskFull, AfterAnyPartOfAnyWriteLeavesTheFramesAndTheRunGoesOnLater) {
+  SweepResult result = resultOf("ENOSPC after each part of each write");
+  FaultyFileSystem files;
+  const auto start = [&](OpenedManager& manager, std::size_t most) {
+    files.Restart();
+    files.SkipSyncs();
+    begin(manager);
+    files.Shorten(most, true);
+  };
+  for (const std::size_t most : {16U, 80U}) {
+    for (int writes = 0;; ++writes) {
+      SCOPED_TRACE(writes);
+      OpenedManager manager;
+      start(manager, most);
+      files.FailKind(FileCall::write, ENOSPC, writes);
+      int frames = 0;
+      while (frames < 3 && append(manager, frames) == kSuccess) ++frames;
+      if (frames == 3) break;
+      files.Heal(FileCall::write);
+      EXPECT_EQ(readableFrames(), frames);
+      goOnWith(manager, frames);
+      ++result.points;
+      ++result.states;
+      if (HasFailure()) ++result.bad;
+    }
+  }
+  EXPECT_GE(result.points, 20U);
+  ReportSweep(result);
+}
+
+// What a child that cannot have a file system of its own ends with.
+constexpr int kNoFileSystem = 77;
+
+class SmallDisk : public DiskFull {
+ protected:
+  // In a process of its own: makes the folder a disk of 64 KiB that only this process sees.
+  bool mountDisk() const {
+    const std::string folder = folder_.Path().string();
+    if (::unshare(CLONE_NEWNS) != 0 && ::unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) return false;
+    ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr);
+    return ::mount("tmpfs", folder.c_str(), "tmpfs", 0, "size=64k") == 0;
+  }
+  int fillAndGoOn() {
+    if (!mountDisk()) return kNoFileSystem;
+    const std::string filler = folder_ / "filler";
+    WriteBytes(filler, Bytes(16 * 1024));
+    OpenedManager manager;
+    begin(manager);
+    const int frames = recordUntilRefused(manager, 0);
+    EXPECT_GE(frames, 100);
+    expectIntact(manager, frames);
+    std::filesystem::remove(filler);
+    goOnWith(manager, frames);
+    const int more = recordUntilRefused(manager, frames + 1);
+    EXPECT_GT(more, frames + 10);
+    EXPECT_EQ(readableFrames(), more);
+    return HasFailure() ? 1 : 0;
+  }
+};
+
+TEST_F(SmallDisk, ThatIsFullLeavesTheFramesAndTheRunGoesOnWhenThereIsRoom) {
+  const pid_t child = ::fork();
+  if (child == 0) ::_exit(fillAndGoOn());
+  int status = 0;
+  ASSERT_EQ(::waitpid(child, &status, 0), child);
+  ASSERT_TRUE(WIFEXITED(status)) << status;
+  if (WEXITSTATUS(status) == kNoFileSystem) {
+    GTEST_SKIP() << "this system lets no test mount a file system of its own";
+  }
+  SweepResult result = resultOf("a run until a disk of 64 KiB is full");
+  result.points = result.states = 2;
+  result.bad = WEXITSTATUS(status) == 0 ? 0 : 1;
+  ReportSweep(result);
+  EXPECT_EQ(WEXITSTATUS(status), 0);
+}
+
+}  // namespace
+}  // namespace vex2::test
