@@ -137,7 +137,8 @@ TEST_F(CommitBehindLeftovers, LeavesWhatIsMoreThanAFrameOrARecordOfItsOwn) {
   const Bytes frame = StoredFrame(MakeFrame(wells_, 2));
   Bytes block = StoredBlock("RAWa", wells_, 2);
   SetLongAt(block, 4, 18 + 2UL * wells_ + 80UL * wells_ * 3);
-  for (const Bytes& behind : {name, Bytes(241, 'x')}) {
+  const Bytes unknown = ByteString().Text("OTHR").Long(4).Text("mine");
+  for (const Bytes& behind : {name, unknown, Join({unknown, unknown}), Bytes(241, 'x')}) {
     WriteBytes(path_, Join({documentOf(2), behind}));
     EXPECT_EQ(goOn(), kSuccess);
     EXPECT_EQ(FirstDifference(ReadBytes(path_), Join({StoredHeader(1024), block, behind, frame})),
@@ -164,6 +165,50 @@ TEST_F(CommitBehindLeftovers, WritesOverWhatThereIsOfAFirstBlock) {
   for (std::size_t left = 0; left <= untagged.size(); ++left) {
     SCOPED_TRACE(left);
     ASSERT_NO_FATAL_FAILURE(write(Slice(untagged, 0, left)));
+  }
+}
+
+TEST_F(CommitBehindLeftovers, FindsWhatThereIsOfAFirstBlockBehindUnknownRecords) {
+  const Bytes other = ByteString().Text("OTHR").Long(4).Text("mine");
+  Bytes untagged = StoredBlock("RAWa", wells_, 1);
+  std::fill_n(untagged.begin(), 4, std::uint8_t{0});
+  WriteBytes(path_, Join({StoredHeader(), other, Slice(untagged, 0, 100)}));
+  EXPECT_EQ(goOn(), kSuccess);
+  EXPECT_EQ(FirstDifference(ReadBytes(path_),
+                            Join({StoredHeader(1036), other, StoredBlock("RAWa", wells_, 1)})),
+            "");
+}
+
+TEST_F(CommitBehindLeftovers, LeavesWhatItsManagerHasCommittedThoughTheLengthDoesNotCountIt) {
+  OpenedManager manager;
+  begin(manager);
+  for (int i = 0; i < 3; ++i) {
+    const Vex2FrameData frame = MakeFrame(wells_, i);
+    for (int well = 0; well < wells_; ++well) {
+      ASSERT_TRUE(manager.SetAcqDataWellRecord(&frame.records[well], i, well + 1, DataRAWa));
+    }
+  }
+  for (int i = 0; i < 3; ++i) {
+    ASSERT_EQ(manager.CommitAcqDataFrame(path_.c_str(), i, DataRAWa), kSuccess);
+  }
+  // The first commit wrote all of the block; each later one adds its frame once more.
+  EXPECT_EQ(
+      FirstDifference(ReadBytes(path_), Join({documentOf(3), StoredFrame(MakeFrame(wells_, 1)),
+                                              StoredFrame(MakeFrame(wells_, 2))})),
+      "");
+}
+
+TEST_F(CommitBehindLeftovers, AppendedBlocksWriteOverWhatThereIsOfAFirstOneToo) {
+  Vex2FrameData frames[] = {MakeFrame(wells_, 0)};
+  const Vex2AcquisitionData data{frames, 1};
+  const Bytes block = StoredBlock("RAWa", wells_, 1);
+  Bytes untagged = block;
+  std::fill_n(untagged.begin(), 4, std::uint8_t{0});
+  for (const Bytes& there : {Bytes{}, block, untagged, Slice(untagged, 0, 100)}) {
+    WriteBytes(path_, Join({StoredHeader(), there}));
+    OpenedManager manager;
+    ASSERT_EQ(manager.AppendAcquisitionDataBlock(path_.c_str(), &data), kSuccess);
+    EXPECT_EQ(FirstDifference(ReadBytes(path_), documentOf(1)), "");
   }
 }
 

@@ -621,6 +621,9 @@ class VEX2_API Vex2FileManager : public CFile {
 
   CString filePath_;
   std::vector<DistrustedFile> distrusted_;
+  // What the last commit that succeeded left: which file, and how long.
+  Identity committedFile_;
+  std::uint64_t committedLength_ = 0;
   std::vector<std::unique_ptr<CComponent>> components_;
   std::map<CString, std::unique_ptr<VexAnalysis>> analysisMap_;
   std::unique_ptr<CAnalysisSettingsDetectorMap> detectorMap_ =

@@ -64,7 +64,11 @@ int Vex2FileManager::setBlock(Vex2DataType type, const Vex2AcquisitionData* data
 int Vex2FileManager::AppendAcquisitionDataBlock(const char* path, const Vex2AcquisitionData* data) {
   if (const int status = setBlock(DataRAWa, data); status != kSuccess) return status;
   AcquisitionDataComp* block = findBlock(DataRAWa);
-  return appendTo(path, [&] { return writeRawData(*block, GetLength()); });
+  return appendTo(path, [&] {
+    std::uint32_t offset = 0;
+    const bool isFirst = readAcqDataOffset(offset) == kSuccess && offset == 0;
+    return writeRawData(*block, isFirst ? endOfWhatCounts(*block, offset) : GetLength());
+  });
 }
 
 int Vex2FileManager::writeRawData(AcquisitionDataComp& block, std::uint64_t place) {
@@ -82,7 +86,9 @@ int Vex2FileManager::writeRawData(AcquisitionDataComp& block, std::uint64_t plac
   Write(block.GetTag().data(), vex2::kTagLength);
   barrier();
   header_.acquisitionDataOffset = position;
-  return UpdateAcqDataOffset(position);
+  const int result = UpdateAcqDataOffset(position);
+  barrier();
+  return result;
 }
 
 int Vex2FileManager::RemoveAcquisitionDataBlock(Vex2DataType type) {

@@ -90,6 +90,10 @@ int Vex2FileManager::commitFrame(AcquisitionDataComp& block, int frameIndex, std
   const std::uint32_t heldOffset = header_.acquisitionDataOffset;
   const int status =
       guarded(vex2::kWriteFailed, [&] { return appendFrame(block, frameIndex, offset); });
+  if (status == kSuccess) {
+    committedFile_ = GetIdentity();
+    committedLength_ = GetLength();
+  }
   if (status == kSuccess || status == kNoSuchFrame) return status;
   DiscardBuffer();
   header_.acquisitionDataOffset = heldOffset;
@@ -105,11 +109,7 @@ int Vex2FileManager::commitFrame(AcquisitionDataComp& block, int frameIndex, std
 
 int Vex2FileManager::appendFrame(AcquisitionDataComp& block, int frameIndex, std::uint32_t offset) {
   const std::uint64_t place = endOfWhatCounts(block, offset);
-  if (offset == 0) {
-    const int result = writeRawData(block, place);
-    barrier();
-    return result;
-  }
+  if (offset == 0) return writeRawData(block, place);
   Seek(static_cast<std::int64_t>(place), begin);
   if (const int result = block.WriteFrame(*this, frameIndex); result != kSuccess) return result;
   if (GetLength() > GetPosition()) SetLength(GetPosition());

@@ -54,6 +54,31 @@ StoredBlock headAt(CFile& file, std::uint64_t position) {
   return head;
 }
 
+// Printable, as all tags are, also those of kinds that are not known.
+bool looksLikeTag(const std::string& tag) {
+  return tag.size() == vex2::kTagLength && std::all_of(tag.begin(), tag.end(), [](char letter) {
+           return letter >= ' ' && letter <= '~';
+         });
+}
+
+// Where the record ends that stands there; 0 when that is behind the file's end.
+std::uint64_t behindRecord(CFile& file, std::uint64_t position) {
+  file.Seek(static_cast<std::int64_t>(position + vex2::kTagLength), CFile::begin);
+  std::uint32_t length = 0;
+  if (vex2::ReadValue(file, length) != kSuccess || !vex2::HasBytesLeft(file, length)) return 0;
+  return position + kRecordHead + length;
+}
+
+// Whether a record of a known kind begins there, or records of any kind go on to the file's end.
+bool recordsFrom(CFile& file, std::uint64_t position) {
+  if (vex2::FindTagIndex(tagAt(file, position)) >= 0) return true;
+  while (position != 0 && position < file.GetLength()) {
+    if (!looksLikeTag(tagAt(file, position))) return false;
+    position = behindRecord(file, position);
+  }
+  return position != 0;
+}
+
 // Whether they would be stored as the same bytes; what was never filled is zeros.
 bool sameStored(const Vex2WellRecord& stored, const Vex2WellRecord* held) {
   const Vex2WellRecord nothing;
@@ -115,6 +140,8 @@ bool Vex2FileManager::refusesChanges() {
 // what was appended behind them would be looked for in front.
 std::uint64_t Vex2FileManager::endOfWhatCounts(const AcquisitionDataComp& block,
                                                std::uint32_t offset) {
+  // A host may commit more than the length counts; what succeeded here is no leftover.
+  if (GetIdentity() == committedFile_ && GetLength() == committedLength_) return GetLength();
   return offset != 0 ? endOfFrames(block, offset) : endOfRecords(block);
 }
 
@@ -129,9 +156,9 @@ std::uint64_t Vex2FileManager::endOfFrames(const AcquisitionDataComp& block, std
   const std::uint64_t frame = vex2::kStoredRecordSize * head.wells;
   const std::uint64_t counted = offset + kRecordHead + head.length;
   if (counted < head.firstFrame || (counted - head.firstFrame) % frame != 0) return fileEnd;
-  // A commit leaves no more than its frame, and no frame begins as a record does.
+  // A commit leaves no more than its frame, and what others put behind the data are records.
   if (counted >= fileEnd || fileEnd - counted > frame) return fileEnd;
-  return vex2::FindTagIndex(tagAt(*this, counted)) < 0 ? counted : fileEnd;
+  return recordsFrom(*this, counted) ? fileEnd : counted;
 }
 
 std::uint64_t Vex2FileManager::endOfRecords(const AcquisitionDataComp& block) {
@@ -143,12 +170,9 @@ std::uint64_t Vex2FileManager::endOfRecords(const AcquisitionDataComp& block) {
       return isLeftover(block, start) ? start : fileEnd;
     }
     // What is no record is no way to the next one, and may go on for gigabytes.
-    std::uint32_t length = 0;
-    if (vex2::FindTagIndex(tag) < 0 || vex2::ReadValue(*this, length) != kSuccess ||
-        !vex2::HasBytesLeft(*this, length)) {
-      break;
-    }
-    start += kRecordHead + length;
+    const std::uint64_t next = looksLikeTag(tag) ? behindRecord(*this, start) : 0;
+    if (next == 0) break;
+    start = next;
   }
   return fileEnd;
 }
