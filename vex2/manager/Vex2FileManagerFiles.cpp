@@ -96,7 +96,10 @@ int Vex2FileManager::openForPatching(const char* path) {
 }
 
 int Vex2FileManager::appendTo(const char* path, vex2::FunctionRef<int()> write) {
-  if (path == nullptr || SafeOpen(path, 1, 1) == 0) return vex2::kWriteFailed;
+  // For reading, too: a data block looks for what an interrupted one left.
+  constexpr unsigned kFlags =
+      modeReadWrite | modeCreate | modeNoTruncate | typeBinary | shareExclusive;
+  if (!openKeepingPath(path, kFlags)) return vex2::kWriteFailed;
   if (refusesChanges()) return vex2::kWriteFailed;
   const int status = writeAtEnd(write);
   return guardedFile(vex2::kWriteFailed, [status] { return status; });
