@@ -1,0 +1,319 @@
+// Reading and writing take time in proportion to the size, whatever it is that makes a document
+// large.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <ctime>
+#include <functional>
+
+#include "tests/support/DocumentBytes.h"
+#include "tests/support/RunDocument.h"
+#include "tests/support/SilentHost.h"
+#include "tests/support/Sweep.h"
+#include "tests/support/TempFolder.h"
+#include "vex2/framework/FileSystem.h"
+
+namespace vex2::test {
+namespace {
+
+constexpr double kMostGrowth = 2.3;  // for twice the size
+constexpr int kMostTries = 10;
+
+// The processor's time of this process: what others do on the machine hardly counts.
+double processorSeconds() {
+  timespec now{};
+  ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+  return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
+}
+
+/// The system's files without waiting for the disk, which is not what is measured.
+class UnsyncedFiles : public FileSystem {
+ public:
+  UnsyncedFiles() : before_(SetFileSystem(this)) {}
+  ~UnsyncedFiles() override { SetFileSystem(before_); }
+  UnsyncedFiles(const UnsyncedFiles&) = delete;
+  UnsyncedFiles& operator=(const UnsyncedFiles&) = delete;
+
+  int SyncData(int /*file*/) override { return 0; }
+  int SyncAll(int /*file*/) override { return 0; }
+
+ private:
+  FileSystem* before_;
+};
+
+/// What makes a document large, and how to make one.
+struct Dimension {
+  const char* name;
+  int smallest;
+  std::function<void(Vex2FileManager& document, int size)> fill = {};
+  std::function<std::string(int size)> records = {};  ///< instead: the bytes behind the header
+};
+
+void PrintTo(const Dimension& dimension, std::ostream* out) {
+  *out << dimension.name;
+}
+
+void fillFrames(Vex2FileManager& document, int size) {
+  for (int i = 0; i < size; ++i) {
+    const Vex2FrameData frame = MakeFrame(24, i);
+    static_cast<void>(document.AppendAcquisitionDataFrame(nullptr, &frame, DataRAWa));
+  }
+}
+
+void fillWells(Vex2FileManager& document, int size) {
+  Vex2PlateSetup setup;
+  setup.Resize(static_cast<std::uint16_t>(size));
+  for (int i = 0; i < size; ++i) {
+    Vex2WellSetup& well = setup.cells[i];
+    well.SetName("sample", 6);
+    for (int k = 0; k < 2; ++k) {
+      well.detectors.AddTail(new Vex2WellDetector);
+      well.detectors.GetTail()->SetDetectorName("detector", 8);
+      well.detectors.GetTail()->SetTask("UNKN", 4);
+    }
+  }
+  ASSERT_EQ(document.ReplacePlateSetup(&setup), kSuccess);
+}
+
+void fillDetectorsOfAWell(Vex2FileManager& document, int size) {
+  Vex2PlateSetup setup;
+  setup.Resize(1);
+  for (int i = 0; i < size; ++i) {
+    setup.cells[0].detectors.AddTail(new Vex2WellDetector);
+    setup.cells[0].detectors.GetTail()->SetDetectorName("detector", 8);
+  }
+  ASSERT_EQ(document.ReplacePlateSetup(&setup), kSuccess);
+}
+
+void fillDetectors(Vex2FileManager& document, int size) {
+  std::vector<Vex2Detector> detectors(static_cast<std::size_t>(size));
+  for (int i = 0; i < size; ++i) {
+    auto& detector = detectors[static_cast<std::size_t>(i)];
+    detector.name = CString("detector " + std::to_string(i));
+    detector.reporterDye = CString("FAM");
+  }
+  ASSERT_EQ(document.UpdateDetectorList(detectors.data(), size), kSuccess);
+}
+
+void fillDyes(Vex2FileManager& document, int size) {
+  std::vector<CString> dyes;
+  for (int i = 0; i < size; ++i) dyes.emplace_back("dye " + std::to_string(i));
+  ASSERT_EQ(document.UpdateRequiredDyeList(dyes.data(), size), kSuccess);
+}
+
+void fillCalibration(Vex2FileManager& document, int size) {
+  const std::vector<std::uint32_t> values(20, 7);
+  Vex2PureDye dyes;
+  dyes.SetEntryCount(static_cast<std::uint16_t>(size));
+  Vex2BGC background;
+  background.SetEntryCount(static_cast<std::uint16_t>(size));
+  for (int i = 0; i < size; ++i) {
+    dyes.entries[i].SetName("dye", 3);
+    dyes.entries[i].SetValues(values.data(), 20);
+    background.entries[i].SetValues(values.data(), 20);
+  }
+  ASSERT_EQ(document.ReplaceCalibComponent(&dyes, &background), kSuccess);
+}
+
+void fillStudy(Vex2FileManager& document, int size) {
+  Vex2HeaderData header = document.GetHeaderData();
+  std::memcpy(header.assayCode, "RQSt", 4);
+  document.SetHeaderData(header);
+  Vex2FileManager plate;
+  fillFrames(plate, 2);
+  for (int i = 0; i < size; ++i) {
+    plate.SetFilePath(("/runs/plate " + std::to_string(i) + ".vex").c_str());
+    ASSERT_TRUE(document.AddRQPlate(&plate, "today"));
+  }
+}
+
+void fillProgram(Vex2FileManager& document, int size) {
+  ThermocycleProgram program;
+  program.length = static_cast<std::uint32_t>(size);
+  program.Allocate();
+  std::memset(program.data, 'p', program.length);
+  ASSERT_EQ(document.ReplaceThermocycleProgram(&program), kSuccess);
+}
+
+std::string repeated(const std::string& bytes, int count) {
+  std::string all;
+  for (int i = 0; i < count; ++i) all += bytes;
+  return all;
+}
+
+std::string unknownRecords(int size) {
+  return repeated(Record("what", "unknown"), size);
+}
+
+std::string emptyUnknownRecords(int size) {
+  return repeated(Record("what", ""), size);
+}
+
+std::string knownRecords(int size) {
+  return repeated(Record("SVOL", BigEndian(25, 2)), size);
+}
+
+std::string deepLists(int size) {
+  return repeated(NestedLists("DETL", 60), size);
+}
+
+std::string wideList(int size) {
+  return ListRecord("CELS", size, repeated(ListRecord("CELL", 0, ""), size));
+}
+
+// The least time that an operation took, of a few tries at least and of as many as fit in a moment.
+double secondsOf(const std::function<void()>& operation) {
+  double least = 1e9;
+  double sum = 0;
+  for (int i = 0; i < 3 || (i < 40 && sum < 0.02); ++i) {
+    const double begun = processorSeconds();
+    operation();
+    const double time = processorSeconds() - begun;
+    least = std::min(least, time);
+    sum += time;
+  }
+  return least;
+}
+
+/// What two operations take at one size, never more than what was measured before.
+struct Times {
+  double read = 1e9;
+  double write = 1e9;
+
+  void Take(const Times& other) {
+    read = std::min(read, other.read);
+    write = std::min(write, other.write);
+  }
+};
+
+bool isLinear(const Times& half, const Times& whole) {
+  return whole.read <= kMostGrowth * half.read && whole.write <= kMostGrowth * half.write;
+}
+
+// Doubles the size so many times; the steps at which time grew by more than it may.
+std::uint64_t countBadSteps(int smallest, int doublings, const std::function<Times(int)>& measure) {
+  std::uint64_t bad = 0;
+  Times half = measure(smallest);
+  for (int step = 1; step <= doublings; ++step) {
+    const int size = smallest << step;
+    Times whole = measure(size);
+    // A machine that is busy makes times longer, never shorter.
+    for (int i = 0; i < kMostTries && !isLinear(half, whole); ++i) whole.Take(measure(size));
+    if (!isLinear(half, whole)) {
+      ++bad;
+      std::printf("from %d to %d: reading %.6f to %.6f s, writing %.6f to %.6f s\n", size / 2, size,
+                  half.read, whole.read, half.write, whole.write);
+    }
+    half = whole;
+  }
+  return bad;
+}
+
+void report(const std::string& what, int doublings, std::uint64_t bad) {
+  const auto steps = static_cast<std::uint64_t>(doublings);
+  ReportSweep({"large input", "reading and writing twice as much: " + what, steps, 2 * steps, bad});
+}
+
+class LargeDocument : public TempFolderTest {
+ protected:
+  SilentHost host_;
+  UnsyncedFiles files_;
+  std::string path_ = folder_ / "large.vex";
+  std::string saved_ = folder_ / "saved.vex";
+};
+
+class LargeInput : public LargeDocument, public testing::WithParamInterface<Dimension> {
+ protected:
+  Times measure(int size) {
+    Vex2FileManager original;
+    if (GetParam().records) {
+      WriteBytes(path_, DocumentOf(GetParam().records(size)));
+      EXPECT_EQ(original.ReadFromFile(path_.c_str()), kSuccess);
+    } else {
+      GetParam().fill(original, size);
+      EXPECT_EQ(original.SaveToFile(path_.c_str()), kSuccess);
+    }
+    const auto read = [this] {
+      Vex2FileManager document;
+      ASSERT_EQ(document.ReadFromFile(path_.c_str()), kSuccess);
+    };
+    const auto save = [&] { ASSERT_EQ(original.SaveToFile(saved_.c_str()), kSuccess); };
+    return {secondsOf(read), secondsOf(save)};
+  }
+};
+
+TEST_P(LargeInput, TakesTimeInProportionToItsSize) {
+  const int doublings = InFullSweeps(8, 3);
+  const auto bad =
+      countBadSteps(GetParam().smallest, doublings, [this](int size) { return measure(size); });
+  EXPECT_EQ(bad, 0U);
+  report(GetParam().name, doublings, bad);
+}
+
+class LongRun : public LargeDocument {
+ protected:
+  // Commits so many frames, and reads each of them alone.
+  Times measureRun(int frames) {
+    const auto record = [&] {
+      Vex2FileManager manager;
+      ASSERT_EQ(manager.SaveToFile(path_.c_str()), kSuccess);
+      for (int i = 0; i < frames; ++i) {
+        const Vex2FrameData frame = MakeFrame(24, i);
+        ASSERT_EQ(manager.AppendAcquisitionDataFrame(path_.c_str(), &frame, DataRAWa), kSuccess);
+      }
+    };
+    const auto read = [&] {
+      Vex2FileManager manager;
+      Vex2FrameData frame;
+      for (int i = 0; i < frames; ++i) {
+        ASSERT_EQ(manager.ReadDataFrame(path_.c_str(), i, &frame, DataRAWa), kSuccess);
+      }
+    };
+    Times times;
+    times.write = secondsOf(record);
+    times.read = secondsOf(read);
+    return times;
+  }
+};
+
+TEST_F(LongRun, TakesTheSameTimeForEachFrame) {
+  const int doublings = InFullSweeps(8, 3);
+  const auto bad = countBadSteps(8, doublings, [this](int frames) { return measureRun(frames); });
+  EXPECT_EQ(bad, 0U);
+  report("commits, and frames read alone", doublings, bad);
+}
+
+TEST(LargeInputMeasure, NoticesWhatGrowsWithTheSquareOfTheSize) {
+  const auto square = [](int size) {
+    std::vector<int> values;
+    const double time = secondsOf([&] {
+      for (int i = 0; i < size; ++i) values.insert(values.begin(), i);
+      values.clear();
+    });
+    return Times{time, time};
+  };
+  EXPECT_GT(countBadSteps(2000, 1, square), 0U);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Of, LargeInput,
+    testing::Values(Dimension{"frames", 16, fillFrames}, Dimension{"wells", 96, fillWells},
+                    Dimension{"detectors of a well", 128, fillDetectorsOfAWell},
+                    Dimension{"detectors", 100, fillDetectors}, Dimension{"dyes", 200, fillDyes},
+                    Dimension{"calibration spectra", 100, fillCalibration},
+                    Dimension{"plates of a study", 3, fillStudy},
+                    Dimension{"bytes of the program", 20'000, fillProgram},
+                    Dimension{"unknown records", 1000, {}, unknownRecords},
+                    Dimension{"empty unknown records", 1000, {}, emptyUnknownRecords},
+                    Dimension{"records", 500, {}, knownRecords},
+                    Dimension{"lists in lists", 10, {}, deepLists},
+                    Dimension{"records of a list", 200, {}, wideList}),
+    [](const auto& dimension) {
+      std::string name = dimension.param.name;
+      std::replace(name.begin(), name.end(), ' ', '_');
+      return name;
+    });
+
+}  // namespace
+}  // namespace vex2::test
