@@ -3,12 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstring>
 #include <ctime>
 #include <functional>
 
+#include "tests/reliability/FilledDocuments.h"
 #include "tests/support/DocumentBytes.h"
-#include "tests/support/RunDocument.h"
 #include "tests/support/SilentHost.h"
 #include "tests/support/Sweep.h"
 #include "tests/support/TempFolder.h"
@@ -52,88 +51,6 @@ struct Dimension {
 
 void PrintTo(const Dimension& dimension, std::ostream* out) {
   *out << dimension.name;
-}
-
-void fillFrames(Vex2FileManager& document, int size) {
-  for (int i = 0; i < size; ++i) {
-    const Vex2FrameData frame = MakeFrame(24, i);
-    static_cast<void>(document.AppendAcquisitionDataFrame(nullptr, &frame, DataRAWa));
-  }
-}
-
-void fillWells(Vex2FileManager& document, int size) {
-  Vex2PlateSetup setup;
-  setup.Resize(static_cast<std::uint16_t>(size));
-  for (int i = 0; i < size; ++i) {
-    Vex2WellSetup& well = setup.cells[i];
-    well.SetName("sample", 6);
-    for (int k = 0; k < 2; ++k) {
-      well.detectors.AddTail(new Vex2WellDetector);
-      well.detectors.GetTail()->SetDetectorName("detector", 8);
-      well.detectors.GetTail()->SetTask("UNKN", 4);
-    }
-  }
-  ASSERT_EQ(document.ReplacePlateSetup(&setup), kSuccess);
-}
-
-void fillDetectorsOfAWell(Vex2FileManager& document, int size) {
-  Vex2PlateSetup setup;
-  setup.Resize(1);
-  for (int i = 0; i < size; ++i) {
-    setup.cells[0].detectors.AddTail(new Vex2WellDetector);
-    setup.cells[0].detectors.GetTail()->SetDetectorName("detector", 8);
-  }
-  ASSERT_EQ(document.ReplacePlateSetup(&setup), kSuccess);
-}
-
-void fillDetectors(Vex2FileManager& document, int size) {
-  std::vector<Vex2Detector> detectors(static_cast<std::size_t>(size));
-  for (int i = 0; i < size; ++i) {
-    auto& detector = detectors[static_cast<std::size_t>(i)];
-    detector.name = CString("detector " + std::to_string(i));
-    detector.reporterDye = CString("FAM");
-  }
-  ASSERT_EQ(document.UpdateDetectorList(detectors.data(), size), kSuccess);
-}
-
-void fillDyes(Vex2FileManager& document, int size) {
-  std::vector<CString> dyes;
-  for (int i = 0; i < size; ++i) dyes.emplace_back("dye " + std::to_string(i));
-  ASSERT_EQ(document.UpdateRequiredDyeList(dyes.data(), size), kSuccess);
-}
-
-void fillCalibration(Vex2FileManager& document, int size) {
-  const std::vector<std::uint32_t> values(20, 7);
-  Vex2PureDye dyes;
-  dyes.SetEntryCount(static_cast<std::uint16_t>(size));
-  Vex2BGC background;
-  background.SetEntryCount(static_cast<std::uint16_t>(size));
-  for (int i = 0; i < size; ++i) {
-    dyes.entries[i].SetName("dye", 3);
-    dyes.entries[i].SetValues(values.data(), 20);
-    background.entries[i].SetValues(values.data(), 20);
-  }
-  ASSERT_EQ(document.ReplaceCalibComponent(&dyes, &background), kSuccess);
-}
-
-void fillStudy(Vex2FileManager& document, int size) {
-  Vex2HeaderData header = document.GetHeaderData();
-  std::memcpy(header.assayCode, "RQSt", 4);
-  document.SetHeaderData(header);
-  Vex2FileManager plate;
-  fillFrames(plate, 2);
-  for (int i = 0; i < size; ++i) {
-    plate.SetFilePath(("/runs/plate " + std::to_string(i) + ".vex").c_str());
-    ASSERT_TRUE(document.AddRQPlate(&plate, "today"));
-  }
-}
-
-void fillProgram(Vex2FileManager& document, int size) {
-  ThermocycleProgram program;
-  program.length = static_cast<std::uint32_t>(size);
-  program.Allocate();
-  std::memset(program.data, 'p', program.length);
-  ASSERT_EQ(document.ReplaceThermocycleProgram(&program), kSuccess);
 }
 
 std::string repeated(const std::string& bytes, int count) {
@@ -298,12 +215,12 @@ TEST(LargeInputMeasure, NoticesWhatGrowsWithTheSquareOfTheSize) {
 
 INSTANTIATE_TEST_SUITE_P(
     Of, LargeInput,
-    testing::Values(Dimension{"frames", 16, fillFrames}, Dimension{"wells", 96, fillWells},
-                    Dimension{"detectors of a well", 128, fillDetectorsOfAWell},
-                    Dimension{"detectors", 100, fillDetectors}, Dimension{"dyes", 200, fillDyes},
-                    Dimension{"calibration spectra", 100, fillCalibration},
-                    Dimension{"plates of a study", 3, fillStudy},
-                    Dimension{"bytes of the program", 20'000, fillProgram},
+    testing::Values(Dimension{"frames", 16, FillFrames}, Dimension{"wells", 96, FillWells},
+                    Dimension{"detectors of a well", 128, FillDetectorsOfAWell},
+                    Dimension{"detectors", 100, FillDetectors}, Dimension{"dyes", 200, FillDyes},
+                    Dimension{"calibration spectra", 100, FillCalibration},
+                    Dimension{"plates of a study", 3, FillStudy},
+                    Dimension{"bytes of the program", 20'000, FillProgram},
                     Dimension{"unknown records", 1000, {}, unknownRecords},
                     Dimension{"empty unknown records", 1000, {}, emptyUnknownRecords},
                     Dimension{"records", 500, {}, knownRecords},
