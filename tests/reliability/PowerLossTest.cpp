@@ -147,18 +147,18 @@ Verdict JudgeRun(const RunPlan& plan) {
 
 TEST(PowerLoss, InARunLeavesTheFramesWhoseCommitReturned) {
   Verdict verdict;
-  const int frames = InFullSweeps(45, 5);
-  const auto visit = [&](int wells, int lots) {
+  const auto visit = [&](int wells, int frames, int lots) {
     const auto most = static_cast<std::uint64_t>(lots);
     verdict.Add(JudgeRun({.wells = wells, .frames = frames, .mostStates = most}));
   };
-  for (const int wells : {1, 5, 12, 24, 32, 40}) visit(wells, InFullSweeps(1000, 60));
-  visit(96, InFullSweeps(10, 3));
-  visit(384, 3);
+  // Frames of few sectors in all states; of more, in as many as can be had.
+  for (const int wells : {1, 5, 12, 24}) visit(wells, InFullSweeps(45, 5), InFullSweeps(1000, 60));
+  for (const int wells : {32, 40, 48}) visit(wells, InFullSweeps(18, 3), InFullSweeps(1000, 60));
+  for (const int wells : {96, 384}) visit(wells, InFullSweeps(20, 3), 3);
   EXPECT_EQ(verdict.bad, 0U) << verdict.first;
   EXPECT_GE(verdict.states, FullSweeps() ? 100'000U : 1000U);
   ReportSweep({kPromise,
-               "what a disk may hold after a cut at each write of runs, eight sizes of plates",
+               "what a disk may hold after a cut at each write of runs, nine sizes of plates",
                verdict.points, verdict.states, verdict.bad});
 }
 
@@ -209,7 +209,7 @@ class PoweredSaves {
 
   Verdict JudgeAll(int ignoredBarrier = -1) {
     PowerCuts cuts(disk_.Log(), kPath);
-    cuts.SetMostStates(static_cast<std::uint64_t>(InFullSweeps(2000, 100)));
+    cuts.SetMostStates(static_cast<std::uint64_t>(InFullSweeps(2000, 30)));
     cuts.IgnoreBarrier(ignoredBarrier, 0);
     return Judge(cuts, [this](const auto& content, int returned) -> std::string {
       const auto done = static_cast<std::size_t>(returned);
