@@ -1,8 +1,11 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <filesystem>
+#include <set>
+#include <string>
 
 #include "tests/support/FaultyFileSystem.h"
 #include "tests/support/Files.h"
@@ -108,6 +111,28 @@ TEST_F(Replacement, ThatMayNotSurviveAPowerCutIsAFailureToo) {
   EXPECT_EQ(filesInFolder(), 1);
 }
 
+TEST_F(Replacement, WhereFoldersCannotBeSyncedIsDoneAllTheSame) {
+  files_.FailKind(FileCall::syncAll, EINVAL, 1);
+  EXPECT_EQ(save(path_), 0);
+  EXPECT_EQ(contentOf(path_), "new");
+}
+
+TEST_F(Replacement, TakesAnotherNameWhereOneIsTakenAndTriesAgainWhereItIsInterrupted) {
+  struct Taken : FaultyFileSystem {
+    int Open(const char* path, int flags, mode_t mode) override {
+      if ((flags & O_EXCL) == 0) return FaultyFileSystem::Open(path, flags, mode);
+      names.insert(path);
+      if (names.size() == 1) return -EEXIST;
+      if (names.size() == 2) return -EINTR;
+      return FaultyFileSystem::Open(path, flags, mode);
+    }
+    std::set<std::string> names;
+  } files;
+  EXPECT_EQ(save(path_), 0);
+  EXPECT_EQ(contentOf(path_), "new");
+  EXPECT_EQ(files.names.size(), 3U);
+}
+
 TEST_F(Replacement, OfNothingIsANewFile) {
   const std::string fresh = folder_ / "fresh";
   EXPECT_EQ(save(fresh), 0);
@@ -171,6 +196,14 @@ TEST_F(Replacement, WhereARenameIsRefusedIsCopiedIntoTheOldFile) {
     EXPECT_EQ(identityOf(path_), before);
     EXPECT_EQ(filesInFolder(), 1);
   }
+}
+
+TEST_F(Replacement, ThatCannotBeCopiedWholeFails) {
+  files_.FailKind(FileCall::rename, EBUSY);
+  files_.FailKind(FileCall::truncate, EIO);
+  EXPECT_EQ(save(path_), EIO);
+  EXPECT_FALSE(file_.IsOpen());
+  EXPECT_EQ(filesInFolder(), 1);
 }
 
 TEST_F(Replacement, OfWhatCannotBeWrittenFails) {

@@ -5,6 +5,7 @@
 
 #include "tests/support/RecordingHost.h"
 #include "tests/support/RunDocument.h"
+#include "tests/support/TempFolder.h"
 #include "vex2/run/AcquisitionDataComp.h"
 
 namespace vex2::test {
@@ -232,6 +233,46 @@ TEST_F(Frames, ATypeThatIsNoBlockHasNone) {
     EXPECT_EQ(manager_.GetDataFrameCount(type), 0) << row;
     EXPECT_EQ(manager_.CommitAcqDataFrame(nullptr, 0, type), kNotFound) << row;
   }
+}
+
+TEST_F(Frames, ATypeThatIsNoBlockTakesNone) {
+  const Vex2FrameData frame = MakeFrame(2, 0);
+  for (const int row : {-1, 1000}) {
+    initialise(2, static_cast<Vex2DataType>(row));
+    EXPECT_EQ(manager_.AppendAcquisitionDataFrame(nullptr, &frame, static_cast<Vex2DataType>(row)),
+              kNotFound)
+        << row;
+  }
+  EXPECT_EQ(TagsOf(manager_), "");
+}
+
+TEST_F(Frames, AppendingNoFrameAddsNone) {
+  EXPECT_EQ(manager_.AppendAcquisitionDataFrame(nullptr, nullptr, DataREPr), kNotFound);
+  append(MakeFrame(2, 0));
+  EXPECT_EQ(manager_.AppendAcquisitionDataFrame(nullptr, nullptr, DataREPr), kSuccess);
+  EXPECT_EQ(manager_.GetDataFrameCount(DataREPr), 1);
+}
+
+TEST_F(Frames, WellRecordsThatAreNoneAreNotSetAndCanBeAskedFor) {
+  append(MakeFrame(2, 0));
+  EXPECT_FALSE(manager_.SetAcqDataWellRecord(nullptr, 0, 1, DataREPr));
+  EXPECT_TRUE(manager_.GetAcqDataWellRecord(nullptr, 0, 1, DataREPr));
+  EXPECT_FALSE(manager_.GetAcqDataWellRecord(nullptr, 0, 3, DataREPr));
+}
+
+TEST_F(Frames, ABlockThatIsFullRefusesTheNextFrame) {
+  const TempFolder folder;
+  const std::string path = folder / "full.vex";
+  WriteBytes(
+      path,
+      Join({StoredHeader(1024),
+            ByteString().Text("RAWa").Long(0xFFFFFFFF).Short(2).Short(12).Zeros(12).Short(0)}));
+  ASSERT_EQ(manager_.ReadFromFile(path.c_str()), kSuccess);
+  initialise(1);
+  const Vex2FrameData frame = MakeFrame(1, 0);
+  const Bytes before = ReadBytes(path);
+  EXPECT_EQ(manager_.AppendAcquisitionDataFrame(path.c_str(), &frame, DataRAWa), kWriteFailed);
+  EXPECT_EQ(ReadBytes(path), before);
 }
 
 }  // namespace
