@@ -70,6 +70,16 @@ TEST_F(CommitAcqDataFrame, AppendingWithoutABlockMakesOneFromTheFrame) {
   EXPECT_EQ(FirstDifference(file(), Join({StoredHeader(1024), StoredBlock("RAWa", 2, 1)})), "");
 }
 
+TEST_F(CommitAcqDataFrame, FirstOneLeavesRecordsWholeThatHoldMoreThanTheySay) {
+  // A list's count takes two bytes, whatever the length in front of it.
+  const Bytes list = ByteString().Text("SPEC").Long(1).Short(0);
+  WriteBytes(path_, Join({StoredHeader(), list}));
+  ASSERT_EQ(manager_.ReadFromFile(path_.c_str()), kSuccess);
+  ASSERT_EQ(append(MakeFrame(3, 0)), kSuccess);
+  EXPECT_EQ(FirstDifference(file(), Join({StoredHeader(1034), list, StoredBlock("RAWa", 3, 1)})),
+            "");
+}
+
 TEST_F(CommitAcqDataFrame, FrameOfWellRecordsIsCommittedWhole) {
   run(2, 0);
   ASSERT_EQ(commit(0), kSuccess);

@@ -6,6 +6,7 @@
 
 #include "vex2/container/Encoding.h"
 #include "vex2/container/ReadLimits.h"
+#include "vex2/container/TagFactory.h"
 #include "vex2/container/TagTable.h"
 #include "vex2/framework/Host.h"
 #include "vex2/manager/Vex2FileManager.h"
@@ -161,18 +162,19 @@ std::uint64_t Vex2FileManager::endOfFrames(const AcquisitionDataComp& block, std
   return recordsFrom(*this, counted) ? fileEnd : counted;
 }
 
+// From record to record as readers go: by what a record holds, whatever it says of its length.
 std::uint64_t Vex2FileManager::endOfRecords(const AcquisitionDataComp& block) {
   const std::uint64_t fileEnd = GetLength();
-  std::uint64_t start = kHeaderBytes;
-  while (start < fileEnd) {
+  for (std::uint64_t start = kHeaderBytes; start < fileEnd; start = GetPosition()) {
     const std::string tag = tagAt(*this, start);
     if (tag == block.GetTag() || tag == kNoTag.substr(0, tag.size())) {
       return isLeftover(block, start) ? start : fileEnd;
     }
     // What is no record is no way to the next one, and may go on for gigabytes.
-    const std::uint64_t next = looksLikeTag(tag) ? behindRecord(*this, start) : 0;
-    if (next == 0) break;
-    start = next;
+    if (!looksLikeTag(tag)) break;
+    Seek(static_cast<std::int64_t>(start), begin);
+    std::unique_ptr<CComponent> record;
+    if (!vex2::CreateNextComponent(*this, record) || record->Read(this) != kSuccess) break;
   }
   return fileEnd;
 }
