@@ -207,7 +207,12 @@ class Describer {
     const int children = component.GetChildCount();
     if (children != component.GetCount() && isFollowed_) isReadable_ = false;
     number(children);
-    for (int index = 0; index < children; ++index) Component(*component.GetChild(index));
+    const bool before = isFollowed_;
+    for (int index = 0; index < children; ++index) {
+      isFollowed_ = before || index + 1 < children;
+      Component(*component.GetChild(index));
+    }
+    isFollowed_ = before;
   }
 
   std::string content_;
