@@ -7,6 +7,7 @@
 
 #include "tests/memory/FailingMemory.h"
 #include "tests/support/RunDocument.h"
+#include "tests/support/Sweep.h"
 
 namespace vex2::test {
 
@@ -20,6 +21,15 @@ struct AllocationSweep {
 
   /// How many allocations the operation makes.
   int Run() const {
+    const int allocations = failEach();
+    const auto points = static_cast<std::uint64_t>(allocations);
+    ReportSweep({"a read fails, memory runs out", "each allocation of every operation", points,
+                 points, testing::Test::HasFailure() ? 1U : 0U});
+    return allocations;
+  }
+
+ private:
+  int failEach() const {
     for (int allocation = 0;; ++allocation) {
       SCOPED_TRACE("allocation " + std::to_string(allocation));
       const long before = BlocksInUse();

@@ -78,8 +78,9 @@ TEST_P(CutAnywhere, OpensWithWhatIsWholeOrAStatus) {
     expectWhatIsWhole(records, length);
     ASSERT_FALSE(HasFailure()) << "cut to " << length;
   }
-  report("a file cut anywhere", FullSweeps() ? "every length of every sample document up to 64 KiB"
-                                             : "each 61st length of every sample document");
+  report("a file is cut anywhere", FullSweeps()
+                                       ? "every length of every sample document up to 64 KiB"
+                                       : "each 61st length of every sample document");
 }
 
 INSTANTIATE_TEST_SUITE_P(Documents, CutAnywhere, testing::ValuesIn(SampleDocuments()), SampleName);

@@ -14,7 +14,7 @@
 namespace vex2::test {
 namespace {
 
-constexpr const char* kPromise = "disk full, short write, EINTR";
+constexpr const char* kPromise = "the disk is full, a write is cut short or interrupted";
 
 class DiskFull : public RunOnDisk {
  protected:

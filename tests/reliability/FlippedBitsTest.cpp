@@ -26,9 +26,9 @@ TEST_P(FlippedBits, HaveAStatusAndHurtNothing) {
     ASSERT_TRUE(stands(bytes)) << "byte " << place << " bit " << bit % 8;
     bytes[place] = whole_[place];
   }
-  report("any bit flipped", FullSweeps()
-                                ? "every bit up to 16 KiB, above that of every structural byte"
-                                : "each 331st of these bits");
+  report("any bit is flipped", FullSweeps()
+                                   ? "every bit up to 16 KiB, above that of every structural byte"
+                                   : "each 331st of these bits");
 }
 
 INSTANTIATE_TEST_SUITE_P(Documents, FlippedBits, testing::ValuesIn(SampleDocuments()), SampleName);

@@ -46,7 +46,7 @@ TEST_P(HostileFields, AreOnlyBelievedAsFarAsThereAreBytes) {
       ASSERT_TRUE(stands(bytes)) << field.what << " at " << field.offset << " set to " << value;
     }
   }
-  report("hostile lengths, counts, nesting",
+  report("lengths, counts and nesting lie",
          FullSweeps() ? "nine values in every length and count field of every sample document"
                       : "each 23rd of nine values in every length and count field");
 }
@@ -86,7 +86,7 @@ TEST_P(Nesting, EndsAt64OnASmallStack) {
       ASSERT_FALSE(HasFailure()) << tag << " " << depth;
     }
   }
-  report("hostile lengths, counts, nesting",
+  report("lengths, counts and nesting lie",
          "depth 63, 64, 65 and 1,000,000 of each kind of list, on a stack of 256 KiB");
 }
 

@@ -94,15 +94,10 @@ double secondsOf(const std::function<void()>& operation) {
   return least;
 }
 
-/// What two operations take at one size, never more than what was measured before.
+/// What two operations take at one size.
 struct Times {
-  double read = 1e9;
-  double write = 1e9;
-
-  void Take(const Times& other) {
-    read = std::min(read, other.read);
-    write = std::min(write, other.write);
-  }
+  double read = 0;
+  double write = 0;
 };
 
 bool isLinear(double half, double whole) {
@@ -113,15 +108,18 @@ bool isLinear(const Times& half, const Times& whole) {
   return isLinear(half.read, whole.read) && isLinear(half.write, whole.write);
 }
 
-// Doubles the size so many times; the steps at which time grew by more than it may.
+// Doubles the size so many times; the steps at which time grew by more than it may. On a machine
+// that is busy it does so by chance: then both sizes are measured again, one right after the other.
 std::uint64_t countBadSteps(int smallest, int doublings, const std::function<Times(int)>& measure) {
   std::uint64_t bad = 0;
   Times half = measure(smallest);
   for (int step = 1; step <= doublings; ++step) {
     const int size = smallest << step;
     Times whole = measure(size);
-    // A machine that is busy makes times longer, never shorter.
-    for (int i = 0; i < kMostTries && !isLinear(half, whole); ++i) whole.Take(measure(size));
+    for (int i = 0; i < kMostTries && !isLinear(half, whole); ++i) {
+      half = measure(size / 2);
+      whole = measure(size);
+    }
     if (!isLinear(half, whole)) {
       ++bad;
       std::printf("from %d to %d: reading %.6f to %.6f s, writing %.6f to %.6f s\n", size / 2, size,

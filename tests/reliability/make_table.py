@@ -3,12 +3,14 @@
 usage: make_table.py RESULTS DOCUMENT
 
 RESULTS is what the tests wrote where VEX2_SWEEP_RESULTS is set: a JSON object a line. Only sweeps at full
-length count; those of the same name are added up. The exit code is 1 when a promise was broken.
+length count; those of the same name are added up. Every promise must be one of DOCUMENT's first table,
+which gives their order. The exit code is 1 when a promise was broken.
 """
 
 import collections
 import json
 import pathlib
+import re
 import sys
 
 BEGIN = "<!-- sweeps: written by tests/reliability/make_table.py -->"
@@ -24,7 +26,14 @@ def sums(lines):
         row = rows.setdefault((result["promise"], result["sweep"]), [0, 0, 0])
         for column, key in enumerate(("points", "states", "bad")):
             row[column] += result[key]
-    return dict(sorted(rows.items()))
+    return rows
+
+
+def in_order(rows, promises):
+    unknown = sorted({promise for promise, _ in rows} - set(promises))
+    if unknown:
+        sys.exit("the document makes no such promise: " + "; ".join(unknown))
+    return dict(sorted(rows.items(), key=lambda row: (promises.index(row[0][0]), row[0][1])))
 
 
 def table(rows):
@@ -43,6 +52,7 @@ def main():
         sys.exit(f"{sys.argv[1]}: no sweep at full length is in it")
     document = pathlib.Path(sys.argv[2])
     before, rest = document.read_text().split(BEGIN)
+    rows = in_order(rows, re.findall(r"^\| ([^|]+) \|", before, re.MULTILINE))
     document.write_text(f"{before}{BEGIN}\n{table(rows)}\n{END}{rest.split(END)[1]}")
     return 1 if any(counts[2] for counts in rows.values()) else 0
 
