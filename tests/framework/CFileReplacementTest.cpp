@@ -23,7 +23,9 @@ using vex2::test::WriteBytes;
 
 struct Saver : CFile {
   using CFile::CloseReplacement;
+  using CFile::CopyReplaced;
   using CFile::OpenReplacement;
+  using CFile::ReplaceOpenFile;
 };
 
 class Replacement : public vex2::test::TempFolderTest {
@@ -232,6 +234,50 @@ TEST_F(Replacement, ThatWasNotBegunCannotBeFinished) {
   EXPECT_THROW(file_.CloseReplacement(), CFileException);
   ASSERT_TRUE(file_.Open(path_.c_str(), CFile::modeWrite));
   EXPECT_THROW(file_.CloseReplacement(), CFileException);
+}
+
+TEST_F(Replacement, OfAnOpenFileBeginsWithWhatIsCopiedOfIt) {
+  ASSERT_TRUE(file_.Open(path_.c_str(), CFile::modeReadWrite));
+  ASSERT_TRUE(file_.ReplaceOpenFile());
+  EXPECT_EQ(file_.GetLength(), 0U);
+  file_.CopyReplaced(4);
+  file_.Write("new", 3);
+  EXPECT_EQ(contentOf(path_), "old content");
+  file_.CloseReplacement();
+  EXPECT_EQ(contentOf(path_), "old new");
+  ASSERT_TRUE(file_.Open(path_.c_str(), CFile::modeReadWrite));
+  ASSERT_TRUE(file_.ReplaceOpenFile());
+  file_.CopyReplaced(1000);
+  file_.CloseReplacement();
+  EXPECT_EQ(contentOf(path_), "old new") << "of more than there is, all";
+}
+
+TEST_F(Replacement, OfAnOpenFileNeedsOneThatIsOpen) {
+  EXPECT_THROW(file_.ReplaceOpenFile(), CFileException);
+  EXPECT_THROW(file_.CopyReplaced(1), CFileException);
+  ASSERT_TRUE(file_.Open(path_.c_str(), CFile::modeReadWrite));
+  EXPECT_THROW(file_.CopyReplaced(1), CFileException);
+  ASSERT_TRUE(file_.ReplaceOpenFile());
+  EXPECT_THROW(file_.ReplaceOpenFile(), CFileException) << "once is enough";
+  file_.Abort();
+  ASSERT_TRUE(file_.OpenReplacement((folder_ / "fresh").c_str()));
+  EXPECT_THROW(file_.CopyReplaced(1), CFileException) << "there is nothing to copy";
+}
+
+TEST_F(Replacement, OfAnOpenFileIsNotBegunWhereARenameCannotServe) {
+  ASSERT_TRUE(file_.Open("/dev/null", CFile::modeReadWrite));
+  EXPECT_FALSE(file_.ReplaceOpenFile());
+  ASSERT_TRUE(file_.Open(path_.c_str(), CFile::modeReadWrite));
+  files_.FailKind(FileCall::createNew, EROFS);
+  EXPECT_FALSE(file_.ReplaceOpenFile());
+  files_.FailKind(FileCall::createNew, ENOSPC);
+  EXPECT_THROW(file_.ReplaceOpenFile(), CFileException);
+  files_.Heal(FileCall::createNew);
+  files_.FailKind(FileCall::stat, EIO);
+  EXPECT_FALSE(file_.ReplaceOpenFile());
+  file_.Write("OLD", 3);
+  file_.Close();
+  EXPECT_EQ(contentOf(path_), "OLD content") << "open as it was";
 }
 
 TEST_F(Replacement, OfNamesAsLongAsTheyCanBe) {

@@ -1,0 +1,135 @@
+// What a commit that was cut short left in a file goes with the next one; what anyone else put
+// there stays.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/support/MemoryFiles.h"
+#include "tests/support/RunDocument.h"
+#include "tests/support/SilentHost.h"
+
+namespace vex2::test {
+namespace {
+
+constexpr const char* kPath = "/run.vex";
+constexpr std::uint32_t kHeader = 1024;
+constexpr std::size_t kFrame = 160;  // of two wells
+
+class Leftovers : public testing::Test {
+ protected:
+  // A run of two wells with one frame in memory.
+  void SetUp() override {
+    const auto numbers = WellNumbers(2);
+    manager_.InitAcqDataWellNumberArray(numbers.data(), 2, DataRAWa);
+    for (const int position : {0, 1}) {
+      const Vex2WellRecord record = MakeRecord(0, position);
+      ASSERT_TRUE(manager_.SetAcqDataWellRecord(&record, 0, position + 1, DataRAWa));
+    }
+  }
+  // As a new file: the manager knows those that it committed to.
+  void put(const Bytes& document) {
+    files_.Clear();
+    files_.Put(kPath, document);
+  }
+  int commit() { return manager_.CommitAcqDataFrame(kPath, 0, DataRAWa); }
+  const Bytes& file() const { return files_.Content(kPath); }
+
+  // Commits into the document; where the new block was put.
+  std::size_t placeBehind(const std::vector<Bytes>& records) {
+    put(Join({StoredHeader(), Join(records)}));
+    EXPECT_EQ(commit(), kSuccess);
+    const std::size_t place = LongAt(file(), 68);
+    EXPECT_EQ(FirstDifference(Slice(file(), place, file().size() - place), whole_), "");
+    return place;
+  }
+  std::size_t lengthOf(const std::vector<Bytes>& records) { return kHeader + Join(records).size(); }
+  // Commits the frame behind the block and those bytes; whether they are still there.
+  bool staysBehind(const Bytes& block, const Bytes& left) {
+    const Bytes before = Join({StoredHeader(kHeader), block, left});
+    put(before);
+    EXPECT_EQ(commit(), kSuccess);
+    const std::size_t at = before.size() - left.size();
+    const bool stays = Slice(file(), at, left.size()) == left;
+    EXPECT_EQ(file().size(), (stays ? before.size() : at) + kFrame);
+    return stays;
+  }
+
+  MemoryFiles files_;
+  SilentHost host_;
+  OpenedManager manager_;
+  const Bytes whole_ = StoredBlock("RAWa", 2, 1);
+  const Bytes empty_ = StoredBlock("RAWa", 2, 0);
+  const Bytes noTag_ = StoredBlock(std::string_view("\0\0\0\0", 4), 2, 1);
+  const Bytes torn_ = Bytes(40, 0xA5);
+};
+
+Bytes changed(Bytes bytes, std::size_t at, std::uint8_t value) {
+  bytes.at(at) = value;
+  return bytes;
+}
+
+TEST_F(Leftovers, OfAFrameGoWithTheNextOne) {
+  EXPECT_FALSE(staysBehind(empty_, torn_));
+  EXPECT_FALSE(staysBehind(empty_, Bytes(kFrame, 0)));
+  EXPECT_FALSE(staysBehind(empty_, ToBytes("text, but no record")));
+}
+
+TEST_F(Leftovers, AreNoMoreThanOneFrame) {
+  EXPECT_TRUE(staysBehind(empty_, Bytes(kFrame + 1, 0xA5)));
+}
+
+TEST_F(Leftovers, AreNoRecordsThatStandBehindTheFrames) {
+  EXPECT_TRUE(staysBehind(empty_, ByteString().Text("COMM").Long(3).Text("abc")));
+  EXPECT_TRUE(staysBehind(empty_, ByteString().Text("Xyz0").Long(3).Text("abc")));
+  EXPECT_FALSE(staysBehind(empty_, ByteString().Text("Xyz0").Long(99).Text("abc")));
+  EXPECT_FALSE(staysBehind(empty_, ByteString().Text("Xyz\x7f").Long(3).Text("abc")));
+}
+
+TEST_F(Leftovers, BehindABlockOfAnotherMakingStay) {
+  EXPECT_TRUE(staysBehind(changed(empty_, 0, 'X'), torn_)) << "another tag";
+  EXPECT_TRUE(staysBehind(changed(empty_, 9, 1), torn_)) << "another version";
+  EXPECT_TRUE(staysBehind(changed(empty_, 11, 11), torn_)) << "other times";
+  EXPECT_TRUE(staysBehind(changed(empty_, 25, 3), torn_)) << "other wells";
+  EXPECT_TRUE(staysBehind(changed(empty_, 25, 0), torn_)) << "no wells";
+  EXPECT_TRUE(staysBehind(changed(empty_, 7, 23), torn_)) << "no whole frames";
+  EXPECT_TRUE(staysBehind(changed(empty_, 7, 3), torn_)) << "less than its head";
+}
+
+TEST_F(Leftovers, OfAFirstCommitAreBlocksWithoutATagCutAnywhere) {
+  const Bytes other = ByteString().Text("COMM").Long(3).Text("abc");
+  for (std::size_t length = 1; length <= noTag_.size(); ++length) {
+    EXPECT_EQ(placeBehind({other, Slice(noTag_, 0, length)}), lengthOf({other})) << length;
+  }
+}
+
+TEST_F(Leftovers, OfAFirstCommitAreBlocksThatHoldWhatIsInMemory) {
+  EXPECT_EQ(placeBehind({whole_}), kHeader);
+  EXPECT_EQ(placeBehind({Slice(whole_, 0, whole_.size() - 1)}), kHeader);
+}
+
+TEST_F(Leftovers, AreNoBlocksOfAnotherRun) {
+  const Bytes second = StoredBlock("RAWa", 2, 2);
+  const Bytes other = ByteString().Text("COMM").Long(3).Text("abc");
+  for (const auto& records : std::vector<std::vector<Bytes>>{{changed(whole_, 9, 1)},
+                                                             {changed(whole_, 25, 3)},
+                                                             {changed(whole_, 11, 200)},
+                                                             {changed(whole_, 40, 0xEE)},
+                                                             {changed(whole_, 100, 0xEE)},
+                                                             {second},
+                                                             {whole_, other},
+                                                             {noTag_, other}}) {
+    EXPECT_EQ(placeBehind(records), lengthOf(records));
+  }
+}
+
+TEST_F(Leftovers, BehindWhatIsNoRecordAreNotLookedFor) {
+  const Bytes binary = ByteString().Text("\1\2\3\4").Long(3).Text("abc");
+  const Bytes high = ByteString().Text("abc\xE4").Long(3).Text("abc");
+  const Bytes tornRecord = ByteString().Text("COMM").Long(1000);
+  for (const Bytes& first : {binary, high, tornRecord, ToBytes("COM")}) {
+    EXPECT_EQ(placeBehind({first, noTag_}), lengthOf({first, noTag_}));
+  }
+}
+
+}  // namespace
+}  // namespace vex2::test
