@@ -137,6 +137,16 @@ TEST_F(DataBlocks, ReplacingInWhatIsNoDocumentIsAFailedRead) {
   EXPECT_EQ(file(), Bytes(2000, 'x'));
 }
 
+TEST_F(DataBlocks, ReplacingATypeThatIsNoneChangesNothing) {
+  document({});
+  Data data(1, 1);
+  for (const int row : {-1, 1000}) {
+    EXPECT_EQ(replace(&data, static_cast<Vex2DataType>(row)), kNotFound) << row;
+  }
+  EXPECT_EQ(TagsOf(manager_), "");
+  EXPECT_EQ(file(), StoredHeader());
+}
+
 TEST_F(DataBlocks, ReplacingRawDataInAFileTooShortForTheirOffsetIsAFailedRead) {
   WriteBytes(path_, Slice(StoredHeader(), 0, 70));
   Data data(1, 1);
@@ -154,6 +164,8 @@ TEST_F(DataBlocks, ReplacingInAReadOnlyFileIsAFailedWrite) {
   EXPECT_EQ(replace(&data, DataREPr), kWriteFailed);
   EXPECT_FALSE(manager_.IsOpen());
   EXPECT_EQ(file(), before);
+  WriteBytes(path_, ToBytes("no document"));
+  EXPECT_EQ(replace(&data, DataRAWa), kReadFailed) << "this is said first";
 }
 
 TEST_F(DataBlocks, ReplacingAReportingBlockKeepsTheOthersBehindIt) {

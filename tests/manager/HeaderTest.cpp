@@ -36,7 +36,9 @@ static_assert(sizeof(ThermocycleProgram) == 2 * sizeof(void*));
 
 // The manager's operations from inside, where the protected ones are.
 struct Opened : Vex2FileManager {
+  using Vex2FileManager::ReadHeaderDataHelper;
   using Vex2FileManager::UpdateHeaderOffsets;
+  using Vex2FileManager::WriteHeaderDataHelper;
 };
 
 template <typename Member>
@@ -221,6 +223,19 @@ TEST_F(Header, GoesToTheManagersOwnFileWhateverIsGiven) {
   other.Close();
   EXPECT_EQ(ReadBytes(path_).size(), 1024U);
   EXPECT_TRUE(ReadBytes(folder_ / "other").empty());
+}
+
+TEST_F(Header, IsOfTheManagersOwnFileWhereNoneIsGiven) {
+  ASSERT_EQ(manager_.SafeOpen(path_.c_str(), 1, 0), 1);
+  std::uint32_t bytes = 0;
+  EXPECT_EQ(manager_.WriteHeaderDataHelper(bytes, nullptr), 0);
+  manager_.Close();
+  EXPECT_EQ(bytes, 72U + 4 * 8);
+  EXPECT_EQ(ReadBytes(path_), ToBytes(HeaderBytes().substr(0, bytes)));
+  open(HeaderBytes(16));
+  Vex2HeaderData header;
+  EXPECT_EQ(manager_.ReadHeaderDataHelper(header, nullptr), 0);
+  EXPECT_EQ(header.rows, 16);
 }
 
 TEST_F(Header, WithMoreRowsThanItHoldsIsCutTo1024Bytes) {

@@ -285,7 +285,8 @@ class VEX2_API Vex2FileManager : public CFile {
   /// Replaces the block in memory and in the file at `path`. Raw data must be the file's last
   /// record: everything behind them is cut off. Reporting blocks are rewritten together from the
   /// first of them on. What stood there is replaced only once the new document is on the disk. -100
-  /// when the file is no readable document, -200 when it cannot be written.
+  /// when the file is no readable document, -200 when it cannot be written, -300 and nothing done
+  /// when there is no such type.
   int ReplaceAcquisitionDataBlock(const char* path, const Vex2AcquisitionData* data,
                                   Vex2DataType type);
 

@@ -55,6 +55,7 @@ AcquisitionDataComp* Vex2FileManager::findBlock(Vex2DataType type) const {
 }
 
 int Vex2FileManager::setBlock(Vex2DataType type, const Vex2AcquisitionData* data) {
+  if (vex2::TagAt(type).empty()) return vex2::kNotFound;
   return guarded(vex2::kWriteFailed, [&] {
     replaceComponent(makeBlock(type, data));
     return kSuccess;
