@@ -125,7 +125,10 @@ class Describer {
   }
 
   void block(const AcquisitionDataComp& component) {
-    if (component.GetVersion() < 2 && component.GetLength() != 0) isReadable_ = false;
+    // Of length 0 it has no body, and so no place for times that it was given.
+    number(component.GetLength() != 0);
+    if (component.GetLength() == 0) return;
+    if (component.GetVersion() < 2) isReadable_ = false;
     number(component.GetVersion());
     number(component.GetTimeBlockSize());
     raw(component.GetStartTime().fields, 6);

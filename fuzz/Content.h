@@ -10,7 +10,8 @@ namespace vex2::fuzz {
 /// What a document holds, in a form that can be compared: all of it but for what the format does
 /// not carry. That is: the header's two positions, which every save sets anew; what length fields
 /// say, where a record's kind tells its end; zero bytes at the end of a text, of which every
-/// reading drops one; the bodies of unknown records; the times of a block of the old version.
+/// reading drops one; the bodies of unknown records; the times of a block of the old version, and
+/// of one without a body.
 struct Content {
   std::string header;
   std::vector<std::string> components;
