@@ -194,8 +194,10 @@ TEST_F(Repair, WithoutRoomForTheBackupTheDocumentIsAsItWasAndThereIsNone) {
   AppendFrameBytes(10);
   const Bytes before = ReadBytes(path_);
   const CommandResult result = RunVex({"repair", path_}, {.input = "", .fileSize = 1000});
-  EXPECT_NE(result.exitCode, 0);
+  EXPECT_EQ(result.exitCode, 3);
+  EXPECT_THAT(result.errors, HasSubstr(path_ + ".backup: "));
   EXPECT_EQ(ReadBytes(path_), before);
+  EXPECT_FALSE(fs::exists(path_ + ".backup"));
 }
 
 TEST_F(Repair, KilledAtAnyMomentItLeavesTheOldOrTheNewDocument) {
