@@ -322,6 +322,17 @@ TEST_F(CheckRecords, BytesBetweenRecordsThatAreNoneAreAnError) {
   EXPECT_THAT(Errors(), HasSubstr("at 1024: these bytes are no record, and known ones follow\n"));
 }
 
+TEST_F(CheckRecords, BytesWithinAListThatAreNoRecordsAreOneErrorAndNoLengthIsToBeMended) {
+  MakeDocument(
+      ByteString().Text("GLBL").Long(38).Short(3).Zeros(24).Text("VERS").Long(4).Long(512));
+  const auto errors = Found(tool::Severity::kError);
+  EXPECT_THAT(Told(errors), HasSubstr("GLBL at 1034: from here on there are bytes that are no"));
+  for (const tool::Finding& error : errors) {
+    EXPECT_THAT(error.remedy, HasSubstr("'vex recover'")) << error.problem;
+  }
+  EXPECT_EQ(Warnings(), "");
+}
+
 TEST_F(CheckRecords, BytesBehindTheLastAreAnErrorWhenARecordMayHideInThem) {
   Bytes records;
   AppendRecord(records, "COMM", ToBytes("text"));

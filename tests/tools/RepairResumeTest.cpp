@@ -41,5 +41,38 @@ TEST_F(RepairResume, ARunGoesOnThatWasTornAndWhosePositionWasLost) {
   ExpectWhole();
 }
 
+// A block gets its tag when the rest of its first frame is on the disk: cut off before that, it
+// begins with zeros.
+TEST_F(RepairResume, ARunWhoseFirstCommitWasCutOffBeforeTheTagGoesOnWithAndWithoutARepair) {
+  {
+    VexProcess recorder(Record({"--pace", "0.01"}));
+    ASSERT_TRUE(WaitForFrames(1));
+    recorder.Signal(SIGKILL);
+    recorder.Wait();
+  }
+  Bytes begun = ReadBytes(Run());
+  const std::uint32_t block = LongAt(begun, 68);
+  const std::size_t head = 26 + 2 * kWells;
+  SetLongAt(begun, 68, 0);
+  std::fill_n(begun.begin() + block, 4, std::uint8_t{0});
+  for (const std::size_t rest :
+       {std::size_t{2}, std::size_t{4}, std::size_t{9}, head, head + 100, head + kFrameBytes}) {
+    for (const bool repaired : {false, true}) {
+      SCOPED_TRACE(rest);
+      WriteBytes(Run(), Slice(begun, 0, block + rest));
+      const tool::Findings findings = tool::CheckDocument(Run());
+      EXPECT_EQ(findings.Count(tool::Severity::kError), 0U);
+      EXPECT_EQ(findings.Count(tool::Severity::kWarning), 1U);
+      if (repaired) {
+        EXPECT_EQ(RunVex({"repair", Run()}).exitCode, 0);
+        EXPECT_EQ(ReadBytes(Run()), Slice(begun, 0, block));
+      }
+      const CommandResult resumed = RunVex(Record({"--resume"}));
+      EXPECT_EQ(resumed.exitCode, 0) << resumed.errors;
+      ExpectWhole();
+    }
+  }
+}
+
 }  // namespace
 }  // namespace vex2::test

@@ -103,6 +103,7 @@ Findings CheckDocument(const std::string& path) {
   CheckHeader(header, "header", 0, findings);
   RecordCheck records(document, header, findings);
   static_cast<void>(WalkRecords(file, records));
+  records.Finish();
   CheckPositions(header, records.Positioned(), document, findings);
   CheckEnd(file, document, header, records, findings);
   checkDoubles(document.Records(), "", findings);

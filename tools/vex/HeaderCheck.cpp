@@ -94,7 +94,7 @@ void checkProgram(const HeaderFields& header, const Aim& aim, Findings& findings
   if (aim.isEnd) {
     findings.Add({Severity::kNote, "header", HeaderFields::kProgramAt,
                   what + ", just past the record, as a save of the whole document leaves it",
-                  "none; who wants the program looks for its tag", ""});
+                  "nothing; who wants the program looks for its tag", ""});
   } else if (aim.first != nullptr) {
     findings.Add(
         {Severity::kError, "header", HeaderFields::kProgramAt,
@@ -123,7 +123,15 @@ void checkRunningPosition(const HeaderFields& header, const Aim& aim, Findings& 
                 "'vex repair' makes it lead to the block; 'vex record --resume' does so, too"});
 }
 
-void checkRawData(const HeaderFields& header, const Aim& aim, bool isStudy, Findings& findings) {
+// Whether bytes behind the last record may be a block that is only not read.
+bool mayHideBlock(const Document& document) {
+  constexpr std::uint64_t kRecordHead = 8;
+  return document.StrayOffset() + kRecordHead <= document.Size();
+}
+
+void checkRawData(const HeaderFields& header, const Aim& aim, const Document& document,
+                  Findings& findings) {
+  const bool isStudy = document.IsStudy();
   const std::uint32_t position = header.rawDataPosition;
   if (aim.isTag || (position == 0 && aim.first == nullptr)) return;
   if (aim.first != nullptr && header.IsRunning() && !isStudy) {
@@ -136,10 +144,12 @@ void checkRawData(const HeaderFields& header, const Aim& aim, bool isStudy, Find
                   : isHarm ? Severity::kError
                            : Severity::kWarning,
                   "header", HeaderFields::kRawDataAt, what + ", but there is no such record",
-                  isStudy  ? "none; a study keeps no block of its own"
+                  isStudy  ? "nothing; a study keeps no block of its own"
                   : isHarm ? "frames that an instrument commits would stand behind no block"
                            : "who reads single frames from the file finds something else",
-                  isStudy ? "" : "'vex repair' makes it 0"});
+                  isStudy                  ? ""
+                  : mayHideBlock(document) ? "'vex recover' looks for the block"
+                                           : "'vex repair' makes it 0"});
     return;
   }
   if (position == 0 || aim.isEnd) {
@@ -184,8 +194,7 @@ void CheckPositions(const HeaderFields& header, const std::vector<PositionedReco
   checkProgram(header, aimOf(header.programPosition, "TPro", records), findings);
   // A block that could not be read to its end is where a position may well lead.
   if (!document.Fault()) {
-    checkRawData(header, aimOf(header.rawDataPosition, "RAWa", records), document.IsStudy(),
-                 findings);
+    checkRawData(header, aimOf(header.rawDataPosition, "RAWa", records), document, findings);
   }
   checkLast(header, document, findings);
 }

@@ -13,7 +13,6 @@ namespace {
 
 constexpr std::uint16_t kTimeBlockSize = 12;
 constexpr std::uint16_t kFirstVersionThatReadsBack = 2;
-constexpr const char* kRepairLength = "'vex repair' sets the length to what the record holds";
 
 bool isPlain(std::string_view tag) {
   return std::all_of(tag.begin(), tag.end(), [](char c) { return c >= ' ' && c <= '~'; });
@@ -119,13 +118,7 @@ void RecordCheck::add(Severity severity, std::string problem, std::string conseq
 
 void RecordCheck::checkUnknown(const FileRecord& record) {
   if (levels_.size() > 1 && !levels_.front().known) return;
-  if (!isPlain(record.Tag())) hasGaps_ = true;
-  if (!isPlain(record.Tag()) && record.depth == 1) {
-    return add(Severity::kError, "these bytes are no record, and known ones follow",
-               "the reader steps over " + Counted(record.length, "byte") +
-                   " and may miss what stood there; the next save drops them",
-               "'vex recover' looks for records among them");
-  }
+  if (!isPlain(record.Tag())) return checkNoRecord(record);
   const std::string size = Counted(record.length, "byte");
   if (record.depth == 1) {
     return add(Severity::kWarning, "a record of no known kind, of " + size,
@@ -137,6 +130,35 @@ void RecordCheck::checkUnknown(const FileRecord& record) {
       "nothing to do, unless another program counts on it: then do not save it here");
 }
 
+// Within a list, each eight bytes of a damaged stretch are taken for a record: the first is told.
+void RecordCheck::checkNoRecord(const FileRecord& record) {
+  hasGaps_ = true;
+  const bool goesOn = garbageEnd_ == record.offset;
+  garbageEnd_ = record.DeclaredEnd();
+  if (record.depth == 1) {
+    return add(Severity::kError, "these bytes are no record, and known ones follow",
+               "the reader steps over " + Counted(record.length, "byte") +
+                   " and may miss what stood there; the next save drops them",
+               "'vex recover' looks for records among them");
+  }
+  if (goesOn) return;
+  findings_.Add({Severity::kError, path(levels_.size() - 1), record.offset,
+                 "from here on there are bytes that are no records",
+                 "the reader takes them for records of the list, and loses those behind them",
+                 "'vex recover' looks for records among and behind them"});
+}
+
+void RecordCheck::Finish() {
+  // Where bytes between records are none, a length may be right and what follows wrong.
+  const char* remedy = hasGaps_ ? "'vex recover' takes what is whole into a new document"
+                                : "'vex repair' sets the length to what the record holds";
+  for (Finding& finding : lengths_) {
+    finding.remedy = remedy;
+    findings_.Add(std::move(finding));
+  }
+  lengths_.clear();
+}
+
 void RecordCheck::checkLength(const Level& level) {
   const FileRecord& record = level.record;
   if (record.length == 0 || level.holdsPlates || isFreeInLength(record.kind->layout)) return;
@@ -145,11 +167,16 @@ void RecordCheck::checkLength(const Level& level) {
   wrongLengths_.push_back({path(levels_.size()), record.offset, record.length, held});
   const std::string lengths = "its length is " + std::to_string(record.length) +
                               ", but what it holds takes " + Counted(held, "byte");
+  const auto tell = [&](Severity severity, const char* how, const char* consequence) {
+    Finding finding = {severity,      path(levels_.size()), record.offset,
+                       lengths + how, consequence,          ""};
+    if (lengths_.size() >= Findings::kMost) return findings_.Add(std::move(finding));
+    lengths_.push_back(std::move(finding));
+  };
   if (record.length < held) {
-    return add(Severity::kError, lengths + ", so that the records overlap",
-               "this library reads it by what it holds, but who goes by lengths takes the rest for "
-               "the next record, as one does who replaces a reporting block",
-               kRepairLength);
+    return tell(Severity::kError, ", so that the records overlap",
+                "this library reads it by what it holds, but who goes by lengths takes the rest "
+                "for the next record, as one does who replaces a reporting block");
   }
   // A text that ends in a zero byte loses it when it is read; the lists around it keep their
   // length.
@@ -157,15 +184,13 @@ void RecordCheck::checkLength(const Level& level) {
       record.length - held <= level.texts &&
       (record.kind->layout == BodyLayout::kList || record.kind->layout == BodyLayout::kCell);
   if (isUsual) {
-    return add(Severity::kWarning, lengths + ", as lists do whose texts lost a zero byte",
-               "this library reads it by what it holds; who goes by lengths loses the records "
-               "behind it",
-               kRepairLength);
+    return tell(Severity::kWarning, ", as lists do whose texts lost a zero byte",
+                "this library reads it by what it holds; who goes by lengths loses the records "
+                "behind it");
   }
-  add(Severity::kError, lengths + ", so that it reaches over what follows",
-      "this library reads it by what it holds, but reads the less at the end of the file; who goes "
-      "by lengths loses the records behind it",
-      kRepairLength);
+  tell(Severity::kError, ", so that it reaches over what follows",
+       "this library reads it by what it holds, but reads the less at the end of the file; who "
+       "goes by lengths loses the records behind it");
 }
 
 void RecordCheck::checkCells(const FileRecord& record, CFile& file) {

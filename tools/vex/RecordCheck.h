@@ -35,6 +35,8 @@ class RecordCheck final : public RecordVisitor {
   void Begin(const FileRecord& record, CFile& file) override;
   void End(const FileRecord& record) override;
   void Pass(std::uint64_t offset) override;
+  /// After the walk: adds the lengths that are wrong, since only now it is known what to do.
+  void Finish();
 
   /// The programs and raw data that were walked over.
   const std::vector<PositionedRecord>& Positioned() const { return positioned_; }
@@ -59,6 +61,7 @@ class RecordCheck final : public RecordVisitor {
   void add(Severity severity, std::string problem, std::string consequence,
            std::string remedy = "");
   void checkUnknown(const FileRecord& record);
+  void checkNoRecord(const FileRecord& record);
   void checkBlock(const FileRecord& record, CFile& file);
   void checkWells(const DataBlockHead& head);
   void checkCells(const FileRecord& record, CFile& file);
@@ -70,8 +73,10 @@ class RecordCheck final : public RecordVisitor {
   std::vector<Level> levels_;  ///< the record that was begun last, and those that it is in
   std::vector<PositionedRecord> positioned_;
   std::vector<WrongLength> wrongLengths_;
+  std::vector<Finding> lengths_;  ///< of them, but for what to do
   bool hasGaps_ = false;
-  std::uint64_t passedEnd_ = 0;
+  std::uint64_t passedEnd_ = 0;   ///< of the bytes of a plate that were passed over last
+  std::uint64_t garbageEnd_ = 0;  ///< of the last record that is none
 };
 
 }  // namespace vex2::tool
