@@ -4,6 +4,7 @@
 
 #include "tools/vex/Command.h"
 #include "tools/vex/DocumentCheck.h"
+#include "tools/vex/Paragraph.h"
 #include "tools/vex/Terminal.h"
 #include "tools/vex/Text.h"
 
@@ -73,26 +74,10 @@ class Report {
     if (!finding.remedy.empty()) paragraph("do: ", finding.remedy);
   }
 
-  // Wrapped at the terminal's width, each line indented.
-  void paragraph(std::string_view label, const std::string& text) const {
-    constexpr std::size_t kMargin = 4;
-    const std::size_t width = std::min<std::size_t>(terminal_.Width(), kWidest);
-    std::string line = std::string(kMargin, ' ').append(label);
-    const std::size_t hanging = line.size();
-    for (std::size_t begin = 0; begin < text.size();) {
-      const std::size_t end = std::min(text.find(' ', begin), text.size());
-      const std::string word = text.substr(begin, end - begin);
-      if (Columns(line) > hanging && Columns(line) + 1 + Columns(word) > width) {
-        std::cout << line << '\n';
-        line = std::string(hanging, ' ');
-      }
-      line += (Columns(line) > hanging ? " " : "") + word;
-      begin = end + 1;
-    }
-    std::cout << line << '\n';
+  static void paragraph(std::string_view label, const std::string& text) {
+    const std::string begin = std::string(4, ' ').append(label);
+    std::cout << begin << Wrapped(text, begin.size()) << '\n';
   }
-
-  static constexpr std::size_t kWidest = 100;
 
   const std::string& file_;
   const Findings& findings_;

@@ -72,6 +72,7 @@ std::unique_ptr<Command> MakeFrameCommand();
 std::unique_ptr<Command> MakeSpectrumCommand();
 std::unique_ptr<Command> MakeExportCommand();
 std::unique_ptr<Command> MakeCopyCommand();
+std::unique_ptr<Command> MakeRecoverCommand();
 std::unique_ptr<Command> MakeStatusCommand();
 std::unique_ptr<Command> MakeSetCommand();
 std::unique_ptr<Command> MakeStudyCommand();

@@ -29,6 +29,7 @@ std::vector<std::unique_ptr<Command>> MakeCommands() {
   commands.push_back(MakeStudyCommand());
   commands.push_back(MakeCheckCommand());
   commands.push_back(MakeRepairCommand());
+  commands.push_back(MakeRecoverCommand());
   return commands;
 }
 

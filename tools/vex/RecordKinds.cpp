@@ -94,6 +94,26 @@ constexpr RecordKind kNoKind = {"", kUnknown, "unknown"};
 
 }  // namespace
 
+std::uint64_t FixedSize(BodyLayout layout) {
+  switch (layout) {
+    case kByte:
+      return 1;
+    case kShort:
+      return 2;
+    case kColour:
+      return 3;
+    case kLong:
+    case kFloat:
+      return 4;
+    default:
+      return 0;
+  }
+}
+
+bool IsOfAnyLength(BodyLayout layout) {
+  return layout == kText || layout == kBytes || layout == kPureDyes || layout == kBackground;
+}
+
 const RecordKind& KindOf(std::string_view tag) {
   const auto* found = std::find_if(kKinds.begin(), kKinds.end(),
                                    [&](const RecordKind& kind) { return kind.tag == tag; });

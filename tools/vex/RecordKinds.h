@@ -23,6 +23,12 @@ enum class BodyLayout : std::uint8_t {
   kData,        ///< a data block
 };
 
+/// The bytes of a body that is one value; 0 for the other layouts.
+std::uint64_t FixedSize(BodyLayout layout);
+
+/// Whether the body holds no records and may be of any length: it should be the one declared.
+bool IsOfAnyLength(BodyLayout layout);
+
 /// What the tools know of a kind of record besides what the library does.
 struct RecordKind {
   std::string_view tag;

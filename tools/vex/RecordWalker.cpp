@@ -92,15 +92,6 @@ class Walker {
 
   bool body(const FileRecord& record) {
     switch (record.kind->layout) {
-      case BodyLayout::kByte:
-        return step(record, 1);
-      case BodyLayout::kShort:
-        return step(record, 2);
-      case BodyLayout::kColour:
-        return step(record, 3);
-      case BodyLayout::kLong:
-      case BodyLayout::kFloat:
-        return step(record, 4);
       case BodyLayout::kList:
         return list(record, 0);
       case BodyLayout::kCell:
@@ -113,12 +104,11 @@ class Walker {
         return spectra(record, kPureDyeEntry);
       case BodyLayout::kBackground:
         return spectra(record, kBackgroundEntry);
-      case BodyLayout::kText:
-      case BodyLayout::kBytes:
-      case BodyLayout::kUnknown:
+      default:
         break;
     }
-    return step(record, record.length);
+    const std::uint64_t size = FixedSize(record.kind->layout);
+    return step(record, size > 0 ? size : record.length);
   }
 
   bool step(const FileRecord& record, std::uint64_t size) {

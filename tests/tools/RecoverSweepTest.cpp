@@ -1,0 +1,311 @@
+#include <algorithm>
+#include <map>
+#include <random>
+#include <unordered_map>
+
+#include "tests/support/Files.h"
+#include "tests/support/SampleData.h"
+#include "tests/support/Sweep.h"
+#include "tests/support/TempFolder.h"
+#include "tests/tools/DocumentIndex.h"
+#include "tests/tools/VexProcess.h"
+#include "tools/vex/RecordPlaces.h"
+#include "tools/vex/Salvage.h"
+#include "vex2/manager/Vex2FileManager.h"
+
+namespace vex2::test {
+
+namespace {
+
+using Part = DocumentIndex::Part;
+
+// One damage: bytes from `begin` on, before `end`, are not what they were.
+struct Damage {
+  const char* kind;
+  std::uint64_t begin;
+  std::uint64_t end;
+};
+
+std::ostream& operator<<(std::ostream& out, const Damage& damage) {
+  return out << damage.kind << " from byte " << damage.begin << " to " << damage.end;
+}
+
+// Damages a document in one of four ways, half of them behind its header.
+class Damager {
+ public:
+  explicit Damager(std::size_t seed) : random_(seed) {}
+
+  Damage Apply(Bytes& bytes) {
+    switch (below(4)) {
+      case 0:
+        return cut(bytes);
+      case 1:
+        return flip(bytes);
+      case 2:
+        return overwrite(bytes);
+      default:
+        return zero(bytes);
+    }
+  }
+
+ private:
+  std::uint64_t below(std::uint64_t limit) { return random_() % std::max<std::uint64_t>(limit, 1); }
+
+  std::uint64_t place(const Bytes& bytes) {
+    constexpr std::uint64_t kHeader = 1024;
+    const bool behindHeader = below(4) != 0 && bytes.size() > kHeader;
+    return behindHeader ? kHeader + below(bytes.size() - kHeader) : below(bytes.size());
+  }
+
+  Damage cut(Bytes& bytes) {
+    const std::uint64_t size = bytes.size();
+    bytes.resize(place(bytes));
+    return {"cut", bytes.size(), size};
+  }
+
+  Damage flip(Bytes& bytes) {
+    const std::uint64_t at = place(bytes);
+    bytes[at] = static_cast<std::uint8_t>(bytes[at] ^ 1U << below(8));
+    return {"flipped", at, at + 1};
+  }
+
+  Damage overwrite(Bytes& bytes) {
+    const std::uint64_t at = place(bytes);
+    const std::uint64_t end = std::min<std::uint64_t>(bytes.size(), at + 1 + below(200));
+    for (std::uint64_t i = at; i < end; ++i) bytes[i] = static_cast<std::uint8_t>(random_());
+    return {"overwritten", at, end};
+  }
+
+  Damage zero(Bytes& bytes) {
+    constexpr std::uint64_t kSector = 512;
+    const std::uint64_t at = place(bytes) / kSector * kSector;
+    const std::uint64_t end = std::min<std::uint64_t>(bytes.size(), at + kSector * (1 + below(3)));
+    std::fill(bytes.begin() + static_cast<std::ptrdiff_t>(at),
+              bytes.begin() + static_cast<std::ptrdiff_t>(end), std::uint8_t{0});
+    return {"zeroed", at, end};
+  }
+
+  std::mt19937_64 random_;
+};
+
+// Parts with how often they are there, by what they say, and by what they stand in.
+class Contents {
+ public:
+  explicit Contents(const std::vector<Part>& parts) {
+    for (const Part& part : parts) {
+      ++anywhere_[anywhere(part)];
+      ++inPlace_[inPlace(part)];
+    }
+  }
+
+  // Takes one such part out; false when there is none.
+  bool Take(const Part& part) {
+    if (IsBound(part) && !takeFrom(inPlace_, inPlace(part))) return false;
+    return takeFrom(anywhere_, anywhere(part));
+  }
+
+ private:
+  using Counts = std::unordered_map<std::size_t, int>;
+
+  // Whether it must stand in the list that it stood in. Where writers do not put it, another place
+  // is as good, and calibration stands in a list or right in the document.
+  static bool IsBound(const Part& part) {
+    return tool::StandsIn(part.around, part.tag) && part.tag != "PDYE" && part.tag != "BKGD";
+  }
+  static std::size_t anywhere(const Part& part) {
+    return part.content * 2 + (part.isFrame ? 1 : 0);
+  }
+  static std::size_t inPlace(const Part& part) {
+    // Between a plate's end and a block's head that are both gone, nobody knows whose the frames
+    // are; but they must be where readers find them.
+    const bool isPlates = part.isFrame && part.around == "RQPl";
+    return anywhere(part) * 31 + std::hash<std::string>()(isPlates ? "" : part.around);
+  }
+  static bool takeFrom(Counts& counts, std::size_t key) {
+    const auto found = counts.find(key);
+    if (found == counts.end() || found->second == 0) return false;
+    --found->second;
+    return true;
+  }
+
+  Counts anywhere_;
+  Counts inPlace_;
+};
+
+// A part is touched when any of its own bytes is, those of what it holds included.
+bool isTouched(const Part& part, const Damage& damage) {
+  return part.begin < damage.end && damage.begin < part.end;
+}
+
+std::string describe(const Part& part) {
+  return (part.isFrame ? "a frame of \"" : "the record \"") + part.tag + "\" in \"" + part.around +
+         "\" from byte " + std::to_string(part.begin) + " to " + std::to_string(part.end);
+}
+
+// Whether nothing is left that tells how many wells the frame is of: it is no usual plate's, no
+// other block is like it, and the damage goes from the head of the record before its block, so that
+// its place is not known, into the block's own.
+bool isUndecidable(const std::vector<Part>& parts, std::size_t frame, const Damage& damage) {
+  const std::uint64_t wells = (parts[frame].end - parts[frame].begin) / 80;
+  if (wells == 96 || wells == 384) return false;
+  std::size_t block = frame;
+  while (parts[block].isFrame) --block;
+  std::uint64_t before = parts[block].begin;
+  for (const Part& part : parts) {
+    const bool isOther = part.end <= parts[block].begin || part.begin >= parts[block].end;
+    if (part.isFrame && isOther && part.end - part.begin == 80 * wells) return false;
+    if (part.end == parts[block].begin) before = std::min(before, part.begin);
+  }
+  constexpr std::uint64_t kHead = 8;
+  return damage.begin < before + kHead && damage.end > parts[block].begin;
+}
+
+// What the damage did not touch and is not in `found`; empty when all of it is.
+std::string missing(const DocumentIndex& whole, const Damage& damage, const DocumentIndex& found) {
+  Contents contents(found.parts);
+  for (std::size_t i = 0; i < whole.parts.size(); ++i) {
+    const Part& part = whole.parts[i];
+    if (!part.isKnown || isTouched(part, damage) || contents.Take(part)) continue;
+    if (!part.isFrame || !isUndecidable(whole.parts, i, damage)) return describe(part);
+  }
+  return {};
+}
+
+// What is wrong with the document at `path` for the library; empty when nothing is.
+std::string readersComplaint(const std::string& path, const DocumentIndex& index,
+                             std::uint64_t size) {
+  if (!index.fault.empty()) return index.fault;
+  if (index.end != size) return "bytes behind the last record";
+  Vex2FileManager document;
+  if (document.SafeOpen(path.c_str(), 0, 0) != 1) return "cannot be opened";
+  if (const int status = document.ReadComponentFile(nullptr); status != 0) {
+    return "is read with the status " + std::to_string(status);
+  }
+  const auto top = std::count_if(index.parts.begin(), index.parts.end(), [](const Part& part) {
+    return part.around.empty() && !part.isFrame && part.isKnown;
+  });
+  if (document.GetAllComponentCount() != top) {
+    return "the library reads " + std::to_string(document.GetAllComponentCount()) + " of " +
+           std::to_string(top) + " records";
+  }
+  return {};
+}
+
+class RecoverSweep : public TempFolderTest {
+ protected:
+  static DocumentIndex indexOf(const std::string& path) {
+    CFile file;
+    EXPECT_TRUE(file.Open(path.c_str(), CFile::modeRead));
+    return IndexDocument(file);
+  }
+
+  tool::SalvageReport recover() const {
+    CFile in;
+    CFile out;
+    EXPECT_TRUE(in.Open(damaged_.c_str(), CFile::modeRead));
+    EXPECT_TRUE(out.Open(rescued_.c_str(), CFile::modeReadWrite | CFile::modeCreate));
+    return tool::Salvage(in, out);
+  }
+
+  // Why the recovery of `bytes`, damaged so, is not what was promised; empty when it is.
+  std::string verdict(const DocumentIndex& whole, const Bytes& bytes, const Damage& damage) const {
+    WriteBytes(damaged_, bytes);
+    const tool::SalvageReport report = recover();
+    if (!report.IsAnything()) return missing(whole, damage, {});
+    const DocumentIndex found = indexOf(rescued_);
+    const std::string lost = missing(whole, damage, found);
+    if (!lost.empty()) return "lost: " + lost;
+    return readersComplaint(rescued_, found, report.written);
+  }
+
+  // Damages the document so often, and answers how often the promise was broken.
+  std::uint64_t Sweep(const std::filesystem::path& path, int damages) const {
+    const Bytes bytes = ReadBytes(path);
+    const DocumentIndex whole = indexOf(path);
+    std::uint64_t bad = 0;
+    for (int seed = 0; seed < damages; ++seed) {
+      Bytes copy = bytes;
+      const Damage damage = Damager(static_cast<std::size_t>(seed)).Apply(copy);
+      const std::string wrong = verdict(whole, copy, damage);
+      if (wrong.empty()) continue;
+      ++bad;
+      ADD_FAILURE() << path.filename() << ", seed " << seed << ", " << damage << ": " << wrong;
+    }
+    return bad;
+  }
+
+  void SweepAll(const std::vector<std::filesystem::path>& documents,
+                const std::string& what) const {
+    const int damages = InFullSweeps(1000, 20);
+    SweepResult result{
+        "a document is damaged",
+        "`vex recover` of " + what + ": cut, a bit flipped, overwritten, sectors zeroed"};
+    for (const auto& path : documents) {
+      const std::uint64_t bad = Sweep(path, damages);
+      result.points += static_cast<std::uint64_t>(damages);
+      result.states += static_cast<std::uint64_t>(damages);
+      result.bad += bad;
+    }
+    ReportSweep(result);
+  }
+
+  const std::string damaged_ = folder_ / "damaged.vex";
+  const std::string rescued_ = folder_ / "rescued.vex";
+};
+
+std::vector<std::filesystem::path> documentsIn(const std::filesystem::path& folder) {
+  std::vector<std::filesystem::path> found;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    const std::string name = entry.path().filename();
+    const bool isDocument = entry.path().extension() == ".vex";
+    if (isDocument && name.find(".roundtrip.") == std::string::npos) found.push_back(entry.path());
+  }
+  std::sort(found.begin(), found.end());
+  return found;
+}
+
+}  // namespace
+
+TEST_F(RecoverSweep, WhatDamageDidNotTouchOfATestDocumentIsRecovered) {
+  SweepAll(documentsIn(SourcePath("tests/data")), "the documents in tests/data");
+}
+
+TEST_F(RecoverSweep, WhatDamageDidNotTouchOfASampleDocumentIsRecovered) {
+  if (SampleFolder().empty()) GTEST_SKIP() << "no sample documents";
+  SweepAll(documentsIn(SampleFolder() / "golden"), "the sample documents");
+}
+
+TEST_F(RecoverSweep, WhatDamageDidNotTouchOfARealRunIsRecovered) {
+  if (SampleFolder().empty()) GTEST_SKIP() << "no readings";
+  const std::string run = folder_ / "run.vex";
+  const CommandResult made =
+      RunVex({"record", run, "--readings", SampleFolder() / "real/calibration-96-readings.csv",
+              "--wells", SampleFolder() / "real/calibration-96-wells.csv"});
+  ASSERT_EQ(made.exitCode, 0) << made.errors;
+  SweepAll({run}, "a real run");
+}
+
+// The oracle itself: it tells of what is gone, of what says something else and of what stands in
+// another list.
+TEST_F(RecoverSweep, TheSweepNoticesWhatIsNotThere) {
+  const auto path = SourcePath("tests/data/setup.vex");
+  const DocumentIndex whole = indexOf(path);
+  const Damage none{"nothing", 0, 0};
+  EXPECT_EQ(missing(whole, none, whole), "");
+  for (std::size_t i = 0; i < whole.parts.size(); ++i) {
+    DocumentIndex less = whole;
+    less.parts.erase(less.parts.begin() + static_cast<std::ptrdiff_t>(i));
+    EXPECT_NE(missing(whole, none, less), "") << i;
+    DocumentIndex other = whole;
+    ++other.parts[i].content;
+    EXPECT_NE(missing(whole, none, other), "") << i;
+    const Damage touching{"touching", whole.parts[i].begin, whole.parts[i].begin + 1};
+    less.parts.clear();
+    for (const Part& part : whole.parts) {
+      if (!isTouched(part, touching)) less.parts.push_back(part);
+    }
+    EXPECT_EQ(missing(whole, touching, less), "") << i;
+  }
+}
+
+}  // namespace vex2::test

@@ -1,0 +1,215 @@
+// What `vex recover` tells, and that neither its input nor what stands in its output's place is
+// ever lost by it.
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+
+#include "tests/tools/CheckFixture.h"
+
+namespace vex2::test {
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+using testing::HasSubstr;
+
+class Recover : public DamageTest {
+ protected:
+  CommandResult Rescue(const VexProcess::Arguments& more = {},
+                       const VexProcess::Surroundings& surroundings = {}) const {
+    VexProcess::Arguments arguments = {"recover", path_, "-o", rescued_};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return RunVex(arguments, surroundings);
+  }
+  /// Expects that it refuses, and that the folder holds what it held.
+  void ExpectNothingDone(const VexProcess::Arguments& arguments, int exitCode,
+                         const std::string& text,
+                         const VexProcess::Surroundings& surroundings = {}) const {
+    const auto before = Folder();
+    const CommandResult result = RunVex(arguments, surroundings);
+    EXPECT_EQ(result.exitCode, exitCode);
+    EXPECT_EQ(result.output, "");
+    EXPECT_THAT(result.errors, HasSubstr(text));
+    EXPECT_EQ(std::count(result.errors.begin(), result.errors.end(), '\n'), 1) << result.errors;
+    EXPECT_EQ(Folder(), before);
+  }
+  std::map<std::string, Bytes> Folder() const {
+    std::map<std::string, Bytes> content;
+    for (const auto& entry : fs::directory_iterator(std::string(folder_ / "."))) {
+      if (entry.is_regular_file()) content[entry.path().filename()] = ReadBytes(entry.path());
+    }
+    return content;
+  }
+
+  const std::string rescued_ = folder_ / "rescued.vex";
+};
+
+TEST_F(Recover, AWholeDocumentComesOutAsItWas) {
+  MakeRun("PROG");
+  const CommandResult result = Rescue();
+  EXPECT_EQ(result.exitCode, 0) << result.errors;
+  EXPECT_EQ(result.output, "whole    10 records and 3 frames\nfrom     " + path_ +
+                               ", 1872 bytes\nto       " + rescued_ + ", 1872 bytes\n");
+  EXPECT_EQ(FirstDifference(ReadBytes(rescued_), ReadBytes(path_)), "");
+}
+
+TEST_F(Recover, OfATornRunAllWholeFramesAreKeptAndTheLossIsTold) {
+  MakeRun("DONE");
+  Change([](Bytes& bytes) { bytes.resize(kEnd - 1); });
+  const Bytes torn = ReadBytes(path_);
+  const CommandResult result = Rescue();
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.errors, "");
+  EXPECT_THAT(result.output, HasSubstr("rescued  10 records and 2 frames\n"
+                                       "lost     239 bytes in 1 place, 1 frame\n"));
+  EXPECT_EQ(ReadBytes(path_), torn);
+  EXPECT_THAT(Output({"check", "--strict", rescued_}), HasSubstr(": sound"));
+}
+
+TEST_F(Recover, ForProgramsTheReportIsAnObject) {
+  MakeRun("DONE");
+  Change([](Bytes& bytes) { bytes.resize(kEnd - 1); });
+  const CommandResult result = Rescue({"--json"});
+  EXPECT_EQ(result.exitCode, 1);
+  const json report = json::parse(result.output);
+  EXPECT_EQ(report["file"], path_);
+  EXPECT_EQ(report["output"], rescued_);
+  EXPECT_EQ(report["whole"], false);
+  EXPECT_EQ(report["frames"], 2);
+  EXPECT_EQ(report["lostFrames"], 1);
+  EXPECT_EQ(report["lostBytes"], kFrame - 1);
+  ASSERT_EQ(report["lost"].size(), 1U);
+  EXPECT_EQ(report["lost"][0]["offset"], kEnd - kFrame);
+}
+
+TEST_F(Recover, NeverWritesToItsInputWhateverItIsCalled) {
+  MakeRun("DONE");
+  AppendFrameBytes(100);
+  const std::string hardLink = folder_ / "hard.vex";
+  const std::string softLink = folder_ / "soft.vex";
+  fs::create_hard_link(path_, hardLink);
+  fs::create_symlink("run.vex", softLink);
+  for (const std::string& name : {path_, std::string(folder_ / "./run.vex"), hardLink, softLink}) {
+    for (const char* force : {"--json", "--force"}) {
+      ExpectNothingDone({"recover", path_, force, "-o", name}, 2, "never written to");
+    }
+  }
+}
+
+TEST_F(Recover, WhatStandsInTheOutputsPlaceIsKeptUnlessForced) {
+  MakeRun("DONE");
+  WriteBytes(rescued_, ToBytes("kept"));
+  ExpectNothingDone({"recover", path_, "-o", rescued_}, 2, "is there already; --force replaces it");
+  EXPECT_EQ(Rescue({"--force"}).exitCode, 0);
+  EXPECT_EQ(ReadBytes(rescued_), ReadBytes(path_));
+}
+
+TEST_F(Recover, ARunThatIsGoingOnIsNotReplaced) {
+  MakeRun("PROG");
+  fs::rename(path_, rescued_);
+  MakeRun("DONE");
+  ExpectNothingDone({"recover", path_, "--force", "-o", rescued_}, 1, rescued_);
+}
+
+TEST_F(Recover, WhereThereIsNothingNothingIsMade) {
+  WriteBytes(rescued_, ToBytes("kept"));
+  for (const Bytes& bytes :
+       {Bytes(), ToBytes("well,stage,cycle\nA1,amp,1\n"), Bytes(5000, 0), Bytes(5000, 0xFF)}) {
+    WriteBytes(path_, bytes);
+    ExpectNothingDone({"recover", path_, "--force", "-o", rescued_}, 2, "nothing to recover");
+  }
+}
+
+TEST_F(Recover, PathsThatLeadNowhereAreToldByName) {
+  MakeRun("DONE");
+  const std::string missing = folder_ / "missing.vex";
+  ExpectNothingDone({"recover", missing, "-o", rescued_}, 2,
+                    "vex: " + missing + ": No such file or directory");
+  const std::string folder = folder_ / "folder";
+  fs::create_directory(folder);
+  ExpectNothingDone({"recover", folder, "-o", rescued_}, 2, folder + ": ");
+  ExpectNothingDone({"recover", path_, "--force", "-o", folder}, 2, folder + ": ");
+  ExpectNothingDone({"recover", path_, "-o", missing + "/out.vex"}, 2, missing + "/out.vex: ");
+}
+
+TEST_F(Recover, WithoutRoomTheOldOutputStays) {
+  MakeRun("DONE");
+  ExpectNothingDone({"recover", path_, "-o", rescued_}, 3, rescued_ + ": ",
+                    {.input = "", .fileSize = 1000});
+  WriteBytes(rescued_, ToBytes("kept"));
+  ExpectNothingDone({"recover", path_, "--force", "-o", rescued_}, 3, rescued_ + ": ",
+                    {.input = "", .fileSize = 1000});
+}
+
+/// One damage at a time to documents of a few records; what comes out is known to the byte.
+class RecoverRecords : public Recover {
+ protected:
+  void ExpectRescued(const Bytes& expected) const {
+    EXPECT_EQ(Rescue({"--force"}).exitCode, 0);
+    EXPECT_EQ(FirstDifference(ReadBytes(rescued_), expected), "");
+  }
+};
+
+TEST_F(RecoverRecords, AListWhoseTagIsDamagedIsGivenItAgain) {
+  const Bytes whole = ReadBytes(SourcePath("tests/data/setup.vex"));
+  for (const std::size_t list : {1024U, 1034U, 1067U}) {
+    for (std::size_t i = 0; i < 4; ++i) {
+      WriteBytes(path_, whole);
+      Change([=](Bytes& bytes) { bytes[list + i] ^= 1U; });
+      ExpectRescued(whole);
+    }
+  }
+}
+
+TEST_F(RecoverRecords, ALengthThatReachesOverOthersDoesNotTakeThemAlong) {
+  const Bytes settings = ByteString().Text("GLBL").Long(14).Short(1).Text("VERS").Long(4).Long(512);
+  for (const char* tag : {"COMM", "Wxyz"}) {
+    MakeDocument(settings);
+    Append(ByteString().Text(tag).Long(5 + 24).Text("first"));
+    Append(settings);
+    Append(settings);
+    Rescue({"--force"});
+    const std::string tree = Output({"tree", rescued_});
+    std::size_t lists = 0;
+    for (auto at = tree.find("GLBL"); at != std::string::npos; at = tree.find("GLBL", at + 1)) {
+      ++lists;
+    }
+    EXPECT_EQ(lists, 3U) << tree;
+  }
+}
+
+TEST_F(RecoverRecords, AnEndOfAPlateWhoseTagIsDamagedIsGivenItAgain) {
+  const Bytes whole = ReadBytes(SourcePath("tests/data/study.vex"));
+  constexpr std::size_t kEndOfPlate = 2104;
+  for (std::size_t i = 0; i < 4; ++i) {
+    WriteBytes(path_, whole);
+    Change([=](Bytes& bytes) { bytes[kEndOfPlate + i] ^= 0x20U; });
+    Rescue({"--force"});
+    EXPECT_EQ(FirstDifference(ReadBytes(rescued_), whole), "") << i;
+  }
+}
+
+TEST_F(RecoverRecords, FramesWithoutTheirHeadAreFoundByTheirTimes) {
+  const auto readings = SourcePath("tests/data/run-readings.csv");
+  const auto wells = SourcePath("tests/data/run-wells.csv");
+  ASSERT_EQ(RunVex({"record", path_, "--readings", readings, "--wells", wells}).exitCode, 0);
+  const Bytes whole = ReadBytes(path_);
+  const std::string_view tag = "RAWa";
+  const auto block = std::search(whole.begin(), whole.end(), tag.begin(), tag.end());
+  const auto head = block - whole.begin();
+  constexpr std::ptrdiff_t kHead = 26 + 2 * 8;
+  // Nothing of the head is left, nor of what is before it and would tell where it began.
+  Change([=](Bytes& bytes) {
+    std::fill(bytes.begin() + head - 30, bytes.begin() + head + kHead, std::uint8_t{0});
+  });
+  EXPECT_EQ(Rescue().exitCode, 1);
+  const Bytes rescued = ReadBytes(rescued_);
+  const std::size_t frames = whole.size() - static_cast<std::size_t>(head + kHead);
+  EXPECT_EQ(FirstDifference(Slice(rescued, rescued.size() - frames - kHead + 24, frames + 18),
+                            Slice(whole, whole.size() - frames - kHead + 24, frames + 18)),
+            "");
+}
+
+}  // namespace
+}  // namespace vex2::test
