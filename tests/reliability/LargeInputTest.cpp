@@ -206,14 +206,13 @@ TEST_F(LongRun, TakesTheSameTimeForEachFrame) {
 
 TEST(LargeInputMeasure, NoticesWhatGrowsWithTheSquareOfTheSize) {
   const auto square = [](int size) {
-    std::vector<int> values;
+    volatile int last = 0;
     const double time = secondsOf([&] {
-      for (int i = 0; i < size; ++i) values.insert(values.begin(), i);
-      values.clear();
+      for (int i = 0; i < size * size; ++i) last = i;
     });
     return Times{time, time};
   };
-  EXPECT_GT(countBadSteps(2000, 1, square), 0U);
+  EXPECT_GT(countBadSteps(1000, 1, square), 0U);
 }
 
 INSTANTIATE_TEST_SUITE_P(
