@@ -10,7 +10,6 @@ namespace vex2::tool {
 
 namespace {
 
-constexpr std::uint16_t kMostRows = 238;
 constexpr unsigned kMaskBits = 32;
 constexpr const char* kRepairPosition = "'vex repair' makes it lead to the record";
 
@@ -21,7 +20,7 @@ std::string dimensions(const HeaderFields& header) {
 void checkSize(const HeaderFields& header, const std::string& name, std::uint64_t offset,
                Findings& findings) {
   const std::uint64_t rowsAt = offset + HeaderFields::kRowsAt;
-  if (header.rows > kMostRows) {
+  if (header.rows > HeaderFields::kMostRows) {
     findings.Add(
         {Severity::kError, name, rowsAt,
          "a plate of " + std::to_string(header.rows) + " rows, more than a header has room for",

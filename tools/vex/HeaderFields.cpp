@@ -9,10 +9,6 @@ namespace vex2::tool {
 
 namespace {
 
-constexpr std::uint64_t kAssayAt = 8;
-// Rows whose masks lie within a header of 1024 bytes.
-constexpr std::uint16_t kMostRows = 238;
-
 class HeaderReader {
  public:
   HeaderReader(CFile& file, std::uint64_t offset) : file_(file), offset_(offset) {}
@@ -51,14 +47,14 @@ std::optional<std::uint32_t> WellsOfType(const std::string& plateType) {
 HeaderFields ReadHeaderFields(CFile& file, std::uint64_t offset) {
   HeaderReader reader(file, offset);
   HeaderFields header;
-  header.assay = reader.Code(kAssayAt);
+  header.assay = reader.Code(HeaderFields::kAssayAt);
   header.plateType = reader.Code(HeaderFields::kTypeAt);
   header.rows = reader.Short(HeaderFields::kRowsAt);
   header.columns = reader.Short(HeaderFields::kColumnsAt);
   header.programPosition = reader.Long(HeaderFields::kProgramAt);
   header.status = reader.Code(HeaderFields::kStatusAt);
   header.rawDataPosition = reader.Long(HeaderFields::kRawDataAt);
-  for (std::uint64_t row = 0; row < std::min(header.rows, kMostRows); ++row) {
+  for (std::uint64_t row = 0; row < std::min(header.rows, HeaderFields::kMostRows); ++row) {
     header.usage.push_back(reader.Long(HeaderFields::kUsageAt + 4 * row));
   }
   return header;

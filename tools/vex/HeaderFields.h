@@ -11,6 +11,7 @@ namespace vex2::tool {
 
 /// The fields of a header that can be wrong, as they stand in a file.
 struct HeaderFields {
+  static constexpr std::uint64_t kAssayAt = 8;
   static constexpr std::uint64_t kTypeAt = 16;
   static constexpr std::uint64_t kRowsAt = 20;
   static constexpr std::uint64_t kColumnsAt = 22;
@@ -18,6 +19,8 @@ struct HeaderFields {
   static constexpr std::uint64_t kStatusAt = 64;
   static constexpr std::uint64_t kRawDataAt = 68;
   static constexpr std::uint64_t kUsageAt = 72;
+  /// Rows whose masks lie within a header of 1024 bytes.
+  static constexpr std::uint16_t kMostRows = 238;
 
   std::string assay;
   std::string plateType;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "tools/vex/DataBlock.h"
+#include "tools/vex/HeaderFields.h"
 #include "tools/vex/Text.h"
 
 namespace vex2::tool {
@@ -11,23 +12,10 @@ namespace {
 
 constexpr std::uint64_t kHeaderSize = 1024;
 constexpr std::uint64_t kHeaderFieldsSize = 72;
-constexpr std::uint64_t kRowsAt = 20;
 constexpr std::uint64_t kTagSize = 4;
 constexpr std::uint64_t kHeadSize = 8;
 // As deep as the document's reader goes: a file of lists within lists would use up the stack.
 constexpr int kDeepest = 64;
-
-// Of pure dyes and backgrounds.
-constexpr std::uint64_t kEntryCountAt = 8;
-constexpr std::uint64_t kSpectraHead = 72;
-constexpr std::uint64_t kValueSize = 4;
-// Bytes of an entry before the length of its name, and between the name and the number of values.
-struct EntryLayout {
-  std::uint64_t beforeName;
-  std::uint64_t behindName;
-};
-constexpr EntryLayout kPureDyeEntry = {8, 6};
-constexpr EntryLayout kBackgroundEntry = {8, 0};
 
 template <std::size_t size>
 std::optional<std::array<unsigned char, size>> readBytes(CFile& file) {
@@ -41,7 +29,7 @@ class Walker {
   Walker(CFile& file, RecordVisitor& visitor) : file_(file), visitor_(visitor) {}
 
   WalkEnd Walk() {
-    seek(kRowsAt);
+    seek(HeaderFields::kRowsAt);
     const auto rows = ReadShort(file_);
     if (!rows) return {file_.GetLength(), std::nullopt};
     seek(RecordsOffset(*rows));
@@ -101,9 +89,8 @@ class Walker {
       case BodyLayout::kData:
         return data(record);
       case BodyLayout::kPureDyes:
-        return spectra(record, kPureDyeEntry);
       case BodyLayout::kBackground:
-        return spectra(record, kBackgroundEntry);
+        return spectra(record);
       default:
         break;
     }
@@ -139,7 +126,7 @@ class Walker {
   bool plate(const FileRecord& record) {
     if (!step(record, 2)) return false;
     const std::uint64_t header = file_.GetPosition();
-    seek(header + kRowsAt);
+    seek(header + HeaderFields::kRowsAt);
     const auto rows = ReadShort(file_);
     seek(header);
     if (!step(record, RecordsOffset(rows.value_or(0)))) return false;
@@ -171,25 +158,10 @@ class Walker {
   }
 
   // The entries tell how long they are, and the body ends with the last.
-  bool spectra(const FileRecord& record, const EntryLayout& entry) {
-    seek(record.BodyOffset() + kEntryCountAt);
-    const auto count = ReadShort(file_);
+  bool spectra(const FileRecord& record) {
+    const std::uint64_t end = SpectraEnd(file_, record.kind->layout, record.BodyOffset());
     seek(record.BodyOffset());
-    if (!step(record, kSpectraHead)) return false;
-    for (unsigned i = 0; i < count.value_or(0); ++i) {
-      if (!step(record, entry.beforeName)) return false;
-      const std::uint64_t name = readByte();
-      if (!step(record, name + entry.behindName)) return false;
-      const std::uint64_t values = readByte();
-      if (!step(record, values * kValueSize)) return false;
-    }
-    return true;
-  }
-
-  std::uint8_t readByte() {
-    std::uint8_t byte = 0;
-    file_.Read(&byte, 1);
-    return byte;
+    return step(record, end - record.BodyOffset());
   }
 
   static std::string named(const FileRecord& record) {
@@ -209,6 +181,30 @@ WalkEnd WalkRecords(CFile& file, RecordVisitor& visitor) {
 
 std::uint64_t RecordsOffset(std::uint32_t rows) {
   return std::max(kHeaderSize, kHeaderFieldsSize + 4 * std::uint64_t{rows});
+}
+
+std::uint64_t SpectraEnd(CFile& file, BodyLayout layout, std::uint64_t body) {
+  constexpr std::uint64_t kCountAt = 8;
+  constexpr std::uint64_t kFields = 72;
+  constexpr std::uint64_t kBeforeName = 8;
+  constexpr std::uint64_t kValueSize = 4;
+  const std::uint64_t behindName = layout == BodyLayout::kPureDyes ? 6 : 0;
+  const auto byteAt = [&](std::uint64_t offset) {
+    std::uint8_t byte = 0;
+    file.Seek(static_cast<std::int64_t>(offset), CFile::begin);
+    file.Read(&byte, 1);
+    return std::uint64_t{byte};
+  };
+  file.Seek(static_cast<std::int64_t>(body + kCountAt), CFile::begin);
+  const unsigned count = ReadShort(file).value_or(0);
+  std::uint64_t end = body + kFields;
+  for (unsigned i = 0; i < count; ++i) {
+    if (end >= file.GetLength()) return file.GetLength() + 1;
+    end += kBeforeName;
+    end += 1 + byteAt(end) + behindName;
+    end += 1 + kValueSize * byteAt(end);
+  }
+  return end;
 }
 
 std::optional<std::uint16_t> ReadShort(CFile& file) {

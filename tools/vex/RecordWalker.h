@@ -59,6 +59,10 @@ WalkEnd WalkRecords(CFile& file, RecordVisitor& visitor);
 /// Where the records of a document begin whose plate has so many rows.
 std::uint64_t RecordsOffset(std::uint32_t rows);
 
+/// Where the body at `body` of pure dyes or a background ends, by what its entries say: readers go
+/// by that. Behind the file's end when the file ends before.
+std::uint64_t SpectraEnd(CFile& file, BodyLayout layout, std::uint64_t body);
+
 /// The next 16 or 32 bits, big-endian; nothing where the file ends before.
 std::optional<std::uint16_t> ReadShort(CFile& file);
 std::optional<std::uint32_t> ReadLong(CFile& file);

@@ -4,6 +4,7 @@
 #include <bitset>
 #include <utility>
 
+#include "tools/vex/DataBlock.h"
 #include "vex2/container/TagTable.h"
 
 namespace vex2::tool {
@@ -179,26 +180,23 @@ std::optional<SalvageBlock> backwards(SalvageSource& source, const BlockSearch& 
 }  // namespace
 
 std::optional<SalvageBlock> BlockAt(SalvageSource& source, std::uint64_t offset) {
-  const std::uint64_t body = offset + kHeadSize;
   const auto length = source.Long(offset + 4);
-  const auto version = source.Short(body);
-  if (!length || !version) return std::nullopt;
+  if (!length) return std::nullopt;
+  FileRecord record;
+  record.offset = offset;
+  record.length = *length;
+  const auto head = ReadDataBlockHead(source.File(), record);
+  if (!head) return std::nullopt;
   SalvageBlock block;
   block.offset = offset;
   block.tag = dataTagAt(source, offset);
   block.length = *length;
-  block.version = *version;
-  const std::uint64_t fixed = *version >= kVersion ? kFixedLength : kOldFixedLength;
-  const auto wells = source.Short(body + fixed - 2);
-  if (!wells) return std::nullopt;
-  block.wells = *wells;
-  const std::uint64_t numbers = 2 * std::uint64_t{*wells};
-  block.firstFrame = body + fixed + numbers;
-  if (*version >= kVersion) readTimes(source, body, block);
-  if (*wells > 0 && *length > kFixedLength) {
-    block.frames = (*length - kFixedLength) / block.FrameSize();
-  }
-  block.lengthAgrees = *length == fixed + numbers + block.frames * block.FrameSize();
+  block.version = head->version;
+  block.wells = static_cast<std::uint16_t>(head->wells.size());
+  block.firstFrame = head->firstFrame;
+  block.frames = head->frameCount;
+  if (block.version >= kVersion) readTimes(source, record.BodyOffset(), block);
+  block.lengthAgrees = record.DeclaredEnd() == block.End();
   return block;
 }
 

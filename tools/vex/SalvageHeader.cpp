@@ -4,18 +4,14 @@
 #include <array>
 #include <string_view>
 
+#include "tools/vex/HeaderFields.h"
 #include "tools/vex/SalvageTree.h"
 
 namespace vex2::tool {
 
 namespace {
 
-constexpr std::size_t kPlateTypeAt = 16;
-constexpr std::size_t kRowsAt = 20;
-constexpr std::size_t kColumnsAt = 22;
 constexpr std::size_t kTextAt = 29;
-constexpr std::size_t kMasksAt = 72;
-constexpr unsigned kMostRows = 238;
 constexpr unsigned kMostColumns = 32;
 constexpr std::uint16_t kSmallPlate = 96;
 
@@ -24,11 +20,11 @@ struct Code {
   const char* name;
 };
 
-constexpr auto kCodes = std::to_array<Code>({{8, "kind of assay"},
+constexpr auto kCodes = std::to_array<Code>({{HeaderFields::kAssayAt, "kind of assay"},
                                              {12, "kind of run"},
-                                             {kPlateTypeAt, "plate type"},
+                                             {HeaderFields::kTypeAt, "plate type"},
                                              {60, "instrument"},
-                                             {kStatusFieldAt, "acquisition status"}});
+                                             {HeaderFields::kStatusAt, "acquisition status"}});
 
 unsigned shortAt(std::span<const std::uint8_t> bytes, std::size_t at) {
   return static_cast<unsigned>(bytes[at] << 8U | bytes[at + 1]);
@@ -46,9 +42,9 @@ bool hasMagic(std::span<const std::uint8_t> header) {
 }
 
 bool hasShape(std::span<const std::uint8_t> header) {
-  const unsigned columns = shortAt(header, kColumnsAt);
-  const unsigned rows = shortAt(header, kRowsAt);
-  return rows >= 1 && rows <= kMostRows && columns >= 1 && columns <= kMostColumns;
+  const unsigned columns = shortAt(header, HeaderFields::kColumnsAt);
+  const unsigned rows = shortAt(header, HeaderFields::kRowsAt);
+  return rows >= 1 && rows <= HeaderFields::kMostRows && columns >= 1 && columns <= kMostColumns;
 }
 
 void put(std::vector<std::uint8_t>& header, std::size_t at, std::string_view text) {
@@ -56,13 +52,13 @@ void put(std::vector<std::uint8_t>& header, std::size_t at, std::string_view tex
 }
 
 void putShape(std::vector<std::uint8_t>& header, unsigned rows, unsigned columns) {
-  header[kRowsAt] = header[kColumnsAt] = 0;
-  header[kRowsAt + 1] = static_cast<std::uint8_t>(rows);
-  header[kColumnsAt + 1] = static_cast<std::uint8_t>(columns);
+  header[HeaderFields::kRowsAt] = header[HeaderFields::kColumnsAt] = 0;
+  header[HeaderFields::kRowsAt + 1] = static_cast<std::uint8_t>(rows);
+  header[HeaderFields::kColumnsAt + 1] = static_cast<std::uint8_t>(columns);
   const auto mask = LongBytes(static_cast<std::uint32_t>((std::uint64_t{1} << columns) - 1));
   for (std::size_t row = 0; row < rows; ++row) {
     std::copy(mask.begin(), mask.end(),
-              header.begin() + static_cast<std::ptrdiff_t>(kMasksAt + 4 * row));
+              header.begin() + static_cast<std::ptrdiff_t>(HeaderFields::kUsageAt + 4 * row));
   }
 }
 
@@ -70,7 +66,7 @@ void putShape(std::vector<std::uint8_t>& header, unsigned rows, unsigned columns
 
 bool IsHeaderWhole(std::span<const std::uint8_t> header) {
   if (header.size() < kDocumentHeader || !hasMagic(header)) return false;
-  if (shortAt(header, kRowsAt) > kMostRows) return false;
+  if (shortAt(header, HeaderFields::kRowsAt) > HeaderFields::kMostRows) return false;
   return std::all_of(kCodes.begin(), kCodes.end(),
                      [&](const Code& code) { return isText(header, code.at, 4); });
 }
@@ -78,15 +74,15 @@ bool IsHeaderWhole(std::span<const std::uint8_t> header) {
 std::vector<std::uint8_t> MadeHeader(const PlateFacts& facts, bool isEmbedded) {
   const bool isSmall = facts.wells <= kSmallPlate;
   std::vector<std::uint8_t> header(kDocumentHeader, isEmbedded ? 0xFF : 0);
-  std::fill_n(header.begin(), kMasksAt, 0);
+  std::fill_n(header.begin(), HeaderFields::kUsageAt, 0);
   put(header, 0, "Vex2");
   header[5] = header[7] = 2;
-  put(header, 8, facts.isStudy ? "RQSt" : "AbsQ");
+  put(header, HeaderFields::kAssayAt, facts.isStudy ? "RQSt" : "AbsQ");
   put(header, 12, "RtRn");
-  put(header, kPlateTypeAt, isSmall ? "p9C " : "p3C ");
+  put(header, HeaderFields::kTypeAt, isSmall ? "p9C " : "p3C ");
   put(header, kTextAt, std::string(31, ' '));
   put(header, 60, "Kest");
-  put(header, kStatusFieldAt, facts.hasFrames ? "DONE" : "ZERO");
+  put(header, HeaderFields::kStatusAt, facts.hasFrames ? "DONE" : "ZERO");
   putShape(header, isSmall ? 8 : 16, isSmall ? 12 : 24);
   return header;
 }
@@ -111,10 +107,11 @@ std::vector<std::uint8_t> MendedHeader(std::span<const std::uint8_t> header,
     guesses.emplace_back(code.name);
   }
   if (!hasShape(header)) {
-    putShape(mended, shortAt(made, kRowsAt), shortAt(made, kColumnsAt));
+    putShape(mended, shortAt(made, HeaderFields::kRowsAt), shortAt(made, HeaderFields::kColumnsAt));
     guesses.emplace_back("rows, columns and used wells");
   } else if (UsedWells(header).empty()) {
-    putShape(mended, shortAt(header, kRowsAt), shortAt(header, kColumnsAt));
+    putShape(mended, shortAt(header, HeaderFields::kRowsAt),
+             shortAt(header, HeaderFields::kColumnsAt));
     guesses.emplace_back("used wells");
   }
   return mended;
@@ -131,9 +128,9 @@ std::string GuessText(const std::vector<std::string>& guesses) {
 std::vector<std::uint16_t> UsedWells(std::span<const std::uint8_t> header) {
   std::vector<std::uint16_t> used;
   if (header.size() < kDocumentHeader || !hasShape(header)) return used;
-  const unsigned columns = shortAt(header, kColumnsAt);
-  for (unsigned row = 0; row < shortAt(header, kRowsAt); ++row) {
-    const std::size_t at = kMasksAt + 4 * std::size_t{row};
+  const unsigned columns = shortAt(header, HeaderFields::kColumnsAt);
+  for (unsigned row = 0; row < shortAt(header, HeaderFields::kRowsAt); ++row) {
+    const std::size_t at = HeaderFields::kUsageAt + 4 * std::size_t{row};
     const std::uint32_t mask = shortAt(header, at) << 16U | shortAt(header, at + 2);
     for (unsigned column = 0; column < columns; ++column) {
       if ((mask >> column & 1U) != 0) {
@@ -146,7 +143,8 @@ std::vector<std::uint16_t> UsedWells(std::span<const std::uint8_t> header) {
 
 std::uint16_t WellsByShape(std::span<const std::uint8_t> header) {
   if (header.size() < kDocumentHeader || !hasShape(header)) return 0;
-  return static_cast<std::uint16_t>(shortAt(header, kRowsAt) * shortAt(header, kColumnsAt));
+  return static_cast<std::uint16_t>(shortAt(header, HeaderFields::kRowsAt) *
+                                    shortAt(header, HeaderFields::kColumnsAt));
 }
 
 }  // namespace vex2::tool

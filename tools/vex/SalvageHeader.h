@@ -8,9 +8,6 @@
 namespace vex2::tool {
 
 constexpr std::uint64_t kDocumentHeader = 1024;
-constexpr std::uint64_t kProgramPositionAt = 24;
-constexpr std::uint64_t kStatusFieldAt = 64;
-constexpr std::uint64_t kDataPositionAt = 68;
 
 /// What the records say of the plate whose header is to be made again.
 struct PlateFacts {

@@ -2,9 +2,13 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace vex2::tool {
+
+/// A tag for people.
+std::string InQuotes(std::string_view tag);
 
 /// A place in the damaged file.
 struct SalvageNote {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bitset>
 
+#include "tools/vex/RecordWalker.h"
 #include "tools/vex/SalvageBlock.h"
 #include "vex2/container/TagTable.h"
 
@@ -33,25 +34,6 @@ const std::bitset<65536>& firstTwoOfTags() {
   return set;
 }
 
-// Where the body of pure dyes or a background ends by what it says of its entries; 0 when the file
-// ends before. Readers go by that, whatever length the record declares.
-std::uint64_t calibrationEnd(SalvageSource& source, std::uint64_t body, bool isPureDyes) {
-  constexpr std::uint64_t kFields = 72;
-  constexpr std::uint64_t kBeforeName = 8;
-  const std::uint64_t parameters = isPureDyes ? 6 : 0;
-  const unsigned entries = source.Short(body + 8).value_or(0);
-  std::uint64_t at = body + kFields;
-  for (unsigned i = 0; i < entries; ++i) {
-    const auto name = source.View(at + kBeforeName, 1);
-    if (name.empty()) return 0;
-    at += kBeforeName + 1 + name[0] + parameters;
-    const auto values = source.View(at, 1);
-    if (values.empty()) return 0;
-    at += 1 + 4 * std::uint64_t{values[0]};
-  }
-  return at <= source.Size() ? at : 0;
-}
-
 // Fills in where the next head is. False when what it takes is not there.
 bool measure(SalvageSource& source, SalvageHead& head) {
   const std::uint64_t body = head.offset + kHeadSize;
@@ -72,12 +54,9 @@ bool measure(SalvageSource& source, SalvageHead& head) {
   }
   if (IsOfAnyLength(layout)) {
     head.next = head.DeclaredEnd();
-    const bool isPureDyes = layout == BodyLayout::kPureDyes;
-    if ((isPureDyes || layout == BodyLayout::kBackground) &&
-        calibrationEnd(source, body, isPureDyes) != head.next) {
-      return false;
-    }
-    return head.next <= source.Size();
+    if (head.next > source.Size()) return false;
+    const bool isSpectra = layout == BodyLayout::kPureDyes || layout == BodyLayout::kBackground;
+    return !isSpectra || SpectraEnd(source.File(), layout, body) == head.next;
   }
   const std::uint64_t fields = layout == BodyLayout::kCell ? 7 : 2;
   head.count = source.Short(body).value_or(0);

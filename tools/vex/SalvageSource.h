@@ -19,6 +19,8 @@ class SalvageSource {
   explicit SalvageSource(CFile& file) : file_(file), size_(file.GetLength()) {}
 
   std::uint64_t Size() const { return size_; }
+  /// The file itself; its position is of no importance.
+  CFile& File() { return file_; }
   /// The bytes from `offset` on: at least `count` of them but where the file ends before. Valid
   /// until the next call.
   std::span<const std::uint8_t> View(std::uint64_t offset, std::size_t count);

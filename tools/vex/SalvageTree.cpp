@@ -14,11 +14,11 @@ constexpr std::size_t kCopied = 16 * 1024;
 constexpr std::uint64_t kHeadSize = 8;
 constexpr std::uint64_t kMostRecords = 65535;
 
-std::string inQuotes(std::string_view tag) {
+}  // namespace
+
+std::string InQuotes(std::string_view tag) {
   return "\"" + ToUtf8(tag) + "\"";
 }
-
-}  // namespace
 
 std::vector<std::uint8_t> ShortBytes(std::uint16_t value) {
   return {static_cast<std::uint8_t>(value >> 8U), static_cast<std::uint8_t>(value & 0xFFU)};
@@ -198,7 +198,7 @@ void SalvageTree::openMade(std::uint64_t offset, std::string_view tag) {
   Append(bytes);
   Open(head, tag, bytes.size(), false);
   open_.back().isMade = true;
-  report_.Mend(offset, "the list " + inQuotes(tag) + " was made anew around what was in it");
+  report_.Mend(offset, "the list " + InQuotes(tag) + " was made anew around what was in it");
 }
 
 void SalvageTree::Open(const SalvageHead& head, std::string_view tag, std::uint64_t bytes,
@@ -255,7 +255,7 @@ void SalvageTree::close() {
   const std::uint32_t length = rightLength(list);
   if (length != list.length) Patch(list.written + 4, LongBytes(length));
   if (list.isMade || (count == list.count && length == list.length)) return;
-  report_.Mend(list.offset, "the list " + inQuotes(list.tag) + " now says " +
+  report_.Mend(list.offset, "the list " + InQuotes(list.tag) + " now says " +
                                 Counted(count, "record") + " in " + Counted(length, "byte") +
                                 ", not " + std::to_string(list.count) + " in " +
                                 std::to_string(list.length));

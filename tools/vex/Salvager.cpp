@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "tools/vex/Errors.h"
+#include "tools/vex/HeaderFields.h"
 #include "tools/vex/RecordPlaces.h"
 #include "tools/vex/Text.h"
 #include "vex2/container/TagTable.h"
@@ -16,10 +17,6 @@ constexpr std::uint64_t kListFields = 2;
 constexpr std::uint64_t kCellFields = 7;
 // As deep as readers go: a record within so many lists is not read.
 constexpr std::size_t kDeepest = 63;
-
-std::string inQuotes(std::string_view tag) {
-  return "\"" + ToUtf8(tag) + "\"";
-}
 
 bool isPlateHeader(SalvageSource& source, const SalvageHead& plate) {
   constexpr std::uint32_t kMagic = 0x56657832;
@@ -129,7 +126,7 @@ std::optional<SalvageHead> Salvager::listWithoutTag(std::uint64_t offset, std::s
       if (!IsBoundary(source_, head.DeclaredEnd())) continue;
     }
     tag = home;
-    report_.Mend(offset, "a list whose tag was damaged was taken for " + inQuotes(home));
+    report_.Mend(offset, "a list whose tag was damaged was taken for " + InQuotes(home));
     return head;
   }
   return std::nullopt;
@@ -174,9 +171,8 @@ std::uint64_t Salvager::keepPlateEnd(std::uint64_t offset) {
 // By its header, where that can be believed.
 bool Salvager::isNoStudy() const {
   constexpr std::string_view kStudy = "RQSt";
-  constexpr std::ptrdiff_t kAssayAt = 8;
   return IsHeaderWhole(header_) &&
-         !std::equal(kStudy.begin(), kStudy.end(), header_.begin() + kAssayAt);
+         !std::equal(kStudy.begin(), kStudy.end(), header_.begin() + HeaderFields::kAssayAt);
 }
 
 // Whether an end of a plate comes before the begin of another.
@@ -228,7 +224,7 @@ std::uint64_t Salvager::keepValue(const SalvageHead& head) {
   const std::uint64_t size = head.next - head.offset - kHeadSize;
   if (FixedSize(head.kind->layout) > 0 && head.length != size) {
     tree_.Patch(written + 4, LongBytes(static_cast<std::uint32_t>(size)));
-    report_.Mend(head.offset, "the record " + inQuotes(head.Tag()) + " now says that it holds " +
+    report_.Mend(head.offset, "the record " + InQuotes(head.Tag()) + " now says that it holds " +
                                   Counted(size, "byte") + ", not " + std::to_string(head.length));
   }
   if (tree_.Depth() == 0) {
@@ -255,7 +251,7 @@ std::uint64_t Salvager::keepUnknown(const SalvageHead& head) {
   if (!isHarmless) return passGap(head.offset);
   tree_.Count(head.Tag());
   tree_.Copy(head.offset, head.next);
-  report_.Mend(head.offset, "kept a record of no known kind, " + inQuotes(Printable(head.Tag())) +
+  report_.Mend(head.offset, "kept a record of no known kind, " + InQuotes(Printable(head.Tag())) +
                                 " of " + Counted(head.length, "byte") + ": readers pass over it");
   return head.next;
 }

@@ -12,10 +12,6 @@ namespace {
 constexpr std::uint64_t kHeadSize = 8;
 constexpr std::uint64_t kFrameRecord = 80;
 
-std::string inQuotes(std::string_view tag) {
-  return "\"" + ToUtf8(tag) + "\"";
-}
-
 std::vector<std::uint8_t> madeHead(const SalvageBlock& block) {
   std::vector<std::uint8_t> bytes(block.tag.begin(), block.tag.end());
   const auto add = [&](const std::vector<std::uint8_t>& more) {
@@ -87,7 +83,7 @@ void Salvager::fillCells(std::uint64_t offset, bool isCell) {
 std::uint64_t Salvager::keepFound(SalvageBlock block, std::uint64_t from, std::uint64_t to) {
   if (block.tag.empty()) {
     block.tag = likelyTag(block, from);
-    block.guesses.emplace_back("that it is " + inQuotes(block.tag));
+    block.guesses.emplace_back("that it is " + InQuotes(block.tag));
   }
   if (block.numbers.empty() && !block.lengthAgrees) {
     block.numbers = likelyNumbers(block.wells);
@@ -108,7 +104,7 @@ std::uint64_t Salvager::keepFound(SalvageBlock block, std::uint64_t from, std::u
   ++report_.records;
   report_.frames += block.frames;
   ++report_.madeHeads;
-  report_.Mend(block.offset, "the head of the data block " + inQuotes(block.tag) +
+  report_.Mend(block.offset, "the head of the data block " + InQuotes(block.tag) +
                                  " was damaged; " + Counted(block.frames, "frame") + " of " +
                                  Counted(block.wells, "well") + " found again" +
                                  GuessText(block.guesses));
@@ -142,7 +138,7 @@ std::uint64_t Salvager::keepBlock(SalvageBlock block) {
   if (behind > 0) {
     report_.Mend(block.End(), Counted(behind, "whole frame") +
                                   " behind the declared length of the data block " +
-                                  inQuotes(block.tag) + " counted in");
+                                  InQuotes(block.tag) + " counted in");
   }
   ++report_.records;
   report_.frames += there + behind;

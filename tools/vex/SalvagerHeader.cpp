@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "tools/vex/HeaderFields.h"
 #include "tools/vex/Salvager.h"
 
 namespace vex2::tool {
@@ -33,8 +34,8 @@ void Salvager::finishHeader() {
     const auto bytes = LongBytes(rightPosition(longAt(header, at), tag));
     std::copy(bytes.begin(), bytes.end(), header.begin() + static_cast<std::ptrdiff_t>(at));
   };
-  setPosition(kProgramPositionAt, "TPro");
-  setPosition(kDataPositionAt, "RAWa");
+  setPosition(HeaderFields::kProgramAt, "TPro");
+  setPosition(HeaderFields::kRawDataAt, "RAWa");
   tree_.Patch(0, header);
 }
 
@@ -51,9 +52,9 @@ std::uint32_t Salvager::rightPosition(std::uint32_t stored, std::string_view tag
 
 bool Salvager::isRunning() const {
   constexpr std::string_view kRunning = "PROG";
-  return header_.size() >= kDataPositionAt &&
+  return header_.size() >= HeaderFields::kRawDataAt &&
          std::equal(kRunning.begin(), kRunning.end(),
-                    header_.begin() + static_cast<std::ptrdiff_t>(kStatusFieldAt));
+                    header_.begin() + static_cast<std::ptrdiff_t>(HeaderFields::kStatusAt));
 }
 
 }  // namespace vex2::tool
