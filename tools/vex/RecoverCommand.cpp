@@ -60,16 +60,18 @@ class Progress {
   std::chrono::steady_clock::time_point begun_ = std::chrono::steady_clock::now();
 };
 
+constexpr const char* kMeaning =
+    "\n\nWhat it does:\n"
+    "  Records are found again by their tags, frames by the structure of their block.\n"
+    "  FILE itself is never written to. What is damaged within a text or a reading\n"
+    "  looks like any other, and is kept as it is.\n\n"
+    "  The exit code is 0 when all of it was whole, 1 when something was lost and\n"
+    "  what is left is in OUT, and 2 when there is nothing to recover.";
+
 class RecoverCommand final : public Command {
  public:
   RecoverCommand()
-      : Command({"recover",
-                 "Save what is whole of a damaged document as a new one.\n\n"
-                 "Records are found again by their tags, frames by the structure of their\n"
-                 "block. FILE itself is never written to. What is damaged within a text or a\n"
-                 "reading looks like any other text or reading, and is kept as it is.\n"
-                 "Exit codes: 0 all of it was whole, 1 something was lost, and what is left is\n"
-                 "in OUT, 2 there is nothing to recover, or the call is at fault.",
+      : Command({"recover", "Save what is whole of a damaged document as a new one.",
                  "vex recover damaged.vex -o rescued.vex\n"
                  "vex recover --json damaged.vex -o rescued.vex | jq .lost"}) {}
 
@@ -78,6 +80,7 @@ class RecoverCommand final : public Command {
     app.add_option("-o,--output", target_, "The document to write")->required()->type_name("OUT");
     app.add_flag("--force", force_, "Replace a document that is there");
     app.add_flag("--json", json_, "For programs: the report as an object");
+    app.footer(app.get_footer() + kMeaning);
   }
 
   ExitCode Run() override {
