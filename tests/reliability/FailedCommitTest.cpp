@@ -13,6 +13,10 @@ struct Staged {
   int error;
 };
 
+void PrintTo(const Staged& staged, std::ostream* out) {
+  *out << staged.committed << " frames, error " << staged.error;
+}
+
 class FailedCommit : public RunOnDisk, public testing::WithParamInterface<Staged> {
  protected:
   int committed() const { return GetParam().committed; }
@@ -105,7 +109,11 @@ TEST_P(FailedCommit, ThatCannotBeTakenBackLeavesTheEarlierFramesAndIsMended) {
 
 INSTANTIATE_TEST_SUITE_P(Frames, FailedCommit,
                          testing::Values(Staged{0, EIO}, Staged{0, ENOSPC}, Staged{1, EIO},
-                                         Staged{2, EIO}, Staged{2, ENOSPC}));
+                                         Staged{2, EIO}, Staged{2, ENOSPC}),
+                         [](const auto& staged) {
+                           return std::string(staged.param.error == EIO ? "EIO" : "ENOSPC") +
+                                  "Behind" + std::to_string(staged.param.committed);
+                         });
 
 class CommitBehindLeftovers : public RunOnDisk {
  protected:

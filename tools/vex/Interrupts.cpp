@@ -35,16 +35,12 @@ Interrupts::Interrupts() {
     if (!isIgnored(signal)) ::sigaddset(&awaited_, signal);
   }
   ::sigprocmask(SIG_BLOCK, &awaited_, &before_);
-  struct sigaction ignore {};
-  ignore.sa_handler = SIG_IGN;
-  ::sigaction(SIGXFSZ, &ignore, &fileSizeBefore_);
 }
 
 Interrupts::~Interrupts() {
   // Who asks a second time is not to cut off the answer to the first.
   const timespec now{};
   while (::sigtimedwait(&awaited_, nullptr, &now) > 0) continue;
-  ::sigaction(SIGXFSZ, &fileSizeBefore_, nullptr);
   ::sigprocmask(SIG_SETMASK, &before_, nullptr);
 }
 

@@ -5,8 +5,7 @@
 namespace vex2::tool {
 
 /// While it lives, Ctrl-C and a request to end are not obeyed at once but when asked for, so that
-/// what is under way is finished first; and a file that grows too large is an error of its write
-/// and not the process's end. Made on the only thread.
+/// what is under way is finished first. Made on the only thread.
 class Interrupts {
  public:
   Interrupts();
@@ -22,7 +21,6 @@ class Interrupts {
  private:
   sigset_t awaited_{};
   sigset_t before_{};
-  struct sigaction fileSizeBefore_ {};
   bool asked_ = false;
 };
 
