@@ -8,11 +8,11 @@
 #include <sstream>
 
 #include "fuzz/Require.h"
-#include "tools/vex/CalibrationFile.h"
-#include "tools/vex/CsvReader.h"
 #include "tools/vex/Errors.h"
-#include "tools/vex/MeasuredRun.h"
-#include "tools/vex/WellsFile.h"
+#include "tools/vex/run/MeasuredRun.h"
+#include "tools/vex/setup/CalibrationFile.h"
+#include "tools/vex/setup/WellsFile.h"
+#include "tools/vex/text/CsvReader.h"
 
 namespace vex2::fuzz {
 namespace {

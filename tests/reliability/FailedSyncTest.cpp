@@ -67,6 +67,36 @@ TEST_F(FailedSync, AnywhereEndsTheCommitsToThatFileAndLeavesTheDocumentInMemory)
   EXPECT_EQ(result.bad, 0U);
 }
 
+// Every file has the number of one that is gone.
+class FilesOfOneNumber : public FaultyFileSystem {
+ public:
+  int Stat(int file, struct stat& info) override {
+    return numbered(FaultyFileSystem::Stat(file, info), info);
+  }
+  int StatPath(const char* path, struct stat& info) override {
+    return numbered(FaultyFileSystem::StatPath(path, info), info);
+  }
+
+ private:
+  static int numbered(int status, struct stat& info) {
+    info.st_ino = 1;
+    return status;
+  }
+};
+
+TEST_F(FailedSync, SaysNothingOfANewFileThatGotTheNumberOfTheOldOne) {
+  FilesOfOneNumber files;
+  OpenedManager manager;
+  record(manager, 1);
+  files.FailKind(FileCall::syncData, EIO);
+  ASSERT_EQ(append(manager, 1), kWriteFailed);
+  files.Heal(FileCall::syncData);
+  EXPECT_EQ(manager.SetAcquisitionStatus(path_.c_str(), "DONE"), kWriteFailed);
+  std::filesystem::remove(path_);
+  ASSERT_EQ(manager.SaveToFile(path_.c_str()), kSuccess);
+  EXPECT_EQ(manager.SetAcquisitionStatus(path_.c_str(), "DONE"), kSuccess);
+}
+
 TEST_F(FailedSync, RefusesEveryChangeOfTheFile) {
   OpenedManager manager;
   failOneCommit(manager);

@@ -4,7 +4,7 @@
 
 #include "tests/support/RunDocument.h"
 #include "tests/tools/DocumentFixture.h"
-#include "tools/vex/DocumentCheck.h"
+#include "tools/vex/rescue/DocumentCheck.h"
 
 namespace vex2::test {
 

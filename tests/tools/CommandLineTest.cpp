@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "tests/tools/VexProcess.h"
-#include "tools/vex/Command.h"
+#include "tools/vex/command/Command.h"
 
 using testing::AllOf;
 using testing::HasSubstr;

@@ -1,5 +1,5 @@
 #include "tests/tools/DocumentFixture.h"
-#include "tools/vex/RecordKinds.h"
+#include "tools/vex/document/RecordKinds.h"
 
 using testing::HasSubstr;
 

@@ -4,8 +4,8 @@
 
 #include "tests/support/Files.h"
 #include "tests/support/TempFolder.h"
-#include "tools/vex/CsvReader.h"
 #include "tools/vex/Errors.h"
+#include "tools/vex/text/CsvReader.h"
 
 namespace vex2::test {
 namespace {

@@ -11,7 +11,7 @@
 #include "tests/support/SampleData.h"
 #include "tests/support/TempFolder.h"
 #include "tests/tools/VexProcess.h"
-#include "tools/vex/RunReading.h"
+#include "tools/vex/document/RunReading.h"
 #include "vex2/manager/Vex2FileManager.h"
 
 namespace vex2::test {

@@ -4,8 +4,8 @@
 #include <functional>
 #include <string_view>
 
-#include "tools/vex/DataBlock.h"
-#include "tools/vex/RecordWalker.h"
+#include "tools/vex/document/DataBlock.h"
+#include "tools/vex/document/RecordWalker.h"
 
 namespace vex2::test {
 

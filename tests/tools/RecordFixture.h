@@ -12,7 +12,8 @@
 #include "tests/support/SampleData.h"
 #include "tests/support/TempFolder.h"
 #include "tests/tools/VexProcess.h"
-#include "tools/vex/RunReading.h"
+#include "tools/vex/document/RunReading.h"
+#include "tools/vex/setup/PlateLayout.h"
 #include "vex2/manager/Vex2FileManager.h"
 
 namespace vex2::test {

@@ -9,8 +9,8 @@
 #include "tests/support/TempFolder.h"
 #include "tests/tools/DocumentIndex.h"
 #include "tests/tools/VexProcess.h"
-#include "tools/vex/RecordPlaces.h"
-#include "tools/vex/Salvage.h"
+#include "tools/vex/rescue/RecordPlaces.h"
+#include "tools/vex/rescue/Salvage.h"
 #include "vex2/manager/Vex2FileManager.h"
 
 namespace vex2::test {

@@ -6,8 +6,8 @@
 #include <filesystem>
 
 #include "tests/tools/CheckFixture.h"
-#include "tools/vex/RecordingLock.h"
-#include "tools/vex/Repair.h"
+#include "tools/vex/rescue/Repair.h"
+#include "tools/vex/run/RecordingLock.h"
 
 namespace vex2::test {
 namespace {

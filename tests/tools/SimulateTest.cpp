@@ -5,7 +5,7 @@
 #include <csignal>
 
 #include "tests/tools/RecordFixture.h"
-#include "tools/vex/SimulatedRun.h"
+#include "tools/vex/run/SimulatedRun.h"
 
 namespace vex2::test {
 namespace {

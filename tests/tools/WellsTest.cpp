@@ -1,7 +1,7 @@
 // What stands in the wells, the detectors, the dyes and the calibration, on the command line.
 #include "tests/tools/DocumentFixture.h"
-#include "tools/vex/Chart.h"
-#include "tools/vex/PlateGrid.h"
+#include "tools/vex/setup/PlateGrid.h"
+#include "tools/vex/text/Chart.h"
 
 namespace vex2::test {
 namespace {

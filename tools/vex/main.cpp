@@ -1,6 +1,6 @@
 #include <csignal>
 
-#include "tools/vex/CommandLine.h"
+#include "tools/vex/command/CommandLine.h"
 
 int main(int argumentCount, char** arguments) {
   // A file that may not grow is an error of its write, told as others are, and not the end.

@@ -114,14 +114,16 @@ class VEX2_API CFile : public CObject {
   /// position.
   void CopyReplaced(std::uint64_t count);
 
-  /// Makes the new content durable and puts it in place, then closes. Throws `CFileException`, and
-  /// then the file is closed and the old content is still in place, unless only the last step was
-  /// refused, which makes the exchange itself durable.
-  void CloseReplacement();
-
-  /// Device and number of the file that was opened last; of what is being replaced while that
-  /// goes on. Both 0 where there is none.
+  /// Device and number of a file.
   using Identity = std::pair<std::uint64_t, std::uint64_t>;
+
+  /// Makes the new content durable and puts it in place, then closes. Gives the file that is there
+  /// now. Throws `CFileException`, and then the file is closed and the old content is still in
+  /// place, unless only the last step was refused, which makes the exchange itself durable.
+  Identity CloseReplacement();
+
+  /// The file that was opened last; what is or was to be replaced where that was a replacement.
+  /// Both 0 where there is none.
   const Identity& GetIdentity() const { return identity_; }
 
  private:
@@ -132,7 +134,7 @@ class VEX2_API CFile : public CObject {
   bool isStillAt(const char* path) const;
   bool beginReplacement(const std::string& target, bool exists, CFileException& error);
   bool openTemporary(CFileException& error);
-  void putInPlace();
+  bool putInPlace();
   void copyInto(int target);
   void syncAll(int handle);
   void writeOut();

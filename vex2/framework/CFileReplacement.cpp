@@ -144,36 +144,43 @@ bool CFile::openTemporary(CFileException& error) {
   return true;
 }
 
-void CFile::CloseReplacement() {
+CFile::Identity CFile::CloseReplacement() {
   if (handle_ < 0 || replacement_ == nullptr) fail(EBADF, 0);
+  Identity inPlace = identity_;
   try {
     writeOut();
     syncAll(handle_);
-    if (!replacement_->temporary.empty()) putInPlace();
+    if (!replacement_->temporary.empty() && putInPlace()) {
+      struct stat info {};
+      if (CurrentFileSystem().Stat(handle_, info) >= 0) inPlace = {info.st_dev, info.st_ino};
+    }
   } catch (...) {
     Abort();
     throw;
   }
   Abort();
+  return inPlace;
 }
 
-void CFile::putInPlace() {
+// False where the target took the content, but not the file.
+bool CFile::putInPlace() {
   auto& files = CurrentFileSystem();
   auto& replacement = *replacement_;
   const int status = files.Rename(replacement.temporary.c_str(), replacement.target.c_str());
   if (status < 0 && replacement.targetHandle >= 0 && renameCannotServe(-status)) {
     copyInto(replacement.targetHandle);
-    return;
+    return false;
   }
   if (status < 0) fail(-status, 0);
   replacement.temporary.clear();
   // Without this the new name may be lost with the power, and with it nothing but the new content.
   const int folder =
       files.Open(folderOf(replacement.target).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0);
-  if (folder < 0) return;
+  if (folder < 0) return true;
   const int synced = files.SyncAll(folder);
   files.Close(folder);
   if (synced < 0 && synced != -EINVAL) fail(-synced, 0);
+  return true;
 }
 
 // The last resort where the folder will not exchange one file for another.

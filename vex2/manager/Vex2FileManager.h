@@ -586,8 +586,11 @@ class VEX2_API Vex2FileManager : public CFile {
   /// not store it may have dropped, and a later barrier would not tell.
   void barrier();
   bool isDistrusted() const;
-  /// For the file that was opened last, which was stored whole.
-  void trustAgain() noexcept;
+  /// For a file that is stored whole, or gone.
+  void trustAgain(const Identity& stored) noexcept;
+  /// `CloseReplacement`, whose two files are then trusted: a new one may have the number of one
+  /// that is gone.
+  void finishReplacement();
   /// True, with the file closed and the user told, when the open file is not trusted.
   bool refusesChanges();
   /// Where the next frame of `block` belongs, or the block itself where the header leads to none:

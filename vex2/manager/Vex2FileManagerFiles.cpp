@@ -134,8 +134,7 @@ int Vex2FileManager::saveWhole(const char* path, vex2::FunctionRef<int()> write)
     if (!OpenReplacement(kept.GetString())) return static_cast<int>(vex2::kWriteFailed);
     const int result = write();
     if (result == kSuccess) {
-      CloseReplacement();
-      trustAgain();
+      finishReplacement();
     }
     return result;
   });

@@ -107,11 +107,15 @@ bool Vex2FileManager::isDistrusted() const {
                      [this](const auto& file) { return file.identity == GetIdentity(); });
 }
 
-void Vex2FileManager::trustAgain() noexcept {
-  distrusted_.erase(
-      std::remove_if(distrusted_.begin(), distrusted_.end(),
-                     [this](const auto& file) { return file.identity == GetIdentity(); }),
-      distrusted_.end());
+void Vex2FileManager::trustAgain(const Identity& stored) noexcept {
+  distrusted_.erase(std::remove_if(distrusted_.begin(), distrusted_.end(),
+                                   [&stored](const auto& file) { return file.identity == stored; }),
+                    distrusted_.end());
+}
+
+void Vex2FileManager::finishReplacement() {
+  trustAgain(CloseReplacement());
+  trustAgain(GetIdentity());
 }
 
 bool Vex2FileManager::refusesChanges() {
@@ -208,7 +212,7 @@ int Vex2FileManager::rewrite(std::uint64_t kept, vex2::FunctionRef<int()> write)
   const int status = write();
   if (status != kSuccess) return status;
   if (replaces) {
-    CloseReplacement();
+    finishReplacement();
   } else {
     barrier();
   }

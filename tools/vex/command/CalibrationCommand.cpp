@@ -1,0 +1,181 @@
+#include <algorithm>
+#include <cmath>
+#include <iostream>
+#include <nlohmann/json.hpp>
+
+#include "tools/vex/command/Command.h"
+#include "tools/vex/document/Changing.h"
+#include "tools/vex/setup/CalibrationFile.h"
+#include "tools/vex/text/Chart.h"
+#include "tools/vex/text/Output.h"
+#include "tools/vex/text/Table.h"
+#include "tools/vex/text/Text.h"
+
+namespace vex2::tool {
+
+namespace {
+
+using nlohmann::ordered_json;
+
+std::vector<double> numbersOf(const CalibrationEntry& entry) {
+  std::vector<double> numbers;
+  std::transform(entry.values.begin(), entry.values.end(), std::back_inserter(numbers),
+                 [](std::uint32_t value) { return static_cast<double>(NumberOf(value)); });
+  return numbers;
+}
+
+template <std::size_t size>
+std::string hexOf(const std::array<std::uint8_t, size>& bytes) {
+  return ToHex({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+}
+
+ordered_json describePart(const std::optional<CalibrationPart>& part, bool isDye) {
+  if (!part) return nullptr;
+  ordered_json info = {{"code", hexOf(part->head.code)},     {"setting", part->head.setting},
+                       {"option", part->head.option},        {"value", part->head.value},
+                       {"extra1", hexOf(part->head.extra1)}, {"extra2", hexOf(part->head.extra2)},
+                       {"spectra", ordered_json::array()}};
+  for (const CalibrationEntry& entry : part->entries) {
+    ordered_json spectrum = {{"name", ToUtf8(entry.name)},
+                             {"dyeIndex", entry.dyeIndex},
+                             {"key1", entry.key1},
+                             {"key2", entry.key2}};
+    if (isDye) {
+      spectrum["bytes"] = entry.bytes;
+      spectrum["params"] = entry.params;
+    } else {
+      spectrum["limit"] = entry.limit;
+    }
+    spectrum["values"] = numbersOf(entry);
+    info["spectra"].push_back(std::move(spectrum));
+  }
+  return info;
+}
+
+ordered_json describe(const Vex2FileManager& plate) {
+  const Calibration calibration = CalibrationOf(plate);
+  return {{"pureDyes", describePart(calibration.pureDyes, true)},
+          {"background", describePart(calibration.background, false)}};
+}
+
+std::vector<std::string> tableRow(const CalibrationEntry& entry, const std::string& part) {
+  const std::vector<double> numbers = numbersOf(entry);
+  const auto [least, most] = std::minmax_element(numbers.begin(), numbers.end());
+  const bool hasAny = !numbers.empty();
+  return {part,
+          Printable(ToUtf8(entry.name)),
+          std::to_string(entry.dyeIndex),
+          std::to_string(numbers.size()),
+          hasAny ? std::to_string(most - numbers.begin() + 1) : "",
+          hasAny ? ShortNumber(*least) : "",
+          hasAny ? ShortNumber(*most) : "",
+          Sparkline(numbers)};
+}
+
+void print(const Vex2FileManager& plate) {
+  const Calibration calibration = CalibrationOf(plate);
+  std::vector<std::vector<std::string>> rows;
+  const auto add = [&](const std::optional<CalibrationPart>& part, const std::string& name) {
+    if (!part) return;
+    for (const CalibrationEntry& entry : part->entries) rows.push_back(tableRow(entry, name));
+  };
+  add(calibration.pureDyes, "pure dye");
+  add(calibration.background, "background");
+  if (rows.empty()) {
+    std::cout << (calibration.IsEmpty() ? "no calibration\n" : "a calibration without spectra\n");
+    return;
+  }
+  std::cout << DrawTable({"part", "name", "index", "filters", "peak", "least", "most", "spectrum"},
+                         rows, Terminal::Out());
+}
+
+class CalibrationCommand final : public Command {
+ public:
+  CalibrationCommand()
+      : Command({"calibration", "Show the spectra of pure dyes and background, or replace them.",
+                 "vex calibration run.vex\n"
+                 "vex calibration run.vex --export calibration.csv\n"
+                 "vex calibration other.vex --import calibration.csv"}) {}
+
+  void AddOptions(CLI::App& app) override {
+    app.add_option("FILE", file_, "The document")->required()->type_name("");
+    auto* json = app.add_flag("--json", json_, "For programs, as JSON");
+    auto* target = app.add_option("--export", target_, "Write a table; '-' or 'csv' to print it")
+                       ->type_name("OUT.csv")
+                       ->excludes(json);
+    app.add_option("--import", source_, "Replace the parts that are in the table")
+        ->type_name("FILE.csv")
+        ->excludes(json)
+        ->excludes(target);
+    plate_.AddTo(app);
+    changing_.AddOptions(app);
+    app.footer("A replaced part keeps its head, which the table does not hold.\n\n" +
+               app.get_footer());
+  }
+
+  ExitCode Run() override {
+    if (!source_.empty()) {
+      const Calibration loaded = LoadCalibration(source_);
+      std::cout << changing_.ApplyToPlate(
+          file_, plate_, [&](Vex2FileManager& plate) { return replace(plate, loaded); });
+      return ExitCode::kDone;
+    }
+    const Document document(file_);
+    const auto plates = plate_.ChoosePlates(document);
+    const bool all = plate_.IsAll(document);
+    if (!target_.empty()) {
+      exportTo(plates, all);
+    } else if (json_) {
+      std::cout << DescribePlates(plates, all, describe).dump(2) << '\n';
+    } else {
+      ShowPlates(plates, all, std::cout, print);
+    }
+    document.RequireWhole("");
+    return ExitCode::kDone;
+  }
+
+ private:
+  void exportTo(const std::vector<Document::Plate>& plates, bool all) const {
+    if (IsSameFile(file_, target_)) {
+      throw Error(ExitCode::kUsage, file_, "the table would take the place of its own document");
+    }
+    Output output(target_ == "csv" ? "-" : target_);
+    CsvWriter csv(output.Stream(), all);
+    WriteCalibrationColumns(csv);
+    for (const Document::Plate& plate : plates) {
+      WriteCalibration(CalibrationOf(*plate.content), csv, ToUtf8(plate.name));
+    }
+    output.Finish();
+  }
+
+  static std::string replace(Vex2FileManager& plate, Calibration calibration) {
+    const Calibration before = CalibrationOf(plate);
+    std::string report;
+    const auto keepHead = [&](std::optional<CalibrationPart>& part,
+                              const std::optional<CalibrationPart>& old, const char* name) {
+      if (!part) return;
+      if (old) part->head = old->head;
+      report += std::string(name) + ": " + std::to_string(old ? old->entries.size() : 0) + " -> " +
+                Counted(part->entries.size(), "spectrum", "spectra") + "\n";
+    };
+    keepHead(calibration.pureDyes, before.pureDyes, "pure dyes");
+    keepHead(calibration.background, before.background, "background");
+    StoreCalibration(plate, calibration);
+    return report;
+  }
+
+  std::string file_;
+  bool json_ = false;
+  std::string target_;
+  std::string source_;
+  PlateOption plate_;
+  Changing changing_;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> MakeCalibrationCommand() {
+  return std::make_unique<CalibrationCommand>();
+}
+
+}  // namespace vex2::tool

@@ -1,0 +1,154 @@
+#include "tools/vex/command/CommandLine.h"
+
+#include <cerrno>
+#include <exception>
+#include <iostream>
+#include <new>
+
+#include "tools/vex/command/Command.h"
+#include "vex2/framework/CFileException.h"
+
+namespace vex2::tool {
+
+std::vector<std::unique_ptr<Command>> MakeCommands() {
+  std::vector<std::unique_ptr<Command>> commands;
+  commands.push_back(MakeRecordCommand());
+  commands.push_back(MakeSimulateCommand());
+  commands.push_back(MakeInfoCommand());
+  commands.push_back(MakeTreeCommand());
+  commands.push_back(MakeWellsCommand());
+  commands.push_back(MakeDetectorsCommand());
+  commands.push_back(MakeDyesCommand());
+  commands.push_back(MakeCalibrationCommand());
+  commands.push_back(MakeFrameCommand());
+  commands.push_back(MakeSpectrumCommand());
+  commands.push_back(MakeExportCommand());
+  commands.push_back(MakeCopyCommand());
+  commands.push_back(MakeStatusCommand());
+  commands.push_back(MakeSetCommand());
+  commands.push_back(MakeStudyCommand());
+  commands.push_back(MakeCheckCommand());
+  commands.push_back(MakeRepairCommand());
+  commands.push_back(MakeRecoverCommand());
+  return commands;
+}
+
+namespace {
+
+constexpr const char* kSummary = "Plate documents of a real-time PCR instrument.";
+constexpr const char* kFooter =
+    "Exit codes: 0 done, 1 a document is at fault, 2 the call is, 3 the system is.";
+
+std::string exampleText(const std::string& examples) {
+  std::string text = examples.find('\n') == std::string::npos ? "Example:" : "Examples:";
+  std::size_t begin = 0;
+  while (begin <= examples.size()) {
+    const std::size_t end = std::min(examples.find('\n', begin), examples.size());
+    text += "\n  " + examples.substr(begin, end - begin);
+    begin = end + 1;
+  }
+  return text;
+}
+
+// The help's left column, so wide that what is explained beside it ends within 80 columns.
+std::shared_ptr<CLI::Formatter> withColumn(std::size_t width) {
+  auto formatter = std::make_shared<CLI::Formatter>();
+  formatter->column_width(width);
+  return formatter;
+}
+
+// The command that was typed, for where to look for help.
+std::string chosen(const CLI::App& app) {
+  const auto parts = app.get_subcommands();
+  return parts.empty() ? app.get_name() : app.get_name() + " " + chosen(*parts.front());
+}
+
+std::string oneLine(std::string text) {
+  for (char& character : text) {
+    if (character == '\n') character = ' ';
+  }
+  return text;
+}
+
+void parse(CLI::App& app, int argumentCount, const char* const* arguments) {
+  try {
+    app.parse(argumentCount, arguments);
+  } catch (const CLI::Success&) {
+    throw;
+  } catch (const CLI::ParseError& error) {
+    throw Error(ExitCode::kUsage, oneLine(error.what()) + "; see '" + chosen(app) + " --help'");
+  }
+}
+
+void finishOutput() {
+  errno = 0;
+  if (!std::cout.flush()) {
+    throw SystemError("standard output", errno != 0 ? errno : EIO);
+  }
+}
+
+ExitCode run(int argumentCount, const char* const* arguments) {
+  CLI::App app(kSummary, "vex");
+  app.set_version_flag("--version", "vex " VEX2_VERSION, "Print the version and exit");
+  app.set_help_flag("-h,--help", "Print this help and exit");
+  app.formatter(withColumn(15));
+  app.require_subcommand(1);
+  app.footer(
+      exampleText("vex simulate run.vex\nvex info run.vex\nvex export run.vex --format csv") +
+      "\n\n" + kFooter);
+  const auto commands = MakeCommands();
+  for (const auto& command : commands) AddCommand(app, *command);
+  try {
+    parse(app, argumentCount, arguments);
+  } catch (const CLI::Success& success) {
+    app.exit(success, std::cout, std::cerr);
+    finishOutput();
+    return ExitCode::kDone;
+  }
+  const ExitCode code = RunCommand(app, commands);
+  finishOutput();
+  return code;
+}
+
+}  // namespace
+
+void AddCommand(CLI::App& app, Command& command) {
+  const auto& [name, summary, examples] = command.Describe();
+  CLI::App* part = app.add_subcommand(name, summary);
+  part->footer(exampleText(examples));
+  part->formatter(withColumn(26));
+  command.AddOptions(*part);
+}
+
+ExitCode RunCommand(const CLI::App& app, const std::vector<std::unique_ptr<Command>>& commands) {
+  for (const auto& command : commands) {
+    if (app.got_subcommand(command->Describe().name)) return command->Run();
+  }
+  return ExitCode::kUsage;
+}
+
+void CommandGroup::AddOptions(CLI::App& app) {
+  app_ = &app;
+  app.require_subcommand(1);
+  app.formatter(withColumn(13));
+  for (const auto& action : actions_) AddCommand(app, *action);
+}
+
+int RunCommandLine(int argumentCount, const char* const* arguments) noexcept {
+  ExitCode code = ExitCode::kSystem;
+  try {
+    code = run(argumentCount, arguments);
+  } catch (const Error& error) {
+    PrintLine(error.what());
+    code = error.Code();
+  } catch (const CFileException& error) {
+    PrintLine(SystemError(error.GetPath(), error.GetError()).what());
+  } catch (const std::bad_alloc&) {
+    PrintLine("there is not enough memory");
+  } catch (const std::exception& error) {
+    PrintLine(Printable(error.what()));
+  }
+  return static_cast<int>(code);
+}
+
+}  // namespace vex2::tool

@@ -1,0 +1,58 @@
+#include "tools/vex/command/Command.h"
+#include "tools/vex/document/DocumentPlates.h"
+#include "tools/vex/document/Study.h"
+
+namespace vex2::tool {
+
+namespace {
+
+class CopyCommand final : public Command {
+ public:
+  CopyCommand()
+      : Command({"copy", "Read a document and save it under another name.",
+                 "vex copy run.vex saved.vex\nvex copy --upgrade old.vex new.vex"}) {}
+
+  void AddOptions(CLI::App& app) override {
+    app.add_option("IN", source_, "The document to read")->required()->type_name("");
+    app.add_option("OUT", target_, "Where to save it, in place of what is there")
+        ->required()
+        ->type_name("");
+    plate_.AddTo(app);
+    rewriting_.AddOptions(app);
+  }
+
+  ExitCode Run() override {
+    Document document(source_);
+    if (plate_.IsGiven()) {
+      ExtractPlate(document, plate_.One(document), target_, rewriting_);
+      return ExitCode::kDone;
+    }
+    if (IsSameFile(source_, target_)) {
+      document.RequireAtRest();
+    } else {
+      RequireNoRunAt(target_);
+    }
+    rewriting_.Prepare(document, target_);
+    if (document.Content().IsAcquisitionProg()) {
+      PrintLine(Printable(source_) +
+                ": its run is in progress; the copy ends with the last frame "
+                "committed so far");
+    }
+    Rewriting::Save(document.Content(), target_);
+    return ExitCode::kDone;
+  }
+
+ private:
+  std::string source_;
+  std::string target_;
+  PlateOption plate_;
+  Rewriting rewriting_;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> MakeCopyCommand() {
+  return std::make_unique<CopyCommand>();
+}
+
+}  // namespace vex2::tool

@@ -1,0 +1,183 @@
+#include <algorithm>
+#include <map>
+
+#include "tools/vex/command/ListingCommand.h"
+#include "tools/vex/setup/DetectorFields.h"
+#include "tools/vex/setup/PlateContents.h"
+#include "tools/vex/setup/WellsFile.h"
+#include "tools/vex/text/CsvWriter.h"
+#include "tools/vex/text/Table.h"
+#include "tools/vex/text/Text.h"
+
+namespace vex2::tool {
+
+namespace {
+
+using nlohmann::ordered_json;
+
+std::vector<std::string> keys() {
+  std::vector<std::string> names;
+  for (const DetectorField& field : DetectorFields()) names.emplace_back(field.key);
+  return names;
+}
+
+std::vector<std::string> valuesOf(const Vex2Detector& detector) {
+  std::vector<std::string> values;
+  for (const DetectorField& field : DetectorFields()) {
+    values.push_back(DetectorText(field.get(detector)));
+  }
+  return values;
+}
+
+// What people look for first; the rest is for --csv and --json.
+std::vector<std::string> shortRow(const Vex2Detector& detector) {
+  const auto shown = [](const CString& text) { return Printable(ToUtf8(text.View())); };
+  const auto automatic = [](std::int32_t on) { return std::string(on != 0 ? "auto " : ""); };
+  const auto* color = reinterpret_cast<const char*>(detector.color);
+  return {shown(detector.name),
+          shown(detector.reporterDye),
+          shown(detector.quencherDye),
+          "#" + ToHex({color, sizeof detector.color}),
+          automatic(detector.autoBaseline) + std::to_string(detector.baselineStart) + "-" +
+              std::to_string(detector.baselineEnd),
+          automatic(detector.autoThreshold) + DecimalText(detector.threshold),
+          shown(detector.description),
+          shown(detector.comment)};
+}
+
+std::string fieldList() {
+  std::string text = "Fields of --add KEY=VALUE, of which the name is needed:";
+  for (const DetectorField& field : DetectorFields()) {
+    text += "\n  " + PadRight(std::string(field.key), 16) + std::string(field.takes);
+  }
+  return text + "\n  A detector of that name is changed in the fields that are given.";
+}
+
+class DetectorsCommand final : public ListingCommand {
+ public:
+  DetectorsCommand()
+      : ListingCommand({"detectors", "List the detectors of the plate, or change them.",
+                        "vex detectors run.vex\n"
+                        "vex detectors run.vex --add name=MYC reporter=FAM quencher=NFQ\n"
+                        "vex detectors run.vex --remove MYC --dry-run"}) {}
+
+ protected:
+  void addChanges(CLI::App& app) override {
+    app.add_option("--add", assignments_, "Add or change one; each begins with its name=")
+        ->type_name("KEY=VALUE...")
+        ->expected(1, -1);
+    app.add_option("--remove", removed_, "Remove the detector of this name")
+        ->type_name("NAME...")
+        ->expected(1, -1);
+    app.footer(fieldList() + "\n\n" + app.get_footer());
+  }
+
+  bool hasChanges() const override { return !assignments_.empty() || !removed_.empty(); }
+
+  std::string change(Vex2FileManager& plate) const override {
+    std::string report;
+    for (const std::string& name : removed_) {
+      const auto stored = ToLatin1(name);
+      if (!stored || !plate.RemoveDetectorInfo(CString(*stored))) {
+        throw Error(ExitCode::kUsage, file_, "it has no detector '" + name + "'");
+      }
+      report += "removed " + Printable(name) + "\n";
+    }
+    for (const auto& fields : additions()) report += add(plate, fields);
+    return report;
+  }
+
+  bool studiesHaveIt() const override { return true; }
+
+  ordered_json describe(const Vex2FileManager& plate) const override {
+    ordered_json list = ordered_json::array();
+    for (const Vex2Detector& detector : DetectorsOf(plate)) {
+      ordered_json entry;
+      for (const DetectorField& field : DetectorFields()) {
+        entry[std::string(field.key)] = field.get(detector);
+      }
+      list.push_back(std::move(entry));
+    }
+    return {{"detectors", std::move(list)}};
+  }
+
+  void printCsv(const std::vector<Document::Plate>& plates, bool all) const override {
+    CsvWriter csv(std::cout, all);
+    csv.Row("plate", keys());
+    for (const Document::Plate& plate : plates) {
+      for (const Vex2Detector& detector : DetectorsOf(*plate.content)) {
+        csv.Row(ToUtf8(plate.name), valuesOf(detector));
+      }
+    }
+  }
+
+  void print(const Vex2FileManager& plate) const override {
+    std::vector<std::vector<std::string>> rows;
+    for (const Vex2Detector& detector : DetectorsOf(plate)) rows.push_back(shortRow(detector));
+    if (rows.empty()) {
+      std::cout << "no detectors\n";
+    } else {
+      std::cout << DrawTable({"name", "reporter", "quencher", "color", "baseline", "threshold",
+                              "description", "comment"},
+                             rows, Terminal::Out());
+    }
+  }
+
+ private:
+  using Fields = std::vector<std::pair<const DetectorField*, std::string>>;
+
+  // What was given, a list for each detector.
+  std::vector<Fields> additions() const {
+    std::vector<Fields> result;
+    for (const std::string& assignment : assignments_) {
+      const std::size_t equals = assignment.find('=');
+      const std::string key = assignment.substr(0, equals);
+      const auto& fields = DetectorFields();
+      const auto field = std::find_if(fields.begin(), fields.end(),
+                                      [&](const DetectorField& known) { return known.key == key; });
+      if (equals == std::string::npos) refuse(assignment, "is not of the form key=value");
+      if (field == fields.end()) refuse(key, "is no field of a detector");
+      if (key == "name") result.emplace_back();
+      if (result.empty()) refuse(assignment, "stands before the detector's name=");
+      result.back().emplace_back(&*field, assignment.substr(equals + 1));
+    }
+    return result;
+  }
+
+  [[noreturn]] void refuse(const std::string& what, const std::string& why) const {
+    throw Error(ExitCode::kUsage, file_, "'" + what + "' " + why + "; see 'vex detectors --help'");
+  }
+
+  std::string add(Vex2FileManager& plate, const Fields& fields) const {
+    const std::string& name = fields.front().second;
+    if (name.empty()) refuse("name=", "names no detector");
+    const auto stored = ToLatin1(name);
+    const std::vector<Vex2Detector> known = DetectorsOf(plate);
+    const auto before = std::find_if(known.begin(), known.end(), [&](const Vex2Detector& one) {
+      return stored && one.name.View() == *stored;
+    });
+    Vex2Detector detector = before != known.end() ? *before : Vex2Detector();
+    for (const auto& [field, value] : fields) {
+      if (!field->set(detector, value)) {
+        refuse(std::string(field->key) + "=" + value,
+               "cannot be: it takes " + (field->takes == "text" ? "a text of Latin-1 characters"
+                                                                : std::string(field->takes)));
+      }
+    }
+    if (plate.AppendDetectorInfo(&detector) != kSuccess) {
+      throw Error(ExitCode::kDocument, file_, "it cannot hold more detectors");
+    }
+    return (before != known.end() ? "changed " : "added ") + Printable(name) + "\n";
+  }
+
+  std::vector<std::string> assignments_;
+  std::vector<std::string> removed_;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> MakeDetectorsCommand() {
+  return std::make_unique<DetectorsCommand>();
+}
+
+}  // namespace vex2::tool

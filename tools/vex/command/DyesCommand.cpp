@@ -1,0 +1,86 @@
+#include "tools/vex/command/ListingCommand.h"
+#include "tools/vex/setup/PlateContents.h"
+#include "tools/vex/text/CsvWriter.h"
+#include "tools/vex/text/Text.h"
+
+namespace vex2::tool {
+
+namespace {
+
+using nlohmann::ordered_json;
+
+class DyesCommand final : public ListingCommand {
+ public:
+  DyesCommand()
+      : ListingCommand({"dyes", "List the dyes that the run requires, or change them.",
+                        "vex dyes run.vex\nvex dyes run.vex --add FAM ROX --remove SYBR"}) {}
+
+ protected:
+  void addChanges(CLI::App& app) override {
+    app.add_option("--add", added_, "Add a dye at the end")->type_name("NAME...")->expected(1, -1);
+    app.add_option("--remove", removed_, "Remove a dye; case counts")
+        ->type_name("NAME...")
+        ->expected(1, -1);
+  }
+
+  bool hasChanges() const override { return !added_.empty() || !removed_.empty(); }
+
+  std::string change(Vex2FileManager& plate) const override {
+    std::string report;
+    for (const std::string& name : removed_) {
+      if (!plate.RemoveRequiredDyeInfo(stored(name))) refuse("it requires no dye '" + name + "'");
+      report += "removed " + Printable(name) + "\n";
+    }
+    for (const std::string& name : added_) {
+      const CString dye = stored(name);
+      if (dye.IsEmpty()) refuse("a dye needs a name");
+      if (!plate.AppendRequiredDyenfo(dye)) refuse("it has the dye '" + name + "' already");
+      report += "added " + Printable(name) + "\n";
+    }
+    return report;
+  }
+
+  ordered_json describe(const Vex2FileManager& plate) const override {
+    ordered_json list = ordered_json::array();
+    for (const std::string& dye : RequiredDyesOf(plate)) list.push_back(ToUtf8(dye));
+    return {{"dyes", std::move(list)}};
+  }
+
+  void printCsv(const std::vector<Document::Plate>& plates, bool all) const override {
+    CsvWriter csv(std::cout, all);
+    csv.Row("plate", {"dye"});
+    for (const Document::Plate& plate : plates) {
+      for (const std::string& dye : RequiredDyesOf(*plate.content)) {
+        csv.Row(ToUtf8(plate.name), {ToUtf8(dye)});
+      }
+    }
+  }
+
+  void print(const Vex2FileManager& plate) const override {
+    const auto dyes = RequiredDyesOf(plate);
+    if (dyes.empty()) std::cout << "no required dyes\n";
+    for (const std::string& dye : dyes) std::cout << Printable(ToUtf8(dye)) << '\n';
+  }
+
+ private:
+  [[noreturn]] void refuse(const std::string& why) const {
+    throw Error(ExitCode::kUsage, file_, why);
+  }
+
+  CString stored(const std::string& name) const {
+    const auto latin1 = ToLatin1(name);
+    if (!latin1) refuse("the dye '" + name + "' has a character that documents cannot hold");
+    return CString(*latin1);
+  }
+
+  std::vector<std::string> added_;
+  std::vector<std::string> removed_;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> MakeDyesCommand() {
+  return std::make_unique<DyesCommand>();
+}
+
+}  // namespace vex2::tool

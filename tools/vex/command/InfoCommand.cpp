@@ -1,0 +1,250 @@
+#include <algorithm>
+#include <iostream>
+#include <iterator>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "tools/vex/command/Command.h"
+#include "tools/vex/document/DocumentInfo.h"
+#include "tools/vex/document/DocumentPlates.h"
+#include "tools/vex/run/Settings.h"
+#include "tools/vex/text/Terminal.h"
+#include "tools/vex/text/Text.h"
+
+namespace vex2::tool {
+
+namespace {
+
+using nlohmann::ordered_json;
+using Style = Terminal::Style;
+
+/// The same on a person's screen.
+class Screen {
+ public:
+  explicit Screen(const ordered_json& info) : info_(info) {}
+
+  void Print() {
+    const bool isPlate = info_.contains("name");
+    const std::string title =
+        text(info_["file"]) + (isPlate ? ", plate " + text(info_["name"]) : "");
+    std::cout << terminal_.Styled(title, Style::kBold) << '\n';
+    if (isPlate) line("modified", text(info_["modified"]));
+    line("kind", kindText());
+    line("plate", plateText());
+    line("assay", assayText());
+    printStatus();
+    for (const auto& block : info_["blocks"]) lines("data", blockItems(block));
+    printSettings();
+    if (!info_["programSize"].is_null()) {
+      line("program", Counted(info_["programSize"].get<unsigned>(), "byte"));
+    }
+    printRecords();
+    printPlates();
+    line("size", Counted(info_["size"].get<std::uint64_t>(), "byte"));
+    if (info_.contains("faults")) printFaults();
+  }
+
+ private:
+  static constexpr std::size_t kLabelWidth = 20;
+
+  static std::string text(const ordered_json& value) { return Printable(value.get<std::string>()); }
+
+  void line(std::string_view label, const std::string& value, Style style = Style::kPlain) {
+    const std::string cut = CutTo(value, terminal_.TextWidth() - kLabelWidth - 2);
+    std::cout << "  " << terminal_.Styled(PadRight(std::string(label), kLabelWidth), Style::kDim)
+              << terminal_.Styled(cut, style) << '\n';
+  }
+
+  // As many lines as it takes to show the items.
+  void lines(std::string_view label, const std::vector<std::string>& items,
+             std::string_view separator = ", ", Style style = Style::kPlain) {
+    const std::size_t width = terminal_.TextWidth() - kLabelWidth - 2;
+    std::string current;
+    for (const std::string& item : items) {
+      if (!current.empty() && Columns(current) + Columns(item) + 2 * separator.size() > width) {
+        current.append(separator.substr(0, separator.size() - 1));
+        line(label, current, style);
+        label = "";
+        current.clear();
+      }
+      if (!current.empty()) current += separator;
+      current += item;
+    }
+    line(label, current, style);
+  }
+
+  void printPlates() {
+    if (!info_.contains("plates")) return;
+    const auto& plates = info_["plates"];
+    line("plates", std::to_string(plates.size()) + " in all");
+    for (const auto& plate : plates) {
+      line("", text(plate["name"]) + ": " +
+                   Counted(plate["plate"]["rows"].get<std::uint64_t>() *
+                               plate["plate"]["columns"].get<std::uint64_t>(),
+                           "well") +
+                   ", " + Counted(plate["frames"].get<unsigned>(), "frame") + ", " +
+                   text(plate["status"]) + ", modified " + text(plate["modified"]));
+    }
+  }
+
+  void printFaults() {
+    constexpr std::size_t kMost = 8;
+    const auto& faults = info_["faults"];
+    for (std::size_t i = 0; i < faults.size() && i < kMost; ++i) {
+      std::istringstream words("at byte " + faults[i]["offset"].dump() + ": " +
+                               text(faults[i]["what"]));
+      lines("fault", {std::istream_iterator<std::string>(words), {}}, " ", Style::kRed);
+    }
+    if (faults.size() > kMost) line("", "and " + Counted(faults.size() - kMost, "more fault"));
+  }
+
+  std::string kindText() const {
+    const std::string kind = info_["kind"];
+    if (kind == "Kest") return "Kest, a document of the second instrument kind";
+    if (kind == "Blue") return "Blue, a blue-light special document";
+    return "ordinary document" + (kind.empty() ? "" : " (" + Printable(kind) + ")");
+  }
+
+  std::string plateText() const {
+    const auto& plate = info_["plate"];
+    const auto rows = plate["rows"].get<std::uint64_t>();
+    const auto columns = plate["columns"].get<std::uint64_t>();
+    return Counted(rows * columns, "well") + " (" + std::to_string(rows) + " x " +
+           std::to_string(columns) + "), " + plate["wellsInUse"].dump() + " in use, type " +
+           text(plate["type"]);
+  }
+
+  std::string assayText() const {
+    const std::string remark = text(info_["text"]);
+    return text(info_["assay"]) + ", run " + text(info_["run"]) +
+           (remark.empty() ? "" : ", \"" + remark + "\"");
+  }
+
+  void printStatus() {
+    static const std::map<std::string, std::pair<std::string, Style>> meanings = {
+        {"ZERO", {", no acquisition yet", Style::kPlain}},
+        {"PROG", {", acquisition in progress", Style::kYellow}},
+        {"DONE", {", acquisition finished", Style::kGreen}}};
+    const std::string status = info_["status"];
+    const auto meaning = meanings.find(status);
+    if (meaning == meanings.end()) return line("status", Printable(status));
+    line("status", status + meaning->second.first, meaning->second.second);
+  }
+
+  static std::vector<std::string> blockItems(const ordered_json& block) {
+    std::vector<std::string> items = {text(block["tag"]) + ": " +
+                                      Counted(block["frames"].get<unsigned>(), "frame") + " of " +
+                                      Counted(block["wells"].get<unsigned>(), "well")};
+    if (block["version"] != 2) items.push_back("version " + block["version"].dump());
+    const std::string start = block["start"].is_null() ? "" : text(block["start"]);
+    const std::string end = block["end"].is_null() ? "" : " to " + endText(block);
+    if (!(start + end).empty()) items.push_back(start.empty() ? "up" + end : start + end);
+    return items;
+  }
+
+  // Most runs end on the day on which they begin.
+  static std::string endText(const ordered_json& block) {
+    constexpr std::size_t kDateLength = 11;
+    const std::string end = text(block["end"]);
+    const std::string start = block["start"].is_null() ? "" : text(block["start"]);
+    const bool sameDay = end.size() > kDateLength && end[4] == '-' &&
+                         start.compare(0, kDateLength, end, 0, kDateLength) == 0;
+    return sameDay ? end.substr(kDateLength) : end;
+  }
+
+  // Texts have lines of their own; numbers share some.
+  void printSettings() {
+    std::vector<std::string> numbers;
+    for (const auto& [key, value] : info_["settings"].items()) {
+      const std::string shown = settingText(key, value);
+      if (value.is_string()) {
+        line(key, shown);
+      } else {
+        numbers.push_back(key + " " + shown);
+      }
+    }
+    if (!numbers.empty()) lines("settings", numbers);
+  }
+
+  static std::string settingText(const std::string& key, const nlohmann::json& value) {
+    std::string shown = SettingText(value);
+    if (key == "log") std::replace(shown.begin(), shown.end(), '\n', ' ');
+    return Printable(shown);
+  }
+
+  void printRecords() {
+    std::vector<std::pair<std::string, unsigned>> counts;
+    for (const auto& record : info_["records"]) {
+      const std::string tag = text(record["tag"]);
+      const auto found = std::find_if(counts.begin(), counts.end(),
+                                      [&](const auto& count) { return count.first == tag; });
+      if (found != counts.end()) {
+        ++found->second;
+      } else {
+        counts.emplace_back(tag, 1U);
+      }
+    }
+    std::vector<std::string> items = {std::to_string(info_["records"].size()) + " in all"};
+    for (const auto& [tag, count] : counts) {
+      items.push_back(count > 1 ? tag + " x" + std::to_string(count) : tag);
+    }
+    lines("records", items);
+  }
+
+  const ordered_json& info_;
+  const Terminal& terminal_ = Terminal::Out();
+};
+
+class InfoCommand final : public Command {
+ public:
+  InfoCommand()
+      : Command({"info", "Show what documents hold, a screen for each.",
+                 "vex info run.vex\nvex info --json *.vex | jq '.frames'"}) {}
+
+  void AddOptions(CLI::App& app) override {
+    app.add_option("FILE", files_, "The documents")->required()->type_name("");
+    plate_.AddTo(app);
+    app.add_flag("--json", json_, "For programs: an object a document, one a line");
+  }
+
+  ExitCode Run() override {
+    ExitCode worst = ExitCode::kDone;
+    for (const std::string& file : files_) {
+      try {
+        show(file);
+      } catch (const Error& error) {
+        PrintLine(error.what());
+        worst = std::max(worst, error.Code());
+      }
+    }
+    return worst;
+  }
+
+ private:
+  void show(const std::string& file) {
+    const Document document(file);
+    // What a study says has its plates in it.
+    const ordered_json info = DescribeDocument(document, plate_.Choose(document).front());
+    if (json_) {
+      std::cout << info.dump(-1, ' ', false, ordered_json::error_handler_t::replace) << '\n';
+    } else {
+      if (shown_++ > 0) std::cout << '\n';
+      Screen(info).Print();
+    }
+    document.RequireWhole("");
+  }
+
+  std::vector<std::string> files_;
+  PlateOption plate_;
+  bool json_ = false;
+  int shown_ = 0;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> MakeInfoCommand() {
+  return std::make_unique<InfoCommand>();
+}
+
+}  // namespace vex2::tool

@@ -1,0 +1,169 @@
+#include <cstdint>
+#include <iostream>
+#include <limits>
+#include <optional>
+
+#include "tools/vex/command/Command.h"
+#include "tools/vex/run/InterruptedRun.h"
+#include "tools/vex/run/MeasuredRun.h"
+#include "tools/vex/run/RecordProgress.h"
+#include "tools/vex/run/Recorder.h"
+#include "tools/vex/run/SimulatedRun.h"
+#include "tools/vex/setup/WellsFile.h"
+#include "tools/vex/text/Output.h"
+
+namespace vex2::tool {
+
+namespace {
+
+constexpr double kLongestPace = 86400;
+
+// What commands that record have in common: where to, how fast, and what to do with what is there.
+class RecordingCommand : public Command {
+ public:
+  using Command::Command;
+
+ protected:
+  void addRecordOptions(CLI::App& app) {
+    app.add_option("--pace", options_.pace, "Seconds from one frame to the next; 0: no pause")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(0.0, kLongestPace));
+    auto* resume = app.add_flag("--resume", options_.resume,
+                                "Go on after the last frame that the document holds");
+    app.add_flag("--force", options_.force, "Replace a document that is there")->excludes(resume);
+  }
+
+  void addDocument(CLI::App& app) {
+    app.add_option("RUN", options_.path, "The document to record to")
+        ->type_name("FILE.vex")
+        ->required();
+  }
+
+  ExitCode record(const RunPlan& plan) {
+    std::size_t done = 0;
+    const auto outcome = [&] {
+      RecordProgress progress(options_.path);
+      Recorder recorder(plan, options_, [&](const RecordState& state) {
+        done = state.framesDone;
+        progress.Show(state);
+      });
+      return recorder.Run();
+    }();
+    if (outcome == Recorder::Outcome::kWasDone) {
+      std::cout << Printable(options_.path) << ": the run is complete, nothing is left to record\n";
+    }
+    if (outcome != Recorder::Outcome::kInterrupted) return ExitCode::kDone;
+    PrintLine(Printable(options_.path) + ": interrupted after " + std::to_string(done) + " of " +
+              std::to_string(plan.frames.size()) +
+              " frames; the same command with --resume goes on");
+    return ExitCode::kInterrupted;
+  }
+
+  RecordOptions options_;
+};
+
+class RecordCommand final : public RecordingCommand {
+ public:
+  RecordCommand()
+      : RecordingCommand(
+            {"record", "Play measured readings into a document, as an instrument does.",
+             "vex record run.vex --readings readings.csv --wells wells.csv\n"
+             "vex record run.vex --readings readings.csv --wells wells.csv --resume"}) {}
+
+  void AddOptions(CLI::App& app) override {
+    addDocument(app);
+    app.add_option("--readings", files_.readings,
+                   "well,stage,cycle,time_s,temperature_c,fluorescence")
+        ->type_name("FILE.csv")
+        ->required();
+    app.add_option("--wells", files_.wells, "well,sample,target,task,quantity,reporter; - is stdin")
+        ->type_name("FILE.csv")
+        ->required();
+    app.add_option("--scale", files_.scale, "Factor of readings; else the largest to fit 16 bits")
+        ->type_name("N")
+        ->check(CLI::Range(std::uint32_t{1}, kLargestScale));
+    addRecordOptions(app);
+  }
+
+  ExitCode Run() override {
+    if (files_.readings == "-" && files_.wells == "-") {
+      throw Error(ExitCode::kUsage, "only one of --readings and --wells can be standard input");
+    }
+    return record(LoadMeasuredRun(files_));
+  }
+
+ private:
+  MeasuredRunFiles files_;
+};
+
+class SimulateCommand final : public RecordingCommand {
+ public:
+  SimulateCommand()
+      : RecordingCommand({"simulate",
+                          "Record a simulated dilution series, the same for the same seed.",
+                          "vex simulate run.vex\n"
+                          "vex simulate run.vex --wells 384 --cycles 45 --melt 70 --seed 7"}) {}
+
+  void AddOptions(CLI::App& app) override {
+    addDocument(app);
+    app.add_option("--wells", wells_, "Wells of the plate: 96 (the default) or 384")
+        ->check(CLI::IsMember({96U, 384U}));
+    app.add_option("--cycles", cycles_, "Amplification cycles; 40 by default")
+        ->check(CLI::Range(1U, kMostSteps));
+    app.add_option("--melt", meltSteps_, "Readings of a melting stage at the end; 0 by default")
+        ->check(CLI::Range(0U, kMostSteps));
+    app.add_option("--seed", seed_, "Another number is another run; 1 by default");
+    app.add_option("--readings-out", readingsOut_, "Write the readings also to this CSV file")
+        ->type_name("FILE.csv");
+    app.add_option("--wells-out", wellsOut_, "Write what the wells hold to this CSV file")
+        ->type_name("FILE.csv");
+    addRecordOptions(app);
+  }
+
+  ExitCode Run() override {
+    const RunPlan plan = SimulateRun(parameters());
+    if (!readingsOut_.empty()) WriteReadings(plan, readingsOut_);
+    if (!wellsOut_.empty()) writeWells(plan.contents);
+    return record(plan);
+  }
+
+ private:
+  void writeWells(const PlateContents& contents) const {
+    Output output(wellsOut_);
+    WriteWells(contents, output.Stream());
+    output.Finish();
+  }
+
+  // A run that is gone on with is the one in the document, whatever is not said again.
+  SimulationParameters parameters() const {
+    SimulationParameters result;
+    if (options_.resume) ReadParameters(RecordedLog(options_.path), result);
+    const auto take = [](const std::optional<std::uint32_t>& given, std::uint32_t& value) {
+      if (given) value = *given;
+    };
+    take(wells_, result.wells);
+    take(cycles_, result.cycles);
+    take(meltSteps_, result.meltSteps);
+    take(seed_, result.seed);
+    return result;
+  }
+
+  std::optional<std::uint32_t> wells_;
+  std::optional<std::uint32_t> cycles_;
+  std::optional<std::uint32_t> meltSteps_;
+  std::optional<std::uint32_t> seed_;
+  std::string readingsOut_;
+  std::string wellsOut_;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> MakeRecordCommand() {
+  return std::make_unique<RecordCommand>();
+}
+
+std::unique_ptr<Command> MakeSimulateCommand() {
+  return std::make_unique<SimulateCommand>();
+}
+
+}  // namespace vex2::tool

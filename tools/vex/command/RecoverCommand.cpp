@@ -1,0 +1,139 @@
+#include <chrono>
+#include <filesystem>
+#include <iostream>
+
+#include "tools/vex/command/Command.h"
+#include "tools/vex/document/Rewriting.h"
+#include "tools/vex/rescue/RecoverReport.h"
+#include "tools/vex/rescue/Salvage.h"
+#include "tools/vex/text/Terminal.h"
+
+namespace vex2::tool {
+
+namespace {
+
+// Takes the place of the file at a path once it is complete and on the disk.
+class NewFile final : public CFile {
+ public:
+  explicit NewFile(const std::string& path) : path_(path) {
+    CFileException reason;
+    if (!OpenReplacement(path.c_str(), &reason)) throw SystemError(path, reason.GetError());
+  }
+
+  // What cannot be written is the new file's fault, whatever it is called until it is complete.
+  void PutInPlace() {
+    try {
+      CloseReplacement();
+    } catch (const CFileException& error) {
+      throw SystemError(path_, error.GetError());
+    }
+  }
+
+ private:
+  std::string path_;
+};
+
+// In one line on the terminal, while it takes long enough to ask.
+class Progress {
+ public:
+  explicit Progress(std::uint64_t total) : total_(total) {}
+  ~Progress() {
+    if (drawn_) std::cerr << "\r\x1b[K" << std::flush;
+  }
+  Progress(const Progress&) = delete;
+  Progress& operator=(const Progress&) = delete;
+
+  void Show(std::uint64_t done) {
+    constexpr std::uint64_t kStep = 1U << 20U;
+    constexpr auto kPatience = std::chrono::milliseconds(500);
+    if (done < next_ || !Terminal::Error().IsTerminal()) return;
+    next_ = done + kStep;
+    if (std::chrono::steady_clock::now() - begun_ < kPatience) return;
+    drawn_ = true;
+    std::cerr << "\rrecovering: " + std::to_string(done * 100 / total_) + " %\x1b[K" << std::flush;
+  }
+
+ private:
+  std::uint64_t total_;
+  std::uint64_t next_ = 0;
+  bool drawn_ = false;
+  std::chrono::steady_clock::time_point begun_ = std::chrono::steady_clock::now();
+};
+
+constexpr const char* kMeaning =
+    "\n\nWhat it does:\n"
+    "  Records are found again by their tags, frames by the structure of their block.\n"
+    "  FILE itself is never written to. What is damaged within a text or a reading\n"
+    "  looks like any other, and is kept as it is.\n\n"
+    "  The exit code is 0 when all of it was whole, 1 when something was lost and\n"
+    "  what is left is in OUT, and 2 when there is nothing to recover.";
+
+class RecoverCommand final : public Command {
+ public:
+  RecoverCommand()
+      : Command({"recover", "Save what is whole of a damaged document as a new one.",
+                 "vex recover damaged.vex -o rescued.vex\n"
+                 "vex recover --json damaged.vex -o rescued.vex | jq .lost"}) {}
+
+  void AddOptions(CLI::App& app) override {
+    app.add_option("FILE", source_, "The damaged document")->required()->type_name("");
+    app.add_option("-o,--output", target_, "The document to write")->required()->type_name("OUT");
+    app.add_flag("--force", force_, "Replace a document that is there");
+    app.add_flag("--json", json_, "For programs: the report as an object");
+    app.footer(app.get_footer() + kMeaning);
+  }
+
+  ExitCode Run() override {
+    CFile in;
+    CFileException reason;
+    if (!in.Open(source_.c_str(), CFile::modeRead | CFile::typeBinary, &reason)) {
+      throw SystemError(source_, reason.GetError());
+    }
+    requireTarget();
+    NewFile out(target_);
+    const SalvageReport report = salvage(in, out);
+    if (!report.IsAnything()) {
+      throw Error(ExitCode::kUsage, source_,
+                  "there is nothing to recover: no record and no frame of a plate document was "
+                  "found in its " +
+                      std::to_string(report.size) + " bytes");
+    }
+    out.PutInPlace();
+    if (json_) {
+      PrintRecoverJson(std::cout, report, source_, target_);
+    } else {
+      PrintRecoverText(std::cout, report, source_, target_);
+    }
+    return report.IsWhole() ? ExitCode::kDone : ExitCode::kDocument;
+  }
+
+ private:
+  void requireTarget() const {
+    if (IsSameFile(source_, target_)) {
+      throw Error(ExitCode::kUsage, target_,
+                  "is the damaged document itself, which is never written to; give another name");
+    }
+    if (std::filesystem::exists(std::filesystem::symlink_status(target_)) && !force_) {
+      throw Error(ExitCode::kUsage, target_, "is there already; --force replaces it");
+    }
+    RequireNoRunAt(target_);
+  }
+
+  SalvageReport salvage(CFile& in, CFile& out) const {
+    Progress progress(in.GetLength());
+    return Salvage(in, out, [&](std::uint64_t done) { progress.Show(done); });
+  }
+
+  std::string source_;
+  std::string target_;
+  bool force_ = false;
+  bool json_ = false;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> MakeRecoverCommand() {
+  return std::make_unique<RecoverCommand>();
+}
+
+}  // namespace vex2::tool

@@ -1,0 +1,97 @@
+#include <iostream>
+
+#include "tools/vex/command/Command.h"
+#include "tools/vex/rescue/DocumentCheck.h"
+#include "tools/vex/rescue/Repair.h"
+#include "tools/vex/run/RecordingLock.h"
+
+namespace vex2::tool {
+
+namespace {
+
+constexpr const char* kMeaning =
+    "\n\nWhat it does:\n"
+    "  It sets lengths and positions right, cuts off a torn end, and touches nothing\n"
+    "  else. A backup is made first: FILE.backup, or with a number where there is\n"
+    "  one. The document is the old or the new one at every moment. Do not repair a\n"
+    "  run that another program is recording.\n\n"
+    "  What cannot be mended is told, with exit code 1; 'vex recover' takes what is\n"
+    "  whole into a new document.";
+
+class RepairCommand final : public Command {
+ public:
+  RepairCommand()
+      : Command({"repair", "Mend in place what is safe to: torn ends, lengths, positions.",
+                 "vex repair --dry-run run.vex\nvex repair run.vex && vex check run.vex"}) {}
+
+  void AddOptions(CLI::App& app) override {
+    app.add_option("FILE", file_, "The document")->required()->type_name("");
+    app.add_flag("--dry-run", dryRun_, "Say what would be mended, and change nothing");
+    app.footer(app.get_footer() + kMeaning);
+  }
+
+  ExitCode Run() override {
+    if (dryRun_) {
+      const RepairPlan plan = PlanRepair(file_);
+      std::cout << Printable(file_) << ": "
+                << (plan.IsEmpty() ? "there is nothing to mend" : "this would be mended") << '\n';
+      print(plan);
+      return plan.IsEmpty() ? tellWhatIsLeft() : ExitCode::kDone;
+    }
+    const std::string document = ResolveDocument(file_).string();
+    const RecordingLock lock(document);
+    const RepairPlan plan = PlanRepair(file_);
+    if (plan.IsEmpty()) {
+      std::cout << Printable(file_) << ": there is nothing to mend\n";
+      return tellWhatIsLeft();
+    }
+    mend(plan, document);
+    return tellWhatIsLeft();
+  }
+
+ private:
+  void mend(const RepairPlan& plan, const std::string& document) const {
+    const std::string backup = BackUp(document);
+    if (PlanRepair(backup) != plan) {
+      throw Error(ExitCode::kSystem, file_,
+                  "another program changed it meanwhile; it is left alone, try again");
+    }
+    ApplyRepair(plan, backup, document);
+    std::cout << Printable(file_) << ": mended; as it was, it is " << Printable(backup) << '\n';
+    print(plan);
+  }
+
+  static void print(const RepairPlan& plan) {
+    for (const RepairPlan::Patch& patch : plan.patches) {
+      std::cout << "  byte " << patch.offset << ": " << patch.before << " -> " << patch.after
+                << ", " << patch.what << '\n';
+    }
+    if (plan.newSize) std::cout << "  byte " << *plan.newSize << ": cut off " << plan.cut << '\n';
+  }
+
+  ExitCode tellWhatIsLeft() const {
+    constexpr std::size_t kMostLines = 8;
+    const Findings findings = CheckDocument(file_);
+    const std::size_t errors = findings.Count(Severity::kError);
+    if (errors == 0) return ExitCode::kDone;
+    std::size_t told = 0;
+    for (const Finding& finding : findings.Sorted()) {
+      if (finding.severity != Severity::kError || told++ >= kMostLines) continue;
+      PrintLine(Error(ExitCode::kDocument, file_, "not mended: " + finding.problem, finding.offset)
+                    .what());
+    }
+    PrintLine(Printable(file_) + ": 'vex recover' takes what is whole into a new document");
+    return ExitCode::kDocument;
+  }
+
+  std::string file_;
+  bool dryRun_ = false;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> MakeRepairCommand() {
+  return std::make_unique<RepairCommand>();
+}
+
+}  // namespace vex2::tool

@@ -1,0 +1,196 @@
+#include <algorithm>
+#include <iostream>
+#include <iterator>
+#include <new>
+#include <nlohmann/json.hpp>
+
+#include "tools/vex/command/Command.h"
+#include "tools/vex/document/DocumentPlates.h"
+#include "tools/vex/setup/PlateLayout.h"
+#include "tools/vex/text/Chart.h"
+#include "tools/vex/text/CsvWriter.h"
+#include "tools/vex/text/Terminal.h"
+#include "tools/vex/text/Text.h"
+#include "vex2/run/AcquisitionDataComp.h"
+#include "vex2/study/KestorSpectrum.h"
+
+namespace vex2::tool {
+
+namespace {
+
+using nlohmann::ordered_json;
+
+constexpr std::size_t kRateCount = 4;
+constexpr std::size_t kFirstRate = 24;  // their places in a converted spectrum
+
+/// What one well of a plate gave in one frame.
+struct Spectrum {
+  std::string plate;  ///< of a study
+  bool isEmbedded = false;
+  std::uint32_t well = 0;  ///< its number
+  std::string wellName;
+  int frameCount = 0;
+  Vex2WellRecord record = {};
+  std::vector<std::uint32_t> rates = {};  ///< of a background document
+};
+
+class SpectrumCommand final : public Command {
+ public:
+  SpectrumCommand()
+      : Command({"spectrum", "Show the 36 readings of one well in one frame.",
+                 "vex spectrum run.vex --well A1 --frame 0\n"
+                 "vex spectrum background.vex --well B3 --frame 0 --json | jq .rates"}) {}
+
+  void AddOptions(CLI::App& app) override {
+    app.add_option("FILE", file_, "The document")->required()->type_name("");
+    app.add_option("--well", well_, "The well, such as A1")->required()->type_name("WELL");
+    app.add_option("--frame", frame_, "The frame, from 0")->required()->type_name("N");
+    plate_.AddTo(app);
+    auto* json =
+        app.add_flag("--json", json_, "For programs: an object; one a line for each plate");
+    app.add_flag("--csv", csv_, "For programs: a table, a row for each value")->excludes(json);
+  }
+
+  ExitCode Run() override {
+    const Document document(file_);
+    const std::vector<Spectrum> spectra = load(document);
+    if (csv_) {
+      printCsv(spectra, document.IsStudy() && !plate_.IsGiven());
+    } else {
+      for (const Spectrum& spectrum : spectra) json_ ? printJson(spectrum) : draw(spectrum);
+    }
+    document.RequireWhole("");
+    return ExitCode::kDone;
+  }
+
+ private:
+  // Of a study, what the plates have; an error when none has it.
+  std::vector<Spectrum> load(const Document& document) const {
+    std::vector<Spectrum> spectra;
+    std::optional<Error> refusal;
+    for (const Document::Plate& plate : plate_.Choose(document)) {
+      try {
+        spectra.push_back(load(plate));
+      } catch (const Error& error) {
+        refusal = error;
+      }
+    }
+    if (!spectra.empty() || !refusal) return spectra;
+    document.RequireWhole("");
+    throw *refusal;
+  }
+
+  Spectrum load(const Document::Plate& plate) const {
+    const Vex2FileManager& content = *plate.content;
+    const AcquisitionDataComp* block = FindBlock(plate, "RAWa");
+    if (block == nullptr) refuse(ExitCode::kDocument, "it has no data block \"RAWa\"");
+    Spectrum spectrum{.plate = ToUtf8(plate.name),
+                      .isEmbedded = plate.isEmbedded,
+                      .wellName = well_,
+                      .frameCount = block->GetFrameCount()};
+    const auto well = WellNumber(well_, static_cast<std::uint32_t>(content.GetHeaderRows()),
+                                 static_cast<std::uint32_t>(content.GetHeaderCols()));
+    if (!well) {
+      refuse(ExitCode::kUsage, "there is no well '" + well_ + "' on its plate of " +
+                                   std::to_string(content.GetHeaderRows()) + " x " +
+                                   std::to_string(content.GetHeaderCols()) + " wells");
+    }
+    spectrum.well = *well;
+    if (frame_ < 0 || frame_ >= spectrum.frameCount) {
+      refuse(ExitCode::kUsage, "there is no frame " + std::to_string(frame_) + "; it has " +
+                                   Counted(static_cast<unsigned>(spectrum.frameCount), "frame"));
+    }
+    if (!content.GetAcqDataWellRecord(&spectrum.record, static_cast<int>(frame_),
+                                      static_cast<int>(*well), DataRAWa)) {
+      refuse(ExitCode::kUsage, "the well " + well_ + " gave no readings");
+    }
+    if (content.IsBackground()) spectrum.rates = ratesOf(content, *well);
+    return spectrum;
+  }
+
+  std::vector<std::uint32_t> ratesOf(const Vex2FileManager& content, std::uint32_t well) const {
+    KestorSpectrum converted(static_cast<std::int32_t>(std::size(Vex2WellRecord().data)));
+    converted.well = static_cast<std::int32_t>(well);
+    converted.frameIndex = static_cast<std::int32_t>(frame_);
+    if (!content.LoadSpectrum(&converted, nullptr)) throw std::bad_alloc();
+    const std::uint32_t* rates = converted.values + kFirstRate;
+    return {rates, rates + kRateCount};
+  }
+
+  [[noreturn]] void refuse(ExitCode code, const std::string& why) const {
+    throw Error(code, file_, why);
+  }
+
+  void draw(const Spectrum& spectrum) {
+    constexpr std::size_t kPerLine = 12;
+    constexpr std::size_t kValueWidth = 6;
+    const Terminal& terminal = Terminal::Out();
+    if (shown_++ > 0) std::cout << '\n';
+    const std::string source =
+        Printable(file_) + (spectrum.isEmbedded ? ", plate " + Printable(spectrum.plate) : "");
+    const std::string what = ": well " + spectrum.wellName + ", frame " + std::to_string(frame_) +
+                             " of " + std::to_string(spectrum.frameCount) + ", well value " +
+                             std::to_string(spectrum.record.leading[0]);
+    const std::size_t room = terminal.TextWidth() - std::min(terminal.TextWidth(), Columns(what));
+    std::cout << terminal.Styled(CutTo(source, room), Terminal::Style::kBold) << what << '\n';
+    constexpr int kHeight = 8;
+    const auto& readings = spectrum.record.data;
+    std::cout << DrawBars({std::begin(readings), std::end(readings)}, kHeight, terminal, 0);
+    for (std::size_t i = 0; i < std::size(spectrum.record.data); ++i) {
+      if (i % kPerLine == 0) {
+        std::cout << terminal.Styled(PadLeft(std::to_string(i), 4), Terminal::Style::kDim);
+      }
+      std::cout << PadLeft(std::to_string(spectrum.record.data[i]), kValueWidth)
+                << (i % kPerLine == kPerLine - 1 ? "\n" : "");
+    }
+    if (spectrum.rates.empty()) return;
+    std::cout << "background rates:";
+    for (const std::uint32_t rate : spectrum.rates) std::cout << ' ' << rate;
+    std::cout << '\n';
+  }
+
+  void printJson(const Spectrum& spectrum) const {
+    ordered_json object = {{"file", file_}};
+    if (spectrum.isEmbedded) object["plate"] = spectrum.plate;
+    object["well"] = spectrum.wellName;
+    object["number"] = spectrum.well;
+    object["frame"] = frame_;
+    object["frames"] = spectrum.frameCount;
+    object["wellValue"] = spectrum.record.leading[0];
+    object["readings"] = spectrum.record.data;
+    if (!spectrum.rates.empty()) object["rates"] = spectrum.rates;
+    std::cout << object.dump(-1, ' ', false, ordered_json::error_handler_t::replace) << '\n';
+  }
+
+  void printCsv(const std::vector<Spectrum>& spectra, bool ofPlates) const {
+    std::cout << (ofPlates ? "plate," : "") << "well,frame,kind,index,value\n";
+    for (const Spectrum& spectrum : spectra) {
+      const std::string start = (ofPlates ? CsvField(spectrum.plate) + "," : "") +
+                                spectrum.wellName + "," + std::to_string(frame_) + ",";
+      std::size_t index = 0;
+      for (const std::uint16_t value : spectrum.record.data) {
+        std::cout << start << "reading," << index++ << ',' << value << '\n';
+      }
+      index = 0;
+      for (const std::uint32_t rate : spectrum.rates) {
+        std::cout << start << "rate," << index++ << ',' << rate << '\n';
+      }
+    }
+  }
+
+  std::string file_;
+  std::string well_;
+  std::int64_t frame_ = 0;
+  PlateOption plate_;
+  bool json_ = false;
+  bool csv_ = false;
+  int shown_ = 0;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> MakeSpectrumCommand() {
+  return std::make_unique<SpectrumCommand>();
+}
+
+}  // namespace vex2::tool

@@ -1,0 +1,107 @@
+#include <algorithm>
+#include <cerrno>
+#include <iostream>
+#include <optional>
+
+#include "tools/vex/command/Command.h"
+#include "tools/vex/document/Changing.h"
+#include "tools/vex/document/DocumentFile.h"
+
+namespace vex2::tool {
+
+namespace {
+
+class StatusCommand final : public Command {
+ public:
+  StatusCommand()
+      : Command({"status", "Print a document's acquisition status, or set it in place.",
+                 "vex status run.vex\nvex status run.vex DONE"}) {}
+
+  void AddOptions(CLI::App& app) override {
+    app.add_option("FILE", file_, "The document")->required()->type_name("");
+    app.add_option("CODE", code_, "The new one: ZERO, PROG or DONE, or any four")->type_name("");
+    plate_.AddTo(app);
+    changing_.AddOptions(app);
+  }
+
+  ExitCode Run() override {
+    requireCode();
+    DocumentFile document;
+    document.OpenDocument(file_);
+    static_cast<void>(document.ReadHeaderData(nullptr));
+    document.Abort();
+    if (plate_.IsGiven() || (document.IsRQS() && !code_)) return runOnPlates();
+    const CString before = document.GetAcquisitionStatus();
+    if (!code_) {
+      std::cout << Printable(before.View()) << '\n';
+      return ExitCode::kDone;
+    }
+    if (!changing_.IsDryRun() &&
+        document.SetAcquisitionStatus(file_.c_str(), code_->c_str()) != kSuccess) {
+      fail();
+    }
+    std::cout << change(before) << (changing_.IsDryRun() ? Changing::kDryRun : "");
+    return ExitCode::kDone;
+  }
+
+ private:
+  void requireCode() const {
+    if (!code_) return;
+    const bool isPlain =
+        std::all_of(code_->begin(), code_->end(), [](char c) { return c >= ' ' && c <= '~'; });
+    if (code_->size() == 4 && isPlain) return;
+    throw Error(ExitCode::kUsage, file_,
+                "the status '" + *code_ + "' is not four plain characters, like DONE");
+  }
+
+  // Of a plate in a study, which is read whole, and saved whole with the plate's new status.
+  ExitCode runOnPlates() const {
+    if (code_) {
+      std::cout << changing_.ApplyToPlate(file_, plate_, [&](Vex2FileManager& plate) {
+        const CString before = plate.GetAcquisitionStatus();
+        Vex2HeaderData header = plate.GetHeaderData();
+        code_->copy(header.acquisitionStatus, sizeof header.acquisitionStatus);
+        plate.SetHeaderData(header);
+        return change(before);
+      });
+      return ExitCode::kDone;
+    }
+    const Document document(file_);
+    for (const Document::Plate& plate : plate_.ChoosePlates(document)) {
+      std::cout << Printable(plate.content->GetAcquisitionStatus().View());
+      if (!plate_.IsGiven()) std::cout << "  " << Printable(ToUtf8(plate.name));
+      std::cout << '\n';
+    }
+    document.RequireWhole("");
+    return ExitCode::kDone;
+  }
+
+  std::string change(const CString& before) const {
+    return Printable(before.View()) + " -> " + *code_ + "\n";
+  }
+
+  [[noreturn]] void fail() const {
+    DocumentFile document;
+    CFileException reason;
+    if (!document.Open(file_.c_str(), CFile::modeReadWrite, &reason)) {
+      throw SystemError(file_, reason.GetError());
+    }
+    if (document.GetLength() < 68) {
+      throw Error(ExitCode::kDocument, file_, "the header is cut short before the status", 64);
+    }
+    throw SystemError(file_, EIO);
+  }
+
+  std::string file_;
+  std::optional<std::string> code_;
+  PlateOption plate_;
+  Changing changing_;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> MakeStatusCommand() {
+  return std::make_unique<StatusCommand>();
+}
+
+}  // namespace vex2::tool

@@ -1,0 +1,259 @@
+#include <algorithm>
+#include <filesystem>
+#include <iostream>
+#include <nlohmann/json.hpp>
+
+#include "tools/vex/command/Command.h"
+#include "tools/vex/document/Changing.h"
+#include "tools/vex/document/DocumentPlates.h"
+#include "tools/vex/document/Study.h"
+#include "tools/vex/text/Terminal.h"
+#include "tools/vex/text/Text.h"
+
+namespace vex2::tool {
+
+namespace {
+
+using nlohmann::ordered_json;
+
+/// What the actions that change a study have in common.
+class StudyChange : public Command {
+ public:
+  using Command::Command;
+
+  void AddOptions(CLI::App& app) override {
+    app.add_option("STUDY", study_, "The study")->required()->type_name("");
+    AddArguments(app);
+    changing_.AddOptions(app);
+  }
+
+ protected:
+  virtual void AddArguments(CLI::App& app) = 0;
+
+  void AddPlateFiles(CLI::App& app, std::vector<std::string>& plates) {
+    app.add_option("PLATE", plates, "The documents of the plates")->required()->type_name("");
+  }
+
+  /// Changes the study with `change`, which is handed it and answers what it changed.
+  template <typename Change>
+  void ChangeStudy(const Change& change) const {
+    Document document(study_);
+    RequireStudy(document);
+    std::cout << changing_.Apply(document, [&] { return change(document); });
+  }
+
+  std::string study_;
+  Changing changing_;
+};
+
+class NewAction final : public StudyChange {
+ public:
+  NewAction()
+      : StudyChange({"new", "Make a study of plates, each a document of its own.",
+                     "vex study new study.vex plate1.vex plate2.vex"}) {}
+
+  ExitCode Run() override {
+    if (std::filesystem::exists(std::filesystem::symlink_status(study_)) && !force_) {
+      throw Error(ExitCode::kUsage, study_,
+                  "is there already; 'vex study add' adds plates to it, --force replaces it");
+    }
+    RequireNoRunAt(study_);
+    Vex2FileManager study;
+    const std::string report = AddPlates(study, study_, plates_, changing_.Losses());
+    std::cout << changing_.Finish(study, study_, report);
+    return ExitCode::kDone;
+  }
+
+ protected:
+  void AddArguments(CLI::App& app) override {
+    AddPlateFiles(app, plates_);
+    app.add_flag("--force", force_, "Replace a document that is there");
+  }
+
+ private:
+  std::vector<std::string> plates_;
+  bool force_ = false;
+};
+
+class AddAction final : public StudyChange {
+ public:
+  AddAction()
+      : StudyChange({"add", "Add plates to a study: all of them, or none when one is refused.",
+                     "vex study add study.vex plate3.vex"}) {}
+
+  ExitCode Run() override {
+    ChangeStudy([&](Document& study) {
+      return AddPlates(study.Content(), study_, plates_, changing_.Losses());
+    });
+    return ExitCode::kDone;
+  }
+
+ protected:
+  void AddArguments(CLI::App& app) override { AddPlateFiles(app, plates_); }
+
+ private:
+  std::vector<std::string> plates_;
+};
+
+class RemoveAction final : public StudyChange {
+ public:
+  RemoveAction()
+      : StudyChange({"remove", "Remove plates from a study.",
+                     "vex study remove study.vex plate1 plate2"}) {}
+
+  ExitCode Run() override {
+    ChangeStudy([&](Document& study) { return remove(study); });
+    return ExitCode::kDone;
+  }
+
+ protected:
+  void AddArguments(CLI::App& app) override {
+    app.add_option("NAME", names_, "The plates' names")->required()->type_name("");
+  }
+
+ private:
+  std::string remove(Document& study) const {
+    std::vector<std::string> removed;
+    for (const std::string& name : names_) {
+      const Document::Plate* plate = FindPlate(study, name);
+      if (plate == nullptr) RefusePlateName(study, name);
+      if (std::find(removed.begin(), removed.end(), plate->name) != removed.end()) {
+        throw Error(ExitCode::kUsage, study_, "the plate '" + name + "' is given twice");
+      }
+      removed.push_back(plate->name);
+    }
+    std::string report;
+    for (const std::string& name : removed) {
+      study.Content().RemoveRQPlate(CString(std::string_view(name)));
+      report += "- " + Printable(ToUtf8(name)) + "\n";
+    }
+    return report;
+  }
+
+  std::vector<std::string> names_;
+};
+
+class ListAction final : public Command {
+ public:
+  ListAction()
+      : Command(
+            {"list", "List the plates of a study.",
+             "vex study list study.vex\nvex study list --json study.vex | jq '.plates[].name'"}) {}
+
+  void AddOptions(CLI::App& app) override {
+    app.add_option("STUDY", study_, "The study")->required()->type_name("");
+    app.add_flag("--json", json_, "For programs: an object");
+  }
+
+  ExitCode Run() override {
+    const Document document(study_);
+    RequireStudy(document);
+    ordered_json plates = ordered_json::array();
+    for (const Document::Plate& plate : document.Plates()) plates.push_back(describe(plate));
+    if (json_) {
+      const ordered_json study = {{"file", study_}, {"plates", std::move(plates)}};
+      std::cout << study.dump(-1, ' ', false, ordered_json::error_handler_t::replace) << '\n';
+    } else {
+      print(plates);
+    }
+    document.RequireWhole("");
+    return ExitCode::kDone;
+  }
+
+ private:
+  static ordered_json describe(const Document::Plate& plate) {
+    const Vex2FileManager& content = *plate.content;
+    return {{"name", ToUtf8(plate.name)},
+            {"modified", ToUtf8(plate.date)},
+            {"wells", content.GetPlateSize()},
+            {"frames", content.GetDataFrameCount(DataRAWa)},
+            {"status", ToUtf8(content.GetAcquisitionStatus().View())},
+            {"offset", plate.offset},
+            {"size", plate.end - plate.offset}};
+  }
+
+  void print(const ordered_json& plates) const {
+    const Terminal& terminal = Terminal::Out();
+    std::cout << terminal.Styled(Printable(study_), Terminal::Style::kBold) << ": "
+              << Counted(plates.size(), "plate") << '\n';
+    if (plates.empty()) return;
+    std::size_t nameWidth = 4;
+    for (const auto& plate : plates) nameWidth = std::max(nameWidth, Columns(text(plate["name"])));
+    nameWidth = std::min(nameWidth, kWidestName);
+    std::cout << terminal.Styled(row(nameWidth, "name", "wells", "frames", "run", "modified"),
+                                 Terminal::Style::kDim)
+              << '\n';
+    for (const auto& plate : plates) {
+      std::cout << row(nameWidth, text(plate["name"]), plate["wells"].dump(),
+                       plate["frames"].dump(), text(plate["status"]), text(plate["modified"]))
+                << '\n';
+    }
+  }
+
+  static std::string text(const ordered_json& value) { return Printable(value.get<std::string>()); }
+
+  static std::string row(std::size_t nameWidth, const std::string& name, const std::string& wells,
+                         const std::string& frames, const std::string& status,
+                         const std::string& modified) {
+    // A file or another program gets names whole.
+    const bool cut = Terminal::Out().IsTerminal();
+    const std::string line = "  " + PadRight(cut ? CutTo(name, nameWidth) : name, nameWidth) +
+                             PadLeft(wells, 7) + PadLeft(frames, 8) + "  " + PadRight(status, 4) +
+                             "  " + modified;
+    return CutTo(line, Terminal::Out().TextWidth());
+  }
+
+  static constexpr std::size_t kWidestName = 40;
+
+  std::string study_;
+  bool json_ = false;
+};
+
+class ExtractAction final : public Command {
+ public:
+  ExtractAction()
+      : Command({"extract", "Save a plate of a study as a document of its own.",
+                 "vex study extract study.vex plate1 plate1.vex"}) {}
+
+  void AddOptions(CLI::App& app) override {
+    app.add_option("STUDY", study_, "The study")->required()->type_name("");
+    app.add_option("NAME", name_, "The plate's name")->required()->type_name("");
+    app.add_option("OUT", target_, "Where to save it, in place of what is there")
+        ->required()
+        ->type_name("");
+    rewriting_.AddOptions(app);
+  }
+
+  ExitCode Run() override {
+    const Document document(study_);
+    const Document::Plate* plate = FindPlate(document, name_);
+    if (plate == nullptr) RefusePlateName(document, name_);
+    ExtractPlate(document, *plate, target_, rewriting_);
+    return ExitCode::kDone;
+  }
+
+ private:
+  std::string study_;
+  std::string name_;
+  std::string target_;
+  Rewriting rewriting_;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> MakeStudyCommand() {
+  std::vector<std::unique_ptr<Command>> actions;
+  actions.push_back(std::make_unique<NewAction>());
+  actions.push_back(std::make_unique<AddAction>());
+  actions.push_back(std::make_unique<RemoveAction>());
+  actions.push_back(std::make_unique<ListAction>());
+  actions.push_back(std::make_unique<ExtractAction>());
+  actions.push_back(MakeStudySetCommand());
+  return std::make_unique<CommandGroup>(
+      Command::Description{"study", "Join plates into a study, and take them out again.",
+                           "vex study new study.vex plate1.vex plate2.vex\n"
+                           "vex study list study.vex"},
+      std::move(actions));
+}
+
+}  // namespace vex2::tool

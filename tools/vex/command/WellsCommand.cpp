@@ -1,0 +1,190 @@
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <set>
+
+#include "tools/vex/command/ListingCommand.h"
+#include "tools/vex/setup/PlateContents.h"
+#include "tools/vex/setup/PlateGrid.h"
+#include "tools/vex/setup/WellsFile.h"
+#include "tools/vex/text/CsvWriter.h"
+#include "tools/vex/text/Text.h"
+
+namespace vex2::tool {
+
+namespace {
+
+using nlohmann::ordered_json;
+
+constexpr unsigned kMostWells = std::numeric_limits<unsigned short>::max();
+
+ordered_json wellsInfo(const Vex2FileManager& document) {
+  const PlateContents contents = ContentsOf(document);
+  ordered_json wells = ordered_json::array();
+  unsigned short before = 0;
+  for (const WellRow& row : contents.rows) {
+    if (row.well != before) {
+      wells.push_back({{"well", contents.plate.NameOf(row.well)},
+                       {"sample", ToUtf8(row.sample)},
+                       {"detectors", ordered_json::array()}});
+    }
+    before = row.well;
+    if (!row.HasDetector()) continue;
+    ordered_json detector = {{"name", ToUtf8(row.target)},
+                             {"task", ToUtf8(row.task)},
+                             {"quantity", nullptr},
+                             {"reporter", ToUtf8(row.reporter)}};
+    if (row.HasQuantity() && std::isfinite(row.quantity)) {
+      detector["quantity"] = std::stod(DecimalText(row.quantity));
+    }
+    wells.back()["detectors"].push_back(std::move(detector));
+  }
+  return {{"rows", contents.plate.rows},
+          {"columns", contents.plate.columns},
+          {"wells", std::move(wells)}};
+}
+
+// What the grid shows of a row.
+std::string shownText(const WellRow& row, const std::string& what) {
+  if (what == "sample") return ToUtf8(row.sample);
+  return ToUtf8(what == "task" ? row.task : row.target);
+}
+
+// One text for each well: what its rows say, one after the other.
+std::vector<std::string> gridTexts(const PlateContents& contents, const std::string& what) {
+  std::vector<std::string> texts(contents.plate.WellCount());
+  std::map<unsigned, std::set<std::string>> said;
+  for (const WellRow& row : contents.rows) {
+    const std::string text = Printable(shownText(row, what));
+    if (row.well > texts.size() || text.empty() || !said[row.well].insert(text).second) continue;
+    std::string& shown = texts[row.well - 1U];
+    shown += (shown.empty() ? "" : "+") + text;
+  }
+  return texts;
+}
+
+class WellsCommand final : public ListingCommand {
+ public:
+  WellsCommand()
+      : ListingCommand({"wells", "Show what stands in the wells of the plate, or replace it.",
+                        "vex wells run.vex\nvex wells run.vex --show task\n"
+                        "vex wells run.vex --csv > wells.csv\n"
+                        "vex wells run.vex --from wells.csv"}) {}
+
+ protected:
+  void addChanges(CLI::App& app) override {
+    app.add_option("--show", what_, "What to show: sample (the default), detector, task")
+        ->check(CLI::IsMember({"sample", "detector", "task"}))
+        ->type_name("WHAT");
+    app.add_option("--from", source_, "Replace it; well,sample,target,task,quantity,reporter")
+        ->type_name("FILE.csv");
+  }
+
+  bool hasChanges() const override { return !source_.empty(); }
+
+  std::string change(Vex2FileManager& plate) const override {
+    return replace(plate, LoadWells(source_));
+  }
+
+  ordered_json describe(const Vex2FileManager& plate) const override {
+    requireSetup(plate);
+    return wellsInfo(plate);
+  }
+
+  void printCsv(const std::vector<Document::Plate>& plates, bool all) const override {
+    for (const Document::Plate& plate : plates) requireSetup(*plate.content);
+    CsvWriter csv(std::cout, all);
+    WriteWellColumns(csv);
+    for (const Document::Plate& plate : plates) {
+      WriteWells(ContentsOf(*plate.content), csv, ToUtf8(plate.name));
+    }
+  }
+
+  void print(const Vex2FileManager& plate) const override {
+    requireSetup(plate);
+    const PlateContents contents = ContentsOf(plate);
+    std::set<std::string> targets;
+    for (const WellRow& row : contents.rows) {
+      if (!row.target.empty()) targets.insert(row.target);
+    }
+    std::cout << contents.plate.WellCount() << " wells, " << contents.Wells().size() << " set up, "
+              << Counted(targets.size(), "detector") << "; each well's " << what_ << ":\n"
+              << DrawPlate(contents.plate, gridTexts(contents, what_), Terminal::Out());
+  }
+
+ private:
+  // A header may say what it likes, but wells are numbered in 16 bits.
+  void requireNumberedWells(const Vex2FileManager& plate) const {
+    const PlateLayout layout = LayoutOf(plate);
+    if (std::uint64_t{layout.rows} * layout.columns <= kMostWells) return;
+    throw Error(ExitCode::kDocument, file_,
+                "its plate of " + std::to_string(layout.rows) + " rows and " +
+                    std::to_string(layout.columns) + " columns has more wells than a setup holds");
+  }
+
+  void requireSetup(const Vex2FileManager& plate) const {
+    requireNumberedWells(plate);
+    if (plate.GetPlateSetupComp() != nullptr) return;
+    throw Error(ExitCode::kDocument, file_,
+                "it has no plate setup; 'vex wells FILE --from wells.csv' gives it one");
+  }
+
+  std::string replace(Vex2FileManager& document, PlateContents contents) const {
+    requireNumberedWells(document);
+    const PlateContents before = ContentsOf(document);
+    const PlateLayout loaded = contents.plate;
+    const PlateLayout own = LayoutOf(document);
+    for (WellRow& row : contents.rows) {
+      const auto well = own.Find(loaded.NameOf(row.well));
+      if (!well) {
+        throw Error(ExitCode::kUsage, source_,
+                    "well " + loaded.NameOf(row.well) + " is not on the document's plate of " +
+                        std::to_string(own.WellCount()) + " wells");
+      }
+      row.well = *well;
+    }
+    contents.plate = own;
+    StoreContents(document, contents);
+    return "wells set up: " + std::to_string(before.Wells().size()) + " -> " +
+           std::to_string(contents.Wells().size()) + "\n" + differences(before, contents);
+  }
+
+  // The wells whose rows are others than before.
+  static std::string differences(const PlateContents& before, const PlateContents& after) {
+    std::map<unsigned short, std::vector<WellRow>> rows;
+    std::map<unsigned short, std::vector<WellRow>> others;
+    for (const WellRow& row : before.rows) rows[row.well].push_back(row);
+    for (const WellRow& row : after.rows) others[row.well].push_back(row);
+    std::set<unsigned short> wells;
+    for (const auto& [well, list] : rows) {
+      if (others[well] != list) wells.insert(well);
+    }
+    for (const auto& [well, list] : others) {
+      if (rows[well] != list) wells.insert(well);
+    }
+    constexpr std::size_t kMostNamed = 8;
+    std::string names;
+    for (const unsigned short well : wells) {
+      if (names.size() > kMostNamed * 4) {
+        names += " and more";
+        break;
+      }
+      names += ' ' + after.plate.NameOf(well);
+    }
+    return "wells changed: " + std::to_string(wells.size()) + (wells.empty() ? "" : ":") + names +
+           '\n';
+  }
+
+  std::string what_ = "sample";
+  std::string source_;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> MakeWellsCommand() {
+  return std::make_unique<WellsCommand>();
+}
+
+}  // namespace vex2::tool

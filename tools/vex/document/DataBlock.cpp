@@ -1,0 +1,82 @@
+#include "tools/vex/document/DataBlock.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+#include "vex2/container/TagTable.h"
+
+namespace vex2::tool {
+
+namespace {
+
+constexpr std::uint32_t kFixedLength = 18;
+constexpr std::uint64_t kRecordSize = 80;
+constexpr std::uint16_t kFirstVersionWithTimes = 2;
+
+bool readTimes(CFile& file, DataBlockHead& head) {
+  const auto size = ReadShort(file);
+  if (!size) return false;
+  head.timeBlockSize = *size;
+  return file.Read(head.start.fields, sizeof head.start.fields) == sizeof head.start.fields &&
+         file.Read(head.end.fields, sizeof head.end.fields) == sizeof head.end.fields;
+}
+
+}  // namespace
+
+std::optional<DataBlockHead> ReadDataBlockHead(CFile& file, const FileRecord& record) {
+  file.Seek(static_cast<std::int64_t>(record.BodyOffset()), CFile::begin);
+  DataBlockHead head;
+  const auto version = ReadShort(file);
+  if (!version) return std::nullopt;
+  head.version = *version;
+  if (*version >= kFirstVersionWithTimes && !readTimes(file, head)) return std::nullopt;
+  const auto wells = ReadShort(file);
+  if (!wells || file.GetRemaining() < 2U * *wells) return std::nullopt;
+  for (unsigned i = 0; i < *wells; ++i) head.wells.push_back(ReadShort(file).value_or(0));
+  head.frameSize = kRecordSize * *wells;
+  if (*wells > 0 && record.length > kFixedLength) {
+    head.frameCount = (record.length - kFixedLength) / head.frameSize;
+  }
+  head.firstFrame = file.GetPosition();
+  return head;
+}
+
+FrameFit FitFrames(const FileRecord& record, const DataBlockHead& head, std::uint64_t end) {
+  FrameFit fit;
+  fit.headSize = head.firstFrame - record.offset;
+  if (head.frameSize == 0) return fit;
+  const auto split = [&](std::uint64_t last, std::uint64_t& frames, std::uint64_t& rest) {
+    const std::uint64_t bytes = last - std::min(last, head.firstFrame);
+    frames = bytes / head.frameSize;
+    rest = bytes % head.frameSize;
+  };
+  split(record.DeclaredEnd(), fit.counted, fit.countedRest);
+  split(end, fit.there, fit.thereRest);
+  return fit;
+}
+
+void AddBlockOption(CLI::App& app, std::string& tag) {
+  tag = "RAWa";
+  app.add_option("--block", tag, "The data block; RAWa if none")
+      ->check(CLI::IsMember({"RAWa", "REPr", "REPn", "REPd", "REPt"}))
+      ->type_name("TAG");
+}
+
+Vex2DataType BlockType(std::string_view tag) {
+  return static_cast<Vex2DataType>(FindTagIndex(tag));
+}
+
+std::optional<std::string> TimeText(const TimeStamp& time) {
+  if (time == TimeStamp{}) return std::nullopt;
+  const auto& [year, month, day, hour, minute, second] = time.fields;
+  std::array<char, 32> text{};
+  const bool isTime = year < 100 && month >= 1 && month <= 12 && day >= 1 && day <= 31 &&
+                      hour < 24 && minute < 60 && second < 60;
+  std::snprintf(text.data(), text.size(),
+                isTime ? "20%02u-%02u-%02u %02u:%02u:%02u" : "%u %u %u %u %u %u", year, month, day,
+                hour, minute, second);
+  return std::string(text.data());
+}
+
+}  // namespace vex2::tool

@@ -1,0 +1,55 @@
+#include "tools/vex/document/DocumentFile.h"
+
+#include <memory>
+
+#include "tools/vex/Errors.h"
+#include "vex2/container/TagFactory.h"
+
+namespace vex2::tool {
+
+namespace {
+
+constexpr std::string_view kRawData = "RAWa";
+
+// What a study adds to a plate: name and date.
+bool isPlateText(const CComponent& component) {
+  return component.GetTag() == "Path" || component.GetTag() == "RQPD";
+}
+
+}  // namespace
+
+DocumentFile::DocumentFile(const Vex2FileManager& plate) : Vex2FileManager(plate) {
+  int last = GetAllComponentCount() - 1;
+  while (last >= 0 && isPlateText(*GetComponent(last))) --last;
+  if (last >= 0 && GetComponent(last)->GetTag() == kRawData) moveToEnd(GetComponent(last));
+}
+
+void DocumentFile::OpenDocument(const std::string& path) {
+  CFileException reason;
+  if (!Open(path.c_str(), modeRead | typeBinary | shareExclusive, &reason)) {
+    throw SystemError(path, reason.GetError());
+  }
+  SetFilePath(path.c_str());
+  if (!IsVex2Format()) {
+    throw Error(ExitCode::kDocument, path, "this is no plate document: it does not begin with Vex2",
+                0);
+  }
+}
+
+int DocumentFile::ReadFrameAt(int index, Vex2FrameData& frame, std::uint64_t blockOffset) {
+  return readAFrame(index, &frame, static_cast<long>(blockOffset));
+}
+
+bool DocumentFile::hasRawDataLast() const {
+  const CComponent* last = GetComponent(GetAllComponentCount() - 1);
+  return last != nullptr && last->GetTag() == kRawData;
+}
+
+void DocumentFile::moveToEnd(CComponent* component) {
+  std::unique_ptr<CComponent> copy;
+  if (component == nullptr || CloneComponent(*component, copy) != 1) return;
+  RemoveComponent(component);
+  appendComponent(std::move(copy));
+}
+
+}  // namespace vex2::tool

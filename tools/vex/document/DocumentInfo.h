@@ -1,0 +1,13 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+
+#include "tools/vex/document/Document.h"
+
+namespace vex2::tool {
+
+/// Everything that `vex info` says about a document, or about one plate of it. What a study says
+/// of itself has the same of each of its plates under "plates".
+nlohmann::ordered_json DescribeDocument(const Document& document, const Document::Plate& plate);
+
+}  // namespace vex2::tool

@@ -1,0 +1,104 @@
+#include "tools/vex/document/Rewriting.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+
+#include "tools/vex/Errors.h"
+#include "tools/vex/text/Text.h"
+#include "vex2/run/AcquisitionDataComp.h"
+
+namespace vex2::tool {
+
+namespace {
+
+constexpr std::uint16_t kFirstVersionThatReadsBack = 2;
+constexpr std::size_t kMostLossLines = 8;
+
+// The system's reason why nothing can be saved to `path`. The library answers with a status alone.
+int reasonAgainst(const std::string& path) {
+  const auto folder = std::filesystem::path(path).parent_path();
+  if (!folder.empty() && access(folder.c_str(), F_OK) != 0) return errno;
+  if (std::filesystem::is_directory(path)) return EISDIR;
+  if (access(path.c_str(), F_OK) == 0) return access(path.c_str(), W_OK) != 0 ? errno : EIO;
+  return access(folder.empty() ? "." : folder.c_str(), W_OK) != 0 ? errno : EIO;
+}
+
+}  // namespace
+
+void Rewriting::AddOptions(CLI::App& app) {
+  app.add_flag("--upgrade", upgrade_, "Make data blocks of version 1 version 2");
+  app.add_flag("--drop-unknown", dropUnknown_, "Accept that unknown records are lost");
+}
+
+void Rewriting::Prepare(Document& document, const std::string& target) const {
+  document.RequireWhole("saved");
+  upgradeBlocks(document);
+  reportLosses(document, document.Losses(), target);
+}
+
+void Rewriting::PreparePlate(const Document& document, const Document::Plate& plate,
+                             const std::string& target) const {
+  document.RequireWhole("saved");
+  upgradeBlocks(document, plate);
+  std::vector<Document::Loss> losses = document.Losses();
+  std::erase_if(losses, [&](const Document::Loss& loss) {
+    return loss.offset < plate.offset || loss.offset >= plate.end;
+  });
+  reportLosses(document, losses, target);
+}
+
+void Rewriting::upgradeBlocks(const Document& document) const {
+  upgradeBlocks(document, document.Itself());
+  for (const Document::Plate& plate : document.Plates()) upgradeBlocks(document, plate);
+}
+
+void Rewriting::upgradeBlocks(const Document& document, const Document::Plate& plate) const {
+  int index = 0;
+  for (const Document::Record& record : plate.records) {
+    if (!record.known) continue;
+    auto* block = dynamic_cast<AcquisitionDataComp*>(plate.content->GetComponent(index++));
+    if (block == nullptr || block->GetVersion() >= kFirstVersionThatReadsBack) continue;
+    if (!upgrade_) {
+      throw Error(ExitCode::kDocument, document.Path(),
+                  "the data block \"" + record.tag +
+                      "\" is of version 1 and would not read back once saved; give --upgrade to "
+                      "make it version 2",
+                  record.offset);
+    }
+    block->Upgrade();
+  }
+}
+
+void Rewriting::reportLosses(const Document& document, const std::vector<Document::Loss>& losses,
+                             const std::string& target) const {
+  if (losses.empty()) return;
+  if (IsSameFile(document.Path(), target) && !dropUnknown_) {
+    throw Error(ExitCode::kDocument, document.Path(),
+                "saving would lose " + losses.front().what +
+                    (losses.size() > 1 ? ", and more" : "") +
+                    "; give --drop-unknown to accept that",
+                losses.front().offset);
+  }
+  for (std::size_t i = 0; i < losses.size() && i < kMostLossLines; ++i) {
+    PrintLine(Printable(document.Path()) + ": at byte " + std::to_string(losses[i].offset) +
+              ": left out: " + losses[i].what);
+  }
+  if (losses.size() > kMostLossLines) {
+    PrintLine(Printable(document.Path()) +
+              ": left out: " + Counted(losses.size() - kMostLossLines, "more record"));
+  }
+}
+
+void Rewriting::Save(Vex2FileManager& document, const std::string& target) {
+  if (document.SaveToFile(target.c_str()) == kSuccess) return;
+  throw SystemError(target, reasonAgainst(target));
+}
+
+bool IsSameFile(const std::string& one, const std::string& other) {
+  std::error_code ignored;
+  return std::filesystem::equivalent(one, other, ignored);
+}
+
+}  // namespace vex2::tool

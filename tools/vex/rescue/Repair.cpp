@@ -1,0 +1,164 @@
+#include "tools/vex/rescue/Repair.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+
+#include "tools/vex/document/Document.h"
+#include "tools/vex/document/HeaderFields.h"
+#include "tools/vex/rescue/RecordCheck.h"
+#include "tools/vex/rescue/TailCheck.h"
+#include "tools/vex/text/Text.h"
+
+namespace vex2::tool {
+
+namespace {
+
+constexpr std::uint64_t kRecordHead = 8;
+constexpr std::uint64_t kLengthAt = 4;
+constexpr std::uint64_t kReadingBytes = 80;
+constexpr std::uint16_t kTimeBlockSize = 12;
+
+class Planner {
+ public:
+  explicit Planner(const std::string& path) : document_(path) {
+    file_.OpenDocument(path);
+    header_ = ReadHeaderFields(file_, 0);
+    plan_.size = document_.Size();
+  }
+
+  RepairPlan Plan() {
+    Findings unused;
+    RecordCheck records(document_, header_, unused);
+    const WalkEnd end = WalkRecords(file_, records);
+    mendEnd();
+    const bool isWalked =
+        !end.fault || end.fault->offset >= document_.StrayOffset() || plan_.newSize;
+    if (isWalked && !records.HasGaps()) mendLengths(records.WrongLengths());
+    mendProgram(records.Positioned());
+    mendRawData();
+    return std::move(plan_);
+  }
+
+ private:
+  void patch(std::uint64_t offset, std::uint64_t before, std::uint64_t after, std::string what) {
+    if (before == after || after > std::numeric_limits<std::uint32_t>::max()) return;
+    plan_.patches.push_back({offset, static_cast<std::uint32_t>(before),
+                             static_cast<std::uint32_t>(after), std::move(what)});
+  }
+
+  void cutAt(std::uint64_t offset, std::string what) {
+    if (offset >= plan_.size) return;
+    plan_.newSize = offset;
+    plan_.cut = Counted(plan_.size - offset, "byte") + " " + std::move(what);
+  }
+
+  void mendEnd() {
+    const auto& records = document_.Records();
+    const bool endsInBlock = !records.empty() && records.back().tag == "RAWa";
+    if (document_.Fault() && !(endsInBlock && document_.Fault()->offset == records.back().offset)) {
+      return;
+    }
+    if (const auto block = FindLastBlock(file_, document_)) return mendBlock(*block);
+    const std::uint64_t from =
+        document_.Fault() ? document_.Fault()->offset : document_.StrayOffset();
+    const bool isFirstCommit =
+        document_.Fault() ? isFirstCommitOpen() : IsFirstCommit(file_, document_, header_);
+    if (isFirstCommit) return cutAt(from, "of a first commit that was interrupted");
+    if (document_.Fault() || plan_.size - from >= kRecordHead) return;
+    cutAt(from, "behind the last record, too few for another");
+  }
+
+  bool isFirstCommitOpen() const { return header_.IsUnfinished() && header_.rawDataPosition == 0; }
+
+  void mendBlock(const LastBlock& block) {
+    const DataBlockHead& head = block.head;
+    if (head.version < 2 || head.timeBlockSize != kTimeBlockSize) return;
+    const FrameFit fit = FitFrames(block.record, head, plan_.size);
+    std::uint64_t frames = std::min(fit.counted, fit.there);
+    // Beyond what was counted, a frame is one only when the instrument filled it.
+    while (frames < fit.there && isFilled(head, frames)) ++frames;
+    if (frames == 0 && isFirstCommitOpen()) {
+      return cutAt(block.record.offset, "of a first commit that was interrupted");
+    }
+    const std::uint64_t end = head.firstFrame + frames * head.frameSize;
+    // A commit leaves no more than a frame. What else stands there is not to be cut off unseen.
+    if (plan_.size - end > head.frameSize) return;
+    patch(block.record.offset + kLengthAt, block.record.length,
+          end - block.record.offset - kRecordHead,
+          "the length of RAWa, for " + Counted(frames, "whole frame"));
+    cutAt(end, "of a frame that was not committed");
+  }
+
+  bool isFilled(const DataBlockHead& head, std::uint64_t frame) {
+    const std::uint64_t begin = head.firstFrame + frame * head.frameSize;
+    for (std::uint64_t well = 0; well < head.wells.size(); ++well) {
+      file_.Seek(static_cast<std::int64_t>(begin + well * kReadingBytes), CFile::begin);
+      if (ReadShort(file_).value_or(0) == 0) return false;
+    }
+    return true;
+  }
+
+  void mendLengths(const std::vector<WrongLength>& lengths) {
+    for (const WrongLength& wrong : lengths) {
+      patch(wrong.offset + kLengthAt, wrong.declared, wrong.held,
+            "the length of " + wrong.name + ", for what it holds");
+    }
+  }
+
+  void mendProgram(const std::vector<PositionedRecord>& records) {
+    const std::uint32_t position = header_.programPosition;
+    const PositionedRecord* first = nullptr;
+    for (const PositionedRecord& record : records) {
+      if (record.tag != "TPro") continue;
+      if (first == nullptr) first = &record;
+      if (record.offset == position || record.end == position) return;
+    }
+    if (first == nullptr || position == 0) return;
+    patch(HeaderFields::kProgramAt, position, first->offset,
+          "the header's position of TPro, for its tag");
+  }
+
+  void mendRawData() {
+    if (document_.IsStudy() || (document_.Fault() && plan_.IsEmpty())) return;
+    const std::uint32_t position = header_.rawDataPosition;
+    const auto& records = document_.Records();
+    const auto isBlock = [](const auto& record) { return record.tag == "RAWa"; };
+    const auto block = std::find_if(records.begin(), records.end(), isBlock);
+    if (block == records.end() || block->offset >= plan_.newSize.value_or(plan_.size)) {
+      // What stands behind the last record may be the block, with a damaged head.
+      if (document_.StrayOffset() + kRecordHead <= plan_.newSize.value_or(plan_.size)) return;
+      return patch(HeaderFields::kRawDataAt, position, 0,
+                   "the header's position of RAWa, for there is none");
+    }
+    const auto leads = [position](const auto& record) {
+      return record.offset == position || record.offset + kRecordHead + record.length == position;
+    };
+    // What a save of the whole document leaves is in order unless a run goes on.
+    const bool isFine =
+        !header_.IsRunning() &&
+        (position == 0 || std::any_of(records.begin(), records.end(), [&](const auto& record) {
+           return isBlock(record) && leads(record);
+         }));
+    if (isFine) return;
+    const bool isAtTag = std::any_of(records.begin(), records.end(), [&](const auto& record) {
+      return isBlock(record) && record.offset == position;
+    });
+    if (isAtTag) return;
+    patch(HeaderFields::kRawDataAt, position, block->offset,
+          "the header's position of RAWa, for its tag");
+  }
+
+  const Document document_;
+  DocumentFile file_;
+  HeaderFields header_;
+  RepairPlan plan_;
+};
+
+}  // namespace
+
+RepairPlan PlanRepair(const std::string& path) {
+  return Planner(path).Plan();
+}
+
+}  // namespace vex2::tool

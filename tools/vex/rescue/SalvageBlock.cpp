@@ -1,0 +1,263 @@
+#include "tools/vex/rescue/SalvageBlock.h"
+
+#include <algorithm>
+#include <bitset>
+#include <utility>
+
+#include "tools/vex/document/DataBlock.h"
+#include "vex2/container/TagTable.h"
+
+namespace vex2::tool {
+
+namespace {
+
+constexpr std::uint64_t kHeadSize = 8;
+constexpr std::uint64_t kFixedLength = 18;    // of the body, without numbers and frames
+constexpr std::uint64_t kOldFixedLength = 4;  // the same before there were times
+constexpr std::uint64_t kRecordSize = 80;
+constexpr std::uint16_t kVersion = 2;
+constexpr std::uint16_t kTimesSize = 12;
+constexpr std::uint16_t kMostWells = 1536;
+constexpr std::uint16_t kLeastWellsToTell = 4;
+constexpr std::uint16_t kPadding = 0xFFFF;  // of a plate's header
+
+std::string dataTagAt(SalvageSource& source, std::uint64_t offset) {
+  const auto bytes = source.View(offset, kTagLength);
+  if (bytes.size() < kTagLength) return {};
+  std::string tag(bytes.begin(), bytes.begin() + kTagLength);
+  return KindOf(tag).layout == BodyLayout::kData ? tag : std::string();
+}
+
+void readTimes(SalvageSource& source, std::uint64_t body, SalvageBlock& block) {
+  const auto bytes = source.View(body + 4, block.times.size());
+  if (bytes.size() >= block.times.size()) {
+    std::copy_n(bytes.begin(), block.times.size(), block.times.begin());
+  }
+}
+
+// The body at `body` as a writer makes it, but for what the search does not rely on.
+SalvageBlock blockWith(SalvageSource& source, std::uint64_t body, std::uint16_t wells,
+                       std::uint64_t to, std::uint64_t fixed = kFixedLength) {
+  SalvageBlock block;
+  block.offset = body - std::min(body, kHeadSize);
+  block.wells = wells;
+  block.firstFrame = body + fixed + 2 * std::uint64_t{wells};
+  block.frames = (to - std::min(to, block.firstFrame)) / block.FrameSize();
+  block.numbers = ReadWellNumbers(source, body + fixed, wells);
+  if (body >= kHeadSize) block.tag = dataTagAt(source, block.offset);
+  return block;
+}
+
+bool fits(const SalvageBlock& block, std::uint64_t to) {
+  return block.firstFrame <= to && (to - block.firstFrame) % block.FrameSize() == 0;
+}
+
+// By version and size of times, which do not stand side by side elsewhere, and numbers of wells.
+std::optional<SalvageBlock> byVersion(SalvageSource& source, const BlockSearch& search) {
+  for (std::uint64_t body = search.from; body + kFixedLength <= search.to; ++body) {
+    if (source.Long(body) != (std::uint32_t{kVersion} << 16U | kTimesSize)) continue;
+    const std::uint16_t wells = source.Short(body + 16).value_or(0);
+    if (wells == 0 || wells > kMostWells) continue;
+    SalvageBlock block = blockWith(source, body, wells, search.to);
+    if (block.firstFrame > search.to || (block.numbers.empty() && !fits(block, search.to)))
+      continue;
+    readTimes(source, body, block);
+    return block;
+  }
+  return std::nullopt;
+}
+
+// By the number of wells and their numbers, when whole frames follow up to the end.
+std::optional<SalvageBlock> byNumbers(SalvageSource& source, const BlockSearch& search) {
+  for (std::uint64_t at = std::max(search.from, kFixedLength); at + 2 <= search.to; ++at) {
+    const std::uint16_t wells = source.Short(at).value_or(0);
+    if (wells < kLeastWellsToTell || wells > kMostWells) continue;
+    // In the midst of numbers that ascend, each may look like a count of those behind it.
+    if (source.Short(at - 2) == wells - 1) continue;
+    const std::uint64_t first = at + 2 + 2 * std::uint64_t{wells};
+    if (first >= search.to || (search.to - first) % (kRecordSize * wells) != 0) continue;
+    SalvageBlock block = blockWith(source, at - 16, wells, search.to);
+    if (block.numbers.empty()) continue;
+    const auto& known = search.wellCounts;
+    const bool isKnown = std::find(known.begin(), known.end(), wells) != known.end();
+    if (!isKnown && block.numbers.front() == wells + 1) continue;
+    block.guesses.emplace_back("times");
+    return block;
+  }
+  return std::nullopt;
+}
+
+// How many records before `to` hold the same at the place where a recorder keeps the time of a
+// frame: as many as a frame has, when others follow that hold another. 0 when that
+// says nothing.
+std::uint16_t wellsByTimes(SalvageSource& source, std::uint64_t from, std::uint64_t to) {
+  constexpr std::uint64_t kTimeAt = 10;
+  std::optional<std::uint32_t> time;
+  std::uint16_t run = 0;
+  for (std::uint64_t at = to; at >= from + kRecordSize; at -= kRecordSize, ++run) {
+    const auto other = source.Long(at - kRecordSize + kTimeAt);
+    if (run > kMostWells) return 0;
+    if (time && other != time) return run >= kLeastWellsToTell && time != 0U ? run : 0;
+    time = other;
+  }
+  return 0;
+}
+
+// How well a block of so many wells at the begin of the search fits what is there. `byTimes`: as
+// many wells as its frames' times tell, 0 when they do not.
+int fitness(SalvageSource& source, const BlockSearch& search, const SalvageBlock& block,
+            std::uint16_t byTimes) {
+  if (block.firstFrame > search.to || block.frames == 0) return 0;
+  const auto& known = search.wellCounts;
+  if (!fits(block, search.to)) return 0;
+  if (byTimes != 0 && byTimes != block.wells) return 0;
+  int points = 3;
+  if (std::find(known.begin(), known.end(), block.wells) != known.end()) points += 2;
+  if (!block.numbers.empty()) points += 2;
+  // The first frame may be damaged as the head is, the last one is not.
+  if (MarkerOf(source, block.End() - block.FrameSize(), block.wells)) points += 3;
+  return points;
+}
+
+// From where the block begins: by the counts of wells that others have, or that fill the bytes to
+// the end, or that make the declared length, with whole frames.
+std::optional<SalvageBlock> byGrid(SalvageSource& source, const BlockSearch& search) {
+  constexpr int kConvincing = 5;
+  std::vector<std::uint16_t> counts = search.wellCounts;
+  const auto addSolutions = [&](std::uint64_t bodyLength) {
+    if (bodyLength < kFixedLength) return;
+    // length - 18 is 2 bytes of number and 80 of each frame a well.
+    const std::uint64_t half = (bodyLength - kFixedLength) / 2;
+    for (std::uint16_t wells = 1; wells <= kMostWells; ++wells) {
+      if (half % wells == 0 && (half / wells) % 40 == 1 && half > wells) counts.push_back(wells);
+    }
+  };
+  addSolutions(search.to - search.from - std::min(search.to - search.from, kHeadSize));
+  addSolutions(source.Long(search.from + 4).value_or(0));
+  const std::uint16_t byTimes = wellsByTimes(source, search.from, search.to);
+  std::optional<SalvageBlock> best;
+  int most = kConvincing - 1;
+  const auto tryWith = [&](std::uint16_t wells, std::uint64_t fixed) {
+    SalvageBlock block = blockWith(source, search.from + kHeadSize, wells, search.to, fixed);
+    const int points = fitness(source, search, block, byTimes);
+    if (points <= most) return;
+    most = points;
+    best = block;
+  };
+  for (const std::uint16_t wells : counts) {
+    tryWith(wells, kFixedLength);
+    tryWith(wells, kOldFixedLength);
+  }
+  return best;
+}
+
+// Nothing of the head is left: whole frames up to the end, as long as they look like some.
+std::optional<SalvageBlock> backwards(SalvageSource& source, const BlockSearch& search) {
+  std::vector<std::uint16_t> counts = search.wellCounts;
+  const std::uint16_t byTimes = wellsByTimes(source, search.from, search.to);
+  if (byTimes > 0) counts.insert(counts.begin(), byTimes);
+  for (const std::uint16_t wells : counts) {
+    SalvageBlock block;
+    block.wells = wells;
+    const std::uint64_t size = block.FrameSize();
+    block.firstFrame = search.to;
+    const auto marker =
+        search.to < search.from + size ? std::nullopt : MarkerOf(source, search.to - size, wells);
+    while (marker && block.firstFrame >= search.from + size &&
+           CountPlausibleFrames(source, block.firstFrame - size, wells, 1, marker) == 1) {
+      block.firstFrame -= size;
+      ++block.frames;
+    }
+    if (block.frames == 0) continue;
+    const std::uint64_t head = kHeadSize + kFixedLength + 2U * wells;
+    block.offset = std::max(search.from, block.firstFrame - std::min(block.firstFrame, head));
+    block.guesses.emplace_back("the place of the first frame");
+    return block;
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<SalvageBlock> BlockAt(SalvageSource& source, std::uint64_t offset) {
+  const auto length = source.Long(offset + 4);
+  if (!length) return std::nullopt;
+  FileRecord record;
+  record.offset = offset;
+  record.length = *length;
+  const auto head = ReadDataBlockHead(source.File(), record);
+  if (!head) return std::nullopt;
+  SalvageBlock block;
+  block.offset = offset;
+  block.tag = dataTagAt(source, offset);
+  block.length = *length;
+  block.version = head->version;
+  block.wells = static_cast<std::uint16_t>(head->wells.size());
+  block.firstFrame = head->firstFrame;
+  block.frames = head->frameCount;
+  if (block.version >= kVersion) readTimes(source, record.BodyOffset(), block);
+  block.lengthAgrees = record.DeclaredEnd() == block.End();
+  return block;
+}
+
+std::vector<std::uint16_t> ReadWellNumbers(SalvageSource& source, std::uint64_t offset,
+                                           std::uint16_t wells) {
+  if (wells > kMostWells) return {};
+  const auto bytes = source.View(offset, 2U * wells);
+  if (bytes.size() < 2U * wells) return {};
+  std::vector<std::uint16_t> numbers;
+  std::bitset<kMostWells + 1> met;
+  for (std::size_t i = 0; i < wells; ++i) {
+    const auto number = static_cast<std::uint16_t>(bytes[2 * i] << 8U | bytes[2 * i + 1]);
+    if (number == 0 || number > kMostWells || met.test(number)) return {};
+    met.set(number);
+    numbers.push_back(number);
+  }
+  return numbers;
+}
+
+std::optional<SalvageBlock> FindLostBlock(SalvageSource& source, const BlockSearch& search) {
+  if (search.to < search.from + kRecordSize) return std::nullopt;
+  if (auto block = byVersion(source, search)) return block;
+  if (auto block = byNumbers(source, search)) return block;
+  if (search.beginsAtFrom) {
+    if (auto block = byGrid(source, search)) return block;
+    // Part of a frame may stand behind those that it declares.
+    BlockSearch declared = search;
+    declared.to = search.from + kHeadSize + source.Long(search.from + 4).value_or(0);
+    if (declared.to < search.to) {
+      if (auto block = byGrid(source, declared)) return block;
+    }
+  }
+  return backwards(source, search);
+}
+
+std::optional<std::uint16_t> MarkerOf(SalvageSource& source, std::uint64_t frame,
+                                      std::uint16_t wells) {
+  std::uint16_t marker = 0;
+  for (unsigned well = 0; well < wells; ++well) {
+    const auto found = source.Short(frame + kRecordSize * well);
+    if (!found || *found == kPadding) return std::nullopt;
+    if (*found != 0 && marker != 0 && *found != marker) return std::nullopt;
+    marker = std::max(marker, *found);
+  }
+  if (marker == 0) return std::nullopt;
+  return marker;
+}
+
+std::uint64_t CountPlausibleFrames(SalvageSource& source, std::uint64_t offset, std::uint16_t wells,
+                                   std::uint64_t most, std::optional<std::uint16_t> marker) {
+  std::uint64_t count = 0;
+  for (; count < most && wells > 0; ++count) {
+    unsigned filled = 0;
+    for (unsigned well = 0; well < wells; ++well, offset += kRecordSize) {
+      const auto found = source.Short(offset);
+      if (!found) return count;
+      if (marker ? *found == *marker : *found != 0) ++filled;
+    }
+    if (2 * filled < wells) return count;
+  }
+  return count;
+}
+
+}  // namespace vex2::tool

@@ -1,0 +1,235 @@
+#include "tools/vex/run/InterruptedRun.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <string_view>
+
+#include "tools/vex/Errors.h"
+#include "tools/vex/text/CsvReader.h"
+#include "vex2/container/Encoding.h"
+#include "vex2/manager/Vex2FileManager.h"
+
+namespace vex2::tool {
+
+namespace {
+
+constexpr std::uint64_t kHeaderBytes = 1024;
+constexpr std::uint64_t kRowsAt = 20;
+constexpr std::uint64_t kStatusAt = 64;
+constexpr std::uint64_t kBlockPositionAt = 68;
+constexpr std::uint64_t kRecordHead = 8;     // tag and length
+constexpr std::uint64_t kFixedLength = 18;   // of a block, without well numbers and frames
+constexpr std::uint64_t kReadingBytes = 80;  // of one well in one frame
+constexpr std::size_t kTagBytes = 4;
+
+void moveTo(CFile& file, std::uint64_t position) {
+  file.Seek(static_cast<std::int64_t>(position), CFile::begin);
+}
+
+std::string textAt(CFile& file, std::uint64_t position) {
+  std::array<char, kTagBytes> text{};
+  moveTo(file, position);
+  return {text.data(), file.Read(text.data(), text.size())};
+}
+
+bool isTag(std::string_view text) {
+  return text.size() == kTagBytes && std::all_of(text.begin(), text.end(), [](char letter) {
+           return std::isalnum(static_cast<unsigned char>(letter)) != 0 || letter == ' ';
+         });
+}
+
+std::uint64_t headBytes(std::size_t wells) {
+  return kRecordHead + kFixedLength + 2 * std::uint64_t{wells};
+}
+
+std::vector<std::uint8_t> storedBytes(const std::vector<Vex2WellRecord>& records) {
+  std::vector<std::uint8_t> bytes;
+  bytes.reserve(records.size() * kReadingBytes);
+  const auto add = [&](std::uint16_t value) {
+    bytes.push_back(static_cast<std::uint8_t>(value >> 8U));
+    bytes.push_back(static_cast<std::uint8_t>(value & 0xFFU));
+  };
+  for (const Vex2WellRecord& record : records) {
+    std::for_each_n(record.leading, 8, add);
+    std::for_each_n(record.data, 32, add);
+  }
+  return bytes;
+}
+
+// The first line of `log` that `other` has not at the same place.
+std::string differingLine(std::string_view log, std::string_view other) {
+  while (!log.empty()) {
+    const std::string_view line = log.substr(0, log.find('\n'));
+    if (line != other.substr(0, other.find('\n'))) return std::string(line);
+    log.remove_prefix(std::min(log.size(), line.size() + 1));
+    other.remove_prefix(std::min(other.size(), line.size() + 1));
+  }
+  return "nothing";
+}
+
+}  // namespace
+
+std::string RecordedLog(const std::string& path) {
+  Vex2FileManager document;
+  Vex2GlobalComplex settings;
+  if (document.ReadFromFile(path.c_str()) != kSuccess ||
+      document.GetGlobalComplexInfo(&settings) != kSuccess || settings.logData == nullptr) {
+    return {};
+  }
+  return {reinterpret_cast<const char*>(settings.logData), settings.logLength};
+}
+
+InterruptedRun::InterruptedRun(const std::string& path) : path_(path) {
+  CFile file;
+  CFileException error;
+  if (!file.Open(path.c_str(), CFile::modeRead, &error)) {
+    throw SystemError(path, error.GetError());
+  }
+  if (textAt(file, 0) != "Vex2" || file.GetLength() < kHeaderBytes) refuse("is no plate document");
+  status_ = textAt(file, kStatusAt);
+  if (IsDone()) return;
+  if (status_ != "PROG" && status_ != "ZERO") {
+    refuse("has the status " + Quoted(status_) + ", which is no run's in progress");
+  }
+  moveTo(file, kBlockPositionAt);
+  static_cast<void>(ReadValue(file, headerPosition_));
+  moveTo(file, kRowsAt);
+  static_cast<void>(ReadValue(file, rows_));
+  static_cast<void>(ReadValue(file, columns_));
+  findBlock(file);
+  if (headerPosition_ != 0) readHead(file);
+  countFrames(file.GetLength());
+  tailTag_ = textAt(file, tailStart_);
+}
+
+// Whole records come first. What follows them is the block, or what there is of it.
+void InterruptedRun::findBlock(CFile& file) {
+  blockStart_ = kHeaderBytes;
+  for (;;) {
+    const std::string tag = textAt(file, blockStart_);
+    std::uint32_t length = 0;
+    if (!isTag(tag) || tag == "RAWa" || ReadValue(file, length) != kSuccess) return;
+    if (length > file.GetRemaining()) return;
+    blockStart_ += kRecordHead + length;
+  }
+}
+
+void InterruptedRun::readHead(CFile& file) {
+  std::uint16_t version = 0;
+  std::uint16_t timeBytes = 0;
+  std::uint16_t wells = 0;
+  if (textAt(file, blockStart_) != "RAWa" || ReadValue(file, blockLength_) != kSuccess ||
+      ReadValue(file, version) != kSuccess || ReadValue(file, timeBytes) != kSuccess ||
+      version != 2 || timeBytes != sizeof(TimeStamp) * 2) {
+    refuseAt(blockStart_, "no data block of a recorder where it should be");
+  }
+  file.Seek(timeBytes, CFile::current);
+  if (ReadValue(file, wells) != kSuccess || wells == 0 || file.GetRemaining() < 2U * wells) {
+    refuseAt(blockStart_, "the data block is cut off before its first frame");
+  }
+  wells_.resize(wells);
+  for (unsigned short& well : wells_) static_cast<void>(ReadValue(file, well));
+}
+
+void InterruptedRun::countFrames(std::uint64_t fileLength) {
+  tailStart_ = blockStart_;
+  if (HasBlock()) {
+    const std::uint64_t declared =
+        std::max(blockStart_ + kRecordHead + blockLength_, framesStart());
+    frameCount_ = (std::min(declared, fileLength) - framesStart()) / frameBytes();
+    tailStart_ = framesStart() + frameCount_ * frameBytes();
+  }
+  tailBytes_ = fileLength - std::min(fileLength, tailStart_);
+}
+
+std::uint64_t InterruptedRun::framesStart() const {
+  return blockStart_ + headBytes(wells_.size());
+}
+
+std::uint64_t InterruptedRun::frameBytes() const {
+  return kReadingBytes * wells_.size();
+}
+
+void InterruptedRun::Check(const RunPlan& plan) const {
+  checkSettings(plan);
+  checkTail(plan);
+  if (!HasBlock()) return;
+  if (wells_ != plan.wells) refuse("was recorded from other wells");
+  if (frameCount_ > plan.frames.size()) {
+    refuse("holds " + std::to_string(frameCount_) + " frames, but the run has only " +
+           std::to_string(plan.frames.size()));
+  }
+  checkReadings(plan);
+}
+
+void InterruptedRun::checkSettings(const RunPlan& plan) const {
+  const std::string log = RecordedLog(path_);
+  const std::string expected = LogText(plan);
+  if (log != expected) {
+    refuse("was recorded with " + Quoted(differingLine(log, expected)) + ", not with " +
+           Quoted(differingLine(expected, log)));
+  }
+  if (rows_ != plan.plate.rows || columns_ != plan.plate.columns) {
+    refuse("was recorded from a plate of another size");
+  }
+}
+
+// A commit leaves at most its own bytes behind, and a frame does not begin as a record does. What
+// else stands there is somebody's, and not to be cut off.
+void InterruptedRun::checkTail(const RunPlan& plan) const {
+  const std::uint64_t frame = kReadingBytes * plan.wells.size();
+  const std::uint64_t most = HasBlock() ? frame : headBytes(plan.wells.size()) + frame;
+  if (tailBytes_ > most || (HasBlock() && isTag(tailTag_))) {
+    refuseAt(tailStart_, "more follows than a recorder can have left");
+  }
+}
+
+void InterruptedRun::checkReadings(const RunPlan& plan) const {
+  CFile file;
+  if (!file.Open(path_.c_str(), CFile::modeRead)) refuse("cannot be read");
+  moveTo(file, framesStart());
+  std::vector<std::uint8_t> found(frameBytes());
+  for (std::size_t frame = 0; frame < frameCount_; ++frame) {
+    const std::vector<std::uint8_t> expected = storedBytes(FrameRecords(plan, frame));
+    static_cast<void>(file.Read(found.data(), found.size()));
+    const auto differs = std::mismatch(found.begin(), found.end(), expected.begin()).first;
+    if (differs == found.end()) continue;
+    const auto offset = static_cast<std::size_t>(differs - found.begin());
+    refuseAt(framesStart() + frame * frameBytes() + offset,
+             "frame " + std::to_string(frame) + " holds another reading of well " +
+                 plan.plate.NameOf(plan.wells[offset / kReadingBytes]));
+  }
+}
+
+void InterruptedRun::Repair() const {
+  try {
+    CFile file;
+    if (!file.Open(path_.c_str(), CFile::modeReadWrite)) refuse("cannot be written");
+    const auto setRight = [&](std::uint64_t at, std::uint64_t word) {
+      moveTo(file, at);
+      WriteValue(file, static_cast<std::uint32_t>(word));
+      file.SyncData();
+    };
+    if (HasBlock()) {
+      const std::uint64_t length = tailStart_ - blockStart_ - kRecordHead;
+      if (blockLength_ != length) setRight(blockStart_ + kTagBytes, length);
+      if (headerPosition_ != blockStart_) setRight(kBlockPositionAt, blockStart_);
+    }
+    file.SetLength(tailStart_);
+    file.SyncData();
+    file.Close();
+  } catch (const CFileException& error) {
+    throw SystemError(path_, error.GetError());
+  }
+}
+
+void InterruptedRun::refuse(const std::string& why) const {
+  throw Error(ExitCode::kDocument, path_, why);
+}
+
+void InterruptedRun::refuseAt(std::uint64_t offset, const std::string& why) const {
+  throw Error(ExitCode::kDocument, path_, why, offset);
+}
+
+}  // namespace vex2::tool

@@ -1,0 +1,82 @@
+#include "tools/vex/run/RecordProgress.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <iostream>
+
+#include "tools/vex/Errors.h"
+#include "tools/vex/text/Terminal.h"
+
+namespace vex2::tool {
+
+namespace {
+
+constexpr auto kLeastPause = std::chrono::milliseconds(50);  // between two drawings
+constexpr std::size_t kLongestBar = 40;
+constexpr std::size_t kShortestBar = 5;
+
+std::string duration(double seconds) {
+  const auto whole = static_cast<long>(std::ceil(seconds));
+  char text[32];
+  if (whole < 60) {
+    std::snprintf(text, sizeof text, "%ld s", whole);
+  } else if (whole < 3600) {
+    std::snprintf(text, sizeof text, "%ld:%02ld min", whole / 60, whole % 60);
+  } else {
+    std::snprintf(text, sizeof text, "%ld:%02ld h", whole / 3600, whole / 60 % 60);
+  }
+  return text;
+}
+
+std::string milliseconds(double seconds) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%.1f ms", seconds * 1000);
+  return text;
+}
+
+}  // namespace
+
+RecordProgress::RecordProgress(std::string name)
+    : name_(Printable(name)), onTerminal_(Terminal::Error().IsTerminal()) {}
+
+RecordProgress::~RecordProgress() {
+  if (drawn_) std::cerr << std::endl;
+}
+
+void RecordProgress::Show(const RecordState& state) {
+  if (!onTerminal_) return;
+  const auto now = Clock::now();
+  if (!drawn_) {
+    begun_ = now;
+    framesAtStart_ = state.framesDone;
+  } else if (now - lastDrawn_ < kLeastPause && state.framesDone < state.framesTotal) {
+    return;
+  }
+  drawn_ = true;
+  lastDrawn_ = now;
+  std::cerr << '\r' + line(state) + "\x1b[K" << std::flush;
+}
+
+std::string RecordProgress::line(const RecordState& state) const {
+  std::string text = std::to_string(state.framesDone) + "/" + std::to_string(state.framesTotal);
+  text += " frames";
+  const std::size_t done = state.framesDone - framesAtStart_;
+  if (done > 0) {
+    const std::chrono::duration<double> taken = lastDrawn_ - begun_;
+    const auto left = static_cast<double>(state.framesTotal - state.framesDone);
+    if (left > 0)
+      text += ", " + duration(taken.count() / static_cast<double>(done) * left) + " left";
+    text += ", last commit " + milliseconds(state.lastCommit);
+  }
+  const std::size_t used = name_.size() + text.size() + 5;
+  const std::size_t room = Terminal::Error().Width() - std::min(Terminal::Error().Width(), used);
+  if (room < kShortestBar) return text;
+  const std::size_t width = std::min(room, kLongestBar);
+  const std::size_t filled = width * state.framesDone / std::max<std::size_t>(state.framesTotal, 1);
+  std::string bar(width, '.');
+  bar.replace(0, filled, filled, '#');
+  return name_ + " [" + bar + "] " + text;
+}
+
+}  // namespace vex2::tool

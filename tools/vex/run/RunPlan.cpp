@@ -1,0 +1,62 @@
+#include "tools/vex/run/RunPlan.h"
+
+#include <algorithm>
+
+namespace vex2::tool {
+
+namespace {
+
+bool isMelting(const std::vector<RunReading>& frame) {
+  return frame.front().melting;
+}
+
+std::string degrees(const std::vector<RunReading>& frame) {
+  return ShortestQuotient(frame.front().temperature, 100) + " C";
+}
+
+}  // namespace
+
+std::vector<Vex2WellRecord> FrameRecords(const RunPlan& plan, std::size_t index) {
+  const auto firstMelting = std::find_if(plan.frames.begin(), plan.frames.end(), isMelting);
+  const auto& frame = plan.frames[index];
+  const bool beginsMelting = index == static_cast<std::size_t>(firstMelting - plan.frames.begin());
+  std::vector<Vex2WellRecord> records;
+  records.reserve(frame.size());
+  for (const RunReading& reading : frame) {
+    records.push_back(EncodeReading(reading, beginsMelting));
+  }
+  return records;
+}
+
+std::string LogText(const RunPlan& plan) {
+  const std::string frames = "frames=" + std::to_string(plan.frames.size()) + "\n";
+  return LogWithScale(plan.origin + frames, plan.scale);
+}
+
+std::string ProgramText(const RunPlan& plan) {
+  const std::vector<RunReading>* amplification = nullptr;
+  const std::vector<RunReading>* firstMelting = nullptr;
+  const std::vector<RunReading>* lastMelting = nullptr;
+  for (const auto& frame : plan.frames) {
+    if (!isMelting(frame)) {
+      amplification = &frame;
+    } else {
+      if (firstMelting == nullptr) firstMelting = &frame;
+      lastMelting = &frame;
+    }
+  }
+  const auto melting = std::count_if(plan.frames.begin(), plan.frames.end(), isMelting);
+  std::string text;
+  if (amplification != nullptr) {
+    const auto cycles = static_cast<std::ptrdiff_t>(plan.frames.size()) - melting;
+    text += "amplification: " + std::to_string(cycles) + " cycles, read at " +
+            degrees(*amplification) + "\n";
+  }
+  if (firstMelting != nullptr) {
+    text += "melt: " + std::to_string(melting) + " readings from " + degrees(*firstMelting) +
+            " to " + degrees(*lastMelting) + "\n";
+  }
+  return text;
+}
+
+}  // namespace vex2::tool

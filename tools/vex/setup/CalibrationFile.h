@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+
+#include "tools/vex/setup/Calibration.h"
+#include "tools/vex/text/CsvWriter.h"
+
+namespace vex2::tool {
+
+/// Writes the row of column names, or a row for each spectrum, to a table that is begun. The heads
+/// are not in it.
+void WriteCalibrationColumns(CsvWriter& csv);
+void WriteCalibration(const Calibration& calibration, CsvWriter& csv, const std::string& plate);
+
+/// Reads such a table from the file at `path`, "-" for standard input. A part without rows is
+/// nothing. Throws an error that names the row.
+Calibration LoadCalibration(const std::string& path);
+
+}  // namespace vex2::tool

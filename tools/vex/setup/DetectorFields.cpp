@@ -1,0 +1,127 @@
+#include "tools/vex/setup/DetectorFields.h"
+
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <optional>
+
+#include "tools/vex/setup/WellsFile.h"
+#include "tools/vex/text/Text.h"
+
+namespace vex2::tool {
+
+namespace {
+
+using nlohmann::ordered_json;
+
+template <auto member>
+ordered_json getText(const Vex2Detector& detector) {
+  return ToUtf8((detector.*member).View());
+}
+
+template <auto member>
+bool setText(Vex2Detector& detector, std::string_view text) {
+  const auto stored = ToLatin1(text);
+  if (!stored || stored->find('\0') != std::string::npos) return false;
+  detector.*member = CString(*stored);
+  return true;
+}
+
+template <auto member>
+ordered_json getNumber(const Vex2Detector& detector) {
+  return detector.*member;
+}
+
+template <auto member, typename Stored>
+bool setNumber(Vex2Detector& detector, std::string_view text) {
+  const auto value = NumberIn<Stored>(text);
+  if (!value) return false;
+  detector.*member = *value;
+  return true;
+}
+
+template <auto member>
+bool setDate(Vex2Detector& detector, std::string_view text) {
+  const auto value = NumberIn<std::int32_t>(text);
+  if (!value || *value < 0) return false;
+  detector.*member = *value;
+  return true;
+}
+
+template <auto member>
+bool setSwitch(Vex2Detector& detector, std::string_view text) {
+  if (text != "0" && text != "1") return false;
+  detector.*member = text == "1" ? 1 : 0;
+  return true;
+}
+
+// As the shortest decimal number that is the float, not as the double next to it.
+ordered_json getThreshold(const Vex2Detector& detector) {
+  if (!std::isfinite(detector.threshold)) return nullptr;
+  return std::stod(DecimalText(detector.threshold));
+}
+
+bool setThreshold(Vex2Detector& detector, std::string_view text) {
+  const auto value = NumberIn<float>(text);
+  if (!value || !std::isfinite(*value)) return false;
+  detector.threshold = *value;
+  return true;
+}
+
+ordered_json getColour(const Vex2Detector& detector) {
+  const auto* bytes = reinterpret_cast<const char*>(detector.color);
+  return "#" + ToHex({bytes, sizeof detector.color});
+}
+
+bool setColour(Vex2Detector& detector, std::string_view text) {
+  constexpr std::size_t kLength = 7;
+  if (text.size() != kLength || text.front() != '#') return false;
+  for (std::size_t i = 0; i < sizeof detector.color; ++i) {
+    const auto byte = NumberIn<std::uint8_t>(text.substr(1 + 2 * i, 2), 16);
+    if (!byte) return false;
+    detector.color[i] = *byte;
+  }
+  return true;
+}
+
+template <auto member>
+constexpr DetectorField text(std::string_view key) {
+  return {key, "text", getText<member>, setText<member>};
+}
+
+using D = Vex2Detector;
+
+}  // namespace
+
+const std::vector<DetectorField>& DetectorFields() {
+  static const std::vector<DetectorField> fields = {
+      text<&D::name>("name"),
+      text<&D::reporterDye>("reporter"),
+      text<&D::quencherDye>("quencher"),
+      text<&D::description>("description"),
+      text<&D::comment>("comment"),
+      text<&D::owner>("owner"),
+      text<&D::location>("location"),
+      {"color", "three bytes, #00ff00", getColour, setColour},
+      {"created", "a number, 0 for none", getNumber<&D::dateCreated>, setDate<&D::dateCreated>},
+      {"modified", "a number, 0 for none", getNumber<&D::dateModified>, setDate<&D::dateModified>},
+      {"baseline-start", "0 to 65535", getNumber<&D::baselineStart>,
+       setNumber<&D::baselineStart, std::uint16_t>},
+      {"baseline-end", "0 to 65535", getNumber<&D::baselineEnd>,
+       setNumber<&D::baselineEnd, std::uint16_t>},
+      {"threshold", "a number", getThreshold, setThreshold},
+      {"auto-baseline", "0 or 1", getNumber<&D::autoBaseline>, setSwitch<&D::autoBaseline>},
+      {"auto-threshold", "0 or 1", getNumber<&D::autoThreshold>, setSwitch<&D::autoThreshold>},
+      {"flags", "0 to 65535", getNumber<&D::analysisFlags>,
+       setNumber<&D::analysisFlags, std::uint16_t>},
+  };
+  return fields;
+}
+
+std::string DetectorText(const ordered_json& value) {
+  if (value.is_null()) return "";
+  return value.is_string() ? value.get<std::string>() : value.dump();
+}
+
+}  // namespace vex2::tool

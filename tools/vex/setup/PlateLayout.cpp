@@ -1,0 +1,44 @@
+#include "tools/vex/setup/PlateLayout.h"
+
+#include "tools/vex/text/Text.h"
+
+namespace vex2::tool {
+namespace {
+
+constexpr std::uint32_t kLetters = 26;
+
+}  // namespace
+
+std::string PlateLayout::NameOf(unsigned well) const {
+  return WellName(well, columns);
+}
+
+std::optional<unsigned short> PlateLayout::Find(std::string_view wellName) const {
+  const auto number = WellNumber(wellName, rows, columns);
+  if (!number) return std::nullopt;
+  return static_cast<unsigned short>(*number);
+}
+
+std::string WellName(std::uint32_t number, std::uint32_t columns) {
+  if (number == 0 || columns == 0) return std::to_string(number);
+  std::string name = std::to_string((number - 1) % columns + 1);
+  for (std::uint32_t row = (number - 1) / columns + 1; row > 0; row = (row - 1) / kLetters) {
+    name.insert(name.begin(), static_cast<char>('A' + (row - 1) % kLetters));
+  }
+  return name;
+}
+
+std::optional<std::uint32_t> WellNumber(std::string_view name, std::uint32_t rows,
+                                        std::uint32_t columns) {
+  std::uint32_t row = 0;
+  while (!name.empty() && name.front() >= 'A' && name.front() <= 'Z' && row <= rows) {
+    row = row * kLetters + static_cast<std::uint32_t>(name.front() - 'A') + 1;
+    name.remove_prefix(1);
+  }
+  const auto column = NumberIn<std::uint32_t>(name);
+  if (row == 0 || row > rows || !column || *column == 0 || *column > columns) return std::nullopt;
+  if (name.front() == '0') return std::nullopt;
+  return (row - 1) * columns + *column;
+}
+
+}  // namespace vex2::tool

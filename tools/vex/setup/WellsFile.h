@@ -1,0 +1,27 @@
+#pragma once
+
+#include <ostream>
+#include <string>
+
+#include "tools/vex/setup/PlateContents.h"
+#include "tools/vex/text/CsvWriter.h"
+
+namespace vex2::tool {
+
+/// Reads the CSV file at `path`, or standard input for "-", in the columns
+/// well,sample,target,task,quantity,reporter. A well may have several rows, one for each detector,
+/// all with one sample. The plate is the smallest that has the wells. Throws an error that names
+/// the row.
+PlateContents LoadWells(const std::string& path);
+
+/// Writes the rows in these columns. What was loaded comes out again as it was, but for the order
+/// of the wells and ways to write a number.
+void WriteWells(const PlateContents& contents, std::ostream& out);
+/// Writes the row of column names, or the plate's rows, to a table that is begun.
+void WriteWellColumns(CsvWriter& csv);
+void WriteWells(const PlateContents& contents, CsvWriter& csv, const std::string& plate);
+
+/// A number with as few digits as tell it from every other, without exponent.
+std::string DecimalText(float number);
+
+}  // namespace vex2::tool

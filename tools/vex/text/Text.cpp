@@ -1,0 +1,107 @@
+#include "tools/vex/text/Text.h"
+
+#include "tools/vex/Errors.h"
+
+namespace vex2::tool {
+
+namespace {
+
+unsigned char byteOf(char character) {
+  return static_cast<unsigned char>(character);
+}
+
+bool startsCharacter(char character) {
+  return (byteOf(character) & 0xC0U) != 0x80U;
+}
+
+}  // namespace
+
+std::string ToUtf8(std::string_view latin1) {
+  std::string text;
+  text.reserve(latin1.size());
+  for (const char character : latin1) {
+    const unsigned byte = byteOf(character);
+    if (byte < 0x80U) {
+      text += character;
+    } else {
+      text += static_cast<char>(0xC0U | byte >> 6U);
+      text += static_cast<char>(0x80U | (byte & 0x3FU));
+    }
+  }
+  return text;
+}
+
+std::optional<std::string> ToLatin1(std::string_view utf8) {
+  std::string text;
+  for (std::size_t i = 0; i < utf8.size(); ++i) {
+    const unsigned byte = byteOf(utf8[i]);
+    if (byte < 0x80U) {
+      text += utf8[i];
+      continue;
+    }
+    // Latin-1 ends with the characters that begin with C3.
+    if ((byte != 0xC2U && byte != 0xC3U) || i + 1 == utf8.size()) return std::nullopt;
+    const unsigned next = byteOf(utf8[++i]);
+    if ((next & 0xC0U) != 0x80U) return std::nullopt;
+    text += static_cast<char>((byte & 0x03U) << 6U | (next & 0x3FU));
+  }
+  return text;
+}
+
+std::size_t Columns(std::string_view utf8) {
+  std::size_t columns = 0;
+  for (const char character : utf8) columns += startsCharacter(character) ? 1U : 0U;
+  return columns;
+}
+
+std::string CutTo(std::string_view utf8, std::size_t width) {
+  if (Columns(utf8) <= width) return std::string(utf8);
+  if (width == 0) return {};
+  std::size_t end = 0;
+  std::size_t columns = 0;
+  for (; end < utf8.size(); ++end) {
+    if (startsCharacter(utf8[end]) && columns++ == width - 1) break;
+  }
+  return std::string(utf8.substr(0, end)) + "…";
+}
+
+std::string Shown(std::string_view latin1, std::size_t width) {
+  // A hostile text may be very long: what cannot be seen is not worked on.
+  const std::string text = Printable(ToUtf8(latin1.substr(0, width)));
+  constexpr std::size_t kQuotes = 2;
+  if (latin1.size() <= width && Columns(text) + kQuotes <= width) return '"' + text + '"';
+  return '"' + CutTo(text + "…", width > kQuotes ? width - kQuotes : 1) + '"';
+}
+
+std::string PadRight(std::string text, std::size_t width) {
+  const std::size_t columns = Columns(text);
+  if (columns < width) text.append(width - columns, ' ');
+  return text;
+}
+
+std::string PadLeft(std::string text, std::size_t width) {
+  const std::size_t columns = Columns(text);
+  if (columns < width) text.insert(0, width - columns, ' ');
+  return text;
+}
+
+std::string Counted(unsigned long long count, std::string_view noun) {
+  return std::to_string(count).append(" ").append(noun).append(count == 1 ? "" : "s");
+}
+
+std::string Counted(unsigned long long count, std::string_view one, std::string_view many) {
+  return std::to_string(count).append(" ").append(count == 1 ? one : many);
+}
+
+std::string ToHex(std::string_view bytes) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  std::string text;
+  text.reserve(2 * bytes.size());
+  for (const char character : bytes) {
+    text += kDigits[byteOf(character) >> 4U];
+    text += kDigits[byteOf(character) & 0xFU];
+  }
+  return text;
+}
+
+}  // namespace vex2::tool
