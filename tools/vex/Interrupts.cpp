@@ -38,7 +38,8 @@ Interrupts::Interrupts() {
 }
 
 Interrupts::~Interrupts() {
-  // Who asks a second time is not to cut off the answer to the first.
+  // Who asks a second time is not to cut off the answer to the first, which is all that is left.
+  if (asked_) return;
   const timespec now{};
   while (::sigtimedwait(&awaited_, nullptr, &now) > 0) continue;
   ::sigprocmask(SIG_SETMASK, &before_, nullptr);

@@ -5,7 +5,8 @@
 namespace vex2::tool {
 
 /// While it lives, Ctrl-C and a request to end are not obeyed at once but when asked for, so that
-/// what is under way is finished first. Made on the only thread.
+/// what is under way is finished first. Made on the only thread. Who asks again gets no answer,
+/// also after its end: by then the program says how it went.
 class Interrupts {
  public:
   Interrupts();
