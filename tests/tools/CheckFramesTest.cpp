@@ -1,0 +1,200 @@
+// What `vex check` finds wrong with data blocks and with the positions that lead to them, and not
+// with their neighbours that are right.
+
+#include "tests/support/DocumentBytes.h"
+#include "tests/tools/CheckFixture.h"
+
+namespace vex2::test {
+namespace {
+
+using testing::HasSubstr;
+
+class CheckFrames : public DamageTest {};
+
+TEST_F(CheckFrames, ARunIsSound) {
+  MakeRun("PROG");
+  ExpectSound();
+  MakeRun("DONE");
+  ExpectSound();
+}
+
+TEST_F(CheckFrames, PartOfAFrameBehindARunInProgressIsWhatAnInterruptedCommitLeaves) {
+  MakeRun("PROG");
+  AppendFrameBytes(100);
+  ExpectWarning(
+      "RAWa at 1872: 100 of the 240 bytes of a frame follow the block's length: a commit was "
+      "interrupted");
+}
+
+TEST_F(CheckFrames, PartOfAFrameBehindAFinishedRunIsAnError) {
+  MakeRun("DONE");
+  AppendFrameBytes(100);
+  ExpectError("RAWa at 1872: 100 of the 240 bytes of a frame follow the block's length");
+}
+
+TEST_F(CheckFrames, OneWholeFrameBehindARunInProgressIsWhatAnInterruptedCommitLeaves) {
+  MakeRun("PROG");
+  AppendFrameBytes(kFrame);
+  ExpectWarning("RAWa at 1872: a whole frame follows the block's length: a commit was interrupted");
+}
+
+TEST_F(CheckFrames, MoreThanOneWholeFrameBehindTheBlockIsAnError) {
+  MakeRun("PROG");
+  AppendFrameBytes(2 * kFrame);
+  ExpectError("RAWa at 1872: 2 whole frames follow the block's length");
+  AppendFrameBytes(7);
+  ExpectError(
+      "RAWa at 1872: 2 whole frames and 7 of the 240 bytes of a frame follow the block's length");
+}
+
+TEST_F(CheckFrames, OneByteMoreThanAFrameIsMoreThanACommitLeaves) {
+  MakeRun("PROG");
+  AppendFrameBytes(kFrame + 1);
+  ExpectError(
+      "RAWa at 1872: 1 whole frame and 1 of the 240 bytes of a frame follow the block's length");
+}
+
+TEST_F(CheckFrames, ALengthThatCountsMoreFramesThanThereAreIsAnError) {
+  MakeRun("DONE");
+  Change([](Bytes& bytes) { bytes.resize(bytes.size() - 1); });
+  ExpectError("RAWa at 1120: the record \"RAWa\" is cut short: 2 of 3 frames are there");
+}
+
+TEST_F(CheckFrames, ALengthThatCountsHalfAFrameIsAnError) {
+  MakeRun("DONE");
+  SetLong(kBlock + 4, kBlockLength - kFrame + 50);
+  EXPECT_THAT(Errors(), HasSubstr("RAWa at 1120: its length counts 2 frames and 50 of the 240 "
+                                  "bytes of another\n"));
+}
+
+TEST_F(CheckFrames, ALengthThatEndsBeforeTheFirstFrameIsAnError) {
+  MakeRun("DONE");
+  SetLong(kBlock + 4, 20);
+  EXPECT_THAT(Errors(), HasSubstr("RAWa at 1120: its length ends before its first frame\n"));
+}
+
+TEST_F(CheckFrames, AFirstCommitThatWasInterruptedIsAWarning) {
+  MakeRun("PROG");
+  SetLong(kPositionAt, 0);
+  Change([](Bytes& bytes) { bytes.resize(kFirstFrame + 10); });
+  ExpectWarning(
+      "RAWa at 1120: a block that the header does not lead to, cut short: its first commit was "
+      "interrupted");
+  Change([](Bytes& bytes) { bytes.resize(kBlock + 3); });
+  ExpectWarning(
+      " at 1120: 3 bytes of a block without its tag follow the last record: a first commit was "
+      "interrupted");
+}
+
+TEST_F(CheckFrames, ABlockWithoutItsTagIsAFirstCommitOnlyAtTheBeginOfARun) {
+  MakeRun("PROG");
+  Change([](Bytes& bytes) {
+    SetLongAt(bytes, kBlock, 0);
+    SetLongAt(bytes, kBlock + 4, kBlockLength - 2 * kFrame);
+    SetLongAt(bytes, kPositionAt, 0);
+    bytes.resize(kFirstFrame + kFrame);
+  });
+  ExpectWarning(
+      " at 1120: 272 bytes of a block without its tag follow the last record: a first commit was "
+      "interrupted");
+  SetStatus("DONE");
+  ExpectError(" at 1120: 272 bytes follow the last record, and begin none that is known");
+}
+
+TEST_F(CheckFrames, ATimeBlockOfAnotherSizeIsAnError) {
+  MakeRun();
+  Change([](Bytes& bytes) { bytes[kBlock + 11] = 14; });
+  ExpectError("RAWa at 1120: its time block is of 14 bytes, not 12");
+}
+
+TEST_F(CheckFrames, WellsThatStandTwiceOrOnNoPlateAreAWarning) {
+  MakeRun();
+  Change([](Bytes& bytes) { bytes[kBlock + 27] = 97; });
+  ExpectWarning("RAWa at 1120: 1 of its wells is on no plate of 96 wells");
+  Change([](Bytes& bytes) { bytes[kBlock + 27] = 96; });
+  ExpectSound();
+  Change([](Bytes& bytes) { bytes[kBlock + 27] = 3; });
+  ExpectWarning("RAWa at 1120: 1 of its wells stands in it twice");
+}
+
+TEST_F(CheckFrames, ABlockOfTheOldVersionIsAWarning) {
+  MakeDocument(ByteString().Text("REPr").Long(18 + 80).Short(1).Short(1).Short(5).Zeros(92));
+  EXPECT_THAT(Warnings(), HasSubstr("REPr at 1024: a data block of version 1"));
+}
+
+class CheckPosition : public DamageTest {};
+
+TEST_F(CheckPosition, OfRawDataElsewhereThanItsTagIsAnError) {
+  MakeRun("PROG");
+  SetLong(kPositionAt, kBlock + 1);
+  ExpectError(
+      "header at 68: the header's position of RAWa is 1121, but the block is at byte 1120, and the "
+      "run is in progress");
+  SetStatus("DONE");
+  ExpectError(
+      "header at 68: the header's position of RAWa is 1121, which is not where the block is, at "
+      "byte 1120");
+}
+
+TEST_F(CheckPosition, JustPastTheBlockIsWhatAWholeSaveLeaves) {
+  MakeRun("DONE");
+  SetLong(kPositionAt, kEnd);
+  ExpectSound();
+  EXPECT_EQ(
+      Notes(),
+      "header at 68: the header's position of RAWa is 1872, just past the block, as a save of "
+      "the whole document leaves it\n");
+  SetStatus("PROG");
+  ExpectWarning(
+      "header at 68: the header's position of RAWa is 1872, just past the block at byte 1120, and "
+      "the run is in progress");
+}
+
+TEST_F(CheckPosition, NoneForABlockIsWhatAFirstCommitLeavesThatWasInterrupted) {
+  MakeRun("PROG");
+  SetLong(kPositionAt, 0);
+  ExpectWarning(
+      "header at 68: the header's position of RAWa is 0, but the block is at byte 1120, and the "
+      "run is in progress");
+  SetStatus("DONE");
+  ExpectSound();
+}
+
+TEST_F(CheckPosition, WithoutABlockIsWorseWhileTheRunGoesOn) {
+  MakeRun("DONE");
+  Change([](Bytes& bytes) { bytes.resize(kBlock); });
+  ExpectWarning("header at 68: the header's position of RAWa is 1120, but there is no such record");
+  SetStatus("PROG");
+  ExpectError("header at 68: the header's position of RAWa is 1120, but there is no such record");
+  SetLong(kPositionAt, 0);
+  ExpectSound();
+}
+
+TEST_F(CheckPosition, OfTheProgramElsewhereThanItsRecordIsAnError) {
+  Bytes records;
+  AppendRecord(records, "TPro", {1, 2, 3});
+  MakeDocument(records);
+  SetLong(kProgramAt, 1025);
+  ExpectError(
+      "header at 24: the header's position of TPro is 1025, which is not where its record is, at "
+      "byte 1024");
+  for (const unsigned long right : {0UL, 1024UL, 1035UL}) {
+    SetLong(kProgramAt, right);
+    ExpectSound();
+  }
+  Change([](Bytes& bytes) { bytes.resize(1024); });
+  ExpectWarning("header at 24: the header's position of TPro is 1035, but there is no such record");
+}
+
+TEST_F(CheckPosition, RecordsBehindTheBlockOfARunInProgressAreAWarning) {
+  MakeRun("PROG");
+  Bytes more;
+  AppendRecord(more, "COMM", ToBytes("text"));
+  Append(more);
+  ExpectWarning("RAWa at 1120: the run is in progress, and 1 record stands behind its block");
+  SetStatus("DONE");
+  ExpectSound();
+}
+
+}  // namespace
+}  // namespace vex2::test
