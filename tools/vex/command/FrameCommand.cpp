@@ -6,7 +6,8 @@
 #include "tools/vex/command/Command.h"
 #include "tools/vex/document/DataBlock.h"
 #include "tools/vex/document/DocumentPlates.h"
-#include "tools/vex/run/RunReading.h"
+#include "tools/vex/document/FileLayout.h"
+#include "tools/vex/document/RunReading.h"
 #include "tools/vex/setup/PlateLayout.h"
 #include "tools/vex/text/Terminal.h"
 #include "tools/vex/text/Text.h"
@@ -198,9 +199,8 @@ class FrameCommand final : public Command {
   void readFrame(DocumentFile& file, const FileRecord& record, const DataBlockHead& head,
                  FrameView& view) const {
     // A block that is laid out differently is for the document's reader alone.
-    constexpr std::uint16_t kUsualTimeBlock = 12;
     const int index = static_cast<int>(index_);
-    const bool isUsual = head.version >= 2 && head.timeBlockSize == kUsualTimeBlock;
+    const bool isUsual = head.version >= 2 && head.timeBlockSize == kTimeBlockSize;
     int status = kSuccess;
     if (isUsual) {
       status = file.ReadFrameAt(index, view.frame, record.offset);

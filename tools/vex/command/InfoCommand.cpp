@@ -8,7 +8,7 @@
 #include "tools/vex/command/Command.h"
 #include "tools/vex/document/DocumentInfo.h"
 #include "tools/vex/document/DocumentPlates.h"
-#include "tools/vex/run/Settings.h"
+#include "tools/vex/document/Settings.h"
 #include "tools/vex/text/Terminal.h"
 #include "tools/vex/text/Text.h"
 

@@ -3,62 +3,15 @@
 #include <iostream>
 
 #include "tools/vex/command/Command.h"
+#include "tools/vex/document/RawFile.h"
 #include "tools/vex/document/Rewriting.h"
 #include "tools/vex/rescue/RecoverReport.h"
 #include "tools/vex/rescue/Salvage.h"
-#include "tools/vex/text/Terminal.h"
+#include "tools/vex/text/ProgressLine.h"
 
 namespace vex2::tool {
 
 namespace {
-
-// Takes the place of the file at a path once it is complete and on the disk.
-class NewFile final : public CFile {
- public:
-  explicit NewFile(const std::string& path) : path_(path) {
-    CFileException reason;
-    if (!OpenReplacement(path.c_str(), &reason)) throw SystemError(path, reason.GetError());
-  }
-
-  // What cannot be written is the new file's fault, whatever it is called until it is complete.
-  void PutInPlace() {
-    try {
-      CloseReplacement();
-    } catch (const CFileException& error) {
-      throw SystemError(path_, error.GetError());
-    }
-  }
-
- private:
-  std::string path_;
-};
-
-// In one line on the terminal, while it takes long enough to ask.
-class Progress {
- public:
-  explicit Progress(std::uint64_t total) : total_(total) {}
-  ~Progress() {
-    if (drawn_) std::cerr << "\r\x1b[K" << std::flush;
-  }
-  Progress(const Progress&) = delete;
-  Progress& operator=(const Progress&) = delete;
-
-  void Show(std::uint64_t done) {
-    constexpr std::uint64_t kStep = 1U << 20U;
-    constexpr auto kPatience = std::chrono::milliseconds(500);
-    if (done < next_ || !Terminal::Error().IsTerminal()) return;
-    next_ = done + kStep;
-    if (std::chrono::steady_clock::now() - begun_ < kPatience) return;
-    drawn_ = true;
-    std::cerr << "\rrecovering: " + std::to_string(done * 100 / total_) + " %\x1b[K" << std::flush;
-  }
-
- private:
-  std::uint64_t total_;
-  std::uint64_t next_ = 0;
-  bool drawn_ = false;
-  std::chrono::steady_clock::time_point begun_ = std::chrono::steady_clock::now();
-};
 
 constexpr const char* kMeaning =
     "\n\nWhat it does:\n"
@@ -85,10 +38,7 @@ class RecoverCommand final : public Command {
 
   ExitCode Run() override {
     CFile in;
-    CFileException reason;
-    if (!in.Open(source_.c_str(), CFile::modeRead | CFile::typeBinary, &reason)) {
-      throw SystemError(source_, reason.GetError());
-    }
+    OpenToRead(in, source_);
     requireTarget();
     NewFile out(target_);
     const SalvageReport report = salvage(in, out);
@@ -120,8 +70,15 @@ class RecoverCommand final : public Command {
   }
 
   SalvageReport salvage(CFile& in, CFile& out) const {
-    Progress progress(in.GetLength());
-    return Salvage(in, out, [&](std::uint64_t done) { progress.Show(done); });
+    constexpr std::chrono::milliseconds kPatience{500};
+    constexpr std::uint64_t kStep = 1U << 20U;
+    ProgressLine line(kPatience, ProgressLine::AtEnd::kErase);
+    std::uint64_t next = kStep;
+    return Salvage(in, out, [&](std::uint64_t done) {
+      if (done < next) return;
+      next = done + kStep;
+      line.Show("recovering: " + std::to_string(done * 100 / in.GetLength()) + " %");
+    });
   }
 
   std::string source_;

@@ -4,8 +4,8 @@
 
 #include "tools/vex/command/Command.h"
 #include "tools/vex/document/Changing.h"
+#include "tools/vex/document/Settings.h"
 #include "tools/vex/document/Study.h"
-#include "tools/vex/run/Settings.h"
 #include "tools/vex/text/Text.h"
 
 namespace vex2::tool {

@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <cerrno>
 #include <iostream>
 #include <optional>
@@ -6,6 +5,7 @@
 #include "tools/vex/command/Command.h"
 #include "tools/vex/document/Changing.h"
 #include "tools/vex/document/DocumentFile.h"
+#include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
 
@@ -47,9 +47,7 @@ class StatusCommand final : public Command {
  private:
   void requireCode() const {
     if (!code_) return;
-    const bool isPlain =
-        std::all_of(code_->begin(), code_->end(), [](char c) { return c >= ' ' && c <= '~'; });
-    if (code_->size() == 4 && isPlain) return;
+    if (code_->size() == 4 && IsPlain(*code_)) return;
     throw Error(ExitCode::kUsage, file_,
                 "the status '" + *code_ + "' is not four plain characters, like DONE");
   }

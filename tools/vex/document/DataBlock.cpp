@@ -4,14 +4,13 @@
 #include <array>
 #include <cstdio>
 
+#include "tools/vex/document/FileLayout.h"
 #include "vex2/container/TagTable.h"
 
 namespace vex2::tool {
 
 namespace {
 
-constexpr std::uint32_t kFixedLength = 18;
-constexpr std::uint64_t kRecordSize = 80;
 constexpr std::uint16_t kFirstVersionWithTimes = 2;
 
 bool readTimes(CFile& file, DataBlockHead& head) {
@@ -34,9 +33,9 @@ std::optional<DataBlockHead> ReadDataBlockHead(CFile& file, const FileRecord& re
   const auto wells = ReadShort(file);
   if (!wells || file.GetRemaining() < 2U * *wells) return std::nullopt;
   for (unsigned i = 0; i < *wells; ++i) head.wells.push_back(ReadShort(file).value_or(0));
-  head.frameSize = kRecordSize * *wells;
-  if (*wells > 0 && record.length > kFixedLength) {
-    head.frameCount = (record.length - kFixedLength) / head.frameSize;
+  head.frameSize = kReadingSize * *wells;
+  if (*wells > 0 && record.length > kBlockFixedSize) {
+    head.frameCount = (record.length - kBlockFixedSize) / head.frameSize;
   }
   head.firstFrame = file.GetPosition();
   return head;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "tools/vex/Errors.h"
+#include "tools/vex/document/FileLayout.h"
 #include "tools/vex/text/Text.h"
 #include "vex2/framework/CFileStatus.h"
 #include "vex2/manager/Vex2FileManagerComponent.h"
@@ -13,17 +14,12 @@ namespace vex2::tool {
 
 namespace {
 
-constexpr std::uint64_t kHeaderSize = 1024;
 // The last place for a row's used wells lies within the header up to here.
 constexpr int kMostRows = 238;
 constexpr std::string_view kPlates = "MPLC";
 constexpr const char* kRunning =
     "its run is in progress, and saving would break it; let the recorder finish, or set the status "
     "with 'vex status' when it never will";
-
-bool isPlainTag(std::string_view tag) {
-  return std::all_of(tag.begin(), tag.end(), [](char c) { return c >= ' ' && c <= '~'; });
-}
 
 std::string inQuotes(std::string_view tag) {
   return std::string("\"").append(ToUtf8(tag)).append("\"");
@@ -121,7 +117,7 @@ std::optional<FileFault> Document::headerFault() const {
 bool Document::beginsStrayBytes(std::uint64_t offset) const {
   if (records_.empty()) return false;
   const Record& last = records_.back();
-  return last.offset == offset && !last.known && !isPlainTag(last.tag);
+  return last.offset == offset && !last.known && !IsPlain(last.tag);
 }
 
 std::optional<FileFault> Document::recordFault(int status, const WalkEnd& end) const {
@@ -143,7 +139,7 @@ void Document::findStrayBytes(std::uint64_t walkEnd) {
   const auto lastKnown =
       std::find_if(records_.rbegin(), records_.rend(), [](const Record& r) { return r.known; });
   const auto stray = std::find_if(lastKnown.base(), records_.end(),
-                                  [](const Record& r) { return !isPlainTag(r.tag); });
+                                  [](const Record& r) { return !IsPlain(r.tag); });
   if (stray != records_.end()) {
     strayOffset_ = stray->offset;
     records_.erase(stray, records_.end());
@@ -209,7 +205,7 @@ void Document::RequireWhole(std::string_view purpose) const {
     throw Error(ExitCode::kDocument, path_,
                 "a plate of " + std::to_string(content_->GetHeaderRows()) +
                     " rows does not fit into a header that is saved",
-                kHeaderSize);
+                kDocumentHeaderSize);
   }
 }
 

@@ -3,7 +3,7 @@
 #include <bit>
 
 #include "tools/vex/document/DataBlock.h"
-#include "tools/vex/run/Settings.h"
+#include "tools/vex/document/Settings.h"
 #include "tools/vex/text/Text.h"
 #include "vex2/run/AcquisitionDataComp.h"
 

@@ -5,7 +5,7 @@
 #include <cmath>
 
 #include "tools/vex/document/DataBlock.h"
-#include "tools/vex/run/Settings.h"
+#include "tools/vex/document/Settings.h"
 #include "tools/vex/text/Text.h"
 
 namespace vex2::tool {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "tools/vex/document/DataBlock.h"
+#include "tools/vex/document/FileLayout.h"
 #include "tools/vex/document/HeaderFields.h"
 #include "tools/vex/text/Text.h"
 
@@ -10,10 +11,8 @@ namespace vex2::tool {
 
 namespace {
 
-constexpr std::uint64_t kHeaderSize = 1024;
 constexpr std::uint64_t kHeaderFieldsSize = 72;
 constexpr std::uint64_t kTagSize = 4;
-constexpr std::uint64_t kHeadSize = 8;
 // As deep as the document's reader goes: a file of lists within lists would use up the stack.
 constexpr int kDeepest = 64;
 
@@ -48,7 +47,7 @@ class Walker {
 
   // Too few bytes for a record, and not the beginning of one either.
   bool isStray() {
-    if (file_.GetRemaining() >= kHeadSize) return false;
+    if (file_.GetRemaining() >= kRecordHeadSize) return false;
     const std::uint64_t offset = file_.GetPosition();
     const FileRecord record = readTag();
     seek(offset);
@@ -180,7 +179,7 @@ WalkEnd WalkRecords(CFile& file, RecordVisitor& visitor) {
 }
 
 std::uint64_t RecordsOffset(std::uint32_t rows) {
-  return std::max(kHeaderSize, kHeaderFieldsSize + 4 * std::uint64_t{rows});
+  return std::max(kDocumentHeaderSize, kHeaderFieldsSize + 4 * std::uint64_t{rows});
 }
 
 std::uint64_t SpectraEnd(CFile& file, BodyLayout layout, std::uint64_t body) {
@@ -210,15 +209,13 @@ std::uint64_t SpectraEnd(CFile& file, BodyLayout layout, std::uint64_t body) {
 std::optional<std::uint16_t> ReadShort(CFile& file) {
   const auto bytes = readBytes<2>(file);
   if (!bytes) return std::nullopt;
-  return static_cast<std::uint16_t>((*bytes)[0] << 8U | (*bytes)[1]);
+  return ShortAt(*bytes);
 }
 
 std::optional<std::uint32_t> ReadLong(CFile& file) {
   const auto bytes = readBytes<4>(file);
   if (!bytes) return std::nullopt;
-  std::uint32_t value = 0;
-  for (const unsigned char byte : *bytes) value = value << 8U | byte;
-  return value;
+  return LongAt(*bytes);
 }
 
 }  // namespace vex2::tool

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "tools/vex/document/FileLayout.h"
 #include "tools/vex/document/RecordKinds.h"
 #include "vex2/framework/CFile.h"
 
@@ -21,7 +22,7 @@ struct FileRecord {
   const RecordKind* kind = nullptr;
 
   std::string_view Tag() const { return {tagBytes.data(), tagBytes.size()}; }
-  std::uint64_t BodyOffset() const { return offset + 8; }
+  std::uint64_t BodyOffset() const { return offset + kRecordHeadSize; }
   std::uint64_t DeclaredEnd() const { return BodyOffset() + length; }
 };
 

@@ -1,4 +1,4 @@
-#include "tools/vex/run/RunReading.h"
+#include "tools/vex/document/RunReading.h"
 
 #include <algorithm>
 #include <array>

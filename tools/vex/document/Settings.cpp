@@ -1,11 +1,11 @@
-#include "tools/vex/run/Settings.h"
+#include "tools/vex/document/Settings.h"
 
 #include <cmath>
 #include <cstdint>
 #include <limits>
 #include <optional>
 
-#include "tools/vex/run/RunReading.h"
+#include "tools/vex/document/RunReading.h"
 #include "tools/vex/text/Text.h"
 
 namespace vex2::tool {

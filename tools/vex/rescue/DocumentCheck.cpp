@@ -5,6 +5,7 @@
 
 #include "tools/vex/Errors.h"
 #include "tools/vex/document/Document.h"
+#include "tools/vex/document/RawFile.h"
 #include "tools/vex/rescue/HeaderCheck.h"
 #include "tools/vex/rescue/RecordCheck.h"
 #include "tools/vex/rescue/TailCheck.h"
@@ -20,10 +21,7 @@ constexpr std::array<std::string_view, 11> kSingle = {
 
 bool isDocument(const std::string& path) {
   CFile file;
-  CFileException reason;
-  if (!file.Open(path.c_str(), CFile::modeRead | CFile::typeBinary, &reason)) {
-    throw SystemError(path, reason.GetError());
-  }
+  OpenToRead(file, path);
   constexpr std::string_view kMagic = "Vex2";
   std::array<char, kMagic.size()> begin{};
   return file.Read(begin.data(), begin.size()) == begin.size() &&

@@ -4,6 +4,7 @@
 #include <bit>
 
 #include "tools/vex/Errors.h"
+#include "tools/vex/document/FileLayout.h"
 #include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
@@ -124,8 +125,7 @@ void checkRunningPosition(const HeaderFields& header, const Aim& aim, Findings& 
 
 // Whether bytes behind the last record may be a block that is only not read.
 bool mayHideBlock(const Document& document) {
-  constexpr std::uint64_t kRecordHead = 8;
-  return document.StrayOffset() + kRecordHead <= document.Size();
+  return document.StrayOffset() + kRecordHeadSize <= document.Size();
 }
 
 void checkRawData(const HeaderFields& header, const Aim& aim, const Document& document,

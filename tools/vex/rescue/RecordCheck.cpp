@@ -4,6 +4,7 @@
 #include <set>
 
 #include "tools/vex/Errors.h"
+#include "tools/vex/document/FileLayout.h"
 #include "tools/vex/rescue/HeaderCheck.h"
 #include "tools/vex/text/Text.h"
 
@@ -11,12 +12,7 @@ namespace vex2::tool {
 
 namespace {
 
-constexpr std::uint16_t kTimeBlockSize = 12;
 constexpr std::uint16_t kFirstVersionThatReadsBack = 2;
-
-bool isPlain(std::string_view tag) {
-  return std::all_of(tag.begin(), tag.end(), [](char c) { return c >= ' ' && c <= '~'; });
-}
 
 std::string shown(std::string_view tag) {
   return Printable(ToUtf8(tag));
@@ -118,7 +114,7 @@ void RecordCheck::add(Severity severity, std::string problem, std::string conseq
 
 void RecordCheck::checkUnknown(const FileRecord& record) {
   if (levels_.size() > 1 && !levels_.front().known) return;
-  if (!isPlain(record.Tag())) return checkNoRecord(record);
+  if (!IsPlain(record.Tag())) return checkNoRecord(record);
   const std::string size = Counted(record.length, "byte");
   if (record.depth == 1) {
     return add(Severity::kWarning, "a record of no known kind, of " + size,

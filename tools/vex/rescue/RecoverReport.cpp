@@ -59,7 +59,7 @@ ordered_json notesOf(const std::vector<SalvageNote>& notes, bool withBytes) {
   for (const SalvageNote& note : notes) {
     ordered_json object = {{"offset", note.offset}};
     if (withBytes) object["bytes"] = note.bytes;
-    object["what"] = Printable(note.what);
+    object["what"] = note.what;
     list.push_back(std::move(object));
   }
   return list;
@@ -90,8 +90,8 @@ void PrintRecoverText(std::ostream& out, const SalvageReport& report, const std:
 void PrintRecoverJson(std::ostream& out, const SalvageReport& report, const std::string& source,
                       const std::string& target) {
   const ordered_json object = {
-      {"file", Printable(source)},
-      {"output", Printable(target)},
+      {"file", source},
+      {"output", target},
       {"whole", report.IsWhole()},
       {"size", report.size},
       {"written", report.written},
@@ -106,7 +106,7 @@ void PrintRecoverJson(std::ostream& out, const SalvageReport& report, const std:
       {"mendedPlaces", report.mendedPlaces},
       {"mended", notesOf(report.mended, false)},
   };
-  out << object.dump(2) << '\n';
+  out << object.dump(2, ' ', false, ordered_json::error_handler_t::replace) << '\n';
 }
 
 }  // namespace vex2::tool

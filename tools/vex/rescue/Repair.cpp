@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "tools/vex/document/Document.h"
+#include "tools/vex/document/FileLayout.h"
 #include "tools/vex/document/HeaderFields.h"
 #include "tools/vex/rescue/RecordCheck.h"
 #include "tools/vex/rescue/TailCheck.h"
@@ -14,10 +15,7 @@ namespace vex2::tool {
 
 namespace {
 
-constexpr std::uint64_t kRecordHead = 8;
 constexpr std::uint64_t kLengthAt = 4;
-constexpr std::uint64_t kReadingBytes = 80;
-constexpr std::uint16_t kTimeBlockSize = 12;
 
 class Planner {
  public:
@@ -65,7 +63,7 @@ class Planner {
     const bool isFirstCommit =
         document_.Fault() ? isFirstCommitOpen() : IsFirstCommit(file_, document_, header_);
     if (isFirstCommit) return cutAt(from, "of a first commit that was interrupted");
-    if (document_.Fault() || plan_.size - from >= kRecordHead) return;
+    if (document_.Fault() || plan_.size - from >= kRecordHeadSize) return;
     cutAt(from, "behind the last record, too few for another");
   }
 
@@ -85,7 +83,7 @@ class Planner {
     // A commit leaves no more than a frame. What else stands there is not to be cut off unseen.
     if (plan_.size - end > head.frameSize) return;
     patch(block.record.offset + kLengthAt, block.record.length,
-          end - block.record.offset - kRecordHead,
+          end - block.record.offset - kRecordHeadSize,
           "the length of RAWa, for " + Counted(frames, "whole frame"));
     cutAt(end, "of a frame that was not committed");
   }
@@ -93,7 +91,7 @@ class Planner {
   bool isFilled(const DataBlockHead& head, std::uint64_t frame) {
     const std::uint64_t begin = head.firstFrame + frame * head.frameSize;
     for (std::uint64_t well = 0; well < head.wells.size(); ++well) {
-      file_.Seek(static_cast<std::int64_t>(begin + well * kReadingBytes), CFile::begin);
+      file_.Seek(static_cast<std::int64_t>(begin + well * kReadingSize), CFile::begin);
       if (ReadShort(file_).value_or(0) == 0) return false;
     }
     return true;
@@ -127,12 +125,13 @@ class Planner {
     const auto block = std::find_if(records.begin(), records.end(), isBlock);
     if (block == records.end() || block->offset >= plan_.newSize.value_or(plan_.size)) {
       // What stands behind the last record may be the block, with a damaged head.
-      if (document_.StrayOffset() + kRecordHead <= plan_.newSize.value_or(plan_.size)) return;
+      if (document_.StrayOffset() + kRecordHeadSize <= plan_.newSize.value_or(plan_.size)) return;
       return patch(HeaderFields::kRawDataAt, position, 0,
                    "the header's position of RAWa, for there is none");
     }
     const auto leads = [position](const auto& record) {
-      return record.offset == position || record.offset + kRecordHead + record.length == position;
+      return record.offset == position ||
+             record.offset + kRecordHeadSize + record.length == position;
     };
     // What a save of the whole document leaves is in order unless a run goes on.
     const bool isFine =

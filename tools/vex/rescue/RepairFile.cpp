@@ -11,6 +11,8 @@
 #include <vector>
 
 #include "tools/vex/Errors.h"
+#include "tools/vex/document/FileLayout.h"
+#include "tools/vex/document/RawFile.h"
 #include "tools/vex/rescue/Repair.h"
 #include "vex2/framework/CFile.h"
 
@@ -22,23 +24,6 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t kChunk = CFile::kBufferSize;
 constexpr std::uint64_t kWordSize = 4;
-
-/// The file that takes the document's place when it is whole.
-class Replacement final : public CFile {
- public:
-  void OpenFor(const std::string& path) {
-    CFileException reason;
-    if (!OpenReplacement(path.c_str(), &reason)) throw SystemError(path, reason.GetError());
-  }
-  void PutInPlace() { CloseReplacement(); }
-};
-
-void openToRead(CFile& file, const std::string& path) {
-  CFileException reason;
-  if (!file.Open(path.c_str(), CFile::modeRead | CFile::typeBinary, &reason)) {
-    throw SystemError(path, reason.GetError());
-  }
-}
 
 // As the document's own permissions are, and never over a file that is there.
 bool createNew(const std::string& path, mode_t mode) {
@@ -62,7 +47,7 @@ void syncFolderOf(const std::string& path) {
 
 void copy(const std::string& from, const std::string& to) {
   CFile source;
-  openToRead(source, from);
+  OpenToRead(source, from);
   CFile target;
   CFileException reason;
   if (!target.Open(to.c_str(), CFile::modeWrite | CFile::typeBinary, &reason)) {
@@ -97,9 +82,8 @@ std::string BackUp(const std::string& path) {
 
 void ApplyRepair(const RepairPlan& plan, const std::string& backup, const std::string& path) {
   CFile source;
-  openToRead(source, backup);
-  Replacement target;
-  target.OpenFor(path);
+  OpenToRead(source, backup);
+  NewFile target(path);
   const std::uint64_t size = plan.newSize.value_or(plan.size);
   std::vector<std::uint8_t> bytes(kChunk);
   for (std::uint64_t done = 0; done < size;) {
@@ -112,10 +96,7 @@ void ApplyRepair(const RepairPlan& plan, const std::string& backup, const std::s
   }
   for (const RepairPlan::Patch& patch : plan.patches) {
     if (patch.offset + kWordSize > size) continue;
-    const std::array<std::uint8_t, kWordSize> word = {static_cast<std::uint8_t>(patch.after >> 24U),
-                                                      static_cast<std::uint8_t>(patch.after >> 16U),
-                                                      static_cast<std::uint8_t>(patch.after >> 8U),
-                                                      static_cast<std::uint8_t>(patch.after)};
+    const auto word = LongBytes(patch.after);
     target.Seek(static_cast<std::int64_t>(patch.offset), CFile::begin);
     target.Write(word.data(), word.size());
   }

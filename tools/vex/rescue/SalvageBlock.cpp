@@ -5,18 +5,15 @@
 #include <utility>
 
 #include "tools/vex/document/DataBlock.h"
+#include "tools/vex/document/FileLayout.h"
 #include "vex2/container/TagTable.h"
 
 namespace vex2::tool {
 
 namespace {
 
-constexpr std::uint64_t kHeadSize = 8;
-constexpr std::uint64_t kFixedLength = 18;    // of the body, without numbers and frames
-constexpr std::uint64_t kOldFixedLength = 4;  // the same before there were times
-constexpr std::uint64_t kRecordSize = 80;
+constexpr std::uint64_t kOldBlockFixedSize = 4;  // the same before there were times
 constexpr std::uint16_t kVersion = 2;
-constexpr std::uint16_t kTimesSize = 12;
 constexpr std::uint16_t kMostWells = 1536;
 constexpr std::uint16_t kLeastWellsToTell = 4;
 constexpr std::uint16_t kPadding = 0xFFFF;  // of a plate's header
@@ -37,14 +34,14 @@ void readTimes(SalvageSource& source, std::uint64_t body, SalvageBlock& block) {
 
 // The body at `body` as a writer makes it, but for what the search does not rely on.
 SalvageBlock blockWith(SalvageSource& source, std::uint64_t body, std::uint16_t wells,
-                       std::uint64_t to, std::uint64_t fixed = kFixedLength) {
+                       std::uint64_t to, std::uint64_t fixed = kBlockFixedSize) {
   SalvageBlock block;
-  block.offset = body - std::min(body, kHeadSize);
+  block.offset = body - std::min(body, kRecordHeadSize);
   block.wells = wells;
   block.firstFrame = body + fixed + 2 * std::uint64_t{wells};
   block.frames = (to - std::min(to, block.firstFrame)) / block.FrameSize();
   block.numbers = ReadWellNumbers(source, body + fixed, wells);
-  if (body >= kHeadSize) block.tag = dataTagAt(source, block.offset);
+  if (body >= kRecordHeadSize) block.tag = dataTagAt(source, block.offset);
   return block;
 }
 
@@ -54,8 +51,8 @@ bool fits(const SalvageBlock& block, std::uint64_t to) {
 
 // By version and size of times, which do not stand side by side elsewhere, and numbers of wells.
 std::optional<SalvageBlock> byVersion(SalvageSource& source, const BlockSearch& search) {
-  for (std::uint64_t body = search.from; body + kFixedLength <= search.to; ++body) {
-    if (source.Long(body) != (std::uint32_t{kVersion} << 16U | kTimesSize)) continue;
+  for (std::uint64_t body = search.from; body + kBlockFixedSize <= search.to; ++body) {
+    if (source.Long(body) != (std::uint32_t{kVersion} << 16U | kTimeBlockSize)) continue;
     const std::uint16_t wells = source.Short(body + 16).value_or(0);
     if (wells == 0 || wells > kMostWells) continue;
     SalvageBlock block = blockWith(source, body, wells, search.to);
@@ -69,13 +66,13 @@ std::optional<SalvageBlock> byVersion(SalvageSource& source, const BlockSearch& 
 
 // By the number of wells and their numbers, when whole frames follow up to the end.
 std::optional<SalvageBlock> byNumbers(SalvageSource& source, const BlockSearch& search) {
-  for (std::uint64_t at = std::max(search.from, kFixedLength); at + 2 <= search.to; ++at) {
+  for (std::uint64_t at = std::max(search.from, kBlockFixedSize); at + 2 <= search.to; ++at) {
     const std::uint16_t wells = source.Short(at).value_or(0);
     if (wells < kLeastWellsToTell || wells > kMostWells) continue;
     // In the midst of numbers that ascend, each may look like a count of those behind it.
     if (source.Short(at - 2) == wells - 1) continue;
     const std::uint64_t first = at + 2 + 2 * std::uint64_t{wells};
-    if (first >= search.to || (search.to - first) % (kRecordSize * wells) != 0) continue;
+    if (first >= search.to || (search.to - first) % (kReadingSize * wells) != 0) continue;
     SalvageBlock block = blockWith(source, at - 16, wells, search.to);
     if (block.numbers.empty()) continue;
     const auto& known = search.wellCounts;
@@ -94,8 +91,8 @@ std::uint16_t wellsByTimes(SalvageSource& source, std::uint64_t from, std::uint6
   constexpr std::uint64_t kTimeAt = 10;
   std::optional<std::uint32_t> time;
   std::uint16_t run = 0;
-  for (std::uint64_t at = to; at >= from + kRecordSize; at -= kRecordSize, ++run) {
-    const auto other = source.Long(at - kRecordSize + kTimeAt);
+  for (std::uint64_t at = to; at >= from + kReadingSize; at -= kReadingSize, ++run) {
+    const auto other = source.Long(at - kReadingSize + kTimeAt);
     if (run > kMostWells) return 0;
     if (time && other != time) return run >= kLeastWellsToTell && time != 0U ? run : 0;
     time = other;
@@ -125,28 +122,28 @@ std::optional<SalvageBlock> byGrid(SalvageSource& source, const BlockSearch& sea
   constexpr int kConvincing = 5;
   std::vector<std::uint16_t> counts = search.wellCounts;
   const auto addSolutions = [&](std::uint64_t bodyLength) {
-    if (bodyLength < kFixedLength) return;
+    if (bodyLength < kBlockFixedSize) return;
     // length - 18 is 2 bytes of number and 80 of each frame a well.
-    const std::uint64_t half = (bodyLength - kFixedLength) / 2;
+    const std::uint64_t half = (bodyLength - kBlockFixedSize) / 2;
     for (std::uint16_t wells = 1; wells <= kMostWells; ++wells) {
       if (half % wells == 0 && (half / wells) % 40 == 1 && half > wells) counts.push_back(wells);
     }
   };
-  addSolutions(search.to - search.from - std::min(search.to - search.from, kHeadSize));
+  addSolutions(search.to - search.from - std::min(search.to - search.from, kRecordHeadSize));
   addSolutions(source.Long(search.from + 4).value_or(0));
   const std::uint16_t byTimes = wellsByTimes(source, search.from, search.to);
   std::optional<SalvageBlock> best;
   int most = kConvincing - 1;
   const auto tryWith = [&](std::uint16_t wells, std::uint64_t fixed) {
-    SalvageBlock block = blockWith(source, search.from + kHeadSize, wells, search.to, fixed);
+    SalvageBlock block = blockWith(source, search.from + kRecordHeadSize, wells, search.to, fixed);
     const int points = fitness(source, search, block, byTimes);
     if (points <= most) return;
     most = points;
     best = block;
   };
   for (const std::uint16_t wells : counts) {
-    tryWith(wells, kFixedLength);
-    tryWith(wells, kOldFixedLength);
+    tryWith(wells, kBlockFixedSize);
+    tryWith(wells, kOldBlockFixedSize);
   }
   return best;
 }
@@ -169,7 +166,7 @@ std::optional<SalvageBlock> backwards(SalvageSource& source, const BlockSearch& 
       ++block.frames;
     }
     if (block.frames == 0) continue;
-    const std::uint64_t head = kHeadSize + kFixedLength + 2U * wells;
+    const std::uint64_t head = kRecordHeadSize + kBlockFixedSize + 2U * wells;
     block.offset = std::max(search.from, block.firstFrame - std::min(block.firstFrame, head));
     block.guesses.emplace_back("the place of the first frame");
     return block;
@@ -208,7 +205,7 @@ std::vector<std::uint16_t> ReadWellNumbers(SalvageSource& source, std::uint64_t 
   std::vector<std::uint16_t> numbers;
   std::bitset<kMostWells + 1> met;
   for (std::size_t i = 0; i < wells; ++i) {
-    const auto number = static_cast<std::uint16_t>(bytes[2 * i] << 8U | bytes[2 * i + 1]);
+    const auto number = ShortAt(bytes, 2 * i);
     if (number == 0 || number > kMostWells || met.test(number)) return {};
     met.set(number);
     numbers.push_back(number);
@@ -217,14 +214,14 @@ std::vector<std::uint16_t> ReadWellNumbers(SalvageSource& source, std::uint64_t 
 }
 
 std::optional<SalvageBlock> FindLostBlock(SalvageSource& source, const BlockSearch& search) {
-  if (search.to < search.from + kRecordSize) return std::nullopt;
+  if (search.to < search.from + kReadingSize) return std::nullopt;
   if (auto block = byVersion(source, search)) return block;
   if (auto block = byNumbers(source, search)) return block;
   if (search.beginsAtFrom) {
     if (auto block = byGrid(source, search)) return block;
     // Part of a frame may stand behind those that it declares.
     BlockSearch declared = search;
-    declared.to = search.from + kHeadSize + source.Long(search.from + 4).value_or(0);
+    declared.to = search.from + kRecordHeadSize + source.Long(search.from + 4).value_or(0);
     if (declared.to < search.to) {
       if (auto block = byGrid(source, declared)) return block;
     }
@@ -236,7 +233,7 @@ std::optional<std::uint16_t> MarkerOf(SalvageSource& source, std::uint64_t frame
                                       std::uint16_t wells) {
   std::uint16_t marker = 0;
   for (unsigned well = 0; well < wells; ++well) {
-    const auto found = source.Short(frame + kRecordSize * well);
+    const auto found = source.Short(frame + kReadingSize * well);
     if (!found || *found == kPadding) return std::nullopt;
     if (*found != 0 && marker != 0 && *found != marker) return std::nullopt;
     marker = std::max(marker, *found);
@@ -250,7 +247,7 @@ std::uint64_t CountPlausibleFrames(SalvageSource& source, std::uint64_t offset, 
   std::uint64_t count = 0;
   for (; count < most && wells > 0; ++count) {
     unsigned filled = 0;
-    for (unsigned well = 0; well < wells; ++well, offset += kRecordSize) {
+    for (unsigned well = 0; well < wells; ++well, offset += kReadingSize) {
       const auto found = source.Short(offset);
       if (!found) return count;
       if (marker ? *found == *marker : *found != 0) ++filled;

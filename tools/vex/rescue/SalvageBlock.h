@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/vex/document/FileLayout.h"
 #include "tools/vex/rescue/SalvageSource.h"
 
 namespace vex2::tool {
@@ -16,7 +17,7 @@ struct SalvageBlock {
   std::uint64_t offset = 0;  ///< of its tag, or where that would be
   std::uint32_t length = 0;  ///< as declared
   std::uint16_t version = 2;
-  std::array<std::uint8_t, 12> times{};
+  std::array<std::uint8_t, kTimeBlockSize> times{};
   std::uint16_t wells = 0;
   std::vector<std::uint16_t> numbers;  ///< of its wells
   std::uint64_t firstFrame = 0;
@@ -24,7 +25,7 @@ struct SalvageBlock {
   bool lengthAgrees = false;         ///< the declared length is what wells and whole frames take
   std::vector<std::string> guesses;  ///< what was put in, for people
 
-  std::uint64_t FrameSize() const { return std::uint64_t{80} * wells; }
+  std::uint64_t FrameSize() const { return kReadingSize * wells; }
   std::uint64_t End() const { return firstFrame + frames * FrameSize(); }
 };
 

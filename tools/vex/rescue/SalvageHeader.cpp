@@ -4,8 +4,10 @@
 #include <array>
 #include <string_view>
 
+#include "tools/vex/document/FileLayout.h"
 #include "tools/vex/document/HeaderFields.h"
 #include "tools/vex/rescue/SalvageTree.h"
+#include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
 
@@ -26,14 +28,9 @@ constexpr auto kCodes = std::to_array<Code>({{HeaderFields::kAssayAt, "kind of a
                                              {60, "instrument"},
                                              {HeaderFields::kStatusAt, "acquisition status"}});
 
-unsigned shortAt(std::span<const std::uint8_t> bytes, std::size_t at) {
-  return static_cast<unsigned>(bytes[at] << 8U | bytes[at + 1]);
-}
-
 bool isText(std::span<const std::uint8_t> bytes, std::size_t at, std::size_t size) {
   const auto part = bytes.subspan(at, size);
-  return std::all_of(part.begin(), part.end(),
-                     [](unsigned char c) { return c >= ' ' && c <= '~'; });
+  return IsPlain({reinterpret_cast<const char*>(part.data()), part.size()});
 }
 
 bool hasMagic(std::span<const std::uint8_t> header) {
@@ -42,8 +39,8 @@ bool hasMagic(std::span<const std::uint8_t> header) {
 }
 
 bool hasShape(std::span<const std::uint8_t> header) {
-  const unsigned columns = shortAt(header, HeaderFields::kColumnsAt);
-  const unsigned rows = shortAt(header, HeaderFields::kRowsAt);
+  const unsigned columns = ShortAt(header, HeaderFields::kColumnsAt);
+  const unsigned rows = ShortAt(header, HeaderFields::kRowsAt);
   return rows >= 1 && rows <= HeaderFields::kMostRows && columns >= 1 && columns <= kMostColumns;
 }
 
@@ -65,15 +62,15 @@ void putShape(std::vector<std::uint8_t>& header, unsigned rows, unsigned columns
 }  // namespace
 
 bool IsHeaderWhole(std::span<const std::uint8_t> header) {
-  if (header.size() < kDocumentHeader || !hasMagic(header)) return false;
-  if (shortAt(header, HeaderFields::kRowsAt) > HeaderFields::kMostRows) return false;
+  if (header.size() < kDocumentHeaderSize || !hasMagic(header)) return false;
+  if (ShortAt(header, HeaderFields::kRowsAt) > HeaderFields::kMostRows) return false;
   return std::all_of(kCodes.begin(), kCodes.end(),
                      [&](const Code& code) { return isText(header, code.at, 4); });
 }
 
 std::vector<std::uint8_t> MadeHeader(const PlateFacts& facts, bool isEmbedded) {
   const bool isSmall = facts.wells <= kSmallPlate;
-  std::vector<std::uint8_t> header(kDocumentHeader, isEmbedded ? 0xFF : 0);
+  std::vector<std::uint8_t> header(kDocumentHeaderSize, isEmbedded ? 0xFF : 0);
   std::fill_n(header.begin(), HeaderFields::kUsageAt, 0);
   put(header, 0, "Vex2");
   header[5] = header[7] = 2;
@@ -91,11 +88,11 @@ std::vector<std::uint8_t> MendedHeader(std::span<const std::uint8_t> header,
                                        const PlateFacts& facts, bool isEmbedded,
                                        std::vector<std::string>& guesses) {
   const std::vector<std::uint8_t> made = MadeHeader(facts, isEmbedded);
-  if (header.size() < kDocumentHeader) {
+  if (header.size() < kDocumentHeaderSize) {
     guesses.emplace_back("all of it");
     return made;
   }
-  std::vector<std::uint8_t> mended(header.begin(), header.begin() + kDocumentHeader);
+  std::vector<std::uint8_t> mended(header.begin(), header.begin() + kDocumentHeaderSize);
   const auto takeMade = [&](std::size_t at, std::size_t size) {
     std::copy_n(made.begin() + static_cast<std::ptrdiff_t>(at), size,
                 mended.begin() + static_cast<std::ptrdiff_t>(at));
@@ -107,11 +104,11 @@ std::vector<std::uint8_t> MendedHeader(std::span<const std::uint8_t> header,
     guesses.emplace_back(code.name);
   }
   if (!hasShape(header)) {
-    putShape(mended, shortAt(made, HeaderFields::kRowsAt), shortAt(made, HeaderFields::kColumnsAt));
+    putShape(mended, ShortAt(made, HeaderFields::kRowsAt), ShortAt(made, HeaderFields::kColumnsAt));
     guesses.emplace_back("rows, columns and used wells");
   } else if (UsedWells(header).empty()) {
-    putShape(mended, shortAt(header, HeaderFields::kRowsAt),
-             shortAt(header, HeaderFields::kColumnsAt));
+    putShape(mended, ShortAt(header, HeaderFields::kRowsAt),
+             ShortAt(header, HeaderFields::kColumnsAt));
     guesses.emplace_back("used wells");
   }
   return mended;
@@ -127,11 +124,11 @@ std::string GuessText(const std::vector<std::string>& guesses) {
 
 std::vector<std::uint16_t> UsedWells(std::span<const std::uint8_t> header) {
   std::vector<std::uint16_t> used;
-  if (header.size() < kDocumentHeader || !hasShape(header)) return used;
-  const unsigned columns = shortAt(header, HeaderFields::kColumnsAt);
-  for (unsigned row = 0; row < shortAt(header, HeaderFields::kRowsAt); ++row) {
+  if (header.size() < kDocumentHeaderSize || !hasShape(header)) return used;
+  const unsigned columns = ShortAt(header, HeaderFields::kColumnsAt);
+  for (unsigned row = 0; row < ShortAt(header, HeaderFields::kRowsAt); ++row) {
     const std::size_t at = HeaderFields::kUsageAt + 4 * std::size_t{row};
-    const std::uint32_t mask = shortAt(header, at) << 16U | shortAt(header, at + 2);
+    const std::uint32_t mask = LongAt(header, at);
     for (unsigned column = 0; column < columns; ++column) {
       if ((mask >> column & 1U) != 0) {
         used.push_back(static_cast<std::uint16_t>(row * columns + column + 1));
@@ -142,9 +139,9 @@ std::vector<std::uint16_t> UsedWells(std::span<const std::uint8_t> header) {
 }
 
 std::uint16_t WellsByShape(std::span<const std::uint8_t> header) {
-  if (header.size() < kDocumentHeader || !hasShape(header)) return 0;
-  return static_cast<std::uint16_t>(shortAt(header, HeaderFields::kRowsAt) *
-                                    shortAt(header, HeaderFields::kColumnsAt));
+  if (header.size() < kDocumentHeaderSize || !hasShape(header)) return 0;
+  return static_cast<std::uint16_t>(ShortAt(header, HeaderFields::kRowsAt) *
+                                    ShortAt(header, HeaderFields::kColumnsAt));
 }
 
 }  // namespace vex2::tool

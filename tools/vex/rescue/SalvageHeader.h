@@ -7,8 +7,6 @@
 
 namespace vex2::tool {
 
-constexpr std::uint64_t kDocumentHeader = 1024;
-
 /// What the records say of the plate whose header is to be made again.
 struct PlateFacts {
   bool isStudy = false;

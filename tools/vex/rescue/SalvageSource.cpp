@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <bitset>
 
+#include "tools/vex/document/FileLayout.h"
 #include "tools/vex/document/RecordWalker.h"
 #include "tools/vex/rescue/SalvageBlock.h"
+#include "tools/vex/text/Text.h"
 #include "vex2/container/TagTable.h"
 
 namespace vex2::tool {
@@ -12,22 +14,16 @@ namespace vex2::tool {
 namespace {
 
 constexpr std::size_t kWindow = 16 * 1024;
-constexpr std::uint64_t kHeadSize = 8;
-constexpr std::uint64_t kPlateHeader = 1024;
 // So many heads in a row are no accident; looking at more would only take time.
 constexpr int kEnoughHeads = 48;
 constexpr int kFewHeads = 2;
-
-std::size_t twoBytes(const std::uint8_t* bytes) {
-  return static_cast<std::size_t>(bytes[0]) << 8U | bytes[1];
-}
 
 // Most bytes begin no tag: asked for each byte of a damaged file.
 const std::bitset<65536>& firstTwoOfTags() {
   static const auto set = [] {
     std::bitset<65536> begins;
     for (const std::string_view tag : kTagTable) {
-      begins.set(twoBytes(reinterpret_cast<const std::uint8_t*>(tag.data())));
+      begins.set(ShortAt({reinterpret_cast<const std::uint8_t*>(tag.data()), tag.size()}));
     }
     return begins;
   }();
@@ -36,7 +32,7 @@ const std::bitset<65536>& firstTwoOfTags() {
 
 // Fills in where the next head is. False when what it takes is not there.
 bool measure(SalvageSource& source, SalvageHead& head) {
-  const std::uint64_t body = head.offset + kHeadSize;
+  const std::uint64_t body = head.offset + kRecordHeadSize;
   const BodyLayout layout = head.kind->layout;
   head.next = body;
   head.exact = true;
@@ -60,31 +56,27 @@ bool measure(SalvageSource& source, SalvageHead& head) {
   }
   const std::uint64_t fields = layout == BodyLayout::kCell ? 7 : 2;
   head.count = source.Short(body).value_or(0);
-  head.next = body + fields + (layout == BodyLayout::kPlate ? kPlateHeader : 0);
-  head.exact = head.length >= fields + kHeadSize * head.count;
+  head.next = body + fields + (layout == BodyLayout::kPlate ? kDocumentHeaderSize : 0);
+  head.exact = head.length >= fields + kRecordHeadSize * head.count;
   if (layout == BodyLayout::kPlate) head.exact = head.length == fields && head.count == 0;
   if (head.Tag() == "MPLC") head.exact = head.length % 10 == 2;
   return head.next <= source.Size();
 }
 
 std::optional<SalvageHead> rawHead(SalvageSource& source, std::uint64_t offset) {
-  const auto bytes = source.View(offset, kHeadSize);
-  if (bytes.size() < kHeadSize) return std::nullopt;
+  const auto bytes = source.View(offset, kRecordHeadSize);
+  if (bytes.size() < kRecordHeadSize) return std::nullopt;
   SalvageHead head;
   head.offset = offset;
   std::copy_n(bytes.begin(), 4, head.tagBytes.begin());
-  head.length = static_cast<std::uint32_t>(twoBytes(&bytes[4]) << 16U | twoBytes(&bytes[6]));
+  head.length = LongAt(bytes, 4);
   head.kind = &KindOf(head.Tag());
   return head;
 }
 
-bool isPrintable(std::string_view tag) {
-  return std::all_of(tag.begin(), tag.end(), [](char c) { return c >= ' ' && c <= '~'; });
-}
-
 // Fewer bytes than a record has.
 bool isNearEnd(const SalvageSource& source, std::uint64_t offset) {
-  return offset <= source.Size() && source.Size() - offset < kHeadSize;
+  return offset <= source.Size() && source.Size() - offset < kRecordHeadSize;
 }
 
 }  // namespace
@@ -105,13 +97,13 @@ std::span<const std::uint8_t> SalvageSource::View(std::uint64_t offset, std::siz
 std::optional<std::uint16_t> SalvageSource::Short(std::uint64_t offset) {
   const auto bytes = View(offset, 2);
   if (bytes.size() < 2) return std::nullopt;
-  return static_cast<std::uint16_t>(twoBytes(bytes.data()));
+  return ShortAt(bytes);
 }
 
 std::optional<std::uint32_t> SalvageSource::Long(std::uint64_t offset) {
   const auto bytes = View(offset, 4);
   if (bytes.size() < 4) return std::nullopt;
-  return static_cast<std::uint32_t>(twoBytes(bytes.data()) << 16U | twoBytes(&bytes[2]));
+  return LongAt(bytes);
 }
 
 bool SalvageHead::HoldsRecords() const {
@@ -130,7 +122,7 @@ std::optional<SalvageHead> HeadAt(SalvageSource& source, std::uint64_t offset) {
 std::optional<SalvageHead> UnknownHeadAt(SalvageSource& source, std::uint64_t offset,
                                          std::uint64_t listEnd) {
   auto head = rawHead(source, offset);
-  if (!head || head->kind->layout != BodyLayout::kUnknown || !isPrintable(head->Tag())) {
+  if (!head || head->kind->layout != BodyLayout::kUnknown || !IsPlain(head->Tag())) {
     return std::nullopt;
   }
   head->next = head->DeclaredEnd();
@@ -140,7 +132,7 @@ std::optional<SalvageHead> UnknownHeadAt(SalvageSource& source, std::uint64_t of
   for (int i = 0; i < kMostUnknown; ++i) {
     if (next == listEnd || isNearEnd(source, next) || HeadAt(source, next)) return head;
     const auto other = rawHead(source, next);
-    if (!other || other->kind->layout != BodyLayout::kUnknown || !isPrintable(other->Tag())) break;
+    if (!other || other->kind->layout != BodyLayout::kUnknown || !IsPlain(other->Tag())) break;
     next = other->DeclaredEnd();
   }
   return std::nullopt;
@@ -189,7 +181,7 @@ std::optional<std::uint64_t> FindHead(SalvageSource& source, std::uint64_t from,
     if (bytes.size() < kTagSize) return std::nullopt;
     const std::size_t last = std::min<std::uint64_t>(bytes.size() - kTagSize + 1, before - from);
     std::size_t i = 0;
-    while (i < last && !begins.test(twoBytes(&bytes[i]))) ++i;
+    while (i < last && !begins.test(ShortAt(bytes, i))) ++i;
     from += i;
     if (i == last) continue;
     if (IsBelieved(source, from, mustCross)) return from;

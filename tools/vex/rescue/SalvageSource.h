@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tools/vex/document/FileLayout.h"
 #include "tools/vex/document/RecordKinds.h"
 #include "vex2/framework/CFile.h"
 
@@ -46,7 +47,7 @@ struct SalvageHead {
   bool exact = false;                ///< its numbers agree with each other and with the file's size
 
   std::string_view Tag() const { return {tagBytes.data(), tagBytes.size()}; }
-  std::uint64_t DeclaredEnd() const { return offset + 8 + length; }
+  std::uint64_t DeclaredEnd() const { return offset + kRecordHeadSize + length; }
   /// Whether it is open: records follow that are in it.
   bool HoldsRecords() const;
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "tools/vex/document/FileLayout.h"
 #include "tools/vex/rescue/RecordPlaces.h"
 #include "tools/vex/rescue/SalvageHeader.h"
 #include "tools/vex/text/Text.h"
@@ -11,22 +12,12 @@ namespace vex2::tool {
 namespace {
 
 constexpr std::size_t kCopied = 16 * 1024;
-constexpr std::uint64_t kHeadSize = 8;
 constexpr std::uint64_t kMostRecords = 65535;
 
 }  // namespace
 
 std::string InQuotes(std::string_view tag) {
   return "\"" + ToUtf8(tag) + "\"";
-}
-
-std::vector<std::uint8_t> ShortBytes(std::uint16_t value) {
-  return {static_cast<std::uint8_t>(value >> 8U), static_cast<std::uint8_t>(value & 0xFFU)};
-}
-
-std::vector<std::uint8_t> LongBytes(std::uint32_t value) {
-  return {static_cast<std::uint8_t>(value >> 24U), static_cast<std::uint8_t>(value >> 16U & 0xFFU),
-          static_cast<std::uint8_t>(value >> 8U & 0xFFU), static_cast<std::uint8_t>(value & 0xFFU)};
 }
 
 void SalvageTree::Copy(std::uint64_t from, std::uint64_t to) {
@@ -45,7 +36,7 @@ void SalvageTree::Append(const std::vector<std::uint8_t>& bytes) {
   position_ += bytes.size();
 }
 
-void SalvageTree::Patch(std::uint64_t at, const std::vector<std::uint8_t>& bytes) {
+void SalvageTree::Patch(std::uint64_t at, std::span<const std::uint8_t> bytes) {
   out_.Seek(static_cast<std::int64_t>(at), CFile::begin);
   out_.Write(bytes.data(), bytes.size());
   out_.Seek(static_cast<std::int64_t>(position_), CFile::begin);
@@ -116,7 +107,7 @@ bool SalvageTree::isCounted(const List& list, std::uint64_t offset, std::string_
   const bool isAtHomeAround = StandsIn(tagAround(list), tag);
   if (isFull) return tag.empty() || !isAtHome || isAtHomeAround;
   // So many do not fit into the file.
-  const bool isCountWrong = list.offset + kHeadSize * list.count > source_.Size();
+  const bool isCountWrong = list.offset + kRecordHeadSize * list.count > source_.Size();
   if (!afterLoss && !isCountWrong && offset < list.end) return false;
   const bool isOthers = !isAtHome && isAtHomeOutside(list, tag);
   return isOthers || (afterLoss && offset >= list.end);
@@ -146,11 +137,9 @@ void SalvageTree::Wrap(std::uint64_t offset, std::string_view tag) {
 std::vector<std::uint8_t> SalvageTree::cellFields() const {
   const std::uint64_t index = open_.empty() || open_.back().seen == 0 ? 0 : open_.back().seen - 1;
   if (columns_ == 0) return {0, 0, 0, 0, 1};
-  auto fields = ShortBytes(static_cast<std::uint16_t>(index / columns_));
+  const auto row = ShortBytes(static_cast<std::uint16_t>(index / columns_));
   const auto column = ShortBytes(static_cast<std::uint16_t>(index % columns_));
-  fields.insert(fields.end(), column.begin(), column.end());
-  fields.push_back(1);
-  return fields;
+  return {row[0], row[1], column[0], column[1], 1};
 }
 
 void SalvageTree::AddEmptyCells(std::uint64_t offset, std::uint64_t count) {
@@ -188,7 +177,7 @@ void SalvageTree::openMade(std::uint64_t offset, std::string_view tag) {
   head.kind = &KindOf(tag);
   head.length = head.kind->layout == BodyLayout::kCell ? 7 : 2;
   std::vector<std::uint8_t> bytes(tag.begin(), tag.end());
-  const auto add = [&](const std::vector<std::uint8_t>& more) {
+  const auto add = [&](std::span<const std::uint8_t> more) {
     bytes.insert(bytes.end(), more.begin(), more.end());
   };
   add(LongBytes(head.length));
@@ -220,7 +209,8 @@ void SalvageTree::Open(const SalvageHead& head, std::string_view tag, std::uint6
 void SalvageTree::RightTag(const SalvageHead& head) {
   const auto bytes = source_.View(head.offset, head.tagBytes.size());
   if (std::equal(head.tagBytes.begin(), head.tagBytes.end(), bytes.begin())) return;
-  Patch(open_.back().written, {head.tagBytes.begin(), head.tagBytes.end()});
+  const std::string_view tag = head.Tag();
+  Patch(open_.back().written, {reinterpret_cast<const std::uint8_t*>(tag.data()), tag.size()});
 }
 
 void SalvageTree::Count(std::string_view tag) {
@@ -233,7 +223,7 @@ void SalvageTree::Count(std::string_view tag) {
 }
 
 std::uint32_t SalvageTree::rightLength(const List& list) const {
-  const std::uint64_t held = position_ - list.written - kHeadSize;
+  const std::uint64_t held = position_ - list.written - kRecordHeadSize;
   if (list.tag == "MPLC") {
     // 10 for each plate, each time that it was read and saved.
     const std::uint64_t least = 2 + 10 * list.seen;
@@ -251,7 +241,7 @@ void SalvageTree::close() {
   const bool isLess = !list.isMade && !list.isPlate && list.seen < list.count;
   if (isLess) report_.lostRecords += list.count - list.seen;
   const std::uint16_t count = list.isPlate ? 0 : static_cast<std::uint16_t>(list.seen);
-  if (count != list.count) Patch(list.written + kHeadSize, ShortBytes(count));
+  if (count != list.count) Patch(list.written + kRecordHeadSize, ShortBytes(count));
   const std::uint32_t length = rightLength(list);
   if (length != list.length) Patch(list.written + 4, LongBytes(length));
   if (list.isMade || (count == list.count && length == list.length)) return;

@@ -23,7 +23,7 @@ class SalvageTree {
   void Copy(std::uint64_t from, std::uint64_t to);
   void Append(const std::vector<std::uint8_t>& bytes);
   /// Overwrites what was written at `at`.
-  void Patch(std::uint64_t at, const std::vector<std::uint8_t>& bytes);
+  void Patch(std::uint64_t at, std::span<const std::uint8_t> bytes);
 
   /// Closes the lists that end before a record with this tag at `offset` of the damaged file; with
   /// an empty tag, before what is no record. `afterLoss`: bytes before it were lost.
@@ -102,9 +102,5 @@ class SalvageTree {
   std::vector<List> open_;
   std::set<std::string> tags_;  // in the document itself
 };
-
-/// Big-endian.
-std::vector<std::uint8_t> ShortBytes(std::uint16_t value);
-std::vector<std::uint8_t> LongBytes(std::uint32_t value);
 
 }  // namespace vex2::tool

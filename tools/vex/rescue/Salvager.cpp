@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "tools/vex/Errors.h"
+#include "tools/vex/document/FileLayout.h"
 #include "tools/vex/document/HeaderFields.h"
 #include "tools/vex/rescue/RecordPlaces.h"
 #include "tools/vex/text/Text.h"
@@ -12,7 +13,6 @@ namespace vex2::tool {
 
 namespace {
 
-constexpr std::uint64_t kHeadSize = 8;
 constexpr std::uint64_t kListFields = 2;
 constexpr std::uint64_t kCellFields = 7;
 // As deep as readers go: a record within so many lists is not read.
@@ -20,14 +20,13 @@ constexpr std::size_t kDeepest = 63;
 
 bool isPlateHeader(SalvageSource& source, const SalvageHead& plate) {
   constexpr std::uint32_t kMagic = 0x56657832;
-  return source.Long(plate.offset + kHeadSize + kListFields) == kMagic;
+  return source.Long(plate.offset + kRecordHeadSize + kListFields) == kMagic;
 }
 
 bool isPrintableAt(SalvageSource& source, std::uint64_t offset) {
   const auto bytes = source.View(offset, kTagLength);
   return bytes.size() >= kTagLength &&
-         std::all_of(bytes.begin(), bytes.begin() + kTagLength,
-                     [](std::uint8_t c) { return c >= ' ' && c <= '~'; });
+         IsPlain({reinterpret_cast<const char*>(bytes.data()), kTagLength});
 }
 
 }  // namespace
@@ -38,14 +37,14 @@ SalvageReport Salvage(CFile& in, CFile& out, const SalvageProgress& progress) {
 
 SalvageReport Salvager::Run() {
   report_.size = source_.Size();
-  const auto header = source_.View(0, kDocumentHeader);
+  const auto header = source_.View(0, kDocumentHeaderSize);
   header_.assign(header.begin(), header.begin() + static_cast<std::ptrdiff_t>(std::min<std::size_t>(
-                                                      header.size(), kDocumentHeader)));
+                                                      header.size(), kDocumentHeaderSize)));
   auto written = header_;
-  written.resize(kDocumentHeader);
+  written.resize(kDocumentHeaderSize);
   tree_.Append(written);
   if (IsHeaderWhole(header_)) {
-    tree_.SetColumns(static_cast<std::uint16_t>(header_[22] << 8U | header_[23]));
+    tree_.SetColumns(ShortAt(header_, HeaderFields::kColumnsAt));
   }
   std::uint64_t offset = firstRecord();
   while (offset < source_.Size()) {
@@ -60,9 +59,10 @@ SalvageReport Salvager::Run() {
 
 // Behind the header, unless that is gone, bytes and all.
 std::uint64_t Salvager::firstRecord() {
-  if (source_.Size() == kDocumentHeader || HeadAt(source_, kDocumentHeader)) return kDocumentHeader;
-  const auto early = FindHead(source_, 0, kDocumentHeader);
-  if (!early) return std::min(kDocumentHeader, source_.Size());
+  if (source_.Size() == kDocumentHeaderSize || HeadAt(source_, kDocumentHeaderSize))
+    return kDocumentHeaderSize;
+  const auto early = FindHead(source_, 0, kDocumentHeaderSize);
+  if (!early) return std::min(kDocumentHeaderSize, source_.Size());
   header_.clear();
   return *early;
 }
@@ -107,7 +107,7 @@ bool Salvager::isCredibleList(const SalvageHead& head) {
 std::optional<SalvageHead> Salvager::listWithoutTag(std::uint64_t offset, std::string& tag) {
   const auto length = source_.Long(offset + 4);
   if (!length || *length < kListFields) return std::nullopt;
-  for (const std::uint64_t fields : {kListFields, kCellFields, kListFields + kDocumentHeader}) {
+  for (const std::uint64_t fields : {kListFields, kCellFields, kListFields + kDocumentHeaderSize}) {
     const bool isPlate = fields > kCellFields;
     const std::string_view home = isPlate ? "RQPl" : listAround(offset, fields);
     if (home.empty()) continue;
@@ -116,13 +116,13 @@ std::optional<SalvageHead> Salvager::listWithoutTag(std::uint64_t offset, std::s
     head.kind = &KindOf(home);
     std::copy(home.begin(), home.end(), head.tagBytes.begin());
     head.length = *length;
-    head.count = source_.Short(offset + kHeadSize).value_or(0);
-    head.next = offset + kHeadSize + fields;
+    head.count = source_.Short(offset + kRecordHeadSize).value_or(0);
+    head.next = offset + kRecordHeadSize + fields;
     head.exact = true;
     if (isPlate) {
       if (*length != kListFields || head.count != 0 || !isPlateHeader(source_, head)) continue;
     } else if (home != "MPLC") {
-      if (head.count == 0 || *length < fields + kHeadSize * head.count) continue;
+      if (head.count == 0 || *length < fields + kRecordHeadSize * head.count) continue;
       if (!IsBoundary(source_, head.DeclaredEnd())) continue;
     }
     tag = home;
@@ -135,7 +135,7 @@ std::optional<SalvageHead> Salvager::listWithoutTag(std::uint64_t offset, std::s
 // The list that the record at the place of a list's first one stands in, the one whose tag is the
 // most like what is there; nothing when there is no such record, or another program's list.
 std::string_view Salvager::listAround(std::uint64_t offset, std::uint64_t fields) {
-  const auto first = HeadAt(source_, offset + kHeadSize + fields);
+  const auto first = HeadAt(source_, offset + kRecordHeadSize + fields);
   if (!first || !first->exact) return {};
   const auto layout = fields == kCellFields ? BodyLayout::kCell : BodyLayout::kList;
   std::string_view best;
@@ -154,7 +154,7 @@ std::string_view Salvager::listAround(std::uint64_t offset, std::uint64_t fields
 bool Salvager::isPlateEnd(std::uint64_t offset) {
   constexpr std::uint32_t kEndLength = 4;
   return tree_.OpenTag() == "RQPl" && source_.Long(offset + kTagLength) == kEndLength &&
-         source_.Long(offset + kHeadSize) == 0U && Likeness(source_, offset, "EOPl") > 0;
+         source_.Long(offset + kRecordHeadSize) == 0U && Likeness(source_, offset, "EOPl") > 0;
 }
 
 std::uint64_t Salvager::keepPlateEnd(std::uint64_t offset) {
@@ -162,10 +162,10 @@ std::uint64_t Salvager::keepPlateEnd(std::uint64_t offset) {
   makeRoom(offset, "EOPl");
   ++report_.records;
   tree_.Append({'E', 'O', 'P', 'l', 0, 0, 0, kValueSize});
-  tree_.Copy(offset + kHeadSize, offset + kHeadSize + kValueSize);
+  tree_.Copy(offset + kRecordHeadSize, offset + kRecordHeadSize + kValueSize);
   tree_.ClosePlate();
   report_.Mend(offset, "the record \"EOPl\", the end of the plate, was given its tag again");
-  return offset + kHeadSize + kValueSize;
+  return offset + kRecordHeadSize + kValueSize;
 }
 
 // By its header, where that can be believed.
@@ -221,7 +221,7 @@ std::uint64_t Salvager::keepValue(const SalvageHead& head) {
   ++report_.records;
   const std::uint64_t written = tree_.Position();
   tree_.Copy(head.offset, head.next);
-  const std::uint64_t size = head.next - head.offset - kHeadSize;
+  const std::uint64_t size = head.next - head.offset - kRecordHeadSize;
   if (FixedSize(head.kind->layout) > 0 && head.length != size) {
     tree_.Patch(written + 4, LongBytes(static_cast<std::uint32_t>(size)));
     report_.Mend(head.offset, "the record " + InQuotes(head.Tag()) + " now says that it holds " +
@@ -258,7 +258,7 @@ std::uint64_t Salvager::keepUnknown(const SalvageHead& head) {
 
 // Whether whole records lie in it that are not its own: it may be a list of another program's.
 bool Salvager::hidesRecords(const SalvageHead& head) {
-  const std::uint64_t body = head.offset + kHeadSize;
+  const std::uint64_t body = head.offset + kRecordHeadSize;
   if (!FindHead(source_, head.offset + 1, head.next, head.next)) return false;
   for (const std::uint64_t fields : {kListFields, kCellFields}) {
     std::uint64_t at = body + fields;
@@ -286,9 +286,9 @@ std::uint64_t Salvager::keepList(const SalvageHead& head, std::string_view tag) 
 }
 
 std::uint64_t Salvager::keepPlate(const SalvageHead& head) {
-  const std::uint64_t begin = head.offset + kHeadSize + kListFields;
-  const auto bytes = source_.View(begin, kDocumentHeader);
-  const auto header = bytes.first(std::min<std::size_t>(bytes.size(), kDocumentHeader));
+  const std::uint64_t begin = head.offset + kRecordHeadSize + kListFields;
+  const auto bytes = source_.View(begin, kDocumentHeaderSize);
+  const auto header = bytes.first(std::min<std::size_t>(bytes.size(), kDocumentHeaderSize));
   if (IsHeaderWhole(header)) {
     plateHeader_.assign(header.begin(), header.end());
   } else {

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 
+#include "tools/vex/document/FileLayout.h"
 #include "tools/vex/rescue/Salvager.h"
 #include "tools/vex/text/Text.h"
 #include "vex2/container/TagTable.h"
@@ -9,19 +10,15 @@ namespace vex2::tool {
 
 namespace {
 
-constexpr std::uint64_t kHeadSize = 8;
-constexpr std::uint64_t kFrameRecord = 80;
-
 std::vector<std::uint8_t> madeHead(const SalvageBlock& block) {
   std::vector<std::uint8_t> bytes(block.tag.begin(), block.tag.end());
-  const auto add = [&](const std::vector<std::uint8_t>& more) {
+  const auto add = [&](std::span<const std::uint8_t> more) {
     bytes.insert(bytes.end(), more.begin(), more.end());
   };
-  constexpr std::uint64_t kFixedLength = 18;
-  add(LongBytes(static_cast<std::uint32_t>(kFixedLength + 2U * block.wells +
+  add(LongBytes(static_cast<std::uint32_t>(kBlockFixedSize + 2U * block.wells +
                                            block.frames * block.FrameSize())));
   add(ShortBytes(2));
-  add(ShortBytes(12));
+  add(ShortBytes(kTimeBlockSize));
   bytes.insert(bytes.end(), block.times.begin(), block.times.end());
   add(ShortBytes(block.wells));
   for (const std::uint16_t number : block.numbers) add(ShortBytes(number));
@@ -52,7 +49,7 @@ std::uint64_t Salvager::passGap(std::uint64_t offset) {
     lose(offset, next - kPlateEnd, "bytes that make no whole record");
     return keepPlateEnd(next - kPlateEnd);
   }
-  const bool isRecord = next - offset >= kHeadSize;
+  const bool isRecord = next - offset >= kRecordHeadSize;
   if (isRecord && tree_.IsAtTop()) ++report_.lostRecords;
   lose(offset, next, isRecord ? "bytes that make no whole record" : "too few bytes for a record");
   if (next < source_.Size()) {

@@ -1,19 +1,10 @@
 #include <algorithm>
 
+#include "tools/vex/document/FileLayout.h"
 #include "tools/vex/document/HeaderFields.h"
 #include "tools/vex/rescue/Salvager.h"
 
 namespace vex2::tool {
-
-namespace {
-
-std::uint32_t longAt(const std::vector<std::uint8_t>& bytes, std::size_t at) {
-  return static_cast<std::uint32_t>(bytes[at]) << 24U |
-         static_cast<std::uint32_t>(bytes[at + 1]) << 16U |
-         static_cast<std::uint32_t>(bytes[at + 2]) << 8U | bytes[at + 3];
-}
-
-}  // namespace
 
 // Last of all: what its records are says what a header lacks, and where they came to stand.
 void Salvager::finishHeader() {
@@ -31,7 +22,7 @@ void Salvager::finishHeader() {
     report_.Mend(0, "the header was damaged" + GuessText(guesses));
   }
   const auto setPosition = [&](std::uint64_t at, std::string_view tag) {
-    const auto bytes = LongBytes(rightPosition(longAt(header, at), tag));
+    const auto bytes = LongBytes(rightPosition(LongAt(header, at), tag));
     std::copy(bytes.begin(), bytes.end(), header.begin() + static_cast<std::ptrdiff_t>(at));
   };
   setPosition(HeaderFields::kProgramAt, "TPro");

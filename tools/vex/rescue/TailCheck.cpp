@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "tools/vex/document/FileLayout.h"
 #include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
@@ -9,7 +10,6 @@ namespace vex2::tool {
 namespace {
 
 constexpr std::string_view kBlock = "RAWa";
-constexpr std::uint64_t kRecordHead = 8;
 constexpr const char* kRecover = "'vex recover' takes what is whole into a new document";
 constexpr const char* kNotCommitted =
     "none of the committed frames is lost; an instrument that appends here without looking would "
@@ -105,7 +105,7 @@ void checkStray(CFile& file, const Document& document, const HeaderFields& heade
                   kNotCommitted, kResume});
     return;
   }
-  const bool canHide = bytes >= kRecordHead;
+  const bool canHide = bytes >= kRecordHeadSize;
   findings.Add(
       {canHide ? Severity::kError : Severity::kWarning, "", from,
        Counted(bytes, "byte") + (bytes == 1 ? " follows" : " follow") +

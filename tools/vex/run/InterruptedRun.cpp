@@ -6,6 +6,9 @@
 #include <string_view>
 
 #include "tools/vex/Errors.h"
+#include "tools/vex/document/FileLayout.h"
+#include "tools/vex/document/HeaderFields.h"
+#include "tools/vex/document/RawFile.h"
 #include "tools/vex/text/CsvReader.h"
 #include "vex2/container/Encoding.h"
 #include "vex2/manager/Vex2FileManager.h"
@@ -14,13 +17,6 @@ namespace vex2::tool {
 
 namespace {
 
-constexpr std::uint64_t kHeaderBytes = 1024;
-constexpr std::uint64_t kRowsAt = 20;
-constexpr std::uint64_t kStatusAt = 64;
-constexpr std::uint64_t kBlockPositionAt = 68;
-constexpr std::uint64_t kRecordHead = 8;     // tag and length
-constexpr std::uint64_t kFixedLength = 18;   // of a block, without well numbers and frames
-constexpr std::uint64_t kReadingBytes = 80;  // of one well in one frame
 constexpr std::size_t kTagBytes = 4;
 
 void moveTo(CFile& file, std::uint64_t position) {
@@ -40,12 +36,12 @@ bool isTag(std::string_view text) {
 }
 
 std::uint64_t headBytes(std::size_t wells) {
-  return kRecordHead + kFixedLength + 2 * std::uint64_t{wells};
+  return kRecordHeadSize + kBlockFixedSize + 2 * std::uint64_t{wells};
 }
 
 std::vector<std::uint8_t> storedBytes(const std::vector<Vex2WellRecord>& records) {
   std::vector<std::uint8_t> bytes;
-  bytes.reserve(records.size() * kReadingBytes);
+  bytes.reserve(records.size() * kReadingSize);
   const auto add = [&](std::uint16_t value) {
     bytes.push_back(static_cast<std::uint8_t>(value >> 8U));
     bytes.push_back(static_cast<std::uint8_t>(value & 0xFFU));
@@ -82,19 +78,17 @@ std::string RecordedLog(const std::string& path) {
 
 InterruptedRun::InterruptedRun(const std::string& path) : path_(path) {
   CFile file;
-  CFileException error;
-  if (!file.Open(path.c_str(), CFile::modeRead, &error)) {
-    throw SystemError(path, error.GetError());
-  }
-  if (textAt(file, 0) != "Vex2" || file.GetLength() < kHeaderBytes) refuse("is no plate document");
-  status_ = textAt(file, kStatusAt);
+  OpenToRead(file, path);
+  if (textAt(file, 0) != "Vex2" || file.GetLength() < kDocumentHeaderSize)
+    refuse("is no plate document");
+  status_ = textAt(file, HeaderFields::kStatusAt);
   if (IsDone()) return;
   if (status_ != "PROG" && status_ != "ZERO") {
     refuse("has the status " + Quoted(status_) + ", which is no run's in progress");
   }
-  moveTo(file, kBlockPositionAt);
+  moveTo(file, HeaderFields::kRawDataAt);
   static_cast<void>(ReadValue(file, headerPosition_));
-  moveTo(file, kRowsAt);
+  moveTo(file, HeaderFields::kRowsAt);
   static_cast<void>(ReadValue(file, rows_));
   static_cast<void>(ReadValue(file, columns_));
   findBlock(file);
@@ -105,13 +99,13 @@ InterruptedRun::InterruptedRun(const std::string& path) : path_(path) {
 
 // Whole records come first. What follows them is the block, or what there is of it.
 void InterruptedRun::findBlock(CFile& file) {
-  blockStart_ = kHeaderBytes;
+  blockStart_ = kDocumentHeaderSize;
   for (;;) {
     const std::string tag = textAt(file, blockStart_);
     std::uint32_t length = 0;
     if (!isTag(tag) || tag == "RAWa" || ReadValue(file, length) != kSuccess) return;
     if (length > file.GetRemaining()) return;
-    blockStart_ += kRecordHead + length;
+    blockStart_ += kRecordHeadSize + length;
   }
 }
 
@@ -136,7 +130,7 @@ void InterruptedRun::countFrames(std::uint64_t fileLength) {
   tailStart_ = blockStart_;
   if (HasBlock()) {
     const std::uint64_t declared =
-        std::max(blockStart_ + kRecordHead + blockLength_, framesStart());
+        std::max(blockStart_ + kRecordHeadSize + blockLength_, framesStart());
     frameCount_ = (std::min(declared, fileLength) - framesStart()) / frameBytes();
     tailStart_ = framesStart() + frameCount_ * frameBytes();
   }
@@ -148,7 +142,7 @@ std::uint64_t InterruptedRun::framesStart() const {
 }
 
 std::uint64_t InterruptedRun::frameBytes() const {
-  return kReadingBytes * wells_.size();
+  return kReadingSize * wells_.size();
 }
 
 void InterruptedRun::Check(const RunPlan& plan) const {
@@ -178,7 +172,7 @@ void InterruptedRun::checkSettings(const RunPlan& plan) const {
 // A commit leaves at most its own bytes behind, and a frame does not begin as a record does. What
 // else stands there is somebody's, and not to be cut off.
 void InterruptedRun::checkTail(const RunPlan& plan) const {
-  const std::uint64_t frame = kReadingBytes * plan.wells.size();
+  const std::uint64_t frame = kReadingSize * plan.wells.size();
   const std::uint64_t most = HasBlock() ? frame : headBytes(plan.wells.size()) + frame;
   if (tailBytes_ > most || (HasBlock() && isTag(tailTag_))) {
     refuseAt(tailStart_, "more follows than a recorder can have left");
@@ -198,7 +192,7 @@ void InterruptedRun::checkReadings(const RunPlan& plan) const {
     const auto offset = static_cast<std::size_t>(differs - found.begin());
     refuseAt(framesStart() + frame * frameBytes() + offset,
              "frame " + std::to_string(frame) + " holds another reading of well " +
-                 plan.plate.NameOf(plan.wells[offset / kReadingBytes]));
+                 plan.plate.NameOf(plan.wells[offset / kReadingSize]));
   }
 }
 
@@ -212,9 +206,9 @@ void InterruptedRun::Repair() const {
       file.SyncData();
     };
     if (HasBlock()) {
-      const std::uint64_t length = tailStart_ - blockStart_ - kRecordHead;
+      const std::uint64_t length = tailStart_ - blockStart_ - kRecordHeadSize;
       if (blockLength_ != length) setRight(blockStart_ + kTagBytes, length);
-      if (headerPosition_ != blockStart_) setRight(kBlockPositionAt, blockStart_);
+      if (headerPosition_ != blockStart_) setRight(HeaderFields::kRawDataAt, blockStart_);
     }
     file.SetLength(tailStart_);
     file.SyncData();

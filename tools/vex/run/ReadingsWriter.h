@@ -3,7 +3,7 @@
 #include <ostream>
 #include <string>
 
-#include "tools/vex/run/RunReading.h"
+#include "tools/vex/document/RunReading.h"
 
 namespace vex2::tool {
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <iostream>
 
 #include "tools/vex/Errors.h"
 #include "tools/vex/text/Terminal.h"
@@ -38,27 +37,24 @@ std::string milliseconds(double seconds) {
 }  // namespace
 
 RecordProgress::RecordProgress(std::string name)
-    : name_(Printable(name)), onTerminal_(Terminal::Error().IsTerminal()) {}
-
-RecordProgress::~RecordProgress() {
-  if (drawn_) std::cerr << std::endl;
-}
+    : name_(Printable(name)),
+      line_(std::chrono::milliseconds::zero(), ProgressLine::AtEnd::kKeep) {}
 
 void RecordProgress::Show(const RecordState& state) {
-  if (!onTerminal_) return;
+  if (!line_.IsShown()) return;
   const auto now = Clock::now();
-  if (!drawn_) {
+  if (!hasBegun_) {
     begun_ = now;
     framesAtStart_ = state.framesDone;
   } else if (now - lastDrawn_ < kLeastPause && state.framesDone < state.framesTotal) {
     return;
   }
-  drawn_ = true;
+  hasBegun_ = true;
   lastDrawn_ = now;
-  std::cerr << '\r' + line(state) + "\x1b[K" << std::flush;
+  line_.Show(text(state));
 }
 
-std::string RecordProgress::line(const RecordState& state) const {
+std::string RecordProgress::text(const RecordState& state) const {
   std::string text = std::to_string(state.framesDone) + "/" + std::to_string(state.framesTotal);
   text += " frames";
   const std::size_t done = state.framesDone - framesAtStart_;

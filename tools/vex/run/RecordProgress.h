@@ -4,28 +4,26 @@
 #include <string>
 
 #include "tools/vex/run/Recorder.h"
+#include "tools/vex/text/ProgressLine.h"
 
 namespace vex2::tool {
 
 /// How far a recording is, in one line on the terminal: a bar, frames, the time that is left and
-/// how long the last commit took. Nothing where standard error is no terminal.
+/// how long the last commit took.
 class RecordProgress {
  public:
   explicit RecordProgress(std::string name);
-  ~RecordProgress();
-  RecordProgress(const RecordProgress&) = delete;
-  RecordProgress& operator=(const RecordProgress&) = delete;
 
   void Show(const RecordState& state);
 
  private:
   using Clock = std::chrono::steady_clock;
 
-  std::string line(const RecordState& state) const;
+  std::string text(const RecordState& state) const;
 
   std::string name_;
-  bool onTerminal_;
-  bool drawn_ = false;
+  ProgressLine line_;
+  bool hasBegun_ = false;
   std::size_t framesAtStart_ = 0;
   Clock::time_point begun_;
   Clock::time_point lastDrawn_;

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/vex/run/RunReading.h"
+#include "tools/vex/document/RunReading.h"
 #include "tools/vex/setup/Calibration.h"
 #include "tools/vex/setup/PlateContents.h"
 #include "vex2/run/Vex2WellRecord.h"

@@ -1,5 +1,7 @@
 #include "tools/vex/text/Text.h"
 
+#include <algorithm>
+
 #include "tools/vex/Errors.h"
 
 namespace vex2::tool {
@@ -91,6 +93,10 @@ std::string Counted(unsigned long long count, std::string_view noun) {
 
 std::string Counted(unsigned long long count, std::string_view one, std::string_view many) {
   return std::to_string(count).append(" ").append(count == 1 ? one : many);
+}
+
+bool IsPlain(std::string_view text) {
+  return std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
 }
 
 std::string ToHex(std::string_view bytes) {

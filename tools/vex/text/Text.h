@@ -43,6 +43,9 @@ std::optional<Number> NumberIn(std::string_view text, How... how) {
   return number;
 }
 
+/// Whether each character is one of printable ASCII, as in tags and codes that programs write.
+bool IsPlain(std::string_view text);
+
 /// The bytes in hexadecimal, two digits each.
 std::string ToHex(std::string_view bytes);
 
