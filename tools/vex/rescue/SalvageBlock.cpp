@@ -49,21 +49,6 @@ bool fits(const SalvageBlock& block, std::uint64_t to) {
   return block.firstFrame <= to && (to - block.firstFrame) % block.FrameSize() == 0;
 }
 
-// By version and size of times, which do not stand side by side elsewhere, and numbers of wells.
-std::optional<SalvageBlock> byVersion(SalvageSource& source, const BlockSearch& search) {
-  for (std::uint64_t body = search.from; body + kBlockFixedSize <= search.to; ++body) {
-    if (source.Long(body) != (std::uint32_t{kVersion} << 16U | kTimeBlockSize)) continue;
-    const std::uint16_t wells = source.Short(body + 16).value_or(0);
-    if (wells == 0 || wells > kMostWells) continue;
-    SalvageBlock block = blockWith(source, body, wells, search.to);
-    if (block.firstFrame > search.to || (block.numbers.empty() && !fits(block, search.to)))
-      continue;
-    readTimes(source, body, block);
-    return block;
-  }
-  return std::nullopt;
-}
-
 // By the number of wells and their numbers, when whole frames follow up to the end.
 std::optional<SalvageBlock> byNumbers(SalvageSource& source, const BlockSearch& search) {
   for (std::uint64_t at = std::max(search.from, kBlockFixedSize); at + 2 <= search.to; ++at) {
@@ -100,17 +85,27 @@ std::uint16_t wellsByTimes(SalvageSource& source, std::uint64_t from, std::uint6
   return 0;
 }
 
+// Whether part of a frame may follow the whole ones: its wells have numbers, and the first of its
+// frames and the last of the whole ones begin as frames of one run do.
+bool isTorn(SalvageSource& source, const SalvageBlock& block) {
+  if (block.numbers.empty() || block.frames == 0) return false;
+  const auto marker = MarkerOf(source, block.firstFrame, block.wells);
+  return marker && MarkerOf(source, block.End() - block.FrameSize(), block.wells) == marker;
+}
+
 // How well a block of so many wells at the begin of the search fits what is there. `byTimes`: as
 // many wells as its frames' times tell, 0 when they do not.
 int fitness(SalvageSource& source, const BlockSearch& search, const SalvageBlock& block,
             std::uint16_t byTimes) {
   if (block.firstFrame > search.to || block.frames == 0) return 0;
   const auto& known = search.wellCounts;
-  if (!fits(block, search.to)) return 0;
+  const bool isKnown = std::find(known.begin(), known.end(), block.wells) != known.end();
+  if (!fits(block, search.to)) return isKnown && isTorn(source, block) ? 6 : 0;
   if (byTimes != 0 && byTimes != block.wells) return 0;
   int points = 3;
-  if (std::find(known.begin(), known.end(), block.wells) != known.end()) points += 2;
-  if (!block.numbers.empty()) points += 2;
+  if (isKnown) points += 2;
+  // A single number may be anything.
+  if (!block.numbers.empty()) points += block.wells < kLeastWellsToTell ? 2 : 3;
   // The first frame may be damaged as the head is, the last one is not.
   if (MarkerOf(source, block.End() - block.FrameSize(), block.wells)) points += 3;
   return points;
@@ -121,16 +116,19 @@ int fitness(SalvageSource& source, const BlockSearch& search, const SalvageBlock
 std::optional<SalvageBlock> byGrid(SalvageSource& source, const BlockSearch& search) {
   constexpr int kConvincing = 5;
   std::vector<std::uint16_t> counts = search.wellCounts;
-  const auto addSolutions = [&](std::uint64_t bodyLength) {
-    if (bodyLength < kBlockFixedSize) return;
-    // length - 18 is 2 bytes of number and 80 of each frame a well.
-    const std::uint64_t half = (bodyLength - kBlockFixedSize) / 2;
+  const auto addSolutions = [&](std::uint64_t bodyLength, std::uint64_t fixed) {
+    if (bodyLength < fixed) return;
+    // The rest is 2 bytes of number and 80 of each frame a well.
+    const std::uint64_t half = (bodyLength - fixed) / 2;
     for (std::uint16_t wells = 1; wells <= kMostWells; ++wells) {
       if (half % wells == 0 && (half / wells) % 40 == 1 && half > wells) counts.push_back(wells);
     }
   };
-  addSolutions(search.to - search.from - std::min(search.to - search.from, kRecordHeadSize));
-  addSolutions(source.Long(search.from + 4).value_or(0));
+  for (const std::uint64_t fixed : {kBlockFixedSize, kOldBlockFixedSize}) {
+    addSolutions(search.to - search.from - std::min(search.to - search.from, kRecordHeadSize),
+                 fixed);
+    addSolutions(source.Long(search.from + 4).value_or(0), fixed);
+  }
   const std::uint16_t byTimes = wellsByTimes(source, search.from, search.to);
   std::optional<SalvageBlock> best;
   int most = kConvincing - 1;
@@ -146,6 +144,50 @@ std::optional<SalvageBlock> byGrid(SalvageSource& source, const BlockSearch& sea
     tryWith(wells, kOldBlockFixedSize);
   }
   return best;
+}
+
+// From where the block begins, and nothing else: by any count of wells that puts frames as
+// recorders write them behind numbers of wells.
+std::optional<SalvageBlock> byFrames(SalvageSource& source, const BlockSearch& search) {
+  constexpr std::uint16_t kFilled = 1;
+  const std::uint64_t body = search.from + kRecordHeadSize;
+  for (std::uint16_t wells = 1; wells <= kMostWells; ++wells) {
+    if (body + kBlockFixedSize + (2 + kReadingSize) * wells > search.to) break;
+    if (source.Short(body + kBlockFixedSize + 2 * std::uint64_t{wells}) != kFilled) continue;
+    SalvageBlock block = blockWith(source, body, wells, search.to);
+    if (isTorn(source, block)) return block;
+  }
+  return std::nullopt;
+}
+
+// The same, where part of a frame may stand behind those that the block declares.
+std::optional<SalvageBlock> byPlace(SalvageSource& source, const BlockSearch& search) {
+  if (auto block = byGrid(source, search)) return block;
+  BlockSearch declared = search;
+  declared.to = search.from + kRecordHeadSize + source.Long(search.from + 4).value_or(0);
+  if (declared.to >= search.to) return std::nullopt;
+  return byGrid(source, declared);
+}
+
+// By version and size of times, which do not stand side by side elsewhere; then by the number of
+// wells, unless that is what is damaged.
+std::optional<SalvageBlock> byVersion(SalvageSource& source, const BlockSearch& search) {
+  for (std::uint64_t body = search.from; body + kBlockFixedSize <= search.to; ++body) {
+    if (source.Long(body) != (std::uint32_t{kVersion} << 16U | kTimeBlockSize)) continue;
+    const std::uint16_t wells = source.Short(body + 16).value_or(0);
+    std::optional<SalvageBlock> block;
+    if (wells > 0 && wells <= kMostWells) block = blockWith(source, body, wells, search.to);
+    if (block && block->firstFrame > search.to) block.reset();
+    if (!block || !(fits(*block, search.to) || isTorn(source, *block))) {
+      BlockSearch here = search;
+      here.from = body - std::min(body, kRecordHeadSize);
+      if (auto other = byPlace(source, here)) block = other;
+    }
+    if (!block || (block->numbers.empty() && !fits(*block, search.to))) continue;
+    readTimes(source, body, *block);
+    return block;
+  }
+  return std::nullopt;
 }
 
 // Nothing of the head is left: whole frames up to the end, as long as they look like some.
@@ -218,13 +260,8 @@ std::optional<SalvageBlock> FindLostBlock(SalvageSource& source, const BlockSear
   if (auto block = byVersion(source, search)) return block;
   if (auto block = byNumbers(source, search)) return block;
   if (search.beginsAtFrom) {
-    if (auto block = byGrid(source, search)) return block;
-    // Part of a frame may stand behind those that it declares.
-    BlockSearch declared = search;
-    declared.to = search.from + kRecordHeadSize + source.Long(search.from + 4).value_or(0);
-    if (declared.to < search.to) {
-      if (auto block = byGrid(source, declared)) return block;
-    }
+    if (auto block = byPlace(source, search)) return block;
+    if (auto block = byFrames(source, search)) return block;
   }
   return backwards(source, search);
 }

@@ -73,8 +73,9 @@ std::uint64_t Salvager::step(std::uint64_t offset) {
   std::string tag;
   if (const auto list = listWithoutTag(offset, tag)) return keepList(*list, tag);
   const auto block = BlockAt(source_, offset);
-  if (block && block->tag.empty() && block->version == 2 && block->lengthAgrees &&
-      block->wells > 0 && IsBoundary(source_, block->End()) &&
+  const bool isVersion = block && (block->version == 1 || block->version == 2);
+  if (isVersion && block->tag.empty() && block->lengthAgrees && block->wells > 0 &&
+      IsBoundary(source_, block->End()) &&
       !ReadWellNumbers(source_, block->firstFrame - 2U * block->wells, block->wells).empty()) {
     return keepFound(*block, offset, block->End());
   }
@@ -155,6 +156,18 @@ bool Salvager::isPlateEnd(std::uint64_t offset) {
   constexpr std::uint32_t kEndLength = 4;
   return tree_.OpenTag() == "RQPl" && source_.Long(offset + kTagLength) == kEndLength &&
          source_.Long(offset + kRecordHeadSize) == 0U && Likeness(source_, offset, "EOPl") > 0;
+}
+
+// Only half of its length and its value are left, and what follows stands in no plate, or in any.
+bool Salvager::isRestOfPlateEnd(std::uint64_t offset) {
+  constexpr std::uint32_t kEndLength = 4;
+  const std::uint64_t value = offset + kRecordHeadSize;
+  if (tree_.OpenTag() != "RQPl" || source_.Short(value - 2) != kEndLength ||
+      source_.Long(value) != 0U) {
+    return false;
+  }
+  const auto next = HeadAt(source_, value + kEndLength);
+  return next && (StandsIn("", next->Tag()) || next->Tag() == "RQPl");
 }
 
 std::uint64_t Salvager::keepPlateEnd(std::uint64_t offset) {

@@ -48,6 +48,7 @@ class Salvager {
   std::optional<SalvageHead> listWithoutTag(std::uint64_t offset, std::string& tag);
   std::string_view listAround(std::uint64_t offset, std::uint64_t fields);
   bool isPlateEnd(std::uint64_t offset);
+  bool isRestOfPlateEnd(std::uint64_t offset);
   std::uint64_t keepPlateEnd(std::uint64_t offset);
 
   // Bytes that are no record, and data blocks (SalvagerGaps.cpp)

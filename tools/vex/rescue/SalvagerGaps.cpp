@@ -45,7 +45,8 @@ std::uint64_t Salvager::passGap(std::uint64_t offset) {
       return keepFound(std::move(*block), offset, next);
   }
   constexpr std::uint64_t kPlateEnd = 12;
-  if (next >= offset + kPlateEnd && isPlateEnd(next - kPlateEnd)) {
+  if (next >= offset + kPlateEnd &&
+      (isPlateEnd(next - kPlateEnd) || isRestOfPlateEnd(next - kPlateEnd))) {
     lose(offset, next - kPlateEnd, "bytes that make no whole record");
     return keepPlateEnd(next - kPlateEnd);
   }
