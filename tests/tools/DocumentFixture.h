@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
@@ -12,6 +11,7 @@
 #include "tests/support/TempFolder.h"
 #include "tests/tools/VexProcess.h"
 #include "tools/vex/document/RunReading.h"
+#include "tools/vex/text/Json.h"
 #include "vex2/manager/Vex2FileManager.h"
 
 namespace vex2::test {

@@ -1,12 +1,12 @@
 #include <algorithm>
 #include <cmath>
 #include <iostream>
-#include <nlohmann/json.hpp>
 
 #include "tools/vex/command/Command.h"
 #include "tools/vex/document/Changing.h"
 #include "tools/vex/setup/CalibrationFile.h"
 #include "tools/vex/text/Chart.h"
+#include "tools/vex/text/Json.h"
 #include "tools/vex/text/Output.h"
 #include "tools/vex/text/Table.h"
 #include "tools/vex/text/Text.h"

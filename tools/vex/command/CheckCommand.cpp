@@ -1,9 +1,9 @@
 #include <algorithm>
 #include <iostream>
-#include <nlohmann/json.hpp>
 
 #include "tools/vex/command/Command.h"
 #include "tools/vex/rescue/DocumentCheck.h"
+#include "tools/vex/text/Json.h"
 #include "tools/vex/text/Paragraph.h"
 #include "tools/vex/text/Terminal.h"
 #include "tools/vex/text/Text.h"

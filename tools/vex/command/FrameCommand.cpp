@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <iostream>
 #include <new>
-#include <nlohmann/json.hpp>
 
 #include "tools/vex/command/Command.h"
 #include "tools/vex/document/DataBlock.h"
@@ -9,6 +8,7 @@
 #include "tools/vex/document/FileLayout.h"
 #include "tools/vex/document/RunReading.h"
 #include "tools/vex/setup/PlateLayout.h"
+#include "tools/vex/text/Json.h"
 #include "tools/vex/text/Terminal.h"
 #include "tools/vex/text/Text.h"
 #include "vex2/run/AcquisitionDataComp.h"

@@ -2,13 +2,13 @@
 #include <iostream>
 #include <iterator>
 #include <map>
-#include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "tools/vex/command/Command.h"
 #include "tools/vex/document/DocumentInfo.h"
 #include "tools/vex/document/DocumentPlates.h"
 #include "tools/vex/document/Settings.h"
+#include "tools/vex/text/Json.h"
 #include "tools/vex/text/Terminal.h"
 #include "tools/vex/text/Text.h"
 

@@ -1,11 +1,11 @@
 #pragma once
 
 #include <iostream>
-#include <nlohmann/json.hpp>
 #include <string>
 
 #include "tools/vex/command/Command.h"
 #include "tools/vex/document/Changing.h"
+#include "tools/vex/text/Json.h"
 
 namespace vex2::tool {
 

@@ -2,13 +2,13 @@
 #include <iostream>
 #include <iterator>
 #include <new>
-#include <nlohmann/json.hpp>
 
 #include "tools/vex/command/Command.h"
 #include "tools/vex/document/DocumentPlates.h"
 #include "tools/vex/setup/PlateLayout.h"
 #include "tools/vex/text/Chart.h"
 #include "tools/vex/text/CsvWriter.h"
+#include "tools/vex/text/Json.h"
 #include "tools/vex/text/Terminal.h"
 #include "tools/vex/text/Text.h"
 #include "vex2/run/AcquisitionDataComp.h"

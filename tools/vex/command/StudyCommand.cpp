@@ -1,12 +1,12 @@
 #include <algorithm>
 #include <filesystem>
 #include <iostream>
-#include <nlohmann/json.hpp>
 
 #include "tools/vex/command/Command.h"
 #include "tools/vex/document/Changing.h"
 #include "tools/vex/document/DocumentPlates.h"
 #include "tools/vex/document/Study.h"
+#include "tools/vex/text/Json.h"
 #include "tools/vex/text/Terminal.h"
 #include "tools/vex/text/Text.h"
 

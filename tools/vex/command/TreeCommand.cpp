@@ -1,9 +1,9 @@
 #include <iostream>
-#include <nlohmann/json.hpp>
 
 #include "tools/vex/command/Command.h"
 #include "tools/vex/document/DocumentPlates.h"
 #include "tools/vex/document/RecordValue.h"
+#include "tools/vex/text/Json.h"
 #include "tools/vex/text/Terminal.h"
 #include "tools/vex/text/Text.h"
 

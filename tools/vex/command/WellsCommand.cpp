@@ -2,7 +2,6 @@
 #include <cstdint>
 #include <limits>
 #include <map>
-#include <nlohmann/json.hpp>
 #include <set>
 
 #include "tools/vex/command/ListingCommand.h"
@@ -10,6 +9,7 @@
 #include "tools/vex/setup/PlateGrid.h"
 #include "tools/vex/setup/WellsFile.h"
 #include "tools/vex/text/CsvWriter.h"
+#include "tools/vex/text/Json.h"
 #include "tools/vex/text/Text.h"
 
 namespace vex2::tool {

@@ -1,5 +1,7 @@
 #include "tools/vex/document/Changing.h"
 
+#include <CLI/CLI.hpp>
+
 namespace vex2::tool {
 
 void Changing::AddOptions(CLI::App& app) {

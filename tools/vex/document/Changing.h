@@ -1,10 +1,13 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <string>
 
 #include "tools/vex/document/DocumentPlates.h"
 #include "tools/vex/document/Rewriting.h"
+
+namespace CLI {
+class App;
+}
 
 namespace vex2::tool {
 

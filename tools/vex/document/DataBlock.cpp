@@ -1,5 +1,6 @@
 #include "tools/vex/document/DataBlock.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
 #include <cstdio>

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -9,6 +8,10 @@
 #include "tools/vex/document/RecordWalker.h"
 #include "vex2/run/TimeStamp.h"
 #include "vex2/run/Vex2DataType.h"
+
+namespace CLI {
+class App;
+}
 
 namespace vex2::tool {
 

@@ -1,8 +1,7 @@
 #pragma once
 
-#include <nlohmann/json.hpp>
-
 #include "tools/vex/document/Document.h"
+#include "tools/vex/text/Json.h"
 
 namespace vex2::tool {
 

@@ -1,5 +1,6 @@
 #include "tools/vex/document/DocumentPlates.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 
 #include "tools/vex/Errors.h"

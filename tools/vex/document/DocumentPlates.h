@@ -1,16 +1,19 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
 
 #include "tools/vex/document/Document.h"
+#include "tools/vex/text/Json.h"
 #include "tools/vex/text/Text.h"
 
 class AcquisitionDataComp;
+
+namespace CLI {
+class App;
+}
 
 namespace vex2::tool {
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <string>
 
 #include "tools/vex/document/RecordWalker.h"
+#include "tools/vex/text/Json.h"
 
 namespace vex2::tool {
 

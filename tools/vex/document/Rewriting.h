@@ -1,9 +1,12 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <string>
 
 #include "tools/vex/document/Document.h"
+
+namespace CLI {
+class App;
+}
 
 namespace vex2::tool {
 

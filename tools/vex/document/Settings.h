@@ -1,10 +1,10 @@
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "tools/vex/text/Json.h"
 #include "vex2/manager/Vex2FileManager.h"
 
 namespace vex2::tool {

@@ -1,8 +1,7 @@
 #include "tools/vex/rescue/RecoverReport.h"
 
-#include <nlohmann/json.hpp>
-
 #include "tools/vex/Errors.h"
+#include "tools/vex/text/Json.h"
 #include "tools/vex/text/Paragraph.h"
 #include "tools/vex/text/Terminal.h"
 #include "tools/vex/text/Text.h"
