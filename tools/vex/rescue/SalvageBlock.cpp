@@ -169,21 +169,28 @@ std::optional<SalvageBlock> byPlace(SalvageSource& source, const BlockSearch& se
   return byGrid(source, declared);
 }
 
-// By version and size of times, which do not stand side by side elsewhere; then by the number of
-// wells, unless that is what is damaged.
+// The block whose body begins with version and size of times: by its number of wells, unless that
+// is what is damaged.
+std::optional<SalvageBlock> behindVersion(SalvageSource& source, const BlockSearch& search,
+                                          std::uint64_t body) {
+  const std::uint16_t wells = source.Short(body + 16).value_or(0);
+  const bool isCount = wells > 0 && wells <= kMostWells;
+  const SalvageBlock block = isCount ? blockWith(source, body, wells, search.to) : SalvageBlock{};
+  const bool canBe = isCount && block.firstFrame <= search.to;
+  if (canBe && (fits(block, search.to) || isTorn(source, block))) return block;
+  BlockSearch here = search;
+  here.from = body - std::min(body, kRecordHeadSize);
+  if (auto other = byPlace(source, here)) return other;
+  if (canBe && !block.numbers.empty()) return block;
+  return std::nullopt;
+}
+
+// By version and size of times, which do not stand side by side elsewhere.
 std::optional<SalvageBlock> byVersion(SalvageSource& source, const BlockSearch& search) {
   for (std::uint64_t body = search.from; body + kBlockFixedSize <= search.to; ++body) {
     if (source.Long(body) != (std::uint32_t{kVersion} << 16U | kTimeBlockSize)) continue;
-    const std::uint16_t wells = source.Short(body + 16).value_or(0);
-    std::optional<SalvageBlock> block;
-    if (wells > 0 && wells <= kMostWells) block = blockWith(source, body, wells, search.to);
-    if (block && block->firstFrame > search.to) block.reset();
-    if (!block || !(fits(*block, search.to) || isTorn(source, *block))) {
-      BlockSearch here = search;
-      here.from = body - std::min(body, kRecordHeadSize);
-      if (auto other = byPlace(source, here)) block = other;
-    }
-    if (!block || (block->numbers.empty() && !fits(*block, search.to))) continue;
+    auto block = behindVersion(source, search, body);
+    if (!block) continue;
     readTimes(source, body, *block);
     return block;
   }
