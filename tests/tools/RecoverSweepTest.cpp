@@ -289,6 +289,24 @@ TEST_F(RecoverSweep, WhatDamageDidNotTouchOfARealRunIsRecovered) {
   SweepAll({run}, "a real run");
 }
 
+// What recovery once lost: the only frame of a block whose number of wells or tag was damaged,
+// small runs that end in part of a frame, and what follows a plate of whose end half is left.
+TEST_F(RecoverSweep, DamagesThatWereNotSurvivedOnceAre) {
+  const std::vector<std::pair<std::string, std::uint64_t>> damages = {
+      {"torn-frame", 300312}, {"torn-frame", 300342},          {"torn-frame", 300653},
+      {"old-block", 300529},  {"05-reporting-blocks", 300421}, {"10-every-kind", 300632},
+      {"12-study", 300835}};
+  for (const auto& [name, seed] : damages) {
+    std::filesystem::path path = SourcePath("tests/data/" + name + ".vex");
+    if (!std::filesystem::exists(path)) path = SampleFolder() / "golden" / (name + ".vex");
+    if (!std::filesystem::exists(path)) continue;
+    Bytes bytes = ReadBytes(path);
+    const DocumentIndex whole = indexOf(path);
+    const Damage damage = Damager(seed).Apply(bytes);
+    EXPECT_EQ(verdict(whole, bytes, damage), "") << path.filename() << ", " << damage;
+  }
+}
+
 // The oracle itself: it tells of what is gone, of what says something else and of what stands in
 // another list.
 TEST_F(RecoverSweep, TheSweepNoticesWhatIsNotThere) {

@@ -146,6 +146,15 @@ std::optional<SalvageBlock> byGrid(SalvageSource& source, const BlockSearch& sea
   return best;
 }
 
+// By the grid up to the end, or up to the end that the block declares: part of a frame may follow.
+std::optional<SalvageBlock> byPlace(SalvageSource& source, const BlockSearch& search) {
+  if (auto block = byGrid(source, search)) return block;
+  BlockSearch declared = search;
+  declared.to = search.from + kRecordHeadSize + source.Long(search.from + 4).value_or(0);
+  if (declared.to >= search.to) return std::nullopt;
+  return byGrid(source, declared);
+}
+
 // From where the block begins, and nothing else: by any count of wells that puts frames as
 // recorders write them behind numbers of wells.
 std::optional<SalvageBlock> byFrames(SalvageSource& source, const BlockSearch& search) {
@@ -158,15 +167,6 @@ std::optional<SalvageBlock> byFrames(SalvageSource& source, const BlockSearch& s
     if (isTorn(source, block)) return block;
   }
   return std::nullopt;
-}
-
-// The same, where part of a frame may stand behind those that the block declares.
-std::optional<SalvageBlock> byPlace(SalvageSource& source, const BlockSearch& search) {
-  if (auto block = byGrid(source, search)) return block;
-  BlockSearch declared = search;
-  declared.to = search.from + kRecordHeadSize + source.Long(search.from + 4).value_or(0);
-  if (declared.to >= search.to) return std::nullopt;
-  return byGrid(source, declared);
 }
 
 // The block whose body begins with version and size of times: by its number of wells, unless that
