@@ -83,6 +83,18 @@ TEST_F(Recover, ForProgramsTheReportIsAnObject) {
   EXPECT_EQ(report["lost"][0]["offset"], kEnd - kFrame);
 }
 
+TEST_F(Recover, ForProgramsPathsAreAsTheyAreAndAlwaysJson) {
+  MakeRun("DONE");
+  const std::string odd = folder_ / "a\tb.vex";
+  const CommandResult result = RunVex({"recover", path_, "--json", "-o", odd});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(json::parse(result.output)["output"], odd);
+  const std::string noText = folder_ / "\xFF.vex";
+  const CommandResult other = RunVex({"recover", path_, "--json", "-o", noText});
+  EXPECT_EQ(other.exitCode, 0);
+  EXPECT_TRUE(json::accept(other.output)) << other.output;
+}
+
 TEST_F(Recover, NeverWritesToItsInputWhateverItIsCalled) {
   MakeRun("DONE");
   AppendFrameBytes(100);
