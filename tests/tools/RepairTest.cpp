@@ -83,6 +83,8 @@ TEST_F(Repair, SetsALengthThatCountsTooManyFramesToThoseThatAreThere) {
   mended.resize(kEnd - kFrame);
   SetLongAt(mended, kBlock + 4, kBlockLength - kFrame);
   Change([](Bytes& bytes) { bytes.resize(kEnd - 1); });
+  EXPECT_THAT(Output({"repair", "--dry-run", path_}),
+              HasSubstr("cut off 239 bytes of a frame of which the rest is gone"));
   ExpectMended(mended);
 }
 

@@ -85,7 +85,9 @@ class Planner {
     patch(block.record.offset + kLengthAt, block.record.length,
           end - block.record.offset - kRecordHeadSize,
           "the length of RAWa, for " + Counted(frames, "whole frame"));
-    cutAt(end, "of a frame that was not committed");
+    const bool wasCounted = fit.counted > frames;
+    cutAt(end, wasCounted ? "of a frame of which the rest is gone"
+                          : "of a frame that was not committed");
   }
 
   bool isFilled(const DataBlockHead& head, std::uint64_t frame) {
