@@ -13,20 +13,22 @@
 namespace vex2::test {
 
 /// A number that a process shares with those that it forks.
-class SharedCount {
+template <typename Number>
+class SharedNumber {
  public:
-  SharedCount()
-      : count_(new (::mmap(nullptr, sizeof(std::atomic<int>), PROT_READ | PROT_WRITE,
-                           MAP_SHARED | MAP_ANONYMOUS, -1, 0)) std::atomic<int>(0)) {}
-  ~SharedCount() { ::munmap(count_, sizeof *count_); }
-  SharedCount(const SharedCount&) = delete;
-  SharedCount& operator=(const SharedCount&) = delete;
+  SharedNumber()
+      : number_(new (::mmap(nullptr, sizeof(std::atomic<Number>), PROT_READ | PROT_WRITE,
+                            MAP_SHARED | MAP_ANONYMOUS, -1, 0)) std::atomic<Number>(0)) {}
+  ~SharedNumber() { ::munmap(number_, sizeof *number_); }
+  SharedNumber(const SharedNumber&) = delete;
+  SharedNumber& operator=(const SharedNumber&) = delete;
 
-  std::atomic<int>& operator*() { return *count_; }
+  std::atomic<Number>& operator*() { return *number_; }
 
  private:
-  std::atomic<int>* count_;
+  std::atomic<Number>* number_;
 };
+using SharedCount = SharedNumber<int>;
 
 /// Runs `work` in a process of its own. Whether it was killed; it fails the test when it ended in
 /// any other way than by that or with 0, which `work` answers when all is well.

@@ -1,12 +1,14 @@
 // Reading and writing take time in proportion to the size, whatever it is that makes a document
 // large.
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include <algorithm>
 #include <ctime>
 #include <functional>
 
 #include "tests/reliability/FilledDocuments.h"
+#include "tests/reliability/KilledProcess.h"
 #include "tests/support/DocumentBytes.h"
 #include "tests/support/SilentHost.h"
 #include "tests/support/Sweep.h"
@@ -16,9 +18,10 @@
 namespace vex2::test {
 namespace {
 
-constexpr double kMostGrowth = 2.3;       // for twice the size
-constexpr double kClockSeconds = 0.0002;  // shorter times tell nothing
-constexpr int kMostTries = 10;
+constexpr double kMostGrowth = 2.3;      // for twice the size
+constexpr double kEnoughSeconds = 0.05;  // of measuring, where the growth is no more than it may be
+constexpr std::size_t kFewestPairs = 3;
+constexpr std::size_t kMostPairs = 41;
 
 // The processor's time of this process: what others do on the machine hardly counts.
 double processorSeconds() {
@@ -80,52 +83,68 @@ std::string wideList(int size) {
   return ListRecord("CELS", size, repeated(ListRecord("CELL", 0, ""), size));
 }
 
-// The least time that an operation took, of a few tries at least and of as many as fit in a moment.
+/// Does something with so many documents of one size, and says how many seconds it took.
+using Timed = std::function<double(int size, int documents)>;
+
+// With all that the heap has to do: what it puts off, it does from some size on in one go.
 double secondsOf(const std::function<void()>& operation) {
-  double least = 1e9;
-  double sum = 0;
-  for (int i = 0; i < 3 || (i < 40 && sum < 0.02); ++i) {
-    const double begun = processorSeconds();
-    operation();
-    const double time = processorSeconds() - begun;
-    least = std::min(least, time);
-    sum += time;
-  }
-  return least;
+  const double begun = processorSeconds();
+  operation();
+  ::malloc_trim(0);
+  return processorSeconds() - begun;
 }
 
-/// What two operations take at one size.
-struct Times {
-  double read = 0;
-  double write = 0;
-};
-
-bool isLinear(double half, double whole) {
-  return whole <= kMostGrowth * half + kClockSeconds;
+double middleOf(std::vector<double> values) {
+  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+  std::nth_element(values.begin(), middle, values.end());
+  return *middle;
 }
 
-bool isLinear(const Times& half, const Times& whole) {
-  return isLinear(half.read, whole.read) && isLinear(half.write, whole.write);
+// In a process of its own, whose heap nothing has been in: memory that was used before lies
+// scattered, and what is put there takes up to twice as long.
+void inItsOwnProcess(const std::function<void()>& work) {
+  EXPECT_FALSE(IsKilled([&] {
+    work();
+    return testing::Test::HasFailure() ? 1 : 0;
+  }));
 }
 
-// Doubles the size so many times; the steps at which time grew by more than it may. On a machine
-// that is busy it does so by chance: then both sizes are measured again, one right after the other.
-std::uint64_t countBadSteps(int smallest, int doublings, const std::function<Times(int)>& measure) {
+double secondsInItsOwnProcess(const Timed& timed, int size, int documents) {
+  SharedNumber<double> seconds;
+  inItsOwnProcess([&] { *seconds = timed(size, documents); });
+  return *seconds;
+}
+
+// How many times as long as for half the size it takes for this one. Each document is compared with
+// two of half its size, which need as much memory, and so gain as much from the processor's caches.
+// They take turns, so that both meet the same load of the machine, and what counts is the middle
+// of the pairs: one by itself tells little on a machine that is busy.
+double growthTo(int size, const Timed& timed) {
+  std::vector<double> growths;
+  double spent = 0;
+  double growth = 0;
+  do {
+    const double halves = secondsInItsOwnProcess(timed, size / 2, 2);
+    const double whole = secondsInItsOwnProcess(timed, size, 1);
+    spent += halves + whole;
+    growths.push_back(whole / (halves / 2));
+    growth = middleOf(growths);
+  } while (growths.size() < kFewestPairs ||
+           (growths.size() < kMostPairs && (spent < kEnoughSeconds || growth > kMostGrowth)));
+  return growth;
+}
+
+// Doubles the size so many times; the steps at which time grew by more than it may.
+std::uint64_t countBadSteps(int smallest, int doublings, const Timed& read, const Timed& write) {
   std::uint64_t bad = 0;
-  Times half = measure(smallest);
   for (int step = 1; step <= doublings; ++step) {
     const int size = smallest << step;
-    Times whole = measure(size);
-    for (int i = 0; i < kMostTries && !isLinear(half, whole); ++i) {
-      half = measure(size / 2);
-      whole = measure(size);
-    }
-    if (!isLinear(half, whole)) {
-      ++bad;
-      std::printf("from %d to %d: reading %.6f to %.6f s, writing %.6f to %.6f s\n", size / 2, size,
-                  half.read, whole.read, half.write, whole.write);
-    }
-    half = whole;
+    const double reading = growthTo(size, read);
+    const double writing = growthTo(size, write);
+    if (std::max(reading, writing) <= kMostGrowth) continue;
+    ++bad;
+    std::printf("from %d to %d: reading takes %.2f, writing %.2f times as long\n", size / 2, size,
+                reading, writing);
   }
   return bad;
 }
@@ -137,82 +156,119 @@ void report(const std::string& what, int doublings, std::uint64_t bad) {
 
 class LargeDocument : public TempFolderTest {
  protected:
+  std::string pathOf(const char* name, int number) const {
+    return folder_ / (name + std::to_string(number) + ".vex");
+  }
+
   SilentHost host_;
   UnsyncedFiles files_;
-  std::string path_ = folder_ / "large.vex";
-  std::string saved_ = folder_ / "saved.vex";
 };
 
 class LargeInput : public LargeDocument, public testing::WithParamInterface<Dimension> {
  protected:
-  Times measure(int size) {
-    Vex2FileManager original;
+  void make(int size) const {
+    const std::string path = pathOf("large", size);
     if (GetParam().records) {
-      WriteBytes(path_, DocumentOf(GetParam().records(size)));
-      EXPECT_EQ(original.ReadFromFile(path_.c_str()), kSuccess);
+      WriteBytes(path, DocumentOf(GetParam().records(size)));
     } else {
-      GetParam().fill(original, size);
-      EXPECT_EQ(original.SaveToFile(path_.c_str()), kSuccess);
-    }
-    const auto read = [this] {
       Vex2FileManager document;
-      ASSERT_EQ(document.ReadFromFile(path_.c_str()), kSuccess);
-    };
-    const auto save = [&] { ASSERT_EQ(original.SaveToFile(saved_.c_str()), kSuccess); };
-    return {secondsOf(read), secondsOf(save)};
+      GetParam().fill(document, size);
+      EXPECT_EQ(document.SaveToFile(path.c_str()), kSuccess);
+    }
+  }
+
+  void read(std::vector<Vex2FileManager>& documents, int size) const {
+    for (auto& document : documents) {
+      ASSERT_EQ(document.ReadFromFile(pathOf("large", size).c_str()), kSuccess);
+    }
+  }
+
+  void save(std::vector<Vex2FileManager>& documents) const {
+    int number = 0;
+    for (auto& document : documents) {
+      ASSERT_EQ(document.SaveToFile(pathOf("saved", ++number).c_str()), kSuccess);
+    }
   }
 };
 
 TEST_P(LargeInput, TakesTimeInProportionToItsSize) {
   const int doublings = InFullSweeps(8, 3);
-  const auto bad =
-      countBadSteps(GetParam().smallest, doublings, [this](int size) { return measure(size); });
+  for (int step = 0; step <= doublings; ++step) {
+    inItsOwnProcess([&] { make(GetParam().smallest << step); });
+  }
+  const auto reading = [this](int size, int documents) {
+    return secondsOf([&] {
+      std::vector<Vex2FileManager> copies(static_cast<std::size_t>(documents));
+      read(copies, size);
+    });
+  };
+  const auto saving = [this](int size, int documents) {
+    std::vector<Vex2FileManager> copies(static_cast<std::size_t>(documents));
+    read(copies, size);
+    return secondsOf([&] { save(copies); });
+  };
+  const auto bad = countBadSteps(GetParam().smallest, doublings, reading, saving);
   EXPECT_EQ(bad, 0U);
   report(GetParam().name, doublings, bad);
 }
 
 class LongRun : public LargeDocument {
  protected:
-  // Commits so many frames, and reads each of them alone.
-  Times measureRun(int frames) {
-    const auto record = [&] {
-      Vex2FileManager manager;
-      ASSERT_EQ(manager.SaveToFile(path_.c_str()), kSuccess);
-      for (int i = 0; i < frames; ++i) {
-        const Vex2FrameData frame = MakeFrame(24, i);
-        ASSERT_EQ(manager.AppendAcquisitionDataFrame(path_.c_str(), &frame, DataRAWa), kSuccess);
-      }
-    };
-    const auto read = [&] {
-      Vex2FileManager manager;
-      Vex2FrameData frame;
-      for (int i = 0; i < frames; ++i) {
-        ASSERT_EQ(manager.ReadDataFrame(path_.c_str(), i, &frame, DataRAWa), kSuccess);
-      }
-    };
-    Times times;
-    times.write = secondsOf(record);
-    times.read = secondsOf(read);
-    return times;
+  static void record(Vex2FileManager& manager, const std::string& path, int frames) {
+    ASSERT_EQ(manager.SaveToFile(path.c_str()), kSuccess);
+    for (int i = 0; i < frames; ++i) {
+      const Vex2FrameData frame = MakeFrame(24, i);
+      ASSERT_EQ(manager.AppendAcquisitionDataFrame(path.c_str(), &frame, DataRAWa), kSuccess);
+    }
+  }
+
+  // Each of them alone.
+  static void readFrames(const std::string& path, int frames) {
+    Vex2FileManager manager;
+    Vex2FrameData frame;
+    for (int i = 0; i < frames; ++i) {
+      ASSERT_EQ(manager.ReadDataFrame(path.c_str(), i, &frame, DataRAWa), kSuccess);
+    }
   }
 };
 
 TEST_F(LongRun, TakesTheSameTimeForEachFrame) {
+  constexpr int kFewestFrames = 8;
   const int doublings = InFullSweeps(8, 3);
-  const auto bad = countBadSteps(8, doublings, [this](int frames) { return measureRun(frames); });
+  for (int step = 0; step <= doublings; ++step) {
+    const int frames = kFewestFrames << step;
+    inItsOwnProcess([&] {
+      Vex2FileManager manager;
+      record(manager, pathOf("run", frames), frames);
+    });
+  }
+  const auto reading = [this](int frames, int runs) {
+    return secondsOf([&] {
+      for (int i = 0; i < runs; ++i) readFrames(pathOf("run", frames), frames);
+    });
+  };
+  const auto recording = [this](int frames, int runs) {
+    return secondsOf([&] {
+      std::vector<Vex2FileManager> managers(static_cast<std::size_t>(runs));
+      for (int i = 0; i < runs; ++i) {
+        record(managers[static_cast<std::size_t>(i)], pathOf("recorded", i), frames);
+      }
+    });
+  };
+  const auto bad = countBadSteps(kFewestFrames, doublings, reading, recording);
   EXPECT_EQ(bad, 0U);
   report("commits, and frames read alone", doublings, bad);
 }
 
 TEST(LargeInputMeasure, NoticesWhatGrowsWithTheSquareOfTheSize) {
-  const auto square = [](int size) {
-    volatile int last = 0;
-    const double time = secondsOf([&] {
-      for (int i = 0; i < size * size; ++i) last = i;
+  const auto square = [](int size, int documents) {
+    return secondsOf([=] {
+      const volatile int one = 1;
+      int count = 0;
+      while (count < documents * size * size) count += one;
     });
-    return Times{time, time};
   };
-  EXPECT_GT(countBadSteps(1000, 1, square), 0U);
+  EXPECT_EQ(countBadSteps(500, 3, square, square), 3U);
 }
 
 INSTANTIATE_TEST_SUITE_P(
