@@ -14,12 +14,13 @@ fail() {
   exit 1
 }
 
-# build PRESET [CONFIGURE ARGUMENT...]: quiet unless it fails.
+# build PRESET [TARGET...]: what the preset builds, or these of its targets; quiet unless it fails.
 build() {
   local preset=$1 log=build/$1.log
   shift
   mkdir -p build
-  { cmake --preset "$preset" "$@" && cmake --build --preset "$preset"; } >"$log" 2>&1 || {
+  local targets=(${1:+--target "$@"})
+  { cmake --preset "$preset" && cmake --build --preset "$preset" "${targets[@]}"; } >"$log" 2>&1 || {
     grep -vE '^\[[0-9]+/[0-9]+\] (Building|Linking)' "$log" | tail -n 100
     fail "the build of preset $preset failed; all of it is in $log"
   }
