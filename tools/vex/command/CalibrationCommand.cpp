@@ -97,20 +97,20 @@ class CalibrationCommand final : public Command {
                  "vex calibration run.vex --export calibration.csv\n"
                  "vex calibration other.vex --import calibration.csv"}) {}
 
-  void AddOptions(CLI::App& app) override {
-    app.add_option("FILE", file_, "The document")->required()->type_name("");
-    auto* json = app.add_flag("--json", json_, "For programs, as JSON");
-    auto* target = app.add_option("--export", target_, "Write a table; '-' or 'csv' to print it")
-                       ->type_name("OUT.csv")
-                       ->excludes(json);
-    app.add_option("--import", source_, "Replace the parts that are in the table")
-        ->type_name("FILE.csv")
-        ->excludes(json)
-        ->excludes(target);
-    plate_.AddTo(app);
-    changing_.AddOptions(app);
-    app.footer("A replaced part keeps its head, which the table does not hold.\n\n" +
-               app.get_footer());
+  void AddOptions(Options& options) override {
+    options.Add("FILE", file_, "The document").Require().Show("");
+    const Option json = options.AddFlag("--json", json_, "For programs, as JSON");
+    const Option target =
+        options.Add("--export", target_, "Write a table; '-' or 'csv' to print it")
+            .Show("OUT.csv")
+            .Exclude(json);
+    options.Add("--import", source_, "Replace the parts that are in the table")
+        .Show("FILE.csv")
+        .Exclude(json)
+        .Exclude(target);
+    plate_.AddTo(options);
+    changing_.AddOptions(options);
+    options.PutFirst("A replaced part keeps its head, which the table does not hold.");
   }
 
   ExitCode Run() override {

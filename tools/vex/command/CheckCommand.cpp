@@ -99,7 +99,7 @@ ordered_json jsonOf(const std::string& file, const Findings& findings) {
 }
 
 constexpr const char* kMeaning =
-    "\n\nWhat it means:\n"
+    "What it means:\n"
     "  error    content is not read, or the next write would do harm\n"
     "  warning  out of the ordinary, but all of the content is read\n"
     "  note     as it should be, and good to know; never a finding\n\n"
@@ -114,12 +114,12 @@ class CheckCommand final : public Command {
                  "vex check *.vex\nvex check --strict run.vex && echo spotless\n"
                  "vex check --json run.vex | jq '.findings[] | select(.severity == \"error\")'"}) {}
 
-  void AddOptions(CLI::App& app) override {
-    app.add_option("FILE", files_, "The documents")->required()->type_name("");
-    app.add_flag("--strict", strict_, "Warnings are findings, too: exit code 1");
-    app.add_flag("--notes", notes_, "Show notes, too");
-    app.add_flag("--json", json_, "For programs: an object a document, one a line");
-    app.footer(app.get_footer() + kMeaning);
+  void AddOptions(Options& options) override {
+    options.Add("FILE", files_, "The documents").Require().Show("");
+    options.AddFlag("--strict", strict_, "Warnings are findings, too: exit code 1");
+    options.AddFlag("--notes", notes_, "Show notes, too");
+    options.AddFlag("--json", json_, "For programs: an object a document, one a line");
+    options.PutLast(kMeaning);
   }
 
   ExitCode Run() override {

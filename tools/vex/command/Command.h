@@ -1,11 +1,11 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "tools/vex/Errors.h"
+#include "tools/vex/Options.h"
 
 namespace vex2::tool {
 
@@ -25,9 +25,8 @@ class Command {
 
   const Description& Describe() const { return description_; }
 
-  /// Adds the arguments and options to the command's own part of the command line. They may keep
-  /// references to members.
-  virtual void AddOptions(CLI::App& app) = 0;
+  /// Adds the arguments and options to the command's own part of the command line.
+  virtual void AddOptions(Options& options) = 0;
   /// Does it, once the command line was parsed. Throws `Error`; answers another code than kDone
   /// only when it went on after an error that it printed itself.
   virtual ExitCode Run() = 0;
@@ -36,19 +35,14 @@ class Command {
   Description description_;
 };
 
-/// Makes a command a part of `app`'s command line, with its help.
-void AddCommand(CLI::App& app, Command& command);
-/// Runs the one of `commands` that was given to `app`.
-ExitCode RunCommand(const CLI::App& app, const std::vector<std::unique_ptr<Command>>& commands);
-
 /// A command that does several things, each by a command of its own behind its name.
 class CommandGroup final : public Command {
  public:
   CommandGroup(Description description, std::vector<std::unique_ptr<Command>> actions)
       : Command(std::move(description)), actions_(std::move(actions)) {}
 
-  void AddOptions(CLI::App& app) override;
-  ExitCode Run() override { return RunCommand(*app_, actions_); }
+  void AddOptions(Options& options) override;
+  ExitCode Run() override;
 
   const std::vector<std::unique_ptr<Command>>& Actions() const { return actions_; }
 

@@ -1,5 +1,6 @@
 #include "tools/vex/command/CommandLine.h"
 
+#include <CLI/CLI.hpp>
 #include <cerrno>
 #include <exception>
 #include <iostream>
@@ -87,6 +88,24 @@ void finishOutput() {
   }
 }
 
+// Makes a command a part of `app`'s command line, with its help.
+void addCommand(CLI::App& app, Command& command) {
+  const auto& [name, summary, examples] = command.Describe();
+  CLI::App* part = app.add_subcommand(name, summary);
+  part->footer(exampleText(examples));
+  part->formatter(withColumn(26));
+  Options options(*part);
+  command.AddOptions(options);
+}
+
+// Runs the one of `commands` that was given to `app`.
+ExitCode runCommand(const CLI::App& app, const std::vector<std::unique_ptr<Command>>& commands) {
+  for (const auto& command : commands) {
+    if (app.got_subcommand(command->Describe().name)) return command->Run();
+  }
+  return ExitCode::kUsage;
+}
+
 ExitCode run(int argumentCount, const char* const* arguments) {
   CLI::App app(kSummary, "vex");
   app.set_version_flag("--version", "vex " VEX2_VERSION, "Print the version and exit");
@@ -97,7 +116,7 @@ ExitCode run(int argumentCount, const char* const* arguments) {
       exampleText("vex simulate run.vex\nvex info run.vex\nvex export run.vex --format csv") +
       "\n\n" + kFooter);
   const auto commands = MakeCommands();
-  for (const auto& command : commands) AddCommand(app, *command);
+  for (const auto& command : commands) addCommand(app, *command);
   try {
     parse(app, argumentCount, arguments);
   } catch (const CLI::Success& success) {
@@ -105,33 +124,23 @@ ExitCode run(int argumentCount, const char* const* arguments) {
     finishOutput();
     return ExitCode::kDone;
   }
-  const ExitCode code = RunCommand(app, commands);
+  const ExitCode code = runCommand(app, commands);
   finishOutput();
   return code;
 }
 
 }  // namespace
 
-void AddCommand(CLI::App& app, Command& command) {
-  const auto& [name, summary, examples] = command.Describe();
-  CLI::App* part = app.add_subcommand(name, summary);
-  part->footer(exampleText(examples));
-  part->formatter(withColumn(26));
-  command.AddOptions(*part);
-}
-
-ExitCode RunCommand(const CLI::App& app, const std::vector<std::unique_ptr<Command>>& commands) {
-  for (const auto& command : commands) {
-    if (app.got_subcommand(command->Describe().name)) return command->Run();
-  }
-  return ExitCode::kUsage;
-}
-
-void CommandGroup::AddOptions(CLI::App& app) {
+void CommandGroup::AddOptions(Options& options) {
+  CLI::App& app = options.App();
   app_ = &app;
   app.require_subcommand(1);
   app.formatter(withColumn(13));
-  for (const auto& action : actions_) AddCommand(app, *action);
+  for (const auto& action : actions_) addCommand(app, *action);
+}
+
+ExitCode CommandGroup::Run() {
+  return runCommand(*app_, actions_);
 }
 
 int RunCommandLine(int argumentCount, const char* const* arguments) noexcept {

@@ -12,13 +12,11 @@ class CopyCommand final : public Command {
       : Command({"copy", "Read a document and save it under another name.",
                  "vex copy run.vex saved.vex\nvex copy --upgrade old.vex new.vex"}) {}
 
-  void AddOptions(CLI::App& app) override {
-    app.add_option("IN", source_, "The document to read")->required()->type_name("");
-    app.add_option("OUT", target_, "Where to save it, in place of what is there")
-        ->required()
-        ->type_name("");
-    plate_.AddTo(app);
-    rewriting_.AddOptions(app);
+  void AddOptions(Options& options) override {
+    options.Add("IN", source_, "The document to read").Require().Show("");
+    options.Add("OUT", target_, "Where to save it, in place of what is there").Require().Show("");
+    plate_.AddTo(options);
+    rewriting_.AddOptions(options);
   }
 
   ExitCode Run() override {

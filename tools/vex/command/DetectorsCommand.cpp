@@ -62,14 +62,14 @@ class DetectorsCommand final : public ListingCommand {
                         "vex detectors run.vex --remove MYC --dry-run"}) {}
 
  protected:
-  void addChanges(CLI::App& app) override {
-    app.add_option("--add", assignments_, "Add or change one; each begins with its name=")
-        ->type_name("KEY=VALUE...")
-        ->expected(1, -1);
-    app.add_option("--remove", removed_, "Remove the detector of this name")
-        ->type_name("NAME...")
-        ->expected(1, -1);
-    app.footer(fieldList() + "\n\n" + app.get_footer());
+  void addChanges(Options& options) override {
+    options.Add("--add", assignments_, "Add or change one; each begins with its name=")
+        .Show("KEY=VALUE...")
+        .TakeSeveral();
+    options.Add("--remove", removed_, "Remove the detector of this name")
+        .Show("NAME...")
+        .TakeSeveral();
+    options.PutFirst(fieldList());
   }
 
   bool hasChanges() const override { return !assignments_.empty() || !removed_.empty(); }

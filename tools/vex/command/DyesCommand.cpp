@@ -16,11 +16,9 @@ class DyesCommand final : public ListingCommand {
                         "vex dyes run.vex\nvex dyes run.vex --add FAM ROX --remove SYBR"}) {}
 
  protected:
-  void addChanges(CLI::App& app) override {
-    app.add_option("--add", added_, "Add a dye at the end")->type_name("NAME...")->expected(1, -1);
-    app.add_option("--remove", removed_, "Remove a dye; case counts")
-        ->type_name("NAME...")
-        ->expected(1, -1);
+  void addChanges(Options& options) override {
+    options.Add("--add", added_, "Add a dye at the end").Show("NAME...").TakeSeveral();
+    options.Add("--remove", removed_, "Remove a dye; case counts").Show("NAME...").TakeSeveral();
   }
 
   bool hasChanges() const override { return !added_.empty() || !removed_.empty(); }

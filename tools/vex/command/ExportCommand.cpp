@@ -40,15 +40,12 @@ class ExportCommand final : public Command {
                  "vex export run.vex --format csv\nvex export run.vex -o run.csv\n"
                  "vex export study.vex --plate plate1"}) {}
 
-  void AddOptions(CLI::App& app) override {
-    app.add_option("FILE", file_, "The document")->required()->type_name("");
-    app.add_option("--format", format_, "csv, the only one")
-        ->check(CLI::IsMember({"csv"}))
-        ->type_name("NAME");
-    AddBlockOption(app, block_);
-    plate_.AddTo(app);
-    app.add_option("-o,--output", target_, "The file to write; standard output if none")
-        ->type_name("OUT");
+  void AddOptions(Options& options) override {
+    options.Add("FILE", file_, "The document").Require().Show("");
+    options.Add("--format", format_, "csv, the only one").AllowOnly({"csv"}).Show("NAME");
+    AddBlockOption(options, block_);
+    plate_.AddTo(options);
+    options.Add("-o,--output", target_, "The file to write; standard output if none").Show("OUT");
   }
 
   ExitCode Run() override {

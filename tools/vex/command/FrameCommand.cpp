@@ -104,12 +104,12 @@ class FrameCommand final : public Command {
       : Command({"frame", "Show one frame of a data block, read straight from the file.",
                  "vex frame run.vex 0\nvex frame run.vex 39 --block REPr --json"}) {}
 
-  void AddOptions(CLI::App& app) override {
-    app.add_option("FILE", file_, "The document")->required()->type_name("");
-    app.add_option("N", index_, "The frame, from 0")->required()->type_name("");
-    AddBlockOption(app, block_);
-    plate_.AddTo(app);
-    app.add_flag("--json", json_, "For programs: an object; one a line for each plate");
+  void AddOptions(Options& options) override {
+    options.Add("FILE", file_, "The document").Require().Show("");
+    options.Add("N", index_, "The frame, from 0").Require().Show("");
+    AddBlockOption(options, block_);
+    plate_.AddTo(options);
+    options.AddFlag("--json", json_, "For programs: an object; one a line for each plate");
   }
 
   ExitCode Run() override {

@@ -202,10 +202,10 @@ class InfoCommand final : public Command {
       : Command({"info", "Show what documents hold, a screen for each.",
                  "vex info run.vex\nvex info --json *.vex | jq '.frames'"}) {}
 
-  void AddOptions(CLI::App& app) override {
-    app.add_option("FILE", files_, "The documents")->required()->type_name("");
-    plate_.AddTo(app);
-    app.add_flag("--json", json_, "For programs: an object a document, one a line");
+  void AddOptions(Options& options) override {
+    options.Add("FILE", files_, "The documents").Require().Show("");
+    plate_.AddTo(options);
+    options.AddFlag("--json", json_, "For programs: an object a document, one a line");
   }
 
   ExitCode Run() override {

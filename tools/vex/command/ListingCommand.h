@@ -14,13 +14,13 @@ class ListingCommand : public Command {
  public:
   using Command::Command;
 
-  void AddOptions(CLI::App& app) override {
-    app.add_option("FILE", file_, "The document")->required()->type_name("");
-    auto* csv = app.add_flag("--csv", csv_, "For programs, as a table");
-    app.add_flag("--json", json_, "For programs, as JSON")->excludes(csv);
-    addChanges(app);
-    plate_.AddTo(app);
-    changing_.AddOptions(app);
+  void AddOptions(Options& options) override {
+    options.Add("FILE", file_, "The document").Require().Show("");
+    const Option csv = options.AddFlag("--csv", csv_, "For programs, as a table");
+    options.AddFlag("--json", json_, "For programs, as JSON").Exclude(csv);
+    addChanges(options);
+    plate_.AddTo(options);
+    changing_.AddOptions(options);
   }
 
   ExitCode Run() override {
@@ -46,7 +46,7 @@ class ListingCommand : public Command {
 
  protected:
   /// Adds the options that change something.
-  virtual void addChanges(CLI::App& app) = 0;
+  virtual void addChanges(Options& options) = 0;
   virtual bool hasChanges() const = 0;
   /// Changes the plate, and answers lines that say what. Throws an error when that cannot be.
   virtual std::string change(Vex2FileManager& plate) const = 0;

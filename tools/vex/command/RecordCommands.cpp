@@ -24,19 +24,17 @@ class RecordingCommand : public Command {
   using Command::Command;
 
  protected:
-  void addRecordOptions(CLI::App& app) {
-    app.add_option("--pace", options_.pace, "Seconds from one frame to the next; 0: no pause")
-        ->type_name("SECONDS")
-        ->check(CLI::Range(0.0, kLongestPace));
-    auto* resume = app.add_flag("--resume", options_.resume,
-                                "Go on after the last frame that the document holds");
-    app.add_flag("--force", options_.force, "Replace a document that is there")->excludes(resume);
+  void addRecordOptions(Options& options) {
+    options.Add("--pace", options_.pace, "Seconds from one frame to the next; 0: no pause")
+        .Show("SECONDS")
+        .AllowRange(0.0, kLongestPace);
+    const Option resume = options.AddFlag("--resume", options_.resume,
+                                          "Go on after the last frame that the document holds");
+    options.AddFlag("--force", options_.force, "Replace a document that is there").Exclude(resume);
   }
 
-  void addDocument(CLI::App& app) {
-    app.add_option("RUN", options_.path, "The document to record to")
-        ->type_name("FILE.vex")
-        ->required();
+  void addDocument(Options& options) {
+    options.Add("RUN", options_.path, "The document to record to").Show("FILE.vex").Require();
   }
 
   ExitCode record(const RunPlan& plan) {
@@ -70,19 +68,18 @@ class RecordCommand final : public RecordingCommand {
              "vex record run.vex --readings readings.csv --wells wells.csv\n"
              "vex record run.vex --readings readings.csv --wells wells.csv --resume"}) {}
 
-  void AddOptions(CLI::App& app) override {
-    addDocument(app);
-    app.add_option("--readings", files_.readings,
-                   "well,stage,cycle,time_s,temperature_c,fluorescence")
-        ->type_name("FILE.csv")
-        ->required();
-    app.add_option("--wells", files_.wells, "well,sample,target,task,quantity,reporter; - is stdin")
-        ->type_name("FILE.csv")
-        ->required();
-    app.add_option("--scale", files_.scale, "Factor of readings; else the largest to fit 16 bits")
-        ->type_name("N")
-        ->check(CLI::Range(std::uint32_t{1}, kLargestScale));
-    addRecordOptions(app);
+  void AddOptions(Options& options) override {
+    addDocument(options);
+    options.Add("--readings", files_.readings, "well,stage,cycle,time_s,temperature_c,fluorescence")
+        .Show("FILE.csv")
+        .Require();
+    options.Add("--wells", files_.wells, "well,sample,target,task,quantity,reporter; - is stdin")
+        .Show("FILE.csv")
+        .Require();
+    options.Add("--scale", files_.scale, "Factor of readings; else the largest to fit 16 bits")
+        .Show("N")
+        .AllowRange(std::uint32_t{1}, kLargestScale);
+    addRecordOptions(options);
   }
 
   ExitCode Run() override {
@@ -104,20 +101,20 @@ class SimulateCommand final : public RecordingCommand {
                           "vex simulate run.vex\n"
                           "vex simulate run.vex --wells 384 --cycles 45 --melt 70 --seed 7"}) {}
 
-  void AddOptions(CLI::App& app) override {
-    addDocument(app);
-    app.add_option("--wells", wells_, "Wells of the plate: 96 (the default) or 384")
-        ->check(CLI::IsMember({96U, 384U}));
-    app.add_option("--cycles", cycles_, "Amplification cycles; 40 by default")
-        ->check(CLI::Range(1U, kMostSteps));
-    app.add_option("--melt", meltSteps_, "Readings of a melting stage at the end; 0 by default")
-        ->check(CLI::Range(0U, kMostSteps));
-    app.add_option("--seed", seed_, "Another number is another run; 1 by default");
-    app.add_option("--readings-out", readingsOut_, "Write the readings also to this CSV file")
-        ->type_name("FILE.csv");
-    app.add_option("--wells-out", wellsOut_, "Write what the wells hold to this CSV file")
-        ->type_name("FILE.csv");
-    addRecordOptions(app);
+  void AddOptions(Options& options) override {
+    addDocument(options);
+    options.Add("--wells", wells_, "Wells of the plate: 96 (the default) or 384")
+        .AllowOnly({96U, 384U});
+    options.Add("--cycles", cycles_, "Amplification cycles; 40 by default")
+        .AllowRange(1U, kMostSteps);
+    options.Add("--melt", meltSteps_, "Readings of a melting stage at the end; 0 by default")
+        .AllowRange(0U, kMostSteps);
+    options.Add("--seed", seed_, "Another number is another run; 1 by default");
+    options.Add("--readings-out", readingsOut_, "Write the readings also to this CSV file")
+        .Show("FILE.csv");
+    options.Add("--wells-out", wellsOut_, "Write what the wells hold to this CSV file")
+        .Show("FILE.csv");
+    addRecordOptions(options);
   }
 
   ExitCode Run() override {

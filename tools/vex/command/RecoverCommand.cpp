@@ -14,7 +14,7 @@ namespace vex2::tool {
 namespace {
 
 constexpr const char* kMeaning =
-    "\n\nWhat it does:\n"
+    "What it does:\n"
     "  Records are found again by their tags, frames by the structure of their block.\n"
     "  FILE itself is never written to. What is damaged within a text or a reading\n"
     "  looks like any other, and is kept as it is.\n\n"
@@ -28,12 +28,12 @@ class RecoverCommand final : public Command {
                  "vex recover damaged.vex -o rescued.vex\n"
                  "vex recover --json damaged.vex -o rescued.vex | jq .lost"}) {}
 
-  void AddOptions(CLI::App& app) override {
-    app.add_option("FILE", source_, "The damaged document")->required()->type_name("");
-    app.add_option("-o,--output", target_, "The document to write")->required()->type_name("OUT");
-    app.add_flag("--force", force_, "Replace a document that is there");
-    app.add_flag("--json", json_, "For programs: the report as an object");
-    app.footer(app.get_footer() + kMeaning);
+  void AddOptions(Options& options) override {
+    options.Add("FILE", source_, "The damaged document").Require().Show("");
+    options.Add("-o,--output", target_, "The document to write").Require().Show("OUT");
+    options.AddFlag("--force", force_, "Replace a document that is there");
+    options.AddFlag("--json", json_, "For programs: the report as an object");
+    options.PutLast(kMeaning);
   }
 
   ExitCode Run() override {

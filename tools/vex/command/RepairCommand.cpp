@@ -10,7 +10,7 @@ namespace vex2::tool {
 namespace {
 
 constexpr const char* kMeaning =
-    "\n\nWhat it does:\n"
+    "What it does:\n"
     "  It sets lengths and positions right, cuts off a torn end, and touches nothing\n"
     "  else. A backup is made first: FILE.backup, or with a number where there is\n"
     "  one. The document is the old or the new one at every moment. Do not repair a\n"
@@ -24,10 +24,10 @@ class RepairCommand final : public Command {
       : Command({"repair", "Mend in place what is safe to: torn ends, lengths, positions.",
                  "vex repair --dry-run run.vex\nvex repair run.vex && vex check run.vex"}) {}
 
-  void AddOptions(CLI::App& app) override {
-    app.add_option("FILE", file_, "The document")->required()->type_name("");
-    app.add_flag("--dry-run", dryRun_, "Say what would be mended, and change nothing");
-    app.footer(app.get_footer() + kMeaning);
+  void AddOptions(Options& options) override {
+    options.Add("FILE", file_, "The document").Require().Show("");
+    options.AddFlag("--dry-run", dryRun_, "Say what would be mended, and change nothing");
+    options.PutLast(kMeaning);
   }
 
   ExitCode Run() override {

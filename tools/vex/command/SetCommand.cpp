@@ -31,14 +31,12 @@ class SetCommand final : public Command {
         settings_(std::move(settings)),
         ofStudy_(ofStudy) {}
 
-  void AddOptions(CLI::App& app) override {
-    app.add_option("FILE", file_, "The document")->required()->type_name("");
-    app.add_option("KEY=VALUE", assignments_, "The settings and their new values")
-        ->required()
-        ->type_name("");
-    if (!ofStudy_) plate_.AddTo(app);
-    changing_.AddOptions(app);
-    app.footer(settingList(settings_) + "\n\n" + app.get_footer());
+  void AddOptions(Options& options) override {
+    options.Add("FILE", file_, "The document").Require().Show("");
+    options.Add("KEY=VALUE", assignments_, "The settings and their new values").Require().Show("");
+    if (!ofStudy_) plate_.AddTo(options);
+    changing_.AddOptions(options);
+    options.PutFirst(settingList(settings_));
   }
 
   ExitCode Run() override {

@@ -41,14 +41,14 @@ class SpectrumCommand final : public Command {
                  "vex spectrum run.vex --well A1 --frame 0\n"
                  "vex spectrum background.vex --well B3 --frame 0 --json | jq .rates"}) {}
 
-  void AddOptions(CLI::App& app) override {
-    app.add_option("FILE", file_, "The document")->required()->type_name("");
-    app.add_option("--well", well_, "The well, such as A1")->required()->type_name("WELL");
-    app.add_option("--frame", frame_, "The frame, from 0")->required()->type_name("N");
-    plate_.AddTo(app);
-    auto* json =
-        app.add_flag("--json", json_, "For programs: an object; one a line for each plate");
-    app.add_flag("--csv", csv_, "For programs: a table, a row for each value")->excludes(json);
+  void AddOptions(Options& options) override {
+    options.Add("FILE", file_, "The document").Require().Show("");
+    options.Add("--well", well_, "The well, such as A1").Require().Show("WELL");
+    options.Add("--frame", frame_, "The frame, from 0").Require().Show("N");
+    plate_.AddTo(options);
+    const Option json =
+        options.AddFlag("--json", json_, "For programs: an object; one a line for each plate");
+    options.AddFlag("--csv", csv_, "For programs: a table, a row for each value").Exclude(json);
   }
 
   ExitCode Run() override {

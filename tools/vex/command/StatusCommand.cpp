@@ -17,11 +17,11 @@ class StatusCommand final : public Command {
       : Command({"status", "Print a document's acquisition status, or set it in place.",
                  "vex status run.vex\nvex status run.vex DONE"}) {}
 
-  void AddOptions(CLI::App& app) override {
-    app.add_option("FILE", file_, "The document")->required()->type_name("");
-    app.add_option("CODE", code_, "The new one: ZERO, PROG or DONE, or any four")->type_name("");
-    plate_.AddTo(app);
-    changing_.AddOptions(app);
+  void AddOptions(Options& options) override {
+    options.Add("FILE", file_, "The document").Require().Show("");
+    options.Add("CODE", code_, "The new one: ZERO, PROG or DONE, or any four").Show("");
+    plate_.AddTo(options);
+    changing_.AddOptions(options);
   }
 
   ExitCode Run() override {

@@ -21,17 +21,17 @@ class StudyChange : public Command {
  public:
   using Command::Command;
 
-  void AddOptions(CLI::App& app) override {
-    app.add_option("STUDY", study_, "The study")->required()->type_name("");
-    AddArguments(app);
-    changing_.AddOptions(app);
+  void AddOptions(Options& options) override {
+    options.Add("STUDY", study_, "The study").Require().Show("");
+    AddArguments(options);
+    changing_.AddOptions(options);
   }
 
  protected:
-  virtual void AddArguments(CLI::App& app) = 0;
+  virtual void AddArguments(Options& options) = 0;
 
-  void AddPlateFiles(CLI::App& app, std::vector<std::string>& plates) {
-    app.add_option("PLATE", plates, "The documents of the plates")->required()->type_name("");
+  void AddPlateFiles(Options& options, std::vector<std::string>& plates) {
+    options.Add("PLATE", plates, "The documents of the plates").Require().Show("");
   }
 
   /// Changes the study with `change`, which is handed it and answers what it changed.
@@ -65,9 +65,9 @@ class NewAction final : public StudyChange {
   }
 
  protected:
-  void AddArguments(CLI::App& app) override {
-    AddPlateFiles(app, plates_);
-    app.add_flag("--force", force_, "Replace a document that is there");
+  void AddArguments(Options& options) override {
+    AddPlateFiles(options, plates_);
+    options.AddFlag("--force", force_, "Replace a document that is there");
   }
 
  private:
@@ -89,7 +89,7 @@ class AddAction final : public StudyChange {
   }
 
  protected:
-  void AddArguments(CLI::App& app) override { AddPlateFiles(app, plates_); }
+  void AddArguments(Options& options) override { AddPlateFiles(options, plates_); }
 
  private:
   std::vector<std::string> plates_;
@@ -107,8 +107,8 @@ class RemoveAction final : public StudyChange {
   }
 
  protected:
-  void AddArguments(CLI::App& app) override {
-    app.add_option("NAME", names_, "The plates' names")->required()->type_name("");
+  void AddArguments(Options& options) override {
+    options.Add("NAME", names_, "The plates' names").Require().Show("");
   }
 
  private:
@@ -140,9 +140,9 @@ class ListAction final : public Command {
             {"list", "List the plates of a study.",
              "vex study list study.vex\nvex study list --json study.vex | jq '.plates[].name'"}) {}
 
-  void AddOptions(CLI::App& app) override {
-    app.add_option("STUDY", study_, "The study")->required()->type_name("");
-    app.add_flag("--json", json_, "For programs: an object");
+  void AddOptions(Options& options) override {
+    options.Add("STUDY", study_, "The study").Require().Show("");
+    options.AddFlag("--json", json_, "For programs: an object");
   }
 
   ExitCode Run() override {
@@ -215,13 +215,11 @@ class ExtractAction final : public Command {
       : Command({"extract", "Save a plate of a study as a document of its own.",
                  "vex study extract study.vex plate1 plate1.vex"}) {}
 
-  void AddOptions(CLI::App& app) override {
-    app.add_option("STUDY", study_, "The study")->required()->type_name("");
-    app.add_option("NAME", name_, "The plate's name")->required()->type_name("");
-    app.add_option("OUT", target_, "Where to save it, in place of what is there")
-        ->required()
-        ->type_name("");
-    rewriting_.AddOptions(app);
+  void AddOptions(Options& options) override {
+    options.Add("STUDY", study_, "The study").Require().Show("");
+    options.Add("NAME", name_, "The plate's name").Require().Show("");
+    options.Add("OUT", target_, "Where to save it, in place of what is there").Require().Show("");
+    rewriting_.AddOptions(options);
   }
 
   ExitCode Run() override {

@@ -149,10 +149,10 @@ class TreeCommand final : public Command {
             {"tree", "Show every record of a document, nested as in the file.",
              "vex tree run.vex\nvex tree --json run.vex | jq '.[] | select(.tag == \"GLBL\")'"}) {}
 
-  void AddOptions(CLI::App& app) override {
-    app.add_option("FILE", file_, "The document")->required()->type_name("");
-    plate_.AddTo(app);
-    app.add_flag("--json", json_, "For programs: a list of objects");
+  void AddOptions(Options& options) override {
+    options.Add("FILE", file_, "The document").Require().Show("");
+    plate_.AddTo(options);
+    options.AddFlag("--json", json_, "For programs: a list of objects");
   }
 
   ExitCode Run() override {

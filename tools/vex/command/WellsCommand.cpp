@@ -74,12 +74,12 @@ class WellsCommand final : public ListingCommand {
                         "vex wells run.vex --from wells.csv"}) {}
 
  protected:
-  void addChanges(CLI::App& app) override {
-    app.add_option("--show", what_, "What to show: sample (the default), detector, task")
-        ->check(CLI::IsMember({"sample", "detector", "task"}))
-        ->type_name("WHAT");
-    app.add_option("--from", source_, "Replace it; well,sample,target,task,quantity,reporter")
-        ->type_name("FILE.csv");
+  void addChanges(Options& options) override {
+    options.Add("--show", what_, "What to show: sample (the default), detector, task")
+        .AllowOnly({"sample", "detector", "task"})
+        .Show("WHAT");
+    options.Add("--from", source_, "Replace it; well,sample,target,task,quantity,reporter")
+        .Show("FILE.csv");
   }
 
   bool hasChanges() const override { return !source_.empty(); }

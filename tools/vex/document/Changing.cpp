@@ -1,12 +1,12 @@
 #include "tools/vex/document/Changing.h"
 
-#include <CLI/CLI.hpp>
+#include "tools/vex/Options.h"
 
 namespace vex2::tool {
 
-void Changing::AddOptions(CLI::App& app) {
-  app.add_flag("--dry-run", isDryRun_, "Say what would change, and change nothing");
-  rewriting_.AddOptions(app);
+void Changing::AddOptions(Options& options) {
+  options.AddFlag("--dry-run", isDryRun_, "Say what would change, and change nothing");
+  rewriting_.AddOptions(options);
 }
 
 std::string Changing::Finish(Vex2FileManager& document, const std::string& path,

@@ -5,18 +5,16 @@
 #include "tools/vex/document/DocumentPlates.h"
 #include "tools/vex/document/Rewriting.h"
 
-namespace CLI {
-class App;
-}
-
 namespace vex2::tool {
+
+class Options;
 
 /// What every command does that changes a document in place: the old document stays until the new
 /// one is whole on the disk.
 class Changing {
  public:
   /// Adds --dry-run and what may be lost.
-  void AddOptions(CLI::App& app);
+  void AddOptions(Options& options);
 
   /// What is said behind the changes that were not made.
   static constexpr const char* kDryRun = "(dry run: nothing was changed)\n";

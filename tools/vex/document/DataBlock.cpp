@@ -1,10 +1,10 @@
 #include "tools/vex/document/DataBlock.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <array>
 #include <cstdio>
 
+#include "tools/vex/Options.h"
 #include "tools/vex/document/FileLayout.h"
 #include "vex2/container/TagTable.h"
 
@@ -56,11 +56,11 @@ FrameFit FitFrames(const FileRecord& record, const DataBlockHead& head, std::uin
   return fit;
 }
 
-void AddBlockOption(CLI::App& app, std::string& tag) {
+void AddBlockOption(Options& options, std::string& tag) {
   tag = "RAWa";
-  app.add_option("--block", tag, "The data block; RAWa if none")
-      ->check(CLI::IsMember({"RAWa", "REPr", "REPn", "REPd", "REPt"}))
-      ->type_name("TAG");
+  options.Add("--block", tag, "The data block; RAWa if none")
+      .AllowOnly({"RAWa", "REPr", "REPn", "REPd", "REPt"})
+      .Show("TAG");
 }
 
 Vex2DataType BlockType(std::string_view tag) {

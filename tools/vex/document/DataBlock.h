@@ -9,11 +9,9 @@
 #include "vex2/run/TimeStamp.h"
 #include "vex2/run/Vex2DataType.h"
 
-namespace CLI {
-class App;
-}
-
 namespace vex2::tool {
+
+class Options;
 
 /// The part of a data block before its frames, as it stands in a file.
 struct DataBlockHead {
@@ -45,7 +43,7 @@ struct FrameFit {
 FrameFit FitFrames(const FileRecord& record, const DataBlockHead& head, std::uint64_t end);
 
 /// Adds "--block" to a command; `tag` holds the block's tag then, "RAWa" when it is not given.
-void AddBlockOption(CLI::App& app, std::string& tag);
+void AddBlockOption(Options& options, std::string& tag);
 /// The block of that tag, which is one of a block.
 Vex2DataType BlockType(std::string_view tag);
 

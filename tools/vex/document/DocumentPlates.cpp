@@ -1,17 +1,17 @@
 #include "tools/vex/document/DocumentPlates.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 
 #include "tools/vex/Errors.h"
+#include "tools/vex/Options.h"
 #include "tools/vex/text/Terminal.h"
 #include "tools/vex/text/Text.h"
 #include "vex2/run/AcquisitionDataComp.h"
 
 namespace vex2::tool {
 
-void PlateOption::AddTo(CLI::App& app) {
-  app.add_option("--plate", name_, "Of a study: this plate alone; all if none")->type_name("NAME");
+void PlateOption::AddTo(Options& options) {
+  options.Add("--plate", name_, "Of a study: this plate alone; all if none").Show("NAME");
 }
 
 std::vector<Document::Plate> PlateOption::Choose(const Document& document) const {

@@ -11,17 +11,15 @@
 
 class AcquisitionDataComp;
 
-namespace CLI {
-class App;
-}
-
 namespace vex2::tool {
+
+class Options;
 
 /// Which plates of a document a command works on: the option "--plate" and what it means. Without
 /// it that is the document itself and, in a study, all its plates.
 class PlateOption {
  public:
-  void AddTo(CLI::App& app);
+  void AddTo(Options& options);
 
   bool IsGiven() const { return name_.has_value(); }
   /// Whether no plate of a study was named, so that all of them are meant.

@@ -2,11 +2,11 @@
 
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <cerrno>
 #include <filesystem>
 
 #include "tools/vex/Errors.h"
+#include "tools/vex/Options.h"
 #include "tools/vex/text/Text.h"
 #include "vex2/run/AcquisitionDataComp.h"
 
@@ -28,9 +28,9 @@ int reasonAgainst(const std::string& path) {
 
 }  // namespace
 
-void Rewriting::AddOptions(CLI::App& app) {
-  app.add_flag("--upgrade", upgrade_, "Make data blocks of version 1 version 2");
-  app.add_flag("--drop-unknown", dropUnknown_, "Accept that unknown records are lost");
+void Rewriting::AddOptions(Options& options) {
+  options.AddFlag("--upgrade", upgrade_, "Make data blocks of version 1 version 2");
+  options.AddFlag("--drop-unknown", dropUnknown_, "Accept that unknown records are lost");
 }
 
 void Rewriting::Prepare(Document& document, const std::string& target) const {

@@ -4,17 +4,15 @@
 
 #include "tools/vex/document/Document.h"
 
-namespace CLI {
-class App;
-}
-
 namespace vex2::tool {
+
+class Options;
 
 /// What every command does that saves a document it has read.
 class Rewriting {
  public:
   /// Adds the options that say what may be lost or changed.
-  void AddOptions(CLI::App& app);
+  void AddOptions(Options& options);
 
   /// Throws an error when `document` cannot be saved to `target` without harm: it was not read
   /// whole, or holds data blocks of the old version that may not be upgraded, which it does

@@ -1,0 +1,73 @@
+#include "tools/vex/Options.h"
+
+#include <CLI/CLI.hpp>
+#include <optional>
+#include <vector>
+
+namespace vex2::tool {
+
+Option& Option::Show(const std::string& placeholder) {
+  option_->type_name(placeholder);
+  return *this;
+}
+
+Option& Option::Require() {
+  option_->required();
+  return *this;
+}
+
+Option& Option::TakeSeveral() {
+  option_->expected(1, -1);
+  return *this;
+}
+
+Option& Option::Exclude(const Option& other) {
+  option_->excludes(other.option_);
+  return *this;
+}
+
+Option& Option::AllowOnly(std::initializer_list<std::string> values) {
+  option_->check(CLI::IsMember(values));
+  return *this;
+}
+
+Option& Option::AllowOnly(std::initializer_list<std::uint32_t> values) {
+  option_->check(CLI::IsMember(values));
+  return *this;
+}
+
+Option& Option::AllowRange(std::uint32_t least, std::uint32_t most) {
+  option_->check(CLI::Range(least, most));
+  return *this;
+}
+
+Option& Option::AllowRange(double least, double most) {
+  option_->check(CLI::Range(least, most));
+  return *this;
+}
+
+template <typename Value>
+Option Options::Add(const std::string& name, Value& value, const std::string& help) {
+  return Option(*app_->add_option(name, value, help));
+}
+
+template Option Options::Add(const std::string&, std::string&, const std::string&);
+template Option Options::Add(const std::string&, std::vector<std::string>&, const std::string&);
+template Option Options::Add(const std::string&, std::optional<std::string>&, const std::string&);
+template Option Options::Add(const std::string&, std::int64_t&, const std::string&);
+template Option Options::Add(const std::string&, double&, const std::string&);
+template Option Options::Add(const std::string&, std::optional<std::uint32_t>&, const std::string&);
+
+Option Options::AddFlag(const std::string& name, bool& value, const std::string& help) {
+  return Option(*app_->add_flag(name, value, help));
+}
+
+void Options::PutFirst(const std::string& text) {
+  app_->footer(text + "\n\n" + app_->get_footer());
+}
+
+void Options::PutLast(const std::string& text) {
+  app_->footer(app_->get_footer() + "\n\n" + text);
+}
+
+}  // namespace vex2::tool
