@@ -8,6 +8,7 @@
 
 #include <csignal>
 
+#include "tests/reliability/ForkedProcess.h"
 #include "tests/reliability/RunOnDisk.h"
 #include "tests/reliability/Works.h"
 
@@ -184,10 +185,7 @@ class SmallDisk : public DiskFull {
 };
 
 TEST_F(SmallDisk, ThatIsFullLeavesTheFramesAndTheRunGoesOnWhenThereIsRoom) {
-  const pid_t child = ::fork();
-  if (child == 0) ::_exit(fillAndGoOn());
-  int status = 0;
-  ASSERT_EQ(::waitpid(child, &status, 0), child);
+  const int status = EndOfProcess([this] { return fillAndGoOn(); });
   ASSERT_TRUE(WIFEXITED(status)) << status;
   if (WEXITSTATUS(status) == kNoFileSystem) {
     GTEST_SKIP() << "this system lets no test mount a file system of its own";

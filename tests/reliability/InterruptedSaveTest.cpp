@@ -2,7 +2,7 @@
 // complete new one.
 #include <algorithm>
 
-#include "tests/reliability/KilledProcess.h"
+#include "tests/reliability/ForkedProcess.h"
 #include "tests/reliability/RunOnDisk.h"
 #include "tests/reliability/Works.h"
 

@@ -1,6 +1,6 @@
 // A recording process that is killed at any of its system calls loses no frame whose commit
 // returned, and another process goes on where it ended.
-#include "tests/reliability/KilledProcess.h"
+#include "tests/reliability/ForkedProcess.h"
 #include "tests/reliability/RunOnDisk.h"
 
 namespace vex2::test {

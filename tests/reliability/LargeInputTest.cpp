@@ -8,7 +8,7 @@
 #include <functional>
 
 #include "tests/reliability/FilledDocuments.h"
-#include "tests/reliability/KilledProcess.h"
+#include "tests/reliability/ForkedProcess.h"
 #include "tests/support/DocumentBytes.h"
 #include "tests/support/SilentHost.h"
 #include "tests/support/Sweep.h"
@@ -103,10 +103,11 @@ double middleOf(std::vector<double> values) {
 // In a process of its own, whose heap nothing has been in: memory that was used before lies
 // scattered, and what is put there takes up to twice as long.
 void inItsOwnProcess(const std::function<void()>& work) {
-  EXPECT_FALSE(IsKilled([&] {
+  const auto run = [&] {
     work();
     return testing::Test::HasFailure() ? 1 : 0;
-  }));
+  };
+  EXPECT_EQ(EndOfProcess(run), 0);
 }
 
 double secondsInItsOwnProcess(const Timed& timed, int size, int documents) {

@@ -7,6 +7,8 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <cerrno>
+#include <cstring>
 #include <functional>
 #include <new>
 
@@ -30,15 +32,22 @@ class SharedNumber {
 };
 using SharedCount = SharedNumber<int>;
 
-/// Runs `work` in a process of its own. Whether it was killed; it fails the test when it ended in
-/// any other way than by that or with 0, which `work` answers when all is well.
-inline bool IsKilled(const std::function<int()>& work) {
+/// Runs `work` in a process of its own and answers how that ended, as waitpid tells it: 0 when
+/// `work` answered 0.
+inline int EndOfProcess(const std::function<int()>& work) {
   const pid_t child = ::fork();
   if (child == 0) ::_exit(work());
-  int status = 0;
-  EXPECT_EQ(::waitpid(child, &status, 0), child);
+  int status = -1;
+  EXPECT_TRUE(child > 0 && ::waitpid(child, &status, 0) == child) << std::strerror(errno);
+  return status;
+}
+
+/// Whether the process of `work` was killed; it fails the test when it ended in any other way than
+/// by that or with 0, which `work` answers when all is well.
+inline bool IsKilled(const std::function<int()>& work) {
+  const int status = EndOfProcess(work);
   const bool killed = WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
-  EXPECT_TRUE(killed || (WIFEXITED(status) && WEXITSTATUS(status) == 0)) << status;
+  EXPECT_TRUE(killed || status == 0) << status;
   return killed;
 }
 
