@@ -11,8 +11,6 @@
 namespace vex2::fuzz {
 namespace {
 
-constexpr int kMostFrames = 10'000;
-
 using Edit = void (*)(Vex2FileManager& document, Script& script);
 
 CString textOf(Script& script) {
@@ -146,8 +144,9 @@ void fillFrames(Vex2FileManager& document, Script& script) {
   record.leading[0] = 1;
   record.data[0] = script.Short();
   const int frame = document.GetDataFrameCount(type);
-  // A block without wells can state any length, and counts frames by it once it gets wells: filling
-  // the last takes a table of all, and every plate that is added here has one, too.
+  // A block without wells can state any length, and counts frames by it once it gets wells. To fill
+  // the last takes a table of all, and each plate that is added, being a copy, has one, too.
+  constexpr int kMostFrames = 10'000;
   if (frame > kMostFrames) return;
   if (document.SetAcqDataWellRecord(&record, frame, 1, type)) {
     Require(document.GetDataFrameCount(type) >= frame, "no frame is lost");

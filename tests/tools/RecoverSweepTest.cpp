@@ -296,6 +296,7 @@ TEST_F(RecoverSweep, DamagesThatWereNotSurvivedOnceAre) {
       {"torn-frame", 300312}, {"torn-frame", 300342},          {"torn-frame", 300653},
       {"old-block", 300529},  {"05-reporting-blocks", 300421}, {"10-every-kind", 300632},
       {"12-study", 300835}};
+  int met = 0;
   for (const auto& [name, seed] : damages) {
     std::filesystem::path path = SourcePath("tests/data/" + name + ".vex");
     if (!std::filesystem::exists(path)) path = SampleFolder() / "golden" / (name + ".vex");
@@ -304,7 +305,9 @@ TEST_F(RecoverSweep, DamagesThatWereNotSurvivedOnceAre) {
     const DocumentIndex whole = indexOf(path);
     const Damage damage = Damager(seed).Apply(bytes);
     EXPECT_EQ(verdict(whole, bytes, damage), "") << path.filename() << ", " << damage;
+    ++met;
   }
+  EXPECT_GE(met, 4) << "those of tests/data are always there";
 }
 
 // The oracle itself: it tells of what is gone, of what says something else and of what stands in

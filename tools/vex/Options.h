@@ -33,14 +33,14 @@ class Option {
 };
 
 /// The command line of one command, for commands to say what they take. It keeps the library that
-/// reads command lines out of their sources, where it would cost most of the time of compiling.
+/// reads command lines out of their sources, of which it would take most of the time of compiling.
 class Options {
  public:
   explicit Options(CLI::App& app) : app_(&app) {}
 
   /// `name` is "-o,--option" for an option and "ARGUMENT" for an argument. `value` keeps what it
-  /// holds when the option is not given, and must live until the command line was read. It may be a
-  /// std::string, a vector of them, std::int64_t, std::uint32_t or double, or an optional of these.
+  /// holds when the option is not given, and must live until the command line was read. Which types
+  /// it may have is listed in Options.cpp: texts, lists of texts and numbers.
   template <typename Value>
   Option Add(const std::string& name, Value& value, const std::string& help);
   Option AddFlag(const std::string& name, bool& value, const std::string& help);
