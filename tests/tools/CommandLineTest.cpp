@@ -52,7 +52,9 @@ TEST(CommandLine, VersionIsPrinted) {
 
 TEST(CommandLine, CallsThatMakeNoSenseAreAnsweredInOneLine) {
   expectMisuse({}, "see 'vex --help'");
-  expectMisuse({"nonsense"}, "see 'vex --help'");
+  expectMisuse({"nonsense"}, "'nonsense' is not known; see 'vex --help'");
+  expectMisuse({"study", "lst"}, "'lst' is not known; see 'vex study --help'");
+  expectMisuse({"info", "--jsn"}, "'--jsn' is not known; see 'vex info --help'");
   expectMisuse({"info"}, "see 'vex info --help'");
   expectMisuse({"tree", "a", "b"}, "see 'vex tree --help'");
   expectMisuse({"frame", "a.vex", "three"}, "three");

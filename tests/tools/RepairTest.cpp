@@ -88,6 +88,25 @@ TEST_F(Repair, SetsALengthThatCountsTooManyFramesToThoseThatAreThere) {
   ExpectMended(mended);
 }
 
+TEST_F(Repair, LeavesNothingThatAnotherRepairWouldMend) {
+  const std::vector<std::size_t> sizes = {kEnd - kFrame - 1, kEnd - kFrame, kEnd - 1, kEnd,
+                                          kEnd + 1,          kEnd + kFrame};
+  for (const char* status : {"PROG", "DONE"}) {
+    for (const std::size_t position : {std::size_t{0}, kBlock, kEnd, kEnd - 8}) {
+      for (const std::size_t size : sizes) {
+        SCOPED_TRACE(status + (" " + std::to_string(position)) + " of " + std::to_string(size));
+        MakeRun(status);
+        SetLong(kPositionAt, position);
+        Change([&](Bytes& bytes) { bytes.resize(size, 1); });
+        const tool::RepairPlan plan = tool::PlanRepair(path_);
+        if (!plan.IsEmpty()) tool::ApplyRepair(plan, tool::BackUp(path_), path_);
+        EXPECT_TRUE(tool::PlanRepair(path_).IsEmpty());
+        ExpectSound();
+      }
+    }
+  }
+}
+
 TEST_F(Repair, SetsALengthThatCountsHalfAFrame) {
   MakeRun("DONE");
   const Bytes whole = ReadBytes(path_);

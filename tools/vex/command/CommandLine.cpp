@@ -76,6 +76,12 @@ void parse(CLI::App& app, int argumentCount, const char* const* arguments) {
     app.parse(argumentCount, arguments);
   } catch (const CLI::Success&) {
     throw;
+  } catch (const CLI::RequiredError& error) {
+    // What is missing then is most likely what was misspelt.
+    const auto unknown = app.remaining(true);
+    const std::string what =
+        unknown.empty() ? oneLine(error.what()) : "'" + unknown.front() + "' is not known";
+    throw Error(ExitCode::kUsage, what + "; see '" + chosen(app) + " --help'");
   } catch (const CLI::ParseError& error) {
     throw Error(ExitCode::kUsage, oneLine(error.what()) + "; see '" + chosen(app) + " --help'");
   }

@@ -119,6 +119,16 @@ class Planner {
           "the header's position of TPro, for its tag");
   }
 
+  // Where a record ends once the lengths are mended: a position that led past the old end does no
+  // more.
+  std::uint64_t endOf(const Document::Record& record) const {
+    std::uint64_t length = record.length;
+    for (const RepairPlan::Patch& patch : plan_.patches) {
+      if (patch.offset == record.offset + kLengthAt) length = patch.after;
+    }
+    return record.offset + kRecordHeadSize + length;
+  }
+
   void mendRawData() {
     if (document_.IsStudy() || (document_.Fault() && plan_.IsEmpty())) return;
     const std::uint32_t position = header_.rawDataPosition;
@@ -131,9 +141,8 @@ class Planner {
       return patch(HeaderFields::kRawDataAt, position, 0,
                    "the header's position of RAWa, for there is none");
     }
-    const auto leads = [position](const auto& record) {
-      return record.offset == position ||
-             record.offset + kRecordHeadSize + record.length == position;
+    const auto leads = [&](const auto& record) {
+      return record.offset == position || endOf(record) == position;
     };
     // What a save of the whole document leaves is in order unless a run goes on.
     const bool isFine =
