@@ -65,6 +65,30 @@ TEST_F(ReadCsvTest, FindsColumnsByNameAndPassesOverOthers) {
   EXPECT_THAT(Refusal("a,b,a\n1,2,3\n"), EndsWith("row 1: has the column 'a' twice"));
 }
 
+TEST_F(ReadCsvTest, OptionalColumnsMayBeMissing) {
+  const auto read = [&](std::string_view content) {
+    WriteBytes(folder_ / "some.csv", ToBytes(content));
+    Rows rows;
+    EXPECT_TRUE(
+        tool::ReadCsv(folder_ / "some.csv", {"a"},
+                      [&](const tool::CsvRow& row) {
+                        rows.push_back({std::string(row.Text(0)), std::string(row.Text(1))});
+                        EXPECT_EQ(row.Has(1), content.substr(0, 3) != "a,c");
+                      },
+                      {.optionalColumns = {"b"}, .keepsWaiting = {}}));
+    return rows;
+  };
+  EXPECT_EQ(read("a,b\n1,2\n"), (Rows{{"1", "2"}}));
+  EXPECT_EQ(read("b,a\n,1\n"), (Rows{{"1", ""}}));
+  EXPECT_EQ(read("a,c\n1,2\n"), (Rows{{"1", ""}}));
+}
+
+TEST_F(ReadCsvTest, ReadingEndsWhenTheCallerWaitsNoLonger) {
+  WriteBytes(folder_ / "some.csv", ToBytes("a\n1\n"));
+  EXPECT_FALSE(tool::ReadCsv(folder_ / "some.csv", {"a"}, [](const tool::CsvRow&) { FAIL(); },
+                             {.optionalColumns = {}, .keepsWaiting = [] { return false; }}));
+}
+
 TEST_F(ReadCsvTest, RowOfAnotherLengthIsRefused) {
   EXPECT_THAT(Refusal("a,b\n1,2\n3\n"), EndsWith("row 3: has 1 fields where the first row has 2"));
   EXPECT_THAT(Refusal("a,b\n1,2,3\n"), EndsWith("row 2: has 3 fields where the first row has 2"));

@@ -2,6 +2,7 @@
 
 #include <csv.h>
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -23,6 +24,7 @@ namespace {
 // A row of readings or of a well is some fifty characters. A file that is no CSV may have no line
 // end at all, and must not be taken into memory in the search for one.
 constexpr std::size_t kLongestRow = std::size_t{64} * 1024;
+constexpr int kMostWait = 100;  // milliseconds until a waiting reader asks whether to go on
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 class InputFile {
@@ -34,6 +36,16 @@ class InputFile {
   ~InputFile() { ::close(handle_); }
   InputFile(const InputFile&) = delete;
   InputFile& operator=(const InputFile&) = delete;
+
+  /// Waits until there is something to read, or the end. False when `keepsWaiting` says no first.
+  bool Await(const std::function<bool()>& keepsWaiting) const {
+    pollfd waited{handle_, POLLIN, 0};
+    while (keepsWaiting()) {
+      const int ready = ::poll(&waited, 1, kMostWait);
+      if (ready > 0 || (ready < 0 && errno != EINTR)) return true;  // what is wrong, Read will meet
+    }
+    return false;
+  }
 
   /// What is there, at most the buffer's size; empty at the end.
   std::string_view Read() {
@@ -109,8 +121,11 @@ class Splitter {
 
 class Table {
  public:
-  Table(std::string name, const std::vector<std::string_view>& columns)
-      : name_(std::move(name)), columns_(columns) {}
+  Table(std::string name, std::vector<std::string_view> columns,
+        const std::vector<std::string_view>& optionalColumns)
+      : name_(std::move(name)), columns_(std::move(columns)), needed_(columns_.size()) {
+    columns_.insert(columns_.end(), optionalColumns.begin(), optionalColumns.end());
+  }
 
   void Add(const Splitter::Row& row, const std::function<void(const CsvRow&)>& take) {
     ++number_;
@@ -124,6 +139,10 @@ class Table {
     }
     std::vector<std::string_view> fields;
     for (const std::size_t place : places_) {
+      if (place == kNowhere) {
+        fields.emplace_back();
+        continue;
+      }
       if (row[place].find('\0') != std::string::npos) Refuse(number_, "holds a zero byte");
       fields.emplace_back(row[place]);
     }
@@ -140,7 +159,11 @@ class Table {
     width_ = names.size();
     for (const std::string_view column : columns_) {
       const auto found = std::find(names.begin(), names.end(), column);
-      if (found == names.end()) Refuse(1, "has no column " + Quoted(column));
+      if (found == names.end()) {
+        if (places_.size() < needed_) Refuse(1, "has no column " + Quoted(column));
+        places_.push_back(kNowhere);
+        continue;
+      }
       if (std::find(found + 1, names.end(), column) != names.end()) {
         Refuse(1, "has the column " + Quoted(column) + " twice");
       }
@@ -148,8 +171,11 @@ class Table {
     }
   }
 
+  static constexpr std::size_t kNowhere = std::string::npos;
+
   std::string name_;
-  const std::vector<std::string_view>& columns_;
+  std::vector<std::string_view> columns_;
+  std::size_t needed_;  ///< of the columns, the first ones
   std::vector<std::size_t> places_;
   std::size_t width_ = 0;
   std::size_t number_ = 0;
@@ -199,13 +225,17 @@ void CsvRow::RefuseField(std::size_t column, const std::string& why) const {
   Refuse(std::string(names_[column]) + " " + Quoted(Text(column)) + " " + why);
 }
 
-double CsvRow::Decimal(std::size_t column, double most) const {
-  const std::string_view text = Text(column);
-  const auto value = NumberIn<double>(text);
+double CsvRow::AnyDecimal(std::size_t column) const {
+  const auto value = NumberIn<double>(Text(column));
   if (!value || !std::isfinite(*value)) RefuseField(column, "is no number");
-  if (*value < 0) RefuseField(column, "is negative");
-  if (*value > most) RefuseField(column, "is too large");
   return *value;
+}
+
+double CsvRow::Decimal(std::size_t column, double most) const {
+  const double value = AnyDecimal(column);
+  if (value < 0) RefuseField(column, "is negative");
+  if (value > most) RefuseField(column, "is too large");
+  return value;
 }
 
 unsigned CsvRow::Whole(std::size_t column, unsigned least, unsigned most) const {
@@ -218,13 +248,14 @@ unsigned CsvRow::Whole(std::size_t column, unsigned least, unsigned most) const 
   return *value;
 }
 
-void ReadCsv(const std::string& path, const std::vector<std::string_view>& columns,
-             const std::function<void(const CsvRow&)>& take) {
+bool ReadCsv(const std::string& path, const std::vector<std::string_view>& columns,
+             const std::function<void(const CsvRow&)>& take, const CsvWishes& wishes) {
   InputFile file(path);
   Splitter splitter;
   MarkStripper withoutMark;
-  Table table(CsvName(path), columns);
+  Table table(CsvName(path), columns, wishes.optionalColumns);
   for (bool atEnd = false; !atEnd;) {
+    if (wishes.keepsWaiting && !file.Await(wishes.keepsWaiting)) return false;
     const std::string_view bytes = file.Read();
     atEnd = bytes.empty();
     const std::string_view rest = withoutMark(bytes);
@@ -237,6 +268,7 @@ void ReadCsv(const std::string& path, const std::vector<std::string_view>& colum
     }
   }
   if (table.RowCount() == 0) throw Error(ExitCode::kDocument, CsvName(path), "is empty");
+  return true;
 }
 
 }  // namespace vex2::tool
