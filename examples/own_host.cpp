@@ -27,6 +27,14 @@ class BenchHost : public vex2::Host {
     return true;
   }
 
+  // What stands for the system's registry: here one key with one value.
+  vex2::Setting QuerySetting(bool localMachine, const std::string& key,
+                             const std::string& name) override {
+    if (!localMachine || key != "Software\\Orbanet Scientific\\Vex2") return {};  // no such key
+    if (name != "Blue LED Array Illumination") return vex2::NoValue();            // no such value
+    return 1U;
+  }
+
   void BeginWait() override { std::puts("[wait cursor]"); }
   void EndWait() override { std::puts("[arrow cursor]"); }
   void Trace(const std::string& text) override { std::printf("[trace] %s", text.c_str()); }

@@ -48,7 +48,9 @@ TEST_F(TempFolderTest, ConsoleHostReadsTheUsersSettings) {
   for (const bool localMachine : {false, true}) {
     EXPECT_EQ(GetHost()->QuerySetting(localMachine, "Software\\Maker\\Test", "Flag"),
               Setting(std::uint32_t{7}));
-    EXPECT_EQ(GetHost()->QuerySetting(localMachine, "Software\\Maker\\Test", "Other"), Setting());
+    EXPECT_EQ(GetHost()->QuerySetting(localMachine, "Software\\Maker\\Test", "Other"),
+              Setting(NoValue()));
+    EXPECT_EQ(GetHost()->QuerySetting(localMachine, "Software\\Maker", "Flag"), Setting());
   }
   unsetenv("XDG_CONFIG_HOME");
 }

@@ -19,6 +19,9 @@ constexpr const char* kKey = "Software\\Orbanet Scientific\\Vex2";
 Setting number(std::uint32_t value) {
   return value;
 }
+Setting noValue() {
+  return NoValue();
+}
 Setting text(std::string value) {
   return value;
 }
@@ -63,8 +66,15 @@ TEST_F(SettingsTest, OnlyTheSectionOfTheKeyCounts) {
   EXPECT_EQ(find("[Software\\Orbanet Scientific]\nName = 1\n"), Setting());
   EXPECT_EQ(find("[Software\\Orbanet Scientific\\Vex2\\Sub]\nName = 1\n"), Setting());
   EXPECT_EQ(find("[Software\\Orbanet Scientific\\Vex2x\nName = 1\n"), Setting());
-  EXPECT_EQ(find("[a]\nName=1\n[ Software\\Orbanet Scientific\\Vex2 ]\n[]\nName=2\n"), Setting());
+  EXPECT_EQ(find("[a]\nName=1\n[ Software\\Orbanet Scientific\\Vex2 ]\n[]\nName=2\n"), noValue());
   EXPECT_EQ(find("[a]\nName=1\n[software\\orbanet scientific\\vex2]\nNAME=2\n"), number(2));
+}
+
+TEST_F(SettingsTest, SectionWithoutTheNameIsAKeyWithoutTheValue) {
+  EXPECT_EQ(findLine(""), noValue());
+  EXPECT_EQ(findLine("Other = 1\n"), noValue());
+  EXPECT_EQ(findLine("Other = 1\n[b]\nName = 1\n"), noValue());
+  EXPECT_EQ(find("[software\\orbanet scientific\\vex2]"), noValue());
 }
 
 TEST_F(SettingsTest, CommentsAndStrayLinesArePassedOver) {
@@ -84,7 +94,8 @@ TEST_F(SettingsTest, FirstFileThatHasTheSettingIsTaken) {
   WriteBytes(files[2], ToBytes(section + "A = 2\nB = 3\n"));
   EXPECT_EQ(FindSetting(files, kKey, "A"), number(1));
   EXPECT_EQ(FindSetting(files, kKey, "B"), number(3));
-  EXPECT_EQ(FindSetting(files, kKey, "C"), Setting());
+  EXPECT_EQ(FindSetting(files, kKey, "C"), noValue());
+  EXPECT_EQ(FindSetting(files, "Other", "A"), Setting());
   EXPECT_EQ(FindSetting({}, kKey, "A"), Setting());
 }
 
@@ -98,7 +109,7 @@ TEST_F(SettingsTest, WhatIsNoRegularFileHasNoSettings) {
 TEST_F(SettingsTest, HugeLinesDoNotHideOthersAndNothingBehindTheLimitCounts) {
   EXPECT_EQ(findLine(std::string(500000, 'x') + "\nName = 1\n"), number(1));
   EXPECT_EQ(findLine("Name = 1\n" + std::string(3 * kSettingsFileLimit, '[')), number(1));
-  EXPECT_EQ(findLine(std::string(kSettingsFileLimit, '\n') + "Name = 1\n"), Setting());
+  EXPECT_EQ(findLine(std::string(kSettingsFileLimit, '\n') + "Name = 1\n"), noValue());
 }
 
 TEST_F(SettingsTest, BinaryContentDoesNoHarm) {

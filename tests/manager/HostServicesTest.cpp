@@ -86,6 +86,12 @@ TEST_F(RegistryFlag, IsWhetherTheNumberIsNotZero) {
   EXPECT_TRUE(ReadRegistryFlag(true, "Flag", 0, nullptr));
 }
 
+TEST_F(RegistryFlag, MissingValueOfAKeyCountsAsTheDefault) {
+  host_.setting = vex2::NoValue();
+  EXPECT_FALSE(ReadRegistryFlag(true, "Flag", 0, nullptr));
+  EXPECT_TRUE(ReadRegistryFlag(true, "Flag", 1, nullptr));
+}
+
 TEST_F(RegistryFlag, AValueOfAnotherTypeCountsAsTheDefault) {
   host_.setting = "1"s;
   EXPECT_FALSE(ReadRegistryFlag(true, "Flag", 0, nullptr));

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <optional>
 #include <string_view>
+#include <utility>
 
 namespace vex2 {
 namespace {
@@ -50,6 +51,7 @@ Setting toSetting(std::string_view value) {
 // Walks the lines of one file's text, and notices the section that each stands in.
 Setting findInText(std::string_view text, const std::string& key, const std::string& name) {
   if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
+  Setting found;
   bool inSection = false;
   while (!text.empty()) {
     const std::size_t end = std::min(text.find('\n'), text.size());
@@ -58,6 +60,7 @@ Setting findInText(std::string_view text, const std::string& key, const std::str
     if (line.empty() || line.front() == ';' || line.front() == '#') continue;
     if (line.front() == '[') {
       inSection = line.back() == ']' && sameName(trim(line.substr(1, line.size() - 2)), key);
+      if (inSection) found = NoValue();
       continue;
     }
     const std::size_t equals = line.find('=');
@@ -66,7 +69,7 @@ Setting findInText(std::string_view text, const std::string& key, const std::str
       return toSetting(trim(line.substr(equals + 1)));
     }
   }
-  return {};
+  return found;
 }
 
 // Only regular files: a pipe or a terminal in the file's place would keep us waiting.
@@ -105,11 +108,14 @@ std::vector<std::string> SettingsFiles(bool localMachine) {
 
 Setting FindSetting(std::span<const std::string> files, const std::string& key,
                     const std::string& name) {
+  Setting found;
   for (const std::string& file : files) {
     Setting setting = findInText(readText(file), key, name);
-    if (setting.index() != 0) return setting;
+    if (std::holds_alternative<std::monostate>(setting)) continue;
+    found = std::move(setting);
+    if (!std::holds_alternative<NoValue>(found)) break;
   }
-  return {};
+  return found;
 }
 
 }  // namespace vex2

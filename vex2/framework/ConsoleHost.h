@@ -35,8 +35,9 @@ inline constexpr std::size_t kSettingsFileLimit = std::size_t{1024} * 1024;
 /// administrator is needed to try a setting.
 VEX2_API std::vector<std::string> SettingsFiles(bool localMachine);
 
-/// The setting `name` under `key` in the first of `files` that has it; nothing when none has. A
-/// file that is missing, no regular file or cannot be read has no settings.
+/// The setting `name` under `key` in the first of `files` that has it. When none has: `NoValue` if
+/// a file has the section `key`, nothing if none does. A file that is missing, no regular file or
+/// cannot be read has no settings.
 VEX2_API Setting FindSetting(std::span<const std::string> files, const std::string& key,
                              const std::string& name);
 

@@ -29,8 +29,14 @@ struct ChooserResult {
   std::string title;  ///< the chosen file's name without its folder
 };
 
-/// The value of a setting in the host's settings store: nothing, a number or a text.
-using Setting = std::variant<std::monostate, std::uint32_t, std::string>;
+/// The key is there, but has no value of the name that was asked for.
+struct NoValue {
+  friend bool operator==(NoValue, NoValue) = default;
+};
+
+/// What the host's settings store answers: nothing (`std::monostate`) when the key cannot be
+/// opened, `NoValue` when it can but lacks the value, else the value, a number or a text.
+using Setting = std::variant<std::monostate, std::uint32_t, std::string, NoValue>;
 
 /// The one seam between the library and the desktop it runs on. A host application derives from
 /// it and installs its own with `SetHost`; the library calls it on the thread that called the
@@ -44,7 +50,9 @@ class VEX2_API Host {
   /// Lets the user choose a file. False when cancelled or failed; the console host always cancels.
   virtual bool ChooseFile(const ChooserRequest& request, ChooserResult& result);
   /// The value `name` under `key` (parts separated by single backslashes), of the machine or of
-  /// the current user. The console host reads an INI file, see `ConsoleHost.h`.
+  /// the current user. A key that cannot be opened and a value that is missing are two answers, for
+  /// the library takes a default only for the second. The console host reads an INI file, see
+  /// `ConsoleHost.h`.
   virtual Setting QuerySetting(bool localMachine, const std::string& key, const std::string& name);
   /// A long operation begins and ends; calls nest. The console host shows nothing.
   virtual void BeginWait();
