@@ -38,6 +38,11 @@ function(vex2_add_library name export_name)
     if(arg_DEPENDS)
       target_link_libraries(${target} PUBLIC ${arg_DEPENDS}${suffix})
     endif()
+    if(NOT suffix AND arg_DEPENDS)
+      # A host may find our classes by name and name nothing of ours. Many systems' compilers would
+      # then leave us out.
+      target_link_options(${target} INTERFACE LINKER:--no-as-needed)
+    endif()
     if(suffix OR NOT arg_DEPENDS)
       target_link_libraries(${target} PUBLIC ${CMAKE_DL_LIBS})
     endif()
@@ -46,7 +51,8 @@ function(vex2_add_library name export_name)
 endfunction()
 
 # vex2_install_headers(FOLDER [INTERNAL HEADER...]) installs every header of FOLDER (below vex2/)
-# but those that only the library itself uses.
+# but those that only the library itself uses, and notes them in the global property
+# vex2_public_headers.
 function(vex2_install_headers folder)
   cmake_parse_arguments(arg "" "" "INTERNAL" ${ARGN})
   file(GLOB headers CONFIGURE_DEPENDS RELATIVE ${CMAKE_CURRENT_SOURCE_DIR}/${folder}
@@ -54,6 +60,7 @@ function(vex2_install_headers folder)
   foreach(header ${headers})
     if(NOT header IN_LIST arg_INTERNAL)
       install(FILES ${folder}/${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/vex2/${folder})
+      set_property(GLOBAL APPEND PROPERTY vex2_public_headers vex2/${folder}/${header})
     endif()
   endforeach()
 endfunction()

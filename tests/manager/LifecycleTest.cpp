@@ -5,7 +5,9 @@
 #include "tests/support/TempFolder.h"
 #include "vex2/container/CLongValueComp.h"
 #include "vex2/framework/CStringList.h"
+#include "vex2/framework/ExtensionModule.h"
 #include "vex2/manager/Vex2FileManager.h"
+#include "vex2/manager/Vex2FileManagerComponent.h"
 
 namespace {
 
@@ -335,6 +337,12 @@ TEST_F(Lifecycle, AcquisitionDataAreAvailableWhenTheStatusAndThePositionSaySo) {
   EXPECT_FALSE(manager_.IsAcquisitionDataAvailable()) << "ZERO";
   ASSERT_EQ(manager_.SetAcquisitionStatus("PROG"), 0);
   EXPECT_TRUE(manager_.IsAcquisitionDataAvailable());
+}
+
+TEST_F(Lifecycle, ClassesAreRegisteredInAProgramThatIsLinkedStatically) {
+  EXPECT_EQ(vex2::FindRuntimeClass("Vex2FileManager"), Vex2FileManager::ClassRecord());
+  EXPECT_EQ(vex2::FindRuntimeClass("Vex2FileManagerComponent"),
+            Vex2FileManagerComponent::ClassRecord());
 }
 
 TEST_F(Lifecycle, ClassRecordsNameTheClassesAndTheirBases) {

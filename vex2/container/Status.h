@@ -1,5 +1,7 @@
 #pragma once
 
+#include "vex2/framework/Language.h"
+
 namespace vex2 {
 
 /// What the library's operations answer: 0 for success and a negative code for failure. The values

@@ -9,7 +9,9 @@
 
 /// The list of extension modules: libraries that add run-time classes to an application, which
 /// finds them here by name. A module enters itself when it is loaded and leaves when it is
-/// unloaded, see `LoadedModule.h`. All operations may be called from any thread.
+/// unloaded, see `LoadedModule.h`. The document library enters itself as soon as it is in memory:
+/// for an application that is linked with it, before `main`. All operations may be called from any
+/// thread.
 namespace vex2 {
 
 /// What a module says of itself. The name and the records belong to the module.

@@ -3,6 +3,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "vex2/framework/Language.h"
+
 namespace vex2 {
 
 template <typename Signature>

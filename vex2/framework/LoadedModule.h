@@ -13,6 +13,9 @@ namespace vex2 {
 ///     extern "C" bool vex2ModuleLoad();    // registers the module, false when it cannot
 ///     extern "C" void vex2ModuleUnload();  // unregisters it
 ///
+/// A library that the application is linked with may be loaded as well, by one object at a time:
+/// unloading it then leaves it in memory.
+///
 /// A module must not be unloaded while objects of its classes exist. Different objects may be used
 /// by different threads.
 class VEX2_API LoadedModule {

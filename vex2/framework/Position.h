@@ -1,5 +1,7 @@
 #pragma once
 
+#include "vex2/framework/Language.h"
+
 namespace vex2 {
 struct Place;  // never defined: only the container that handed a position out knows what it is
 }

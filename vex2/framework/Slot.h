@@ -1,5 +1,7 @@
 #pragma once
 
+#include "vex2/framework/Language.h"
+
 namespace vex2 {
 
 /// What the subscript of a container of pointers gives: it reads as the pointer that is there, null

@@ -8,6 +8,13 @@
 #include "vex2/container/TagTable.h"
 #include "vex2/framework/DescribeClass.h"
 #include "vex2/framework/PathNames.h"
+#include "vex2/manager/Module.h"
+
+namespace {
+
+const vex2::ModuleEntry moduleEntry;
+
+}  // namespace
 
 Vex2FileManager::Vex2FileManager() = default;
 

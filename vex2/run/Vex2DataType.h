@@ -1,5 +1,7 @@
 #pragma once
 
+#include "vex2/framework/Language.h"
+
 /// Selects a data block. The values are the rows of the blocks' tags in the tag table.
 enum Vex2DataType : int {
   DataRAWa = 34,  ///< "RAWa", raw acquisition data

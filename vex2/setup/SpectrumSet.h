@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "vex2/framework/Language.h"
+
 namespace vex2 {
 
 /// A calibration as a caller exchanges it: a head, which is kept as given, and spectra. Owns the

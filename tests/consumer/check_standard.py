@@ -1,0 +1,43 @@
+#!/usr/bin/env python3
+"""Checks that a compiler set to an older standard is told so once, whatever header comes first.
+
+usage: check_standard.py COMPILER INCLUDE_FOLDER HEADER...
+"""
+
+import os
+import subprocess
+import sys
+
+MESSAGE = "vex2 needs C++20 or later: compile with -std=c++20"
+
+
+def errors(compiler, include_folder, header, standard):
+    """The lines with which the compiler refuses a source that includes the header alone."""
+    command = [compiler, f"-std={standard}", "-fsyntax-only", "-I", include_folder, "-x", "c++", "-"]
+    environment = dict(os.environ, LC_ALL="C")
+    result = subprocess.run(command, input=f'#include "{header}"\n', capture_output=True,
+                            text=True, env=environment, check=False)
+    return [line for line in result.stderr.splitlines() if "error:" in line]
+
+
+def faults(compiler, include_folder, header):
+    """What is wrong with the header, one line each."""
+    if errors(compiler, include_folder, header, "c++20"):
+        yield f"{header}: does not compile as C++20"
+    refusals = errors(compiler, include_folder, header, "c++17")
+    told = [line for line in refusals if "#error" in line or line.endswith(f'"{MESSAGE}"')]
+    if len(told) != 1 or MESSAGE not in told[0]:
+        yield f"{header}: compiled as C++17, is told {len(told)} times what it needs"
+    # The second is the end of the compilation.
+    if len(refusals) > 2:
+        yield f"{header}: compiled as C++17, gives {len(refusals)} errors"
+
+
+def main(compiler, include_folder, *headers):
+    found = [fault for header in headers for fault in faults(compiler, include_folder, header)]
+    print("\n".join(found) or f"{len(headers)} headers tell an older standard what they need")
+    return 1 if found or not headers else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(*sys.argv[1:]))
