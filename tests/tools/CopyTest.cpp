@@ -89,8 +89,8 @@ TEST_F(Copy, BlocksOfTheOldVersionNeedToBeUpgraded) {
   EXPECT_THAT(refused.errors, HasSubstr("--upgrade"));
   EXPECT_FALSE(std::filesystem::exists(copy_));
   EXPECT_EQ(Output({"copy", "--upgrade", old, copy_}), "");
-  EXPECT_EQ(Output({"export", copy_, "--block", "REPn"}),
-            Output({"export", old, "--block", "REPn"}));
+  EXPECT_EQ(Output({"export", copy_, "--block", "REPn", "--raw"}),
+            Output({"export", old, "--block", "REPn", "--raw"}));
 }
 
 TEST_F(Copy, RefusesAPlateThatASavedHeaderCannotHold) {

@@ -30,6 +30,8 @@ inline void AppendRecord(Bytes& bytes, std::string_view tag, const Bytes& body) 
 class DocumentTest : public TempFolderTest {
  protected:
   static constexpr std::uint16_t kWells = 3;
+  /// What the recorder states in the log of a run of three frames.
+  static constexpr const char* kRunLog = "source=readings\nframes=3\nscale=100\n";
   const std::string path_ = folder_ / "run.vex";
 
   /// A run of wells A1 to A3: two frames of amplification and one of melting.
@@ -58,6 +60,9 @@ class DocumentTest : public TempFolderTest {
       ASSERT_EQ(run.CommitAcqDataFrame(path_.c_str(), frame, DataRAWa), 0);
     }
   }
+
+  /// The same, as the recorder makes it: its readings can be interpreted.
+  void MakeRecordedRun(const char* status = "DONE") const { MakeRun(status, kRunLog); }
 
   /// A document of these bytes behind an empty document's header.
   void MakeDocument(const Bytes& records) const {

@@ -1,5 +1,6 @@
 #include "tests/tools/DocumentFixture.h"
 
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -21,32 +22,82 @@ class Export : public DocumentTest {
 };
 
 TEST_F(Export, HasARowForEachWellAndFrame) {
-  MakeRun();
+  MakeRecordedRun();
   EXPECT_EQ(Output({"export", path_, "--format", "csv"}), kTable);
   EXPECT_EQ(Output({"export", path_}), kTable);
 }
 
-TEST_F(Export, WithoutAScaleValuesAreAsStored) {
-  MakeRun("DONE", "no scale");
-  EXPECT_THAT(Output({"export", path_}), HasSubstr("A1,amplification,2,65.653,59.82,101\n"));
+TEST_F(Export, InventsNothingForReadingsOfAnotherProgram) {
+  for (const char* log : {"", "no scale", "scale=100\n", "frames=3\nscale=100\n",
+                          "source=readings\nframes=3\nscale=100\nand more\n",
+                          "source=readings\nscale=100\n", "source=other\nframes=3\nscale=100\n",
+                          "source=readings\nframes=3\nscale=100\nscale=10\n"}) {
+    MakeRun("DONE", log);
+    const CommandResult result = RunVex({"export", path_});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_THAT(result.output,
+                StartsWith("well,frame,stage,cycle,time_s,temperature_c,fluorescence\n"
+                           "A1,0,,,,,\nA1,1,,,,,\nA1,2,,,,,\nA2,0,,,,,\n"))
+        << log;
+    EXPECT_EQ(result.errors, "vex: " + path_ +
+                                 ": leaves 9 of 9 readings empty: vex did not record them and does "
+                                 "not know their meaning; use --raw for the stored values\n");
+  }
+}
+
+TEST_F(Export, KnowsRecordedReadingsBehindOtherLinesOfTheLog) {
+  MakeRun("DONE", std::string("operator=me\nscale=7\nfree text\n") + kRunLog);
+  EXPECT_EQ(Output({"export", path_}), kTable);
+}
+
+TEST_F(Export, FramesThatOthersAppendedToARunAreLeftEmpty) {
+  MakeRun("DONE", "source=readings\nframes=2\nscale=100\n");
+  const CommandResult result = RunVex({"export", path_});
+  EXPECT_THAT(result.output, HasSubstr("A1,1,amplification,2,65.653,59.82,1.01\nA1,2,,,,,\n"));
+  EXPECT_THAT(result.errors, HasSubstr("leaves 3 of 9 readings empty"));
+}
+
+TEST_F(Export, ReadingsThatOthersChangedAreLeftEmpty) {
+  for (const std::size_t fromEnd : {79U, 73U, 71U, 65U, 61U, 1U}) {  // of the last record
+    MakeRecordedRun();
+    Bytes bytes = ReadBytes(path_);
+    bytes[bytes.size() - fromEnd] = 9;
+    WriteBytes(path_, bytes);
+    const CommandResult result = RunVex({"export", path_});
+    EXPECT_THAT(result.output, EndsWith("A3,1,amplification,2,65.653,59.82,3.01\nA3,2,,,,,\n"))
+        << fromEnd;
+  }
+}
+
+TEST_F(Export, PrintsStoredValuesOfAnyDocument) {
+  for (const char* log : {kRunLog, ""}) {
+    MakeRun("DONE", log);
+    const std::string table = Output({"export", path_, "--raw"});
+    EXPECT_THAT(table, StartsWith("well,number,frame,leading_0,leading_1,leading_2,leading_3,"
+                                  "leading_4,leading_5,leading_6,leading_7,data_0,data_1,"));
+    EXPECT_THAT(table, HasSubstr(",data_31\nA1,1,0,1,1,5982,0,100,0,117,0,100,0,0,"));
+    EXPECT_THAT(table, HasSubstr("\nA3,3,2,1,1,5982,1,65000,2,117,0,302,0,"));
+    EXPECT_EQ(std::count(table.begin(), table.end(), '\n'), 10);
+    EXPECT_EQ(std::count(table.begin(), table.end(), ','), 10 * 42);
+  }
 }
 
 TEST_F(Export, GoesToAFileToo) {
-  MakeRun();
+  MakeRecordedRun();
   const std::string table = folder_ / "run.csv";
   EXPECT_EQ(Output({"export", path_, "-o", table}), "");
   EXPECT_EQ(ReadBytes(table), ToBytes(kTable));
 }
 
 TEST_F(Export, NeverToItsOwnDocument) {
-  MakeRun();
+  MakeRecordedRun();
   const Bytes before = ReadBytes(path_);
   ExpectRefused({"export", path_, "-o", path_}, 2, "would take the place of its own document");
   EXPECT_EQ(FirstDifference(ReadBytes(path_), before), "");
 }
 
 TEST_F(Export, FailureToWriteIsTheSystemsFault) {
-  MakeRun();
+  MakeRecordedRun();
   const CommandResult full = RunVex({"export", path_, "-o", "/dev/full"});
   EXPECT_EQ(full.exitCode, 3);
   EXPECT_EQ(full.errors, "vex: /dev/full: No space left on device\n");
@@ -54,7 +105,7 @@ TEST_F(Export, FailureToWriteIsTheSystemsFault) {
 }
 
 TEST_F(Export, AFrameThatWasNotCommittedIsLeftOut) {
-  MakeRun("PROG");
+  MakeRecordedRun("PROG");
   Bytes bytes = ReadBytes(path_);
   bytes.insert(bytes.end(), bytes.end() - 240, bytes.end() - 100);
   WriteBytes(path_, bytes);
@@ -62,28 +113,43 @@ TEST_F(Export, AFrameThatWasNotCommittedIsLeftOut) {
 }
 
 TEST_F(Export, ABlockThatIsNotThereIsTheDocumentsFault) {
-  MakeRun();
+  MakeRecordedRun();
   ExpectRefused({"export", path_, "--block", "REPd"}, 1, "it has no data block \"REPd\"");
 }
 
 TEST_F(Export, ABlockThatIsLostIsSaidToBe) {
-  MakeRun();
+  MakeRecordedRun();
   Bytes bytes = ReadBytes(path_);
   bytes.pop_back();
   WriteBytes(path_, bytes);
   ExpectRefused({"export", path_}, 1, "2 of 3 frames are there");
 }
 
-TEST_F(Export, AWellThatGaveNothingHasARowWithoutNumbers) {
+/// A document with a block of wells A1 and B2, of which B2 alone has a reading.
+void makeBlock(const std::string& path, Vex2DataType type) {
   Vex2FileManager document;
+  const std::string log = "source=readings\nframes=1\nscale=1\n";
+  Vex2GlobalComplex settings;
+  settings.SetLog(log.data(), static_cast<std::uint32_t>(log.size()));
+  document.ReplaceGlobalComplexComp(&settings);
   const std::uint16_t wells[] = {1, 14};
-  document.InitAcqDataWellNumberArray(wells, 2, DataREPt);
+  document.InitAcqDataWellNumberArray(wells, 2, type);
   const Vex2WellRecord record = tool::EncodeReading({.cycle = 1, .value = 5}, false);
-  ASSERT_TRUE(document.SetAcqDataWellRecord(&record, 0, 14, DataREPt));
-  ASSERT_EQ(document.SaveToFile(path_.c_str()), 0);
-  EXPECT_EQ(Output({"export", path_, "--block", "REPt"}),
+  ASSERT_TRUE(document.SetAcqDataWellRecord(&record, 0, 14, type));
+  ASSERT_EQ(document.SaveToFile(path.c_str()), 0);
+}
+
+TEST_F(Export, AWellThatGaveNothingHasARowWithoutNumbers) {
+  makeBlock(path_, DataRAWa);
+  EXPECT_EQ(Output({"export", path_}),
             "well,stage,cycle,time_s,temperature_c,fluorescence\nA1,,,,,\n"
             "B2,amplification,1,0,0,5\n");
+}
+
+TEST_F(Export, ReportingBlocksAreAnotherProgramsInAnyDocument) {
+  makeBlock(path_, DataREPt);
+  EXPECT_EQ(RunVex({"export", path_, "--block", "REPt"}).output,
+            "well,frame,stage,cycle,time_s,temperature_c,fluorescence\nA1,0,,,,,\nB2,0,,,,,\n");
 }
 
 }  // namespace vex2::test

@@ -6,7 +6,7 @@ class Set : public DocumentTest {};
 
 TEST_F(Set, ChangesWhatIsNamedAndNothingElse) {
   MakeRun();
-  const std::string exported = Output({"export", path_});
+  const std::string exported = Output({"export", path_, "--raw"});
   EXPECT_EQ(Output({"set", path_, "comment=second run, gr\xc3\xbcn", "sample-volume=25",
                     "pre-flag=-56", "confidence=97.5", "calibrator=sample 1", "analysis-type=3"}),
             "comment: none -> second run, gr\xc3\xbcn\nsample-volume: 0 -> 25\npre-flag: 0 -> -56\n"
@@ -23,7 +23,7 @@ TEST_F(Set, ChangesWhatIsNamedAndNothingElse) {
   float percent = 0;
   EXPECT_EQ(document.GetConfidencePercent(percent), 0);
   EXPECT_EQ(percent, 97.5F);
-  EXPECT_EQ(Output({"export", path_}), exported);
+  EXPECT_EQ(Output({"export", path_, "--raw"}), exported);
 }
 
 TEST_F(Set, TheRawDataStayTheLastRecord) {
@@ -50,12 +50,15 @@ TEST_F(Set, DryRunChangesNothing) {
   EXPECT_EQ(FirstDifference(ReadBytes(path_), before), "");
 }
 
-TEST_F(Set, ANewLogKeepsTheScaleThatTheReadingsNeed) {
-  MakeRun();
+TEST_F(Set, ANewLogKeepsWhatTheRecorderStatesThere) {
+  MakeRecordedRun();
   const std::string exported = Output({"export", path_});
   Output({"set", path_, "log=operator=me"});
   EXPECT_EQ(Output({"export", path_}), exported);
-  EXPECT_EQ(JsonOutput({"info", "--json", path_})["settings"]["log"], "operator=me\nscale=100\n");
+  EXPECT_EQ(JsonOutput({"info", "--json", path_})["settings"]["log"],
+            std::string("operator=me\n") + kRunLog);
+  Output({"set", path_, "log=scale=5"});
+  EXPECT_EQ(Output({"export", path_}), exported);
 }
 
 TEST_F(Set, EveryNumberHasItsLimits) {

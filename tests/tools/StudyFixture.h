@@ -25,10 +25,11 @@ class StudyTest : public DocumentTest {
     plate.SetHeaderData(header);
     Vex2GlobalComplex settings;
     settings.SetComment(comment.data(), static_cast<std::uint32_t>(comment.size()));
+    settings.SetLog(kRunLog, static_cast<std::uint32_t>(std::string_view(kRunLog).size()));
     plate.ReplaceGlobalComplexComp(&settings);
     const std::uint16_t wells[] = {1, 2};
     plate.InitAcqDataWellNumberArray(wells, 2, DataRAWa);
-    const Vex2WellRecord record = tool::EncodeReading({.cycle = 1, .value = 77}, true);
+    const Vex2WellRecord record = tool::EncodeReading({.cycle = 1, .value = 77}, false);
     for (int well = 1; well <= 2; ++well) plate.SetAcqDataWellRecord(&record, 0, well, DataRAWa);
     ASSERT_EQ(plate.SaveToFile(path.c_str()), 0);
   }

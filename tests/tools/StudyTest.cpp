@@ -147,7 +147,7 @@ TEST_F(Study, AnExtractedPlateIsADocumentWithItsRawDataLast) {
   const json after = JsonOutput({"tree", "--json", out});
   EXPECT_EQ(content(after), content(before));
   EXPECT_EQ(after.back()["tag"], "RAWa");
-  EXPECT_EQ(Output({"export", out}), Output({"export", plate2_}));
+  EXPECT_EQ(Output({"export", out, "--raw"}), Output({"export", plate2_, "--raw"}));
   expectStudyRefuses({"study", "extract", study_, "plate1", study_}, study_, 2,
                      "would take the place of its own study");
 }

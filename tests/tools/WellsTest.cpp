@@ -30,7 +30,7 @@ class PlateCommands : public DocumentTest {
   // A simulated run of few cycles, and the wells file that it was made from.
   void Simulate() { Output({"simulate", path_, "--cycles", "2", "--wells-out", wells_}); }
   void WriteWellsFile(const std::string& rows) { WriteBytes(wells_, ToBytes(kColumns + rows)); }
-  std::string Raw() const { return Output({"export", path_}); }
+  std::string Raw() const { return Output({"export", path_, "--raw"}); }
 
   const std::string wells_ = folder_ / "wells.csv";
 };

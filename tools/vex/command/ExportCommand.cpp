@@ -4,8 +4,8 @@
 #include "tools/vex/document/DataBlock.h"
 #include "tools/vex/document/DocumentPlates.h"
 #include "tools/vex/document/Rewriting.h"
-#include "tools/vex/document/RunReading.h"
-#include "tools/vex/document/Settings.h"
+#include "tools/vex/document/RunLog.h"
+#include "tools/vex/document/StoredValues.h"
 #include "tools/vex/run/ReadingsWriter.h"
 #include "tools/vex/setup/PlateLayout.h"
 #include "tools/vex/text/Output.h"
@@ -16,20 +16,69 @@ namespace vex2::tool {
 
 namespace {
 
-void writePlate(ReadingsWriter& writer, const Document::Plate& plate,
-                const AcquisitionDataComp& block) {
-  writer.BeginPlate(ToUtf8(plate.name), ScaleInLog(LogText(*plate.content)));
-  const auto columns = static_cast<std::uint32_t>(plate.content->GetHeaderCols());
-  const Vex2WellRecord unfilled;
-  const int frames = block.GetFrameCount();
+/// A data block that is exported, and what is known of its readings.
+struct Block {
+  Document::Plate plate;
+  const AcquisitionDataComp* records = nullptr;
+  RecordedReadings readings;
+};
+
+// Calls `take` with each record of the block: well by well, in each by frames.
+template <typename Take>
+void forEachRecord(const Block& block, const Take& take) {
+  const auto columns = static_cast<std::uint32_t>(block.plate.content->GetHeaderCols());
+  const int frames = block.records->GetFrameCount();
+  StoredRecord stored;
   std::size_t position = 0;
-  for (const std::uint16_t number : block.GetWellNumbers()) {
-    const std::string well = WellName(number, columns);
+  for (const std::uint16_t number : block.records->GetWellNumbers()) {
+    stored.well = WellName(number, columns);
+    stored.number = number;
     for (int frame = 0; frame < frames; ++frame) {
-      const Vex2WellRecord* records = block.GetFrame(frame);
-      writer.Write(well, records != nullptr ? records[position] : unfilled);
+      const Vex2WellRecord* records = block.records->GetFrame(frame);
+      stored.frame = static_cast<std::uint64_t>(frame);
+      stored.record = records != nullptr ? records[position] : Vex2WellRecord();
+      take(stored);
     }
     ++position;
+  }
+}
+
+/// How many records there are in all, and in how many stands something that is not known.
+struct Counts {
+  std::size_t all = 0;
+  std::size_t unknown = 0;
+};
+
+Counts countRecords(const std::vector<Block>& blocks) {
+  Counts counts;
+  for (const Block& block : blocks) {
+    forEachRecord(block, [&](const StoredRecord& stored) {
+      ++counts.all;
+      const bool isEmpty = stored.record == Vex2WellRecord();
+      if (!isEmpty && !block.readings.Read(stored.record, stored.frame)) ++counts.unknown;
+    });
+  }
+  return counts;
+}
+
+void writeReadings(std::ostream& out, const std::vector<Block>& blocks,
+                   ReadingsWriter::Columns columns) {
+  ReadingsWriter writer(out, columns);
+  for (const Block& block : blocks) {
+    writer.BeginPlate(ToUtf8(block.plate.name), block.readings.Log().value_or(RunLog()).scale);
+    forEachRecord(block, [&](const StoredRecord& stored) {
+      writer.Write(stored.well, stored.frame, block.readings.Read(stored.record, stored.frame));
+    });
+  }
+}
+
+void writeStored(std::ostream& out, const std::vector<Block>& blocks, bool ofPlates) {
+  CsvWriter csv(out, ofPlates);
+  WriteStoredColumns(csv);
+  for (const Block& block : blocks) {
+    const std::string plate = ToUtf8(block.plate.name);
+    forEachRecord(block,
+                  [&](const StoredRecord& stored) { WriteStoredRecord(csv, plate, stored); });
   }
 }
 
@@ -38,26 +87,31 @@ class ExportCommand final : public Command {
   ExportCommand()
       : Command({"export", "Write the readings as a table, a row for each well and frame.",
                  "vex export run.vex --format csv\nvex export run.vex -o run.csv\n"
-                 "vex export study.vex --plate plate1"}) {}
+                 "vex export study.vex --plate plate1\nvex export run.vex --raw"}) {}
 
   void AddOptions(Options& options) override {
     options.Add("FILE", file_, "The document").Require().Show("");
     options.Add("--format", format_, "csv, the only one").AllowOnly({"csv"}).Show("NAME");
     AddBlockOption(options, block_);
     plate_.AddTo(options);
+    options.AddFlag("--raw", raw_, "The values as they are stored, whoever wrote them");
     options.Add("-o,--output", target_, "The file to write; standard output if none").Show("OUT");
   }
 
   ExitCode Run() override {
     const Document document(file_);
-    const auto plates = platesWithBlock(document);
+    const std::vector<Block> blocks = findBlocks(document);
     if (IsSameFile(file_, target_)) {
       throw Error(ExitCode::kUsage, file_, "the table would take the place of its own document");
     }
+    const bool ofPlates = document.IsStudy() && !plate_.IsGiven();
     Output output(target_);
-    ReadingsWriter writer(output.Stream(), document.IsStudy() && !plate_.IsGiven());
-    for (const Document::Plate& plate : plates) {
-      writePlate(writer, plate, *FindBlock(plate, block_));
+    if (raw_) {
+      writeStored(output.Stream(), blocks, ofPlates);
+    } else {
+      const Counts counts = countRecords(blocks);
+      writeReadings(output.Stream(), blocks, {.plate = ofPlates, .frame = counts.unknown > 0});
+      tellUnknown(counts);
     }
     output.Finish();
     document.RequireWhole("");
@@ -65,12 +119,23 @@ class ExportCommand final : public Command {
   }
 
  private:
-  std::vector<Document::Plate> platesWithBlock(const Document& document) const {
-    auto plates = plate_.Choose(document);
-    std::erase_if(plates, [&](const auto& plate) { return FindBlock(plate, block_) == nullptr; });
-    if (!plates.empty()) return plates;
+  std::vector<Block> findBlocks(const Document& document) const {
+    std::vector<Block> blocks;
+    for (const Document::Plate& plate : plate_.Choose(document)) {
+      const AcquisitionDataComp* records = FindBlock(plate, block_);
+      if (records != nullptr) blocks.push_back({plate, records, {*plate.content, block_}});
+    }
+    if (!blocks.empty()) return blocks;
     document.RequireWhole("");
     throw Error(ExitCode::kDocument, file_, "it has no data block \"" + block_ + "\"");
+  }
+
+  void tellUnknown(const Counts& counts) const {
+    if (counts.unknown == 0) return;
+    PrintLine(Printable(file_) + ": leaves " + std::to_string(counts.unknown) + " of " +
+              Counted(counts.all, "reading") +
+              " empty: vex did not record them and does not know their meaning; use --raw "
+              "for the stored values");
   }
 
   std::string file_;
@@ -78,6 +143,7 @@ class ExportCommand final : public Command {
   std::string block_;
   std::string target_;
   PlateOption plate_;
+  bool raw_ = false;
 };
 
 }  // namespace

@@ -6,7 +6,8 @@
 #include "tools/vex/document/DataBlock.h"
 #include "tools/vex/document/DocumentPlates.h"
 #include "tools/vex/document/FileLayout.h"
-#include "tools/vex/document/RunReading.h"
+#include "tools/vex/document/RunLog.h"
+#include "tools/vex/document/StoredValues.h"
 #include "tools/vex/setup/PlateLayout.h"
 #include "tools/vex/text/Json.h"
 #include "tools/vex/text/Terminal.h"
@@ -18,8 +19,6 @@ namespace vex2::tool {
 namespace {
 
 using nlohmann::ordered_json;
-
-constexpr std::size_t kStoredData = 32;
 
 /// One frame with what is needed to show it.
 struct FrameView {

@@ -5,7 +5,7 @@
 #include <limits>
 #include <optional>
 
-#include "tools/vex/document/RunReading.h"
+#include "tools/vex/document/RunLog.h"
 #include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
@@ -71,12 +71,10 @@ constexpr auto kSetPassiveReference =
     static_cast<void (Vex2GlobalComplex::*)(const void*, std::uint32_t)>(
         &Vex2GlobalComplex::SetPassiveReference);
 
-// The scale that the readings need stays, unless another one is given.
+// Without what the recorder states there, nothing could be said of the readings any more.
 bool setLog(Vex2FileManager& document, std::string_view text) {
-  const std::uint32_t scale = ScaleInLog(LogText(document));
-  const bool keep = scale != 1 && text.find("scale=") == std::string_view::npos;
   return setBlock<&Vex2GlobalComplex::SetLog>(document,
-                                              keep ? LogWithScale(text, scale) : std::string(text));
+                                              LogKeepingRun(text, ToUtf8(LogText(document))));
 }
 
 // Settings in components of their own.

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "tools/vex/Errors.h"
+#include "tools/vex/document/RunLog.h"
 #include "tools/vex/setup/WellsFile.h"
 #include "tools/vex/text/CsvReader.h"
 
@@ -167,7 +168,7 @@ RunPlan LoadMeasuredRun(const MeasuredRunFiles& files) {
   sortIntoFrames(rows, name, plan.plate);
   cutIntoFrames(rows, name, plan);
   plan.comment = "Played back from measured readings";
-  plan.origin = "source=readings\n";
+  plan.origin = std::string(kMeasuredSource) + "\n";
   return plan;
 }
 

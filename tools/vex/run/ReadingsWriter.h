@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <ostream>
 #include <string>
 
@@ -7,22 +9,28 @@
 
 namespace vex2::tool {
 
-/// Writes readings as rows, in the columns that `vex record` reads; those of several plates behind
-/// a column of the plates' names.
+/// Writes readings as rows, in the columns that `vex record` reads, and those that are added to
+/// them: of several plates the plate's name in front, and behind the well the frame, from 0, where
+/// nothing else may tell when a reading was taken.
 class ReadingsWriter {
  public:
+  struct Columns {
+    bool plate = false;
+    bool frame = false;
+  };
+
   /// Writes the row of column names. `out` must outlive the writer.
-  explicit ReadingsWriter(std::ostream& out, bool ofPlates = false);
+  explicit ReadingsWriter(std::ostream& out, Columns columns);
 
   /// What follows is of the plate with this name, UTF-8, whose values were multiplied by `scale`.
   void BeginPlate(const std::string& name, std::uint32_t scale);
-  void Write(const std::string& well, const RunReading& reading);
-  /// The same of a record. A well that gave nothing in a frame has its row, and no numbers in it.
-  void Write(const std::string& well, const Vex2WellRecord& record);
+  /// Writes the row of a well in a frame; no reading, or one that is not known, is empty fields.
+  void Write(const std::string& well, std::uint64_t frame,
+             const std::optional<RunReading>& reading);
 
  private:
   std::ostream& out_;
-  bool ofPlates_;
+  Columns columns_;
   std::string plate_;
   std::uint32_t scale_ = 1;
 };

@@ -8,6 +8,7 @@
 #include <numeric>
 #include <ostream>
 
+#include "tools/vex/document/RunLog.h"
 #include "tools/vex/run/ReadingsWriter.h"
 #include "tools/vex/text/Output.h"
 #include "tools/vex/text/Text.h"
@@ -180,7 +181,7 @@ RunPlan SimulateRun(const SimulationParameters& parameters) {
   std::iota(plan.wells.begin(), plan.wells.end(), static_cast<unsigned short>(1));
   plan.scale = kScale;
   plan.comment = "Simulated dilution series";
-  plan.origin = "source=simulation\n";
+  plan.origin = std::string(kSimulatedSource) + "\n";
   for (const auto& [key, member, most] : kParameters) {
     plan.origin.append(key).append(std::to_string(parameters.*member)).append("\n");
   }
@@ -220,10 +221,13 @@ void ReadParameters(std::string_view log, SimulationParameters& parameters) {
 
 void WriteReadings(const RunPlan& plan, const std::string& path) {
   Output output(path);
-  ReadingsWriter writer(output.Stream());
+  ReadingsWriter writer(output.Stream(), {});
   writer.BeginPlate({}, plan.scale);
   for (std::size_t i = 0; i < plan.wells.size(); ++i) {
-    for (const auto& frame : plan.frames) writer.Write(plan.plate.NameOf(plan.wells[i]), frame[i]);
+    const std::string well = plan.plate.NameOf(plan.wells[i]);
+    for (std::size_t frame = 0; frame < plan.frames.size(); ++frame) {
+      writer.Write(well, frame, plan.frames[frame][i]);
+    }
   }
   output.Finish();
 }

@@ -1,0 +1,46 @@
+#include <gtest/gtest.h>
+
+#include "tools/vex/document/RunLog.h"
+#include "tools/vex/run/MeasuredRun.h"
+#include "tools/vex/run/RunPlan.h"
+#include "tools/vex/run/SimulatedRun.h"
+
+using namespace vex2::tool;
+
+TEST(RunLog, IsFoundInWhatTheRecorderWrites) {
+  const RunPlan plan = SimulateRun({});
+  const auto log = RunLog::Find(LogText(plan));
+  ASSERT_TRUE(log);
+  EXPECT_EQ(log->frames, plan.frames.size());
+  EXPECT_EQ(log->scale, plan.scale);
+}
+
+TEST(RunLog, IsTheEndOfTheLog) {
+  const std::string stated = "source=readings\nframes=4\nscale=10\n";
+  EXPECT_TRUE(RunLog::Find(stated));
+  EXPECT_TRUE(RunLog::Find("source=readings\nframes=4\nscale=10"));
+  EXPECT_TRUE(RunLog::Find("anything\n" + stated));
+  EXPECT_FALSE(RunLog::Find(stated + "anything\n"));
+  EXPECT_FALSE(RunLog::Find(stated + "\n"));
+  EXPECT_FALSE(RunLog::Find("x" + stated));
+  EXPECT_FALSE(RunLog::Find(""));
+}
+
+TEST(RunLog, NeedsAUsableScaleAndCountOnce) {
+  for (const char* log :
+       {"source=readings\nframes=4\nscale=0\n", "source=readings\nframes=4\nscale=1000001\n",
+        "source=readings\nframes=x\nscale=1\n", "source=readings\nframes=-1\nscale=1\n",
+        "source=readings\nscale=1\n", "source=readings\nframes=4\n",
+        "source=readings\nframes=4\nframes=4\nscale=1\n", "frames=4\nscale=1\nsource=readings\n"}) {
+    EXPECT_FALSE(RunLog::Find(log)) << log;
+  }
+}
+
+TEST(RunLog, ANewLogKeepsIt) {
+  const std::string stated = "source=simulation\nframes=4\nscale=10\n";
+  EXPECT_EQ(LogKeepingRun("new", "old\n" + stated), "new\n" + stated);
+  EXPECT_EQ(LogKeepingRun("", stated), stated);
+  EXPECT_EQ(LogKeepingRun("new", "old"), "new");
+  const std::string other = "source=readings\nframes=1\nscale=1\n";
+  EXPECT_EQ(LogKeepingRun(other, stated), other);
+}

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "tools/vex/document/RunReading.h"
+#include "vex2/manager/Vex2FileManager.h"
+
+namespace vex2::tool {
+
+/// The line with which the recorder's statement in a log begins, by where the readings come from.
+inline constexpr std::string_view kMeasuredSource = "source=readings";
+inline constexpr std::string_view kSimulatedSource = "source=simulation";
+
+/// What the recorder states in the log of a document whose readings it wrote: the log's last lines,
+/// each KEY=VALUE, from the one that names the source on, with "frames" and "scale" once each among
+/// them. A log without such an end is another program's, whatever its lines say.
+struct RunLog {
+  std::uint64_t frames = 0;  ///< of the whole run
+  std::uint32_t scale = 1;   ///< by which readings were multiplied
+
+  /// Nothing for a log in which the recorder states nothing.
+  static std::optional<RunLog> Find(std::string_view log);
+};
+
+/// `text` as a new log in place of `log`, which keeps what the recorder states there. `text` alone
+/// when it has a statement of its own, or `log` has none.
+std::string LogKeepingRun(std::string_view text, std::string_view log);
+
+/// Tells which readings of a data block the recorder wrote, so that they can be interpreted. The
+/// meaning of all others is their own program's, and not known.
+class RecordedReadings {
+ public:
+  /// The block of `plate` with this tag. The recorder writes raw data ("RAWa") alone.
+  RecordedReadings(const Vex2FileManager& plate, std::string_view blockTag);
+
+  /// What the log states; nothing when no reading of the block is the recorder's.
+  const std::optional<RunLog>& Log() const { return log_; }
+  /// The reading in `record`, which frame `frame` (from 0) holds. Nothing for a record that holds
+  /// anything but what the recorder would have written, and for frames behind the run's last one,
+  /// which only others can have added.
+  std::optional<RunReading> Read(const Vex2WellRecord& record, std::uint64_t frame) const;
+
+ private:
+  std::optional<RunLog> log_;
+};
+
+}  // namespace vex2::tool
