@@ -1,3 +1,5 @@
+#include <regex>
+
 #include "tests/tools/DocumentFixture.h"
 
 using nlohmann::json;
@@ -7,15 +9,62 @@ namespace vex2::test {
 
 class Frame : public DocumentTest {};
 
-TEST_F(Frame, ShowsTheValuesOfEachWell) {
-  MakeRun();
-  EXPECT_EQ(Output({"frame", path_, "1"}),
+/// `text` without blanks that only bring its columns below one another.
+std::string squeezed(const std::string& text) {
+  return std::regex_replace(text, std::regex(" +"), " ");
+}
+
+constexpr const char* kStored =
+    "well set l1 l2 l3 first l5 l6 l7 d0\n"
+    "A1 1 2 5982 0 101 1 117 0 101\n"
+    "A2 1 2 5982 0 201 1 117 0 201\n"
+    "A3 1 2 5982 0 301 1 117 0 301\n";
+
+TEST_F(Frame, NamesTheFieldsOfReadingsThatVexRecorded) {
+  MakeRecordedRun();
+  EXPECT_EQ(squeezed(Output({"frame", path_, "1"})),
             path_ +
                 ": RAWa, frame 1 of 3, 3 wells\n"
-                "well      l0    l1    l2    l3    l4    l5    l6    l7    d0\n"
-                "A1         1     2  5982     0   101     1   117     0   101\n"
-                "A2         1     2  5982     0   201     1   117     0   201\n"
-                "A3         1     2  5982     0   301     1   117     0   301\n");
+                "well stage cycle time_s temperature_c fluorescence\n"
+                "A1 amplification 2 65.653 59.82 1.01\n"
+                "A2 amplification 2 65.653 59.82 2.01\n"
+                "A3 amplification 2 65.653 59.82 3.01\n");
+  EXPECT_THAT(squeezed(Output({"frame", path_, "1", "--raw"})), HasSubstr(kStored));
+}
+
+TEST_F(Frame, ShowsStoredValuesOfReadingsThatVexDidNotRecord) {
+  MakeRun();
+  EXPECT_EQ(squeezed(Output({"frame", path_, "1"})),
+            path_ + ": RAWa, frame 1 of 3, 3 wells\n" + kStored);
+  MakeRun("DONE", "source=readings\nframes=1\nscale=100\n");
+  EXPECT_THAT(squeezed(Output({"frame", path_, "1"})), HasSubstr(kStored));
+}
+
+TEST_F(Frame, IsDrawnAsThePlateInTheUnitsOfTheExport) {
+  MakeRecordedRun();
+  const std::string text = squeezed(Output({"frame", path_, "1", "--grid"}));
+  EXPECT_THAT(text, HasSubstr(": RAWa, frame 1 of 3, 3 wells, fluorescence\n"));
+  EXPECT_THAT(text, HasSubstr("\nA 1.01 2.01 3.01 - "));
+  EXPECT_THAT(text, HasSubstr("\nH - - - "));
+  MakeRun();
+  ExpectRefused({"frame", path_, "1", "--grid"}, 1,
+                "frame 1 of the data block \"RAWa\" cannot be shown as a plate: vex did not record "
+                "it and does not know the meaning of its values; leave out --grid for the stored "
+                "values");
+}
+
+TEST_F(Frame, TellsProgramsWhatTheReadingsAre) {
+  MakeRecordedRun();
+  const json frame = JsonOutput({"frame", path_, "2", "--json"});
+  EXPECT_EQ(frame["version"], 1);
+  EXPECT_EQ(frame["recorded"], true);
+  EXPECT_EQ(frame["wells"][2]["reading"],
+            json::parse(R"({"stage": "melt", "cycle": 1, "time_s": 131.189,
+                            "temperature_c": 59.82, "fluorescence": 3.02})"));
+  MakeRun();
+  const json other = JsonOutput({"frame", path_, "2", "--json"});
+  EXPECT_EQ(other["recorded"], false);
+  EXPECT_TRUE(other["wells"][2]["reading"].is_null());
 }
 
 TEST_F(Frame, IsAnObjectForPrograms) {
@@ -75,7 +124,7 @@ TEST_F(Frame, WellsAndHeaderThatDisagreeDoNoHarm) {
   Bytes bytes = ReadBytes(path_);
   bytes[22] = bytes[23] = 0;  // no columns: wells have numbers only
   WriteBytes(path_, bytes);
-  EXPECT_THAT(Output({"frame", path_, "0"}), HasSubstr("\n3          1"));
+  EXPECT_THAT(Output({"frame", path_, "0"}), HasSubstr("\n3 "));
 }
 
 class FrameOfSamples : public SampleDataTest {};

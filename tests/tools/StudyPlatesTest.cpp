@@ -159,8 +159,22 @@ TEST_F(SpectrumCommand, HasTheReadingsOfOneWellInOneFrame) {
   EXPECT_FALSE(spectrum.contains("rates"));
   const std::string text = Output({"spectrum", plate1_, "--well", "A2", "--frame", "0"});
   EXPECT_THAT(text, testing::StartsWith(plate1_ + ": well A2, frame 0 of 1"));
-  EXPECT_THAT(text, HasSubstr("\n77 █"));
-  EXPECT_THAT(text, HasSubstr("\n  24     0     0"));
+  EXPECT_THAT(text, testing::EndsWith("\n   0    77\nreadings 1 to 35 are 0\n"));
+}
+
+TEST_F(SpectrumCommand, IsDrawnUpToTheLastReadingThatIsNot0) {
+  makeBackground("AbsQ");
+  Vex2FileManager document;
+  ASSERT_EQ(document.ReadFromFile(path_.c_str()), 0);
+  Vex2WellRecord record;
+  ASSERT_TRUE(document.GetAcqDataWellRecord(&record, 0, 1, DataRAWa));
+  std::fill(std::begin(record.data), std::end(record.data), std::uint16_t{0});
+  record.data[2] = 5;
+  ASSERT_TRUE(document.SetAcqDataWellRecord(&record, 0, 1, DataRAWa));
+  ASSERT_EQ(document.SaveToFile(path_.c_str()), 0);
+  const std::string text = Output({"spectrum", path_, "--well", "A1", "--frame", "0"});
+  EXPECT_THAT(text, HasSubstr("█"));
+  EXPECT_THAT(text, testing::EndsWith("\n   0     0     0     5\nreadings 3 to 35 are 0\n"));
 }
 
 TEST_F(SpectrumCommand, IsATableOfAllPlatesOfAStudy) {

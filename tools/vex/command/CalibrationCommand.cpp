@@ -6,7 +6,7 @@
 #include "tools/vex/document/Changing.h"
 #include "tools/vex/setup/CalibrationFile.h"
 #include "tools/vex/text/Chart.h"
-#include "tools/vex/text/Json.h"
+#include "tools/vex/text/JsonOutput.h"
 #include "tools/vex/text/Output.h"
 #include "tools/vex/text/Table.h"
 #include "tools/vex/text/Text.h"
@@ -126,7 +126,7 @@ class CalibrationCommand final : public Command {
     if (!target_.empty()) {
       exportTo(plates, all);
     } else if (json_) {
-      std::cout << DescribePlates(plates, all, describe).dump(2) << '\n';
+      PrintJson(std::cout, DescribePlates(plates, all, describe), 2);
     } else {
       ShowPlates(plates, all, std::cout, print);
     }

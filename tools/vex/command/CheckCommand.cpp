@@ -3,7 +3,7 @@
 
 #include "tools/vex/command/Command.h"
 #include "tools/vex/rescue/DocumentCheck.h"
-#include "tools/vex/text/Json.h"
+#include "tools/vex/text/JsonOutput.h"
 #include "tools/vex/text/Paragraph.h"
 #include "tools/vex/text/Terminal.h"
 #include "tools/vex/text/Text.h"
@@ -139,9 +139,7 @@ class CheckCommand final : public Command {
   ExitCode check(const std::string& file) const {
     const Findings findings = CheckDocument(file);
     if (json_) {
-      std::cout
-          << jsonOf(file, findings).dump(-1, ' ', false, ordered_json::error_handler_t::replace)
-          << '\n';
+      PrintJson(std::cout, jsonOf(file, findings));
     } else {
       Report(file, findings, notes_).Print();
     }

@@ -5,10 +5,11 @@
 #include <sstream>
 
 #include "tools/vex/command/Command.h"
+#include "tools/vex/document/Codes.h"
 #include "tools/vex/document/DocumentInfo.h"
 #include "tools/vex/document/DocumentPlates.h"
 #include "tools/vex/document/Settings.h"
-#include "tools/vex/text/Json.h"
+#include "tools/vex/text/JsonOutput.h"
 #include "tools/vex/text/Terminal.h"
 #include "tools/vex/text/Text.h"
 
@@ -36,9 +37,7 @@ class Screen {
     printStatus();
     for (const auto& block : info_["blocks"]) lines("data", blockItems(block));
     printSettings();
-    if (!info_["programSize"].is_null()) {
-      line("program", Counted(info_["programSize"].get<unsigned>(), "byte"));
-    }
+    printProgram();
     printRecords();
     printPlates();
     line("size", Counted(info_["size"].get<std::uint64_t>(), "byte"));
@@ -101,8 +100,7 @@ class Screen {
 
   std::string kindText() const {
     const std::string kind = info_["kind"];
-    if (kind == "Kest") return "Kest, a document of the second instrument kind";
-    if (kind == "Blue") return "Blue, a blue-light special document";
+    if (!CodeMeaning(CodeField::kKind, kind).empty()) return ExplainedCode(CodeField::kKind, kind);
     return "ordinary document" + (kind.empty() ? "" : " (" + Printable(kind) + ")");
   }
 
@@ -112,24 +110,22 @@ class Screen {
     const auto columns = plate["columns"].get<std::uint64_t>();
     return Counted(rows * columns, "well") + " (" + std::to_string(rows) + " x " +
            std::to_string(columns) + "), " + plate["wellsInUse"].dump() + " in use, type " +
-           text(plate["type"]);
+           ExplainedCode(CodeField::kPlateType, plate["type"].get<std::string>());
   }
 
   std::string assayText() const {
     const std::string remark = text(info_["text"]);
-    return text(info_["assay"]) + ", run " + text(info_["run"]) +
-           (remark.empty() ? "" : ", \"" + remark + "\"");
+    return ExplainedCode(CodeField::kAssay, info_["assay"].get<std::string>()) + ", run " +
+           text(info_["run"]) + (remark.empty() ? "" : ", \"" + remark + "\"");
   }
 
   void printStatus() {
-    static const std::map<std::string, std::pair<std::string, Style>> meanings = {
-        {"ZERO", {", no acquisition yet", Style::kPlain}},
-        {"PROG", {", acquisition in progress", Style::kYellow}},
-        {"DONE", {", acquisition finished", Style::kGreen}}};
+    static const std::map<std::string, Style> styles = {{"PROG", Style::kYellow},
+                                                        {"DONE", Style::kGreen}};
     const std::string status = info_["status"];
-    const auto meaning = meanings.find(status);
-    if (meaning == meanings.end()) return line("status", Printable(status));
-    line("status", status + meaning->second.first, meaning->second.second);
+    const auto style = styles.find(status);
+    line("status", ExplainedCode(CodeField::kStatus, status),
+         style != styles.end() ? style->second : Style::kPlain);
   }
 
   static std::vector<std::string> blockItems(const ordered_json& block) {
@@ -137,20 +133,33 @@ class Screen {
                                       Counted(block["frames"].get<unsigned>(), "frame") + " of " +
                                       Counted(block["wells"].get<unsigned>(), "well")};
     if (block["version"] != 2) items.push_back("version " + block["version"].dump());
-    const std::string start = block["start"].is_null() ? "" : text(block["start"]);
-    const std::string end = block["end"].is_null() ? "" : " to " + endText(block);
-    if (!(start + end).empty()) items.push_back(start.empty() ? "up" + end : start + end);
+    const std::string start = timeText(block, "start");
+    const std::string end = timeText(block, "end");
+    if (!start.empty()) items.push_back("from " + start);
+    if (!end.empty()) items.push_back("to " + end);
     return items;
   }
 
-  // Most runs end on the day on which they begin.
-  static std::string endText(const ordered_json& block) {
-    constexpr std::size_t kDateLength = 11;
-    const std::string end = text(block["end"]);
-    const std::string start = block["start"].is_null() ? "" : text(block["start"]);
-    const bool sameDay = end.size() > kDateLength && end[4] == '-' &&
-                         start.compare(0, kDateLength, end, 0, kDateLength) == 0;
-    return sameDay ? end.substr(kDateLength) : end;
+  // The bytes, where nothing tells what date and time they are. All of them 0 are no time.
+  static std::string timeText(const ordered_json& block, const std::string& which) {
+    if (!block[which].is_null()) return text(block[which]);
+    const auto bytes = block[which + "Bytes"].get<std::vector<unsigned>>();
+    if (std::all_of(bytes.begin(), bytes.end(), [](unsigned byte) { return byte == 0; })) return {};
+    std::string shown = "time bytes";
+    for (const unsigned byte : bytes) shown += " " + std::to_string(byte);
+    return shown;
+  }
+
+  // A program that is text has its lines; of any other only the size is known.
+  void printProgram() {
+    if (info_["programSize"].is_null()) return;
+    const std::string size = Counted(info_["programSize"].get<unsigned>(), "byte");
+    if (info_["programText"].is_null()) return line("program", size + ", no text");
+    std::istringstream program(info_["programText"].get<std::string>());
+    std::string each;
+    for (std::string_view label = "program"; std::getline(program, each); label = "") {
+      line(label, Printable(each));
+    }
   }
 
   // Texts have lines of their own; numbers share some.
@@ -227,7 +236,7 @@ class InfoCommand final : public Command {
     // What a study says has its plates in it.
     const ordered_json info = DescribeDocument(document, plate_.Choose(document).front());
     if (json_) {
-      std::cout << info.dump(-1, ' ', false, ordered_json::error_handler_t::replace) << '\n';
+      PrintJson(std::cout, info);
     } else {
       if (shown_++ > 0) std::cout << '\n';
       Screen(info).Print();

@@ -5,7 +5,7 @@
 
 #include "tools/vex/command/Command.h"
 #include "tools/vex/document/Changing.h"
-#include "tools/vex/text/Json.h"
+#include "tools/vex/text/JsonOutput.h"
 
 namespace vex2::tool {
 
@@ -34,7 +34,7 @@ class ListingCommand : public Command {
     const bool all = plate_.IsAll(document);
     if (json_) {
       const auto info = [&](const Vex2FileManager& plate) { return describe(plate); };
-      std::cout << DescribePlates(plates, all, info).dump(2) << '\n';
+      PrintJson(std::cout, DescribePlates(plates, all, info), 2);
     } else if (csv_) {
       printCsv(plates, all);
     } else {

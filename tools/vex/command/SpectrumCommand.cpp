@@ -8,7 +8,7 @@
 #include "tools/vex/setup/PlateLayout.h"
 #include "tools/vex/text/Chart.h"
 #include "tools/vex/text/CsvWriter.h"
-#include "tools/vex/text/Json.h"
+#include "tools/vex/text/JsonOutput.h"
 #include "tools/vex/text/Terminal.h"
 #include "tools/vex/text/Text.h"
 #include "vex2/run/AcquisitionDataComp.h"
@@ -133,20 +133,34 @@ class SpectrumCommand final : public Command {
                              std::to_string(spectrum.record.leading[0]);
     const std::size_t room = terminal.TextWidth() - std::min(terminal.TextWidth(), Columns(what));
     std::cout << terminal.Styled(CutTo(source, room), Terminal::Style::kBold) << what << '\n';
+    const std::vector<double> readings = shownReadings(spectrum);
     constexpr int kHeight = 8;
-    const auto& readings = spectrum.record.data;
-    std::cout << DrawBars({std::begin(readings), std::end(readings)}, kHeight, terminal, 0);
-    for (std::size_t i = 0; i < std::size(spectrum.record.data); ++i) {
+    if (readings.size() > 1) std::cout << DrawBars(readings, kHeight, terminal, 0);
+    for (std::size_t i = 0; i < readings.size(); ++i) {
       if (i % kPerLine == 0) {
         std::cout << terminal.Styled(PadLeft(std::to_string(i), 4), Terminal::Style::kDim);
       }
       std::cout << PadLeft(std::to_string(spectrum.record.data[i]), kValueWidth)
-                << (i % kPerLine == kPerLine - 1 ? "\n" : "");
+                << (i % kPerLine == kPerLine - 1 || i + 1 == readings.size() ? "\n" : "");
+    }
+    const std::size_t last = std::size(spectrum.record.data) - 1;
+    if (readings.size() < last) {
+      std::cout << "readings " << readings.size() << " to " << last << " are 0\n";
+    } else if (readings.size() == last) {
+      std::cout << "reading " << last << " is 0\n";
     }
     if (spectrum.rates.empty()) return;
     std::cout << "background rates:";
     for (const std::uint32_t rate : spectrum.rates) std::cout << ' ' << rate;
     std::cout << '\n';
+  }
+
+  // Up to the last that is not 0: a run of one channel has no others.
+  static std::vector<double> shownReadings(const Spectrum& spectrum) {
+    const auto& data = spectrum.record.data;
+    std::size_t count = std::size(data);
+    while (count > 1 && data[count - 1] == 0) --count;
+    return {data, data + count};
   }
 
   void printJson(const Spectrum& spectrum) const {
@@ -159,7 +173,7 @@ class SpectrumCommand final : public Command {
     object["wellValue"] = spectrum.record.leading[0];
     object["readings"] = spectrum.record.data;
     if (!spectrum.rates.empty()) object["rates"] = spectrum.rates;
-    std::cout << object.dump(-1, ' ', false, ordered_json::error_handler_t::replace) << '\n';
+    PrintJson(std::cout, object);
   }
 
   void printCsv(const std::vector<Spectrum>& spectra, bool ofPlates) const {

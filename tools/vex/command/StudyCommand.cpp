@@ -6,7 +6,7 @@
 #include "tools/vex/document/Changing.h"
 #include "tools/vex/document/DocumentPlates.h"
 #include "tools/vex/document/Study.h"
-#include "tools/vex/text/Json.h"
+#include "tools/vex/text/JsonOutput.h"
 #include "tools/vex/text/Terminal.h"
 #include "tools/vex/text/Text.h"
 
@@ -152,7 +152,7 @@ class ListAction final : public Command {
     for (const Document::Plate& plate : document.Plates()) plates.push_back(describe(plate));
     if (json_) {
       const ordered_json study = {{"file", study_}, {"plates", std::move(plates)}};
-      std::cout << study.dump(-1, ' ', false, ordered_json::error_handler_t::replace) << '\n';
+      PrintJson(std::cout, study);
     } else {
       print(plates);
     }

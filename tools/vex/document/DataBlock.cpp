@@ -74,7 +74,7 @@ std::optional<std::string> TimeText(const TimeStamp& time) {
   const bool isTime = year < 100 && month >= 1 && month <= 12 && day >= 1 && day <= 31 &&
                       hour < 24 && minute < 60 && second < 60;
   std::snprintf(text.data(), text.size(),
-                isTime ? "20%02u-%02u-%02u %02u:%02u:%02u" : "%u %u %u %u %u %u", year, month, day,
+                isTime ? "20%02u-%02u-%02uT%02u:%02u:%02u" : "%u %u %u %u %u %u", year, month, day,
                 hour, minute, second);
   return std::string(text.data());
 }

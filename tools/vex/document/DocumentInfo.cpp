@@ -1,8 +1,10 @@
 #include "tools/vex/document/DocumentInfo.h"
 
+#include <algorithm>
 #include <bit>
 
 #include "tools/vex/document/DataBlock.h"
+#include "tools/vex/document/RunLog.h"
 #include "tools/vex/document/Settings.h"
 #include "tools/vex/text/Text.h"
 #include "vex2/run/AcquisitionDataComp.h"
@@ -28,18 +30,35 @@ std::size_t wellsInUse(const Vex2HeaderData& header) {
   return count;
 }
 
-ordered_json timeOf(const TimeStamp& time) {
-  const auto text = TimeText(time);
+// The recorder alone says what its times mean.
+ordered_json timeOf(const TimeStamp& time, bool isRecorders) {
+  const auto text = isRecorders ? TimeText(time) : std::nullopt;
   return text ? ordered_json(*text) : ordered_json(nullptr);
 }
 
-ordered_json blockInfo(const AcquisitionDataComp& block) {
+ordered_json blockInfo(const AcquisitionDataComp& block, bool isRecorders) {
   return {{"tag", block.GetTag()},
           {"version", block.GetVersion()},
           {"wells", block.GetWellCount()},
           {"frames", block.GetFrameCount()},
-          {"start", timeOf(block.GetStartTime())},
-          {"end", timeOf(block.GetEndTime())}};
+          {"recorded", isRecorders},
+          {"start", timeOf(block.GetStartTime(), isRecorders)},
+          {"end", timeOf(block.GetEndTime(), isRecorders)},
+          {"startBytes", block.GetStartTime().fields},
+          {"endBytes", block.GetEndTime().fields}};
+}
+
+// The program as text, null when it is none: its meaning is the instrument's.
+ordered_json programText(const Vex2FileManager& content) {
+  ThermocycleProgram program;
+  if (content.GetThermocycleProgramInfo(&program) != kSuccess || program.data == nullptr) {
+    return nullptr;
+  }
+  const std::string_view bytes(reinterpret_cast<const char*>(program.data), program.length);
+  const bool isText = std::all_of(bytes.begin(), bytes.end(), [](char c) {
+    return (c >= ' ' && c <= '~') || c == '\n' || c == '\t';
+  });
+  return isText ? ordered_json(bytes) : ordered_json(nullptr);
 }
 
 ordered_json settingsInfo(const Vex2FileManager& document) {
@@ -91,13 +110,15 @@ void addContent(ordered_json& info, const Document::Plate& plate) {
   info["blocks"] = ordered_json::array();
   info["settings"] = settingsInfo(content);
   info["programSize"] = nullptr;
+  info["programText"] = programText(content);
   for (int i = 0; i < content.GetAllComponentCount(); ++i) {
     const CComponent* component = content.GetComponent(i);
     if (const auto* block = dynamic_cast<const AcquisitionDataComp*>(component)) {
-      info["blocks"].push_back(blockInfo(*block));
+      const bool isRecorders = RecordedReadings(content, block->GetTag()).Log().has_value();
+      info["blocks"].push_back(blockInfo(*block, isRecorders));
       if (block->GetTag() != "RAWa") continue;
-      info["start"] = timeOf(block->GetStartTime());
-      info["end"] = timeOf(block->GetEndTime());
+      info["start"] = timeOf(block->GetStartTime(), isRecorders);
+      info["end"] = timeOf(block->GetEndTime(), isRecorders);
     } else if (component->GetTag() == "TPro" && info["programSize"].is_null()) {
       info["programSize"] = component->GetLength();
     }

@@ -73,8 +73,11 @@ std::string LogKeepingRun(std::string_view text, std::string_view log) {
   return result.append(log.substr(sectionStart(log)));
 }
 
-RecordedReadings::RecordedReadings(const Vex2FileManager& plate, std::string_view blockTag) {
-  if (blockTag == kRecordedBlock) log_ = RunLog::Find(LogText(plate));
+RecordedReadings::RecordedReadings(const Vex2FileManager& plate, std::string_view blockTag)
+    : RecordedReadings(LogText(plate), blockTag) {}
+
+RecordedReadings::RecordedReadings(std::string_view log, std::string_view blockTag) {
+  if (blockTag == kRecordedBlock) log_ = RunLog::Find(log);
 }
 
 std::optional<RunReading> RecordedReadings::Read(const Vex2WellRecord& record,

@@ -35,6 +35,8 @@ class RecordedReadings {
  public:
   /// The block of `plate` with this tag. The recorder writes raw data ("RAWa") alone.
   RecordedReadings(const Vex2FileManager& plate, std::string_view blockTag);
+  /// The same of a document with this log.
+  RecordedReadings(std::string_view log, std::string_view blockTag);
 
   /// What the log states; nothing when no reading of the block is the recorder's.
   const std::optional<RunLog>& Log() const { return log_; }

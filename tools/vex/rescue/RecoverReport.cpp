@@ -1,7 +1,7 @@
 #include "tools/vex/rescue/RecoverReport.h"
 
 #include "tools/vex/Errors.h"
-#include "tools/vex/text/Json.h"
+#include "tools/vex/text/JsonOutput.h"
 #include "tools/vex/text/Paragraph.h"
 #include "tools/vex/text/Terminal.h"
 #include "tools/vex/text/Text.h"
@@ -105,7 +105,7 @@ void PrintRecoverJson(std::ostream& out, const SalvageReport& report, const std:
       {"mendedPlaces", report.mendedPlaces},
       {"mended", notesOf(report.mended, false)},
   };
-  out << object.dump(2, ' ', false, ordered_json::error_handler_t::replace) << '\n';
+  PrintJson(out, object, 2);
 }
 
 }  // namespace vex2::tool

@@ -1,0 +1,130 @@
+#!/usr/bin/env python3
+"""Compares the keys of real --json output with docs/json.md: json_keys.py VEX docs/json.md
+
+Each command runs on documents of several kinds. A key that is printed and not written down, or
+written down and never printed, is a failure; so is an output without the version.
+"""
+
+import json
+import os
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+
+# Commands whose output is an object on each line; {} is the document.
+COMMANDS = {
+    "info": ["info --json {}"],
+    "wells": ["wells --json {}"],
+    "detectors": ["detectors --json {}"],
+    "dyes": ["dyes --json {}"],
+    "calibration": ["calibration --json {}"],
+    "frame": ["frame --json {} 0"],
+    "spectrum": ["spectrum --json {} --well A1 --frame 0"],
+    "check": ["check --notes --json {}"],
+    "recover": ["recover --json {} -o recovered.vex --force"],
+    "study list": ["study list --json {}"],
+}
+# Lists and objects whose keys are those of their command once more.
+SAME_AS_ABOVE = "plates[]"
+
+
+def documented(path):
+    """The keys of each command, by the headings of the document."""
+    keys = {}
+    for line in path.read_text(encoding="utf-8").splitlines():
+        if line.startswith("## "):
+            section = keys.setdefault(line[3:], set())
+        row = re.match(r"\| `([^`]+)` \|", line)
+        if row:
+            section.add(row[1])
+    return keys
+
+
+def paths(value, at=""):
+    """The key of each value within `value`, as the document writes it."""
+    if isinstance(value, dict):
+        for key, inner in value.items():
+            yield from paths(inner, f"{at}.{key}" if at else key)
+    elif isinstance(value, list):
+        inner = [each for each in value if isinstance(each, (dict, list))]
+        if not inner:
+            yield at
+        for each in inner:
+            yield from paths(each, at + "[]")
+    else:
+        yield at
+
+
+def matches(key, path, repeats):
+    if repeats and path.startswith(SAME_AS_ABOVE + "."):
+        if matches(key, path[len(SAME_AS_ABOVE) + 1:], False):
+            return True
+    return re.fullmatch(re.escape(key).replace(r"\*", r"[^.]+"), path) is not None
+
+
+def differences(section, keys, seen):
+    """What stands in one of the two and not in the other."""
+    repeats = SAME_AS_ABOVE in keys
+    # Lists may be empty, and what a document does not say has no keys within it.
+    for path in sorted(seen):
+        inner = [key for key in keys if matches(key, path, repeats)]
+        empty = any(key.startswith(path + ".") or key.startswith(path + "[]") for key in keys)
+        if not inner and not empty:
+            yield f"{section}: prints '{path}', which the document lacks"
+    for key in sorted(keys - {SAME_AS_ABOVE}):
+        inside = any(path == key or path.startswith(key + ".") or matches(key, path, repeats)
+                     for path in seen)
+        if not inside:
+            yield f"{section}: never prints '{key}'"
+
+
+def make_documents(run):
+    """A run, a study, a document of background readings, a damaged one and an unrecorded one."""
+    run("simulate run.vex --cycles 2 --seed 1")
+    data = pathlib.Path("run.vex").read_bytes()
+    pathlib.Path("plate1.vex").write_bytes(data)
+    pathlib.Path("plate2.vex").write_bytes(data)
+    run("study new study.vex plate1.vex plate2.vex")
+    pathlib.Path("background.vex").write_bytes(data[:8] + b"BGND" + data[12:])
+    pathlib.Path("damaged.vex").write_bytes(data[:1100] + bytes(40) + data[1140:-100])
+    log = data.index(b"source=simulation")
+    pathlib.Path("other.vex").write_bytes(data[:log] + b"X" + data[log + 1:])
+    return ["run.vex", "study.vex", "background.vex", "damaged.vex", "other.vex"]
+
+
+def main():
+    vex = pathlib.Path(sys.argv[1]).resolve()
+    keys = documented(pathlib.Path(sys.argv[2]).resolve())
+    faults = [f"no section for '{name}'" for name in COMMANDS if name not in keys]
+    faults += [f"section '{name}' is of no command" for name in keys if name not in COMMANDS]
+    with tempfile.TemporaryDirectory() as folder:
+
+        def run(line):
+            done = subprocess.run([vex, *line.split()], cwd=folder, capture_output=True, text=True)
+            return done.stdout
+
+        os.chdir(folder)
+        documents = make_documents(run)
+        for section, lines in COMMANDS.items():
+            seen = set()
+            for line in lines:
+                for document in documents:
+                    text = run(line.format(document))
+                    decoder = json.JSONDecoder()
+                    while text.strip():
+                        value, end = decoder.raw_decode(text.lstrip())
+                        text = text.lstrip()[end:]
+                        if value.get("version") != 1:
+                            faults.append(f"{section}: {document}: no version")
+                        seen.update(paths(value))
+            if not seen:
+                faults.append(f"{section}: prints nothing at all")
+            faults += differences(section, keys.get(section, set()), seen)
+    print("\n".join(faults) or "all keys are documented")
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <ostream>
+
+#include "tools/vex/text/Json.h"
+
+namespace vex2::tool {
+
+/// The version of what --json prints. It grows when a key goes or changes its meaning; keys are
+/// added without that.
+inline constexpr int kJsonVersion = 1;
+
+/// Prints `object` with the key "version" in front: on one line, or on several with `indent` blanks
+/// a level. Texts that are no UTF-8 come out with the replacement character.
+void PrintJson(std::ostream& out, const nlohmann::ordered_json& object, int indent = -1);
+
+}  // namespace vex2::tool
