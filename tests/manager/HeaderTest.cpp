@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <vector>
 
 #include "tests/support/DocumentBytes.h"
 #include "tests/support/SilentHost.h"
@@ -133,6 +135,59 @@ TEST_F(Header, CopiesAreWholeAndIndependent) {
   header.Reset();
   copy = header;
   EXPECT_EQ(copy.usage, nullptr);
+}
+
+TEST_F(Header, CopyOfRowsWithoutATableHasDefaultMasks) {
+  Vex2HeaderData header;
+  header.SetRows(0);
+  header.rows = 3;
+  const Vex2HeaderData copy(header);
+  ASSERT_EQ(copy.rows, 3);
+  ASSERT_NE(copy.usage, nullptr);
+  EXPECT_EQ(std::vector(copy.usage, copy.usage + 3), std::vector<std::uint32_t>(3, 4095));
+  EXPECT_EQ(manager_.SaveHeader(path_.c_str(), header), 0);
+  EXPECT_EQ(FirstDifference(ReadBytes(path_), ToBytes(HeaderBytes(3))), "");
+}
+
+TEST_F(Header, RowsSetByHandAreNotReadPastTheTable) {
+  for (const int rows : {0, 1, 7, 9, 238, 65535}) {
+    Vex2HeaderData header;
+    header.usage[0] = 1;
+    header.usage[7] = 2;
+    header.rows = static_cast<std::uint16_t>(rows);
+    Vex2HeaderData copy;
+    copy = header;
+    ASSERT_EQ(copy.rows, rows);
+    for (int row = 0; row < rows; ++row) {
+      ASSERT_EQ(copy.usage[row], row == 0 ? 1U : row == 7 ? 2U : 4095U) << row << " of " << rows;
+    }
+  }
+}
+
+TEST_F(Header, TableThatTheHostMadeIsCopiedWhole) {
+  Vex2HeaderData header;
+  delete[] header.usage;
+  header.usage = new std::uint32_t[20];
+  header.rows = 20;
+  for (std::uint32_t row = 0; row < 20; ++row) header.usage[row] = row;
+  const Vex2HeaderData copy(header);
+  ASSERT_EQ(copy.rows, 20);
+  for (std::uint32_t row = 0; row < 20; ++row) EXPECT_EQ(copy.usage[row], row);
+}
+
+TEST_F(Header, RowsSetByHandAreWrittenWithDefaultMasks) {
+  struct ByHand : Opened {
+    void SetRows(std::uint16_t rows) { header_.rows = rows; }
+  } manager;
+  manager.SetRows(16);
+  ASSERT_EQ(manager.SafeOpen(path_.c_str(), 1, 0), 1);
+  EXPECT_EQ(manager.WriteHeaderData(nullptr), 0);
+  manager.Close();
+  EXPECT_EQ(FirstDifference(ReadBytes(path_), ToBytes(HeaderBytes(16))), "");
+  bool* usage = nullptr;
+  ASSERT_TRUE(manager.GetUsageArray(usage));
+  EXPECT_TRUE(std::all_of(usage, usage + 16 * 12, [](bool used) { return used; }));
+  delete[] usage;
 }
 
 TEST_F(Header, ManagersReportRowsAndColumns) {

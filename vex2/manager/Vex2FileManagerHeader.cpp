@@ -141,7 +141,10 @@ int Vex2FileManager::WriteHeaderDataHelper(std::uint32_t& headerBytes, CFile* fi
   FieldWriter fields(target);
   exchange(fields, header_, header_.rows);
   if (header_.usage != nullptr) {
-    for (std::uint16_t row = 0; row < header_.rows; ++row) fields.Number(header_.usage[row]);
+    const std::uint16_t held = header_.GetMaskCount();
+    for (std::uint16_t row = 0; row < header_.rows; ++row) {
+      fields.Number(row < held ? header_.usage[row] : Vex2HeaderData::kTwelveWells);
+    }
   }
   headerBytes = kFixedHeaderBytes + 4U * header_.rows;
   return kSuccess;

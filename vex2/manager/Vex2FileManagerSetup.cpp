@@ -105,12 +105,15 @@ bool Vex2FileManager::GetUsageArray(bool*& usage) const {
     return false;
   }
   return guarded(vex2::kReadFailed, [&] {
+           const std::uint16_t held = header_.GetMaskCount();
            bool* wells = new bool[static_cast<std::size_t>(header_.rows) * header_.columns];
            delete[] usage;
            usage = wells;
            for (int row = 0; row < header_.rows; ++row) {
+             const std::uint32_t mask =
+                 row < held ? header_.usage[row] : Vex2HeaderData::kTwelveWells;
              for (int column = 0; column < columns; ++column) {
-               *wells++ = (header_.usage[row] >> static_cast<unsigned>(column) & 1U) != 0;
+               *wells++ = (mask >> static_cast<unsigned>(column) & 1U) != 0;
              }
            }
            return kSuccess;

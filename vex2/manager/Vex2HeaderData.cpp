@@ -1,11 +1,25 @@
 #include "vex2/manager/Vex2HeaderData.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
+#include <memory>
 
 namespace {
 
-constexpr std::uint32_t kTwelveWells = 4095;
+// The record has no room for its table's length, and hosts set `rows` as they like. So each table
+// that is made here ends with a mark that no file can hold: the address where the mark stands.
+using Mark = std::array<std::uint32_t, 2>;
+
+Mark markAt(const std::uint32_t* place) {
+  const std::uint64_t address = reinterpret_cast<std::uintptr_t>(place);
+  return {static_cast<std::uint32_t>(~address >> 32U), static_cast<std::uint32_t>(~address)};
+}
+
+bool isMark(const std::uint32_t* place) {
+  const Mark mark = markAt(place);
+  return place[0] == mark[0] && place[1] == mark[1];
+}
 
 template <std::size_t Size>
 void setText(char (&field)[Size], const char* text) {
@@ -44,8 +58,8 @@ Vex2HeaderData::Vex2HeaderData(const Vex2HeaderData& other) : rows(0), usage(nul
 
 Vex2HeaderData& Vex2HeaderData::operator=(const Vex2HeaderData& other) {
   if (this == &other) return *this;
-  SetRows(other.usage != nullptr ? other.rows : std::uint16_t{0});
-  if (usage != nullptr) std::copy_n(other.usage, rows, usage);
+  SetRows(other.rows);
+  if (usage != nullptr) std::copy_n(other.usage, other.GetMaskCount(), usage);
   setText(magic, other.magic);
   formatA = other.formatA;
   formatB = other.formatB;
@@ -84,11 +98,21 @@ void Vex2HeaderData::Reset() {
 }
 
 void Vex2HeaderData::SetRows(std::uint16_t count) {
+  // Where there is no memory for the new table, the old one stays.
+  std::unique_ptr<std::uint32_t[]> table;
+  if (count != 0) {
+    table.reset(new std::uint32_t[count + Mark().size()]);
+    std::fill_n(table.get(), count, kTwelveWells);
+    std::ranges::copy(markAt(table.get() + count), table.get() + count);
+  }
   delete[] usage;
-  usage = nullptr;
-  rows = 0;
-  if (count == 0) return;
-  usage = new std::uint32_t[count];
+  usage = table.release();
   rows = count;
-  std::fill_n(usage, count, kTwelveWells);
+}
+
+std::uint16_t Vex2HeaderData::GetMaskCount() const {
+  if (usage == nullptr) return 0;
+  std::uint16_t count = 0;
+  while (count < rows && !isMark(usage + count)) ++count;
+  return count;
 }

@@ -14,7 +14,7 @@ struct VEX2_API Vex2HeaderData {
   char assayCode[4];  ///< the kind of run, e.g. "AbsQ"
   char runCode[4];
   char plateTypeCode[4];  ///< tells the plate's size, e.g. "p9C " for 96 wells
-  std::uint16_t rows;     ///< of the plate; always the length of `usage`
+  std::uint16_t rows;     ///< of the plate; set it with `SetRows`, which makes the table for it
   std::uint16_t columns;
   std::uint32_t thermocycleOffset;  ///< file position; after a full save past the program's record
   std::uint8_t flagG;
@@ -24,7 +24,12 @@ struct VEX2_API Vex2HeaderData {
   std::uint32_t acquisitionDataOffset;  ///< file position; after a full save past the data block
   std::uint32_t* usage;  ///< one mask a row, made with new[]; bit j is the well in column j from 0
 
+  /// A row in which the first twelve wells are in use.
+  static constexpr std::uint32_t kTwelveWells = 4095;
+
   Vex2HeaderData();
+  /// A copy has a mask for each of the other's `rows`: its masks, and `kTwelveWells` for rows that
+  /// its usage table does not hold.
   Vex2HeaderData(const Vex2HeaderData& other);
   Vex2HeaderData& operator=(const Vex2HeaderData& other);
   ~Vex2HeaderData();
@@ -32,7 +37,9 @@ struct VEX2_API Vex2HeaderData {
   /// Empties the record: texts are blank, numbers 0, the usage table is gone.
   void Reset();
 
-  /// Sets `rows` and makes a new usage table of that many masks in which the first twelve wells of
-  /// every row are in use; none for 0.
+  /// Sets `rows` and makes a new usage table of that many masks, each `kTwelveWells`; none for 0.
   void SetRows(std::uint16_t count);
+  /// The masks that can be read from `usage`: `rows`, or fewer where `rows` was set by hand to more
+  /// than the table holds; 0 without a table. A table that the host made must hold `rows` masks.
+  std::uint16_t GetMaskCount() const;
 };
