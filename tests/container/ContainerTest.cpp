@@ -65,6 +65,52 @@ TEST_F(Container, RefusesNothingAndMoreThanItCanCount) {
   EXPECT_EQ(full.GetLength(), 2U);
 }
 
+TEST_F(Container, LengthBelowThatOfARemovedChildBecomesTheTrueOne) {
+  for (const std::uint32_t declared : {2U, 11U, 12U, 13U}) {
+    ASSERT_EQ(list_.Read(&Holding(vex2::test::RecordDeclaring(
+                  "SPEC", declared, "\0\2"s + name("four") + name("last")))),
+              0);
+    EXPECT_TRUE(list_.RemoveChild(0));
+    EXPECT_EQ(Written(list_), ListRecord("SPEC", 1, name("last"))) << declared;
+  }
+}
+
+TEST_F(Container, LengthThatIsFalseButEnoughChangesByTheChild) {
+  ASSERT_EQ(list_.Read(&Holding(
+                vex2::test::RecordDeclaring("SPEC", 20, "\0\2"s + name("four") + name("last")))),
+            0);
+  EXPECT_TRUE(list_.RemoveChild(0));
+  EXPECT_EQ(list_.GetLength(), 8U);
+  EXPECT_TRUE(list_.AddChild(std::make_unique<CBlockValueComp>("NAME", CString("more"))));
+  EXPECT_EQ(list_.GetLength(), 20U);
+}
+
+TEST_F(Container, CountThatTheFileDidNotFillIsTheTrueOneAfterAReplacement) {
+  ASSERT_EQ(list_.Read(&Holding(ListRecord("SPEC", 9, name("four")))), 0);
+  EXPECT_TRUE(list_.ReplaceChild(0, std::make_unique<CBlockValueComp>("NAME", CString("new"))));
+  EXPECT_EQ(Written(list_), ListRecord("SPEC", 1, name("new")));
+}
+
+TEST_F(Container, ReplacesAChildByOneAtTheEndOrKeepsIt) {
+  list_.AddChild(std::make_unique<CBlockValueComp>("NAME", CString("a")));
+  list_.AddChild(std::make_unique<CBlockValueComp>("NAME", CString("b")));
+  EXPECT_TRUE(list_.ReplaceChild(0, std::make_unique<CBlockValueComp>("NAME", CString("long"))));
+  EXPECT_TRUE(list_.ReplaceChild(-1, std::make_unique<CBlockValueComp>("NAME", CString("new"))));
+  EXPECT_FALSE(list_.ReplaceChild(0, std::make_unique<CSkippedComp>("Zzzz", 0xFFFFFFF0U)));
+  EXPECT_FALSE(list_.ReplaceChild(0, nullptr));
+  EXPECT_FALSE(list_.ReplaceChild(-1, nullptr));
+  EXPECT_EQ(Written(list_), ListRecord("SPEC", 3, name("b") + name("long") + name("new")));
+}
+
+TEST_F(Container, UnknownChildKeepsNoMoreBytesThanTheFileHeld) {
+  for (const std::string& body : {""s, "xyz"s}) {
+    const std::string torn = vex2::test::RecordDeclaring("Zzzz", 0xFFFFFFF0U, body);
+    ASSERT_EQ(list_.Read(&Holding(ListRecord("SPEC", 1, torn))), 0);
+    ASSERT_EQ(list_.GetChildCount(), 1);
+    EXPECT_EQ(list_.GetChild(0)->GetLength(), body.size());
+  }
+}
+
 TEST_F(Container, KeepsAnUnknownChildAsAPlaceholder) {
   const std::string record = ListRecord("SPEC", 3, name("a") + Record("Zzzz", "xyz") + name("b"));
   ASSERT_EQ(list_.Read(&Holding(record)), 0);

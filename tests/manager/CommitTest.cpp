@@ -311,7 +311,7 @@ TEST_F(ReadFromAFile, FrameCountFollowsFromTheLengthField) {
     EXPECT_EQ(frames, expected) << length;
     Vex2FrameData frame;
     EXPECT_EQ(readFrame(1, &frame), expected > 1 ? kReadFailed : kSuccess) << length;
-    EXPECT_EQ(frame.records, nullptr) << length;
+    EXPECT_EQ(frame.wellCount, expected > 1 ? 2 : 0) << length;
   }
 }
 
@@ -344,6 +344,9 @@ TEST_F(ReadFromAFile, TornFrameIsAFailedRead) {
   WriteBytes(path_, bytes);
   Vex2FrameData frame;
   EXPECT_EQ(readFrame(1, &frame), kReadFailed);
+  ASSERT_EQ(frame.wellCount, 2) << "prepared for the block's wells";
+  EXPECT_EQ(frame.records[1], Vex2WellRecord{});
+  EXPECT_EQ(readFrame(1, nullptr), kReadFailed);
   EXPECT_EQ(readFrame(0, &frame), kSuccess);
   EXPECT_TRUE(SameFrame(frame, MakeFrame(2, 0)));
 }

@@ -9,8 +9,10 @@
 
 #include "tests/support/DocumentBytes.h"
 #include "tests/support/FaultyFileSystem.h"
+#include "tests/support/RunDocument.h"
 #include "tests/support/SilentHost.h"
 #include "tests/support/TempFolder.h"
+#include "vex2/container/CSkippedComp.h"
 #include "vex2/container/TagFactory.h"
 #include "vex2/container/TagTable.h"
 #include "vex2/manager/Vex2FileManager.h"
@@ -118,6 +120,16 @@ TEST_F(Hostile, CountsWithoutChildrenAreNoFailure) {
   EXPECT_EQ(read(DocumentOf(ListRecord("SPEC", 65535, ""))), 0);
   EXPECT_EQ(count(), 1);
   EXPECT_EQ(read(DocumentOf(ListRecord("SPEC", 65535, Record("Zzzz", "")))), 0);
+}
+
+TEST_F(Hostile, UnknownRecordInAListIsNotSavedLongerThanItWas) {
+  const std::string torn = RecordDeclaring("Zzzz", 0xFFFFFFF0U, "");
+  const Bytes document = DocumentOf(ListRecord("SPEC", 1, torn));
+  ASSERT_EQ(document.size(), 1042U);
+  ASSERT_EQ(read(document), 0);
+  EXPECT_EQ(manager_.SaveToFile(path_.c_str()), 0);
+  EXPECT_EQ(
+      FirstDifference(ReadBytes(path_), DocumentOf(ListRecord("SPEC", 1, Record("Zzzz", "")))), "");
 }
 
 TEST_F(Hostile, ManyEmptyRecordsAreReadInTheirTime) {
@@ -246,18 +258,16 @@ TEST_F(Hostile, AFullDeviceIsAFailedWrite) {
 }
 
 TEST_F(Hostile, PositionsPast32BitsFailTheWrite) {
-  // A nested record of an unknown kind keeps its place, which takes no space but moves what
-  // follows.
-  const std::string list = ListRecord("SPEC", 1, RecordDeclaring("Zzzz", 0xFFFFFFFF, ""));
-  ASSERT_EQ(read(DocumentOf(list)), 0);
-  ASSERT_EQ(count(), 1);
+  // A placeholder takes no space on the disk but moves what follows.
+  vex2::test::OpenedManager document;
+  document.Append(std::make_unique<CSkippedComp>("Zzzz", 0xFFFFFFFFU));
   const std::string target = folder_ / "target.vex";
-  EXPECT_EQ(manager_.SaveToFile(target.c_str()), 0);
+  EXPECT_EQ(document.SaveToFile(target.c_str()), 0);
   EXPECT_GT(fs::file_size(target), 0xFFFFFFFFU);
   const ThermocycleProgram program;
-  ASSERT_EQ(manager_.ReplaceThermocycleProgram(&program), 0);
-  EXPECT_EQ(manager_.SaveToFile(target.c_str()), -200);
-  EXPECT_EQ(manager_.GetHeaderData().thermocycleOffset, 0U) << "never wraps";
+  ASSERT_EQ(document.ReplaceThermocycleProgram(&program), 0);
+  EXPECT_EQ(document.SaveToFile(target.c_str()), -200);
+  EXPECT_EQ(document.GetHeaderData().thermocycleOffset, 0U) << "never wraps";
   EXPECT_GT(fs::file_size(target), 0xFFFFFFFFU) << "the old document stands";
 }
 

@@ -2,24 +2,34 @@
 
 #include <algorithm>
 #include <limits>
+#include <numeric>
 #include <utility>
 
+#include "vex2/container/CSkippedComp.h"
 #include "vex2/container/Encoding.h"
 #include "vex2/container/TagFactory.h"
 
 namespace {
 
-constexpr std::uint32_t kCountLength = sizeof(std::uint16_t);
+constexpr std::uint16_t kCountLength = sizeof(std::uint16_t);
 constexpr std::size_t kUsualChildren = 16;
 // Of a list that is made child by child; most hold a few.
 constexpr std::size_t kFirstChildren = 4;
+
+// A record that is stepped over may end behind the file. A save would make its length true, with
+// gigabytes of zeros, so it keeps no more bytes than the file held.
+void shortenToFile(CComponent& child, const CFile& file) {
+  if (file.GetPosition() <= file.GetLength()) return;
+  auto* skipped = dynamic_cast<CSkippedComp*>(&child);
+  if (skipped != nullptr) skipped->Shorten(file.GetPosition() - file.GetLength());
+}
 
 }  // namespace
 
 CContainerComp::CContainerComp(std::string_view tag) : CContainerComp(tag, kCountLength) {}
 
-CContainerComp::CContainerComp(std::string_view tag, std::uint32_t fixedLength)
-    : CComponent(tag, fixedLength) {}
+CContainerComp::CContainerComp(std::string_view tag, std::uint16_t fixedLength)
+    : CComponent(tag, fixedLength), fixedLength_(fixedLength) {}
 
 CContainerComp::~CContainerComp() = default;
 
@@ -35,28 +45,55 @@ CComponent* CContainerComp::FindChild(std::string_view tag) const {
   return nullptr;
 }
 
+// What the file must hold, whatever the length says.
+std::uint64_t CContainerComp::lengthOfChildren() const {
+  return std::accumulate(
+      children_.begin(), children_.end(), std::uint64_t{0},
+      [](std::uint64_t sum, const auto& child) { return sum + child->GetSize(); });
+}
+
+// Takes children of so many bytes off the length and adds others. False, and the length stays,
+// where 32 bits do not hold the result.
+bool CContainerComp::changeLength(std::uint64_t removed, std::uint64_t added) {
+  std::uint64_t length = std::uint64_t{GetLength()} + added;
+  // A file may declare less than it holds. Below 0 the length would turn over, and at 0 the body
+  // would not be written, so from here on it is the true one.
+  length = length >= removed + fixedLength_ ? length - removed
+                                            : fixedLength_ + lengthOfChildren() - removed + added;
+  if (length > std::numeric_limits<std::uint32_t>::max()) return false;
+  setLength(static_cast<std::uint32_t>(length));
+  return true;
+}
+
 bool CContainerComp::AddChild(std::unique_ptr<CComponent> child) {
-  if (child == nullptr) return false;
-  const std::uint64_t length = GetLength() + child->GetSize();
-  if (children_.size() >= std::numeric_limits<std::uint16_t>::max() ||
-      length > std::numeric_limits<std::uint32_t>::max()) {
+  if (child == nullptr || children_.size() >= std::numeric_limits<std::uint16_t>::max()) {
     return false;
   }
-  if (children_.capacity() == 0) children_.reserve(kFirstChildren);
+  if (children_.size() == children_.capacity()) {
+    children_.reserve(std::max(kFirstChildren, 2 * children_.size()));
+  }
+  if (!changeLength(0, child->GetSize())) return false;
   children_.push_back(std::move(child));
   count_ = static_cast<std::uint16_t>(children_.size());
-  setLength(static_cast<std::uint32_t>(length));
   return true;
 }
 
 bool CContainerComp::RemoveChild(int index) {
   const CComponent* child = GetChild(index);
   if (child == nullptr) return false;
-  // The length may have been read from a file that did not tell the truth.
-  const auto size = static_cast<std::uint32_t>(child->GetSize());
+  if (!changeLength(child->GetSize(), 0)) setLength(std::numeric_limits<std::uint32_t>::max());
   children_.erase(children_.begin() + index);
   count_ = static_cast<std::uint16_t>(children_.size());
-  setLength(GetLength() - size);
+  return true;
+}
+
+bool CContainerComp::ReplaceChild(int index, std::unique_ptr<CComponent> child) {
+  const CComponent* old = GetChild(index);
+  if (old == nullptr) return AddChild(std::move(child));
+  if (child == nullptr || !changeLength(old->GetSize(), child->GetSize())) return false;
+  children_.erase(children_.begin() + index);
+  children_.push_back(std::move(child));
+  count_ = static_cast<std::uint16_t>(children_.size());
   return true;
 }
 
@@ -109,6 +146,7 @@ int CContainerComp::ReadChildren(CFile* file) {
     std::unique_ptr<CComponent> child;
     if (!vex2::CreateNextComponent(*file, child)) return vex2::kSuccess;
     if (const int status = child->Read(file); status != vex2::kSuccess) return status;
+    shortenToFile(*child, *file);
     keepChild(std::move(child));
   }
   return vex2::kSuccess;

@@ -29,6 +29,9 @@ class VEX2_API CContainerComp : public CComponent {
   bool AddChild(std::unique_ptr<CComponent> child);
   /// Deletes the child at `index` and lowers count and length. False for an index out of range.
   bool RemoveChild(int index);
+  /// Deletes the child at `index` and appends `child`; with an index out of range only appends.
+  /// False, and nothing is changed, as for `AddChild`.
+  bool ReplaceChild(int index, std::unique_ptr<CComponent> child);
 
   CComponent& Assign(const CComponent& source) override;
   /// Deletes every child; length and count stay as they are.
@@ -43,7 +46,7 @@ class VEX2_API CContainerComp : public CComponent {
   virtual int ReadChildren(CFile* file);
 
  protected:
-  CContainerComp(std::string_view tag, std::uint32_t fixedLength);
+  CContainerComp(std::string_view tag, std::uint16_t fixedLength);
 
   /// Takes a child that was read over into the list, without a change of count and length.
   void keepChild(std::unique_ptr<CComponent> child);
@@ -52,6 +55,10 @@ class VEX2_API CContainerComp : public CComponent {
   void setCount(std::uint16_t count) { count_ = count; }
 
  private:
+  std::uint64_t lengthOfChildren() const;
+  bool changeLength(std::uint64_t removed, std::uint64_t added);
+
   std::vector<std::unique_ptr<CComponent>> children_;
   std::uint16_t count_ = 0;
+  std::uint16_t fixedLength_;
 };

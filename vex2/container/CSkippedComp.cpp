@@ -35,3 +35,7 @@ int CSkippedComp::ReadBody(CFile* file) {
   }
   return vex2::kSuccess;
 }
+
+void CSkippedComp::Shorten(std::uint64_t bytes) {
+  setLength(GetLength() - static_cast<std::uint32_t>(std::min<std::uint64_t>(bytes, GetLength())));
+}

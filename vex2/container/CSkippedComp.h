@@ -16,4 +16,6 @@ class VEX2_API CSkippedComp final : public CComponent {
   int WriteBody(CFile* file) override;
   /// Steps over the body, also past the file's end. Always 0.
   int ReadBody(CFile* file) override;
+  /// Takes `bytes`, at most all of it, off the length.
+  void Shorten(std::uint64_t bytes);
 };

@@ -1,7 +1,6 @@
 // Frames read straight from a file, without loading the document.
 
 #include "vex2/container/Encoding.h"
-#include "vex2/container/ReadLimits.h"
 #include "vex2/container/TagTable.h"
 #include "vex2/manager/Vex2FileManager.h"
 #include "vex2/run/AcquisitionDataComp.h"
@@ -50,9 +49,9 @@ int Vex2FileManager::readAFrame(int frameIndex, Vex2FrameData* frame, long block
   const std::uint64_t frameSize = vex2::kStoredRecordSize * geometry.wellCount;
   const auto block = static_cast<std::uint64_t>(blockOffset);
   Seek(static_cast<std::int64_t>(block + geometry.firstFrame + frameSize * index), begin);
-  if (!vex2::HasBytesLeft(*this, frameSize)) return vex2::kReadFailed;
   Vex2FrameData unwanted;
   Vex2FrameData& target = frame != nullptr ? *frame : unwanted;
+  // Also for a frame that the file's end cuts off: at most 5.8 MB, since a count has 16 bits.
   target.Resize(geometry.wellCount);
   return vex2::ReadWellRecords(*this, target.records, geometry.wellCount);
 }

@@ -8,9 +8,13 @@ CCalibrationComp::CCalibrationComp(const Vex2PureDye* pureDye, const Vex2BGC* ba
   if (background != nullptr) vex2::AddPart<CBackgroundComp>(*this, *background);
 }
 
-bool CCalibrationComp::Remove(std::string_view tag) {
+int CCalibrationComp::FindIndex(std::string_view tag) const {
   for (int index = 0; index < GetChildCount(); ++index) {
-    if (GetChild(index)->GetTag() == tag) return RemoveChild(index);
+    if (GetChild(index)->GetTag() == tag) return index;
   }
-  return false;
+  return -1;
+}
+
+bool CCalibrationComp::Remove(std::string_view tag) {
+  return RemoveChild(FindIndex(tag));
 }

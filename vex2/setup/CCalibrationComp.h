@@ -16,6 +16,8 @@ class VEX2_API CCalibrationComp final : public CContainerComp {
   Component* Find() const {
     return dynamic_cast<Component*>(FindChild(Component::kTag));
   }
+  /// The index from 0 of the first child with this tag; -1 when there is none.
+  int FindIndex(std::string_view tag) const;
   /// Deletes the first child with this tag; false when there is none.
   bool Remove(std::string_view tag);
 };

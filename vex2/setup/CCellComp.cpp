@@ -11,7 +11,7 @@ using vex2::PartAs;
 
 namespace {
 
-constexpr std::uint32_t kFixedLength = 7;
+constexpr std::uint16_t kFixedLength = 7;
 constexpr std::size_t kTexts = 2;
 
 void addText(CContainerComp& list, std::string_view tag, const char* text, std::int32_t length) {

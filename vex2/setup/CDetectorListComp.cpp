@@ -25,8 +25,8 @@ void CDetectorListComp::Add(const Vex2Detector& detector, bool replacing) {
     return;
   }
   auto added = std::make_unique<CDetectorExtensionComp>(detector);
-  if (replacing) RemoveChild(Find(detector.name));
-  if (!AddChild(std::move(added))) throw std::length_error("there are too many detectors");
+  const int old = replacing ? Find(detector.name) : -1;
+  if (!ReplaceChild(old, std::move(added))) throw std::length_error("there are too many detectors");
 }
 
 int CDetectorListComp::Find(const CString& name) const {
