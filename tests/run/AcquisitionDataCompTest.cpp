@@ -81,6 +81,18 @@ TEST(AcquisitionDataComp, BlockFromDataWithoutFramesIsEmpty) {
   EXPECT_EQ(block.GetWellCount(), 0);
 }
 
+TEST(AcquisitionDataComp, BlockFromFrameCount0HasTheWellsOfTheFirstFrame) {
+  const Vex2FrameData frame = MakeFrame(3, 0);
+  for (const int count : {0, -1}) {
+    const AcquisitionDataComp block("RAWa",
+                                    Vex2AcquisitionData{const_cast<Vex2FrameData*>(&frame), count});
+    EXPECT_EQ(block.GetLength(), 18U + 6);
+    EXPECT_EQ(block.GetWellCount(), 3);
+    EXPECT_EQ(block.GetFrameCount(), 0);
+    EXPECT_EQ(block.FindWell(3), 2);
+  }
+}
+
 TEST(AcquisitionDataComp, ShorterFramesAreFilledUpWithZeros) {
   const auto numbers = WellNumbers(3);
   AcquisitionDataComp block("RAWa", numbers.data(), 3);

@@ -35,14 +35,15 @@ TEST_F(OddBlock, FrameWithoutRecordsIsZeros) {
   EXPECT_EQ(block.GetFrame(1)[1], Vex2WellRecord{});
 }
 
-TEST_F(OddBlock, DataWithoutFramesIsAnEmptyBlock) {
+TEST_F(OddBlock, DataWithoutAFrameIsAnEmptyBlock) {
   Vex2FrameData frame = MakeFrame(2, 0);
   Vex2AcquisitionData data;
   data.frameCount = 1;
   EXPECT_EQ(AcquisitionDataComp("RAWa", data).GetWellCount(), 0);
   data.frames = &frame;
   data.frameCount = 0;
-  EXPECT_EQ(AcquisitionDataComp("RAWa", data).GetWellCount(), 0);
+  EXPECT_EQ(AcquisitionDataComp("RAWa", data).GetWellCount(), 2) << "a frame for the wells alone";
+  EXPECT_EQ(AcquisitionDataComp("RAWa", data).GetFrameCount(), 0);
   data.frameCount = 1;
   EXPECT_EQ(AcquisitionDataComp("RAWa", data).GetFrameCount(), 1);
   data.frames = nullptr;

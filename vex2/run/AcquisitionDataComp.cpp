@@ -32,7 +32,7 @@ AcquisitionDataComp::AcquisitionDataComp(std::string_view tag, const Vex2FrameDa
 
 AcquisitionDataComp::AcquisitionDataComp(std::string_view tag, const Vex2AcquisitionData& data)
     : AcquisitionDataComp(tag) {
-  if (data.frames == nullptr || data.frameCount <= 0) return;
+  if (data.frames == nullptr) return;
   allocate(data.frames[0].wellCount);
   setLength(kFixedLength + 2U * data.frames[0].wellCount);
   for (int index = 0; index < data.frameCount; ++index) {

@@ -27,7 +27,9 @@ class VEX2_API AcquisitionDataComp final : public CComponent {
   AcquisitionDataComp(std::string_view tag, const std::uint16_t* wellNumbers, std::uint16_t count);
   /// A block whose first frame is a copy of `frame`, with wells 1, 2, 3, ...
   AcquisitionDataComp(std::string_view tag, const Vex2FrameData& frame);
-  /// A block of copies of all frames of `data`, with as many wells as the first of them has.
+  /// A block of copies of all frames of `data`, with as many wells as the first of them has. Its
+  /// `frames` points to a frame also where `frameCount` is 0: a frame for the wells alone. Null
+  /// makes an empty block.
   AcquisitionDataComp(std::string_view tag, const Vex2AcquisitionData& data);
 
   std::uint16_t GetVersion() const { return version_; }
