@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <memory>
 
 #include "tests/support/Counted.h"
@@ -72,7 +73,7 @@ TEST_F(AnalysisTest, WellsOutsideThePlateHaveNothingAndTakeNothing) {
   Matrix matrix;
   Reporter reporter;
   Points points;
-  for (const int well : {-1, 0, kWells + 1}) {
+  for (const int well : {INT_MIN, -1, 0, kWells + 1, INT_MAX}) {
     IDAMCMatrix* gotMatrix = &matrix;
     IDAClippedMatrix* gotReporter = &reporter;
     IDAMeltingPoints* gotPoints = &points;

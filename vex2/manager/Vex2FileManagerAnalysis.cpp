@@ -21,22 +21,27 @@ Table<IDAClippedMatrix> reporterTable(bool second) {
   return second ? &VexAnalysis::secondReporters : &VexAnalysis::reporters;
 }
 
+// Of a well numbered from 1; -1, which no table has, where there is no such well.
+int indexOf(int well) {
+  return well >= 1 ? well - 1 : -1;
+}
+
 template <class Result>
 bool getAt(const VexAnalysis* analysis, Table<Result> table, Result*& result, int well) {
-  result = analysis != nullptr ? (analysis->*table).GetAt(well - 1) : nullptr;
+  result = analysis != nullptr ? (analysis->*table).GetAt(indexOf(well)) : nullptr;
   return result != nullptr;
 }
 
 template <class Result>
 bool setAt(VexAnalysis* analysis, Table<Result> table, Result* result, int well, int plateSize) {
   if (analysis == nullptr || well < 1 || well > plateSize) return false;
-  (analysis->*table).SetAt(well - 1, result);
+  (analysis->*table).SetAt(indexOf(well), result);
   return true;
 }
 
 template <class Result>
 bool removeAt(VexAnalysis* analysis, Table<Result> table, int well) {
-  return analysis != nullptr && (analysis->*table).RemoveAt(well - 1);
+  return analysis != nullptr && (analysis->*table).RemoveAt(indexOf(well));
 }
 
 }  // namespace
