@@ -150,6 +150,15 @@ TEST_F(EmbeddedPlate, IsCutOutOfADocumentAndBack) {
   EXPECT_EQ(tags(), "");
 }
 
+TEST_F(EmbeddedPlate, IsInitialisedFromADocument) {
+  Vex2FileManager document;
+  document.SetCalibrator("one");
+  Vex2FileManagerComponent plate = document;
+  CString name;
+  EXPECT_EQ(plate.GetCalibrator(name), 0);
+  EXPECT_EQ(name, "one");
+}
+
 TEST_F(EmbeddedPlate, AssignedToItselfIsEmpty) {
   ASSERT_EQ(read(kName + kEnd), 0);
   const Vex2FileManagerComponent& same = plate_;

@@ -9,7 +9,9 @@ class VEX2_API Vex2FileManagerComponent final : public Vex2FileManager {
   Vex2FileManagerComponent();
   Vex2FileManagerComponent(const Vex2FileManagerComponent& other);
   /// Cuts a plate out of a document of its own.
-  explicit Vex2FileManagerComponent(const Vex2FileManager& other);
+  // Implicit because hosts write `Vex2FileManagerComponent plate = document;`.
+  // NOLINTNEXTLINE(google-explicit-constructor)
+  Vex2FileManagerComponent(const Vex2FileManager& other);
   /// Resets and copies. Assigning a plate to itself leaves it empty.
   Vex2FileManagerComponent& operator=(const Vex2FileManagerComponent& other);
   Vex2FileManagerComponent& operator=(const Vex2FileManager& other);
