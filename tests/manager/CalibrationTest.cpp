@@ -2,12 +2,17 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <memory>
 
+#include "tests/support/FaultyFileSystem.h"
 #include "tests/support/Files.h"
 #include "tests/support/RunDocument.h"
 #include "tests/support/TempFolder.h"
+#include "vex2/setup/CBackgroundComp.h"
+#include "vex2/setup/CPureDyeComp.h"
 
 namespace vex2::test {
 namespace {
@@ -124,6 +129,71 @@ TEST_F(CalibrationOfADocument, PartsThatStandAloneAreAppendedToAFile) {
   EXPECT_EQ(parts(), "status -300") << "they are no part of the calibration";
 }
 
+TEST_F(CalibrationOfADocument, AppendedPartsAreThoseGivenAlsoAmongOthersOfTheirKind) {
+  Vex2FileManager writer;
+  ASSERT_EQ(writer.SaveToFile(path_.c_str()), kSuccess);
+  for (const char name : {'A', 'B', 'C'}) {
+    dyes_.entries[0].SetName(&name, 1);
+    background_.entries[0].SetName(&name, 1);
+    Vex2FileManager host;
+    ASSERT_EQ(host.ReadFromFile(path_.c_str()), kSuccess);
+    EXPECT_EQ(host.AppendPureDye(path_.c_str(), &dyes_), kSuccess);
+    EXPECT_EQ(host.AppendBackground(path_.c_str(), &background_), kSuccess);
+  }
+  Vex2FileManager reader;
+  ASSERT_EQ(reader.ReadFromFile(path_.c_str()), kSuccess);
+  ASSERT_EQ(TagsOf(reader), "PDYE BKGD PDYE BKGD PDYE BKGD");
+  std::string names;
+  for (int i = 0; i < 6; i += 2) {
+    names += *dynamic_cast<CPureDyeComp&>(*reader.GetComponent(i)).GetRecord().entries[0].name;
+    names += *dynamic_cast<CBackgroundComp&>(*reader.GetComponent(i + 1)).GetRecord().entries->name;
+  }
+  EXPECT_EQ(names, "AABBCC");
+}
+
+TEST_F(CalibrationOfADocument, IsReplacedAmongPlaceholdersOfItsTag) {
+  document_.initTestData();
+  document_.initTestData();
+  EXPECT_EQ(document_.ReplaceBackground(&background_), kSuccess);
+  EXPECT_EQ(document_.ReplaceBackground(nullptr, &background_), kReadFailed);
+}
+
+// A list that declares less than it holds reads well, and so it can be changed.
+TEST_F(CalibrationOfADocument, PartIsReplacedInAListThatDeclaresTooLittle) {
+  document_.ReplaceCalibComponent(&dyes_, &background_);
+  for (const std::uint32_t declared : {2U, 3U, 60U, 84U, 100U}) {
+    Bytes bytes = savedDocument();
+    SetLongAt(bytes, 1024 + 4, declared);
+    WriteBytes(path_, bytes);
+    Vex2FileManager host;
+    ASSERT_EQ(host.ReadFromFile(path_.c_str()), kSuccess);
+    host.SetCalibrator("behind");
+    Vex2BGC shorter;
+    shorter.setting = declared;
+    EXPECT_EQ(host.ReplaceBackground(&shorter), kSuccess) << declared;
+    EXPECT_EQ(parts(host), "dyes 2 background 0") << declared;
+    EXPECT_EQ(host.ReplaceBackground(&background_), kSuccess) << declared;
+    EXPECT_EQ(host.ReplacePureDye(nullptr), kSuccess) << declared;
+    EXPECT_EQ(parts(host), " background 1") << declared;
+    EXPECT_EQ(host.SaveToFile(path_.c_str()), kSuccess);
+    EXPECT_EQ(tagsInFile(), "CALI CALR") << declared;
+    Vex2FileManager reader;
+    reader.ReadFromFile(path_.c_str());
+    EXPECT_EQ(parts(reader), " background 1") << declared;
+  }
+}
+
+TEST_F(CalibrationOfADocument, KeepsThePartWhoseReplacementIsRefused) {
+  document_.ReplaceBackground(&background_);
+  Bytes bytes = savedDocument();
+  SetLongAt(bytes, 1024 + 4, 0xFFFFFFFF);
+  WriteBytes(path_, bytes);
+  ASSERT_EQ(document_.ReadFromFile(path_.c_str()), kSuccess);
+  background_.SetEntryCount(2);
+  EXPECT_EQ(document_.ReplaceBackground(&background_), kWriteFailed);
+  EXPECT_EQ(parts(), " background 1");
+}
+
 TEST_F(CalibrationOfADocument, AloneIsSaved) {
   EXPECT_EQ(document_.SaveCalibrationInfo(path_.c_str()), kNotFound);
   document_.ReplaceCalibComponent(&dyes_, &background_);
@@ -196,9 +266,37 @@ TEST_F(BackgroundInAFile, ThatCannotBeReadIsAStatus) {
   EXPECT_EQ(parts(), " background 1");
 }
 
+TEST_F(BackgroundInAFile, NeedsNoHeader) {
+  WriteBytes(path_, {});
+  EXPECT_EQ(document_.ReplaceBackground(path_.c_str(), &background_), kSuccess);
+  const Bytes calibration = ReadBytes(path_);
+  EXPECT_EQ(ToBytes("CALI"), Slice(calibration, 0, 4));
+  EXPECT_EQ(calibration.size(), 8U + LongAt(calibration, 4));
+  for (const std::uint16_t entries : {std::uint16_t{1}, std::uint16_t{200}}) {
+    std::filesystem::remove(path_);
+    dyes_.SetEntryCount(entries);
+    Vex2FileManager host;
+    ASSERT_EQ(host.AppendPureDye(path_.c_str(), &dyes_), kSuccess);
+    const Bytes before = ReadBytes(path_);
+    EXPECT_EQ(host.ReplaceBackground(path_.c_str(), &background_), kSuccess) << entries;
+    EXPECT_EQ(FirstDifference(ReadBytes(path_), Join({before, calibration})), "") << entries;
+  }
+}
+
+TEST_F(BackgroundInAFile, OfAnotherSizeIsToldBeforeARefusedWrite) {
+  const Bytes before = fileWithBackground();
+  FaultyFileSystem files;
+  files.RefuseWriters(EACCES);
+  EXPECT_EQ(document_.ReplaceBackground(path_.c_str(), &background_), kWriteFailed);
+  background_.SetEntryCount(2);
+  EXPECT_EQ(document_.ReplaceBackground(path_.c_str(), &background_), kSizeDiffers);
+  EXPECT_FALSE(document_.IsOpen());
+  EXPECT_EQ(ReadBytes(path_), before);
+}
+
 TEST_F(BackgroundInAFile, OfATornFileIsLeftAlone) {
   Bytes bytes = fileWithBackground();
-  for (const std::size_t cut : {1028U, 1030U}) {
+  for (const std::size_t cut : {1028U, 1030U, 1033U}) {
     Bytes torn(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(cut));
     WriteBytes(path_, torn);
     EXPECT_EQ(document_.ReplaceBackground(path_.c_str(), &background_), kNotFound);

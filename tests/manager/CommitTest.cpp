@@ -159,6 +159,15 @@ TEST_F(CommitAcqDataFrame, ReadOnlyFileIsAFailedWrite) {
   EXPECT_EQ(file(), before);
 }
 
+TEST_F(CommitAcqDataFrame, FailedReadIsToldBeforeARefusedWrite) {
+  newRun(2);
+  WriteBytes(path_, Slice(StoredHeader(), 0, 70));
+  FaultyFileSystem files;
+  files.RefuseWriters(EACCES);
+  EXPECT_EQ(commit(0), kReadFailed);
+  EXPECT_FALSE(manager_.IsOpen());
+}
+
 TEST_F(CommitAcqDataFrame, FrameThatIsNotThereIsRefusedAndLeavesTheFile) {
   run(2, 2);
   const Bytes before = file();

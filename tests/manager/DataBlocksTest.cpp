@@ -71,6 +71,39 @@ TEST_F(DataBlocks, AppendingNothingWritesAnEmptyBlock) {
   EXPECT_EQ(FirstDifference(file(), Join({StoredHeader(1024), StoredBlock("RAWa", 0, 0)})), "");
 }
 
+TEST_F(DataBlocks, BlockThatIsWrittenIsTheOneGivenAlsoAmongOthersOfItsTag) {
+  const auto twoOfEach = {StoredBlock("RAWa", 1, 1), StoredBlock("REPr", 1, 1),
+                          StoredBlock("RAWa", 1, 2), StoredBlock("REPr", 1, 2)};
+  Data data(3, 1);
+  const std::string target = folder_ / "target.vex";
+  for (const auto type : {DataRAWa, DataREPr}) {
+    document(twoOfEach);
+    ASSERT_EQ(manager_.ReadFromFile(path_.c_str()), kSuccess);
+    WriteBytes(target, StoredHeader());
+    EXPECT_EQ(manager_.ReplaceAcquisitionDataBlock(target.c_str(), &data, type), kSuccess);
+    EXPECT_EQ(FirstDifference(Slice(ReadBytes(target), 1024, ReadBytes(target).size() - 1024),
+                              StoredBlock(type == DataRAWa ? "RAWa" : "REPr", 3, 1)),
+              "");
+  }
+  document(twoOfEach);
+  ASSERT_EQ(manager_.ReadFromFile(path_.c_str()), kSuccess);
+  WriteBytes(target, StoredHeader());
+  EXPECT_EQ(manager_.AppendAcquisitionDataBlock(target.c_str(), &data), kSuccess);
+  EXPECT_EQ(
+      FirstDifference(ReadBytes(target), Join({StoredHeader(1024), StoredBlock("RAWa", 3, 1)})),
+      "");
+}
+
+TEST_F(DataBlocks, AppendingNeedsNoPermissionToRead) {
+  document({other_});
+  FaultyFileSystem files;
+  files.RefuseReaders(EACCES);
+  Data data(3, 2);
+  EXPECT_EQ(manager_.AppendAcquisitionDataBlock(path_.c_str(), &data), kSuccess);
+  EXPECT_EQ(FirstDifference(file(), Join({StoredHeader(1035), other_, StoredBlock("RAWa", 3, 2)})),
+            "");
+}
+
 TEST_F(DataBlocks, FullSaveRecordsThePositionPastTheBlock) {
   document({});
   Data data(3, 2);
@@ -168,6 +201,20 @@ TEST_F(DataBlocks, ReplacingInAReadOnlyFileIsAFailedWrite) {
   EXPECT_EQ(replace(&data, DataRAWa), kReadFailed) << "this is said first";
 }
 
+TEST_F(DataBlocks, FailedReadIsToldBeforeARefusedWrite) {
+  FaultyFileSystem files;
+  Data data(1, 1);
+  WriteBytes(path_, Slice(StoredHeader(), 0, 70));
+  files.RefuseWriters(EACCES);
+  EXPECT_EQ(replace(&data, DataRAWa), kReadFailed);
+  Bytes torn = StoredBlock("REPr", 1, 2);
+  torn.pop_back();
+  document({torn});
+  EXPECT_EQ(replace(&data, DataREPr), kReadFailed);
+  document({ToBytes("XXXX")});
+  EXPECT_EQ(replace(&data, DataREPr), kNotFound);
+}
+
 TEST_F(DataBlocks, ReplacingAReportingBlockKeepsTheOthersBehindIt) {
   document(
       {other_, StoredBlock("RAWa", 1, 2), StoredBlock("REPr", 1, 1), StoredBlock("REPd", 1, 3)},
@@ -229,6 +276,23 @@ TEST_F(DataBlocks, ReplacingShowsTheWaitCursorAndTracesItsTime) {
   EXPECT_EQ(host_.traces[0].find(
                 "Total time needed for replacing Acquisition/Reporting Data is: days: 0, hours: "),
             0U);
+}
+
+TEST_F(DataBlocks, WaitForAReplacementEndsBeforeItsTimeIsTraced) {
+  struct OrderedHost : SilentHost {
+    std::string calls;
+    void BeginWait() override { calls += "begin "; }
+    void EndWait() override { calls += "end "; }
+    CTime Now() override {
+      if (!calls.ends_with("end ")) calls += "now ";
+      return SilentHost::Now();
+    }
+    void Trace(const std::string& /*text*/) override { calls += "trace "; }
+  } host;
+  document({});
+  Data data(1, 1);
+  EXPECT_EQ(replace(&data, DataREPr), kSuccess);
+  EXPECT_EQ(host.calls, "begin now end trace ");
 }
 
 TEST_F(DataBlocks, PositionOfABlockIsThatOfItsTag) {

@@ -55,6 +55,54 @@ class PlateLists : public TempFolderTest {
 
 using Detectors = PlateLists;
 
+// Both lists of a document that declares less for them than they hold.
+TEST_F(PlateLists, AreChangedAlsoWhereTheyDeclareTooLittle) {
+  const Vex2Detector two[] = {detector("a"), detector("b")};
+  const CString names[] = {"dye", "other"};
+  for (const std::uint32_t declared : {2U, 20U, 79U}) {
+    Vex2FileManager writer;
+    writer.UpdateDetectorList(two, 2);
+    ASSERT_EQ(writer.SaveToFile(path_.c_str()), kSuccess);
+    const std::size_t dyesAt = ReadBytes(path_).size();
+    writer.UpdateRequiredDyeList(names, 2);
+    ASSERT_EQ(writer.SaveToFile(path_.c_str()), kSuccess);
+    Bytes bytes = ReadBytes(path_);
+    SetLongAt(bytes, 1024 + 4, declared);
+    SetLongAt(bytes, dyesAt + 4, 2);
+    WriteBytes(path_, bytes);
+    ASSERT_EQ(document_.ReadFromFile(path_.c_str()), kSuccess);
+
+    Vex2Detector changed = detector("a", 5);
+    EXPECT_EQ(document_.AppendDetectorInfo(&changed), kSuccess) << declared;
+    EXPECT_EQ(detectors(), "b a ") << declared;
+    changed.comment = "longer than the one before";
+    EXPECT_EQ(document_.AppendDetectorInfo(&changed), kSuccess) << declared;
+    EXPECT_TRUE(document_.RemoveDetectorInfo("b"));
+    EXPECT_TRUE(document_.RemoveRequiredDyeInfo("dye"));
+    EXPECT_TRUE(document_.AppendRequiredDyenfo("third"));
+    document_.SetCalibrator("behind");
+    EXPECT_EQ(document_.SaveToFile(path_.c_str()), kSuccess);
+    EXPECT_EQ(savedTags(), "DETL RqDy CALR") << declared;
+    ASSERT_EQ(document_.ReadFromFile(path_.c_str()), kSuccess);
+    EXPECT_EQ(detectors(), "a ") << declared;
+    EXPECT_EQ(dyes(), "other third ") << declared;
+  }
+}
+
+TEST_F(PlateLists, DetectorStaysWhereItsReplacementIsRefused) {
+  const Vex2Detector one = detector("a");
+  document_.AppendDetectorInfo(&one);
+  ASSERT_EQ(document_.SaveToFile(path_.c_str()), kSuccess);
+  Bytes bytes = ReadBytes(path_);
+  SetLongAt(bytes, 1024 + 4, 0xFFFFFFFF);
+  WriteBytes(path_, bytes);
+  ASSERT_EQ(document_.ReadFromFile(path_.c_str()), kSuccess);
+  Vex2Detector longer = one;
+  longer.comment = "longer";
+  EXPECT_EQ(document_.AppendDetectorInfo(&longer), kWriteFailed);
+  EXPECT_EQ(detectors(), "a ");
+}
+
 TEST_F(Detectors, ThatAreAppendedStandInTheirOrder) {
   for (const char* name : {"a", "b", "A"}) {
     const Vex2Detector added = detector(name);

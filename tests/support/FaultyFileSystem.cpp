@@ -72,6 +72,7 @@ void FaultyFileSystem::Restart() {
   killAt_ = -1;
   failing_.clear();
   writersError_ = 0;
+  readersError_ = 0;
   Shorten(kNoLimit, false);
   skipsSyncs_ = false;
   keepsBytes_ = false;
@@ -143,9 +144,11 @@ auto FaultyFileSystem::stage(FileOperation operation, Call call) -> decltype(cal
 
 int FaultyFileSystem::Open(const char* path, int flags, mode_t mode) {
   const bool writes = (flags & O_ACCMODE) != O_RDONLY;
+  const bool reads = (flags & O_ACCMODE) != O_WRONLY;
   const FileCall kind = (flags & O_EXCL) != 0 ? FileCall::createNew : FileCall::open;
   return stage({.call = kind, .path = path}, [&] {
     if (writersError_ != 0 && writes) return -writersError_;
+    if (readersError_ != 0 && reads) return -readersError_;
     const int file = FileSystem::Open(path, flags, mode);
     if (file >= 0) paths_[file] = path;
     return file;

@@ -62,6 +62,8 @@ class FaultyFileSystem : public FileSystem {
   void Heal(FileCall kind) { failing_.erase(kind); }
   /// Lets every opening for writing fail, as on a document that is for reading only.
   void RefuseWriters(int error) { writersError_ = error; }
+  /// Lets every opening for reading fail, as on a document that may only be written.
+  void RefuseReaders(int error) { readersError_ = error; }
   /// Transfers move at most `bytes` at a time; and with `interrupt` every call that a signal can
   /// interrupt is interrupted once before it is carried out.
   void Shorten(std::size_t bytes, bool interrupt);
@@ -133,6 +135,7 @@ class FaultyFileSystem : public FileSystem {
   int killAt_ = -1;
   Moment moment_ = Moment::before;
   int writersError_ = 0;
+  int readersError_ = 0;
   std::size_t most_ = kNoLimit;
   bool interrupts_ = false;
   bool interruptNow_ = false;

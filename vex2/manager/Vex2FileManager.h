@@ -33,7 +33,7 @@
 #include "vex2/study/VexAnalysis.h"
 
 class AcquisitionDataComp;
-class CBackgroundComp;
+class CCalibrationComp;
 class CGlobalComp;
 class CMultiPlateComp;
 class CPlateSetupComp;
@@ -244,9 +244,10 @@ class VEX2_API Vex2FileManager : public CFile {
   int ReplacePureDye(const Vex2PureDye* record);
   int ReplaceBackground(const Vex2BGC* record);
   /// Replaces the background in memory and in the file at `path`: where a background stands alone
-  /// in the file it is overwritten in place, otherwise the whole calibration is appended. -100 when
-  /// the file is no readable document, -200 when it cannot be written, -250 when its background has
-  /// another size, -300 when it ends within a record's head; the file is then unchanged.
+  /// in the file it is overwritten in place, otherwise the whole calibration is appended, also to
+  /// a file without a header. -100 when the file cannot be opened for reading, -250 when its
+  /// background has another size, -300 when a document ends within a record, -200 when the file
+  /// cannot be written; the file is then unchanged.
   int ReplaceBackground(const char* path, const Vex2BGC* record);
   /// Put a component that stands alone in the document, in place of one of its kind, and append it
   /// to the file at `path`. 0 or -200; the document keeps the component.
@@ -504,8 +505,16 @@ class VEX2_API Vex2FileManager : public CFile {
     return dynamic_cast<Component*>(includesComponent(tag));
   }
   void appendComponent(std::unique_ptr<CComponent> component);
-  /// Removes what has the component's tag and appends the component.
+  /// Removes the first component with the component's tag and appends the component.
   void replaceComponent(std::unique_ptr<CComponent> component);
+  /// The same, and hands out the component, which stays the document's. A search by tag could find
+  /// another: documents may hold several components of a kind.
+  template <typename Component>
+  Component* replaceComponent(std::unique_ptr<Component> component) {
+    Component* added = component.get();
+    replaceComponent(std::unique_ptr<CComponent>(std::move(component)));
+    return added;
+  }
 
   /// Runs an operation that reads or writes files. Refusals of the system and memory that runs out
   /// become `failure`.
@@ -514,12 +523,16 @@ class VEX2_API Vex2FileManager : public CFile {
   int guardedFile(int failure, vex2::FunctionRef<int()> operation);
   /// Replaces the file at `path` with what `write` puts into the open manager. 0 or the status.
   int saveWhole(const char* path, vex2::FunctionRef<int()> write);
-  /// Opens the file at `path` for writing without emptying it, runs `write` with the position at
-  /// its end, and closes. -200 when it cannot be opened; a write that fails leaves the length.
-  int appendTo(const char* path, vex2::FunctionRef<int()> write);
-  /// Opens a document for in-place changes: -100 when it is no readable document, -200 when it
-  /// cannot be written, else 0 and the file is open for reading and writing.
-  int openForPatching(const char* path);
+  /// Appends the component to the file at `path`, which need not be readable. 0 or -200; a write
+  /// that fails leaves the file's length.
+  int appendRecord(const char* path, CComponent& component);
+  /// Runs `write` with the position at the open file's end, and closes. -200 when the file is not
+  /// trusted; a write that fails leaves the length.
+  int appendToOpenFile(vex2::FunctionRef<int()> write);
+  /// Opens the file at `path`, runs `look`, then `change` when `look` answers 0, and closes. -100
+  /// when the file cannot be read, the status of `look`, -200 when the file cannot be written, or
+  /// the status of `change`.
+  int changeFile(const char* path, vex2::FunctionRef<int()> look, vex2::FunctionRef<int()> change);
 
   int ReadHeaderDataHelper(Vex2HeaderData& header, CFile* file);
   int WriteHeaderDataHelper(std::uint32_t& headerBytes, CFile* file);
@@ -560,6 +573,7 @@ class VEX2_API Vex2FileManager : public CFile {
   static constexpr std::uint64_t kAcquisitionDataOffsetAt = 68;
 
   struct BlockGeometry;
+  struct ReportingBlocks;
   struct DistrustedFile {
     Identity identity;
     bool told;  // the user knows
@@ -574,11 +588,18 @@ class VEX2_API Vex2FileManager : public CFile {
   void writeHeaderWord(std::uint64_t at, std::uint32_t word);
   int patchHeaderWord(std::uint64_t at, unsigned long value);
   int readAcqDataOffset(std::uint32_t& offset);
+  /// The same with the test of the format: -100 when the open file is no document.
+  int findRawData(std::uint32_t& offset);
   std::uint32_t documentPosition(std::uint64_t position) const;
-  int setBlock(Vex2DataType type, const Vex2AcquisitionData* data);
+  int replaceBlock(const char* path, const Vex2AcquisitionData* data, Vex2DataType type);
+  int setBlock(Vex2DataType type, const Vex2AcquisitionData* data, AcquisitionDataComp*& block);
   int writeRawData(AcquisitionDataComp& block, std::uint64_t place);
-  int replaceRawData(AcquisitionDataComp& block);
-  int replaceReportingData(AcquisitionDataComp& block);
+  int replaceRawData(const char* path, AcquisitionDataComp& block);
+  int overwriteRawData(AcquisitionDataComp& block, std::uint32_t offset);
+  int replaceReportingData(const char* path, AcquisitionDataComp& block);
+  static int readReportingBlocks(CFile& file, ReportingBlocks& found);
+  int rewriteReportingData(AcquisitionDataComp& block, ReportingBlocks& kept,
+                           const Vex2HeaderData& header);
   int commitFrame(AcquisitionDataComp& block, int frameIndex, std::uint32_t offset);
   int appendFrame(AcquisitionDataComp& block, int frameIndex, std::uint32_t offset);
   void patchWord(std::uint64_t offset, std::uint32_t word);
@@ -609,10 +630,10 @@ class VEX2_API Vex2FileManager : public CFile {
   void changeSettings(vex2::FunctionRef<void(Vex2GlobalComplex&)> change);
   bool hasStatus(std::string_view status) const;
   template <typename Component, typename Record>
-  int replaceCalibrationPart(const Record* record);
+  int replaceCalibrationPart(const Record* record, CCalibrationComp*& calibration);
   template <typename Component, typename Record>
   int appendAlone(const char* path, const Record* record);
-  int patchBackground(CBackgroundComp* background);
+  int patchBackground(CCalibrationComp& calibration, std::uint64_t position);
   int findBackground(std::uint32_t length, std::uint64_t& position);
   CMultiPlateComp* findPlates() const;
   bool addPlate(const CString& name, const Vex2FileManager& plate, const CString& lastModified);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 #include "vex2/container/CSkippedComp.h"
 #include "vex2/container/Encoding.h"
@@ -25,13 +26,15 @@ std::unique_ptr<AcquisitionDataComp> makeBlock(Vex2DataType type, const Vex2Acqu
                          : std::make_unique<AcquisitionDataComp>(tag);
 }
 
-// The reporting blocks of a file, and where the first of them stands; 0 when there is none.
-struct ReportingBlocks {
+}  // namespace
+
+/// The reporting blocks of a file, and where the first of them stands; 0 when there is none.
+struct Vex2FileManager::ReportingBlocks {
   std::vector<std::unique_ptr<AcquisitionDataComp>> blocks;
   std::uint64_t start = 0;
 };
 
-int readReportingBlocks(CFile& file, ReportingBlocks& found) {
+int Vex2FileManager::readReportingBlocks(CFile& file, ReportingBlocks& found) {
   while (true) {
     const auto bytes = file.Peek(vex2::kTagLength);
     if (bytes.size() < vex2::kTagLength) return kSuccess;
@@ -48,26 +51,30 @@ int readReportingBlocks(CFile& file, ReportingBlocks& found) {
   }
 }
 
-}  // namespace
-
 AcquisitionDataComp* Vex2FileManager::findBlock(Vex2DataType type) const {
   return find<AcquisitionDataComp>(vex2::TagAt(type));
 }
 
-int Vex2FileManager::setBlock(Vex2DataType type, const Vex2AcquisitionData* data) {
+int Vex2FileManager::setBlock(Vex2DataType type, const Vex2AcquisitionData* data,
+                              AcquisitionDataComp*& block) {
   if (vex2::TagAt(type).empty()) return vex2::kNotFound;
   return guarded(vex2::kWriteFailed, [&] {
-    replaceComponent(makeBlock(type, data));
+    block = replaceComponent(makeBlock(type, data));
     return kSuccess;
   });
 }
 
 int Vex2FileManager::AppendAcquisitionDataBlock(const char* path, const Vex2AcquisitionData* data) {
-  if (const int status = setBlock(DataRAWa, data); status != kSuccess) return status;
-  AcquisitionDataComp* block = findBlock(DataRAWa);
-  return appendTo(path, [&] {
+  AcquisitionDataComp* block = nullptr;
+  if (const int status = setBlock(DataRAWa, data, block); status != kSuccess) return status;
+  // For reading, too, where that is allowed: a block looks for what an interrupted commit left.
+  constexpr unsigned kFlags =
+      modeReadWrite | modeCreate | modeNoTruncate | typeBinary | shareExclusive;
+  const bool isReadable = openKeepingPath(path, kFlags);
+  if (!isReadable && SafeOpen(path, 1, 1) == 0) return vex2::kWriteFailed;
+  return appendToOpenFile([&] {
     std::uint32_t offset = 0;
-    const bool isFirst = readAcqDataOffset(offset) == kSuccess && offset == 0;
+    const bool isFirst = isReadable && readAcqDataOffset(offset) == kSuccess && offset == 0;
     return writeRawData(*block, isFirst ? endOfWhatCounts(*block, offset) : GetLength());
   });
 }
@@ -99,20 +106,28 @@ int Vex2FileManager::RemoveAcquisitionDataBlock(Vex2DataType type) {
 
 int Vex2FileManager::ReplaceAcquisitionDataBlock(const char* path, const Vex2AcquisitionData* data,
                                                  Vex2DataType type) {
-  const CWaitCursor wait;
+  // The wait ends before the trace is sent.
+  std::optional<CWaitCursor> wait(std::in_place);
   const vex2::TracedTime time("replacing Acquisition/Reporting Data");
-  if (const int status = setBlock(type, data); status != kSuccess) return status;
-  AcquisitionDataComp* block = findBlock(type);
-  if (block == nullptr) return vex2::kNotFound;
-  if (const int status = openForPatching(path); status != kSuccess) return status;
-  return guardedFile(vex2::kWriteFailed, [&] {
-    return type == DataRAWa ? replaceRawData(*block) : replaceReportingData(*block);
-  });
+  const int status = replaceBlock(path, data, type);
+  wait.reset();
+  return status;
 }
 
-int Vex2FileManager::replaceRawData(AcquisitionDataComp& block) {
+int Vex2FileManager::replaceBlock(const char* path, const Vex2AcquisitionData* data,
+                                  Vex2DataType type) {
+  AcquisitionDataComp* block = nullptr;
+  if (const int status = setBlock(type, data, block); status != kSuccess) return status;
+  return type == DataRAWa ? replaceRawData(path, *block) : replaceReportingData(path, *block);
+}
+
+int Vex2FileManager::replaceRawData(const char* path, AcquisitionDataComp& block) {
   std::uint32_t offset = 0;
-  if (const int status = readAcqDataOffset(offset); status != kSuccess) return status;
+  return changeFile(
+      path, [&] { return findRawData(offset); }, [&] { return overwriteRawData(block, offset); });
+}
+
+int Vex2FileManager::overwriteRawData(AcquisitionDataComp& block, std::uint32_t offset) {
   if (offset == 0) {
     const std::uint64_t place = endOfWhatCounts(block, offset);
     return writeAtEnd([&] { return writeRawData(block, place); });
@@ -125,11 +140,20 @@ int Vex2FileManager::replaceRawData(AcquisitionDataComp& block) {
   });
 }
 
-int Vex2FileManager::replaceReportingData(AcquisitionDataComp& block) {
-  Vex2HeaderData header;
-  if (const int status = ReadHeaderData(header, nullptr); status != kSuccess) return status;
-  ReportingBlocks kept;
-  if (const int status = readReportingBlocks(*this, kept); status != kSuccess) return status;
+int Vex2FileManager::replaceReportingData(const char* path, AcquisitionDataComp& block) {
+  return guarded(vex2::kWriteFailed, [&] {
+    Vex2HeaderData header;
+    ReportingBlocks kept;
+    const auto look = [&] {
+      const int status = ReadHeaderData(header, nullptr);
+      return status == kSuccess ? readReportingBlocks(*this, kept) : status;
+    };
+    return changeFile(path, look, [&] { return rewriteReportingData(block, kept, header); });
+  });
+}
+
+int Vex2FileManager::rewriteReportingData(AcquisitionDataComp& block, ReportingBlocks& kept,
+                                          const Vex2HeaderData& header) {
   if (kept.start == 0) return writeAtEnd([&] { return block.Write(this); });
   const auto old = std::find_if(kept.blocks.begin(), kept.blocks.end(), [&](const auto& candidate) {
     return candidate->GetTag() == block.GetTag();

@@ -35,39 +35,45 @@ int Vex2FileManager::ReplaceCalibComponent(const Vex2PureDye* pureDye, const Vex
   });
 }
 
+// `calibration` becomes the one that was changed.
 template <typename Component, typename Record>
-int Vex2FileManager::replaceCalibrationPart(const Record* record) {
+int Vex2FileManager::replaceCalibrationPart(const Record* record, CCalibrationComp*& calibration) {
   return guarded(vex2::kWriteFailed, [&] {
     std::unique_ptr<CComponent> part;
     if (record != nullptr) part = std::make_unique<Component>(*record);
-    auto* calibration = find<CCalibrationComp>(kTag);
+    calibration = find<CCalibrationComp>(kTag);
     if (calibration == nullptr) {
-      replaceComponent(std::make_unique<CCalibrationComp>());
-      calibration = find<CCalibrationComp>(kTag);
+      calibration = replaceComponent(std::make_unique<CCalibrationComp>());
     }
-    calibration->Remove(Component::kTag);
-    const bool added = part == nullptr || calibration->AddChild(std::move(part));
-    return added ? kSuccess : vex2::kWriteFailed;
+    const int old = calibration->FindIndex(Component::kTag);
+    if (part == nullptr) {
+      calibration->RemoveChild(old);
+      return kSuccess;
+    }
+    return calibration->ReplaceChild(old, std::move(part)) ? kSuccess : vex2::kWriteFailed;
   });
 }
 
 int Vex2FileManager::ReplacePureDye(const Vex2PureDye* record) {
-  return replaceCalibrationPart<CPureDyeComp>(record);
+  CCalibrationComp* calibration = nullptr;
+  return replaceCalibrationPart<CPureDyeComp>(record, calibration);
 }
 
 int Vex2FileManager::ReplaceBackground(const Vex2BGC* record) {
-  return replaceCalibrationPart<CBackgroundComp>(record);
+  CCalibrationComp* calibration = nullptr;
+  return replaceCalibrationPart<CBackgroundComp>(record, calibration);
 }
 
 template <typename Component, typename Record>
 int Vex2FileManager::appendAlone(const char* path, const Record* record) {
+  Component* added = nullptr;
   const int status = guarded(vex2::kWriteFailed, [&] {
-    replaceComponent(record != nullptr ? std::make_unique<Component>(*record)
-                                       : std::make_unique<Component>());
+    added = replaceComponent(record != nullptr ? std::make_unique<Component>(*record)
+                                               : std::make_unique<Component>());
     return kSuccess;
   });
   if (status != kSuccess) return status;
-  return appendTo(path, [this] { return includesComponent(Component::kTag)->Write(this); });
+  return appendRecord(path, *added);
 }
 
 int Vex2FileManager::AppendPureDye(const char* path, const Vex2PureDye* record) {
@@ -79,17 +85,22 @@ int Vex2FileManager::AppendBackground(const char* path, const Vex2BGC* record) {
 }
 
 int Vex2FileManager::ReplaceBackground(const char* path, const Vex2BGC* record) {
-  if (const int status = ReplaceBackground(record); status != kSuccess) return status;
-  if (const int status = openForPatching(path); status != kSuccess) return status;
-  CBackgroundComp* background = find<CCalibrationComp>(kTag)->Find<CBackgroundComp>();
-  return guardedFile(vex2::kWriteFailed, [&] { return patchBackground(background); });
+  CCalibrationComp* calibration = nullptr;
+  if (const int status = replaceCalibrationPart<CBackgroundComp>(record, calibration);
+      status != kSuccess) {
+    return status;
+  }
+  const auto* background = calibration->Find<CBackgroundComp>();
+  const std::uint32_t length = background != nullptr ? background->GetLength() : 0;
+  std::uint64_t position = 0;
+  return changeFile(
+      path, [&] { return findBackground(length, position); },
+      [&] { return patchBackground(*calibration, position); });
 }
 
-int Vex2FileManager::patchBackground(CBackgroundComp* background) {
-  std::uint64_t position = 0;
-  const std::uint32_t length = background != nullptr ? background->GetLength() : 0;
-  if (const int status = findBackground(length, position); status != kSuccess) return status;
-  if (position == 0) return writeAtEnd([this] { return includesComponent(kTag)->Write(this); });
+int Vex2FileManager::patchBackground(CCalibrationComp& calibration, std::uint64_t position) {
+  if (position == 0) return writeAtEnd([&] { return calibration.Write(this); });
+  CBackgroundComp* background = calibration.Find<CBackgroundComp>();
   if (background == nullptr) return kSuccess;
   return rewrite(GetLength(), [&] {
     Seek(static_cast<std::int64_t>(position), begin);
@@ -99,6 +110,7 @@ int Vex2FileManager::patchBackground(CBackgroundComp* background) {
 
 // The position of the first background that stands alone in the open file, 0 when there is none.
 int Vex2FileManager::findBackground(std::uint32_t length, std::uint64_t& position) {
+  const bool isDocument = IsVex2Format();
   Seek(kHeaderBytes, begin);
   while (GetRemaining() > 0) {
     const std::uint64_t start = GetPosition();
@@ -110,8 +122,9 @@ int Vex2FileManager::findBackground(std::uint32_t length, std::uint64_t& positio
       position = start;
       return found == length ? kSuccess : vex2::kSizeDiffers;
     }
-    // What was appended behind a record that the file does not hold whole would be lost in it.
-    if (!vex2::HasBytesLeft(*this, found)) return vex2::kReadFailed;
+    // What was appended behind a record that the document does not hold whole would be lost in it.
+    // A file without a header holds no records there.
+    if (isDocument && !vex2::HasBytesLeft(*this, found)) return kNotFound;
     Seek(found, current);
   }
   return kSuccess;

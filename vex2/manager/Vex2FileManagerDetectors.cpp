@@ -49,7 +49,7 @@ bool Vex2FileManager::RemoveDetectorInfo(const CString& name) {
 int Vex2FileManager::AppendDetectorListToFile(const char* path) {
   auto* detectors = find<CDetectorListComp>(kTag);
   if (detectors == nullptr) return kNotFound;
-  return appendTo(path, [&] { return detectors->Write(this); });
+  return appendRecord(path, *detectors);
 }
 
 int Vex2FileManager::GetNumberOfDetectors(int& count) const {

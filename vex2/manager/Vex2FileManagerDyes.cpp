@@ -42,7 +42,7 @@ bool Vex2FileManager::RemoveRequiredDyeInfo(const CString& dye) {
 int Vex2FileManager::AppendRequiredDyeListToFile(const char* path) {
   auto* dyes = find<CRequiredDyesComp>(kTag);
   if (dyes == nullptr) return kNotFound;
-  return appendTo(path, [&] { return dyes->Write(this); });
+  return appendRecord(path, *dyes);
 }
 
 int Vex2FileManager::GetNumberOfRequiredDyes(int& count) const {

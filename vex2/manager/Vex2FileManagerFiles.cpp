@@ -62,11 +62,12 @@ int Vex2FileManager::guardedFile(int failure, vex2::FunctionRef<int()> operation
 }
 
 bool Vex2FileManager::openKeepingPath(const char* path, unsigned flags) {
+  if (path == nullptr) return false;
   const bool isOpen = guarded(0, [&] {
                         // The path may be the one that is held.
                         const CString kept(path);
                         filePath_ = kept;
-                        return path != nullptr && Open(kept.GetString(), flags) ? 1 : 0;
+                        return Open(kept.GetString(), flags) ? 1 : 0;
                       }) == 1;
   // Memory that ran out half-way must not leave a file that is open and locked.
   if (!isOpen) Abort();
@@ -82,24 +83,24 @@ int Vex2FileManager::SafeOpen(const char* path, int write, int append) {
   return 1;
 }
 
-int Vex2FileManager::openForPatching(const char* path) {
+int Vex2FileManager::changeFile(const char* path, vex2::FunctionRef<int()> look,
+                                vex2::FunctionRef<int()> change) {
   // One open for looking and writing: between two of them another program could replace the file.
-  int refusal = vex2::kReadFailed;
-  if (!openKeepingPath(path, modeReadWrite | typeBinary | shareExclusive)) {
-    if (path == nullptr || SafeOpen(path, 0, 0) == 0) return vex2::kReadFailed;
-    if (IsVex2Format()) refusal = vex2::kWriteFailed;
-  } else if (IsVex2Format()) {
-    return refusesChanges() ? vex2::kWriteFailed : kSuccess;
-  }
-  Abort();
-  return refusal;
+  const bool isWritable = openKeepingPath(path, modeReadWrite | typeBinary | shareExclusive);
+  if (!isWritable && SafeOpen(path, 0, 0) == 0) return vex2::kReadFailed;
+  return guardedFile(vex2::kWriteFailed, [&] {
+    if (const int status = guarded(vex2::kReadFailed, look); status != kSuccess) return status;
+    if (!isWritable || refusesChanges()) return static_cast<int>(vex2::kWriteFailed);
+    return change();
+  });
 }
 
-int Vex2FileManager::appendTo(const char* path, vex2::FunctionRef<int()> write) {
-  // For reading, too: a data block looks for what an interrupted one left.
-  constexpr unsigned kFlags =
-      modeReadWrite | modeCreate | modeNoTruncate | typeBinary | shareExclusive;
-  if (!openKeepingPath(path, kFlags)) return vex2::kWriteFailed;
+int Vex2FileManager::appendRecord(const char* path, CComponent& component) {
+  if (SafeOpen(path, 1, 1) == 0) return vex2::kWriteFailed;
+  return appendToOpenFile([&] { return component.Write(this); });
+}
+
+int Vex2FileManager::appendToOpenFile(vex2::FunctionRef<int()> write) {
   if (refusesChanges()) return vex2::kWriteFailed;
   const int status = writeAtEnd(write);
   return guardedFile(vex2::kWriteFailed, [status] { return status; });

@@ -71,14 +71,10 @@ int Vex2FileManager::CommitAcqDataFrame(const char* path, int frameIndex, Vex2Da
   AcquisitionDataComp* block = findBlock(type);
   if (block == nullptr) return kNotFound;
   if (type != DataRAWa) return kSuccess;
-  if (const int status = openForPatching(path); status != kSuccess) return status;
   std::uint32_t offset = 0;
-  const int read = guarded(vex2::kReadFailed, [&] { return readAcqDataOffset(offset); });
-  if (read != kSuccess) {
-    Abort();
-    return read;
-  }
-  return guardedFile(vex2::kWriteFailed, [&] { return commitFrame(*block, frameIndex, offset); });
+  return changeFile(
+      path, [&] { return findRawData(offset); },
+      [&] { return commitFrame(*block, frameIndex, offset); });
 }
 
 int Vex2FileManager::commitFrame(AcquisitionDataComp& block, int frameIndex, std::uint32_t offset) {

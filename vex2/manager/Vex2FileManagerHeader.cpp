@@ -196,3 +196,7 @@ int Vex2FileManager::readAcqDataOffset(std::uint32_t& offset) {
   Seek(kAcquisitionDataOffsetAt, begin);
   return vex2::ReadValue(*this, offset);
 }
+
+int Vex2FileManager::findRawData(std::uint32_t& offset) {
+  return IsVex2Format() ? readAcqDataOffset(offset) : vex2::kReadFailed;
+}

@@ -36,7 +36,7 @@ int Vex2FileManager::ReplaceGlobalComplexComp(const Vex2GlobalComplex* info) {
 
 int Vex2FileManager::AppendGlobalComplexComp(const char* path, const Vex2GlobalComplex* info) {
   if (const int status = ReplaceGlobalComplexComp(info); status != kSuccess) return status;
-  return appendTo(path, [this] { return includesComponent("GLBL")->Write(this); });
+  return appendRecord(path, *includesComponent("GLBL"));
 }
 
 int Vex2FileManager::GetMaxDyesPerWell(int& count) const {

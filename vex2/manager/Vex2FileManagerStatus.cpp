@@ -37,14 +37,16 @@ int Vex2FileManager::SetAcquisitionStatus(const char* status) {
 
 int Vex2FileManager::SetAcquisitionStatus(const char* path, const char* status) {
   if (SetAcquisitionStatus(status) != vex2::kSuccess) return vex2::kWriteFailed;
-  if (openForPatching(path) != vex2::kSuccess) return vex2::kWriteFailed;
-  return guardedFile(vex2::kWriteFailed, [this] {
-    if (GetLength() <= kStatusAt) return static_cast<int>(vex2::kWriteFailed);
+  const auto look = [this] {
+    return IsVex2Format() && GetLength() > kStatusAt ? vex2::kSuccess : vex2::kWriteFailed;
+  };
+  const int result = changeFile(path, look, [this] {
     Seek(kStatusAt, begin);
     Write(header_.acquisitionStatus, kStatusLength);
     barrier();
-    return static_cast<int>(vex2::kSuccess);
+    return vex2::kSuccess;
   });
+  return result == vex2::kSuccess ? vex2::kSuccess : vex2::kWriteFailed;
 }
 
 bool Vex2FileManager::IsAcquisitionZero() const {

@@ -50,9 +50,9 @@ bool Vex2FileManager::addPlate(const CString& name, const Vex2FileManager& plate
   added->SetPlate(name, plate, lastModified);
   decltype(analysisMap_) storage;
   storage.emplace(name, std::make_unique<VexAnalysis>(GetPlateSize()));
-  if (findPlates() == nullptr) replaceComponent(std::make_unique<CMultiPlateComp>());
   CMultiPlateComp* plates = findPlates();
-  if (plates == nullptr || !plates->AddPlate(std::move(added))) return false;
+  if (plates == nullptr) plates = replaceComponent(std::make_unique<CMultiPlateComp>());
+  if (!plates->AddPlate(std::move(added))) return false;
   analysisMap_.merge(storage);
   return true;
 }
