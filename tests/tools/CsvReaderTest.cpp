@@ -56,13 +56,14 @@ TEST_F(ReadCsvTest, PassesOverAByteOrderMark) {
   EXPECT_EQ(Read("\xEF\xBB\xBF"
                  "a,b\n1,2\n"),
             (Rows{{"1", "2"}}));
-  EXPECT_THAT(Refusal("\xEF\xBB"), EndsWith("row 1: has no column 'a'"));
+  EXPECT_THAT(Refusal("\xEF\xBB"), HasSubstr("at byte 0: row 1: these bytes are not UTF-8"));
 }
 
 TEST_F(ReadCsvTest, FindsColumnsByNameAndPassesOverOthers) {
   EXPECT_EQ(Read("x,b,y,a\n0,2,0,1\n"), (Rows{{"1", "2"}}));
   EXPECT_THAT(Refusal("a,c\n1,2\n"), HasSubstr("some.csv: row 1: has no column 'b'"));
-  EXPECT_THAT(Refusal("a,b,a\n1,2,3\n"), EndsWith("row 1: has the column 'a' twice"));
+  EXPECT_THAT(Refusal("a,b,a\n1,2,3\n"),
+              HasSubstr("row 1: has the column 'a' twice, as fields 1 and 3"));
 }
 
 TEST_F(ReadCsvTest, OptionalColumnsMayBeMissing) {
@@ -91,7 +92,7 @@ TEST_F(ReadCsvTest, ReadingEndsWhenTheCallerWaitsNoLonger) {
 
 TEST_F(ReadCsvTest, RowOfAnotherLengthIsRefused) {
   EXPECT_THAT(Refusal("a,b\n1,2\n3\n"), EndsWith("row 3: has 1 fields where the first row has 2"));
-  EXPECT_THAT(Refusal("a,b\n1,2,3\n"), EndsWith("row 2: has 3 fields where the first row has 2"));
+  EXPECT_THAT(Refusal("a,b\n1,2,3\n"), HasSubstr("row 2: has 3 fields where the first row has 2"));
 }
 
 TEST_F(ReadCsvTest, EmptyFileIsRefused) {

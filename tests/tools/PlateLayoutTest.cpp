@@ -23,3 +23,14 @@ TEST(WellName, NamesLeadBackToTheirNumbers) {
     EXPECT_EQ(WellNumber(name, 8, 12), std::nullopt) << name;
   }
 }
+
+TEST(WellName, IsFoundAsPeopleWriteIt) {
+  for (const char* name : {"A1", "a1", "A01", "a001"}) {
+    EXPECT_EQ(kPlate96.FindAsWritten(name), 1) << name;
+  }
+  EXPECT_EQ(kPlate96.FindAsWritten("h12"), 96);
+  EXPECT_EQ(kPlate96.FindAsWritten("A10"), 10);
+  for (const char* name : {"", "A", "A0", "A00", "A013", "1A", "A 1"}) {
+    EXPECT_EQ(kPlate96.FindAsWritten(name), std::nullopt) << name;
+  }
+}

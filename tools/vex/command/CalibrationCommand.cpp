@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "tools/vex/command/Command.h"
+#include "tools/vex/command/CsvInput.h"
 #include "tools/vex/document/Changing.h"
 #include "tools/vex/setup/CalibrationFile.h"
 #include "tools/vex/text/Chart.h"
@@ -108,6 +109,7 @@ class CalibrationCommand final : public Command {
         .Show("FILE.csv")
         .Exclude(json)
         .Exclude(target);
+    input_.AddOptions(options);
     plate_.AddTo(options);
     changing_.AddOptions(options);
     options.PutFirst("A replaced part keeps its head, which the table does not hold.");
@@ -115,7 +117,7 @@ class CalibrationCommand final : public Command {
 
   ExitCode Run() override {
     if (!source_.empty()) {
-      const Calibration loaded = LoadCalibration(source_);
+      const Calibration loaded = LoadCalibration(source_, input_.Format(CalibrationColumns()));
       std::cout << changing_.ApplyToPlate(
           file_, plate_, [&](Vex2FileManager& plate) { return replace(plate, loaded); });
       return ExitCode::kDone;
@@ -168,6 +170,7 @@ class CalibrationCommand final : public Command {
   bool json_ = false;
   std::string target_;
   std::string source_;
+  CsvInput input_;
   PlateOption plate_;
   Changing changing_;
 };

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "tools/vex/command/Command.h"
+#include "tools/vex/command/CsvInput.h"
 #include "tools/vex/run/InterruptedRun.h"
 #include "tools/vex/run/MeasuredRun.h"
 #include "tools/vex/run/RecordProgress.h"
@@ -45,7 +46,7 @@ class RecordingCommand : public Command {
         done = state.framesDone;
         progress.Show(state);
       });
-      return recorder.Run();
+      return runTellingWhatIsSafe(recorder, done, plan.frames.size());
     }();
     if (outcome == Recorder::Outcome::kWasDone) {
       std::cout << Printable(options_.path) << ": the run is complete, nothing is left to record\n";
@@ -55,6 +56,21 @@ class RecordingCommand : public Command {
               std::to_string(plan.frames.size()) +
               " frames; the same command with --resume goes on");
     return ExitCode::kInterrupted;
+  }
+
+  // What the system refuses in the midst of a run, as a disk that is full, is no loss.
+  static Recorder::Outcome runTellingWhatIsSafe(Recorder& recorder, const std::size_t& done,
+                                                std::size_t all) {
+    try {
+      return recorder.Run();
+    } catch (const Error& error) {
+      if (error.Code() != ExitCode::kSystem || done == 0) throw;
+      throw Error(ExitCode::kSystem,
+                  std::string(error.what()) + "; " + std::to_string(done) + " of " +
+                      std::to_string(all) +
+                      " frames are safe, and the same command with --resume goes "
+                      "on");
+    }
   }
 
   RecordOptions options_;
@@ -79,6 +95,9 @@ class RecordCommand final : public RecordingCommand {
     options.Add("--scale", files_.scale, "Factor of readings; else the largest to fit 16 bits")
         .Show("N")
         .AllowRange(std::uint32_t{1}, kLargestScale);
+    input_.AddOptions(options);
+    options.Add("--wells-columns", wellsNames_, "The same of the file of the wells")
+        .Show(CsvInput::kColumnsShown);
     addRecordOptions(options);
   }
 
@@ -86,11 +105,15 @@ class RecordCommand final : public RecordingCommand {
     if (files_.readings == "-" && files_.wells == "-") {
       throw Error(ExitCode::kUsage, "only one of --readings and --wells can be standard input");
     }
+    files_.readingsFormat = input_.Format(ReadingsFileColumns());
+    files_.wellsFormat = input_.Format(WellsFileColumns(), wellsNames_, "--wells-columns");
     return record(LoadMeasuredRun(files_));
   }
 
  private:
   MeasuredRunFiles files_;
+  CsvInput input_;
+  std::string wellsNames_;
 };
 
 class SimulateCommand final : public RecordingCommand {

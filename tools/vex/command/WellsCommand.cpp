@@ -4,6 +4,7 @@
 #include <map>
 #include <set>
 
+#include "tools/vex/command/CsvInput.h"
 #include "tools/vex/command/ListingCommand.h"
 #include "tools/vex/setup/PlateContents.h"
 #include "tools/vex/setup/PlateGrid.h"
@@ -80,12 +81,13 @@ class WellsCommand final : public ListingCommand {
         .Show("WHAT");
     options.Add("--from", source_, "Replace it; well,sample,target,task,quantity,reporter")
         .Show("FILE.csv");
+    input_.AddOptions(options);
   }
 
   bool hasChanges() const override { return !source_.empty(); }
 
   std::string change(Vex2FileManager& plate) const override {
-    return replace(plate, LoadWells(source_));
+    return replace(plate, LoadWells(source_, input_.Format(WellsFileColumns())));
   }
 
   ordered_json describe(const Vex2FileManager& plate) const override {
@@ -179,6 +181,7 @@ class WellsCommand final : public ListingCommand {
 
   std::string what_ = "sample";
   std::string source_;
+  CsvInput input_;
 };
 
 }  // namespace

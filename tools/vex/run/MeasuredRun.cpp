@@ -49,12 +49,12 @@ bool isMelting(const CsvRow& row, std::size_t column) {
   return stage == "melt";
 }
 
-std::vector<Row> loadReadings(const std::string& path, const RunPlan& plan) {
+std::vector<Row> loadReadings(const MeasuredRunFiles& files, const RunPlan& plan) {
   enum Column : std::size_t { kWell, kStage, kCycle, kTime, kTemperature, kFluorescence };
   std::vector<Row> rows;
-  ReadCsv(path, {"well", "stage", "cycle", "time_s", "temperature_c", "fluorescence"},
+  ReadCsv(files.readings, {"well", "stage", "cycle", "time_s", "temperature_c", "fluorescence"},
           [&](const CsvRow& row) {
-            const auto well = plan.plate.Find(row.Text(kWell));
+            const auto well = plan.plate.FindAsWritten(row.Text(kWell));
             if (!well || !std::binary_search(plan.wells.begin(), plan.wells.end(), *well)) {
               row.RefuseField(kWell, "is not in the wells file");
             }
@@ -68,8 +68,9 @@ std::vector<Row> loadReadings(const std::string& path, const RunPlan& plan) {
             added.reading.cycle = static_cast<std::uint16_t>(row.Whole(kCycle, 1, kMostCycles));
             added.reading.time = static_cast<std::uint32_t>(std::llround(seconds * 1000));
             added.reading.temperature = static_cast<std::uint16_t>(std::llround(temperature * 100));
-          });
-  if (rows.empty()) throw Error(ExitCode::kDocument, CsvName(path), "holds no readings");
+          },
+          {.format = files.readingsFormat});
+  if (rows.empty()) throw Error(ExitCode::kDocument, CsvName(files.readings), "holds no readings");
   return rows;
 }
 
@@ -156,13 +157,19 @@ void cutIntoFrames(std::span<const Row> rows, const std::string& file, RunPlan& 
 
 }  // namespace
 
+const std::vector<std::string_view>& ReadingsFileColumns() {
+  static const std::vector<std::string_view> columns = {"well",   "stage",         "cycle",
+                                                        "time_s", "temperature_c", "fluorescence"};
+  return columns;
+}
+
 RunPlan LoadMeasuredRun(const MeasuredRunFiles& files) {
   const std::string name = CsvName(files.readings);
   RunPlan plan;
-  plan.contents = LoadWells(files.wells);
+  plan.contents = LoadWells(files.wells, files.wellsFormat);
   plan.plate = plan.contents.plate;
   plan.wells = plan.contents.Wells();
-  std::vector<Row> rows = loadReadings(files.readings, plan);
+  std::vector<Row> rows = loadReadings(files, plan);
   plan.scale = files.scale ? *files.scale : chooseScale(rows);
   applyScale(rows, plan.scale, name);
   sortIntoFrames(rows, name, plan.plate);

@@ -81,7 +81,7 @@ std::vector<std::uint32_t> valuesOf(const CsvRow& row) {
     const std::string_view text = rest.substr(0, rest.find(' '));
     rest.remove_prefix(std::min(rest.size(), text.size() + 1));
     if (text.empty()) continue;
-    if (!readValue(text, values.emplace_back())) {
+    if (!readValue(row.PointText(kValues, text), values.emplace_back())) {
       row.Refuse(Quoted(text) + " among the values is no number");
     }
   }
@@ -116,6 +116,10 @@ CalibrationEntry entryOf(const CsvRow& row, bool isDye) {
 
 }  // namespace
 
+const std::vector<std::string_view>& CalibrationColumns() {
+  return kColumns;
+}
+
 void WriteCalibrationColumns(CsvWriter& csv) {
   csv.Row("plate", {kColumns.begin(), kColumns.end()});
 }
@@ -125,18 +129,20 @@ void WriteCalibration(const Calibration& calibration, CsvWriter& csv, const std:
   if (calibration.background) writePart(*calibration.background, kBackground, csv, plate);
 }
 
-Calibration LoadCalibration(const std::string& path) {
+Calibration LoadCalibration(const std::string& path, const CsvFormat& format) {
   Calibration calibration;
-  ReadCsv(path, kColumns, [&](const CsvRow& row) {
-    const bool isDye = row.Text(kPart) == kPureDye;
-    if (!isDye && row.Text(kPart) != kBackground) {
-      row.RefuseField(kPart, "is neither 'pure-dye' nor 'background'");
-    }
-    auto& part = isDye ? calibration.pureDyes : calibration.background;
-    if (!part) part.emplace();
-    if (part->entries.size() == kMostShort) row.Refuse("a part has 65535 spectra at most");
-    part->entries.push_back(entryOf(row, isDye));
-  });
+  ReadCsv(path, kColumns,
+          [&](const CsvRow& row) {
+            const bool isDye = row.Text(kPart) == kPureDye;
+            if (!isDye && row.Text(kPart) != kBackground) {
+              row.RefuseField(kPart, "is neither 'pure-dye' nor 'background'");
+            }
+            auto& part = isDye ? calibration.pureDyes : calibration.background;
+            if (!part) part.emplace();
+            if (part->entries.size() == kMostShort) row.Refuse("a part has 65535 spectra at most");
+            part->entries.push_back(entryOf(row, isDye));
+          },
+          {.format = format});
   if (calibration.IsEmpty()) throw Error(ExitCode::kDocument, CsvName(path), "holds no spectra");
   return calibration;
 }

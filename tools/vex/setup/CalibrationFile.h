@@ -3,9 +3,13 @@
 #include <string>
 
 #include "tools/vex/setup/Calibration.h"
+#include "tools/vex/text/CsvReader.h"
 #include "tools/vex/text/CsvWriter.h"
 
 namespace vex2::tool {
+
+/// The columns of the table of spectra.
+const std::vector<std::string_view>& CalibrationColumns();
 
 /// Writes the row of column names, or a row for each spectrum, to a table that is begun. The heads
 /// are not in it.
@@ -14,6 +18,6 @@ void WriteCalibration(const Calibration& calibration, CsvWriter& csv, const std:
 
 /// Reads such a table from the file at `path`, "-" for standard input. A part without rows is
 /// nothing. Throws an error that names the row.
-Calibration LoadCalibration(const std::string& path);
+Calibration LoadCalibration(const std::string& path, const CsvFormat& format = {});
 
 }  // namespace vex2::tool

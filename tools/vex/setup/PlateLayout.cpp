@@ -1,5 +1,7 @@
 #include "tools/vex/setup/PlateLayout.h"
 
+#include <algorithm>
+
 #include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
@@ -17,6 +19,19 @@ std::optional<unsigned short> PlateLayout::Find(std::string_view wellName) const
   const auto number = WellNumber(wellName, rows, columns);
   if (!number) return std::nullopt;
   return static_cast<unsigned short>(*number);
+}
+
+std::optional<unsigned short> PlateLayout::FindAsWritten(std::string_view wellName) const {
+  std::string name;
+  for (const char letter : wellName) {
+    const bool isLower = letter >= 'a' && letter <= 'z';
+    name += isLower ? static_cast<char>(letter - 'a' + 'A') : letter;
+  }
+  const std::size_t column =
+      std::min(name.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ"), name.size());
+  const std::size_t digits = std::min(name.find_first_not_of('0', column), name.size());
+  name.erase(column, digits - column);
+  return Find(name);
 }
 
 std::string WellName(std::uint32_t number, std::uint32_t columns) {

@@ -17,6 +17,8 @@ struct PlateLayout {
   const char* TypeCode() const { return WellCount() <= 96 ? "p9C " : "p3C "; }
   std::string NameOf(unsigned well) const;
   std::optional<unsigned short> Find(std::string_view wellName) const;
+  /// The well with this name as people and other programs write it: "a1", "A01", too.
+  std::optional<unsigned short> FindAsWritten(std::string_view wellName) const;
 };
 
 inline constexpr PlateLayout kPlate96{8, 12};

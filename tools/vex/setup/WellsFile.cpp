@@ -57,7 +57,7 @@ std::string latin1(const CsvRow& row, Column column) {
 // On the largest plate, since the rows that tell the size are still to come.
 WellRow rowOf(const CsvRow& row) {
   WellRow result;
-  const auto well = kPlate384.Find(row.Text(kWell));
+  const auto well = kPlate384.FindAsWritten(row.Text(kWell));
   if (!well) row.RefuseField(kWell, "is no well of a plate, A1 to P24");
   result.well = *well;
   result.sample = latin1(row, kSample);
@@ -72,11 +72,16 @@ WellRow rowOf(const CsvRow& row) {
 
 }  // namespace
 
-PlateContents LoadWells(const std::string& path) {
+const std::vector<std::string_view>& WellsFileColumns() {
+  return kColumns;
+}
+
+PlateContents LoadWells(const std::string& path, const CsvFormat& format) {
   PlateContents contents;
   Agreement agreement;
   ReadCsv(path, kColumns,
-          [&](const CsvRow& row) { agreement.Check(row, contents.rows.emplace_back(rowOf(row))); });
+          [&](const CsvRow& row) { agreement.Check(row, contents.rows.emplace_back(rowOf(row))); },
+          {.format = format});
   auto& rows = contents.rows;
   if (rows.empty()) throw Error(ExitCode::kDocument, CsvName(path), "names no well");
   const bool fits = std::all_of(rows.begin(), rows.end(), [](const WellRow& row) {

@@ -4,15 +4,19 @@
 #include <string>
 
 #include "tools/vex/setup/PlateContents.h"
+#include "tools/vex/text/CsvReader.h"
 #include "tools/vex/text/CsvWriter.h"
 
 namespace vex2::tool {
+
+/// The columns of the wells file.
+const std::vector<std::string_view>& WellsFileColumns();
 
 /// Reads the CSV file at `path`, or standard input for "-", in the columns
 /// well,sample,target,task,quantity,reporter. A well may have several rows, one for each detector,
 /// all with one sample. The plate is the smallest that has the wells. Throws an error that names
 /// the row.
-PlateContents LoadWells(const std::string& path);
+PlateContents LoadWells(const std::string& path, const CsvFormat& format = {});
 
 /// Writes the rows in these columns. What was loaded comes out again as it was, but for the order
 /// of the wells and ways to write a number.

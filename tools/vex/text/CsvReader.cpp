@@ -1,6 +1,5 @@
 #include "tools/vex/text/CsvReader.h"
 
-#include <csv.h>
 #include <fcntl.h>
 #include <poll.h>
 #include <unistd.h>
@@ -8,14 +7,14 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cmath>
-#include <cstring>
-#include <new>
+#include <memory>
 #include <optional>
 #include <utility>
 
 #include "tools/vex/Errors.h"
-#include "tools/vex/text/Text.h"
+#include "tools/vex/text/CsvHeader.h"
+#include "tools/vex/text/CsvSplitter.h"
+#include "tools/vex/text/TextDecoder.h"
 
 namespace vex2::tool {
 
@@ -25,11 +24,11 @@ namespace {
 // end at all, and must not be taken into memory in the search for one.
 constexpr std::size_t kLongestRow = std::size_t{64} * 1024;
 constexpr int kMostWait = 100;  // milliseconds until a waiting reader asks whether to go on
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 class InputFile {
  public:
   explicit InputFile(const std::string& path) : name_(CsvName(path)) {
+    if (path.empty()) throw Error(ExitCode::kUsage, "the name of the CSV file is empty");
     handle_ = path == "-" ? ::dup(STDIN_FILENO) : ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (handle_ < 0) fail();
   }
@@ -64,146 +63,155 @@ class InputFile {
   std::array<char, 16384> buffer_;
 };
 
-// Turns bytes into rows of fields. Nothing may be thrown through the parser, which is C.
-class Splitter {
+// What people hand over in place of a CSV file, by its first bytes.
+void refuseOtherKinds(std::string_view begin, const std::string& name) {
+  const auto refuse = [&](const char* why) { throw Error(ExitCode::kDocument, name, why, 0); };
+  if (begin.starts_with("Vex2")) {
+    refuse(
+        "is a plate document, not a CSV file; 'vex export', 'vex wells --csv' and 'vex "
+        "calibration --export' make CSV files of one");
+  }
+  if (begin.starts_with("PK\x03\x04")) {
+    refuse(
+        "is a ZIP archive, as workbooks (.xlsx, .ods) are, not a CSV file; save the sheet as CSV");
+  }
+  if (begin.starts_with("\xD0\xCF\x11\xE0")) {
+    refuse("is a workbook (.xls), not a CSV file; save the sheet as CSV");
+  }
+}
+
+// The text of a file becomes rows.
+class Reader {
  public:
-  Splitter() {
-    if (csv_init(&parser_, CSV_STRICT | CSV_STRICT_FINI) != 0) throw std::bad_alloc();
+  Reader(std::string name, std::vector<std::string_view> columns, const CsvWishes& wishes,
+         const std::function<void(const CsvRow&)>& take)
+      : name_(std::move(name)),
+        format_(wishes.format),
+        take_(take),
+        header_(allOf(columns, wishes.optionalColumns), columns.size(), wishes.format.names),
+        mark_(wishes.format.decimalMark) {}
+
+  /// Takes further text, or with `isEnd` the last.
+  void Add(std::string_view text, bool isEnd) {
+    head_ += text;
+    if (!splitter_ && !begin(isEnd)) return;
+    bool good = splitter_->Feed(std::exchange(head_, {}));
+    if (good && isEnd) good = splitter_->Finish();
+    for (const CsvSplitter::Row& row : splitter_->Take()) add(row);
+    if (!good) {
+      RefuseNext(
+          "a quote stands where none can; a field with quotes in it is put in quotes, and "
+          "each quote in it written twice");
+    }
+    if (splitter_->UnfinishedBytes() > kLongestRow) RefuseNext("is too long");
   }
-  ~Splitter() { csv_free(&parser_); }
-  Splitter(const Splitter&) = delete;
-  Splitter& operator=(const Splitter&) = delete;
 
-  using Row = std::vector<std::string>;
-
-  /// Takes further bytes, or the end when there are none. False when they are no CSV; the rows
-  /// before the mistake are there also then.
-  bool Feed(std::string_view bytes) {
-    const bool good = bytes.empty() ? csv_fini(&parser_, onField, onRow, this) == 0
-                                    : csv_parse(&parser_, bytes.data(), bytes.size(), onField,
-                                                onRow, this) == bytes.size();
-    if (outOfMemory_ || csv_error(&parser_) == CSV_ENOMEM) throw std::bad_alloc();
-    return good;
+  [[noreturn]] void RefuseNext(const std::string& why,
+                               std::optional<std::uint64_t> offset = std::nullopt) const {
+    throw Error(ExitCode::kDocument, name_, "row " + std::to_string(number_ + 1) + ": " + why,
+                offset);
   }
-
-  /// The rows that were completed since the last call.
-  std::vector<Row> Take() { return std::exchange(rows_, {}); }
-  std::size_t UnfinishedBytes() const { return rowBytes_ + parser_.entry_pos; }
+  std::size_t RowCount() const { return number_; }
 
  private:
-  static void onField(void* text, std::size_t length, void* self) noexcept {
-    auto& splitter = *static_cast<Splitter*>(self);
-    splitter.guarded([&] {
-      splitter.row_.emplace_back(static_cast<const char*>(text), length);
-      splitter.rowBytes_ += length + 1;
-    });
+  static std::vector<std::string_view> allOf(std::vector<std::string_view> needed,
+                                             const std::vector<std::string_view>& optional) {
+    needed.insert(needed.end(), optional.begin(), optional.end());
+    return needed;
   }
-  static void onRow(int /*end*/, void* self) noexcept {
-    auto& splitter = *static_cast<Splitter*>(self);
-    splitter.guarded([&] { splitter.rows_.push_back(std::exchange(splitter.row_, {})); });
-    splitter.rowBytes_ = 0;
-  }
-  template <typename Operation>
-  void guarded(Operation operation) noexcept {
-    try {
-      operation();
-    } catch (...) {
-      outOfMemory_ = true;
+
+  // Gathers text until there is a line to tell the delimiter by. False while there is none.
+  bool begin(bool isEnd) {
+    head_.erase(0, std::min(head_.find_first_not_of("\r\n"), head_.size()));
+    const std::size_t end = endOfLine();
+    if (end == std::string::npos && !isEnd && head_.size() <= kLongestRow) return false;
+    char delimiter = format_.delimiter;
+    const std::string_view line = std::string_view(head_).substr(0, end);
+    const char stated = statedDelimiter(line);
+    if (delimiter == 0) delimiter = stated;
+    if (delimiter == 0) {
+      const auto found = header_.DelimiterOf(line);
+      if (!found) {
+        RefuseNext(
+            "it cannot be told whether fields are parted by comma, semicolon or tab; say so "
+            "with --delimiter");
+      }
+      delimiter = *found;
     }
+    if (stated != 0) head_.erase(0, line.size());
+    if (delimiter == ',' && format_.decimalMark == 0) mark_ = DecimalMark('.');
+    splitter_.emplace(delimiter);
+    delimiter_ = delimiter;
+    return true;
   }
 
-  csv_parser parser_{};
-  Row row_;
-  std::size_t rowBytes_ = 0;
-  std::vector<Row> rows_;
-  bool outOfMemory_ = false;
-};
-
-class Table {
- public:
-  Table(std::string name, std::vector<std::string_view> columns,
-        const std::vector<std::string_view>& optionalColumns)
-      : name_(std::move(name)), columns_(std::move(columns)), needed_(columns_.size()) {
-    columns_.insert(columns_.end(), optionalColumns.begin(), optionalColumns.end());
+  // Where the first line ends, which may have line ends within quotes.
+  std::size_t endOfLine() const {
+    bool isQuoted = false;
+    for (std::size_t i = 0; i < head_.size(); ++i) {
+      if (head_[i] == '"') isQuoted = !isQuoted;
+      if (!isQuoted && (head_[i] == '\r' || head_[i] == '\n')) return i;
+    }
+    return std::string::npos;
   }
 
-  void Add(const Splitter::Row& row, const std::function<void(const CsvRow&)>& take) {
-    ++number_;
-    if (number_ == 1) {
-      takeNames(row);
+  // Spreadsheets put "sep=;" in front of the names.
+  static char statedDelimiter(std::string_view line) {
+    constexpr std::string_view kStated = "sep=";
+    const bool isStated = line.size() == kStated.size() + 1 && line.starts_with(kStated);
+    return isStated ? line.back() : '\0';
+  }
+
+  void add(const CsvSplitter::Row& row) {
+    if (number_ == 0) {
+      if (const auto why = header_.Find(row)) RefuseNext(*why);
+      ++number_;
       return;
     }
-    if (row.size() != width_) {
-      Refuse(number_, "has " + std::to_string(row.size()) + " fields where the first row has " +
-                          std::to_string(width_));
+    // Spreadsheets leave rows of nothing but delimiters where cells were emptied.
+    const auto isEmpty = [](const std::string& field) { return field.empty(); };
+    if (row.size() > 1 && std::all_of(row.begin(), row.end(), isEmpty)) {
+      ++number_;
+      return;
     }
-    std::vector<std::string_view> fields;
-    for (const std::size_t place : places_) {
-      if (place == kNowhere) {
-        fields.emplace_back();
-        continue;
-      }
-      if (row[place].find('\0') != std::string::npos) Refuse(number_, "holds a zero byte");
-      fields.emplace_back(row[place]);
+    if (row.size() != header_.Width()) {
+      RefuseNext("has " + std::to_string(row.size()) + " fields where the first row has " +
+                 std::to_string(header_.Width()) + hintForWidth(row));
     }
-    take(CsvRow(name_, number_, std::move(fields), columns_));
+    std::vector<std::string_view> fields = header_.FieldsOf(row);
+    for (const std::string_view field : fields) {
+      if (field.find('\0') != std::string_view::npos) RefuseNext("holds a zero byte");
+    }
+    ++number_;
+    take_(CsvRow(name_, number_, std::move(fields), header_.Columns(), mark_));
   }
 
-  std::size_t RowCount() const { return number_; }
-  [[noreturn]] void Refuse(std::size_t row, const std::string& why) const {
-    throw Error(ExitCode::kDocument, name_, "row " + std::to_string(row) + ": " + why);
+  std::string hintForWidth(const CsvSplitter::Row& row) const {
+    const bool mayBeDecimals = delimiter_ == ',' && row.size() > header_.Width();
+    return mayBeDecimals ? "; numbers with a decimal comma must be in quotes (then use --decimal "
+                           "comma), or fields parted by semicolons"
+                         : "";
   }
-
- private:
-  void takeNames(const Splitter::Row& names) {
-    width_ = names.size();
-    for (const std::string_view column : columns_) {
-      const auto found = std::find(names.begin(), names.end(), column);
-      if (found == names.end()) {
-        if (places_.size() < needed_) Refuse(1, "has no column " + Quoted(column));
-        places_.push_back(kNowhere);
-        continue;
-      }
-      if (std::find(found + 1, names.end(), column) != names.end()) {
-        Refuse(1, "has the column " + Quoted(column) + " twice");
-      }
-      places_.push_back(static_cast<std::size_t>(found - names.begin()));
-    }
-  }
-
-  static constexpr std::size_t kNowhere = std::string::npos;
 
   std::string name_;
-  std::vector<std::string_view> columns_;
-  std::size_t needed_;  ///< of the columns, the first ones
-  std::vector<std::size_t> places_;
-  std::size_t width_ = 0;
+  const CsvFormat& format_;
+  const std::function<void(const CsvRow&)>& take_;
+  CsvHeader header_;
+  DecimalMark mark_;
+  std::string head_;
+  std::optional<CsvSplitter> splitter_;
+  char delimiter_ = 0;
   std::size_t number_ = 0;
 };
 
-// The mark may come in pieces when the input is a pipe.
-class MarkStripper {
- public:
-  /// The bytes behind the mark; `text` must outlive the result.
-  std::string_view operator()(std::string_view text) {
-    if (done_) return text;
-    head_ += text;
-    if (!text.empty() && head_.size() < kByteOrderMark.size() &&
-        kByteOrderMark.substr(0, head_.size()) == head_) {
-      return {};
-    }
-    done_ = true;
-    std::string_view rest = head_;
-    if (rest.substr(0, kByteOrderMark.size()) == kByteOrderMark) {
-      rest.remove_prefix(kByteOrderMark.size());
-    }
-    return rest;
-  }
-
- private:
-  std::string head_;
-  bool done_ = false;
-};
+[[noreturn]] void refuseBytes(const Reader& reader, const TextDecoder& decoder) {
+  const bool isGuess = decoder.Encoding() == "UTF-8";
+  reader.RefuseNext("these bytes are not " + decoder.Encoding() +
+                        (isGuess ? "; when the file is Latin-1, use --encoding latin1 (of Windows: "
+                                   "--encoding windows-1252)"
+                                 : "; say which encoding the file has with --encoding"),
+                    decoder.FaultOffset());
+}
 
 }  // namespace
 
@@ -211,63 +219,28 @@ std::string CsvName(const std::string& path) {
   return path == "-" ? "standard input" : path;
 }
 
-std::string Quoted(std::string_view text) {
-  constexpr std::size_t kMost = 40;
-  const std::string shown(text.substr(0, kMost));
-  return text.size() > kMost ? "'" + shown + "...'" : "'" + shown + "'";
-}
-
-void CsvRow::Refuse(const std::string& why) const {
-  throw Error(ExitCode::kDocument, file_, "row " + std::to_string(number_) + ": " + why);
-}
-
-void CsvRow::RefuseField(std::size_t column, const std::string& why) const {
-  Refuse(std::string(names_[column]) + " " + Quoted(Text(column)) + " " + why);
-}
-
-double CsvRow::AnyDecimal(std::size_t column) const {
-  const auto value = NumberIn<double>(Text(column));
-  if (!value || !std::isfinite(*value)) RefuseField(column, "is no number");
-  return *value;
-}
-
-double CsvRow::Decimal(std::size_t column, double most) const {
-  const double value = AnyDecimal(column);
-  if (value < 0) RefuseField(column, "is negative");
-  if (value > most) RefuseField(column, "is too large");
-  return value;
-}
-
-unsigned CsvRow::Whole(std::size_t column, unsigned least, unsigned most) const {
-  const std::string_view text = Text(column);
-  const auto value = NumberIn<unsigned>(text);
-  if (!value || *value < least || *value > most) {
-    RefuseField(column,
-                "is no whole number from " + std::to_string(least) + " to " + std::to_string(most));
-  }
-  return *value;
-}
-
 bool ReadCsv(const std::string& path, const std::vector<std::string_view>& columns,
              const std::function<void(const CsvRow&)>& take, const CsvWishes& wishes) {
+  TextDecoder decoder(wishes.format.encoding);
   InputFile file(path);
-  Splitter splitter;
-  MarkStripper withoutMark;
-  Table table(CsvName(path), columns, wishes.optionalColumns);
+  Reader reader(CsvName(path), columns, wishes, take);
+  std::string bytes;
+  bool hasBegun = false;
   for (bool atEnd = false; !atEnd;) {
     if (wishes.keepsWaiting && !file.Await(wishes.keepsWaiting)) return false;
-    const std::string_view bytes = file.Read();
-    atEnd = bytes.empty();
-    const std::string_view rest = withoutMark(bytes);
-    bool good = rest.empty() || splitter.Feed(rest);
-    if (good && atEnd) good = splitter.Feed({});
-    for (const Splitter::Row& row : splitter.Take()) table.Add(row, take);
-    if (!good) table.Refuse(table.RowCount() + 1, "a quote stands where none can");
-    if (splitter.UnfinishedBytes() > kLongestRow) {
-      table.Refuse(table.RowCount() + 1, "is too long");
-    }
+    const std::string_view more = file.Read();
+    atEnd = more.empty();
+    bytes += more;
+    // The first few bytes tell what the file is, and a pipe may hand them out one by one.
+    if (!hasBegun && bytes.size() < TextDecoder::kBeginSize && !atEnd) continue;
+    if (!std::exchange(hasBegun, true)) refuseOtherKinds(bytes, CsvName(path));
+    std::string text = decoder.Decode(std::exchange(bytes, {}));
+    if (atEnd) text += decoder.Finish();
+    const bool isFaulty = decoder.FaultOffset().has_value();
+    reader.Add(text, atEnd && !isFaulty);
+    if (isFaulty) refuseBytes(reader, decoder);
   }
-  if (table.RowCount() == 0) throw Error(ExitCode::kDocument, CsvName(path), "is empty");
+  if (reader.RowCount() == 0) throw Error(ExitCode::kDocument, CsvName(path), "is empty");
   return true;
 }
 

@@ -7,9 +7,12 @@ namespace vex2::tool {
 namespace {
 
 bool needsQuotes(std::string_view field) {
+  constexpr std::string_view kBlanks = " \t";
   // Blanks at either end are kept by quotes alone: many readers cut them off.
-  return field.find_first_of(",\"\r\n") != std::string_view::npos || field.starts_with(' ') ||
-         field.ends_with(' ');
+  const bool hasBlankEnd =
+      !field.empty() && (kBlanks.find(field.front()) != std::string_view::npos ||
+                         kBlanks.find(field.back()) != std::string_view::npos);
+  return hasBlankEnd || field.find_first_of(",\"\r\n") != std::string_view::npos;
 }
 
 }  // namespace
