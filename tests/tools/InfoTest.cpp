@@ -44,9 +44,11 @@ TEST_F(Info, GoesOnAfterADocumentThatIsNone) {
   const CommandResult result = RunVex({"info", "--json", other, path_});
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_EQ(nlohmann::json::parse(result.output)["file"], path_);
-  EXPECT_EQ(result.errors, "vex: " + other +
-                               ": at byte 0: this is no plate document: it does not begin with "
-                               "Vex2\n");
+  EXPECT_EQ(result.errors,
+            "vex: " + other +
+                ": at byte 0: this is no plate document: it is a text; CSV goes into "
+                "documents with 'vex record', 'vex wells --from' and 'vex "
+                "calibration --import'\n");
 }
 
 TEST_F(Info, ShowsWhatIsLeftOfADocumentThatIsCutShort) {

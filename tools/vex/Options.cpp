@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <optional>
+#include <type_traits>
 #include <vector>
 
 namespace vex2::tool {
@@ -46,9 +47,23 @@ Option& Option::AllowRange(double least, double most) {
   return *this;
 }
 
+namespace {
+
+CLI::Validator isGiven() {
+  return {[](const std::string& text) {
+            return std::string(text.empty() ? "is empty; give it a value, or leave it out" : "");
+          },
+          ""};
+}
+
+}  // namespace
+
 template <typename Value>
 Option Options::Add(const std::string& name, Value& value, const std::string& help) {
-  return Option(*app_->add_option(name, value, help));
+  CLI::Option* option = app_->add_option(name, value, help);
+  // An empty text is a variable of a script that is not set, and must not be as no option at all.
+  if constexpr (std::is_same_v<Value, std::string>) option->check(isGiven());
+  return Option(*option);
 }
 
 template Option Options::Add(const std::string&, std::string&, const std::string&);

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "tools/vex/Errors.h"
+#include "tools/vex/document/RawFile.h"
 #include "vex2/container/TagFactory.h"
 
 namespace vex2::tool {
@@ -25,14 +26,14 @@ DocumentFile::DocumentFile(const Vex2FileManager& plate) : Vex2FileManager(plate
 }
 
 void DocumentFile::OpenDocument(const std::string& path) {
+  RequireReadable(path);
   CFileException reason;
   if (!Open(path.c_str(), modeRead | typeBinary | shareExclusive, &reason)) {
     throw SystemError(path, reason.GetError());
   }
   SetFilePath(path.c_str());
-  if (!IsVex2Format()) {
-    throw Error(ExitCode::kDocument, path, "this is no plate document: it does not begin with Vex2",
-                0);
+  if (const auto why = WhyNoDocument(*this)) {
+    throw Error(ExitCode::kDocument, path, "this is no plate document: " + *why, 0);
   }
 }
 

@@ -79,8 +79,10 @@ std::string RecordedLog(const std::string& path) {
 InterruptedRun::InterruptedRun(const std::string& path) : path_(path) {
   CFile file;
   OpenToRead(file, path);
-  if (textAt(file, 0) != "Vex2" || file.GetLength() < kDocumentHeaderSize)
-    refuse("is no plate document");
+  if (const auto why = WhyNoDocument(file)) refuseAt(0, "this is no plate document: " + *why);
+  if (file.GetLength() < kDocumentHeaderSize) {
+    refuseAt(file.GetLength(), "the header is cut short");
+  }
   status_ = textAt(file, HeaderFields::kStatusAt);
   if (IsDone()) return;
   if (status_ != "PROG" && status_ != "ZERO") {

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstring>
 #include <system_error>
 
 #include "tools/vex/Errors.h"
@@ -29,6 +30,7 @@ fs::path lockBeside(const fs::path& document) {
 }  // namespace
 
 fs::path ResolveDocument(const std::string& path) {
+  if (path.empty()) throw Error(ExitCode::kUsage, "the name of the document is empty");
   fs::path document = path;
   std::error_code error;
   for (int links = 0; links < kMostLinks && fs::is_symlink(document, error); ++links) {
@@ -45,7 +47,8 @@ fs::path ResolveDocument(const std::string& path) {
   return resolved / name;
 }
 
-RecordingLock::RecordingLock(const fs::path& document) : path_(lockBeside(document)) {
+RecordingLock::RecordingLock(const fs::path& document)
+    : document_(document), path_(lockBeside(document)) {
   // The recorder that had the lock may have removed its file between our opening and our locking
   // it: then the lock is on nothing, and the next try makes a file of its own.
   while (open() && !isStillThere()) ::close(handle_);
@@ -57,10 +60,19 @@ RecordingLock::~RecordingLock() {
   ::close(handle_);
 }
 
+void RecordingLock::refuseFolder(int error) const {
+  const bool isReadOnly = error == EACCES || error == EPERM || error == EROFS;
+  if (!isReadOnly) throw SystemError(document_.string(), error);
+  const fs::path folder = document_.parent_path();
+  throw Error(ExitCode::kUsage, document_.string(),
+              "cannot be written: its folder " + folder.string() + " takes no new file (" +
+                  std::strerror(error) + "); make the folder writable, or use another");
+}
+
 // False when another recorder has the lock.
 bool RecordingLock::open() {
   handle_ = ::open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0666);
-  if (handle_ < 0) throw SystemError(path_.string(), errno);
+  if (handle_ < 0) refuseFolder(errno);
   while (::flock(handle_, LOCK_EX | LOCK_NB) != 0) {
     if (errno == EINTR) continue;
     if (errno != EWOULDBLOCK) break;  // a file system without locks is used without

@@ -23,7 +23,9 @@ class RecordingLock {
  private:
   bool open();
   bool isStillThere() const;
+  [[noreturn]] void refuseFolder(int error) const;
 
+  std::filesystem::path document_;
   std::filesystem::path path_;
   int handle_ = -1;
 };
