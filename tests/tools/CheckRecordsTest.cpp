@@ -25,8 +25,15 @@ TEST_F(CheckHeaders, OneThatIsCutShortIsAnError) {
 }
 
 TEST_F(CheckHeaders, WhatIsNoDocumentIsAnError) {
-  WriteBytes(path_, ToBytes("no document"));
+  WriteBytes(path_, Bytes(100, 0));
   ExpectError("header at 0: it does not begin with Vex2");
+  WriteBytes(path_, {});
+  ExpectError("header at 0: it is empty");
+  WriteBytes(path_, ToBytes("no document"));
+  ExpectError(
+      "header at 0: it is a text; CSV goes into documents with 'vex record', 'vex wells --from' "
+      "and "
+      "'vex calibration --import'");
 }
 
 TEST_F(CheckHeaders, WellsInUseThatThePlateHasNotAreAWarning) {

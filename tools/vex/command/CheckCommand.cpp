@@ -103,6 +103,8 @@ constexpr const char* kMeaning =
     "  error    content is not read, or the next write would do harm\n"
     "  warning  out of the ordinary, but all of the content is read\n"
     "  note     as it should be, and good to know; never a finding\n\n"
+    "  Errors come first, then warnings, then notes, each from the file's begin on;\n"
+    "  so they do with --json.\n\n"
     "  The exit code is 1 when there are errors, with --strict also when there are\n"
     "  warnings, and else 0. 'vex repair' mends in place what is safe to;\n"
     "  'vex recover' takes what is whole into a new document.";

@@ -33,18 +33,15 @@ class RepairCommand final : public Command {
   ExitCode Run() override {
     if (dryRun_) {
       const RepairPlan plan = PlanRepair(file_);
-      std::cout << Printable(file_) << ": "
-                << (plan.IsEmpty() ? "there is nothing to mend" : "this would be mended") << '\n';
+      if (plan.IsEmpty()) return tellThatNothingIsMended();
+      std::cout << Printable(file_) << ": this would be mended\n";
       print(plan);
-      return plan.IsEmpty() ? tellWhatIsLeft() : ExitCode::kDone;
+      return ExitCode::kDone;
     }
     const std::string document = ResolveDocument(file_).string();
     const RecordingLock lock(document);
     const RepairPlan plan = PlanRepair(file_);
-    if (plan.IsEmpty()) {
-      std::cout << Printable(file_) << ": there is nothing to mend\n";
-      return tellWhatIsLeft();
-    }
+    if (plan.IsEmpty()) return tellThatNothingIsMended();
     mend(plan, document);
     return tellWhatIsLeft();
   }
@@ -67,6 +64,15 @@ class RepairCommand final : public Command {
                 << ", " << patch.what << '\n';
     }
     if (plan.newSize) std::cout << "  byte " << *plan.newSize << ": cut off " << plan.cut << '\n';
+  }
+
+  // What is wrong and cannot be mended is told in place of that nothing is to be mended.
+  ExitCode tellThatNothingIsMended() const {
+    const ExitCode code = tellWhatIsLeft();
+    if (code == ExitCode::kDone) {
+      std::cout << Printable(file_) << ": there is nothing to mend\n";
+    }
+    return code;
   }
 
   ExitCode tellWhatIsLeft() const {

@@ -7,6 +7,7 @@
 #include "tools/vex/document/Document.h"
 #include "tools/vex/document/RawFile.h"
 #include "tools/vex/rescue/HeaderCheck.h"
+#include "tools/vex/rescue/MeaningCheck.h"
 #include "tools/vex/rescue/RecordCheck.h"
 #include "tools/vex/rescue/TailCheck.h"
 #include "tools/vex/text/Text.h"
@@ -19,13 +20,10 @@ namespace {
 constexpr std::array<std::string_view, 11> kSingle = {
     "GLBL", "TPro", "CELS", "CALI", "RqDy", "MPLC", "RAWa", "REPr", "REPn", "REPd", "REPt"};
 
-bool isDocument(const std::string& path) {
+std::optional<std::string> whyNoDocument(const std::string& path) {
   CFile file;
   OpenToRead(file, path);
-  constexpr std::string_view kMagic = "Vex2";
-  std::array<char, kMagic.size()> begin{};
-  return file.Read(begin.data(), begin.size()) == begin.size() &&
-         std::string_view(begin.data(), begin.size()) == kMagic;
+  return WhyNoDocument(file);
 }
 
 void checkDoubles(const std::vector<Document::Record>& records, const std::string& within,
@@ -88,8 +86,8 @@ void checkStudy(const Document& document, Findings& findings) {
 
 Findings CheckDocument(const std::string& path) {
   Findings findings;
-  if (!isDocument(path)) {
-    findings.Add({Severity::kError, "header", 0, "it does not begin with Vex2",
+  if (const auto why = whyNoDocument(path)) {
+    findings.Add({Severity::kError, "header", 0, *why,
                   "it is no plate document, and nothing of it is read",
                   "when it was one, 'vex recover' looks for what is left of it"});
     return findings;
@@ -107,6 +105,7 @@ Findings CheckDocument(const std::string& path) {
   checkDoubles(document.Records(), "", findings);
   checkPlates(document, findings);
   checkStudy(document, findings);
+  CheckMeaning(document, header, findings);
   return findings;
 }
 

@@ -34,16 +34,18 @@ class Findings {
   static constexpr std::size_t kMost = 1000;
 
   void Add(Finding finding);
-  /// Those that were kept, by their place in the file.
+  /// Those that were kept: errors first, then warnings, then notes, each by their place in the
+  /// file.
   std::vector<Finding> Sorted() const;
   /// How many there were of a kind, kept or not.
   std::size_t Count(Severity severity) const;
-  std::size_t LeftOut() const { return leftOut_; }
+  /// How many are not among those that were kept.
+  std::size_t LeftOut() const;
 
  private:
-  std::vector<Finding> findings_;
+  // Apart, so that a thousand notes do not leave an error out.
+  std::array<std::vector<Finding>, kSeverities> findings_;
   std::array<std::size_t, kSeverities> counts_{};
-  std::size_t leftOut_ = 0;
 };
 
 }  // namespace vex2::tool
