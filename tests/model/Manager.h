@@ -1,0 +1,154 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <map>
+#include <optional>
+#include <set>
+#include <vector>
+
+#include "tests/model/Values.h"
+#include "tests/support/RecordModel.h"
+
+namespace vex2::test::model {
+
+/// The files that all managers work on. Paths that begin with "/sealed" cannot be written, with
+/// "/nowhere" not be opened at all, with "/drop" not be read.
+struct Disk {
+  std::map<Text, Text> files;
+  std::map<Text, int> readers;
+  std::map<Text, int> writers;
+  std::map<Text, int> replaced;  ///< how often a whole new file took the place of the old one
+};
+
+/// A plate document as the rules have it: a header, records in order, a file. Operations have the
+/// library's names in lower case; they answer a status, or what was asked for.
+class Manager {
+ public:
+  explicit Manager(Disk& disk) : disk_(&disk) {}
+
+  Text header = NewHeader();  ///< 72 bytes, then four a row
+  std::vector<Part> parts;
+  Text path;
+  std::set<Text> analysed;     ///< plates that have storage for their analysis
+  std::vector<Text> messages;  ///< shown to the user
+
+  static Text NewHeader();
+  static Text EmptyHeader();
+
+  // --- ManagerFiles.cpp: files and header ---
+  int safeOpen(const char* at, int write, int append);
+  void close();
+  bool isOpen() const { return mode_ != Mode::closed; }
+  /// Whether the rules say what writing to the manager's file does: a failure shows only later on a
+  /// file that is open for reading.
+  bool canTryToWrite() const { return mode_ != Mode::reading; }
+  bool isWriting() const { return mode_ == Mode::writing; }
+  void write(const Text& bytes);
+  int reset();
+  void assign(const Manager& other);
+  int readFromFile(const char* at);
+  int readComponentFile();
+  int saveToFile(const char* at);
+  int writeComponentFile();
+  int saveHeader(const char* at, const Text& newHeader);
+  int setStatus(const char* status);
+  int setStatus(const char* at, const char* status);
+  bool isVex2();
+  void setUsage(const std::vector<bool>& usage, int rows, int columns);
+  int updateOffset(std::size_t field, std::uint32_t offset);
+  /// Whether the rules say what reading this file gives: a header cut short is left open.
+  bool isSettled(const char* at) const;
+
+  // --- ManagerSettings.cpp: settings and the thermal cycling program ---
+  Settings settings() const;
+  int replaceSettings(const Settings* value);
+  int appendSettings(const char* at, const Settings* value);
+  int setValue(const Text& tag, const Text& value);
+  int setText(const Text& tag, const Text& text);
+  int setPlateText(const Text& tag, const Text& text);
+  int replaceProgram(const Text& program);
+  int writeProgram();
+
+  // --- ManagerSetup.cpp: plate setup, detectors, dyes ---
+  int replaceSetup(const std::vector<Well>& wells);
+  int saveSetup(const char* at);
+  int writeSetup();
+  int updateDetectors(const std::vector<Detector>& list);
+  int appendDetector(const Detector& detector);
+  bool removeDetector(const Text& name);
+  bool appendDye(const Text& name);
+  int updateDyes(const std::vector<Text>& names);
+  bool removeDye(const Text& name);
+  int appendToFile(const char* at, const Text& tag);
+  int countOf(const Text& tag, int& count) const;
+
+  // --- ManagerCalibration.cpp ---
+  int replaceCalibration(const Spectra* dyes, const Spectra* background);
+  int replaceSpectra(const Text& tag, const Spectra* value);
+  int replaceBackground(const char* at, const Spectra* value);
+  int appendSpectra(const char* at, const Text& tag, const Spectra& value);
+  int removeCalibration(bool dyes, bool background);
+  int saveCalibration(const char* at);
+
+  // --- ManagerRun.cpp: data blocks and frames ---
+  int removeBlock(const Text& tag);
+  int replaceBlock(const char* at, const std::vector<Frame>* frames, int count, const Text& tag);
+  int appendBlock(const char* at, const std::vector<Frame>* frames, int count);
+  void initWells(const std::vector<std::uint16_t>& wells, const Text& tag);
+  int appendFrame(const char* at, const Frame& frame, const Text& tag);
+  int commit(const char* at, std::int64_t index, const Text& tag);
+  bool setRecord(const Text& record, int frame, int well, const Text& tag);
+  bool setTime(const Text& time, bool isEnd, const Text& tag);
+  Text readFrame(std::int64_t index, const Text& tag) const;
+  Text readFrame(const char* at, std::int64_t index, const Text& tag);
+  Text frameCount(const char* at, const Text& tag);
+  std::uint32_t findInFile(const Text& bytes, const Text& tag) const;
+  /// Whether the header, or the walk, leads to a block there or to nothing: the rules for reading
+  /// single frames suppose it.
+  bool leadsToBlock(const char* at, const Text& tag) const;
+  /// Whether lengths lead from record to record to the file's very end.
+  bool hasPlainRecords(const char* at) const;
+
+  // --- ManagerStudy.cpp ---
+  bool isStudy() const { return header.compare(8, 4, "RQSt") == 0; }
+  bool initPlates();
+  bool addPlate(const Manager& plate, const Text& date);
+  bool removePlate(const Text& name);
+  Text plateList() const;
+  const Part* find(const Text& tag) const;
+
+ private:
+  enum class Mode { closed, reading, writing };
+  struct Left {
+    Text path;
+    int replaced = 0;
+    std::size_t length = 0;
+    friend bool operator==(const Left&, const Left&) = default;
+  };
+
+  Left left() { return {openPath_, disk_->replaced[openPath_], content().size()}; }
+  Text& content() { return disk_->files[openPath_]; }
+  void overwrite(std::size_t at, const Text& bytes);
+  int appended(const char* at, const Text& bytes);
+  Part* find(const Text& tag);
+  Part* append(Part part);
+  void remove(const Text& tag);
+  int writeHeader();
+  void writePart(const Part& part);
+  int saveParts(const char* at, const std::function<int()>& writeThem);
+  int replaceRaw(const char* at, const Part& block);
+  int replaceReporting(const char* at, const Part& block, const Text& tag);
+  std::size_t placeForFrame(const Part& block, std::uint32_t offset);
+  bool isLeftover(const Part& block, std::size_t start);
+  std::size_t placeForBlock(const Part& block);
+  int writeBlock(const Part& block, std::size_t place);
+
+  Disk* disk_;
+  Mode mode_ = Mode::closed;
+  Text openPath_;
+  std::size_t position_ = 0;
+  Left left_;  ///< what the last commit left
+};
+
+}  // namespace vex2::test::model
