@@ -1,4 +1,4 @@
-"""Holds README.md and docs/ to what is there: links lead somewhere, and examples are the real ones.
+"""Holds README.md and docs/ to what is there: links and paths lead somewhere, examples are the real ones.
 
 usage: check_documents.py [--vex PATH]    with the command, its parts are compared with the documents
 """
@@ -11,6 +11,11 @@ import sys
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 LINK = re.compile(r"\[[^\]]*\]\(([^)\s]+)\)")
+SPAN = re.compile(r"`([^`\n]+)`")
+# Documents name sources by where they lie in the tree, or in the library or the command.
+BASES = ("", "vex2", "tools/vex")
+# What documents name that is no part of the tree: made by builds, or a user's own.
+ELSEWHERE = re.compile(r"\.\./shared/|build/|vex2/settings\.ini$|/")
 HEADING = re.compile(r"^#+ +(.*)$", re.MULTILINE)
 
 
@@ -40,6 +45,25 @@ def broken_links(page):
             yield f"{page.relative_to(ROOT)}: {target} is not there"
         elif name and name not in map(anchor, HEADING.findall(without_code(file.read_text()))):
             yield f"{page.relative_to(ROOT)}: {target} has no such heading"
+
+
+def named_paths(text):
+    """What stands in code spans and looks like a path of the tree."""
+    tops = {entry.name for entry in ROOT.iterdir() if entry.is_dir()}
+    for span in SPAN.findall(without_code(text)):
+        for word in span.split():
+            is_path = word.endswith("/") or word.split("/")[0] in tops or re.search(r"\w\.(cpp|h|py|md|sh)$", word)
+            if "/" in word and is_path and re.fullmatch(r"[\w./*-]+", word) and not ELSEWHERE.match(word):
+                yield word
+
+
+def missing_paths(page):
+    for path in named_paths(page.read_text()):
+        # NAME and Name stand for any name.
+        pattern = re.sub(r"\b([A-Z]{4,}(?=/|[A-Z]|\b)|Name(?=[A-Z]))", "*", path.rstrip("/"))
+        bases = [ROOT / base for base in BASES] + [page.parent]
+        if not any(next(base.glob(pattern), None) for base in bases):
+            yield f"{page.relative_to(ROOT)}: there is no {path}"
 
 
 def drifted_example(readme):
@@ -99,6 +123,7 @@ def main():
     vex = parser.parse_args().vex
     readme = (ROOT / "README.md").read_text()
     faults = [fault for page in documents() for fault in broken_links(page)]
+    faults += [fault for page in documents() for fault in missing_paths(page)]
     faults += drifted_example(readme)
     faults += unlisted_decisions()
     if vex:
