@@ -56,6 +56,9 @@ int main(int count, char** arguments) {
   {
     Vex2FileManager document;
     status = document.ReadFromFile(nullptr);  // no path: the host is asked for one
+    if (status == 0 && !document.IsWhole()) {
+      std::printf("read in part: %s\n", document.GetReadFault().reason);
+    }
     if (status == 0) {
       std::printf("%d records, status %s\n", document.GetAllComponentCount(),
                   document.GetAcquisitionStatus().GetString());

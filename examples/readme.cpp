@@ -1,4 +1,5 @@
 // Prints the raw readings of well 1 (A1), frame by frame.
+#include <cstdint>
 #include <cstdio>
 
 #include "vex2/manager/Vex2FileManager.h"
@@ -6,6 +7,10 @@
 int main(int count, char** arguments) {
   Vex2FileManager document;
   if (count < 2 || document.ReadFromFile(arguments[1]) != 0) return 1;
+  if (!document.IsWhole()) {  // what could be read is there, and a save keeps a backup of the file
+    std::fprintf(stderr, "%s: read in part: offset %ju: %s\n", arguments[1],
+                 std::uintmax_t{document.GetReadFault().offset}, document.GetReadFault().reason);
+  }
   for (int frame = 0; frame < document.GetDataFrameCount(DataRAWa); ++frame) {
     Vex2WellRecord well;
     if (!document.GetAcqDataWellRecord(&well, frame, 1, DataRAWa)) return 1;

@@ -24,7 +24,7 @@ class Curve : public IDAClippedMatrix {
 
 bool join(Vex2FileManager& study, const char* path) {
   Vex2FileManager plate;
-  if (plate.ReadFromFile(path) != 0) return false;
+  if (plate.ReadFromFile(path) != 0 || !plate.IsWhole()) return false;
   // In a study a plate goes by its file's title, which only a path with a folder gives. A title
   // that is there already is refused.
   plate.SetFilePath(std::filesystem::absolute(path).c_str());

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
-#include <cstdlib>
 #include <utility>
 
 #include "vex2/framework/FileSystem.h"
@@ -15,17 +14,6 @@
 using vex2::CurrentFileSystem;
 
 namespace {
-
-std::string folderOf(const std::string& path) {
-  const auto separator = path.rfind('/');
-  if (separator == std::string::npos) return "./";
-  return path.substr(0, separator + 1);
-}
-
-std::string resolved(const char* path) {
-  const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path, nullptr), &std::free);
-  return real != nullptr ? real.get() : path;
-}
 
 bool isDanglingLink(const char* path) {
   struct stat link {};
@@ -87,7 +75,7 @@ bool CFile::ReplaceOpenFile() {
 bool CFile::beginReplacement(const std::string& target, bool exists, CFileException& error) {
   const std::uint64_t length = length_;
   replacement_ = std::make_unique<Replacement>();
-  replacement_->target = exists ? resolved(target.c_str()) : target;
+  replacement_->target = exists ? vex2::ResolvedPath(target.c_str()) : target;
   replacement_->targetHandle = std::exchange(handle_, -1);
   if (openTemporary(error)) {
     path_ = target;
@@ -118,8 +106,8 @@ bool CFile::openTemporary(CFileException& error) {
   auto& files = CurrentFileSystem();
   for (;;) {
     // The name does not grow with the target's, which may be as long as names can be.
-    std::string path = folderOf(replacement_->target) + ".vex2-save-" + std::to_string(::getpid()) +
-                       "-" + std::to_string(count++);
+    std::string path = vex2::FolderOf(replacement_->target) + ".vex2-save-" +
+                       std::to_string(::getpid()) + "-" + std::to_string(count++);
     handle_ = files.Open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (handle_ == -EEXIST || handle_ == -EINTR) continue;
     if (handle_ < 0) {
@@ -174,12 +162,7 @@ bool CFile::putInPlace() {
   if (status < 0) fail(-status, 0);
   replacement.temporary.clear();
   // Without this the new name may be lost with the power, and with it nothing but the new content.
-  const int folder =
-      files.Open(folderOf(replacement.target).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0);
-  if (folder < 0) return true;
-  const int synced = files.SyncAll(folder);
-  files.Close(folder);
-  if (synced < 0 && synced != -EINVAL) fail(-synced, 0);
+  if (const int synced = vex2::SyncFolderOf(replacement.target); synced < 0) fail(-synced, 0);
   return true;
 }
 

@@ -9,8 +9,10 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <ctime>
 #include <limits>
+#include <memory>
 
 namespace vex2 {
 namespace {
@@ -144,6 +146,26 @@ FileSystem& CurrentFileSystem() {
 
 FileSystem* SetFileSystem(FileSystem* system) {
   return installed.exchange(system, std::memory_order_acq_rel);
+}
+
+std::string ResolvedPath(const char* path) {
+  const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path, nullptr), &std::free);
+  return real != nullptr ? real.get() : path;
+}
+
+std::string FolderOf(const std::string& path) {
+  const auto separator = path.rfind('/');
+  if (separator == std::string::npos) return "./";
+  return path.substr(0, separator + 1);
+}
+
+int SyncFolderOf(const std::string& path) {
+  auto& files = CurrentFileSystem();
+  const int folder = files.Open(FolderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0);
+  if (folder < 0) return 0;
+  const int synced = files.SyncAll(folder);
+  files.Close(folder);
+  return synced == -EINVAL ? 0 : synced;
 }
 
 }  // namespace vex2

@@ -52,4 +52,12 @@ FileSystem& CurrentFileSystem();
 /// before. It stays the caller's.
 FileSystem* SetFileSystem(FileSystem* system);
 
+/// `path` with symbolic links resolved; as it is where nothing is there.
+std::string ResolvedPath(const char* path);
+/// The folder that `path` is in, with its trailing separator.
+std::string FolderOf(const std::string& path);
+/// The names in the folder of `path` are on the disk when it returns 0. A folder that cannot be
+/// opened or synced for its kind is passed over.
+int SyncFolderOf(const std::string& path);
+
 }  // namespace vex2

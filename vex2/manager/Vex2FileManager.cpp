@@ -1,6 +1,7 @@
 #include "vex2/manager/Vex2FileManager.h"
 
 #include <algorithm>
+#include <iterator>
 #include <new>
 
 #include "vex2/container/CSkippedComp.h"
@@ -9,6 +10,7 @@
 #include "vex2/framework/DescribeClass.h"
 #include "vex2/framework/PathNames.h"
 #include "vex2/manager/Module.h"
+#include "vex2/manager/OrNothing.h"
 
 namespace {
 
@@ -26,7 +28,7 @@ Vex2FileManager& Vex2FileManager::operator=(const Vex2FileManager& other) {
   // Deliberately without a test for self-assignment: hosts rely on an empty document.
   Reset();
   ownAnalysis_.reset();
-  deepCopy(other);
+  copyOrStayEmpty(other);
   return *this;
 }
 
@@ -45,20 +47,29 @@ const CRuntimeClass* Vex2FileManager::GetRuntimeClass() const {
 }
 
 CString Vex2FileManager::GetFileName() const {
-  return CString(vex2::FileNameOf(filePath_.View()));
+  return vex2::OrNothing([this] { return CString(vex2::FileNameOf(filePath_.View())); });
 }
 
 CString Vex2FileManager::GetFileTitle() const {
-  return CString(vex2::FileTitleOf(filePath_.View()));
+  return vex2::OrNothing([this] { return CString(vex2::FileTitleOf(filePath_.View())); });
 }
 
 CString Vex2FileManager::GetFilePath() const {
-  return filePath_;
+  return vex2::OrNothing([this] { return filePath_; });
+}
+
+void Vex2FileManager::SetFilePath(const char* path) {
+  vex2::OrNothing([&] { filePath_ = path; });
+}
+
+void Vex2FileManager::SetHeaderData(const Vex2HeaderData& header) {
+  vex2::OrNothing([&] { header_ = header; });
 }
 
 int Vex2FileManager::Reset() {
   header_.Reset();
   components_.clear();
+  partlyRead_ = {};
   ResetAnalysisMap();
   resetSettings();
   return vex2::kSuccess;
@@ -67,9 +78,19 @@ int Vex2FileManager::Reset() {
 void Vex2FileManager::deepCopy(const Vex2FileManager& source) {
   header_ = source.header_;
   filePath_ = source.filePath_;
+  partlyRead_ = source.partlyRead_;
   for (const auto& component : source.components_) {
     std::unique_ptr<CComponent> clone;
     if (CloneComponent(*component, clone) == 1) appendComponent(std::move(clone));
+  }
+}
+
+void Vex2FileManager::copyOrStayEmpty(const Vex2FileManager& source) {
+  try {
+    deepCopy(source);
+  } catch (const std::bad_alloc&) {
+    // A part of the source would pass for all of it.
+    Reset();
   }
 }
 
@@ -79,8 +100,12 @@ int Vex2FileManager::GetAllComponentCount() const {
 
 bool Vex2FileManager::GetComponentTagList(CStringList& tags) const {
   tags.RemoveAll();
-  for (const auto& component : components_) tags.AddTail(CString(component->GetTag()));
-  return true;
+  const bool done = vex2::OrNothing([&] {
+    for (const auto& component : components_) tags.AddTail(CString(component->GetTag()));
+    return true;
+  });
+  if (!done) tags.RemoveAll();
+  return done;
 }
 
 CComponent* Vex2FileManager::GetComponent(int index) const {
@@ -90,11 +115,16 @@ CComponent* Vex2FileManager::GetComponent(int index) const {
 }
 
 void Vex2FileManager::initTestData() {
-  header_ = Vex2HeaderData();
-  std::uint32_t length = 100;
-  for (const auto tag : vex2::kTagTable) {
-    appendComponent(std::make_unique<CSkippedComp>(tag, length--));
-  }
+  vex2::OrNothing([this] {
+    std::vector<std::unique_ptr<CComponent>> added;
+    std::uint32_t length = 100;
+    for (const auto tag : vex2::kTagTable) {
+      added.push_back(std::make_unique<CSkippedComp>(tag, length--));
+    }
+    components_.reserve(components_.size() + added.size());
+    header_ = Vex2HeaderData();
+    std::move(added.begin(), added.end(), std::back_inserter(components_));
+  });
 }
 
 bool Vex2FileManager::IsAcquisitionDataAvailable() const {

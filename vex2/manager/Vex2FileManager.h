@@ -14,6 +14,7 @@
 #include "vex2/framework/CStringList.h"
 #include "vex2/framework/CWnd.h"
 #include "vex2/framework/FunctionRef.h"
+#include "vex2/manager/ReadFault.h"
 #include "vex2/manager/Vex2HeaderData.h"
 #include "vex2/run/ThermocycleProgram.h"
 #include "vex2/run/TimeStamp.h"
@@ -43,8 +44,9 @@ class Vex2FileManagerComponent;
 /// One plate document: its header and its components, in memory, and the operations that read and
 /// change them and bring them to and from the disk.
 ///
-/// Operations that return int answer 0 or a negative `vex2::Status`; none throws. Where memory runs
-/// out, those without a status change nothing and answer as if nothing were there. Those without a
+/// Operations that return int answer 0 or a negative `vex2::Status`; none throws, but for the
+/// constructors, which throw `std::bad_alloc` where memory runs out. There, operations without a
+/// status change nothing and answer as if nothing were there. Those without a
 /// path work on the document in memory alone. "Replace" and "Set" operations move what they change
 /// to the end of the document. Pointers that are handed out belong to the document and are valid
 /// until it changes; arrays that are filled for the caller belong to the caller.
@@ -60,7 +62,8 @@ class VEX2_API Vex2FileManager : public CFile {
   /// A closed file and a copy of the other's header, path and components; components of unknown
   /// kinds are left out, analysis results and settings are not copied.
   Vex2FileManager(const Vex2FileManager& other);
-  /// Resets and copies as above. Assigning a manager to itself leaves it empty.
+  /// Resets and copies as above. Assigning a manager to itself leaves it empty, and so does memory
+  /// that runs out.
   Vex2FileManager& operator=(const Vex2FileManager& other);
   ~Vex2FileManager() override;
 
@@ -105,8 +108,8 @@ class VEX2_API Vex2FileManager : public CFile {
   int SafeOpen(const char* path, int write, int append);
 
   /// Reads the document at `path`, or one that the user chooses when `path` is null or `dialog`
-  /// true. 0 also for a document that could be read in part only: `ReadComponentFile` after
-  /// `SafeOpen` tells. -50 when the user cancelled, -100 when the file cannot be opened.
+  /// true. 0 also for a document that could be read in part only: ask `IsWhole`. -50 when the user
+  /// cancelled, -100 when the file cannot be opened.
   int ReadFromFile(const char* path, bool dialog = false);
   /// Saves the document to `path`, chosen as above. What stood there is replaced only once the new
   /// document is complete and on the disk. -50 or -200 on failure, and the old one stands.
@@ -114,8 +117,22 @@ class VEX2_API Vex2FileManager : public CFile {
   /// Takes over `header` and saves it alone to `path`, as `SaveToFile` does. 0 or -200.
   int SaveHeader(const char* path, const Vex2HeaderData& header);
 
+  /// Whether the last reading of a document, by any operation that reads whole documents, took in
+  /// all that stands in its file. False also for a file that could not be opened, for records of
+  /// unknown kinds, which are left out, and for a study with such a plate. A copy of the manager
+  /// answers the same. `Reset` and a new document make it true again.
+  ///
+  /// An operation that replaces the file that was read in part, under whatever name, first copies
+  /// it to "PATH.backup" (see `BackUpFile`), beside the file that a symbolic link leads to; once
+  /// for each reading. Where the copy cannot be made the operation fails with -200, `SafeOpen` with
+  /// 0, and the file stands.
+  bool IsWhole() const;
+  /// Where and why the reading ended early or left something out, the first of it.
+  const vex2::ReadFault& GetReadFault() const { return partlyRead_.fault; }
+
   int GetAllComponentCount() const;
-  /// Empties `tags` and fills it with the components' tags in order. Always true.
+  /// Empties `tags` and fills it with the components' tags in order. True; false, and `tags` stays
+  /// empty, where memory runs out.
   bool GetComponentTagList(CStringList& tags) const;
   /// The component at `index` from 0, owned by the document; null for an index out of range.
   CComponent* GetComponent(int index) const;
@@ -127,12 +144,12 @@ class VEX2_API Vex2FileManager : public CFile {
   // --- Header (Vex2FileManagerHeader.cpp) ---
 
   const Vex2HeaderData& GetHeaderData() const { return header_; }
-  void SetHeaderData(const Vex2HeaderData& header) { header_ = header; }
+  void SetHeaderData(const Vex2HeaderData& header);
   int GetHeaderRows() const { return header_.rows; }
   int GetHeaderCols() const { return header_.columns; }
   /// Always 1024.
   int GetHeaderBytes() const { return kHeaderBytes; }
-  void SetFilePath(const char* path) { filePath_ = path; }
+  void SetFilePath(const char* path);
 
   // Tests on the open file; false when it is not open or is no "Vex2" document. They move the
   // position.
@@ -281,13 +298,18 @@ class VEX2_API Vex2FileManager : public CFile {
 
   // --- Data blocks (Vex2FileManagerBlocks.cpp) ---
 
-  /// Always 0.
+  /// Always 0. In memory only: the header keeps the offset of the block that was removed, also when
+  /// the document is saved. Before a commit or `ReplaceAcquisitionDataBlock` on such a file, set
+  /// `acquisitionDataOffset` to 0 with `SetHeaderData` and save.
   int RemoveAcquisitionDataBlock(Vex2DataType type);
   /// Replaces the block in memory and in the file at `path`. Raw data must be the file's last
   /// record: everything behind them is cut off. Reporting blocks are rewritten together from the
   /// first of them on. What stood there is replaced only once the new document is on the disk. -100
   /// when the file is no readable document, -200 when it cannot be written, -300 and nothing done
   /// when there is no such type.
+  ///
+  /// Not for raw data of a file that was saved as a whole: its header holds the offset just past
+  /// the block, where this writes, and the old block stays. Use `SaveToFile` there.
   int ReplaceAcquisitionDataBlock(const char* path, const Vex2AcquisitionData* data,
                                   Vex2DataType type);
 
@@ -296,7 +318,12 @@ class VEX2_API Vex2FileManager : public CFile {
   /// Gives the block these wells, or makes a block for them. See `AcquisitionDataComp`.
   void InitAcqDataWellNumberArray(const unsigned short* wellNumbers, unsigned short count,
                                   Vex2DataType type);
-  /// Appends a frame in memory and commits it.
+  /// Appends a frame in memory and commits it, see `CommitAcqDataFrame`.
+  ///
+  /// Not after the document was saved as a whole: the header then holds the offset just past the
+  /// data block, and a commit that trusts it damages the file although it answers 0. Append to the
+  /// file that commits alone have written since the block was made, or save what precedes the run
+  /// before the first frame.
   int AppendAcquisitionDataFrame(const char* path, const Vex2FrameData* frame, Vex2DataType type);
   /// Brings a frame that is complete in memory to the file at `path`; when this answers 0 it is on
   /// the disk. Reporting blocks are not written (0). -300 without a block, -100 when the file is no
@@ -304,8 +331,19 @@ class VEX2_API Vex2FileManager : public CFile {
   /// failure the file has the length that it had, and the same frame may be tried again. Not so
   /// when the disk failed to store it: from then on this manager refuses all changes of that file
   /// with -200, and tells the user, until a whole document is saved in its place.
+  ///
+  /// The caller keeps three rules that this does not check. Commit a frame once, in order, and only
+  /// when all its wells are set: wells that are not set yet are written as they stand, empty, and
+  /// setting them later does not reach the file. Commit no frame of a document that was saved as a
+  /// whole after its data block was made, nor after `RemoveAcquisitionDataBlock` and a save: the
+  /// header then holds the offset just past the block, so the commit damages the file although it
+  /// answers 0.
   int CommitAcqDataFrame(const char* path, int frameIndex, Vex2DataType type);
-  /// Sets one well's record in memory; frames are filled in order.
+  /// Sets one well's record in memory; frames are filled in order. False, and nothing changes, for
+  /// a well that the block does not have; without a block the user is told, too. Give a frame index
+  /// of at most the frame count, which begins the next frame, and a record whose first value is not
+  /// 0: the count rises by one with the first such record of a frame, whatever its index. Set in
+  /// frame 3 of a block with 2 frames it makes frame 2 count, empty, and is itself not saved.
   bool SetAcqDataWellRecord(const Vex2WellRecord* record, int frameIndex, int wellNumber,
                             Vex2DataType type);
   bool SetAcqDataStartTime(const TimeStamp& time, Vex2DataType type);
@@ -495,6 +533,8 @@ class VEX2_API Vex2FileManager : public CFile {
 
   /// Copies header, path and components; what the manager held must be gone.
   void deepCopy(const Vex2FileManager& source);
+  /// The same for a manager that exists; where memory runs out, nothing is copied.
+  void copyOrStayEmpty(const Vex2FileManager& source);
   /// The first component with this tag, or null. What is found is a position for the next.
   CComponent* includesComponent(std::string_view tag) const;
   /// Deletes the component at the position; nothing happens for null.
@@ -533,6 +573,9 @@ class VEX2_API Vex2FileManager : public CFile {
   /// when the file cannot be read, the status of `look`, -200 when the file cannot be written, or
   /// the status of `change`.
   int changeFile(const char* path, vex2::FunctionRef<int()> look, vex2::FunctionRef<int()> change);
+
+  /// Keeps the first fault of a reading.
+  void noteFault(std::uint64_t offset, const char* reason);
 
   int ReadHeaderDataHelper(Vex2HeaderData& header, CFile* file);
   int WriteHeaderDataHelper(std::uint32_t& headerBytes, CFile* file);
@@ -578,6 +621,12 @@ class VEX2_API Vex2FileManager : public CFile {
     Identity identity;
     bool told;  // the user knows
   };
+  struct PartlyRead {
+    vex2::ReadFault fault;
+    Identity identity;
+    CString path;  // with links resolved
+    bool isKept = false;
+  };
 
   bool openKeepingPath(const char* path, unsigned flags);
   /// Runs `write` with the position at the open file's end; when it fails, that is where it was.
@@ -585,6 +634,13 @@ class VEX2_API Vex2FileManager : public CFile {
   void restoreLength(std::uint64_t length);
   bool hasMarker(std::uint64_t offset, std::string_view marker);
   int readComponents(CFile& file);
+  int readRecords(CFile& file);
+  void notePlates();
+  /// The file at `path` is the one that is read from now on.
+  void noteSource(const CString& path);
+  /// Backs up the file at `path` if it is the one that was read in part. 0, or -200 when that
+  /// fails.
+  int keepPartlyRead(const char* path);
   void writeHeaderWord(std::uint64_t at, std::uint32_t word);
   int patchHeaderWord(std::uint64_t at, unsigned long value);
   int readAcqDataOffset(std::uint32_t& offset);
@@ -645,6 +701,8 @@ class VEX2_API Vex2FileManager : public CFile {
   std::vector<const Vex2FileManager*> platesToAsk() const;
 
   CString filePath_;
+  PartlyRead partlyRead_;
+  std::uint64_t recordStart_ = 0;  // of the record that is being read
   std::vector<DistrustedFile> distrusted_;
   // What the last commit that succeeded left: which file, and how long.
   Identity committedFile_;

@@ -72,8 +72,10 @@ void Vex2FileManager::AddAnalysisSettingsMap(const char* plateName, CAnalysisSet
     if (plateName == nullptr) {
       detectorMap_->AddAnalysisSettingsMap(map);
     } else {
+      // Before its place is made: a place without a map must not stay where memory runs out.
+      auto made = std::make_unique<CAnalysisSettingsDetectorMap>();
       auto& detectors = plateDetectorMaps_[plateName];
-      if (detectors == nullptr) detectors = std::make_unique<CAnalysisSettingsDetectorMap>();
+      if (detectors == nullptr) detectors = std::move(made);
       detectors->AddAnalysisSettingsMap(map);
     }
     SyncPlateDetectorsWithGlobal();
@@ -107,10 +109,10 @@ bool Vex2FileManager::AddDetectorToAnalysisSettingsMap(const TAGPROBE& probe,
 
 bool Vex2FileManager::RemoveDetectorFromAnalysisSettingsMap(const char* detector,
                                                             const char* plateName) {
+  CAnalysisSettingsMap* map = GetAnalysisSettingsMap(plateName);
   CAnalysisSettings* settings = GetAnalysisSettings(plateName, detector);
-  if (settings == nullptr) return false;
-  const bool isRemoved =
-      OrNothing([&] { return GetAnalysisSettingsMap(plateName)->RemoveKey(detector); });
+  if (map == nullptr || settings == nullptr) return false;
+  const bool isRemoved = OrNothing([&] { return map->RemoveKey(detector); });
   if (isRemoved) delete settings;
   return isRemoved;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "vex2/manager/OrNothing.h"
 #include "vex2/manager/Vex2FileManagerComponent.h"
 #include "vex2/setup/CCalibrationComp.h"
 
@@ -109,6 +110,8 @@ bool Vex2FileManager::LoadDyeList(CObList* list) const {
 
 bool Vex2FileManager::LoadDyeListByName(CObList* list, const char* plateName) const {
   if (plateName == nullptr) return LoadDyeList(list);
-  const Vex2FileManagerComponent* plate = GetSinglePlatePtrByName(plateName);
-  return plate != nullptr && plate->LoadDyeList(list);
+  return vex2::OrNothing([&] {
+    const Vex2FileManagerComponent* plate = GetSinglePlatePtrByName(plateName);
+    return plate != nullptr && plate->LoadDyeList(list);
+  });
 }

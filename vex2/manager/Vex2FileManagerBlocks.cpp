@@ -118,6 +118,7 @@ int Vex2FileManager::replaceBlock(const char* path, const Vex2AcquisitionData* d
                                   Vex2DataType type) {
   AcquisitionDataComp* block = nullptr;
   if (const int status = setBlock(type, data, block); status != kSuccess) return status;
+  if (const int status = keepPartlyRead(path); status != kSuccess) return status;
   return type == DataRAWa ? replaceRawData(path, *block) : replaceReportingData(path, *block);
 }
 

@@ -30,7 +30,7 @@ Vex2FileManagerComponent& Vex2FileManagerComponent::operator=(const Vex2FileMana
   // The order is deliberate: a plate that is assigned to itself is empty afterwards.
   Reset();
   ownAnalysis_.reset();
-  if (this != &other) deepCopy(other);
+  if (this != &other) copyOrStayEmpty(other);
   return *this;
 }
 
@@ -86,8 +86,10 @@ int Vex2FileManagerComponent::writePlate(CFile& file) {
 }
 
 int Vex2FileManagerComponent::ReadComponentFile(CFile* file) {
-  return guarded(vex2::kReadFailed,
-                 [&] { return readComponents(file != nullptr ? *file : *this); });
+  CFile& source = file != nullptr ? *file : *this;
+  const int status = guarded(vex2::kReadFailed, [&] { return readComponents(source); });
+  if (status != kSuccess) noteFault(0, "a plate cannot be read");
+  return status;
 }
 
 int Vex2FileManagerComponent::readComponents(CFile& file) {
@@ -96,15 +98,26 @@ int Vex2FileManagerComponent::readComponents(CFile& file) {
   if (status != kSuccess) return status;
   for (;;) {
     std::array<char, vex2::kTagLength> bytes{};
-    if (file.Read(bytes.data(), bytes.size()) < bytes.size()) return vex2::kReadFailed;
+    const std::uint64_t start = file.GetPosition();
+    if (file.Read(bytes.data(), bytes.size()) < bytes.size()) {
+      noteFault(start, "it ends within a plate");
+      return vex2::kReadFailed;
+    }
     const std::string_view tag(bytes.data(), bytes.size());
     if (tag == "EOF " || tag == "Vex2") return status;
     std::unique_ptr<CComponent> component;
     // What is not known is stepped over tag by tag, until something is.
-    if (CreateComponent(tag, component) == 0) continue;
+    if (CreateComponent(tag, component) == 0) {
+      noteFault(start, "the record is of an unknown kind");
+      continue;
+    }
     file.Seek(-static_cast<std::int64_t>(tag.size()), current);
     status = component->Read(&file);
     if (tag == "EOPl") return status;
-    if (status == kSuccess) appendComponent(std::move(component));
+    if (status == kSuccess) {
+      appendComponent(std::move(component));
+    } else {
+      noteFault(start, "the record cannot be read");
+    }
   }
 }

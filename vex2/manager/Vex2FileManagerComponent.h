@@ -12,7 +12,8 @@ class VEX2_API Vex2FileManagerComponent final : public Vex2FileManager {
   // Implicit because hosts write `Vex2FileManagerComponent plate = document;`.
   // NOLINTNEXTLINE(google-explicit-constructor)
   Vex2FileManagerComponent(const Vex2FileManager& other);
-  /// Resets and copies. Assigning a plate to itself leaves it empty.
+  /// Resets and copies. Assigning a plate to itself leaves it empty, and so does memory that runs
+  /// out.
   Vex2FileManagerComponent& operator=(const Vex2FileManagerComponent& other);
   Vex2FileManagerComponent& operator=(const Vex2FileManager& other);
   ~Vex2FileManagerComponent() override;

@@ -77,7 +77,10 @@ bool Vex2FileManager::openKeepingPath(const char* path, unsigned flags) {
 int Vex2FileManager::SafeOpen(const char* path, int write, int append) {
   constexpr unsigned kCommon = typeBinary | shareExclusive;
   if (write == 0) return openKeepingPath(path, modeRead | kCommon) ? 1 : 0;
-  if (append == 0) return openKeepingPath(path, modeWrite | modeCreate | kCommon) ? 1 : 0;
+  if (append == 0) {
+    if (keepPartlyRead(path) != kSuccess) return 0;
+    return openKeepingPath(path, modeWrite | modeCreate | kCommon) ? 1 : 0;
+  }
   if (!openKeepingPath(path, modeWrite | modeCreate | modeNoTruncate | kCommon)) return 0;
   SeekToEnd();
   return 1;
@@ -132,7 +135,9 @@ int Vex2FileManager::saveWhole(const char* path, vex2::FunctionRef<int()> write)
   const int status = guarded(vex2::kWriteFailed, [&] {
     const CString kept(path);
     filePath_ = kept;
-    if (!OpenReplacement(kept.GetString())) return static_cast<int>(vex2::kWriteFailed);
+    if (keepPartlyRead(kept.GetString()) != kSuccess || !OpenReplacement(kept.GetString())) {
+      return static_cast<int>(vex2::kWriteFailed);
+    }
     const int result = write();
     if (result == kSuccess) {
       finishReplacement();
@@ -146,7 +151,14 @@ int Vex2FileManager::saveWhole(const char* path, vex2::FunctionRef<int()> write)
 int Vex2FileManager::ReadFromFile(const char* path, bool dialog) {
   CString chosen;
   if (!choosePath(path, dialog, "Select Vex File to Open", chosen)) return vex2::kCancelled;
-  if (SafeOpen(path, 0, 0) == 0) return vex2::kReadFailed;
+  if (SafeOpen(path, 0, 0) == 0) {
+    partlyRead_ = {};
+    noteFault(0, "the file cannot be opened");
+    return guarded(vex2::kReadFailed, [&] {
+      noteSource(path);
+      return static_cast<int>(vex2::kReadFailed);
+    });
+  }
   // A document that could be read in part is a success: hosts show what there is.
   static_cast<void>(ReadComponentFile(nullptr));
   Abort();
@@ -161,7 +173,7 @@ int Vex2FileManager::SaveToFile(const char* path, bool dialog) {
 
 int Vex2FileManager::SaveHeader(const char* path, const Vex2HeaderData& header) {
   const int status = guarded(vex2::kWriteFailed, [&] {
-    SetHeaderData(header);
+    header_ = header;
     return kSuccess;
   });
   if (status != kSuccess) return status;
@@ -171,19 +183,34 @@ int Vex2FileManager::SaveHeader(const char* path, const Vex2HeaderData& header) 
 int Vex2FileManager::ReadComponentFile(CFile* file) {
   const CWaitCursor wait;
   const vex2::TracedTime time("reading in components");
-  return guarded(vex2::kReadFailed,
-                 [&] { return readComponents(file != nullptr ? *file : *this); });
+  CFile& source = file != nullptr ? *file : *this;
+  const int status = guarded(vex2::kReadFailed, [&] { return readComponents(source); });
+  if (status != kSuccess) noteFault(recordStart_, "the record cannot be read");
+  return status;
 }
 
 int Vex2FileManager::readComponents(CFile& file) {
   Reset();
-  int status = ReadHeaderData(&file);
+  recordStart_ = 0;
+  noteSource(file.CFile::GetFilePath());
+  const int status = ReadHeaderData(&file);
+  if (status != kSuccess) noteFault(0, "it is no \"Vex2\" document");
+  if (file.GetLength() < kHeaderBytes) noteFault(file.GetLength(), "it ends within the header");
   if (status != kSuccess || file.GetLength() <= kHeaderBytes) return status;
+  return readRecords(file);
+}
+
+int Vex2FileManager::readRecords(CFile& file) {
+  int status = kSuccess;
   std::uint64_t remaining = file.GetLength() - kHeaderBytes;
   while (remaining > 0) {
+    recordStart_ = file.GetPosition();
     std::array<char, vex2::kTagLength> tag{};
     // Declared lengths need not add up to the file's, so the file's end is what ends the loop.
-    if (file.Read(tag.data(), tag.size()) < tag.size()) break;
+    if (const std::size_t got = file.Read(tag.data(), tag.size()); got < tag.size()) {
+      if (got > 0) noteFault(recordStart_, "it ends within a record");
+      break;
+    }
     std::unique_ptr<CComponent> component;
     const bool known = CreateComponent({tag.data(), tag.size()}, component) == 1;
     Seek(-static_cast<std::int64_t>(tag.size()), current);
@@ -196,8 +223,16 @@ int Vex2FileManager::readComponents(CFile& file) {
       status = read;
       if (status != kSuccess) break;
       appendComponent(std::move(component));
+    } else {
+      noteFault(start, "the record is of an unknown kind");
     }
+    // A list may end with the file, whatever its length says, and be a success.
+    if (size > remaining) noteFault(start, "it ends within a record");
     remaining -= std::min<std::uint64_t>(remaining, size);
+  }
+  notePlates();
+  if (status == kSuccess && file.GetPosition() < file.GetLength()) {
+    noteFault(file.GetPosition(), "the lengths of the records end before the file does");
   }
   return status;
 }

@@ -5,6 +5,7 @@
 #include "vex2/container/Encoding.h"
 #include "vex2/container/TagTable.h"
 #include "vex2/framework/Host.h"
+#include "vex2/manager/OrNothing.h"
 #include "vex2/manager/Vex2FileManagerComponent.h"
 #include "vex2/run/AcquisitionDataComp.h"
 
@@ -194,8 +195,10 @@ int Vex2FileManager::GetDataFrameCount(Vex2DataType type) const {
 
 int Vex2FileManager::GetDataFrameCountByName(const char* plateName, Vex2DataType type) const {
   if (plateName == nullptr) return GetDataFrameCount(type);
-  const Vex2FileManagerComponent* plate = GetSinglePlatePtrByName(plateName);
-  return plate != nullptr ? plate->GetDataFrameCount(type) : 0;
+  return vex2::OrNothing([&] {
+    const Vex2FileManagerComponent* plate = GetSinglePlatePtrByName(plateName);
+    return plate != nullptr ? plate->GetDataFrameCount(type) : 0;
+  });
 }
 
 int Vex2FileManager::GetWellCount(Vex2DataType type) const {

@@ -123,7 +123,7 @@ bool Vex2FileManager::refusesChanges() {
   Abort();
   static_cast<void>(guarded(vex2::kWriteFailed, [this] {
     const std::string text = "The disk failed to store a change to " +
-                             std::string(GetFilePath().View()) +
+                             std::string(filePath_.View()) +
                              ". Nothing more is written into that file. Please save the document "
                              "under another name.";
     for (auto& file : distrusted_) {

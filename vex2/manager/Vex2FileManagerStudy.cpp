@@ -37,7 +37,7 @@ bool Vex2FileManager::AddRQPlate(const Vex2FileManager* plate, const CString& la
     CString folder;
     CString name;
     CString extension;
-    SplitPath(plate->GetFilePath(), folder, name, extension);
+    SplitPath(plate->filePath_, folder, name, extension);
     // The analysis map alone decides whether a name is taken.
     return analysisMap_.count(name) == 0 && addPlate(name, *plate, lastModified);
   });

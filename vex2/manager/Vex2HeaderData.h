@@ -38,6 +38,8 @@ struct VEX2_API Vex2HeaderData {
   void Reset();
 
   /// Sets `rows` and makes a new usage table of that many masks, each `kTwelveWells`; none for 0.
+  /// Throws `std::bad_alloc`, with the old table in place, where memory runs out; copies do the
+  /// same.
   void SetRows(std::uint16_t count);
   /// The masks that can be read from `usage`: `rows`, or fewer where `rows` was set by hand to more
   /// than the table holds; 0 without a table. A table that the host made must hold `rows` masks.
