@@ -17,3 +17,9 @@ foreach(name vex2 vex2framework)
   configure_file(cmake/${name}.pc.in ${name}.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/${name}.pc DESTINATION ${pkgconfig_dir})
 endforeach()
+
+# What a host author reads and copies from, laid out as here, so that links lead on.
+install(FILES LICENSE README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES docs/format.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
+install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} USE_SOURCE_PERMISSIONS
+        PATTERN CMakeLists.txt EXCLUDE)
