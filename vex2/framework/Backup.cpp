@@ -48,6 +48,20 @@ void copyFile(CFile& source, const std::string& to) {
 
 }  // namespace
 
+LocatedFile LocateFile(const std::string& path) {
+  LocatedFile file;
+  file.path = ResolvedPath(path.c_str());
+  struct stat info {};
+  const int status = CurrentFileSystem().StatPath(path.c_str(), info);
+  if (status == -ENOENT || status == -ENOTDIR) return file;
+  if (status < 0) throw CFileException(-status, path, 0);
+  file.exists = true;
+  file.isRegular = S_ISREG(info.st_mode);
+  file.device = info.st_dev;
+  file.number = info.st_ino;
+  return file;
+}
+
 std::string BackUpFile(const std::string& path) {
   CFile source;
   openOrThrow(source, path, CFile::modeRead);

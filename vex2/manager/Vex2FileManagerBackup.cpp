@@ -1,13 +1,9 @@
 // What the last reading left out, and what becomes of the file when it is replaced.
 
-#include <sys/stat.h>
-
-#include <cerrno>
 #include <string>
 #include <string_view>
 
 #include "vex2/framework/Backup.h"
-#include "vex2/framework/FileSystem.h"
 #include "vex2/manager/Vex2FileManager.h"
 #include "vex2/manager/Vex2FileManagerComponent.h"
 #include "vex2/study/CMultiPlateComp.h"
@@ -35,25 +31,19 @@ void Vex2FileManager::notePlates() {
 }
 
 void Vex2FileManager::noteSource(const CString& path) {
-  struct stat info {};
-  if (vex2::CurrentFileSystem().StatPath(path.GetString(), info) >= 0) {
-    partlyRead_.identity = {info.st_dev, info.st_ino};
-  }
-  partlyRead_.path = CString(std::string_view(vex2::ResolvedPath(path.GetString())));
+  const vex2::LocatedFile file = vex2::LocateFile(path.GetString());
+  partlyRead_.identity = {file.device, file.number};
+  partlyRead_.path = CString(std::string_view(file.path));
 }
 
 int Vex2FileManager::keepPartlyRead(const char* path) {
   if (path == nullptr || IsWhole() || partlyRead_.isKept) return kSuccess;
-  struct stat info {};
-  const int found = vex2::CurrentFileSystem().StatPath(path, info);
-  if (found == -ENOENT || found == -ENOTDIR) return kSuccess;
-  if (found < 0) return vex2::kWriteFailed;
-  if (!S_ISREG(info.st_mode)) return kSuccess;
   return guarded(vex2::kWriteFailed, [&] {
-    const std::string resolved = vex2::ResolvedPath(path);
-    const bool isSameFile = partlyRead_.identity == Identity(info.st_dev, info.st_ino);
-    if (!isSameFile && partlyRead_.path.View() != resolved) return kSuccess;
-    vex2::BackUpFile(resolved);
+    const vex2::LocatedFile file = vex2::LocateFile(path);
+    const bool isSameFile = partlyRead_.identity == Identity(file.device, file.number);
+    if (!isSameFile && partlyRead_.path.View() != file.path) return kSuccess;
+    if (!file.exists || !file.isRegular) return kSuccess;
+    vex2::BackUpFile(file.path);
     partlyRead_.isKept = true;
     return kSuccess;
   });
