@@ -61,11 +61,9 @@ int readRecords(Stream& stream, std::uint32_t count, Part& list) {
     Part child;
     std::uint64_t counted = 0;
     if (const int status = ReadRecord(stream, child, counted); status != 0) return status;
-    list.children.push_back(child);
-    if (list.tag != "MPLC") continue;
     // A plate joins the study as if it were added.
-    list.length += 10;
-    list.count = static_cast<std::uint32_t>(list.children.size());
+    if (list.tag == "MPLC") list.length += 10;
+    list.children.push_back(child);
   }
   return 0;
 }
@@ -75,7 +73,10 @@ int readCounted(Stream& stream, Part& part, std::size_t more) {
   if (!stream.Take(2, count)) return -100;
   if (const int status = take(stream, more, part.value); status != 0) return status;
   part.count = NumberAt(count, 0, 2);
-  return readRecords(stream, NumberAt(count, 0, 2), part);
+  const int status = readRecords(stream, part.count, part);
+  // A study counts the plates that it has.
+  if (part.tag == "MPLC") part.count = static_cast<std::uint32_t>(part.children.size());
+  return status;
 }
 
 int readSpectra(Stream& stream, Part& part) {
