@@ -5,8 +5,13 @@ import re
 import subprocess
 import sys
 
-# What a reader of a man page can do without.
-NOISE = re.compile(r" REQUIRED| (Excludes|Needs): [^ ]+|:(UINT|FLOAT|TEXT|INT)\b|(?<=[A-Z]) TEXT\b|UINT:(?={)")
+# What a reader of a man page can do without: which options exclude each other, types of values that have
+# a name, and choices that the name lists already.
+NOISE = re.compile(r" REQUIRED| (Excludes|Needs):( --[\w-]+)+|:(UINT|FLOAT|TEXT|INT)\b|(?<=[A-Z]) TEXT\b|UINT:(?={)"
+                   r"|(?<=[A-Za-z]):{[^}]*}")
+# An option that fills its column is parted from its text by a single space.
+FULL_COLUMN = re.compile(r"((?:-\w,)?--[\w-]+(?: [A-Z][A-Z.a-z]*)?) ([A-Z][a-z].*)")
+RANGE = re.compile(r" in \[(\S+) - (\S+)\]")
 
 HEAD = r'''.\" Made by make_man.py from what vex --help says; do not edit.
 .TH VEX 1 "" "vex2" "Plate documents"
@@ -67,7 +72,7 @@ def sections(text):
     """The help's lines by heading; what stands before the first is under an empty one."""
     found, heading = {"": []}, ""
     for line in text.splitlines():
-        if re.fullmatch(r"[A-Z][\w ]*:", line):
+        if re.fullmatch(r"[A-Z].*:", line):
             heading = line.rstrip(":")
             found[heading] = []
         else:
@@ -80,10 +85,26 @@ def entries(lines):
     found = []
     for line in lines:
         if match := re.match(r"  (\S.*?)(?:  +(.*))?$", line):
-            found.append([NOISE.sub("", match[1]), match[2] or ""])
+            name, text = NOISE.sub("", match[1]), match[2] or ""
+            if not text and (full := FULL_COLUMN.fullmatch(name)):
+                name, text = full.groups()
+            found.append([name, text])
         elif line.strip():
             found[-1][1] = f"{found[-1][1]} {line.strip()}".strip()
-    return found
+    return [readable(name, text) for name, text in found]
+
+
+def readable(name, text):
+    """As a man page has it: the value's name alone behind the option, its range in the text."""
+    if limits := RANGE.search(name):
+        text = f"{text} ({limits[1]} to {limits[2]})"
+        name = RANGE.sub("", name)
+    name = re.sub(r"{([^}]*)}", lambda choices: choices[1].replace(",", "|"), name)
+    name = re.sub(r"\bU?INT\b", "N", name)
+    name = re.sub(r"(\.\.\.)? \.\.\.", "...", name)
+    if not name.startswith("-"):
+        name = name.split(" ")[0]  # of an argument the usage line says what it is
+    return name, text
 
 
 def subcommands(parts):
