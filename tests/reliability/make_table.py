@@ -14,6 +14,7 @@ import re
 import sys
 
 BEGIN = "<!-- sweeps: written by tests/reliability/make_table.py -->"
+COUNTS = ("points", "states", "bad", "leftOut")
 END = "<!-- end of sweeps -->"
 
 
@@ -23,8 +24,8 @@ def sums(lines):
         result = json.loads(line)
         if not result["full"]:
             continue
-        row = rows.setdefault((result["promise"], result["sweep"]), [0, 0, 0])
-        for column, key in enumerate(("points", "states", "bad")):
+        row = rows.setdefault((result["promise"], result["sweep"]), [0] * len(COUNTS))
+        for column, key in enumerate(COUNTS):
             row[column] += result[key]
     return rows
 
@@ -37,7 +38,8 @@ def in_order(rows, promises):
 
 
 def table(rows):
-    lines = ["| Fault | What was tried | Points | States looked at | Bad |", "|---|---|--:|--:|--:|"]
+    lines = ["| Fault | What was tried | Points | States looked at | Bad | Left out |",
+             "|---|---|--:|--:|--:|--:|"]
     for (promise, sweep), counts in rows.items():
         numbers = " | ".join(f"{count:,}" for count in counts)
         lines.append(f"| {promise} | {sweep} | {numbers} |")
@@ -54,7 +56,7 @@ def main():
     before, rest = document.read_text().split(BEGIN)
     rows = in_order(rows, re.findall(r"^\| ([^|]+) \|", before, re.MULTILINE))
     document.write_text(f"{before}{BEGIN}\n{table(rows)}\n{END}{rest.split(END)[1]}")
-    return 1 if any(counts[2] for counts in rows.values()) else 0
+    return 1 if any(counts[COUNTS.index("bad")] for counts in rows.values()) else 0
 
 
 if __name__ == "__main__":

@@ -33,8 +33,8 @@ void ReportSweep(const SweepResult& result) {
   std::ostringstream line;
   line << "{\"promise\": " << jsonText(result.promise) << ", \"sweep\": " << jsonText(result.sweep)
        << ", \"points\": " << result.points << ", \"states\": " << result.states
-       << ", \"bad\": " << result.bad << ", \"full\": " << (FullSweeps() ? "true" : "false")
-       << "}\n";
+       << ", \"bad\": " << result.bad << ", \"leftOut\": " << result.leftOut
+       << ", \"full\": " << (FullSweeps() ? "true" : "false") << "}\n";
   // One write, appended: tests report side by side.
   std::ofstream(path, std::ios::app) << line.str() << std::flush;
 }

@@ -21,6 +21,8 @@ struct SweepResult {
   std::uint64_t points = 0;  ///< places where a fault was put
   std::uint64_t states = 0;  ///< files, or answers, that were looked at afterwards
   std::uint64_t bad = 0;     ///< of these, the ones that broke the promise
+  /// What the promise leaves out, e.g. frames of which nothing tells how many wells they are of.
+  std::uint64_t leftOut = 0;
 };
 
 /// Adds the result to the file that the environment variable VEX2_SWEEP_RESULTS names, as a line
