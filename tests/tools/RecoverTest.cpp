@@ -112,7 +112,8 @@ TEST_F(Recover, NeverWritesToItsInputWhateverItIsCalled) {
 TEST_F(Recover, WhatStandsInTheOutputsPlaceIsKeptUnlessForced) {
   MakeRun("DONE");
   WriteBytes(rescued_, ToBytes("kept"));
-  ExpectNothingDone({"recover", path_, "-o", rescued_}, 2, "is there already; --force replaces it");
+  ExpectNothingDone({"recover", path_, "-o", rescued_}, 2,
+                    "already exists; use --force to overwrite it");
   EXPECT_EQ(Rescue({"--force"}).exitCode, 0);
   EXPECT_EQ(ReadBytes(rescued_), ReadBytes(path_));
 }

@@ -6,8 +6,8 @@
 #include <filesystem>
 
 #include "tests/tools/CheckFixture.h"
+#include "tools/vex/document/DocumentLock.h"
 #include "tools/vex/rescue/Repair.h"
-#include "tools/vex/run/RecordingLock.h"
 
 namespace vex2::test {
 namespace {
@@ -206,7 +206,7 @@ TEST_F(Repair, NeverWritesOverABackup) {
 TEST_F(Repair, RefusesADocumentThatIsBeingRecorded) {
   MakeRun("PROG");
   AppendFrameBytes(10);
-  const tool::RecordingLock lock(tool::ResolveDocument(path_));
+  const tool::DocumentLock lock(path_, tool::DocumentLock::Holder::kRecorder);
   ExpectRefused({"repair", path_}, 2, "is being recorded already");
 }
 

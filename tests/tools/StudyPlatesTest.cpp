@@ -102,7 +102,7 @@ TEST_F(StudyPlates, ACopyOfOneIsADocumentOfItsOwn) {
   EXPECT_EQ(content(JsonOutput({"tree", "--json", path_})),
             content(JsonOutput({"tree", "--json", plate2_})));
   expectStudyRefuses({"copy", study_, study_, "--plate", "plate2"}, study_, 2,
-                     "the plate would take the place of its own study");
+                     "is read by this command");
 }
 
 TEST_F(StudyPlates, DetectorsOfTheStudyItselfStandBeforeThoseOfItsPlates) {

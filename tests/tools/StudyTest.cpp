@@ -113,7 +113,7 @@ TEST_F(Study, RelativePathsNamePlates) {
 
 TEST_F(Study, WhatIsThereIsReplacedOnlyWhenAsked) {
   makeStudy();
-  expectStudyRefuses({"study", "new", study_, plate1_}, study_, 2, "is there already");
+  expectStudyRefuses({"study", "new", study_, plate1_}, study_, 2, "already exists");
   Output({"study", "new", "--force", study_, plate1_});
   EXPECT_EQ(plates().size(), 1U);
 }
@@ -149,13 +149,13 @@ TEST_F(Study, AnExtractedPlateIsADocumentWithItsRawDataLast) {
   EXPECT_EQ(after.back()["tag"], "RAWa");
   EXPECT_EQ(Output({"export", out, "--raw"}), Output({"export", plate2_, "--raw"}));
   expectStudyRefuses({"study", "extract", study_, "plate1", study_}, study_, 2,
-                     "would take the place of its own study");
+                     "is read by this command");
 }
 
 TEST_F(Study, RebuiltFromWhatWasExtractedItsPlatesAreTheSame) {
   makeStudy();
-  Output({"study", "extract", study_, "plate1", plate1_});
-  Output({"study", "extract", study_, "plate2", plate2_});
+  Output({"study", "extract", study_, "plate1", plate1_, "--force"});
+  Output({"study", "extract", study_, "plate2", plate2_, "--force"});
   const std::string again = folder_ / "again.vex";
   Output({"study", "new", again, plate1_, plate2_});
   const json before = JsonOutput({"tree", "--json", study_});

@@ -273,7 +273,7 @@ TEST_F(CalibrationTest, OfSampleDocumentsComesBackByteForByte) {
     Vex2FileManager before;
     before.ReadFromFile(path_.c_str());
     const std::string file = folder_ / "calibration.csv";
-    Output({"calibration", path_, "--export", file});
+    Output({"calibration", path_, "--export", file, "--force"});
     Output({"calibration", path_, "--import", file});
     Output({"calibration", path_, "--import", file});
     EXPECT_EQ(Output({"calibration", path_, "--export", "-"}), textOf(file)) << name;
@@ -294,7 +294,7 @@ TEST_F(CalibrationTest, TableThatIsWrongNamesItsRow) {
     EXPECT_EQ(result.exitCode, 1) << row;
     EXPECT_THAT(result.errors, HasSubstr(why));
   }
-  ExpectRefused({"calibration", path_, "--export", path_}, 2, "take the place of its own document");
+  ExpectRefused({"calibration", path_, "--export", path_}, 2, "is read by this command");
 }
 
 TEST_F(CalibrationTest, IsShownWithSmallSpectra) {

@@ -5,10 +5,11 @@
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/CsvInput.h"
 #include "tools/vex/document/Changing.h"
+#include "tools/vex/document/Output.h"
+#include "tools/vex/document/OutputFiles.h"
 #include "tools/vex/setup/CalibrationFile.h"
 #include "tools/vex/text/Chart.h"
 #include "tools/vex/text/JsonOutput.h"
-#include "tools/vex/text/Output.h"
 #include "tools/vex/text/Table.h"
 #include "tools/vex/text/Text.h"
 
@@ -110,6 +111,7 @@ class CalibrationCommand final : public Command {
         .Exclude(json)
         .Exclude(target);
     input_.AddOptions(options);
+    options.AddFlag("--force", force_, "Overwrite OUT.csv if it exists");
     plate_.AddTo(options);
     changing_.AddOptions(options);
     options.PutFirst("A replaced part keeps its head, which the table does not hold.");
@@ -138,10 +140,10 @@ class CalibrationCommand final : public Command {
 
  private:
   void exportTo(const std::vector<Document::Plate>& plates, bool all) const {
-    if (IsSameFile(file_, target_)) {
-      throw Error(ExitCode::kUsage, file_, "the table would take the place of its own document");
-    }
-    Output output(target_ == "csv" ? "-" : target_);
+    const std::string target = target_ == "csv" ? "-" : target_;
+    OutputFiles files(force_);
+    files.Read(file_).Write(target, OutputFiles::Kind::kTable).Claim();
+    Output output(target);
     CsvWriter csv(output.Stream(), all);
     WriteCalibrationColumns(csv);
     for (const Document::Plate& plate : plates) {
@@ -171,6 +173,7 @@ class CalibrationCommand final : public Command {
   std::string target_;
   std::string source_;
   CsvInput input_;
+  bool force_ = false;
   PlateOption plate_;
   Changing changing_;
 };

@@ -1,5 +1,6 @@
 #include "tools/vex/command/Command.h"
 #include "tools/vex/document/DocumentPlates.h"
+#include "tools/vex/document/OutputFiles.h"
 #include "tools/vex/document/Study.h"
 
 namespace vex2::tool {
@@ -14,21 +15,19 @@ class CopyCommand final : public Command {
 
   void AddOptions(Options& options) override {
     options.Add("IN", source_, "The document to read").Require().Show("");
-    options.Add("OUT", target_, "Where to save it, in place of what is there").Require().Show("");
+    options.Add("OUT", target_, "Where to save it").Require().Show("");
+    options.AddFlag("--force", force_, "Overwrite OUT if it exists");
     plate_.AddTo(options);
     rewriting_.AddOptions(options);
   }
 
   ExitCode Run() override {
     Document document(source_);
+    OutputFiles files(force_);
+    files.Read(source_).Write(target_, OutputFiles::Kind::kDocument).Claim();
     if (plate_.IsGiven()) {
       ExtractPlate(document, plate_.One(document), target_, rewriting_);
       return ExitCode::kDone;
-    }
-    if (IsSameFile(source_, target_)) {
-      document.RequireAtRest();
-    } else {
-      RequireNoRunAt(target_);
     }
     rewriting_.Prepare(document, target_);
     if (document.Content().IsAcquisitionProg()) {
@@ -43,6 +42,7 @@ class CopyCommand final : public Command {
  private:
   std::string source_;
   std::string target_;
+  bool force_ = false;
   PlateOption plate_;
   Rewriting rewriting_;
 };

@@ -3,12 +3,12 @@
 #include "tools/vex/command/Command.h"
 #include "tools/vex/document/DataBlock.h"
 #include "tools/vex/document/DocumentPlates.h"
-#include "tools/vex/document/Rewriting.h"
+#include "tools/vex/document/Output.h"
+#include "tools/vex/document/OutputFiles.h"
 #include "tools/vex/document/RunLog.h"
 #include "tools/vex/document/StoredValues.h"
 #include "tools/vex/run/ReadingsWriter.h"
 #include "tools/vex/setup/PlateLayout.h"
-#include "tools/vex/text/Output.h"
 #include "tools/vex/text/Text.h"
 #include "vex2/run/AcquisitionDataComp.h"
 
@@ -96,14 +96,14 @@ class ExportCommand final : public Command {
     plate_.AddTo(options);
     options.AddFlag("--raw", raw_, "The values as they are stored, whoever wrote them");
     options.Add("-o,--output", target_, "The file to write; standard output if none").Show("OUT");
+    options.AddFlag("--force", force_, "Overwrite OUT if it exists");
   }
 
   ExitCode Run() override {
     const Document document(file_);
     const std::vector<Block> blocks = findBlocks(document);
-    if (IsSameFile(file_, target_)) {
-      throw Error(ExitCode::kUsage, file_, "the table would take the place of its own document");
-    }
+    OutputFiles files(force_);
+    files.Read(file_).Write(target_, OutputFiles::Kind::kTable).Claim();
     const bool ofPlates = document.IsStudy() && !plate_.IsGiven();
     Output output(target_);
     if (raw_) {
@@ -142,6 +142,7 @@ class ExportCommand final : public Command {
   std::string format_ = "csv";
   std::string block_;
   std::string target_;
+  bool force_ = false;
   PlateOption plate_;
   bool raw_ = false;
 };

@@ -1,17 +1,20 @@
 #include <cstdint>
+#include <functional>
 #include <iostream>
 #include <limits>
 #include <optional>
+#include <sstream>
 
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/CsvInput.h"
+#include "tools/vex/document/Output.h"
+#include "tools/vex/document/OutputFiles.h"
 #include "tools/vex/run/InterruptedRun.h"
 #include "tools/vex/run/MeasuredRun.h"
 #include "tools/vex/run/RecordProgress.h"
 #include "tools/vex/run/Recorder.h"
 #include "tools/vex/run/SimulatedRun.h"
 #include "tools/vex/setup/WellsFile.h"
-#include "tools/vex/text/Output.h"
 
 namespace vex2::tool {
 
@@ -31,14 +34,16 @@ class RecordingCommand : public Command {
         .AllowRange(0.0, kLongestPace);
     const Option resume = options.AddFlag("--resume", options_.resume,
                                           "Go on after the last frame that the document holds");
-    options.AddFlag("--force", options_.force, "Replace a document that is there").Exclude(resume);
+    options.AddFlag("--force", options_.force, "Overwrite existing files").Exclude(resume);
   }
 
   void addDocument(Options& options) {
     options.Add("RUN", options_.path, "The document to record to").Show("FILE.vex").Require();
   }
 
-  ExitCode record(const RunPlan& plan) {
+  /// `beforehand` is called when the recording can begin.
+  ExitCode record(
+      const RunPlan& plan, const std::function<void()>& beforehand = [] {}) {
     std::size_t done = 0;
     const auto outcome = [&] {
       RecordProgress progress(options_.path);
@@ -46,6 +51,8 @@ class RecordingCommand : public Command {
         done = state.framesDone;
         progress.Show(state);
       });
+      recorder.Claim();
+      beforehand();
       return runTellingWhatIsSafe(recorder, done, plan.frames.size());
     }();
     if (outcome == Recorder::Outcome::kWasDone) {
@@ -107,6 +114,9 @@ class RecordCommand final : public RecordingCommand {
     }
     files_.readingsFormat = input_.Format(ReadingsFileColumns());
     files_.wellsFormat = input_.Format(WellsFileColumns(), wellsNames_, "--wells-columns");
+    OutputFiles files(options_.force);
+    files.Read(files_.readings).Read(files_.wells);
+    files.Write(options_.path, OutputFiles::Kind::kRecording).Claim();
     return record(LoadMeasuredRun(files_));
   }
 
@@ -142,15 +152,45 @@ class SimulateCommand final : public RecordingCommand {
 
   ExitCode Run() override {
     const RunPlan plan = SimulateRun(parameters());
-    if (!readingsOut_.empty()) WriteReadings(plan, readingsOut_);
-    if (!wellsOut_.empty()) writeWells(plan.contents);
-    return record(plan);
+    Table readings = {readingsOut_, readingsText(plan)};
+    Table wells = {wellsOut_, wellsText(plan)};
+    OutputFiles files(options_.force);
+    files.Write(options_.path, OutputFiles::Kind::kRecording);
+    for (Table* table : {&readings, &wells}) {
+      files.Write(table->path, OutputFiles::Kind::kTable);
+      // The same command with --resume goes on, and finds its tables there.
+      table->isThere = options_.resume && files.IsThere(table->path, table->text);
+    }
+    files.Claim();
+    return record(plan, [&] {
+      write(readings);
+      write(wells);
+    });
   }
 
  private:
-  void writeWells(const PlateContents& contents) const {
-    Output output(wellsOut_);
-    WriteWells(contents, output.Stream());
+  struct Table {
+    std::string path;  ///< empty where none was asked for
+    std::string text;
+    bool isThere = false;
+  };
+
+  static std::string readingsText(const RunPlan& plan) {
+    std::ostringstream text;
+    WriteReadings(plan, text);
+    return text.str();
+  }
+
+  static std::string wellsText(const RunPlan& plan) {
+    std::ostringstream text;
+    WriteWells(plan.contents, text);
+    return text.str();
+  }
+
+  static void write(const Table& table) {
+    if (table.path.empty() || table.isThere) return;
+    Output output(table.path);
+    output.Stream() << table.text;
     output.Finish();
   }
 

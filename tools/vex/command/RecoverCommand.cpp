@@ -1,10 +1,10 @@
 #include <chrono>
-#include <filesystem>
 #include <iostream>
 
+#include "tools/vex/Interrupts.h"
 #include "tools/vex/command/Command.h"
+#include "tools/vex/document/OutputFiles.h"
 #include "tools/vex/document/RawFile.h"
-#include "tools/vex/document/Rewriting.h"
 #include "tools/vex/rescue/RecoverReport.h"
 #include "tools/vex/rescue/Salvage.h"
 #include "tools/vex/text/ProgressLine.h"
@@ -31,7 +31,7 @@ class RecoverCommand final : public Command {
   void AddOptions(Options& options) override {
     options.Add("FILE", source_, "The damaged document").Require().Show("");
     options.Add("-o,--output", target_, "The document to write").Require().Show("OUT");
-    options.AddFlag("--force", force_, "Replace a document that is there");
+    options.AddFlag("--force", force_, "Overwrite OUT if it exists");
     options.AddFlag("--json", json_, "For programs: the report as an object");
     options.PutLast(kMeaning);
   }
@@ -39,9 +39,11 @@ class RecoverCommand final : public Command {
   ExitCode Run() override {
     CFile in;
     OpenToRead(in, source_);
-    requireTarget();
+    OutputFiles files(force_);
+    files.Read(source_).Write(target_, OutputFiles::Kind::kDocument).Claim();
+    Interrupts interrupts;
     NewFile out(target_);
-    const SalvageReport report = salvage(in, out);
+    const SalvageReport report = salvage(in, out, interrupts);
     if (!report.IsAnything()) {
       throw Error(ExitCode::kUsage, source_,
                   "there is nothing to recover: no record and no frame of a plate document was "
@@ -58,23 +60,14 @@ class RecoverCommand final : public Command {
   }
 
  private:
-  void requireTarget() const {
-    if (IsSameFile(source_, target_)) {
-      throw Error(ExitCode::kUsage, target_,
-                  "is the damaged document itself, which is never written to; give another name");
-    }
-    if (std::filesystem::exists(std::filesystem::symlink_status(target_)) && !force_) {
-      throw Error(ExitCode::kUsage, target_, "is there already; --force replaces it");
-    }
-    RequireNoRunAt(target_);
-  }
-
-  SalvageReport salvage(CFile& in, CFile& out) const {
+  SalvageReport salvage(CFile& in, CFile& out, Interrupts& interrupts) const {
     constexpr std::chrono::milliseconds kPatience{500};
     constexpr std::uint64_t kStep = 1U << 20U;
     ProgressLine line(kPatience, ProgressLine::AtEnd::kErase);
     std::uint64_t next = kStep;
     return Salvage(in, out, [&](std::uint64_t done) {
+      if (interrupts.Pending())
+        throw Error(ExitCode::kInterrupted, source_, "interrupted; nothing was saved");
       if (done < next) return;
       next = done + kStep;
       line.Show("recovering: " + std::to_string(done * 100 / in.GetLength()) + " %");

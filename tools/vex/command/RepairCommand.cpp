@@ -1,9 +1,10 @@
 #include <iostream>
 
+#include "tools/vex/Interrupts.h"
 #include "tools/vex/command/Command.h"
+#include "tools/vex/document/DocumentLock.h"
 #include "tools/vex/rescue/DocumentCheck.h"
 #include "tools/vex/rescue/Repair.h"
-#include "tools/vex/run/RecordingLock.h"
 
 namespace vex2::tool {
 
@@ -38,10 +39,12 @@ class RepairCommand final : public Command {
       print(plan);
       return ExitCode::kDone;
     }
-    const std::string document = ResolveDocument(file_).string();
-    const RecordingLock lock(document);
+    const DocumentLock lock(file_, DocumentLock::Holder::kCommand);
+    const std::string document = lock.Document().string();
     const RepairPlan plan = PlanRepair(file_);
     if (plan.IsEmpty()) return tellThatNothingIsMended();
+    // Who ends the command here gets the repaired document or the old one, and no temporary file.
+    const Interrupts interrupts;
     mend(plan, document);
     return tellWhatIsLeft();
   }

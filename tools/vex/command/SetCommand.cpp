@@ -41,9 +41,8 @@ class SetCommand final : public Command {
 
   ExitCode Run() override {
     const std::vector<Change> changes = parse();
-    Document document(file_);
-    if (ofStudy_) RequireStudy(document);
-    std::cout << changing_.Apply(document, [&] {
+    std::cout << changing_.Apply(file_, [&](Document& document) {
+      if (ofStudy_) RequireStudy(document);
       Vex2FileManager& target = targetOf(document, changes);
       std::string report;
       for (const Change& change : changes) report += apply(target, change);

@@ -26,6 +26,14 @@ class StatusCommand final : public Command {
 
   ExitCode Run() override {
     requireCode();
+    if (!code_ || plate_.IsGiven()) return printOrChange();
+    // A plain code is also the remedy for a run whose recorder is gone: its status does not refuse.
+    const DocumentLock lock(file_, DocumentLock::Holder::kCommand);
+    return printOrChange();
+  }
+
+ private:
+  ExitCode printOrChange() {
     DocumentFile document;
     document.OpenDocument(file_);
     static_cast<void>(document.ReadHeaderData(nullptr));
@@ -44,7 +52,6 @@ class StatusCommand final : public Command {
     return ExitCode::kDone;
   }
 
- private:
   void requireCode() const {
     if (!code_) return;
     if (code_->size() == 4 && IsPlain(*code_)) return;

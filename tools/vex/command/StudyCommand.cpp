@@ -1,10 +1,10 @@
 #include <algorithm>
-#include <filesystem>
 #include <iostream>
 
 #include "tools/vex/command/Command.h"
 #include "tools/vex/document/Changing.h"
 #include "tools/vex/document/DocumentPlates.h"
+#include "tools/vex/document/OutputFiles.h"
 #include "tools/vex/document/Study.h"
 #include "tools/vex/text/JsonOutput.h"
 #include "tools/vex/text/Terminal.h"
@@ -37,9 +37,10 @@ class StudyChange : public Command {
   /// Changes the study with `change`, which is handed it and answers what it changed.
   template <typename Change>
   void ChangeStudy(const Change& change) const {
-    Document document(study_);
-    RequireStudy(document);
-    std::cout << changing_.Apply(document, [&] { return change(document); });
+    std::cout << changing_.Apply(study_, [&](Document& document) {
+      RequireStudy(document);
+      return change(document);
+    });
   }
 
   std::string study_;
@@ -53,12 +54,11 @@ class NewAction final : public StudyChange {
                      "vex study new study.vex plate1.vex plate2.vex"}) {}
 
   ExitCode Run() override {
-    if (std::filesystem::exists(std::filesystem::symlink_status(study_)) && !force_) {
-      throw Error(ExitCode::kUsage, study_,
-                  "is there already; 'vex study add' adds plates to it, --force replaces it");
-    }
-    RequireNoRunAt(study_);
-    Vex2FileManager study;
+    OutputFiles files(force_);
+    for (const std::string& plate : plates_) files.Read(plate);
+    files.Write(study_, OutputFiles::Kind::kDocument);
+    files.Advise("use 'vex study add' to add plates to it or --force to overwrite it").Claim();
+    DocumentFile study;
     const std::string report = AddPlates(study, study_, plates_, changing_.Losses());
     std::cout << changing_.Finish(study, study_, report);
     return ExitCode::kDone;
@@ -67,7 +67,7 @@ class NewAction final : public StudyChange {
  protected:
   void AddArguments(Options& options) override {
     AddPlateFiles(options, plates_);
-    options.AddFlag("--force", force_, "Replace a document that is there");
+    options.AddFlag("--force", force_, "Overwrite STUDY if it exists");
   }
 
  private:
@@ -218,7 +218,8 @@ class ExtractAction final : public Command {
   void AddOptions(Options& options) override {
     options.Add("STUDY", study_, "The study").Require().Show("");
     options.Add("NAME", name_, "The plate's name").Require().Show("");
-    options.Add("OUT", target_, "Where to save it, in place of what is there").Require().Show("");
+    options.Add("OUT", target_, "Where to save it").Require().Show("");
+    options.AddFlag("--force", force_, "Overwrite OUT if it exists");
     rewriting_.AddOptions(options);
   }
 
@@ -226,6 +227,8 @@ class ExtractAction final : public Command {
     const Document document(study_);
     const Document::Plate* plate = FindPlate(document, name_);
     if (plate == nullptr) RefusePlateName(document, name_);
+    OutputFiles files(force_);
+    files.Read(study_).Write(target_, OutputFiles::Kind::kDocument).Claim();
     ExtractPlate(document, *plate, target_, rewriting_);
     return ExitCode::kDone;
   }
@@ -234,6 +237,7 @@ class ExtractAction final : public Command {
   std::string study_;
   std::string name_;
   std::string target_;
+  bool force_ = false;
   Rewriting rewriting_;
 };
 

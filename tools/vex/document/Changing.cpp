@@ -9,7 +9,7 @@ void Changing::AddOptions(Options& options) {
   rewriting_.AddOptions(options);
 }
 
-std::string Changing::Finish(Vex2FileManager& document, const std::string& path,
+std::string Changing::Finish(DocumentFile& document, const std::string& path,
                              const std::string& report) const {
   if (isDryRun_) return report + kDryRun;
   Rewriting::Save(document, path);

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "tools/vex/document/DocumentLock.h"
 #include "tools/vex/document/DocumentPlates.h"
 #include "tools/vex/document/Rewriting.h"
 
@@ -23,28 +24,30 @@ class Changing {
   /// What may be lost.
   const Rewriting& Losses() const { return rewriting_; }
 
-  /// Calls `change`, which changes what `document` holds and answers what it changed, for people,
-  /// and saves the document unless this is a dry run. Throws an error, and then nothing was
-  /// changed.
+  /// Reads the document at `path`, calls `change` with it, which changes what the document holds
+  /// and answers what it changed, for people, and saves the document unless this is a dry run. No
+  /// other command and no recorder changes the document meanwhile. Throws an error, also when
+  /// another program has changed the document since it was read, and then nothing was changed.
   template <typename Change>
-  std::string Apply(Document& document, const Change& change) const {
+  std::string Apply(const std::string& path, const Change& change) const {
+    const DocumentLock lock(path, DocumentLock::Holder::kCommand);
+    Document document(path, Document::Purpose::kChange);
     document.RequireAtRest();
     rewriting_.Prepare(document, document.Path());
     std::string report;
-    document.Content().KeepingRawDataLast([&] { report = change(); });
+    document.Content().KeepingRawDataLast([&] { report = change(document); });
     return Finish(document.Content(), document.Path(), report);
   }
 
-  /// The same for the document at `path`, of which `change` is handed the plate that was chosen.
+  /// Does the same, and hands `change` the plate of the document that was chosen.
   template <typename Change>
   std::string ApplyToPlate(const std::string& path, const PlateOption& option,
                            const Change& change) const {
-    Document document(path);
-    return Apply(document, [&] { return change(*option.One(document).content); });
+    return Apply(path, [&](Document& document) { return change(*option.One(document).content); });
   }
 
   /// Saves a document that was changed, or made, unless this is a dry run; answers what to report.
-  std::string Finish(Vex2FileManager& document, const std::string& path,
+  std::string Finish(DocumentFile& document, const std::string& path,
                      const std::string& report) const;
 
  private:

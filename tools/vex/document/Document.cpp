@@ -82,9 +82,10 @@ struct Document::Surveyor final : RecordVisitor {
   std::uint64_t passedEnd = 0;
 };
 
-Document::Document(std::string path)
+Document::Document(std::string path, Purpose purpose)
     : path_(std::move(path)), content_(std::make_unique<DocumentFile>()) {
   content_->OpenDocument(path_);
+  if (purpose == Purpose::kChange) content_->ExpectUnchanged(path_);
   size_ = content_->GetLength();
   CFileStatus status;
   if (content_->GetStatus(status)) modified_ = status.modificationTime;

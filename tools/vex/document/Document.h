@@ -32,6 +32,10 @@ class Document {
     std::uint64_t end = 0;               ///< in the file: behind it
     std::vector<Record> records;         ///< its own
   };
+  enum class Purpose {
+    kRead,
+    kChange,  ///< a save refuses when another program has changed the document since it was read
+  };
   /// What saving the document would not bring back.
   struct Loss {
     std::uint64_t offset = 0;
@@ -40,7 +44,7 @@ class Document {
 
   /// Reads the document at `path`. Throws an error when it cannot be opened or is none; a document
   /// that could be read in part is no error yet.
-  explicit Document(std::string path);
+  explicit Document(std::string path, Purpose purpose = Purpose::kRead);
 
   const std::string& Path() const { return path_; }
   DocumentFile& Content() { return *content_; }

@@ -37,6 +37,29 @@ void DocumentFile::OpenDocument(const std::string& path) {
   }
 }
 
+void DocumentFile::ExpectUnchanged(const std::string& path) {
+  expectedPath_ = path;
+  expected_ = ContentOf(path);
+}
+
+bool DocumentFile::isUnchanged() const {
+  return expectedPath_.empty() || ContentOf(expectedPath_) == expected_;
+}
+
+void DocumentFile::RequireUnchanged() const {
+  if (isUnchanged()) return;
+  throw Error(ExitCode::kDocument, expectedPath_,
+              "another program has changed it meanwhile, and nothing was saved; run the command "
+              "again");
+}
+
+int DocumentFile::WriteComponentFile(CFile* file) {
+  // Where a rename cannot serve, the library has emptied the file by now. It was looked at before.
+  const auto now = expectedPath_.empty() ? std::nullopt : ContentOf(expectedPath_);
+  if (now && now->size > 0 && now != expected_) return kWriteFailed;
+  return Vex2FileManager::WriteComponentFile(file);
+}
+
 int DocumentFile::ReadFrameAt(int index, Vex2FrameData& frame, std::uint64_t blockOffset) {
   return readAFrame(index, &frame, static_cast<long>(blockOffset));
 }

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
+#include "tools/vex/document/FileContent.h"
 #include "vex2/manager/Vex2FileManager.h"
 
 namespace vex2::tool {
@@ -19,6 +21,15 @@ class DocumentFile : public Vex2FileManager {
   /// Opens the document at `path` for reading. Throws an error when the system refuses, or when it
   /// is no document.
   void OpenDocument(const std::string& path);
+
+  /// Notes what the document at `path`, which is to be changed, holds now. From here on a save to
+  /// a file that holds something else fails.
+  void ExpectUnchanged(const std::string& path);
+  /// Throws an error when that file holds something else now.
+  void RequireUnchanged() const;
+  /// Fails where the file to replace is not as it was noted. Its lock is held here, so that no
+  /// other program that uses the library changes it before it is replaced.
+  int WriteComponentFile(CFile* file) override;
 
   /// Whether saving the document would write the component: a study leaves most of its own out.
   bool IsWritten(const CComponent& component) const { return isWritten(component); }
@@ -38,6 +49,10 @@ class DocumentFile : public Vex2FileManager {
  private:
   bool hasRawDataLast() const;
   void moveToEnd(CComponent* component);
+  bool isUnchanged() const;
+
+  std::string expectedPath_;  ///< empty when no file is expected to be unchanged
+  std::optional<FileContent> expected_;
 };
 
 }  // namespace vex2::tool

@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include "tools/vex/Errors.h"
+#include "tools/vex/Interrupts.h"
 #include "tools/vex/Options.h"
 #include "tools/vex/text/Text.h"
 #include "vex2/run/AcquisitionDataComp.h"
@@ -92,8 +93,12 @@ void Rewriting::reportLosses(const Document& document, const std::vector<Documen
   }
 }
 
-void Rewriting::Save(Vex2FileManager& document, const std::string& target) {
+void Rewriting::Save(DocumentFile& document, const std::string& target) {
+  // Who ends the command here gets the new document or the old one, and no temporary file.
+  const Interrupts interrupts;
+  document.RequireUnchanged();
   if (document.SaveToFile(target.c_str()) == kSuccess) return;
+  document.RequireUnchanged();
   throw SystemError(target, reasonAgainst(target));
 }
 

@@ -24,8 +24,9 @@ class Rewriting {
   void PreparePlate(const Document& document, const Document::Plate& plate,
                     const std::string& target) const;
 
-  /// Saves `document` to `target`; throws an error when that fails.
-  static void Save(Vex2FileManager& document, const std::string& target);
+  /// Saves `document` to `target`. Throws an error when that fails, or when the document was read
+  /// to be changed and another program has changed it since.
+  static void Save(DocumentFile& document, const std::string& target);
 
  private:
   void upgradeBlocks(const Document& document) const;

@@ -114,10 +114,6 @@ std::string AddPlates(Vex2FileManager& study, const std::string& studyPath,
 
 void ExtractPlate(const Document& study, const Document::Plate& plate, const std::string& target,
                   const Rewriting& rewriting) {
-  if (IsSameFile(study.Path(), target)) {
-    throw Error(ExitCode::kUsage, study.Path(), "the plate would take the place of its own study");
-  }
-  RequireNoRunAt(target);
   rewriting.PreparePlate(study, plate, target);
   DocumentFile single(*plate.content);
   Rewriting::Save(single, target);

@@ -14,8 +14,8 @@ namespace vex2::tool {
 std::string AddPlates(Vex2FileManager& study, const std::string& studyPath,
                       const std::vector<std::string>& paths, const Rewriting& rewriting);
 
-/// Saves one plate of `study` to `target` as a document of its own. Throws an error when that fails
-/// or the study itself stands there.
+/// Saves one plate of `study` to `target` as a document of its own. Throws an error when that
+/// fails. `OutputFiles` says whether `target` may be written.
 void ExtractPlate(const Document& study, const Document::Plate& plate, const std::string& target,
                   const Rewriting& rewriting);
 

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "tools/vex/Errors.h"
+#include "tools/vex/document/FileContent.h"
 #include "tools/vex/document/FileLayout.h"
 #include "tools/vex/document/RawFile.h"
 #include "tools/vex/rescue/Repair.h"
@@ -17,6 +18,16 @@ namespace {
 
 constexpr std::size_t kChunk = CFile::kBufferSize;
 constexpr std::uint64_t kWordSize = 4;
+
+// Called while the document is locked, so that the library changes it no more. Where a rename cannot
+// serve, it has been emptied by now.
+void requireUnchanged(const std::string& path, const std::string& backup) {
+  const auto now = ContentOf(path);
+  if (now && (now->size == 0 || now == ContentOf(backup))) return;
+  throw Error(ExitCode::kDocument, path,
+              "another program has changed it meanwhile, and it was left alone; run the command "
+              "again");
+}
 
 }  // namespace
 
@@ -32,6 +43,7 @@ void ApplyRepair(const RepairPlan& plan, const std::string& backup, const std::s
   CFile source;
   OpenToRead(source, backup);
   NewFile target(path);
+  requireUnchanged(path, backup);
   const std::uint64_t size = plan.newSize.value_or(plan.size);
   std::vector<std::uint8_t> bytes(kChunk);
   for (std::uint64_t done = 0; done < size;) {

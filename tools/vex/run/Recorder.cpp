@@ -10,8 +10,6 @@
 #include <utility>
 
 #include "tools/vex/Errors.h"
-#include "tools/vex/run/InterruptedRun.h"
-#include "tools/vex/run/RecordingLock.h"
 #include "vex2/framework/Host.h"
 
 namespace vex2::tool {
@@ -83,7 +81,7 @@ Recorder::Recorder(const RunPlan& plan, RecordOptions options,
 
 Recorder::Outcome Recorder::Run() {
   Interrupts interrupts;
-  const RecordingLock lock(document_);
+  if (lock_ == nullptr) Claim();
   if (!goOn()) return Outcome::kWasDone;
   report_(state_);
   while (state_.framesDone < state_.framesTotal) {
@@ -101,9 +99,8 @@ Recorder::Outcome Recorder::Run() {
   return Outcome::kDone;
 }
 
-// Brings document and manager to where the next frame is to be committed. False when there is
-// nothing left to do.
-bool Recorder::goOn() {
+void Recorder::Claim() {
+  lock_ = std::make_unique<DocumentLock>(options_.path, DocumentLock::Holder::kRecorder);
   struct stat info {};
   const bool exists = ::stat(document_.c_str(), &info) == 0;
   // Under another name the file could be recorded to by someone who sees another lock.
@@ -112,21 +109,27 @@ bool Recorder::goOn() {
   }
   if (exists && !options_.resume && !options_.force) {
     throw Error(ExitCode::kUsage, options_.path,
-                "is there already; --resume goes on with it, --force replaces it");
+                "already exists; use --resume to continue it or --force to overwrite it");
   }
-  if (!exists || options_.force) {
+  if (!exists || options_.force) return;
+  interrupted_.emplace(document_.string());
+  if (!interrupted_->IsDone()) interrupted_->Check(plan_);
+}
+
+// Brings document and manager to where the next frame is to be committed. False when there is
+// nothing left to do.
+bool Recorder::goOn() {
+  if (!interrupted_) {
     begin();
     return true;
   }
-  const InterruptedRun interrupted(document_.string());
-  if (interrupted.IsDone()) return false;
-  interrupted.Check(plan_);
-  interrupted.Repair();
+  if (interrupted_->IsDone()) return false;
+  interrupted_->Repair();
   errno = 0;
   check(manager_.ReadFromFile(document_.c_str()));
   check(manager_.SetAcquisitionStatus(document_.c_str(), "PROG"));
-  if (!interrupted.HasBlock()) openBlock();
-  state_.framesDone = interrupted.FrameCount();
+  if (!interrupted_->HasBlock()) openBlock();
+  state_.framesDone = interrupted_->FrameCount();
   return true;
 }
 

@@ -2,9 +2,13 @@
 
 #include <filesystem>
 #include <functional>
+#include <memory>
+#include <optional>
 #include <string>
 
 #include "tools/vex/Interrupts.h"
+#include "tools/vex/document/DocumentLock.h"
+#include "tools/vex/run/InterruptedRun.h"
 #include "tools/vex/run/RunPlan.h"
 #include "vex2/manager/Vex2FileManager.h"
 
@@ -36,6 +40,9 @@ class Recorder {
   Recorder(const RunPlan& plan, RecordOptions options,
            std::function<void(const RecordState&)> report);
 
+  /// Locks the document and checks that it can be recorded to. Throws an error if not; nothing
+  /// was changed then. `Run` does so itself where it was not called.
+  void Claim();
   /// Records until the run or the user ends it. Throws an error, and then the document holds every
   /// frame that was reported and can be gone on with.
   Outcome Run();
@@ -52,6 +59,8 @@ class Recorder {
   RecordOptions options_;
   std::function<void(const RecordState&)> report_;
   std::filesystem::path document_;  ///< the one path that the given one leads to
+  std::unique_ptr<DocumentLock> lock_;
+  std::optional<InterruptedRun> interrupted_;  ///< what to go on with; nothing: a new document
   Vex2FileManager manager_;
   RecordState state_;
 };

@@ -10,7 +10,6 @@
 
 #include "tools/vex/document/RunLog.h"
 #include "tools/vex/run/ReadingsWriter.h"
-#include "tools/vex/text/Output.h"
 #include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
@@ -219,9 +218,8 @@ void ReadParameters(std::string_view log, SimulationParameters& parameters) {
   }
 }
 
-void WriteReadings(const RunPlan& plan, const std::string& path) {
-  Output output(path);
-  ReadingsWriter writer(output.Stream(), {});
+void WriteReadings(const RunPlan& plan, std::ostream& out) {
+  ReadingsWriter writer(out, {});
   writer.BeginPlate({}, plan.scale);
   for (std::size_t i = 0; i < plan.wells.size(); ++i) {
     const std::string well = plan.plate.NameOf(plan.wells[i]);
@@ -229,7 +227,6 @@ void WriteReadings(const RunPlan& plan, const std::string& path) {
       writer.Write(well, frame, plan.frames[frame][i]);
     }
   }
-  output.Finish();
 }
 
 }  // namespace vex2::tool

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <ostream>
 #include <string>
 #include <string_view>
 
@@ -28,8 +29,7 @@ RunPlan SimulateRun(const SimulationParameters& parameters);
 /// Takes over what a simulated run's log names, and leaves what it does not or what cannot be.
 void ReadParameters(std::string_view log, SimulationParameters& parameters);
 
-/// Writes the run's readings as the file that `vex record` takes. Throws an error that names the
-/// file.
-void WriteReadings(const RunPlan& plan, const std::string& path);
+/// Writes the run's readings as the table that `vex record` takes.
+void WriteReadings(const RunPlan& plan, std::ostream& out);
 
 }  // namespace vex2::tool
