@@ -9,6 +9,7 @@
 
 #include "fuzz/Require.h"
 #include "tools/vex/Errors.h"
+#include "tools/vex/document/RunLog.h"
 #include "tools/vex/run/MeasuredRun.h"
 #include "tools/vex/setup/CalibrationFile.h"
 #include "tools/vex/setup/WellsFile.h"
@@ -86,8 +87,14 @@ void readCalibration(std::string_view content) {
 void readRun(std::string_view content) {
   const std::size_t cut = std::min(content.find('\f'), content.size());
   const std::string_view readings = content.substr(std::min(cut + 1, content.size()));
-  const RunPlan plan =
-      LoadMeasuredRun({second().Holding(readings), first().Holding(content.substr(0, cut)), {}});
+  const RunPlan plan = LoadMeasuredRun({.readings = second().Holding(readings),
+                                        .wells = first().Holding(content.substr(0, cut)),
+                                        .scale = {},
+                                        .offset = {},
+                                        .channels = {},
+                                        .started = {},
+                                        .assay = {}})
+                           .plan;
   for (const auto& frame : plan.frames) {
     Require(frame.size() == plan.wells.size(), "every well has a reading");
     for (const RunReading& reading : frame) {
@@ -97,9 +104,13 @@ void readRun(std::string_view content) {
 }
 
 void readLog(std::string_view content) {
-  const std::uint32_t scale = ScaleInLog(content);
-  Require(scale >= 1 && scale <= kLargestScale, "a scale is one");
-  Require(ScaleInLog(LogWithScale(content, scale)) == scale, "a scale is kept");
+  if (const auto log = RunLog::Find(content)) {
+    const std::string text = std::string(kMeasuredSource) + "\n" + log->Text();
+    const auto again = RunLog::Find(text);
+    Require(again && again->scale == log->scale && again->channels == log->channels &&
+                again->frames == log->frames && again->started == log->started,
+            "what the recorder states is kept");
+  }
   const auto number = WellNumber(content.substr(0, 16), 32, 48);
   if (number) Require(WellName(*number, 48) == content.substr(0, 16), "a well has one name");
 }

@@ -53,7 +53,7 @@ class DocumentTest : public TempFolderTest {
             .temperature = 5982,
             .melting = frame == 2,
             .time = 65536U * frame + 117U,
-            .value = static_cast<std::uint16_t>(100 * well + frame)};
+            .values = {static_cast<std::uint16_t>(100 * well + frame)}};
         const Vex2WellRecord record = tool::EncodeReading(reading, frame == 2);
         ASSERT_TRUE(run.SetAcqDataWellRecord(&record, frame, well, DataRAWa));
       }

@@ -12,6 +12,7 @@
 #include "tests/support/SampleData.h"
 #include "tests/support/TempFolder.h"
 #include "tests/tools/VexProcess.h"
+#include "tools/vex/document/RunLog.h"
 #include "tools/vex/document/RunReading.h"
 #include "tools/vex/setup/PlateLayout.h"
 #include "vex2/manager/Vex2FileManager.h"
@@ -65,7 +66,7 @@ inline Readings RecordedReadings(const std::string& path) {
   Vex2GlobalComplex settings;
   document.GetGlobalComplexInfo(&settings);
   const std::string log(reinterpret_cast<const char*>(settings.logData), settings.logLength);
-  const auto scale = static_cast<double>(tool::ScaleInLog(log));
+  const auto scale = tool::RunLog::Find(log).value_or(tool::RunLog()).scale;
   const auto columns = static_cast<unsigned>(document.GetHeaderCols());
   const auto wells = static_cast<unsigned>(document.GetHeaderRows()) * columns;
   for (int frame = 0; frame < document.GetDataFrameCount(DataRAWa); ++frame) {
@@ -76,7 +77,7 @@ inline Readings RecordedReadings(const std::string& path) {
       const tool::RunReading reading = tool::DecodeReading(record);
       readings[{tool::WellName(well, columns), reading.melting, reading.cycle}] = {
           reading.melting, reading.cycle, reading.time / 1000.0, reading.temperature / 100.0,
-          reading.value / scale};
+          scale.Measured(reading.values[0])};
     }
   }
   return readings;

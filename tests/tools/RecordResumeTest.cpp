@@ -228,6 +228,73 @@ TEST_F(RecordResumeTest, OtherWellsAreRefused) {
                 "other wells");
 }
 
+TEST_F(RecordResumeTest, OtherContentsOfWellsAreRefused) {
+  RecordAndKill();
+  const std::string wells = TextOf(Wells());
+  const auto with = [&](const std::string& from, const std::string& to) {
+    std::string text = wells;
+    for (auto at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size())) {
+      text.replace(at, from.size(), to);
+    }
+    return VexProcess::Arguments{
+        "record", Run(), "--readings", Readings(), "--wells", File("wells.csv", text), "--resume"};
+  };
+  const std::string cannot = "cannot resume: the ";
+  ExpectRefused(with("A1,dilution 1,", "A1,dilution 9,"),
+                cannot +
+                    "sample of well A1 is 'dilution 1' in the document, but 'dilution 9' in "
+                    "what is given");
+  ExpectRefused(with("target A,STND,1000000,", "target A,UNKN,1000000,"),
+                cannot + "task of well A1 is 'STND' in the document, but 'UNKN' in");
+  ExpectRefused(with("STND,1000000,", "STND,1000001,"),
+                cannot + "quantity of well A1 is '1000000' in the document, but '1000001' in");
+  ExpectRefused(with(",green", ",red"),
+                cannot + "reporter of well A1 is 'green' in the document, but 'red' in");
+  ExpectRefused(with("A1,dilution 1,target A,", "A1,dilution 1,target B,"),
+                cannot + "target of well A1 is 'target A' in the document, but 'target B' in");
+}
+
+TEST_F(RecordResumeTest, OtherSettingsAreRefused) {
+  RecordAndKill();
+  ExpectRefused(Record({"--resume", "--assay", "AllD"}),
+                "cannot resume: the assay is 'AbsQ' in the document, but 'AllD' in");
+  ExpectRefused(Record({"--resume", "--started", "2026-11-22T08:00:00Z"}),
+                "was recorded without 'started=2026-11-22T08:00:00Z'");
+  // What somebody else has written over in the document.
+  const auto edit = [&](const std::string& from, const std::string& to) {
+    Change([&](Bytes& bytes) {
+      const auto found = std::search(bytes.begin(), bytes.end(), from.begin(), from.end());
+      ASSERT_NE(found, bytes.end()) << from;
+      std::copy(to.begin(), to.end(), found);
+    });
+  };
+  const Bytes before = ReadBytes(Run());
+  edit("Played back", "Copied from");
+  ExpectRefused(Record({"--resume"}), "cannot resume: the comment is 'Copied from from measured");
+  WriteBytes(Run(), before);
+  edit(std::string("DASB\0\0\0\2\0\6", 10), std::string("DASB\0\0\0\2\0\7", 10));
+  ExpectRefused(Record({"--resume"}),
+                "cannot resume: the baseline-start of detector target A is '7' in the document, "
+                "but '6' in what is given");
+  WriteBytes(Run(), before);
+  edit("amplification: 40", "amplification: 41");
+  ExpectRefused(Record({"--resume"}), "cannot resume: the program is 'amplification: 41 cycles");
+}
+
+TEST_F(RecordResumeTest, ValuesThatAreNotGivenAgainAreTheDocuments) {
+  const VexProcess::Arguments values = {"--scale", "2000", "--started", "2026-11-22T08:00:00Z",
+                                        "--assay", "RelQ"};
+  VexProcess::Arguments first = Record(values);
+  first.insert(first.end(), {"--pace", "0.01"});
+  VexProcess recorder(first);
+  ASSERT_TRUE(WaitForFrames(5));
+  recorder.Signal(SIGKILL);
+  recorder.Wait();
+  ExpectResumedWhole();
+  EXPECT_THAT(TextOf(Run()), HasSubstr("scale=2000\n"));
+  EXPECT_THAT(TextOf(Run()).substr(8, 4), "RelQ");
+}
+
 TEST_F(RecordResumeTest, WhatIsNoDocumentIsRefused) {
   WriteBytes(Run(), ToBytes("no document"));
   ExpectRefused(Record({"--resume"}), "is no plate document");

@@ -92,42 +92,69 @@ TEST_F(RecordTest, ReadingsThatLookLikeAMarkerAreRecordedWithoutBeingOne) {
   EXPECT_EQ(RecordedReadings(Run()), ReadReadingsFile(folder_ / "odd.csv"));
 }
 
-TEST_F(RecordTest, StartAndEndAreDatesOfToday) {
+TEST_F(RecordTest, PlaybackHasNoTimesUnlessTheStartIsGiven) {
   RunVex(Record());
   Vex2FileManager document;
   document.ReadFromFile(Run().c_str());
-  TimeStamp start;
-  TimeStamp end;
-  ASSERT_TRUE(document.GetAcqDataStartTime(start, DataRAWa));
-  ASSERT_TRUE(document.GetAcqDataEndTime(end, DataRAWa));
-  for (const TimeStamp& time : {start, end}) {
-    const std::time_t now = std::time(nullptr);
-    EXPECT_EQ(time.fields[0], std::localtime(&now)->tm_year - 100);
-    EXPECT_TRUE(time.fields[1] >= 1 && time.fields[1] <= 12);
-  }
-  EXPECT_LE(std::vector<int>(start.fields, start.fields + 6),
-            std::vector<int>(end.fields, end.fields + 6));
+  TimeStamp time;
+  ASSERT_TRUE(document.GetAcqDataStartTime(time, DataRAWa));
+  EXPECT_EQ(time, TimeStamp());
+  ASSERT_TRUE(document.GetAcqDataEndTime(time, DataRAWa));
+  EXPECT_EQ(time, TimeStamp());
+  EXPECT_THAT(RunVex({"info", Run()}).output, HasSubstr("start unknown"));
 }
 
-TEST_F(RecordTest, ScaleIsTheLargestPowerOfTenWithWhichAllFit) {
+TEST_F(RecordTest, StartAndEndAreTheRunsOwn) {
+  ASSERT_EQ(RunVex(Record({"--started", "2026-11-22T23:50:00+01:00"})).exitCode, 0);
+  // The last reading was taken 1685.05 seconds after the start.
+  const CommandResult info = RunVex({"info", "--json", Run()});
+  EXPECT_THAT(info.output, testing::ContainsRegex("\"start\":\"2026-11-22.23:50:00\\+01:00\""));
+  EXPECT_THAT(info.output, testing::ContainsRegex("\"end\":\"2026-11-23.00:18:05\\+01:00\""));
+}
+
+TEST_F(RecordTest, StartWithoutATimeZoneIsRefused) {
+  const CommandResult result = RunVex(Record({"--started", "2026-11-22T08:00:00"}));
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_EQ(result.errors,
+            "vex: --started 2026-11-22T08:00:00 is no date and time with a time zone, like "
+            "2026-11-22T08:00:00Z or 2026-11-22T09:00:00+01:00\n");
+  EXPECT_FALSE(std::filesystem::exists(Run()));
+}
+
+TEST_F(RecordTest, AssayIsTheGivenOne) {
+  for (const char* code : {"AllD", "+/-"}) {
+    ASSERT_EQ(RunVex(Record({"--force", "--assay", code})).exitCode, 0);
+    EXPECT_THAT(RunVex({"info", "--json", Run()}).output,
+                HasSubstr(std::string("\"assay\":\"") + code + "\""));
+  }
+  EXPECT_EQ(TextOf(Run()).substr(8, 4), "+/- ");
+  for (const char* code : {"RQSt", "absq", ""}) {
+    const CommandResult result = RunVex(Record({"--force", "--assay", code}));
+    EXPECT_EQ(result.exitCode, 2) << code;
+    EXPECT_THAT(result.errors, HasSubstr("is no assay; it is one of AbsQ (absolute")) << code;
+  }
+}
+
+TEST_F(RecordTest, ScaleIsAPowerOfTenWhereOneKeepsTheReadings) {
   const struct {
     const char* reading;
     const char* scale;
-  } cases[] = {{"65.535", "scale=1000"},
-               {"65.536", "scale=100"},
-               {"655.36", "scale=10"},
-               {"65535.4", "scale=1"}};
+  } cases[] = {{"65.535", "scale=1000\n"},
+               {"65.536", "scale=1000\noffset=0.31\n"}};
   for (const auto& [reading, scale] : cases) {
     const std::string file =
         File("large.csv", ReadingsWith("60,0.313", std::string("60,") + reading));
-    ASSERT_EQ(RunVex(RecordFrom(file, {"--force"})).exitCode, 0) << reading;
-    EXPECT_THAT(TextOf(Run()), HasSubstr(std::string(scale) + "\n")) << reading;
+    const CommandResult result = RunVex(RecordFrom(file, {"--force", "--exact"}));
+    ASSERT_EQ(result.exitCode, 0) << reading << result.errors;
+    EXPECT_EQ(result.errors, "") << reading;
+    EXPECT_THAT(TextOf(Run()), HasSubstr(scale)) << reading;
+    EXPECT_EQ(RecordedReadings(Run()), ReadReadingsFile(file));
   }
 }
 
 TEST_F(RecordTest, ReadingThatDoesNotFitNamesItsRow) {
   const std::string row3 = File("large.csv", ReadingsWith("60,0.317", "60,65535.5"));
-  CommandResult result = RunVex(RecordFrom(row3));
+  CommandResult result = RunVex(RecordFrom(row3, {"--scale", "1"}));
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_THAT(result.errors, HasSubstr("large.csv: row 3: "));
   EXPECT_FALSE(std::filesystem::exists(Run()));
@@ -167,8 +194,8 @@ TEST_F(RecordTest, NumbersThatAreNoneNameTheirRow) {
     const char* field;
     const char* error;
   } cases[] = {{"nan", "is no number"},     {"inf", "is no number"},   {"-inf", "is no number"},
-               {"-0.5", "is negative"},     {"1e999", "is no number"}, {"0.3x", "is no number"},
-               {"", "is no number"},        {"0x10", "is no number"},  {"1e300", "does not fit"},
+               {"1e999", "is no number"},   {"0.3x", "is no number"},  {"na", "is no number"},
+               {"0x10", "is no number"},    {"1e300", "does not fit"}, {"-1e13", "does not fit"},
                {"\"\"\"\"", "is no number"}};
   for (const auto& [field, error] : cases) {
     const std::string file = File("bad.csv", ReadingsWith("60,0.317", std::string("60,") + field));

@@ -28,11 +28,29 @@ TEST(RunLog, IsTheEndOfTheLog) {
 
 TEST(RunLog, NeedsAUsableScaleAndCountOnce) {
   for (const char* log :
-       {"source=readings\nframes=4\nscale=0\n", "source=readings\nframes=4\nscale=1000001\n",
+       {"source=readings\nframes=4\nscale=0\n", "source=readings\nframes=4\nscale=1000000000001\n",
         "source=readings\nframes=x\nscale=1\n", "source=readings\nframes=-1\nscale=1\n",
         "source=readings\nscale=1\n", "source=readings\nframes=4\n",
         "source=readings\nframes=4\nframes=4\nscale=1\n", "frames=4\nscale=1\nsource=readings\n"}) {
     EXPECT_FALSE(RunLog::Find(log)) << log;
+  }
+}
+
+TEST(RunLog, StatesWhatIsNeededBesides) {
+  const auto log = RunLog::Find(
+      "source=readings\nframes=unknown\nstarted=2026-11-22T08:00:00Z\nchannels=FAM,VIC\n"
+      "scale=1000/3\noffset=-12.5\n");
+  ASSERT_TRUE(log);
+  EXPECT_FALSE(log->frames);
+  EXPECT_EQ(log->started, RunStart::Parse("2026-11-22T08:00:00Z"));
+  EXPECT_EQ(log->channels, (std::vector<std::string>{"FAM", "VIC"}));
+  EXPECT_EQ(log->scale.ScaleText(), "1000/3");
+  EXPECT_EQ(log->scale.OffsetText(), "-12.5");
+  EXPECT_EQ(RunLog::Find("source=readings\n" + log->Text())->Text(), log->Text());
+  for (const char* line :
+       {"offset=x", "offset=1\noffset=1", "started=today", "channels=A,", "channels=A\nchannels=A",
+        "channels=1,2,3,4,5,6,7,8,9,0,1,2,3,4,5,6,7"}) {
+    EXPECT_FALSE(RunLog::Find(std::string("source=readings\nframes=4\nscale=1\n") + line)) << line;
   }
 }
 

@@ -7,7 +7,7 @@ using namespace vex2::tool;
 namespace {
 
 constexpr RunReading kReading = {
-    .cycle = 7, .temperature = 5982, .melting = false, .time = 274117, .value = 570};
+    .cycle = 7, .temperature = 5982, .melting = false, .time = 274117, .values = {570}};
 
 }  // namespace
 
@@ -23,33 +23,20 @@ TEST(RunReading, WhatIsEncodedDecodesAgain) {
   RunReading reading = kReading;
   EXPECT_EQ(DecodeReading(EncodeReading(reading, false)), reading);
   reading = {
-      .cycle = 65535, .temperature = 65535, .melting = true, .time = 4294967295U, .value = 0};
+      .cycle = 65535, .temperature = 65535, .melting = true, .time = 4294967295U, .values = {0}};
   EXPECT_EQ(DecodeReading(EncodeReading(reading, true)), reading);
 }
 
 TEST(RunReading, OnlyTheFirstFrameOfMeltingLooksLikeOne) {
   const auto fifth = [](std::uint16_t value, bool begins) {
     RunReading reading = kReading;
-    reading.value = value;
+    reading.values[0] = value;
     return EncodeReading(reading, begins).leading[4];
   };
   EXPECT_EQ(fifth(570, true), 65000);
   EXPECT_EQ(fifth(0, false), 1);
   EXPECT_EQ(fifth(65000, false), 64999);
   EXPECT_EQ(fifth(65535, false), 65535);
-}
-
-TEST(RunReading, ScaleIsFoundInTheLogAndReplaced) {
-  EXPECT_EQ(ScaleInLog(""), 1U);
-  EXPECT_EQ(ScaleInLog("scale=1000\n"), 1000U);
-  EXPECT_EQ(ScaleInLog("a=b\nscale=10"), 10U);
-  EXPECT_EQ(ScaleInLog("myscale=10\n"), 1U);
-  for (const char* log : {"scale=\n", "scale=0\n", "scale=-5\n", "scale=10x\n", "scale=9999999\n",
-                          "scale=99999999999999999999\n"}) {
-    EXPECT_EQ(ScaleInLog(log), 1U) << log;
-  }
-  EXPECT_EQ(LogWithScale("", 10), "scale=10\n");
-  EXPECT_EQ(LogWithScale("scale=1\na=b", 1000), "a=b\nscale=1000\n");
 }
 
 TEST(ShortestQuotient, IsTheNumberThatWasScaled) {

@@ -18,7 +18,7 @@ using tool::SimulationParameters;
 using SimulateTest = RecordTest;
 
 double value(const RunPlan& plan, std::size_t frame, std::size_t well) {
-  return plan.frames[frame][well].value / static_cast<double>(plan.scale);
+  return plan.scale.Measured(plan.frames[frame][well].values[0]);
 }
 
 // The cycle, from 0, in which a well passes 2; the number of cycles when it never does.
@@ -82,7 +82,7 @@ TEST(SimulateRun, IsTheSameEverywhere) {
   const RunPlan plan = SimulateRun({.meltSteps = 10, .seed = 42});
   std::uint64_t sum = 14695981039346656037U;
   for (const auto& frame : plan.frames) {
-    for (const auto& reading : frame) sum = (sum ^ reading.value) * 1099511628211U;
+    for (const auto& reading : frame) sum = (sum ^ reading.values[0]) * 1099511628211U;
   }
   EXPECT_EQ(sum, 13751824114492536551U);
 }

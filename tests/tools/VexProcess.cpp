@@ -44,7 +44,8 @@ VexProcess::VexProcess(const Arguments& arguments, const Surroundings& surroundi
   process_ = ::fork();
   if (process_ < 0) fail("fork");
   if (process_ > 0) return;
-  redirect(STDIN_FILENO, folder_ / "in", O_RDONLY);
+  redirect(STDIN_FILENO, surroundings.inputPath.empty() ? folder_ / "in" : surroundings.inputPath,
+           O_RDONLY);
   redirect(STDOUT_FILENO, folder_ / "out", O_WRONLY);
   redirect(STDERR_FILENO, folder_ / "err", O_WRONLY);
   if (surroundings.fileSize != 0) {

@@ -24,6 +24,7 @@ class VexProcess {
 
   struct Surroundings {
     std::string input;           ///< what it finds on standard input
+    std::string inputPath = {};  ///< or the file, as a named pipe, that stands there
     unsigned long fileSize = 0;  ///< bytes that a file can have; 0 is no limit
   };
 

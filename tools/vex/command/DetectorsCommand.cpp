@@ -33,16 +33,25 @@ std::vector<std::string> valuesOf(const Vex2Detector& detector) {
 std::vector<std::string> shortRow(const Vex2Detector& detector) {
   const auto shown = [](const CString& text) { return Printable(ToUtf8(text.View())); };
   const auto automatic = [](std::int32_t on) { return std::string(on != 0 ? "auto " : ""); };
+  const auto defaulted = DefaultedFields(detector);
+  const auto has = [&](std::string_view key) {
+    return std::find(defaulted.begin(), defaulted.end(), key) != defaulted.end();
+  };
+  const auto marked = [](std::string text, bool isDefault) {
+    return isDefault ? text + " (default)" : text;
+  };
   const auto* color = reinterpret_cast<const char*>(detector.color);
-  return {shown(detector.name),
-          shown(detector.reporterDye),
-          shown(detector.quencherDye),
-          "#" + ToHex({color, sizeof detector.color}),
-          automatic(detector.autoBaseline) + std::to_string(detector.baselineStart) + "-" +
-              std::to_string(detector.baselineEnd),
-          automatic(detector.autoThreshold) + DecimalText(detector.threshold),
-          shown(detector.description),
-          shown(detector.comment)};
+  return {
+      shown(detector.name),
+      shown(detector.reporterDye),
+      shown(detector.quencherDye),
+      "#" + ToHex({color, sizeof detector.color}),
+      marked(automatic(detector.autoBaseline) + std::to_string(detector.baselineStart) + "-" +
+                 std::to_string(detector.baselineEnd),
+             has("baseline-start") && has("baseline-end")),
+      marked(automatic(detector.autoThreshold) + DecimalText(detector.threshold), has("threshold")),
+      shown(detector.description),
+      shown(detector.comment)};
 }
 
 std::string fieldList() {
@@ -50,6 +59,7 @@ std::string fieldList() {
   for (const DetectorField& field : DetectorFields()) {
     text += "\n  " + PadRight(std::string(field.key), 16) + std::string(field.takes);
   }
+  text += "\n  A baseline or threshold that nobody has set is shown with \"(default)\".";
   return text + "\n  A detector of that name is changed in the fields that are given.";
 }
 
@@ -96,6 +106,7 @@ class DetectorsCommand final : public ListingCommand {
       for (const DetectorField& field : DetectorFields()) {
         entry[std::string(field.key)] = field.get(detector);
       }
+      entry["defaults"] = DefaultedFields(detector);
       list.push_back(std::move(entry));
     }
     return {{"detectors", std::move(list)}};

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <ostream>
 
 #include "tools/vex/command/Command.h"
@@ -61,11 +62,18 @@ Counts countRecords(const std::vector<Block>& blocks) {
   return counts;
 }
 
+bool haveChannels(const std::vector<Block>& blocks) {
+  return std::any_of(blocks.begin(), blocks.end(), [](const Block& block) {
+    return !block.readings.Log().value_or(RunLog()).channels.empty();
+  });
+}
+
 void writeReadings(std::ostream& out, const std::vector<Block>& blocks,
                    ReadingsWriter::Columns columns) {
   ReadingsWriter writer(out, columns);
   for (const Block& block : blocks) {
-    writer.BeginPlate(ToUtf8(block.plate.name), block.readings.Log().value_or(RunLog()).scale);
+    const RunLog log = block.readings.Log().value_or(RunLog());
+    writer.BeginPlate(ToUtf8(block.plate.name), log.scale, log.channels);
     forEachRecord(block, [&](const StoredRecord& stored) {
       writer.Write(stored.well, stored.frame, block.readings.Read(stored.record, stored.frame));
     });
@@ -110,7 +118,9 @@ class ExportCommand final : public Command {
       writeStored(output.Stream(), blocks, ofPlates);
     } else {
       const Counts counts = countRecords(blocks);
-      writeReadings(output.Stream(), blocks, {.plate = ofPlates, .frame = counts.unknown > 0});
+      writeReadings(
+          output.Stream(), blocks,
+          {.plate = ofPlates, .frame = counts.unknown > 0, .channel = haveChannels(blocks)});
       tellUnknown(counts);
     }
     output.Finish();

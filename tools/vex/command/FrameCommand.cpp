@@ -120,7 +120,8 @@ using Rows = std::vector<std::vector<std::string>>;
 
 std::string drawReadings(const FrameView& view) {
   std::vector<std::string> names = {"well"};
-  names.insert(names.end(), ReadingNames().begin(), ReadingNames().end());
+  const auto fieldNames = ReadingNames(view.recorded.Log().value_or(RunLog()));
+  names.insert(names.end(), fieldNames.begin(), fieldNames.end());
   Rows rows;
   for (std::size_t i = 0; i < view.wells.size(); ++i) {
     std::vector<std::string> row = {view.Name(i)};
@@ -150,7 +151,7 @@ std::string drawStored(const FrameView& view) {
   return DrawTable(names, rows, Terminal::Out());
 }
 
-// The fluorescence of each well where it lies on the plate.
+// The fluorescence of each well, in its first channel, where it lies on the plate.
 std::string drawGrid(const FrameView& view) {
   constexpr const char* kNothing = "-";
   const std::uint32_t columns = std::max(view.columns, 1U);
@@ -169,7 +170,7 @@ std::string drawGrid(const FrameView& view) {
     const auto reading = view.Reading(i);
     if (!reading || place / columns >= rows.size()) continue;
     rows[place / columns][place % columns + 1] =
-        ReadingFields(*reading, *view.recorded.Log()).back();
+        ReadingFields(*reading, *view.recorded.Log())[kFirstFluorescence];
   }
   return DrawTable(names, rows, Terminal::Out());
 }
@@ -331,14 +332,15 @@ class FrameCommand final : public Command {
         head.firstFrame + number * head.frameSize);
   }
 
-  // All fields but the stage are numbers.
+  // All fields but the stage are numbers, or missing.
   static ordered_json readingInfo(const FrameView& view, std::size_t position) {
     const auto reading = view.Reading(position);
     if (!reading) return nullptr;
     const auto fields = ReadingFields(*reading, *view.recorded.Log());
-    ordered_json info = {{ReadingNames()[0], fields[0]}};
+    const auto names = ReadingNames(*view.recorded.Log());
+    ordered_json info = {{names[0], fields[0]}};
     for (std::size_t i = 1; i < fields.size(); ++i) {
-      info[ReadingNames()[i]] = ordered_json::parse(fields[i]);
+      info[names[i]] = fields[i] == "NA" ? ordered_json(nullptr) : ordered_json::parse(fields[i]);
     }
     return info;
   }

@@ -137,6 +137,7 @@ class Screen {
     const std::string end = timeText(block, "end");
     if (!start.empty()) items.push_back("from " + start);
     if (!end.empty()) items.push_back("to " + end);
+    if ((start + end).empty()) items.emplace_back("start unknown");
     return items;
   }
 

@@ -1,26 +1,44 @@
+#include <algorithm>
 #include <cstdint>
+<<<<<<< HEAD
 #include <functional>
+=======
+#include <filesystem>
+#include <iomanip>
+>>>>>>> h-values
 #include <iostream>
-#include <limits>
 #include <optional>
 #include <sstream>
 
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/CsvInput.h"
+<<<<<<< HEAD
 #include "tools/vex/document/Output.h"
 #include "tools/vex/document/OutputFiles.h"
+=======
+#include "tools/vex/document/RunLog.h"
+>>>>>>> h-values
 #include "tools/vex/run/InterruptedRun.h"
+#include "tools/vex/run/LiveRun.h"
 #include "tools/vex/run/MeasuredRun.h"
 #include "tools/vex/run/RecordProgress.h"
 #include "tools/vex/run/Recorder.h"
 #include "tools/vex/run/SimulatedRun.h"
+#include "tools/vex/setup/AssayTypes.h"
 #include "tools/vex/setup/WellsFile.h"
+<<<<<<< HEAD
+=======
+#include "tools/vex/text/CsvReader.h"
+#include "tools/vex/text/Output.h"
+#include "tools/vex/text/Text.h"
+>>>>>>> h-values
 
 namespace vex2::tool {
 
 namespace {
 
 constexpr double kLongestPace = 86400;
+constexpr std::uint32_t kMostFrames = 1'000'000;
 
 // What commands that record have in common: where to, how fast, and what to do with what is there.
 class RecordingCommand : public Command {
@@ -41,9 +59,42 @@ class RecordingCommand : public Command {
     options.Add("RUN", options_.path, "The document to record to").Show("FILE.vex").Require();
   }
 
+<<<<<<< HEAD
   /// `beforehand` is called when the recording can begin.
   ExitCode record(
       const RunPlan& plan, const std::function<void()>& beforehand = [] {}) {
+=======
+  void addRunOptions(Options& options) {
+    options.Add("--started", started_, "When the run began, as below; else unknown").Show("TIME");
+    options.Add("--assay", assay_, "The kind of run, a code as below; else AbsQ").Show("CODE");
+    options.PutFirst(PlateAssayTable());
+    options.PutFirst(
+        "TIME is a date and time with its zone, 2026-11-22T08:00:00Z, or now where\n"
+        "nothing was measured before.");
+  }
+
+  bool startsNow() const { return started_ == "now"; }
+
+  std::optional<RunStart> started() const {
+    if (!started_) return std::nullopt;
+    if (startsNow()) return RunStart::Now();
+    const auto start = RunStart::Parse(*started_);
+    if (start) return start;
+    throw Error(ExitCode::kUsage, "--started " + *started_ +
+                                      " is no date and time with a time zone, "
+                                      "like 2026-11-22T08:00:00Z or 2026-11-22T09:00:00+01:00");
+  }
+
+  std::string assay() const {
+    if (!assay_) return {};
+    const auto code = PlateAssayCode(*assay_);
+    if (code) return *code;
+    throw Error(ExitCode::kUsage,
+                "--assay " + *assay_ + " is no assay; it is one of " + PlateAssayList());
+  }
+
+  ExitCode record(const RunPlan& plan) {
+>>>>>>> h-values
     std::size_t done = 0;
     const auto outcome = [&] {
       RecordProgress progress(options_.path);
@@ -55,12 +106,17 @@ class RecordingCommand : public Command {
       beforehand();
       return runTellingWhatIsSafe(recorder, done, plan.frames.size());
     }();
+    return tellOutcome(outcome, done, plan.frames.size());
+  }
+
+  ExitCode tellOutcome(Recorder::Outcome outcome, std::size_t done,
+                       std::optional<std::size_t> total) const {
     if (outcome == Recorder::Outcome::kWasDone) {
       std::cout << Printable(options_.path) << ": the run is complete, nothing is left to record\n";
     }
     if (outcome != Recorder::Outcome::kInterrupted) return ExitCode::kDone;
-    PrintLine(Printable(options_.path) + ": interrupted after " + std::to_string(done) + " of " +
-              std::to_string(plan.frames.size()) +
+    PrintLine(Printable(options_.path) + ": interrupted after " + std::to_string(done) +
+              (total ? " of " + std::to_string(*total) : "") +
               " frames; the same command with --resume goes on");
     return ExitCode::kInterrupted;
   }
@@ -81,7 +137,31 @@ class RecordingCommand : public Command {
   }
 
   RecordOptions options_;
+
+ private:
+  std::optional<std::string> started_;
+  std::optional<std::string> assay_;
 };
+
+std::string roundedText(const RoundedNumbers& rounded, std::string_view one, std::string_view many,
+                        double step) {
+  std::ostringstream change;  // as few digits as tell what it comes to
+  change << std::setprecision(2) << rounded.largestChange;
+  return Counted(rounded.count, one, many) + " rounded to " + PlainText(step) +
+         ", largest change " + change.str();
+}
+
+// What the document does not hold as it was measured.
+void tellRounding(const std::string& file, const Rounding& rounding, const ReadingScale& scale) {
+  const auto tell = [&](const RoundedNumbers& rounded, std::string_view one, std::string_view many,
+                        double step) {
+    if (rounded.count == 0) return;
+    PrintLine(Printable(file) + ": " + roundedText(rounded, one, many, step));
+  };
+  tell(rounding.readings, "reading", "readings", scale.Step());
+  tell(rounding.times, "time", "times", 0.001);
+  tell(rounding.temperatures, "temperature", "temperatures", 0.01);
+}
 
 class RecordCommand final : public RecordingCommand {
  public:
@@ -89,7 +169,8 @@ class RecordCommand final : public RecordingCommand {
       : RecordingCommand(
             {"record", "Play measured readings into a document, as an instrument does.",
              "vex record run.vex --readings readings.csv --wells wells.csv\n"
-             "vex record run.vex --readings readings.csv --wells wells.csv --resume"}) {}
+             "vex record run.vex --readings readings.csv --wells wells.csv --resume\n"
+             "instrument | vex record run.vex --readings - --wells wells.csv --frames 40"}) {}
 
   void AddOptions(Options& options) override {
     addDocument(options);
@@ -99,12 +180,18 @@ class RecordCommand final : public RecordingCommand {
     options.Add("--wells", files_.wells, "well,sample,target,task,quantity,reporter; - is stdin")
         .Show("FILE.csv")
         .Require();
-    options.Add("--scale", files_.scale, "Factor of readings; else the largest to fit 16 bits")
+    options.Add("--scale", scale_, "Factor of readings, as 1000 or 2/3; else least loss").Show("N");
+    options.Add("--offset", offset_, "What is taken from readings first; needed below 0").Show("X");
+    options.Add("--frames", frames_, "Frames that --readings - will send; else to its end")
         .Show("N")
-        .AllowRange(std::uint32_t{1}, kLargestScale);
+        .AllowRange(1U, kMostFrames);
+    options.Add("--channels", channels_, "Names of the channels; else as they come")
+        .Show("NAME,NAME...");
+    options.AddFlag("--exact", files_.isExact, "Refuse readings that would be rounded");
     input_.AddOptions(options);
     options.Add("--wells-columns", wellsNames_, "The same of the file of the wells")
         .Show(CsvInput::kColumnsShown);
+    addRunOptions(options);
     addRecordOptions(options);
   }
 
@@ -114,13 +201,105 @@ class RecordCommand final : public RecordingCommand {
     }
     files_.readingsFormat = input_.Format(ReadingsFileColumns());
     files_.wellsFormat = input_.Format(WellsFileColumns(), wellsNames_, "--wells-columns");
+<<<<<<< HEAD
     OutputFiles files(options_.force);
     files.Read(files_.readings).Read(files_.wells);
     files.Write(options_.path, OutputFiles::Kind::kRecording).Claim();
     return record(LoadMeasuredRun(files_));
+=======
+    takeValues();
+    if (options_.resume) takeRecordedValues();
+    if (files_.readings == "-") return recordLive();
+    if (frames_) throw Error(ExitCode::kUsage, "--frames is for --readings - alone");
+    const MeasuredRun run = LoadMeasuredRun(files_);
+    tellRounding(CsvName(files_.readings), run.rounding, run.plan.scale);
+    return record(run.plan);
+>>>>>>> h-values
   }
 
  private:
+  void takeValues() {
+    // What was measured before has another start.
+    if (startsNow() && files_.readings != "-") {
+      throw Error(ExitCode::kUsage,
+                  "--started now is for --readings - alone; give the run's own "
+                  "start, like 2026-11-22T08:00:00Z");
+    }
+    files_.started = started();
+    files_.assay = assay();
+    if (offset_) {
+      files_.offset = ReadingScale::ParseOffset(*offset_);
+      if (!files_.offset) refuse("--offset", *offset_, "a number of at most 15 digits");
+    }
+    if (scale_) {
+      files_.scale = ReadingScale::Parse(*scale_);
+      if (!files_.scale) refuse("--scale", *scale_, "a number above 0, or a fraction like 2/3");
+    }
+    files_.channels = channelNames();
+  }
+
+  // A run that is gone on with is the one in the document, whatever is not said again.
+  void takeRecordedValues() {
+    std::error_code error;
+    if (!std::filesystem::exists(options_.path, error)) return;
+    const auto log = RunLog::Find(RecordedLog(options_.path));
+    if (!log) return;
+    if (!files_.scale) files_.scale = log->scale;
+    if (!files_.offset) files_.offset = log->scale.Offset();
+    if (files_.channels.empty()) files_.channels = log->channels;
+    if (!files_.started || startsNow()) files_.started = log->started;
+    if (files_.assay.empty()) files_.assay = RecordedAssay(options_.path);
+    if (!frames_ && files_.readings == "-" && log->frames) {
+      frames_ = static_cast<std::uint32_t>(*log->frames);
+    }
+  }
+
+  ExitCode recordLive() {
+    if (options_.pace > 0) {
+      throw Error(ExitCode::kUsage, "--pace is for a file; standard input has its own pace");
+    }
+    const std::string input = CsvName(files_.readings);
+    LiveOptions live;
+    if (frames_) live.frames = *frames_;
+    live.onRounded = [&](const Rounding&, const ReadingScale& scale) {
+      PrintLine(input + ": readings, times or temperatures are rounded; the scale of readings is " +
+                scale.ScaleText());
+    };
+    std::size_t done = 0;
+    RecordProgress progress(options_.path);
+    LiveRun run(files_, live, options_, [&](const RecordState& state) {
+      done = state.framesDone;
+      progress.Show(state);
+    });
+    const auto outcome = run.Record();
+    if (run.HasBegun()) tellRounding(input, run.Rounded(), run.Plan().scale);
+    return tellOutcome(outcome, done, FrameTotal(run.Plan()));
+  }
+
+  std::vector<std::string> channelNames() const {
+    std::vector<std::string> names;
+    if (!channels_) return names;
+    std::istringstream list(*channels_ + ",");
+    for (std::string name; std::getline(list, name, ',');) {
+      const auto stored = ToLatin1(name);
+      const bool isTwice = stored && std::find(names.begin(), names.end(), *stored) != names.end();
+      if (!stored || stored->empty() || isTwice || names.size() == kMostChannels) {
+        refuse("--channels", *channels_, "up to 16 different names with commas between them");
+      }
+      names.push_back(*stored);
+    }
+    return names;
+  }
+
+  [[noreturn]] static void refuse(const std::string& option, const std::string& value,
+                                  const std::string& takes) {
+    throw Error(ExitCode::kUsage, option + " " + value + ": it takes " + takes);
+  }
+
+  std::optional<std::string> scale_;
+  std::optional<std::string> offset_;
+  std::optional<std::string> channels_;
+  std::optional<std::uint32_t> frames_;
   MeasuredRunFiles files_;
   CsvInput input_;
   std::string wellsNames_;
@@ -147,10 +326,12 @@ class SimulateCommand final : public RecordingCommand {
         .Show("FILE.csv");
     options.Add("--wells-out", wellsOut_, "Write what the wells hold to this CSV file")
         .Show("FILE.csv");
+    addRunOptions(options);
     addRecordOptions(options);
   }
 
   ExitCode Run() override {
+<<<<<<< HEAD
     const RunPlan plan = SimulateRun(parameters());
     Table readings = {readingsOut_, readingsText(plan)};
     Table wells = {wellsOut_, wellsText(plan)};
@@ -166,6 +347,15 @@ class SimulateCommand final : public RecordingCommand {
       write(readings);
       write(wells);
     });
+=======
+    RunPlan plan = SimulateRun(parameters());
+    plan.started = started();
+    plan.assay = assay();
+    if (options_.resume) takeRecordedValues(plan);
+    if (!readingsOut_.empty()) WriteReadings(plan, readingsOut_);
+    if (!wellsOut_.empty()) writeWells(plan.contents);
+    return record(plan);
+>>>>>>> h-values
   }
 
  private:
@@ -192,6 +382,13 @@ class SimulateCommand final : public RecordingCommand {
     Output output(table.path);
     output.Stream() << table.text;
     output.Finish();
+  }
+
+  void takeRecordedValues(RunPlan& plan) const {
+    const auto log = RunLog::Find(RecordedLog(options_.path));
+    if (!log) return;
+    if (!plan.started || startsNow()) plan.started = log->started;
+    if (plan.assay.empty()) plan.assay = RecordedAssay(options_.path);
   }
 
   // A run that is gone on with is the one in the document, whatever is not said again.

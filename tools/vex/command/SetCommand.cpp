@@ -6,6 +6,7 @@
 #include "tools/vex/document/Changing.h"
 #include "tools/vex/document/Settings.h"
 #include "tools/vex/document/Study.h"
+#include "tools/vex/setup/AssayTypes.h"
 #include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
@@ -36,6 +37,7 @@ class SetCommand final : public Command {
     options.Add("KEY=VALUE", assignments_, "The settings and their new values").Require().Show("");
     if (!ofStudy_) plate_.AddTo(options);
     changing_.AddOptions(options);
+    if (!ofStudy_) options.PutFirst(PlateAssayTable());
     options.PutFirst(settingList(settings_));
   }
 

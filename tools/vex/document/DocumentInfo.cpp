@@ -30,20 +30,21 @@ std::size_t wellsInUse(const Vex2HeaderData& header) {
   return count;
 }
 
-// The recorder alone says what its times mean.
-ordered_json timeOf(const TimeStamp& time, bool isRecorders) {
-  const auto text = isRecorders ? TimeText(time) : std::nullopt;
-  return text ? ordered_json(*text) : ordered_json(nullptr);
+// The recorder alone says what its times mean; their zone is in its log.
+ordered_json timeOf(const TimeStamp& time, const std::optional<RunLog>& log) {
+  const auto text = log ? TimeText(time) : std::nullopt;
+  if (!text) return nullptr;
+  return log->started ? *text + std::string(log->started->Zone()) : *text;
 }
 
-ordered_json blockInfo(const AcquisitionDataComp& block, bool isRecorders) {
+ordered_json blockInfo(const AcquisitionDataComp& block, const std::optional<RunLog>& log) {
   return {{"tag", block.GetTag()},
           {"version", block.GetVersion()},
           {"wells", block.GetWellCount()},
           {"frames", block.GetFrameCount()},
-          {"recorded", isRecorders},
-          {"start", timeOf(block.GetStartTime(), isRecorders)},
-          {"end", timeOf(block.GetEndTime(), isRecorders)},
+          {"recorded", log.has_value()},
+          {"start", timeOf(block.GetStartTime(), log)},
+          {"end", timeOf(block.GetEndTime(), log)},
           {"startBytes", block.GetStartTime().fields},
           {"endBytes", block.GetEndTime().fields}};
 }
@@ -64,6 +65,7 @@ ordered_json programText(const Vex2FileManager& content) {
 ordered_json settingsInfo(const Vex2FileManager& document) {
   ordered_json settings = ordered_json::object();
   for (const Setting& setting : Settings()) {
+    if (setting.isInHeader) continue;
     const auto value = setting.get(document);
     if (!value.is_null()) settings[std::string(setting.key)] = value;
   }
@@ -114,11 +116,11 @@ void addContent(ordered_json& info, const Document::Plate& plate) {
   for (int i = 0; i < content.GetAllComponentCount(); ++i) {
     const CComponent* component = content.GetComponent(i);
     if (const auto* block = dynamic_cast<const AcquisitionDataComp*>(component)) {
-      const bool isRecorders = RecordedReadings(content, block->GetTag()).Log().has_value();
-      info["blocks"].push_back(blockInfo(*block, isRecorders));
+      const auto log = RecordedReadings(content, block->GetTag()).Log();
+      info["blocks"].push_back(blockInfo(*block, log));
       if (block->GetTag() != "RAWa") continue;
-      info["start"] = timeOf(block->GetStartTime(), isRecorders);
-      info["end"] = timeOf(block->GetEndTime(), isRecorders);
+      info["start"] = timeOf(block->GetStartTime(), log);
+      info["end"] = timeOf(block->GetEndTime(), log);
     } else if (component->GetTag() == "TPro" && info["programSize"].is_null()) {
       info["programSize"] = component->GetLength();
     }

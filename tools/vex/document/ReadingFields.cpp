@@ -1,5 +1,9 @@
 #include "tools/vex/document/ReadingFields.h"
 
+#include <algorithm>
+
+#include "tools/vex/text/Text.h"
+
 namespace vex2::tool {
 
 namespace {
@@ -9,17 +13,25 @@ constexpr std::uint32_t kTimeScale = 1000;
 
 }  // namespace
 
-const std::vector<std::string>& ReadingNames() {
-  static const std::vector<std::string> names = {"stage", "cycle", "time_s", "temperature_c",
-                                                 "fluorescence"};
+std::vector<std::string> ReadingNames(const RunLog& log) {
+  std::vector<std::string> names = {"stage", "cycle", "time_s", "temperature_c"};
+  if (log.channels.empty()) names.emplace_back("fluorescence");
+  for (const std::string& channel : log.channels)
+    names.push_back("fluorescence " + ToUtf8(channel));
   return names;
 }
 
 std::vector<std::string> ReadingFields(const RunReading& reading, const RunLog& log) {
-  return {reading.melting ? "melt" : "amplification", std::to_string(reading.cycle),
-          ShortestQuotient(reading.time, kTimeScale),
-          ShortestQuotient(reading.temperature, kTemperatureScale),
-          ShortestQuotient(reading.value, log.scale)};
+  std::vector<std::string> fields = {reading.melting ? "melt" : "amplification",
+                                     std::to_string(reading.cycle),
+                                     ShortestQuotient(reading.time, kTimeScale),
+                                     ShortestQuotient(reading.temperature, kTemperatureScale)};
+  for (std::size_t channel = 0; channel < std::max<std::size_t>(log.channels.size(), 1);
+       ++channel) {
+    fields.push_back(reading.IsMissing(channel) ? "NA"
+                                                : log.scale.MeasuredText(reading.values[channel]));
+  }
+  return fields;
 }
 
 }  // namespace vex2::tool

@@ -4,8 +4,11 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "tools/vex/document/ReadingScale.h"
 #include "tools/vex/document/RunReading.h"
+#include "tools/vex/document/RunStart.h"
 #include "vex2/manager/Vex2FileManager.h"
 
 namespace vex2::tool {
@@ -16,11 +19,17 @@ inline constexpr std::string_view kSimulatedSource = "source=simulation";
 
 /// What the recorder states in the log of a document whose readings it wrote: the log's last lines,
 /// each KEY=VALUE, from the one that names the source on, with "frames" and "scale" once each among
-/// them. A log without such an end is another program's, whatever its lines say.
+/// them ("frames=unknown" while that is so), and where they are needed "offset", "channels" and
+/// "started". A log without such an end is another program's, whatever its lines say.
 struct RunLog {
-  std::uint64_t frames = 0;  ///< of the whole run
-  std::uint32_t scale = 1;   ///< by which readings were multiplied
+  /// Of the whole run; nothing while a live run goes on whose number of frames nobody has given.
+  std::optional<std::uint64_t> frames;
+  ReadingScale scale;                 ///< of the readings
+  std::vector<std::string> channels;  ///< their names, Latin-1; none where a well has one reading
+  std::optional<RunStart> started;    ///< when the run began, if anyone has said
 
+  /// The lines that state this, but for the source.
+  std::string Text() const;
   /// Nothing for a log in which the recorder states nothing.
   static std::optional<RunLog> Find(std::string_view log);
 };

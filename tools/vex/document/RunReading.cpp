@@ -4,30 +4,26 @@
 #include <array>
 #include <charconv>
 
-#include "tools/vex/text/Text.h"
-
 namespace vex2::tool {
 
 namespace {
 
-enum Leading { kFilled, kCycle, kTemperature, kStage, kFirstReading, kTimeHigh, kTimeLow };
+enum Leading {
+  kFilled,
+  kCycle,
+  kTemperature,
+  kStage,
+  kFirstReading,
+  kTimeHigh,
+  kTimeLow,
+  kMissing
+};
 
 constexpr std::uint16_t kMeltingMarker = 65000;
-constexpr std::string_view kScaleKey = "scale=";
 
 std::uint16_t firstReading(std::uint16_t value) {
   if (value == kMeltingMarker) return kMeltingMarker - 1;
   return std::max<std::uint16_t>(value, 1);
-}
-
-// Calls `take` with each line of `text`, without its end.
-template <typename Take>
-void forEachLine(std::string_view text, const Take& take) {
-  while (!text.empty()) {
-    const std::size_t end = std::min(text.find('\n'), text.size());
-    take(text.substr(0, end));
-    text.remove_prefix(std::min(end + 1, text.size()));
-  }
 }
 
 }  // namespace
@@ -38,37 +34,23 @@ Vex2WellRecord EncodeReading(const RunReading& reading, bool beginsMelting) {
   record.leading[kCycle] = reading.cycle;
   record.leading[kTemperature] = reading.temperature;
   record.leading[kStage] = reading.melting ? 1 : 0;
-  record.leading[kFirstReading] = beginsMelting ? kMeltingMarker : firstReading(reading.value);
+  record.leading[kFirstReading] = beginsMelting ? kMeltingMarker : firstReading(reading.values[0]);
   record.leading[kTimeHigh] = static_cast<std::uint16_t>(reading.time >> 16U);
   record.leading[kTimeLow] = static_cast<std::uint16_t>(reading.time & 0xFFFFU);
-  record.data[0] = reading.value;
+  record.leading[kMissing] = reading.missing;
+  std::copy(reading.values.begin(), reading.values.end(), record.data);
   return record;
 }
 
 RunReading DecodeReading(const Vex2WellRecord& record) {
-  return {.cycle = record.leading[kCycle],
-          .temperature = record.leading[kTemperature],
-          .melting = record.leading[kStage] == 1,
-          .time = std::uint32_t{record.leading[kTimeHigh]} << 16U | record.leading[kTimeLow],
-          .value = record.data[0]};
-}
-
-std::uint32_t ScaleInLog(std::string_view log) {
-  std::uint32_t scale = 1;
-  forEachLine(log, [&](std::string_view line) {
-    if (!line.starts_with(kScaleKey)) return;
-    const auto number = NumberIn<std::uint32_t>(line.substr(kScaleKey.size()));
-    if (number && *number >= 1 && *number <= kLargestScale) scale = *number;
-  });
-  return scale;
-}
-
-std::string LogWithScale(std::string_view log, std::uint32_t scale) {
-  std::string result;
-  forEachLine(log, [&](std::string_view line) {
-    if (!line.starts_with(kScaleKey)) result.append(line).append("\n");
-  });
-  return result.append(kScaleKey).append(std::to_string(scale)).append("\n");
+  RunReading reading{
+      .cycle = record.leading[kCycle],
+      .temperature = record.leading[kTemperature],
+      .melting = record.leading[kStage] == 1,
+      .time = std::uint32_t{record.leading[kTimeHigh]} << 16U | record.leading[kTimeLow],
+      .missing = record.leading[kMissing]};
+  std::copy_n(record.data, kMostChannels, reading.values.begin());
+  return reading;
 }
 
 std::string ShortestQuotient(std::uint32_t value, std::uint32_t divisor) {

@@ -1,14 +1,18 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <string>
-#include <string_view>
 
 #include "vex2/run/Vex2WellRecord.h"
 
 /// How a reading of a run lies in a document. The recorder writes it so, the export undoes it.
 namespace vex2::tool {
+
+/// The channels that a well can have in a document: each of them takes a data value of the record,
+/// and a bit that says that its reading is missing.
+constexpr std::size_t kMostChannels = 16;
 
 /// What one well gave at one time.
 struct RunReading {
@@ -16,7 +20,11 @@ struct RunReading {
   std::uint16_t temperature = 0;  ///< hundredths of a degree Celsius
   bool melting = false;           ///< else amplification
   std::uint32_t time = 0;         ///< milliseconds since the run began
-  std::uint16_t value = 0;        ///< fluorescence times the document's scale
+  /// The stored fluorescence of each channel; a run without named channels has one.
+  std::array<std::uint16_t, kMostChannels> values{};
+  std::uint16_t missing = 0;  ///< bit c: channel c has no reading, and its value is 0
+
+  bool IsMissing(std::size_t channel) const { return (missing >> channel & 1U) != 0; }
 
   friend bool operator==(const RunReading&, const RunReading&) = default;
 };
@@ -26,14 +34,6 @@ struct RunReading {
 Vex2WellRecord EncodeReading(const RunReading& reading, bool beginsMelting);
 /// The reading in a record; of any record that no recorder made, whatever stands in the places.
 RunReading DecodeReading(const Vex2WellRecord& record);
-
-constexpr std::uint32_t kLargestScale = 1'000'000;
-
-/// The scale that a document's log names: by it values were multiplied before they were rounded. 1
-/// for a log without a usable one.
-std::uint32_t ScaleInLog(std::string_view log);
-/// `log` with this scale, in place of one that it names. The log is lines of key=value.
-std::string LogWithScale(std::string_view log, std::uint32_t scale);
 
 /// The shortest text that stands for `value` divided by `divisor`, which is not 0: what is read
 /// back from it is the same number.

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "tools/vex/document/RunLog.h"
+#include "tools/vex/setup/AssayTypes.h"
 #include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
@@ -115,6 +116,21 @@ bool setAnalysisType(Vex2FileManager& document, std::string_view text) {
   return type && document.SetRQAnalysisType(*type) == kSuccess;
 }
 
+json getAssay(const Vex2FileManager& document) {
+  const auto& code = document.GetHeaderData().assayCode;
+  const std::string text = ToUtf8({code, sizeof code});
+  return text.substr(0, text.find_last_not_of(' ') + 1);
+}
+
+bool setAssay(Vex2FileManager& document, std::string_view text) {
+  const auto code = PlateAssayCode(text);
+  if (!code) return false;
+  Vex2HeaderData header = document.GetHeaderData();
+  code->copy(header.assayCode, sizeof header.assayCode);
+  document.SetHeaderData(header);
+  return true;
+}
+
 }  // namespace
 
 const std::vector<Setting>& Settings() {
@@ -140,6 +156,7 @@ const std::vector<Setting>& Settings() {
       {"calibrator", text, getName<&M::GetCalibrator>, setName<&M::SetCalibrator>, true},
       {"endogenous-control", text, getName<&M::GetEndoControl>, setName<&M::SetEndoControl>, true},
       {"analysis-type", word, getAnalysisType, setAnalysisType, true},
+      {"assay", "AbsQ, RelQ, AllD, +/-, BGND or PDye", getAssay, setAssay, false, true},
   };
   return settings;
 }

@@ -18,6 +18,7 @@ struct Setting {
   /// Sets the value that `text` stands for. False when it stands for none.
   bool (*set)(Vex2FileManager& document, std::string_view text);
   bool isOfStudies = false;  ///< it says how a study compares its plates
+  bool isInHeader = false;   ///< it is shown with the header's fields, not among the others
 };
 
 /// All of them, in the order in which they are shown.

@@ -129,7 +129,7 @@ class PlateCheck {
     const RecordedReadings readings(*plate_.content, kBlock);
     if (!readings.Log()) return;
     const auto frames = static_cast<std::uint64_t>(std::max(block_->GetFrameCount(), 0));
-    const auto count = static_cast<int>(std::min(frames, readings.Log()->frames));
+    const auto count = static_cast<int>(std::min(frames, readings.Log()->frames.value_or(frames)));
     for (int frame = 0; frame < count; ++frame) checkFrame(frame, readings);
     tellFrames();
   }

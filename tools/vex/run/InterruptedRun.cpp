@@ -9,6 +9,7 @@
 #include "tools/vex/document/FileLayout.h"
 #include "tools/vex/document/HeaderFields.h"
 #include "tools/vex/document/RawFile.h"
+#include "tools/vex/run/PlanComparison.h"
 #include "tools/vex/text/CsvReader.h"
 #include "vex2/container/Encoding.h"
 #include "vex2/manager/Vex2FileManager.h"
@@ -53,15 +54,34 @@ std::vector<std::uint8_t> storedBytes(const std::vector<Vex2WellRecord>& records
   return bytes;
 }
 
-// The first line of `log` that `other` has not at the same place.
-std::string differingLine(std::string_view log, std::string_view other) {
+// The line of `log` that has the key of `line`; empty when there is none.
+std::string_view sameKey(std::string_view log, std::string_view line) {
+  const std::string_view key = line.substr(0, line.find('='));
   while (!log.empty()) {
-    const std::string_view line = log.substr(0, log.find('\n'));
-    if (line != other.substr(0, other.find('\n'))) return std::string(line);
-    log.remove_prefix(std::min(log.size(), line.size() + 1));
-    other.remove_prefix(std::min(other.size(), line.size() + 1));
+    const std::string_view other = log.substr(0, log.find('\n'));
+    if (other.substr(0, other.find('=')) == key) return other;
+    log.remove_prefix(std::min(log.size(), other.size() + 1));
   }
-  return "nothing";
+  return {};
+}
+
+// How a run with the log `recorded` was recorded otherwise than one with the log `given`.
+std::string logDifference(std::string_view recorded, std::string_view given) {
+  for (std::string_view rest = given; !rest.empty();) {
+    const std::string_view line = rest.substr(0, rest.find('\n'));
+    const std::string_view other = sameKey(recorded, line);
+    if (other.empty()) return "was recorded without " + Quoted(line);
+    if (other != line) {
+      return "was recorded with " + Quoted(other) + ", not with " + Quoted(line);
+    }
+    rest.remove_prefix(std::min(rest.size(), line.size() + 1));
+  }
+  for (std::string_view rest = recorded; !rest.empty();) {
+    const std::string_view line = rest.substr(0, rest.find('\n'));
+    if (sameKey(given, line).empty()) return "was recorded with " + Quoted(line);
+    rest.remove_prefix(std::min(rest.size(), line.size() + 1));
+  }
+  return "was recorded with another log";
 }
 
 }  // namespace
@@ -74,6 +94,12 @@ std::string RecordedLog(const std::string& path) {
     return {};
   }
   return {reinterpret_cast<const char*>(settings.logData), settings.logLength};
+}
+
+std::string RecordedAssay(const std::string& path) {
+  CFile file;
+  OpenToRead(file, path);
+  return ReadHeaderFields(file, 0).assay;
 }
 
 InterruptedRun::InterruptedRun(const std::string& path) : path_(path) {
@@ -150,8 +176,10 @@ std::uint64_t InterruptedRun::frameBytes() const {
 void InterruptedRun::Check(const RunPlan& plan) const {
   checkSettings(plan);
   checkTail(plan);
+  if (HasBlock() && wells_ != plan.wells) refuse("was recorded from other wells");
+  checkContents(plan);
   if (!HasBlock()) return;
-  if (wells_ != plan.wells) refuse("was recorded from other wells");
+  if (plan.isLive) return;  // its frames are compared when they come
   if (frameCount_ > plan.frames.size()) {
     refuse("holds " + std::to_string(frameCount_) + " frames, but the run has only " +
            std::to_string(plan.frames.size()));
@@ -163,12 +191,21 @@ void InterruptedRun::checkSettings(const RunPlan& plan) const {
   const std::string log = RecordedLog(path_);
   const std::string expected = LogText(plan);
   if (log != expected) {
-    refuse("was recorded with " + Quoted(differingLine(log, expected)) + ", not with " +
-           Quoted(differingLine(expected, log)));
+    refuse(logDifference(log, expected));
   }
   if (rows_ != plan.plate.rows || columns_ != plan.plate.columns) {
     refuse("was recorded from a plate of another size");
   }
+}
+
+void InterruptedRun::checkContents(const RunPlan& plan) const {
+  Vex2FileManager document;
+  static_cast<void>(document.ReadFromFile(path_.c_str()));
+  const auto difference = FindDifference(document, plan);
+  if (!difference) return;
+  const auto shown = [](const std::string& text) { return text.empty() ? "none" : Quoted(text); };
+  refuse("cannot resume: the " + difference->what + " is " + shown(difference->recorded) +
+         " in the document, but " + shown(difference->given) + " in what is given");
 }
 
 // A commit leaves at most its own bytes behind, and a frame does not begin as a record does. What

@@ -13,6 +13,9 @@ namespace vex2::tool {
 /// The log of the document at `path`; empty when there is none.
 std::string RecordedLog(const std::string& path);
 
+/// The code of its assay. Throws an error when it cannot be read.
+std::string RecordedAssay(const std::string& path);
+
 /// What a recorder that was cut off has left of its document. Found by the lengths of its records,
 /// as the header's position of the data block may be wrong and the file may go on behind it.
 class InterruptedRun {
@@ -38,6 +41,7 @@ class InterruptedRun {
   void readHead(CFile& file);
   void countFrames(std::uint64_t fileLength);
   void checkSettings(const RunPlan& plan) const;
+  void checkContents(const RunPlan& plan) const;
   void checkTail(const RunPlan& plan) const;
   void checkReadings(const RunPlan& plan) const;
   std::uint64_t framesStart() const;

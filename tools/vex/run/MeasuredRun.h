@@ -1,9 +1,10 @@
 #pragma once
 
-#include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
+#include "tools/vex/run/FrameEncoder.h"
 #include "tools/vex/run/RunPlan.h"
 #include "tools/vex/text/CsvReader.h"
 
@@ -11,18 +12,31 @@ namespace vex2::tool {
 
 /// Where a measured run's readings are, and how to store them.
 struct MeasuredRunFiles {
-  std::string readings;                ///< CSV: well,stage,cycle,time_s,temperature_c,fluorescence
-  std::string wells;                   ///< CSV: well,sample,target,task,quantity,reporter
-  std::optional<std::uint32_t> scale;  ///< of the stored readings; nothing is the largest that fits
-  CsvFormat readingsFormat;            ///< how the readings file is written
-  CsvFormat wellsFormat;               ///< how the wells file is written
+  std::string readings;  ///< CSV: well,stage,cycle,time_s,temperature_c,fluorescence and a channel
+  std::string wells;     ///< CSV: well,sample,target,task,quantity,reporter
+  std::optional<ReadingScale> scale;    ///< without offset; nothing is the one that loses least
+  std::optional<DecimalNumber> offset;  ///< nothing is none, or what goes with a chosen scale
+  std::vector<std::string> channels;    ///< Latin-1; none: those that the readings name
+  std::optional<RunStart> started;      ///< when the run began
+  std::string assay;                    ///< a code of four characters, or empty
+  CsvFormat readingsFormat = {};        ///< how the readings file is written
+  CsvFormat wellsFormat = {};           ///< how the wells file is written
+  bool isExact = false;                 ///< what would have to be rounded is refused
 };
 
-/// The columns of the readings file.
-const std::vector<std::string_view>& ReadingsFileColumns();
+struct MeasuredRun {
+  RunPlan plan;
+  Rounding rounding;  ///< what the document does not hold as it was measured
+};
 
-/// The run that the files hold. Every well of the wells file has exactly one reading in every
-/// frame, else an error names what is missing or wrong and its row.
-RunPlan LoadMeasuredRun(const MeasuredRunFiles& files);
+/// The run that the files hold. Every well of the wells file has exactly one reading of each
+/// channel in every frame, else an error names what is missing or wrong and its row.
+MeasuredRun LoadMeasuredRun(const MeasuredRunFiles& files);
+
+/// The same without readings, which are still to come, and without their scale.
+RunPlan PlanMeasuredRun(const MeasuredRunFiles& files);
+
+/// The scale that was asked for; nothing when none was.
+std::optional<ReadingScale> GivenScale(const MeasuredRunFiles& files);
 
 }  // namespace vex2::tool

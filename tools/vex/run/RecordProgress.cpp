@@ -46,7 +46,7 @@ void RecordProgress::Show(const RecordState& state) {
   if (!hasBegun_) {
     begun_ = now;
     framesAtStart_ = state.framesDone;
-  } else if (now - lastDrawn_ < kLeastPause && state.framesDone < state.framesTotal) {
+  } else if (now - lastDrawn_ < kLeastPause && state.framesDone != state.framesTotal) {
     return;
   }
   hasBegun_ = true;
@@ -55,21 +55,23 @@ void RecordProgress::Show(const RecordState& state) {
 }
 
 std::string RecordProgress::text(const RecordState& state) const {
-  std::string text = std::to_string(state.framesDone) + "/" + std::to_string(state.framesTotal);
+  const std::size_t total = state.framesTotal.value_or(state.framesDone);
+  std::string text = std::to_string(state.framesDone);
+  if (state.framesTotal) text += "/" + std::to_string(total);
   text += " frames";
   const std::size_t done = state.framesDone - framesAtStart_;
   if (done > 0) {
     const std::chrono::duration<double> taken = lastDrawn_ - begun_;
-    const auto left = static_cast<double>(state.framesTotal - state.framesDone);
+    const auto left = static_cast<double>(total - state.framesDone);
     if (left > 0)
       text += ", " + duration(taken.count() / static_cast<double>(done) * left) + " left";
     text += ", last commit " + milliseconds(state.lastCommit);
   }
   const std::size_t used = name_.size() + text.size() + 5;
   const std::size_t room = Terminal::Error().Width() - std::min(Terminal::Error().Width(), used);
-  if (room < kShortestBar) return text;
+  if (room < kShortestBar || !state.framesTotal) return text;
   const std::size_t width = std::min(room, kLongestBar);
-  const std::size_t filled = width * state.framesDone / std::max<std::size_t>(state.framesTotal, 1);
+  const std::size_t filled = width * state.framesDone / std::max<std::size_t>(total, 1);
   std::string bar(width, '.');
   bar.replace(0, filled, filled, '#');
   return name_ + " [" + bar + "] " + text;

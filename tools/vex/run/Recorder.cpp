@@ -6,11 +6,10 @@
 #include <cerrno>
 #include <chrono>
 #include <cstring>
-#include <ctime>
 #include <utility>
 
 #include "tools/vex/Errors.h"
-#include "vex2/framework/Host.h"
+#include "tools/vex/run/PlanDocument.h"
 
 namespace vex2::tool {
 
@@ -22,52 +21,6 @@ double secondsSince(Clock::time_point begin) {
   return std::chrono::duration<double>(Clock::now() - begin).count();
 }
 
-// Year since 2000, month, day, hour, minute, second, as the clock on the wall has them.
-TimeStamp presentTime() {
-  const auto now = static_cast<std::time_t>(GetHost()->Now().GetTime());
-  std::tm parts{};
-  ::localtime_r(&now, &parts);
-  const std::array<int, 6> fields = {std::clamp(parts.tm_year - 100, 0, 255),
-                                     parts.tm_mon + 1,
-                                     parts.tm_mday,
-                                     parts.tm_hour,
-                                     parts.tm_min,
-                                     parts.tm_sec};
-  TimeStamp time;
-  std::transform(fields.begin(), fields.end(), time.fields,
-                 [](int field) { return static_cast<std::uint8_t>(field); });
-  return time;
-}
-
-Vex2HeaderData headerFor(const RunPlan& plan) {
-  Vex2HeaderData header;
-  std::copy_n(plan.plate.TypeCode(), sizeof header.plateTypeCode, header.plateTypeCode);
-  header.SetRows(static_cast<std::uint16_t>(plan.plate.rows));
-  header.columns = static_cast<std::uint16_t>(plan.plate.columns);
-  std::fill_n(header.usage, plan.plate.rows, 0U);
-  for (const unsigned well : plan.wells) {
-    header.usage[(well - 1) / plan.plate.columns] |= 1U << ((well - 1) % plan.plate.columns);
-  }
-  return header;
-}
-
-void setSettings(Vex2FileManager& manager, const RunPlan& plan) {
-  Vex2GlobalComplex settings;
-  const std::string log = LogText(plan);
-  settings.SetComment(plan.comment.data(), static_cast<std::uint32_t>(plan.comment.size()));
-  settings.SetLog(log.data(), static_cast<std::uint32_t>(log.size()));
-  manager.ReplaceGlobalComplexComp(&settings);
-}
-
-void setProgram(Vex2FileManager& manager, const RunPlan& plan) {
-  const std::string text = ProgramText(plan);
-  ThermocycleProgram program;
-  program.length = static_cast<std::uint32_t>(text.size());
-  program.Allocate();
-  std::copy(text.begin(), text.end(), program.data);
-  manager.ReplaceThermocycleProgram(&program);
-}
-
 }  // namespace
 
 Recorder::Recorder(const RunPlan& plan, RecordOptions options,
@@ -76,27 +29,37 @@ Recorder::Recorder(const RunPlan& plan, RecordOptions options,
       options_(std::move(options)),
       report_(std::move(report)),
       document_(ResolveDocument(options_.path)) {
-  state_.framesTotal = plan.frames.size();
+  state_.framesTotal = FrameTotal(plan);
 }
 
 Recorder::Outcome Recorder::Run() {
   Interrupts interrupts;
-  if (lock_ == nullptr) Claim();
-  if (!goOn()) return Outcome::kWasDone;
-  report_(state_);
-  while (state_.framesDone < state_.framesTotal) {
+  if (!Begin()) return Outcome::kWasDone;
+  const std::size_t total = plan_.frames.size();
+  while (state_.framesDone < total) {
     if (interrupts.Pending()) return Outcome::kInterrupted;
-    const auto begun = Clock::now();
-    commit(state_.framesDone);
-    state_.lastCommit = secondsSince(begun);
-    ++state_.framesDone;
-    report_(state_);
-    if (state_.framesDone < state_.framesTotal && options_.pace > 0) {
+    Append();
+    if (state_.framesDone < total && options_.pace > 0) {
       interrupts.Wait(options_.pace - state_.lastCommit);
     }
   }
-  finish();
+  Finish();
   return Outcome::kDone;
+}
+
+bool Recorder::Begin() {
+  if (lock_ == nullptr) Claim();
+  if (!goOn()) return false;
+  report_(state_);
+  return true;
+}
+
+void Recorder::Append() {
+  const auto begun = Clock::now();
+  commit(state_.framesDone);
+  state_.lastCommit = secondsSince(begun);
+  ++state_.framesDone;
+  report_(state_);
 }
 
 void Recorder::Claim() {
@@ -133,13 +96,20 @@ bool Recorder::goOn() {
   return true;
 }
 
+std::vector<RunReading> Recorder::RecordedFrame(std::size_t index) const {
+  std::vector<RunReading> readings;
+  for (const unsigned short well : plan_.wells) {
+    Vex2WellRecord record;
+    static_cast<void>(
+        manager_.GetAcqDataWellRecord(&record, static_cast<int>(index), well, DataRAWa));
+    readings.push_back(DecodeReading(record));
+  }
+  return readings;
+}
+
 // The document is complete but for its data block, which is to be its last record.
 void Recorder::begin() {
-  manager_.SetHeaderData(headerFor(plan_));
-  setSettings(manager_, plan_);
-  setProgram(manager_, plan_);
-  StoreContents(manager_, plan_.contents);
-  StoreCalibration(manager_, plan_.calibration);
+  StorePlan(manager_, plan_);
   errno = 0;
   check(manager_.SaveToFile(document_.c_str()));
   check(manager_.SetAcquisitionStatus(document_.c_str(), "PROG"));
@@ -149,7 +119,9 @@ void Recorder::begin() {
 void Recorder::openBlock() {
   manager_.InitAcqDataWellNumberArray(plan_.wells.data(),
                                       static_cast<unsigned short>(plan_.wells.size()), DataRAWa);
-  manager_.SetAcqDataStartTime(presentTime(), DataRAWa);
+  if (!plan_.started) return;
+  TimeStamp start = plan_.started->Stamp();
+  manager_.SetAcqDataStartTime(start, DataRAWa);
 }
 
 void Recorder::commit(std::size_t frame) {
@@ -164,8 +136,14 @@ void Recorder::commit(std::size_t frame) {
   check(manager_.CommitAcqDataFrame(document_.c_str(), index, DataRAWa));
 }
 
-void Recorder::finish() {
-  manager_.SetAcqDataEndTime(presentTime(), DataRAWa);
+void Recorder::Finish() {
+  if (plan_.isLive) {
+    manager_.KeepingRawDataLast([&] { StoreWhatIsKnownLast(manager_, plan_); });
+  }
+  if (plan_.started) {
+    TimeStamp end = plan_.started->StampAfter(LastTime(plan_));
+    manager_.SetAcqDataEndTime(end, DataRAWa);
+  }
   manager_.SetAcquisitionStatus("DONE");
   errno = 0;
   check(manager_.SaveToFile(document_.c_str()));

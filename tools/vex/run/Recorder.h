@@ -7,6 +7,7 @@
 #include <string>
 
 #include "tools/vex/Interrupts.h"
+#include "tools/vex/document/DocumentFile.h"
 #include "tools/vex/document/DocumentLock.h"
 #include "tools/vex/run/InterruptedRun.h"
 #include "tools/vex/run/RunPlan.h"
@@ -25,8 +26,8 @@ struct RecordOptions {
 /// How far a recording has come.
 struct RecordState {
   std::size_t framesDone = 0;
-  std::size_t framesTotal = 0;
-  double lastCommit = 0;  ///< seconds that it took
+  std::optional<std::size_t> framesTotal;  ///< nothing while nobody knows
+  double lastCommit = 0;                   ///< seconds that it took
 };
 
 /// Brings a planned run to its document as an instrument would: a document with settings and
@@ -41,18 +42,33 @@ class Recorder {
            std::function<void(const RecordState&)> report);
 
   /// Locks the document and checks that it can be recorded to. Throws an error if not; nothing
-  /// was changed then. `Run` does so itself where it was not called.
+  /// was changed then. `Run` and `Begin` do so themselves where it was not called.
   void Claim();
-  /// Records until the run or the user ends it. Throws an error, and then the document holds every
-  /// frame that was reported and can be gone on with.
+  /// Records the plan's frames until the run or the user ends it. Throws an error, and then the
+  /// document holds every frame that was reported and can be gone on with.
   Outcome Run();
+
+  /// The same in steps, for frames that come while they are recorded. Makes the document, or goes
+  /// on with one. False when nothing is left to do.
+  bool Begin();
+  /// Appends the plan's next frame to the document; it is on the disk when this returns.
+  void Append();
+  /// Ends the run.
+  void Finish();
+
+  /// Whether there is a document to go on with, once it is claimed.
+  bool GoesOn() const { return interrupted_ && !interrupted_->IsDone(); }
+  bool WasDone() const { return interrupted_ && interrupted_->IsDone(); }
+  /// The frames of the document, once it was begun.
+  std::size_t FramesDone() const { return state_.framesDone; }
+  /// The readings of one of them.
+  std::vector<RunReading> RecordedFrame(std::size_t index) const;
 
  private:
   bool goOn();
   void begin();
   void openBlock();
   void commit(std::size_t frame);
-  void finish();
   void check(int status) const;
 
   const RunPlan& plan_;
@@ -61,7 +77,7 @@ class Recorder {
   std::filesystem::path document_;  ///< the one path that the given one leads to
   std::unique_ptr<DocumentLock> lock_;
   std::optional<InterruptedRun> interrupted_;  ///< what to go on with; nothing: a new document
-  Vex2FileManager manager_;
+  DocumentFile manager_;
   RecordState state_;
 };
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "tools/vex/document/RunLog.h"
+
 namespace vex2::tool {
 
 namespace {
@@ -16,6 +18,22 @@ std::string degrees(const std::vector<RunReading>& frame) {
 
 }  // namespace
 
+std::optional<std::size_t> FrameTotal(const RunPlan& plan) {
+  return plan.isLive ? plan.liveFrames : plan.frames.size();
+}
+
+std::size_t ChannelCount(const RunPlan& plan) {
+  return std::max<std::size_t>(plan.channels.size(), 1);
+}
+
+std::uint32_t LastTime(const RunPlan& plan) {
+  std::uint32_t last = 0;
+  for (const auto& frame : plan.frames) {
+    for (const RunReading& reading : frame) last = std::max(last, reading.time);
+  }
+  return last;
+}
+
 std::vector<Vex2WellRecord> FrameRecords(const RunPlan& plan, std::size_t index) {
   const auto firstMelting = std::find_if(plan.frames.begin(), plan.frames.end(), isMelting);
   const auto& frame = plan.frames[index];
@@ -29,8 +47,11 @@ std::vector<Vex2WellRecord> FrameRecords(const RunPlan& plan, std::size_t index)
 }
 
 std::string LogText(const RunPlan& plan) {
-  const std::string frames = "frames=" + std::to_string(plan.frames.size()) + "\n";
-  return LogWithScale(plan.origin + frames, plan.scale);
+  return plan.origin + RunLog{.frames = FrameTotal(plan),
+                              .scale = plan.scale,
+                              .channels = plan.channels,
+                              .started = plan.started}
+                           .Text();
 }
 
 std::string ProgramText(const RunPlan& plan) {

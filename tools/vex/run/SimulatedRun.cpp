@@ -164,7 +164,7 @@ void addFrame(RunPlan& plan, std::vector<Well>& wells, const RunReading& common,
   auto& frame = plan.frames.emplace_back(wells.size(), common);
   std::transform(wells.begin(), wells.end(), frame.begin(), [&](Well& well) {
     RunReading reading = common;
-    reading.value = read(well);
+    reading.values[0] = read(well);
     return reading;
   });
 }
@@ -178,7 +178,7 @@ RunPlan SimulateRun(const SimulationParameters& parameters) {
   plan.calibration = SimulatedCalibration();
   plan.wells.resize(plan.plate.WellCount());
   std::iota(plan.wells.begin(), plan.wells.end(), static_cast<unsigned short>(1));
-  plan.scale = kScale;
+  plan.scale = ReadingScale(kScale);
   plan.comment = "Simulated dilution series";
   plan.origin = std::string(kSimulatedSource) + "\n";
   for (const auto& [key, member, most] : kParameters) {
@@ -220,7 +220,7 @@ void ReadParameters(std::string_view log, SimulationParameters& parameters) {
 
 void WriteReadings(const RunPlan& plan, std::ostream& out) {
   ReadingsWriter writer(out, {});
-  writer.BeginPlate({}, plan.scale);
+  writer.BeginPlate({}, plan.scale, plan.channels);
   for (std::size_t i = 0; i < plan.wells.size(); ++i) {
     const std::string well = plan.plate.NameOf(plan.wells[i]);
     for (std::size_t frame = 0; frame < plan.frames.size(); ++frame) {

@@ -1,5 +1,6 @@
 #include "tools/vex/setup/DetectorFields.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
@@ -117,6 +118,18 @@ const std::vector<DetectorField>& DetectorFields() {
        setNumber<&D::analysisFlags, std::uint16_t>},
   };
   return fields;
+}
+
+std::vector<std::string_view> DefaultedFields(const Vex2Detector& detector) {
+  constexpr std::array<std::string_view, 3> kJudged = {"baseline-start", "baseline-end",
+                                                       "threshold"};
+  static const Vex2Detector fresh;
+  std::vector<std::string_view> defaulted;
+  for (const DetectorField& field : DetectorFields()) {
+    if (std::find(kJudged.begin(), kJudged.end(), field.key) == kJudged.end()) continue;
+    if (field.get(detector) == field.get(fresh)) defaulted.push_back(field.key);
+  }
+  return defaulted;
 }
 
 std::string DetectorText(const ordered_json& value) {

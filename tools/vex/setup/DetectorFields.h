@@ -22,6 +22,10 @@ struct DetectorField {
 /// All of them, the name first.
 const std::vector<DetectorField>& DetectorFields();
 
+/// The fields of baseline and threshold that have the value of a new detector: nobody is known to
+/// have set them. A document does not tell such a value from the same value that somebody set.
+std::vector<std::string_view> DefaultedFields(const Vex2Detector& detector);
+
 /// A field's value as a person reads and types it.
 std::string DetectorText(const nlohmann::ordered_json& value);
 
