@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Writes the man page of the vex command from what its --help says: make_man.py VEX >vex.1"""
 
+import os
 import re
 import subprocess
 import sys
@@ -12,6 +13,9 @@ NOISE = re.compile(r" REQUIRED| (Excludes|Needs):( --[\w-]+)+|:(UINT|FLOAT|TEXT|
 # An option that fills its column is parted from its text by a single space.
 FULL_COLUMN = re.compile(r"((?:-\w,)?--[\w-]+(?: [A-Z][A-Z.a-z]*)?) ([A-Z][a-z].*)")
 RANGE = re.compile(r" in \[(\S+) - (\S+)\]")
+
+# The options that every command has; they are told once.
+COMMON = "Screen options"
 
 HEAD = r'''.\" Made by make_man.py from what vex --help says; do not edit.
 .TH VEX 1 "" "vex2" "Plate documents"
@@ -26,6 +30,16 @@ vex \- plate documents of a real-time PCR instrument
 records runs of a plate into documents, shows what documents hold, and changes them without harm. A
 document whose run is in progress is never rewritten, nor is one that could not be read whole.
 .SH COMMANDS'''
+
+SCREENS = r'''.PP
+What is printed for people is as wide as
+.BR \-\-width ,
+else as COLUMNS says, else as the terminal is. To a file or a pipe, text is printed in lines as long as they come, and a
+plate wider than 200 columns in groups of columns. Where the locale is not a UTF-8 one (LC_ALL, LC_CTYPE, LANG), or TERM is
+.IR dumb ,
+only ASCII is printed, other characters as \euNNNN. Colors are for terminals that are not dumb, unless NO_COLOR is set;
+.B \-\-color
+precedes both.'''
 
 TAIL = r'''.SH EXIT STATUS
 .TP
@@ -44,7 +58,9 @@ the system is at fault: disk, memory, locks
 .B 130
 the user interrupted it
 .PP
-Every error is one line on standard error that names the file, and the offset where there is one.
+Every error is one line on standard error that names the file, and the offset where there is one. With
+.B \-\-json
+it is an object with one of the codes above.
 .SH FILES
 .TP
 .I vex2/settings.ini
@@ -63,9 +79,15 @@ def escaped(text):
     return r"\&" + text if text.startswith((".", "'")) else text
 
 
+def output_of(vex, *words):
+    # Not as wide as the terminal of who runs this.
+    environment = {name: value for name, value in os.environ.items() if name != "COLUMNS"}
+    return subprocess.run([vex, *words], check=True, capture_output=True, text=True,
+                          env=environment).stdout
+
+
 def help_of(vex, *words):
-    return subprocess.run([vex, *words, "--help"], check=True, capture_output=True,
-                          text=True).stdout
+    return output_of(vex, *words, "--help")
 
 
 def sections(text):
@@ -124,7 +146,8 @@ def command_page(vex, *words):
             if not option.startswith("-h,"):
                 yield from (".TP", f".B {escaped(option)}", escaped(text))
     inner = subcommands(parts)
-    parts.pop("Subcommands", None)
+    for heading in ("Subcommands", COMMON):
+        parts.pop(heading, None)
     for heading, lines in parts.items():
         kept = [escaped(line[2:] if line.startswith("  ") else line) for line in lines if line]
         if heading and kept:
@@ -133,11 +156,25 @@ def command_page(vex, *words):
         yield from command_page(vex, *words, name)
 
 
+def error_codes(vex):
+    """Code, exit code and meaning of each kind of error, from the table of vex help errors."""
+    text = output_of(vex, "help", "errors")
+    table = text[text.index("\ncode "):].strip().splitlines()[1:]
+    for code, exit_code, meaning in (re.split(r"  +", line, maxsplit=2) for line in table):
+        yield from (".TP", f".BR {escaped(code)} \" (\" {exit_code} )", escaped(meaning))
+
+
 def main():
     vex = sys.argv[1]
     print(HEAD)
     for name in subcommands(sections(help_of(vex))):
         print("\n".join(command_page(vex, name)))
+    print(".SH SCREEN OPTIONS")
+    for option, text in entries(sections(help_of(vex))[COMMON]):
+        print("\n".join((".TP", f".B {escaped(option)}", escaped(text))))
+    print(SCREENS)
+    print(".SH ERROR CODES\nOf errors that are printed as JSON, with the exit code:")
+    print("\n".join(error_codes(vex)))
     print(TAIL)
 
 

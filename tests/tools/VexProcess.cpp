@@ -1,12 +1,14 @@
 #include "tests/tools/VexProcess.h"
 
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <system_error>
 
 #include "tests/support/Files.h"
@@ -14,6 +16,20 @@
 namespace vex2::test {
 
 namespace {
+
+/// What the user has set for screens must not reach the tests.
+class PlainEnvironment : public testing::Environment {
+ public:
+  void SetUp() override {
+    ::setenv("LC_ALL", "C.UTF-8", 1);
+    ::setenv("TERM", "xterm", 1);
+    ::unsetenv("COLUMNS");
+    ::unsetenv("NO_COLOR");
+  }
+};
+
+[[maybe_unused]] const auto* const kPlainEnvironment =
+    testing::AddGlobalTestEnvironment(new PlainEnvironment);
 
 [[noreturn]] void fail(const char* what) {
   throw std::system_error(errno, std::generic_category(), what);

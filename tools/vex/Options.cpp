@@ -12,6 +12,11 @@ Option& Option::Show(const std::string& placeholder) {
   return *this;
 }
 
+Option& Option::Group(const std::string& heading) {
+  option_->group(heading);
+  return *this;
+}
+
 Option& Option::Require() {
   option_->required();
   return *this;

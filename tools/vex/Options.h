@@ -19,6 +19,8 @@ class Option {
 
   /// What stands for its value in the help; nothing where its name says it all.
   Option& Show(const std::string& placeholder);
+  /// The heading of the help under which it stands.
+  Option& Group(const std::string& heading);
   Option& Require();
   /// It takes one value or more.
   Option& TakeSeveral();

@@ -116,7 +116,7 @@ def surroundings(vex, folder):
     kept = {name: value for name, value in os.environ.items()
             if name.endswith("SAN_OPTIONS") or name == "LD_LIBRARY_PATH"}
     return kept | {"PATH": f"{vex.parent}:{os.environ['PATH']}", "HOME": str(folder),
-                   "LC_ALL": "C.UTF-8", "TZ": "UTC", "TERM": "dumb",
+                   "LC_ALL": "C.UTF-8", "TZ": "UTC", "TERM": "xterm",
                    "XDG_CONFIG_HOME": str(folder / "no-settings")}
 
 

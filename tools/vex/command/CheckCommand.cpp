@@ -76,7 +76,7 @@ class Report {
 
   static void paragraph(std::string_view label, const std::string& text) {
     const std::string begin = std::string(4, ' ').append(label);
-    std::cout << begin << Wrapped(text, begin.size()) << '\n';
+    std::cout << begin << Wrapped(Printable(text), begin.size()) << '\n';
   }
 
   const std::string& file_;
@@ -130,7 +130,7 @@ class CheckCommand final : public Command {
       try {
         worst = std::max(worst, check(file));
       } catch (const Error& error) {
-        PrintLine(error.what());
+        PrintError(error);
         worst = std::max(worst, error.Code());
       }
     }

@@ -73,5 +73,8 @@ std::unique_ptr<Command> MakeStudyCommand();
 std::unique_ptr<Command> MakeStudySetCommand();
 std::unique_ptr<Command> MakeCheckCommand();
 std::unique_ptr<Command> MakeRepairCommand();
+std::unique_ptr<Command> MakeGetCommand();
+std::unique_ptr<Command> MakeHelpCommand();
+std::unique_ptr<Command> MakeVersionCommand();
 
 }  // namespace vex2::tool

@@ -7,6 +7,10 @@
 #include <new>
 
 #include "tools/vex/command/Command.h"
+#include "tools/vex/command/HelpText.h"
+#include "tools/vex/command/Misuse.h"
+#include "tools/vex/command/ScreenOptions.h"
+#include "tools/vex/command/VersionText.h"
 #include "vex2/framework/CFileException.h"
 
 namespace vex2::tool {
@@ -17,6 +21,7 @@ std::vector<std::unique_ptr<Command>> MakeCommands() {
   commands.push_back(MakeSimulateCommand());
   commands.push_back(MakeInfoCommand());
   commands.push_back(MakeTreeCommand());
+  commands.push_back(MakeGetCommand());
   commands.push_back(MakeWellsCommand());
   commands.push_back(MakeDetectorsCommand());
   commands.push_back(MakeDyesCommand());
@@ -31,6 +36,8 @@ std::vector<std::unique_ptr<Command>> MakeCommands() {
   commands.push_back(MakeCheckCommand());
   commands.push_back(MakeRepairCommand());
   commands.push_back(MakeRecoverCommand());
+  commands.push_back(MakeHelpCommand());
+  commands.push_back(MakeVersionCommand());
   return commands;
 }
 
@@ -58,17 +65,14 @@ std::shared_ptr<CLI::Formatter> withColumn(std::size_t width) {
   return formatter;
 }
 
-// The command that was typed, for where to look for help.
-std::string chosen(const CLI::App& app) {
-  const auto parts = app.get_subcommands();
-  return parts.empty() ? app.get_name() : app.get_name() + " " + chosen(*parts.front());
-}
-
-std::string oneLine(std::string text) {
-  for (char& character : text) {
-    if (character == '\n') character = ' ';
+// A mistake in the command line is told as JSON, too, where that was asked for.
+bool asksForJson(int argumentCount, const char* const* arguments) {
+  for (int i = 1; i < argumentCount; ++i) {
+    const std::string_view word = arguments[i];
+    if (word == "--") break;
+    if (word == "--json") return true;
   }
-  return text;
+  return false;
 }
 
 void parse(CLI::App& app, int argumentCount, const char* const* arguments) {
@@ -76,15 +80,15 @@ void parse(CLI::App& app, int argumentCount, const char* const* arguments) {
     app.parse(argumentCount, arguments);
   } catch (const CLI::Success&) {
     throw;
-  } catch (const CLI::RequiredError& error) {
-    // What is missing then is most likely what was misspelt.
-    const auto unknown = app.remaining(true);
-    const std::string what =
-        unknown.empty() ? oneLine(error.what()) : "'" + unknown.front() + "' is not known";
-    throw Error(ExitCode::kUsage, what + "; see '" + chosen(app) + " --help'");
   } catch (const CLI::ParseError& error) {
-    throw Error(ExitCode::kUsage, oneLine(error.what()) + "; see '" + chosen(app) + " --help'");
+    throw MisuseOf(app, error);
   }
+}
+
+// Prints what was asked for in place of a command.
+void answer(const CLI::App& app, const CLI::Success& success) {
+  const bool isVersion = dynamic_cast<const CLI::CallForVersion*>(&success) != nullptr;
+  std::cout << (isVersion ? VersionText() : HelpText(ChosenApp(app), ChosenCommand(app)));
 }
 
 void finishOutput() {
@@ -92,6 +96,11 @@ void finishOutput() {
   if (!std::cout.flush()) {
     throw SystemError("standard output", errno != 0 ? errno : EIO);
   }
+}
+
+ScreenOptions& screenOptions() {
+  static ScreenOptions options;
+  return options;
 }
 
 // Makes a command a part of `app`'s command line, with its help.
@@ -102,6 +111,7 @@ void addCommand(CLI::App& app, Command& command) {
   part->formatter(withColumn(26));
   Options options(*part);
   command.AddOptions(options);
+  if (part->get_require_subcommand_min() == 0) screenOptions().AddTo(options);
 }
 
 // Runs the one of `commands` that was given to `app`.
@@ -114,22 +124,26 @@ ExitCode runCommand(const CLI::App& app, const std::vector<std::unique_ptr<Comma
 
 ExitCode run(int argumentCount, const char* const* arguments) {
   CLI::App app(kSummary, "vex");
-  app.set_version_flag("--version", "vex " VEX2_VERSION, "Print the version and exit");
+  app.set_version_flag("-V,--version", VEX2_VERSION, "Print version and build, and exit");
   app.set_help_flag("-h,--help", "Print this help and exit");
   app.formatter(withColumn(15));
   app.require_subcommand(1);
   app.footer(
       exampleText("vex simulate run.vex\nvex info run.vex\nvex export run.vex --format csv") +
       "\n\n" + kFooter);
+  Options options(app);
+  screenOptions().AddTo(options);
   const auto commands = MakeCommands();
   for (const auto& command : commands) addCommand(app, *command);
   try {
     parse(app, argumentCount, arguments);
   } catch (const CLI::Success& success) {
-    app.exit(success, std::cout, std::cerr);
+    Terminal::Configure(screenOptions().Wishes());
+    answer(app, success);
     finishOutput();
     return ExitCode::kDone;
   }
+  Terminal::Configure(screenOptions().Wishes());
   const ExitCode code = runCommand(app, commands);
   finishOutput();
   return code;
@@ -150,20 +164,24 @@ ExitCode CommandGroup::Run() {
 }
 
 int RunCommandLine(int argumentCount, const char* const* arguments) noexcept {
-  ExitCode code = ExitCode::kSystem;
+  const auto fail = [](const Error& error) {
+    PrintError(error);
+    return static_cast<int>(error.Code());
+  };
   try {
-    code = run(argumentCount, arguments);
+    Terminal::Configure({});
+    if (asksForJson(argumentCount, arguments)) SetMessageForm(MessageForm::kJson);
+    return static_cast<int>(run(argumentCount, arguments));
   } catch (const Error& error) {
-    PrintLine(error.what());
-    code = error.Code();
+    return fail(error);
   } catch (const CFileException& error) {
-    PrintLine(SystemError(error.GetPath(), error.GetError()).what());
+    PrintError(SystemError(error.GetPath(), error.GetError()));
+    return static_cast<int>(ExitCode::kSystem);
   } catch (const std::bad_alloc&) {
-    PrintLine("there is not enough memory");
+    return fail(Error(ErrorCode::kNoMemory, "there is not enough memory"));
   } catch (const std::exception& error) {
-    PrintLine(Printable(error.what()));
+    return fail(Error(ErrorCode::kSystem, error.what()));
   }
-  return static_cast<int>(code);
 }
 
 }  // namespace vex2::tool

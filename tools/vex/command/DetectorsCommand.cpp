@@ -4,8 +4,10 @@
 #include "tools/vex/command/ListingCommand.h"
 #include "tools/vex/setup/DetectorFields.h"
 #include "tools/vex/setup/PlateContents.h"
+#include "tools/vex/setup/SetupInfo.h"
 #include "tools/vex/setup/WellsFile.h"
 #include "tools/vex/text/CsvWriter.h"
+#include "tools/vex/text/Nearest.h"
 #include "tools/vex/text/Table.h"
 #include "tools/vex/text/Text.h"
 
@@ -100,16 +102,7 @@ class DetectorsCommand final : public ListingCommand {
   bool studiesHaveIt() const override { return true; }
 
   ordered_json describe(const Vex2FileManager& plate) const override {
-    ordered_json list = ordered_json::array();
-    for (const Vex2Detector& detector : DetectorsOf(plate)) {
-      ordered_json entry;
-      for (const DetectorField& field : DetectorFields()) {
-        entry[std::string(field.key)] = field.get(detector);
-      }
-      entry["defaults"] = DefaultedFields(detector);
-      list.push_back(std::move(entry));
-    }
-    return {{"detectors", std::move(list)}};
+    return {{"detectors", DescribeDetectors(plate)}};
   }
 
   void printCsv(const std::vector<Document::Plate>& plates, bool all) const override {
@@ -147,7 +140,7 @@ class DetectorsCommand final : public ListingCommand {
       const auto field = std::find_if(fields.begin(), fields.end(),
                                       [&](const DetectorField& known) { return known.key == key; });
       if (equals == std::string::npos) refuse(assignment, "is not of the form key=value");
-      if (field == fields.end()) refuse(key, "is no field of a detector");
+      if (field == fields.end()) refuseKey(key);
       if (key == "name") result.emplace_back();
       if (result.empty()) refuse(assignment, "stands before the detector's name=");
       result.back().emplace_back(&*field, assignment.substr(equals + 1));
@@ -155,8 +148,16 @@ class DetectorsCommand final : public ListingCommand {
     return result;
   }
 
+  [[noreturn]] void refuseKey(const std::string& key) const {
+    const std::string hint = DidYouMean(key, keys());
+    throw Error(ErrorCode::kUnknownField, file_,
+                "unknown field '" + key + "' of a detector" +
+                    (hint.empty() ? "; see 'vex detectors --help'" : hint));
+  }
+
   [[noreturn]] void refuse(const std::string& what, const std::string& why) const {
-    throw Error(ExitCode::kUsage, file_, "'" + what + "' " + why + "; see 'vex detectors --help'");
+    throw Error(ErrorCode::kInvalidValue, file_,
+                "'" + what + "' " + why + "; see 'vex detectors --help'");
   }
 
   std::string add(Vex2FileManager& plate, const Fields& fields) const {

@@ -306,7 +306,7 @@ class FrameCommand final : public Command {
 
   void requireIndex(std::uint64_t count) const {
     if (index_ >= 0 && static_cast<std::uint64_t>(index_) < count) return;
-    throw Error(ExitCode::kUsage, file_,
+    throw Error(ErrorCode::kNoSuchFrame, file_,
                 "there is no frame " + std::to_string(index_) + "; the data block \"" + block_ +
                     "\" has " + Counted(count, "frame") +
                     (count > 0 ? ", 0 to " + std::to_string(count - 1) : ""));

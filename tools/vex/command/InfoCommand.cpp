@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <iostream>
 #include <iterator>
+#include <limits>
 #include <map>
 #include <sstream>
 
@@ -10,6 +11,8 @@
 #include "tools/vex/document/DocumentPlates.h"
 #include "tools/vex/document/Settings.h"
 #include "tools/vex/text/JsonOutput.h"
+#include "tools/vex/text/Paragraph.h"
+#include "tools/vex/text/Table.h"
 #include "tools/vex/text/Terminal.h"
 #include "tools/vex/text/Text.h"
 
@@ -45,20 +48,39 @@ class Screen {
   }
 
  private:
+  static constexpr std::string_view kIndent = "  ";
   static constexpr std::size_t kLabelWidth = 20;
+  static constexpr std::size_t kNarrowIndent = 4;  // where labels are not beside the values
+  static constexpr std::size_t kNarrow = 60;
+  static constexpr std::size_t kNoLimit = std::numeric_limits<std::size_t>::max();
 
   static std::string text(const ordered_json& value) { return Printable(value.get<std::string>()); }
 
   void line(std::string_view label, const std::string& value, Style style = Style::kPlain) {
-    const std::string cut = CutTo(value, terminal_.TextWidth() - kLabelWidth - 2);
-    std::cout << "  " << terminal_.Styled(PadRight(std::string(label), kLabelWidth), Style::kDim)
-              << terminal_.Styled(cut, style) << '\n';
+    std::cout << kIndent;
+    if (isNarrow_) {
+      const std::string title = std::string(label).append(label.empty() ? "" : ": ");
+      std::cout << terminal_.Styled(Wrapped(title + whole(value), kNarrowIndent), style) << '\n';
+      return;
+    }
+    std::cout << terminal_.Styled(PadRight(std::string(label), kLabelWidth), Style::kDim)
+              << terminal_.Styled(Wrapped(whole(value), kIndent.size() + kLabelWidth), style)
+              << '\n';
+  }
+
+  // Only what fills the screen on its own is left out, and where to have it is said.
+  static std::string whole(const std::string& value) {
+    constexpr std::size_t kMostColumns = 2000;
+    if (!Terminal::Out().HasWidth() || Columns(value) <= kMostColumns) return value;
+    return CutTo(value, kMostColumns) + " (" + Counted(Columns(value), "character") +
+           " in all; 'vex get' prints it)";
   }
 
   // As many lines as it takes to show the items.
   void lines(std::string_view label, const std::vector<std::string>& items,
              std::string_view separator = ", ", Style style = Style::kPlain) {
-    const std::size_t width = terminal_.TextWidth() - kLabelWidth - 2;
+    const std::size_t width =
+        isNarrow_ ? kNoLimit : terminal_.TextWidth() - kIndent.size() - kLabelWidth;
     std::string current;
     for (const std::string& item : items) {
       if (!current.empty() && Columns(current) + Columns(item) + 2 * separator.size() > width) {
@@ -204,18 +226,53 @@ class Screen {
 
   const ordered_json& info_;
   const Terminal& terminal_ = Terminal::Out();
+  bool isNarrow_ = terminal_.TextWidth() < kNarrow;
+};
+
+/// Many documents, a line for each.
+class Listing {
+ public:
+  void Add(const ordered_json& info) {
+    const auto& plate = info["plate"];
+    const bool isStudy = info.contains("plates");
+    rows_.push_back({text(info["file"]),
+                     isStudy ? "study of " + Counted(info["plates"].size(), "plate") : "run",
+                     text(info["status"]), isStudy ? "" : info["frames"].dump(),
+                     isStudy ? "" : plate["wellsInUse"].dump(),
+                     info["start"].is_null() ? "" : text(info["start"]), faultText(info)});
+  }
+
+  void Print() const {
+    if (rows_.empty()) return;
+    constexpr std::size_t kFrames = 3;
+    constexpr std::size_t kWells = 4;
+    std::cout << DrawTable({"file", "kind", "status", "frames", "wells", "start", "faults"}, rows_,
+                           Terminal::Out(), {kFrames, kWells});
+  }
+
+ private:
+  static std::string text(const ordered_json& value) { return Printable(value.get<std::string>()); }
+
+  static std::string faultText(const ordered_json& info) {
+    const std::size_t count = info.contains("faults") ? info["faults"].size() : 0;
+    return count > 0 ? Counted(count, "fault") : "";
+  }
+
+  std::vector<std::vector<std::string>> rows_;
 };
 
 class InfoCommand final : public Command {
  public:
   InfoCommand()
-      : Command({"info", "Show what documents hold, a screen for each.",
-                 "vex info run.vex\nvex info --json *.vex | jq '.frames'"}) {}
+      : Command({"info", "Show what a document holds, or a line for each of several.",
+                 "vex info run.vex\nvex info *.vex\nvex info --json *.vex | jq '.frames'"}) {}
 
   void AddOptions(Options& options) override {
     options.Add("FILE", files_, "The documents").Require().Show("");
     plate_.AddTo(options);
-    options.AddFlag("--json", json_, "For programs: an object a document, one a line");
+    const Option screens = options.AddFlag("--long", screens_, "Show a screen for each of several");
+    options.AddFlag("--json", json_, "Print JSON: one object per document, one per line")
+        .Exclude(screens);
   }
 
   ExitCode Run() override {
@@ -224,10 +281,11 @@ class InfoCommand final : public Command {
       try {
         show(file);
       } catch (const Error& error) {
-        PrintLine(error.what());
+        PrintError(error);
         worst = std::max(worst, error.Code());
       }
     }
+    listing_.Print();
     return worst;
   }
 
@@ -238,6 +296,8 @@ class InfoCommand final : public Command {
     const ordered_json info = DescribeDocument(document, plate_.Choose(document).front());
     if (json_) {
       PrintJson(std::cout, info);
+    } else if (files_.size() > 1 && !screens_) {
+      listing_.Add(info);
     } else {
       if (shown_++ > 0) std::cout << '\n';
       Screen(info).Print();
@@ -248,7 +308,9 @@ class InfoCommand final : public Command {
   std::vector<std::string> files_;
   PlateOption plate_;
   bool json_ = false;
+  bool screens_ = false;
   int shown_ = 0;
+  Listing listing_;
 };
 
 }  // namespace

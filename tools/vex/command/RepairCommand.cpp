@@ -86,8 +86,8 @@ class RepairCommand final : public Command {
     std::size_t told = 0;
     for (const Finding& finding : findings.Sorted()) {
       if (finding.severity != Severity::kError || told++ >= kMostLines) continue;
-      PrintLine(Error(ExitCode::kDocument, file_, "not mended: " + finding.problem, finding.offset)
-                    .what());
+      PrintError(
+          Error(ExitCode::kDocument, file_, "not mended: " + finding.problem, finding.offset));
     }
     PrintLine(Printable(file_) + ": 'vex recover' takes what is whole into a new document");
     return ExitCode::kDocument;

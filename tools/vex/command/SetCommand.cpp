@@ -6,7 +6,11 @@
 #include "tools/vex/document/Changing.h"
 #include "tools/vex/document/Settings.h"
 #include "tools/vex/document/Study.h"
+<<<<<<< HEAD
 #include "tools/vex/setup/AssayTypes.h"
+=======
+#include "tools/vex/text/Nearest.h"
+>>>>>>> h-screens
 #include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
@@ -67,7 +71,7 @@ class SetCommand final : public Command {
       const auto found = std::find_if(settings_.begin(), settings_.end(),
                                       [&](const Setting& setting) { return setting.key == key; });
       if (equals == std::string::npos) refuse(assignment, "is not of the form key=value");
-      if (found == settings_.end()) refuse(key, "is no setting");
+      if (found == settings_.end()) refuseKey(key);
       for (const Change& change : changes) {
         if (change.setting == &*found) refuse(key, "is given twice");
       }
@@ -88,8 +92,18 @@ class SetCommand final : public Command {
     return document.Content();
   }
 
+  [[noreturn]] void refuseKey(const std::string& key) const {
+    std::vector<std::string> keys;
+    for (const Setting& setting : settings_) keys.emplace_back(setting.key);
+    const std::string hint = DidYouMean(key, keys);
+    throw Error(
+        ErrorCode::kUnknownSetting, file_,
+        "unknown setting '" + key + "'" + (hint.empty() ? "; see '" + call_ + " --help'" : hint));
+  }
+
   [[noreturn]] void refuse(const std::string& what, const std::string& why) const {
-    throw Error(ExitCode::kUsage, file_, "'" + what + "' " + why + "; see '" + call_ + " --help'");
+    throw Error(ErrorCode::kInvalidValue, file_,
+                "'" + what + "' " + why + "; see '" + call_ + " --help'");
   }
 
   std::string apply(Vex2FileManager& document, const Change& change) const {

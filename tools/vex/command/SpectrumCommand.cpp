@@ -9,6 +9,7 @@
 #include "tools/vex/text/Chart.h"
 #include "tools/vex/text/CsvWriter.h"
 #include "tools/vex/text/JsonOutput.h"
+#include "tools/vex/text/Paragraph.h"
 #include "tools/vex/text/Terminal.h"
 #include "tools/vex/text/Text.h"
 #include "vex2/run/AcquisitionDataComp.h"
@@ -83,7 +84,7 @@ class SpectrumCommand final : public Command {
   Spectrum load(const Document::Plate& plate) const {
     const Vex2FileManager& content = *plate.content;
     const AcquisitionDataComp* block = FindBlock(plate, "RAWa");
-    if (block == nullptr) refuse(ExitCode::kDocument, "it has no data block \"RAWa\"");
+    if (block == nullptr) refuse(ErrorCode::kDocument, "it has no data block \"RAWa\"");
     Spectrum spectrum{.plate = ToUtf8(plate.name),
                       .isEmbedded = plate.isEmbedded,
                       .wellName = well_,
@@ -91,18 +92,19 @@ class SpectrumCommand final : public Command {
     const auto well = WellNumber(well_, static_cast<std::uint32_t>(content.GetHeaderRows()),
                                  static_cast<std::uint32_t>(content.GetHeaderCols()));
     if (!well) {
-      refuse(ExitCode::kUsage, "there is no well '" + well_ + "' on its plate of " +
-                                   std::to_string(content.GetHeaderRows()) + " x " +
-                                   std::to_string(content.GetHeaderCols()) + " wells");
+      refuse(ErrorCode::kNoSuchWell, "there is no well '" + well_ + "' on its plate of " +
+                                         std::to_string(content.GetHeaderRows()) + " x " +
+                                         std::to_string(content.GetHeaderCols()) + " wells");
     }
     spectrum.well = *well;
     if (frame_ < 0 || frame_ >= spectrum.frameCount) {
-      refuse(ExitCode::kUsage, "there is no frame " + std::to_string(frame_) + "; it has " +
-                                   Counted(static_cast<unsigned>(spectrum.frameCount), "frame"));
+      refuse(ErrorCode::kNoSuchFrame,
+             "there is no frame " + std::to_string(frame_) + "; it has " +
+                 Counted(static_cast<unsigned>(spectrum.frameCount), "frame"));
     }
     if (!content.GetAcqDataWellRecord(&spectrum.record, static_cast<int>(frame_),
                                       static_cast<int>(*well), DataRAWa)) {
-      refuse(ExitCode::kUsage, "the well " + well_ + " gave no readings");
+      refuse(ErrorCode::kNoSuchWell, "the well " + well_ + " gave no readings");
     }
     if (content.IsBackground()) spectrum.rates = ratesOf(content, *well);
     return spectrum;
@@ -117,31 +119,34 @@ class SpectrumCommand final : public Command {
     return {rates, rates + kRateCount};
   }
 
-  [[noreturn]] void refuse(ExitCode code, const std::string& why) const {
+  [[noreturn]] void refuse(ErrorCode code, const std::string& why) const {
     throw Error(code, file_, why);
   }
 
   void draw(const Spectrum& spectrum) {
-    constexpr std::size_t kPerLine = 12;
+    constexpr std::size_t kMostPerLine = 12;
+    constexpr std::size_t kIndexWidth = 4;
     constexpr std::size_t kValueWidth = 6;
     const Terminal& terminal = Terminal::Out();
+    const std::size_t perLine =
+        std::min(kMostPerLine, (terminal.TextWidth() - kIndexWidth) / kValueWidth);
     if (shown_++ > 0) std::cout << '\n';
     const std::string source =
         Printable(file_) + (spectrum.isEmbedded ? ", plate " + Printable(spectrum.plate) : "");
     const std::string what = ": well " + spectrum.wellName + ", frame " + std::to_string(frame_) +
                              " of " + std::to_string(spectrum.frameCount) + ", well value " +
                              std::to_string(spectrum.record.leading[0]);
-    const std::size_t room = terminal.TextWidth() - std::min(terminal.TextWidth(), Columns(what));
-    std::cout << terminal.Styled(CutTo(source, room), Terminal::Style::kBold) << what << '\n';
+    std::cout << Wrapped(source + what, 2) << '\n';
     const std::vector<double> readings = shownReadings(spectrum);
     constexpr int kHeight = 8;
     if (readings.size() > 1) std::cout << DrawBars(readings, kHeight, terminal, 0);
     for (std::size_t i = 0; i < readings.size(); ++i) {
-      if (i % kPerLine == 0) {
-        std::cout << terminal.Styled(PadLeft(std::to_string(i), 4), Terminal::Style::kDim);
+      if (i % perLine == 0) {
+        std::cout << terminal.Styled(PadLeft(std::to_string(i), kIndexWidth),
+                                     Terminal::Style::kDim);
       }
       std::cout << PadLeft(std::to_string(spectrum.record.data[i]), kValueWidth)
-                << (i % kPerLine == kPerLine - 1 || i + 1 == readings.size() ? "\n" : "");
+                << ((i + 1) % perLine == 0 || i + 1 == readings.size() ? "\n" : "");
     }
     const std::size_t last = std::size(spectrum.record.data) - 1;
     if (readings.size() < last) {

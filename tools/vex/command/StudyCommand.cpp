@@ -7,6 +7,7 @@
 #include "tools/vex/document/OutputFiles.h"
 #include "tools/vex/document/Study.h"
 #include "tools/vex/text/JsonOutput.h"
+#include "tools/vex/text/Table.h"
 #include "tools/vex/text/Terminal.h"
 #include "tools/vex/text/Text.h"
 
@@ -177,33 +178,16 @@ class ListAction final : public Command {
     std::cout << terminal.Styled(Printable(study_), Terminal::Style::kBold) << ": "
               << Counted(plates.size(), "plate") << '\n';
     if (plates.empty()) return;
-    std::size_t nameWidth = 4;
-    for (const auto& plate : plates) nameWidth = std::max(nameWidth, Columns(text(plate["name"])));
-    nameWidth = std::min(nameWidth, kWidestName);
-    std::cout << terminal.Styled(row(nameWidth, "name", "wells", "frames", "run", "modified"),
-                                 Terminal::Style::kDim)
-              << '\n';
+    std::vector<std::vector<std::string>> rows;
     for (const auto& plate : plates) {
-      std::cout << row(nameWidth, text(plate["name"]), plate["wells"].dump(),
-                       plate["frames"].dump(), text(plate["status"]), text(plate["modified"]))
-                << '\n';
+      rows.push_back({"  " + text(plate["name"]), plate["wells"].dump(), plate["frames"].dump(),
+                      text(plate["status"]), text(plate["modified"])});
     }
+    std::cout << DrawTable({"  name", "wells", "frames", "run", "modified"}, rows, terminal,
+                           {1, 2});
   }
 
   static std::string text(const ordered_json& value) { return Printable(value.get<std::string>()); }
-
-  static std::string row(std::size_t nameWidth, const std::string& name, const std::string& wells,
-                         const std::string& frames, const std::string& status,
-                         const std::string& modified) {
-    // A file or another program gets names whole.
-    const bool cut = Terminal::Out().IsTerminal();
-    const std::string line = "  " + PadRight(cut ? CutTo(name, nameWidth) : name, nameWidth) +
-                             PadLeft(wells, 7) + PadLeft(frames, 8) + "  " + PadRight(status, 4) +
-                             "  " + modified;
-    return CutTo(line, Terminal::Out().TextWidth());
-  }
-
-  static constexpr std::size_t kWidestName = 40;
 
   std::string study_;
   bool json_ = false;

@@ -1,4 +1,3 @@
-#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <map>
@@ -8,9 +7,11 @@
 #include "tools/vex/command/ListingCommand.h"
 #include "tools/vex/setup/PlateContents.h"
 #include "tools/vex/setup/PlateGrid.h"
+#include "tools/vex/setup/SetupInfo.h"
 #include "tools/vex/setup/WellsFile.h"
 #include "tools/vex/text/CsvWriter.h"
 #include "tools/vex/text/Json.h"
+#include "tools/vex/text/Paragraph.h"
 #include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
@@ -20,32 +21,6 @@ namespace {
 using nlohmann::ordered_json;
 
 constexpr unsigned kMostWells = std::numeric_limits<unsigned short>::max();
-
-ordered_json wellsInfo(const Vex2FileManager& document) {
-  const PlateContents contents = ContentsOf(document);
-  ordered_json wells = ordered_json::array();
-  unsigned short before = 0;
-  for (const WellRow& row : contents.rows) {
-    if (row.well != before) {
-      wells.push_back({{"well", contents.plate.NameOf(row.well)},
-                       {"sample", ToUtf8(row.sample)},
-                       {"detectors", ordered_json::array()}});
-    }
-    before = row.well;
-    if (!row.HasDetector()) continue;
-    ordered_json detector = {{"name", ToUtf8(row.target)},
-                             {"task", ToUtf8(row.task)},
-                             {"quantity", nullptr},
-                             {"reporter", ToUtf8(row.reporter)}};
-    if (row.HasQuantity() && std::isfinite(row.quantity)) {
-      detector["quantity"] = std::stod(DecimalText(row.quantity));
-    }
-    wells.back()["detectors"].push_back(std::move(detector));
-  }
-  return {{"rows", contents.plate.rows},
-          {"columns", contents.plate.columns},
-          {"wells", std::move(wells)}};
-}
 
 // What the grid shows of a row.
 std::string shownText(const WellRow& row, const std::string& what) {
@@ -92,7 +67,7 @@ class WellsCommand final : public ListingCommand {
 
   ordered_json describe(const Vex2FileManager& plate) const override {
     requireSetup(plate);
-    return wellsInfo(plate);
+    return DescribeWells(plate);
   }
 
   void printCsv(const std::vector<Document::Plate>& plates, bool all) const override {
@@ -111,8 +86,10 @@ class WellsCommand final : public ListingCommand {
     for (const WellRow& row : contents.rows) {
       if (!row.target.empty()) targets.insert(row.target);
     }
-    std::cout << contents.plate.WellCount() << " wells, " << contents.Wells().size() << " set up, "
-              << Counted(targets.size(), "detector") << "; each well's " << what_ << ":\n"
+    const std::string title = std::to_string(contents.plate.WellCount()) + " wells, " +
+                              std::to_string(contents.Wells().size()) + " set up, " +
+                              Counted(targets.size(), "detector") + "; each well's " + what_ + ":";
+    std::cout << Wrapped(title, 0) << '\n'
               << DrawPlate(contents.plate, gridTexts(contents, what_), Terminal::Out());
   }
 

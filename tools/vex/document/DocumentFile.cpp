@@ -33,7 +33,7 @@ void DocumentFile::OpenDocument(const std::string& path) {
   }
   SetFilePath(path.c_str());
   if (const auto why = WhyNoDocument(*this)) {
-    throw Error(ExitCode::kDocument, path, "this is no plate document: " + *why, 0);
+    throw Error(ErrorCode::kNoDocument, path, "this is no plate document: " + *why, 0);
   }
 }
 

@@ -39,8 +39,8 @@ Document::Plate PlateOption::One(const Document& document) const {
 
 std::string PlateTitle(const Document::Plate& plate) {
   const Terminal& terminal = Terminal::Out();
-  const std::string title =
-      plate.isEmbedded ? "plate " + Shown(plate.name, terminal.TextWidth()) : "study";
+  constexpr std::size_t kLongestName = 2000;  // a longer one fills the screen with nothing else
+  const std::string title = plate.isEmbedded ? "plate " + Shown(plate.name, kLongestName) : "study";
   return terminal.Styled(title, Terminal::Style::kBold);
 }
 
@@ -69,7 +69,7 @@ void RefusePlateName(const Document& document, std::string_view name) {
     what += (i == 0 ? "; its plates are '" : "', '") + ToUtf8(plates[i].name);
   }
   if (!plates.empty()) what += plates.size() > kMost ? "' and others" : "'";
-  throw Error(ExitCode::kUsage, document.Path(), what);
+  throw Error(ErrorCode::kNoSuchPlate, document.Path(), what);
 }
 
 const AcquisitionDataComp* FindBlock(const Document::Plate& plate, std::string_view tag) {

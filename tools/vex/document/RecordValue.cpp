@@ -74,7 +74,7 @@ std::string describeData(CFile& file, const FileRecord& record) {
 
 std::string describeBytes(CFile& file, const FileRecord& record) {
   std::string text = ToHex(bodyBytes(file, record, kShownBytes));
-  return record.length > kShownBytes ? text + "…" : text;
+  return record.length > kShownBytes ? text + std::string(Ellipsis()) : text;
 }
 
 std::string describeList(CFile& file, const FileRecord& record) {

@@ -53,7 +53,7 @@ void checkPlates(const Document& document, Findings& findings) {
                     "'vex study' takes plates out of studies and puts them in under a name"});
     } else if (std::any_of(plates.begin(), plates.begin() + static_cast<std::ptrdiff_t>(i), same)) {
       findings.Add({Severity::kWarning, where, plates[i].offset,
-                    "an earlier plate is called '" + Printable(ToUtf8(plates[i].name)) + "', too",
+                    "an earlier plate is called '" + Escaped(ToUtf8(plates[i].name)) + "', too",
                     "whoever asks for the name gets the earlier one",
                     "'vex study' takes plates out of studies and puts them in under a name"});
     }

@@ -32,13 +32,13 @@ void checkSize(const HeaderFields& header, const std::string& name, std::uint64_
   const auto wells = WellsOfType(header.plateType);
   if (!wells) {
     findings.Add({Severity::kNote, name, offset + HeaderFields::kTypeAt,
-                  "the plate type '" + Printable(ToUtf8(header.plateType)) +
+                  "the plate type '" + Escaped(ToUtf8(header.plateType)) +
                       "' is none with a known number of wells",
                   "analysis does not know how many wells there are", ""});
   } else if (*wells != header.Wells()) {
     findings.Add({Severity::kWarning, name, rowsAt,
                   "a plate of " + dimensions(header) + " wells, but the type '" +
-                      Printable(ToUtf8(header.plateType)) + "' has " + std::to_string(*wells),
+                      Escaped(ToUtf8(header.plateType)) + "' has " + std::to_string(*wells),
                   "analysis goes by the type, well names and masks by rows and columns", ""});
   }
 }

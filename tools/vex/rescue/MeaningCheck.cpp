@@ -26,7 +26,7 @@ constexpr std::uint16_t kHottest = 12000;  // hundredths of a degree: above, wat
 constexpr const char* kSetWells = "'vex wells FILE --from wells.csv' sets the wells up anew";
 
 std::string shown(std::string_view text) {
-  return "'" + Printable(ToUtf8(text)) + "'";
+  return "'" + Escaped(ToUtf8(text)) + "'";
 }
 
 /// Wells that have something in common, to be named in a finding.

@@ -15,7 +15,7 @@ namespace {
 constexpr std::uint16_t kFirstVersionThatReadsBack = 2;
 
 std::string shown(std::string_view tag) {
-  return Printable(ToUtf8(tag));
+  return Escaped(ToUtf8(tag));
 }
 
 // Of kinds that declare something else on purpose.

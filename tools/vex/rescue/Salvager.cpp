@@ -264,7 +264,7 @@ std::uint64_t Salvager::keepUnknown(const SalvageHead& head) {
   if (!isHarmless) return passGap(head.offset);
   tree_.Count(head.Tag());
   tree_.Copy(head.offset, head.next);
-  report_.Mend(head.offset, "kept a record of no known kind, " + InQuotes(Printable(head.Tag())) +
+  report_.Mend(head.offset, "kept a record of no known kind, " + InQuotes(Escaped(head.Tag())) +
                                 " of " + Counted(head.length, "byte") + ": readers pass over it");
   return head.next;
 }

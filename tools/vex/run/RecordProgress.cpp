@@ -6,6 +6,7 @@
 
 #include "tools/vex/Errors.h"
 #include "tools/vex/text/Terminal.h"
+#include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
 
@@ -67,7 +68,7 @@ std::string RecordProgress::text(const RecordState& state) const {
       text += ", " + duration(taken.count() / static_cast<double>(done) * left) + " left";
     text += ", last commit " + milliseconds(state.lastCommit);
   }
-  const std::size_t used = name_.size() + text.size() + 5;
+  const std::size_t used = Columns(name_) + text.size() + 5;
   const std::size_t room = Terminal::Error().Width() - std::min(Terminal::Error().Width(), used);
   if (room < kShortestBar || !state.framesTotal) return text;
   const std::size_t width = std::min(room, kLongestBar);

@@ -4,6 +4,7 @@
 #include <array>
 #include <map>
 
+#include "tools/vex/text/Paragraph.h"
 #include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
@@ -14,7 +15,6 @@ using Style = Terminal::Style;
 
 constexpr std::array<Style, 6> kColours = {Style::kCyan,   Style::kGreen, Style::kMagenta,
                                            Style::kYellow, Style::kBlue,  Style::kRed};
-constexpr const char* kNothing = "·";
 constexpr std::size_t kLeastCell = 2;
 
 // a to z, then aa, ab and so on.
@@ -70,8 +70,7 @@ std::string legend(const Values& values, const Terminal& terminal) {
   const std::size_t keyWidth = letters(values.Count() - 1).size();
   for (std::size_t place = 0; place < values.Count(); ++place) {
     const std::string count = " (" + std::to_string(values.Wells(place)) + ")";
-    const std::size_t room = terminal.Width() - keyWidth - 1 - count.size();
-    entries.push_back(CutTo(values.Text(place), room) + count);
+    entries.push_back(values.Text(place) + count);
     widest = std::max(widest, keyWidth + 1 + Columns(entries.back()));
   }
   constexpr std::size_t kGap = 2;
@@ -83,53 +82,115 @@ std::string legend(const Values& values, const Terminal& terminal) {
     for (std::size_t place = line; place < entries.size(); place += lines) {
       const bool isLast = place + lines >= entries.size();
       row += terminal.Styled(PadRight(letters(place), keyWidth), Values::ColourOf(place)) + ' ';
-      row += isLast ? entries[place] : PadRight(entries[place], widest - keyWidth - 1 + kGap);
+      row += isLast ? Folded(entries[place], keyWidth + 1, terminal.TextWidth())
+                    : PadRight(entries[place], widest - keyWidth - 1 + kGap);
     }
     text += row + '\n';
   }
   return text;
 }
 
+/// How the cells of a plate are drawn: what stands in them, how wide they are, and how many
+/// columns of the plate stand side by side.
+struct Form {
+  bool usesLetters = false;
+  std::size_t cell = kLeastCell;
+  unsigned columns = 0;
+};
+
+// As many columns as fit, in groups of about the same size.
+unsigned columnsPerGroup(unsigned columns, std::size_t room, std::size_t cell) {
+  const std::size_t fitting = std::max<std::size_t>(1, room / (cell + 1));
+  if (fitting >= columns) return columns;
+  const std::size_t groups = (columns + fitting - 1) / fitting;
+  return static_cast<unsigned>((columns + groups - 1) / groups);
+}
+
+Form formOf(const PlateLayout& plate, const Values& values, std::size_t nameWidth,
+            const Terminal& terminal) {
+  // In a file texts are better than letters, as long as some columns stand side by side.
+  constexpr unsigned kLeastColumns = 4;
+  Form form;
+  const std::size_t width = terminal.PlateWidth();
+  const std::size_t room = width - std::min(width, nameWidth);
+  if (values.Count() > 0) form.cell = std::max(kLeastCell, values.Widest());
+  form.columns = columnsPerGroup(plate.columns, room, form.cell);
+  const unsigned least =
+      terminal.HasWidth() ? plate.columns : std::min(plate.columns, kLeastColumns);
+  if (values.Count() == 0 || form.columns >= least) return form;
+  const std::size_t letterCell = std::max(kLeastCell, letters(values.Count() - 1).size());
+  if (letterCell >= form.cell) return form;
+  form.usesLetters = true;
+  form.cell = letterCell;
+  form.columns = columnsPerGroup(plate.columns, room, form.cell);
+  return form;
+}
+
+class Grid {
+ public:
+  Grid(const PlateLayout& plate, const std::vector<std::string>& texts, const Terminal& terminal)
+      : plate_(plate),
+        texts_(texts),
+        terminal_(terminal),
+        values_(texts),
+        nameWidth_(plate.rows > 0 ? rowName(plate.rows - 1).size() : 0),
+        form_(formOf(plate, values_, nameWidth_, terminal)) {}
+
+  std::string Draw() const {
+    std::string drawn;
+    for (unsigned first = 0; first < plate_.columns || first == 0; first += form_.columns) {
+      const unsigned end = std::min(first + form_.columns, plate_.columns);
+      drawn += (first > 0 ? "\n" : "") + group(first, end);
+      if (form_.columns == 0) break;
+    }
+    if (form_.usesLetters) drawn += '\n' + legend(values_, terminal_);
+    return drawn;
+  }
+
+ private:
+  // The columns from `first` up to before `end`, counted from 0.
+  std::string group(unsigned first, unsigned end) const {
+    std::string drawn = std::string(nameWidth_, ' ');
+    for (unsigned column = first; column < end; ++column) {
+      const std::string number = std::to_string(column + 1);
+      drawn += ' ' + (column + 1 < end ? PadRight(number, form_.cell) : number);
+    }
+    drawn = terminal_.Styled(drawn, Style::kDim) + '\n';
+    for (unsigned row = 0; row < plate_.rows; ++row) {
+      drawn += terminal_.Styled(PadRight(rowName(row), nameWidth_), Style::kDim);
+      for (unsigned column = first; column < end; ++column) {
+        drawn += ' ' + cell(texts_.at(row * plate_.columns + column), column + 1 == end);
+      }
+      drawn += '\n';
+    }
+    return drawn;
+  }
+
+  std::string cell(const std::string& text, bool isLast) const {
+    std::string shown = Terminal::IsAscii() ? "." : "·";
+    Style style = Style::kDim;
+    if (!text.empty()) {
+      const std::size_t place = values_.PlaceOf(text);
+      shown = form_.usesLetters ? letters(place) : text;
+      style = Values::ColourOf(place);
+    }
+    const std::size_t blanks = isLast ? 0 : form_.cell - std::min(form_.cell, Columns(shown));
+    return terminal_.Styled(shown, style) + std::string(blanks, ' ');
+  }
+
+  const PlateLayout& plate_;
+  const std::vector<std::string>& texts_;
+  const Terminal& terminal_;
+  Values values_;
+  std::size_t nameWidth_;
+  Form form_;
+};
+
 }  // namespace
 
 std::string DrawPlate(const PlateLayout& plate, const std::vector<std::string>& texts,
                       const Terminal& terminal) {
-  const Values values(texts);
-  const std::size_t nameWidth = plate.rows > 0 ? rowName(plate.rows - 1).size() : 0;
-  const std::size_t width = terminal.TextWidth();
-  const std::size_t share = (width - std::min(width, nameWidth)) / std::max(plate.columns, 1U);
-  const std::size_t room = std::max<std::size_t>(share, 1) - 1;  // but for a blank
-  const bool usesLetters = values.Widest() > room;
-  std::size_t cell = kLeastCell;
-  if (values.Count() > 0) {
-    cell = std::max(cell, usesLetters ? letters(values.Count() - 1).size() : values.Widest());
-  }
-  std::string drawn = std::string(nameWidth, ' ');
-  for (unsigned column = 1; column <= plate.columns; ++column) {
-    const std::string number = std::to_string(column);
-    drawn += ' ' + (column < plate.columns ? PadRight(number, cell) : number);
-  }
-  drawn = terminal.Styled(drawn, Style::kDim) + '\n';
-  for (unsigned row = 0; row < plate.rows; ++row) {
-    drawn += terminal.Styled(PadRight(rowName(row), nameWidth), Style::kDim);
-    for (unsigned column = 0; column < plate.columns; ++column) {
-      const std::string& text = texts.at(row * plate.columns + column);
-      const bool isLast = column + 1 == plate.columns;
-      std::string shown = kNothing;
-      Style style = Style::kDim;
-      if (!text.empty()) {
-        const std::size_t place = values.PlaceOf(text);
-        shown = usesLetters ? letters(place) : text;
-        style = Values::ColourOf(place);
-      }
-      const std::size_t used = Columns(shown);
-      drawn += ' ' + terminal.Styled(shown, style);
-      if (!isLast) drawn += std::string(cell - std::min(cell, used), ' ');
-    }
-    drawn += '\n';
-  }
-  if (usesLetters && values.Count() > 0) drawn += '\n' + legend(values, terminal);
-  return drawn;
+  return Grid(plate, texts, terminal).Draw();
 }
 
 }  // namespace vex2::tool

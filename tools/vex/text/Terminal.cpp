@@ -3,48 +3,133 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
+#include <cctype>
 #include <cstdlib>
 #include <limits>
+
+#include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
 
 namespace {
 
 constexpr std::size_t kUsualWidth = 80;
-constexpr std::size_t kLeastWidth = 40;
+constexpr std::size_t kWidestPlate = 200;
+
+// Wishes of the command line and the environment, in one.
+struct Settings {
+  std::optional<std::size_t> width;
+  Terminal::Color color = Terminal::Color::kAuto;
+  bool isAscii = false;
+};
+
+Settings& settings() {
+  static Settings settings;
+  return settings;
+}
 
 std::string_view environment(const char* name) {
   const char* value = std::getenv(name);
   return value != nullptr ? value : "";
 }
 
+bool isDumb() {
+  return environment("TERM") == "dumb";
+}
+
+// Asks the environment, not the C library: that knows only the locales that are installed here,
+// and a terminal on another machine may be set to one of its own.
+bool isUtf8Locale() {
+  std::string_view locale;
+  for (const char* name : {"LC_ALL", "LC_CTYPE", "LANG"}) {
+    locale = environment(name);
+    if (!locale.empty()) break;
+  }
+  std::string letters;
+  for (const char character : locale) {
+    if (std::isalnum(static_cast<unsigned char>(character)) != 0) {
+      letters += static_cast<char>(std::tolower(static_cast<unsigned char>(character)));
+    }
+  }
+  return letters.find("utf8") != std::string::npos;
+}
+
+std::size_t usable(std::size_t width) {
+  return std::clamp(width, Terminal::kLeastWidth, Terminal::kMostWidth);
+}
+
+std::optional<std::size_t> columnsOfEnvironment() {
+  const auto columns = NumberIn<std::size_t>(environment("COLUMNS"));
+  if (!columns || *columns == 0) return std::nullopt;
+  return usable(*columns);
+}
+
 std::size_t widthOf(int file) {
+  if (settings().width) return *settings().width;
   winsize size{};
   if (ioctl(file, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return kUsualWidth;
-  return size.ws_col < kLeastWidth ? kLeastWidth : size.ws_col;
+  return usable(size.ws_col);
+}
+
+bool colours(bool isTerminal) {
+  switch (settings().color) {
+    case Terminal::Color::kAlways:
+      return true;
+    case Terminal::Color::kNever:
+      return false;
+    case Terminal::Color::kAuto:
+      break;
+  }
+  return isTerminal && environment("NO_COLOR").empty() && !isDumb();
+}
+
+Terminal& standard(int file) {
+  static Terminal out(STDOUT_FILENO);
+  static Terminal error(STDERR_FILENO);
+  return file == STDOUT_FILENO ? out : error;
 }
 
 }  // namespace
 
+void Terminal::Configure(const Wishes& wishes) {
+  settings().width = wishes.width ? usable(*wishes.width) : columnsOfEnvironment();
+  settings().color = wishes.color;
+  settings().isAscii = isDumb() || !isUtf8Locale();
+  for (const int file : {STDOUT_FILENO, STDERR_FILENO}) standard(file) = Terminal(file);
+}
+
 Terminal::Terminal(int file)
     : isTerminal_(isatty(file) != 0),
-      hasColours_(isTerminal_ && environment("NO_COLOR").empty() && environment("TERM") != "dumb"),
+      hasColours_(colours(isTerminal_)),
+      isWidthAskedFor_(settings().width.has_value()),
       width_(widthOf(file)) {}
 
 const Terminal& Terminal::Out() {
-  static const Terminal terminal(STDOUT_FILENO);
-  return terminal;
+  return standard(STDOUT_FILENO);
 }
 
 const Terminal& Terminal::Error() {
-  static const Terminal terminal(STDERR_FILENO);
-  return terminal;
+  return standard(STDERR_FILENO);
+}
+
+bool Terminal::IsAscii() {
+  return settings().isAscii;
+}
+
+bool Terminal::CanRewriteLines() const {
+  return isTerminal_ && !isDumb();
 }
 
 std::size_t Terminal::TextWidth() const {
   // Leaves room for arithmetic on widths.
-  return isTerminal_ ? width_ : std::numeric_limits<std::size_t>::max() / 2;
+  constexpr std::size_t kNoLimit = std::numeric_limits<std::size_t>::max() / 2;
+  return HasWidth() ? width_ : kNoLimit;
+}
+
+std::size_t Terminal::PlateWidth() const {
+  return HasWidth() ? width_ : kWidestPlate;
 }
 
 std::string Terminal::Styled(std::string_view text, Style style) const {

@@ -14,6 +14,11 @@ std::string ToUtf8(std::string_view latin1);
 /// Nothing for what is no UTF-8, or has a character that a document's text cannot hold.
 std::optional<std::string> ToLatin1(std::string_view utf8);
 
+/// `utf8` with other characters than ASCII as \uNNNN, or \UNNNNNNNN for those beyond 16 bits.
+std::string ToAscii(std::string_view utf8);
+/// What stands for text that was left out.
+std::string_view Ellipsis();
+
 /// A text of a document as a person sees it: in quotes, on one line, and without anything that a
 /// terminal would obey. Cut to `width` columns, with "…" at the end then.
 std::string Shown(std::string_view latin1, std::size_t width);

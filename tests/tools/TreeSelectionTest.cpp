@@ -1,0 +1,53 @@
+#include "tests/tools/DocumentFixture.h"
+
+using testing::HasSubstr;
+using testing::Not;
+
+namespace vex2::test {
+
+class TreeSelected : public DocumentTest {};
+
+TEST_F(TreeSelected, DepthLeavesOutRecordsThatAreNestedDeeper) {
+  MakeRun();
+  const std::string all = Output({"tree", path_});
+  const std::string top = Output({"tree", path_, "--depth", "1"});
+  EXPECT_THAT(all, HasSubstr("LOGG"));
+  EXPECT_THAT(top, HasSubstr("GLBL"));
+  EXPECT_THAT(top, HasSubstr("RAWa"));
+  EXPECT_THAT(top, Not(HasSubstr("LOGG")));
+  const auto json = JsonOutput({"tree", path_, "--depth", "1", "--json"});
+  ASSERT_EQ(json.size(), 2U);
+  EXPECT_FALSE(json[0].contains("children"));
+  EXPECT_EQ(JsonOutput({"tree", path_, "--depth", "64", "--json"}),
+            JsonOutput({"tree", path_, "--json"}));
+}
+
+TEST_F(TreeSelected, OnlyShowsRecordsOfATagWithWhatIsInThem) {
+  MakeRun();
+  const auto whole = JsonOutput({"tree", path_, "--json"});
+  const auto only = JsonOutput({"tree", path_, "--only", "GLBL", "--json"});
+  ASSERT_EQ(only.size(), 1U);
+  EXPECT_EQ(only[0], whole[0]);
+  const std::string inner = whole[0]["children"][0]["tag"];
+  const auto nested = JsonOutput({"tree", path_, "--only", inner, "--json"});
+  ASSERT_GE(nested.size(), 1U);
+  EXPECT_EQ(nested[0], whole[0]["children"][0]);
+  EXPECT_THAT(Output({"tree", path_, "--only", "RAWa"}), Not(HasSubstr("GLBL")));
+  EXPECT_FALSE(JsonOutput({"tree", path_, "--only", "GLBL", "--depth", "1", "--json"})[0].contains(
+      "children"));
+}
+
+TEST_F(TreeSelected, OnlyOfATagThatIsNotThereIsRefused) {
+  MakeRun();
+  ExpectRefused({"tree", path_, "--only", "glbl"}, 2,
+                "it has no record \"glbl\"; did you mean 'GLBL'?");
+}
+
+TEST_F(TreeSelected, DepthOutOfRangeIsRefused) {
+  MakeRun();
+  for (const char* depth : {"0", "65", "-1", "deep"}) {
+    EXPECT_EQ(RunVex({"tree", path_, "--depth", depth}).exitCode, 2) << depth;
+  }
+}
+
+}  // namespace vex2::test

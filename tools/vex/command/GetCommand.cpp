@@ -1,0 +1,132 @@
+#include <iostream>
+#include <sstream>
+#include <vector>
+
+#include "tools/vex/command/Command.h"
+#include "tools/vex/document/DocumentFile.h"
+#include "tools/vex/document/DocumentInfo.h"
+#include "tools/vex/document/DocumentPlates.h"
+#include "tools/vex/document/RecordTree.h"
+#include "tools/vex/document/Settings.h"
+#include "tools/vex/document/ValuePath.h"
+#include "tools/vex/setup/PlateContents.h"
+#include "tools/vex/setup/SetupInfo.h"
+#include "tools/vex/text/Nearest.h"
+#include "tools/vex/text/Terminal.h"
+
+namespace vex2::tool {
+
+namespace {
+
+using nlohmann::ordered_json;
+
+constexpr const char* kMeaning =
+    "Paths:\n"
+    "  NAME              a value that 'vex info --json' shows: status, frames\n"
+    "  NAME.NAME         a value in another: settings.comment, plate.rows\n"
+    "  NAME[N]           an entry of a list, from 0: blocks[0].start\n"
+    "  NAME[KEY]         the entry with this well, name or tag: wells[A1].sample,\n"
+    "                    detectors[MYC].threshold, plates[liver].status\n"
+    "  tree[TAG]         a record that 'vex tree --json' shows:\n"
+    "                    tree[GLBL].children[SVOL].value\n\n"
+    "  Capitals, '-' and '_' make no difference: settings.sample_volume. A value\n"
+    "  that holds others is printed as JSON, and one that is not given as an empty\n"
+    "  line. A path that leads nowhere is answered with those that there are.";
+
+class GetCommand final : public Command {
+ public:
+  GetCommand()
+      : Command({"get", "Print one value of a document, for scripts.",
+                 "vex get run.vex settings.sample-volume\nvex get run.vex wells[A1].sample\n"
+                 "vex get run.vex blocks --json | jq length"}) {}
+
+  void AddOptions(Options& options) override {
+    options.Add("FILE", file_, "The document").Require().Show("");
+    options.Add("PATH", path_, "The value's path").Require().Show("");
+    plate_.AddTo(options);
+    options.AddFlag("--json", json_, "Print JSON");
+    options.PutLast(kMeaning);
+  }
+
+  ExitCode Run() override {
+    const Document document(file_);
+    const Document::Plate plate = plate_.Choose(document).front();
+    const ordered_json root = describe(document, plate);
+    const ValueAt found = FindValue(root, path_);
+    if (found.value == nullptr) refuse(found);
+    print(*found.value);
+    document.RequireWhole("");
+    return ExitCode::kDone;
+  }
+
+ private:
+  ordered_json describe(const Document& document, const Document::Plate& plate) const {
+    ordered_json root = DescribeDocument(document, plate);
+    const Vex2FileManager& content = *plate.content;
+    if (content.GetPlateSetupComp() != nullptr) root["wells"] = DescribeWells(content)["wells"];
+    root["detectors"] = DescribeDetectors(content);
+    root["dyes"] = ordered_json::array();
+    for (const std::string& dye : RequiredDyesOf(content)) root["dyes"].push_back(ToUtf8(dye));
+    // It takes another reading of the document.
+    if (path_.starts_with("tree")) root["tree"] = readTree(plate);
+    return root;
+  }
+
+  ordered_json readTree(const Document::Plate& plate) const {
+    DocumentFile file;
+    file.OpenDocument(file_);
+    std::ostringstream text;
+    const TreeSelection all;
+    JsonTree tree(text, all.depth);
+    SelectedRecords records(plate, all, tree);
+    static_cast<void>(WalkRecords(file, records));
+    tree.Finish();
+    return ordered_json::parse(text.str());
+  }
+
+  void print(const ordered_json& value) const {
+    if (json_ || value.is_structured()) {
+      std::cout << value.dump(2, ' ', false, ordered_json::error_handler_t::replace) << '\n';
+    } else {
+      const std::string text = SettingText(value);
+      std::cout << (Terminal::Out().IsTerminal() ? Printable(text) : text) << '\n';
+    }
+  }
+
+  [[noreturn]] void refuse(const ValueAt& found) const {
+    constexpr std::size_t kMostNamed = 12;
+    std::vector<std::string> paths = PathsFrom(found.reached, *found.last);
+    if (found.reached.empty()) paths.emplace_back("tree");
+    std::string what = "it has no value '" + path_ + "'";
+    // The last name alone: what it shares with all others would make any of them near.
+    std::vector<std::string> names;
+    const std::string prefix = found.reached.empty() ? "" : found.reached + ".";
+    if (!found.last->is_array()) {
+      for (const std::string& path : paths) names.push_back(path.substr(prefix.size()));
+    }
+    const auto near = NearestName(found.missing, names);
+    const std::string hint = near ? "; did you mean '" + prefix + *near + "'?" : "";
+    what += hint;
+    for (std::size_t i = 0; i < paths.size() && i < kMostNamed; ++i) {
+      what += (i == 0 ? (hint.empty() ? "; there are " : " There are ") : ", ") + paths[i];
+    }
+    if (paths.size() > kMostNamed) {
+      what += " and " + std::to_string(paths.size() - kMostNamed) + " more";
+    }
+    if (paths.empty()) what += "; '" + found.reached + "' holds no others";
+    throw Error(ErrorCode::kNoSuchValue, file_, what);
+  }
+
+  std::string file_;
+  std::string path_;
+  PlateOption plate_;
+  bool json_ = false;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> MakeGetCommand() {
+  return std::make_unique<GetCommand>();
+}
+
+}  // namespace vex2::tool

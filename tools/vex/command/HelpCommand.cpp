@@ -1,0 +1,75 @@
+#include <CLI/CLI.hpp>
+#include <iostream>
+
+#include "tools/vex/command/Command.h"
+#include "tools/vex/command/HelpText.h"
+#include "tools/vex/command/Misuse.h"
+#include "tools/vex/text/Table.h"
+
+namespace vex2::tool {
+
+namespace {
+
+constexpr std::string_view kErrorsTopic = "errors";
+
+class HelpCommand final : public Command {
+ public:
+  HelpCommand()
+      : Command({"help", "Print the help of a command, or of vex as a whole.",
+                 "vex help info\nvex help study new\nvex help errors"}) {}
+
+  void AddOptions(Options& options) override {
+    app_ = options.App().get_parent();
+    options.Add("COMMAND", words_, "The command, or errors: the error codes").Show("");
+  }
+
+  ExitCode Run() override {
+    if (words_.size() == 1 && words_.front() == kErrorsTopic) {
+      printErrors();
+      return ExitCode::kDone;
+    }
+    const CLI::App* part = app_;
+    std::string call = part->get_name();
+    for (const std::string& word : words_) {
+      part = findPart(*part, call, word);
+      call += " " + word;
+    }
+    std::cout << HelpText(*part, call);
+    return ExitCode::kDone;
+  }
+
+ private:
+  static const CLI::App* findPart(const CLI::App& app, const std::string& call,
+                                  const std::string& word) {
+    for (const CLI::App* part : app.get_subcommands(nullptr)) {
+      if (part->get_name() == word) return part;
+    }
+    throw UnknownCommand(app, call, word);
+  }
+
+  static void printErrors() {
+    std::cout << "With --json an error is an object on standard error, one a line:\n\n"
+                 "  {\"error\":{\"code\":\"no-such-file\",\"file\":\"run.vex\",\"offset\":null,\n"
+                 "  \"message\":\"No such file or directory\",\"exit_code\":2}}\n\n"
+                 "The code of a kind of error stays the same; the message may be worded anew.\n"
+                 "\"file\" and \"offset\" are null where there is none. What a user should know\n"
+                 "besides is an object {\"note\":{\"message\":...}}.\n\n";
+    std::vector<std::vector<std::string>> rows;
+    for (const ErrorKind& kind : ErrorKinds()) {
+      rows.push_back({std::string(kind.name), std::to_string(static_cast<int>(kind.exitCode)),
+                      std::string(kind.meaning)});
+    }
+    std::cout << DrawTable({"code", "exit", "meaning"}, rows, Terminal::Out());
+  }
+
+  const CLI::App* app_ = nullptr;
+  std::vector<std::string> words_;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> MakeHelpCommand() {
+  return std::make_unique<HelpCommand>();
+}
+
+}  // namespace vex2::tool

@@ -1,0 +1,49 @@
+#include "tools/vex/command/HelpText.h"
+
+#include <CLI/CLI.hpp>
+#include <sstream>
+
+#include "tools/vex/text/Paragraph.h"
+#include "tools/vex/text/Terminal.h"
+#include "tools/vex/text/Text.h"
+
+namespace vex2::tool {
+
+namespace {
+
+// Where the text of a line begins that explains what stands to the left of it; the line's own
+// begin when nothing is explained.
+std::size_t explanationAt(const std::string& line) {
+  const std::size_t begin = std::min(line.find_first_not_of(' '), line.size());
+  const std::size_t gap = line.find("  ", begin);
+  const std::size_t text = gap == std::string::npos ? gap : line.find_first_not_of(' ', gap);
+  return text == std::string::npos ? begin : text;
+}
+
+std::string folded(const std::string& line, std::size_t width) {
+  if (Columns(line) <= width) return line;
+  constexpr std::size_t kLeastText = 16;
+  constexpr std::size_t kIndent = 4;
+  const std::size_t begin = std::min(line.find_first_not_of(' '), line.size());
+  const std::size_t at = explanationAt(line);
+  if (at + kLeastText <= width) return line.substr(0, at) + Wrapped(line.substr(at), at);
+  const std::string indent(begin, ' ');
+  if (at == begin) return indent + Wrapped(line.substr(begin), begin + kIndent);
+  std::string name = line.substr(begin, at - begin);
+  name.erase(name.find_last_not_of(' ') + 1);
+  return indent + Wrapped(name, begin + kIndent) + '\n' + std::string(begin + kIndent, ' ') +
+         Wrapped(line.substr(at), begin + kIndent);
+}
+
+}  // namespace
+
+std::string HelpText(const CLI::App& app, const std::string& call) {
+  const std::size_t width = Terminal::Out().TextWidth();
+  // Not app.help(), which is the help of the command that was typed: for 'vex help' that is help.
+  std::istringstream lines(app.get_formatter()->make_help(&app, call, CLI::AppFormatMode::Normal));
+  std::string text;
+  for (std::string line; std::getline(lines, line);) text += folded(line, width) + '\n';
+  return text;
+}
+
+}  // namespace vex2::tool
