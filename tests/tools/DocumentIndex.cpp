@@ -23,7 +23,7 @@ class Indexer final : public tool::RecordVisitor {
     part.begin = record.offset;
     part.tag = record.Tag();
     part.around = open_.empty() ? "" : index_.parts[open_.back()].tag;
-    part.isKnown = tool::IsKnownToLibrary(record.Tag());
+    part.isKnown = vex2::IsKnownTag(record.Tag());
     part.content = hash(record.Tag());
     open_.push_back(index_.parts.size());
     index_.parts.push_back(part);

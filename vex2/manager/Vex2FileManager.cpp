@@ -6,7 +6,7 @@
 
 #include "vex2/container/CSkippedComp.h"
 #include "vex2/container/TagFactory.h"
-#include "vex2/container/TagTable.h"
+#include "vex2/format/RecordKinds.h"
 #include "vex2/framework/DescribeClass.h"
 #include "vex2/framework/PathNames.h"
 #include "vex2/manager/Module.h"

@@ -148,7 +148,7 @@ class VEX2_API Vex2FileManager : public CFile {
   int GetHeaderRows() const { return header_.rows; }
   int GetHeaderCols() const { return header_.columns; }
   /// Always 1024.
-  int GetHeaderBytes() const { return kHeaderBytes; }
+  int GetHeaderBytes() const;
   void SetFilePath(const char* path);
 
   // Tests on the open file; false when it is not open or is no "Vex2" document. They move the
@@ -529,8 +529,6 @@ class VEX2_API Vex2FileManager : public CFile {
   bool LoadSpectrum(KestorSpectrum* spectrum, const char* plateName) const;
 
  protected:
-  static constexpr int kHeaderBytes = 1024;
-
   /// Copies header, path and components; what the manager held must be gone.
   void deepCopy(const Vex2FileManager& source);
   /// The same for a manager that exists; where memory runs out, nothing is copied.
@@ -613,8 +611,6 @@ class VEX2_API Vex2FileManager : public CFile {
   std::unique_ptr<VexAnalysis> ownAnalysis_;
 
  private:
-  static constexpr std::uint64_t kAcquisitionDataOffsetAt = 68;
-
   struct BlockGeometry;
   struct ReportingBlocks;
   struct DistrustedFile {

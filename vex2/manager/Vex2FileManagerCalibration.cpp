@@ -2,17 +2,21 @@
 
 #include <array>
 
-#include "vex2/container/Encoding.h"
-#include "vex2/container/ReadLimits.h"
+#include "vex2/format/Encoding.h"
+#include "vex2/format/HeaderLayout.h"
+#include "vex2/format/ReadLimits.h"
+#include "vex2/format/RecordKinds.h"
 #include "vex2/manager/Vex2FileManager.h"
 #include "vex2/setup/CCalibrationComp.h"
 
+using vex2::Kind;
 using vex2::kNotFound;
 using vex2::kSuccess;
+using vex2::TagOf;
 
 namespace {
 
-constexpr const char* kTag = "CALI";
+constexpr std::string_view kTag = TagOf(Kind::kCalibration);
 
 // Copies a part into the caller's record and says whether there was one.
 template <typename Component, typename Record>
@@ -111,13 +115,13 @@ int Vex2FileManager::patchBackground(CCalibrationComp& calibration, std::uint64_
 // The position of the first background that stands alone in the open file, 0 when there is none.
 int Vex2FileManager::findBackground(std::uint32_t length, std::uint64_t& position) {
   const bool isDocument = IsVex2Format();
-  Seek(kHeaderBytes, begin);
+  Seek(vex2::HeaderLayout::kSize, begin);
   while (GetRemaining() > 0) {
     const std::uint64_t start = GetPosition();
     std::array<char, 4> tag{};
     std::uint32_t found = 0;
-    if (vex2::ReadBytes(*this, tag.data(), tag.size()) != kSuccess) return kNotFound;
-    if (vex2::ReadValue(*this, found) != kSuccess) return kNotFound;
+    if (!vex2::ReadExactly(*this, tag.data(), tag.size())) return kNotFound;
+    if (!vex2::ReadField(*this, found)) return kNotFound;
     if (std::string_view(tag.data(), tag.size()) == CBackgroundComp::kTag) {
       position = start;
       return found == length ? kSuccess : vex2::kSizeDiffers;

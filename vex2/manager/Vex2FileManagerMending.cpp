@@ -4,10 +4,12 @@
 #include <algorithm>
 #include <array>
 
-#include "vex2/container/Encoding.h"
-#include "vex2/container/ReadLimits.h"
 #include "vex2/container/TagFactory.h"
-#include "vex2/container/TagTable.h"
+#include "vex2/format/DataBlockHead.h"
+#include "vex2/format/Encoding.h"
+#include "vex2/format/HeaderLayout.h"
+#include "vex2/format/ReadLimits.h"
+#include "vex2/format/RecordKinds.h"
 #include "vex2/framework/Host.h"
 #include "vex2/manager/Vex2FileManager.h"
 #include "vex2/run/AcquisitionDataComp.h"
@@ -16,11 +18,6 @@
 using vex2::kSuccess;
 
 namespace {
-
-constexpr std::uint64_t kRecordHead = vex2::kTagLength + sizeof(std::uint32_t);
-
-// In place of a new block's tag until all of it is on the disk.
-constexpr std::string_view kNoTag("\0\0\0\0", vex2::kTagLength);
 
 // The head of a data block as it stands in a file.
 struct StoredBlock {
@@ -40,19 +37,17 @@ std::string tagAt(CFile& file, std::uint64_t position) {
 }
 
 StoredBlock headAt(CFile& file, std::uint64_t position) {
-  StoredBlock head;
-  std::uint16_t timeBlockSize = 0;
-  head.tag = tagAt(file, position);
-  if (vex2::ReadValue(file, head.length) != kSuccess ||
-      vex2::ReadValue(file, head.version) != kSuccess ||
-      vex2::ReadValue(file, timeBlockSize) != kSuccess) {
-    return head;
-  }
-  file.Seek(timeBlockSize, CFile::current);
-  if (vex2::ReadValue(file, head.wells) != kSuccess) return head;
-  head.firstFrame = file.GetPosition() + 2U * head.wells;
-  head.isWhole = timeBlockSize == AcquisitionDataComp::kTimeBlockSize;
-  return head;
+  StoredBlock block;
+  block.tag = tagAt(file, position);
+  vex2::DataBlockHead head;
+  const bool isRead = vex2::ReadField(file, block.length) &&
+                      vex2::ReadDataBlockHead(file, vex2::TimeBlock::kAsStated, head);
+  block.version = head.version;
+  if (!isRead) return block;
+  block.wells = head.wells;
+  block.firstFrame = file.GetPosition() + sizeof(std::uint16_t) * head.wells;
+  block.isWhole = head.timeBlockSize == vex2::kTimeBlockSize;
+  return block;
 }
 
 // Printable, as all tags are, also those of kinds that are not known.
@@ -66,8 +61,8 @@ bool looksLikeTag(const std::string& tag) {
 std::uint64_t behindRecord(CFile& file, std::uint64_t position) {
   file.Seek(static_cast<std::int64_t>(position + vex2::kTagLength), CFile::begin);
   std::uint32_t length = 0;
-  if (vex2::ReadValue(file, length) != kSuccess || !vex2::HasBytesLeft(file, length)) return 0;
-  return position + kRecordHead + length;
+  if (!vex2::ReadField(file, length) || !vex2::HasBytesLeft(file, length)) return 0;
+  return position + vex2::kRecordHeadSize + length;
 }
 
 // Whether a record of a known kind begins there, or records of any kind go on to the file's end.
@@ -85,7 +80,7 @@ bool sameStored(const Vex2WellRecord& stored, const Vex2WellRecord* held) {
   const Vex2WellRecord nothing;
   if (held == nullptr) held = &nothing;
   return std::equal(std::begin(stored.leading), std::end(stored.leading), held->leading) &&
-         std::equal(stored.data, stored.data + 32, held->data);
+         std::equal(stored.data, stored.data + vex2::kStoredDataValues, held->data);
 }
 
 }  // namespace
@@ -158,8 +153,8 @@ std::uint64_t Vex2FileManager::endOfFrames(const AcquisitionDataComp& block, std
       head.wells != block.GetWellCount()) {
     return fileEnd;
   }
-  const std::uint64_t frame = vex2::kStoredRecordSize * head.wells;
-  const std::uint64_t counted = offset + kRecordHead + head.length;
+  const std::uint64_t frame = vex2::FrameSize(head.wells);
+  const std::uint64_t counted = offset + vex2::kRecordHeadSize + head.length;
   if (counted < head.firstFrame || (counted - head.firstFrame) % frame != 0) return fileEnd;
   // A commit leaves no more than its frame, and what others put behind the data are records.
   if (counted >= fileEnd || fileEnd - counted > frame) return fileEnd;
@@ -169,9 +164,9 @@ std::uint64_t Vex2FileManager::endOfFrames(const AcquisitionDataComp& block, std
 // From record to record as readers go: by what a record holds, whatever it says of its length.
 std::uint64_t Vex2FileManager::endOfRecords(const AcquisitionDataComp& block) {
   const std::uint64_t fileEnd = GetLength();
-  for (std::uint64_t start = kHeaderBytes; start < fileEnd; start = GetPosition()) {
+  for (std::uint64_t start = vex2::HeaderLayout::kSize; start < fileEnd; start = GetPosition()) {
     const std::string tag = tagAt(*this, start);
-    if (tag == block.GetTag() || tag == kNoTag.substr(0, tag.size())) {
+    if (tag == block.GetTag() || tag == vex2::kUncommittedTag.substr(0, tag.size())) {
       return isLeftover(block, start) ? start : fileEnd;
     }
     // What is no record is no way to the next one, and may go on for gigabytes.
@@ -187,12 +182,12 @@ std::uint64_t Vex2FileManager::endOfRecords(const AcquisitionDataComp& block) {
 // has no tag yet, or nothing in it that `block` does not hold.
 bool Vex2FileManager::isLeftover(const AcquisitionDataComp& block, std::uint64_t start) {
   const StoredBlock head = headAt(*this, start);
-  if (start + kRecordHead + head.length < GetLength()) return false;
-  if (!head.isWhole) return GetLength() - start <= kRecordHead + AcquisitionDataComp::kFixedLength;
+  if (start + vex2::kRecordHeadSize + head.length < GetLength()) return false;
+  if (!head.isWhole) return GetLength() - start <= vex2::kRecordHeadSize + vex2::kBlockFixedSize;
   if (head.version < 2 || head.wells != block.GetWellCount()) return false;
-  if (head.tag == kNoTag || head.firstFrame > GetLength()) return true;
+  if (head.tag == vex2::kUncommittedTag || head.firstFrame > GetLength()) return true;
   Seek(static_cast<std::int64_t>(head.firstFrame), begin);
-  const std::uint64_t frame = vex2::kStoredRecordSize * head.wells;
+  const std::uint64_t frame = vex2::FrameSize(head.wells);
   const std::uint64_t frames = frame != 0 ? GetRemaining() / frame : 0;
   if (frames > static_cast<std::uint64_t>(block.GetFrameCount())) return false;
   std::vector<Vex2WellRecord> records(head.wells);

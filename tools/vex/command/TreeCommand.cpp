@@ -32,8 +32,7 @@ class TextTree final : public RecordVisitor {
     const std::size_t width = terminal_.TextWidth();
     std::cout << terminal_.Styled(number(record.offset), Style::kDim) << number(record.length)
               << std::string(indent + 2, ' ')
-              << terminal_.Styled(tag,
-                                  IsKnownToLibrary(record.Tag()) ? Style::kBold : Style::kYellow)
+              << terminal_.Styled(tag, IsKnownTag(record.Tag()) ? Style::kBold : Style::kYellow)
               << "  " << DescribeRecord(file, record, width > taken ? width - taken : 1) << '\n';
   }
 
@@ -97,7 +96,7 @@ class JsonTree final : public RecordVisitor {
   static ordered_json fields(const FileRecord& record, CFile& file) {
     ordered_json object = {
         {"tag", ToUtf8(record.Tag())}, {"offset", record.offset}, {"length", record.length}};
-    if (!IsKnownToLibrary(record.Tag())) object["known"] = false;
+    if (!IsKnownTag(record.Tag())) object["known"] = false;
     ordered_json value = ReadRecordValue(file, record);
     if (!value.is_null()) object["value"] = std::move(value);
     object.update(ReadRecordFields(file, record));

@@ -6,15 +6,11 @@
 #include "tools/vex/document/FileLayout.h"
 #include "tools/vex/document/HeaderFields.h"
 #include "tools/vex/text/Text.h"
+#include "vex2/format/ReadLimits.h"
 
 namespace vex2::tool {
 
 namespace {
-
-constexpr std::uint64_t kHeaderFieldsSize = 72;
-constexpr std::uint64_t kTagSize = 4;
-// As deep as the document's reader goes: a file of lists within lists would use up the stack.
-constexpr int kDeepest = 64;
 
 template <std::size_t size>
 std::optional<std::array<unsigned char, size>> readBytes(CFile& file) {
@@ -28,11 +24,11 @@ class Walker {
   Walker(CFile& file, RecordVisitor& visitor) : file_(file), visitor_(visitor) {}
 
   WalkEnd Walk() {
-    seek(HeaderFields::kRowsAt);
+    seek(HeaderLayout::kRowsAt);
     const auto rows = ReadShort(file_);
     if (!rows) return {file_.GetLength(), std::nullopt};
-    seek(RecordsOffset(*rows));
-    while (file_.GetRemaining() >= kTagSize && !isStray() && record(1)) {
+    seek(HeaderLayout::RecordsOffset(*rows));
+    while (file_.GetRemaining() >= kTagLength && !isStray() && record(1)) {
     }
     return {std::min(file_.GetPosition(), file_.GetLength()), fault_};
   }
@@ -51,7 +47,7 @@ class Walker {
     const std::uint64_t offset = file_.GetPosition();
     const FileRecord record = readTag();
     seek(offset);
-    return !IsKnownToLibrary(record.Tag());
+    return !IsKnownTag(record.Tag());
   }
 
   FileRecord readTag() {
@@ -68,7 +64,7 @@ class Walker {
     if (!length) return stop(record.offset, named(record) + " ends before its length");
     record.length = *length;
     record.depth = depth;
-    if (depth > kDeepest) return stop(record.offset, "records are nested too deep");
+    if (depth > kMaxNesting) return stop(record.offset, "records are nested too deep");
     visitor_.Begin(record, file_);
     seek(record.BodyOffset());
     if (record.length != 0 && !body(record)) return false;
@@ -112,7 +108,7 @@ class Walker {
     if (!count) return stop(record.offset, named(record) + " ends before its count");
     if (!step(record, fieldsBehindCount)) return false;
     for (unsigned i = 0; i < *count; ++i) {
-      if (file_.GetRemaining() < kTagSize) {
+      if (file_.GetRemaining() < kTagLength) {
         return stop(record.offset, named(record) + " is cut short: " + std::to_string(i) + " of " +
                                        Counted(*count, "record") + " are there");
       }
@@ -125,21 +121,21 @@ class Walker {
   bool plate(const FileRecord& record) {
     if (!step(record, 2)) return false;
     const std::uint64_t header = file_.GetPosition();
-    seek(header + HeaderFields::kRowsAt);
+    seek(header + HeaderLayout::kRowsAt);
     const auto rows = ReadShort(file_);
     seek(header);
-    if (!step(record, RecordsOffset(rows.value_or(0)))) return false;
-    while (file_.GetRemaining() >= kTagSize) {
+    if (!step(record, HeaderLayout::RecordsOffset(rows.value_or(0)))) return false;
+    while (file_.GetRemaining() >= kTagLength) {
       const std::uint64_t offset = file_.GetPosition();
       const FileRecord next = readTag();
-      if (next.Tag() == "EOF " || next.Tag() == "Vex2") return true;
+      if (next.Tag() == TagOf(Kind::kEndOfFile) || next.Tag() == kMagic) return true;
       if (next.kind->layout == BodyLayout::kUnknown) {
         visitor_.Pass(offset);
         continue;
       }
       seek(offset);
       if (!this->record(record.depth + 1)) return false;
-      if (next.Tag() == "EOPl") return true;
+      if (next.Tag() == TagOf(Kind::kEndOfPlate)) return true;
     }
     return stop(record.offset, named(record) + " has no end");
   }
@@ -176,10 +172,6 @@ class Walker {
 
 WalkEnd WalkRecords(CFile& file, RecordVisitor& visitor) {
   return Walker(file, visitor).Walk();
-}
-
-std::uint64_t RecordsOffset(std::uint32_t rows) {
-  return std::max(kDocumentHeaderSize, kHeaderFieldsSize + 4 * std::uint64_t{rows});
 }
 
 std::uint64_t SpectraEnd(CFile& file, BodyLayout layout, std::uint64_t body) {

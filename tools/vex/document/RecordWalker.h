@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "tools/vex/document/FileLayout.h"
-#include "tools/vex/document/RecordKinds.h"
+#include "vex2/format/RecordKinds.h"
 #include "vex2/framework/CFile.h"
 
 namespace vex2::tool {
@@ -56,9 +56,6 @@ struct WalkEnd {
 /// those in them, to the same places as the document's reader: past the bytes that a body's layout
 /// has, whatever length the record declares. Neither allocates nor recurses on the word of a file.
 WalkEnd WalkRecords(CFile& file, RecordVisitor& visitor);
-
-/// Where the records of a document begin whose plate has so many rows.
-std::uint64_t RecordsOffset(std::uint32_t rows);
 
 /// Where the body at `body` of pure dyes or a background ends, by what its entries say: readers go
 /// by that. Behind the file's end when the file ends before.
