@@ -11,10 +11,9 @@ namespace vex2::test {
 
 namespace {
 
-using tool::BodyLayout;
-using tool::FileRecord;
+using vex2::FileRecord;
 
-class Indexer final : public tool::RecordVisitor {
+class Indexer final : public vex2::RecordVisitor {
  public:
   Indexer(CFile& file, DocumentIndex& index) : file_(file), index_(index) {}
 

@@ -115,59 +115,60 @@ enum class BodyLayout : std::uint8_t {
   kData,        ///< a data block
 };
 
-/// Where the writers of this system put records of a kind. Readers accept every kind everywhere.
-enum class RecordPlace : std::uint8_t {
-  kNowhere,  ///< known, but not written by this system
-  kTop,      ///< in the document itself
-  kInSettings,
-  kInPlateSetup,
-  kInCell,
-  kInCellDetector,
-  kInCalibration,  ///< or in the document itself
-  kInDetectorList,
-  kInDetector,
-  kInRequiredDyes,
-  kInPlates,
-  kInPlate,
+/// Where records of a kind belong: bits, one for each list. Readers accept every kind everywhere; a
+/// record elsewhere is suspicious when a document is damaged.
+enum RecordHome : std::uint16_t {
+  kNowhere = 0,  ///< known, but not written by this system
+  kTop = 1,      ///< in the document itself
+  kInGlobal = 2,
+  kInPlateSetup = 4,
+  kInCell = 8,
+  kInCellDetector = 16,
+  kInDetectorList = 32,
+  kInDetector = 64,
+  kInCalibration = 128,
+  kInRequiredDyes = 256,
+  kInPlates = 512,
+  kInPlate = 1024,
+  kInSpectrum = 2048,
 };
 
 struct RecordKind {
   Kind kind;
   std::string_view tag;
   BodyLayout layout;
-  RecordPlace place;
+  std::uint16_t homes;       ///< bits of `RecordHome`
   std::string_view meaning;  ///< a few words for people; empty where nobody knows
 };
 
 namespace detail {
 
 using enum BodyLayout;
-using enum RecordPlace;
 
 // clang-format off
 inline constexpr std::array<RecordKind, 77> kRows = {{
-    {Kind::kGlobal, "GLBL", kList, kTop, "run-wide settings"},
-    {Kind::kVersion, "VERS", kLong, kInSettings, "version"},
-    {Kind::kPreFlag, "PRER", kByte, kInSettings, "pre flag"},
-    {Kind::kPostFlag, "POSR", kByte, kInSettings, "post flag"},
-    {Kind::kLog, "LOGT", kText, kInSettings, "log"},
-    {Kind::kComment, "COMM", kText, kInSettings, "comment"},
-    {Kind::kSampleVolume, "PCRV", kShort, kInSettings, "sample volume"},
-    {Kind::kFtrd, "FTRD", kByte, kInSettings, "FTRD value"},
-    {Kind::kDrks, "DRKS", kByte, kInSettings, "DRKS value"},
-    {Kind::kUnitCode, "UOMC", kShort, kInSettings, "unit code"},
-    {Kind::kPureDye, "PDYE", kPureDyes, kInCalibration, "pure dyes"},
-    {Kind::kBackground, "BKGD", kBackground, kInCalibration, "background"},
-    {Kind::kSpectrum, "SPEC", kList, kNowhere, ""},
-    {Kind::kTimeStamp, "TSMP", kLong, kNowhere, "time stamp"},
-    {Kind::kProgram, "TPro", kBytes, kTop, "thermal cycling program"},
-    {Kind::kRfid, "RFID", kLong, kNowhere, ""},
-    {Kind::kSpectrumName, "SPNM", kText, kNowhere, ""},
-    {Kind::kSpon, "SPON", kByte, kNowhere, ""},
-    {Kind::kSprv, "SPRV", kByte, kNowhere, ""},
-    {Kind::kSpectrumChannel, "SPCH", kBytes, kNowhere, "spectrum channel"},
-    {Kind::kControls, "CNTL", kList, kNowhere, ""},
-    {Kind::kPlateSetup, "CELS", kList, kTop, "plate setup"},
+    {Kind::kGlobal, "GLBL", kList, kTop | kInPlate, "run-wide settings"},
+    {Kind::kVersion, "VERS", kLong, kInGlobal, "version"},
+    {Kind::kPreFlag, "PRER", kByte, kInGlobal, "pre flag"},
+    {Kind::kPostFlag, "POSR", kByte, kInGlobal, "post flag"},
+    {Kind::kLog, "LOGT", kText, kInGlobal, "log"},
+    {Kind::kComment, "COMM", kText, kInGlobal, "comment"},
+    {Kind::kSampleVolume, "PCRV", kShort, kInGlobal, "sample volume"},
+    {Kind::kFtrd, "FTRD", kByte, kInGlobal, "FTRD value"},
+    {Kind::kDrks, "DRKS", kByte, kInGlobal, "DRKS value"},
+    {Kind::kUnitCode, "UOMC", kShort, kInGlobal, "unit code"},
+    {Kind::kPureDye, "PDYE", kPureDyes, kTop | kInCalibration | kInPlate, "pure dyes"},
+    {Kind::kBackground, "BKGD", kBackground, kTop | kInCalibration | kInPlate, "background"},
+    {Kind::kSpectrum, "SPEC", kList, kTop | kInPlate, ""},
+    {Kind::kTimeStamp, "TSMP", kLong, kInSpectrum, "time stamp"},
+    {Kind::kProgram, "TPro", kBytes, kTop | kInPlate, "thermal cycling program"},
+    {Kind::kRfid, "RFID", kLong, kInSpectrum, ""},
+    {Kind::kSpectrumName, "SPNM", kText, kInSpectrum, ""},
+    {Kind::kSpon, "SPON", kByte, kInSpectrum, ""},
+    {Kind::kSprv, "SPRV", kByte, kInSpectrum, ""},
+    {Kind::kSpectrumChannel, "SPCH", kBytes, kInSpectrum, "spectrum channel"},
+    {Kind::kControls, "CNTL", kList, kTop, ""},
+    {Kind::kPlateSetup, "CELS", kList, kTop | kInPlate, "plate setup"},
     {Kind::kCell, "CELL", kCell, kInPlateSetup, "well"},
     {Kind::kRowNumber, "ROWN", kShort, kNowhere, ""},
     {Kind::kColumnNumber, "COLN", kShort, kNowhere, ""},
@@ -175,24 +176,24 @@ inline constexpr std::array<RecordKind, 77> kRows = {{
     {Kind::kName, "NAME", kText, kInCell, "name"},
     {Kind::kCellDescription, "DESC", kText, kInCell, "description"},
     {Kind::k1Ctl, "1CTL", kShort, kNowhere, ""},
-    {Kind::kCplt, "CPLT", kList, kNowhere, ""},
-    {Kind::kCpnm, "CPNM", kList, kNowhere, ""},
+    {Kind::kCplt, "CPLT", kList, kTop, ""},
+    {Kind::kCpnm, "CPNM", kList, kTop, ""},
     {Kind::kStvl, "STVL", kFloat, kNowhere, ""},
     {Kind::kStum, "STUM", kShort, kNowhere, ""},
     {Kind::kDyeCode, "DYCD", kLong, kNowhere, ""},
-    {Kind::kRawData, "RAWa", kData, kTop, "raw readings"},
+    {Kind::kRawData, "RAWa", kData, kTop | kInPlate, "raw readings"},
     {Kind::kCellDetector, "DETT", kList, kInCell, "detector in the well"},
     {Kind::kCellDetectorName, "DNAM", kText, kInCellDetector, "detector name"},
     {Kind::kTask, "TASK", kText, kInCellDetector, "task"},
     {Kind::kQuantity, "QANT", kFloat, kInCellDetector, "quantity"},
     {Kind::kInUse, "DUSE", kByte, kInCellDetector, "in use"},
-    {Kind::kCalibration, "CALI", kList, kTop, "calibration"},
-    {Kind::kPassiveReference, "RefN", kText, kInSettings, "passive reference"},
-    {Kind::kReportingDataR, "REPr", kData, kTop, "reporting data"},
-    {Kind::kReportingDataN, "REPn", kData, kTop, "reporting data"},
-    {Kind::kReportingDataD, "REPd", kData, kTop, "reporting data"},
-    {Kind::kReportingDataT, "REPt", kData, kTop, "reporting data"},
-    {Kind::kDetectorList, "DETL", kList, kTop, "detectors"},
+    {Kind::kCalibration, "CALI", kList, kTop | kInPlate, "calibration"},
+    {Kind::kPassiveReference, "RefN", kText, kInGlobal, "passive reference"},
+    {Kind::kReportingDataR, "REPr", kData, kTop | kInPlate, "reporting data"},
+    {Kind::kReportingDataN, "REPn", kData, kTop | kInPlate, "reporting data"},
+    {Kind::kReportingDataD, "REPd", kData, kTop | kInPlate, "reporting data"},
+    {Kind::kReportingDataT, "REPt", kData, kTop | kInPlate, "reporting data"},
+    {Kind::kDetectorList, "DETL", kList, kTop | kInPlate, "detectors"},
     {Kind::kDetector, "DETX", kList, kInDetectorList, "detector"},
     {Kind::kDetectorName, "DETN", kText, kInDetector, "name"},
     {Kind::kReporterDye, "DYER", kText, kInDetector, "reporter dye"},
@@ -210,9 +211,9 @@ inline constexpr std::array<RecordKind, 77> kRows = {{
     {Kind::kAutoBaseline, "DAAB", kByte, kInDetector, "automatic baseline"},
     {Kind::kAutoThreshold, "DAAT", kByte, kInDetector, "automatic threshold"},
     {Kind::kAnalysisFlags, "DAQF", kShort, kInDetector, "analysis options"},
-    {Kind::kRequiredDyes, "RqDy", kList, kTop, "required dyes"},
+    {Kind::kRequiredDyes, "RqDy", kList, kTop | kInPlate, "required dyes"},
     {Kind::kRequiredDye, "aDye", kText, kInRequiredDyes, "dye"},
-    {Kind::kConfidence, "Conf", kFloat, kTop, "confidence percent"},
+    {Kind::kConfidence, "Conf", kFloat, kTop | kInPlate, "confidence percent"},
     {Kind::kMaxDyesPerWell, "MDPW", kUnknown, kNowhere, ""},
     {Kind::kPlates, "MPLC", kList, kTop, "plates of a study"},
     {Kind::kPlate, "RQPl", kPlate, kInPlates, "plate"},
@@ -220,9 +221,9 @@ inline constexpr std::array<RecordKind, 77> kRows = {{
     {Kind::kPlateDate, "RQPD", kText, kInPlate, "last modified"},
     {Kind::kEndOfPlate, "EOPl", kLong, kInPlate, "end of plate"},
     {Kind::kEndOfFile, "EOF ", kLong, kTop, "end of file"},
-    {Kind::kCalibrator, "CALR", kText, kTop, "calibrator"},
-    {Kind::kEndoControl, "ENDO", kText, kTop, "endogenous control"},
-    {Kind::kAnalysisType, "RQAT", kShort, kTop, "analysis type"},
+    {Kind::kCalibrator, "CALR", kText, kTop | kInPlate, "calibrator"},
+    {Kind::kEndoControl, "ENDO", kText, kTop | kInPlate, "endogenous control"},
+    {Kind::kAnalysisType, "RQAT", kShort, kTop | kInPlate, "analysis type"},
 }};
 // clang-format on
 
@@ -257,12 +258,13 @@ constexpr std::string_view TagOf(Kind kind) noexcept {
   return kRecordKinds[static_cast<std::size_t>(kind)].tag;
 }
 
-/// The kind with this tag; one of unknown layout for a tag that is not in the table.
+/// The kind with this tag; one of unknown layout for a tag that readers do not know.
 inline const RecordKind& KindOf(std::string_view tag) noexcept {
-  static constexpr RecordKind kNoKind = {Kind{}, "", BodyLayout::kUnknown, RecordPlace::kNowhere,
-                                         "unknown"};
+  static constexpr RecordKind kNoKind = {Kind{}, "", BodyLayout::kUnknown, kNowhere, "unknown"};
   const int row = FindTagIndex(tag);
-  return row >= 0 ? kRecordKinds[static_cast<std::size_t>(row)] : kNoKind;
+  if (row < 0) return kNoKind;
+  const RecordKind& kind = kRecordKinds[static_cast<std::size_t>(row)];
+  return kind.layout != BodyLayout::kUnknown ? kind : kNoKind;
 }
 
 /// Whether readers make a component of a record with this tag. They skip others.

@@ -33,6 +33,10 @@
 #include "vex2/study/TAGPROBE.h"
 #include "vex2/study/VexAnalysis.h"
 
+namespace vex2 {
+class FailedSyncs;
+}  // namespace vex2
+
 class AcquisitionDataComp;
 class CCalibrationComp;
 class CGlobalComp;
@@ -613,10 +617,6 @@ class VEX2_API Vex2FileManager : public CFile {
  private:
   struct BlockGeometry;
   struct ReportingBlocks;
-  struct DistrustedFile {
-    Identity identity;
-    bool told;  // the user knows
-  };
   struct PartlyRead {
     vex2::ReadFault fault;
     Identity identity;
@@ -655,23 +655,15 @@ class VEX2_API Vex2FileManager : public CFile {
   int commitFrame(AcquisitionDataComp& block, int frameIndex, std::uint32_t offset);
   int appendFrame(AcquisitionDataComp& block, int frameIndex, std::uint32_t offset);
   void patchWord(std::uint64_t offset, std::uint32_t word);
-  /// A data barrier. The file whose barrier failed is not trusted any more: what the system could
-  /// not store it may have dropped, and a later barrier would not tell.
+  /// A data barrier. Remembers the file when it fails.
   void barrier();
-  bool isDistrusted() const;
-  /// For a file that is stored whole, or gone.
-  void trustAgain(const Identity& stored) noexcept;
-  /// `CloseReplacement`, whose two files are then trusted: a new one may have the number of one
-  /// that is gone.
+  /// `CloseReplacement`, after which both files may be changed again: a new file may have the
+  /// number of one that is gone.
   void finishReplacement();
-  /// True, with the file closed and the user told, when the open file is not trusted.
+  /// True, with the file closed and the user told, when a sync of the open file has failed.
   bool refusesChanges();
-  /// Where the next frame of `block` belongs, or the block itself where the header leads to none:
-  /// the file's end, but in front of what a commit that was cut short left there.
-  std::uint64_t endOfWhatCounts(const AcquisitionDataComp& block, std::uint32_t offset);
-  std::uint64_t endOfFrames(const AcquisitionDataComp& block, std::uint32_t offset);
-  std::uint64_t endOfRecords(const AcquisitionDataComp& block);
-  bool isLeftover(const AcquisitionDataComp& block, std::uint64_t start);
+  /// Where the next frame of `block` is to be written, or the block itself when `offset` is 0.
+  std::uint64_t committedEnd(const AcquisitionDataComp& block, std::uint32_t offset);
   /// Changes the open file with `write`, as a whole: what it is given has the first `kept` bytes of
   /// the file at least, and takes its place when all is written. Where that cannot serve it is the
   /// file itself.
@@ -699,7 +691,7 @@ class VEX2_API Vex2FileManager : public CFile {
   CString filePath_;
   PartlyRead partlyRead_;
   std::uint64_t recordStart_ = 0;  // of the record that is being read
-  std::vector<DistrustedFile> distrusted_;
+  std::unique_ptr<vex2::FailedSyncs> failedSyncs_;
   // What the last commit that succeeded left: which file, and how long.
   Identity committedFile_;
   std::uint64_t committedLength_ = 0;

@@ -106,7 +106,7 @@ int Vex2FileManager::commitFrame(AcquisitionDataComp& block, int frameIndex, std
 }
 
 int Vex2FileManager::appendFrame(AcquisitionDataComp& block, int frameIndex, std::uint32_t offset) {
-  const std::uint64_t place = endOfWhatCounts(block, offset);
+  const std::uint64_t place = committedEnd(block, offset);
   if (offset == 0) return writeRawData(block, place);
   Seek(static_cast<std::int64_t>(place), begin);
   if (const int result = block.WriteFrame(*this, frameIndex); result != kSuccess) return result;

@@ -147,6 +147,21 @@ int AcquisitionDataComp::WriteFrame(CFile& file, int index) const {
   return kSuccess;
 }
 
+bool AcquisitionDataComp::IsStoredFrame(CFile& file, int index) const {
+  const Vex2WellRecord nothing;
+  const Vex2WellRecord* held = GetFrame(index);
+  std::vector<Vex2WellRecord> stored(wellNumbers_.size());
+  if (vex2::ReadWellRecords(file, stored.data(), stored.size()) != kSuccess) return false;
+  for (std::size_t i = 0; i < stored.size(); ++i) {
+    const Vex2WellRecord& record = held != nullptr ? held[i] : nothing;
+    if (!std::equal(std::begin(record.leading), std::end(record.leading), stored[i].leading) ||
+        !std::equal(record.data, record.data + vex2::kStoredDataValues, stored[i].data)) {
+      return false;
+    }
+  }
+  return true;
+}
+
 void AcquisitionDataComp::Upgrade() {
   if (version_ >= vex2::kFirstVersionWithTimes) return;
   version_ = vex2::kBlockVersion;

@@ -62,6 +62,10 @@ class VEX2_API AcquisitionDataComp final : public CComponent {
   /// Writes the records of frame `index` at the file's position; -260 when there is no such frame.
   [[nodiscard]] int WriteFrame(CFile& file, int index) const;
 
+  /// Whether the stored records at the file's position are those of frame `index`; the values that
+  /// a record in a file does not have are not compared. Moves the position behind the records.
+  bool IsStoredFrame(CFile& file, int index) const;
+
   /// Makes a block that was read in the old version, without times, one of version 2 whose length
   /// tells the truth. Nothing happens to others.
   void Upgrade();
