@@ -1,26 +1,35 @@
-# vex2_add_library(NAME EXPORT_NAME SOURCES... [DEPENDS BASE]) compiles SOURCES once and makes two
-# libraries of them: NAME (shared, vex2::EXPORT_NAME) and NAME_static (vex2::EXPORT_NAME_static).
-# DEPENDS names the library of the layer below, by the NAME it was made with.
+# vex2_add_objects(NAME SOURCES...) compiles SOURCES as a part of our libraries.
+function(vex2_add_objects name)
+  add_library(${name} OBJECT ${ARGN})
+  target_link_libraries(${name} PRIVATE vex2_flags)
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+  target_compile_definitions(${name} PRIVATE _FILE_OFFSET_BITS=64)
+  set_target_properties(${name} PROPERTIES
+    POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # Our own calls of our own operations need no detour, and a module can be unloaded for good.
+    target_compile_options(${name} PRIVATE -fno-semantic-interposition -fno-gnu-unique)
+  endif()
+endfunction()
+
+# vex2_add_library(NAME EXPORT_NAME SOURCES... [OBJECTS TARGET...] [DEPENDS BASE]) compiles SOURCES
+# once and makes two libraries of them and of what vex2_add_objects compiled: NAME (shared,
+# vex2::EXPORT_NAME) and NAME_static (vex2::EXPORT_NAME_static). DEPENDS names the library of the
+# layer below, by the NAME it was made with.
 function(vex2_add_library name export_name)
-  cmake_parse_arguments(arg "" "DEPENDS" "SOURCES" ${ARGN})
+  cmake_parse_arguments(arg "" "DEPENDS" "SOURCES;OBJECTS" ${ARGN})
   if(NOT arg_SOURCES)  # a layer that has only headers so far
     set(arg_SOURCES ${CMAKE_CURRENT_BINARY_DIR}/${name}_empty.cpp)
     file(CONFIGURE OUTPUT ${arg_SOURCES} CONTENT "")
   endif()
+  vex2_add_objects(${name}_objects ${arg_SOURCES})
+  set(objects "")
+  foreach(part ${name}_objects ${arg_OBJECTS})
+    list(APPEND objects $<TARGET_OBJECTS:${part}>)
+  endforeach()
 
-  add_library(${name}_objects OBJECT ${arg_SOURCES})
-  target_link_libraries(${name}_objects PRIVATE vex2_flags)
-  target_include_directories(${name}_objects PRIVATE ${PROJECT_SOURCE_DIR})
-  target_compile_definitions(${name}_objects PRIVATE _FILE_OFFSET_BITS=64)
-  set_target_properties(${name}_objects PROPERTIES
-    POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
-  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    # Our own calls of our own operations need no detour, and a module can be unloaded for good.
-    target_compile_options(${name}_objects PRIVATE -fno-semantic-interposition -fno-gnu-unique)
-  endif()
-
-  add_library(${name} SHARED $<TARGET_OBJECTS:${name}_objects>)
-  add_library(${name}_static STATIC $<TARGET_OBJECTS:${name}_objects>)
+  add_library(${name} SHARED ${objects})
+  add_library(${name}_static STATIC ${objects})
   set(exports ${PROJECT_SOURCE_DIR}/cmake/exports.map)
   target_link_options(${name} PRIVATE LINKER:--no-undefined LINKER:--version-script=${exports})
   set_target_properties(${name} PROPERTIES

@@ -12,7 +12,7 @@
 #include "vex2/container/CShortValueComp.h"
 #include "vex2/container/CSkippedComp.h"
 #include "vex2/container/CSpectrumChannelComp.h"
-#include "vex2/container/TagTable.h"
+#include "vex2/format/RecordKinds.h"
 #include "vex2/manager/Vex2FileManagerComponent.h"
 #include "vex2/run/AcquisitionDataComp.h"
 #include "vex2/run/ThermocycleProgramComp.h"

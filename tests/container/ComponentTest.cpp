@@ -11,7 +11,7 @@
 #include "vex2/container/CContainerComp.h"
 #include "vex2/container/CSkippedComp.h"
 #include "vex2/container/TagFactory.h"
-#include "vex2/container/TagTable.h"
+#include "vex2/format/RecordKinds.h"
 #include "vex2/run/ThermocycleProgramComp.h"
 
 namespace {

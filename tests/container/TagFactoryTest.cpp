@@ -13,7 +13,7 @@
 #include "vex2/container/CSkippedComp.h"
 #include "vex2/container/CSpectrumChannelComp.h"
 #include "vex2/container/TagFactory.h"
-#include "vex2/container/TagTable.h"
+#include "vex2/format/RecordKinds.h"
 #include "vex2/run/AcquisitionDataComp.h"
 #include "vex2/run/CGlobalComp.h"
 #include "vex2/run/ThermocycleProgramComp.h"

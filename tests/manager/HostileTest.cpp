@@ -14,7 +14,7 @@
 #include "tests/support/TempFolder.h"
 #include "vex2/container/CSkippedComp.h"
 #include "vex2/container/TagFactory.h"
-#include "vex2/container/TagTable.h"
+#include "vex2/format/RecordKinds.h"
 #include "vex2/manager/Vex2FileManager.h"
 #include "vex2/manager/Vex2FileManagerComponent.h"
 

@@ -1,5 +1,5 @@
 #include "tests/tools/DocumentFixture.h"
-#include "tools/vex/document/RecordKinds.h"
+#include "vex2/format/RecordKinds.h"
 
 using testing::HasSubstr;
 
@@ -111,8 +111,7 @@ class CopyOfSamples : public SampleDataTest {
   /// Whether the library knows all kinds in the document, and all its blocks read back once saved.
   static bool canBeSaved(const nlohmann::json& component) {
     if (component["kind"] == "data" && component["version"] < 2) return false;
-    if (component["kind"] != "unknown" &&
-        !tool::IsKnownToLibrary(component["tag"].get<std::string>())) {
+    if (component["kind"] != "unknown" && !vex2::IsKnownTag(component["tag"].get<std::string>())) {
       return false;
     }
     const auto children = component.value("children", nlohmann::json::array());

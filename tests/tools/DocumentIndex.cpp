@@ -11,10 +11,9 @@ namespace vex2::test {
 
 namespace {
 
-using tool::BodyLayout;
-using tool::FileRecord;
+using vex2::FileRecord;
 
-class Indexer final : public tool::RecordVisitor {
+class Indexer final : public vex2::RecordVisitor {
  public:
   Indexer(CFile& file, DocumentIndex& index) : file_(file), index_(index) {}
 
@@ -23,7 +22,7 @@ class Indexer final : public tool::RecordVisitor {
     part.begin = record.offset;
     part.tag = record.Tag();
     part.around = open_.empty() ? "" : index_.parts[open_.back()].tag;
-    part.isKnown = tool::IsKnownToLibrary(record.Tag());
+    part.isKnown = vex2::IsKnownTag(record.Tag());
     part.content = hash(record.Tag());
     open_.push_back(index_.parts.size());
     index_.parts.push_back(part);

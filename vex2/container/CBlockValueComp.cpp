@@ -2,8 +2,9 @@
 
 #include <cstring>
 
-#include "vex2/container/Encoding.h"
-#include "vex2/container/ReadLimits.h"
+#include "vex2/container/Status.h"
+#include "vex2/format/Encoding.h"
+#include "vex2/format/ReadLimits.h"
 
 CBlockValueComp::CBlockValueComp(std::string_view tag) : CComponent(tag) {}
 
@@ -59,9 +60,12 @@ int CBlockValueComp::WriteBody(CFile* file) {
 
 int CBlockValueComp::readBlock(CFile* file) {
   if (file == nullptr) return vex2::kReadFailed;
-  if (!vex2::HasBytesLeft(*file, GetLength())) return vex2::ShortRead(*file);
+  if (!vex2::HasBytesLeft(*file, GetLength())) {
+    static_cast<void>(vex2::ShortRead(*file));
+    return vex2::kReadFailed;
+  }
   data_.reset(GetLength() != 0 ? new std::uint8_t[GetLength()] : nullptr);
-  return vex2::ReadBytes(*file, data_.get(), GetLength());
+  return vex2::ReadExactly(*file, data_.get(), GetLength()) ? vex2::kSuccess : vex2::kReadFailed;
 }
 
 int CBlockValueComp::ReadBody(CFile* file) {

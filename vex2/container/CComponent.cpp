@@ -3,16 +3,12 @@
 #include <algorithm>
 #include <limits>
 
-#include "vex2/container/Encoding.h"
-#include "vex2/container/ReadLimits.h"
 #include "vex2/container/Status.h"
-#include "vex2/container/TagTable.h"
+#include "vex2/format/Encoding.h"
+#include "vex2/format/ReadLimits.h"
+#include "vex2/format/RecordKinds.h"
 
-namespace {
-
-constexpr std::size_t kRecordHead = vex2::kTagLength + sizeof(std::uint32_t);
-
-}  // namespace
+using vex2::kRecordHeadSize;
 
 CComponent::CComponent(std::string_view tag, std::uint32_t length) : length_(length) {
   setTag(tag);
@@ -41,14 +37,14 @@ CComponent& CComponent::Assign(const CComponent& source) {
 int CComponent::Read(CFile* file, std::uint32_t& counter) {
   if (file == nullptr) return vex2::kReadFailed;
   const vex2::NestingGuard nesting;
-  std::array<std::uint8_t, kRecordHead> head{};
-  if (vex2::ReadBytes(*file, head.data(), head.size()) != vex2::kSuccess) return vex2::kNotFound;
+  std::array<std::uint8_t, kRecordHeadSize> head{};
+  if (!vex2::ReadExactly(*file, head.data(), head.size())) return vex2::kNotFound;
   if (nesting.IsTooDeep()) return vex2::kNotFound;
   length_ = vex2::LoadBig<std::uint32_t>(head.data() + vex2::kTagLength);
   const int status = length_ != 0 ? ReadBody(file) : vex2::kSuccess;
   constexpr std::uint64_t kMaxCount = std::numeric_limits<std::uint32_t>::max();
   counter = static_cast<std::uint32_t>(
-      std::min(std::uint64_t{counter} + length_ + kRecordHead, kMaxCount));
+      std::min(std::uint64_t{counter} + length_ + kRecordHeadSize, kMaxCount));
   return status;
 }
 
@@ -60,14 +56,14 @@ int CComponent::Read(CFile* file) {
 int CComponent::Write(CFile* file) {
   if (file == nullptr) return vex2::kWriteFailed;
   file->Write(tag_.data(), tag_.size());
-  vex2::WriteValue(*file, length_);
+  vex2::WriteField(*file, length_);
   // The body's status is not passed on: a refused write is the file's exception.
   if (length_ != 0) static_cast<void>(WriteBody(file));
   return vex2::kSuccess;
 }
 
 std::uint64_t CComponent::GetSize() const {
-  return std::uint64_t{length_} + kRecordHead;
+  return std::uint64_t{length_} + kRecordHeadSize;
 }
 
 void CComponent::AllocateBody() {}

@@ -6,8 +6,9 @@
 #include <utility>
 
 #include "vex2/container/CSkippedComp.h"
-#include "vex2/container/Encoding.h"
+#include "vex2/container/Status.h"
 #include "vex2/container/TagFactory.h"
+#include "vex2/format/Encoding.h"
 
 namespace {
 
@@ -121,14 +122,14 @@ void CContainerComp::FreeBody() {
 
 int CContainerComp::WriteBody(CFile* file) {
   if (file == nullptr) return vex2::kWriteFailed;
-  vex2::WriteValue(*file, count_);
+  vex2::WriteField(*file, count_);
   return WriteChildren(file);
 }
 
 int CContainerComp::ReadBody(CFile* file) {
   if (file == nullptr) return vex2::kReadFailed;
   FreeBody();
-  if (const int status = vex2::ReadValue(*file, count_); status != vex2::kSuccess) return status;
+  if (!vex2::ReadField(*file, count_)) return vex2::kReadFailed;
   return ReadChildren(file);
 }
 

@@ -3,8 +3,9 @@
 #include <algorithm>
 #include <array>
 
-#include "vex2/container/Encoding.h"
-#include "vex2/container/TagTable.h"
+#include "vex2/container/Status.h"
+#include "vex2/format/Encoding.h"
+#include "vex2/format/RecordKinds.h"
 
 CSkippedComp::CSkippedComp() : CComponent({}) {}
 

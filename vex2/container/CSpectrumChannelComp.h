@@ -6,6 +6,6 @@
 /// bytes, a zero at the end included.
 class VEX2_API CSpectrumChannelComp final : public CBlockValueComp {
  public:
-  CSpectrumChannelComp() : CBlockValueComp("SPCH") {}
+  CSpectrumChannelComp();
   int ReadBody(CFile* file) override { return readBlock(file); }
 };

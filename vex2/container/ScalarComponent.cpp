@@ -1,6 +1,7 @@
 #include "vex2/container/ScalarComponent.h"
 
-#include "vex2/container/Encoding.h"
+#include "vex2/container/Status.h"
+#include "vex2/format/Encoding.h"
 
 namespace vex2 {
 
@@ -21,13 +22,13 @@ CComponent& ScalarComponent<Value>::Assign(const CComponent& source) {
 template <typename Value>
 int ScalarComponent<Value>::WriteBody(CFile* file) {
   if (file == nullptr) return kWriteFailed;
-  WriteValue(*file, value_);
+  WriteField(*file, value_);
   return kSuccess;
 }
 
 template <typename Value>
 int ScalarComponent<Value>::ReadBody(CFile* file) {
-  return file == nullptr ? kReadFailed : ReadValue(*file, value_);
+  return file != nullptr && ReadField(*file, value_) ? kSuccess : kReadFailed;
 }
 
 template class ScalarComponent<std::uint8_t>;

@@ -10,7 +10,7 @@
 #include "vex2/container/CShortValueComp.h"
 #include "vex2/container/CSkippedComp.h"
 #include "vex2/container/CSpectrumChannelComp.h"
-#include "vex2/container/TagTable.h"
+#include "vex2/format/RecordKinds.h"
 #include "vex2/run/AcquisitionDataComp.h"
 #include "vex2/run/CGlobalComp.h"
 #include "vex2/run/ThermocycleProgramComp.h"
@@ -22,6 +22,8 @@
 #include "vex2/setup/CRequiredDyesComp.h"
 #include "vex2/study/CMultiPlateComp.h"
 #include "vex2/study/CRQPlateComp.h"
+
+using vex2::Kind;
 
 namespace {
 
@@ -39,52 +41,66 @@ std::unique_ptr<CComponent> own(std::string_view /*tag*/) {
   return std::make_unique<Component>();
 }
 
-// Who makes a row's component; null where no class stands for it.
+// The family for the layout of a body; null where a class of its own is needed, or there is none.
+constexpr Creator creatorFor(vex2::BodyLayout layout) {
+  switch (layout) {
+    case vex2::BodyLayout::kByte:
+      return tagged<CByteValueComp>;
+    case vex2::BodyLayout::kShort:
+      return tagged<CShortValueComp>;
+    case vex2::BodyLayout::kLong:
+      return tagged<CLongValueComp>;
+    case vex2::BodyLayout::kFloat:
+      return tagged<CFloatValueComp>;
+    case vex2::BodyLayout::kText:
+      return tagged<CBlockValueComp>;
+    case vex2::BodyLayout::kList:
+      return tagged<CContainerComp>;
+    case vex2::BodyLayout::kData:
+      return tagged<AcquisitionDataComp>;
+    default:
+      return nullptr;
+  }
+}
+
+struct OwnClass {
+  Kind kind;
+  Creator creator;
+};
+
+// The kinds with behaviour of their own.
+constexpr auto kOwnClasses = std::to_array<OwnClass>({
+    {Kind::kGlobal, own<CGlobalComp>},
+    {Kind::kPureDye, own<CPureDyeComp>},
+    {Kind::kBackground, own<CBackgroundComp>},
+    {Kind::kProgram, own<ThermocycleProgramComp>},
+    {Kind::kSpectrumChannel, own<CSpectrumChannelComp>},
+    {Kind::kPlateSetup, own<CPlateSetupComp>},
+    {Kind::kCell, own<CCellComp>},
+    {Kind::kCalibration, own<CCalibrationComp>},
+    {Kind::kDetectorList, own<CDetectorListComp>},
+    {Kind::kDetector, own<CDetectorExtensionComp>},
+    {Kind::kColor, own<CColorComp>},
+    {Kind::kRequiredDyes, own<CRequiredDyesComp>},
+    {Kind::kPlates, own<CMultiPlateComp>},
+    {Kind::kPlate, own<CRQPlateComp>},
+});
+
 constexpr auto makeCreators() {
   std::array<Creator, vex2::kTagRowCount> creators{};
-  for (const int row : {2, 3, 7, 8, 17, 18, 25, 39, 61, 62}) {
-    creators.at(static_cast<std::size_t>(row)) = tagged<CByteValueComp>;
+  for (const vex2::RecordKind& kind : vex2::kRecordKinds) {
+    creators[static_cast<std::size_t>(kind.kind)] = creatorFor(kind.layout);
   }
-  for (const int row : {6, 9, 23, 24, 28, 32, 58, 59, 63, 76}) {
-    creators.at(static_cast<std::size_t>(row)) = tagged<CShortValueComp>;
+  for (const OwnClass& each : kOwnClasses) {
+    creators[static_cast<std::size_t>(each.kind)] = each.creator;
   }
-  for (const int row : {1, 13, 15, 33, 54, 55, 72, 73}) {
-    creators.at(static_cast<std::size_t>(row)) = tagged<CLongValueComp>;
-  }
-  for (const int row : {31, 38, 60, 66}) {
-    creators.at(static_cast<std::size_t>(row)) = tagged<CFloatValueComp>;
-  }
-  for (const int row :
-       {4, 5, 16, 26, 27, 36, 37, 41, 48, 49, 50, 51, 52, 56, 57, 65, 70, 71, 74, 75}) {
-    creators.at(static_cast<std::size_t>(row)) = tagged<CBlockValueComp>;
-  }
-  for (const int row : {12, 20, 29, 30, 35}) {
-    creators.at(static_cast<std::size_t>(row)) = tagged<CContainerComp>;
-  }
-  for (const int row : {34, 42, 43, 44, 45}) {
-    creators.at(static_cast<std::size_t>(row)) = tagged<AcquisitionDataComp>;
-  }
-  creators[0] = own<CGlobalComp>;
-  creators[10] = own<CPureDyeComp>;
-  creators[11] = own<CBackgroundComp>;
-  creators[14] = own<ThermocycleProgramComp>;
-  creators[19] = own<CSpectrumChannelComp>;
-  creators[21] = own<CPlateSetupComp>;
-  creators[22] = own<CCellComp>;
-  creators[40] = own<CCalibrationComp>;
-  creators[46] = own<CDetectorListComp>;
-  creators[47] = own<CDetectorExtensionComp>;
-  creators[53] = own<CColorComp>;
-  creators[64] = own<CRequiredDyesComp>;
-  creators[68] = own<CMultiPlateComp>;
-  creators[69] = own<CRQPlateComp>;
   return creators;
 }
 
 constexpr auto kCreators = makeCreators();
 
-// Row 67, "MDPW", never had a class: documents that hold one are read as if they did not.
-static_assert(kCreators[67] == nullptr);
+// "MDPW" never had a class: documents that hold one are read as if they did not.
+static_assert(kCreators[static_cast<std::size_t>(Kind::kMaxDyesPerWell)] == nullptr);
 
 }  // namespace
 

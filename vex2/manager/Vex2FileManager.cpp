@@ -6,11 +6,12 @@
 
 #include "vex2/container/CSkippedComp.h"
 #include "vex2/container/TagFactory.h"
-#include "vex2/container/TagTable.h"
+#include "vex2/format/RecordKinds.h"
 #include "vex2/framework/DescribeClass.h"
 #include "vex2/framework/PathNames.h"
 #include "vex2/manager/Module.h"
 #include "vex2/manager/OrNothing.h"
+#include "vex2/storage/FailedSyncs.h"
 
 namespace {
 
@@ -18,9 +19,9 @@ const vex2::ModuleEntry moduleEntry;
 
 }  // namespace
 
-Vex2FileManager::Vex2FileManager() = default;
+Vex2FileManager::Vex2FileManager() : failedSyncs_(std::make_unique<vex2::FailedSyncs>()) {}
 
-Vex2FileManager::Vex2FileManager(const Vex2FileManager& other) : CFile() {
+Vex2FileManager::Vex2FileManager(const Vex2FileManager& other) : Vex2FileManager() {
   deepCopy(other);
 }
 

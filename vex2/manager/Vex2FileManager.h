@@ -33,6 +33,10 @@
 #include "vex2/study/TAGPROBE.h"
 #include "vex2/study/VexAnalysis.h"
 
+namespace vex2 {
+class FailedSyncs;
+}  // namespace vex2
+
 class AcquisitionDataComp;
 class CCalibrationComp;
 class CGlobalComp;
@@ -148,7 +152,7 @@ class VEX2_API Vex2FileManager : public CFile {
   int GetHeaderRows() const { return header_.rows; }
   int GetHeaderCols() const { return header_.columns; }
   /// Always 1024.
-  int GetHeaderBytes() const { return kHeaderBytes; }
+  int GetHeaderBytes() const;
   void SetFilePath(const char* path);
 
   // Tests on the open file; false when it is not open or is no "Vex2" document. They move the
@@ -529,8 +533,6 @@ class VEX2_API Vex2FileManager : public CFile {
   bool LoadSpectrum(KestorSpectrum* spectrum, const char* plateName) const;
 
  protected:
-  static constexpr int kHeaderBytes = 1024;
-
   /// Copies header, path and components; what the manager held must be gone.
   void deepCopy(const Vex2FileManager& source);
   /// The same for a manager that exists; where memory runs out, nothing is copied.
@@ -613,14 +615,8 @@ class VEX2_API Vex2FileManager : public CFile {
   std::unique_ptr<VexAnalysis> ownAnalysis_;
 
  private:
-  static constexpr std::uint64_t kAcquisitionDataOffsetAt = 68;
-
   struct BlockGeometry;
   struct ReportingBlocks;
-  struct DistrustedFile {
-    Identity identity;
-    bool told;  // the user knows
-  };
   struct PartlyRead {
     vex2::ReadFault fault;
     Identity identity;
@@ -659,23 +655,15 @@ class VEX2_API Vex2FileManager : public CFile {
   int commitFrame(AcquisitionDataComp& block, int frameIndex, std::uint32_t offset);
   int appendFrame(AcquisitionDataComp& block, int frameIndex, std::uint32_t offset);
   void patchWord(std::uint64_t offset, std::uint32_t word);
-  /// A data barrier. The file whose barrier failed is not trusted any more: what the system could
-  /// not store it may have dropped, and a later barrier would not tell.
+  /// A data barrier. Remembers the file when it fails.
   void barrier();
-  bool isDistrusted() const;
-  /// For a file that is stored whole, or gone.
-  void trustAgain(const Identity& stored) noexcept;
-  /// `CloseReplacement`, whose two files are then trusted: a new one may have the number of one
-  /// that is gone.
+  /// `CloseReplacement`, after which both files may be changed again: a new file may have the
+  /// number of one that is gone.
   void finishReplacement();
-  /// True, with the file closed and the user told, when the open file is not trusted.
+  /// True, with the file closed and the user told, when a sync of the open file has failed.
   bool refusesChanges();
-  /// Where the next frame of `block` belongs, or the block itself where the header leads to none:
-  /// the file's end, but in front of what a commit that was cut short left there.
-  std::uint64_t endOfWhatCounts(const AcquisitionDataComp& block, std::uint32_t offset);
-  std::uint64_t endOfFrames(const AcquisitionDataComp& block, std::uint32_t offset);
-  std::uint64_t endOfRecords(const AcquisitionDataComp& block);
-  bool isLeftover(const AcquisitionDataComp& block, std::uint64_t start);
+  /// Where the next frame of `block` is to be written, or the block itself when `offset` is 0.
+  std::uint64_t committedEnd(const AcquisitionDataComp& block, std::uint32_t offset);
   /// Changes the open file with `write`, as a whole: what it is given has the first `kept` bytes of
   /// the file at least, and takes its place when all is written. Where that cannot serve it is the
   /// file itself.
@@ -703,7 +691,7 @@ class VEX2_API Vex2FileManager : public CFile {
   CString filePath_;
   PartlyRead partlyRead_;
   std::uint64_t recordStart_ = 0;  // of the record that is being read
-  std::vector<DistrustedFile> distrusted_;
+  std::unique_ptr<vex2::FailedSyncs> failedSyncs_;
   // What the last commit that succeeded left: which file, and how long.
   Identity committedFile_;
   std::uint64_t committedLength_ = 0;

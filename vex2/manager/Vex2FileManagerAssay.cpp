@@ -3,34 +3,17 @@
 #include <algorithm>
 #include <array>
 
+#include "vex2/format/HeaderLayout.h"
+#include "vex2/format/RecordKinds.h"
 #include "vex2/manager/OrNothing.h"
 #include "vex2/manager/Vex2FileManagerComponent.h"
 #include "vex2/setup/CCalibrationComp.h"
 
+using vex2::Assay;
+using vex2::Kind;
+using vex2::TagOf;
+
 namespace {
-
-enum AssayNumber {
-  kBackground = 950,
-  kPureSpectra = 951,
-  kAbsolute = 1000,
-  kRelativePlate = 1001,
-  kRelativeStudy = 1002,
-  kAllelic = 1003,
-  kPlusMinus = 1004,
-};
-
-struct AssayType {
-  std::string_view code;
-  int number;
-};
-
-constexpr std::array<AssayType, 7> kAssayTypes = {{{"BGND", kBackground},
-                                                   {"PDye", kPureSpectra},
-                                                   {"AbsQ", kAbsolute},
-                                                   {"RelQ", kRelativePlate},
-                                                   {"RQSt", kRelativeStudy},
-                                                   {"AllD", kAllelic},
-                                                   {"+/- ", kPlusMinus}}};
 
 CString upperNameOf(const Vex2DyeSpectrum& dye) {
   const std::string_view name(dye.name, dye.name != nullptr ? dye.nameLength : 0);
@@ -58,32 +41,32 @@ void appendDye(CObList& list, const Vex2DyeSpectrum& dye) {
 
 bool Vex2FileManager::IsAssayType(int type) const {
   const std::string_view code(header_.assayCode, sizeof header_.assayCode);
-  for (const auto& row : kAssayTypes) {
-    if (row.code == code) return row.number == type;
+  for (const vex2::AssayCode& assay : Assay::kAll) {
+    if (assay.code == code) return assay.number == type;
   }
   return type == 0;
 }
 
 bool Vex2FileManager::IsBackground() const {
-  return IsAssayType(kBackground);
+  return IsAssayType(Assay::kBackground.number);
 }
 bool Vex2FileManager::IsPureSpectra() const {
-  return IsAssayType(kPureSpectra);
+  return IsAssayType(Assay::kPureSpectra.number);
 }
 bool Vex2FileManager::IsAQ() const {
-  return IsAssayType(kAbsolute);
+  return IsAssayType(Assay::kAbsolute.number);
 }
 bool Vex2FileManager::IsRQP() const {
-  return IsAssayType(kRelativePlate);
+  return IsAssayType(Assay::kRelativePlate.number);
 }
 bool Vex2FileManager::IsRQS() const {
-  return IsAssayType(kRelativeStudy);
+  return IsAssayType(Assay::kRelativeStudy.number);
 }
 bool Vex2FileManager::IsAD() const {
-  return IsAssayType(kAllelic);
+  return IsAssayType(Assay::kAllelic.number);
 }
 bool Vex2FileManager::IsPM() const {
-  return IsAssayType(kPlusMinus);
+  return IsAssayType(Assay::kPlusMinus.number);
 }
 bool Vex2FileManager::IsRealTime() const {
   return IsAQ() || IsRQP() || IsRQS();
@@ -93,7 +76,7 @@ bool Vex2FileManager::IsPlateRead() const {
 }
 
 bool Vex2FileManager::LoadDyeList(CObList* list) const {
-  const auto* calibration = find<CCalibrationComp>("CALI");
+  const auto* calibration = find<CCalibrationComp>(TagOf(Kind::kCalibration));
   if (list == nullptr || calibration == nullptr) return false;
   const auto* pureDye = calibration->Find<CPureDyeComp>();
   if (pureDye == nullptr) return true;

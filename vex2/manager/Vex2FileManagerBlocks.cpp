@@ -5,8 +5,9 @@
 #include <optional>
 
 #include "vex2/container/CSkippedComp.h"
-#include "vex2/container/Encoding.h"
-#include "vex2/container/TagTable.h"
+#include "vex2/format/Encoding.h"
+#include "vex2/format/HeaderLayout.h"
+#include "vex2/format/RecordWalker.h"
 #include "vex2/framework/CWaitCursor.h"
 #include "vex2/manager/TracedTime.h"
 #include "vex2/manager/Vex2FileManager.h"
@@ -75,7 +76,7 @@ int Vex2FileManager::AppendAcquisitionDataBlock(const char* path, const Vex2Acqu
   return appendToOpenFile([&] {
     std::uint32_t offset = 0;
     const bool isFirst = isReadable && readAcqDataOffset(offset) == kSuccess && offset == 0;
-    return writeRawData(*block, isFirst ? endOfWhatCounts(*block, offset) : GetLength());
+    return writeRawData(*block, isFirst ? committedEnd(*block, offset) : GetLength());
   });
 }
 
@@ -84,9 +85,8 @@ int Vex2FileManager::writeRawData(AcquisitionDataComp& block, std::uint64_t plac
   Seek(position, begin);
   // Until all of it is on the disk, the block goes without its tag and is stepped over by whoever
   // reads the document: its length may get there before its frames. The header leads to it last.
-  constexpr std::array<char, vex2::kTagLength> kNoTag{};
-  Write(kNoTag.data(), kNoTag.size());
-  vex2::WriteValue(*this, block.GetLength());
+  Write(vex2::kUncommittedTag.data(), vex2::kUncommittedTag.size());
+  vex2::WriteField(*this, block.GetLength());
   static_cast<void>(block.WriteBody(this));
   if (GetLength() > GetPosition()) SetLength(GetPosition());
   barrier();
@@ -130,7 +130,7 @@ int Vex2FileManager::replaceRawData(const char* path, AcquisitionDataComp& block
 
 int Vex2FileManager::overwriteRawData(AcquisitionDataComp& block, std::uint32_t offset) {
   if (offset == 0) {
-    const std::uint64_t place = endOfWhatCounts(block, offset);
+    const std::uint64_t place = committedEnd(block, offset);
     return writeAtEnd([&] { return writeRawData(block, place); });
   }
   return rewrite(offset, [&] {
@@ -178,19 +178,16 @@ int Vex2FileManager::rewriteReportingData(AcquisitionDataComp& block, ReportingB
 }
 
 long Vex2FileManager::findReporterCompOffset(Vex2DataType type) {
-  if (GetLength() <= kHeaderBytes) return 0;
-  Seek(kHeaderBytes, begin);
-  std::uint64_t remaining = GetLength() - kHeaderBytes;
-  while (remaining > 0) {
-    const auto position = static_cast<long>(GetPosition());
-    std::array<char, vex2::kTagLength> tag{};
-    if (vex2::ReadBytes(*this, tag.data(), tag.size()) != kSuccess) return 0;
-    const int row = vex2::FindTagIndex({tag.data(), tag.size()});
-    if (row >= 0 && row == static_cast<int>(type)) return position;
-    std::uint32_t length = 0;
-    if (vex2::ReadValue(*this, length) != kSuccess) return 0;
-    Seek(length, current);
-    remaining -= std::min(remaining, std::uint64_t{length} + 8);
+  if (GetLength() <= vex2::HeaderLayout::kSize) return 0;
+  vex2::DeclaredRecords records(*this, vex2::HeaderLayout::kSize);
+  bool isWhole = true;
+  while (isWhole) {
+    isWhole = records.Next();
+    // Sic: a tag that the file ends behind is found as well.
+    if (!isWhole && !records.EndsInHead()) return 0;
+    const int row = vex2::FindTagIndex(records.Record().Tag());
+    if (row >= 0 && row == static_cast<int>(type))
+      return static_cast<long>(records.Record().offset);
   }
   return 0;
 }

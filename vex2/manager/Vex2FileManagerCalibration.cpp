@@ -2,17 +2,21 @@
 
 #include <array>
 
-#include "vex2/container/Encoding.h"
-#include "vex2/container/ReadLimits.h"
+#include "vex2/format/Encoding.h"
+#include "vex2/format/HeaderLayout.h"
+#include "vex2/format/ReadLimits.h"
+#include "vex2/format/RecordWalker.h"
 #include "vex2/manager/Vex2FileManager.h"
 #include "vex2/setup/CCalibrationComp.h"
 
+using vex2::Kind;
 using vex2::kNotFound;
 using vex2::kSuccess;
+using vex2::TagOf;
 
 namespace {
 
-constexpr const char* kTag = "CALI";
+constexpr std::string_view kTag = TagOf(Kind::kCalibration);
 
 // Copies a part into the caller's record and says whether there was one.
 template <typename Component, typename Record>
@@ -111,23 +115,18 @@ int Vex2FileManager::patchBackground(CCalibrationComp& calibration, std::uint64_
 // The position of the first background that stands alone in the open file, 0 when there is none.
 int Vex2FileManager::findBackground(std::uint32_t length, std::uint64_t& position) {
   const bool isDocument = IsVex2Format();
-  Seek(kHeaderBytes, begin);
-  while (GetRemaining() > 0) {
-    const std::uint64_t start = GetPosition();
-    std::array<char, 4> tag{};
-    std::uint32_t found = 0;
-    if (vex2::ReadBytes(*this, tag.data(), tag.size()) != kSuccess) return kNotFound;
-    if (vex2::ReadValue(*this, found) != kSuccess) return kNotFound;
-    if (std::string_view(tag.data(), tag.size()) == CBackgroundComp::kTag) {
-      position = start;
-      return found == length ? kSuccess : vex2::kSizeDiffers;
+  vex2::DeclaredRecords records(*this, vex2::HeaderLayout::kSize);
+  while (records.Next()) {
+    const vex2::FileRecord& record = records.Record();
+    if (record.Tag() == CBackgroundComp::kTag) {
+      position = record.offset;
+      return record.length == length ? kSuccess : vex2::kSizeDiffers;
     }
     // What was appended behind a record that the document does not hold whole would be lost in it.
     // A file without a header holds no records there.
-    if (isDocument && !vex2::HasBytesLeft(*this, found)) return kNotFound;
-    Seek(found, current);
+    if (isDocument && !vex2::HasBytesLeft(*this, record.length)) return kNotFound;
   }
-  return kSuccess;
+  return records.EndsInHead() ? kNotFound : kSuccess;
 }
 
 int Vex2FileManager::RemoveCalibComponents(bool pureDye, bool background) {

@@ -5,10 +5,13 @@
 
 #include "vex2/container/CLongValueComp.h"
 #include "vex2/container/TagFactory.h"
-#include "vex2/container/TagTable.h"
+#include "vex2/format/HeaderLayout.h"
+#include "vex2/format/RecordKinds.h"
 #include "vex2/framework/DescribeClass.h"
 
+using vex2::Kind;
 using vex2::kSuccess;
+using vex2::TagOf;
 
 Vex2FileManagerComponent::Vex2FileManagerComponent() = default;
 
@@ -62,8 +65,8 @@ int Vex2FileManagerComponent::writeHeader(CFile& file) {
   std::uint32_t written = 0;
   const int status = WriteHeaderDataHelper(written, &file);
   // A table that passes the header's size on its own gets no padding.
-  if (written < kHeaderBytes) {
-    const std::vector<std::uint8_t> padding(kHeaderBytes - written, 0xFF);
+  if (written < vex2::HeaderLayout::kSize) {
+    const std::vector<std::uint8_t> padding(vex2::HeaderLayout::kSize - written, 0xFF);
     file.Write(padding.data(), padding.size());
   }
   return status;
@@ -81,7 +84,7 @@ int Vex2FileManagerComponent::writePlate(CFile& file) {
   for (int index = 0; index < GetAllComponentCount() && status == kSuccess; ++index) {
     status = GetComponent(index)->Write(&file);
   }
-  static_cast<void>(CLongValueComp("EOPl").Write(&file));
+  static_cast<void>(CLongValueComp(TagOf(Kind::kEndOfPlate)).Write(&file));
   return status;
 }
 
@@ -104,7 +107,7 @@ int Vex2FileManagerComponent::readComponents(CFile& file) {
       return vex2::kReadFailed;
     }
     const std::string_view tag(bytes.data(), bytes.size());
-    if (tag == "EOF " || tag == "Vex2") return status;
+    if (tag == TagOf(Kind::kEndOfFile) || tag == vex2::kMagic) return status;
     std::unique_ptr<CComponent> component;
     // What is not known is stepped over tag by tag, until something is.
     if (CreateComponent(tag, component) == 0) {
@@ -113,7 +116,7 @@ int Vex2FileManagerComponent::readComponents(CFile& file) {
     }
     file.Seek(-static_cast<std::int64_t>(tag.size()), current);
     status = component->Read(&file);
-    if (tag == "EOPl") return status;
+    if (tag == TagOf(Kind::kEndOfPlate)) return status;
     if (status == kSuccess) {
       appendComponent(std::move(component));
     } else {

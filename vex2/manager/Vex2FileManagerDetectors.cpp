@@ -1,14 +1,17 @@
 // The list of detectors.
 
+#include "vex2/format/RecordKinds.h"
 #include "vex2/manager/Vex2FileManager.h"
 #include "vex2/setup/CDetectorListComp.h"
 
+using vex2::Kind;
 using vex2::kNotFound;
 using vex2::kSuccess;
+using vex2::TagOf;
 
 namespace {
 
-constexpr const char* kTag = "DETL";
+constexpr std::string_view kTag = TagOf(Kind::kDetectorList);
 
 }  // namespace
 

@@ -1,14 +1,17 @@
 // The dyes that a run requires.
 
+#include "vex2/format/RecordKinds.h"
 #include "vex2/manager/Vex2FileManager.h"
 #include "vex2/setup/CRequiredDyesComp.h"
 
+using vex2::Kind;
 using vex2::kNotFound;
 using vex2::kSuccess;
+using vex2::TagOf;
 
 namespace {
 
-constexpr const char* kTag = "RqDy";
+constexpr std::string_view kTag = TagOf(Kind::kRequiredDyes);
 
 }  // namespace
 

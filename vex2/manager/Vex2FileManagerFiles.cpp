@@ -8,13 +8,16 @@
 #include "vex2/container/CLongValueComp.h"
 #include "vex2/container/CSkippedComp.h"
 #include "vex2/container/TagFactory.h"
-#include "vex2/container/TagTable.h"
+#include "vex2/format/HeaderLayout.h"
+#include "vex2/format/RecordKinds.h"
 #include "vex2/framework/CWaitCursor.h"
 #include "vex2/manager/FileChooser.h"
 #include "vex2/manager/TracedTime.h"
 #include "vex2/manager/Vex2FileManager.h"
 
+using vex2::Kind;
 using vex2::kSuccess;
+using vex2::TagOf;
 
 namespace {
 
@@ -22,8 +25,10 @@ constexpr char kFilter[] = "Vex Files\0*.vex\0All Files\0*.*\0";
 constexpr const char* kExtension = "vex";
 
 // A study keeps its own settings and its plates; all else would be a plate's.
-constexpr std::array<std::string_view, 8> kStudyTags = {"DETL", "GLBL", "CALR", "ENDO",
-                                                        "RQAT", "Conf", "MPLC", "TPro"};
+constexpr std::array<std::string_view, 8> kStudyTags = {
+    TagOf(Kind::kDetectorList), TagOf(Kind::kGlobal),       TagOf(Kind::kCalibrator),
+    TagOf(Kind::kEndoControl),  TagOf(Kind::kAnalysisType), TagOf(Kind::kConfidence),
+    TagOf(Kind::kPlates),       TagOf(Kind::kProgram)};
 
 // Asks for a path where none is given. False when the user cancelled.
 bool choosePath(const char*& path, bool dialog, const char* title, CString& chosen) {
@@ -195,14 +200,14 @@ int Vex2FileManager::readComponents(CFile& file) {
   noteSource(file.CFile::GetFilePath());
   const int status = ReadHeaderData(&file);
   if (status != kSuccess) noteFault(0, "it is no \"Vex2\" document");
-  if (file.GetLength() < kHeaderBytes) noteFault(file.GetLength(), "it ends within the header");
-  if (status != kSuccess || file.GetLength() <= kHeaderBytes) return status;
+  if (file.GetLength() < vex2::HeaderLayout::kSize) noteFault(file.GetLength(), "it ends within the header");
+  if (status != kSuccess || file.GetLength() <= vex2::HeaderLayout::kSize) return status;
   return readRecords(file);
 }
 
 int Vex2FileManager::readRecords(CFile& file) {
   int status = kSuccess;
-  std::uint64_t remaining = file.GetLength() - kHeaderBytes;
+  std::uint64_t remaining = file.GetLength() - vex2::HeaderLayout::kSize;
   while (remaining > 0) {
     recordStart_ = file.GetPosition();
     std::array<char, vex2::kTagLength> tag{};
@@ -218,7 +223,8 @@ int Vex2FileManager::readRecords(CFile& file) {
     std::uint32_t size = 0;
     const int read = component->Read(&file, size);
     // The length of a study's plates grows with every save and in the end is more than they have.
-    if (component->GetTag() == "MPLC") size = static_cast<std::uint32_t>(GetPosition() - start);
+    if (component->GetTag() == TagOf(Kind::kPlates))
+      size = static_cast<std::uint32_t>(GetPosition() - start);
     if (known) {
       status = read;
       if (status != kSuccess) break;
@@ -254,7 +260,7 @@ int Vex2FileManager::WriteComponentFile(CFile* file) {
       status = component->Write(&target);
       UpdateHeaderOffsets(*component);
     }
-    if (IsRQS()) static_cast<void>(CLongValueComp("EOF ").Write(&target));
+    if (IsRQS()) static_cast<void>(CLongValueComp(TagOf(Kind::kEndOfFile)).Write(&target));
     return status;
   });
 }

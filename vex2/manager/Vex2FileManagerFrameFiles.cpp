@@ -1,7 +1,9 @@
 // Frames read straight from a file, without loading the document.
 
-#include "vex2/container/Encoding.h"
-#include "vex2/container/TagTable.h"
+#include "vex2/format/DataBlockHead.h"
+#include "vex2/format/Encoding.h"
+#include "vex2/format/ReadLimits.h"
+#include "vex2/format/RecordKinds.h"
 #include "vex2/manager/Vex2FileManager.h"
 #include "vex2/run/AcquisitionDataComp.h"
 #include "vex2/run/WellRecordCoding.h"
@@ -20,24 +22,17 @@ int Vex2FileManager::readGeometry(long blockOffset, BlockGeometry& geometry) {
   if (blockOffset <= 0) return kSuccess;
   Seek(blockOffset + static_cast<long>(vex2::kTagLength), begin);
   std::uint32_t length = 0;
-  std::uint16_t version = 0;
-  std::uint16_t timeBlockSize = 0;
-  std::uint16_t wells = 0;
-  int status = vex2::ReadValue(*this, length);
-  if (status == kSuccess) status = vex2::ReadValue(*this, version);
-  if (status == kSuccess) status = vex2::ReadValue(*this, timeBlockSize);
-  if (status != kSuccess) return status;
-  Seek(timeBlockSize, current);
-  status = vex2::ReadValue(*this, wells);
-  if (status != kSuccess || wells == 0) return status;
-  // The time block was stepped over by its size, but frames are looked for where they stand behind
-  // one of twelve bytes: all documents have that, and hosts count on the position.
-  const std::uint64_t head = AcquisitionDataComp::kFixedLength + 2U * std::uint64_t{wells};
-  geometry.wellCount = wells;
-  geometry.firstFrame = head + 8;
-  if (length > head) {
-    geometry.frameCount = (length - head) / (vex2::kStoredRecordSize * wells);
+  vex2::DataBlockHead head;
+  if (!vex2::ReadField(*this, length) ||
+      !vex2::ReadDataBlockHead(*this, vex2::TimeBlock::kAsStated, head)) {
+    return vex2::kReadFailed;
   }
+  if (head.wells == 0) return kSuccess;
+  // The reader above steps over a time block of any size, but frames are expected behind one of
+  // twelve bytes: all documents have that, and hosts rely on the offset.
+  geometry.wellCount = head.wells;
+  geometry.firstFrame = vex2::kRecordHeadSize + vex2::FramesOffset(head.wells);
+  geometry.frameCount = vex2::WholeFrames(length, head.wells);
   return kSuccess;
 }
 
@@ -46,7 +41,7 @@ int Vex2FileManager::readAFrame(int frameIndex, Vex2FrameData* frame, long block
   if (const int status = readGeometry(blockOffset, geometry); status != kSuccess) return status;
   const auto index = static_cast<std::uint64_t>(frameIndex);
   if (geometry.firstFrame < 1 || frameIndex < 0 || index >= geometry.frameCount) return kSuccess;
-  const std::uint64_t frameSize = vex2::kStoredRecordSize * geometry.wellCount;
+  const std::uint64_t frameSize = vex2::FrameSize(geometry.wellCount);
   const auto block = static_cast<std::uint64_t>(blockOffset);
   Seek(static_cast<std::int64_t>(block + geometry.firstFrame + frameSize * index), begin);
   Vex2FrameData unwanted;

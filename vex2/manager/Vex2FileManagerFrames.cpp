@@ -2,8 +2,9 @@
 
 #include <array>
 
-#include "vex2/container/Encoding.h"
-#include "vex2/container/TagTable.h"
+#include "vex2/format/Encoding.h"
+#include "vex2/format/HeaderLayout.h"
+#include "vex2/format/RecordKinds.h"
 #include "vex2/framework/Host.h"
 #include "vex2/manager/OrNothing.h"
 #include "vex2/manager/Vex2FileManagerComponent.h"
@@ -23,7 +24,7 @@ constexpr const char* kNotInitialised =
 std::uint32_t wordAt(CFile& file, std::uint64_t offset) {
   std::uint32_t word = 0;
   file.Seek(static_cast<std::int64_t>(offset), CFile::begin);
-  static_cast<void>(vex2::ReadValue(file, word));
+  static_cast<void>(vex2::ReadField(file, word));
   return word;
 }
 
@@ -81,7 +82,7 @@ int Vex2FileManager::CommitAcqDataFrame(const char* path, int frameIndex, Vex2Da
 int Vex2FileManager::commitFrame(AcquisitionDataComp& block, int frameIndex, std::uint32_t offset) {
   // What makes the frame count: the block's length, or for a new block its position.
   const std::uint64_t patchedAt =
-      offset != 0 ? std::uint64_t{offset} + vex2::kTagLength : kAcquisitionDataOffsetAt;
+      offset != 0 ? std::uint64_t{offset} + vex2::kTagLength : vex2::HeaderLayout::kRawDataOffsetAt;
   const std::uint64_t fileLength = GetLength();
   const std::uint32_t oldWord = wordAt(*this, patchedAt);
   const std::uint32_t heldOffset = header_.acquisitionDataOffset;
@@ -105,7 +106,7 @@ int Vex2FileManager::commitFrame(AcquisitionDataComp& block, int frameIndex, std
 }
 
 int Vex2FileManager::appendFrame(AcquisitionDataComp& block, int frameIndex, std::uint32_t offset) {
-  const std::uint64_t place = endOfWhatCounts(block, offset);
+  const std::uint64_t place = committedEnd(block, offset);
   if (offset == 0) return writeRawData(block, place);
   Seek(static_cast<std::int64_t>(place), begin);
   if (const int result = block.WriteFrame(*this, frameIndex); result != kSuccess) return result;
@@ -119,7 +120,7 @@ int Vex2FileManager::appendFrame(AcquisitionDataComp& block, int frameIndex, std
 
 void Vex2FileManager::patchWord(std::uint64_t offset, std::uint32_t word) {
   Seek(static_cast<std::int64_t>(offset), begin);
-  vex2::WriteValue(*this, word);
+  vex2::WriteField(*this, word);
   barrier();
 }
 

@@ -1,96 +1,44 @@
 // The header record in the file, and the tests of a document's kind.
 
+#include <array>
 #include <cerrno>
-#include <cstring>
 #include <limits>
 
-#include "vex2/container/Encoding.h"
+#include "vex2/format/Encoding.h"
+#include "vex2/format/HeaderLayout.h"
+#include "vex2/format/RecordKinds.h"
 #include "vex2/manager/Vex2FileManager.h"
 
+using vex2::HeaderLayout;
+using vex2::Kind;
+using vex2::KindMarker;
 using vex2::kSuccess;
+using vex2::TagOf;
 
-namespace {
-
-constexpr std::uint32_t kFixedHeaderBytes = 72;
-constexpr std::uint64_t kThermocycleOffsetAt = 24;
-constexpr std::uint64_t kKindMarkerAt = 60;
-
-// Takes fields from the file. What the file is too short for keeps its value.
-class FieldReader {
- public:
-  explicit FieldReader(CFile& file) : file_(file) {}
-
-  template <std::size_t Size>
-  void Text(char (&field)[Size]) {
-    static_cast<void>(vex2::ReadBytes(file_, field, Size));
-  }
-  template <typename Value>
-  void Number(Value& field) {
-    static_cast<void>(vex2::ReadValue(file_, field));
-  }
-
- private:
-  CFile& file_;
-};
-
-class FieldWriter {
- public:
-  explicit FieldWriter(CFile& file) : file_(file) {}
-
-  template <std::size_t Size>
-  void Text(const char (&field)[Size]) {
-    file_.Write(field, Size);
-  }
-  template <typename Value>
-  void Number(Value field) {
-    vex2::WriteValue(file_, field);
-  }
-
- private:
-  CFile& file_;
-};
-
-// The fields in the order in which they stand in the file, without the usage table.
-template <typename Fields, typename Header, typename Rows>
-void exchange(Fields& fields, Header& header, Rows& rows) {
-  fields.Text(header.magic);
-  fields.Number(header.formatA);
-  fields.Number(header.formatB);
-  fields.Text(header.assayCode);
-  fields.Text(header.runCode);
-  fields.Text(header.plateTypeCode);
-  fields.Number(rows);
-  fields.Number(header.columns);
-  fields.Number(header.thermocycleOffset);
-  fields.Number(header.flagG);
-  fields.Text(header.text);
-  fields.Text(header.kindMarker);
-  fields.Text(header.acquisitionStatus);
-  fields.Number(header.acquisitionDataOffset);
+int Vex2FileManager::GetHeaderBytes() const {
+  return static_cast<int>(HeaderLayout::kSize);
 }
-
-}  // namespace
 
 bool Vex2FileManager::hasMarker(std::uint64_t offset, std::string_view marker) {
   if (!IsOpen()) return false;
-  char found[4] = {};
-  const int status = guarded(vex2::kReadFailed, [&] {
+  std::array<char, vex2::kCodeLength> found{};
+  const int isRead = guarded(0, [&] {
     Seek(static_cast<std::int64_t>(offset), begin);
-    return vex2::ReadBytes(*this, found, sizeof found);
+    return vex2::ReadExactly(*this, found.data(), found.size()) ? 1 : 0;
   });
-  return status == kSuccess && marker == std::string_view(found, sizeof found);
+  return isRead == 1 && marker == std::string_view(found.data(), found.size());
 }
 
 bool Vex2FileManager::IsVex2Format() {
-  return hasMarker(0, "Vex2");
+  return hasMarker(HeaderLayout::kMagicAt, vex2::kMagic);
 }
 
 bool Vex2FileManager::IsBlueLightSpecialFile() {
-  return IsVex2Format() && hasMarker(kKindMarkerAt, "Blue");
+  return IsVex2Format() && hasMarker(HeaderLayout::kKindMarkerAt, KindMarker::kBlueLight);
 }
 
 bool Vex2FileManager::IsKestorFile() {
-  return IsVex2Format() && hasMarker(kKindMarkerAt, "Kest");
+  return IsVex2Format() && hasMarker(HeaderLayout::kKindMarkerAt, KindMarker::kKestor);
 }
 
 int Vex2FileManager::ReadHeaderData(CFile* file) {
@@ -109,16 +57,17 @@ int Vex2FileManager::ReadHeaderData(Vex2HeaderData& header, CFile* file) {
 int Vex2FileManager::ReadHeaderDataHelper(Vex2HeaderData& header, CFile* file) {
   CFile& source = file != nullptr ? *file : *this;
   const std::uint64_t start = source.GetPosition();
-  FieldReader fields(source);
+  vex2::HeaderBytes bytes{};
+  const vex2::HeaderFieldReader fields(bytes, source.Read(bytes.data(), bytes.size()));
   std::uint16_t rows = 0;
-  exchange(fields, header, rows);
+  vex2::ExchangeHeaderFields(fields, header, rows);
   header.SetRows(rows);
-  for (std::uint16_t row = 0; row < rows && source.GetRemaining() > 0; ++row) {
-    fields.Number(header.usage[row]);
+  for (std::uint16_t row = 0; row < rows; ++row) {
+    if (!vex2::ReadField(source, header.usage[row])) break;
   }
   const std::uint64_t consumed = source.GetPosition() - start;
-  if (consumed < kHeaderBytes) {
-    source.Seek(static_cast<std::int64_t>(kHeaderBytes - consumed), current);
+  if (consumed < vex2::HeaderLayout::kSize) {
+    source.Seek(static_cast<std::int64_t>(vex2::HeaderLayout::kSize - consumed), current);
   }
   return kSuccess;
 }
@@ -131,22 +80,24 @@ int Vex2FileManager::WriteHeaderData(CFile* /*file*/) {
     const int status = WriteHeaderDataHelper(written, this);
     // What a longer file held behind the table would show through the padding.
     if (GetLength() > GetPosition()) SetLength(GetPosition());
-    SetLength(kHeaderBytes);
+    SetLength(vex2::HeaderLayout::kSize);
     return status;
   });
 }
 
 int Vex2FileManager::WriteHeaderDataHelper(std::uint32_t& headerBytes, CFile* file) {
   CFile& target = file != nullptr ? *file : *this;
-  FieldWriter fields(target);
-  exchange(fields, header_, header_.rows);
+  vex2::HeaderBytes bytes{};
+  vex2::HeaderFieldWriter fields(bytes);
+  vex2::ExchangeHeaderFields(fields, header_, header_.rows);
+  target.Write(bytes.data(), bytes.size());
   if (header_.usage != nullptr) {
     const std::uint16_t held = header_.GetMaskCount();
     for (std::uint16_t row = 0; row < header_.rows; ++row) {
-      fields.Number(row < held ? header_.usage[row] : Vex2HeaderData::kTwelveWells);
+      vex2::WriteField(target, row < held ? header_.usage[row] : Vex2HeaderData::kTwelveWells);
     }
   }
-  headerBytes = kFixedHeaderBytes + 4U * header_.rows;
+  headerBytes = static_cast<std::uint32_t>(HeaderLayout::UsageEnd(header_.rows));
   return kSuccess;
 }
 
@@ -158,21 +109,21 @@ std::uint32_t Vex2FileManager::documentPosition(std::uint64_t position) const {
 }
 
 void Vex2FileManager::UpdateHeaderOffsets(const CComponent& component) {
-  const bool isProgram = component.GetTag() == "TPro";
-  if (!isProgram && component.GetTag() != "RAWa") return;
+  const bool isProgram = component.GetTag() == TagOf(Kind::kProgram);
+  if (!isProgram && component.GetTag() != TagOf(Kind::kRawData)) return;
   const std::uint32_t position = documentPosition(GetPosition());
   if (isProgram) {
     header_.thermocycleOffset = position;
-    writeHeaderWord(kThermocycleOffsetAt, position);
+    writeHeaderWord(HeaderLayout::kProgramOffsetAt, position);
   } else {
     header_.acquisitionDataOffset = position;
-    writeHeaderWord(kAcquisitionDataOffsetAt, position);
+    writeHeaderWord(HeaderLayout::kRawDataOffsetAt, position);
   }
   SeekToEnd();
 }
 
 int Vex2FileManager::patchHeaderWord(std::uint64_t at, unsigned long value) {
-  if (!IsOpen() || GetLength() < kHeaderBytes) return vex2::kWriteFailed;
+  if (!IsOpen() || GetLength() < vex2::HeaderLayout::kSize) return vex2::kWriteFailed;
   return guarded(vex2::kWriteFailed, [&] {
     writeHeaderWord(at, documentPosition(value));
     return kSuccess;
@@ -181,20 +132,20 @@ int Vex2FileManager::patchHeaderWord(std::uint64_t at, unsigned long value) {
 
 void Vex2FileManager::writeHeaderWord(std::uint64_t at, std::uint32_t word) {
   Seek(static_cast<std::int64_t>(at), begin);
-  vex2::WriteValue(*this, word);
+  vex2::WriteField(*this, word);
 }
 
 int Vex2FileManager::UpdateThermocycleOffset(unsigned long offset) {
-  return patchHeaderWord(kThermocycleOffsetAt, offset);
+  return patchHeaderWord(HeaderLayout::kProgramOffsetAt, offset);
 }
 
 int Vex2FileManager::UpdateAcqDataOffset(unsigned long offset) {
-  return patchHeaderWord(kAcquisitionDataOffsetAt, offset);
+  return patchHeaderWord(HeaderLayout::kRawDataOffsetAt, offset);
 }
 
 int Vex2FileManager::readAcqDataOffset(std::uint32_t& offset) {
-  Seek(kAcquisitionDataOffsetAt, begin);
-  return vex2::ReadValue(*this, offset);
+  Seek(HeaderLayout::kRawDataOffsetAt, begin);
+  return vex2::ReadField(*this, offset) ? kSuccess : vex2::kReadFailed;
 }
 
 int Vex2FileManager::findRawData(std::uint32_t& offset) {

@@ -1,10 +1,13 @@
 // The thermal cycling program.
 
+#include "vex2/format/RecordKinds.h"
 #include "vex2/manager/Vex2FileManager.h"
 #include "vex2/run/ThermocycleProgramComp.h"
 
+using vex2::Kind;
 using vex2::kNotFound;
 using vex2::kSuccess;
+using vex2::TagOf;
 
 int Vex2FileManager::GetThermocycleProgramInfo(ThermocycleProgram* program) const {
   const ThermocycleProgramComp* component = GetThermocycleProgComp();
@@ -24,7 +27,7 @@ int Vex2FileManager::ReplaceThermocycleProgram(const ThermocycleProgram* program
 }
 
 ThermocycleProgramComp* Vex2FileManager::GetThermocycleProgComp() const {
-  return find<ThermocycleProgramComp>("TPro");
+  return find<ThermocycleProgramComp>(TagOf(Kind::kProgram));
 }
 
 int Vex2FileManager::WriteThermocycleComp() {

@@ -3,7 +3,7 @@
 #include <array>
 #include <utility>
 
-#include "vex2/container/TagTable.h"
+#include "vex2/format/RecordKinds.h"
 #include "vex2/manager/Vex2FileManager.h"
 
 using vex2::kSuccess;

@@ -5,11 +5,14 @@
 #include "vex2/container/CBlockValueComp.h"
 #include "vex2/container/CFloatValueComp.h"
 #include "vex2/container/CShortValueComp.h"
+#include "vex2/format/RecordKinds.h"
 #include "vex2/manager/Vex2FileManager.h"
 #include "vex2/run/CGlobalComp.h"
 
+using vex2::Kind;
 using vex2::kNotFound;
 using vex2::kSuccess;
+using vex2::TagOf;
 
 namespace {
 
@@ -18,7 +21,7 @@ constexpr int kDefaultMaxDyesPerWell = 4;
 }  // namespace
 
 int Vex2FileManager::GetGlobalComplexInfo(Vex2GlobalComplex* info) const {
-  const auto* settings = find<CGlobalComp>("GLBL");
+  const auto* settings = find<CGlobalComp>(TagOf(Kind::kGlobal));
   if (settings == nullptr) return kNotFound;
   return guarded(vex2::kReadFailed, [&] {
     if (info != nullptr) settings->CopyTo(*info);
@@ -36,19 +39,19 @@ int Vex2FileManager::ReplaceGlobalComplexComp(const Vex2GlobalComplex* info) {
 
 int Vex2FileManager::AppendGlobalComplexComp(const char* path, const Vex2GlobalComplex* info) {
   if (const int status = ReplaceGlobalComplexComp(info); status != kSuccess) return status;
-  return appendRecord(path, *includesComponent("GLBL"));
+  return appendRecord(path, *includesComponent(TagOf(Kind::kGlobal)));
 }
 
 int Vex2FileManager::GetMaxDyesPerWell(int& count) const {
   count = kDefaultMaxDyesPerWell;
-  const auto* value = find<CShortValueComp>("MDPW");
+  const auto* value = find<CShortValueComp>(TagOf(Kind::kMaxDyesPerWell));
   if (value == nullptr) return kNotFound;
   count = value->GetValue();
   return kSuccess;
 }
 
 int Vex2FileManager::GetConfidencePercent(float& percent) const {
-  const auto* value = find<CFloatValueComp>("Conf");
+  const auto* value = find<CFloatValueComp>(TagOf(Kind::kConfidence));
   if (value == nullptr) return kNotFound;
   percent = value->GetValue();
   return kSuccess;
@@ -56,7 +59,7 @@ int Vex2FileManager::GetConfidencePercent(float& percent) const {
 
 int Vex2FileManager::UpdateConfidencePercent(float percent) {
   return guarded(vex2::kWriteFailed, [&] {
-    replaceComponent(std::make_unique<CFloatValueComp>("Conf", percent));
+    replaceComponent(std::make_unique<CFloatValueComp>(TagOf(Kind::kConfidence), percent));
     return kSuccess;
   });
 }
@@ -83,20 +86,20 @@ int Vex2FileManager::setText(std::string_view tag, const CString& text) {
 }
 
 int Vex2FileManager::GetCalibrator(CString& name) const {
-  return getText("CALR", name);
+  return getText(TagOf(Kind::kCalibrator), name);
 }
 int Vex2FileManager::SetCalibrator(const CString& name) {
-  return setText("CALR", name);
+  return setText(TagOf(Kind::kCalibrator), name);
 }
 int Vex2FileManager::GetEndoControl(CString& name) const {
-  return getText("ENDO", name);
+  return getText(TagOf(Kind::kEndoControl), name);
 }
 int Vex2FileManager::SetEndoControl(const CString& name) {
-  return setText("ENDO", name);
+  return setText(TagOf(Kind::kEndoControl), name);
 }
 
 int Vex2FileManager::GetRQAnalysisType(unsigned short& type) const {
-  const auto* value = find<CShortValueComp>("RQAT");
+  const auto* value = find<CShortValueComp>(TagOf(Kind::kAnalysisType));
   if (value == nullptr) return kNotFound;
   type = value->GetValue();
   return kSuccess;
@@ -104,7 +107,7 @@ int Vex2FileManager::GetRQAnalysisType(unsigned short& type) const {
 
 int Vex2FileManager::SetRQAnalysisType(unsigned short type) {
   return guarded(vex2::kWriteFailed, [&] {
-    replaceComponent(std::make_unique<CShortValueComp>("RQAT", type));
+    replaceComponent(std::make_unique<CShortValueComp>(TagOf(Kind::kAnalysisType), type));
     return kSuccess;
   });
 }

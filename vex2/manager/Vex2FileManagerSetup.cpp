@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "vex2/format/HeaderLayout.h"
 #include "vex2/manager/Vex2FileManager.h"
 #include "vex2/setup/CPlateSetupComp.h"
 
@@ -12,14 +13,6 @@ using vex2::kSuccess;
 namespace {
 
 constexpr int kMaxColumns = 32;  // bits of a row's mask
-
-struct PlateType {
-  std::string_view code;
-  int wells;
-};
-
-constexpr PlateType kPlateTypes[] = {{"c9C ", 96},  {"p9b ", 96},  {"p9C ", 96},
-                                     {"c3C ", 384}, {"p3b ", 384}, {"p3C ", 384}};
 
 }  // namespace
 
@@ -69,11 +62,7 @@ int Vex2FileManager::SaveSetupInfo(const char* path) {
 }
 
 int Vex2FileManager::GetPlateSize() const {
-  const std::string_view code(header_.plateTypeCode, sizeof header_.plateTypeCode);
-  for (const auto& type : kPlateTypes) {
-    if (type.code == code) return type.wells;
-  }
-  return 0;
+  return vex2::WellsOfPlateType({header_.plateTypeCode, sizeof header_.plateTypeCode});
 }
 
 bool Vex2FileManager::SetUsageArray(const bool* usage, int rows, int columns) {

@@ -3,27 +3,25 @@
 #include <cstring>
 #include <string>
 
+#include "vex2/format/HeaderLayout.h"
 #include "vex2/framework/Host.h"
 #include "vex2/manager/Vex2FileManager.h"
 
-namespace {
-
-constexpr std::size_t kStatusLength = 4;
-constexpr std::uint64_t kStatusAt = 64;
-
-}  // namespace
+using vex2::HeaderLayout;
+using vex2::kCodeLength;
+using vex2::RunStatus;
 
 bool Vex2FileManager::hasStatus(std::string_view status) const {
-  return std::string_view(header_.acquisitionStatus, kStatusLength) == status;
+  return std::string_view(header_.acquisitionStatus, kCodeLength) == status;
 }
 
 CString Vex2FileManager::GetAcquisitionStatus() const {
-  return CString(std::string_view(header_.acquisitionStatus, kStatusLength));
+  return CString(std::string_view(header_.acquisitionStatus, kCodeLength));
 }
 
 int Vex2FileManager::SetAcquisitionStatus(const char* status) {
   const std::string_view given = status != nullptr ? status : "";
-  if (given.size() != kStatusLength) {
+  if (given.size() != kCodeLength) {
     return guarded(vex2::kInvalidStatus, [given] {
       vex2::GetHost()->ShowMessage(
           "The Acquisition Status should be a string 4 characters long. The new value '" +
@@ -31,18 +29,18 @@ int Vex2FileManager::SetAcquisitionStatus(const char* status) {
       return vex2::kInvalidStatus;
     });
   }
-  std::memcpy(header_.acquisitionStatus, given.data(), kStatusLength);
+  std::memcpy(header_.acquisitionStatus, given.data(), kCodeLength);
   return vex2::kSuccess;
 }
 
 int Vex2FileManager::SetAcquisitionStatus(const char* path, const char* status) {
   if (SetAcquisitionStatus(status) != vex2::kSuccess) return vex2::kWriteFailed;
   const auto look = [this] {
-    return IsVex2Format() && GetLength() > kStatusAt ? vex2::kSuccess : vex2::kWriteFailed;
+    return IsVex2Format() && GetLength() > HeaderLayout::kStatusAt ? vex2::kSuccess : vex2::kWriteFailed;
   };
   const int result = changeFile(path, look, [this] {
-    Seek(kStatusAt, begin);
-    Write(header_.acquisitionStatus, kStatusLength);
+    Seek(HeaderLayout::kStatusAt, begin);
+    Write(header_.acquisitionStatus, kCodeLength);
     barrier();
     return vex2::kSuccess;
   });
@@ -50,11 +48,11 @@ int Vex2FileManager::SetAcquisitionStatus(const char* path, const char* status) 
 }
 
 bool Vex2FileManager::IsAcquisitionZero() const {
-  return hasStatus("ZERO");
+  return hasStatus(RunStatus::kNotStarted);
 }
 bool Vex2FileManager::IsAcquisitionProg() const {
-  return hasStatus("PROG");
+  return hasStatus(RunStatus::kInProgress);
 }
 bool Vex2FileManager::IsAcquisitionDone() const {
-  return hasStatus("DONE");
+  return hasStatus(RunStatus::kDone);
 }

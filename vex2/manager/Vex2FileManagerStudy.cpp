@@ -3,6 +3,8 @@
 #include <cstring>
 
 #include "vex2/container/CBlockValueComp.h"
+#include "vex2/format/HeaderLayout.h"
+#include "vex2/format/RecordKinds.h"
 #include "vex2/manager/OrNothing.h"
 #include "vex2/manager/SplitPath.h"
 #include "vex2/manager/Vex2FileManager.h"
@@ -10,8 +12,10 @@
 #include "vex2/study/CMultiPlateComp.h"
 #include "vex2/study/CRQPlateComp.h"
 
+using vex2::Kind;
 using vex2::kSuccess;
 using vex2::OrNothing;
+using vex2::TagOf;
 
 namespace {
 
@@ -21,7 +25,7 @@ constexpr int kMaxPlateText = 1023;
 }  // namespace
 
 CMultiPlateComp* Vex2FileManager::findPlates() const {
-  return find<CMultiPlateComp>("MPLC");
+  return find<CMultiPlateComp>(TagOf(Kind::kPlates));
 }
 
 bool Vex2FileManager::InitMultiplate() {
@@ -113,18 +117,18 @@ int Vex2FileManager::getPlateText(std::string_view tag, CString& text) const {
 }
 
 int Vex2FileManager::AppendPlateName(const CString& name) {
-  return setPlateText("Path", name);
+  return setPlateText(TagOf(Kind::kPlateName), name);
 }
 int Vex2FileManager::GetPlateName(CString& name) const {
-  return getPlateText("Path", name);
+  return getPlateText(TagOf(Kind::kPlateName), name);
 }
 int Vex2FileManager::AppendLastModifiedDate(const CString& date) {
-  return setPlateText("RQPD", date);
+  return setPlateText(TagOf(Kind::kPlateDate), date);
 }
 int Vex2FileManager::GetLastModifiedDate(CString& date) const {
-  return getPlateText("RQPD", date);
+  return getPlateText(TagOf(Kind::kPlateDate), date);
 }
 
 void Vex2FileManager::ConvertAQ2RQ() {
-  std::memcpy(header_.assayCode, "RelQ", sizeof header_.assayCode);
+  std::memcpy(header_.assayCode, vex2::Assay::kRelativePlate.code.data(), sizeof header_.assayCode);
 }

@@ -4,8 +4,14 @@
 #include <array>
 #include <cstring>
 #include <memory>
+#include <string_view>
+
+#include "vex2/format/HeaderLayout.h"
 
 namespace {
+
+constexpr std::string_view kRealTimeRun = "RtRn";
+constexpr std::string_view kNewPlateType = "p9C ";
 
 // The record has no room for its table's length, and hosts set `rows` as they like. So each table
 // that is made here ends with a mark that no file can hold: the address where the mark stands.
@@ -22,8 +28,12 @@ bool isMark(const std::uint32_t* place) {
 }
 
 template <std::size_t Size>
-void setText(char (&field)[Size], const char* text) {
+void setText(char (&field)[Size], const char (&text)[Size]) {
   std::memcpy(field, text, Size);
+}
+
+void setCode(char (&field)[vex2::kCodeLength], std::string_view code) {
+  std::copy_n(code.begin(), vex2::kCodeLength, field);
 }
 
 template <std::size_t Size>
@@ -42,13 +52,13 @@ Vex2HeaderData::Vex2HeaderData()
       flagG(0),
       acquisitionDataOffset(0),
       usage(nullptr) {
-  setText(magic, "Vex2");
-  setText(assayCode, "AbsQ");
-  setText(runCode, "RtRn");
-  setText(plateTypeCode, "p9C ");
+  setCode(magic, vex2::kMagic);
+  setCode(assayCode, vex2::Assay::kAbsolute.code);
+  setCode(runCode, kRealTimeRun);
+  setCode(plateTypeCode, kNewPlateType);
   blank(text);
-  setText(kindMarker, "Kest");
-  setText(acquisitionStatus, "ZERO");
+  setCode(kindMarker, vex2::KindMarker::kKestor);
+  setCode(acquisitionStatus, vex2::RunStatus::kNotStarted);
   SetRows(8);
 }
 

@@ -5,14 +5,18 @@
 #include <limits>
 #include <numeric>
 
-#include "vex2/container/Encoding.h"
-#include "vex2/container/ReadLimits.h"
+#include "vex2/container/Status.h"
+#include "vex2/format/DataBlockHead.h"
+#include "vex2/format/Encoding.h"
+#include "vex2/format/ReadLimits.h"
 #include "vex2/run/WellRecordCoding.h"
 
-using vex2::kStoredRecordSize;
 using vex2::kSuccess;
 
-AcquisitionDataComp::AcquisitionDataComp(std::string_view tag) : CComponent(tag, kFixedLength) {}
+AcquisitionDataComp::AcquisitionDataComp(std::string_view tag)
+    : CComponent(tag, vex2::kBlockFixedSize),
+      version_(vex2::kBlockVersion),
+      timeBlockSize_(vex2::kTimeBlockSize) {}
 
 AcquisitionDataComp::AcquisitionDataComp(std::string_view tag, const std::uint16_t* wellNumbers,
                                          std::uint16_t count)
@@ -20,13 +24,13 @@ AcquisitionDataComp::AcquisitionDataComp(std::string_view tag, const std::uint16
   if (count == 0 || wellNumbers == nullptr) return;
   allocate(count);
   std::copy_n(wellNumbers, count, wellNumbers_.begin());
-  setLength(kFixedLength + 2U * count);
+  setLength(bodyLength(count, 0));
 }
 
 AcquisitionDataComp::AcquisitionDataComp(std::string_view tag, const Vex2FrameData& frame)
     : AcquisitionDataComp(tag) {
   allocate(frame.wellCount);
-  setLength(kFixedLength + 2U * frame.wellCount);
+  setLength(bodyLength(frame.wellCount, 0));
   SetFrame(0, frame);
 }
 
@@ -34,20 +38,22 @@ AcquisitionDataComp::AcquisitionDataComp(std::string_view tag, const Vex2Acquisi
     : AcquisitionDataComp(tag) {
   if (data.frames == nullptr) return;
   allocate(data.frames[0].wellCount);
-  setLength(kFixedLength + 2U * data.frames[0].wellCount);
+  setLength(bodyLength(data.frames[0].wellCount, 0));
   for (int index = 0; index < data.frameCount; ++index) {
     if (!SetFrame(index, data.frames[index])) return;
   }
 }
 
 std::uint64_t AcquisitionDataComp::frameSize() const {
-  return kStoredRecordSize * wellNumbers_.size();
+  return vex2::FrameSize(GetWellCount());
 }
 
-// The well numbers' bytes are fewer than a frame's and vanish in the division.
+std::uint32_t AcquisitionDataComp::bodyLength(std::uint16_t wells, std::uint64_t frames) {
+  return static_cast<std::uint32_t>(vex2::FramesOffset(wells) + frames * vex2::FrameSize(wells));
+}
+
 int AcquisitionDataComp::GetFrameCount() const {
-  if (wellNumbers_.empty() || GetLength() < kFixedLength) return 0;
-  return static_cast<int>((GetLength() - kFixedLength) / frameSize());
+  return static_cast<int>(vex2::FrameCount(GetLength(), GetWellCount()));
 }
 
 bool AcquisitionDataComp::canGrow() const {
@@ -141,12 +147,25 @@ int AcquisitionDataComp::WriteFrame(CFile& file, int index) const {
   return kSuccess;
 }
 
+bool AcquisitionDataComp::IsStoredFrame(CFile& file, int index) const {
+  const Vex2WellRecord nothing;
+  const Vex2WellRecord* held = GetFrame(index);
+  std::vector<Vex2WellRecord> stored(wellNumbers_.size());
+  if (vex2::ReadWellRecords(file, stored.data(), stored.size()) != kSuccess) return false;
+  for (std::size_t i = 0; i < stored.size(); ++i) {
+    const Vex2WellRecord& record = held != nullptr ? held[i] : nothing;
+    if (!std::equal(std::begin(record.leading), std::end(record.leading), stored[i].leading) ||
+        !std::equal(record.data, record.data + vex2::kStoredDataValues, stored[i].data)) {
+      return false;
+    }
+  }
+  return true;
+}
+
 void AcquisitionDataComp::Upgrade() {
-  if (version_ >= 2) return;
-  const auto frames = static_cast<std::uint64_t>(GetFrameCount());
-  version_ = 2;
-  setLength(
-      static_cast<std::uint32_t>(kFixedLength + 2 * wellNumbers_.size() + frames * frameSize()));
+  if (version_ >= vex2::kFirstVersionWithTimes) return;
+  version_ = vex2::kBlockVersion;
+  setLength(bodyLength(GetWellCount(), static_cast<std::uint64_t>(GetFrameCount())));
 }
 
 CComponent& AcquisitionDataComp::Assign(const CComponent& source) {
@@ -170,12 +189,12 @@ CComponent& AcquisitionDataComp::Assign(const CComponent& source) {
 
 int AcquisitionDataComp::WriteBody(CFile* file) {
   if (file == nullptr) return vex2::kWriteFailed;
-  vex2::WriteValue(*file, version_);
-  vex2::WriteValue(*file, timeBlockSize_);
+  vex2::WriteField(*file, version_);
+  vex2::WriteField(*file, timeBlockSize_);
   file->Write(startTime_.fields, sizeof startTime_.fields);
   file->Write(endTime_.fields, sizeof endTime_.fields);
-  vex2::WriteValue(*file, GetWellCount());
-  for (const std::uint16_t number : wellNumbers_) vex2::WriteValue(*file, number);
+  vex2::WriteField(*file, GetWellCount());
+  for (const std::uint16_t number : wellNumbers_) vex2::WriteField(*file, number);
   const int frames = GetFrameCount();
   for (int index = 0; index < frames; ++index) {
     vex2::WriteWellRecords(*file, GetFrame(index), wellNumbers_.size());
@@ -185,28 +204,29 @@ int AcquisitionDataComp::WriteBody(CFile* file) {
 
 int AcquisitionDataComp::ReadBody(CFile* file) {
   if (file == nullptr) return vex2::kReadFailed;
-  int status = vex2::ReadValue(*file, version_);
-  if (status == kSuccess && version_ >= 2) {
-    status = vex2::ReadValue(*file, timeBlockSize_);
-    if (status == kSuccess) status = vex2::ReadBytes(*file, startTime_.fields, 6);
-    if (status == kSuccess) status = vex2::ReadBytes(*file, endTime_.fields, 6);
+  vex2::DataBlockHead head;
+  std::vector<std::uint16_t> numbers;
+  if (!vex2::ReadDataBlockHead(*file, vex2::TimeBlock::kAsWritten, head) ||
+      !vex2::ReadWellNumbers(*file, head.wells, numbers)) {
+    return vex2::kReadFailed;
   }
-  std::uint16_t wells = 0;
-  if (status == kSuccess) status = vex2::ReadValue(*file, wells);
-  if (status != kSuccess) return status;
-  if (!vex2::HasBytesLeft(*file, 2U * wells)) return vex2::ShortRead(*file);
-  allocate(wells);
-  for (std::uint16_t& number : wellNumbers_) {
-    status = vex2::ReadValue(*file, number);
-    if (status != kSuccess) return status;
+  version_ = head.version;
+  if (head.version >= vex2::kFirstVersionWithTimes) {
+    timeBlockSize_ = head.timeBlockSize;
+    std::copy_n(head.times.begin(), sizeof startTime_.fields, startTime_.fields);
+    std::copy_n(head.times.begin() + sizeof startTime_.fields, sizeof endTime_.fields,
+                endTime_.fields);
   }
+  allocate(head.wells);
+  wellNumbers_ = std::move(numbers);
   return readFrames(*file);
 }
 
 int AcquisitionDataComp::readFrames(CFile& file) {
   const int frames = GetFrameCount();
   if (!vex2::HasBytesLeft(file, static_cast<std::uint64_t>(frames) * frameSize())) {
-    return vex2::ShortRead(file);
+    static_cast<void>(vex2::ShortRead(file));
+    return vex2::kReadFailed;
   }
   if (frames > 0 && !makeRoom(frames - 1)) return vex2::kReadFailed;
   for (int index = 0; index < frames; ++index) {

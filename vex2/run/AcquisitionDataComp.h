@@ -17,10 +17,6 @@
 /// each. The number of frames is not held; it follows from the body length.
 class VEX2_API AcquisitionDataComp final : public CComponent {
  public:
-  /// Bytes of the body before the well numbers, in version 2.
-  static constexpr std::uint32_t kFixedLength = 18;
-  static constexpr std::uint16_t kTimeBlockSize = 12;
-
   /// An empty block of version 2.
   explicit AcquisitionDataComp(std::string_view tag);
   /// A block without frames for `count` wells; empty when there are none.
@@ -66,6 +62,10 @@ class VEX2_API AcquisitionDataComp final : public CComponent {
   /// Writes the records of frame `index` at the file's position; -260 when there is no such frame.
   [[nodiscard]] int WriteFrame(CFile& file, int index) const;
 
+  /// Whether the stored records at the file's position are those of frame `index`; the values that
+  /// a record in a file does not have are not compared. Moves the position behind the records.
+  bool IsStoredFrame(CFile& file, int index) const;
+
   /// Makes a block that was read in the old version, without times, one of version 2 whose length
   /// tells the truth. Nothing happens to others.
   void Upgrade();
@@ -83,6 +83,7 @@ class VEX2_API AcquisitionDataComp final : public CComponent {
 
   static constexpr std::int32_t kCapacityStep = 40;
 
+  static std::uint32_t bodyLength(std::uint16_t wells, std::uint64_t frames);
   std::uint64_t frameSize() const;
   bool canGrow() const;
   void allocate(std::size_t wells);
@@ -91,8 +92,8 @@ class VEX2_API AcquisitionDataComp final : public CComponent {
   Vex2WellRecord* frameToFill(int index);
   int readFrames(CFile& file);
 
-  std::uint16_t version_ = 2;
-  std::uint16_t timeBlockSize_ = kTimeBlockSize;
+  std::uint16_t version_;
+  std::uint16_t timeBlockSize_;
   TimeStamp startTime_;
   TimeStamp endTime_;
   std::vector<std::uint16_t> wellNumbers_;

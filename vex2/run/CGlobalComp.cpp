@@ -6,6 +6,10 @@
 #include "vex2/container/CByteValueComp.h"
 #include "vex2/container/CLongValueComp.h"
 #include "vex2/container/CShortValueComp.h"
+#include "vex2/format/RecordKinds.h"
+
+using vex2::Kind;
+using vex2::TagOf;
 
 namespace {
 
@@ -23,20 +27,20 @@ void addLowByte(CContainerComp& list, std::string_view tag, std::int32_t value) 
 
 bool copyNumber(std::string_view tag, const CComponent& child, Vex2GlobalComplex& info) {
   if (const auto* number = dynamic_cast<const CLongValueComp*>(&child)) {
-    if (tag == "VERS") info.version = number->GetValue();
+    if (tag == TagOf(Kind::kVersion)) info.version = number->GetValue();
     return true;
   }
   if (const auto* number = dynamic_cast<const CShortValueComp*>(&child)) {
-    if (tag == "PCRV") info.sampleVolume = number->GetValue();
-    if (tag == "UOMC") info.unitCode = number->GetValue();
+    if (tag == TagOf(Kind::kSampleVolume)) info.sampleVolume = number->GetValue();
+    if (tag == TagOf(Kind::kUnitCode)) info.unitCode = number->GetValue();
     return true;
   }
   if (const auto* number = dynamic_cast<const CByteValueComp*>(&child)) {
     const std::int32_t value = static_cast<std::int8_t>(number->GetValue());
-    if (tag == "FTRD") info.ftrd = value;
-    if (tag == "DRKS") info.drks = value;
-    if (tag == "PRER") info.preFlag = value;
-    if (tag == "POSR") info.postFlag = value;
+    if (tag == TagOf(Kind::kFtrd)) info.ftrd = value;
+    if (tag == TagOf(Kind::kDrks)) info.drks = value;
+    if (tag == TagOf(Kind::kPreFlag)) info.preFlag = value;
+    if (tag == TagOf(Kind::kPostFlag)) info.postFlag = value;
     return true;
   }
   return false;
@@ -44,19 +48,20 @@ bool copyNumber(std::string_view tag, const CComponent& child, Vex2GlobalComplex
 
 }  // namespace
 
-CGlobalComp::CGlobalComp() : CContainerComp("GLBL") {}
+CGlobalComp::CGlobalComp() : CContainerComp(TagOf(Kind::kGlobal)) {}
 
 CGlobalComp::CGlobalComp(const Vex2GlobalComplex& info) : CGlobalComp() {
-  AddChild(std::make_unique<CLongValueComp>("VERS", info.version));
-  addBlock(*this, "COMM", info.commentData, info.commentLength);
-  AddChild(std::make_unique<CShortValueComp>("PCRV", info.sampleVolume));
-  addBlock(*this, "RefN", info.passiveReferenceData, info.passiveReferenceLength);
-  AddChild(std::make_unique<CShortValueComp>("UOMC", info.unitCode));
-  addLowByte(*this, "FTRD", info.ftrd);
-  addLowByte(*this, "DRKS", info.drks);
-  addLowByte(*this, "PRER", info.preFlag);
-  addLowByte(*this, "POSR", info.postFlag);
-  addBlock(*this, "LOGT", info.logData, info.logLength);
+  AddChild(std::make_unique<CLongValueComp>(TagOf(Kind::kVersion), info.version));
+  addBlock(*this, TagOf(Kind::kComment), info.commentData, info.commentLength);
+  AddChild(std::make_unique<CShortValueComp>(TagOf(Kind::kSampleVolume), info.sampleVolume));
+  addBlock(*this, TagOf(Kind::kPassiveReference), info.passiveReferenceData,
+           info.passiveReferenceLength);
+  AddChild(std::make_unique<CShortValueComp>(TagOf(Kind::kUnitCode), info.unitCode));
+  addLowByte(*this, TagOf(Kind::kFtrd), info.ftrd);
+  addLowByte(*this, TagOf(Kind::kDrks), info.drks);
+  addLowByte(*this, TagOf(Kind::kPreFlag), info.preFlag);
+  addLowByte(*this, TagOf(Kind::kPostFlag), info.postFlag);
+  addBlock(*this, TagOf(Kind::kLog), info.logData, info.logLength);
 }
 
 void CGlobalComp::CopyTo(Vex2GlobalComplex& info) const {
@@ -66,8 +71,9 @@ void CGlobalComp::CopyTo(Vex2GlobalComplex& info) const {
     if (copyNumber(tag, child, info)) continue;
     const auto* block = dynamic_cast<const CBlockValueComp*>(&child);
     if (block == nullptr) continue;
-    if (tag == "COMM") info.SetComment(block->GetData(), block->GetLength());
-    if (tag == "RefN") info.SetPassiveReference(block->GetData(), block->GetLength());
-    if (tag == "LOGT") info.SetLog(block->GetData(), block->GetLength());
+    if (tag == TagOf(Kind::kComment)) info.SetComment(block->GetData(), block->GetLength());
+    if (tag == TagOf(Kind::kPassiveReference))
+      info.SetPassiveReference(block->GetData(), block->GetLength());
+    if (tag == TagOf(Kind::kLog)) info.SetLog(block->GetData(), block->GetLength());
   }
 }

@@ -3,11 +3,15 @@
 #include <cstring>
 
 #include "vex2/container/Status.h"
+#include "vex2/format/RecordKinds.h"
 
-ThermocycleProgramComp::ThermocycleProgramComp() : CBlockValueComp("TPro") {}
+using vex2::Kind;
+using vex2::TagOf;
+
+ThermocycleProgramComp::ThermocycleProgramComp() : CBlockValueComp(TagOf(Kind::kProgram)) {}
 
 ThermocycleProgramComp::ThermocycleProgramComp(const ThermocycleProgram& program)
-    : CBlockValueComp("TPro", program.length, program.data) {}
+    : CBlockValueComp(TagOf(Kind::kProgram), program.length, program.data) {}
 
 void ThermocycleProgramComp::CopyTo(ThermocycleProgram& program) const {
   program.Clear();

@@ -4,14 +4,14 @@
 #include <array>
 #include <cstring>
 
-#include "vex2/container/Encoding.h"
+#include "vex2/container/Status.h"
+#include "vex2/format/Encoding.h"
 
 namespace vex2 {
 namespace {
 
-constexpr std::size_t kLeading = 8;
-constexpr std::size_t kStoredData = 32;
-constexpr std::size_t kLeadingBytes = kLeading * sizeof(std::uint16_t);
+constexpr std::size_t kLeading = kStoredLeadingValues;
+constexpr std::size_t kStoredData = kStoredDataValues;
 
 // Plain loops of fixed length, which the compiler turns into a few vector instructions each.
 template <std::size_t Count>
@@ -48,7 +48,10 @@ void encode(const Vex2WellRecord* records, std::uint8_t* bytes, std::size_t coun
 int ReadWellRecords(CFile& file, Vex2WellRecord* records, std::size_t count) {
   while (count > 0) {
     const auto bytes = file.Peek(kStoredRecordSize);
-    if (bytes.size() < kStoredRecordSize) return ShortRead(file);
+    if (bytes.size() < kStoredRecordSize) {
+      static_cast<void>(ShortRead(file));
+      return kReadFailed;
+    }
     const std::size_t whole = std::min(count, bytes.size() / kStoredRecordSize);
     decode(bytes.data(), records, whole);
     file.Seek(static_cast<std::int64_t>(whole * kStoredRecordSize), CFile::current);

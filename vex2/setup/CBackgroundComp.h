@@ -6,7 +6,7 @@
 /// The background in a document, "BKGD".
 class VEX2_API CBackgroundComp final : public vex2::SpectrumSetComp<Vex2BGC> {
  public:
-  static constexpr std::string_view kTag = "BKGD";
+  static const std::string_view kTag;
 
   CBackgroundComp() : SpectrumSetComp(kTag) {}
   explicit CBackgroundComp(const Vex2BGC& record) : SpectrumSetComp(kTag, record) {}

@@ -1,9 +1,13 @@
 #include "vex2/setup/CCalibrationComp.h"
 
+#include "vex2/format/RecordKinds.h"
 #include "vex2/setup/Parts.h"
 
+using vex2::Kind;
+using vex2::TagOf;
+
 CCalibrationComp::CCalibrationComp(const Vex2PureDye* pureDye, const Vex2BGC* background)
-    : CContainerComp("CALI") {
+    : CContainerComp(TagOf(Kind::kCalibration)) {
   if (pureDye != nullptr) vex2::AddPart<CPureDyeComp>(*this, *pureDye);
   if (background != nullptr) vex2::AddPart<CBackgroundComp>(*this, *background);
 }

@@ -2,12 +2,16 @@
 
 #include "vex2/container/CByteValueComp.h"
 #include "vex2/container/CFloatValueComp.h"
-#include "vex2/container/Encoding.h"
+#include "vex2/container/Status.h"
+#include "vex2/format/Encoding.h"
+#include "vex2/format/RecordKinds.h"
 #include "vex2/setup/Parts.h"
 
 using vex2::AddPart;
+using vex2::Kind;
 using vex2::kSuccess;
 using vex2::PartAs;
+using vex2::TagOf;
 
 namespace {
 
@@ -20,11 +24,13 @@ void addText(CContainerComp& list, std::string_view tag, const char* text, std::
 }
 
 void addDetector(CContainerComp& cell, const Vex2WellDetector& detector) {
-  auto list = std::make_unique<CContainerComp>("DETT");
-  addText(*list, "DNAM", detector.detectorName, detector.detectorNameLength);
-  addText(*list, "TASK", detector.task, detector.taskLength);
-  AddPart<CFloatValueComp>(*list, "QANT", detector.quantity);
-  AddPart<CByteValueComp>(*list, "DUSE", static_cast<std::uint8_t>(detector.used ? 1 : 0));
+  auto list = std::make_unique<CContainerComp>(TagOf(Kind::kCellDetector));
+  addText(*list, TagOf(Kind::kCellDetectorName), detector.detectorName,
+          detector.detectorNameLength);
+  addText(*list, TagOf(Kind::kTask), detector.task, detector.taskLength);
+  AddPart<CFloatValueComp>(*list, TagOf(Kind::kQuantity), detector.quantity);
+  AddPart<CByteValueComp>(*list, TagOf(Kind::kInUse),
+                          static_cast<std::uint8_t>(detector.used ? 1 : 0));
   if (!cell.AddChild(std::move(list))) throw std::length_error("a well has too many detectors");
 }
 
@@ -39,12 +45,13 @@ std::int32_t lengthOf(const CBlockValueComp& block) {
 void copyDetectorPart(const CComponent& part, Vex2WellDetector& detector) {
   const std::string_view tag = part.GetTag();
   if (const auto* block = PartAs<CBlockValueComp>(part)) {
-    if (tag == "DNAM") detector.SetDetectorName(charactersOf(*block), lengthOf(*block));
-    if (tag == "TASK") detector.SetTask(charactersOf(*block), lengthOf(*block));
+    if (tag == TagOf(Kind::kCellDetectorName))
+      detector.SetDetectorName(charactersOf(*block), lengthOf(*block));
+    if (tag == TagOf(Kind::kTask)) detector.SetTask(charactersOf(*block), lengthOf(*block));
   } else if (const auto* number = PartAs<CFloatValueComp>(part)) {
-    if (tag == "QANT") detector.quantity = number->GetValue();
+    if (tag == TagOf(Kind::kQuantity)) detector.quantity = number->GetValue();
   } else if (const auto* byte = PartAs<CByteValueComp>(part)) {
-    if (tag == "DUSE") detector.used = byte->GetValue() != 0;
+    if (tag == TagOf(Kind::kInUse)) detector.used = byte->GetValue() != 0;
   }
 }
 
@@ -59,15 +66,15 @@ void copyDetector(const CContainerComp& list, Vex2WellSetup& well) {
 
 }  // namespace
 
-CCellComp::CCellComp() : CContainerComp("CELL", kFixedLength) {}
+CCellComp::CCellComp() : CContainerComp(TagOf(Kind::kCell), kFixedLength) {}
 
 CCellComp::CCellComp(const Vex2WellSetup& well) : CCellComp() {
   coord1_ = well.coord1;
   coord2_ = well.coord2;
   flag_ = well.flag ? 1 : 0;
   reserveChildren(kTexts + static_cast<std::size_t>(well.detectors.GetCount()));
-  addText(*this, "NAME", well.name, well.nameLength);
-  addText(*this, "DESC", well.description, well.descriptionLength);
+  addText(*this, TagOf(Kind::kName), well.name, well.nameLength);
+  addText(*this, TagOf(Kind::kCellDescription), well.description, well.descriptionLength);
   for (POSITION at = well.detectors.GetHeadPosition(); at != nullptr;) {
     const Vex2WellDetector* detector = well.detectors.GetNext(at);
     if (detector != nullptr) addDetector(*this, *detector);
@@ -81,9 +88,10 @@ void CCellComp::CopyTo(Vex2WellSetup& well) const {
   for (int index = 0; index < GetChildCount(); ++index) {
     const CComponent& child = *GetChild(index);
     if (const auto* list = PartAs<CContainerComp>(child)) {
-      if (child.GetTag() == "DETT") copyDetector(*list, well);
+      if (child.GetTag() == TagOf(Kind::kCellDetector)) copyDetector(*list, well);
     } else if (const auto* block = PartAs<CBlockValueComp>(child)) {
-      if (child.GetTag() == "NAME") well.SetName(charactersOf(*block), lengthOf(*block));
+      if (child.GetTag() == TagOf(Kind::kName))
+        well.SetName(charactersOf(*block), lengthOf(*block));
     }
   }
 }
@@ -100,10 +108,10 @@ CComponent& CCellComp::Assign(const CComponent& source) {
 
 int CCellComp::WriteBody(CFile* file) {
   if (file == nullptr) return vex2::kWriteFailed;
-  vex2::WriteValue(*file, GetCount());
-  vex2::WriteValue(*file, coord1_);
-  vex2::WriteValue(*file, coord2_);
-  vex2::WriteValue(*file, flag_);
+  vex2::WriteField(*file, GetCount());
+  vex2::WriteField(*file, coord1_);
+  vex2::WriteField(*file, coord2_);
+  vex2::WriteField(*file, flag_);
   return WriteChildren(file);
 }
 
@@ -111,10 +119,9 @@ int CCellComp::ReadBody(CFile* file) {
   if (file == nullptr) return vex2::kReadFailed;
   FreeBody();
   std::uint16_t count = 0;
-  int status = vex2::ReadValue(*file, count);
+  const bool hasCount = vex2::ReadField(*file, count);
   setCount(count);
-  if (status == kSuccess) status = vex2::ReadValue(*file, coord1_);
-  if (status == kSuccess) status = vex2::ReadValue(*file, coord2_);
-  if (status == kSuccess) status = vex2::ReadValue(*file, flag_);
-  return status == kSuccess ? ReadChildren(file) : status;
+  const bool isRead = hasCount && vex2::ReadField(*file, coord1_) &&
+                      vex2::ReadField(*file, coord2_) && vex2::ReadField(*file, flag_);
+  return isRead ? ReadChildren(file) : vex2::kReadFailed;
 }

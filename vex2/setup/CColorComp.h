@@ -8,6 +8,6 @@
 /// A colour, "COLR": three bytes, whose order belongs to the applications.
 class VEX2_API CColorComp final : public vex2::ScalarComponent<std::array<std::uint8_t, 3>> {
  public:
-  CColorComp() : ScalarComponent("COLR") {}
-  explicit CColorComp(const std::array<std::uint8_t, 3>& color) : ScalarComponent("COLR", color) {}
+  CColorComp();
+  explicit CColorComp(const std::array<std::uint8_t, 3>& color);
 };

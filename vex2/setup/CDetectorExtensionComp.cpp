@@ -6,11 +6,14 @@
 #include "vex2/container/CFloatValueComp.h"
 #include "vex2/container/CLongValueComp.h"
 #include "vex2/container/CShortValueComp.h"
+#include "vex2/format/RecordKinds.h"
 #include "vex2/setup/CColorComp.h"
 #include "vex2/setup/Parts.h"
 
 using vex2::AddPart;
+using vex2::Kind;
 using vex2::PartAs;
+using vex2::TagOf;
 
 namespace {
 
@@ -52,7 +55,7 @@ class FieldReader {
     if (const auto* block = holder<CBlockValueComp>(tag)) text = CString(vex2::PartText(*block));
   }
   void Color(std::uint8_t (&bytes)[3]) {
-    if (const auto* color = holder<CColorComp>("COLR")) {
+    if (const auto* color = holder<CColorComp>(TagOf(Kind::kColor))) {
       std::copy_n(color->GetValue().begin(), sizeof bytes, bytes);
     }
   }
@@ -85,27 +88,27 @@ class FieldReader {
 // The fields in the order in which they are written.
 template <typename Fields, typename Detector>
 void exchange(Fields& fields, Detector& detector) {
-  fields.Text("DETN", detector.name);
-  fields.Text("DYER", detector.reporterDye);
-  fields.Text("DYEQ", detector.quencherDye);
-  fields.Text("DESC", detector.description);
-  fields.Text("COMT", detector.comment);
+  fields.Text(TagOf(Kind::kDetectorName), detector.name);
+  fields.Text(TagOf(Kind::kReporterDye), detector.reporterDye);
+  fields.Text(TagOf(Kind::kQuencherDye), detector.quencherDye);
+  fields.Text(TagOf(Kind::kDescription), detector.description);
+  fields.Text(TagOf(Kind::kDetectorComment), detector.comment);
   fields.Color(detector.color);
-  fields.Date("DATC", detector.dateCreated);
-  fields.Date("DATM", detector.dateModified);
-  fields.Text("OWNR", detector.owner);
-  fields.Text("LOCS", detector.location);
-  fields.Number("DASB", detector.baselineStart);
-  fields.Number("DAEB", detector.baselineEnd);
-  fields.Number("DATH", detector.threshold);
-  fields.LowByte("DAAB", detector.autoBaseline);
-  fields.LowByte("DAAT", detector.autoThreshold);
-  fields.Number("DAQF", detector.analysisFlags);
+  fields.Date(TagOf(Kind::kCreated), detector.dateCreated);
+  fields.Date(TagOf(Kind::kModified), detector.dateModified);
+  fields.Text(TagOf(Kind::kOwner), detector.owner);
+  fields.Text(TagOf(Kind::kLocation), detector.location);
+  fields.Number(TagOf(Kind::kBaselineStart), detector.baselineStart);
+  fields.Number(TagOf(Kind::kBaselineEnd), detector.baselineEnd);
+  fields.Number(TagOf(Kind::kThreshold), detector.threshold);
+  fields.LowByte(TagOf(Kind::kAutoBaseline), detector.autoBaseline);
+  fields.LowByte(TagOf(Kind::kAutoThreshold), detector.autoThreshold);
+  fields.Number(TagOf(Kind::kAnalysisFlags), detector.analysisFlags);
 }
 
 }  // namespace
 
-CDetectorExtensionComp::CDetectorExtensionComp() : CContainerComp("DETX") {}
+CDetectorExtensionComp::CDetectorExtensionComp() : CContainerComp(TagOf(Kind::kDetector)) {}
 
 CDetectorExtensionComp::CDetectorExtensionComp(const Vex2Detector& detector)
     : CDetectorExtensionComp() {
@@ -122,7 +125,7 @@ void CDetectorExtensionComp::CopyTo(Vex2Detector& detector) const {
 }
 
 std::string_view CDetectorExtensionComp::GetName() const {
-  const CComponent* child = FindChild("DETN");
+  const CComponent* child = FindChild(TagOf(Kind::kDetectorName));
   const auto* block = child != nullptr ? PartAs<CBlockValueComp>(*child) : nullptr;
   return block != nullptr ? vex2::PartText(*block) : std::string_view();
 }

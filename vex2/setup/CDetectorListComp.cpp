@@ -1,8 +1,12 @@
 #include "vex2/setup/CDetectorListComp.h"
 
+#include "vex2/format/RecordKinds.h"
 #include "vex2/framework/Host.h"
 #include "vex2/setup/CDetectorExtensionComp.h"
 #include "vex2/setup/Parts.h"
+
+using vex2::Kind;
+using vex2::TagOf;
 
 namespace {
 
@@ -16,7 +20,7 @@ const CDetectorExtensionComp* detectorOf(const CComponent* child) {
 
 }  // namespace
 
-CDetectorListComp::CDetectorListComp() : CContainerComp("DETL") {}
+CDetectorListComp::CDetectorListComp() : CContainerComp(TagOf(Kind::kDetectorList)) {}
 
 void CDetectorListComp::Add(const Vex2Detector& detector, bool replacing) {
   if (detector.name.IsEmpty()) {

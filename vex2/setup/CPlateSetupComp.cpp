@@ -1,9 +1,13 @@
 #include "vex2/setup/CPlateSetupComp.h"
 
 #include "vex2/container/Status.h"
+#include "vex2/format/RecordKinds.h"
 #include "vex2/setup/Parts.h"
 
-CPlateSetupComp::CPlateSetupComp() : CContainerComp("CELS") {}
+using vex2::Kind;
+using vex2::TagOf;
+
+CPlateSetupComp::CPlateSetupComp() : CContainerComp(TagOf(Kind::kPlateSetup)) {}
 
 CPlateSetupComp::CPlateSetupComp(const Vex2PlateSetup& setup) : CPlateSetupComp() {
   if (setup.cells == nullptr) return;

@@ -6,7 +6,7 @@
 /// The spectra of the pure dyes in a document, "PDYE".
 class VEX2_API CPureDyeComp final : public vex2::SpectrumSetComp<Vex2PureDye> {
  public:
-  static constexpr std::string_view kTag = "PDYE";
+  static const std::string_view kTag;
 
   CPureDyeComp() : SpectrumSetComp(kTag) {}
   explicit CPureDyeComp(const Vex2PureDye& record) : SpectrumSetComp(kTag, record) {}

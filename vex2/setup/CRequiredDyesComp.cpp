@@ -1,15 +1,19 @@
 #include "vex2/setup/CRequiredDyesComp.h"
 
+#include "vex2/format/RecordKinds.h"
 #include "vex2/setup/Parts.h"
 
-CRequiredDyesComp::CRequiredDyesComp() : CContainerComp("RqDy") {}
+using vex2::Kind;
+using vex2::TagOf;
+
+CRequiredDyesComp::CRequiredDyesComp() : CContainerComp(TagOf(Kind::kRequiredDyes)) {}
 
 CRequiredDyesComp::CRequiredDyesComp(const CString* dyes, int count) : CRequiredDyesComp() {
   for (int index = 0; dyes != nullptr && index < count; ++index) Add(dyes[index]);
 }
 
 void CRequiredDyesComp::Add(const CString& dye) {
-  if (!dye.IsEmpty()) vex2::AddPart<CBlockValueComp>(*this, "aDye", dye);
+  if (!dye.IsEmpty()) vex2::AddPart<CBlockValueComp>(*this, TagOf(Kind::kRequiredDye), dye);
 }
 
 int CRequiredDyesComp::Find(const CString& dye) const {

@@ -3,8 +3,9 @@
 #include <type_traits>
 #include <utility>
 
-#include "vex2/container/Encoding.h"
-#include "vex2/container/ReadLimits.h"
+#include "vex2/container/Status.h"
+#include "vex2/format/Encoding.h"
+#include "vex2/format/ReadLimits.h"
 #include "vex2/setup/Vex2BGC.h"
 #include "vex2/setup/Vex2PureDye.h"
 
@@ -31,13 +32,13 @@ class BodyReader {
  public:
   explicit BodyReader(CFile& file) : file_(file) {}
 
-  int Status() const { return status_; }
+  int Status() const { return isWhole_ ? kSuccess : kReadFailed; }
   template <typename Value>
   void Number(Value& value) {
-    if (status_ == kSuccess) status_ = ReadValue(file_, value);
+    isWhole_ = isWhole_ && ReadField(file_, value);
   }
   void Bytes(void* bytes, std::size_t count) {
-    if (status_ == kSuccess && count != 0) status_ = ReadBytes(file_, bytes, count);
+    isWhole_ = isWhole_ && (count == 0 || ReadExactly(file_, bytes, count));
   }
   void Name(Spectrum& spectrum) {
     std::uint8_t length = 0;
@@ -64,12 +65,12 @@ class BodyReader {
 
  private:
   bool has(std::uint64_t count) {
-    if (status_ == kSuccess && !HasBytesLeft(file_, count)) status_ = ShortRead(file_);
-    return status_ == kSuccess;
+    isWhole_ = isWhole_ && (HasBytesLeft(file_, count) || ShortRead(file_));
+    return isWhole_;
   }
 
   CFile& file_;
-  int status_ = kSuccess;
+  bool isWhole_ = true;
 };
 
 class BodyWriter {
@@ -78,20 +79,20 @@ class BodyWriter {
 
   template <typename Value>
   void Number(Value value) {
-    WriteValue(file_, value);
+    WriteField(file_, value);
   }
   void Bytes(const void* bytes, std::size_t count) { file_.Write(bytes, count); }
   void Name(const Spectrum& spectrum) {
-    WriteValue(file_, spectrum.nameLength);
+    WriteField(file_, spectrum.nameLength);
     file_.Write(spectrum.name, spectrum.nameLength);
   }
   void Values(const Spectrum& spectrum) {
-    WriteValue(file_, spectrum.valueCount);
+    WriteField(file_, spectrum.valueCount);
     file_.Write(spectrum.values, spectrum.valueCount * sizeof *spectrum.values);
   }
   template <typename Record>
   void EntryCount(const Record& record) {
-    WriteValue(file_, record.entryCount);
+    WriteField(file_, record.entryCount);
   }
 
  private:

@@ -5,9 +5,13 @@
 
 #include "vex2/container/Status.h"
 #include "vex2/container/TagFactory.h"
+#include "vex2/format/RecordKinds.h"
 #include "vex2/study/CRQPlateComp.h"
 
-CMultiPlateComp::CMultiPlateComp() : CContainerComp("MPLC") {}
+using vex2::Kind;
+using vex2::TagOf;
+
+CMultiPlateComp::CMultiPlateComp() : CContainerComp(TagOf(Kind::kPlates)) {}
 
 CMultiPlateComp::~CMultiPlateComp() = default;
 
@@ -58,7 +62,7 @@ int CMultiPlateComp::ReadChildren(CFile* file) {
   for (int pass = 0; pass < count; ++pass) {
     std::unique_ptr<CComponent> child;
     if (!vex2::CreateNextComponent(*file, child)) break;
-    if (child->GetTag() != "RQPl") return vex2::kNotFound;
+    if (child->GetTag() != TagOf(Kind::kPlate)) return vex2::kNotFound;
     if (const int status = child->Read(file); status != vex2::kSuccess) return status;
     AddPlate(std::unique_ptr<CRQPlateComp>(static_cast<CRQPlateComp*>(child.release())));
   }

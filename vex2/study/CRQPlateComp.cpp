@@ -4,7 +4,11 @@
 #include <utility>
 
 #include "vex2/container/Status.h"
+#include "vex2/format/RecordKinds.h"
 #include "vex2/manager/Vex2FileManagerComponent.h"
+
+using vex2::Kind;
+using vex2::TagOf;
 
 namespace {
 
@@ -12,7 +16,7 @@ constexpr std::uint32_t kEmptyListLength = 2;  // the count
 
 }  // namespace
 
-CRQPlateComp::CRQPlateComp() : CContainerComp("RQPl") {}
+CRQPlateComp::CRQPlateComp() : CContainerComp(TagOf(Kind::kPlate)) {}
 
 CRQPlateComp::~CRQPlateComp() = default;
 

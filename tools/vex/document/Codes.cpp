@@ -3,8 +3,8 @@
 #include <array>
 
 #include "tools/vex/Errors.h"
-#include "tools/vex/document/HeaderFields.h"
 #include "tools/vex/text/Text.h"
+#include "vex2/format/HeaderLayout.h"
 
 namespace vex2::tool {
 
@@ -16,34 +16,33 @@ struct Code {
   std::string_view meaning;
 };
 
-// The types of plates are not here: `WellsOfType` knows them.
+// Plate types are not here: their meaning is their number of wells.
 constexpr auto kCodes = std::to_array<Code>({
-    {CodeField::kAssay, "BGND", "background"},
-    {CodeField::kAssay, "PDye", "spectra of pure dyes"},
-    {CodeField::kAssay, "AbsQ", "absolute quantification"},
-    {CodeField::kAssay, "RelQ", "relative quantification"},
-    {CodeField::kAssay, "RQSt", "relative quantification study"},
-    {CodeField::kAssay, "AllD", "plate read"},
-    {CodeField::kAssay, "+/-", "plate read"},
-    {CodeField::kKind, "Kest", "a document of the second instrument kind"},
-    {CodeField::kKind, "Blue", "a blue-light special document"},
-    {CodeField::kStatus, "ZERO", "no acquisition yet"},
-    {CodeField::kStatus, "PROG", "acquisition in progress"},
-    {CodeField::kStatus, "DONE", "acquisition finished"},
+    {CodeField::kAssay, Assay::kBackground.code, "background"},
+    {CodeField::kAssay, Assay::kPureSpectra.code, "spectra of pure dyes"},
+    {CodeField::kAssay, Assay::kAbsolute.code, "absolute quantification"},
+    {CodeField::kAssay, Assay::kRelativePlate.code, "relative quantification"},
+    {CodeField::kAssay, Assay::kRelativeStudy.code, "relative quantification study"},
+    {CodeField::kAssay, Assay::kAllelic.code, "plate read"},
+    {CodeField::kAssay, Assay::kPlusMinus.code, "plate read"},
+    {CodeField::kKind, KindMarker::kKestor, "a document of the second instrument kind"},
+    {CodeField::kKind, KindMarker::kBlueLight, "a blue-light special document"},
+    {CodeField::kStatus, RunStatus::kNotStarted, "no acquisition yet"},
+    {CodeField::kStatus, RunStatus::kInProgress, "acquisition in progress"},
+    {CodeField::kStatus, RunStatus::kDone, "acquisition finished"},
 });
-
-constexpr std::size_t kCodeLength = 4;
 
 }  // namespace
 
 std::string CodeMeaning(CodeField field, std::string_view code) {
   if (field == CodeField::kPlateType) {
-    const auto wells = WellsOfType(PadRight(std::string(code), kCodeLength));
-    return wells ? Counted(*wells, "well") : "";
+    const auto wells = WellsOfPlateType(PadRight(std::string(code), kCodeLength));
+    return wells != 0 ? Counted(wells, "well") : "";
   }
-  const std::string_view bare = code.substr(0, code.find_last_not_of(' ') + 1);
+  // A code may come without the spaces that fill it up.
+  const std::string whole = PadRight(std::string(code), kCodeLength);
   for (const Code& known : kCodes) {
-    if (known.field == field && known.code == bare) return std::string(known.meaning);
+    if (known.field == field && known.code == whole) return std::string(known.meaning);
   }
   return {};
 }

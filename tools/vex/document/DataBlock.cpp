@@ -6,38 +6,25 @@
 
 #include "tools/vex/Options.h"
 #include "tools/vex/document/FileLayout.h"
-#include "vex2/container/TagTable.h"
+#include "vex2/format/RecordKinds.h"
 
 namespace vex2::tool {
 
-namespace {
-
-constexpr std::uint16_t kFirstVersionWithTimes = 2;
-
-bool readTimes(CFile& file, DataBlockHead& head) {
-  const auto size = ReadShort(file);
-  if (!size) return false;
-  head.timeBlockSize = *size;
-  return file.Read(head.start.fields, sizeof head.start.fields) == sizeof head.start.fields &&
-         file.Read(head.end.fields, sizeof head.end.fields) == sizeof head.end.fields;
-}
-
-}  // namespace
-
 std::optional<DataBlockHead> ReadDataBlockHead(CFile& file, const FileRecord& record) {
   file.Seek(static_cast<std::int64_t>(record.BodyOffset()), CFile::begin);
+  vex2::DataBlockHead stored;
   DataBlockHead head;
-  const auto version = ReadShort(file);
-  if (!version) return std::nullopt;
-  head.version = *version;
-  if (*version >= kFirstVersionWithTimes && !readTimes(file, head)) return std::nullopt;
-  const auto wells = ReadShort(file);
-  if (!wells || file.GetRemaining() < 2U * *wells) return std::nullopt;
-  for (unsigned i = 0; i < *wells; ++i) head.wells.push_back(ReadShort(file).value_or(0));
-  head.frameSize = kReadingSize * *wells;
-  if (*wells > 0 && record.length > kBlockFixedSize) {
-    head.frameCount = (record.length - kBlockFixedSize) / head.frameSize;
+  if (!vex2::ReadDataBlockHead(file, TimeBlock::kAsWritten, stored) ||
+      !ReadWellNumbers(file, stored.wells, head.wells)) {
+    return std::nullopt;
   }
+  head.version = stored.version;
+  head.timeBlockSize = stored.timeBlockSize;
+  const auto* endTime = stored.times.data() + sizeof head.start.fields;
+  std::copy_n(stored.times.data(), sizeof head.start.fields, head.start.fields);
+  std::copy_n(endTime, sizeof head.end.fields, head.end.fields);
+  head.frameSize = FrameSize(stored.wells);
+  head.frameCount = FrameCount(record.length, stored.wells);
   head.firstFrame = file.GetPosition();
   return head;
 }

@@ -33,7 +33,7 @@ struct Document::Surveyor final : RecordVisitor {
 
   void Begin(const FileRecord& record, CFile& /*file*/) override {
     const Record noted{std::string(record.Tag()), record.offset, record.length,
-                       IsKnownToLibrary(record.Tag())};
+                       IsKnownTag(record.Tag())};
     if (record.depth == 1) {
       beginOwn(noted);
     } else if (topKnown && !noted.known && record.length > 0) {
@@ -108,7 +108,8 @@ void Document::survey() {
 }
 
 std::optional<FileFault> Document::headerFault() const {
-  const std::uint64_t needed = RecordsOffset(static_cast<std::uint32_t>(content_->GetHeaderRows()));
+  const std::uint64_t needed =
+      HeaderLayout::RecordsOffset(static_cast<std::uint32_t>(content_->GetHeaderRows()));
   if (size_ >= needed) return std::nullopt;
   return FileFault{size_, "the header is cut short: " + std::to_string(size_) + " of " +
                               Counted(needed, "byte") + " are there"};
@@ -206,7 +207,7 @@ void Document::RequireWhole(std::string_view purpose) const {
     throw Error(ExitCode::kDocument, path_,
                 "a plate of " + std::to_string(content_->GetHeaderRows()) +
                     " rows does not fit into a header that is saved",
-                kDocumentHeaderSize);
+                HeaderLayout::kSize);
   }
 }
 

@@ -36,26 +36,18 @@ class HeaderReader {
 
 }  // namespace
 
-std::optional<std::uint32_t> WellsOfType(const std::string& plateType) {
-  constexpr std::array<std::string_view, 3> kSmall = {"c9C ", "p9b ", "p9C "};
-  constexpr std::array<std::string_view, 3> kLarge = {"c3C ", "p3b ", "p3C "};
-  if (std::find(kSmall.begin(), kSmall.end(), plateType) != kSmall.end()) return 96;
-  if (std::find(kLarge.begin(), kLarge.end(), plateType) != kLarge.end()) return 384;
-  return std::nullopt;
-}
-
 HeaderFields ReadHeaderFields(CFile& file, std::uint64_t offset) {
   HeaderReader reader(file, offset);
   HeaderFields header;
-  header.assay = reader.Code(HeaderFields::kAssayAt);
-  header.plateType = reader.Code(HeaderFields::kTypeAt);
-  header.rows = reader.Short(HeaderFields::kRowsAt);
-  header.columns = reader.Short(HeaderFields::kColumnsAt);
-  header.programPosition = reader.Long(HeaderFields::kProgramAt);
-  header.status = reader.Code(HeaderFields::kStatusAt);
-  header.rawDataPosition = reader.Long(HeaderFields::kRawDataAt);
-  for (std::uint64_t row = 0; row < std::min(header.rows, HeaderFields::kMostRows); ++row) {
-    header.usage.push_back(reader.Long(HeaderFields::kUsageAt + 4 * row));
+  header.assay = reader.Code(HeaderLayout::kAssayCodeAt);
+  header.plateType = reader.Code(HeaderLayout::kPlateTypeCodeAt);
+  header.rows = reader.Short(HeaderLayout::kRowsAt);
+  header.columns = reader.Short(HeaderLayout::kColumnsAt);
+  header.programPosition = reader.Long(HeaderLayout::kProgramOffsetAt);
+  header.status = reader.Code(HeaderLayout::kStatusAt);
+  header.rawDataPosition = reader.Long(HeaderLayout::kRawDataOffsetAt);
+  for (std::uint64_t row = 0; row < std::min(header.rows, HeaderLayout::kMaxRows); ++row) {
+    header.usage.push_back(reader.Long(HeaderLayout::kUsageAt + 4 * row));
   }
   return header;
 }

@@ -5,23 +5,13 @@
 #include <string>
 #include <vector>
 
+#include "vex2/format/HeaderLayout.h"
 #include "vex2/framework/CFile.h"
 
 namespace vex2::tool {
 
 /// The fields of a header that can be wrong, as they stand in a file.
 struct HeaderFields {
-  static constexpr std::uint64_t kAssayAt = 8;
-  static constexpr std::uint64_t kTypeAt = 16;
-  static constexpr std::uint64_t kRowsAt = 20;
-  static constexpr std::uint64_t kColumnsAt = 22;
-  static constexpr std::uint64_t kProgramAt = 24;
-  static constexpr std::uint64_t kStatusAt = 64;
-  static constexpr std::uint64_t kRawDataAt = 68;
-  static constexpr std::uint64_t kUsageAt = 72;
-  /// Rows whose masks lie within a header of 1024 bytes.
-  static constexpr std::uint16_t kMostRows = 238;
-
   std::string assay;
   std::string plateType;
   std::uint16_t rows = 0;
@@ -33,12 +23,9 @@ struct HeaderFields {
 
   std::uint32_t Wells() const { return std::uint32_t{rows} * columns; }
   /// Whether a recorder may be at work, or have been cut off: frames are still to come.
-  bool IsUnfinished() const { return status == "PROG" || status == "ZERO"; }
-  bool IsRunning() const { return status == "PROG"; }
+  bool IsUnfinished() const { return IsRunning() || status == RunStatus::kNotStarted; }
+  bool IsRunning() const { return status == RunStatus::kInProgress; }
 };
-
-/// The wells of a plate of this type; nothing for a type that is nobody's.
-std::optional<std::uint32_t> WellsOfType(const std::string& plateType);
 
 /// Reads the header that begins at `offset` of the open file. Fields that the file ends before are
 /// 0 or empty.

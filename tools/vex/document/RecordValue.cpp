@@ -120,7 +120,7 @@ ordered_json ReadRecordValue(CFile& file, const FileRecord& record) {
       return orNull(ReadLong(file));
     case BodyLayout::kFloat:
       return floatValue(file);
-    case BodyLayout::kColour:
+    case BodyLayout::kColor:
       return colourValue(file, record);
     case BodyLayout::kText:
       return ToUtf8(textOf(bodyBytes(file, record, record.length)));

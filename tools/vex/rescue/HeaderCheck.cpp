@@ -20,8 +20,8 @@ std::string dimensions(const HeaderFields& header) {
 
 void checkSize(const HeaderFields& header, const std::string& name, std::uint64_t offset,
                Findings& findings) {
-  const std::uint64_t rowsAt = offset + HeaderFields::kRowsAt;
-  if (header.rows > HeaderFields::kMostRows) {
+  const std::uint64_t rowsAt = offset + HeaderLayout::kRowsAt;
+  if (header.rows > HeaderLayout::kMaxRows) {
     findings.Add(
         {Severity::kError, name, rowsAt,
          "a plate of " + std::to_string(header.rows) + " rows, more than a header has room for",
@@ -29,16 +29,16 @@ void checkSize(const HeaderFields& header, const std::string& name, std::uint64_
          "'vex recover' takes what it finds into a document of a possible plate"});
     return;
   }
-  const auto wells = WellsOfType(header.plateType);
-  if (!wells) {
-    findings.Add({Severity::kNote, name, offset + HeaderFields::kTypeAt,
+  const auto wells = WellsOfPlateType(header.plateType);
+  if (wells == 0) {
+    findings.Add({Severity::kNote, name, offset + HeaderLayout::kPlateTypeCodeAt,
                   "the plate type '" + Escaped(ToUtf8(header.plateType)) +
                       "' is none with a known number of wells",
                   "analysis does not know how many wells there are", ""});
-  } else if (*wells != header.Wells()) {
+  } else if (wells != header.Wells()) {
     findings.Add({Severity::kWarning, name, rowsAt,
                   "a plate of " + dimensions(header) + " wells, but the type '" +
-                      Escaped(ToUtf8(header.plateType)) + "' has " + std::to_string(*wells),
+                      Escaped(ToUtf8(header.plateType)) + "' has " + std::to_string(wells),
                   "analysis goes by the type, well names and masks by rows and columns", ""});
   }
 }
@@ -51,7 +51,7 @@ void checkUsage(const HeaderFields& header, const std::string& name, std::uint64
     outside += static_cast<unsigned>(std::popcount(mask >> header.columns));
   }
   if (outside == 0) return;
-  findings.Add({Severity::kWarning, name, offset + HeaderFields::kUsageAt,
+  findings.Add({Severity::kWarning, name, offset + HeaderLayout::kUsageAt,
                 "the masks of wells in use have " + Counted(outside, "well") +
                     " in columns that a plate of " + dimensions(header) + " has not",
                 "they count as in use wherever wells are counted", ""});
@@ -92,16 +92,16 @@ void checkProgram(const HeaderFields& header, const Aim& aim, Findings& findings
   if (position == 0 || aim.isTag) return;
   const std::string what = leadsTo(position, "TPro");
   if (aim.isEnd) {
-    findings.Add({Severity::kNote, "header", HeaderFields::kProgramAt,
+    findings.Add({Severity::kNote, "header", HeaderLayout::kProgramOffsetAt,
                   what + ", just past the record, as a save of the whole document leaves it",
                   "nothing; who wants the program looks for its tag", ""});
   } else if (aim.first != nullptr) {
     findings.Add(
-        {Severity::kError, "header", HeaderFields::kProgramAt,
+        {Severity::kError, "header", HeaderLayout::kProgramOffsetAt,
          what + ", which is not where its record is, at byte " + std::to_string(aim.first->offset),
          "a program that goes by it reads something else as the program", kRepairPosition});
   } else {
-    findings.Add({Severity::kWarning, "header", HeaderFields::kProgramAt,
+    findings.Add({Severity::kWarning, "header", HeaderLayout::kProgramOffsetAt,
                   what + ", but there is no such record",
                   "a program that goes by it reads something else as the program",
                   "any save of the whole document with a program in it sets it"});
@@ -114,7 +114,8 @@ void checkRunningPosition(const HeaderFields& header, const Aim& aim, Findings& 
   const std::string block = std::to_string(aim.first->offset);
   // A first commit that was interrupted, or a save of the whole document, leaves it so.
   const bool isUsual = position == 0 || aim.isEnd;
-  findings.Add({isUsual ? Severity::kWarning : Severity::kError, "header", HeaderFields::kRawDataAt,
+  findings.Add({isUsual ? Severity::kWarning : Severity::kError, "header",
+                HeaderLayout::kRawDataOffsetAt,
                 what +
                     (aim.isEnd ? ", just past the block at byte " + block
                                : ", but the block is at byte " + block) +
@@ -142,7 +143,7 @@ void checkRawData(const HeaderFields& header, const Aim& aim, const Document& do
     findings.Add({isStudy  ? Severity::kNote
                   : isHarm ? Severity::kError
                            : Severity::kWarning,
-                  "header", HeaderFields::kRawDataAt, what + ", but there is no such record",
+                  "header", HeaderLayout::kRawDataOffsetAt, what + ", but there is no such record",
                   isStudy  ? "nothing; a study keeps no block of its own"
                   : isHarm ? "frames that an instrument commits would stand behind no block"
                            : "who reads single frames from the file finds something else",
@@ -153,14 +154,14 @@ void checkRawData(const HeaderFields& header, const Aim& aim, const Document& do
   }
   if (position == 0 || aim.isEnd) {
     findings.Add(
-        {Severity::kNote, "header", HeaderFields::kRawDataAt,
+        {Severity::kNote, "header", HeaderLayout::kRawDataOffsetAt,
          what + (aim.isEnd ? ", just past the block, as a save of the whole document leaves it"
                            : ", though there is a block"),
          "who reads single frames from the file without a document finds none", ""});
     return;
   }
   findings.Add(
-      {Severity::kError, "header", HeaderFields::kRawDataAt,
+      {Severity::kError, "header", HeaderLayout::kRawDataOffsetAt,
        what + ", which is not where the block is, at byte " + std::to_string(aim.first->offset),
        "who reads single frames from the file reads something else as readings", kRepairPosition});
 }

@@ -213,7 +213,7 @@ class PlateCheck {
 
 void checkStatus(const HeaderFields& header, Findings& findings) {
   if (std::find(kStatuses.begin(), kStatuses.end(), header.status) != kStatuses.end()) return;
-  findings.Add({Severity::kWarning, "header", HeaderFields::kStatusAt,
+  findings.Add({Severity::kWarning, "header", HeaderLayout::kStatusAt,
                 "the acquisition status " + shown(header.status) + " is none of ZERO, PROG, DONE",
                 "nobody can tell whether the run is over",
                 "'vex status FILE DONE' sets it when the run is over"});

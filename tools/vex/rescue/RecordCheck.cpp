@@ -36,7 +36,7 @@ bool RecordCheck::isStray(const FileRecord& record) const {
 void RecordCheck::Begin(const FileRecord& record, CFile& file) {
   if (isStray(record)) return;
   levels_.resize(static_cast<std::size_t>(record.depth) - 1);
-  const bool known = IsKnownToLibrary(record.Tag());
+  const bool known = IsKnownTag(record.Tag());
   if (!levels_.empty() && record.kind->layout == BodyLayout::kPlate) ++levels_.back().plates;
   levels_.push_back({record, 0, 0, record.Tag() == "MPLC", known});
   if (!known) return checkUnknown(record);

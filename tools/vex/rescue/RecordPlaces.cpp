@@ -3,53 +3,57 @@
 #include <algorithm>
 #include <array>
 
+#include "vex2/format/RecordKinds.h"
+
 namespace vex2::tool {
 
 namespace {
 
-struct Place {
-  std::string_view list;
-  std::string_view tags;  ///< of four characters each
+struct HomeList {
+  RecordHome home;
+  std::string_view tag;  ///< of the list; empty for the document itself
 };
 
-constexpr auto kPlaces = std::to_array<Place>({
-    {"",
-     "GLBLTProRAWaREPrREPnREPdREPtCELSDETLCALIPDYEBKGDRqDyMPLCCALRENDORQATConfEOF "
-     "SPECCNTLCPLTCPNM"},
-    {"GLBL", "VERSCOMMPCRVRefNUOMCFTRDDRKSPRERPOSRLOGT"},
-    {"CELS", "CELL"},
-    {"CELL", "NAMEDESCDETT"},
-    {"DETT", "DNAMTASKQANTDUSE"},
-    {"DETL", "DETX"},
-    {"DETX", "DETNDYERDYEQDESCCOMTCOLRDATCDATMOWNRLOCSDASBDAEBDATHDAABDAATDAQF"},
-    {"CALI", "PDYEBKGD"},
-    {"RqDy", "aDye"},
-    {"MPLC", "RQPl"},
-    {"RQPl",
-     "GLBLTProRAWaREPrREPnREPdREPtCELSDETLCALIPDYEBKGDRqDyCALRENDORQATConfSPECPathRQPDEOPl"},
-    {"SPEC", "TSMPRFIDSPNMSPONSPRVSPCH"},
+constexpr auto kLists = std::to_array<HomeList>({
+    {kTop, ""},
+    {kInGlobal, TagOf(Kind::kGlobal)},
+    {kInPlateSetup, TagOf(Kind::kPlateSetup)},
+    {kInCell, TagOf(Kind::kCell)},
+    {kInCellDetector, TagOf(Kind::kCellDetector)},
+    {kInDetectorList, TagOf(Kind::kDetectorList)},
+    {kInDetector, TagOf(Kind::kDetector)},
+    {kInCalibration, TagOf(Kind::kCalibration)},
+    {kInRequiredDyes, TagOf(Kind::kRequiredDyes)},
+    {kInPlates, TagOf(Kind::kPlates)},
+    {kInPlate, TagOf(Kind::kPlate)},
+    {kInSpectrum, TagOf(Kind::kSpectrum)},
 });
 
-bool holds(const Place& place, std::string_view tag) {
-  for (std::size_t i = 0; i + 4 <= place.tags.size(); i += 4) {
-    if (place.tags.substr(i, 4) == tag) return true;
+// A tag that stands in the table twice has the homes of both rows.
+unsigned homesOf(std::string_view tag) {
+  unsigned homes = 0;
+  for (const RecordKind& kind : kRecordKinds) {
+    if (kind.tag == tag) homes |= kind.homes;
   }
-  return false;
+  return homes;
 }
 
 }  // namespace
 
 bool StandsIn(std::string_view list, std::string_view tag) {
-  return std::any_of(kPlaces.begin(), kPlaces.end(),
-                     [&](const Place& place) { return place.list == list && holds(place, tag); });
+  const unsigned homes = homesOf(tag);
+  return std::any_of(kLists.begin(), kLists.end(), [&](const HomeList& each) {
+    return each.tag == list && (homes & each.home) != 0;
+  });
 }
 
 std::vector<std::string_view> HomesOf(std::string_view tag) {
-  std::vector<std::string_view> homes;
-  for (const Place& place : kPlaces) {
-    if (holds(place, tag)) homes.push_back(place.list);
+  const unsigned homes = homesOf(tag);
+  std::vector<std::string_view> tags;
+  for (const HomeList& each : kLists) {
+    if ((homes & each.home) != 0) tags.push_back(each.tag);
   }
-  return homes;
+  return tags;
 }
 
 std::string_view HomeOf(std::string_view tag, std::string_view near) {

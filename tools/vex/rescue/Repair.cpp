@@ -93,7 +93,7 @@ class Planner {
   bool isFilled(const DataBlockHead& head, std::uint64_t frame) {
     const std::uint64_t begin = head.firstFrame + frame * head.frameSize;
     for (std::uint64_t well = 0; well < head.wells.size(); ++well) {
-      file_.Seek(static_cast<std::int64_t>(begin + well * kReadingSize), CFile::begin);
+      file_.Seek(static_cast<std::int64_t>(begin + well * kStoredRecordSize), CFile::begin);
       if (ReadShort(file_).value_or(0) == 0) return false;
     }
     return true;
@@ -115,7 +115,7 @@ class Planner {
       if (record.offset == position || record.end == position) return;
     }
     if (first == nullptr || position == 0) return;
-    patch(HeaderFields::kProgramAt, position, first->offset,
+    patch(HeaderLayout::kProgramOffsetAt, position, first->offset,
           "the header's position of TPro, for its tag");
   }
 
@@ -138,7 +138,7 @@ class Planner {
     if (block == records.end() || block->offset >= plan_.newSize.value_or(plan_.size)) {
       // What stands behind the last record may be the block, with a damaged head.
       if (document_.StrayOffset() + kRecordHeadSize <= plan_.newSize.value_or(plan_.size)) return;
-      return patch(HeaderFields::kRawDataAt, position, 0,
+      return patch(HeaderLayout::kRawDataOffsetAt, position, 0,
                    "the header's position of RAWa, for there is none");
     }
     const auto leads = [&](const auto& record) {
@@ -155,7 +155,7 @@ class Planner {
       return isBlock(record) && record.offset == position;
     });
     if (isAtTag) return;
-    patch(HeaderFields::kRawDataAt, position, block->offset,
+    patch(HeaderLayout::kRawDataOffsetAt, position, block->offset,
           "the header's position of RAWa, for its tag");
   }
 

@@ -6,7 +6,7 @@
 
 #include "tools/vex/document/DataBlock.h"
 #include "tools/vex/document/FileLayout.h"
-#include "vex2/container/TagTable.h"
+#include "vex2/format/RecordKinds.h"
 
 namespace vex2::tool {
 
@@ -57,7 +57,7 @@ std::optional<SalvageBlock> byNumbers(SalvageSource& source, const BlockSearch& 
     // In the midst of numbers that ascend, each may look like a count of those behind it.
     if (source.Short(at - 2) == wells - 1) continue;
     const std::uint64_t first = at + 2 + 2 * std::uint64_t{wells};
-    if (first >= search.to || (search.to - first) % (kReadingSize * wells) != 0) continue;
+    if (first >= search.to || (search.to - first) % (kStoredRecordSize * wells) != 0) continue;
     SalvageBlock block = blockWith(source, at - 16, wells, search.to);
     if (block.numbers.empty()) continue;
     const auto& known = search.wellCounts;
@@ -76,8 +76,8 @@ std::uint16_t wellsByTimes(SalvageSource& source, std::uint64_t from, std::uint6
   constexpr std::uint64_t kTimeAt = 10;
   std::optional<std::uint32_t> time;
   std::uint16_t run = 0;
-  for (std::uint64_t at = to; at >= from + kReadingSize; at -= kReadingSize, ++run) {
-    const auto other = source.Long(at - kReadingSize + kTimeAt);
+  for (std::uint64_t at = to; at >= from + kStoredRecordSize; at -= kStoredRecordSize, ++run) {
+    const auto other = source.Long(at - kStoredRecordSize + kTimeAt);
     if (run > kMostWells) return 0;
     if (time && other != time) return run >= kLeastWellsToTell && time != 0U ? run : 0;
     time = other;
@@ -161,7 +161,7 @@ std::optional<SalvageBlock> byFrames(SalvageSource& source, const BlockSearch& s
   constexpr std::uint16_t kFilled = 1;
   const std::uint64_t body = search.from + kRecordHeadSize;
   for (std::uint16_t wells = 1; wells <= kMostWells; ++wells) {
-    if (body + kBlockFixedSize + (2 + kReadingSize) * wells > search.to) break;
+    if (body + kBlockFixedSize + (2 + kStoredRecordSize) * wells > search.to) break;
     if (source.Short(body + kBlockFixedSize + 2 * std::uint64_t{wells}) != kFilled) continue;
     SalvageBlock block = blockWith(source, body, wells, search.to);
     if (isTorn(source, block)) return block;
@@ -263,7 +263,7 @@ std::vector<std::uint16_t> ReadWellNumbers(SalvageSource& source, std::uint64_t 
 }
 
 std::optional<SalvageBlock> FindLostBlock(SalvageSource& source, const BlockSearch& search) {
-  if (search.to < search.from + kReadingSize) return std::nullopt;
+  if (search.to < search.from + kStoredRecordSize) return std::nullopt;
   if (auto block = byVersion(source, search)) return block;
   if (auto block = byNumbers(source, search)) return block;
   if (search.beginsAtFrom) {
@@ -277,7 +277,7 @@ std::optional<std::uint16_t> MarkerOf(SalvageSource& source, std::uint64_t frame
                                       std::uint16_t wells) {
   std::uint16_t marker = 0;
   for (unsigned well = 0; well < wells; ++well) {
-    const auto found = source.Short(frame + kReadingSize * well);
+    const auto found = source.Short(frame + kStoredRecordSize * well);
     if (!found || *found == kPadding) return std::nullopt;
     if (*found != 0 && marker != 0 && *found != marker) return std::nullopt;
     marker = std::max(marker, *found);
@@ -291,7 +291,7 @@ std::uint64_t CountPlausibleFrames(SalvageSource& source, std::uint64_t offset, 
   std::uint64_t count = 0;
   for (; count < most && wells > 0; ++count) {
     unsigned filled = 0;
-    for (unsigned well = 0; well < wells; ++well, offset += kReadingSize) {
+    for (unsigned well = 0; well < wells; ++well, offset += kStoredRecordSize) {
       const auto found = source.Short(offset);
       if (!found) return count;
       if (marker ? *found == *marker : *found != 0) ++filled;

@@ -25,7 +25,7 @@ struct SalvageBlock {
   bool lengthAgrees = false;         ///< the declared length is what wells and whole frames take
   std::vector<std::string> guesses;  ///< what was put in, for people
 
-  std::uint64_t FrameSize() const { return kReadingSize * wells; }
+  std::uint64_t FrameSize() const { return kStoredRecordSize * wells; }
   std::uint64_t End() const { return firstFrame + frames * FrameSize(); }
 };
 

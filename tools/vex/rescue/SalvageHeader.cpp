@@ -22,11 +22,11 @@ struct Code {
   const char* name;
 };
 
-constexpr auto kCodes = std::to_array<Code>({{HeaderFields::kAssayAt, "kind of assay"},
+constexpr auto kCodes = std::to_array<Code>({{HeaderLayout::kAssayCodeAt, "kind of assay"},
                                              {12, "kind of run"},
-                                             {HeaderFields::kTypeAt, "plate type"},
+                                             {HeaderLayout::kPlateTypeCodeAt, "plate type"},
                                              {60, "instrument"},
-                                             {HeaderFields::kStatusAt, "acquisition status"}});
+                                             {HeaderLayout::kStatusAt, "acquisition status"}});
 
 bool isText(std::span<const std::uint8_t> bytes, std::size_t at, std::size_t size) {
   const auto part = bytes.subspan(at, size);
@@ -39,9 +39,9 @@ bool hasMagic(std::span<const std::uint8_t> header) {
 }
 
 bool hasShape(std::span<const std::uint8_t> header) {
-  const unsigned columns = ShortAt(header, HeaderFields::kColumnsAt);
-  const unsigned rows = ShortAt(header, HeaderFields::kRowsAt);
-  return rows >= 1 && rows <= HeaderFields::kMostRows && columns >= 1 && columns <= kMostColumns;
+  const unsigned columns = ShortAt(header, HeaderLayout::kColumnsAt);
+  const unsigned rows = ShortAt(header, HeaderLayout::kRowsAt);
+  return rows >= 1 && rows <= HeaderLayout::kMaxRows && columns >= 1 && columns <= kMostColumns;
 }
 
 void put(std::vector<std::uint8_t>& header, std::size_t at, std::string_view text) {
@@ -49,37 +49,37 @@ void put(std::vector<std::uint8_t>& header, std::size_t at, std::string_view tex
 }
 
 void putShape(std::vector<std::uint8_t>& header, unsigned rows, unsigned columns) {
-  header[HeaderFields::kRowsAt] = header[HeaderFields::kColumnsAt] = 0;
-  header[HeaderFields::kRowsAt + 1] = static_cast<std::uint8_t>(rows);
-  header[HeaderFields::kColumnsAt + 1] = static_cast<std::uint8_t>(columns);
+  header[HeaderLayout::kRowsAt] = header[HeaderLayout::kColumnsAt] = 0;
+  header[HeaderLayout::kRowsAt + 1] = static_cast<std::uint8_t>(rows);
+  header[HeaderLayout::kColumnsAt + 1] = static_cast<std::uint8_t>(columns);
   const auto mask = LongBytes(static_cast<std::uint32_t>((std::uint64_t{1} << columns) - 1));
   for (std::size_t row = 0; row < rows; ++row) {
     std::copy(mask.begin(), mask.end(),
-              header.begin() + static_cast<std::ptrdiff_t>(HeaderFields::kUsageAt + 4 * row));
+              header.begin() + static_cast<std::ptrdiff_t>(HeaderLayout::kUsageAt + 4 * row));
   }
 }
 
 }  // namespace
 
 bool IsHeaderWhole(std::span<const std::uint8_t> header) {
-  if (header.size() < kDocumentHeaderSize || !hasMagic(header)) return false;
-  if (ShortAt(header, HeaderFields::kRowsAt) > HeaderFields::kMostRows) return false;
+  if (header.size() < HeaderLayout::kSize || !hasMagic(header)) return false;
+  if (ShortAt(header, HeaderLayout::kRowsAt) > HeaderLayout::kMaxRows) return false;
   return std::all_of(kCodes.begin(), kCodes.end(),
                      [&](const Code& code) { return isText(header, code.at, 4); });
 }
 
 std::vector<std::uint8_t> MadeHeader(const PlateFacts& facts, bool isEmbedded) {
   const bool isSmall = facts.wells <= kSmallPlate;
-  std::vector<std::uint8_t> header(kDocumentHeaderSize, isEmbedded ? 0xFF : 0);
-  std::fill_n(header.begin(), HeaderFields::kUsageAt, 0);
+  std::vector<std::uint8_t> header(HeaderLayout::kSize, isEmbedded ? 0xFF : 0);
+  std::fill_n(header.begin(), HeaderLayout::kUsageAt, 0);
   put(header, 0, "Vex2");
   header[5] = header[7] = 2;
-  put(header, HeaderFields::kAssayAt, facts.isStudy ? "RQSt" : "AbsQ");
+  put(header, HeaderLayout::kAssayCodeAt, facts.isStudy ? "RQSt" : "AbsQ");
   put(header, 12, "RtRn");
-  put(header, HeaderFields::kTypeAt, isSmall ? "p9C " : "p3C ");
+  put(header, HeaderLayout::kPlateTypeCodeAt, isSmall ? "p9C " : "p3C ");
   put(header, kTextAt, std::string(31, ' '));
   put(header, 60, "Kest");
-  put(header, HeaderFields::kStatusAt, facts.hasFrames ? "DONE" : "ZERO");
+  put(header, HeaderLayout::kStatusAt, facts.hasFrames ? "DONE" : "ZERO");
   putShape(header, isSmall ? 8 : 16, isSmall ? 12 : 24);
   return header;
 }
@@ -88,11 +88,11 @@ std::vector<std::uint8_t> MendedHeader(std::span<const std::uint8_t> header,
                                        const PlateFacts& facts, bool isEmbedded,
                                        std::vector<std::string>& guesses) {
   const std::vector<std::uint8_t> made = MadeHeader(facts, isEmbedded);
-  if (header.size() < kDocumentHeaderSize) {
+  if (header.size() < HeaderLayout::kSize) {
     guesses.emplace_back("all of it");
     return made;
   }
-  std::vector<std::uint8_t> mended(header.begin(), header.begin() + kDocumentHeaderSize);
+  std::vector<std::uint8_t> mended(header.begin(), header.begin() + HeaderLayout::kSize);
   const auto takeMade = [&](std::size_t at, std::size_t size) {
     std::copy_n(made.begin() + static_cast<std::ptrdiff_t>(at), size,
                 mended.begin() + static_cast<std::ptrdiff_t>(at));
@@ -104,11 +104,11 @@ std::vector<std::uint8_t> MendedHeader(std::span<const std::uint8_t> header,
     guesses.emplace_back(code.name);
   }
   if (!hasShape(header)) {
-    putShape(mended, ShortAt(made, HeaderFields::kRowsAt), ShortAt(made, HeaderFields::kColumnsAt));
+    putShape(mended, ShortAt(made, HeaderLayout::kRowsAt), ShortAt(made, HeaderLayout::kColumnsAt));
     guesses.emplace_back("rows, columns and used wells");
   } else if (UsedWells(header).empty()) {
-    putShape(mended, ShortAt(header, HeaderFields::kRowsAt),
-             ShortAt(header, HeaderFields::kColumnsAt));
+    putShape(mended, ShortAt(header, HeaderLayout::kRowsAt),
+             ShortAt(header, HeaderLayout::kColumnsAt));
     guesses.emplace_back("used wells");
   }
   return mended;
@@ -124,10 +124,10 @@ std::string GuessText(const std::vector<std::string>& guesses) {
 
 std::vector<std::uint16_t> UsedWells(std::span<const std::uint8_t> header) {
   std::vector<std::uint16_t> used;
-  if (header.size() < kDocumentHeaderSize || !hasShape(header)) return used;
-  const unsigned columns = ShortAt(header, HeaderFields::kColumnsAt);
-  for (unsigned row = 0; row < ShortAt(header, HeaderFields::kRowsAt); ++row) {
-    const std::size_t at = HeaderFields::kUsageAt + 4 * std::size_t{row};
+  if (header.size() < HeaderLayout::kSize || !hasShape(header)) return used;
+  const unsigned columns = ShortAt(header, HeaderLayout::kColumnsAt);
+  for (unsigned row = 0; row < ShortAt(header, HeaderLayout::kRowsAt); ++row) {
+    const std::size_t at = HeaderLayout::kUsageAt + 4 * std::size_t{row};
     const std::uint32_t mask = LongAt(header, at);
     for (unsigned column = 0; column < columns; ++column) {
       if ((mask >> column & 1U) != 0) {
@@ -139,9 +139,9 @@ std::vector<std::uint16_t> UsedWells(std::span<const std::uint8_t> header) {
 }
 
 std::uint16_t WellsByShape(std::span<const std::uint8_t> header) {
-  if (header.size() < kDocumentHeaderSize || !hasShape(header)) return 0;
-  return static_cast<std::uint16_t>(ShortAt(header, HeaderFields::kRowsAt) *
-                                    ShortAt(header, HeaderFields::kColumnsAt));
+  if (header.size() < HeaderLayout::kSize || !hasShape(header)) return 0;
+  return static_cast<std::uint16_t>(ShortAt(header, HeaderLayout::kRowsAt) *
+                                    ShortAt(header, HeaderLayout::kColumnsAt));
 }
 
 }  // namespace vex2::tool

@@ -7,7 +7,7 @@
 #include "tools/vex/document/RecordWalker.h"
 #include "tools/vex/rescue/SalvageBlock.h"
 #include "tools/vex/text/Text.h"
-#include "vex2/container/TagTable.h"
+#include "vex2/format/RecordKinds.h"
 
 namespace vex2::tool {
 
@@ -56,7 +56,7 @@ bool measure(SalvageSource& source, SalvageHead& head) {
   }
   const std::uint64_t fields = layout == BodyLayout::kCell ? 7 : 2;
   head.count = source.Short(body).value_or(0);
-  head.next = body + fields + (layout == BodyLayout::kPlate ? kDocumentHeaderSize : 0);
+  head.next = body + fields + (layout == BodyLayout::kPlate ? HeaderLayout::kSize : 0);
   head.exact = head.length >= fields + kRecordHeadSize * head.count;
   if (layout == BodyLayout::kPlate) head.exact = head.length == fields && head.count == 0;
   if (head.Tag() == "MPLC") head.exact = head.length % 10 == 2;

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "tools/vex/document/FileLayout.h"
-#include "tools/vex/document/RecordKinds.h"
+#include "vex2/format/RecordKinds.h"
 #include "vex2/framework/CFile.h"
 
 namespace vex2::tool {

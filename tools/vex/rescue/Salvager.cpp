@@ -7,7 +7,7 @@
 #include "tools/vex/document/HeaderFields.h"
 #include "tools/vex/rescue/RecordPlaces.h"
 #include "tools/vex/text/Text.h"
-#include "vex2/container/TagTable.h"
+#include "vex2/format/RecordKinds.h"
 
 namespace vex2::tool {
 
@@ -37,14 +37,14 @@ SalvageReport Salvage(CFile& in, CFile& out, const SalvageProgress& progress) {
 
 SalvageReport Salvager::Run() {
   report_.size = source_.Size();
-  const auto header = source_.View(0, kDocumentHeaderSize);
+  const auto header = source_.View(0, HeaderLayout::kSize);
   header_.assign(header.begin(), header.begin() + static_cast<std::ptrdiff_t>(std::min<std::size_t>(
-                                                      header.size(), kDocumentHeaderSize)));
+                                                      header.size(), HeaderLayout::kSize)));
   auto written = header_;
-  written.resize(kDocumentHeaderSize);
+  written.resize(HeaderLayout::kSize);
   tree_.Append(written);
   if (IsHeaderWhole(header_)) {
-    tree_.SetColumns(ShortAt(header_, HeaderFields::kColumnsAt));
+    tree_.SetColumns(ShortAt(header_, HeaderLayout::kColumnsAt));
   }
   std::uint64_t offset = firstRecord();
   while (offset < source_.Size()) {
@@ -59,10 +59,10 @@ SalvageReport Salvager::Run() {
 
 // Behind the header, unless that is gone, bytes and all.
 std::uint64_t Salvager::firstRecord() {
-  if (source_.Size() == kDocumentHeaderSize || HeadAt(source_, kDocumentHeaderSize))
-    return kDocumentHeaderSize;
-  const auto early = FindHead(source_, 0, kDocumentHeaderSize);
-  if (!early) return std::min(kDocumentHeaderSize, source_.Size());
+  if (source_.Size() == HeaderLayout::kSize || HeadAt(source_, HeaderLayout::kSize))
+    return HeaderLayout::kSize;
+  const auto early = FindHead(source_, 0, HeaderLayout::kSize);
+  if (!early) return std::min(HeaderLayout::kSize, source_.Size());
   header_.clear();
   return *early;
 }
@@ -108,7 +108,7 @@ bool Salvager::isCredibleList(const SalvageHead& head) {
 std::optional<SalvageHead> Salvager::listWithoutTag(std::uint64_t offset, std::string& tag) {
   const auto length = source_.Long(offset + 4);
   if (!length || *length < kListFields) return std::nullopt;
-  for (const std::uint64_t fields : {kListFields, kCellFields, kListFields + kDocumentHeaderSize}) {
+  for (const std::uint64_t fields : {kListFields, kCellFields, kListFields + HeaderLayout::kSize}) {
     const bool isPlate = fields > kCellFields;
     const std::string_view home = isPlate ? "RQPl" : listAround(offset, fields);
     if (home.empty()) continue;
@@ -185,7 +185,7 @@ std::uint64_t Salvager::keepPlateEnd(std::uint64_t offset) {
 bool Salvager::isNoStudy() const {
   constexpr std::string_view kStudy = "RQSt";
   return IsHeaderWhole(header_) &&
-         !std::equal(kStudy.begin(), kStudy.end(), header_.begin() + HeaderFields::kAssayAt);
+         !std::equal(kStudy.begin(), kStudy.end(), header_.begin() + HeaderLayout::kAssayCodeAt);
 }
 
 // Whether an end of a plate comes before the begin of another.
@@ -300,8 +300,8 @@ std::uint64_t Salvager::keepList(const SalvageHead& head, std::string_view tag) 
 
 std::uint64_t Salvager::keepPlate(const SalvageHead& head) {
   const std::uint64_t begin = head.offset + kRecordHeadSize + kListFields;
-  const auto bytes = source_.View(begin, kDocumentHeaderSize);
-  const auto header = bytes.first(std::min<std::size_t>(bytes.size(), kDocumentHeaderSize));
+  const auto bytes = source_.View(begin, HeaderLayout::kSize);
+  const auto header = bytes.first(std::min<std::size_t>(bytes.size(), HeaderLayout::kSize));
   if (IsHeaderWhole(header)) {
     plateHeader_.assign(header.begin(), header.end());
   } else {

@@ -4,7 +4,7 @@
 #include "tools/vex/document/FileLayout.h"
 #include "tools/vex/rescue/Salvager.h"
 #include "tools/vex/text/Text.h"
-#include "vex2/container/TagTable.h"
+#include "vex2/format/RecordKinds.h"
 
 namespace vex2::tool {
 

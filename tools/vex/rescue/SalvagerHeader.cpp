@@ -25,8 +25,8 @@ void Salvager::finishHeader() {
     const auto bytes = LongBytes(rightPosition(LongAt(header, at), tag));
     std::copy(bytes.begin(), bytes.end(), header.begin() + static_cast<std::ptrdiff_t>(at));
   };
-  setPosition(HeaderFields::kProgramAt, "TPro");
-  setPosition(HeaderFields::kRawDataAt, "RAWa");
+  setPosition(HeaderLayout::kProgramOffsetAt, "TPro");
+  setPosition(HeaderLayout::kRawDataOffsetAt, "RAWa");
   tree_.Patch(0, header);
 }
 
@@ -43,9 +43,9 @@ std::uint32_t Salvager::rightPosition(std::uint32_t stored, std::string_view tag
 
 bool Salvager::isRunning() const {
   constexpr std::string_view kRunning = "PROG";
-  return header_.size() >= HeaderFields::kRawDataAt &&
+  return header_.size() >= HeaderLayout::kRawDataOffsetAt &&
          std::equal(kRunning.begin(), kRunning.end(),
-                    header_.begin() + static_cast<std::ptrdiff_t>(HeaderFields::kStatusAt));
+                    header_.begin() + static_cast<std::ptrdiff_t>(HeaderLayout::kStatusAt));
 }
 
 }  // namespace vex2::tool

@@ -11,7 +11,7 @@
 #include "tools/vex/document/RawFile.h"
 #include "tools/vex/run/PlanComparison.h"
 #include "tools/vex/text/CsvReader.h"
-#include "vex2/container/Encoding.h"
+#include "vex2/format/Encoding.h"
 #include "vex2/manager/Vex2FileManager.h"
 
 namespace vex2::tool {
@@ -42,7 +42,7 @@ std::uint64_t headBytes(std::size_t wells) {
 
 std::vector<std::uint8_t> storedBytes(const std::vector<Vex2WellRecord>& records) {
   std::vector<std::uint8_t> bytes;
-  bytes.reserve(records.size() * kReadingSize);
+  bytes.reserve(records.size() * kStoredRecordSize);
   const auto add = [&](std::uint16_t value) {
     bytes.push_back(static_cast<std::uint8_t>(value >> 8U));
     bytes.push_back(static_cast<std::uint8_t>(value & 0xFFU));
@@ -106,19 +106,19 @@ InterruptedRun::InterruptedRun(const std::string& path) : path_(path) {
   CFile file;
   OpenToRead(file, path);
   if (const auto why = WhyNoDocument(file)) refuseAt(0, "this is no plate document: " + *why);
-  if (file.GetLength() < kDocumentHeaderSize) {
+  if (file.GetLength() < HeaderLayout::kSize) {
     refuseAt(file.GetLength(), "the header is cut short");
   }
-  status_ = textAt(file, HeaderFields::kStatusAt);
+  status_ = textAt(file, HeaderLayout::kStatusAt);
   if (IsDone()) return;
   if (status_ != "PROG" && status_ != "ZERO") {
     refuse("has the status " + Quoted(status_) + ", which is no run's in progress");
   }
-  moveTo(file, HeaderFields::kRawDataAt);
-  static_cast<void>(ReadValue(file, headerPosition_));
-  moveTo(file, HeaderFields::kRowsAt);
-  static_cast<void>(ReadValue(file, rows_));
-  static_cast<void>(ReadValue(file, columns_));
+  moveTo(file, HeaderLayout::kRawDataOffsetAt);
+  static_cast<void>(ReadField(file, headerPosition_));
+  moveTo(file, HeaderLayout::kRowsAt);
+  static_cast<void>(ReadField(file, rows_));
+  static_cast<void>(ReadField(file, columns_));
   findBlock(file);
   if (headerPosition_ != 0) readHead(file);
   countFrames(file.GetLength());
@@ -127,11 +127,11 @@ InterruptedRun::InterruptedRun(const std::string& path) : path_(path) {
 
 // Whole records come first. What follows them is the block, or what there is of it.
 void InterruptedRun::findBlock(CFile& file) {
-  blockStart_ = kDocumentHeaderSize;
+  blockStart_ = HeaderLayout::kSize;
   for (;;) {
     const std::string tag = textAt(file, blockStart_);
     std::uint32_t length = 0;
-    if (!isTag(tag) || tag == "RAWa" || ReadValue(file, length) != kSuccess) return;
+    if (!isTag(tag) || tag == "RAWa" || !ReadField(file, length)) return;
     if (length > file.GetRemaining()) return;
     blockStart_ += kRecordHeadSize + length;
   }
@@ -141,17 +141,17 @@ void InterruptedRun::readHead(CFile& file) {
   std::uint16_t version = 0;
   std::uint16_t timeBytes = 0;
   std::uint16_t wells = 0;
-  if (textAt(file, blockStart_) != "RAWa" || ReadValue(file, blockLength_) != kSuccess ||
-      ReadValue(file, version) != kSuccess || ReadValue(file, timeBytes) != kSuccess ||
-      version != 2 || timeBytes != sizeof(TimeStamp) * 2) {
+  if (textAt(file, blockStart_) != "RAWa" || !ReadField(file, blockLength_) ||
+      !ReadField(file, version) || !ReadField(file, timeBytes) || version != 2 ||
+      timeBytes != sizeof(TimeStamp) * 2) {
     refuseAt(blockStart_, "no data block of a recorder where it should be");
   }
   file.Seek(timeBytes, CFile::current);
-  if (ReadValue(file, wells) != kSuccess || wells == 0 || file.GetRemaining() < 2U * wells) {
+  if (!ReadField(file, wells) || wells == 0 || file.GetRemaining() < 2U * wells) {
     refuseAt(blockStart_, "the data block is cut off before its first frame");
   }
   wells_.resize(wells);
-  for (unsigned short& well : wells_) static_cast<void>(ReadValue(file, well));
+  for (unsigned short& well : wells_) static_cast<void>(ReadField(file, well));
 }
 
 void InterruptedRun::countFrames(std::uint64_t fileLength) {
@@ -170,7 +170,7 @@ std::uint64_t InterruptedRun::framesStart() const {
 }
 
 std::uint64_t InterruptedRun::frameBytes() const {
-  return kReadingSize * wells_.size();
+  return kStoredRecordSize * wells_.size();
 }
 
 void InterruptedRun::Check(const RunPlan& plan) const {
@@ -211,7 +211,7 @@ void InterruptedRun::checkContents(const RunPlan& plan) const {
 // A commit leaves at most its own bytes behind, and a frame does not begin as a record does. What
 // else stands there is somebody's, and not to be cut off.
 void InterruptedRun::checkTail(const RunPlan& plan) const {
-  const std::uint64_t frame = kReadingSize * plan.wells.size();
+  const std::uint64_t frame = kStoredRecordSize * plan.wells.size();
   const std::uint64_t most = HasBlock() ? frame : headBytes(plan.wells.size()) + frame;
   if (tailBytes_ > most || (HasBlock() && isTag(tailTag_))) {
     refuseAt(tailStart_, "more follows than a recorder can have left");
@@ -231,7 +231,7 @@ void InterruptedRun::checkReadings(const RunPlan& plan) const {
     const auto offset = static_cast<std::size_t>(differs - found.begin());
     refuseAt(framesStart() + frame * frameBytes() + offset,
              "frame " + std::to_string(frame) + " holds another reading of well " +
-                 plan.plate.NameOf(plan.wells[offset / kReadingSize]));
+                 plan.plate.NameOf(plan.wells[offset / kStoredRecordSize]));
   }
 }
 
@@ -241,13 +241,13 @@ void InterruptedRun::Repair() const {
     if (!file.Open(path_.c_str(), CFile::modeReadWrite)) refuse("cannot be written");
     const auto setRight = [&](std::uint64_t at, std::uint64_t word) {
       moveTo(file, at);
-      WriteValue(file, static_cast<std::uint32_t>(word));
+      WriteField(file, static_cast<std::uint32_t>(word));
       file.SyncData();
     };
     if (HasBlock()) {
       const std::uint64_t length = tailStart_ - blockStart_ - kRecordHeadSize;
       if (blockLength_ != length) setRight(blockStart_ + kTagBytes, length);
-      if (headerPosition_ != blockStart_) setRight(HeaderFields::kRawDataAt, blockStart_);
+      if (headerPosition_ != blockStart_) setRight(HeaderLayout::kRawDataOffsetAt, blockStart_);
     }
     file.SetLength(tailStart_);
     file.SyncData();

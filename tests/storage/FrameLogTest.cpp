@@ -1,5 +1,5 @@
-// What a commit that was cut short left in a file goes with the next one; what anyone else put
-// there stays.
+// The next commit overwrites what an interrupted one left behind the committed data, and nothing
+// else.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -15,7 +15,7 @@ constexpr const char* kPath = "/run.vex";
 constexpr std::uint32_t kHeader = 1024;
 constexpr std::size_t kFrame = 160;  // of two wells
 
-class Leftovers : public testing::Test {
+class FrameLog : public testing::Test {
  protected:
   // A run of two wells with one frame in memory.
   void SetUp() override {
@@ -68,24 +68,24 @@ Bytes changed(Bytes bytes, std::size_t at, std::uint8_t value) {
   return bytes;
 }
 
-TEST_F(Leftovers, OfAFrameGoWithTheNextOne) {
+TEST_F(FrameLog, CommitOverwritesPartOfAFrame) {
   EXPECT_FALSE(staysBehind(empty_, torn_));
   EXPECT_FALSE(staysBehind(empty_, Bytes(kFrame, 0)));
   EXPECT_FALSE(staysBehind(empty_, ToBytes("text, but no record")));
 }
 
-TEST_F(Leftovers, AreNoMoreThanOneFrame) {
+TEST_F(FrameLog, CommitKeepsMoreThanOneFrame) {
   EXPECT_TRUE(staysBehind(empty_, Bytes(kFrame + 1, 0xA5)));
 }
 
-TEST_F(Leftovers, AreNoRecordsThatStandBehindTheFrames) {
+TEST_F(FrameLog, CommitKeepsRecordsBehindTheFrames) {
   EXPECT_TRUE(staysBehind(empty_, ByteString().Text("COMM").Long(3).Text("abc")));
   EXPECT_TRUE(staysBehind(empty_, ByteString().Text("Xyz0").Long(3).Text("abc")));
   EXPECT_FALSE(staysBehind(empty_, ByteString().Text("Xyz0").Long(99).Text("abc")));
   EXPECT_FALSE(staysBehind(empty_, ByteString().Text("Xyz\x7f").Long(3).Text("abc")));
 }
 
-TEST_F(Leftovers, BehindABlockOfAnotherMakingStay) {
+TEST_F(FrameLog, CommitKeepsBytesBehindABlockItCannotHaveWritten) {
   EXPECT_TRUE(staysBehind(changed(empty_, 0, 'X'), torn_)) << "another tag";
   EXPECT_TRUE(staysBehind(changed(empty_, 9, 1), torn_)) << "another version";
   EXPECT_TRUE(staysBehind(changed(empty_, 11, 11), torn_)) << "other times";
@@ -95,19 +95,19 @@ TEST_F(Leftovers, BehindABlockOfAnotherMakingStay) {
   EXPECT_TRUE(staysBehind(changed(empty_, 7, 3), torn_)) << "less than its head";
 }
 
-TEST_F(Leftovers, OfAFirstCommitAreBlocksWithoutATagCutAnywhere) {
+TEST_F(FrameLog, FirstCommitOverwritesABlockWithoutTagCutAnywhere) {
   const Bytes other = ByteString().Text("COMM").Long(3).Text("abc");
   for (std::size_t length = 1; length <= noTag_.size(); ++length) {
     EXPECT_EQ(placeBehind({other, Slice(noTag_, 0, length)}), lengthOf({other})) << length;
   }
 }
 
-TEST_F(Leftovers, OfAFirstCommitAreBlocksThatHoldWhatIsInMemory) {
+TEST_F(FrameLog, FirstCommitOverwritesABlockWithHeldFramesOnly) {
   EXPECT_EQ(placeBehind({whole_}), kHeader);
   EXPECT_EQ(placeBehind({Slice(whole_, 0, whole_.size() - 1)}), kHeader);
 }
 
-TEST_F(Leftovers, AreNoBlocksOfAnotherRun) {
+TEST_F(FrameLog, FirstCommitKeepsBlocksOfAnotherRun) {
   const Bytes second = StoredBlock("RAWa", 2, 2);
   const Bytes other = ByteString().Text("COMM").Long(3).Text("abc");
   for (const auto& records : std::vector<std::vector<Bytes>>{{changed(whole_, 9, 1)},
@@ -122,7 +122,7 @@ TEST_F(Leftovers, AreNoBlocksOfAnotherRun) {
   }
 }
 
-TEST_F(Leftovers, BehindWhatIsNoRecordAreNotLookedFor) {
+TEST_F(FrameLog, FirstCommitKeepsBytesBehindDamagedRecords) {
   const Bytes binary = ByteString().Text("\1\2\3\4").Long(3).Text("abc");
   const Bytes high = ByteString().Text("abc\xE4").Long(3).Text("abc");
   const Bytes tornRecord = ByteString().Text("COMM").Long(1000);

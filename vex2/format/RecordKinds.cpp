@@ -1,4 +1,4 @@
-#include "vex2/container/TagTable.h"
+#include "vex2/format/RecordKinds.h"
 
 namespace vex2 {
 namespace {
@@ -17,21 +17,22 @@ constexpr std::uint32_t keyOf(std::string_view tag) {
   return key;
 }
 
-// A tag's place is its hash, or the next free one behind: so many places that few are taken twice.
-constexpr std::size_t kPlaces = 256;
+// A tag's slot is its hash or the next free slot; with this many slots few tags collide.
+constexpr std::size_t kSlots = 256;
 
-constexpr std::size_t placeOf(std::uint32_t key) {
+constexpr std::size_t slotOf(std::uint32_t key) {
   return key * 0x9E3779B1U >> 24U;
 }
 
 constexpr auto makeLookup() {
-  std::array<Entry, kPlaces> lookup{};
+  std::array<Entry, kSlots> lookup{};
   lookup.fill({0, -1});
   for (int row = 0; row < kTagRowCount; ++row) {
-    if (row == kShadowedDescriptionRow) continue;
-    std::size_t place = placeOf(keyOf(TagAt(row)));
-    while (lookup[place].row >= 0) place = (place + 1) % kPlaces;
-    lookup[place] = {keyOf(TagAt(row)), row};
+    // A lookup of the tag that stands twice finds the later row.
+    if (row == static_cast<int>(Kind::kCellDescription)) continue;
+    std::size_t slot = slotOf(keyOf(TagAt(row)));
+    while (lookup[slot].row >= 0) slot = (slot + 1) % kSlots;
+    lookup[slot] = {keyOf(TagAt(row)), row};
   }
   return lookup;
 }
@@ -43,9 +44,9 @@ constexpr auto kLookup = makeLookup();
 int FindTagIndex(std::string_view tag) noexcept {
   if (tag.size() != kTagLength) return -1;
   const std::uint32_t key = keyOf(tag);
-  std::size_t place = placeOf(key);
-  while (kLookup[place].row >= 0 && kLookup[place].key != key) place = (place + 1) % kPlaces;
-  return kLookup[place].row;
+  std::size_t slot = slotOf(key);
+  while (kLookup[slot].row >= 0 && kLookup[slot].key != key) slot = (slot + 1) % kSlots;
+  return kLookup[slot].row;
 }
 
 }  // namespace vex2

@@ -6,7 +6,6 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "vex2/container/Status.h"
 #include "vex2/framework/CFile.h"
 
 /// The primitive encodings of documents. Integers are big-endian; floats alone are little-endian,
@@ -30,41 +29,38 @@ constexpr void StoreBig(Value value, std::uint8_t* bytes) noexcept {
   }
 }
 
-/// Reads exactly `count` bytes; `kReadFailed` when there are fewer, and then all of those that
-/// there were are consumed.
-[[nodiscard]] inline int ReadBytes(CFile& file, void* bytes, std::size_t count) {
-  return file.Read(bytes, count) == count ? kSuccess : kReadFailed;
+/// Reads exactly `count` bytes. False when the file has fewer, and then all of them are consumed.
+[[nodiscard]] inline bool ReadExactly(CFile& file, void* bytes, std::size_t count) {
+  return file.Read(bytes, count) == count;
 }
 
-/// Reads one big-endian value; on a short read `value` is untouched.
+/// Reads one big-endian value. False when the file ends before, and then `value` is unchanged.
 template <std::unsigned_integral Value>
-[[nodiscard]] int ReadValue(CFile& file, Value& value) {
+[[nodiscard]] bool ReadField(CFile& file, Value& value) {
   std::array<std::uint8_t, sizeof(Value)> bytes{};
-  const int status = ReadBytes(file, bytes.data(), bytes.size());
-  if (status == kSuccess) value = LoadBig<Value>(bytes.data());
-  return status;
+  if (!ReadExactly(file, bytes.data(), bytes.size())) return false;
+  value = LoadBig<Value>(bytes.data());
+  return true;
 }
 
 template <std::unsigned_integral Value>
-void WriteValue(CFile& file, Value value) {
+void WriteField(CFile& file, Value value) {
   std::array<std::uint8_t, sizeof(Value)> bytes{};
   StoreBig(value, bytes.data());
   file.Write(bytes.data(), bytes.size());
 }
 
-/// Reads a float as it is stored; on a short read `value` is untouched.
-[[nodiscard]] inline int ReadValue(CFile& file, float& value) {
+/// Reads a float as it is stored. False when the file ends before, and then `value` is unchanged.
+[[nodiscard]] inline bool ReadField(CFile& file, float& value) {
   std::array<std::uint8_t, sizeof(float)> bytes{};
-  const int status = ReadBytes(file, bytes.data(), bytes.size());
-  if (status == kSuccess) {
-    const std::uint32_t bits = std::uint32_t{bytes[3]} << 24U | std::uint32_t{bytes[2]} << 16U |
-                               std::uint32_t{bytes[1]} << 8U | bytes[0];
-    value = std::bit_cast<float>(bits);
-  }
-  return status;
+  if (!ReadExactly(file, bytes.data(), bytes.size())) return false;
+  const std::uint32_t bits = std::uint32_t{bytes[3]} << 24U | std::uint32_t{bytes[2]} << 16U |
+                             std::uint32_t{bytes[1]} << 8U | bytes[0];
+  value = std::bit_cast<float>(bits);
+  return true;
 }
 
-inline void WriteValue(CFile& file, float value) {
+inline void WriteField(CFile& file, float value) {
   const auto bits = std::bit_cast<std::uint32_t>(value);
   const std::array<std::uint8_t, sizeof(float)> bytes = {
       static_cast<std::uint8_t>(bits & 0xFFU), static_cast<std::uint8_t>(bits >> 8U & 0xFFU),
@@ -72,24 +68,25 @@ inline void WriteValue(CFile& file, float value) {
   file.Write(bytes.data(), bytes.size());
 }
 
-/// Bytes that are no number stand as they are; on a short read `value` is untouched.
+/// Reads bytes that are not a number. False when the file ends before, and then `value` is
+/// unchanged.
 template <std::size_t Count>
-[[nodiscard]] int ReadValue(CFile& file, std::array<std::uint8_t, Count>& value) {
+[[nodiscard]] bool ReadField(CFile& file, std::array<std::uint8_t, Count>& value) {
   std::array<std::uint8_t, Count> bytes{};
-  const int status = ReadBytes(file, bytes.data(), bytes.size());
-  if (status == kSuccess) value = bytes;
-  return status;
+  if (!ReadExactly(file, bytes.data(), bytes.size())) return false;
+  value = bytes;
+  return true;
 }
 
 template <std::size_t Count>
-void WriteValue(CFile& file, const std::array<std::uint8_t, Count>& value) {
+void WriteField(CFile& file, const std::array<std::uint8_t, Count>& value) {
   file.Write(value.data(), value.size());
 }
 
-/// What a read of more bytes than there are comes to: they are consumed, and the status says so.
-[[nodiscard]] inline int ShortRead(CFile& file) {
+/// Ends a read that needs more bytes than the file has left: consumes them and returns false.
+[[nodiscard]] inline bool ShortRead(CFile& file) {
   file.SeekToEnd();
-  return kReadFailed;
+  return false;
 }
 
 }  // namespace vex2

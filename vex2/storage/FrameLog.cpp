@@ -1,0 +1,122 @@
+#include "vex2/storage/FrameLog.h"
+
+#include <algorithm>
+#include <string>
+
+#include "vex2/format/DataBlockHead.h"
+#include "vex2/format/Encoding.h"
+#include "vex2/format/HeaderLayout.h"
+#include "vex2/format/RecordWalker.h"
+
+namespace vex2 {
+
+namespace {
+
+// A data block in a file, as far as the end of the file lets it be read.
+struct StoredBlock {
+  FileRecord record;
+  DataBlockHead head;
+  bool isWhole = false;          // else the file ends within the head
+  std::uint64_t firstFrame = 0;  // known when it is whole
+
+  std::uint64_t FrameBytes() const { return FrameSize(head.wells); }
+};
+
+void moveTo(CFile& file, std::uint64_t offset) {
+  file.Seek(static_cast<std::int64_t>(offset), CFile::begin);
+}
+
+StoredBlock blockAt(CFile& file, std::uint64_t offset) {
+  StoredBlock block;
+  moveTo(file, offset);
+  if (!ReadRecordHead(file, block.record) ||
+      !ReadDataBlockHead(file, TimeBlock::kAsStated, block.head)) {
+    return block;
+  }
+  block.firstFrame = file.GetPosition() + sizeof(std::uint16_t) * block.head.wells;
+  block.isWhole = block.head.timeBlockSize == kTimeBlockSize;
+  return block;
+}
+
+// As much of a tag as the file has there.
+std::string tagAt(CFile& file, std::uint64_t offset) {
+  moveTo(file, offset);
+  std::string tag(kTagLength, '\0');
+  tag.resize(file.Read(tag.data(), tag.size()));
+  return tag;
+}
+
+// Whether a record of a known kind begins there, or records of any kind follow up to the file's
+// end.
+bool recordsFollow(CFile& file, std::uint64_t offset) {
+  if (FindTagIndex(tagAt(file, offset)) >= 0) return true;
+  DeclaredRecords records(file, offset);
+  while (records.Next()) {
+    if (!IsPrintableTag(records.Record().Tag())) return false;
+    if (records.Record().DeclaredEnd() > file.GetLength()) return false;
+  }
+  return !records.EndsInHead();
+}
+
+// For a block that the header leads to: behind the frames that its length counts.
+std::uint64_t endOfFrames(CFile& file, std::uint32_t offset, const HeldBlock& held) {
+  const std::uint64_t fileEnd = file.GetLength();
+  const StoredBlock block = blockAt(file, offset);
+  // Leave blocks alone that this system cannot have written.
+  if (!block.isWhole || block.record.Tag() != held.tag ||
+      block.head.version < kFirstVersionWithTimes || block.head.wells == 0 ||
+      block.head.wells != held.wells) {
+    return fileEnd;
+  }
+  const std::uint64_t counted = block.record.DeclaredEnd();
+  if (counted < block.firstFrame || (counted - block.firstFrame) % block.FrameBytes() != 0) {
+    return fileEnd;
+  }
+  // A commit leaves at most its own frame, and what others put behind the data are records.
+  if (counted >= fileEnd || fileEnd - counted > block.FrameBytes()) return fileEnd;
+  return recordsFollow(file, counted) ? fileEnd : counted;
+}
+
+// Whether the bytes from `start` to the file's end are a first commit that was interrupted: a block
+// that has no tag yet, or one without a frame that `held` does not have.
+bool isInterruptedFirstCommit(CFile& file, std::uint64_t start, const HeldBlock& held) {
+  const StoredBlock block = blockAt(file, start);
+  if (block.record.DeclaredEnd() < file.GetLength()) return false;
+  if (!block.isWhole) return file.GetLength() - start <= kRecordHeadSize + kBlockFixedSize;
+  if (block.head.version < kFirstVersionWithTimes || block.head.wells != held.wells) return false;
+  if (block.record.Tag() == kUncommittedTag || block.firstFrame > file.GetLength()) return true;
+  moveTo(file, block.firstFrame);
+  const std::uint64_t size = block.FrameBytes();
+  const std::uint64_t frames = size != 0 ? file.GetRemaining() / size : 0;
+  if (frames > held.frames) return false;
+  for (std::uint64_t frame = 0; frame < frames; ++frame) {
+    if (!held.isFrame(file, frame)) return false;
+  }
+  return true;
+}
+
+// Before the first commit: behind the last record, which readers find by what records hold.
+std::uint64_t endOfRecords(CFile& file, const HeldBlock& held) {
+  const std::uint64_t fileEnd = file.GetLength();
+  std::uint64_t start = HeaderLayout::kSize;
+  while (start < fileEnd) {
+    const std::string tag = tagAt(file, start);
+    if (tag == held.tag || tag == kUncommittedTag.substr(0, tag.size())) {
+      return isInterruptedFirstCommit(file, start, held) ? start : fileEnd;
+    }
+    // Bytes that are not a record lead to no other one, and may go on for gigabytes.
+    if (!IsPrintableTag(tag)) break;
+    const auto end = EndOfRecordAt(file, start);
+    if (!end) break;
+    start = *end;
+  }
+  return fileEnd;
+}
+
+}  // namespace
+
+std::uint64_t CommittedEnd(CFile& file, std::uint32_t blockOffset, const HeldBlock& held) {
+  return blockOffset != 0 ? endOfFrames(file, blockOffset, held) : endOfRecords(file, held);
+}
+
+}  // namespace vex2
