@@ -1,23 +1,17 @@
 #include <algorithm>
 #include <cstdint>
-<<<<<<< HEAD
-#include <functional>
-=======
 #include <filesystem>
+#include <functional>
 #include <iomanip>
->>>>>>> h-values
 #include <iostream>
 #include <optional>
 #include <sstream>
 
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/CsvInput.h"
-<<<<<<< HEAD
 #include "tools/vex/document/Output.h"
 #include "tools/vex/document/OutputFiles.h"
-=======
 #include "tools/vex/document/RunLog.h"
->>>>>>> h-values
 #include "tools/vex/run/InterruptedRun.h"
 #include "tools/vex/run/LiveRun.h"
 #include "tools/vex/run/MeasuredRun.h"
@@ -26,12 +20,8 @@
 #include "tools/vex/run/SimulatedRun.h"
 #include "tools/vex/setup/AssayTypes.h"
 #include "tools/vex/setup/WellsFile.h"
-<<<<<<< HEAD
-=======
 #include "tools/vex/text/CsvReader.h"
-#include "tools/vex/text/Output.h"
 #include "tools/vex/text/Text.h"
->>>>>>> h-values
 
 namespace vex2::tool {
 
@@ -59,11 +49,6 @@ class RecordingCommand : public Command {
     options.Add("RUN", options_.path, "The document to record to").Show("FILE.vex").Require();
   }
 
-<<<<<<< HEAD
-  /// `beforehand` is called when the recording can begin.
-  ExitCode record(
-      const RunPlan& plan, const std::function<void()>& beforehand = [] {}) {
-=======
   void addRunOptions(Options& options) {
     options.Add("--started", started_, "When the run began, as below; else unknown").Show("TIME");
     options.Add("--assay", assay_, "The kind of run, a code as below; else AbsQ").Show("CODE");
@@ -93,8 +78,9 @@ class RecordingCommand : public Command {
                 "--assay " + *assay_ + " is no assay; it is one of " + PlateAssayList());
   }
 
-  ExitCode record(const RunPlan& plan) {
->>>>>>> h-values
+  /// `beforehand` is called when the recording can begin.
+  ExitCode record(
+      const RunPlan& plan, const std::function<void()>& beforehand = [] {}) {
     std::size_t done = 0;
     const auto outcome = [&] {
       RecordProgress progress(options_.path);
@@ -201,20 +187,16 @@ class RecordCommand final : public RecordingCommand {
     }
     files_.readingsFormat = input_.Format(ReadingsFileColumns());
     files_.wellsFormat = input_.Format(WellsFileColumns(), wellsNames_, "--wells-columns");
-<<<<<<< HEAD
+    takeValues();
+    if (options_.resume) takeRecordedValues();
     OutputFiles files(options_.force);
     files.Read(files_.readings).Read(files_.wells);
     files.Write(options_.path, OutputFiles::Kind::kRecording).Claim();
-    return record(LoadMeasuredRun(files_));
-=======
-    takeValues();
-    if (options_.resume) takeRecordedValues();
     if (files_.readings == "-") return recordLive();
     if (frames_) throw Error(ExitCode::kUsage, "--frames is for --readings - alone");
     const MeasuredRun run = LoadMeasuredRun(files_);
     tellRounding(CsvName(files_.readings), run.rounding, run.plan.scale);
     return record(run.plan);
->>>>>>> h-values
   }
 
  private:
@@ -331,8 +313,10 @@ class SimulateCommand final : public RecordingCommand {
   }
 
   ExitCode Run() override {
-<<<<<<< HEAD
-    const RunPlan plan = SimulateRun(parameters());
+    RunPlan plan = SimulateRun(parameters());
+    plan.started = started();
+    plan.assay = assay();
+    if (options_.resume) takeRecordedValues(plan);
     Table readings = {readingsOut_, readingsText(plan)};
     Table wells = {wellsOut_, wellsText(plan)};
     OutputFiles files(options_.force);
@@ -347,15 +331,6 @@ class SimulateCommand final : public RecordingCommand {
       write(readings);
       write(wells);
     });
-=======
-    RunPlan plan = SimulateRun(parameters());
-    plan.started = started();
-    plan.assay = assay();
-    if (options_.resume) takeRecordedValues(plan);
-    if (!readingsOut_.empty()) WriteReadings(plan, readingsOut_);
-    if (!wellsOut_.empty()) writeWells(plan.contents);
-    return record(plan);
->>>>>>> h-values
   }
 
  private:

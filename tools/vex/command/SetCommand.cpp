@@ -6,11 +6,8 @@
 #include "tools/vex/document/Changing.h"
 #include "tools/vex/document/Settings.h"
 #include "tools/vex/document/Study.h"
-<<<<<<< HEAD
 #include "tools/vex/setup/AssayTypes.h"
-=======
 #include "tools/vex/text/Nearest.h"
->>>>>>> h-screens
 #include "tools/vex/text/Text.h"
 
 namespace vex2::tool {

@@ -31,7 +31,7 @@ class TextTree final : public RecordVisitor {
     std::cout << terminal_.Styled(number(record.offset), Style::kDim) << number(record.length)
               << std::string(indent + 2, ' ')
               << terminal_.Styled(tag,
-                                  IsKnownToLibrary(record.Tag()) ? Style::kBold : Style::kYellow)
+                                  IsKnownTag(record.Tag()) ? Style::kBold : Style::kYellow)
               << described(record, file, 2 * kNumberWidth + 2 + indent + tag.size() + 2) << '\n';
   }
 

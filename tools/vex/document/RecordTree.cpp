@@ -17,7 +17,7 @@ std::string indent(int depth) {
 ordered_json fields(const FileRecord& record, CFile& file) {
   ordered_json object = {
       {"tag", ToUtf8(record.Tag())}, {"offset", record.offset}, {"length", record.length}};
-  if (!IsKnownToLibrary(record.Tag())) object["known"] = false;
+  if (!IsKnownTag(record.Tag())) object["known"] = false;
   ordered_json value = ReadRecordValue(file, record);
   if (!value.is_null()) object["value"] = std::move(value);
   object.update(ReadRecordFields(file, record));

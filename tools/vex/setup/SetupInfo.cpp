@@ -44,6 +44,7 @@ ordered_json DescribeDetectors(const Vex2FileManager& plate) {
     for (const DetectorField& field : DetectorFields()) {
       entry[std::string(field.key)] = field.get(detector);
     }
+    entry["defaults"] = DefaultedFields(detector);
     list.push_back(std::move(entry));
   }
   return list;
