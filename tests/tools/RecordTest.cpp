@@ -139,8 +139,7 @@ TEST_F(RecordTest, ScaleIsAPowerOfTenWhereOneKeepsTheReadings) {
   const struct {
     const char* reading;
     const char* scale;
-  } cases[] = {{"65.535", "scale=1000\n"},
-               {"65.536", "scale=1000\noffset=0.31\n"}};
+  } cases[] = {{"65.535", "scale=1000\n"}, {"65.536", "scale=1000\noffset=0.31\n"}};
   for (const auto& [reading, scale] : cases) {
     const std::string file =
         File("large.csv", ReadingsWith("60,0.313", std::string("60,") + reading));

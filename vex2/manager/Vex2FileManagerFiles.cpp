@@ -200,7 +200,8 @@ int Vex2FileManager::readComponents(CFile& file) {
   noteSource(file.CFile::GetFilePath());
   const int status = ReadHeaderData(&file);
   if (status != kSuccess) noteFault(0, "it is no \"Vex2\" document");
-  if (file.GetLength() < vex2::HeaderLayout::kSize) noteFault(file.GetLength(), "it ends within the header");
+  if (file.GetLength() < vex2::HeaderLayout::kSize)
+    noteFault(file.GetLength(), "it ends within the header");
   if (status != kSuccess || file.GetLength() <= vex2::HeaderLayout::kSize) return status;
   return readRecords(file);
 }

@@ -36,7 +36,8 @@ int Vex2FileManager::SetAcquisitionStatus(const char* status) {
 int Vex2FileManager::SetAcquisitionStatus(const char* path, const char* status) {
   if (SetAcquisitionStatus(status) != vex2::kSuccess) return vex2::kWriteFailed;
   const auto look = [this] {
-    return IsVex2Format() && GetLength() > HeaderLayout::kStatusAt ? vex2::kSuccess : vex2::kWriteFailed;
+    return IsVex2Format() && GetLength() > HeaderLayout::kStatusAt ? vex2::kSuccess
+                                                                   : vex2::kWriteFailed;
   };
   const int result = changeFile(path, look, [this] {
     Seek(HeaderLayout::kStatusAt, begin);

@@ -30,8 +30,7 @@ class TextTree final : public RecordVisitor {
     const std::string tag = Printable(ToUtf8(record.Tag()));
     std::cout << terminal_.Styled(number(record.offset), Style::kDim) << number(record.length)
               << std::string(indent + 2, ' ')
-              << terminal_.Styled(tag,
-                                  IsKnownTag(record.Tag()) ? Style::kBold : Style::kYellow)
+              << terminal_.Styled(tag, IsKnownTag(record.Tag()) ? Style::kBold : Style::kYellow)
               << described(record, file, 2 * kNumberWidth + 2 + indent + tag.size() + 2) << '\n';
   }
 

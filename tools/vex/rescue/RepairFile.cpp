@@ -19,8 +19,8 @@ namespace {
 constexpr std::size_t kChunk = CFile::kBufferSize;
 constexpr std::uint64_t kWordSize = 4;
 
-// Called while the document is locked, so that the library changes it no more. Where a rename cannot
-// serve, it has been emptied by now.
+// Called while the document is locked, so that the library changes it no more. Where a rename
+// cannot serve, it has been emptied by now.
 void requireUnchanged(const std::string& path, const std::string& backup) {
   const auto now = ContentOf(path);
   if (now && (now->size == 0 || now == ContentOf(backup))) return;
