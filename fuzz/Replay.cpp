@@ -16,7 +16,9 @@ int main(int count, char** arguments) {
   for (int i = 1; i < count; ++i) {
     if (fs::is_regular_file(arguments[i])) inputs.emplace_back(arguments[i]);
     if (!fs::is_directory(arguments[i])) continue;
-    for (const auto& entry : fs::directory_iterator(arguments[i])) inputs.push_back(entry.path());
+    for (const auto& entry : fs::recursive_directory_iterator(arguments[i])) {
+      if (entry.is_regular_file()) inputs.push_back(entry.path());
+    }
   }
   for (const fs::path& input : inputs) {
     // Said beforehand, since a finding ends the program.

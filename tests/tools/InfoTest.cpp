@@ -44,11 +44,13 @@ TEST_F(Info, GoesOnAfterADocumentThatIsNone) {
   const CommandResult result = RunVex({"info", "--json", other, path_});
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_EQ(nlohmann::json::parse(result.output)["file"], path_);
-  EXPECT_EQ(result.errors,
-            "vex: " + other +
-                ": at byte 0: this is no plate document: it is a text; CSV goes into "
-                "documents with 'vex record', 'vex wells --from' and 'vex "
-                "calibration --import'\n");
+  const auto error = nlohmann::json::parse(result.errors)["error"];
+  EXPECT_EQ(error["code"], "no-document");
+  EXPECT_EQ(error["file"], other);
+  EXPECT_EQ(error["offset"], 0);
+  EXPECT_EQ(error["message"],
+            "this is no plate document: it is a text; CSV goes into documents with 'vex record', "
+            "'vex wells --from' and 'vex calibration --import'");
 }
 
 TEST_F(Info, ShowsWhatIsLeftOfADocumentThatIsCutShort) {

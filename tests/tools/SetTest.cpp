@@ -87,7 +87,7 @@ TEST_F(Set, EveryNumberHasItsLimits) {
 
 TEST_F(Set, RefusesWhatIsNoSetting) {
   MakeRun();
-  ExpectRefused({"set", path_, "colour=red"}, 2, "'colour' is no setting");
+  ExpectRefused({"set", path_, "colour=red"}, 2, "unknown setting 'colour'");
   ExpectRefused({"set", path_, "comment"}, 2, "'comment' is not of the form key=value");
   ExpectRefused({"set", path_, "ftrd=1", "ftrd=2"}, 2, "'ftrd' is given twice");
 }

@@ -171,7 +171,7 @@ TEST_F(Study, SettingsThatAreNoStudysAreRefused) {
             "calibrator: none -> liver\nendogenous-control: none -> 18S\nconfidence: none -> 95\n"
             "analysis-type: none -> 2\n");
   expectStudyRefuses({"study", "set", study_, "comment=x"}, study_, 2,
-                     "'comment' is no setting; see 'vex study set --help'");
+                     "unknown setting 'comment'; see 'vex study set --help'");
   const json settings = JsonOutput({"info", "--json", study_})["settings"];
   EXPECT_EQ(settings["calibrator"], "liver");
   EXPECT_EQ(plates().size(), 2U);

@@ -11,10 +11,10 @@ TEST_F(TreeSelected, DepthLeavesOutRecordsThatAreNestedDeeper) {
   MakeRun();
   const std::string all = Output({"tree", path_});
   const std::string top = Output({"tree", path_, "--depth", "1"});
-  EXPECT_THAT(all, HasSubstr("LOGG"));
+  EXPECT_THAT(all, HasSubstr("LOGT"));
   EXPECT_THAT(top, HasSubstr("GLBL"));
   EXPECT_THAT(top, HasSubstr("RAWa"));
-  EXPECT_THAT(top, Not(HasSubstr("LOGG")));
+  EXPECT_THAT(top, Not(HasSubstr("LOGT")));
   const auto json = JsonOutput({"tree", path_, "--depth", "1", "--json"});
   ASSERT_EQ(json.size(), 2U);
   EXPECT_FALSE(json[0].contains("children"));

@@ -54,9 +54,10 @@ TEST_F(Tree, IsCompleteJsonAlsoWhereTheFileEndsWithinLists) {
   const json tree = json::parse(result.output);
   EXPECT_EQ(tree[0]["children"][0]["tag"], "SPEC");
   EXPECT_EQ(tree[0]["children"][0]["children"], json::array());
-  EXPECT_EQ(result.errors, "vex: " + path_ +
-                               ": at byte 1034: the record \"SPEC\" is cut short: 0 of 2 records "
-                               "are there (10 bytes lost)\n");
+  const auto error = json::parse(result.errors)["error"];
+  EXPECT_EQ(error["offset"], 1034);
+  EXPECT_EQ(error["message"],
+            "the record \"SPEC\" is cut short: 0 of 2 records are there (10 bytes lost)");
 }
 
 TEST_F(Tree, NestingEndsWhereTheReaderEndsIt) {

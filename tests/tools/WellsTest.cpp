@@ -124,7 +124,9 @@ TEST_F(Wells, OfMoreThanASetupHoldsAreRefused) {
   const Bytes before = ReadBytes(path_);
   const std::string why = "its plate of 200 rows and 328 columns has more wells than a setup holds";
   ExpectRefused({"wells", path_}, 1, why);
-  ExpectRefused({"wells", path_, "--json"}, 1, why);
+  const CommandResult asJson = RunVex({"wells", path_, "--json"});
+  EXPECT_EQ(asJson.exitCode, 1);
+  EXPECT_EQ(nlohmann::json::parse(asJson.errors)["error"]["message"], why);
   ExpectRefused({"wells", path_, "--from", wells_}, 1, why);
   EXPECT_EQ(RunVex({"wells", path_, "--csv"}).output, "");
   EXPECT_EQ(ReadBytes(path_), before);
@@ -208,7 +210,8 @@ TEST_F(Detectors, WrongFieldsAreRefusedAndNothingChanges) {
   const Bytes before = ReadBytes(path_);
   ExpectRefused({"detectors", path_, "--add", "reporter=FAM"}, 2,
                 "stands before the detector's name=");
-  ExpectRefused({"detectors", path_, "--add", "name=A", "colour=red"}, 2, "is no field");
+  ExpectRefused({"detectors", path_, "--add", "name=A", "colour=red"}, 2,
+                "unknown field 'colour' of a detector; did you mean 'color'?");
   ExpectRefused({"detectors", path_, "--add", "name=A", "color=red"}, 2, "it takes three bytes");
   ExpectRefused({"detectors", path_, "--add", "name="}, 2, "names no detector");
   ExpectRefused({"detectors", path_, "--add", "A"}, 2, "is not of the form key=value");
