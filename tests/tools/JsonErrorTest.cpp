@@ -24,6 +24,13 @@ class JsonError : public DocumentTest {
   }
 };
 
+TEST_F(JsonError, OutputThatExistsHasACodeOfItsOwn) {
+  MakeRun();
+  const std::string output = folder_ / "out.vex";
+  WriteBytes(output, ToBytes("something"));
+  EXPECT_EQ(CodeOf({"recover", path_, "-o", output, "--json"}), "exists");
+}
+
 TEST_F(JsonError, HoldsCodeFileOffsetMessageAndExitCode) {
   const auto missing = ErrorOf({"info", "--json", "/nowhere/run.vex"});
   EXPECT_EQ(missing["code"], "no-such-file");

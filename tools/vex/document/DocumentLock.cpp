@@ -142,13 +142,13 @@ std::string DocumentLock::holderNote() const {
 
 void DocumentLock::refuse() const {
   if (holderNote() == kCommandNote) {
-    throw Error(ExitCode::kSystem, given_,
+    throw Error(ErrorCode::kInUse, given_,
                 "another command is changing it; try again when it is done");
   }
   std::error_code ignored;
   const bool isLink = fs::is_symlink(given_, ignored);
   throw Error(
-      ExitCode::kUsage, given_,
+      ErrorCode::kUsage, given_,
       (isLink ? "leads to " + document_.string() + ", which is" : std::string("is")) +
           " being recorded already; wait until the recorder is done, or end it with Ctrl-C");
 }

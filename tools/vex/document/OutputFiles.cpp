@@ -112,7 +112,7 @@ void OutputFiles::checkExisting(const File& output) const {
     throw Error(ExitCode::kUsage, output.path,
                 "is a plate document, which is never replaced by a table; give another name");
   }
-  if (!mayReplace_) throw Error(ExitCode::kUsage, output.path, "already exists; " + remedy_);
+  if (!mayReplace_) throw Error(ErrorCode::kExists, output.path, "already exists; " + remedy_);
   if (info.st_nlink > 1) {
     throw Error(ExitCode::kUsage, output.path,
                 "has other names as well (hard links), so it is not replaced; give another name");

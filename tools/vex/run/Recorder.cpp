@@ -71,7 +71,7 @@ void Recorder::Claim() {
     throw Error(ExitCode::kUsage, options_.path, "has other names as well (hard links)");
   }
   if (exists && !options_.resume && !options_.force) {
-    throw Error(ExitCode::kUsage, options_.path,
+    throw Error(ErrorCode::kExists, options_.path,
                 "already exists; use --resume to continue it or --force to overwrite it");
   }
   if (!exists || options_.force) return;
