@@ -39,11 +39,11 @@ void DocumentFile::OpenDocument(const std::string& path) {
 
 void DocumentFile::ExpectUnchanged(const std::string& path) {
   expectedPath_ = path;
-  expected_ = ContentOf(path);
+  expected_ = FileState::Note(path);
 }
 
 bool DocumentFile::isUnchanged() const {
-  return expectedPath_.empty() || ContentOf(expectedPath_) == expected_;
+  return expectedPath_.empty() || expected_.IsStillAt(expectedPath_);
 }
 
 void DocumentFile::RequireUnchanged() const {
@@ -55,8 +55,10 @@ void DocumentFile::RequireUnchanged() const {
 
 int DocumentFile::WriteComponentFile(CFile* file) {
   // Where a rename cannot serve, the library has emptied the file by now. It was looked at before.
-  const auto now = expectedPath_.empty() ? std::nullopt : ContentOf(expectedPath_);
-  if (now && now->size > 0 && now != expected_) return kWriteFailed;
+  struct stat now {};
+  const bool isEmptied =
+      !expectedPath_.empty() && ::stat(expectedPath_.c_str(), &now) == 0 && now.st_size == 0;
+  if (!isEmptied && !isUnchanged()) return kWriteFailed;
   return Vex2FileManager::WriteComponentFile(file);
 }
 

@@ -52,7 +52,7 @@ class DocumentFile : public Vex2FileManager {
   bool isUnchanged() const;
 
   std::string expectedPath_;  ///< empty when no file is expected to be unchanged
-  std::optional<FileContent> expected_;
+  FileState expected_;
 };
 
 }  // namespace vex2::tool

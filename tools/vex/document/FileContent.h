@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/stat.h>
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -16,5 +18,24 @@ struct FileContent {
 
 /// Reads the file at `path`, whoever has it locked; nothing when it cannot be read.
 std::optional<FileContent> ContentOf(const std::string& path);
+
+/// What a file was like at one moment, to tell later whether it has changed. Costs no reading of
+/// the file: the system's times of its last change tell. Only where they may be too coarse for that
+/// is the content noted, too.
+class FileState {
+ public:
+  /// Notes the file at `path`; one that is not there is noted as such. Waits a moment for a file
+  /// that changed just now, because a second change could carry the same time.
+  static FileState Note(const std::string& path);
+
+  /// Whether the file at `path` is as it was.
+  bool IsStillAt(const std::string& path) const;
+
+ private:
+  bool isSameFile(const struct stat& other) const;
+
+  std::optional<struct stat> info_;
+  std::optional<FileContent> content_;
+};
 
 }  // namespace vex2::tool
