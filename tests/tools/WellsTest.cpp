@@ -118,6 +118,32 @@ void SetPlate(const std::string& path, std::uint8_t rows, std::uint16_t columns)
   WriteBytes(path, bytes);
 }
 
+TEST_F(Wells, ReplacedByATableKeepWhatTheTableDoesNotShow) {
+  Simulate();
+  Vex2FileManager document;
+  ASSERT_EQ(document.ReadFromFile(path_.c_str()), 0);
+  Vex2PlateSetup setup;
+  ASSERT_EQ(document.GetPlateSetupInfo(&setup), 0);
+  setup.cells[0].SetDescription("repeat", 6);
+  setup.cells[0].flag = false;
+  ASSERT_FALSE(setup.cells[1].detectors.IsEmpty());
+  setup.cells[1].detectors.GetHead()->used = false;
+  ASSERT_EQ(document.ReplacePlateSetup(&setup), 0);
+  ASSERT_EQ(document.SaveToFile(path_.c_str()), 0);
+  const auto before = JsonOutput({"tree", path_, "--only", "CELS", "--json"});
+  const std::string table = folder_ / "same.csv";
+  WriteBytes(table, ToBytes(Output({"wells", path_, "--csv"})));
+  Output({"wells", path_, "--from", table});
+  const auto after = JsonOutput({"tree", path_, "--only", "CELS", "--json"});
+  EXPECT_EQ(after[0]["length"], before[0]["length"]);
+  const auto& children = after[0]["children"];
+  EXPECT_EQ(children[0]["flag"], before[0]["children"][0]["flag"]);
+  EXPECT_THAT(children[0].dump(), HasSubstr("repeat"));
+  // All but the offsets, which move with the record.
+  const auto first = [](const nlohmann::json& cell) { return cell["children"].back()["children"]; };
+  EXPECT_EQ(first(children[1]).back()["value"], 0) << first(children[1]).dump();
+}
+
 TEST_F(Wells, OfMoreThanASetupHoldsAreRefused) {
   Simulate();
   SetPlate(path_, 200, 328);  // 64 wells and a full count of 16 bits

@@ -7,6 +7,8 @@
 #include <set>
 
 #include "tools/vex/Errors.h"
+#include "vex2/format/RecordKinds.h"
+#include "vex2/setup/CPlateSetupComp.h"
 
 namespace vex2::tool {
 
@@ -70,6 +72,40 @@ void require(int status) {
   }
 }
 
+// What a table of wells does not show, and so must not take away: the wells' descriptions, and the
+// flags of wells and of detectors that stay.
+void keepUnshown(const Vex2FileManager& document, const PlateContents& contents,
+                 Vex2PlateSetup& setup) {
+  const CPlateSetupComp* component = document.GetPlateSetupComp();
+  Vex2PlateSetup old;
+  if (component == nullptr || document.GetPlateSetupInfo(&old) != kSuccess) return;
+  const auto wells = wellsByCoordinates(old, contents.plate);
+  for (unsigned index = 0; index < old.count; ++index) {
+    const unsigned place = wells.empty() ? index : wells[index] - 1U;
+    if (place >= setup.count) continue;
+    const Vex2WellSetup& from = old.cells[index];
+    Vex2WellSetup& to = setup.cells[place];
+    const bool wasSetUp = from.nameLength > 0 || !from.detectors.IsEmpty();
+    if (to.flag && wasSetUp) to.flag = from.flag;
+    for (POSITION at = to.detectors.GetHeadPosition(); at != nullptr;) {
+      Vex2WellDetector* detector = to.detectors.GetNext(at);
+      for (POSITION each = from.detectors.GetHeadPosition(); each != nullptr;) {
+        const Vex2WellDetector* before = from.detectors.GetNext(each);
+        if (textOf(before->detectorName, before->detectorNameLength) ==
+            textOf(detector->detectorName, detector->detectorNameLength)) {
+          detector->used = before->used;
+        }
+      }
+    }
+    // The library does not give a description back, so it is taken from the record itself.
+    const auto* cell = dynamic_cast<CContainerComp*>(component->GetChild(static_cast<int>(index)));
+    auto* description = cell != nullptr ? cell->FindChild(TagOf(Kind::kCellDescription)) : nullptr;
+    if (description == nullptr) continue;
+    const std::string text = textOf(description->GetValueString());
+    to.SetDescription(text.data(), lengthOf(text));
+  }
+}
+
 void storeSetup(Vex2FileManager& document, const PlateContents& contents) {
   const PlateLayout plate = contents.plate;
   Vex2PlateSetup setup;
@@ -86,6 +122,7 @@ void storeSetup(Vex2FileManager& document, const PlateContents& contents) {
     cell.SetName(row.sample.data(), lengthOf(row.sample));
     if (row.HasDetector()) addDetector(cell, row);
   }
+  keepUnshown(document, contents, setup);
   require(document.ReplacePlateSetup(&setup));
 }
 
