@@ -43,12 +43,10 @@ TEST_P(CutAnywhere, OpensWithWhatIsWholeOrAStatus) {
   const auto step = static_cast<std::size_t>(InFullSweeps(1, 61));
   for (std::size_t length = 0; length <= std::min(whole_.size(), kLongest); length += step) {
     ++points_;
-    const bool good = stands(Bytes(whole_.begin(), whole_.begin() + static_cast<long>(length)));
-    if (good) expectWhatIsWhole(whole.substr(0, length));
-    if (!HasFailure()) continue;
-    if (good) ++bad_;
-    ADD_FAILURE() << "cut to " << length;
-    break;
+    SCOPED_TRACE("cut to " + std::to_string(length));
+    expectToStand(Bytes(whole_.begin(), whole_.begin() + static_cast<long>(length)));
+    expectWhatIsWhole(whole.substr(0, length));
+    if (!countState()) break;
   }
   report("a file is cut anywhere", FullSweeps()
                                        ? "every length of every sample document up to 64 KiB"

@@ -28,10 +28,14 @@ class DamagedDocument : public testing::TestWithParam<std::filesystem::path> {
   /// Reads `bytes` as a document, asks for its frames, reads it as a plate of a study, copies it
   /// and saves it. Each has a status, all of it takes a second at most, and one more for each
   /// megabyte, and reading takes no more than four times the file's size and a megabyte. What was
-  /// read is then in `document_`. False, with the failures told, when it was not so.
-  bool stands(const Bytes& bytes);
+  /// read is then in `document_`.
+  void expectToStand(const Bytes& bytes);
 
-  /// Tells how many points and states there were.
+  /// Counts the state that was looked at, as a bad one when an expectation has failed since the
+  /// last call. False when so many were bad that the sweep is to end.
+  bool countState();
+
+  /// Tells how many points, states and bad states there were.
   void report(const std::string& promise, const std::string& sweep) const {
     ReportSweep({promise, sweep, points_, states_, bad_});
     EXPECT_GT(states_, 0U);
@@ -47,6 +51,7 @@ class DamagedDocument : public testing::TestWithParam<std::filesystem::path> {
   std::uint64_t points_ = 0;
   std::uint64_t states_ = 0;
   std::uint64_t bad_ = 0;
+  NewFailures failures_;
 
  private:
   void read(std::size_t size);

@@ -1,11 +1,15 @@
 // The helpers that other tests rely on.
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <cstdio>
 #include <filesystem>
 #include <system_error>
 
 #include "tests/support/Files.h"
 #include "tests/support/SampleData.h"
+#include "tests/support/Sweep.h"
 #include "tests/support/TempFolder.h"
 
 namespace vex2::test {
@@ -45,6 +49,27 @@ TEST(Files, NamesTheFirstDifference) {
             "at byte 1 (of 3, expected 3): 01 [02] 03 in place of 01 [09] 03 ");
   EXPECT_EQ(FirstDifference({1}, {1, 9}),
             "at byte 1 (of 1, expected 2): 01 [end] in place of 01 [09] ");
+}
+
+// In a process of its own, where expectations may fail.
+TEST(NewFailures, CountsTheBadStatesOfASweepAlone) {
+  const pid_t child = ::fork();
+  if (child == 0) {
+    static_cast<void>(std::freopen("/dev/null", "w", stdout));
+    NewFailures failures;
+    int bad = failures.Any() ? 100 : 0;
+    for (int state = 0; state < 5; ++state) {
+      EXPECT_NE(state, 1);
+      EXPECT_NE(state, 3);
+      EXPECT_NE(state * state, 9);
+      if (failures.Any()) ++bad;
+    }
+    ::_exit(bad);
+  }
+  int status = 0;
+  ASSERT_EQ(::waitpid(child, &status, 0), child);
+  ASSERT_TRUE(WIFEXITED(status));
+  EXPECT_EQ(WEXITSTATUS(status), 2);
 }
 
 TEST_F(SampleDataTest, HoldsEachDocumentWithItsRoundTrip) {

@@ -1,8 +1,11 @@
 #include "tests/support/Sweep.h"
 
+#include <gtest/gtest.h>
+
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
+#include <utility>
 
 namespace vex2::test {
 namespace {
@@ -37,6 +40,21 @@ void ReportSweep(const SweepResult& result) {
        << ", \"full\": " << (FullSweeps() ? "true" : "false") << "}\n";
   // One write, appended: tests report side by side.
   std::ofstream(path, std::ios::app) << line.str() << std::flush;
+}
+
+bool NewFailures::Any() {
+  const int failures = count();
+  return std::exchange(seen_, failures) != failures;
+}
+
+int NewFailures::count() {
+  const auto* test = testing::UnitTest::GetInstance()->current_test_info();
+  if (test == nullptr) return 0;
+  int failures = 0;
+  for (int i = 0; i < test->result()->total_part_count(); ++i) {
+    if (test->result()->GetTestPartResult(i).failed()) ++failures;
+  }
+  return failures;
 }
 
 }  // namespace vex2::test

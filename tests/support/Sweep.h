@@ -30,4 +30,17 @@ struct SweepResult {
 /// whether it passed: this only keeps the count.
 void ReportSweep(const SweepResult& result);
 
+/// Tells which states of a sweep are bad where expectations look at them. Unlike `HasFailure` it
+/// does not count every state behind the first bad one.
+class NewFailures {
+ public:
+  /// Whether an expectation of the current test has failed since this was made or last asked.
+  bool Any();
+
+ private:
+  static int count();
+
+  int seen_ = count();
+};
+
 }  // namespace vex2::test
