@@ -200,6 +200,12 @@ TEST_F(Replacement, WhereARenameIsRefusedIsCopiedIntoTheOldFile) {
   }
 }
 
+TEST_F(Replacement, ThatIsCopiedIntoTheOldFileIsOnTheDisk) {
+  files_.FailKind(FileCall::rename, EBUSY);
+  ASSERT_EQ(save(path_), 0);
+  EXPECT_EQ(files_.Changes(), "LWSRWTS");
+}
+
 TEST_F(Replacement, ThatCannotBeCopiedWholeFails) {
   files_.FailKind(FileCall::rename, EBUSY);
   files_.FailKind(FileCall::truncate, EIO);

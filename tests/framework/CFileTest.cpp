@@ -258,6 +258,14 @@ TEST_F(File, InterruptedAndPartialTransfersAreContinued) {
   EXPECT_EQ(FirstDifference(back, Bytes(bytes.begin(), bytes.begin() + 900)), "");
 }
 
+TEST_F(File, SyncWritesOutWhatIsBufferedFirst) {
+  FaultyFileSystem files;
+  ASSERT_TRUE(file_.Open(path_.c_str(), kCreate));
+  file_.Write("new", 3);
+  file_.SyncData();
+  EXPECT_EQ(files.Changes(), "LWD");
+}
+
 TEST_F(File, ThatShrinksWhileItIsOpenReadsAsFarAsItGoes) {
   holds("0123456789");
   ASSERT_TRUE(file_.Open(path_.c_str(), CFile::modeRead));

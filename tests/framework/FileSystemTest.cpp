@@ -1,4 +1,4 @@
-// What a new file takes over from the one whose place it takes.
+// The calls on the system itself, and what a new file takes over from the one whose place it takes.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/xattr.h>
@@ -63,6 +63,14 @@ TEST_F(CopiedAttributes, IncludeTheAccessList) {
 TEST_F(CopiedAttributes, OfFilesThatAreNotOpenAreAFailure) {
   EXPECT_EQ(files_.CopyAttributes(-1, file_), -EBADF);
   EXPECT_EQ(files_.CopyAttributes(model_, -1), -EBADF);
+}
+
+// The disk cannot be asked whether it stored anything, but the system refuses to sync what is not
+// open: it was asked.
+TEST(SystemFiles, AreSyncedByTheSystem) {
+  FileSystem files;
+  EXPECT_EQ(files.SyncData(-1), -EBADF);
+  EXPECT_EQ(files.SyncAll(-1), -EBADF);
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 // What is left of a document when the system refuses a call, and in which order the bytes get to
 // the disk.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -102,6 +103,23 @@ TEST_F(Durability, CommitPutsTheBlockOnTheDiskBeforeItsTagAndThePositionThatLead
   const auto size = std::to_string(StoredBlock("RAWa", kWells, 1).size());
   EXPECT_EQ(changesIn(files.Log(), path_),
             "write@1024+" + size + " barrier write@1024+4 barrier write@68+4 barrier ");
+}
+
+TEST_F(Durability, BlockThatIsReplacedInPlaceIsOnTheDiskWhenThatReturns) {
+  OpenedManager manager;
+  record(manager, 1);
+  // A document with two names is not replaced as a whole.
+  std::filesystem::create_hard_link(path_, folder_ / "link.vex");
+  Vex2FrameData frame = MakeFrame(kWells, 1);
+  const Vex2AcquisitionData data{&frame, 1};
+  const auto replace = [&](Vex2DataType type) {
+    FaultyFileSystem files;
+    EXPECT_EQ(manager.ReplaceAcquisitionDataBlock(path_.c_str(), &data, type), kSuccess);
+    return changesIn(files.Log(), path_);
+  };
+  EXPECT_THAT(replace(DataRAWa), testing::EndsWith("barrier "));
+  replace(DataREPr);
+  EXPECT_THAT(replace(DataREPr), testing::EndsWith("barrier "));
 }
 
 // The order of what matters in a save, one word a call; writes in a row count once.

@@ -2,6 +2,7 @@
 // else.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 
 #include "tests/support/MemoryFiles.h"
@@ -90,6 +91,7 @@ TEST_F(FrameLog, CommitKeepsBytesBehindABlockItCannotHaveWritten) {
   EXPECT_TRUE(staysBehind(changed(empty_, 9, 1), torn_)) << "another version";
   EXPECT_TRUE(staysBehind(changed(empty_, 11, 11), torn_)) << "other times";
   EXPECT_TRUE(staysBehind(changed(empty_, 25, 3), torn_)) << "other wells";
+  EXPECT_TRUE(staysBehind(StoredBlock("RAWa", 3, 0), torn_)) << "a plate of another size";
   EXPECT_TRUE(staysBehind(changed(empty_, 25, 0), torn_)) << "no wells";
   EXPECT_TRUE(staysBehind(changed(empty_, 7, 23), torn_)) << "no whole frames";
   EXPECT_TRUE(staysBehind(changed(empty_, 7, 3), torn_)) << "less than its head";
@@ -102,6 +104,10 @@ TEST_F(FrameLog, FirstCommitOverwritesABlockWithoutTagCutAnywhere) {
   }
 }
 
+TEST_F(FrameLog, FirstCommitLeavesNothingOfALongerBlockWithoutTag) {
+  EXPECT_EQ(placeBehind({StoredBlock(std::string_view("\0\0\0\0", 4), 2, 2)}), kHeader);
+}
+
 TEST_F(FrameLog, FirstCommitOverwritesABlockWithHeldFramesOnly) {
   EXPECT_EQ(placeBehind({whole_}), kHeader);
   EXPECT_EQ(placeBehind({Slice(whole_, 0, whole_.size() - 1)}), kHeader);
@@ -109,6 +115,8 @@ TEST_F(FrameLog, FirstCommitOverwritesABlockWithHeldFramesOnly) {
 
 TEST_F(FrameLog, FirstCommitKeepsBlocksOfAnotherRun) {
   const Bytes second = StoredBlock("RAWa", 2, 2);
+  Bytes emptySecond = second;
+  std::fill_n(emptySecond.end() - kFrame, kFrame, std::uint8_t{0});
   const Bytes other = ByteString().Text("COMM").Long(3).Text("abc");
   for (const auto& records : std::vector<std::vector<Bytes>>{{changed(whole_, 9, 1)},
                                                              {changed(whole_, 25, 3)},
@@ -116,6 +124,7 @@ TEST_F(FrameLog, FirstCommitKeepsBlocksOfAnotherRun) {
                                                              {changed(whole_, 40, 0xEE)},
                                                              {changed(whole_, 100, 0xEE)},
                                                              {second},
+                                                             {emptySecond},
                                                              {whole_, other},
                                                              {noTag_, other}}) {
     EXPECT_EQ(placeBehind(records), lengthOf(records));
