@@ -8,17 +8,17 @@
 #include <sstream>
 
 #include "fuzz/Require.h"
+#include "lab/exchange/CalibrationFile.h"
+#include "lab/exchange/CsvReader.h"
+#include "lab/exchange/WellsFile.h"
+#include "lab/model/RunLog.h"
+#include "lab/record/MeasuredRun.h"
 #include "tools/vex/Errors.h"
-#include "tools/vex/document/RunLog.h"
-#include "tools/vex/run/MeasuredRun.h"
-#include "tools/vex/setup/CalibrationFile.h"
-#include "tools/vex/setup/WellsFile.h"
-#include "tools/vex/text/CsvReader.h"
 
 namespace vex2::fuzz {
 namespace {
 
-using namespace tool;
+using namespace lab;
 
 // A file in memory with a path, since the readers open their files themselves.
 class NamedMemory {
@@ -126,8 +126,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                                                     readLog};
   try {
     kReaders[data[0] % std::size(kReaders)](content);
-  } catch (const vex2::tool::Error& error) {
-    Require(error.Code() == vex2::tool::ExitCode::kDocument, "the file is at fault");
+  } catch (const vex2::lab::Error& error) {
+    Require(error.Class() == vex2::lab::ErrorClass::kDocument, "the file is at fault");
   }
   return 0;
 }

@@ -12,8 +12,8 @@ import sys
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 LINK = re.compile(r"\[[^\]]*\]\(([^)\s]+)\)")
 SPAN = re.compile(r"`([^`\n]+)`")
-# Documents name sources by where they lie in the tree, or in the library or the command.
-BASES = ("", "vex2", "tools/vex")
+# Documents name sources by where they lie in the tree, or in a library or the command.
+BASES = ("", "vex2", "lab", "tools/vex")
 # What documents name that is no part of the tree: made by builds, or a user's own.
 ELSEWHERE = re.compile(r"\.\./shared/|build/|vex2/settings\.ini$|/")
 HEADING = re.compile(r"^#+ +(.*)$", re.MULTILINE)

@@ -8,8 +8,8 @@
 #include <memory>
 #include <thread>
 
+#include "lab/model/DocumentLock.h"
 #include "tests/tools/DocumentFixture.h"
-#include "tools/vex/document/DocumentLock.h"
 
 using testing::HasSubstr;
 
@@ -17,7 +17,7 @@ namespace vex2::test {
 
 namespace {
 
-using tool::DocumentLock;
+using lab::DocumentLock;
 
 constexpr const char* kWellsTable = "well,sample,target,task,quantity,reporter\nA1,liver,,,,\n";
 

@@ -2,9 +2,9 @@
 
 #include <functional>
 
+#include "lab/check/DocumentCheck.h"
 #include "tests/support/RunDocument.h"
 #include "tests/tools/DocumentFixture.h"
-#include "tools/vex/rescue/DocumentCheck.h"
 
 namespace vex2::test {
 
@@ -45,33 +45,33 @@ class DamageTest : public DocumentTest {
     Change([&](Bytes& bytes) { bytes.insert(bytes.end(), more.begin(), more.end()); });
   }
 
-  std::vector<tool::Finding> Found(tool::Severity severity) const {
-    std::vector<tool::Finding> found = tool::CheckDocument(path_).Sorted();
+  std::vector<lab::Finding> Found(lab::Severity severity) const {
+    std::vector<lab::Finding> found = lab::CheckDocument(path_).Sorted();
     std::erase_if(found, [=](const auto& finding) { return finding.severity != severity; });
     return found;
   }
-  static std::string Told(const std::vector<tool::Finding>& findings) {
+  static std::string Told(const std::vector<lab::Finding>& findings) {
     std::string text;
-    for (const tool::Finding& finding : findings) {
+    for (const lab::Finding& finding : findings) {
       text +=
           finding.record + " at " + std::to_string(finding.offset) + ": " + finding.problem + "\n";
     }
     return text;
   }
-  std::string Errors() const { return Told(Found(tool::Severity::kError)); }
-  std::string Warnings() const { return Told(Found(tool::Severity::kWarning)); }
-  std::string Notes() const { return Told(Found(tool::Severity::kNote)); }
+  std::string Errors() const { return Told(Found(lab::Severity::kError)); }
+  std::string Warnings() const { return Told(Found(lab::Severity::kWarning)); }
+  std::string Notes() const { return Told(Found(lab::Severity::kNote)); }
 
   /// Expects this one error and no warning, or the other way round; each with what it means.
   void ExpectError(const std::string& told) const {
     EXPECT_EQ(Errors(), told + "\n");
     EXPECT_EQ(Warnings(), "");
-    ExpectMeaning(tool::Severity::kError);
+    ExpectMeaning(lab::Severity::kError);
   }
   void ExpectWarning(const std::string& told) const {
     EXPECT_EQ(Warnings(), told + "\n");
     EXPECT_EQ(Errors(), "");
-    ExpectMeaning(tool::Severity::kWarning);
+    ExpectMeaning(lab::Severity::kWarning);
   }
   void ExpectSound() const {
     EXPECT_EQ(Errors(), "");
@@ -79,8 +79,8 @@ class DamageTest : public DocumentTest {
   }
 
  private:
-  void ExpectMeaning(tool::Severity severity) const {
-    for (const tool::Finding& finding : Found(severity)) EXPECT_NE(finding.consequence, "");
+  void ExpectMeaning(lab::Severity severity) const {
+    for (const lab::Finding& finding : Found(severity)) EXPECT_NE(finding.consequence, "");
   }
 };
 

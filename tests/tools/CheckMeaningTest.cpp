@@ -134,20 +134,20 @@ TEST_F(CheckMeaning, ErrorsComeBeforeWarningsAndNotes) {
   Simulate();
   SetStatus("none");
   ChangeReadings([](std::uint8_t* readings) { readings[17] ^= 1U; });
-  const auto findings = tool::CheckDocument(path_).Sorted();
+  const auto findings = lab::CheckDocument(path_).Sorted();
   ASSERT_GE(findings.size(), 2U);
-  EXPECT_EQ(findings[0].severity, tool::Severity::kError);
-  EXPECT_EQ(findings[1].severity, tool::Severity::kWarning);
+  EXPECT_EQ(findings[0].severity, lab::Severity::kError);
+  EXPECT_EQ(findings[1].severity, lab::Severity::kWarning);
   EXPECT_GT(findings[0].offset, findings[1].offset);
 }
 
 TEST(Findings, ErrorIsKeptBehindMoreWarningsThanAreKept) {
-  tool::Findings findings;
-  for (std::size_t i = 0; i < tool::Findings::kMost; ++i) {
-    findings.Add({tool::Severity::kWarning, "", i, "odd", "", ""});
+  lab::Findings findings;
+  for (std::size_t i = 0; i < lab::Findings::kMost; ++i) {
+    findings.Add({lab::Severity::kWarning, "", i, "odd", "", ""});
   }
-  findings.Add({tool::Severity::kError, "", 5000, "wrong", "", ""});
-  EXPECT_EQ(findings.Sorted().size(), tool::Findings::kMost);
+  findings.Add({lab::Severity::kError, "", 5000, "wrong", "", ""});
+  EXPECT_EQ(findings.Sorted().size(), lab::Findings::kMost);
   EXPECT_EQ(findings.Sorted().front().problem, "wrong");
   EXPECT_EQ(findings.LeftOut(), 1U);
 }

@@ -144,9 +144,9 @@ TEST_F(CheckRecords, BytesBetweenRecordsThatAreNoneAreAnError) {
 TEST_F(CheckRecords, BytesWithinAListThatAreNoRecordsAreOneErrorAndNoLengthIsToBeMended) {
   MakeDocument(
       ByteString().Text("GLBL").Long(38).Short(3).Zeros(24).Text("VERS").Long(4).Long(512));
-  const auto errors = Found(tool::Severity::kError);
+  const auto errors = Found(lab::Severity::kError);
   EXPECT_THAT(Told(errors), HasSubstr("GLBL at 1034: from here on there are bytes that are no"));
-  for (const tool::Finding& error : errors) {
+  for (const lab::Finding& error : errors) {
     EXPECT_THAT(error.remedy, HasSubstr("'vex recover'")) << error.problem;
   }
   EXPECT_EQ(Warnings(), "");
@@ -183,10 +183,10 @@ TEST_F(CheckRecords, FindingsEndSomewhere) {
   Bytes records;
   for (int i = 0; i < 1500; ++i) AppendRecord(records, "Zzzz", {});
   MakeDocument(records);
-  const tool::Findings findings = tool::CheckDocument(path_);
-  EXPECT_EQ(findings.Sorted().size(), tool::Findings::kMost);
+  const lab::Findings findings = lab::CheckDocument(path_);
+  EXPECT_EQ(findings.Sorted().size(), lab::Findings::kMost);
   EXPECT_EQ(findings.LeftOut(), 500U);
-  EXPECT_EQ(findings.Count(tool::Severity::kWarning), 1500U);
+  EXPECT_EQ(findings.Count(lab::Severity::kWarning), 1500U);
 }
 
 }  // namespace

@@ -2,10 +2,10 @@
 
 #include <gmock/gmock.h>
 
+#include "lab/Error.h"
+#include "lab/exchange/CsvReader.h"
 #include "tests/support/Files.h"
 #include "tests/support/TempFolder.h"
-#include "tools/vex/Errors.h"
-#include "tools/vex/text/CsvReader.h"
 
 namespace vex2::test {
 namespace {
@@ -27,27 +27,27 @@ class CsvFormatTest : public TempFolderTest {
 
   /// What is assumed of a file, but for one thing.
   template <typename Member, typename Value>
-  static tool::CsvFormat With(Member tool::CsvFormat::*member, Value value) {
-    tool::CsvFormat format;
+  static lab::CsvFormat With(Member lab::CsvFormat::*member, Value value) {
+    lab::CsvFormat format;
     format.*member = value;
     return format;
   }
 
-  Rows Read(std::string_view content, const tool::CsvFormat& format = {}) {
+  Rows Read(std::string_view content, const lab::CsvFormat& format = {}) {
     WriteBytes(folder_ / "some.csv", ToBytes(content));
     Rows rows;
-    tool::ReadCsv(folder_ / "some.csv", {"name", "value"},
-                  [&](const tool::CsvRow& row) {
-                    rows.push_back({std::string(row.Text(0)), row.Decimal(1, 1e9)});
-                  },
-                  {.format = format});
+    lab::ReadCsv(folder_ / "some.csv", {"name", "value"},
+                 [&](const lab::CsvRow& row) {
+                   rows.push_back({std::string(row.Text(0)), row.Decimal(1, 1e9)});
+                 },
+                 {.format = format});
     return rows;
   }
 
-  std::string Refusal(std::string_view content, const tool::CsvFormat& format = {}) {
+  std::string Refusal(std::string_view content, const lab::CsvFormat& format = {}) {
     try {
       Read(content, format);
-    } catch (const tool::Error& error) {
+    } catch (const lab::Error& error) {
       return error.what();
     }
     return "nothing";
@@ -82,8 +82,8 @@ TEST_F(CsvFormatTest, DelimiterIsTheOneThatPartsTheColumnsAskedFor) {
 }
 
 TEST_F(CsvFormatTest, GivenDelimiterIsTheOnlyOne) {
-  EXPECT_EQ(Read("name;value\nx;1\n", With(&tool::CsvFormat::delimiter, ';')), (Rows{{"x", 1}}));
-  EXPECT_THAT(Refusal("name;value\nx;1\n", With(&tool::CsvFormat::delimiter, ',')),
+  EXPECT_EQ(Read("name;value\nx;1\n", With(&lab::CsvFormat::delimiter, ';')), (Rows{{"x", 1}}));
+  EXPECT_THAT(Refusal("name;value\nx;1\n", With(&lab::CsvFormat::delimiter, ',')),
               HasSubstr("row 1: has no column 'name' (it has 'name;value')"));
 }
 
@@ -109,9 +109,9 @@ TEST_F(CsvFormatTest, NumberThatMayBeThousandsIsRefusedUntilTheMarkIsKnown) {
       EndsWith("row 2: value '12,345' may have a decimal comma or a mark between thousands; "
                "say which mark decimals have, with --decimal point or --decimal comma"));
   EXPECT_THAT(Refusal("name;value\nx;12.345\n"), HasSubstr("may have a decimal point or a mark"));
-  EXPECT_EQ(Read("name;value\nx;12,345\n", With(&tool::CsvFormat::decimalMark, ',')),
+  EXPECT_EQ(Read("name;value\nx;12,345\n", With(&lab::CsvFormat::decimalMark, ',')),
             (Rows{{"x", 12.345}}));
-  EXPECT_EQ(Read("name;value\nx;12.345\n", With(&tool::CsvFormat::decimalMark, '.')),
+  EXPECT_EQ(Read("name;value\nx;12.345\n", With(&lab::CsvFormat::decimalMark, '.')),
             (Rows{{"x", 12.345}}));
 }
 
@@ -120,7 +120,7 @@ TEST_F(CsvFormatTest, OtherDecimalMarkThanBeforeIsRefused) {
               HasSubstr("row 3: value '1.5' has a point, but decimals are marked by a comma here"));
   EXPECT_THAT(Refusal("name;value\nx;1.234,5\n"),
               HasSubstr("has a point and a comma; write numbers without"));
-  EXPECT_THAT(Refusal("name;value\nx;1.234.567\n", With(&tool::CsvFormat::decimalMark, '.')),
+  EXPECT_THAT(Refusal("name;value\nx;1.234.567\n", With(&lab::CsvFormat::decimalMark, '.')),
               EndsWith("is no number"));
 }
 
@@ -131,7 +131,7 @@ TEST_F(CsvFormatTest, DecimalCommaBetweenCommasNeedsQuotesAndTheWord) {
                "must be in quotes (then use --decimal comma), or fields parted by "
                "semicolons"));
   EXPECT_THAT(Refusal("name,value\nx,\"59,82\"\n"), HasSubstr("use --decimal comma"));
-  EXPECT_EQ(Read("name,value\nx,\"59,82\"\n", With(&tool::CsvFormat::decimalMark, ',')),
+  EXPECT_EQ(Read("name,value\nx,\"59,82\"\n", With(&lab::CsvFormat::decimalMark, ',')),
             (Rows{{"x", 59.82}}));
 }
 
@@ -145,10 +145,10 @@ TEST_F(CsvFormatTest, ColumnsAreFoundInAnyCaseOfLetters) {
 
 TEST_F(CsvFormatTest, ColumnsMayBeCalledOtherwise) {
   EXPECT_EQ(Read("Pos;Wert\nx;1\n",
-                 With(&tool::CsvFormat::names, tool::CsvNames{{"name", "Pos"}, {"value", "wert"}})),
+                 With(&lab::CsvFormat::names, lab::CsvNames{{"name", "Pos"}, {"value", "wert"}})),
             (Rows{{"x", 1}}));
   EXPECT_EQ(Read("name,Name,value\nx,y,1\n",
-                 With(&tool::CsvFormat::names, tool::CsvNames{{"name", "Name"}})),
+                 With(&lab::CsvFormat::names, lab::CsvNames{{"name", "Name"}})),
             (Rows{{"y", 1}}));
   EXPECT_THAT(
       Refusal("Pos;Wert\nx;1\n"),
@@ -156,7 +156,7 @@ TEST_F(CsvFormatTest, ColumnsMayBeCalledOtherwise) {
                "the columns, and '--columns name=NAME' tells another name"));
   // The name that was given is the only one.
   EXPECT_THAT(
-      Refusal("name,value\nx,1\n", With(&tool::CsvFormat::names, tool::CsvNames{{"value", "RFU"}})),
+      Refusal("name,value\nx,1\n", With(&lab::CsvFormat::names, lab::CsvNames{{"value", "RFU"}})),
       HasSubstr("has no column 'RFU'"));
 }
 
@@ -177,9 +177,9 @@ TEST_F(CsvFormatTest, LongUtf16FileIsReadToItsEnd) {
 }
 
 TEST_F(CsvFormatTest, Latin1IsReadWhereItIsNamed) {
-  EXPECT_EQ(Read("name,value\n\xE4,1\n", With(&tool::CsvFormat::encoding, "latin1")),
+  EXPECT_EQ(Read("name,value\n\xE4,1\n", With(&lab::CsvFormat::encoding, "latin1")),
             (Rows{{"\xC3\xA4", 1}}));
-  EXPECT_EQ(Read("name,value\n\x80,1\n", With(&tool::CsvFormat::encoding, "windows-1252")),
+  EXPECT_EQ(Read("name,value\n\x80,1\n", With(&lab::CsvFormat::encoding, "windows-1252")),
             (Rows{{"\xE2\x82\xAC", 1}}));
 }
 
@@ -191,13 +191,12 @@ TEST_F(CsvFormatTest, BytesThatAreNotUtf8AreNamedWithOffsetRowAndRemedy) {
 }
 
 TEST_F(CsvFormatTest, ByteOrderMarkCountsMoreThanTheEncodingNamed) {
-  EXPECT_EQ(
-      Read("\xEF\xBB\xBFname,value\n\xC3\xA4,1\n", With(&tool::CsvFormat::encoding, "latin1")),
-      (Rows{{"\xC3\xA4", 1}}));
+  EXPECT_EQ(Read("\xEF\xBB\xBFname,value\n\xC3\xA4,1\n", With(&lab::CsvFormat::encoding, "latin1")),
+            (Rows{{"\xC3\xA4", 1}}));
 }
 
 TEST_F(CsvFormatTest, UnknownEncodingIsTheCallsFault) {
-  EXPECT_THAT(Refusal("name,value\n", With(&tool::CsvFormat::encoding, "klingon")),
+  EXPECT_THAT(Refusal("name,value\n", With(&lab::CsvFormat::encoding, "klingon")),
               testing::StartsWith("the encoding 'klingon' is not known; "));
 }
 
@@ -208,7 +207,7 @@ TEST_F(CsvFormatTest, FilesOfOtherKindsAreCalledWhatTheyAre) {
 }
 
 TEST(CsvFileName, EmptyOneIsRefused) {
-  EXPECT_THROW(tool::ReadCsv("", {"a"}, [](const tool::CsvRow&) {}), tool::Error);
+  EXPECT_THROW(lab::ReadCsv("", {"a"}, [](const lab::CsvRow&) {}), lab::Error);
 }
 
 }  // namespace

@@ -2,10 +2,10 @@
 
 #include <gmock/gmock.h>
 
+#include "lab/exchange/CsvReader.h"
 #include "tests/support/Files.h"
 #include "tests/support/TempFolder.h"
 #include "tools/vex/Errors.h"
-#include "tools/vex/text/CsvReader.h"
 
 namespace vex2::test {
 namespace {
@@ -22,7 +22,7 @@ class ReadCsvTest : public TempFolderTest {
   Rows Read(std::string_view content) {
     WriteBytes(folder_ / "some.csv", ToBytes(content));
     Rows rows;
-    tool::ReadCsv(folder_ / "some.csv", {"a", "b"}, [&](const tool::CsvRow& row) {
+    lab::ReadCsv(folder_ / "some.csv", {"a", "b"}, [&](const lab::CsvRow& row) {
       rows.push_back({std::string(row.Text(0)), std::string(row.Text(1))});
     });
     return rows;
@@ -32,8 +32,8 @@ class ReadCsvTest : public TempFolderTest {
   std::string Refusal(std::string_view content) {
     try {
       Read(content);
-    } catch (const tool::Error& error) {
-      EXPECT_EQ(error.Code(), tool::ExitCode::kDocument);
+    } catch (const lab::Error& error) {
+      EXPECT_EQ(error.Class(), lab::ErrorClass::kDocument);
       return error.what();
     }
     return "nothing";
@@ -70,13 +70,12 @@ TEST_F(ReadCsvTest, OptionalColumnsMayBeMissing) {
   const auto read = [&](std::string_view content) {
     WriteBytes(folder_ / "some.csv", ToBytes(content));
     Rows rows;
-    EXPECT_TRUE(
-        tool::ReadCsv(folder_ / "some.csv", {"a"},
-                      [&](const tool::CsvRow& row) {
-                        rows.push_back({std::string(row.Text(0)), std::string(row.Text(1))});
-                        EXPECT_EQ(row.Has(1), content.substr(0, 3) != "a,c");
-                      },
-                      {.optionalColumns = {"b"}, .keepsWaiting = {}}));
+    EXPECT_TRUE(lab::ReadCsv(folder_ / "some.csv", {"a"},
+                             [&](const lab::CsvRow& row) {
+                               rows.push_back({std::string(row.Text(0)), std::string(row.Text(1))});
+                               EXPECT_EQ(row.Has(1), content.substr(0, 3) != "a,c");
+                             },
+                             {.optionalColumns = {"b"}, .keepsWaiting = {}}));
     return rows;
   };
   EXPECT_EQ(read("a,b\n1,2\n"), (Rows{{"1", "2"}}));
@@ -86,8 +85,8 @@ TEST_F(ReadCsvTest, OptionalColumnsMayBeMissing) {
 
 TEST_F(ReadCsvTest, ReadingEndsWhenTheCallerWaitsNoLonger) {
   WriteBytes(folder_ / "some.csv", ToBytes("a\n1\n"));
-  EXPECT_FALSE(tool::ReadCsv(folder_ / "some.csv", {"a"}, [](const tool::CsvRow&) { FAIL(); },
-                             {.optionalColumns = {}, .keepsWaiting = [] { return false; }}));
+  EXPECT_FALSE(lab::ReadCsv(folder_ / "some.csv", {"a"}, [](const lab::CsvRow&) { FAIL(); },
+                            {.optionalColumns = {}, .keepsWaiting = [] { return false; }}));
 }
 
 TEST_F(ReadCsvTest, RowOfAnotherLengthIsRefused) {
@@ -122,9 +121,9 @@ TEST_F(ReadCsvTest, ZeroBytesAreRefused) {
 TEST_F(ReadCsvTest, MessagesHoldNothingThatATerminalObeys) {
   WriteBytes(folder_ / "some.csv", ToBytes("a\n\x1b[2J\n"));
   try {
-    tool::ReadCsv(folder_ / "some.csv", {"a"}, [](const tool::CsvRow& row) { row.Whole(0, 1, 2); });
+    lab::ReadCsv(folder_ / "some.csv", {"a"}, [](const lab::CsvRow& row) { row.Whole(0, 1, 2); });
     FAIL();
-  } catch (const tool::Error& error) {
+  } catch (const lab::Error& error) {
     EXPECT_THAT(error.what(), EndsWith("row 2: a '\\x1b[2J' is no whole number from 1 to 2"));
   }
 }

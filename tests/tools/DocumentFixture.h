@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
+#include "lab/model/RunReading.h"
 #include "tests/support/Files.h"
 #include "tests/support/SampleData.h"
 #include "tests/support/TempFolder.h"
 #include "tests/tools/VexProcess.h"
-#include "tools/vex/document/RunReading.h"
 #include "tools/vex/text/Json.h"
 #include "vex2/manager/Vex2FileManager.h"
 
@@ -48,13 +48,13 @@ class DocumentTest : public TempFolderTest {
     run.SetAcqDataStartTime(start, DataRAWa);
     for (std::uint16_t frame = 0; frame < 3; ++frame) {
       for (std::uint16_t well = 1; well <= kWells; ++well) {
-        const tool::RunReading reading{
+        const lab::RunReading reading{
             .cycle = static_cast<std::uint16_t>(frame < 2 ? frame + 1 : 1),
             .temperature = 5982,
             .melting = frame == 2,
             .time = 65536U * frame + 117U,
             .values = {static_cast<std::uint16_t>(100 * well + frame)}};
-        const Vex2WellRecord record = tool::EncodeReading(reading, frame == 2);
+        const Vex2WellRecord record = lab::EncodeReading(reading, frame == 2);
         ASSERT_TRUE(run.SetAcqDataWellRecord(&record, frame, well, DataRAWa));
       }
       ASSERT_EQ(run.CommitAcqDataFrame(path_.c_str(), frame, DataRAWa), 0);

@@ -4,8 +4,8 @@
 #include <functional>
 #include <string_view>
 
-#include "tools/vex/document/DataBlock.h"
-#include "tools/vex/document/RecordWalker.h"
+#include "lab/model/DataBlock.h"
+#include "lab/model/RecordWalk.h"
 
 namespace vex2::test {
 
@@ -77,7 +77,7 @@ class Indexer final : public vex2::RecordVisitor {
   }
 
   void takeFrames(const FileRecord& record) {
-    const auto head = tool::ReadDataBlockHead(file_, record);
+    const auto head = lab::ReadStoredBlock(file_, record);
     if (!head) return;
     const std::size_t block = index_.parts.size() - 1;
     add(index_.parts[block].content, bytesAt(record.BodyOffset(), head->firstFrame));
@@ -106,7 +106,7 @@ class Indexer final : public vex2::RecordVisitor {
 DocumentIndex IndexDocument(CFile& file) {
   DocumentIndex index;
   Indexer indexer(file, index);
-  const tool::WalkEnd end = tool::WalkRecords(file, indexer);
+  const lab::WalkEnd end = lab::WalkRecords(file, indexer);
   // What could not be followed to its end is no part.
   std::erase_if(index.parts, [](const DocumentIndex::Part& part) { return part.end == 0; });
   index.end = end.offset;

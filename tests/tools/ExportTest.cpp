@@ -134,7 +134,7 @@ void makeBlock(const std::string& path, Vex2DataType type) {
   document.ReplaceGlobalComplexComp(&settings);
   const std::uint16_t wells[] = {1, 14};
   document.InitAcqDataWellNumberArray(wells, 2, type);
-  const Vex2WellRecord record = tool::EncodeReading({.cycle = 1, .values = {5}}, false);
+  const Vex2WellRecord record = lab::EncodeReading({.cycle = 1, .values = {5}}, false);
   ASSERT_TRUE(document.SetAcqDataWellRecord(&record, 0, 14, type));
   ASSERT_EQ(document.SaveToFile(path.c_str()), 0);
 }

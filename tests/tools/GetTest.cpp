@@ -1,5 +1,5 @@
 #include "tests/tools/DocumentFixture.h"
-#include "tools/vex/document/ValuePath.h"
+#include "tools/vex/show/ValuePath.h"
 
 using testing::AllOf;
 using testing::HasSubstr;

@@ -1,9 +1,9 @@
 #include <fstream>
 #include <set>
 
+#include "lab/Error.h"
 #include "tests/tools/DocumentFixture.h"
 #include "tests/tools/Screen.h"
-#include "tools/vex/Errors.h"
 
 using testing::HasSubstr;
 
@@ -83,10 +83,10 @@ TEST_F(JsonError, WithoutJsonAnErrorIsALineOfText) {
 TEST_F(JsonError, EveryCodeIsDocumentedAndHasANameOfItsOwn) {
   const std::string help = Output({"help", "errors"});
   std::set<std::string_view> names;
-  for (const tool::ErrorKind& kind : tool::ErrorKinds()) {
+  for (const lab::ErrorKind& kind : lab::ErrorKinds()) {
     EXPECT_TRUE(names.insert(kind.name).second) << kind.name;
     EXPECT_THAT(help, HasSubstr("\n" + std::string(kind.name) + " "));
-    EXPECT_EQ(tool::Error(kind.code, "x").Code(), kind.exitCode);
+    EXPECT_EQ(lab::Error(kind.code, "x").Class(), kind.errorClass);
   }
 }
 

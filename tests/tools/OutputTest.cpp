@@ -6,8 +6,8 @@
 
 #include "tests/tools/DocumentFixture.h"
 #include "tools/vex/Errors.h"
-#include "tools/vex/document/Output.h"
-#include "tools/vex/document/OutputFiles.h"
+#include "tools/vex/files/Output.h"
+#include "tools/vex/files/OutputFiles.h"
 
 namespace vex2::test {
 
@@ -34,7 +34,7 @@ class Outputs : public DocumentTest {
   static std::string refusal(OutputFiles& files) {
     try {
       files.Claim();
-    } catch (const tool::Error& error) {
+    } catch (const lab::Error& error) {
       return error.what();
     }
     return {};

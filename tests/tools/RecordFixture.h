@@ -8,13 +8,13 @@
 #include <tuple>
 #include <vector>
 
+#include "lab/model/PlateLayout.h"
+#include "lab/model/RunLog.h"
+#include "lab/model/RunReading.h"
 #include "tests/support/Files.h"
 #include "tests/support/SampleData.h"
 #include "tests/support/TempFolder.h"
 #include "tests/tools/VexProcess.h"
-#include "tools/vex/document/RunLog.h"
-#include "tools/vex/document/RunReading.h"
-#include "tools/vex/setup/PlateLayout.h"
 #include "vex2/manager/Vex2FileManager.h"
 
 namespace vex2::test {
@@ -66,7 +66,7 @@ inline Readings RecordedReadings(const std::string& path) {
   Vex2GlobalComplex settings;
   document.GetGlobalComplexInfo(&settings);
   const std::string log(reinterpret_cast<const char*>(settings.logData), settings.logLength);
-  const auto scale = tool::RunLog::Find(log).value_or(tool::RunLog()).scale;
+  const auto scale = lab::RunLog::Find(log).value_or(lab::RunLog()).scale;
   const auto columns = static_cast<unsigned>(document.GetHeaderCols());
   const auto wells = static_cast<unsigned>(document.GetHeaderRows()) * columns;
   for (int frame = 0; frame < document.GetDataFrameCount(DataRAWa); ++frame) {
@@ -74,8 +74,8 @@ inline Readings RecordedReadings(const std::string& path) {
       Vex2WellRecord record;
       if (!document.GetAcqDataWellRecord(&record, frame, static_cast<int>(well), DataRAWa))
         continue;
-      const tool::RunReading reading = tool::DecodeReading(record);
-      readings[{tool::WellName(well, columns), reading.melting, reading.cycle}] = {
+      const lab::RunReading reading = lab::DecodeReading(record);
+      readings[{lab::WellName(well, columns), reading.melting, reading.cycle}] = {
           reading.melting, reading.cycle, reading.time / 1000.0, reading.temperature / 100.0,
           scale.Measured(reading.values[0])};
     }

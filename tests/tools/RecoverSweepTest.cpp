@@ -4,14 +4,14 @@
 #include <random>
 #include <unordered_map>
 
+#include "lab/check/RecordPlaces.h"
+#include "lab/recover/Recover.h"
 #include "tests/support/Files.h"
 #include "tests/support/SampleData.h"
 #include "tests/support/Sweep.h"
 #include "tests/support/TempFolder.h"
 #include "tests/tools/DocumentIndex.h"
 #include "tests/tools/VexProcess.h"
-#include "tools/vex/rescue/RecordPlaces.h"
-#include "tools/vex/rescue/Salvage.h"
 #include "vex2/manager/Vex2FileManager.h"
 
 namespace vex2::test {
@@ -119,7 +119,7 @@ class Contents {
   // Whether it must stand in the list that it stood in. Where writers do not put it, another place
   // is as good, and calibration stands in a list or right in the document.
   static bool IsBound(const Part& part) {
-    return tool::StandsIn(part.around, part.tag) && part.tag != "PDYE" && part.tag != "BKGD";
+    return lab::StandsIn(part.around, part.tag) && part.tag != "PDYE" && part.tag != "BKGD";
   }
   static std::size_t anywhere(const Part& part) {
     return part.content * 2 + (part.isFrame ? 1 : 0);
@@ -218,12 +218,12 @@ class RecoverSweep : public TempFolderTest {
     return IndexDocument(file);
   }
 
-  tool::SalvageReport recover() const {
+  lab::RecoverReport recover() const {
     CFile in;
     CFile out;
     EXPECT_TRUE(in.Open(damaged_.c_str(), CFile::modeRead));
     EXPECT_TRUE(out.Open(rescued_.c_str(), CFile::modeReadWrite | CFile::modeCreate));
-    return tool::Salvage(in, out);
+    return lab::Recover(in, out);
   }
 
   struct Verdict {
@@ -234,7 +234,7 @@ class RecoverSweep : public TempFolderTest {
   // Judges the recovery of `bytes`, damaged so.
   Verdict verdict(const DocumentIndex& whole, const Bytes& bytes, const Damage& damage) const {
     WriteBytes(damaged_, bytes);
-    const tool::SalvageReport report = recover();
+    const lab::RecoverReport report = recover();
     const bool isAnything = report.IsAnything();
     const DocumentIndex found = isAnything ? indexOf(rescued_) : DocumentIndex();
     const Losses losses = missing(whole, damage, found);

@@ -2,9 +2,9 @@
 
 #include <csignal>
 
+#include "lab/check/DocumentCheck.h"
 #include "tests/support/RunDocument.h"
 #include "tests/tools/RecordFixture.h"
-#include "tools/vex/rescue/DocumentCheck.h"
 
 namespace vex2::test {
 namespace {
@@ -31,9 +31,9 @@ TEST_F(RepairResume, ARunGoesOnThatWasTornAndWhosePositionWasLost) {
 
   const CommandResult repaired = RunVex({"repair", Run()});
   EXPECT_EQ(repaired.exitCode, 0) << repaired.errors;
-  const tool::Findings findings = tool::CheckDocument(Run());
-  EXPECT_EQ(findings.Count(tool::Severity::kError), 0U);
-  EXPECT_EQ(findings.Count(tool::Severity::kWarning), 0U);
+  const lab::Findings findings = lab::CheckDocument(Run());
+  EXPECT_EQ(findings.Count(lab::Severity::kError), 0U);
+  EXPECT_EQ(findings.Count(lab::Severity::kWarning), 0U);
   EXPECT_EQ(RecordedFrames(Run()), frames);
 
   const CommandResult resumed = RunVex(Record({"--resume"}));
@@ -60,9 +60,9 @@ TEST_F(RepairResume, ARunWhoseFirstCommitWasCutOffBeforeTheTagGoesOnWithAndWitho
     for (const bool repaired : {false, true}) {
       SCOPED_TRACE(rest);
       WriteBytes(Run(), Slice(begun, 0, block + rest));
-      const tool::Findings findings = tool::CheckDocument(Run());
-      EXPECT_EQ(findings.Count(tool::Severity::kError), 0U);
-      EXPECT_EQ(findings.Count(tool::Severity::kWarning), 1U);
+      const lab::Findings findings = lab::CheckDocument(Run());
+      EXPECT_EQ(findings.Count(lab::Severity::kError), 0U);
+      EXPECT_EQ(findings.Count(lab::Severity::kWarning), 1U);
       if (repaired) {
         EXPECT_EQ(RunVex({"repair", Run()}).exitCode, 0);
         EXPECT_EQ(ReadBytes(Run()), Slice(begun, 0, block));

@@ -5,9 +5,9 @@
 #include <csignal>
 #include <filesystem>
 
+#include "lab/check/Repair.h"
+#include "lab/model/DocumentLock.h"
 #include "tests/tools/CheckFixture.h"
-#include "tools/vex/document/DocumentLock.h"
-#include "tools/vex/rescue/Repair.h"
 
 namespace vex2::test {
 namespace {
@@ -98,9 +98,9 @@ TEST_F(Repair, LeavesNothingThatAnotherRepairWouldMend) {
         MakeRun(status);
         SetLong(kPositionAt, position);
         Change([&](Bytes& bytes) { bytes.resize(size, 1); });
-        const tool::RepairPlan plan = tool::PlanRepair(path_);
-        if (!plan.IsEmpty()) tool::ApplyRepair(plan, tool::BackUp(path_), path_);
-        EXPECT_TRUE(tool::PlanRepair(path_).IsEmpty());
+        const lab::RepairPlan plan = lab::PlanRepair(path_);
+        if (!plan.IsEmpty()) lab::ApplyRepair(plan, lab::BackUp(path_), path_);
+        EXPECT_TRUE(lab::PlanRepair(path_).IsEmpty());
         ExpectSound();
       }
     }
@@ -206,7 +206,7 @@ TEST_F(Repair, NeverWritesOverABackup) {
 TEST_F(Repair, RefusesADocumentThatIsBeingRecorded) {
   MakeRun("PROG");
   AppendFrameBytes(10);
-  const tool::DocumentLock lock(path_, tool::DocumentLock::Holder::kRecorder);
+  const lab::DocumentLock lock(path_, lab::DocumentLock::Holder::kRecorder);
   ExpectRefused({"repair", path_}, 2, "is being recorded already");
 }
 

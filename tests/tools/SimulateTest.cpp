@@ -4,16 +4,16 @@
 
 #include <csignal>
 
+#include "lab/record/SimulatedRun.h"
 #include "tests/tools/RecordFixture.h"
-#include "tools/vex/run/SimulatedRun.h"
 
 namespace vex2::test {
 namespace {
 
+using lab::RunPlan;
+using lab::SimulateRun;
+using lab::SimulationParameters;
 using testing::HasSubstr;
-using tool::RunPlan;
-using tool::SimulateRun;
-using tool::SimulationParameters;
 
 using SimulateTest = RecordTest;
 
@@ -94,7 +94,7 @@ TEST(SimulateRun, OtherSeedsAreOtherRuns) {
 
 TEST(ReadParameters, LogThatNamesTooMuchIsNotFollowed) {
   SimulationParameters parameters;
-  tool::ReadParameters("cycles=4000000000\nmelt=12\nwells=99999999999\nseed=5x\nseed=", parameters);
+  lab::ReadParameters("cycles=4000000000\nmelt=12\nwells=99999999999\nseed=5x\nseed=", parameters);
   EXPECT_EQ(parameters.cycles, 40U);
   EXPECT_EQ(parameters.meltSteps, 12U);
   EXPECT_EQ(parameters.wells, 96U);

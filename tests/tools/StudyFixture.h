@@ -29,7 +29,7 @@ class StudyTest : public DocumentTest {
     plate.ReplaceGlobalComplexComp(&settings);
     const std::uint16_t wells[] = {1, 2};
     plate.InitAcqDataWellNumberArray(wells, 2, DataRAWa);
-    const Vex2WellRecord record = tool::EncodeReading({.cycle = 1, .values = {77}}, false);
+    const Vex2WellRecord record = lab::EncodeReading({.cycle = 1, .values = {77}}, false);
     for (int well = 1; well <= 2; ++well) plate.SetAcqDataWellRecord(&record, 0, well, DataRAWa);
     ASSERT_EQ(plate.SaveToFile(path.c_str()), 0);
   }

@@ -1,6 +1,6 @@
 // What stands in the wells, the detectors, the dyes and the calibration, on the command line.
 #include "tests/tools/DocumentFixture.h"
-#include "tools/vex/setup/PlateGrid.h"
+#include "tools/vex/show/PlateGrid.h"
 #include "tools/vex/text/Chart.h"
 
 namespace vex2::test {
@@ -195,7 +195,7 @@ TEST_F(Wells, PipedGridHasNoColoursAndWholeTexts) {
 TEST(PlateGrid, ShowsNothingForEmptyWells) {
   std::vector<std::string> texts(96);
   texts[13] = "x";
-  const std::string grid = tool::DrawPlate(tool::kPlate96, texts, tool::Terminal(-1));
+  const std::string grid = tool::DrawPlate(lab::kPlate96, texts, tool::Terminal(-1));
   EXPECT_THAT(grid, HasSubstr("\nB ·  x  ·"));
 }
 

@@ -2,12 +2,14 @@
 #include <cmath>
 #include <iostream>
 
+#include "lab/exchange/CalibrationFile.h"
+#include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/CsvInput.h"
-#include "tools/vex/document/Changing.h"
-#include "tools/vex/document/Output.h"
-#include "tools/vex/document/OutputFiles.h"
-#include "tools/vex/setup/CalibrationFile.h"
+#include "tools/vex/command/PlateOption.h"
+#include "tools/vex/files/Changing.h"
+#include "tools/vex/files/Output.h"
+#include "tools/vex/files/OutputFiles.h"
 #include "tools/vex/text/Chart.h"
 #include "tools/vex/text/JsonOutput.h"
 #include "tools/vex/text/Table.h"

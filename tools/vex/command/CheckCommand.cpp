@@ -1,8 +1,9 @@
 #include <algorithm>
 #include <iostream>
 
+#include "lab/check/DocumentCheck.h"
+#include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
-#include "tools/vex/rescue/DocumentCheck.h"
 #include "tools/vex/text/JsonOutput.h"
 #include "tools/vex/text/Paragraph.h"
 #include "tools/vex/text/Terminal.h"
@@ -131,7 +132,7 @@ class CheckCommand final : public Command {
         worst = std::max(worst, check(file));
       } catch (const Error& error) {
         PrintError(error);
-        worst = std::max(worst, error.Code());
+        worst = std::max(worst, ExitCodeOf(error));
       }
     }
     return worst;

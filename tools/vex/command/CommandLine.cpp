@@ -166,7 +166,7 @@ ExitCode CommandGroup::Run() {
 int RunCommandLine(int argumentCount, const char* const* arguments) noexcept {
   const auto fail = [](const Error& error) {
     PrintError(error);
-    return static_cast<int>(error.Code());
+    return static_cast<int>(ExitCodeOf(error));
   };
   try {
     Terminal::Configure({});

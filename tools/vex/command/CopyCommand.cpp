@@ -1,7 +1,9 @@
+#include "lab/model/Study.h"
+#include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
-#include "tools/vex/document/DocumentPlates.h"
-#include "tools/vex/document/OutputFiles.h"
-#include "tools/vex/document/Study.h"
+#include "tools/vex/command/PlateOption.h"
+#include "tools/vex/files/OutputFiles.h"
+#include "tools/vex/files/Rewriting.h"
 
 namespace vex2::tool {
 
@@ -26,16 +28,16 @@ class CopyCommand final : public Command {
     OutputFiles files(force_);
     files.Read(source_).Write(target_, OutputFiles::Kind::kDocument).Claim();
     if (plate_.IsGiven()) {
-      ExtractPlate(document, plate_.One(document), target_, rewriting_);
+      ExtractPlate(document, plate_.One(document), target_, rewriting_.Rules());
       return ExitCode::kDone;
     }
-    rewriting_.Prepare(document, target_);
+    PrepareToSave(document, target_, rewriting_.Rules());
     if (document.Content().IsAcquisitionProg()) {
       PrintLine(Printable(source_) +
                 ": its run is in progress; the copy ends with the last frame "
                 "committed so far");
     }
-    Rewriting::Save(document.Content(), target_);
+    SaveDocument(document.Content(), target_);
     return ExitCode::kDone;
   }
 

@@ -43,15 +43,15 @@ CsvFormat CsvInput::Format(const std::vector<std::string_view>& columns, const s
       std::string known;
       for (const std::string_view each : columns)
         known.append(known.empty() ? "" : ", ").append(each);
-      throw Error(ExitCode::kUsage, option + ": " + Quoted(column) +
-                                        " is no column of this file; its columns are " + known);
+      throw Error(ErrorCode::kUsage, option + ": " + Quoted(column) +
+                                         " is no column of this file; its columns are " + known);
     }
     if (equals == std::string_view::npos || equals + 1 == pair.size()) {
-      throw Error(ExitCode::kUsage, option + ": " + Quoted(pair) + " gives no name; write " +
-                                        std::string(column) + "=NAME");
+      throw Error(ErrorCode::kUsage, option + ": " + Quoted(pair) + " gives no name; write " +
+                                         std::string(column) + "=NAME");
     }
     if (!format.names.emplace(column, pair.substr(equals + 1)).second) {
-      throw Error(ExitCode::kUsage, option + ": " + Quoted(column) + " is named twice");
+      throw Error(ErrorCode::kUsage, option + ": " + Quoted(column) + " is named twice");
     }
   }
   return format;

@@ -3,7 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "tools/vex/text/CsvReader.h"
+#include "lab/exchange/CsvReader.h"
+#include "tools/vex/Lab.h"
 
 namespace vex2::tool {
 

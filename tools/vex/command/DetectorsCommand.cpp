@@ -1,12 +1,13 @@
 #include <algorithm>
 #include <map>
 
+#include "lab/exchange/CsvWriter.h"
+#include "lab/exchange/WellsFile.h"
+#include "lab/model/DetectorFields.h"
+#include "lab/model/PlateContents.h"
+#include "tools/vex/Lab.h"
 #include "tools/vex/command/ListingCommand.h"
-#include "tools/vex/setup/DetectorFields.h"
-#include "tools/vex/setup/PlateContents.h"
-#include "tools/vex/setup/SetupInfo.h"
-#include "tools/vex/setup/WellsFile.h"
-#include "tools/vex/text/CsvWriter.h"
+#include "tools/vex/show/SetupInfo.h"
 #include "tools/vex/text/Nearest.h"
 #include "tools/vex/text/Table.h"
 #include "tools/vex/text/Text.h"
@@ -26,7 +27,7 @@ std::vector<std::string> keys() {
 std::vector<std::string> valuesOf(const Vex2Detector& detector) {
   std::vector<std::string> values;
   for (const DetectorField& field : DetectorFields()) {
-    values.push_back(DetectorText(field.get(detector)));
+    values.push_back(ValueText(field.get(detector)));
   }
   return values;
 }
@@ -91,7 +92,7 @@ class DetectorsCommand final : public ListingCommand {
     for (const std::string& name : removed_) {
       const auto stored = ToLatin1(name);
       if (!stored || !plate.RemoveDetectorInfo(CString(*stored))) {
-        throw Error(ExitCode::kUsage, file_, "it has no detector '" + name + "'");
+        throw Error(ErrorCode::kUsage, file_, "it has no detector '" + name + "'");
       }
       report += "removed " + Printable(name) + "\n";
     }
@@ -177,7 +178,7 @@ class DetectorsCommand final : public ListingCommand {
       }
     }
     if (plate.AppendDetectorInfo(&detector) != kSuccess) {
-      throw Error(ExitCode::kDocument, file_, "it cannot hold more detectors");
+      throw Error(ErrorCode::kDocument, file_, "it cannot hold more detectors");
     }
     return (before != known.end() ? "changed " : "added ") + Printable(name) + "\n";
   }

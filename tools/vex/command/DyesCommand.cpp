@@ -1,6 +1,7 @@
+#include "lab/exchange/CsvWriter.h"
+#include "lab/model/PlateContents.h"
+#include "tools/vex/Lab.h"
 #include "tools/vex/command/ListingCommand.h"
-#include "tools/vex/setup/PlateContents.h"
-#include "tools/vex/text/CsvWriter.h"
 #include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
@@ -62,7 +63,7 @@ class DyesCommand final : public ListingCommand {
 
  private:
   [[noreturn]] void refuse(const std::string& why) const {
-    throw Error(ExitCode::kUsage, file_, why);
+    throw Error(ErrorCode::kUsage, file_, why);
   }
 
   CString stored(const std::string& name) const {

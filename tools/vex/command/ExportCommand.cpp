@@ -1,15 +1,16 @@
 #include <algorithm>
 #include <ostream>
 
+#include "lab/exchange/ReadingsWriter.h"
+#include "lab/exchange/StoredValues.h"
+#include "lab/model/DataBlock.h"
+#include "lab/model/PlateLayout.h"
+#include "lab/model/RunLog.h"
+#include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
-#include "tools/vex/document/DataBlock.h"
-#include "tools/vex/document/DocumentPlates.h"
-#include "tools/vex/document/Output.h"
-#include "tools/vex/document/OutputFiles.h"
-#include "tools/vex/document/RunLog.h"
-#include "tools/vex/document/StoredValues.h"
-#include "tools/vex/run/ReadingsWriter.h"
-#include "tools/vex/setup/PlateLayout.h"
+#include "tools/vex/command/PlateOption.h"
+#include "tools/vex/files/Output.h"
+#include "tools/vex/files/OutputFiles.h"
 #include "tools/vex/text/Text.h"
 #include "vex2/run/AcquisitionDataComp.h"
 
@@ -137,7 +138,7 @@ class ExportCommand final : public Command {
     }
     if (!blocks.empty()) return blocks;
     document.RequireWhole("");
-    throw Error(ExitCode::kDocument, file_, "it has no data block \"" + block_ + "\"");
+    throw Error(ErrorCode::kDocument, file_, "it has no data block \"" + block_ + "\"");
   }
 
   void tellUnknown(const Counts& counts) const {

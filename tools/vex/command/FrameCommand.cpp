@@ -4,15 +4,16 @@
 #include <optional>
 #include <utility>
 
+#include "lab/exchange/ReadingFields.h"
+#include "lab/exchange/StoredValues.h"
+#include "lab/model/DataBlock.h"
+#include "lab/model/FileLayout.h"
+#include "lab/model/PlateLayout.h"
+#include "lab/model/RunLog.h"
+#include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
-#include "tools/vex/document/DataBlock.h"
-#include "tools/vex/document/DocumentPlates.h"
-#include "tools/vex/document/FileLayout.h"
-#include "tools/vex/document/ReadingFields.h"
-#include "tools/vex/document/RecordValue.h"
-#include "tools/vex/document/RunLog.h"
-#include "tools/vex/document/StoredValues.h"
-#include "tools/vex/setup/PlateLayout.h"
+#include "tools/vex/command/PlateOption.h"
+#include "tools/vex/show/RecordValue.h"
 #include "tools/vex/text/JsonOutput.h"
 #include "tools/vex/text/Table.h"
 #include "tools/vex/text/Terminal.h"
@@ -235,13 +236,13 @@ class FrameCommand final : public Command {
   void requireKnown(const FrameView& view) const {
     constexpr std::uint64_t kMostWells = 65535;  // they are numbered in 16 bits
     if (std::uint64_t{view.rows} * view.columns > kMostWells) {
-      throw Error(ExitCode::kDocument, file_,
+      throw Error(ErrorCode::kDocument, file_,
                   "its plate of " + std::to_string(view.rows) + " rows and " +
                       std::to_string(view.columns) +
                       " columns has more wells than can be numbered");
     }
     if (view.IsKnown()) return;
-    throw Error(ExitCode::kDocument, file_,
+    throw Error(ErrorCode::kDocument, file_,
                 "frame " + std::to_string(index_) + " of the data block \"" + block_ +
                     "\" cannot be shown as a plate: vex did not record it and does not know the "
                     "meaning of its values; leave out --grid for the stored values");
@@ -252,7 +253,7 @@ class FrameCommand final : public Command {
     std::erase_if(plates, [&](const auto& plate) { return FindBlock(plate, block_) == nullptr; });
     if (plates.empty()) {
       document.RequireWhole("");
-      throw Error(ExitCode::kDocument, file_, "it has no data block \"" + block_ + "\"");
+      throw Error(ErrorCode::kDocument, file_, "it has no data block \"" + block_ + "\"");
     }
     std::uint64_t most = 0;
     std::erase_if(plates, [&](const auto& plate) {
@@ -284,10 +285,11 @@ class FrameCommand final : public Command {
 
   FrameView read(DocumentFile& file) const {
     const auto record = findBlock(file, block_);
-    if (!record) throw Error(ExitCode::kDocument, file_, "it has no data block \"" + block_ + "\"");
-    auto head = ReadDataBlockHead(file, *record);
+    if (!record)
+      throw Error(ErrorCode::kDocument, file_, "it has no data block \"" + block_ + "\"");
+    auto head = ReadStoredBlock(file, *record);
     if (!head) {
-      throw Error(ExitCode::kDocument, file_, "the data block \"" + block_ + "\" is cut short",
+      throw Error(ErrorCode::kDocument, file_, "the data block \"" + block_ + "\" is cut short",
                   record->offset);
     }
     requireIndex(head->frameCount);
@@ -312,7 +314,7 @@ class FrameCommand final : public Command {
                     (count > 0 ? ", 0 to " + std::to_string(count - 1) : ""));
   }
 
-  void readFrame(DocumentFile& file, const FileRecord& record, const DataBlockHead& head,
+  void readFrame(DocumentFile& file, const FileRecord& record, const StoredBlock& head,
                  FrameView& view) const {
     // A block that is laid out differently is for the document's reader alone.
     const int index = static_cast<int>(index_);
@@ -327,7 +329,7 @@ class FrameCommand final : public Command {
     if (status == kSuccess && view.frame.wellCount == view.wells.size()) return;
     const auto number = static_cast<std::uint64_t>(index_);
     throw Error(
-        ExitCode::kDocument, file_,
+        ErrorCode::kDocument, file_,
         "frame " + std::to_string(number) + " of the data block \"" + block_ + "\" is cut short",
         head.firstFrame + number * head.frameSize);
   }

@@ -2,15 +2,16 @@
 #include <sstream>
 #include <vector>
 
+#include "lab/model/DocumentFile.h"
+#include "lab/model/PlateContents.h"
+#include "lab/model/Settings.h"
+#include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
-#include "tools/vex/document/DocumentFile.h"
-#include "tools/vex/document/DocumentInfo.h"
-#include "tools/vex/document/DocumentPlates.h"
-#include "tools/vex/document/RecordTree.h"
-#include "tools/vex/document/Settings.h"
-#include "tools/vex/document/ValuePath.h"
-#include "tools/vex/setup/PlateContents.h"
-#include "tools/vex/setup/SetupInfo.h"
+#include "tools/vex/command/PlateOption.h"
+#include "tools/vex/show/DocumentInfo.h"
+#include "tools/vex/show/RecordTree.h"
+#include "tools/vex/show/SetupInfo.h"
+#include "tools/vex/show/ValuePath.h"
 #include "tools/vex/text/Nearest.h"
 #include "tools/vex/text/Terminal.h"
 
@@ -88,7 +89,7 @@ class GetCommand final : public Command {
     if (json_ || value.is_structured()) {
       std::cout << value.dump(2, ' ', false, ordered_json::error_handler_t::replace) << '\n';
     } else {
-      const std::string text = SettingText(value);
+      const std::string text = JsonText(value);
       std::cout << (Terminal::Out().IsTerminal() ? Printable(text) : text) << '\n';
     }
   }

@@ -56,7 +56,8 @@ class HelpCommand final : public Command {
                  "besides is an object {\"note\":{\"message\":...}}.\n\n";
     std::vector<std::vector<std::string>> rows;
     for (const ErrorKind& kind : ErrorKinds()) {
-      rows.push_back({std::string(kind.name), std::to_string(static_cast<int>(kind.exitCode)),
+      rows.push_back({std::string(kind.name),
+                      std::to_string(static_cast<int>(ExitCodeOf(kind.errorClass))),
                       std::string(kind.meaning)});
     }
     std::cout << DrawTable({"code", "exit", "meaning"}, rows, Terminal::Out());

@@ -5,11 +5,12 @@
 #include <map>
 #include <sstream>
 
+#include "lab/model/Settings.h"
+#include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
-#include "tools/vex/document/Codes.h"
-#include "tools/vex/document/DocumentInfo.h"
-#include "tools/vex/document/DocumentPlates.h"
-#include "tools/vex/document/Settings.h"
+#include "tools/vex/command/PlateOption.h"
+#include "tools/vex/show/CodeText.h"
+#include "tools/vex/show/DocumentInfo.h"
 #include "tools/vex/text/JsonOutput.h"
 #include "tools/vex/text/Paragraph.h"
 #include "tools/vex/text/Table.h"
@@ -199,8 +200,8 @@ class Screen {
     if (!numbers.empty()) lines("settings", numbers);
   }
 
-  static std::string settingText(const std::string& key, const nlohmann::json& value) {
-    std::string shown = SettingText(value);
+  static std::string settingText(const std::string& key, const ordered_json& value) {
+    std::string shown = JsonText(value);
     if (key == "log") std::replace(shown.begin(), shown.end(), '\n', ' ');
     return Printable(shown);
   }
@@ -282,7 +283,7 @@ class InfoCommand final : public Command {
         show(file);
       } catch (const Error& error) {
         PrintError(error);
-        worst = std::max(worst, error.Code());
+        worst = std::max(worst, ExitCodeOf(error));
       }
     }
     listing_.Print();

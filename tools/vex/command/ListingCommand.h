@@ -4,7 +4,7 @@
 #include <string>
 
 #include "tools/vex/command/Command.h"
-#include "tools/vex/document/Changing.h"
+#include "tools/vex/files/Changing.h"
 #include "tools/vex/text/JsonOutput.h"
 
 namespace vex2::tool {

@@ -7,20 +7,21 @@
 #include <optional>
 #include <sstream>
 
+#include "lab/exchange/CsvReader.h"
+#include "lab/exchange/WellsFile.h"
+#include "lab/model/AssayTypes.h"
+#include "lab/model/RunLog.h"
+#include "lab/record/InterruptedRun.h"
+#include "lab/record/LiveRun.h"
+#include "lab/record/MeasuredRun.h"
+#include "lab/record/Recorder.h"
+#include "lab/record/SimulatedRun.h"
+#include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/CsvInput.h"
-#include "tools/vex/document/Output.h"
-#include "tools/vex/document/OutputFiles.h"
-#include "tools/vex/document/RunLog.h"
-#include "tools/vex/run/InterruptedRun.h"
-#include "tools/vex/run/LiveRun.h"
-#include "tools/vex/run/MeasuredRun.h"
-#include "tools/vex/run/RecordProgress.h"
-#include "tools/vex/run/Recorder.h"
-#include "tools/vex/run/SimulatedRun.h"
-#include "tools/vex/setup/AssayTypes.h"
-#include "tools/vex/setup/WellsFile.h"
-#include "tools/vex/text/CsvReader.h"
+#include "tools/vex/files/Output.h"
+#include "tools/vex/files/OutputFiles.h"
+#include "tools/vex/show/RecordProgress.h"
 #include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
@@ -65,16 +66,16 @@ class RecordingCommand : public Command {
     if (startsNow()) return RunStart::Now();
     const auto start = RunStart::Parse(*started_);
     if (start) return start;
-    throw Error(ExitCode::kUsage, "--started " + *started_ +
-                                      " is no date and time with a time zone, "
-                                      "like 2026-11-22T08:00:00Z or 2026-11-22T09:00:00+01:00");
+    throw Error(ErrorCode::kUsage, "--started " + *started_ +
+                                       " is no date and time with a time zone, "
+                                       "like 2026-11-22T08:00:00Z or 2026-11-22T09:00:00+01:00");
   }
 
   std::string assay() const {
     if (!assay_) return {};
     const auto code = PlateAssayCode(*assay_);
     if (code) return *code;
-    throw Error(ExitCode::kUsage,
+    throw Error(ErrorCode::kUsage,
                 "--assay " + *assay_ + " is no assay; it is one of " + PlateAssayList());
   }
 
@@ -113,8 +114,8 @@ class RecordingCommand : public Command {
     try {
       return recorder.Run();
     } catch (const Error& error) {
-      if (error.Code() != ExitCode::kSystem || done == 0) throw;
-      throw Error(ExitCode::kSystem,
+      if (error.Class() != ErrorClass::kSystem || done == 0) throw;
+      throw Error(ErrorCode::kSystem,
                   std::string(error.what()) + "; " + std::to_string(done) + " of " +
                       std::to_string(all) +
                       " frames are safe, and the same command with --resume goes "
@@ -183,7 +184,7 @@ class RecordCommand final : public RecordingCommand {
 
   ExitCode Run() override {
     if (files_.readings == "-" && files_.wells == "-") {
-      throw Error(ExitCode::kUsage, "only one of --readings and --wells can be standard input");
+      throw Error(ErrorCode::kUsage, "only one of --readings and --wells can be standard input");
     }
     files_.readingsFormat = input_.Format(ReadingsFileColumns());
     files_.wellsFormat = input_.Format(WellsFileColumns(), wellsNames_, "--wells-columns");
@@ -193,7 +194,7 @@ class RecordCommand final : public RecordingCommand {
     files.Read(files_.readings).Read(files_.wells);
     files.Write(options_.path, OutputFiles::Kind::kRecording).Claim();
     if (files_.readings == "-") return recordLive();
-    if (frames_) throw Error(ExitCode::kUsage, "--frames is for --readings - alone");
+    if (frames_) throw Error(ErrorCode::kUsage, "--frames is for --readings - alone");
     const MeasuredRun run = LoadMeasuredRun(files_);
     tellRounding(CsvName(files_.readings), run.rounding, run.plan.scale);
     return record(run.plan);
@@ -203,7 +204,7 @@ class RecordCommand final : public RecordingCommand {
   void takeValues() {
     // What was measured before has another start.
     if (startsNow() && files_.readings != "-") {
-      throw Error(ExitCode::kUsage,
+      throw Error(ErrorCode::kUsage,
                   "--started now is for --readings - alone; give the run's own "
                   "start, like 2026-11-22T08:00:00Z");
     }
@@ -238,7 +239,7 @@ class RecordCommand final : public RecordingCommand {
 
   ExitCode recordLive() {
     if (options_.pace > 0) {
-      throw Error(ExitCode::kUsage, "--pace is for a file; standard input has its own pace");
+      throw Error(ErrorCode::kUsage, "--pace is for a file; standard input has its own pace");
     }
     const std::string input = CsvName(files_.readings);
     LiveOptions live;
@@ -275,7 +276,7 @@ class RecordCommand final : public RecordingCommand {
 
   [[noreturn]] static void refuse(const std::string& option, const std::string& value,
                                   const std::string& takes) {
-    throw Error(ExitCode::kUsage, option + " " + value + ": it takes " + takes);
+    throw Error(ErrorCode::kUsage, option + " " + value + ": it takes " + takes);
   }
 
   std::optional<std::string> scale_;

@@ -1,12 +1,13 @@
 #include <chrono>
 #include <iostream>
 
-#include "tools/vex/Interrupts.h"
+#include "lab/Interrupts.h"
+#include "lab/model/RawFile.h"
+#include "lab/recover/Recover.h"
+#include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
-#include "tools/vex/document/OutputFiles.h"
-#include "tools/vex/document/RawFile.h"
-#include "tools/vex/rescue/RecoverReport.h"
-#include "tools/vex/rescue/Salvage.h"
+#include "tools/vex/files/OutputFiles.h"
+#include "tools/vex/show/RecoverOutput.h"
 #include "tools/vex/text/ProgressLine.h"
 
 namespace vex2::tool {
@@ -43,9 +44,9 @@ class RecoverCommand final : public Command {
     files.Read(source_).Write(target_, OutputFiles::Kind::kDocument).Claim();
     Interrupts interrupts;
     NewFile out(target_);
-    const SalvageReport report = salvage(in, out, interrupts);
+    const RecoverReport report = salvage(in, out, interrupts);
     if (!report.IsAnything()) {
-      throw Error(ExitCode::kUsage, source_,
+      throw Error(ErrorCode::kUsage, source_,
                   "there is nothing to recover: no record and no frame of a plate document was "
                   "found in its " +
                       std::to_string(report.size) + " bytes");
@@ -60,14 +61,14 @@ class RecoverCommand final : public Command {
   }
 
  private:
-  SalvageReport salvage(CFile& in, CFile& out, Interrupts& interrupts) const {
+  RecoverReport salvage(CFile& in, CFile& out, Interrupts& interrupts) const {
     constexpr std::chrono::milliseconds kPatience{500};
     constexpr std::uint64_t kStep = 1U << 20U;
     ProgressLine line(kPatience, ProgressLine::AtEnd::kErase);
     std::uint64_t next = kStep;
-    return Salvage(in, out, [&](std::uint64_t done) {
+    return Recover(in, out, [&](std::uint64_t done) {
       if (interrupts.Pending())
-        throw Error(ExitCode::kInterrupted, source_, "interrupted; nothing was saved");
+        throw Error(ErrorCode::kInterrupted, source_, "interrupted; nothing was saved");
       if (done < next) return;
       next = done + kStep;
       line.Show("recovering: " + std::to_string(done * 100 / in.GetLength()) + " %");

@@ -1,10 +1,11 @@
 #include <iostream>
 
-#include "tools/vex/Interrupts.h"
+#include "lab/Interrupts.h"
+#include "lab/check/DocumentCheck.h"
+#include "lab/check/Repair.h"
+#include "lab/model/DocumentLock.h"
+#include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
-#include "tools/vex/document/DocumentLock.h"
-#include "tools/vex/rescue/DocumentCheck.h"
-#include "tools/vex/rescue/Repair.h"
 
 namespace vex2::tool {
 
@@ -53,7 +54,7 @@ class RepairCommand final : public Command {
   void mend(const RepairPlan& plan, const std::string& document) const {
     const std::string backup = BackUp(document);
     if (PlanRepair(backup) != plan) {
-      throw Error(ExitCode::kSystem, file_,
+      throw Error(ErrorCode::kSystem, file_,
                   "another program changed it meanwhile; it is left alone, try again");
     }
     ApplyRepair(plan, backup, document);
@@ -87,7 +88,7 @@ class RepairCommand final : public Command {
     for (const Finding& finding : findings.Sorted()) {
       if (finding.severity != Severity::kError || told++ >= kMostLines) continue;
       PrintError(
-          Error(ExitCode::kDocument, file_, "not mended: " + finding.problem, finding.offset));
+          Error(ErrorCode::kDocument, file_, "not mended: " + finding.problem, finding.offset));
     }
     PrintLine(Printable(file_) + ": 'vex recover' takes what is whole into a new document");
     return ExitCode::kDocument;

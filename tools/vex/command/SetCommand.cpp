@@ -2,11 +2,13 @@
 #include <iostream>
 #include <utility>
 
+#include "lab/model/AssayTypes.h"
+#include "lab/model/Settings.h"
+#include "lab/model/Study.h"
+#include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
-#include "tools/vex/document/Changing.h"
-#include "tools/vex/document/Settings.h"
-#include "tools/vex/document/Study.h"
-#include "tools/vex/setup/AssayTypes.h"
+#include "tools/vex/command/PlateOption.h"
+#include "tools/vex/files/Changing.h"
 #include "tools/vex/text/Nearest.h"
 #include "tools/vex/text/Text.h"
 
@@ -82,7 +84,7 @@ class SetCommand final : public Command {
     if (!plate_.IsAll(document)) return *plate_.One(document).content;
     for (const Change& change : changes) {
       if (change.setting->isOfStudies) continue;
-      throw Error(ExitCode::kUsage, file_,
+      throw Error(ErrorCode::kUsage, file_,
                   "a study keeps no " + std::string(change.setting->key) +
                       " of its own; name the plate to change with --plate");
     }
@@ -115,8 +117,8 @@ class SetCommand final : public Command {
     return std::string(setting.key) + ": " + before + " -> " + shown(setting.get(document)) + "\n";
   }
 
-  static std::string shown(const nlohmann::json& value) {
-    return value.is_null() ? "none" : Printable(SettingText(value));
+  static std::string shown(const Value& value) {
+    return HasValue(value) ? Printable(ValueText(value)) : "none";
   }
 
   std::string call_;

@@ -3,11 +3,12 @@
 #include <iterator>
 #include <new>
 
+#include "lab/exchange/CsvWriter.h"
+#include "lab/model/PlateLayout.h"
+#include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
-#include "tools/vex/document/DocumentPlates.h"
-#include "tools/vex/setup/PlateLayout.h"
+#include "tools/vex/command/PlateOption.h"
 #include "tools/vex/text/Chart.h"
-#include "tools/vex/text/CsvWriter.h"
 #include "tools/vex/text/JsonOutput.h"
 #include "tools/vex/text/Paragraph.h"
 #include "tools/vex/text/Terminal.h"

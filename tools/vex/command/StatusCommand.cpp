@@ -2,9 +2,11 @@
 #include <iostream>
 #include <optional>
 
+#include "lab/model/DocumentFile.h"
+#include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
-#include "tools/vex/document/Changing.h"
-#include "tools/vex/document/DocumentFile.h"
+#include "tools/vex/command/PlateOption.h"
+#include "tools/vex/files/Changing.h"
 #include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
@@ -55,7 +57,7 @@ class StatusCommand final : public Command {
   void requireCode() const {
     if (!code_) return;
     if (code_->size() == 4 && IsPlain(*code_)) return;
-    throw Error(ExitCode::kUsage, file_,
+    throw Error(ErrorCode::kUsage, file_,
                 "the status '" + *code_ + "' is not four plain characters, like DONE");
   }
 
@@ -92,7 +94,7 @@ class StatusCommand final : public Command {
       throw SystemError(file_, reason.GetError());
     }
     if (document.GetLength() < 68) {
-      throw Error(ExitCode::kDocument, file_, "the header is cut short before the status", 64);
+      throw Error(ErrorCode::kDocument, file_, "the header is cut short before the status", 64);
     }
     throw SystemError(file_, EIO);
   }

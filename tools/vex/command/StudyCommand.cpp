@@ -1,11 +1,13 @@
 #include <algorithm>
 #include <iostream>
 
+#include "lab/model/DocumentPlates.h"
+#include "lab/model/Study.h"
+#include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
-#include "tools/vex/document/Changing.h"
-#include "tools/vex/document/DocumentPlates.h"
-#include "tools/vex/document/OutputFiles.h"
-#include "tools/vex/document/Study.h"
+#include "tools/vex/files/Changing.h"
+#include "tools/vex/files/OutputFiles.h"
+#include "tools/vex/show/StudyProgress.h"
 #include "tools/vex/text/JsonOutput.h"
 #include "tools/vex/text/Table.h"
 #include "tools/vex/text/Terminal.h"
@@ -31,8 +33,15 @@ class StudyChange : public Command {
  protected:
   virtual void AddArguments(Options& options) = 0;
 
-  void AddPlateFiles(Options& options, std::vector<std::string>& plates) {
-    options.Add("PLATE", plates, "The documents of the plates").Require().Show("");
+  void AddPlateFiles(Options& options) {
+    options.Add("PLATE", plates_, "The documents of the plates").Require().Show("");
+  }
+
+  /// Brings the documents that were named into the study; answers what was added.
+  std::string addPlates(Vex2FileManager& study) const {
+    StudyProgress progress(plates_.size());
+    return lab::AddPlates(study, study_, plates_, changing_.Losses().Rules(),
+                          [&](const std::string& path) { progress.Show(path); });
   }
 
   /// Changes the study with `change`, which is handed it and answers what it changed.
@@ -45,6 +54,7 @@ class StudyChange : public Command {
   }
 
   std::string study_;
+  std::vector<std::string> plates_;
   Changing changing_;
 };
 
@@ -60,19 +70,18 @@ class NewAction final : public StudyChange {
     files.Write(study_, OutputFiles::Kind::kDocument);
     files.Advise("use 'vex study add' to add plates to it or --force to overwrite it").Claim();
     DocumentFile study;
-    const std::string report = AddPlates(study, study_, plates_, changing_.Losses());
+    const std::string report = addPlates(study);
     std::cout << changing_.Finish(study, study_, report);
     return ExitCode::kDone;
   }
 
  protected:
   void AddArguments(Options& options) override {
-    AddPlateFiles(options, plates_);
+    AddPlateFiles(options);
     options.AddFlag("--force", force_, "Overwrite STUDY if it exists");
   }
 
  private:
-  std::vector<std::string> plates_;
   bool force_ = false;
 };
 
@@ -83,17 +92,12 @@ class AddAction final : public StudyChange {
                      "vex study add study.vex plate3.vex"}) {}
 
   ExitCode Run() override {
-    ChangeStudy([&](Document& study) {
-      return AddPlates(study.Content(), study_, plates_, changing_.Losses());
-    });
+    ChangeStudy([&](Document& study) { return addPlates(study.Content()); });
     return ExitCode::kDone;
   }
 
  protected:
-  void AddArguments(Options& options) override { AddPlateFiles(options, plates_); }
-
- private:
-  std::vector<std::string> plates_;
+  void AddArguments(Options& options) override { AddPlateFiles(options); }
 };
 
 class RemoveAction final : public StudyChange {
@@ -119,7 +123,7 @@ class RemoveAction final : public StudyChange {
       const Document::Plate* plate = FindPlate(study, name);
       if (plate == nullptr) RefusePlateName(study, name);
       if (std::find(removed.begin(), removed.end(), plate->name) != removed.end()) {
-        throw Error(ExitCode::kUsage, study_, "the plate '" + name + "' is given twice");
+        throw Error(ErrorCode::kUsage, study_, "the plate '" + name + "' is given twice");
       }
       removed.push_back(plate->name);
     }
@@ -213,7 +217,7 @@ class ExtractAction final : public Command {
     if (plate == nullptr) RefusePlateName(document, name_);
     OutputFiles files(force_);
     files.Read(study_).Write(target_, OutputFiles::Kind::kDocument).Claim();
-    ExtractPlate(document, *plate, target_, rewriting_);
+    ExtractPlate(document, *plate, target_, rewriting_.Rules());
     return ExitCode::kDone;
   }
 

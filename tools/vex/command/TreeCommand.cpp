@@ -3,10 +3,11 @@
 #include <optional>
 #include <vector>
 
+#include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
-#include "tools/vex/document/DocumentPlates.h"
-#include "tools/vex/document/RecordTree.h"
-#include "tools/vex/document/RecordValue.h"
+#include "tools/vex/command/PlateOption.h"
+#include "tools/vex/show/RecordTree.h"
+#include "tools/vex/show/RecordValue.h"
 #include "tools/vex/text/Nearest.h"
 #include "tools/vex/text/Paragraph.h"
 #include "tools/vex/text/Terminal.h"

@@ -3,13 +3,14 @@
 #include <map>
 #include <set>
 
+#include "lab/exchange/CsvWriter.h"
+#include "lab/exchange/WellsFile.h"
+#include "lab/model/PlateContents.h"
+#include "tools/vex/Lab.h"
 #include "tools/vex/command/CsvInput.h"
 #include "tools/vex/command/ListingCommand.h"
-#include "tools/vex/setup/PlateContents.h"
-#include "tools/vex/setup/PlateGrid.h"
-#include "tools/vex/setup/SetupInfo.h"
-#include "tools/vex/setup/WellsFile.h"
-#include "tools/vex/text/CsvWriter.h"
+#include "tools/vex/show/PlateGrid.h"
+#include "tools/vex/show/SetupInfo.h"
 #include "tools/vex/text/Json.h"
 #include "tools/vex/text/Paragraph.h"
 #include "tools/vex/text/Text.h"
@@ -98,7 +99,7 @@ class WellsCommand final : public ListingCommand {
   void requireNumberedWells(const Vex2FileManager& plate) const {
     const PlateLayout layout = LayoutOf(plate);
     if (std::uint64_t{layout.rows} * layout.columns <= kMostWells) return;
-    throw Error(ExitCode::kDocument, file_,
+    throw Error(ErrorCode::kDocument, file_,
                 "its plate of " + std::to_string(layout.rows) + " rows and " +
                     std::to_string(layout.columns) + " columns has more wells than a setup holds");
   }
@@ -106,7 +107,7 @@ class WellsCommand final : public ListingCommand {
   void requireSetup(const Vex2FileManager& plate) const {
     requireNumberedWells(plate);
     if (plate.GetPlateSetupComp() != nullptr) return;
-    throw Error(ExitCode::kDocument, file_,
+    throw Error(ErrorCode::kDocument, file_,
                 "it has no plate setup; 'vex wells FILE --from wells.csv' gives it one");
   }
 
@@ -118,7 +119,7 @@ class WellsCommand final : public ListingCommand {
     for (WellRow& row : contents.rows) {
       const auto well = own.Find(loaded.NameOf(row.well));
       if (!well) {
-        throw Error(ExitCode::kUsage, source_,
+        throw Error(ErrorCode::kUsage, source_,
                     "well " + loaded.NameOf(row.well) + " is not on the document's plate of " +
                         std::to_string(own.WellCount()) + " wells");
       }

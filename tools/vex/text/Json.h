@@ -2,7 +2,20 @@
 
 #include <nlohmann/json.hpp>
 
+#include "lab/model/Value.h"
+
 // Compiled once, in Json.cpp; each source that speaks JSON would do it again otherwise, and that
 // was the greater part of building the command.
 extern template class nlohmann::basic_json<>;
 extern template class nlohmann::basic_json<nlohmann::ordered_map>;
+
+namespace vex2::tool {
+
+/// The value as JSON, null for none. A number in floating point is the shortest decimal number that
+/// stands for it, not the longer one of 64 bits.
+nlohmann::ordered_json ToJson(const lab::Value& value);
+
+/// The text of a JSON value: a text itself, nothing for null, a number in its shortest form.
+std::string JsonText(const nlohmann::ordered_json& value);
+
+}  // namespace vex2::tool

@@ -1,0 +1,94 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace vex2::lab {
+
+/// What an error is about.
+enum class ErrorClass {
+  kDocument,     ///< a document, or another file that was read
+  kUsage,        ///< the call: its arguments, or paths that lead nowhere
+  kSystem,       ///< the system: disk, memory, locks
+  kInterrupted,  ///< the user ended the work
+};
+
+/// What went wrong. `ErrorKinds` has the stable name of each. `kDocument`, `kUsage`, `kSystem` and
+/// `kInterrupted` are the general codes of their class, where there is no closer one.
+enum class ErrorCode {
+  kDocument,
+  kNoDocument,
+  kUsage,
+  kUnknownCommand,
+  kUnknownOption,
+  kUnknownSetting,
+  kUnknownField,
+  kMissingArgument,
+  kSurplusArgument,
+  kInvalidValue,
+  kConflictingOptions,
+  kNoSuchFile,
+  kNoPermission,
+  kNotAFile,
+  kExists,
+  kNoSuchPlate,
+  kNoSuchFrame,
+  kNoSuchWell,
+  kNoSuchValue,
+  kSystem,
+  kInUse,
+  kDiskFull,
+  kNoMemory,
+  kInterrupted,
+};
+
+/// A kind of error as programs and documents know it.
+struct ErrorKind {
+  ErrorCode code;
+  std::string_view name;
+  ErrorClass errorClass;
+  std::string_view meaning;
+};
+
+/// All kinds, in the order of `ErrorCode`.
+std::span<const ErrorKind> ErrorKinds();
+const ErrorKind& ErrorKindOf(ErrorCode code);
+
+/// Why an operation failed: a code, and one sentence that names the file and, where there is one,
+/// the offset in bytes from the start of the file.
+class Error : public std::runtime_error {
+ public:
+  /// `what` says what is wrong and, where that is not plain, what to do. Control characters of a
+  /// hostile name or content do not reach the terminal.
+  Error(ErrorCode code, std::string_view file, std::string_view what,
+        std::optional<std::uint64_t> offset = std::nullopt);
+  /// About the call as a whole.
+  Error(ErrorCode code, std::string_view what);
+
+  ErrorCode Code() const { return code_; }
+  ErrorClass Class() const;
+  /// The parts of the sentence as they were given.
+  const std::string& File() const { return file_; }
+  const std::string& Message() const { return message_; }
+  std::optional<std::uint64_t> Offset() const { return offset_; }
+
+ private:
+  ErrorCode code_;
+  std::string file_;
+  std::string message_;
+  std::optional<std::uint64_t> offset_;
+};
+
+/// What the system refused to do with `file`: the call is at fault when the path leads nowhere or
+/// to what may not be touched, the system for all else.
+Error SystemError(std::string_view file, int error);
+
+/// `text` for a line of a message: what a terminal would obey, and what is no character, is shown
+/// as \xNN.
+std::string Escaped(std::string_view text);
+
+}  // namespace vex2::lab

@@ -1,0 +1,112 @@
+#include "lab/check/DocumentCheck.h"
+
+#include <algorithm>
+#include <array>
+
+#include "lab/Error.h"
+#include "lab/Text.h"
+#include "lab/check/HeaderCheck.h"
+#include "lab/check/MeaningCheck.h"
+#include "lab/check/RecordCheck.h"
+#include "lab/check/TailCheck.h"
+#include "lab/model/Document.h"
+#include "lab/model/RawFile.h"
+
+namespace vex2::lab {
+
+namespace {
+
+// Of these a document has one, and all who look for it take the first.
+constexpr std::array<std::string_view, 11> kSingle = {
+    "GLBL", "TPro", "CELS", "CALI", "RqDy", "MPLC", "RAWa", "REPr", "REPn", "REPd", "REPt"};
+
+std::optional<std::string> whyNoDocument(const std::string& path) {
+  CFile file;
+  OpenToRead(file, path);
+  return WhyNoDocument(file);
+}
+
+void checkDoubles(const std::vector<Document::Record>& records, const std::string& within,
+                  Findings& findings) {
+  for (const std::string_view tag : kSingle) {
+    const auto isIt = [tag](const Document::Record& record) { return record.tag == tag; };
+    auto next = std::find_if(records.begin(), records.end(), isIt);
+    if (next == records.end()) continue;
+    const std::uint64_t first = next->offset;
+    while ((next = std::find_if(next + 1, records.end(), isIt)) != records.end()) {
+      findings.Add({Severity::kWarning, within + next->tag, next->offset,
+                    "there is a record of this kind at byte " + std::to_string(first) + " already",
+                    "only the first is used; this one is kept, and never looked at", ""});
+    }
+  }
+}
+
+void checkPlates(const Document& document, Findings& findings) {
+  const auto& plates = document.Plates();
+  for (std::size_t i = 0; i < plates.size(); ++i) {
+    const std::string where = "MPLC/RQPl[" + std::to_string(i + 1) + "]";
+    checkDoubles(plates[i].records, where + "/", findings);
+    const auto same = [&](const Document::Plate& other) { return other.name == plates[i].name; };
+    if (plates[i].name.empty()) {
+      findings.Add({Severity::kWarning, where, plates[i].offset, "the plate has no name",
+                    "it cannot be asked for by name, and two such plates not be told apart",
+                    "'vex study' takes plates out of studies and puts them in under a name"});
+    } else if (std::any_of(plates.begin(), plates.begin() + static_cast<std::ptrdiff_t>(i), same)) {
+      findings.Add({Severity::kWarning, where, plates[i].offset,
+                    "an earlier plate is called '" + Escaped(ToUtf8(plates[i].name)) + "', too",
+                    "whoever asks for the name gets the earlier one",
+                    "'vex study' takes plates out of studies and puts them in under a name"});
+    }
+  }
+}
+
+void checkStudy(const Document& document, Findings& findings) {
+  int index = 0;
+  bool hasPlates = false;
+  for (const Document::Record& record : document.Records()) {
+    hasPlates = hasPlates || record.tag == "MPLC";
+    if (!record.known) continue;
+    const CComponent* component = document.Content().GetComponent(index++);
+    if (component == nullptr || record.tag == "EOF ") continue;
+    if (document.Content().IsWritten(*component)) continue;
+    findings.Add({Severity::kNote, record.tag, record.offset, "a study does not keep such a record",
+                  "it is read, but the next save leaves it out", ""});
+  }
+  if (document.IsStudy() && !hasPlates) {
+    findings.Add({Severity::kNote, "header", 8, "a study without a record for its plates",
+                  "it has no plates", ""});
+  }
+  if (!document.IsStudy() && hasPlates) {
+    findings.Add({Severity::kNote, "header", 8, "there are plates, but the assay is no study's",
+                  "programs may not show the plates", ""});
+  }
+}
+
+}  // namespace
+
+Findings CheckDocument(const std::string& path) {
+  Findings findings;
+  if (const auto why = whyNoDocument(path)) {
+    findings.Add({Severity::kError, "header", 0, *why,
+                  "it is no plate document, and nothing of it is read",
+                  "when it was one, 'vex recover' looks for what is left of it"});
+    return findings;
+  }
+  const Document document(path);
+  DocumentFile file;
+  file.OpenDocument(path);
+  const HeaderFields header = ReadHeaderFields(file, 0);
+  CheckHeader(header, "header", 0, findings);
+  RecordCheck records(document, header, findings);
+  static_cast<void>(WalkRecords(file, records));
+  records.Finish();
+  CheckPositions(header, records.Positioned(), document, findings);
+  CheckEnd(file, document, header, records, findings);
+  checkDoubles(document.Records(), "", findings);
+  checkPlates(document, findings);
+  checkStudy(document, findings);
+  CheckMeaning(document, header, findings);
+  return findings;
+}
+
+}  // namespace vex2::lab

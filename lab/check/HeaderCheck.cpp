@@ -1,0 +1,202 @@
+#include "lab/check/HeaderCheck.h"
+
+#include <algorithm>
+#include <bit>
+
+#include "lab/Error.h"
+#include "lab/Text.h"
+#include "lab/model/FileLayout.h"
+
+namespace vex2::lab {
+
+namespace {
+
+constexpr unsigned kMaskBits = 32;
+constexpr const char* kRepairPosition = "'vex repair' makes it lead to the record";
+
+std::string dimensions(const HeaderFields& header) {
+  return std::to_string(header.rows) + " x " + std::to_string(header.columns);
+}
+
+void checkSize(const HeaderFields& header, const std::string& name, std::uint64_t offset,
+               Findings& findings) {
+  const std::uint64_t rowsAt = offset + HeaderLayout::kRowsAt;
+  if (header.rows > HeaderLayout::kMaxRows) {
+    findings.Add(
+        {Severity::kError, name, rowsAt,
+         "a plate of " + std::to_string(header.rows) + " rows, more than a header has room for",
+         "records are looked for behind the masks of all rows, and no save reads back",
+         "'vex recover' takes what it finds into a document of a possible plate"});
+    return;
+  }
+  const auto wells = WellsOfPlateType(header.plateType);
+  if (wells == 0) {
+    findings.Add({Severity::kNote, name, offset + HeaderLayout::kPlateTypeCodeAt,
+                  "the plate type '" + Escaped(ToUtf8(header.plateType)) +
+                      "' is none with a known number of wells",
+                  "analysis does not know how many wells there are", ""});
+  } else if (wells != header.Wells()) {
+    findings.Add({Severity::kWarning, name, rowsAt,
+                  "a plate of " + dimensions(header) + " wells, but the type '" +
+                      Escaped(ToUtf8(header.plateType)) + "' has " + std::to_string(wells),
+                  "analysis goes by the type, well names and masks by rows and columns", ""});
+  }
+}
+
+void checkUsage(const HeaderFields& header, const std::string& name, std::uint64_t offset,
+                Findings& findings) {
+  unsigned outside = 0;
+  for (const std::uint32_t mask : header.usage) {
+    if (header.columns >= kMaskBits) break;
+    outside += static_cast<unsigned>(std::popcount(mask >> header.columns));
+  }
+  if (outside == 0) return;
+  findings.Add({Severity::kWarning, name, offset + HeaderLayout::kUsageAt,
+                "the masks of wells in use have " + Counted(outside, "well") +
+                    " in columns that a plate of " + dimensions(header) + " has not",
+                "they count as in use wherever wells are counted", ""});
+}
+
+std::string leadsTo(std::uint32_t position, std::string_view tag) {
+  return "the header's position of " + std::string(tag) + " is " + std::to_string(position);
+}
+
+/// Where a position leads, and what stands there.
+struct Aim {
+  bool isTag = false;
+  bool isEnd = false;
+  const PositionedRecord* first = nullptr;  ///< of the kind; null when there is none
+};
+
+Aim aimOf(std::uint32_t position, std::string_view tag,
+          const std::vector<PositionedRecord>& records) {
+  Aim aim;
+  for (const PositionedRecord& record : records) {
+    if (record.tag != tag) continue;
+    if (aim.first == nullptr) aim.first = &record;
+    aim.isTag = aim.isTag || record.offset == position;
+    aim.isEnd = aim.isEnd || record.end == position || record.declaredEnd == position;
+  }
+  return aim;
+}
+
+// What a program does that appends to a run, going by a position that is not the tag's.
+std::string harmToRun(std::uint32_t position) {
+  return position == 0 ? "an instrument that goes on would write a second block, which no one reads"
+                       : "an instrument that goes on would write the block's length to byte " +
+                             std::to_string(position + 4);
+}
+
+void checkProgram(const HeaderFields& header, const Aim& aim, Findings& findings) {
+  const std::uint32_t position = header.programPosition;
+  if (position == 0 || aim.isTag) return;
+  const std::string what = leadsTo(position, "TPro");
+  if (aim.isEnd) {
+    findings.Add({Severity::kNote, "header", HeaderLayout::kProgramOffsetAt,
+                  what + ", just past the record, as a save of the whole document leaves it",
+                  "nothing; who wants the program looks for its tag", ""});
+  } else if (aim.first != nullptr) {
+    findings.Add(
+        {Severity::kError, "header", HeaderLayout::kProgramOffsetAt,
+         what + ", which is not where its record is, at byte " + std::to_string(aim.first->offset),
+         "a program that goes by it reads something else as the program", kRepairPosition});
+  } else {
+    findings.Add({Severity::kWarning, "header", HeaderLayout::kProgramOffsetAt,
+                  what + ", but there is no such record",
+                  "a program that goes by it reads something else as the program",
+                  "any save of the whole document with a program in it sets it"});
+  }
+}
+
+void checkRunningPosition(const HeaderFields& header, const Aim& aim, Findings& findings) {
+  const std::uint32_t position = header.rawDataPosition;
+  const std::string what = leadsTo(position, "RAWa");
+  const std::string block = std::to_string(aim.first->offset);
+  // A first commit that was interrupted, or a save of the whole document, leaves it so.
+  const bool isUsual = position == 0 || aim.isEnd;
+  findings.Add({isUsual ? Severity::kWarning : Severity::kError, "header",
+                HeaderLayout::kRawDataOffsetAt,
+                what +
+                    (aim.isEnd ? ", just past the block at byte " + block
+                               : ", but the block is at byte " + block) +
+                    ", and the run is in progress",
+                harmToRun(position),
+                "'vex repair' makes it lead to the block; 'vex record --resume' does so, too"});
+}
+
+// Whether bytes behind the last record may be a block that is only not read.
+bool mayHideBlock(const Document& document) {
+  return document.StrayOffset() + kRecordHeadSize <= document.Size();
+}
+
+void checkRawData(const HeaderFields& header, const Aim& aim, const Document& document,
+                  Findings& findings) {
+  const bool isStudy = document.IsStudy();
+  const std::uint32_t position = header.rawDataPosition;
+  if (aim.isTag || (position == 0 && aim.first == nullptr)) return;
+  if (aim.first != nullptr && header.IsRunning() && !isStudy) {
+    return checkRunningPosition(header, aim, findings);
+  }
+  const std::string what = leadsTo(position, "RAWa");
+  if (aim.first == nullptr) {
+    const bool isHarm = header.IsRunning() && !isStudy;
+    findings.Add({isStudy  ? Severity::kNote
+                  : isHarm ? Severity::kError
+                           : Severity::kWarning,
+                  "header", HeaderLayout::kRawDataOffsetAt, what + ", but there is no such record",
+                  isStudy  ? "nothing; a study keeps no block of its own"
+                  : isHarm ? "frames that an instrument commits would stand behind no block"
+                           : "who reads single frames from the file finds something else",
+                  isStudy                  ? ""
+                  : mayHideBlock(document) ? "'vex recover' looks for the block"
+                                           : "'vex repair' makes it 0"});
+    return;
+  }
+  if (position == 0 || aim.isEnd) {
+    findings.Add(
+        {Severity::kNote, "header", HeaderLayout::kRawDataOffsetAt,
+         what + (aim.isEnd ? ", just past the block, as a save of the whole document leaves it"
+                           : ", though there is a block"),
+         "who reads single frames from the file without a document finds none", ""});
+    return;
+  }
+  findings.Add(
+      {Severity::kError, "header", HeaderLayout::kRawDataOffsetAt,
+       what + ", which is not where the block is, at byte " + std::to_string(aim.first->offset),
+       "who reads single frames from the file reads something else as readings", kRepairPosition});
+}
+
+// Frames are appended to the file, so that what stands behind the block would part it from them.
+void checkLast(const HeaderFields& header, const Document& document, Findings& findings) {
+  const auto& records = document.Records();
+  if (!header.IsRunning() || document.IsStudy() || records.empty()) return;
+  const auto block = std::find_if(records.begin(), records.end(),
+                                  [](const auto& record) { return record.tag == "RAWa"; });
+  if (block == records.end() || block + 1 == records.end()) return;
+  findings.Add(
+      {Severity::kWarning, "RAWa", block->offset,
+       "the run is in progress, and " + Counted(records.end() - block - 1, "record") +
+           (records.end() - block == 2 ? " stands" : " stand") + " behind its block",
+       "a frame that is committed would stand behind them, and the block's length be wrong",
+       "when the run is over, set the status: vex status FILE DONE"});
+}
+
+}  // namespace
+
+void CheckHeader(const HeaderFields& header, const std::string& name, std::uint64_t offset,
+                 Findings& findings) {
+  checkSize(header, name, offset, findings);
+  checkUsage(header, name, offset, findings);
+}
+
+void CheckPositions(const HeaderFields& header, const std::vector<PositionedRecord>& records,
+                    const Document& document, Findings& findings) {
+  checkProgram(header, aimOf(header.programPosition, "TPro", records), findings);
+  // A block that could not be read to its end is where a position may well lead.
+  if (!document.Fault()) {
+    checkRawData(header, aimOf(header.rawDataPosition, "RAWa", records), document, findings);
+  }
+  checkLast(header, document, findings);
+}
+
+}  // namespace vex2::lab

@@ -1,0 +1,235 @@
+#include "lab/check/MeaningCheck.h"
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <optional>
+#include <set>
+
+#include "lab/Error.h"
+#include "lab/Text.h"
+#include "lab/model/DocumentPlates.h"
+#include "lab/model/PlateContents.h"
+#include "lab/model/RunLog.h"
+#include "vex2/run/AcquisitionDataComp.h"
+
+namespace vex2::lab {
+
+namespace {
+
+constexpr std::array<std::string_view, 3> kStatuses = {"ZERO", "PROG", "DONE"};
+constexpr std::array<std::string_view, 7> kTasks = {"UNKN", "STND", "NTC", "IPC",
+                                                    "IPC+", "ENDO", "TRGT"};
+constexpr std::string_view kBlock = "RAWa";
+constexpr std::string_view kSetup = "CELS";
+constexpr std::uint16_t kHottest = 12000;  // hundredths of a degree: above, water has boiled off
+constexpr const char* kSetWells = "'vex wells FILE --from wells.csv' sets the wells up anew";
+
+std::string shown(std::string_view text) {
+  return "'" + Escaped(ToUtf8(text)) + "'";
+}
+
+/// Wells that have something in common, to be named in a finding.
+class WellList {
+ public:
+  void Add(unsigned well) { wells_.insert(well); }
+  bool IsEmpty() const { return wells_.empty(); }
+
+  std::string Text(const PlateLayout& plate) const {
+    constexpr std::size_t kMostNamed = 6;
+    std::string names;
+    std::size_t named = 0;
+    for (const unsigned well : wells_) {
+      if (named++ == kMostNamed) break;
+      names += " " + plate.NameOf(well);
+    }
+    return Counted(wells_.size(), "well") + " (" + names.substr(1) +
+           (wells_.size() > kMostNamed ? " ..." : "") + ")";
+  }
+
+ private:
+  std::set<unsigned> wells_;
+};
+
+/// A kind of fault that a frame may have: how often it was met, and where first.
+struct FrameFault {
+  std::uint64_t count = 0;
+  int first = 0;
+
+  void Note(int frame) {
+    if (count++ == 0) first = frame;
+  }
+};
+
+class PlateCheck {
+ public:
+  PlateCheck(Document::Plate plate, std::string within, Findings& findings)
+      : plate_(std::move(plate)),
+        within_(std::move(within)),
+        findings_(findings),
+        contents_(ContentsOf(*plate_.content)),
+        block_(FindBlock(plate_, kBlock)) {}
+
+  void Check() {
+    if (plate_.content->GetPlateSetupComp() != nullptr) checkSetup();
+    if (block_ != nullptr) checkRecording();
+  }
+
+ private:
+  void add(Severity severity, std::string_view tag, std::string problem, std::string consequence,
+           std::string remedy) {
+    const auto record = std::find_if(plate_.records.begin(), plate_.records.end(),
+                                     [&](const auto& each) { return each.tag == tag; });
+    const std::uint64_t offset = record == plate_.records.end() ? plate_.offset : record->offset;
+    findings_.Add({severity, within_ + std::string(tag), offset, std::move(problem),
+                   std::move(consequence), std::move(remedy)});
+  }
+
+  void checkSetup() {
+    std::set<std::string> listed;
+    for (const Vex2Detector& detector : DetectorsOf(*plate_.content)) {
+      listed.insert(std::string(detector.name.View()));
+    }
+    std::map<std::string, WellList> strangers;
+    std::map<std::string, WellList> tasks;
+    for (const WellRow& row : contents_.rows) {
+      if (!row.target.empty() && !listed.contains(row.target)) strangers[row.target].Add(row.well);
+      const bool isKnown = std::find(kTasks.begin(), kTasks.end(), row.task) != kTasks.end();
+      if (!row.task.empty() && !isKnown) tasks[row.task].Add(row.well);
+    }
+    for (const auto& [name, wells] : strangers) {
+      add(Severity::kWarning, kSetup,
+          "the detector " + shown(name) + " of " + wells.Text(contents_.plate) +
+              " is not in the document's list of detectors",
+          "nobody knows its dyes and settings", kSetWells);
+    }
+    for (const auto& [task, wells] : tasks) {
+      add(Severity::kWarning, kSetup,
+          "the task " + shown(task) + " of " + wells.Text(contents_.plate) +
+              " is none of UNKN, STND, NTC, IPC, IPC+, ENDO, TRGT",
+          "an analysis does not know what the wells are for", kSetWells);
+    }
+    checkMeasuredWells();
+  }
+
+  void checkMeasuredWells() {
+    if (block_ == nullptr) return;
+    const auto wells = contents_.Wells();
+    WellList strangers;
+    for (const std::uint16_t well : block_->GetWellNumbers()) {
+      if (!std::binary_search(wells.begin(), wells.end(), well)) strangers.Add(well);
+    }
+    if (strangers.IsEmpty()) return;
+    add(Severity::kWarning, kBlock,
+        strangers.Text(contents_.plate) + " measured, but not set up: no sample and no detector",
+        "nobody knows what the readings are of", kSetWells);
+  }
+
+  void checkRecording() {
+    const RecordedReadings readings(*plate_.content, kBlock);
+    if (!readings.Log()) return;
+    const auto frames = static_cast<std::uint64_t>(std::max(block_->GetFrameCount(), 0));
+    const auto count = static_cast<int>(std::min(frames, readings.Log()->frames.value_or(frames)));
+    for (int frame = 0; frame < count; ++frame) checkFrame(frame, readings);
+    tellFrames();
+  }
+
+  void checkFrame(int frame, const RecordedReadings& readings) {
+    const Vex2WellRecord* records = block_->GetFrame(frame);
+    if (records == nullptr) return;
+    std::optional<RunReading> earliest;
+    std::size_t position = 0;
+    for (const std::uint16_t well : block_->GetWellNumbers()) {
+      const Vex2WellRecord& record = records[position++];
+      if (record == Vex2WellRecord()) continue;  // the well gave nothing
+      const auto reading = readings.Read(record, static_cast<std::uint64_t>(frame));
+      if (!reading) {
+        foreign_.Note(frame);
+        foreignWells_.Add(well);
+        continue;
+      }
+      if (reading->temperature > kHottest) hot_.Note(frame);
+      if (!earliest || reading->time < earliest->time) earliest = reading;
+    }
+    if (earliest) checkOrder(frame, *earliest);
+  }
+
+  void checkOrder(int frame, const RunReading& reading) {
+    if (reading.time < lastTime_) early_.Note(frame);
+    lastTime_ = reading.time;
+    std::uint16_t& last = reading.melting ? lastMelting_ : lastCycle_;
+    if (reading.cycle <= last) disordered_.Note(frame);
+    last = reading.cycle;
+  }
+
+  void tellFrames() {
+    const auto at = [](const FrameFault& fault) { return std::to_string(fault.first); };
+    if (foreign_.count > 0) {
+      add(Severity::kError, kBlock,
+          Counted(foreign_.count, "reading") + " of " + foreignWells_.Text(contents_.plate) +
+              " are not what the recorder that the log names writes, the first in frame " +
+              at(foreign_),
+          "their bytes were changed after the recording; 'vex export' leaves them empty",
+          "take the run from a backup, or record it again from its readings");
+    }
+    const char* const kLook = "'vex export' shows them: see whether the readings were right";
+    if (hot_.count > 0) {
+      add(Severity::kWarning, kBlock,
+          Counted(hot_.count, "reading") + " above 120 C, the first in frame " + at(hot_),
+          "no plate is as hot: temperatures, and what is computed from them, are wrong", kLook);
+    }
+    if (early_.count > 0) {
+      add(Severity::kWarning, kBlock,
+          Counted(early_.count, "frame") +
+              " with a time before that of the frame before, the first "
+              "is frame " +
+              at(early_),
+          "what goes by times sees the frames in another order", kLook);
+    }
+    if (disordered_.count > 0) {
+      add(Severity::kWarning, kBlock,
+          Counted(disordered_.count, "frame") +
+              " with a cycle that does not follow that of the "
+              "frame before, the first is frame " +
+              at(disordered_),
+          "what goes by cycles sees the frames in another order", kLook);
+    }
+  }
+
+  Document::Plate plate_;
+  std::string within_;
+  Findings& findings_;
+  PlateContents contents_;
+  const AcquisitionDataComp* block_;
+  FrameFault foreign_;
+  WellList foreignWells_;
+  FrameFault hot_;
+  FrameFault early_;
+  FrameFault disordered_;
+  std::uint32_t lastTime_ = 0;
+  std::uint16_t lastCycle_ = 0;
+  std::uint16_t lastMelting_ = 0;
+};
+
+void checkStatus(const HeaderFields& header, Findings& findings) {
+  if (std::find(kStatuses.begin(), kStatuses.end(), header.status) != kStatuses.end()) return;
+  findings.Add({Severity::kWarning, "header", HeaderLayout::kStatusAt,
+                "the acquisition status " + shown(header.status) + " is none of ZERO, PROG, DONE",
+                "nobody can tell whether the run is over",
+                "'vex status FILE DONE' sets it when the run is over"});
+}
+
+}  // namespace
+
+void CheckMeaning(const Document& document, const HeaderFields& header, Findings& findings) {
+  if (!document.IsStudy()) {
+    checkStatus(header, findings);
+    PlateCheck(document.Itself(), "", findings).Check();
+  }
+  const auto& plates = document.Plates();
+  for (std::size_t i = 0; i < plates.size(); ++i) {
+    PlateCheck(plates[i], "MPLC/RQPl[" + std::to_string(i + 1) + "]/", findings).Check();
+  }
+}
+
+}  // namespace vex2::lab

@@ -1,0 +1,258 @@
+#include "lab/check/RecordCheck.h"
+
+#include <algorithm>
+#include <set>
+
+#include "lab/Error.h"
+#include "lab/Text.h"
+#include "lab/check/HeaderCheck.h"
+#include "lab/model/FileLayout.h"
+
+namespace vex2::lab {
+
+namespace {
+
+constexpr std::uint16_t kFirstVersionThatReadsBack = 2;
+
+std::string shown(std::string_view tag) {
+  return Escaped(ToUtf8(tag));
+}
+
+// Of kinds that declare something else on purpose.
+bool isFreeInLength(BodyLayout layout) {
+  return layout == BodyLayout::kPlate || layout == BodyLayout::kData;
+}
+
+}  // namespace
+
+RecordCheck::RecordCheck(const Document& document, const HeaderFields& header, Findings& findings)
+    : document_(document), findings_(findings), plate_(header) {}
+
+// A frame that was not committed may look like records.
+bool RecordCheck::isStray(const FileRecord& record) const {
+  return record.offset >= document_.StrayOffset();
+}
+
+void RecordCheck::Begin(const FileRecord& record, CFile& file) {
+  if (isStray(record)) return;
+  levels_.resize(static_cast<std::size_t>(record.depth) - 1);
+  const bool known = IsKnownTag(record.Tag());
+  if (!levels_.empty() && record.kind->layout == BodyLayout::kPlate) ++levels_.back().plates;
+  levels_.push_back({record, 0, 0, record.Tag() == "MPLC", known});
+  if (!known) return checkUnknown(record);
+  switch (record.kind->layout) {
+    case BodyLayout::kText:
+      for (Level& level : levels_) ++level.texts;
+      break;
+    case BodyLayout::kPlate:
+      for (Level& level : levels_) level.holdsPlates = true;
+      plate_ = ReadHeaderFields(file, record.BodyOffset() + 2);
+      CheckHeader(plate_, path(levels_.size()) + "/header", record.BodyOffset() + 2, findings_);
+      break;
+    case BodyLayout::kData:
+      if (record.length > 0) checkBlock(record, file);
+      break;
+    default:
+      if (record.Tag() == "CELS") checkCells(record, file);
+  }
+}
+
+void RecordCheck::End(const FileRecord& record) {
+  if (isStray(record) || levels_.size() < static_cast<std::size_t>(record.depth)) return;
+  levels_.resize(static_cast<std::size_t>(record.depth));
+  Level& level = levels_.back();
+  level.record.end = record.end;
+  checkLength(level);
+  if (record.depth == 1 && (record.Tag() == "TPro" || record.Tag() == "RAWa")) {
+    positioned_.push_back(
+        {std::string(record.Tag()), record.offset, record.end, record.DeclaredEnd()});
+  }
+  levels_.pop_back();
+}
+
+void RecordCheck::Pass(std::uint64_t offset) {
+  constexpr std::uint64_t kPassed = 4;
+  const bool goesOn = passedEnd_ == offset;
+  passedEnd_ = offset + kPassed;
+  hasGaps_ = true;
+  if (goesOn || levels_.empty()) return;
+  findings_.Add({Severity::kWarning, path(levels_.size()), offset,
+                 "bytes in a plate that begin no known record",
+                 "they are passed over four by four, a save drops them, and one that looks like a "
+                 "record within them would be taken for one",
+                 "have the program that wrote the plate save it alone, and add it again"});
+}
+
+std::string RecordCheck::NameAt(std::uint64_t offset) const {
+  for (std::size_t i = 0; i < levels_.size(); ++i) {
+    if (levels_[i].record.offset == offset) return path(i + 1);
+  }
+  // The reader may give up before a record that could be walked over.
+  for (const Document::Record& record : document_.Records()) {
+    if (record.offset == offset) return shown(record.tag);
+  }
+  return "";
+}
+
+std::string RecordCheck::path(std::size_t levels) const {
+  std::string text;
+  for (std::size_t i = 0; i < levels; ++i) {
+    if (i > 0) text += "/";
+    text += shown(levels_[i].record.Tag());
+    if (i > 0 && levels_[i].record.kind->layout == BodyLayout::kPlate) {
+      text += "[" + std::to_string(levels_[i - 1].plates) + "]";
+    }
+  }
+  return text;
+}
+
+void RecordCheck::add(Severity severity, std::string problem, std::string consequence,
+                      std::string remedy) {
+  findings_.Add({severity, path(levels_.size()), levels_.back().record.offset, std::move(problem),
+                 std::move(consequence), std::move(remedy)});
+}
+
+void RecordCheck::checkUnknown(const FileRecord& record) {
+  if (levels_.size() > 1 && !levels_.front().known) return;
+  if (!IsPlain(record.Tag())) return checkNoRecord(record);
+  const std::string size = Counted(record.length, "byte");
+  if (record.depth == 1) {
+    return add(Severity::kWarning, "a record of no known kind, of " + size,
+               "the reader leaves it out, and so does the next save",
+               "nothing to do, unless another program counts on it: then do not save it here");
+  }
+  add(Severity::kWarning, "a record of no known kind within another, of " + size,
+      "the reader keeps its tag and length; the next save makes its bytes zeros",
+      "nothing to do, unless another program counts on it: then do not save it here");
+}
+
+// Within a list, each eight bytes of a damaged stretch are taken for a record: the first is told.
+void RecordCheck::checkNoRecord(const FileRecord& record) {
+  hasGaps_ = true;
+  const bool goesOn = garbageEnd_ == record.offset;
+  garbageEnd_ = record.DeclaredEnd();
+  if (record.depth == 1) {
+    return add(Severity::kError, "these bytes are no record, and known ones follow",
+               "the reader steps over " + Counted(record.length, "byte") +
+                   " and may miss what stood there; the next save drops them",
+               "'vex recover' looks for records among them");
+  }
+  if (goesOn) return;
+  findings_.Add({Severity::kError, path(levels_.size() - 1), record.offset,
+                 "from here on there are bytes that are no records",
+                 "the reader takes them for records of the list, and loses those behind them",
+                 "'vex recover' looks for records among and behind them"});
+}
+
+void RecordCheck::Finish() {
+  // Where bytes between records are none, a length may be right and what follows wrong.
+  const char* remedy = hasGaps_ ? "'vex recover' takes what is whole into a new document"
+                                : "'vex repair' sets the length to what the record holds";
+  for (Finding& finding : lengths_) {
+    finding.remedy = remedy;
+    findings_.Add(std::move(finding));
+  }
+  lengths_.clear();
+}
+
+void RecordCheck::checkLength(const Level& level) {
+  const FileRecord& record = level.record;
+  if (record.length == 0 || level.holdsPlates || isFreeInLength(record.kind->layout)) return;
+  const std::uint64_t held = record.end - record.BodyOffset();
+  if (held == record.length) return;
+  wrongLengths_.push_back({path(levels_.size()), record.offset, record.length, held});
+  const std::string lengths = "its length is " + std::to_string(record.length) +
+                              ", but what it holds takes " + Counted(held, "byte");
+  const auto tell = [&](Severity severity, const char* how, const char* consequence) {
+    Finding finding = {severity,      path(levels_.size()), record.offset,
+                       lengths + how, consequence,          ""};
+    if (lengths_.size() >= Findings::kMost) return findings_.Add(std::move(finding));
+    lengths_.push_back(std::move(finding));
+  };
+  if (record.length < held) {
+    return tell(Severity::kError, ", so that the records overlap",
+                "this library reads it by what it holds, but who goes by lengths takes the rest "
+                "for the next record, as one does who replaces a reporting block");
+  }
+  // A text that ends in a zero byte loses it when it is read; the lists around it keep their
+  // length.
+  const bool isUsual =
+      record.length - held <= level.texts &&
+      (record.kind->layout == BodyLayout::kList || record.kind->layout == BodyLayout::kCell);
+  if (isUsual) {
+    return tell(Severity::kWarning, ", as lists do whose texts lost a zero byte",
+                "this library reads it by what it holds; who goes by lengths loses the records "
+                "behind it");
+  }
+  tell(Severity::kError, ", so that it reaches over what follows",
+       "this library reads it by what it holds, but reads the less at the end of the file; who "
+       "goes by lengths loses the records behind it");
+}
+
+void RecordCheck::checkCells(const FileRecord& record, CFile& file) {
+  if (record.length == 0) return;
+  file.Seek(static_cast<std::int64_t>(record.BodyOffset()), CFile::begin);
+  const std::uint32_t cells = ReadShort(file).value_or(0);
+  if (cells == plate_.Wells()) return;
+  add(Severity::kNote,
+      "it sets up " + Counted(cells, "well") + ", and the plate has " +
+          std::to_string(plate_.Wells()),
+      cells < plate_.Wells() ? "the other wells are empty" : "the others are kept, and not shown");
+}
+
+void RecordCheck::checkBlock(const FileRecord& record, CFile& file) {
+  const auto head = ReadStoredBlock(file, record);
+  if (!head) return;  // the walk ends here, and says so
+  if (head->version < kFirstVersionThatReadsBack) {
+    add(Severity::kWarning, "a data block of version " + std::to_string(head->version),
+        "it is read, but would not read back once it was saved",
+        "'vex copy --upgrade' makes a document of it that is safe to save");
+  } else if (head->timeBlockSize != kTimeBlockSize) {
+    add(Severity::kError,
+        "its time block is of " + Counted(head->timeBlockSize, "byte") + ", not 12",
+        "the document is read right, but who reads single frames from the file finds other wells",
+        "'vex recover' writes the block anew");
+  }
+  checkWells(*head);
+  const FrameFit fit = FitFrames(record, *head, record.DeclaredEnd());
+  if (head->wells.empty() && record.length > fit.headSize - 8) {
+    add(Severity::kError, "it has no wells, but a length of " + std::to_string(record.length),
+        "nothing in it is read, and the next record is looked for at byte " +
+            std::to_string(head->firstFrame),
+        "'vex recover' looks for what is left");
+  }
+  const bool isShort = record.DeclaredEnd() < head->firstFrame;
+  if (!isShort && fit.countedRest == 0) return;
+  // That its well numbers were counted as frames is seen by who reads it, as too few frames.
+  add(Severity::kError,
+      isShort ? "its length ends before its first frame"
+              : "its length counts " + Counted(fit.counted, "frame") + " and " +
+                    std::to_string(fit.countedRest) + " of the " + std::to_string(head->frameSize) +
+                    " bytes of another",
+      "the half frame is not read, and the next record is looked for in it",
+      "'vex repair' sets the length to whole frames where the block is the last record");
+}
+
+void RecordCheck::checkWells(const StoredBlock& head) {
+  std::set<std::uint16_t> wells;
+  std::size_t doubles = 0;
+  std::size_t outside = 0;
+  for (const std::uint16_t well : head.wells) {
+    if (!wells.insert(well).second) ++doubles;
+    if (well == 0 || (plate_.Wells() > 0 && well > plate_.Wells())) ++outside;
+  }
+  if (doubles > 0) {
+    add(Severity::kWarning,
+        std::to_string(doubles) + " of its wells " + (doubles == 1 ? "stands" : "stand") +
+            " in it twice",
+        "only the first reading of such a well is found by its number");
+  }
+  if (outside > 0) {
+    add(Severity::kWarning,
+        std::to_string(outside) + " of its wells " + (outside == 1 ? "is" : "are") +
+            " on no plate of " + std::to_string(plate_.Wells()) + " wells",
+        "their readings are kept, and found under no well of the plate");
+  }
+}
+
+}  // namespace vex2::lab

@@ -1,0 +1,66 @@
+// The writing part of a repair.
+
+#include <algorithm>
+#include <vector>
+
+#include "lab/Error.h"
+#include "lab/check/Repair.h"
+#include "lab/model/FileContent.h"
+#include "lab/model/FileLayout.h"
+#include "lab/model/RawFile.h"
+#include "vex2/framework/Backup.h"
+#include "vex2/framework/CFile.h"
+#include "vex2/framework/CFileException.h"
+
+namespace vex2::lab {
+
+namespace {
+
+constexpr std::size_t kChunk = CFile::kBufferSize;
+constexpr std::uint64_t kWordSize = 4;
+
+// Called while the document is locked, so that the library changes it no more. Where a rename
+// cannot serve, it has been emptied by now.
+void requireUnchanged(const std::string& path, const std::string& backup) {
+  const auto now = ContentOf(path);
+  if (now && (now->size == 0 || now == ContentOf(backup))) return;
+  throw Error(ErrorCode::kDocument, path,
+              "another program has changed it meanwhile, and it was left alone; run the command "
+              "again");
+}
+
+}  // namespace
+
+std::string BackUp(const std::string& path) {
+  try {
+    return BackUpFile(path);
+  } catch (const CFileException& failure) {
+    throw SystemError(failure.GetPath(), failure.GetError());
+  }
+}
+
+void ApplyRepair(const RepairPlan& plan, const std::string& backup, const std::string& path) {
+  CFile source;
+  OpenToRead(source, backup);
+  NewFile target(path);
+  requireUnchanged(path, backup);
+  const std::uint64_t size = plan.newSize.value_or(plan.size);
+  std::vector<std::uint8_t> bytes(kChunk);
+  for (std::uint64_t done = 0; done < size;) {
+    const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(kChunk, size - done));
+    if (source.Read(bytes.data(), count) != count) {
+      throw Error(ErrorCode::kSystem, backup, "it changed while it was read", done);
+    }
+    target.Write(bytes.data(), count);
+    done += count;
+  }
+  for (const RepairPlan::Patch& patch : plan.patches) {
+    if (patch.offset + kWordSize > size) continue;
+    const auto word = LongBytes(patch.after);
+    target.Seek(static_cast<std::int64_t>(patch.offset), CFile::begin);
+    target.Write(word.data(), word.size());
+  }
+  target.PutInPlace();
+}
+
+}  // namespace vex2::lab

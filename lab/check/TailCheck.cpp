@@ -1,0 +1,158 @@
+#include "lab/check/TailCheck.h"
+
+#include <algorithm>
+
+#include "lab/Text.h"
+#include "lab/model/FileLayout.h"
+
+namespace vex2::lab {
+
+namespace {
+
+constexpr std::string_view kBlock = "RAWa";
+constexpr const char* kRecover = "'vex recover' takes what is whole into a new document";
+constexpr const char* kNotCommitted =
+    "none of the committed frames is lost; an instrument that appends here without looking would "
+    "spoil its frames";
+constexpr const char* kResume = "'vex record --resume' and 'vex repair' cut it off";
+
+std::string textAt(CFile& file, std::uint64_t offset) {
+  std::array<char, 4> text{};
+  file.Seek(static_cast<std::int64_t>(offset), CFile::begin);
+  return {text.data(), file.Read(text.data(), text.size())};
+}
+
+// The file ends before the block does.
+void checkCutBlock(CFile& file, const Document& document, const HeaderFields& header,
+                   const FileFault& fault, Findings& findings) {
+  const auto block = FindLastBlock(file, document);
+  if (header.IsUnfinished() && header.rawDataPosition == 0) {
+    findings.Add({Severity::kWarning, std::string(kBlock), fault.offset,
+                  "a block that the header does not lead to, cut short: its first commit was "
+                  "interrupted",
+                  "nothing that was committed is lost; an instrument that goes on would write a "
+                  "second block behind it",
+                  kResume});
+    return;
+  }
+  const bool canMend = block && block->head.version >= 2;
+  findings.Add(
+      {Severity::kError, std::string(kBlock), fault.offset, fault.what,
+       "no frame of the block is read, not even the whole ones",
+       canMend ? "'vex repair' sets the length to the whole frames that are there" : kRecover});
+}
+
+void checkFault(CFile& file, const Document& document, const HeaderFields& header,
+                const RecordCheck& records, Findings& findings) {
+  const FileFault& fault = *document.Fault();
+  const auto& own = document.Records();
+  const bool isBlock =
+      !own.empty() && own.back().tag == kBlock && own.back().offset == fault.offset;
+  if (isBlock) return checkCutBlock(file, document, header, fault, findings);
+  const std::uint64_t lost = document.Size() - std::min(document.Size(), fault.offset);
+  const std::string name = own.empty() ? "header" : records.NameAt(fault.offset);
+  findings.Add({Severity::kError, name, fault.offset, fault.what,
+                lost == 0 ? "the document has no records"
+                          : "nothing is read from there on: " + std::to_string(lost) + " of " +
+                                Counted(document.Size(), "byte"),
+                kRecover});
+}
+
+void checkBehindBlock(const LastBlock& block, const Document& document, const HeaderFields& header,
+                      Findings& findings) {
+  const std::uint64_t from = document.StrayOffset();
+  const std::uint64_t bytes = document.Size() - from;
+  const std::uint64_t whole = bytes / block.head.frameSize;
+  const std::uint64_t rest = bytes % block.head.frameSize;
+  const std::string halfText = std::to_string(rest) + " of the " +
+                               std::to_string(block.head.frameSize) + " bytes of a frame";
+  if (header.IsUnfinished() && bytes <= block.head.frameSize) {
+    findings.Add({Severity::kWarning, std::string(kBlock), from,
+                  (whole == 1 ? "a whole frame follows" : halfText + " follow") +
+                      " the block's length: a commit was interrupted",
+                  kNotCommitted,
+                  whole == 1 ? "'vex repair' counts it when each well has a reading in it; 'vex "
+                               "record --resume' cuts it off and records it again"
+                             : kResume});
+    return;
+  }
+  if (whole == 0) {
+    findings.Add({Severity::kError, std::string(kBlock), from,
+                  halfText + " follow the block's length",
+                  "they are not read, and a save drops them", "'vex repair' cuts them off"});
+    return;
+  }
+  findings.Add({Severity::kError, std::string(kBlock), from,
+                Counted(whole, "whole frame") + (rest > 0 ? " and " + halfText : "") +
+                    (whole == 1 && rest == 0 ? " follows" : " follow") + " the block's length",
+                "the block is read with " + Counted(block.head.frameCount, "frame") +
+                    ", and a save drops the others",
+                "'vex repair' counts those in which each well has a reading"});
+}
+
+void checkStray(CFile& file, const Document& document, const HeaderFields& header,
+                Findings& findings) {
+  const std::uint64_t from = document.StrayOffset();
+  const std::uint64_t bytes = document.Size() - from;
+  if (bytes == 0) return;
+  if (const auto block = FindLastBlock(file, document)) {
+    return checkBehindBlock(*block, document, header, findings);
+  }
+  if (IsFirstCommit(file, document, header)) {
+    findings.Add({Severity::kWarning, "", from,
+                  Counted(bytes, "byte") + " of a block without its tag follow the last record: a "
+                                           "first commit was interrupted",
+                  kNotCommitted, kResume});
+    return;
+  }
+  const bool canHide = bytes >= kRecordHeadSize;
+  findings.Add(
+      {canHide ? Severity::kError : Severity::kWarning, "", from,
+       Counted(bytes, "byte") + (bytes == 1 ? " follows" : " follow") +
+           " the last record, and begin none that is known",
+       canHide ? "they are not read, a save drops them, and there may be records in them"
+               : "too few for a record; they are not read, and a save drops them",
+       canHide ? "'vex recover' looks for records in them" : "'vex repair' cuts them off"});
+}
+
+}  // namespace
+
+// A block gets its tag when all of it is on the disk, and then the header leads to it.
+bool IsFirstCommit(CFile& file, const Document& document, const HeaderFields& header) {
+  const auto& records = document.Records();
+  const bool hasBlock = std::any_of(records.begin(), records.end(),
+                                    [](const auto& record) { return record.tag == kBlock; });
+  if (hasBlock || !header.IsUnfinished() || header.rawDataPosition != 0) return false;
+  constexpr std::uint64_t kBlockHead = 26;
+  constexpr std::uint64_t kBytesOfWell = 82;  // its number and its reading
+  const std::uint64_t from = document.StrayOffset();
+  const std::uint64_t bytes = document.Size() - from;
+  if (bytes == 0 || bytes > kBlockHead + kBytesOfWell * header.Wells()) return false;
+  const std::string begin = textAt(file, from);
+  return begin == kBlock.substr(0, begin.size()) || begin == std::string(begin.size(), '\0');
+}
+
+std::optional<LastBlock> FindLastBlock(CFile& file, const Document& document) {
+  const auto& records = document.Records();
+  if (records.empty() || records.back().tag != kBlock || records.back().length == 0) {
+    return std::nullopt;
+  }
+  LastBlock block;
+  block.record.offset = records.back().offset;
+  block.record.length = records.back().length;
+  auto head = ReadStoredBlock(file, block.record);
+  if (!head || head->frameSize == 0) return std::nullopt;
+  block.head = std::move(*head);
+  return block;
+}
+
+void CheckEnd(CFile& file, const Document& document, const HeaderFields& header,
+              const RecordCheck& records, Findings& findings) {
+  if (document.Fault()) {
+    checkFault(file, document, header, records, findings);
+  } else {
+    checkStray(file, document, header, findings);
+  }
+}
+
+}  // namespace vex2::lab

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <optional>
+
+#include "lab/check/Findings.h"
+#include "lab/check/RecordCheck.h"
+#include "lab/model/DataBlock.h"
+#include "lab/model/Document.h"
+#include "lab/model/HeaderFields.h"
+
+namespace vex2::lab {
+
+/// The block that frames are appended to, where a document ends with it.
+struct LastBlock {
+  FileRecord record;
+  StoredBlock head;
+};
+
+/// That of the open document; nothing when another record is the last one, or the block has no
+/// wells or ends before its frames.
+std::optional<LastBlock> FindLastBlock(CFile& file, const Document& document);
+
+/// Whether what follows the last record is a block that a first commit was writing when it was
+/// interrupted: without its tag, and no larger than a block of one frame.
+bool IsFirstCommit(CFile& file, const Document& document, const HeaderFields& header);
+
+/// Adds what is wrong with the end of a document: where the reader gives up before it, and bytes
+/// behind the last record. What an interrupted commit leaves there is a warning: nothing that was
+/// committed is lost.
+void CheckEnd(CFile& file, const Document& document, const HeaderFields& header,
+              const RecordCheck& records, Findings& findings);
+
+}  // namespace vex2::lab

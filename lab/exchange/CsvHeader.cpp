@@ -1,0 +1,112 @@
+#include "lab/exchange/CsvHeader.h"
+
+#include <algorithm>
+#include <array>
+#include <tuple>
+
+namespace vex2::lab {
+
+namespace {
+
+constexpr std::array<char, 3> kDelimiters = {',', ';', '\t'};
+
+char lower(char letter) {
+  return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+}
+
+bool isSameName(std::string_view one, std::string_view other) {
+  return std::equal(one.begin(), one.end(), other.begin(), other.end(),
+                    [](char a, char b) { return lower(a) == lower(b); });
+}
+
+CsvSplitter::Row namesIn(std::string_view line, char delimiter) {
+  CsvSplitter splitter(delimiter);
+  if (!splitter.Feed(line) || !splitter.Finish()) return {};
+  auto rows = splitter.Take();
+  return rows.empty() ? CsvSplitter::Row() : std::move(rows.front());
+}
+
+}  // namespace
+
+// A name that was given stands for the column as it is written, if it is there so; else, and
+// without one, upper and lower case are the same.
+std::vector<std::size_t> CsvHeader::placesOf(std::string_view column,
+                                             const CsvSplitter::Row& names) const {
+  const auto given = given_.find(column);
+  const bool isGiven = given != given_.end();
+  const std::string_view name = isGiven ? std::string_view(given->second) : column;
+  std::vector<std::size_t> exact;
+  std::vector<std::size_t> alike;
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    if (names[i] == name) exact.push_back(i);
+    if (isSameName(names[i], name)) alike.push_back(i);
+  }
+  return isGiven && !exact.empty() ? exact : alike;
+}
+
+std::string CsvHeader::whyMissing(std::string_view column, const CsvSplitter::Row& names) const {
+  constexpr std::size_t kMostShown = 12;
+  const auto given = given_.find(column);
+  const bool isGiven = given != given_.end();
+  std::string had;
+  for (std::size_t i = 0; i < std::min(names.size(), kMostShown); ++i) {
+    had += (i == 0 ? "" : ", ") + Quoted(names[i]);
+  }
+  if (names.size() > kMostShown) had += ", ...";
+  return "has no column " + Quoted(isGiven ? given->second : column) + " (it has " + had +
+         "); the first row must name the columns, and '--columns " + std::string(column) +
+         "=NAME' tells another name";
+}
+
+std::optional<std::string> CsvHeader::Find(const CsvSplitter::Row& names) {
+  width_ = names.size();
+  places_.clear();
+  for (const std::string_view column : columns_) {
+    const auto found = placesOf(column, names);
+    if (found.size() > 1) {
+      return "has the column " + Quoted(names[found[0]]) + " twice, as fields " +
+             std::to_string(found[0] + 1) + " and " + std::to_string(found[1] + 1) +
+             "; rename or remove one of them";
+    }
+    if (found.empty() && places_.size() < needed_) return whyMissing(column, names);
+    places_.push_back(found.empty() ? std::nullopt : std::optional(found.front()));
+  }
+  return std::nullopt;
+}
+
+std::vector<std::string_view> CsvHeader::FieldsOf(const CsvSplitter::Row& row) const {
+  std::vector<std::string_view> fields;
+  fields.reserve(places_.size());
+  for (const auto& place : places_) {
+    fields.emplace_back(place ? std::string_view(row[*place]) : std::string_view());
+  }
+  return fields;
+}
+
+std::optional<char> CsvHeader::DelimiterOf(std::string_view line) const {
+  struct Candidate {
+    std::size_t found = 0;
+    std::size_t fields = 0;
+    char delimiter = ',';
+  };
+  std::vector<Candidate> candidates;
+  for (const char delimiter : kDelimiters) {
+    const CsvSplitter::Row names = namesIn(line, delimiter);
+    if (names.size() < 2) continue;
+    const auto isThere = [&](std::string_view column) { return !placesOf(column, names).empty(); };
+    const auto found = std::count_if(columns_.begin(), columns_.end(), isThere);
+    candidates.push_back({static_cast<std::size_t>(found), names.size(), delimiter});
+  }
+  if (candidates.empty()) return ',';
+  const auto isLess = [](const Candidate& a, const Candidate& b) {
+    return std::tie(a.found, a.fields) < std::tie(b.found, b.fields);
+  };
+  const auto best = std::max_element(candidates.begin(), candidates.end(), isLess);
+  const auto isRival = [&](const Candidate& other) {
+    return other.delimiter != best->delimiter && other.found == best->found && best->found > 0;
+  };
+  if (std::any_of(candidates.begin(), candidates.end(), isRival)) return std::nullopt;
+  return best->delimiter;
+}
+
+}  // namespace vex2::lab

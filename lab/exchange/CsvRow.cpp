@@ -1,0 +1,53 @@
+#include "lab/exchange/CsvRow.h"
+
+#include <cmath>
+
+#include "lab/Error.h"
+#include "lab/Text.h"
+
+namespace vex2::lab {
+
+std::string Quoted(std::string_view text) {
+  constexpr std::size_t kMost = 40;
+  const std::string shown(text.substr(0, kMost));
+  return text.size() > kMost ? "'" + shown + "...'" : "'" + shown + "'";
+}
+
+void CsvRow::Refuse(const std::string& why) const {
+  throw Error(ErrorCode::kDocument, file_, "row " + std::to_string(number_) + ": " + why);
+}
+
+void CsvRow::RefuseField(std::size_t column, const std::string& why) const {
+  Refuse(std::string(columns_[column]) + " " + Quoted(Text(column)) + " " + why);
+}
+
+std::string CsvRow::PointText(std::size_t column, std::string_view text) const {
+  DecimalMark::Plain plain = mark_.Read(text, fields_);
+  if (plain.why.empty()) return std::move(plain.text);
+  if (text == Text(column)) RefuseField(column, plain.why);
+  Refuse(Quoted(text) + " among the " + std::string(columns_[column]) + " " + plain.why);
+}
+
+double CsvRow::AnyDecimal(std::size_t column) const {
+  const auto value = NumberIn<double>(PointText(column, Text(column)));
+  if (!value || !std::isfinite(*value)) RefuseField(column, "is no number");
+  return *value;
+}
+
+double CsvRow::Decimal(std::size_t column, double most) const {
+  const double value = AnyDecimal(column);
+  if (value < 0) RefuseField(column, "is negative");
+  if (value > most) RefuseField(column, "is too large");
+  return value;
+}
+
+unsigned CsvRow::Whole(std::size_t column, unsigned least, unsigned most) const {
+  const auto value = NumberIn<unsigned>(Text(column));
+  if (!value || *value < least || *value > most) {
+    RefuseField(column,
+                "is no whole number from " + std::to_string(least) + " to " + std::to_string(most));
+  }
+  return *value;
+}
+
+}  // namespace vex2::lab

@@ -1,0 +1,123 @@
+#include "lab/exchange/WellsFile.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <limits>
+#include <map>
+#include <set>
+
+#include "lab/Error.h"
+#include "lab/Text.h"
+#include "lab/exchange/CsvReader.h"
+#include "lab/exchange/CsvWriter.h"
+
+namespace vex2::lab {
+
+namespace {
+
+enum Column : std::size_t { kWell, kSample, kTarget, kTask, kQuantity, kReporter };
+const std::vector<std::string_view> kColumns = {"well", "sample",   "target",
+                                                "task", "quantity", "reporter"};
+
+// Refuses what contradicts the rows before: each tells something of its well and of its detector.
+class Agreement {
+ public:
+  void Check(const CsvRow& row, const WellRow& added) {
+    const auto [sample, firstOfWell] = samples_.emplace(added.well, added.sample);
+    if (!firstOfWell && sample->second != added.sample) {
+      row.RefuseField(kSample, "is another sample than the well has in a row before");
+    }
+    if (!detectors_.emplace(added.well, added.target).second) {
+      row.RefuseField(kWell, "is there twice with the same target");
+    }
+    if (added.target.empty()) {
+      if (!added.reporter.empty()) row.RefuseField(kReporter, "is the reporter of no target");
+      return;
+    }
+    const auto [reporter, firstOfTarget] = reporters_.emplace(added.target, added.reporter);
+    if (!firstOfTarget && reporter->second != added.reporter) {
+      row.RefuseField(kReporter, "is another reporter than the target has in a row before");
+    }
+  }
+
+ private:
+  std::map<unsigned short, std::string> samples_;
+  std::set<std::pair<unsigned short, std::string>> detectors_;
+  std::map<std::string, std::string> reporters_;
+};
+
+std::string latin1(const CsvRow& row, Column column) {
+  const auto text = ToLatin1(row.Text(column));
+  if (!text) row.RefuseField(column, "has a character that documents cannot hold (Latin-1 only)");
+  if (text->find('\0') != std::string::npos) row.RefuseField(column, "has a zero byte");
+  return *text;
+}
+
+// On the largest plate, since the rows that tell the size are still to come.
+WellRow rowOf(const CsvRow& row) {
+  WellRow result;
+  const auto well = kPlate384.FindAsWritten(row.Text(kWell));
+  if (!well) row.RefuseField(kWell, "is no well of a plate, A1 to P24");
+  result.well = *well;
+  result.sample = latin1(row, kSample);
+  result.target = latin1(row, kTarget);
+  result.task = latin1(row, kTask);
+  result.reporter = latin1(row, kReporter);
+  if (!row.Text(kQuantity).empty()) {
+    result.quantity = static_cast<float>(row.Decimal(kQuantity, std::numeric_limits<float>::max()));
+  }
+  return result;
+}
+
+}  // namespace
+
+const std::vector<std::string_view>& WellsFileColumns() {
+  return kColumns;
+}
+
+PlateContents LoadWells(const std::string& path, const CsvFormat& format) {
+  PlateContents contents;
+  Agreement agreement;
+  ReadCsv(path, kColumns,
+          [&](const CsvRow& row) { agreement.Check(row, contents.rows.emplace_back(rowOf(row))); },
+          {.format = format});
+  auto& rows = contents.rows;
+  if (rows.empty()) throw Error(ErrorCode::kDocument, CsvName(path), "names no well");
+  const bool fits = std::all_of(rows.begin(), rows.end(), [](const WellRow& row) {
+    return kPlate96.Find(kPlate384.NameOf(row.well)).has_value();
+  });
+  contents.plate = fits ? kPlate96 : kPlate384;
+  for (WellRow& row : rows) row.well = *contents.plate.Find(kPlate384.NameOf(row.well));
+  std::stable_sort(rows.begin(), rows.end(),
+                   [](const WellRow& a, const WellRow& b) { return a.well < b.well; });
+  return contents;
+}
+
+void WriteWells(const PlateContents& contents, std::ostream& out) {
+  CsvWriter csv(out, false);
+  WriteWellColumns(csv);
+  WriteWells(contents, csv, "");
+}
+
+void WriteWellColumns(CsvWriter& csv) {
+  csv.Row("plate", {kColumns.begin(), kColumns.end()});
+}
+
+void WriteWells(const PlateContents& contents, CsvWriter& csv, const std::string& plate) {
+  for (const WellRow& row : contents.rows) {
+    csv.Row(plate, {contents.plate.NameOf(row.well), ToUtf8(row.sample), ToUtf8(row.target),
+                    ToUtf8(row.task), row.HasQuantity() ? DecimalText(row.quantity) : "",
+                    ToUtf8(row.reporter)});
+  }
+}
+
+std::string DecimalText(float number) {
+  // The longest are the smallest ones, with 45 places.
+  std::array<char, 128> text{};
+  const auto result =
+      std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed);
+  return {text.data(), result.ptr};
+}
+
+}  // namespace vex2::lab

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "vex2/manager/Vex2FileManager.h"
+
+namespace vex2::lab {
+
+/// One spectrum of a calibration: a pure dye, or a trace of the background. The numbers of the
+/// other part are 0.
+struct CalibrationEntry {
+  std::string name;  ///< Latin-1
+  std::uint16_t key1 = 0;
+  std::uint16_t key2 = 0;
+  std::uint16_t dyeIndex = 0;
+  std::array<std::uint8_t, 2> bytes{};    ///< of a pure dye
+  std::array<std::uint16_t, 3> params{};  ///< of a pure dye
+  std::uint16_t limit = 0;                ///< of the background
+  std::vector<std::uint32_t> values;  ///< numbers of four bytes as they are stored, a filter each
+
+  friend bool operator==(const CalibrationEntry&, const CalibrationEntry&) = default;
+};
+
+/// What the head of both parts holds; the meaning is the instrument's.
+struct CalibrationHead {
+  std::array<std::uint8_t, 4> code{};
+  std::uint32_t setting = 10;
+  std::uint16_t option = 0;
+  std::uint32_t value = 0;
+  std::array<std::uint8_t, 4> extra1{};
+  std::array<std::uint8_t, 4> extra2{};
+};
+
+struct CalibrationPart {
+  CalibrationHead head;
+  std::vector<CalibrationEntry> entries;
+};
+
+/// A document's calibration. A part that it lacks is nothing.
+struct Calibration {
+  std::optional<CalibrationPart> pureDyes;
+  std::optional<CalibrationPart> background;
+
+  bool IsEmpty() const { return !pureDyes && !background; }
+};
+
+/// What the document's calibration container says.
+Calibration CalibrationOf(const Vex2FileManager& document);
+
+/// Makes the parts that there are the document's; parts that there are not stay as they are.
+void StoreCalibration(Vex2FileManager& document, const Calibration& calibration);
+
+/// Four dyes and a background, as an instrument with twelve filters might have them.
+Calibration SimulatedCalibration();
+
+/// A stored value as the number that it is.
+float NumberOf(std::uint32_t value);
+
+}  // namespace vex2::lab

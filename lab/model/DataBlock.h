@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "lab/model/RecordWalk.h"
+#include "vex2/run/TimeStamp.h"
+#include "vex2/run/Vex2DataType.h"
+
+namespace vex2::lab {
+
+/// The part of a data block before its frames, as it stands in a file.
+struct StoredBlock {
+  std::uint16_t version = 2;
+  std::uint16_t timeBlockSize = 0;
+  TimeStamp start;
+  TimeStamp end;
+  std::vector<std::uint16_t> wells;  ///< well numbers, in the order of the records in a frame
+  std::uint64_t frameSize = 0;       ///< bytes
+  std::uint64_t frameCount = 0;      ///< as the block's length has it
+  std::uint64_t firstFrame = 0;      ///< its place, from the file's begin
+};
+
+/// Reads the head of the block whose record begins at `record.offset`. Nothing where the file ends
+/// before it does.
+std::optional<StoredBlock> ReadStoredBlock(CFile& file, const FileRecord& record);
+
+/// How the frames of a block stand in a file.
+struct FrameFit {
+  std::uint64_t headSize = 0;  ///< bytes of the record before its frames, tag and length included
+  std::uint64_t counted = 0;   ///< whole frames that the block's length has room for
+  std::uint64_t countedRest = 0;  ///< bytes that the length counts behind the last of them
+  std::uint64_t there = 0;        ///< whole frames from the first one's place to `end`
+  std::uint64_t thereRest = 0;    ///< bytes behind the last of them
+};
+
+/// Of the block at `record` with that head: what its length says, and what there is up to `end`,
+/// the place where the file or the next record begins.
+FrameFit FitFrames(const FileRecord& record, const StoredBlock& head, std::uint64_t end);
+
+/// The block of that tag, which is one of a block.
+Vex2DataType BlockType(std::string_view tag);
+
+/// A time stamp as the recorder writes it: year in its century, month, day, hour, minute, second.
+/// Its six numbers when they are no such time, nothing when they are all 0.
+std::optional<std::string> TimeText(const TimeStamp& time);
+
+}  // namespace vex2::lab

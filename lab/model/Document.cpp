@@ -1,0 +1,224 @@
+#include "lab/model/Document.h"
+
+#include <algorithm>
+
+#include "lab/Error.h"
+#include "lab/Text.h"
+#include "lab/model/FileLayout.h"
+#include "vex2/framework/CFileStatus.h"
+#include "vex2/manager/Vex2FileManagerComponent.h"
+#include "vex2/study/CMultiPlateComp.h"
+#include "vex2/study/CRQPlateComp.h"
+
+namespace vex2::lab {
+
+namespace {
+
+// The last place for a row's used wells lies within the header up to here.
+constexpr int kMostRows = 238;
+constexpr std::string_view kPlates = "MPLC";
+constexpr const char* kRunning =
+    "its run is in progress, and saving would break it; let the recorder finish, or set the status "
+    "with 'vex status' when it never will";
+
+std::string inQuotes(std::string_view tag) {
+  return std::string("\"").append(ToUtf8(tag)).append("\"");
+}
+
+}  // namespace
+
+// Notes the document's own records and those of its plates, and what the library does not know.
+struct Document::Surveyor final : RecordVisitor {
+  explicit Surveyor(Document& survey) : document(survey) {}
+
+  void Begin(const FileRecord& record, CFile& /*file*/) override {
+    const Record noted{std::string(record.Tag()), record.offset, record.length,
+                       IsKnownTag(record.Tag())};
+    if (record.depth == 1) {
+      beginOwn(noted);
+    } else if (topKnown && !noted.known && record.length > 0) {
+      document.losses_.push_back({record.offset, "the bytes of the record " + inQuotes(noted.tag) +
+                                                     " within another, of no known kind"});
+    }
+    if (!isPlates) return;
+    if (record.depth == 2) {
+      document.plates_.emplace_back();
+      document.plates_.back().offset = record.offset;
+      document.plates_.back().isEmbedded = true;
+    } else if (record.depth == 3) {
+      document.plates_.back().records.push_back(noted);
+    }
+  }
+
+  void End(const FileRecord& record) override {
+    if (isPlates && record.depth == 2)
+      document.plates_.back().end = document.content_->GetPosition();
+  }
+
+  void Pass(std::uint64_t offset) override {
+    constexpr std::uint64_t kPassed = 4;
+    if (passedEnd != offset) {
+      document.losses_.push_back({offset, "bytes in a plate that are no record"});
+    }
+    passedEnd = offset + kPassed;
+  }
+
+  void beginOwn(const Record& record) {
+    topKnown = record.known;
+    // The library has one place for plates: the first.
+    isPlates = record.tag == kPlates && !hadPlates;
+    hadPlates = hadPlates || isPlates;
+    document.records_.push_back(record);
+    if (record.known) return;
+    document.losses_.push_back({record.offset, "the record " + inQuotes(record.tag) + " of " +
+                                                   Counted(record.length, "byte") +
+                                                   " is of no known kind"});
+  }
+
+  Document& document;
+  bool topKnown = false;
+  bool hadPlates = false;
+  bool isPlates = false;  // the walk is within the record of the plates
+  std::uint64_t passedEnd = 0;
+};
+
+Document::Document(std::string path, Purpose purpose)
+    : path_(std::move(path)), content_(std::make_unique<DocumentFile>()) {
+  content_->OpenDocument(path_);
+  if (purpose == Purpose::kChange) content_->ExpectUnchanged(path_);
+  size_ = content_->GetLength();
+  CFileStatus status;
+  if (content_->GetStatus(status)) modified_ = status.modificationTime;
+  survey();
+  content_->Abort();
+}
+
+void Document::survey() {
+  const int status = content_->ReadComponentFile(nullptr);
+  fault_ = headerFault();
+  strayOffset_ = size_;
+  if (fault_) return;
+  Surveyor surveyor(*this);
+  const WalkEnd end = WalkRecords(*content_, surveyor);
+  fault_ = recordFault(status, end);
+  linkPlates();
+  if (fault_) return;
+  findStrayBytes(end.offset);
+  noteStudyLosses();
+}
+
+std::optional<FileFault> Document::headerFault() const {
+  const std::uint64_t needed =
+      HeaderLayout::RecordsOffset(static_cast<std::uint32_t>(content_->GetHeaderRows()));
+  if (size_ >= needed) return std::nullopt;
+  return FileFault{size_, "the header is cut short: " + std::to_string(size_) + " of " +
+                              Counted(needed, "byte") + " are there"};
+}
+
+// What an interrupted commit leaves behind looks like a record without end.
+bool Document::beginsStrayBytes(std::uint64_t offset) const {
+  if (records_.empty()) return false;
+  const Record& last = records_.back();
+  return last.offset == offset && !last.known && !IsPlain(last.tag);
+}
+
+std::optional<FileFault> Document::recordFault(int status, const WalkEnd& end) const {
+  if (end.fault && !beginsStrayBytes(end.fault->offset)) return end.fault;
+  // The reader kept known records in order, so that the first one it lacks is where it gave up.
+  int kept = content_->GetAllComponentCount();
+  for (const Record& record : records_) {
+    if (!record.known || kept-- > 0) continue;
+    return FileFault{record.offset, "the record " + inQuotes(record.tag) +
+                                        " could not be read, nor what follows it"};
+  }
+  if (status == kSuccess) return std::nullopt;
+  return FileFault{end.offset, "the document could not be read any further"};
+}
+
+// A frame that was not committed is no record, but its bytes may look like some.
+void Document::findStrayBytes(std::uint64_t walkEnd) {
+  strayOffset_ = walkEnd;
+  const auto lastKnown =
+      std::find_if(records_.rbegin(), records_.rend(), [](const Record& r) { return r.known; });
+  const auto stray = std::find_if(lastKnown.base(), records_.end(),
+                                  [](const Record& r) { return !IsPlain(r.tag); });
+  if (stray != records_.end()) {
+    strayOffset_ = stray->offset;
+    records_.erase(stray, records_.end());
+    std::erase_if(losses_, [this](const Loss& loss) { return loss.offset >= strayOffset_; });
+  }
+  if (strayOffset_ >= size_) return;
+  const bool isTorn = !records_.empty() && records_.back().tag == "RAWa";
+  losses_.push_back({strayOffset_, Counted(size_ - strayOffset_, "byte") +
+                                       (isTorn ? " of a frame that was not committed"
+                                               : " at the end that are no record")});
+}
+
+// What the walk found of the plates, and what the reader kept: as many, unless it gave up in one.
+void Document::linkPlates() {
+  const CMultiPlateComp* kept = nullptr;
+  for (int i = 0; i < content_->GetAllComponentCount() && kept == nullptr; ++i) {
+    kept = dynamic_cast<const CMultiPlateComp*>(content_->GetComponent(i));
+  }
+  const auto count = static_cast<std::size_t>(kept != nullptr ? kept->GetChildCount() : 0);
+  plates_.resize(std::min(plates_.size(), count));
+  for (std::size_t i = 0; i < plates_.size(); ++i) {
+    const CRQPlateComp* plate = kept->GetPlateAt(static_cast<int>(i));
+    plates_[i].name = plate->GetPlateName().View();
+    plates_[i].date = plate->GetLastModifiedDate().View();
+    plates_[i].content = plate->GetPlate();
+  }
+  // A record without a body holds no plate.
+  std::erase_if(plates_, [](const Plate& plate) { return plate.content == nullptr; });
+}
+
+Document::Plate Document::Itself() const {
+  Plate plate;
+  plate.content = content_.get();
+  plate.end = size_;
+  plate.records = records_;
+  return plate;
+}
+
+void Document::noteStudyLosses() {
+  int index = 0;
+  for (const Record& record : records_) {
+    if (!record.known) continue;
+    const CComponent* component = content_->GetComponent(index++);
+    if (component == nullptr || content_->IsWritten(*component)) continue;
+    // A study that is saved ends with one of its own.
+    if (record.tag == "EOF ") continue;
+    losses_.push_back(
+        {record.offset, "the record " + inQuotes(record.tag) + ", which a study does not keep"});
+  }
+  std::stable_sort(losses_.begin(), losses_.end(),
+                   [](const Loss& a, const Loss& b) { return a.offset < b.offset; });
+}
+
+void Document::RequireWhole(std::string_view purpose) const {
+  const std::string refusal =
+      purpose.empty() ? "" : "; it cannot be read whole, so it is not " + std::string(purpose);
+  if (fault_) {
+    const std::uint64_t lost = size_ - std::min(size_, fault_->offset);
+    throw Error(ErrorCode::kDocument, path_,
+                fault_->what + " (" + Counted(lost, "byte") + " lost)" + refusal, fault_->offset);
+  }
+  if (!purpose.empty() && content_->GetHeaderRows() > kMostRows) {
+    throw Error(ErrorCode::kDocument, path_,
+                "a plate of " + std::to_string(content_->GetHeaderRows()) +
+                    " rows does not fit into a header that is saved",
+                HeaderLayout::kSize);
+  }
+}
+
+void Document::RequireAtRest() const {
+  if (content_->IsAcquisitionProg()) throw Error(ErrorCode::kDocument, path_, kRunning);
+}
+
+void RequireNoRunAt(const std::string& path) {
+  Vex2FileManager file;
+  if (file.SafeOpen(path.c_str(), 0, 0) == 0 || file.ReadHeaderData(nullptr) != kSuccess) return;
+  if (file.IsAcquisitionProg()) throw Error(ErrorCode::kDocument, path, kRunning);
+}
+
+}  // namespace vex2::lab

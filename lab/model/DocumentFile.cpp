@@ -1,0 +1,81 @@
+#include "lab/model/DocumentFile.h"
+
+#include <memory>
+
+#include "lab/Error.h"
+#include "lab/model/RawFile.h"
+#include "vex2/container/TagFactory.h"
+
+namespace vex2::lab {
+
+namespace {
+
+constexpr std::string_view kRawData = "RAWa";
+
+// What a study adds to a plate: name and date.
+bool isPlateText(const CComponent& component) {
+  return component.GetTag() == "Path" || component.GetTag() == "RQPD";
+}
+
+}  // namespace
+
+DocumentFile::DocumentFile(const Vex2FileManager& plate) : Vex2FileManager(plate) {
+  int last = GetAllComponentCount() - 1;
+  while (last >= 0 && isPlateText(*GetComponent(last))) --last;
+  if (last >= 0 && GetComponent(last)->GetTag() == kRawData) moveToEnd(GetComponent(last));
+}
+
+void DocumentFile::OpenDocument(const std::string& path) {
+  RequireReadable(path);
+  CFileException reason;
+  if (!Open(path.c_str(), modeRead | typeBinary | shareExclusive, &reason)) {
+    throw SystemError(path, reason.GetError());
+  }
+  SetFilePath(path.c_str());
+  if (const auto why = WhyNoDocument(*this)) {
+    throw Error(ErrorCode::kNoDocument, path, "this is no plate document: " + *why, 0);
+  }
+}
+
+void DocumentFile::ExpectUnchanged(const std::string& path) {
+  expectedPath_ = path;
+  expected_ = FileState::Note(path);
+}
+
+bool DocumentFile::isUnchanged() const {
+  return expectedPath_.empty() || expected_.IsStillAt(expectedPath_);
+}
+
+void DocumentFile::RequireUnchanged() const {
+  if (isUnchanged()) return;
+  throw Error(ErrorCode::kDocument, expectedPath_,
+              "another program has changed it meanwhile, and nothing was saved; run the command "
+              "again");
+}
+
+int DocumentFile::WriteComponentFile(CFile* file) {
+  // Where a rename cannot serve, the library has emptied the file by now. It was looked at before.
+  struct stat now {};
+  const bool isEmptied =
+      !expectedPath_.empty() && ::stat(expectedPath_.c_str(), &now) == 0 && now.st_size == 0;
+  if (!isEmptied && !isUnchanged()) return kWriteFailed;
+  return Vex2FileManager::WriteComponentFile(file);
+}
+
+int DocumentFile::ReadFrameAt(int index, Vex2FrameData& frame, std::uint64_t blockOffset) {
+  return readAFrame(index, &frame, static_cast<long>(blockOffset));
+}
+
+bool DocumentFile::hasRawDataLast() const {
+  const CComponent* last = GetComponent(GetAllComponentCount() - 1);
+  return last != nullptr && last->GetTag() == kRawData;
+}
+
+void DocumentFile::moveToEnd(CComponent* component) {
+  std::unique_ptr<CComponent> copy;
+  if (component == nullptr || CloneComponent(*component, copy) != 1) return;
+  RemoveComponent(component);
+  appendComponent(std::move(copy));
+}
+
+}  // namespace vex2::lab

@@ -1,0 +1,156 @@
+#include "lab/model/DocumentLock.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <string_view>
+#include <system_error>
+#include <thread>
+
+#include "lab/Error.h"
+
+namespace vex2::lab {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kMostLinks = 40;             // as many as the system itself follows
+constexpr std::size_t kLongestName = 200;  // the lock's own name must fit where the document's does
+
+// What the holder writes into the lock's file, so that others know whether to wait.
+constexpr std::string_view kCommandNote = "command";
+constexpr std::string_view kRecorderNote = "recorder";
+
+constexpr auto kPause = std::chrono::milliseconds(5);
+// A command holds the lock while it reads and saves one document.
+constexpr auto kPatience = std::chrono::seconds(10);
+// The note may be that of a killed recorder until the holder has written its own.
+constexpr auto kNotePatience = std::chrono::milliseconds(200);
+
+fs::path lockBeside(const fs::path& document) {
+  std::string name = ".";
+  name += document.filename().string().substr(0, kLongestName);
+  name += ".recording";
+  return document.parent_path() / name;
+}
+
+}  // namespace
+
+fs::path ResolveDocument(const std::string& path) {
+  if (path.empty()) throw Error(ErrorCode::kUsage, "the name of the document is empty");
+  fs::path document = path;
+  std::error_code error;
+  for (int links = 0; links < kMostLinks && fs::is_symlink(document, error); ++links) {
+    const fs::path target = fs::read_symlink(document, error);
+    document = document.parent_path() / target;
+  }
+  const fs::path folder = document.parent_path().empty() ? "." : document.parent_path();
+  const fs::path resolved = fs::canonical(folder, error);
+  if (error) throw SystemError(path, error.value());
+  const fs::path name = document.filename();
+  if (name.empty() || fs::is_directory(document, error)) {
+    throw SystemError(path, EISDIR);
+  }
+  return resolved / name;
+}
+
+DocumentLock::DocumentLock(const std::string& path, Holder holder)
+    : given_(path), document_(ResolveDocument(path)), path_(lockBeside(document_)) {
+  const auto begun = std::chrono::steady_clock::now();
+  while (!tryToLock(holder)) {
+    const auto waited = std::chrono::steady_clock::now() - begun;
+    const bool isCommand = holderNote() == kCommandNote;
+    if (waited > (isCommand ? std::chrono::milliseconds(kPatience) : kNotePatience)) refuse();
+    std::this_thread::sleep_for(kPause);
+  }
+  if (handle_ < 0) return;
+  const std::string_view note = holder == Holder::kCommand ? kCommandNote : kRecorderNote;
+  // Without the note others take the holder for a recorder, and do not wait.
+  if (::ftruncate(handle_, 0) == 0) {
+    [[maybe_unused]] const auto written = ::pwrite(handle_, note.data(), note.size(), 0);
+  }
+}
+
+DocumentLock::~DocumentLock() {
+  if (handle_ < 0) return;
+  ::unlink(path_.c_str());  // while it is locked: afterwards it might be the next holder's
+  ::close(handle_);
+}
+
+// False when another has the lock.
+bool DocumentLock::tryToLock(Holder holder) {
+  // The holder may have removed its file between our opening and our locking it: then the lock is
+  // on nothing, and the next try makes a file of its own.
+  while (open(holder)) {
+    if (handle_ < 0 || isStillThere()) return true;
+    ::close(handle_);
+  }
+  return false;
+}
+
+bool DocumentLock::open(Holder holder) {
+  constexpr int kFlags = O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
+  handle_ = ::open(path_.c_str(), O_RDWR | O_CREAT | kFlags, 0666);
+  if (handle_ < 0 && holder == Holder::kCommand) {
+    const int error = errno;
+    // Another user's lock can be waited for all the same.
+    handle_ = ::open(path_.c_str(), O_RDONLY | kFlags);
+    if (handle_ < 0 && (error == EACCES || error == EPERM || error == EROFS)) return true;
+  }
+  if (handle_ < 0) refuseFolder(errno);
+  while (::flock(handle_, LOCK_EX | LOCK_NB) != 0) {
+    if (errno == EINTR) continue;
+    if (errno != EWOULDBLOCK) break;  // a file system without locks is used without
+    ::close(handle_);
+    handle_ = -1;
+    return false;
+  }
+  return true;
+}
+
+void DocumentLock::refuseFolder(int error) const {
+  const bool isReadOnly = error == EACCES || error == EPERM || error == EROFS;
+  if (!isReadOnly) throw SystemError(given_, error);
+  throw Error(ErrorCode::kUsage, given_,
+              "cannot be written: its folder " + document_.parent_path().string() +
+                  " takes no new file (" + std::strerror(error) +
+                  "); make the folder writable, or use another");
+}
+
+bool DocumentLock::isStillThere() const {
+  struct stat locked {};
+  struct stat named {};
+  return ::fstat(handle_, &locked) == 0 && ::stat(path_.c_str(), &named) == 0 &&
+         locked.st_dev == named.st_dev && locked.st_ino == named.st_ino;
+}
+
+std::string DocumentLock::holderNote() const {
+  std::array<char, 16> note{};
+  const int file = ::open(path_.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+  if (file < 0) return std::string(kCommandNote);  // the holder is done
+  const auto length = ::read(file, note.data(), note.size());
+  ::close(file);
+  return {note.data(), length > 0 ? static_cast<std::size_t>(length) : 0};
+}
+
+void DocumentLock::refuse() const {
+  if (holderNote() == kCommandNote) {
+    throw Error(ErrorCode::kInUse, given_,
+                "another command is changing it; try again when it is done");
+  }
+  std::error_code ignored;
+  const bool isLink = fs::is_symlink(given_, ignored);
+  throw Error(
+      ErrorCode::kUsage, given_,
+      (isLink ? "leads to " + document_.string() + ", which is" : std::string("is")) +
+          " being recorded already; wait until the recorder is done, or end it with Ctrl-C");
+}
+
+}  // namespace vex2::lab

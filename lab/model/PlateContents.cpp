@@ -1,0 +1,223 @@
+#include "lab/model/PlateContents.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <memory>
+#include <set>
+
+#include "lab/Error.h"
+#include "vex2/format/RecordKinds.h"
+#include "vex2/setup/CPlateSetupComp.h"
+
+namespace vex2::lab {
+
+namespace {
+
+std::string textOf(const char* characters, std::int32_t length) {
+  return characters != nullptr && length > 0
+             ? std::string(characters, static_cast<std::size_t>(length))
+             : std::string();
+}
+
+std::string textOf(const CString& text) {
+  return std::string(text.View());
+}
+
+std::int32_t lengthOf(const std::string& text) {
+  return static_cast<std::int32_t>(text.size());
+}
+
+// The wells that the cells' coordinates, rows and columns from 0, stand for. Nothing when they are
+// not those of different wells: not every host sets them.
+std::vector<unsigned short> wellsByCoordinates(const Vex2PlateSetup& setup, PlateLayout plate) {
+  std::vector<unsigned short> wells;
+  std::set<unsigned> seen;
+  for (unsigned index = 0; index < setup.count; ++index) {
+    const Vex2WellSetup& cell = setup.cells[index];
+    const unsigned well = cell.coord1 * plate.columns + cell.coord2 + 1U;
+    if (cell.coord1 >= plate.rows || cell.coord2 >= plate.columns) return {};
+    if (!seen.insert(well).second) return {};
+    wells.push_back(static_cast<unsigned short>(well));
+  }
+  return wells;
+}
+
+void addRows(const Vex2WellSetup& cell, const WellRow& common,
+             const std::map<std::string, std::string>& reporters, std::vector<WellRow>& rows) {
+  for (POSITION at = cell.detectors.GetHeadPosition(); at != nullptr;) {
+    const Vex2WellDetector* detector = cell.detectors.GetNext(at);
+    WellRow& row = rows.emplace_back(common);
+    row.target = textOf(detector->detectorName, detector->detectorNameLength);
+    row.task = textOf(detector->task, detector->taskLength);
+    row.quantity = detector->quantity;
+    const auto reporter = reporters.find(row.target);
+    if (reporter != reporters.end()) row.reporter = reporter->second;
+  }
+  if (cell.detectors.IsEmpty() && !common.sample.empty()) rows.push_back(common);
+}
+
+void addDetector(Vex2WellSetup& cell, const WellRow& row) {
+  auto detector = std::make_unique<Vex2WellDetector>();
+  detector->SetDetectorName(row.target.data(), lengthOf(row.target));
+  detector->SetTask(row.task.data(), lengthOf(row.task));
+  detector->quantity = row.quantity;
+  cell.detectors.AddTail(detector.get());
+  static_cast<void>(detector.release());
+}
+
+void require(int status) {
+  if (status != kSuccess) {
+    throw Error(ErrorCode::kSystem, "the document cannot hold so much of its plate");
+  }
+}
+
+// What a table of wells does not show, and so must not take away: the wells' descriptions, and the
+// flags of wells and of detectors that stay.
+void keepUnshown(const Vex2FileManager& document, const PlateContents& contents,
+                 Vex2PlateSetup& setup) {
+  const CPlateSetupComp* component = document.GetPlateSetupComp();
+  Vex2PlateSetup old;
+  if (component == nullptr || document.GetPlateSetupInfo(&old) != kSuccess) return;
+  const auto wells = wellsByCoordinates(old, contents.plate);
+  for (unsigned index = 0; index < old.count; ++index) {
+    const unsigned place = wells.empty() ? index : wells[index] - 1U;
+    if (place >= setup.count) continue;
+    const Vex2WellSetup& from = old.cells[index];
+    Vex2WellSetup& to = setup.cells[place];
+    const bool wasSetUp = from.nameLength > 0 || !from.detectors.IsEmpty();
+    if (to.flag && wasSetUp) to.flag = from.flag;
+    for (POSITION at = to.detectors.GetHeadPosition(); at != nullptr;) {
+      Vex2WellDetector* detector = to.detectors.GetNext(at);
+      for (POSITION each = from.detectors.GetHeadPosition(); each != nullptr;) {
+        const Vex2WellDetector* before = from.detectors.GetNext(each);
+        if (textOf(before->detectorName, before->detectorNameLength) ==
+            textOf(detector->detectorName, detector->detectorNameLength)) {
+          detector->used = before->used;
+        }
+      }
+    }
+    // The library does not give a description back, so it is taken from the record itself.
+    const auto* cell = dynamic_cast<CContainerComp*>(component->GetChild(static_cast<int>(index)));
+    auto* description = cell != nullptr ? cell->FindChild(TagOf(Kind::kCellDescription)) : nullptr;
+    if (description == nullptr) continue;
+    const std::string text = textOf(description->GetValueString());
+    to.SetDescription(text.data(), lengthOf(text));
+  }
+}
+
+void storeSetup(Vex2FileManager& document, const PlateContents& contents) {
+  const PlateLayout plate = contents.plate;
+  Vex2PlateSetup setup;
+  setup.Resize(static_cast<std::uint16_t>(plate.WellCount()));
+  for (unsigned index = 0; index < setup.count; ++index) {
+    Vex2WellSetup& cell = setup.cells[index];
+    cell.coord1 = static_cast<std::uint16_t>(index / plate.columns);
+    cell.coord2 = static_cast<std::uint16_t>(index % plate.columns);
+    cell.flag = false;
+  }
+  for (const WellRow& row : contents.rows) {
+    Vex2WellSetup& cell = setup.cells[row.well - 1];
+    cell.flag = true;
+    cell.SetName(row.sample.data(), lengthOf(row.sample));
+    if (row.HasDetector()) addDetector(cell, row);
+  }
+  keepUnshown(document, contents, setup);
+  require(document.ReplacePlateSetup(&setup));
+}
+
+void storeDetectors(Vex2FileManager& document, const PlateContents& contents) {
+  std::map<std::string, Vex2Detector> known;
+  for (const Vex2Detector& detector : DetectorsOf(document)) {
+    known.emplace(textOf(detector.name), detector);
+  }
+  for (const WellRow& row : contents.rows) {
+    if (row.target.empty()) continue;
+    const auto [entry, isNew] = known.emplace(row.target, Vex2Detector());
+    Vex2Detector& detector = entry->second;
+    if (!isNew && textOf(detector.reporterDye) == row.reporter) continue;
+    detector.name = CString(row.target);
+    detector.reporterDye = CString(row.reporter);
+    require(document.AppendDetectorInfo(&detector));
+  }
+}
+
+}  // namespace
+
+bool WellRow::HasQuantity() const {
+  return quantity != 0 || !std::signbit(quantity);
+}
+
+bool WellRow::HasDetector() const {
+  return !target.empty() || !task.empty() || HasQuantity();
+}
+
+std::vector<unsigned short> PlateContents::Wells() const {
+  std::vector<unsigned short> wells;
+  for (const WellRow& row : rows) {
+    if (wells.empty() || wells.back() != row.well) wells.push_back(row.well);
+  }
+  return wells;
+}
+
+PlateLayout LayoutOf(const Vex2FileManager& document) {
+  const int size = document.GetPlateSize();
+  if (size == 96) return kPlate96;
+  if (size == 384) return kPlate384;
+  return {static_cast<unsigned>(document.GetHeaderRows()),
+          static_cast<unsigned>(document.GetHeaderCols())};
+}
+
+PlateContents ContentsOf(const Vex2FileManager& document) {
+  PlateContents contents;
+  contents.plate = LayoutOf(document);
+  Vex2PlateSetup setup;
+  if (document.GetPlateSetupInfo(&setup) != kSuccess) return contents;
+  std::map<std::string, std::string> reporters;
+  for (const Vex2Detector& detector : DetectorsOf(document)) {
+    reporters.emplace(textOf(detector.name), textOf(detector.reporterDye));
+  }
+  const auto wells = wellsByCoordinates(setup, contents.plate);
+  for (unsigned index = 0; index < setup.count; ++index) {
+    const Vex2WellSetup& cell = setup.cells[index];
+    WellRow common;
+    common.well = wells.empty() ? static_cast<unsigned short>(index + 1) : wells[index];
+    common.sample = textOf(cell.name, cell.nameLength);
+    addRows(cell, common, reporters, contents.rows);
+  }
+  std::stable_sort(contents.rows.begin(), contents.rows.end(),
+                   [](const WellRow& a, const WellRow& b) { return a.well < b.well; });
+  return contents;
+}
+
+void StoreContents(Vex2FileManager& document, const PlateContents& contents) {
+  storeSetup(document, contents);
+  storeDetectors(document, contents);
+  for (const WellRow& row : contents.rows) {
+    if (row.reporter.empty()) continue;
+    document.AppendRequiredDyenfo(CString(row.reporter));
+  }
+}
+
+std::vector<Vex2Detector> DetectorsOf(const Vex2FileManager& document) {
+  int count = 0;
+  Vex2Detector* list = nullptr;
+  if (document.GetNumberOfDetectors(count) != kSuccess || count == 0) return {};
+  require(document.GetDetectorListInfo(list));
+  const std::unique_ptr<Vex2Detector[]> owner(list);
+  return {list, list + count};
+}
+
+std::vector<std::string> RequiredDyesOf(const Vex2FileManager& document) {
+  int count = 0;
+  CString* list = nullptr;
+  if (document.GetNumberOfRequiredDyes(count) != kSuccess || count == 0) return {};
+  require(document.GetRequiredDyeListInfo(list));
+  const std::unique_ptr<CString[]> owner(list);
+  std::vector<std::string> dyes;
+  std::transform(list, list + count, std::back_inserter(dyes),
+                 [](const CString& dye) { return textOf(dye); });
+  return dyes;
+}
+
+}  // namespace vex2::lab

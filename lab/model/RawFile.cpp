@@ -1,0 +1,75 @@
+#include "lab/model/RawFile.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <string_view>
+
+#include "lab/Error.h"
+
+namespace vex2::lab {
+
+namespace {
+
+// Bytes of text have no control characters but those that part lines and fields.
+bool isText(std::string_view bytes) {
+  return !bytes.empty() && std::all_of(bytes.begin(), bytes.end(), [](char character) {
+    const auto byte = static_cast<unsigned char>(character);
+    return (byte >= 0x20 && byte != 0x7F) || (byte >= '\t' && byte <= '\r');
+  });
+}
+
+}  // namespace
+
+void RequireReadable(const std::string& path) {
+  if (path.empty()) throw Error(ErrorCode::kUsage, "the name of the document is empty");
+  struct stat info {};
+  if (::stat(path.c_str(), &info) != 0) return;
+  if (S_ISDIR(info.st_mode)) throw SystemError(path, EISDIR);
+  if (S_ISFIFO(info.st_mode) || S_ISSOCK(info.st_mode) || S_ISCHR(info.st_mode)) {
+    throw Error(ErrorCode::kUsage, path,
+                "cannot be read as a document: it is a pipe or a device, and not seekable; save it "
+                "to a file first");
+  }
+}
+
+std::optional<std::string> WhyNoDocument(CFile& file) {
+  constexpr std::string_view kMagic = "Vex2";
+  std::array<char, 512> bytes{};
+  file.SeekToBegin();
+  const std::string_view begin(bytes.data(), file.Read(bytes.data(), bytes.size()));
+  file.SeekToBegin();
+  if (begin.starts_with(kMagic)) return std::nullopt;
+  if (begin.empty()) return "it is empty";
+  if (isText(begin)) {
+    return "it is a text; CSV goes into documents with 'vex record', 'vex "
+           "wells --from' and 'vex calibration --import'";
+  }
+  return "it does not begin with Vex2";
+}
+
+void OpenToRead(CFile& file, const std::string& path) {
+  RequireReadable(path);
+  CFileException reason;
+  if (!file.Open(path.c_str(), CFile::modeRead | CFile::typeBinary, &reason)) {
+    throw SystemError(path, reason.GetError());
+  }
+}
+
+NewFile::NewFile(const std::string& path) : path_(path) {
+  CFileException reason;
+  if (!OpenReplacement(path.c_str(), &reason)) throw SystemError(path, reason.GetError());
+}
+
+// What cannot be written is the new file's fault, whatever it is called until it is complete.
+void NewFile::PutInPlace() {
+  try {
+    CloseReplacement();
+  } catch (const CFileException& error) {
+    throw SystemError(path_, error.GetError());
+  }
+}
+
+}  // namespace vex2::lab

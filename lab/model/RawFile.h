@@ -1,0 +1,32 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "vex2/framework/CFile.h"
+
+namespace vex2::lab {
+
+/// Throws an error when `path` cannot be read as a document is: it is empty, leads to a folder, or
+/// to a pipe, which can be read only once. A path that leads nowhere passes.
+void RequireReadable(const std::string& path);
+
+/// Opens the file at `path`, whatever is in it. Throws an error with the system's reason.
+void OpenToRead(CFile& file, const std::string& path);
+
+/// Why the open file is no plate document, going by its first bytes: to follow that it is none.
+/// Nothing when it begins as one.
+std::optional<std::string> WhyNoDocument(CFile& file);
+
+/// Takes the place of the file at a path once it is complete and on the disk; until then that is
+/// untouched. Open for writing, and throws errors with the system's reason.
+class NewFile final : public CFile {
+ public:
+  explicit NewFile(const std::string& path);
+  void PutInPlace();
+
+ private:
+  std::string path_;
+};
+
+}  // namespace vex2::lab

@@ -1,0 +1,144 @@
+#include "lab/model/RunLog.h"
+
+#include <algorithm>
+#include <set>
+
+#include "lab/Text.h"
+#include "lab/model/Settings.h"
+
+namespace vex2::lab {
+
+namespace {
+
+constexpr std::string_view kRecordedBlock = "RAWa";
+constexpr std::string_view kFrames = "frames";
+constexpr std::string_view kStarted = "started";
+constexpr std::string_view kChannels = "channels";
+constexpr std::string_view kScale = "scale";
+constexpr std::string_view kOffset = "offset";
+constexpr std::string_view kUnknown = "unknown";
+constexpr DecimalNumber kNoOffset{};
+
+bool isKey(std::string_view text) {
+  return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) {
+    return (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-' || c == '_';
+  });
+}
+
+// The line at the start of `rest`, which then holds what follows it.
+std::string_view takeLine(std::string_view& rest) {
+  const std::string_view line = rest.substr(0, rest.find('\n'));
+  rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+  return line;
+}
+
+// What stands behind KEY= in the first line of that key; nothing when there is none.
+std::optional<std::string_view> valueOf(std::string_view lines, std::string_view key) {
+  while (!lines.empty()) {
+    const std::string_view line = takeLine(lines);
+    if (line.substr(0, line.find('=')) == key) return line.substr(key.size() + 1);
+  }
+  return std::nullopt;
+}
+
+// The names between the commas. Nothing for more than a record can hold, and for an empty one.
+std::optional<std::vector<std::string>> channelsIn(std::string_view text) {
+  std::vector<std::string> names;
+  while (!text.empty()) {
+    const std::string_view name = text.substr(0, text.find(','));
+    if (name.empty() || name.size() + 1 == text.size() || names.size() == kMostChannels) return {};
+    names.emplace_back(name);
+    text.remove_prefix(std::min(name.size() + 1, text.size()));
+  }
+  return names;
+}
+
+// What `section`, which begins with a source, states. Nothing unless each line has a key of its
+// own.
+std::optional<RunLog> read(std::string_view section) {
+  std::set<std::string_view> keys;
+  for (std::string_view rest = section; !rest.empty();) {
+    const std::string_view line = takeLine(rest);
+    const std::size_t equals = line.find('=');
+    if (equals == std::string_view::npos || !isKey(line.substr(0, equals))) return std::nullopt;
+    if (!keys.insert(line.substr(0, equals)).second) return std::nullopt;
+  }
+  const auto value = [&](std::string_view key) { return valueOf(section, key); };
+  const auto offset = ReadingScale::ParseOffset(value(kOffset).value_or("0"));
+  const auto scale = ReadingScale::Parse(value(kScale).value_or(""), offset.value_or(kNoOffset));
+  const auto frames = NumberIn<std::uint64_t>(value(kFrames).value_or(""));
+  const auto channels = channelsIn(value(kChannels).value_or(""));
+  if (!offset || !scale || !channels) return std::nullopt;
+  if (!frames && value(kFrames) != kUnknown) return std::nullopt;
+  RunLog log{.frames = frames, .scale = *scale, .channels = *channels, .started = std::nullopt};
+  if (const auto started = value(kStarted)) {
+    log.started = RunStart::Parse(*started);
+    if (!log.started) return std::nullopt;
+  }
+  return log;
+}
+
+// Where the last line that names a source begins; the length of the log when there is none.
+std::size_t sectionStart(std::string_view log) {
+  std::size_t start = log.size();
+  for (std::string_view rest = log; !rest.empty();) {
+    const std::size_t at = log.size() - rest.size();
+    const std::string_view line = takeLine(rest);
+    if (line == kMeasuredSource || line == kSimulatedSource) start = at;
+  }
+  return start;
+}
+
+}  // namespace
+
+std::optional<RunLog> RunLog::Find(std::string_view log) {
+  return read(log.substr(sectionStart(log)));
+}
+
+std::string RunLog::Text() const {
+  std::string text;
+  const auto add = [&](std::string_view key, std::string_view value) {
+    text.append(key).append("=").append(value).append("\n");
+  };
+  add(kFrames, frames ? std::to_string(*frames) : std::string(kUnknown));
+  if (started) add(kStarted, started->Text());
+  if (!channels.empty()) {
+    std::string names;
+    for (const std::string& name : channels) names.append(names.empty() ? "" : ",").append(name);
+    add(kChannels, names);
+  }
+  add(kScale, scale.ScaleText());
+  if (scale.HasOffset()) add(kOffset, scale.OffsetText());
+  return text;
+}
+
+std::string LogKeepingRun(std::string_view text, std::string_view log) {
+  std::string result(text);
+  if (RunLog::Find(text) || !RunLog::Find(log)) return result;
+  if (!result.empty() && result.back() != '\n') result += '\n';
+  return result.append(log.substr(sectionStart(log)));
+}
+
+RecordedReadings::RecordedReadings(const Vex2FileManager& plate, std::string_view blockTag)
+    : RecordedReadings(LogText(plate), blockTag) {}
+
+RecordedReadings::RecordedReadings(std::string_view log, std::string_view blockTag) {
+  if (blockTag == kRecordedBlock) log_ = RunLog::Find(log);
+}
+
+std::optional<RunReading> RecordedReadings::Read(const Vex2WellRecord& record,
+                                                 std::uint64_t frame) const {
+  if (!log_ || (log_->frames && frame >= *log_->frames)) return std::nullopt;
+  const RunReading reading = DecodeReading(record);
+  const std::size_t channels = std::max<std::size_t>(log_->channels.size(), 1);
+  for (std::size_t channel = 0; channel < kMostChannels; ++channel) {
+    const bool isUsed = channel < channels && !reading.IsMissing(channel);
+    const bool isUnknown = channel >= channels && reading.IsMissing(channel);
+    if (isUnknown || (!isUsed && reading.values[channel] != 0)) return std::nullopt;
+  }
+  if (record == EncodeReading(reading, false)) return reading;
+  if (reading.melting && record == EncodeReading(reading, true)) return reading;
+  return std::nullopt;
+}
+
+}  // namespace vex2::lab

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include "vex2/run/Vex2WellRecord.h"
+
+/// How a reading of a run lies in a document. The recorder writes it so, the export undoes it.
+namespace vex2::lab {
+
+/// The channels that a well can have in a document: each of them takes a data value of the record,
+/// and a bit that says that its reading is missing.
+constexpr std::size_t kMostChannels = 16;
+
+/// What one well gave at one time.
+struct RunReading {
+  std::uint16_t cycle = 0;        ///< within its stage, from 1
+  std::uint16_t temperature = 0;  ///< hundredths of a degree Celsius
+  bool melting = false;           ///< else amplification
+  std::uint32_t time = 0;         ///< milliseconds since the run began
+  /// The stored fluorescence of each channel; a run without named channels has one.
+  std::array<std::uint16_t, kMostChannels> values{};
+  std::uint16_t missing = 0;  ///< bit c: channel c has no reading, and its value is 0
+
+  bool IsMissing(std::size_t channel) const { return (missing >> channel & 1U) != 0; }
+
+  friend bool operator==(const RunReading&, const RunReading&) = default;
+};
+
+/// The record of a reading. `beginsMelting` puts the marker of the first frame of a melting stage
+/// into it; no other record looks as if it had one.
+Vex2WellRecord EncodeReading(const RunReading& reading, bool beginsMelting);
+/// The reading in a record; of any record that no recorder made, whatever stands in the places.
+RunReading DecodeReading(const Vex2WellRecord& record);
+
+/// The shortest text that stands for `value` divided by `divisor`, which is not 0: what is read
+/// back from it is the same number.
+std::string ShortestQuotient(std::uint32_t value, std::uint32_t divisor);
+
+}  // namespace vex2::lab

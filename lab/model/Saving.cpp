@@ -1,0 +1,100 @@
+#include "lab/model/Saving.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+
+#include "lab/Error.h"
+#include "lab/Interrupts.h"
+#include "lab/Text.h"
+#include "vex2/run/AcquisitionDataComp.h"
+
+namespace vex2::lab {
+
+namespace {
+
+constexpr std::uint16_t kFirstVersionThatReadsBack = 2;
+constexpr std::size_t kMostLossLines = 8;
+
+// The system's reason why nothing can be saved to `path`. The library answers with a status alone.
+int reasonAgainst(const std::string& path) {
+  const auto folder = std::filesystem::path(path).parent_path();
+  if (!folder.empty() && access(folder.c_str(), F_OK) != 0) return errno;
+  if (std::filesystem::is_directory(path)) return EISDIR;
+  if (access(path.c_str(), F_OK) == 0) return access(path.c_str(), W_OK) != 0 ? errno : EIO;
+  return access(folder.empty() ? "." : folder.c_str(), W_OK) != 0 ? errno : EIO;
+}
+
+void upgradeBlocks(const Document& document, const Document::Plate& plate, const SaveRules& rules) {
+  int index = 0;
+  for (const Document::Record& record : plate.records) {
+    if (!record.known) continue;
+    auto* block = dynamic_cast<AcquisitionDataComp*>(plate.content->GetComponent(index++));
+    if (block == nullptr || block->GetVersion() >= kFirstVersionThatReadsBack) continue;
+    if (!rules.upgradeBlocks) {
+      throw Error(ErrorCode::kDocument, document.Path(),
+                  "the data block \"" + record.tag +
+                      "\" is of version 1 and would not read back once saved; give --upgrade to "
+                      "make it version 2",
+                  record.offset);
+    }
+    block->Upgrade();
+  }
+}
+
+void reportLosses(const Document& document, const std::vector<Document::Loss>& losses,
+                  const std::string& target, const SaveRules& rules) {
+  if (losses.empty()) return;
+  if (IsSameFile(document.Path(), target) && !rules.dropUnknown) {
+    throw Error(ErrorCode::kDocument, document.Path(),
+                "saving would lose " + losses.front().what +
+                    (losses.size() > 1 ? ", and more" : "") +
+                    "; give --drop-unknown to accept that",
+                losses.front().offset);
+  }
+  for (std::size_t i = 0; i < losses.size() && i < kMostLossLines; ++i) {
+    rules.onLoss(Escaped(document.Path()) + ": at byte " + std::to_string(losses[i].offset) +
+                 ": left out: " + losses[i].what);
+  }
+  if (losses.size() > kMostLossLines) {
+    rules.onLoss(Escaped(document.Path()) +
+                 ": left out: " + Counted(losses.size() - kMostLossLines, "more record"));
+  }
+}
+
+}  // namespace
+
+void PrepareToSave(Document& document, const std::string& target, const SaveRules& rules) {
+  document.RequireWhole("saved");
+  upgradeBlocks(document, document.Itself(), rules);
+  for (const Document::Plate& plate : document.Plates()) upgradeBlocks(document, plate, rules);
+  reportLosses(document, document.Losses(), target, rules);
+}
+
+void PreparePlateToSave(const Document& document, const Document::Plate& plate,
+                        const std::string& target, const SaveRules& rules) {
+  document.RequireWhole("saved");
+  upgradeBlocks(document, plate, rules);
+  std::vector<Document::Loss> losses = document.Losses();
+  std::erase_if(losses, [&](const Document::Loss& loss) {
+    return loss.offset < plate.offset || loss.offset >= plate.end;
+  });
+  reportLosses(document, losses, target, rules);
+}
+
+void SaveDocument(DocumentFile& document, const std::string& target) {
+  // Who ends the command here gets the new document or the old one, and no temporary file.
+  const Interrupts interrupts;
+  document.RequireUnchanged();
+  if (document.SaveToFile(target.c_str()) == kSuccess) return;
+  document.RequireUnchanged();
+  throw SystemError(target, reasonAgainst(target));
+}
+
+bool IsSameFile(const std::string& one, const std::string& other) {
+  std::error_code ignored;
+  return std::filesystem::equivalent(one, other, ignored);
+}
+
+}  // namespace vex2::lab

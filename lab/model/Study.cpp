@@ -1,0 +1,128 @@
+#include "lab/model/Study.h"
+
+#include <filesystem>
+#include <new>
+
+#include "lab/Error.h"
+#include "lab/Text.h"
+#include "vex2/manager/SplitPath.h"
+
+namespace vex2::lab {
+
+namespace {
+
+constexpr std::string_view kStudyCode = "RQSt";
+constexpr std::string_view kPlateKind = "Kest";
+constexpr const char* kDateForm = "%b %d, %Y %I:%M %p";
+
+[[noreturn]] void refuse(const Document& plate, const std::string& why) {
+  throw Error(ErrorCode::kDocument, plate.Path(), why);
+}
+
+// A plate is named after its file, which is told from its folder in a whole path only.
+CString wholePath(const std::string& path) {
+  const std::string whole = std::filesystem::absolute(path).lexically_normal().string();
+  const auto latin1 = ToLatin1(whole);
+  return CString(std::string_view(latin1 ? *latin1 : whole));
+}
+
+CString plateName(const Document& plate, const CString& path) {
+  CString folder;
+  CString name;
+  CString extension;
+  if (!SplitPath(path, folder, name, extension) || name.IsEmpty()) {
+    refuse(plate,
+           "a plate is named after its file, whose name needs an extension, as in plate1.vex");
+  }
+  return name;
+}
+
+void requirePlate(const Document& plate) {
+  const Vex2HeaderData& header = plate.Content().GetHeaderData();
+  const std::string_view kind(header.kindMarker, sizeof header.kindMarker);
+  if (kind != kPlateKind) {
+    refuse(plate, "its kind is '" + ToUtf8(kind) + "'; the plates of a study are of kind 'Kest'");
+  }
+  if (plate.IsStudy() || !plate.Plates().empty()) {
+    refuse(plate, "this is a study itself; take a plate out of it with 'vex study extract'");
+  }
+}
+
+// A study has its plates' type, and no run of its own.
+void beginStudy(Vex2FileManager& study, const Vex2HeaderData& plate) {
+  Vex2HeaderData header(plate);
+  kStudyCode.copy(header.assayCode, sizeof header.assayCode);
+  std::fill(std::begin(header.text), std::end(header.text), ' ');
+  std::string_view("ZERO").copy(header.acquisitionStatus, sizeof header.acquisitionStatus);
+  header.thermocycleOffset = 0;
+  header.acquisitionDataOffset = 0;
+  study.SetHeaderData(header);
+}
+
+std::string wells(int size) {
+  return size > 0 ? Counted(static_cast<unsigned>(size), "well") : "a size of its own";
+}
+
+bool hasName(const Vex2FileManager& study, const CString& name) {
+  CStringList names;
+  CStringList dates;
+  study.GetMultiPlateList(names, dates);
+  for (POSITION at = names.GetHeadPosition(); at != nullptr;) {
+    if (names.GetNext(at) == name) return true;
+  }
+  return false;
+}
+
+std::string add(Vex2FileManager& study, Document& plate) {
+  DocumentFile& content = plate.Content();
+  const CString path = wholePath(plate.Path());
+  const CString name = plateName(plate, path);
+  const std::string shown = Escaped(ToUtf8(name.View()));
+  if (content.GetPlateSize() != study.GetPlateSize()) {
+    refuse(plate, "a plate of " + wells(content.GetPlateSize()) +
+                      " cannot be in a study of plates of " + wells(study.GetPlateSize()));
+  }
+  content.SetFilePath(path.GetString());
+  if (!study.AddRQPlate(&content, plate.Modified().Format(kDateForm))) {
+    if (!hasName(study, name)) throw std::bad_alloc();
+    refuse(plate, "the study has a plate '" + shown + "' already");
+  }
+  return "+ " + shown + ": " + wells(content.GetPlateSize()) + ", " +
+         Counted(static_cast<unsigned>(content.GetDataFrameCount(DataRAWa)), "frame") + "\n";
+}
+
+}  // namespace
+
+std::string AddPlates(Vex2FileManager& study, const std::string& studyPath,
+                      const std::vector<std::string>& paths, const SaveRules& rules,
+                      const std::function<void(const std::string& path)>& onPlate) {
+  const bool isNew = !study.IsRQS();
+  // A study that was read knows its plates, but not yet that their names are taken.
+  study.SyncPlatesWithAnalysisStorageMap();
+  std::string report;
+  for (const std::string& path : paths) {
+    onPlate(path);
+    Document plate(path);
+    requirePlate(plate);
+    PrepareToSave(plate, studyPath, rules);
+    if (isNew && report.empty()) beginStudy(study, plate.Content().GetHeaderData());
+    report += add(study, plate);
+  }
+  return report;
+}
+
+void ExtractPlate(const Document& study, const Document::Plate& plate, const std::string& target,
+                  const SaveRules& rules) {
+  PreparePlateToSave(study, plate, target, rules);
+  DocumentFile single(*plate.content);
+  SaveDocument(single, target);
+}
+
+void RequireStudy(const Document& document) {
+  if (document.IsStudy()) return;
+  throw Error(ErrorCode::kDocument, document.Path(),
+              "this is no study, but a document of one plate; make a study of it with 'vex study "
+              "new'");
+}
+
+}  // namespace vex2::lab

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "lab/model/Document.h"
+#include "lab/model/Saving.h"
+
+namespace vex2::lab {
+
+/// Brings the documents at `paths` into `study` as plates, one after the other, and answers a line
+/// about each; `onPlate` is told the path of the next one. An empty document becomes a study for
+/// plates like the first. Throws an error that says why a plate cannot be added; the study is then
+/// of no use any more.
+std::string AddPlates(Vex2FileManager& study, const std::string& studyPath,
+                      const std::vector<std::string>& paths, const SaveRules& rules,
+                      const std::function<void(const std::string& path)>& onPlate);
+
+/// Saves one plate of `study` to `target` as a document of its own. Throws an error when that
+/// fails. `OutputFiles` says whether `target` may be written.
+void ExtractPlate(const Document& study, const Document::Plate& plate, const std::string& target,
+                  const SaveRules& rules);
+
+/// Throws an error unless `document` is a study.
+void RequireStudy(const Document& document);
+
+}  // namespace vex2::lab

@@ -1,0 +1,85 @@
+#include "lab/record/FrameEncoder.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "lab/Error.h"
+
+namespace vex2::lab {
+
+namespace {
+
+constexpr double kTimeParts = 1000;
+constexpr double kTemperatureParts = 100;
+
+}  // namespace
+
+void RoundedNumbers::Add(double change) {
+  ++count;
+  largestChange = std::max(largestChange, std::abs(change));
+}
+
+std::vector<RunReading> FrameEncoder::Encode(const CollectedFrame& frame) {
+  const std::size_t channels = ChannelCount(plan_);
+  std::vector<RunReading> readings(plan_.wells.size());
+  for (std::size_t well = 0; well < readings.size(); ++well) {
+    RunReading& reading = readings[well];
+    encodeShared(frame.Cells()[well * channels], reading);
+    for (std::size_t channel = 0; channel < channels; ++channel) {
+      const ReadingRow& row = frame.Cells()[well * channels + channel];
+      if (row.fluorescence) {
+        reading.values[channel] = encodeValue(row);
+      } else {
+        reading.missing = static_cast<std::uint16_t>(reading.missing | 1U << channel);
+      }
+    }
+  }
+  return readings;
+}
+
+void FrameEncoder::encodeShared(const ReadingRow& row, RunReading& reading) {
+  reading.melting = row.melting;
+  reading.cycle = row.cycle;
+  reading.time =
+      static_cast<std::uint32_t>(roundTo(rounding_.times, row, "time", row.seconds, kTimeParts));
+  reading.temperature = static_cast<std::uint16_t>(
+      roundTo(rounding_.temperatures, row, "temperature", row.temperature, kTemperatureParts));
+}
+
+double FrameEncoder::roundTo(RoundedNumbers& rounded, const ReadingRow& row, const char* what,
+                             double number, double parts) {
+  const double stored = std::round(number * parts);
+  if (stored / parts != number) {
+    requireExact(row, what, number, stored / parts);
+    rounded.Add(number - stored / parts);
+  }
+  return stored;
+}
+
+std::uint16_t FrameEncoder::encodeValue(const ReadingRow& row) {
+  const double reading = *row.fluorescence;
+  const auto stored = plan_.scale.Store(reading);
+  if (!stored) {
+    std::string why = "row " + std::to_string(row.number) + ": the reading " + PlainText(reading) +
+                      " does not fit in 16 bits with the scale " + plan_.scale.ScaleText();
+    if (plan_.scale.HasOffset()) why += " and the offset " + plan_.scale.OffsetText();
+    if (reading < plan_.scale.Offset().Value()) why += "; no reading can be below the --offset";
+    throw Error(ErrorCode::kDocument, file_, why);
+  }
+  const double kept = plan_.scale.Measured(*stored);
+  if (kept != reading) {
+    requireExact(row, "reading", reading, kept);
+    rounding_.readings.Add(reading - kept);
+  }
+  return *stored;
+}
+
+void FrameEncoder::requireExact(const ReadingRow& row, const std::string& what, double number,
+                                double stored) const {
+  if (!isExact_) return;
+  throw Error(ErrorCode::kDocument, file_,
+              "row " + std::to_string(row.number) + ": the " + what + " " + PlainText(number) +
+                  " would be rounded to " + PlainText(stored) + "; without --exact it is");
+}
+
+}  // namespace vex2::lab

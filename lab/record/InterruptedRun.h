@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "lab/record/RunPlan.h"
+#include "vex2/framework/CFile.h"
+
+namespace vex2::lab {
+
+/// The log of the document at `path`; empty when there is none.
+std::string RecordedLog(const std::string& path);
+
+/// The code of its assay. Throws an error when it cannot be read.
+std::string RecordedAssay(const std::string& path);
+
+/// What a recorder that was cut off has left of its document. Found by the lengths of its records,
+/// as the header's position of the data block may be wrong and the file may go on behind it.
+class InterruptedRun {
+ public:
+  /// Looks at the document without changing it. Throws an error when it is none that a recorder
+  /// can have been writing.
+  explicit InterruptedRun(const std::string& path);
+
+  /// The recorder had finished, and there is nothing to go on with.
+  bool IsDone() const { return status_ == "DONE"; }
+  bool HasBlock() const { return !wells_.empty(); }
+  /// Frames that are in the document for good.
+  std::size_t FrameCount() const { return frameCount_; }
+
+  /// Throws an error that tells the difference, unless the document holds the beginning of `plan`.
+  void Check(const RunPlan& plan) const;
+  /// Cuts off what a commit has left unfinished, so that the document can be gone on with. A
+  /// repair that is cut off itself leaves a document that can be repaired again.
+  void Repair() const;
+
+ private:
+  void findBlock(CFile& file);
+  void readHead(CFile& file);
+  void countFrames(std::uint64_t fileLength);
+  void checkSettings(const RunPlan& plan) const;
+  void checkContents(const RunPlan& plan) const;
+  void checkTail(const RunPlan& plan) const;
+  void checkReadings(const RunPlan& plan) const;
+  std::uint64_t framesStart() const;
+  std::uint64_t frameBytes() const;
+  [[noreturn]] void refuse(const std::string& why) const;
+  [[noreturn]] void refuseAt(std::uint64_t offset, const std::string& why) const;
+
+  std::string path_;
+  std::string status_;
+  std::uint16_t rows_ = 0;
+  std::uint16_t columns_ = 0;
+  std::uint32_t headerPosition_ = 0;  ///< of the block, as the header has it
+  std::uint64_t blockStart_ = 0;      ///< its tag's position, or where it is to stand
+  std::uint32_t blockLength_ = 0;     ///< as the block has it
+  std::vector<unsigned short> wells_;
+  std::size_t frameCount_ = 0;
+  std::uint64_t tailStart_ = 0;  ///< where what is in the document for good ends
+  std::uint64_t tailBytes_ = 0;
+  std::string tailTag_;
+};
+
+}  // namespace vex2::lab

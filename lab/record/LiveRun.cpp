@@ -1,0 +1,164 @@
+#include "lab/record/LiveRun.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "lab/Error.h"
+#include "lab/Text.h"
+#include "lab/exchange/CsvReader.h"
+#include "lab/record/ScaleChoice.h"
+
+namespace vex2::lab {
+
+namespace {
+
+std::uint32_t earliest(const std::vector<RunReading>& frame) {
+  std::uint32_t time = frame.front().time;
+  for (const RunReading& reading : frame) time = std::min(time, reading.time);
+  return time;
+}
+
+RunPlan planOf(const MeasuredRunFiles& files, const LiveOptions& live) {
+  RunPlan plan = PlanMeasuredRun(files);
+  plan.isLive = true;
+  plan.liveFrames = live.frames;
+  plan.comment = "Recorded live from measured readings";
+  if (const auto scale = GivenScale(files)) plan.scale = *scale;
+  return plan;
+}
+
+}  // namespace
+
+LiveRun::LiveRun(const MeasuredRunFiles& files, LiveOptions live, RecordOptions options,
+                 std::function<void(const RecordState&)> report)
+    : files_(files),
+      live_(std::move(live)),
+      document_(options.path),
+      input_(CsvName(files.readings)),
+      plan_(planOf(files, live_)),
+      recorder_(plan_, std::move(options), std::move(report)),
+      collector_(plan_, input_) {}
+
+Recorder::Outcome LiveRun::Record() {
+  Interrupts interrupts;
+  recorder_.Claim();
+  if (recorder_.WasDone()) return Recorder::Outcome::kWasDone;
+  const bool wasRead =
+      ReadReadingRows({.path = files_.readings,
+                       .findsChannels = false,
+                       .keepsWaiting = [&] { return !isDone_ && !interrupts.Pending(); }},
+                      plan_, [&](const ReadingRow& row) { take(row); });
+  if (isDone_) return Recorder::Outcome::kDone;
+  if (!wasRead) return Recorder::Outcome::kInterrupted;
+  if (!pending_.empty() || live_.frames) refuseEnd();
+  if (plan_.frames.empty()) throw Error(ErrorCode::kDocument, input_, "holds no readings");
+  finish();
+  return Recorder::Outcome::kDone;
+}
+
+void LiveRun::take(const ReadingRow& row) {
+  const FrameKey key{row.melting, row.cycle};
+  const std::string where = "row " + std::to_string(row.number) + ": ";
+  if (received_.count(key) != 0) {
+    throw Error(ErrorCode::kDocument, input_,
+                where + FrameName(row.melting, row.cycle) + " is complete already");
+  }
+  if (isDone_ || (isFull() && !isRecorded(key))) {
+    throw Error(ErrorCode::kDocument, input_,
+                where + FrameName(row.melting, row.cycle) + " follows the last of " +
+                    Counted(plan_.frames.size(), "frame"));
+  }
+  CollectedFrame& frame = collector_.Add(row);
+  if (std::find(pending_.begin(), pending_.end(), key) == pending_.end()) pending_.push_back(key);
+  if (!frame.IsComplete()) return;
+  requireInOrder(frame);
+  if (!encoder_) begin(frame);
+  record(frame);
+  pending_.pop_front();
+  received_.insert(key);
+  collector_.Remove(key);
+  if (isFull() && pending_.empty()) finish();
+}
+
+// A frame that waits behind one that never becomes complete would be in memory alone.
+void LiveRun::requireInOrder(const CollectedFrame& frame) const {
+  if (pending_.front() == frame.Key()) return;
+  const CollectedFrame& first = collector_.Frames().at(pending_.front());
+  throw Error(ErrorCode::kDocument, input_,
+              FrameName(frame.Key().first, frame.Key().second) + " is complete before " +
+                  FrameName(first.Key().first, first.Key().second) + ", of which " +
+                  collector_.MissingText(first) +
+                  "; a row with NA stands for a reading that is missing");
+}
+
+// The scale is to be known before the document is made.
+void LiveRun::begin(const CollectedFrame& first) {
+  if (!files_.scale) {
+    std::vector<double> readings;
+    for (const ReadingRow& row : first.Cells()) {
+      if (row.fluorescence) readings.push_back(*row.fluorescence);
+    }
+    plan_.scale = ChooseScaleAhead(readings, files_.offset);
+  }
+  encoder_.emplace(plan_, input_, files_.isExact);
+  // Nothing is made for a frame that cannot be recorded.
+  if (!recorder_.GoesOn())
+    static_cast<void>(FrameEncoder(plan_, input_, files_.isExact).Encode(first));
+  static_cast<void>(recorder_.Begin());
+  for (std::size_t i = 0; i < recorder_.FramesDone(); ++i) {
+    plan_.frames.push_back(recorder_.RecordedFrame(i));
+    const RunReading& reading = plan_.frames.back().front();
+    recorded_.emplace(FrameKey(reading.melting, reading.cycle), i);
+  }
+}
+
+void LiveRun::record(const CollectedFrame& frame) {
+  const bool wasExact = encoder_->Rounded().IsExact();
+  std::vector<RunReading> readings = encoder_->Encode(frame);
+  if (wasExact && !encoder_->Rounded().IsExact() && live_.onRounded) {
+    live_.onRounded(encoder_->Rounded(), plan_.scale);
+  }
+  if (isRecorded(frame.Key())) return compare(frame.Key(), readings);
+  if (!plan_.frames.empty() && earliest(readings) < earliest(plan_.frames.back())) {
+    throw Error(
+        ErrorCode::kDocument, input_,
+        FrameName(frame.Key().first, frame.Key().second) +
+            " is earlier than the frame before it; frames come in the order of their times");
+  }
+  plan_.frames.push_back(std::move(readings));
+  recorded_.emplace(frame.Key(), plan_.frames.size() - 1);
+  recorder_.Append();
+}
+
+void LiveRun::compare(FrameKey key, const std::vector<RunReading>& frame) const {
+  const std::size_t index = recorded_.at(key);
+  const auto& recorded = plan_.frames[index];
+  const auto differs = std::mismatch(recorded.begin(), recorded.end(), frame.begin()).first;
+  if (differs == recorded.end()) return;
+  const auto well = static_cast<std::size_t>(differs - recorded.begin());
+  throw Error(ErrorCode::kDocument, document_,
+              "frame " + std::to_string(index) + " holds another reading of well " +
+                  plan_.plate.NameOf(plan_.wells[well]));
+}
+
+void LiveRun::finish() {
+  plan_.liveFrames = plan_.frames.size();
+  recorder_.Finish();
+  isDone_ = true;
+}
+
+void LiveRun::refuseEnd() const {
+  std::string why = "ended after " + Counted(plan_.frames.size(), "frame");
+  if (live_.frames) {
+    why = "ended after " + std::to_string(plan_.frames.size()) + " of " +
+          Counted(*live_.frames, "frame");
+  }
+  if (!pending_.empty()) {
+    why += " and a part of another, which is not recorded: " +
+           collector_.MissingText(collector_.Frames().at(pending_.front()));
+  }
+  if (!plan_.frames.empty()) why += "; the same command with --resume goes on";
+  throw Error(ErrorCode::kDocument, input_, why);
+}
+
+}  // namespace vex2::lab

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <optional>
+#include <set>
+#include <string>
+
+#include "lab/Interrupts.h"
+#include "lab/record/FrameCollector.h"
+#include "lab/record/FrameEncoder.h"
+#include "lab/record/MeasuredRun.h"
+#include "lab/record/Recorder.h"
+
+namespace vex2::lab {
+
+/// How a live run is brought to its document.
+struct LiveOptions {
+  std::optional<std::size_t> frames;  ///< of the whole run; nothing: it ends when its input does
+  /// Called when something is rounded for the first time.
+  std::function<void(const Rounding&, const ReadingScale&)> onRounded;
+};
+
+/// Records readings as they arrive, each frame as soon as its last reading has. The frames must
+/// become complete in the order in which they began, and in that of their times; the rows of one
+/// may come in any order. A run that is gone on with may send the frames that the document holds
+/// again, which are compared, or leave them out.
+class LiveRun {
+ public:
+  LiveRun(const MeasuredRunFiles& files, LiveOptions live, RecordOptions options,
+          std::function<void(const RecordState&)> report);
+
+  /// Records until the input, the run or the user ends it. Throws an error, and then the document
+  /// holds every frame that was reported and can be gone on with; so also when the input ends
+  /// within a frame, or before the number of frames that was given.
+  Recorder::Outcome Record();
+
+  /// As far as it is known by now.
+  const RunPlan& Plan() const { return plan_; }
+  const Rounding& Rounded() const { return encoder_->Rounded(); }
+  bool HasBegun() const { return encoder_.has_value(); }
+
+ private:
+  void take(const ReadingRow& row);
+  void requireInOrder(const CollectedFrame& frame) const;
+  void begin(const CollectedFrame& first);
+  void record(const CollectedFrame& frame);
+  bool isRecorded(FrameKey key) const { return recorded_.count(key) != 0; }
+  void compare(FrameKey key, const std::vector<RunReading>& frame) const;
+  bool isFull() const { return live_.frames && plan_.frames.size() >= *live_.frames; }
+  void finish();
+  [[noreturn]] void refuseEnd() const;
+
+  MeasuredRunFiles files_;
+  LiveOptions live_;
+  std::string document_;
+  std::string input_;  ///< what messages call it
+  bool resumes_;
+  RunPlan plan_;
+  Recorder recorder_;
+  FrameCollector collector_;
+  std::optional<FrameEncoder> encoder_;       ///< once the scale is known
+  std::deque<FrameKey> pending_;              ///< frames that have begun, in this order
+  std::map<FrameKey, std::size_t> recorded_;  ///< by their indexes in the document
+  std::set<FrameKey> received_;               ///< recorded frames whose rows have come
+  bool isDone_ = false;
+};
+
+}  // namespace vex2::lab

@@ -1,0 +1,58 @@
+#include "lab/record/PlanDocument.h"
+
+#include <algorithm>
+
+namespace vex2::lab {
+
+namespace {
+
+Vex2HeaderData headerFor(const RunPlan& plan) {
+  Vex2HeaderData header;
+  std::copy_n(plan.plate.TypeCode(), sizeof header.plateTypeCode, header.plateTypeCode);
+  header.SetRows(static_cast<std::uint16_t>(plan.plate.rows));
+  header.columns = static_cast<std::uint16_t>(plan.plate.columns);
+  if (!plan.assay.empty()) plan.assay.copy(header.assayCode, sizeof header.assayCode);
+  std::fill_n(header.usage, plan.plate.rows, 0U);
+  for (const unsigned well : plan.wells) {
+    header.usage[(well - 1) / plan.plate.columns] |= 1U << ((well - 1) % plan.plate.columns);
+  }
+  return header;
+}
+
+void setSettings(Vex2FileManager& document, const RunPlan& plan) {
+  Vex2GlobalComplex settings;
+  const std::string log = LogText(plan);
+  settings.SetComment(plan.comment.data(), static_cast<std::uint32_t>(plan.comment.size()));
+  settings.SetLog(log.data(), static_cast<std::uint32_t>(log.size()));
+  document.ReplaceGlobalComplexComp(&settings);
+}
+
+void setProgram(Vex2FileManager& document, const RunPlan& plan) {
+  const std::string text = ProgramText(plan);
+  ThermocycleProgram program;
+  program.length = static_cast<std::uint32_t>(text.size());
+  program.Allocate();
+  std::copy(text.begin(), text.end(), program.data);
+  document.ReplaceThermocycleProgram(&program);
+}
+
+}  // namespace
+
+void StorePlan(Vex2FileManager& document, const RunPlan& plan) {
+  document.SetHeaderData(headerFor(plan));
+  setSettings(document, plan);
+  if (!plan.isLive) setProgram(document, plan);
+  StoreContents(document, plan.contents);
+  StoreCalibration(document, plan.calibration);
+}
+
+void StoreWhatIsKnownLast(Vex2FileManager& document, const RunPlan& plan) {
+  Vex2GlobalComplex settings;
+  static_cast<void>(document.GetGlobalComplexInfo(&settings));
+  const std::string log = LogText(plan);
+  settings.SetLog(log.data(), static_cast<std::uint32_t>(log.size()));
+  document.ReplaceGlobalComplexComp(&settings);
+  setProgram(document, plan);
+}
+
+}  // namespace vex2::lab

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "lab/record/RunPlan.h"
+#include "vex2/manager/Vex2FileManager.h"
+
+namespace vex2::lab {
+
+/// Puts into the document all that the plan says but the readings: header, settings, program, what
+/// the wells hold, and the calibration.
+void StorePlan(Vex2FileManager& document, const RunPlan& plan);
+
+/// Puts into the document what is known of a live run only at its end: the number of frames, in
+/// the log, and the program.
+void StoreWhatIsKnownLast(Vex2FileManager& document, const RunPlan& plan);
+
+}  // namespace vex2::lab

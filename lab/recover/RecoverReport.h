@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vex2::lab {
+
+/// A tag for people.
+std::string InQuotes(std::string_view tag);
+
+/// A place in the damaged file.
+struct RecoverNote {
+  std::uint64_t offset = 0;
+  std::uint64_t bytes = 0;
+  std::string what;
+};
+
+/// What a recovery found of a damaged file, and what it did not.
+struct RecoverReport {
+  /// So many places are told one by one; all are counted.
+  static constexpr std::size_t kMostNotes = 1000;
+
+  std::uint64_t size = 0;     ///< of the damaged file
+  std::uint64_t written = 0;  ///< bytes of the new one
+  std::uint64_t records = 0;  ///< whole ones, also within lists
+  std::uint64_t frames = 0;
+  std::uint64_t plates = 0;  ///< of a study
+
+  bool hasHeader = false;  ///< one that is whole, with or without records
+
+  std::uint64_t lostBytes = 0;
+  std::uint64_t lostRecords = 0;  ///< at least: how many stood in unreadable bytes, none can say
+  std::uint64_t lostFrames = 0;
+
+  std::vector<RecoverNote> lost;    ///< by offset
+  std::vector<RecoverNote> mended;  ///< what was put right, or put in as a guess
+  std::uint64_t lostPlaces = 0;
+  std::uint64_t mendedPlaces = 0;
+
+  std::uint64_t madeHeads = 0;  ///< of the document, plates and data blocks: damaged, made anew
+
+  bool IsWhole() const {
+    return lostBytes == 0 && lostRecords == 0 && lostFrames == 0 && madeHeads == 0;
+  }
+
+  /// Whether a document was found at all: a header alone is one.
+  bool IsAnything() const { return records > 0 || frames > 0 || hasHeader; }
+
+  void Lose(std::uint64_t offset, std::uint64_t bytes, std::string what) {
+    lostBytes += bytes;
+    ++lostPlaces;
+    if (lost.size() < kMostNotes) lost.push_back({offset, bytes, std::move(what)});
+  }
+  void Mend(std::uint64_t offset, std::string what) {
+    ++mendedPlaces;
+    if (mended.size() < kMostNotes) mended.push_back({offset, 0, std::move(what)});
+  }
+};
+
+}  // namespace vex2::lab

@@ -1,0 +1,300 @@
+#include "lab/recover/RecoverTree.h"
+
+#include <algorithm>
+
+#include "lab/Text.h"
+#include "lab/check/RecordPlaces.h"
+#include "lab/model/FileLayout.h"
+#include "lab/recover/RecoverHeader.h"
+
+namespace vex2::lab {
+
+namespace {
+
+constexpr std::size_t kCopied = 16 * 1024;
+constexpr std::uint64_t kMostRecords = 65535;
+
+}  // namespace
+
+std::string InQuotes(std::string_view tag) {
+  return "\"" + ToUtf8(tag) + "\"";
+}
+
+void RecoverTree::Copy(std::uint64_t from, std::uint64_t to) {
+  while (from < to) {
+    const auto bytes = source_.View(from, kCopied);
+    const std::size_t count = std::min<std::uint64_t>(bytes.size(), to - from);
+    if (count == 0) return;
+    out_.Write(bytes.data(), count);
+    position_ += count;
+    from += count;
+  }
+}
+
+void RecoverTree::Append(const std::vector<std::uint8_t>& bytes) {
+  out_.Write(bytes.data(), bytes.size());
+  position_ += bytes.size();
+}
+
+void RecoverTree::Patch(std::uint64_t at, std::span<const std::uint8_t> bytes) {
+  out_.Seek(static_cast<std::int64_t>(at), CFile::begin);
+  out_.Write(bytes.data(), bytes.size());
+  out_.Seek(static_cast<std::int64_t>(position_), CFile::begin);
+}
+
+void RecoverTree::Settle(std::uint64_t offset, std::string_view tag, bool afterLoss) {
+  while (!open_.empty() && isComplete(open_.back(), offset, tag, afterLoss)) {
+    closeOrEnd();
+  }
+}
+
+std::string_view RecoverTree::tagAround(const List& list) const {
+  const auto index = static_cast<std::size_t>(&list - open_.data());
+  return index == 0 ? std::string_view() : std::string_view(open_[index - 1].tag);
+}
+
+bool RecoverTree::isComplete(const List& list, std::uint64_t offset, std::string_view tag,
+                             bool afterLoss) const {
+  if (list.seen >= kMostRecords && !list.isPlate) return true;
+  if (list.isPlate) return isPlateOver(list, tag, afterLoss);
+  if (list.isMade) {
+    const bool isPastOuter = std::any_of(open_.begin(), open_.end(), [&](const List& outer) {
+      return outer.isTrusted && outer.end <= offset;
+    });
+    return !tag.empty() && (isPastOuter || !StandsIn(list.tag, tag));
+  }
+  if (list.tag == "MPLC" && !tag.empty() && tag != "RQPl") {
+    return !afterLoss || list.seen >= list.count || !StandsIn("RQPl", tag) || tag == "EOF ";
+  }
+  if (list.isTrusted && isEndPlausible(list, tag)) return offset >= list.end;
+  return isCounted(list, offset, tag, afterLoss);
+}
+
+// A declared end that whole records speak against: one that the list lacks comes behind it, or one
+// that does not belong there before it.
+bool RecoverTree::isEndPlausible(const List& list, std::string_view tag) const {
+  if (tag.empty()) return true;
+  const bool isAtHome = StandsIn(list.tag, tag);
+  const bool isAtHomeAround = StandsIn(tagAround(list), tag);
+  return list.seen < list.count ? !isAtHome || isAtHomeAround : isAtHome || !isAtHomeAround;
+}
+
+// Its own end record is the only one that a plate has.
+bool RecoverTree::isPlateOver(const List& plate, std::string_view tag, bool afterLoss) const {
+  if (tag.empty() || tag == "EOPl") return false;
+  if (tag == "RQPl" || tag == "EOF " || tag == "MPLC") return true;
+  if (!afterLoss) return false;
+  const auto has = [&](std::string_view other) { return plate.tags.count(std::string(other)) > 0; };
+  if (has("RQPD") || has(tag)) return true;
+  // Behind the last plate come the study's own.
+  const auto index = static_cast<std::size_t>(&plate - open_.data());
+  const bool isLast = index > 0 && open_[index - 1].seen >= open_[index - 1].count;
+  return isLast && (tag == "CALR" || tag == "ENDO" || tag == "RQAT" || tag == "Conf");
+}
+
+// Whether it stands in one of those that the list is in, or in the document itself.
+bool RecoverTree::isAtHomeOutside(const List& list, std::string_view tag) const {
+  return StandsIn("", tag) || std::any_of(open_.data(), &list, [&](const List& outer) {
+           return StandsIn(outer.tag, tag);
+         });
+}
+
+// Of a list whose declared length leads nowhere.
+bool RecoverTree::isCounted(const List& list, std::uint64_t offset, std::string_view tag,
+                            bool afterLoss) const {
+  const bool isFull = list.seen >= list.count;
+  const bool isAtHome = StandsIn(list.tag, tag);
+  const bool isAtHomeAround = StandsIn(tagAround(list), tag);
+  if (isFull) return tag.empty() || !isAtHome || isAtHomeAround;
+  // So many do not fit into the file.
+  const bool isCountWrong = list.offset + kRecordHeadSize * list.count > source_.Size();
+  if (!afterLoss && !isCountWrong && offset < list.end) return false;
+  const bool isOthers = !isAtHome && isAtHomeOutside(list, tag);
+  return isOthers || (afterLoss && offset >= list.end);
+}
+
+void RecoverTree::Wrap(std::uint64_t offset, std::string_view tag) {
+  constexpr int kMostMade = 4;
+  // In the list of plates, everything else stands in a plate.
+  if (OpenTag() == "MPLC" && tag != "RQPl") openMade(offset, "RQPl");
+  const std::string here(OpenTag());
+  if (StandsIn(here, tag)) return;
+  std::vector<std::string_view> needed;
+  // What is open tells most of a record that stands in several lists, then what follows.
+  const auto head = HeadAt(source_, offset);
+  const auto behind = head ? HeadAt(source_, head->next) : std::nullopt;
+  std::string_view home = HomeOf(tag, !IsAtTop() || !behind ? here : behind->Tag());
+  for (int i = 0; i < kMostMade && !home.empty(); ++i, home = HomeOf(home)) {
+    needed.push_back(home);
+    if (StandsIn(here, home)) break;
+  }
+  if (needed.empty() || !StandsIn(here, needed.back())) return;
+  std::for_each(needed.rbegin(), needed.rend(),
+                [&](std::string_view list) { openMade(offset, list); });
+}
+
+// Cells stand in the order of their wells, and mostly say so.
+std::vector<std::uint8_t> RecoverTree::cellFields() const {
+  const std::uint64_t index = open_.empty() || open_.back().seen == 0 ? 0 : open_.back().seen - 1;
+  if (columns_ == 0) return {0, 0, 0, 0, 1};
+  const auto row = ShortBytes(static_cast<std::uint16_t>(index / columns_));
+  const auto column = ShortBytes(static_cast<std::uint16_t>(index % columns_));
+  return {row[0], row[1], column[0], column[1], 1};
+}
+
+void RecoverTree::AddEmptyCells(std::uint64_t offset, std::uint64_t count) {
+  const std::uint64_t first = open_.back().seen + 1;
+  for (std::uint64_t i = 0; i < count; ++i) {
+    Count("CELL");
+    Append({'C', 'E', 'L', 'L', 0, 0, 0, 7, 0, 0});
+    Append(cellFields());
+  }
+  const std::string last = std::to_string(open_.back().seen);
+  report_.Mend(offset, count == 1
+                           ? "an empty cell keeps the place of cell " + last + ", which was lost"
+                           : "empty cells keep the places of cells " + std::to_string(first) +
+                                 " to " + last + ", which were lost");
+  report_.lostRecords += count;
+}
+
+std::uint64_t RecoverTree::OutermostEnd() const {
+  std::uint64_t end = 0;
+  for (const List& list : open_) {
+    if (list.isPlate || list.hasPlates) {
+      end = 0;
+    } else if (end == 0 && list.isTrusted) {
+      end = list.end;
+    }
+  }
+  return end;
+}
+
+void RecoverTree::openMade(std::uint64_t offset, std::string_view tag) {
+  Count(tag);
+  RecoverHead head;
+  head.offset = offset;
+  std::copy(tag.begin(), tag.end(), head.tagBytes.begin());
+  head.kind = &KindOf(tag);
+  head.length = head.kind->layout == BodyLayout::kCell ? 7 : 2;
+  std::vector<std::uint8_t> bytes(tag.begin(), tag.end());
+  const auto add = [&](std::span<const std::uint8_t> more) {
+    bytes.insert(bytes.end(), more.begin(), more.end());
+  };
+  add(LongBytes(head.length));
+  add(ShortBytes(0));
+  if (head.kind->layout == BodyLayout::kCell) add(cellFields());
+  if (head.kind->layout == BodyLayout::kPlate) add(MadeHeader({}, true));
+  Append(bytes);
+  Open(head, tag, bytes.size(), false);
+  open_.back().isMade = true;
+  report_.Mend(offset, "the list " + InQuotes(tag) + " was made anew around what was in it");
+}
+
+void RecoverTree::Open(const RecoverHead& head, std::string_view tag, std::uint64_t bytes,
+                       bool isTrusted) {
+  List list;
+  list.tag = tag;
+  list.offset = head.offset;
+  list.written = position_ - bytes;
+  list.end = head.DeclaredEnd();
+  list.length = head.length;
+  list.count = head.count;
+  list.isTrusted = isTrusted;
+  list.isPlate = head.kind->layout == BodyLayout::kPlate;
+  if (list.isPlate) ++report_.plates;
+  for (List& outer : open_) outer.hasPlates = outer.hasPlates || list.isPlate;
+  open_.push_back(std::move(list));
+}
+
+void RecoverTree::RightTag(const RecoverHead& head) {
+  const auto bytes = source_.View(head.offset, head.tagBytes.size());
+  if (std::equal(head.tagBytes.begin(), head.tagBytes.end(), bytes.begin())) return;
+  const std::string_view tag = head.Tag();
+  Patch(open_.back().written, {reinterpret_cast<const std::uint8_t*>(tag.data()), tag.size()});
+}
+
+void RecoverTree::Count(std::string_view tag) {
+  if (open_.empty()) {
+    tags_.emplace(tag);
+    return;
+  }
+  ++open_.back().seen;
+  if (open_.back().isPlate) open_.back().tags.emplace(tag);
+}
+
+std::uint32_t RecoverTree::rightLength(const List& list) const {
+  const std::uint64_t held = position_ - list.written - kRecordHeadSize;
+  if (list.tag == "MPLC") {
+    // 10 for each plate, each time that it was read and saved.
+    const std::uint64_t least = 2 + 10 * list.seen;
+    const bool isPlausible = list.length % 10 == 2 && list.length >= least && list.length <= held;
+    return isPlausible ? list.length : static_cast<std::uint32_t>(least);
+  }
+  if (list.isPlate) return 2;
+  if (list.hasPlates && list.length <= held) return list.length;
+  return static_cast<std::uint32_t>(held);
+}
+
+void RecoverTree::close() {
+  const List list = std::move(open_.back());
+  open_.pop_back();
+  const bool isLess = !list.isMade && !list.isPlate && list.seen < list.count;
+  if (isLess) report_.lostRecords += list.count - list.seen;
+  const std::uint16_t count = list.isPlate ? 0 : static_cast<std::uint16_t>(list.seen);
+  if (count != list.count) Patch(list.written + kRecordHeadSize, ShortBytes(count));
+  const std::uint32_t length = rightLength(list);
+  if (length != list.length) Patch(list.written + 4, LongBytes(length));
+  if (list.isMade || (count == list.count && length == list.length)) return;
+  report_.Mend(list.offset, "the list " + InQuotes(list.tag) + " now says " +
+                                Counted(count, "record") + " in " + Counted(length, "byte") +
+                                ", not " + std::to_string(list.count) + " in " +
+                                std::to_string(list.length));
+}
+
+void RecoverTree::ClosePlate() {
+  while (!open_.empty() && !open_.back().isPlate) close();
+  if (!open_.empty()) close();
+}
+
+void RecoverTree::CloseAll() {
+  while (!open_.empty()) closeOrEnd();
+}
+
+// A plate whose own end was not there gets one.
+void RecoverTree::closeOrEnd() {
+  if (open_.back().isPlate) {
+    std::vector<std::uint8_t> end = {'E', 'O', 'P', 'l', 0, 0, 0, 4, 0, 0, 0, 0};
+    Append(end);
+    report_.Mend(open_.back().offset, "the plate had no end record, and was given one");
+  }
+  close();
+}
+
+bool RecoverTree::IsInPlate() const {
+  return std::any_of(open_.begin(), open_.end(), [](const List& list) { return list.isPlate; });
+}
+
+const std::set<std::string>& RecoverTree::TagsAtTop() const {
+  const auto plate =
+      std::find_if(open_.rbegin(), open_.rend(), [](const List& list) { return list.isPlate; });
+  return plate == open_.rend() ? tags_ : plate->tags;
+}
+
+bool RecoverTree::EndsAt(std::uint64_t offset) const {
+  return std::any_of(open_.begin(), open_.end(),
+                     [&](const List& list) { return !list.isMade && list.end == offset; });
+}
+
+bool RecoverTree::IsPastEnd(std::uint64_t offset) const {
+  return std::any_of(open_.begin(), open_.end(), [&](const List& list) {
+    return list.isTrusted && !list.hasPlates && list.end < offset;
+  });
+}
+
+std::uint64_t RecoverTree::Missing() const {
+  if (open_.empty() || !open_.back().isTrusted) return 0;
+  const List& list = open_.back();
+  return list.count - std::min<std::uint64_t>(list.count, list.seen);
+}
+
+}  // namespace vex2::lab

@@ -1,0 +1,322 @@
+#include "lab/recover/Recovery.h"
+
+#include <algorithm>
+
+#include "lab/Error.h"
+#include "lab/Text.h"
+#include "lab/check/RecordPlaces.h"
+#include "lab/model/FileLayout.h"
+#include "lab/model/HeaderFields.h"
+#include "vex2/format/RecordKinds.h"
+
+namespace vex2::lab {
+
+namespace {
+
+constexpr std::uint64_t kListFields = 2;
+constexpr std::uint64_t kCellFields = 7;
+// As deep as readers go: a record within so many lists is not read.
+constexpr std::size_t kDeepest = 63;
+
+bool isPlateHeader(RecoverSource& source, const RecoverHead& plate) {
+  constexpr std::uint32_t kMagic = 0x56657832;
+  return source.Long(plate.offset + kRecordHeadSize + kListFields) == kMagic;
+}
+
+bool isPrintableAt(RecoverSource& source, std::uint64_t offset) {
+  const auto bytes = source.View(offset, kTagLength);
+  return bytes.size() >= kTagLength &&
+         IsPlain({reinterpret_cast<const char*>(bytes.data()), kTagLength});
+}
+
+}  // namespace
+
+RecoverReport Recover(CFile& in, CFile& out, const RecoverProgress& progress) {
+  return Recovery(in, out, progress).Run();
+}
+
+RecoverReport Recovery::Run() {
+  report_.size = source_.Size();
+  const auto header = source_.View(0, HeaderLayout::kSize);
+  header_.assign(header.begin(), header.begin() + static_cast<std::ptrdiff_t>(std::min<std::size_t>(
+                                                      header.size(), HeaderLayout::kSize)));
+  auto written = header_;
+  written.resize(HeaderLayout::kSize);
+  tree_.Append(written);
+  if (IsHeaderWhole(header_)) {
+    tree_.SetColumns(ShortAt(header_, HeaderLayout::kColumnsAt));
+  }
+  std::uint64_t offset = firstRecord();
+  while (offset < source_.Size()) {
+    if (progress_) progress_(offset);
+    offset = step(offset);
+  }
+  tree_.CloseAll();
+  finishHeader();
+  report_.written = tree_.Position();
+  return report_;
+}
+
+// Behind the header, unless that is gone, bytes and all.
+std::uint64_t Recovery::firstRecord() {
+  if (source_.Size() == HeaderLayout::kSize || HeadAt(source_, HeaderLayout::kSize))
+    return HeaderLayout::kSize;
+  const auto early = FindHead(source_, 0, HeaderLayout::kSize);
+  if (!early) return std::min(HeaderLayout::kSize, source_.Size());
+  header_.clear();
+  return *early;
+}
+
+std::uint64_t Recovery::step(std::uint64_t offset) {
+  if (const auto head = HeadAt(source_, offset); head && isCredible(*head)) return keep(*head);
+  if (isPlateEnd(offset)) return keepPlateEnd(offset);
+  std::string tag;
+  if (const auto list = listWithoutTag(offset, tag)) return keepList(*list, tag);
+  const auto block = BlockAt(source_, offset);
+  const bool isVersion = block && (block->version == 1 || block->version == 2);
+  if (isVersion && block->tag.empty() && block->lengthAgrees && block->wells > 0 &&
+      IsBoundary(source_, block->End()) &&
+      !ReadWellNumbers(source_, block->firstFrame - 2U * block->wells, block->wells).empty()) {
+    return keepFound(*block, offset, block->End());
+  }
+  if (const auto unknown = UnknownHeadAt(source_, offset, tree_.OpenEnd())) {
+    return keepUnknown(*unknown);
+  }
+  return passGap(offset);
+}
+
+// A record that what follows it does not confirm is kept when its own numbers do: then it is what
+// follows that is damaged. A length that may be any is only wrong when whole records lie in it and
+// across its end, or when that is past the list's.
+bool Recovery::isCredible(const RecoverHead& head) {
+  if (tree_.Depth() > kDeepest) return false;
+  if (head.HoldsRecords()) return isCredibleList(head);
+  if (!IsOfAnyLength(head.kind->layout) && head.exact) return true;
+  return !FindHead(source_, head.offset + 1, head.next, tree_.IsPastEnd(head.next) ? 0 : head.next);
+}
+
+bool Recovery::isCredibleList(const RecoverHead& head) {
+  const auto first = HeadAt(source_, head.next);
+  if (first && StandsIn(head.Tag(), first->Tag())) return true;
+  if (head.kind->layout == BodyLayout::kPlate) {
+    return first || isPlateHeader(source_, head);
+  }
+  return (head.exact && head.DeclaredEnd() <= source_.Size()) || IsBoundary(source_, head.next);
+}
+
+// The numbers of a list lead to a record that stands in one: only its tag is damaged.
+std::optional<RecoverHead> Recovery::listWithoutTag(std::uint64_t offset, std::string& tag) {
+  const auto length = source_.Long(offset + 4);
+  if (!length || *length < kListFields) return std::nullopt;
+  for (const std::uint64_t fields : {kListFields, kCellFields, kListFields + HeaderLayout::kSize}) {
+    const bool isPlate = fields > kCellFields;
+    const std::string_view home = isPlate ? "RQPl" : listAround(offset, fields);
+    if (home.empty()) continue;
+    RecoverHead head;
+    head.offset = offset;
+    head.kind = &KindOf(home);
+    std::copy(home.begin(), home.end(), head.tagBytes.begin());
+    head.length = *length;
+    head.count = source_.Short(offset + kRecordHeadSize).value_or(0);
+    head.next = offset + kRecordHeadSize + fields;
+    head.exact = true;
+    if (isPlate) {
+      if (*length != kListFields || head.count != 0 || !isPlateHeader(source_, head)) continue;
+    } else if (home != "MPLC") {
+      if (head.count == 0 || *length < fields + kRecordHeadSize * head.count) continue;
+      if (!IsBoundary(source_, head.DeclaredEnd())) continue;
+    }
+    tag = home;
+    report_.Mend(offset, "a list whose tag was damaged was taken for " + InQuotes(home));
+    return head;
+  }
+  return std::nullopt;
+}
+
+// The list that the record at the place of a list's first one stands in, the one whose tag is the
+// most like what is there; nothing when there is no such record, or another program's list.
+std::string_view Recovery::listAround(std::uint64_t offset, std::uint64_t fields) {
+  const auto first = HeadAt(source_, offset + kRecordHeadSize + fields);
+  if (!first || !first->exact) return {};
+  const auto layout = fields == kCellFields ? BodyLayout::kCell : BodyLayout::kList;
+  std::string_view best;
+  int most = isPrintableAt(source_, offset) ? 0 : -1;
+  for (const std::string_view home : HomesOf(first->Tag())) {
+    if (home.empty() || KindOf(home).layout != layout) continue;
+    const int alike = Likeness(source_, offset, home);
+    if (alike <= most) continue;
+    most = alike;
+    best = home;
+  }
+  return best;
+}
+
+// The end of the plate that is open, but for its tag.
+bool Recovery::isPlateEnd(std::uint64_t offset) {
+  constexpr std::uint32_t kEndLength = 4;
+  return tree_.OpenTag() == "RQPl" && source_.Long(offset + kTagLength) == kEndLength &&
+         source_.Long(offset + kRecordHeadSize) == 0U && Likeness(source_, offset, "EOPl") > 0;
+}
+
+// Only half of its length and its value are left, and what follows stands in no plate, or in any.
+bool Recovery::isRestOfPlateEnd(std::uint64_t offset) {
+  constexpr std::uint32_t kEndLength = 4;
+  const std::uint64_t value = offset + kRecordHeadSize;
+  if (tree_.OpenTag() != "RQPl" || source_.Short(value - 2) != kEndLength ||
+      source_.Long(value) != 0U) {
+    return false;
+  }
+  const auto next = HeadAt(source_, value + kEndLength);
+  return next && (StandsIn("", next->Tag()) || next->Tag() == "RQPl");
+}
+
+std::uint64_t Recovery::keepPlateEnd(std::uint64_t offset) {
+  constexpr std::uint64_t kValueSize = 4;
+  makeRoom(offset, "EOPl");
+  ++report_.records;
+  tree_.Append({'E', 'O', 'P', 'l', 0, 0, 0, kValueSize});
+  tree_.Copy(offset + kRecordHeadSize, offset + kRecordHeadSize + kValueSize);
+  tree_.ClosePlate();
+  report_.Mend(offset, "the record \"EOPl\", the end of the plate, was given its tag again");
+  return offset + kRecordHeadSize + kValueSize;
+}
+
+// By its header, where that can be believed.
+bool Recovery::isNoStudy() const {
+  constexpr std::string_view kStudy = "RQSt";
+  return IsHeaderWhole(header_) &&
+         !std::equal(kStudy.begin(), kStudy.end(), header_.begin() + HeaderLayout::kAssayCodeAt);
+}
+
+// Whether an end of a plate comes before the begin of another.
+bool Recovery::endsInPlate(std::uint64_t offset) {
+  constexpr int kMostHeads = 4096;
+  for (int i = 0; i < kMostHeads; ++i) {
+    const auto head = HeadAt(source_, offset);
+    if (!head || head->Tag() == "RQPl" || head->Tag() == "MPLC") return false;
+    if (head->Tag() == "EOPl") return true;
+    offset = head->next;
+  }
+  return false;
+}
+
+// In the lists that were lost, and in a plate whose begin was.
+void Recovery::wrap(std::uint64_t offset, std::string_view tag) {
+  const bool isOutside = tree_.Depth() == 0;
+  const bool isPlates = HomeOf(tag) == "RQPl";
+  // Where there should be no plates, their records may stand alone.
+  if (isOutside && (isPlates || !isNoStudy()) && endsInPlate(offset)) {
+    tree_.Wrap(offset, "Path");
+  } else if (isOutside && isPlates && isNoStudy()) {
+    return;
+  }
+  tree_.Wrap(offset, tag);
+}
+
+// Brings the tree to where a record with that tag goes.
+void Recovery::makeRoom(std::uint64_t offset, std::string_view tag) {
+  tree_.Settle(offset, tag, afterLoss_);
+  if (afterLoss_) wrap(offset, tag);
+  afterLoss_ = false;
+  tree_.Count(tag);
+}
+
+std::uint64_t Recovery::keep(const RecoverHead& head) {
+  if (head.HoldsRecords()) return keepList(head, head.Tag());
+  if (head.kind->layout == BodyLayout::kData && head.length > 0) {
+    return keepBlock(*BlockAt(source_, head.offset));
+  }
+  return keepValue(head);
+}
+
+std::uint64_t Recovery::keepValue(const RecoverHead& head) {
+  makeRoom(head.offset, head.Tag());
+  ++report_.records;
+  const std::uint64_t written = tree_.Position();
+  tree_.Copy(head.offset, head.next);
+  const std::uint64_t size = head.next - head.offset - kRecordHeadSize;
+  if (FixedSize(head.kind->layout) > 0 && head.length != size) {
+    tree_.Patch(written + 4, LongBytes(static_cast<std::uint32_t>(size)));
+    report_.Mend(head.offset, "the record " + InQuotes(head.Tag()) + " now says that it holds " +
+                                  Counted(size, "byte") + ", not " + std::to_string(head.length));
+  }
+  if (tree_.Depth() == 0) {
+    positions_[std::string(head.Tag())] = {head.offset, head.next, written, tree_.Position()};
+  }
+  if (head.Tag() == "EOPl" && tree_.OpenTag() == "RQPl") tree_.ClosePlate();
+  return head.next;
+}
+
+// A reader skips it, and what follows is found as before. In a plate, readers go through it four
+// bytes at a time, so that it stays only where they come out right.
+std::uint64_t Recovery::keepUnknown(const RecoverHead& head) {
+  if (head.next > source_.Size() || hidesRecords(head)) return passGap(head.offset);
+  tree_.Settle(head.offset, "", false);
+  bool isHarmless = true;
+  if (tree_.OpenTag() == "RQPl") {
+    isHarmless = head.length % 4 == 0 && head.length < 4096;
+    for (std::uint64_t at = head.offset + 4; isHarmless && at < head.next; at += 4) {
+      const auto bytes = source_.View(at, 4);
+      const std::string tag(bytes.begin(), bytes.begin() + 4);
+      isHarmless = KindOf(tag).layout == BodyLayout::kUnknown && tag != "Vex2";
+    }
+  }
+  if (!isHarmless) return passGap(head.offset);
+  tree_.Count(head.Tag());
+  tree_.Copy(head.offset, head.next);
+  report_.Mend(head.offset, "kept a record of no known kind, " + InQuotes(Escaped(head.Tag())) +
+                                " of " + Counted(head.length, "byte") + ": readers pass over it");
+  return head.next;
+}
+
+// Whether whole records lie in it that are not its own: it may be a list of another program's.
+bool Recovery::hidesRecords(const RecoverHead& head) {
+  const std::uint64_t body = head.offset + kRecordHeadSize;
+  if (!FindHead(source_, head.offset + 1, head.next, head.next)) return false;
+  for (const std::uint64_t fields : {kListFields, kCellFields}) {
+    std::uint64_t at = body + fields;
+    std::uint16_t left = source_.Short(body).value_or(0);
+    for (auto next = HeadAt(source_, at); left > 0 && next && at < head.next; --left) {
+      at = next->next;
+      next = HeadAt(source_, at);
+    }
+    if (left == 0 && at == head.next) return false;
+  }
+  return true;
+}
+
+std::uint64_t Recovery::keepList(const RecoverHead& head, std::string_view tag) {
+  makeRoom(head.offset, tag);
+  ++report_.records;
+  if (head.kind->layout == BodyLayout::kPlate) return keepPlate(head);
+  const std::uint64_t end = head.DeclaredEnd();
+  const bool isTrusted =
+      tag != "MPLC" && end >= head.next && (IsBoundary(source_, end) || tree_.EndsAt(end));
+  tree_.Copy(head.offset, head.next);
+  tree_.Open(head, tag, head.next - head.offset, isTrusted);
+  tree_.RightTag(head);
+  return head.next;
+}
+
+std::uint64_t Recovery::keepPlate(const RecoverHead& head) {
+  const std::uint64_t begin = head.offset + kRecordHeadSize + kListFields;
+  const auto bytes = source_.View(begin, HeaderLayout::kSize);
+  const auto header = bytes.first(std::min<std::size_t>(bytes.size(), HeaderLayout::kSize));
+  if (IsHeaderWhole(header)) {
+    plateHeader_.assign(header.begin(), header.end());
+  } else {
+    std::vector<std::string> guesses;
+    plateHeader_ = MendedHeader(header, {}, true, guesses);
+    ++report_.madeHeads;
+    report_.Mend(begin, "the plate's header was damaged" + GuessText(guesses));
+  }
+  tree_.Append({'R', 'Q', 'P', 'l', 0, 0, 0, 2, 0, 0});
+  tree_.Append(plateHeader_);
+  RecoverHead right = head;
+  right.length = 2;
+  right.count = 0;
+  tree_.Open(right, "RQPl", head.next - head.offset, false);
+  return head.next;
+}
+
+}  // namespace vex2::lab

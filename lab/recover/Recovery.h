@@ -1,0 +1,82 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "lab/recover/Recover.h"
+#include "lab/recover/RecoverBlock.h"
+#include "lab/recover/RecoverHeader.h"
+#include "lab/recover/RecoverTree.h"
+
+namespace vex2::lab {
+
+/// One recovery. It goes through the damaged file from front to back, once, but for looking ahead.
+class Recovery {
+ public:
+  Recovery(CFile& in, CFile& out, const RecoverProgress& progress)
+      : source_(in), tree_(source_, out, report_), progress_(progress) {}
+
+  RecoverReport Run();
+
+ private:
+  // A record to which the header holds the position.
+  struct Position {
+    std::uint64_t begin = 0;
+    std::uint64_t end = 0;
+    std::uint64_t writtenBegin = 0;
+    std::uint64_t writtenEnd = 0;
+  };
+
+  std::uint64_t firstRecord();
+  std::uint64_t step(std::uint64_t offset);
+
+  // Records (Recovery.cpp)
+  bool isCredible(const RecoverHead& head);
+  bool isCredibleList(const RecoverHead& head);
+  bool isNoStudy() const;
+  bool endsInPlate(std::uint64_t offset);
+  void wrap(std::uint64_t offset, std::string_view tag);
+  void makeRoom(std::uint64_t offset, std::string_view tag);
+  std::uint64_t keep(const RecoverHead& head);
+  std::uint64_t keepList(const RecoverHead& head, std::string_view tag);
+  std::uint64_t keepPlate(const RecoverHead& head);
+  std::uint64_t keepValue(const RecoverHead& head);
+  std::uint64_t keepUnknown(const RecoverHead& head);
+  bool hidesRecords(const RecoverHead& head);
+  std::optional<RecoverHead> listWithoutTag(std::uint64_t offset, std::string& tag);
+  std::string_view listAround(std::uint64_t offset, std::uint64_t fields);
+  bool isPlateEnd(std::uint64_t offset);
+  bool isRestOfPlateEnd(std::uint64_t offset);
+  std::uint64_t keepPlateEnd(std::uint64_t offset);
+
+  // Bytes that are no record, and data blocks (SalvagerGaps.cpp)
+  std::uint64_t passGap(std::uint64_t offset);
+  std::uint64_t keepFound(RecoverBlock block, std::uint64_t from, std::uint64_t to);
+  std::uint64_t keepBlock(RecoverBlock block);
+  std::uint64_t framesBehind(const RecoverBlock& block);
+  void fillCells(std::uint64_t offset, bool isCell);
+  std::vector<std::uint16_t> likelyWellCounts(std::uint64_t from);
+  std::vector<std::uint16_t> likelyNumbers(std::uint16_t wells) const;
+  std::string likelyTag(const RecoverBlock& block, std::uint64_t from);
+  void note(const RecoverBlock& block);
+  void lose(std::uint64_t from, std::uint64_t to, const std::string& what);
+
+  // The header (SalvagerHeader.cpp)
+  void finishHeader();
+  std::uint32_t rightPosition(std::uint32_t stored, std::string_view tag);
+  bool isRunning() const;
+
+  RecoverReport report_;
+  RecoverSource source_;
+  RecoverTree tree_;
+  const RecoverProgress& progress_;
+  std::vector<std::uint8_t> header_;       // of the document, as it stands there
+  std::vector<std::uint8_t> plateHeader_;  // of the plate that is open, as written
+  std::map<std::string, Position, std::less<>> positions_;
+  std::map<std::uint16_t, std::vector<std::uint16_t>> numbers_;  // of wells, by how many
+  bool afterLoss_ = false;
+};
+
+}  // namespace vex2::lab

@@ -1,0 +1,232 @@
+#include <algorithm>
+#include <array>
+
+#include "lab/Text.h"
+#include "lab/model/FileLayout.h"
+#include "lab/recover/Recovery.h"
+#include "vex2/format/RecordKinds.h"
+
+namespace vex2::lab {
+
+namespace {
+
+std::vector<std::uint8_t> madeHead(const RecoverBlock& block) {
+  std::vector<std::uint8_t> bytes(block.tag.begin(), block.tag.end());
+  const auto add = [&](std::span<const std::uint8_t> more) {
+    bytes.insert(bytes.end(), more.begin(), more.end());
+  };
+  add(LongBytes(static_cast<std::uint32_t>(kBlockFixedSize + 2U * block.wells +
+                                           block.frames * block.FrameSize())));
+  add(ShortBytes(2));
+  add(ShortBytes(kTimeBlockSize));
+  bytes.insert(bytes.end(), block.times.begin(), block.times.end());
+  add(ShortBytes(block.wells));
+  for (const std::uint16_t number : block.numbers) add(ShortBytes(number));
+  return bytes;
+}
+
+}  // namespace
+
+void Recovery::lose(std::uint64_t from, std::uint64_t to, const std::string& what) {
+  if (from < to) report_.Lose(from, to - from, what);
+}
+
+// From a byte at which no record begins, to the next one that does.
+std::uint64_t Recovery::passGap(std::uint64_t offset) {
+  tree_.Settle(offset, "", false);
+  const std::uint64_t next = FindHead(source_, offset + 1, source_.Size()).value_or(source_.Size());
+  // A data block begins behind the lists, when their end is known.
+  const std::uint64_t end = tree_.OutermostEnd();
+  const std::uint64_t from = end > offset && end < next ? end : offset;
+  afterLoss_ = true;
+  if (end <= offset || end < next) {
+    const BlockSearch search{from, next, true, likelyWellCounts(next)};
+    if (auto block = FindLostBlock(source_, search))
+      return keepFound(std::move(*block), offset, next);
+  }
+  constexpr std::uint64_t kPlateEnd = 12;
+  if (next >= offset + kPlateEnd &&
+      (isPlateEnd(next - kPlateEnd) || isRestOfPlateEnd(next - kPlateEnd))) {
+    lose(offset, next - kPlateEnd, "bytes that make no whole record");
+    return keepPlateEnd(next - kPlateEnd);
+  }
+  const bool isRecord = next - offset >= kRecordHeadSize;
+  if (isRecord && tree_.IsAtTop()) ++report_.lostRecords;
+  lose(offset, next, isRecord ? "bytes that make no whole record" : "too few bytes for a record");
+  if (next < source_.Size()) {
+    const auto bytes = source_.View(next, kTagLength);
+    const std::string tag(bytes.begin(), bytes.begin() + kTagLength);
+    tree_.Settle(next, tag, true);
+    fillCells(next, tag == "CELL");
+  }
+  return next;
+}
+
+// Cells stand for wells by their order: the ones behind a lost one keep their places.
+void Recovery::fillCells(std::uint64_t offset, bool isCell) {
+  const std::uint64_t missing = tree_.Missing();
+  if (tree_.OpenTag() != "CELS" || missing == 0) return;
+  constexpr std::uint64_t kMostHeads = 100000;
+  std::uint64_t left = isCell ? 0 : 1;
+  std::uint64_t at = offset;
+  for (std::uint64_t i = 0; i < kMostHeads && at < tree_.OpenEnd(); ++i) {
+    const auto head = HeadAt(source_, at);
+    if (!head) return;
+    if (head->Tag() == "CELL") ++left;
+    at = head->next;
+  }
+  if (left < missing) tree_.AddEmptyCells(offset, missing - left);
+}
+
+std::uint64_t Recovery::keepFound(RecoverBlock block, std::uint64_t from, std::uint64_t to) {
+  if (block.tag.empty()) {
+    block.tag = likelyTag(block, from);
+    block.guesses.emplace_back("that it is " + InQuotes(block.tag));
+  }
+  if (block.numbers.empty() && !block.lengthAgrees) {
+    block.numbers = likelyNumbers(block.wells);
+    block.guesses.emplace_back("the wells' numbers");
+  } else if (block.numbers.empty()) {
+    block.numbers = ReadWellNumbers(source_, block.firstFrame - 2U * block.wells, block.wells);
+  }
+  tree_.Settle(block.offset, block.tag, true);
+  afterLoss_ = true;
+  makeRoom(block.offset, block.tag);
+  if (block.offset > from) {
+    ++report_.lostRecords;
+    lose(from, std::min(block.offset, block.firstFrame), "bytes that make no whole record");
+  }
+  const std::uint64_t written = tree_.Position();
+  tree_.Append(madeHead(block));
+  tree_.Copy(block.firstFrame, block.End());
+  ++report_.records;
+  report_.frames += block.frames;
+  ++report_.madeHeads;
+  report_.Mend(block.offset, "the head of the data block " + InQuotes(block.tag) +
+                                 " was damaged; " + Counted(block.frames, "frame") + " of " +
+                                 Counted(block.wells, "well") + " found again" +
+                                 GuessText(block.guesses));
+  if (tree_.Depth() == 0) {
+    positions_[block.tag] = {block.offset, block.End(), written, tree_.Position()};
+  }
+  note(block);
+  if (block.End() < to) {
+    ++report_.lostFrames;
+    lose(block.End(), to, "part of a frame");
+  }
+  afterLoss_ = true;
+  return to;
+}
+
+// A block whose numbers agree: all of its frames that are there, and whole ones behind them that a
+// recorder wrote and did not get to count.
+std::uint64_t Recovery::keepBlock(RecoverBlock block) {
+  makeRoom(block.offset, block.tag);
+  const std::uint64_t size = std::max<std::uint64_t>(block.FrameSize(), 1);
+  const std::uint64_t there =
+      std::min(block.frames, (source_.Size() - std::min(source_.Size(), block.firstFrame)) / size);
+  const std::uint64_t behind = there == block.frames ? framesBehind(block) : 0;
+  const std::uint64_t end = block.firstFrame + (there + behind) * block.FrameSize();
+  const std::uint64_t written = tree_.Position();
+  tree_.Copy(block.offset, end);
+  if (there + behind != block.frames) {
+    const std::uint64_t change = (there + behind) * size - block.frames * size;
+    tree_.Patch(written + 4, LongBytes(static_cast<std::uint32_t>(block.length + change)));
+  }
+  if (behind > 0) {
+    report_.Mend(block.End(), Counted(behind, "whole frame") +
+                                  " behind the declared length of the data block " +
+                                  InQuotes(block.tag) + " counted in");
+  }
+  ++report_.records;
+  report_.frames += there + behind;
+  if (tree_.Depth() == 0) {
+    positions_[block.tag] = {block.offset, block.End(), written, tree_.Position()};
+  }
+  if (block.wells > 0 && block.version >= 2) {
+    block.numbers = ReadWellNumbers(source_, block.firstFrame - 2U * block.wells, block.wells);
+    note(block);
+  }
+  if (there == block.frames) return end;
+  report_.lostFrames += block.frames - there;
+  lose(end, source_.Size(), "part of a frame: the file ends in it");
+  if (end == source_.Size()) {
+    report_.Mend(end, "the file ends after " + std::to_string(there) + " of " +
+                          Counted(block.frames, "frame"));
+  }
+  return source_.Size();
+}
+
+std::uint64_t Recovery::framesBehind(const RecoverBlock& block) {
+  const std::uint64_t end = block.End();
+  if (block.wells == 0 || end + block.FrameSize() > source_.Size() || IsBoundary(source_, end) ||
+      FindHead(source_, end + 1, source_.Size())) {
+    return 0;
+  }
+  auto marker = MarkerOf(source_, end - (block.frames > 0 ? block.FrameSize() : 0), block.wells);
+  if (!marker && block.frames > 0) marker = MarkerOf(source_, block.firstFrame, block.wells);
+  if (!marker) return 0;
+  return CountPlausibleFrames(source_, end, block.wells, (source_.Size() - end) / block.FrameSize(),
+                              marker);
+}
+
+void Recovery::note(const RecoverBlock& block) {
+  constexpr std::size_t kMostKinds = 64;
+  if (block.numbers.empty() || numbers_.size() >= kMostKinds) return;
+  numbers_[block.wells] = block.numbers;
+}
+
+// Of blocks before and behind, and as many wells as the plate has.
+std::vector<std::uint16_t> Recovery::likelyWellCounts(std::uint64_t from) {
+  constexpr int kLookedAt = 48;
+  std::vector<std::uint16_t> counts;
+  const auto add = [&](std::uint16_t count) {
+    if (count > 0 && std::find(counts.begin(), counts.end(), count) == counts.end()) {
+      counts.push_back(count);
+    }
+  };
+  for (const auto& [count, numbers] : numbers_) add(count);
+  for (int i = 0; i < kLookedAt; ++i) {
+    const auto head = HeadAt(source_, from);
+    if (!head) break;
+    if (head->kind->layout == BodyLayout::kData && head->length > 0) {
+      add(BlockAt(source_, from)->wells);
+    }
+    from = head->next;
+  }
+  const auto& header = tree_.IsInPlate() ? plateHeader_ : header_;
+  add(static_cast<std::uint16_t>(UsedWells(header).size()));
+  add(WellsByShape(header));
+  add(96);
+  add(384);
+  return counts;
+}
+
+std::vector<std::uint16_t> Recovery::likelyNumbers(std::uint16_t wells) const {
+  const auto known = numbers_.find(wells);
+  if (known != numbers_.end()) return known->second;
+  auto used = UsedWells(tree_.IsInPlate() ? plateHeader_ : header_);
+  if (used.size() == wells) return used;
+  used.clear();
+  for (unsigned number = 1; number <= wells; ++number) {
+    used.push_back(static_cast<std::uint16_t>(number));
+  }
+  return used;
+}
+
+// Raw readings, unless there are some: then the reporting block whose tag is the most alike.
+std::string Recovery::likelyTag(const RecoverBlock& block, std::uint64_t from) {
+  constexpr auto kTags = std::to_array<std::string_view>({"RAWa", "REPr", "REPn", "REPd", "REPt"});
+  std::string best(kTags.front());
+  int most = -1;
+  for (const std::string_view tag : kTags) {
+    if (tree_.TagsAtTop().count(std::string(tag)) > 0) continue;
+    const int alike = Likeness(source_, std::max(block.offset, from), tag);
+    if (alike <= most) continue;
+    most = alike;
+    best = tag;
+  }
+  return best;
+}
+
+}  // namespace vex2::lab

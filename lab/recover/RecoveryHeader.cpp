@@ -1,0 +1,51 @@
+#include <algorithm>
+
+#include "lab/model/FileLayout.h"
+#include "lab/model/HeaderFields.h"
+#include "lab/recover/Recovery.h"
+
+namespace vex2::lab {
+
+// Last of all: what its records are says what a header lacks, and where they came to stand.
+void Recovery::finishHeader() {
+  const bool isWhole = IsHeaderWhole(header_);
+  report_.hasHeader = isWhole;
+  if (isWhole && report_.lostPlaces == 0 && report_.mendedPlaces == 0) return;
+  PlateFacts facts;
+  facts.isStudy = tree_.TagsAtTop().count("MPLC") > 0;
+  facts.hasFrames = report_.frames > 0;
+  if (!numbers_.empty()) facts.wells = numbers_.rbegin()->first;
+  std::vector<std::string> guesses;
+  auto header = isWhole ? header_ : MendedHeader(header_, facts, false, guesses);
+  if (!isWhole) {
+    ++report_.madeHeads;
+    report_.Mend(0, "the header was damaged" + GuessText(guesses));
+  }
+  const auto setPosition = [&](std::uint64_t at, std::string_view tag) {
+    const auto bytes = LongBytes(rightPosition(LongAt(header, at), tag));
+    std::copy(bytes.begin(), bytes.end(), header.begin() + static_cast<std::ptrdiff_t>(at));
+  };
+  setPosition(HeaderLayout::kProgramOffsetAt, "TPro");
+  setPosition(HeaderLayout::kRawDataOffsetAt, "RAWa");
+  tree_.Patch(0, header);
+}
+
+// A position is that of the tag while a run is recorded, and behind the record after a save.
+std::uint32_t Recovery::rightPosition(std::uint32_t stored, std::string_view tag) {
+  const auto found = positions_.find(tag);
+  if (found == positions_.end()) return 0;
+  const Position& position = found->second;
+  if (stored == 0 && IsHeaderWhole(header_)) return 0;
+  const bool isTag = stored == position.begin || (stored != position.end && isRunning());
+  const std::uint64_t right = isTag ? position.writtenBegin : position.writtenEnd;
+  return right > 0xFFFFFFFFU ? 0 : static_cast<std::uint32_t>(right);
+}
+
+bool Recovery::isRunning() const {
+  constexpr std::string_view kRunning = "PROG";
+  return header_.size() >= HeaderLayout::kRawDataOffsetAt &&
+         std::equal(kRunning.begin(), kRunning.end(),
+                    header_.begin() + static_cast<std::ptrdiff_t>(HeaderLayout::kStatusAt));
+}
+
+}  // namespace vex2::lab

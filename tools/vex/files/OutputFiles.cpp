@@ -1,0 +1,123 @@
+#include "tools/vex/files/OutputFiles.h"
+
+#include <sys/stat.h>
+
+#include <array>
+#include <cerrno>
+#include <fstream>
+#include <iterator>
+#include <utility>
+
+#include "lab/model/Document.h"
+#include "tools/vex/Errors.h"
+#include "tools/vex/files/Output.h"
+
+namespace vex2::tool {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view kDocumentBegin = "Vex2";
+constexpr std::string_view kDocumentName = ".vex";
+
+bool isStandard(const std::string& path) {
+  return path.empty() || path == "-";
+}
+
+// A document whose begin is damaged is one by its name: it may be all that is left of a run.
+bool isPlateDocument(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  std::array<char, kDocumentBegin.size()> begin{};
+  if (!file.read(begin.data(), begin.size())) return false;
+  return std::string_view(begin.data(), begin.size()) == kDocumentBegin ||
+         fs::path(path).extension() == kDocumentName;
+}
+
+bool holds(const std::string& path, const std::string& content) {
+  std::ifstream file(path, std::ios::binary);
+  return file && content == std::string(std::istreambuf_iterator<char>(file), {});
+}
+
+}  // namespace
+
+OutputFiles& OutputFiles::Read(const std::string& path) {
+  File file{.path = path, .resolved = {}, .identity = {}};
+  struct stat info {};
+  const bool isThere = isStandard(path) ? ::fstat(0, &info) == 0 : ::stat(path.c_str(), &info) == 0;
+  if (isThere && S_ISREG(info.st_mode)) file.identity = {info.st_dev, info.st_ino};
+  inputs_.push_back(std::move(file));
+  return *this;
+}
+
+OutputFiles& OutputFiles::Write(const std::string& path, Kind kind) {
+  if (IsStandardStream(path)) return *this;
+  struct stat info {};
+  const bool isThere = ::stat(path.c_str(), &info) == 0;
+  if (isThere && !S_ISREG(info.st_mode) && !S_ISDIR(info.st_mode)) return *this;
+  File file{.path = path, .resolved = ResolveDocument(path), .identity = {}, .kind = kind};
+  if (isThere) file.identity = {info.st_dev, info.st_ino};
+  outputs_.push_back(std::move(file));
+  return *this;
+}
+
+OutputFiles& OutputFiles::Advise(std::string remedy) {
+  remedy_ = std::move(remedy);
+  return *this;
+}
+
+bool OutputFiles::IsThere(const std::string& path, const std::string& content) {
+  for (File& file : outputs_) {
+    if (file.path == path) return file.isSame = holds(path, content);
+  }
+  return false;
+}
+
+bool OutputFiles::isSameFile(const File& one, const File& other) {
+  if (one.identity && other.identity) return *one.identity == *other.identity;
+  return !one.resolved.empty() && one.resolved == other.resolved;
+}
+
+void OutputFiles::Claim() {
+  checkDistinct();
+  std::vector<std::unique_ptr<DocumentLock>> locks;
+  for (const File& output : outputs_) {
+    if (output.kind == Kind::kRecording) continue;
+    locks.push_back(std::make_unique<DocumentLock>(output.path, DocumentLock::Holder::kCommand));
+    checkExisting(output);
+  }
+  locks_ = std::move(locks);
+}
+
+void OutputFiles::checkDistinct() const {
+  for (auto output = outputs_.begin(); output != outputs_.end(); ++output) {
+    for (const File& input : inputs_) {
+      if (!isSameFile(*output, input)) continue;
+      throw Error(ErrorCode::kUsage, output->path,
+                  "is read by this command, so it is never written to; give another name");
+    }
+    for (auto other = outputs_.begin(); other != output; ++other) {
+      if (!isSameFile(*output, *other)) continue;
+      throw Error(ErrorCode::kUsage, output->path,
+                  "is an output of this command twice; give each a name of its own");
+    }
+  }
+}
+
+// Looks at the file as it is now, under the lock.
+void OutputFiles::checkExisting(const File& output) const {
+  struct stat info {};
+  if (output.isSame || ::lstat(output.resolved.c_str(), &info) != 0) return;
+  if (output.kind == Kind::kTable && isPlateDocument(output.path)) {
+    throw Error(ErrorCode::kUsage, output.path,
+                "is a plate document, which is never replaced by a table; give another name");
+  }
+  if (!mayReplace_) throw Error(ErrorCode::kExists, output.path, "already exists; " + remedy_);
+  if (info.st_nlink > 1) {
+    throw Error(ErrorCode::kUsage, output.path,
+                "has other names as well (hard links), so it is not replaced; give another name");
+  }
+  if (output.kind == Kind::kDocument) RequireNoRunAt(output.path);
+}
+
+}  // namespace vex2::tool

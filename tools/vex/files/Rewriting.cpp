@@ -1,0 +1,17 @@
+#include "tools/vex/files/Rewriting.h"
+
+#include "tools/vex/Errors.h"
+#include "tools/vex/Options.h"
+
+namespace vex2::tool {
+
+Rewriting::Rewriting() {
+  rules_.onLoss = [](const std::string& sentence) { PrintLine(sentence); };
+}
+
+void Rewriting::AddOptions(Options& options) {
+  options.AddFlag("--upgrade", rules_.upgradeBlocks, "Make data blocks of version 1 version 2");
+  options.AddFlag("--drop-unknown", rules_.dropUnknown, "Accept that unknown records are lost");
+}
+
+}  // namespace vex2::tool

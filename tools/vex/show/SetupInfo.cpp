@@ -1,0 +1,54 @@
+#include "tools/vex/show/SetupInfo.h"
+
+#include <cmath>
+
+#include "lab/exchange/WellsFile.h"
+#include "lab/model/DetectorFields.h"
+#include "lab/model/PlateContents.h"
+#include "tools/vex/Lab.h"
+#include "tools/vex/text/Text.h"
+
+namespace vex2::tool {
+
+using nlohmann::ordered_json;
+
+ordered_json DescribeWells(const Vex2FileManager& document) {
+  const PlateContents contents = ContentsOf(document);
+  ordered_json wells = ordered_json::array();
+  unsigned short before = 0;
+  for (const WellRow& row : contents.rows) {
+    if (row.well != before) {
+      wells.push_back({{"well", contents.plate.NameOf(row.well)},
+                       {"sample", ToUtf8(row.sample)},
+                       {"detectors", ordered_json::array()}});
+    }
+    before = row.well;
+    if (!row.HasDetector()) continue;
+    ordered_json detector = {{"name", ToUtf8(row.target)},
+                             {"task", ToUtf8(row.task)},
+                             {"quantity", nullptr},
+                             {"reporter", ToUtf8(row.reporter)}};
+    if (row.HasQuantity() && std::isfinite(row.quantity)) {
+      detector["quantity"] = std::stod(DecimalText(row.quantity));
+    }
+    wells.back()["detectors"].push_back(std::move(detector));
+  }
+  return {{"rows", contents.plate.rows},
+          {"columns", contents.plate.columns},
+          {"wells", std::move(wells)}};
+}
+
+ordered_json DescribeDetectors(const Vex2FileManager& plate) {
+  ordered_json list = ordered_json::array();
+  for (const Vex2Detector& detector : DetectorsOf(plate)) {
+    ordered_json entry;
+    for (const DetectorField& field : DetectorFields()) {
+      entry[std::string(field.key)] = ToJson(field.get(detector));
+    }
+    entry["defaults"] = DefaultedFields(detector);
+    list.push_back(std::move(entry));
+  }
+  return list;
+}
+
+}  // namespace vex2::tool

@@ -1,0 +1,122 @@
+#include "tools/vex/show/ValuePath.h"
+
+#include <algorithm>
+#include <cctype>
+#include <optional>
+
+#include "tools/vex/text/Text.h"
+
+namespace vex2::tool {
+
+namespace {
+
+using nlohmann::ordered_json;
+
+// By what people call the entries of a list, in the order of preference.
+constexpr const char* kEntryNames[] = {"well", "name", "tag"};
+
+std::string normalized(std::string_view name) {
+  std::string result;
+  for (const char character : name) {
+    if (character == '-' || character == '_') continue;
+    result += static_cast<char>(std::tolower(static_cast<unsigned char>(character)));
+  }
+  return result;
+}
+
+std::optional<std::string> entryName(const ordered_json& entry) {
+  if (!entry.is_object()) return std::nullopt;
+  for (const char* key : kEntryNames) {
+    const auto found = entry.find(key);
+    if (found != entry.end() && found->is_string()) return found->get<std::string>();
+  }
+  return std::nullopt;
+}
+
+/// One step of a path: a name, or what stands in brackets.
+struct Step {
+  std::string text;
+  bool isEntry = false;
+
+  std::string Shown(bool isFirst) const {
+    if (isEntry) return "[" + text + "]";
+    return (isFirst ? "" : ".") + text;
+  }
+};
+
+std::vector<Step> stepsOf(std::string_view path) {
+  std::vector<Step> steps;
+  while (!path.empty()) {
+    if (path.front() == '[') {
+      const std::size_t end = std::min(path.find(']'), path.size());
+      steps.push_back({std::string(path.substr(1, end - 1)), true});
+      path.remove_prefix(std::min(path.size(), end + 1));
+      continue;
+    }
+    if (path.front() == '.') path.remove_prefix(1);
+    const std::size_t end = std::min(path.find_first_of(".["), path.size());
+    steps.push_back({std::string(path.substr(0, end)), false});
+    path.remove_prefix(end);
+  }
+  return steps;
+}
+
+const ordered_json* memberOf(const ordered_json& value, const std::string& name) {
+  if (!value.is_object()) return nullptr;
+  if (const auto found = value.find(name); found != value.end()) return &*found;
+  for (const auto& [key, member] : value.items()) {
+    if (normalized(key) == normalized(name)) return &member;
+  }
+  return nullptr;
+}
+
+const ordered_json* entryOf(const ordered_json& value, const std::string& name) {
+  if (!value.is_array()) return memberOf(value, name);
+  for (const auto& entry : value) {
+    if (entryName(entry) == name) return &entry;
+  }
+  if (const auto index = NumberIn<std::size_t>(name)) {
+    return *index < value.size() ? &value[*index] : nullptr;
+  }
+  for (const auto& entry : value) {
+    const auto own = entryName(entry);
+    if (own && normalized(*own) == normalized(name)) return &entry;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+ValueAt FindValue(const ordered_json& root, std::string_view path) {
+  ValueAt result;
+  result.last = &root;
+  if (path.empty()) return result;
+  for (const Step& step : stepsOf(path)) {
+    const ordered_json* next =
+        step.isEntry ? entryOf(*result.last, step.text) : memberOf(*result.last, step.text);
+    if (next == nullptr) {
+      result.missing = step.text;
+      return result;
+    }
+    result.reached += step.Shown(result.reached.empty());
+    result.last = next;
+  }
+  result.value = result.last;
+  return result;
+}
+
+std::vector<std::string> PathsFrom(const std::string& path, const ordered_json& value) {
+  std::vector<std::string> paths;
+  if (value.is_object()) {
+    for (const auto& item : value.items()) {
+      paths.push_back((path.empty() ? "" : path + ".") + item.key());
+    }
+  } else if (value.is_array()) {
+    for (std::size_t i = 0; i < value.size(); ++i) {
+      paths.push_back(path + "[" + entryName(value[i]).value_or(std::to_string(i)) + "]");
+    }
+  }
+  return paths;
+}
+
+}  // namespace vex2::tool
