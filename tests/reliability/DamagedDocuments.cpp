@@ -58,7 +58,7 @@ void DamagedDocument::expectToStand(const Bytes& bytes) {
 }
 
 bool DamagedDocument::countState() {
-  constexpr std::uint64_t kEnough = 100;
+  constexpr std::uint64_t kEnough = 10;
   ++states_;
   if (failures_.Any()) ++bad_;
   return bad_ < kEnough;

@@ -94,6 +94,19 @@ TEST_P(Nesting, EndsAt64OnASmallStack) {
          "depth 63, 64, 65 and 1,000,000 of each kind of list, on a stack of 256 KiB");
 }
 
+TEST_P(Nesting, OfListsThatCountTheMostTakesNoRoom) {
+  constexpr std::size_t kListSize = 10;
+  constexpr std::size_t kCountAt = 8;
+  const std::string lists = NestedLists("DETL", 64);
+  Bytes bytes = whole_;
+  bytes.insert(bytes.end(), lists.begin(), lists.end());
+  for (std::size_t at = whole_.size() + kCountAt; at < bytes.size(); at += kListSize) {
+    bytes[at] = bytes[at + 1] = 0xFF;
+  }
+  expectToStand(bytes);
+  EXPECT_EQ(status_, 0);
+}
+
 INSTANTIATE_TEST_SUITE_P(Documents, Nesting,
                          testing::Values(SourcePath("tests/data/old-block.vex")), SampleName);
 

@@ -104,6 +104,16 @@ TEST(AcquisitionDataComp, ShorterFramesAreFilledUpWithZeros) {
   EXPECT_EQ(read.records[2], Vex2WellRecord{});
 }
 
+TEST(AcquisitionDataComp, LongerFramesAreCutToTheBlocksWells) {
+  const auto numbers = WellNumbers(2);
+  AcquisitionDataComp block("RAWa", numbers.data(), 2);
+  EXPECT_TRUE(block.SetFrame(0, MakeFrame(384, 0)));
+  EXPECT_EQ(block.GetLength(), 18U + 4 + 160);
+  Vex2FrameData kept;
+  block.CopyFrame(0, kept);
+  EXPECT_TRUE(SameFrame(kept, MakeFrame(2, 0)));
+}
+
 TEST(AcquisitionDataComp, Frame40GrowsTheCapacityTo80AndKeepsTheFramesBefore) {
   const auto numbers = WellNumbers(2);
   AcquisitionDataComp block("RAWa", numbers.data(), 2);
