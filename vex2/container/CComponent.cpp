@@ -1,6 +1,8 @@
 #include "vex2/container/CComponent.h"
 
 #include <algorithm>
+#include <array>
+#include <iterator>
 #include <limits>
 
 #include "vex2/container/Status.h"
@@ -25,12 +27,12 @@ const CRuntimeClass* CComponent::GetRuntimeClass() const {
 }
 
 void CComponent::setTag(std::string_view tag) {
-  tag_.fill(' ');
-  std::copy_n(tag.begin(), std::min(tag.size(), tag_.size()), tag_.begin());
+  std::fill(std::begin(tag_), std::end(tag_), ' ');
+  std::copy_n(tag.begin(), std::min(tag.size(), sizeof tag_), tag_);
 }
 
 CComponent& CComponent::Assign(const CComponent& source) {
-  if (source.tag_ == tag_) length_ = source.length_;
+  if (source.GetTag() == GetTag()) length_ = source.length_;
   return *this;
 }
 
@@ -55,7 +57,7 @@ int CComponent::Read(CFile* file) {
 
 int CComponent::Write(CFile* file) {
   if (file == nullptr) return vex2::kWriteFailed;
-  file->Write(tag_.data(), tag_.size());
+  file->Write(tag_, sizeof tag_);
   vex2::WriteField(*file, length_);
   // The body's status is not passed on: a refused write is the file's exception.
   if (length_ != 0) static_cast<void>(WriteBody(file));

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <string_view>
 
@@ -60,7 +59,7 @@ class VEX2_API CComponent : public CObject {
   virtual int ReadBody(CFile* file);
 
   /// The four characters of the tag; valid for as long as the component.
-  std::string_view GetTag() const { return {tag_.data(), tag_.size()}; }
+  std::string_view GetTag() const { return {tag_, sizeof tag_}; }
   /// Bytes of the body as the length field has them.
   std::uint32_t GetLength() const { return length_; }
 
@@ -70,6 +69,6 @@ class VEX2_API CComponent : public CObject {
   void setTag(std::string_view tag);
 
  private:
-  std::array<char, 4> tag_{};
+  char tag_[4] = {};
   std::uint32_t length_ = 0;
 };

@@ -4,6 +4,7 @@
 #include <limits>
 #include <numeric>
 #include <utility>
+#include <vector>
 
 #include "vex2/container/CSkippedComp.h"
 #include "vex2/container/Status.h"
@@ -27,20 +28,35 @@ void shortenToFile(CComponent& child, const CFile& file) {
 
 }  // namespace
 
+struct CContainerComp::Children {
+  std::vector<std::unique_ptr<CComponent>> list;
+};
+
 CContainerComp::CContainerComp(std::string_view tag) : CContainerComp(tag, kCountLength) {}
 
 CContainerComp::CContainerComp(std::string_view tag, std::uint16_t fixedLength)
-    : CComponent(tag, fixedLength), fixedLength_(fixedLength) {}
+    : CComponent(tag, fixedLength),
+      children_(std::make_unique<Children>()),
+      fixedLength_(fixedLength) {}
 
 CContainerComp::~CContainerComp() = default;
 
+int CContainerComp::GetChildCount() const {
+  return static_cast<int>(children_->list.size());
+}
+
+void CContainerComp::reserveChildren(std::size_t count) {
+  children_->list.reserve(count);
+}
+
 CComponent* CContainerComp::GetChild(int index) const {
-  return index >= 0 && index < GetChildCount() ? children_[static_cast<std::size_t>(index)].get()
-                                               : nullptr;
+  return index >= 0 && index < GetChildCount()
+             ? children_->list[static_cast<std::size_t>(index)].get()
+             : nullptr;
 }
 
 CComponent* CContainerComp::FindChild(std::string_view tag) const {
-  for (const auto& child : children_) {
+  for (const auto& child : children_->list) {
     if (child->GetTag() == tag) return child.get();
   }
   return nullptr;
@@ -49,7 +65,7 @@ CComponent* CContainerComp::FindChild(std::string_view tag) const {
 // What the file must hold, whatever the length says.
 std::uint64_t CContainerComp::lengthOfChildren() const {
   return std::accumulate(
-      children_.begin(), children_.end(), std::uint64_t{0},
+      children_->list.begin(), children_->list.end(), std::uint64_t{0},
       [](std::uint64_t sum, const auto& child) { return sum + child->GetSize(); });
 }
 
@@ -67,15 +83,15 @@ bool CContainerComp::changeLength(std::uint64_t removed, std::uint64_t added) {
 }
 
 bool CContainerComp::AddChild(std::unique_ptr<CComponent> child) {
-  if (child == nullptr || children_.size() >= std::numeric_limits<std::uint16_t>::max()) {
+  if (child == nullptr || children_->list.size() >= std::numeric_limits<std::uint16_t>::max()) {
     return false;
   }
-  if (children_.size() == children_.capacity()) {
-    children_.reserve(std::max(kFirstChildren, 2 * children_.size()));
+  if (children_->list.size() == children_->list.capacity()) {
+    children_->list.reserve(std::max(kFirstChildren, 2 * children_->list.size()));
   }
   if (!changeLength(0, child->GetSize())) return false;
-  children_.push_back(std::move(child));
-  count_ = static_cast<std::uint16_t>(children_.size());
+  children_->list.push_back(std::move(child));
+  count_ = static_cast<std::uint16_t>(children_->list.size());
   return true;
 }
 
@@ -83,8 +99,8 @@ bool CContainerComp::RemoveChild(int index) {
   const CComponent* child = GetChild(index);
   if (child == nullptr) return false;
   if (!changeLength(child->GetSize(), 0)) setLength(std::numeric_limits<std::uint32_t>::max());
-  children_.erase(children_.begin() + index);
-  count_ = static_cast<std::uint16_t>(children_.size());
+  children_->list.erase(children_->list.begin() + index);
+  count_ = static_cast<std::uint16_t>(children_->list.size());
   return true;
 }
 
@@ -92,14 +108,14 @@ bool CContainerComp::ReplaceChild(int index, std::unique_ptr<CComponent> child) 
   const CComponent* old = GetChild(index);
   if (old == nullptr) return AddChild(std::move(child));
   if (child == nullptr || !changeLength(old->GetSize(), child->GetSize())) return false;
-  children_.erase(children_.begin() + index);
-  children_.push_back(std::move(child));
-  count_ = static_cast<std::uint16_t>(children_.size());
+  children_->list.erase(children_->list.begin() + index);
+  children_->list.push_back(std::move(child));
+  count_ = static_cast<std::uint16_t>(children_->list.size());
   return true;
 }
 
 void CContainerComp::keepChild(std::unique_ptr<CComponent> child) {
-  children_.push_back(std::move(child));
+  children_->list.push_back(std::move(child));
 }
 
 CComponent& CContainerComp::Assign(const CComponent& source) {
@@ -107,17 +123,17 @@ CComponent& CContainerComp::Assign(const CComponent& source) {
   if (same == nullptr || same == this || source.GetTag() != GetTag()) return *this;
   CComponent::Assign(source);
   FreeBody();
-  children_.reserve(same->children_.size());
-  for (const auto& child : same->children_) {
+  children_->list.reserve(same->children_->list.size());
+  for (const auto& child : same->children_->list) {
     std::unique_ptr<CComponent> clone;
-    if (CloneComponent(*child, clone) == 1) children_.push_back(std::move(clone));
+    if (CloneComponent(*child, clone) == 1) children_->list.push_back(std::move(clone));
   }
-  count_ = static_cast<std::uint16_t>(children_.size());
+  count_ = static_cast<std::uint16_t>(children_->list.size());
   return *this;
 }
 
 void CContainerComp::FreeBody() {
-  children_.clear();
+  children_->list.clear();
 }
 
 int CContainerComp::WriteBody(CFile* file) {
@@ -134,7 +150,7 @@ int CContainerComp::ReadBody(CFile* file) {
 }
 
 int CContainerComp::WriteChildren(CFile* file) {
-  for (const auto& child : children_) {
+  for (const auto& child : children_->list) {
     if (const int status = child->Write(file); status != vex2::kSuccess) return status;
   }
   return vex2::kSuccess;
@@ -142,7 +158,7 @@ int CContainerComp::WriteChildren(CFile* file) {
 
 int CContainerComp::ReadChildren(CFile* file) {
   // The count is the file's word, so room is made for no more children than most lists have.
-  children_.reserve(std::min<std::size_t>(count_, kUsualChildren));
+  children_->list.reserve(std::min<std::size_t>(count_, kUsualChildren));
   for (int pass = 0; pass < count_; ++pass) {
     std::unique_ptr<CComponent> child;
     if (!vex2::CreateNextComponent(*file, child)) return vex2::kSuccess;

@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <memory>
 #include <string_view>
-#include <vector>
 
 #include "vex2/container/CComponent.h"
 
@@ -15,7 +14,7 @@ class VEX2_API CContainerComp : public CComponent {
   ~CContainerComp() override;
 
   /// The children that are held.
-  int GetChildCount() const { return static_cast<int>(children_.size()); }
+  int GetChildCount() const;
   /// The count as it is written. It differs from the number of children only when the file ended
   /// before as many were read.
   std::uint16_t GetCount() const { return count_; }
@@ -51,14 +50,16 @@ class VEX2_API CContainerComp : public CComponent {
   /// Takes a child that was read over into the list, without a change of count and length.
   void keepChild(std::unique_ptr<CComponent> child);
   /// Makes room for so many children at once.
-  void reserveChildren(std::size_t count) { children_.reserve(count); }
+  void reserveChildren(std::size_t count);
   void setCount(std::uint16_t count) { count_ = count; }
 
  private:
+  struct Children;
+
   std::uint64_t lengthOfChildren() const;
   bool changeLength(std::uint64_t removed, std::uint64_t added);
 
-  std::vector<std::unique_ptr<CComponent>> children_;
+  std::unique_ptr<Children> children_;
   std::uint16_t count_ = 0;
   std::uint16_t fixedLength_;
 };

@@ -1,6 +1,8 @@
 #pragma once
 
-#include <vector>
+#include <cstddef>
+#include <memory>
+#include <utility>
 
 #include "vex2/framework/CObject.h"
 #include "vex2/framework/Export.h"
@@ -11,15 +13,15 @@
 class VEX2_API CPtrArray : public CObject {
  public:
   CPtrArray() = default;
-  CPtrArray(CPtrArray&&) noexcept = default;
-  CPtrArray& operator=(CPtrArray&&) noexcept = default;
+  CPtrArray(CPtrArray&& other) noexcept { *this = std::move(other); }
+  CPtrArray& operator=(CPtrArray&& other) noexcept;
 
   const CRuntimeClass* GetRuntimeClass() const override;
   static const CRuntimeClass* ClassRecord();
 
-  int GetSize() const { return static_cast<int>(entries_.size()); }
+  int GetSize() const { return static_cast<int>(size_); }
   /// How many entries fit before memory is taken again.
-  int GetCapacity() const { return static_cast<int>(entries_.capacity()); }
+  int GetCapacity() const { return static_cast<int>(capacity_); }
 
   /// Cuts the array to `size` entries or adds null ones; below 0 does nothing. `growBy` sets how
   /// many entries the capacity grows by at least when it has to, from then on: 0 is an eighth of
@@ -33,11 +35,13 @@ class VEX2_API CPtrArray : public CObject {
 
   /// Adds an entry at the end and returns its index.
   int Add(void* entry);
-  void RemoveAll() { entries_.clear(); }
+  void RemoveAll() { size_ = 0; }
 
  private:
   bool holds(int index) const { return index >= 0 && index < GetSize(); }
 
-  std::vector<void*> entries_;
+  std::unique_ptr<void*[]> entries_;
+  std::size_t size_ = 0;
+  std::size_t capacity_ = 0;
   int growBy_ = 0;
 };

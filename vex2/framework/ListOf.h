@@ -1,8 +1,7 @@
 #pragma once
 
-#include <algorithm>
-#include <iterator>
-#include <list>
+#include <memory>
+#include <utility>
 
 #include "vex2/framework/Position.h"
 
@@ -20,39 +19,49 @@ class ListOf {
  public:
   /// The block size is how many entries to allocate at a time, and no longer used.
   explicit ListOf(int /*blockSize*/ = 10) {}
-  ListOf(ListOf&&) noexcept = default;
-  ListOf& operator=(ListOf&&) noexcept = default;
+  ListOf(ListOf&& other) noexcept { *this = std::move(other); }
+  ListOf& operator=(ListOf&& other) noexcept {
+    if (this == &other) return *this;
+    RemoveAll();
+    first_ = std::exchange(other.first_, nullptr);
+    last_ = std::exchange(other.last_, nullptr);
+    count_ = std::exchange(other.count_, 0);
+    return *this;
+  }
+  ~ListOf() { RemoveAll(); }
 
-  int GetCount() const { return static_cast<int>(nodes_.size()); }
-  bool IsEmpty() const { return nodes_.empty(); }
+  int GetCount() const { return count_; }
+  bool IsEmpty() const { return first_ == nullptr; }
 
   Value GetHead() const { return GetAt(GetHeadPosition()); }
   Value GetTail() const { return GetAt(GetTailPosition()); }
 
   /// Put `value` first or last, and return its position.
-  POSITION AddHead(const Value& value) { return insert(nodes_.begin(), value); }
-  POSITION AddTail(const Value& value) { return insert(nodes_.end(), value); }
+  POSITION AddHead(const Value& value) { return insert(nullptr, first_, value); }
+  POSITION AddTail(const Value& value) { return insert(last_, nullptr, value); }
 
   /// Take the first or last entry out, and return its value.
   Value RemoveHead() { return take(GetHeadPosition()); }
   Value RemoveTail() { return take(GetTailPosition()); }
   void RemoveAt(POSITION position) { take(position); }
-  void RemoveAll() { nodes_.clear(); }
-
-  POSITION GetHeadPosition() const { return toPosition(nodes_.begin()); }
-  POSITION GetTailPosition() const {
-    return IsEmpty() ? nullptr : toPosition(std::prev(nodes_.end()));
+  void RemoveAll() {
+    while (first_ != nullptr) delete std::exchange(first_, first_->next);
+    last_ = nullptr;
+    count_ = 0;
   }
+
+  POSITION GetHeadPosition() const { return toPosition(first_); }
+  POSITION GetTailPosition() const { return toPosition(last_); }
 
   /// Return the value at `position` and move that on to the next or previous one.
   Value GetNext(POSITION& position) const {
     const Value value = GetAt(position);
-    if (position != nullptr) position = toPosition(std::next(toNode(position)->self));
+    if (position != nullptr) position = toPosition(toNode(position)->next);
     return value;
   }
   Value GetPrev(POSITION& position) const {
     const Value value = GetAt(position);
-    if (position != nullptr) position = before(position);
+    if (position != nullptr) position = toPosition(toNode(position)->previous);
     return value;
   }
 
@@ -65,47 +74,47 @@ class ListOf {
 
   /// The first entry with this value, behind `after` when that is not null.
   POSITION Find(const Value& value, POSITION after = nullptr) const {
-    const auto start = after != nullptr ? std::next(toNode(after)->self) : nodes_.begin();
-    return toPosition(
-        std::find_if(start, nodes_.end(), [&](const Node& node) { return node.value == value; }));
+    Node* node = after != nullptr ? toNode(after)->next : first_;
+    while (node != nullptr && !(node->value == value)) node = node->next;
+    return toPosition(node);
   }
   /// The entry at `index`, from 0; null for an index out of range.
   POSITION FindIndex(int index) const {
     if (index < 0 || index >= GetCount()) return nullptr;
-    return toPosition(std::next(nodes_.begin(), index));
+    Node* node = first_;
+    while (index-- > 0) node = node->next;
+    return toPosition(node);
   }
 
  private:
-  // A position is the address of a node, which knows its way back into the list.
-  struct Node;
-  using Nodes = std::list<Node>;
-  using Iterator = typename Nodes::const_iterator;
+  // A position is the address of a node.
   struct Node {
     Value value;
-    Iterator self;
+    Node* previous;
+    Node* next;
   };
 
   static Node* toNode(POSITION position) { return reinterpret_cast<Node*>(position); }
-  POSITION toPosition(Iterator at) const {
-    // Positions are not const, entries here are.
-    return at != nodes_.end() ? reinterpret_cast<POSITION>(const_cast<Node*>(&*at)) : nullptr;
-  }
-  POSITION before(POSITION position) const {
-    const Iterator at = toNode(position)->self;
-    return at != nodes_.begin() ? toPosition(std::prev(at)) : nullptr;
-  }
-  POSITION insert(Iterator at, const Value& value) {
-    const auto placed = nodes_.insert(at, Node{value, {}});
-    placed->self = placed;
-    return toPosition(placed);
+  static POSITION toPosition(Node* node) { return reinterpret_cast<POSITION>(node); }
+  POSITION insert(Node* previous, Node* next, const Value& value) {
+    Node* node = new Node{value, previous, next};
+    (previous != nullptr ? previous->next : first_) = node;
+    (next != nullptr ? next->previous : last_) = node;
+    ++count_;
+    return toPosition(node);
   }
   Value take(POSITION position) {
-    const Value value = GetAt(position);
-    if (position != nullptr) nodes_.erase(toNode(position)->self);
-    return value;
+    if (position == nullptr) return Value();
+    const std::unique_ptr<Node> node(toNode(position));
+    (node->previous != nullptr ? node->previous->next : first_) = node->next;
+    (node->next != nullptr ? node->next->previous : last_) = node->previous;
+    --count_;
+    return std::move(node->value);
   }
 
-  Nodes nodes_;
+  Node* first_ = nullptr;
+  Node* last_ = nullptr;
+  int count_ = 0;
 };
 
 }  // namespace vex2

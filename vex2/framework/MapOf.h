@@ -1,6 +1,9 @@
 #pragma once
 
-#include <map>
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <utility>
 
 #include "vex2/framework/CString.h"
 #include "vex2/framework/Position.h"
@@ -24,17 +27,25 @@ class MapOf {
 
   /// The block size is how many entries to allocate at a time, and no longer used.
   explicit MapOf(int /*blockSize*/ = 10) {}
-  MapOf(MapOf&&) noexcept = default;
-  MapOf& operator=(MapOf&&) noexcept = default;
+  MapOf(MapOf&& other) noexcept { *this = std::move(other); }
+  MapOf& operator=(MapOf&& other) noexcept {
+    if (this == &other) return *this;
+    RemoveAll();
+    entries_ = std::move(other.entries_);
+    count_ = std::exchange(other.count_, 0);
+    capacity_ = std::exchange(other.capacity_, 0);
+    return *this;
+  }
+  ~MapOf() { RemoveAll(); }
 
-  int GetCount() const { return static_cast<int>(entries_.size()); }
-  bool IsEmpty() const { return entries_.empty(); }
+  int GetCount() const { return static_cast<int>(count_); }
+  bool IsEmpty() const { return count_ == 0; }
 
   /// Whether there is an entry for `key`, and then `value` is set to its pointer.
   bool Lookup(const CString& key, Pointer& value) const {
-    const auto entry = entries_.find(key);
-    if (entry == entries_.end()) return false;
-    value = entry->second;
+    const std::size_t place = placeOf(key);
+    if (!holds(place, key)) return false;
+    value = entries_[place]->value;
     return true;
   }
   /// The pointer for `key`, null without an entry.
@@ -44,45 +55,89 @@ class MapOf {
     return value;
   }
   /// Adds an entry for `key`, or gives the one there is another pointer.
-  void SetAt(const CString& key, Pointer value) { entries_[key] = value; }
+  void SetAt(const CString& key, Pointer value) {
+    const std::size_t place = placeOf(key);
+    if (holds(place, key)) {
+      entries_[place]->value = value;
+    } else {
+      insert(place, std::unique_ptr<Entry>(new Entry{key, value}));
+    }
+  }
 
   Pointer operator[](const CString& key) const { return GetAt(key); }
   Slot<MapOf, CString, Pointer> operator[](const CString& key) { return {*this, key}; }
 
   /// False when there was no entry for `key`.
-  bool RemoveKey(const CString& key) { return entries_.erase(key) > 0; }
-  void RemoveAll() { entries_.clear(); }
+  bool RemoveKey(const CString& key) {
+    const std::size_t place = placeOf(key);
+    if (!holds(place, key)) return false;
+    const std::unique_ptr<Entry> removed(entries_[place]);
+    std::copy(entries_.get() + place + 1, entries_.get() + count_, entries_.get() + place);
+    --count_;
+    return true;
+  }
+  void RemoveAll() {
+    while (count_ > 0) delete entries_[--count_];
+  }
 
-  POSITION GetStartPosition() const { return toPosition(entries_.begin()); }
+  POSITION GetStartPosition() const { return toPosition(0); }
   /// Sets `key` and `value` to the entry at `position` and moves that on to the next one. A null
   /// position changes nothing.
   void GetNextAssoc(POSITION& position, CString& key, Pointer& value) const {
     if (position == nullptr) return;
     const auto* const entry = reinterpret_cast<const Entry*>(position);
-    key = entry->first;
-    value = entry->second;
-    position = toPosition(entries_.upper_bound(entry->first));
+    key = entry->key;
+    value = entry->value;
+    position = toPosition(placeOf(entry->key) + 1);
   }
   /// The pointer at `position`, which moves on to the next entry; null at a null position. Takes no
   /// memory, which the copy of a key may.
   Pointer GetNextValue(POSITION& position) const {
     if (position == nullptr) return nullptr;
     const auto* const entry = reinterpret_cast<const Entry*>(position);
-    position = toPosition(entries_.upper_bound(entry->first));
-    return entry->second;
+    position = toPosition(placeOf(entry->key) + 1);
+    return entry->value;
   }
 
  private:
-  using Entries = std::map<CString, Pointer>;
-  using Entry = typename Entries::value_type;
+  // A position is the address of an entry, which stays where it is until it is removed.
+  struct Entry {
+    CString key;
+    Pointer value;
+  };
 
-  // A position is the address of an entry; positions are not const, entries here are.
-  POSITION toPosition(typename Entries::const_iterator at) const {
-    if (at == entries_.end()) return nullptr;
-    return reinterpret_cast<POSITION>(const_cast<Entry*>(&*at));
+  // Where `key` stands, or would have to.
+  std::size_t placeOf(const CString& key) const {
+    Entry* const* const begin = entries_.get();
+    return static_cast<std::size_t>(std::lower_bound(begin, begin + count_, key,
+                                                     [](const Entry* entry, const CString& text) {
+                                                       return entry->key < text;
+                                                     }) -
+                                    begin);
+  }
+  bool holds(std::size_t place, const CString& key) const {
+    return place < count_ && entries_[place]->key == key;
+  }
+  void insert(std::size_t place, std::unique_ptr<Entry> entry) {
+    if (count_ == capacity_) {
+      const std::size_t capacity = std::max<std::size_t>(8, 2 * capacity_);
+      std::unique_ptr<Entry*[]> entries(new Entry*[capacity]);
+      std::copy_n(entries_.get(), count_, entries.get());
+      entries_ = std::move(entries);
+      capacity_ = capacity;
+    }
+    std::copy_backward(entries_.get() + place, entries_.get() + count_,
+                       entries_.get() + count_ + 1);
+    entries_[place] = entry.release();
+    ++count_;
+  }
+  POSITION toPosition(std::size_t place) const {
+    return place < count_ ? reinterpret_cast<POSITION>(entries_[place]) : nullptr;
   }
 
-  Entries entries_;
+  std::unique_ptr<Entry*[]> entries_;  // in the order of their keys
+  std::size_t count_ = 0;
+  std::size_t capacity_ = 0;
 };
 
 }  // namespace vex2

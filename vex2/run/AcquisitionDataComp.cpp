@@ -4,6 +4,7 @@
 #include <cstring>
 #include <limits>
 #include <numeric>
+#include <vector>
 
 #include "vex2/container/Status.h"
 #include "vex2/format/DataBlockHead.h"
@@ -13,17 +14,48 @@
 
 using vex2::kSuccess;
 
+namespace {
+
+// Frames come from the allocator as they are: reading fills every value exactly once.
+struct Release {
+  void operator()(Vex2WellRecord* records) const noexcept { ::operator delete(records); }
+};
+using Frame = std::unique_ptr<Vex2WellRecord, Release>;
+
+Frame newFrame(std::size_t wells) {
+  return Frame(static_cast<Vex2WellRecord*>(::operator new(wells * sizeof(Vex2WellRecord))));
+}
+
+}  // namespace
+
+/// The wells of the block, and its frames; a frame that was never filled is null.
+struct AcquisitionDataComp::Table {
+  std::vector<std::uint16_t> wellNumbers;
+  std::vector<Frame> frames;
+};
+
 AcquisitionDataComp::AcquisitionDataComp(std::string_view tag)
     : CComponent(tag, vex2::kBlockFixedSize),
       version_(vex2::kBlockVersion),
-      timeBlockSize_(vex2::kTimeBlockSize) {}
+      timeBlockSize_(vex2::kTimeBlockSize),
+      table_(std::make_unique<Table>()) {}
+
+AcquisitionDataComp::~AcquisitionDataComp() = default;
+
+std::uint16_t AcquisitionDataComp::GetWellCount() const {
+  return static_cast<std::uint16_t>(table_->wellNumbers.size());
+}
+
+std::span<const std::uint16_t> AcquisitionDataComp::GetWellNumbers() const {
+  return table_->wellNumbers;
+}
 
 AcquisitionDataComp::AcquisitionDataComp(std::string_view tag, const std::uint16_t* wellNumbers,
                                          std::uint16_t count)
     : AcquisitionDataComp(tag) {
   if (count == 0 || wellNumbers == nullptr) return;
   allocate(count);
-  std::copy_n(wellNumbers, count, wellNumbers_.begin());
+  std::copy_n(wellNumbers, count, table_->wellNumbers.begin());
   setLength(bodyLength(count, 0));
 }
 
@@ -64,8 +96,8 @@ void AcquisitionDataComp::allocate(std::size_t wells) {
   std::vector<std::uint16_t> numbers(wells);
   std::iota(numbers.begin(), numbers.end(), std::uint16_t{1});
   std::vector<Frame> frames(wells != 0 ? static_cast<std::size_t>(capacity_) : 0);
-  wellNumbers_ = std::move(numbers);
-  frames_ = std::move(frames);
+  table_->wellNumbers = std::move(numbers);
+  table_->frames = std::move(frames);
 }
 
 bool AcquisitionDataComp::makeRoom(int index) {
@@ -74,45 +106,42 @@ bool AcquisitionDataComp::makeRoom(int index) {
   if (index >= capacity_) {
     capacity_ += kCapacityStep * ((index - capacity_ + 1) / kCapacityStep + 1);
   }
-  if (frames_.size() < static_cast<std::size_t>(capacity_)) {
-    frames_.resize(static_cast<std::size_t>(capacity_));
+  if (table_->frames.size() < static_cast<std::size_t>(capacity_)) {
+    table_->frames.resize(static_cast<std::size_t>(capacity_));
   }
   return true;
 }
 
-AcquisitionDataComp::Frame AcquisitionDataComp::newFrame() const {
-  void* memory = ::operator new(wellNumbers_.size() * sizeof(Vex2WellRecord));
-  return Frame(static_cast<Vex2WellRecord*>(memory));
-}
-
 Vex2WellRecord* AcquisitionDataComp::frameToFill(int index) {
-  Frame& frame = frames_[static_cast<std::size_t>(index)];
+  Frame& frame = table_->frames[static_cast<std::size_t>(index)];
   if (frame == nullptr) {
-    frame = newFrame();
-    std::fill_n(frame.get(), wellNumbers_.size(), Vex2WellRecord{});
+    frame = newFrame(table_->wellNumbers.size());
+    std::fill_n(frame.get(), table_->wellNumbers.size(), Vex2WellRecord{});
   }
   return frame.get();
 }
 
 void AcquisitionDataComp::SetWellNumbers(const std::uint16_t* wellNumbers, std::uint16_t count) {
   if (wellNumbers == nullptr || count == 0) return;
-  if (count != wellNumbers_.size()) allocate(count);
-  std::copy_n(wellNumbers, count, wellNumbers_.begin());
+  if (count != table_->wellNumbers.size()) allocate(count);
+  std::copy_n(wellNumbers, count, table_->wellNumbers.begin());
 }
 
 int AcquisitionDataComp::FindWell(int wellNumber) const {
-  const auto found = std::find(wellNumbers_.begin(), wellNumbers_.end(), wellNumber);
-  return found != wellNumbers_.end() ? static_cast<int>(found - wellNumbers_.begin()) : -1;
+  const auto found = std::find(table_->wellNumbers.begin(), table_->wellNumbers.end(), wellNumber);
+  return found != table_->wellNumbers.end() ? static_cast<int>(found - table_->wellNumbers.begin())
+                                            : -1;
 }
 
 bool AcquisitionDataComp::SetFrame(int index, const Vex2FrameData& frame) {
-  if (wellNumbers_.empty()) return true;
+  if (table_->wellNumbers.empty()) return true;
   if (!canGrow() || !makeRoom(index)) return false;
   Vex2WellRecord* records = frameToFill(index);
-  const std::size_t given =
-      frame.records != nullptr ? std::min<std::size_t>(frame.wellCount, wellNumbers_.size()) : 0;
+  const std::size_t given = frame.records != nullptr
+                                ? std::min<std::size_t>(frame.wellCount, table_->wellNumbers.size())
+                                : 0;
   std::copy_n(frame.records, given, records);
-  std::fill(records + given, records + wellNumbers_.size(), Vex2WellRecord{});
+  std::fill(records + given, records + table_->wellNumbers.size(), Vex2WellRecord{});
   setLength(static_cast<std::uint32_t>(GetLength() + frameSize()));
   return true;
 }
@@ -122,7 +151,7 @@ bool AcquisitionDataComp::SetWellRecord(int index, int position, const Vex2WellR
   Vex2WellRecord* records = frameToFill(index);
   records[position] = record;
   int filled = 0;
-  for (std::size_t i = 0; i < wellNumbers_.size() && filled < 2; ++i) {
+  for (std::size_t i = 0; i < table_->wellNumbers.size() && filled < 2; ++i) {
     if (records[i].leading[0] != 0) ++filled;
   }
   if (filled == 1) setLength(static_cast<std::uint32_t>(GetLength() + frameSize()));
@@ -131,26 +160,26 @@ bool AcquisitionDataComp::SetWellRecord(int index, int position, const Vex2WellR
 
 const Vex2WellRecord* AcquisitionDataComp::GetFrame(int index) const {
   const auto place = static_cast<std::size_t>(index);
-  return index >= 0 && place < frames_.size() ? frames_[place].get() : nullptr;
+  return index >= 0 && place < table_->frames.size() ? table_->frames[place].get() : nullptr;
 }
 
 void AcquisitionDataComp::CopyFrame(int index, Vex2FrameData& frame) const {
   frame.Resize(GetWellCount());
   if (const Vex2WellRecord* records = GetFrame(index)) {
-    std::copy_n(records, wellNumbers_.size(), frame.records);
+    std::copy_n(records, table_->wellNumbers.size(), frame.records);
   }
 }
 
 int AcquisitionDataComp::WriteFrame(CFile& file, int index) const {
   if (index < 0 || index >= GetFrameCount()) return vex2::kNoSuchFrame;
-  vex2::WriteWellRecords(file, GetFrame(index), wellNumbers_.size());
+  vex2::WriteWellRecords(file, GetFrame(index), table_->wellNumbers.size());
   return kSuccess;
 }
 
 bool AcquisitionDataComp::IsStoredFrame(CFile& file, int index) const {
   const Vex2WellRecord nothing;
   const Vex2WellRecord* held = GetFrame(index);
-  std::vector<Vex2WellRecord> stored(wellNumbers_.size());
+  std::vector<Vex2WellRecord> stored(table_->wellNumbers.size());
   if (vex2::ReadWellRecords(file, stored.data(), stored.size()) != kSuccess) return false;
   for (std::size_t i = 0; i < stored.size(); ++i) {
     const Vex2WellRecord& record = held != nullptr ? held[i] : nothing;
@@ -177,12 +206,12 @@ CComponent& AcquisitionDataComp::Assign(const CComponent& source) {
   startTime_ = same->startTime_;
   endTime_ = same->endTime_;
   capacity_ = same->capacity_;
-  allocate(same->wellNumbers_.size());
-  wellNumbers_ = same->wellNumbers_;
-  for (std::size_t i = 0; i < same->frames_.size(); ++i) {
-    if (same->frames_[i] == nullptr) continue;
-    frames_[i] = newFrame();
-    std::copy_n(same->frames_[i].get(), wellNumbers_.size(), frames_[i].get());
+  allocate(same->table_->wellNumbers.size());
+  table_->wellNumbers = same->table_->wellNumbers;
+  for (std::size_t i = 0; i < same->table_->frames.size(); ++i) {
+    if (same->table_->frames[i] == nullptr) continue;
+    table_->frames[i] = newFrame(table_->wellNumbers.size());
+    std::copy_n(same->table_->frames[i].get(), table_->wellNumbers.size(), table_->frames[i].get());
   }
   return *this;
 }
@@ -194,10 +223,10 @@ int AcquisitionDataComp::WriteBody(CFile* file) {
   file->Write(startTime_.fields, sizeof startTime_.fields);
   file->Write(endTime_.fields, sizeof endTime_.fields);
   vex2::WriteField(*file, GetWellCount());
-  for (const std::uint16_t number : wellNumbers_) vex2::WriteField(*file, number);
+  for (const std::uint16_t number : table_->wellNumbers) vex2::WriteField(*file, number);
   const int frames = GetFrameCount();
   for (int index = 0; index < frames; ++index) {
-    vex2::WriteWellRecords(*file, GetFrame(index), wellNumbers_.size());
+    vex2::WriteWellRecords(*file, GetFrame(index), table_->wellNumbers.size());
   }
   return kSuccess;
 }
@@ -218,7 +247,7 @@ int AcquisitionDataComp::ReadBody(CFile* file) {
                 endTime_.fields);
   }
   allocate(head.wells);
-  wellNumbers_ = std::move(numbers);
+  table_->wellNumbers = std::move(numbers);
   return readFrames(*file);
 }
 
@@ -230,10 +259,10 @@ int AcquisitionDataComp::readFrames(CFile& file) {
   }
   if (frames > 0 && !makeRoom(frames - 1)) return vex2::kReadFailed;
   for (int index = 0; index < frames; ++index) {
-    Frame frame = newFrame();
-    const int status = vex2::ReadWellRecords(file, frame.get(), wellNumbers_.size());
+    Frame frame = newFrame(table_->wellNumbers.size());
+    const int status = vex2::ReadWellRecords(file, frame.get(), table_->wellNumbers.size());
     if (status != kSuccess) return status;
-    frames_[static_cast<std::size_t>(index)] = std::move(frame);
+    table_->frames[static_cast<std::size_t>(index)] = std::move(frame);
   }
   return kSuccess;
 }

@@ -5,7 +5,6 @@
 #include <memory>
 #include <span>
 #include <string_view>
-#include <vector>
 
 #include "vex2/container/CComponent.h"
 #include "vex2/run/TimeStamp.h"
@@ -28,11 +27,13 @@ class VEX2_API AcquisitionDataComp final : public CComponent {
   /// makes an empty block.
   AcquisitionDataComp(std::string_view tag, const Vex2AcquisitionData& data);
 
+  ~AcquisitionDataComp() override;
+
   std::uint16_t GetVersion() const { return version_; }
   std::uint16_t GetTimeBlockSize() const { return timeBlockSize_; }
-  std::uint16_t GetWellCount() const { return static_cast<std::uint16_t>(wellNumbers_.size()); }
+  std::uint16_t GetWellCount() const;
   /// The well number of each record position; valid until the block changes.
-  std::span<const std::uint16_t> GetWellNumbers() const { return wellNumbers_; }
+  std::span<const std::uint16_t> GetWellNumbers() const;
   int GetFrameCount() const;
   /// Places in the frame table.
   std::int32_t GetFrameCapacity() const { return capacity_; }
@@ -75,11 +76,7 @@ class VEX2_API AcquisitionDataComp final : public CComponent {
   int ReadBody(CFile* file) override;
 
  private:
-  // Frames come from the allocator as they are: reading fills every value exactly once.
-  struct Release {
-    void operator()(Vex2WellRecord* records) const noexcept { ::operator delete(records); }
-  };
-  using Frame = std::unique_ptr<Vex2WellRecord, Release>;
+  struct Table;
 
   static constexpr std::int32_t kCapacityStep = 40;
 
@@ -88,7 +85,6 @@ class VEX2_API AcquisitionDataComp final : public CComponent {
   bool canGrow() const;
   void allocate(std::size_t wells);
   bool makeRoom(int index);
-  Frame newFrame() const;
   Vex2WellRecord* frameToFill(int index);
   int readFrames(CFile& file);
 
@@ -96,7 +92,6 @@ class VEX2_API AcquisitionDataComp final : public CComponent {
   std::uint16_t timeBlockSize_;
   TimeStamp startTime_;
   TimeStamp endTime_;
-  std::vector<std::uint16_t> wellNumbers_;
-  std::vector<Frame> frames_;
+  std::unique_ptr<Table> table_;
   std::int32_t capacity_ = kCapacityStep;
 };

@@ -1,5 +1,7 @@
 #include "vex2/setup/SpectrumSetComp.h"
 
+#include <algorithm>
+#include <iterator>
 #include <type_traits>
 #include <utility>
 
@@ -108,10 +110,10 @@ void exchangeHead(Fields& fields, Record& record, Reserved& reserved) {
   fields.EntryCount(record);
   fields.Number(record.option);
   fields.Number(record.value);
-  fields.Bytes(reserved.data(), kBefore);
+  fields.Bytes(reserved, kBefore);
   fields.Bytes(record.extra1, sizeof record.extra1);
   fields.Bytes(record.extra2, sizeof record.extra2);
-  fields.Bytes(reserved.data() + kBefore, reserved.size() - kBefore);
+  fields.Bytes(reserved + kBefore, std::size(reserved) - kBefore);
 }
 
 template <typename Fields, typename Entry>
@@ -162,7 +164,7 @@ CComponent& SpectrumSetComp<Record>::Assign(const CComponent& source) {
   const auto* same = dynamic_cast<const SpectrumSetComp*>(&source);
   if (same != nullptr && same != this && source.GetTag() == GetTag()) {
     record_.CopyFrom(same->record_);
-    reserved_ = same->reserved_;
+    std::copy(std::begin(same->reserved_), std::end(same->reserved_), reserved_);
     CComponent::Assign(source);
   }
   return *this;

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
+#include <span>
 #include <string_view>
 
 #include "vex2/container/CComponent.h"
@@ -20,8 +20,8 @@ class VEX2_API SpectrumSetComp : public CComponent {
   void CopyTo(Record& record) const { record.CopyFrom(record_); }
   /// What is held; valid until the component changes.
   const Record& GetRecord() const { return record_; }
-  /// The reserved words in the order in which they are stored.
-  const std::array<std::uint8_t, 48>& GetReserved() const { return reserved_; }
+  /// The reserved words in the order in which they are stored; valid until the component changes.
+  std::span<const std::uint8_t, 48> GetReserved() const { return reserved_; }
 
   CComponent& Assign(const CComponent& source) override;
   int WriteBody(CFile* file) override;
@@ -29,7 +29,7 @@ class VEX2_API SpectrumSetComp : public CComponent {
 
  private:
   Record record_;
-  std::array<std::uint8_t, 48> reserved_{};
+  std::uint8_t reserved_[48] = {};
 };
 
 }  // namespace vex2

@@ -1,23 +1,25 @@
 #pragma once
 
-#include <utility>
+#include <memory>
 #include <vector>
 
 #include "vex2/framework/CString.h"
 #include "vex2/framework/Export.h"
 #include "vex2/study/CMatrix.h"
 
-/// A matrix with a row for each detector.
+/// A matrix with a row for each detector. A value: copies are independent.
 class VEX2_API CDetectorMatrix : public CMatrix {
  public:
   CDetectorMatrix() = default;
   /// A row of `columns` zeros for each name.
-  CDetectorMatrix(std::vector<CString> names, int columns)
-      : CMatrix(static_cast<int>(names.size()), columns), names_(std::move(names)) {}
+  CDetectorMatrix(std::vector<CString> names, int columns);
 
   /// The detectors' names in the order of the rows; valid until the matrix changes or ends.
-  const std::vector<CString>& GetDetectorNameArray() const { return names_; }
+  const std::vector<CString>& GetDetectorNameArray() const;
 
  private:
-  std::vector<CString> names_;
+  struct Names;
+
+  // Names never change, so copies of the matrix share them.
+  std::shared_ptr<const Names> names_;
 };

@@ -1,5 +1,9 @@
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <utility>
 #include <vector>
 
 #include "vex2/framework/Export.h"
@@ -9,16 +13,32 @@
 class VEX2_API CMatrix {
  public:
   CMatrix() = default;
-  CMatrix(int rows, int columns)
-      : rows_(static_cast<std::size_t>(rows),
-              CVector(std::vector<double>(static_cast<std::size_t>(columns)))) {}
+  /// Rows of `columns` zeros.
+  CMatrix(int rows, int columns) : CMatrix(static_cast<std::size_t>(rows)) {
+    const CVector row(std::vector<double>(static_cast<std::size_t>(columns)));
+    std::fill_n(rows_.get(), rowCount_, row);
+  }
+  CMatrix(const CMatrix& other) : CMatrix(other.rowCount_) {
+    std::copy_n(other.rows_.get(), rowCount_, rows_.get());
+  }
+  CMatrix(CMatrix&& other) noexcept
+      : rows_(std::move(other.rows_)), rowCount_(std::exchange(other.rowCount_, 0)) {}
+  CMatrix& operator=(CMatrix other) noexcept {
+    rows_ = std::move(other.rows_);
+    rowCount_ = std::exchange(other.rowCount_, 0);
+    return *this;
+  }
+  ~CMatrix() = default;
 
-  int GetRowCount() const { return static_cast<int>(rows_.size()); }
-  int GetColumnCount() const { return rows_.empty() ? 0 : rows_.front().GetSize(); }
+  int GetRowCount() const { return static_cast<int>(rowCount_); }
+  int GetColumnCount() const { return rowCount_ == 0 ? 0 : rows_[0].GetSize(); }
   /// `row` must be below the row count.
   CVector& operator[](int row) { return rows_[static_cast<std::size_t>(row)]; }
   const CVector& operator[](int row) const { return rows_[static_cast<std::size_t>(row)]; }
 
  private:
-  std::vector<CVector> rows_;
+  explicit CMatrix(std::size_t rows) : rows_(new CVector[rows]), rowCount_(rows) {}
+
+  std::unique_ptr<CVector[]> rows_;
+  std::size_t rowCount_ = 0;
 };

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -10,14 +12,28 @@
 class VEX2_API CVector {
  public:
   CVector() = default;
-  explicit CVector(std::vector<double> values) : values_(std::move(values)) {}
+  explicit CVector(const std::vector<double>& values) : CVector(values.data(), values.size()) {}
+  CVector(const CVector& other) : CVector(other.values_.get(), other.size_) {}
+  CVector(CVector&& other) noexcept
+      : values_(std::move(other.values_)), size_(std::exchange(other.size_, 0)) {}
+  CVector& operator=(CVector other) noexcept {
+    values_ = std::move(other.values_);
+    size_ = std::exchange(other.size_, 0);
+    return *this;
+  }
+  ~CVector() = default;
 
   std::unique_ptr<CVector> Clone() const { return std::make_unique<CVector>(*this); }
-  int GetSize() const { return static_cast<int>(values_.size()); }
+  int GetSize() const { return static_cast<int>(size_); }
   /// `index` must be below the size.
   double& operator[](int index) { return values_[static_cast<std::size_t>(index)]; }
   double operator[](int index) const { return values_[static_cast<std::size_t>(index)]; }
 
  private:
-  std::vector<double> values_;
+  CVector(const double* values, std::size_t size) : values_(new double[size]), size_(size) {
+    std::copy_n(values, size, values_.get());
+  }
+
+  std::unique_ptr<double[]> values_;
+  std::size_t size_ = 0;
 };
