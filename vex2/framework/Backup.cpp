@@ -23,7 +23,7 @@ std::string makeBackup(const std::string& path, mode_t permissions) {
       files.Close(file);
       return backup;
     }
-    if (file != -EEXIST) throw CFileException(-file, backup, 0);
+    if (file != -EEXIST) throw CFileException(-file, backup, 0, FileOperation::kCreate);
     backup = path + ".backup-" + std::to_string(number);
   }
 }
@@ -43,7 +43,8 @@ void copyFile(CFile& source, const std::string& to) {
   }
   target.SyncData();
   target.Close();
-  if (const int status = SyncFolderOf(to); status < 0) throw CFileException(-status, to, 0);
+  if (const int status = SyncFolderOf(to); status < 0)
+    throw CFileException(-status, to, 0, FileOperation::kSync);
 }
 
 }  // namespace
@@ -54,7 +55,7 @@ LocatedFile LocateFile(const std::string& path) {
   struct stat info {};
   const int status = CurrentFileSystem().StatPath(path.c_str(), info);
   if (status == -ENOENT || status == -ENOTDIR) return file;
-  if (status < 0) throw CFileException(-status, path, 0);
+  if (status < 0) throw CFileException(-status, path, 0, FileOperation::kOpen);
   file.exists = true;
   file.isRegular = S_ISREG(info.st_mode);
   file.device = info.st_dev;
@@ -67,7 +68,7 @@ std::string BackUpFile(const std::string& path) {
   openOrThrow(source, path, CFile::modeRead);
   struct stat info {};
   if (const int status = CurrentFileSystem().StatPath(path.c_str(), info); status < 0) {
-    throw CFileException(-status, path, 0);
+    throw CFileException(-status, path, 0, FileOperation::kOpen);
   }
   std::string backup = makeBackup(path, info.st_mode & 0777U);
   try {

@@ -14,6 +14,7 @@
 #include "vex2/framework/PathNames.h"
 
 using vex2::CurrentFileSystem;
+using vex2::FileOperation;
 
 namespace {
 
@@ -79,8 +80,10 @@ bool CFile::Open(const char* path, unsigned flags, CFileException* error) {
 }
 
 bool CFile::openLocked(const char* path, int flags, bool exclusive, CFileException* error) {
-  const auto refuse = [&](int number) {
-    if (error != nullptr) *error = CFileException(number, path != nullptr ? path : "", 0);
+  const auto refuse = [&](int number, FileOperation operation = FileOperation::kOpen) {
+    if (error != nullptr) {
+      *error = CFileException(number, path != nullptr ? path : "", 0, operation);
+    }
     releaseHandle();
     return false;
   };
@@ -93,7 +96,9 @@ bool CFile::openLocked(const char* path, int flags, bool exclusive, CFileExcepti
     handle_ = files.Open(path, flags | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0666);
     if (handle_ == -EINTR) continue;
     if (handle_ < 0) return refuse(-std::exchange(handle_, -1));
-    if (const int status = lockHandle(exclusive, deadline); status != 0) return refuse(status);
+    if (const int status = lockHandle(exclusive, deadline); status != 0) {
+      return refuse(status, FileOperation::kLock);
+    }
     struct stat info {};
     if (const int status = files.Stat(handle_, info); status < 0) return refuse(-status);
     if (S_ISDIR(info.st_mode)) return refuse(EISDIR);
@@ -103,7 +108,7 @@ bool CFile::openLocked(const char* path, int flags, bool exclusive, CFileExcepti
     if (isStillAt(path)) break;
     // A save put a new file in the place of the one whose lock we waited for.
     releaseHandle();
-    if (files.Milliseconds() > deadline) return refuse(EWOULDBLOCK);
+    if (files.Milliseconds() > deadline) return refuse(EWOULDBLOCK, FileOperation::kLock);
   }
   path_ = path;
   position_ = 0;
@@ -209,7 +214,7 @@ std::span<const std::uint8_t> CFile::Peek(std::size_t atLeast) {
 
 // Leaves the buffer starting at the position.
 void CFile::fill(std::size_t atLeast) {
-  useBuffer();
+  useBuffer(FileOperation::kRead);
   const bool readingOn =
       bufferUsed_ != 0 && position_ >= bufferStart_ && position_ - bufferStart_ <= bufferUsed_;
   std::size_t kept = 0;
@@ -227,13 +232,13 @@ void CFile::fill(std::size_t atLeast) {
   bufferUsed_ += readAt(buffer_.get() + kept, wanted - kept, position_ + kept);
 }
 
-void CFile::useBuffer() {
-  if (handle_ < 0) fail(EBADF, position_);
+void CFile::useBuffer(FileOperation operation) {
+  if (handle_ < 0) fail(operation, EBADF, position_);
   if (buffer_ == nullptr) buffer_.reset(new std::uint8_t[kBufferSize]);
 }
 
 std::size_t CFile::readAt(std::uint8_t* bytes, std::size_t count, std::uint64_t offset) {
-  if (handle_ < 0) fail(EBADF, offset);
+  if (handle_ < 0) fail(FileOperation::kRead, EBADF, offset);
   if (!regular_ || offset >= length_) return 0;
   count = static_cast<std::size_t>(std::min<std::uint64_t>(count, length_ - offset));
   return readFrom(handle_, bytes, count, offset);
@@ -245,7 +250,7 @@ std::size_t CFile::readFrom(int handle, std::uint8_t* bytes, std::size_t count,
   while (done < count) {
     const auto got = CurrentFileSystem().ReadAt(handle, bytes + done, count - done, offset + done);
     if (got == -EINTR) continue;
-    if (got < 0) fail(static_cast<int>(-got), offset + done);
+    if (got < 0) fail(FileOperation::kRead, static_cast<int>(-got), offset + done);
     if (got == 0) break;
     done += static_cast<std::size_t>(got);
   }
@@ -254,7 +259,7 @@ std::size_t CFile::readFrom(int handle, std::uint8_t* bytes, std::size_t count,
 
 void CFile::Write(const void* buffer, std::size_t count) {
   if (count == 0) return;
-  if (count > kMaxPosition - position_) fail(EFBIG, position_);
+  if (count > kMaxPosition - position_) fail(FileOperation::kWrite, EFBIG, position_);
   const auto* bytes = static_cast<const std::uint8_t*>(buffer);
   if (!dirty_ || position_ != bufferStart_ + bufferUsed_ || bufferUsed_ + count > kBufferSize) {
     writeOut();
@@ -264,7 +269,7 @@ void CFile::Write(const void* buffer, std::size_t count) {
     writeAt(handle_, bytes, count, position_);
     length_ = std::max(length_, position_ + count);
   } else {
-    useBuffer();
+    useBuffer(FileOperation::kWrite);
     if (!dirty_) bufferStart_ = position_;
     std::memcpy(buffer_.get() + bufferUsed_, bytes, count);
     bufferUsed_ += count;
@@ -275,12 +280,13 @@ void CFile::Write(const void* buffer, std::size_t count) {
 
 void CFile::writeAt(int handle, const std::uint8_t* bytes, std::size_t count,
                     std::uint64_t offset) {
-  if (handle < 0) fail(EBADF, offset);
+  if (handle < 0) fail(FileOperation::kWrite, EBADF, offset);
   std::size_t done = 0;
   while (done < count) {
     const auto put = CurrentFileSystem().WriteAt(handle, bytes + done, count - done, offset + done);
     if (put == -EINTR) continue;
-    if (put <= 0) fail(put == 0 ? EIO : static_cast<int>(-put), offset + done);
+    if (put <= 0)
+      fail(FileOperation::kWrite, put == 0 ? EIO : static_cast<int>(-put), offset + done);
     done += static_cast<std::size_t>(put);
   }
 }
@@ -300,12 +306,12 @@ void CFile::forgetBuffer() noexcept {
 }
 
 std::uint64_t CFile::Seek(std::int64_t offset, SeekPosition from) {
-  if (handle_ < 0) fail(EBADF, 0);
+  if (handle_ < 0) fail(FileOperation::kSeek, EBADF, 0);
   const std::uint64_t base = from == begin ? 0 : from == current ? position_ : GetLength();
   const auto distance = static_cast<std::uint64_t>(offset);
   const bool lands =
       offset < 0 ? std::uint64_t{0} - distance <= base : distance <= kMaxPosition - base;
-  if (!lands) fail(EINVAL, base);
+  if (!lands) fail(FileOperation::kSeek, EINVAL, base);
   position_ = base + distance;
   return position_;
 }
@@ -324,16 +330,16 @@ std::uint64_t CFile::GetRemaining() const {
 }
 
 void CFile::SetLength(std::uint64_t length) {
-  if (handle_ < 0) fail(EBADF, length);
+  if (handle_ < 0) fail(FileOperation::kResize, EBADF, length);
   writeOut();
   forgetBuffer();
   if (!regular_) return;
-  if (length > kMaxPosition) fail(EFBIG, length);
+  if (length > kMaxPosition) fail(FileOperation::kResize, EFBIG, length);
   int status = 0;
   do {
     status = CurrentFileSystem().Truncate(handle_, length);
   } while (status == -EINTR);
-  if (status < 0) fail(-status, length);
+  if (status < 0) fail(FileOperation::kResize, -status, length);
   length_ = length;
 }
 
@@ -342,13 +348,13 @@ void CFile::Flush() {
 }
 
 void CFile::SyncData() {
-  if (handle_ < 0) fail(EBADF, position_);
+  if (handle_ < 0) fail(FileOperation::kSync, EBADF, position_);
   writeOut();
   int status = 0;
   do {
     status = CurrentFileSystem().SyncData(handle_);
   } while (status == -EINTR);
-  if (status < 0 && regular_) fail(-status, position_);
+  if (status < 0 && regular_) fail(FileOperation::kSync, -status, position_);
 }
 
 CString CFile::GetFileName() const {
@@ -372,6 +378,6 @@ bool CFile::GetStatus(CFileStatus& status) const {
   return true;
 }
 
-void CFile::fail(int error, std::uint64_t offset) const {
-  throw CFileException(error, path_, offset);
+void CFile::fail(FileOperation operation, int error, std::uint64_t offset) const {
+  throw CFileException(error, path_, offset, operation);
 }

@@ -12,6 +12,11 @@
 #include "vex2/framework/CObject.h"
 #include "vex2/framework/CString.h"
 #include "vex2/framework/Export.h"
+#include "vex2/framework/FileError.h"
+
+namespace vex2 {
+class DocumentStore;
+}  // namespace vex2
 
 /// A buffered binary file with a position.
 ///
@@ -127,6 +132,8 @@ class VEX2_API CFile : public CObject {
   const Identity& GetIdentity() const { return identity_; }
 
  private:
+  // Replaces files as a whole on behalf of the class that owns both.
+  friend class vex2::DocumentStore;
   struct Replacement;
 
   bool openLocked(const char* path, int flags, bool exclusive, CFileException* error);
@@ -142,10 +149,10 @@ class VEX2_API CFile : public CObject {
   std::size_t readAt(std::uint8_t* bytes, std::size_t count, std::uint64_t offset);
   std::size_t readFrom(int handle, std::uint8_t* bytes, std::size_t count, std::uint64_t offset);
   void fill(std::size_t atLeast);
-  void useBuffer();
+  void useBuffer(vex2::FileOperation operation);
   void forgetBuffer() noexcept;
   void releaseHandle() noexcept;
-  [[noreturn]] void fail(int error, std::uint64_t offset) const;
+  [[noreturn]] void fail(vex2::FileOperation operation, int error, std::uint64_t offset) const;
 
   int handle_ = -1;
   bool regular_ = false;

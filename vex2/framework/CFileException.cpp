@@ -3,8 +3,9 @@
 #include <system_error>
 #include <utility>
 
-CFileException::CFileException(int error, std::string path, std::uint64_t offset)
-    : error_(error), offset_(offset), path_(std::move(path)) {
+CFileException::CFileException(int error, std::string path, std::uint64_t offset,
+                               vex2::FileOperation operation)
+    : error_(error), operation_(operation), offset_(offset), path_(std::move(path)) {
   text_ = path_ + ": at byte " + std::to_string(offset_) + ": " +
           std::generic_category().message(error_);
 }

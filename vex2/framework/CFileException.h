@@ -5,22 +5,27 @@
 #include <string>
 
 #include "vex2/framework/Export.h"
+#include "vex2/framework/FileError.h"
 
 /// What a file operation throws when the system refuses it. Never leaves the library's manager.
 class VEX2_API CFileException : public std::exception {
  public:
   CFileException() = default;
-  /// `error` is the system's error number, `offset` the file position concerned.
-  CFileException(int error, std::string path, std::uint64_t offset);
+  /// `error` is the system's error number, `offset` the file position concerned, `operation` what
+  /// the system refused.
+  CFileException(int error, std::string path, std::uint64_t offset,
+                 vex2::FileOperation operation = vex2::FileOperation::kNone);
 
   /// One line: the path, the offset and the system's own words.
   const char* what() const noexcept override;
   int GetError() const { return error_; }
   const std::string& GetPath() const { return path_; }
   std::uint64_t GetOffset() const { return offset_; }
+  vex2::FileOperation GetOperation() const { return operation_; }
 
  private:
   int error_ = 0;
+  vex2::FileOperation operation_ = vex2::FileOperation::kNone;
   std::uint64_t offset_ = 0;
   std::string path_;
   std::string text_;

@@ -12,6 +12,7 @@
 #include "vex2/framework/FileSystem.h"
 
 using vex2::CurrentFileSystem;
+using vex2::FileOperation;
 
 namespace {
 
@@ -49,7 +50,7 @@ bool CFile::OpenReplacement(const char* path, CFileException* error) {
     if (beginReplacement(path, exists, why)) return true;
     if (!renameCannotServe(why.GetError())) {
       releaseHandle();
-      if (error != nullptr) *error = CFileException(why.GetError(), path, 0);
+      if (error != nullptr) *error = CFileException(why.GetError(), path, 0, why.GetOperation());
       return false;
     }
   }
@@ -60,7 +61,7 @@ bool CFile::OpenReplacement(const char* path, CFileException* error) {
 }
 
 bool CFile::ReplaceOpenFile() {
-  if (handle_ < 0 || replacement_ != nullptr) fail(EBADF, 0);
+  if (handle_ < 0 || replacement_ != nullptr) fail(FileOperation::kCreate, EBADF, 0);
   writeOut();
   struct stat info {};
   if (!regular_ || CurrentFileSystem().Stat(handle_, info) < 0 || info.st_nlink != 1) return false;
@@ -88,7 +89,9 @@ bool CFile::beginReplacement(const std::string& target, bool exists, CFileExcept
 }
 
 void CFile::CopyReplaced(std::uint64_t count) {
-  if (handle_ < 0 || replacement_ == nullptr || replacement_->targetHandle < 0) fail(EBADF, 0);
+  if (handle_ < 0 || replacement_ == nullptr || replacement_->targetHandle < 0) {
+    fail(FileOperation::kRead, EBADF, 0);
+  }
   const std::unique_ptr<std::uint8_t[]> bytes(new std::uint8_t[kBufferSize]);
   std::uint64_t done = 0;
   while (done < count) {
@@ -111,7 +114,7 @@ bool CFile::openTemporary(CFileException& error) {
     handle_ = files.Open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (handle_ == -EEXIST || handle_ == -EINTR) continue;
     if (handle_ < 0) {
-      error = CFileException(-std::exchange(handle_, -1), path, 0);
+      error = CFileException(-std::exchange(handle_, -1), path, 0, FileOperation::kCreate);
       return false;
     }
     replacement_->temporary = std::move(path);
@@ -125,7 +128,7 @@ bool CFile::openTemporary(CFileException& error) {
     const int status = files.CopyAttributes(replacement_->targetHandle, handle_);
     if (status < 0) {
       releaseHandle();
-      error = CFileException(-status, replacement_->temporary, 0);
+      error = CFileException(-status, replacement_->temporary, 0, FileOperation::kCreate);
       return false;
     }
   }
@@ -133,7 +136,7 @@ bool CFile::openTemporary(CFileException& error) {
 }
 
 CFile::Identity CFile::CloseReplacement() {
-  if (handle_ < 0 || replacement_ == nullptr) fail(EBADF, 0);
+  if (handle_ < 0 || replacement_ == nullptr) fail(FileOperation::kRename, EBADF, 0);
   Identity inPlace = identity_;
   try {
     writeOut();
@@ -159,10 +162,12 @@ bool CFile::putInPlace() {
     copyInto(replacement.targetHandle);
     return false;
   }
-  if (status < 0) fail(-status, 0);
+  if (status < 0) fail(FileOperation::kRename, -status, 0);
   replacement.temporary.clear();
   // Without this the new name may be lost with the power, and with it nothing but the new content.
-  if (const int synced = vex2::SyncFolderOf(replacement.target); synced < 0) fail(-synced, 0);
+  if (const int synced = vex2::SyncFolderOf(replacement.target); synced < 0) {
+    fail(FileOperation::kSync, -synced, 0);
+  }
   return true;
 }
 
@@ -175,7 +180,7 @@ void CFile::copyInto(int target) {
     position_ += bytes.size();
   }
   if (const int status = CurrentFileSystem().Truncate(target, length_); status < 0) {
-    fail(-status, length_);
+    fail(FileOperation::kResize, -status, length_);
   }
   syncAll(target);
 }
@@ -185,5 +190,5 @@ void CFile::syncAll(int handle) {
   do {
     status = CurrentFileSystem().SyncAll(handle);
   } while (status == -EINTR);
-  if (status < 0 && regular_) fail(-status, 0);
+  if (status < 0 && regular_) fail(FileOperation::kSync, -status, 0);
 }

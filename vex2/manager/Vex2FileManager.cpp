@@ -3,15 +3,16 @@
 #include <algorithm>
 #include <iterator>
 #include <new>
+#include <utility>
 
 #include "vex2/container/CSkippedComp.h"
 #include "vex2/container/TagFactory.h"
 #include "vex2/format/RecordKinds.h"
 #include "vex2/framework/DescribeClass.h"
 #include "vex2/framework/PathNames.h"
+#include "vex2/manager/ManagerState.h"
 #include "vex2/manager/Module.h"
 #include "vex2/manager/OrNothing.h"
-#include "vex2/storage/FailedSyncs.h"
 
 namespace {
 
@@ -19,7 +20,7 @@ const vex2::ModuleEntry moduleEntry;
 
 }  // namespace
 
-Vex2FileManager::Vex2FileManager() : failedSyncs_(std::make_unique<vex2::FailedSyncs>()) {}
+Vex2FileManager::Vex2FileManager() : state_(std::make_unique<State>(*this)) {}
 
 Vex2FileManager::Vex2FileManager(const Vex2FileManager& other) : Vex2FileManager() {
   deepCopy(other);
@@ -33,9 +34,7 @@ Vex2FileManager& Vex2FileManager::operator=(const Vex2FileManager& other) {
   return *this;
 }
 
-Vex2FileManager::~Vex2FileManager() {
-  resetSettings();
-}
+Vex2FileManager::~Vex2FileManager() = default;
 
 const CRuntimeClass* Vex2FileManager::ClassRecord() {
   static const CRuntimeClass record =
@@ -48,19 +47,20 @@ const CRuntimeClass* Vex2FileManager::GetRuntimeClass() const {
 }
 
 CString Vex2FileManager::GetFileName() const {
-  return vex2::OrNothing([this] { return CString(vex2::FileNameOf(filePath_.View())); });
+  return vex2::OrNothing([this] { return CString(vex2::FileNameOf(state_->store.Path().View())); });
 }
 
 CString Vex2FileManager::GetFileTitle() const {
-  return vex2::OrNothing([this] { return CString(vex2::FileTitleOf(filePath_.View())); });
+  return vex2::OrNothing(
+      [this] { return CString(vex2::FileTitleOf(state_->store.Path().View())); });
 }
 
 CString Vex2FileManager::GetFilePath() const {
-  return vex2::OrNothing([this] { return filePath_; });
+  return vex2::OrNothing([this] { return state_->store.Path(); });
 }
 
 void Vex2FileManager::SetFilePath(const char* path) {
-  vex2::OrNothing([&] { filePath_ = path; });
+  vex2::OrNothing([&] { state_->store.SetPath(path); });
 }
 
 void Vex2FileManager::SetHeaderData(const Vex2HeaderData& header) {
@@ -69,18 +69,18 @@ void Vex2FileManager::SetHeaderData(const Vex2HeaderData& header) {
 
 int Vex2FileManager::Reset() {
   header_.Reset();
-  components_.clear();
-  partlyRead_ = {};
+  state_->components.Clear();
+  state_->partlyRead = {};
   ResetAnalysisMap();
-  resetSettings();
+  state_->settings.Reset();
   return vex2::kSuccess;
 }
 
 void Vex2FileManager::deepCopy(const Vex2FileManager& source) {
   header_ = source.header_;
-  filePath_ = source.filePath_;
-  partlyRead_ = source.partlyRead_;
-  for (const auto& component : source.components_) {
+  state_->store.SetPath(source.state_->store.Path());
+  state_->partlyRead = source.state_->partlyRead;
+  for (const auto& component : source.state_->components) {
     std::unique_ptr<CComponent> clone;
     if (CloneComponent(*component, clone) == 1) appendComponent(std::move(clone));
   }
@@ -96,13 +96,13 @@ void Vex2FileManager::copyOrStayEmpty(const Vex2FileManager& source) {
 }
 
 int Vex2FileManager::GetAllComponentCount() const {
-  return static_cast<int>(components_.size());
+  return static_cast<int>(state_->components.All().size());
 }
 
 bool Vex2FileManager::GetComponentTagList(CStringList& tags) const {
   tags.RemoveAll();
   const bool done = vex2::OrNothing([&] {
-    for (const auto& component : components_) tags.AddTail(CString(component->GetTag()));
+    for (const auto& component : state_->components) tags.AddTail(CString(component->GetTag()));
     return true;
   });
   if (!done) tags.RemoveAll();
@@ -111,7 +111,7 @@ bool Vex2FileManager::GetComponentTagList(CStringList& tags) const {
 
 CComponent* Vex2FileManager::GetComponent(int index) const {
   return index >= 0 && index < GetAllComponentCount()
-             ? components_[static_cast<std::size_t>(index)].get()
+             ? state_->components.All()[static_cast<std::size_t>(index)].get()
              : nullptr;
 }
 
@@ -122,9 +122,8 @@ void Vex2FileManager::initTestData() {
     for (const auto tag : vex2::kTagTable) {
       added.push_back(std::make_unique<CSkippedComp>(tag, length--));
     }
-    components_.reserve(components_.size() + added.size());
+    state_->components.Append(std::move(added));
     header_ = Vex2HeaderData();
-    std::move(added.begin(), added.end(), std::back_inserter(components_));
   });
 }
 
@@ -133,27 +132,56 @@ bool Vex2FileManager::IsAcquisitionDataAvailable() const {
 }
 
 CComponent* Vex2FileManager::includesComponent(std::string_view tag) const {
+  return state_->components.Find(tag);
+}
+
+void Vex2FileManager::RemoveComponent(CComponent* position) {
+  state_->components.Remove(position);
+}
+
+void Vex2FileManager::appendComponent(std::unique_ptr<CComponent> component) {
+  state_->components.Append(std::move(component));
+}
+
+void Vex2FileManager::replaceComponent(std::unique_ptr<CComponent> component) {
+  state_->components.Replace(std::move(component));
+}
+
+const vex2::FileError& Vex2FileManager::GetLastFileError() const {
+  return state_->store.Errors().Get();
+}
+
+namespace vex2 {
+
+CComponent* ComponentList::Find(std::string_view tag) const {
   for (const auto& component : components_) {
     if (component->GetTag() == tag) return component.get();
   }
   return nullptr;
 }
 
-void Vex2FileManager::RemoveComponent(CComponent* position) {
-  if (position == nullptr) return;
-  const auto found =
-      std::find_if(components_.begin(), components_.end(),
-                   [position](const auto& component) { return component.get() == position; });
-  if (found != components_.end()) components_.erase(found);
-}
-
-void Vex2FileManager::appendComponent(std::unique_ptr<CComponent> component) {
+void ComponentList::Append(std::unique_ptr<CComponent> component) {
   components_.push_back(std::move(component));
 }
 
-void Vex2FileManager::replaceComponent(std::unique_ptr<CComponent> component) {
-  // Removed last, so that nothing is lost where there is no memory for the new one's place.
-  CComponent* before = includesComponent(component->GetTag());
-  appendComponent(std::move(component));
-  RemoveComponent(before);
+void ComponentList::Append(std::vector<std::unique_ptr<CComponent>> components) {
+  components_.reserve(components_.size() + components.size());
+  std::move(components.begin(), components.end(), std::back_inserter(components_));
 }
+
+void ComponentList::replace(std::unique_ptr<CComponent> component) {
+  // Removed last, so that nothing is lost where there is no memory for the new one's place.
+  const CComponent* before = Find(component->GetTag());
+  Append(std::move(component));
+  Remove(before);
+}
+
+void ComponentList::Remove(const CComponent* component) {
+  if (component == nullptr) return;
+  const auto found =
+      std::find_if(components_.begin(), components_.end(),
+                   [component](const auto& held) { return held.get() == component; });
+  if (found != components_.end()) components_.erase(found);
+}
+
+}  // namespace vex2

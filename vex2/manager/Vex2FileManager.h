@@ -1,10 +1,9 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <string_view>
-#include <vector>
+#include <utility>
 
 #include "vex2/container/CComponent.h"
 #include "vex2/container/Status.h"
@@ -13,6 +12,7 @@
 #include "vex2/framework/CString.h"
 #include "vex2/framework/CStringList.h"
 #include "vex2/framework/CWnd.h"
+#include "vex2/framework/FileError.h"
 #include "vex2/framework/FunctionRef.h"
 #include "vex2/manager/ReadFault.h"
 #include "vex2/manager/Vex2HeaderData.h"
@@ -33,14 +33,7 @@
 #include "vex2/study/TAGPROBE.h"
 #include "vex2/study/VexAnalysis.h"
 
-namespace vex2 {
-class FailedSyncs;
-}  // namespace vex2
-
 class AcquisitionDataComp;
-class CCalibrationComp;
-class CGlobalComp;
-class CMultiPlateComp;
 class CPlateSetupComp;
 class ThermocycleProgramComp;
 class Vex2FileManagerComponent;
@@ -132,7 +125,15 @@ class VEX2_API Vex2FileManager : public CFile {
   /// 0, and the file stands.
   bool IsWhole() const;
   /// Where and why the reading ended early or left something out, the first of it.
-  const vex2::ReadFault& GetReadFault() const { return partlyRead_.fault; }
+  const vex2::ReadFault& GetReadFault() const;
+
+  /// Why the last operation that touched a file failed: the first refusal in it. Every operation
+  /// with a path begins without one (`FileErrorReason::kNone`), and so does each that works on the
+  /// open file; operations in memory alone change nothing here, and a copy of the manager has none
+  /// of its source's. It is set where an operation that answers success met a refusal on the way,
+  /// too: `ReadFromFile` of a document that can be read in part. Statuses that tell what a document
+  /// holds or lacks (-250, -260, -300) come without one. Valid until the next operation.
+  const vex2::FileError& GetLastFileError() const;
 
   int GetAllComponentCount() const;
   /// Empties `tags` and fills it with the components' tags in order. True; false, and `tags` stays
@@ -558,9 +559,10 @@ class VEX2_API Vex2FileManager : public CFile {
     return added;
   }
 
-  /// Runs an operation that reads or writes files. Refusals of the system and memory that runs out
-  /// become `failure`.
+  /// Runs an operation in memory. Refusals of the system and memory that runs out become `failure`.
   static int guarded(int failure, vex2::FunctionRef<int()> operation);
+  /// Runs an operation that reads or writes files: the first refusal is the last file error, too.
+  int attempt(int failure, vex2::FunctionRef<int()> operation);
   /// The same with the file that is open, which is closed afterwards.
   int guardedFile(int failure, vex2::FunctionRef<int()> operation);
   /// Replaces the file at `path` with what `write` puts into the open manager. 0 or the status.
@@ -615,89 +617,8 @@ class VEX2_API Vex2FileManager : public CFile {
   std::unique_ptr<VexAnalysis> ownAnalysis_;
 
  private:
-  struct BlockGeometry;
-  struct ReportingBlocks;
-  struct PartlyRead {
-    vex2::ReadFault fault;
-    Identity identity;
-    CString path;  // with links resolved
-    bool isKept = false;
-  };
+  // All that is not the document's own, and its components.
+  struct State;
 
-  bool openKeepingPath(const char* path, unsigned flags);
-  /// Runs `write` with the position at the open file's end; when it fails, that is where it was.
-  int writeAtEnd(vex2::FunctionRef<int()> write);
-  void restoreLength(std::uint64_t length);
-  bool hasMarker(std::uint64_t offset, std::string_view marker);
-  int readComponents(CFile& file);
-  int readRecords(CFile& file);
-  void notePlates();
-  /// The file at `path` is the one that is read from now on.
-  void noteSource(const CString& path);
-  /// Backs up the file at `path` if it is the one that was read in part. 0, or -200 when that
-  /// fails.
-  int keepPartlyRead(const char* path);
-  void writeHeaderWord(std::uint64_t at, std::uint32_t word);
-  int patchHeaderWord(std::uint64_t at, unsigned long value);
-  int readAcqDataOffset(std::uint32_t& offset);
-  /// The same with the test of the format: -100 when the open file is no document.
-  int findRawData(std::uint32_t& offset);
-  std::uint32_t documentPosition(std::uint64_t position) const;
-  int replaceBlock(const char* path, const Vex2AcquisitionData* data, Vex2DataType type);
-  int setBlock(Vex2DataType type, const Vex2AcquisitionData* data, AcquisitionDataComp*& block);
-  int writeRawData(AcquisitionDataComp& block, std::uint64_t place);
-  int replaceRawData(const char* path, AcquisitionDataComp& block);
-  int overwriteRawData(AcquisitionDataComp& block, std::uint32_t offset);
-  int replaceReportingData(const char* path, AcquisitionDataComp& block);
-  static int readReportingBlocks(CFile& file, ReportingBlocks& found);
-  int rewriteReportingData(AcquisitionDataComp& block, ReportingBlocks& kept,
-                           const Vex2HeaderData& header);
-  int commitFrame(AcquisitionDataComp& block, int frameIndex, std::uint32_t offset);
-  int appendFrame(AcquisitionDataComp& block, int frameIndex, std::uint32_t offset);
-  void patchWord(std::uint64_t offset, std::uint32_t word);
-  /// A data barrier. Remembers the file when it fails.
-  void barrier();
-  /// `CloseReplacement`, after which both files may be changed again: a new file may have the
-  /// number of one that is gone.
-  void finishReplacement();
-  /// True, with the file closed and the user told, when a sync of the open file has failed.
-  bool refusesChanges();
-  /// Where the next frame of `block` is to be written, or the block itself when `offset` is 0.
-  std::uint64_t committedEnd(const AcquisitionDataComp& block, std::uint32_t offset);
-  /// Changes the open file with `write`, as a whole: what it is given has the first `kept` bytes of
-  /// the file at least, and takes its place when all is written. Where that cannot serve it is the
-  /// file itself.
-  int rewrite(std::uint64_t kept, vex2::FunctionRef<int()> write);
-  int readGeometry(long blockOffset, BlockGeometry& geometry);
-  int getText(std::string_view tag, CString& text) const;
-  int setText(std::string_view tag, const CString& text);
-  void changeSettings(vex2::FunctionRef<void(Vex2GlobalComplex&)> change);
-  bool hasStatus(std::string_view status) const;
-  template <typename Component, typename Record>
-  int replaceCalibrationPart(const Record* record, CCalibrationComp*& calibration);
-  template <typename Component, typename Record>
-  int appendAlone(const char* path, const Record* record);
-  int patchBackground(CCalibrationComp& calibration, std::uint64_t position);
-  int findBackground(std::uint32_t length, std::uint64_t& position);
-  CMultiPlateComp* findPlates() const;
-  bool addPlate(const CString& name, const Vex2FileManager& plate, const CString& lastModified);
-  int setPlateText(std::string_view tag, const CString& text);
-  int getPlateText(std::string_view tag, CString& text) const;
-  void resetSettings();
-  int readStudyPlate(CString& lastModified);
-  /// The plates that stand for a study, in order, or the document itself.
-  std::vector<const Vex2FileManager*> platesToAsk() const;
-
-  CString filePath_;
-  PartlyRead partlyRead_;
-  std::uint64_t recordStart_ = 0;  // of the record that is being read
-  std::unique_ptr<vex2::FailedSyncs> failedSyncs_;
-  // What the last commit that succeeded left: which file, and how long.
-  Identity committedFile_;
-  std::uint64_t committedLength_ = 0;
-  std::vector<std::unique_ptr<CComponent>> components_;
-  std::map<CString, std::unique_ptr<VexAnalysis>> analysisMap_;
-  std::unique_ptr<CAnalysisSettingsDetectorMap> detectorMap_ =
-      std::make_unique<CAnalysisSettingsDetectorMap>();
-  std::map<CString, std::unique_ptr<CAnalysisSettingsDetectorMap>> plateDetectorMaps_;
+  std::unique_ptr<State> state_;
 };

@@ -6,8 +6,9 @@
 
 #include <set>
 
+#include "vex2/format/RecordKinds.h"
+#include "vex2/manager/ManagerState.h"
 #include "vex2/manager/OrNothing.h"
-#include "vex2/manager/Vex2FileManager.h"
 #include "vex2/study/CMultiPlateComp.h"
 
 using vex2::OrNothing;
@@ -58,27 +59,47 @@ int Vex2FileManager::CreateAnalysisStorage(int mode) {
 
 void Vex2FileManager::SyncPlatesWithAnalysisStorageMap() {
   OrNothing([this] {
-    CStringList list;
+    CStringList names;
     CStringList dates;
-    if (const CMultiPlateComp* plates = findPlates()) plates->GetPlateLists(list, dates);
-    std::set<CString> names;
-    for (POSITION at = list.GetHeadPosition(); at != nullptr;) names.insert(list.GetNext(at));
-    for (const CString& name : names) {
-      if (analysisMap_.count(name) != 0) continue;
-      analysisMap_.emplace(name, std::make_unique<VexAnalysis>(GetPlateSize()));
-    }
-    std::erase_if(analysisMap_, [&](const auto& entry) { return names.count(entry.first) == 0; });
+    const auto* plates = find<CMultiPlateComp>(vex2::TagOf(vex2::Kind::kPlates));
+    if (plates != nullptr) plates->GetPlateLists(names, dates);
+    state_->plateResults.Sync(names, GetPlateSize());
   });
 }
 
 VexAnalysis* Vex2FileManager::LookupAnalysisPtr(const CString& plateName) const {
-  const auto found = analysisMap_.find(plateName);
-  return found != analysisMap_.end() ? found->second.get() : nullptr;
+  return state_->plateResults.Find(plateName);
 }
 
 void Vex2FileManager::ResetAnalysisMap() {
-  analysisMap_.clear();
+  state_->plateResults.Clear();
 }
+
+namespace vex2 {
+
+VexAnalysis* PlateResults::Find(const CString& plate) const {
+  const auto found = results_.find(plate);
+  return found != results_.end() ? found->second.get() : nullptr;
+}
+
+bool PlateResults::Add(const CString& plate, int wells, FunctionRef<bool()> add) {
+  decltype(results_) made;
+  made.emplace(plate, std::make_unique<VexAnalysis>(wells));
+  if (!add()) return false;
+  results_.merge(made);
+  return true;
+}
+
+void PlateResults::Sync(const CStringList& plates, int wells) {
+  std::set<CString> names;
+  for (POSITION at = plates.GetHeadPosition(); at != nullptr;) names.insert(plates.GetNext(at));
+  for (const CString& name : names) {
+    if (!Has(name)) results_.emplace(name, std::make_unique<VexAnalysis>(wells));
+  }
+  std::erase_if(results_, [&](const auto& entry) { return names.count(entry.first) == 0; });
+}
+
+}  // namespace vex2
 
 // --- Multicomponent data ---
 

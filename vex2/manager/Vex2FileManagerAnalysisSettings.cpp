@@ -3,8 +3,8 @@
 
 #include <cstring>
 
+#include "vex2/manager/ManagerState.h"
 #include "vex2/manager/OrNothing.h"
-#include "vex2/manager/Vex2FileManager.h"
 #include "vex2/study/CNamedObject.h"
 
 using vex2::OrNothing;
@@ -34,11 +34,7 @@ void addWhatIsMissing(CAnalysisSettingsMap& global, const CAnalysisSettingsMap& 
 
 CAnalysisSettingsDetectorMap* Vex2FileManager::LookupAnalysisDetectorMapPtr(
     const char* plateName) const {
-  if (plateName == nullptr) return detectorMap_.get();
-  return OrNothing([&] {
-    const auto found = plateDetectorMaps_.find(plateName);
-    return found != plateDetectorMaps_.end() ? found->second.get() : nullptr;
-  });
+  return OrNothing([&] { return state_->settings.Find(plateName); });
 }
 
 CAnalysisSettingsDetectorMap* Vex2FileManager::GetAnalysisSettingsDetectorMap(
@@ -69,26 +65,13 @@ bool Vex2FileManager::IsAnalysisAvailableFor(const char* plateName, const char* 
 
 void Vex2FileManager::AddAnalysisSettingsMap(const char* plateName, CAnalysisSettingsMap* map) {
   OrNothing([&] {
-    if (plateName == nullptr) {
-      detectorMap_->AddAnalysisSettingsMap(map);
-    } else {
-      // Before its place is made: a place without a map must not stay where memory runs out.
-      auto made = std::make_unique<CAnalysisSettingsDetectorMap>();
-      auto& detectors = plateDetectorMaps_[plateName];
-      if (detectors == nullptr) detectors = std::move(made);
-      detectors->AddAnalysisSettingsMap(map);
-    }
+    state_->settings.FindOrMake(plateName).AddAnalysisSettingsMap(map);
     SyncPlateDetectorsWithGlobal();
   });
 }
 
 void Vex2FileManager::SyncPlateDetectorsWithGlobal() {
-  CAnalysisSettingsMap* global = GetAnalysisSettingsMap(nullptr);
-  if (global == nullptr) return;
-  for (const auto& [name, detectors] : plateDetectorMaps_) {
-    const CAnalysisSettingsMap* plate = detectors->GetAnalysisSettingsMap();
-    if (plate != nullptr) addWhatIsMissing(*global, *plate);
-  }
+  state_->settings.AddMissingToOwn();
 }
 
 bool Vex2FileManager::AddDetectorToAnalysisSettingsMap(const TAGPROBE& probe,
@@ -129,18 +112,11 @@ float Vex2FileManager::GetCtAt(const char* plateName, const char* detector, int 
 }
 
 void Vex2FileManager::ResetGlobalAnalysisSettingsMap() {
-  detectorMap_->DestroySettings();
+  state_->settings.ResetOwn();
 }
 
 void Vex2FileManager::ResetAnalysisSettingsPlateMap() {
-  // A map that was handed in goes as well: its host gave it up.
-  for (const auto& [name, detectors] : plateDetectorMaps_) detectors->DestroyMap();
-  plateDetectorMaps_.clear();
-}
-
-void Vex2FileManager::resetSettings() {
-  ResetAnalysisSettingsPlateMap();
-  ResetGlobalAnalysisSettingsMap();
+  state_->settings.ResetPlates();
 }
 
 bool Vex2FileManager::PrepareQueryList(const CObList& list) {
@@ -156,3 +132,37 @@ bool Vex2FileManager::PrepareQueryList(const CObList& list) {
   }
   return !list.IsEmpty();
 }
+
+namespace vex2 {
+
+CAnalysisSettingsDetectorMap* DetectorSettings::Find(const char* plate) const {
+  if (plate == nullptr) return own_.get();
+  const auto found = ofPlates_.find(plate);
+  return found != ofPlates_.end() ? found->second.get() : nullptr;
+}
+
+CAnalysisSettingsDetectorMap& DetectorSettings::FindOrMake(const char* plate) {
+  if (plate == nullptr) return *own_;
+  // Before its place is made: a place without a map must not stay where memory runs out.
+  auto made = std::make_unique<CAnalysisSettingsDetectorMap>();
+  auto& detectors = ofPlates_[plate];
+  if (detectors == nullptr) detectors = std::move(made);
+  return *detectors;
+}
+
+void DetectorSettings::AddMissingToOwn() {
+  CAnalysisSettingsMap* own = own_->GetAnalysisSettingsMap();
+  if (own == nullptr) return;
+  for (const auto& [name, detectors] : ofPlates_) {
+    const CAnalysisSettingsMap* plate = detectors->GetAnalysisSettingsMap();
+    if (plate != nullptr) addWhatIsMissing(*own, *plate);
+  }
+}
+
+void DetectorSettings::ResetPlates() {
+  // A map that was handed in goes as well: its host gave it up.
+  for (const auto& [name, detectors] : ofPlates_) detectors->DestroyMap();
+  ofPlates_.clear();
+}
+
+}  // namespace vex2

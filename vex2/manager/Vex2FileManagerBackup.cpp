@@ -3,8 +3,9 @@
 #include <string>
 #include <string_view>
 
+#include "vex2/format/RecordKinds.h"
 #include "vex2/framework/Backup.h"
-#include "vex2/manager/Vex2FileManager.h"
+#include "vex2/manager/ManagerState.h"
 #include "vex2/manager/Vex2FileManagerComponent.h"
 #include "vex2/study/CMultiPlateComp.h"
 #include "vex2/study/CRQPlateComp.h"
@@ -12,39 +13,55 @@
 using vex2::kSuccess;
 
 bool Vex2FileManager::IsWhole() const {
-  return *partlyRead_.fault.reason == '\0';
+  return state_->partlyRead.IsWhole();
+}
+
+const vex2::ReadFault& Vex2FileManager::GetReadFault() const {
+  return state_->partlyRead.Fault();
 }
 
 void Vex2FileManager::noteFault(std::uint64_t offset, const char* reason) {
-  if (IsWhole()) partlyRead_.fault = {offset, reason};
+  state_->partlyRead.Note(offset, reason);
 }
 
-void Vex2FileManager::notePlates() {
-  const CMultiPlateComp* plates = findPlates();
+void Vex2FileManager::State::NotePlates() {
+  const auto* plates = components.Find<CMultiPlateComp>(vex2::TagOf(vex2::Kind::kPlates));
   if (plates == nullptr) return;
   for (int index = 0; index < plates->GetChildCount(); ++index) {
     const auto* record = plates->GetPlateAt(index);
     if (record == nullptr || record->GetPlate() == nullptr) continue;
     const vex2::ReadFault& fault = record->GetPlate()->GetReadFault();
-    if (!record->GetPlate()->IsWhole()) noteFault(fault.offset, fault.reason);
+    if (!record->GetPlate()->IsWhole()) partlyRead.Note(fault.offset, fault.reason);
   }
 }
 
-void Vex2FileManager::noteSource(const CString& path) {
-  const vex2::LocatedFile file = vex2::LocateFile(path.GetString());
-  partlyRead_.identity = {file.device, file.number};
-  partlyRead_.path = CString(std::string_view(file.path));
-}
-
-int Vex2FileManager::keepPartlyRead(const char* path) {
-  if (path == nullptr || IsWhole() || partlyRead_.isKept) return kSuccess;
-  return guarded(vex2::kWriteFailed, [&] {
-    const vex2::LocatedFile file = vex2::LocateFile(path);
-    const bool isSameFile = partlyRead_.identity == Identity(file.device, file.number);
-    if (!isSameFile && partlyRead_.path.View() != file.path) return kSuccess;
-    if (!file.exists || !file.isRegular) return kSuccess;
-    vex2::BackUpFile(file.path);
-    partlyRead_.isKept = true;
+int Vex2FileManager::State::BackUpPartlyRead(const char* path) {
+  return store.Attempt(vex2::kWriteFailed, [&] {
+    partlyRead.BackUp(path);
     return kSuccess;
   });
 }
+
+namespace vex2 {
+
+void PartlyReadFile::Note(std::uint64_t offset, const char* reason) {
+  if (IsWhole()) fault_ = {offset, reason};
+}
+
+void PartlyReadFile::SetSource(const CString& path) {
+  const LocatedFile file = LocateFile(path.GetString());
+  identity_ = {file.device, file.number};
+  path_ = CString(std::string_view(file.path));
+}
+
+void PartlyReadFile::BackUp(const char* path) {
+  if (path == nullptr || IsWhole() || isKept_) return;
+  const LocatedFile file = LocateFile(path);
+  const bool isSameFile = identity_ == std::pair(file.device, file.number);
+  if (!isSameFile && path_.View() != file.path) return;
+  if (!file.exists || !file.isRegular) return;
+  BackUpFile(file.path);
+  isKept_ = true;
+}
+
+}  // namespace vex2

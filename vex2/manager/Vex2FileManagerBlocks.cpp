@@ -9,10 +9,12 @@
 #include "vex2/format/HeaderLayout.h"
 #include "vex2/format/RecordWalker.h"
 #include "vex2/framework/CWaitCursor.h"
+#include "vex2/manager/HeldRawData.h"
+#include "vex2/manager/ManagerState.h"
 #include "vex2/manager/TracedTime.h"
-#include "vex2/manager/Vex2FileManager.h"
 #include "vex2/run/AcquisitionDataComp.h"
 
+using vex2::HeaderLayout;
 using vex2::kSuccess;
 
 namespace {
@@ -27,15 +29,47 @@ std::unique_ptr<AcquisitionDataComp> makeBlock(Vex2DataType type, const Vex2Acqu
                          : std::make_unique<AcquisitionDataComp>(tag);
 }
 
-}  // namespace
+// Puts a block of the data in the document, in place of one of its type.
+int setBlock(vex2::DocumentStore& store, vex2::ComponentList& components, Vex2DataType type,
+             const Vex2AcquisitionData* data, AcquisitionDataComp*& block) {
+  if (vex2::TagAt(type).empty()) return vex2::kNotFound;
+  return store.Attempt(vex2::kWriteFailed, [&] {
+    block = components.Replace(makeBlock(type, data));
+    return kSuccess;
+  });
+}
 
-/// The reporting blocks of a file, and where the first of them stands; 0 when there is none.
-struct Vex2FileManager::ReportingBlocks {
+int readRawDataOffset(CFile& file, std::uint32_t& offset) {
+  file.Seek(HeaderLayout::kRawDataOffsetAt, CFile::begin);
+  return vex2::ReadField(file, offset) ? kSuccess : vex2::kReadFailed;
+}
+
+// Writes the block as the last record of a file without raw data, to which `offset` leads then.
+int appendRawData(vex2::DocumentStore& store, AcquisitionDataComp& block, std::uint32_t& offset) {
+  const vex2::HeldRawData held(block);
+  vex2::FrameLog log(store, held);
+  const std::uint64_t place = log.End(0);
+  return store.WriteAtEnd([&] { return log.WriteBlock(place, offset); });
+}
+
+// Writes the block in place of what the header's offset of raw data leads to, as the last record.
+int overwriteRawData(vex2::DocumentStore& store, AcquisitionDataComp& block, std::uint32_t offset) {
+  return store.Rewrite(offset, [&] {
+    CFile& file = store.File();
+    file.Seek(offset, CFile::begin);
+    const int written = block.Write(&file);
+    file.SetLength(offset + block.GetSize());
+    return written;
+  });
+}
+
+// The reporting blocks of a file, and where the first of them stands; 0 when there is none.
+struct ReportingBlocks {
   std::vector<std::unique_ptr<AcquisitionDataComp>> blocks;
   std::uint64_t start = 0;
 };
 
-int Vex2FileManager::readReportingBlocks(CFile& file, ReportingBlocks& found) {
+int readReportingBlocks(CFile& file, ReportingBlocks& found) {
   while (true) {
     const auto bytes = file.Peek(vex2::kTagLength);
     if (bytes.size() < vex2::kTagLength) return kSuccess;
@@ -52,51 +86,90 @@ int Vex2FileManager::readReportingBlocks(CFile& file, ReportingBlocks& found) {
   }
 }
 
+// Writes the block in place of the one of its type, and those that stand with it again.
+int overwriteReportingData(vex2::DocumentStore& store, AcquisitionDataComp& block,
+                           ReportingBlocks& kept, const Vex2HeaderData& header) {
+  CFile& file = store.File();
+  if (kept.start == 0) return store.WriteAtEnd([&] { return block.Write(&file); });
+  const auto old = std::find_if(kept.blocks.begin(), kept.blocks.end(), [&](const auto& candidate) {
+    return candidate->GetTag() == block.GetTag();
+  });
+  if (old != kept.blocks.end()) kept.blocks.erase(old);
+  return store.Rewrite(kept.start, [&] {
+    file.Seek(static_cast<std::int64_t>(kept.start), CFile::begin);
+    std::uint64_t newLength = kept.start + block.GetSize();
+    int status = block.Write(&file);
+    for (const auto& other : kept.blocks) {
+      if (status == kSuccess) status = other->Write(&file);
+      newLength += other->GetSize();
+    }
+    file.SetLength(newLength);
+    // What stood behind the first reporting block is cut off, so no offset may lead there.
+    if (header.thermocycleOffset > kept.start) {
+      static_cast<void>(store.PatchHeader(HeaderLayout::kProgramOffsetAt, 0));
+    }
+    if (header.acquisitionDataOffset > kept.start) {
+      static_cast<void>(store.PatchHeader(HeaderLayout::kRawDataOffsetAt, 0));
+    }
+    return status;
+  });
+}
+
+}  // namespace
+
+int Vex2FileManager::State::FindRawData(Vex2FileManager& manager, std::uint32_t& offset) {
+  return IsDocument(manager) ? readRawDataOffset(manager, offset) : vex2::kReadFailed;
+}
+
+int Vex2FileManager::State::ReplaceRawData(Vex2FileManager& manager, const char* path,
+                                           AcquisitionDataComp& block) {
+  std::uint32_t offset = 0;
+  return manager.changeFile(
+      path, [&] { return FindRawData(manager, offset); },
+      [&] {
+        return offset != 0 ? overwriteRawData(store, block, offset)
+                           : appendRawData(store, block, manager.header_.acquisitionDataOffset);
+      });
+}
+
+int Vex2FileManager::State::ReplaceReportingData(Vex2FileManager& manager, const char* path,
+                                                 AcquisitionDataComp& block) {
+  return store.Attempt(vex2::kWriteFailed, [&] {
+    Vex2HeaderData header;
+    ReportingBlocks kept;
+    const auto look = [&] {
+      const int status = manager.ReadHeaderData(header, nullptr);
+      return status == kSuccess ? readReportingBlocks(manager, kept) : status;
+    };
+    return manager.changeFile(path, look,
+                              [&] { return overwriteReportingData(store, block, kept, header); });
+  });
+}
+
 AcquisitionDataComp* Vex2FileManager::findBlock(Vex2DataType type) const {
   return find<AcquisitionDataComp>(vex2::TagAt(type));
 }
 
-int Vex2FileManager::setBlock(Vex2DataType type, const Vex2AcquisitionData* data,
-                              AcquisitionDataComp*& block) {
-  if (vex2::TagAt(type).empty()) return vex2::kNotFound;
-  return guarded(vex2::kWriteFailed, [&] {
-    block = replaceComponent(makeBlock(type, data));
-    return kSuccess;
-  });
-}
-
 int Vex2FileManager::AppendAcquisitionDataBlock(const char* path, const Vex2AcquisitionData* data) {
+  vex2::DocumentStore& store = state_->store;
+  const vex2::Operation operation(store);
   AcquisitionDataComp* block = nullptr;
-  if (const int status = setBlock(DataRAWa, data, block); status != kSuccess) return status;
+  if (const int status = setBlock(store, state_->components, DataRAWa, data, block);
+      status != kSuccess) {
+    return status;
+  }
   // For reading, too, where that is allowed: a block looks for what an interrupted commit left.
   constexpr unsigned kFlags =
       modeReadWrite | modeCreate | modeNoTruncate | typeBinary | shareExclusive;
-  const bool isReadable = openKeepingPath(path, kFlags);
+  const bool isReadable = store.Open(path, kFlags);
   if (!isReadable && SafeOpen(path, 1, 1) == 0) return vex2::kWriteFailed;
   return appendToOpenFile([&] {
     std::uint32_t offset = 0;
-    const bool isFirst = isReadable && readAcqDataOffset(offset) == kSuccess && offset == 0;
-    return writeRawData(*block, isFirst ? committedEnd(*block, offset) : GetLength());
+    const bool isFirst = isReadable && readRawDataOffset(*this, offset) == kSuccess && offset == 0;
+    const vex2::HeldRawData held(*block);
+    vex2::FrameLog log(store, held);
+    return log.WriteBlock(isFirst ? log.End(offset) : GetLength(), header_.acquisitionDataOffset);
   });
-}
-
-int Vex2FileManager::writeRawData(AcquisitionDataComp& block, std::uint64_t place) {
-  const std::uint32_t position = documentPosition(place);
-  Seek(position, begin);
-  // Until all of it is on the disk, the block goes without its tag and is stepped over by whoever
-  // reads the document: its length may get there before its frames. The header leads to it last.
-  Write(vex2::kUncommittedTag.data(), vex2::kUncommittedTag.size());
-  vex2::WriteField(*this, block.GetLength());
-  static_cast<void>(block.WriteBody(this));
-  if (GetLength() > GetPosition()) SetLength(GetPosition());
-  barrier();
-  Seek(position, begin);
-  Write(block.GetTag().data(), vex2::kTagLength);
-  barrier();
-  header_.acquisitionDataOffset = position;
-  const int result = UpdateAcqDataOffset(position);
-  barrier();
-  return result;
 }
 
 int Vex2FileManager::RemoveAcquisitionDataBlock(Vex2DataType type) {
@@ -109,72 +182,16 @@ int Vex2FileManager::ReplaceAcquisitionDataBlock(const char* path, const Vex2Acq
   // The wait ends before the trace is sent.
   std::optional<CWaitCursor> wait(std::in_place);
   const vex2::TracedTime time("replacing Acquisition/Reporting Data");
-  const int status = replaceBlock(path, data, type);
+  const vex2::Operation operation(state_->store);
+  AcquisitionDataComp* block = nullptr;
+  int status = setBlock(state_->store, state_->components, type, data, block);
+  if (status == kSuccess) status = state_->BackUpPartlyRead(path);
+  if (status == kSuccess) {
+    status = type == DataRAWa ? state_->ReplaceRawData(*this, path, *block)
+                              : state_->ReplaceReportingData(*this, path, *block);
+  }
   wait.reset();
   return status;
-}
-
-int Vex2FileManager::replaceBlock(const char* path, const Vex2AcquisitionData* data,
-                                  Vex2DataType type) {
-  AcquisitionDataComp* block = nullptr;
-  if (const int status = setBlock(type, data, block); status != kSuccess) return status;
-  if (const int status = keepPartlyRead(path); status != kSuccess) return status;
-  return type == DataRAWa ? replaceRawData(path, *block) : replaceReportingData(path, *block);
-}
-
-int Vex2FileManager::replaceRawData(const char* path, AcquisitionDataComp& block) {
-  std::uint32_t offset = 0;
-  return changeFile(
-      path, [&] { return findRawData(offset); }, [&] { return overwriteRawData(block, offset); });
-}
-
-int Vex2FileManager::overwriteRawData(AcquisitionDataComp& block, std::uint32_t offset) {
-  if (offset == 0) {
-    const std::uint64_t place = committedEnd(block, offset);
-    return writeAtEnd([&] { return writeRawData(block, place); });
-  }
-  return rewrite(offset, [&] {
-    Seek(offset, begin);
-    const int written = block.Write(this);
-    SetLength(offset + block.GetSize());
-    return written;
-  });
-}
-
-int Vex2FileManager::replaceReportingData(const char* path, AcquisitionDataComp& block) {
-  return guarded(vex2::kWriteFailed, [&] {
-    Vex2HeaderData header;
-    ReportingBlocks kept;
-    const auto look = [&] {
-      const int status = ReadHeaderData(header, nullptr);
-      return status == kSuccess ? readReportingBlocks(*this, kept) : status;
-    };
-    return changeFile(path, look, [&] { return rewriteReportingData(block, kept, header); });
-  });
-}
-
-int Vex2FileManager::rewriteReportingData(AcquisitionDataComp& block, ReportingBlocks& kept,
-                                          const Vex2HeaderData& header) {
-  if (kept.start == 0) return writeAtEnd([&] { return block.Write(this); });
-  const auto old = std::find_if(kept.blocks.begin(), kept.blocks.end(), [&](const auto& candidate) {
-    return candidate->GetTag() == block.GetTag();
-  });
-  if (old != kept.blocks.end()) kept.blocks.erase(old);
-
-  return rewrite(kept.start, [&] {
-    Seek(static_cast<std::int64_t>(kept.start), begin);
-    std::uint64_t newLength = kept.start + block.GetSize();
-    int status = block.Write(this);
-    for (const auto& other : kept.blocks) {
-      if (status == kSuccess) status = other->Write(this);
-      newLength += other->GetSize();
-    }
-    SetLength(newLength);
-    // What stood behind the first reporting block is cut off, so no position may lead there.
-    if (header.thermocycleOffset > kept.start) static_cast<void>(UpdateThermocycleOffset(0));
-    if (header.acquisitionDataOffset > kept.start) static_cast<void>(UpdateAcqDataOffset(0));
-    return status;
-  });
 }
 
 long Vex2FileManager::findReporterCompOffset(Vex2DataType type) {

@@ -6,7 +6,7 @@
 #include "vex2/format/HeaderLayout.h"
 #include "vex2/format/ReadLimits.h"
 #include "vex2/format/RecordWalker.h"
-#include "vex2/manager/Vex2FileManager.h"
+#include "vex2/manager/ManagerState.h"
 #include "vex2/setup/CCalibrationComp.h"
 
 using vex2::Kind;
@@ -30,6 +30,71 @@ void copyPart(const CCalibrationComp& calibration, Record*& record, int* has) {
   if (has != nullptr) *has = part != nullptr ? 1 : 0;
 }
 
+// `calibration` becomes the one that was changed.
+template <typename Component, typename Record>
+int replacePart(vex2::ComponentList& components, const Record* record,
+                CCalibrationComp*& calibration, vex2::LastFileError* error = nullptr) {
+  const auto replace = [&] {
+    std::unique_ptr<CComponent> part;
+    if (record != nullptr) part = std::make_unique<Component>(*record);
+    calibration = components.Find<CCalibrationComp>(kTag);
+    if (calibration == nullptr) {
+      calibration = components.Replace(std::make_unique<CCalibrationComp>());
+    }
+    const int old = calibration->FindIndex(Component::kTag);
+    if (part == nullptr) {
+      calibration->RemoveChild(old);
+      return kSuccess;
+    }
+    return calibration->ReplaceChild(old, std::move(part)) ? kSuccess : vex2::kWriteFailed;
+  };
+  return vex2::Guarded(vex2::kWriteFailed, replace, error);
+}
+
+// Puts a part that stands alone in the document; null where memory runs out.
+template <typename Component, typename Record>
+Component* replaceAlone(vex2::DocumentStore& store, vex2::ComponentList& components,
+                        const Record* record) {
+  Component* added = nullptr;
+  static_cast<void>(store.Attempt(vex2::kWriteFailed, [&] {
+    added = components.Replace(record != nullptr ? std::make_unique<Component>(*record)
+                                                 : std::make_unique<Component>());
+    return kSuccess;
+  }));
+  return added;
+}
+
+// Overwrites the background at this offset, or appends the whole calibration where that is 0.
+int patchBackground(vex2::DocumentStore& store, CCalibrationComp& calibration,
+                    std::uint64_t offset) {
+  CFile& file = store.File();
+  if (offset == 0) return store.WriteAtEnd([&] { return calibration.Write(&file); });
+  CBackgroundComp* background = calibration.Find<CBackgroundComp>();
+  if (background == nullptr) return kSuccess;
+  return store.Rewrite(file.GetLength(), [&] {
+    file.Seek(static_cast<std::int64_t>(offset), CFile::begin);
+    return background->Write(&file);
+  });
+}
+
+// Finds the first background that stands alone in the open file; `offset` stays 0 when there is
+// none.
+int findBackground(Vex2FileManager& file, std::uint32_t length, std::uint64_t& offset) {
+  const bool isDocument = file.IsVex2Format();
+  vex2::DeclaredRecords records(file, vex2::HeaderLayout::kSize);
+  while (records.Next()) {
+    const vex2::FileRecord& record = records.Record();
+    if (record.Tag() == CBackgroundComp::kTag) {
+      offset = record.offset;
+      return record.length == length ? kSuccess : vex2::kSizeDiffers;
+    }
+    // What was appended behind a record that the document does not hold whole would be lost in it.
+    // A file without a header holds no records there.
+    if (isDocument && !vex2::HasBytesLeft(file, record.length)) return kNotFound;
+  }
+  return records.EndsInHead() ? kNotFound : kSuccess;
+}
+
 }  // namespace
 
 int Vex2FileManager::ReplaceCalibComponent(const Vex2PureDye* pureDye, const Vex2BGC* background) {
@@ -39,94 +104,42 @@ int Vex2FileManager::ReplaceCalibComponent(const Vex2PureDye* pureDye, const Vex
   });
 }
 
-// `calibration` becomes the one that was changed.
-template <typename Component, typename Record>
-int Vex2FileManager::replaceCalibrationPart(const Record* record, CCalibrationComp*& calibration) {
-  return guarded(vex2::kWriteFailed, [&] {
-    std::unique_ptr<CComponent> part;
-    if (record != nullptr) part = std::make_unique<Component>(*record);
-    calibration = find<CCalibrationComp>(kTag);
-    if (calibration == nullptr) {
-      calibration = replaceComponent(std::make_unique<CCalibrationComp>());
-    }
-    const int old = calibration->FindIndex(Component::kTag);
-    if (part == nullptr) {
-      calibration->RemoveChild(old);
-      return kSuccess;
-    }
-    return calibration->ReplaceChild(old, std::move(part)) ? kSuccess : vex2::kWriteFailed;
-  });
-}
-
 int Vex2FileManager::ReplacePureDye(const Vex2PureDye* record) {
   CCalibrationComp* calibration = nullptr;
-  return replaceCalibrationPart<CPureDyeComp>(record, calibration);
+  return replacePart<CPureDyeComp>(state_->components, record, calibration);
 }
 
 int Vex2FileManager::ReplaceBackground(const Vex2BGC* record) {
   CCalibrationComp* calibration = nullptr;
-  return replaceCalibrationPart<CBackgroundComp>(record, calibration);
-}
-
-template <typename Component, typename Record>
-int Vex2FileManager::appendAlone(const char* path, const Record* record) {
-  Component* added = nullptr;
-  const int status = guarded(vex2::kWriteFailed, [&] {
-    added = replaceComponent(record != nullptr ? std::make_unique<Component>(*record)
-                                               : std::make_unique<Component>());
-    return kSuccess;
-  });
-  if (status != kSuccess) return status;
-  return appendRecord(path, *added);
+  return replacePart<CBackgroundComp>(state_->components, record, calibration);
 }
 
 int Vex2FileManager::AppendPureDye(const char* path, const Vex2PureDye* record) {
-  return appendAlone<CPureDyeComp>(path, record);
+  const vex2::Operation operation(state_->store);
+  auto* added = replaceAlone<CPureDyeComp>(state_->store, state_->components, record);
+  return added != nullptr ? appendRecord(path, *added) : vex2::kWriteFailed;
 }
 
 int Vex2FileManager::AppendBackground(const char* path, const Vex2BGC* record) {
-  return appendAlone<CBackgroundComp>(path, record);
+  const vex2::Operation operation(state_->store);
+  auto* added = replaceAlone<CBackgroundComp>(state_->store, state_->components, record);
+  return added != nullptr ? appendRecord(path, *added) : vex2::kWriteFailed;
 }
 
 int Vex2FileManager::ReplaceBackground(const char* path, const Vex2BGC* record) {
+  const vex2::Operation operation(state_->store);
   CCalibrationComp* calibration = nullptr;
-  if (const int status = replaceCalibrationPart<CBackgroundComp>(record, calibration);
+  if (const int status = replacePart<CBackgroundComp>(state_->components, record, calibration,
+                                                      &state_->store.Errors());
       status != kSuccess) {
     return status;
   }
   const auto* background = calibration->Find<CBackgroundComp>();
   const std::uint32_t length = background != nullptr ? background->GetLength() : 0;
-  std::uint64_t position = 0;
+  std::uint64_t offset = 0;
   return changeFile(
-      path, [&] { return findBackground(length, position); },
-      [&] { return patchBackground(*calibration, position); });
-}
-
-int Vex2FileManager::patchBackground(CCalibrationComp& calibration, std::uint64_t position) {
-  if (position == 0) return writeAtEnd([&] { return calibration.Write(this); });
-  CBackgroundComp* background = calibration.Find<CBackgroundComp>();
-  if (background == nullptr) return kSuccess;
-  return rewrite(GetLength(), [&] {
-    Seek(static_cast<std::int64_t>(position), begin);
-    return background->Write(this);
-  });
-}
-
-// The position of the first background that stands alone in the open file, 0 when there is none.
-int Vex2FileManager::findBackground(std::uint32_t length, std::uint64_t& position) {
-  const bool isDocument = IsVex2Format();
-  vex2::DeclaredRecords records(*this, vex2::HeaderLayout::kSize);
-  while (records.Next()) {
-    const vex2::FileRecord& record = records.Record();
-    if (record.Tag() == CBackgroundComp::kTag) {
-      position = record.offset;
-      return record.length == length ? kSuccess : vex2::kSizeDiffers;
-    }
-    // What was appended behind a record that the document does not hold whole would be lost in it.
-    // A file without a header holds no records there.
-    if (isDocument && !vex2::HasBytesLeft(*this, record.length)) return kNotFound;
-  }
-  return records.EndsInHead() ? kNotFound : kSuccess;
+      path, [&] { return findBackground(*this, length, offset); },
+      [&] { return patchBackground(state_->store, *calibration, offset); });
 }
 
 int Vex2FileManager::RemoveCalibComponents(bool pureDye, bool background) {
@@ -161,6 +174,7 @@ int Vex2FileManager::GetPureDyeCount() const {
 }
 
 int Vex2FileManager::SaveCalibrationInfo(const char* path) {
+  const vex2::Operation operation(state_->store);
   auto* calibration = find<CCalibrationComp>(kTag);
   if (calibration == nullptr) return kNotFound;
   return saveWhole(path, [&] {

@@ -54,11 +54,11 @@ int Vex2FileManagerComponent::ReadHeaderData(CFile* file) {
 }
 
 int Vex2FileManagerComponent::ReadHeaderData(Vex2HeaderData& header, CFile* file) {
-  return guarded(vex2::kReadFailed, [&] { return ReadHeaderDataHelper(header, file); });
+  return attempt(vex2::kReadFailed, [&] { return ReadHeaderDataHelper(header, file); });
 }
 
 int Vex2FileManagerComponent::WriteHeaderData(CFile* file) {
-  return guarded(vex2::kWriteFailed, [&] { return writeHeader(file != nullptr ? *file : *this); });
+  return attempt(vex2::kWriteFailed, [&] { return writeHeader(file != nullptr ? *file : *this); });
 }
 
 int Vex2FileManagerComponent::writeHeader(CFile& file) {
@@ -75,7 +75,7 @@ int Vex2FileManagerComponent::writeHeader(CFile& file) {
 void Vex2FileManagerComponent::UpdateHeaderOffsets(const CComponent& /*component*/) {}
 
 int Vex2FileManagerComponent::WriteComponentFile(CFile* file) {
-  return guarded(vex2::kWriteFailed, [&] { return writePlate(file != nullptr ? *file : *this); });
+  return attempt(vex2::kWriteFailed, [&] { return writePlate(file != nullptr ? *file : *this); });
 }
 
 int Vex2FileManagerComponent::writePlate(CFile& file) {
@@ -90,12 +90,12 @@ int Vex2FileManagerComponent::writePlate(CFile& file) {
 
 int Vex2FileManagerComponent::ReadComponentFile(CFile* file) {
   CFile& source = file != nullptr ? *file : *this;
-  const int status = guarded(vex2::kReadFailed, [&] { return readComponents(source); });
+  const int status = attempt(vex2::kReadFailed, [&] { return readPlate(source); });
   if (status != kSuccess) noteFault(0, "a plate cannot be read");
   return status;
 }
 
-int Vex2FileManagerComponent::readComponents(CFile& file) {
+int Vex2FileManagerComponent::readPlate(CFile& file) {
   Reset();
   int status = ReadHeaderData(&file);
   if (status != kSuccess) return status;

@@ -37,11 +37,11 @@ class VEX2_API Vex2FileManagerComponent final : public Vex2FileManager {
   void UpdateHeaderOffsets(const CComponent& component) override;
 
  private:
-  // The record around a plate lets refusals of the system pass: the save that they end is the
-  // study's.
+  // The record around a plate lets refusals of the system pass: the reading or the save that they
+  // end is the study's, and so is the last file error.
   friend class CRQPlateComp;
 
-  int readComponents(CFile& file);
+  int readPlate(CFile& file);
   int writeHeader(CFile& file);
   int writePlate(CFile& file);
 };

@@ -1,7 +1,7 @@
 // The list of detectors.
 
 #include "vex2/format/RecordKinds.h"
-#include "vex2/manager/Vex2FileManager.h"
+#include "vex2/manager/ManagerState.h"
 #include "vex2/setup/CDetectorListComp.h"
 
 using vex2::Kind;
@@ -50,6 +50,7 @@ bool Vex2FileManager::RemoveDetectorInfo(const CString& name) {
 }
 
 int Vex2FileManager::AppendDetectorListToFile(const char* path) {
+  const vex2::Operation operation(state_->store);
   auto* detectors = find<CDetectorListComp>(kTag);
   if (detectors == nullptr) return kNotFound;
   return appendRecord(path, *detectors);

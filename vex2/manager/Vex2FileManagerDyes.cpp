@@ -1,7 +1,7 @@
 // The dyes that a run requires.
 
 #include "vex2/format/RecordKinds.h"
-#include "vex2/manager/Vex2FileManager.h"
+#include "vex2/manager/ManagerState.h"
 #include "vex2/setup/CRequiredDyesComp.h"
 
 using vex2::Kind;
@@ -43,6 +43,7 @@ bool Vex2FileManager::RemoveRequiredDyeInfo(const CString& dye) {
 }
 
 int Vex2FileManager::AppendRequiredDyeListToFile(const char* path) {
+  const vex2::Operation operation(state_->store);
   auto* dyes = find<CRequiredDyesComp>(kTag);
   if (dyes == nullptr) return kNotFound;
   return appendRecord(path, *dyes);

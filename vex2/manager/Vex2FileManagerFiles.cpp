@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <new>
-#include <stdexcept>
 
 #include "vex2/container/CLongValueComp.h"
 #include "vex2/container/CSkippedComp.h"
@@ -12,11 +10,12 @@
 #include "vex2/format/RecordKinds.h"
 #include "vex2/framework/CWaitCursor.h"
 #include "vex2/manager/FileChooser.h"
+#include "vex2/manager/ManagerState.h"
 #include "vex2/manager/TracedTime.h"
-#include "vex2/manager/Vex2FileManager.h"
 
 using vex2::Kind;
 using vex2::kSuccess;
+using vex2::Operation;
 using vex2::TagOf;
 
 namespace {
@@ -45,108 +44,74 @@ bool choosePath(const char*& path, bool dialog, const char* title, CString& chos
 }  // namespace
 
 int Vex2FileManager::guarded(int failure, vex2::FunctionRef<int()> operation) {
-  try {
-    return operation();
-  } catch (const CFileException&) {
-    return failure;
-  } catch (const std::bad_alloc&) {
-    return failure;
-  } catch (const std::length_error&) {
-    return failure;
-  }
+  return vex2::Guarded(failure, operation);
+}
+
+int Vex2FileManager::attempt(int failure, vex2::FunctionRef<int()> operation) {
+  return state_->store.Attempt(failure, operation);
 }
 
 int Vex2FileManager::guardedFile(int failure, vex2::FunctionRef<int()> operation) {
-  const int status = guarded(failure, [&] {
-    const int result = operation();
-    Close();
-    return result;
-  });
-  Abort();
-  return status;
-}
-
-bool Vex2FileManager::openKeepingPath(const char* path, unsigned flags) {
-  if (path == nullptr) return false;
-  const bool isOpen = guarded(0, [&] {
-                        // The path may be the one that is held.
-                        const CString kept(path);
-                        filePath_ = kept;
-                        return Open(kept.GetString(), flags) ? 1 : 0;
-                      }) == 1;
-  // Memory that ran out half-way must not leave a file that is open and locked.
-  if (!isOpen) Abort();
-  return isOpen;
+  return state_->store.AttemptAndClose(failure, operation);
 }
 
 int Vex2FileManager::SafeOpen(const char* path, int write, int append) {
+  const Operation operation(state_->store);
   constexpr unsigned kCommon = typeBinary | shareExclusive;
-  if (write == 0) return openKeepingPath(path, modeRead | kCommon) ? 1 : 0;
+  if (write == 0) return state_->store.Open(path, modeRead | kCommon) ? 1 : 0;
   if (append == 0) {
-    if (keepPartlyRead(path) != kSuccess) return 0;
-    return openKeepingPath(path, modeWrite | modeCreate | kCommon) ? 1 : 0;
+    if (state_->BackUpPartlyRead(path) != kSuccess) return 0;
+    return state_->store.Open(path, modeWrite | modeCreate | kCommon) ? 1 : 0;
   }
-  if (!openKeepingPath(path, modeWrite | modeCreate | modeNoTruncate | kCommon)) return 0;
+  if (!state_->store.Open(path, modeWrite | modeCreate | modeNoTruncate | kCommon)) return 0;
   SeekToEnd();
   return 1;
 }
 
 int Vex2FileManager::changeFile(const char* path, vex2::FunctionRef<int()> look,
                                 vex2::FunctionRef<int()> change) {
+  const Operation operation(state_->store);
   // One open for looking and writing: between two of them another program could replace the file.
-  const bool isWritable = openKeepingPath(path, modeReadWrite | typeBinary | shareExclusive);
+  const bool isWritable = state_->store.Open(path, modeReadWrite | typeBinary | shareExclusive);
   if (!isWritable && SafeOpen(path, 0, 0) == 0) return vex2::kReadFailed;
   return guardedFile(vex2::kWriteFailed, [&] {
-    if (const int status = guarded(vex2::kReadFailed, look); status != kSuccess) return status;
-    if (!isWritable || refusesChanges()) return static_cast<int>(vex2::kWriteFailed);
+    if (const int status = attempt(vex2::kReadFailed, look); status != kSuccess) return status;
+    if (!isWritable || state_->store.RefusesChanges()) {
+      return static_cast<int>(vex2::kWriteFailed);
+    }
     return change();
   });
 }
 
 int Vex2FileManager::appendRecord(const char* path, CComponent& component) {
+  const Operation operation(state_->store);
   if (SafeOpen(path, 1, 1) == 0) return vex2::kWriteFailed;
   return appendToOpenFile([&] { return component.Write(this); });
 }
 
 int Vex2FileManager::appendToOpenFile(vex2::FunctionRef<int()> write) {
-  if (refusesChanges()) return vex2::kWriteFailed;
-  const int status = writeAtEnd(write);
+  const Operation operation(state_->store);
+  if (state_->store.RefusesChanges()) return vex2::kWriteFailed;
+  const int status = state_->store.WriteAtEnd(write);
   return guardedFile(vex2::kWriteFailed, [status] { return status; });
 }
 
-int Vex2FileManager::writeAtEnd(vex2::FunctionRef<int()> write) {
-  const std::uint64_t before = GetLength();
-  const int status = guarded(vex2::kWriteFailed, [&] {
-    SeekToEnd();
-    const int result = write();
-    Flush();
-    return result;
-  });
-  if (status != kSuccess) restoreLength(before);
-  return status;
-}
-
-void Vex2FileManager::restoreLength(std::uint64_t length) {
-  DiscardBuffer();
-  // Where even that is refused, what was half written stays behind the last whole record.
-  static_cast<void>(guarded(vex2::kWriteFailed, [&] {
-    SetLength(length);
-    return kSuccess;
-  }));
-}
-
 int Vex2FileManager::saveWhole(const char* path, vex2::FunctionRef<int()> write) {
-  if (path == nullptr) return vex2::kWriteFailed;
-  const int status = guarded(vex2::kWriteFailed, [&] {
+  vex2::DocumentStore& store = state_->store;
+  const Operation operation(store);
+  if (path == nullptr) {
+    store.Refuse(vex2::FileErrorReason::kNoPath);
+    return vex2::kWriteFailed;
+  }
+  const int status = attempt(vex2::kWriteFailed, [&] {
     const CString kept(path);
-    filePath_ = kept;
-    if (keepPartlyRead(kept.GetString()) != kSuccess || !OpenReplacement(kept.GetString())) {
+    store.SetPath(kept);
+    if (state_->BackUpPartlyRead(kept.GetString()) != kSuccess ||
+        !store.OpenReplacement(kept.GetString())) {
       return static_cast<int>(vex2::kWriteFailed);
     }
     const int result = write();
-    if (result == kSuccess) {
-      finishReplacement();
-    }
+    if (result == kSuccess) store.FinishReplacement();
     return result;
   });
   Abort();
@@ -155,12 +120,13 @@ int Vex2FileManager::saveWhole(const char* path, vex2::FunctionRef<int()> write)
 
 int Vex2FileManager::ReadFromFile(const char* path, bool dialog) {
   CString chosen;
+  const Operation operation(state_->store);
   if (!choosePath(path, dialog, "Select Vex File to Open", chosen)) return vex2::kCancelled;
   if (SafeOpen(path, 0, 0) == 0) {
-    partlyRead_ = {};
+    state_->partlyRead = {};
     noteFault(0, "the file cannot be opened");
-    return guarded(vex2::kReadFailed, [&] {
-      noteSource(path);
+    return attempt(vex2::kReadFailed, [&] {
+      state_->partlyRead.SetSource(path);
       return static_cast<int>(vex2::kReadFailed);
     });
   }
@@ -172,12 +138,14 @@ int Vex2FileManager::ReadFromFile(const char* path, bool dialog) {
 
 int Vex2FileManager::SaveToFile(const char* path, bool dialog) {
   CString chosen;
+  const Operation operation(state_->store);
   if (!choosePath(path, dialog, "Select Vex File to Save", chosen)) return vex2::kCancelled;
   return saveWhole(path, [this] { return WriteComponentFile(nullptr); });
 }
 
 int Vex2FileManager::SaveHeader(const char* path, const Vex2HeaderData& header) {
-  const int status = guarded(vex2::kWriteFailed, [&] {
+  const Operation operation(state_->store);
+  const int status = attempt(vex2::kWriteFailed, [&] {
     header_ = header;
     return kSuccess;
   });
@@ -188,58 +156,59 @@ int Vex2FileManager::SaveHeader(const char* path, const Vex2HeaderData& header) 
 int Vex2FileManager::ReadComponentFile(CFile* file) {
   const CWaitCursor wait;
   const vex2::TracedTime time("reading in components");
+  const Operation operation(state_->store);
   CFile& source = file != nullptr ? *file : *this;
-  const int status = guarded(vex2::kReadFailed, [&] { return readComponents(source); });
-  if (status != kSuccess) noteFault(recordStart_, "the record cannot be read");
+  const int status = attempt(vex2::kReadFailed, [&] {
+    Reset();
+    state_->recordStart = 0;
+    state_->partlyRead.SetSource(source.CFile::GetFilePath());
+    const int header = ReadHeaderData(&source);
+    if (header != kSuccess) noteFault(0, "it is no \"Vex2\" document");
+    const std::uint64_t length = source.GetLength();
+    if (length < vex2::HeaderLayout::kSize) noteFault(length, "it ends within the header");
+    if (header != kSuccess || length <= vex2::HeaderLayout::kSize) return header;
+    return state_->ReadRecords(source);
+  });
+  if (status != kSuccess) noteFault(state_->recordStart, "the record cannot be read");
   return status;
 }
 
-int Vex2FileManager::readComponents(CFile& file) {
-  Reset();
-  recordStart_ = 0;
-  noteSource(file.CFile::GetFilePath());
-  const int status = ReadHeaderData(&file);
-  if (status != kSuccess) noteFault(0, "it is no \"Vex2\" document");
-  if (file.GetLength() < vex2::HeaderLayout::kSize)
-    noteFault(file.GetLength(), "it ends within the header");
-  if (status != kSuccess || file.GetLength() <= vex2::HeaderLayout::kSize) return status;
-  return readRecords(file);
-}
-
-int Vex2FileManager::readRecords(CFile& file) {
+int Vex2FileManager::State::ReadRecords(CFile& file) {
+  CFile& own = store.File();
   int status = kSuccess;
   std::uint64_t remaining = file.GetLength() - vex2::HeaderLayout::kSize;
   while (remaining > 0) {
-    recordStart_ = file.GetPosition();
+    recordStart = file.GetPosition();
     std::array<char, vex2::kTagLength> tag{};
     // Declared lengths need not add up to the file's, so the file's end is what ends the loop.
     if (const std::size_t got = file.Read(tag.data(), tag.size()); got < tag.size()) {
-      if (got > 0) noteFault(recordStart_, "it ends within a record");
+      if (got > 0) partlyRead.Note(recordStart, "it ends within a record");
       break;
     }
     std::unique_ptr<CComponent> component;
     const bool known = CreateComponent({tag.data(), tag.size()}, component) == 1;
-    Seek(-static_cast<std::int64_t>(tag.size()), current);
-    const std::uint64_t start = GetPosition();
+    own.Seek(-static_cast<std::int64_t>(tag.size()), CFile::current);
+    const std::uint64_t start = own.GetPosition();
     std::uint32_t size = 0;
     const int read = component->Read(&file, size);
     // The length of a study's plates grows with every save and in the end is more than they have.
-    if (component->GetTag() == TagOf(Kind::kPlates))
-      size = static_cast<std::uint32_t>(GetPosition() - start);
+    if (component->GetTag() == TagOf(Kind::kPlates)) {
+      size = static_cast<std::uint32_t>(own.GetPosition() - start);
+    }
     if (known) {
       status = read;
       if (status != kSuccess) break;
-      appendComponent(std::move(component));
+      components.Append(std::move(component));
     } else {
-      noteFault(start, "the record is of an unknown kind");
+      partlyRead.Note(start, "the record is of an unknown kind");
     }
     // A list may end with the file, whatever its length says, and be a success.
-    if (size > remaining) noteFault(start, "it ends within a record");
+    if (size > remaining) partlyRead.Note(start, "it ends within a record");
     remaining -= std::min<std::uint64_t>(remaining, size);
   }
-  notePlates();
+  NotePlates();
   if (status == kSuccess && file.GetPosition() < file.GetLength()) {
-    noteFault(file.GetPosition(), "the lengths of the records end before the file does");
+    partlyRead.Note(file.GetPosition(), "the lengths of the records end before the file does");
   }
   return status;
 }
@@ -250,12 +219,13 @@ bool Vex2FileManager::isWritten(const CComponent& component) const {
 }
 
 int Vex2FileManager::WriteComponentFile(CFile* file) {
-  return guarded(vex2::kWriteFailed, [&] {
+  const Operation operation(state_->store);
+  return attempt(vex2::kWriteFailed, [&] {
     CFile& target = file != nullptr ? *file : *this;
     int status = WriteHeaderData(&target);
     if (status != kSuccess) return status;
     target.SeekToEnd();
-    for (const auto& component : components_) {
+    for (const auto& component : state_->components) {
       if (status != kSuccess) break;
       if (!isWritten(*component)) continue;
       status = component->Write(&target);

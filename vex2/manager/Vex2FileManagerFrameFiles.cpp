@@ -4,27 +4,29 @@
 #include "vex2/format/Encoding.h"
 #include "vex2/format/ReadLimits.h"
 #include "vex2/format/RecordKinds.h"
-#include "vex2/manager/Vex2FileManager.h"
+#include "vex2/manager/ManagerState.h"
 #include "vex2/run/AcquisitionDataComp.h"
 #include "vex2/run/WellRecordCoding.h"
 
 using vex2::kSuccess;
 
-/// Where a block's frames stand in a file.
-struct Vex2FileManager::BlockGeometry {
+namespace {
+
+// Where a block's frames stand in a file.
+struct BlockGeometry {
   std::uint64_t frameCount = 0;
   std::uint16_t wellCount = 0;
-  std::uint64_t firstFrame = 0;  ///< counted from the block's tag; 0 when there are no wells
+  std::uint64_t firstFrame = 0;  // counted from the block's tag; 0 when there are no wells
 };
 
-int Vex2FileManager::readGeometry(long blockOffset, BlockGeometry& geometry) {
+int readGeometry(CFile& file, long blockOffset, BlockGeometry& geometry) {
   geometry = {};
   if (blockOffset <= 0) return kSuccess;
-  Seek(blockOffset + static_cast<long>(vex2::kTagLength), begin);
+  file.Seek(blockOffset + static_cast<long>(vex2::kTagLength), CFile::begin);
   std::uint32_t length = 0;
   vex2::DataBlockHead head;
-  if (!vex2::ReadField(*this, length) ||
-      !vex2::ReadDataBlockHead(*this, vex2::TimeBlock::kAsStated, head)) {
+  if (!vex2::ReadField(file, length) ||
+      !vex2::ReadDataBlockHead(file, vex2::TimeBlock::kAsStated, head)) {
     return vex2::kReadFailed;
   }
   if (head.wells == 0) return kSuccess;
@@ -36,9 +38,12 @@ int Vex2FileManager::readGeometry(long blockOffset, BlockGeometry& geometry) {
   return kSuccess;
 }
 
+}  // namespace
+
 int Vex2FileManager::readAFrame(int frameIndex, Vex2FrameData* frame, long blockOffset) {
   BlockGeometry geometry;
-  if (const int status = readGeometry(blockOffset, geometry); status != kSuccess) return status;
+  if (const int status = readGeometry(*this, blockOffset, geometry); status != kSuccess)
+    return status;
   const auto index = static_cast<std::uint64_t>(frameIndex);
   if (geometry.firstFrame < 1 || frameIndex < 0 || index >= geometry.frameCount) return kSuccess;
   const std::uint64_t frameSize = vex2::FrameSize(geometry.wellCount);
@@ -52,6 +57,7 @@ int Vex2FileManager::readAFrame(int frameIndex, Vex2FrameData* frame, long block
 }
 
 int Vex2FileManager::GetDataFrameCount(const char* path, int& count, Vex2DataType type) {
+  const vex2::Operation operation(state_->store);
   count = 0;
   if (SafeOpen(path, 0, 0) == 0) return vex2::kReadFailed;
   return guardedFile(vex2::kReadFailed, [&] {
@@ -67,16 +73,18 @@ int Vex2FileManager::GetDataFrameCount(const char* path, int& count, Vex2DataTyp
     }
     BlockGeometry geometry;
     // A block that cannot be read has no frames; only the header's status is handed on.
-    if (readGeometry(offset, geometry) == kSuccess) count = static_cast<int>(geometry.frameCount);
+    if (readGeometry(*this, offset, geometry) == kSuccess)
+      count = static_cast<int>(geometry.frameCount);
     return status;
   });
 }
 
 int Vex2FileManager::ReadDataFrame(const char* path, int frameIndex, Vex2FrameData* frame,
                                    Vex2DataType type) {
+  const vex2::Operation operation(state_->store);
   if (SafeOpen(path, 0, 0) == 0) return vex2::kReadFailed;
   return guardedFile(vex2::kReadFailed, [&] {
-    if (!IsVex2Format()) return static_cast<int>(vex2::kReadFailed);
+    if (!state_->IsDocument(*this)) return static_cast<int>(vex2::kReadFailed);
     if (type != DataRAWa) return readAFrame(frameIndex, frame, findReporterCompOffset(type));
     Vex2HeaderData header;
     const int status = ReadHeaderData(header, nullptr);

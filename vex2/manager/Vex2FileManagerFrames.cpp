@@ -1,11 +1,9 @@
 // Frames of data blocks: added and committed while a run goes on, read back from memory.
 
-#include <array>
-
-#include "vex2/format/Encoding.h"
-#include "vex2/format/HeaderLayout.h"
 #include "vex2/format/RecordKinds.h"
 #include "vex2/framework/Host.h"
+#include "vex2/manager/HeldRawData.h"
+#include "vex2/manager/ManagerState.h"
 #include "vex2/manager/OrNothing.h"
 #include "vex2/manager/Vex2FileManagerComponent.h"
 #include "vex2/run/AcquisitionDataComp.h"
@@ -19,14 +17,6 @@ namespace {
 constexpr const char* kNotInitialised =
     "The function Vex2FileManager::InitAcqDataWellNumberArray() needs to be called first, before "
     "we can call Vex2FileManager::SetAcqDataWellRecord";
-
-// Reads back the word that a commit patches, so that a failed commit can put it back.
-std::uint32_t wordAt(CFile& file, std::uint64_t offset) {
-  std::uint32_t word = 0;
-  file.Seek(static_cast<std::int64_t>(offset), CFile::begin);
-  static_cast<void>(vex2::ReadField(file, word));
-  return word;
-}
 
 bool copyRecord(const AcquisitionDataComp* block, int frameIndex, int position,
                 Vex2WellRecord* record) {
@@ -55,9 +45,10 @@ void Vex2FileManager::InitAcqDataWellNumberArray(const unsigned short* wellNumbe
 
 int Vex2FileManager::AppendAcquisitionDataFrame(const char* path, const Vex2FrameData* frame,
                                                 Vex2DataType type) {
+  const vex2::Operation operation(state_->store);
   AcquisitionDataComp* block = findBlock(type);
   const int index = block != nullptr ? block->GetFrameCount() : 0;
-  const int status = guarded(vex2::kWriteFailed, [&] {
+  const int status = attempt(vex2::kWriteFailed, [&] {
     if (frame != nullptr && block != nullptr) {
       if (!block->SetFrame(index, *frame)) return vex2::kWriteFailed;
     } else if (frame != nullptr && !vex2::TagAt(type).empty()) {
@@ -70,58 +61,20 @@ int Vex2FileManager::AppendAcquisitionDataFrame(const char* path, const Vex2Fram
 }
 
 int Vex2FileManager::CommitAcqDataFrame(const char* path, int frameIndex, Vex2DataType type) {
+  const vex2::Operation operation(state_->store);
   AcquisitionDataComp* block = findBlock(type);
   if (block == nullptr) return kNotFound;
   if (type != DataRAWa) return kSuccess;
   std::uint32_t offset = 0;
   return changeFile(
-      path, [&] { return findRawData(offset); },
-      [&] { return commitFrame(*block, frameIndex, offset); });
-}
-
-int Vex2FileManager::commitFrame(AcquisitionDataComp& block, int frameIndex, std::uint32_t offset) {
-  // What makes the frame count: the block's length, or for a new block its position.
-  const std::uint64_t patchedAt =
-      offset != 0 ? std::uint64_t{offset} + vex2::kTagLength : vex2::HeaderLayout::kRawDataOffsetAt;
-  const std::uint64_t fileLength = GetLength();
-  const std::uint32_t oldWord = wordAt(*this, patchedAt);
-  const std::uint32_t heldOffset = header_.acquisitionDataOffset;
-  const int status =
-      guarded(vex2::kWriteFailed, [&] { return appendFrame(block, frameIndex, offset); });
-  if (status == kSuccess) {
-    committedFile_ = GetIdentity();
-    committedLength_ = GetLength();
-  }
-  if (status == kSuccess || status == kNoSuchFrame) return status;
-  DiscardBuffer();
-  header_.acquisitionDataOffset = heldOffset;
-  const int takenBack = guarded(vex2::kWriteFailed, [&] {
-    if (wordAt(*this, patchedAt) != oldWord) patchWord(patchedAt, oldWord);
-    return kSuccess;
-  });
-  // A length that counts a frame which was cut off would cost the whole block. Where it cannot be
-  // taken back the frame stays, and where that does not count, the next commit writes over it.
-  if (takenBack == kSuccess) restoreLength(fileLength);
-  return status;
-}
-
-int Vex2FileManager::appendFrame(AcquisitionDataComp& block, int frameIndex, std::uint32_t offset) {
-  const std::uint64_t place = committedEnd(block, offset);
-  if (offset == 0) return writeRawData(block, place);
-  Seek(static_cast<std::int64_t>(place), begin);
-  if (const int result = block.WriteFrame(*this, frameIndex); result != kSuccess) return result;
-  if (GetLength() > GetPosition()) SetLength(GetPosition());
-  // The frame is on the disk before the length counts it: whatever happens in between, every frame
-  // that counts is there.
-  barrier();
-  patchWord(std::uint64_t{offset} + vex2::kTagLength, block.GetLength());
-  return kSuccess;
-}
-
-void Vex2FileManager::patchWord(std::uint64_t offset, std::uint32_t word) {
-  Seek(static_cast<std::int64_t>(offset), begin);
-  vex2::WriteField(*this, word);
-  barrier();
+      path, [&] { return state_->FindRawData(*this, offset); },
+      [&] {
+        const bool isFirst = offset == 0;
+        const vex2::HeldRawData held(*block);
+        const int status = vex2::FrameLog(state_->store, held).Commit(frameIndex, offset);
+        if (isFirst && status == kSuccess) header_.acquisitionDataOffset = offset;
+        return status;
+      });
 }
 
 bool Vex2FileManager::SetAcqDataWellRecord(const Vex2WellRecord* record, int frameIndex,

@@ -1,44 +1,60 @@
 // The header record in the file, and the tests of a document's kind.
 
 #include <array>
-#include <cerrno>
-#include <limits>
 
 #include "vex2/format/Encoding.h"
 #include "vex2/format/HeaderLayout.h"
 #include "vex2/format/RecordKinds.h"
-#include "vex2/manager/Vex2FileManager.h"
+#include "vex2/manager/ManagerState.h"
 
 using vex2::HeaderLayout;
 using vex2::Kind;
 using vex2::KindMarker;
 using vex2::kSuccess;
+using vex2::Operation;
 using vex2::TagOf;
+
+namespace {
+
+// Whether the open file has these characters there.
+bool hasMarker(vex2::DocumentStore& store, std::uint64_t offset, std::string_view marker) {
+  const Operation operation(store);
+  CFile& file = store.File();
+  if (!file.IsOpen()) return false;
+  std::array<char, vex2::kCodeLength> found{};
+  const int isRead = store.Attempt(0, [&] {
+    file.Seek(static_cast<std::int64_t>(offset), CFile::begin);
+    return vex2::ReadExactly(file, found.data(), found.size()) ? 1 : 0;
+  });
+  return isRead == 1 && marker == std::string_view(found.data(), found.size());
+}
+
+}  // namespace
 
 int Vex2FileManager::GetHeaderBytes() const {
   return static_cast<int>(HeaderLayout::kSize);
 }
 
-bool Vex2FileManager::hasMarker(std::uint64_t offset, std::string_view marker) {
-  if (!IsOpen()) return false;
-  std::array<char, vex2::kCodeLength> found{};
-  const int isRead = guarded(0, [&] {
-    Seek(static_cast<std::int64_t>(offset), begin);
-    return vex2::ReadExactly(*this, found.data(), found.size()) ? 1 : 0;
-  });
-  return isRead == 1 && marker == std::string_view(found.data(), found.size());
-}
-
 bool Vex2FileManager::IsVex2Format() {
-  return hasMarker(HeaderLayout::kMagicAt, vex2::kMagic);
+  return hasMarker(state_->store, HeaderLayout::kMagicAt, vex2::kMagic);
 }
 
 bool Vex2FileManager::IsBlueLightSpecialFile() {
-  return IsVex2Format() && hasMarker(HeaderLayout::kKindMarkerAt, KindMarker::kBlueLight);
+  return IsVex2Format() &&
+         hasMarker(state_->store, HeaderLayout::kKindMarkerAt, KindMarker::kBlueLight);
 }
 
 bool Vex2FileManager::IsKestorFile() {
-  return IsVex2Format() && hasMarker(HeaderLayout::kKindMarkerAt, KindMarker::kKestor);
+  return IsVex2Format() &&
+         hasMarker(state_->store, HeaderLayout::kKindMarkerAt, KindMarker::kKestor);
+}
+
+bool Vex2FileManager::State::IsDocument(Vex2FileManager& manager) {
+  if (manager.IsVex2Format()) return true;
+  store.Refuse(
+      manager.IsOpen() ? vex2::FileErrorReason::kNotADocument : vex2::FileErrorReason::kNotOpen,
+      vex2::FileOperation::kRead);
+  return false;
 }
 
 int Vex2FileManager::ReadHeaderData(CFile* file) {
@@ -46,8 +62,9 @@ int Vex2FileManager::ReadHeaderData(CFile* file) {
 }
 
 int Vex2FileManager::ReadHeaderData(Vex2HeaderData& header, CFile* file) {
-  return guarded(vex2::kReadFailed, [&] {
-    if (!IsVex2Format()) return static_cast<int>(vex2::kReadFailed);
+  const Operation operation(state_->store);
+  return attempt(vex2::kReadFailed, [&] {
+    if (!state_->IsDocument(*this)) return static_cast<int>(vex2::kReadFailed);
     CFile& source = file != nullptr ? *file : *this;
     source.SeekToBegin();
     return ReadHeaderDataHelper(header, &source);
@@ -73,8 +90,12 @@ int Vex2FileManager::ReadHeaderDataHelper(Vex2HeaderData& header, CFile* file) {
 }
 
 int Vex2FileManager::WriteHeaderData(CFile* /*file*/) {
-  if (!IsOpen()) return vex2::kWriteFailed;
-  return guarded(vex2::kWriteFailed, [this] {
+  const Operation operation(state_->store);
+  if (!IsOpen()) {
+    state_->store.Refuse(vex2::FileErrorReason::kNotOpen, vex2::FileOperation::kWrite);
+    return vex2::kWriteFailed;
+  }
+  return attempt(vex2::kWriteFailed, [this] {
     SeekToBegin();
     std::uint32_t written = 0;
     const int status = WriteHeaderDataHelper(written, this);
@@ -101,53 +122,20 @@ int Vex2FileManager::WriteHeaderDataHelper(std::uint32_t& headerBytes, CFile* fi
   return kSuccess;
 }
 
-std::uint32_t Vex2FileManager::documentPosition(std::uint64_t position) const {
-  if (position > std::numeric_limits<std::uint32_t>::max()) {
-    throw CFileException(EFBIG, filePath_.GetString(), position);
-  }
-  return static_cast<std::uint32_t>(position);
-}
-
 void Vex2FileManager::UpdateHeaderOffsets(const CComponent& component) {
   const bool isProgram = component.GetTag() == TagOf(Kind::kProgram);
   if (!isProgram && component.GetTag() != TagOf(Kind::kRawData)) return;
-  const std::uint32_t position = documentPosition(GetPosition());
-  if (isProgram) {
-    header_.thermocycleOffset = position;
-    writeHeaderWord(HeaderLayout::kProgramOffsetAt, position);
-  } else {
-    header_.acquisitionDataOffset = position;
-    writeHeaderWord(HeaderLayout::kRawDataOffsetAt, position);
-  }
+  const std::uint32_t offset = vex2::DocumentOffset(*this, GetPosition());
+  (isProgram ? header_.thermocycleOffset : header_.acquisitionDataOffset) = offset;
+  vex2::WriteWordAt(
+      *this, isProgram ? HeaderLayout::kProgramOffsetAt : HeaderLayout::kRawDataOffsetAt, offset);
   SeekToEnd();
 }
 
-int Vex2FileManager::patchHeaderWord(std::uint64_t at, unsigned long value) {
-  if (!IsOpen() || GetLength() < vex2::HeaderLayout::kSize) return vex2::kWriteFailed;
-  return guarded(vex2::kWriteFailed, [&] {
-    writeHeaderWord(at, documentPosition(value));
-    return kSuccess;
-  });
-}
-
-void Vex2FileManager::writeHeaderWord(std::uint64_t at, std::uint32_t word) {
-  Seek(static_cast<std::int64_t>(at), begin);
-  vex2::WriteField(*this, word);
-}
-
 int Vex2FileManager::UpdateThermocycleOffset(unsigned long offset) {
-  return patchHeaderWord(HeaderLayout::kProgramOffsetAt, offset);
+  return state_->store.PatchHeader(HeaderLayout::kProgramOffsetAt, offset);
 }
 
 int Vex2FileManager::UpdateAcqDataOffset(unsigned long offset) {
-  return patchHeaderWord(HeaderLayout::kRawDataOffsetAt, offset);
-}
-
-int Vex2FileManager::readAcqDataOffset(std::uint32_t& offset) {
-  Seek(HeaderLayout::kRawDataOffsetAt, begin);
-  return vex2::ReadField(*this, offset) ? kSuccess : vex2::kReadFailed;
-}
-
-int Vex2FileManager::findRawData(std::uint32_t& offset) {
-  return IsVex2Format() ? readAcqDataOffset(offset) : vex2::kReadFailed;
+  return state_->store.PatchHeader(HeaderLayout::kRawDataOffsetAt, offset);
 }

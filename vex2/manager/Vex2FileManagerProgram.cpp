@@ -1,7 +1,7 @@
 // The thermal cycling program.
 
 #include "vex2/format/RecordKinds.h"
-#include "vex2/manager/Vex2FileManager.h"
+#include "vex2/manager/ManagerState.h"
 #include "vex2/run/ThermocycleProgramComp.h"
 
 using vex2::Kind;
@@ -31,11 +31,15 @@ ThermocycleProgramComp* Vex2FileManager::GetThermocycleProgComp() const {
 }
 
 int Vex2FileManager::WriteThermocycleComp() {
-  if (!IsOpen()) return vex2::kWriteFailed;
-  for (const auto& component : components_) {
+  const vex2::Operation operation(state_->store);
+  if (!IsOpen()) {
+    state_->store.Refuse(vex2::FileErrorReason::kNotOpen, vex2::FileOperation::kWrite);
+    return vex2::kWriteFailed;
+  }
+  for (const auto& component : state_->components) {
     if (!component->IsThermocycleComp()) continue;
-    return guarded(vex2::kWriteFailed, [&] {
-      header_.thermocycleOffset = documentPosition(SeekToEnd());
+    return attempt(vex2::kWriteFailed, [&] {
+      header_.thermocycleOffset = vex2::DocumentOffset(*this, SeekToEnd());
       return component->Write(this);
     });
   }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <map>
 
+#include "vex2/format/RecordKinds.h"
+#include "vex2/manager/ManagerState.h"
 #include "vex2/manager/OrNothing.h"
 #include "vex2/manager/Vex2FileManagerComponent.h"
 #include "vex2/study/CMultiPlateComp.h"
@@ -30,13 +32,15 @@ int findMeltingStart(const Vex2FileManager& plate) {
   return -1;
 }
 
-}  // namespace
-
-std::vector<const Vex2FileManager*> Vex2FileManager::platesToAsk() const {
-  return OrNothing([this] {
+// The plates that stand for a study, in order, or the document itself.
+std::vector<const Vex2FileManager*> platesToAsk(const Vex2FileManager& document,
+                                                const vex2::ComponentList& components) {
+  return OrNothing([&] {
     std::vector<const Vex2FileManager*> plates;
-    if (!IsRQS()) plates.push_back(this);
-    const CMultiPlateComp* list = IsRQS() ? findPlates() : nullptr;
+    if (!document.IsRQS()) plates.push_back(&document);
+    const auto* list = document.IsRQS()
+                           ? components.Find<CMultiPlateComp>(vex2::TagOf(vex2::Kind::kPlates))
+                           : nullptr;
     // Plates are known by name: one whose name an earlier one has gives way to that.
     std::map<CString, const Vex2FileManager*> byName;
     for (int index = 0; list != nullptr && index < list->GetChildCount(); ++index) {
@@ -48,10 +52,12 @@ std::vector<const Vex2FileManager*> Vex2FileManager::platesToAsk() const {
   });
 }
 
+}  // namespace
+
 void Vex2FileManager::GetPlateDataInfo(int& wellsWithData, int& largestCount) const {
   wellsWithData = 0;
   largestCount = 0;
-  for (const Vex2FileManager* plate : platesToAsk()) {
+  for (const Vex2FileManager* plate : platesToAsk(*this, state_->components)) {
     for (int well = 1; well <= plate->GetPlateSize(); ++well) {
       const int count = plate->GetDataCntInWell(well, DataRAWa);
       largestCount = std::max(largestCount, count);
@@ -63,7 +69,7 @@ void Vex2FileManager::GetPlateDataInfo(int& wellsWithData, int& largestCount) co
 
 long Vex2FileManager::GetPlateInfo(long& plateSize) const {
   plateSize = 0;
-  for (const Vex2FileManager* plate : platesToAsk()) {
+  for (const Vex2FileManager* plate : platesToAsk(*this, state_->components)) {
     plateSize = plate->GetPlateSize();
     if (const int frames = plate->GetDataFrameCount(DataRAWa); frames != 0) return frames;
   }
@@ -77,7 +83,7 @@ void Vex2FileManager::FindPCRMeltingParams(const char* plateName, int& pcrFrameC
   const Vex2FileManager* plate = nullptr;
   if (plateName != nullptr) {
     plate = OrNothing([&] { return GetSinglePlatePtrByName(plateName); });
-  } else if (const auto plates = platesToAsk(); !plates.empty()) {
+  } else if (const auto plates = platesToAsk(*this, state_->components); !plates.empty()) {
     plate = plates.front();
   }
   if (plate == nullptr) return;

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "vex2/format/RecordKinds.h"
-#include "vex2/manager/Vex2FileManager.h"
+#include "vex2/manager/ManagerState.h"
 
 using vex2::kSuccess;
 
@@ -24,6 +24,7 @@ bool Vex2FileManager::RQSOpenFile(CWnd* /*owner*/, CString& /*path*/, CString& /
 
 int Vex2FileManager::ReadRQPFromFile(CWnd* parent, const char* path, bool choose,
                                      CString& lastModified) {
+  const vex2::Operation operation(state_->store);
   CString chosen;
   if (path == nullptr || choose) {
     CString folder;
@@ -34,26 +35,28 @@ int Vex2FileManager::ReadRQPFromFile(CWnd* parent, const char* path, bool choose
     path = chosen.GetString();
   }
   CString before;
-  const int copied = guarded(vex2::kReadFailed, [&] {
-    before = filePath_;
+  const int copied = attempt(vex2::kReadFailed, [&] {
+    before = state_->store.Path();
     return kSuccess;
   });
   if (copied != kSuccess || SafeOpen(path, 0, 0) == 0) return vex2::kReadFailed;
-  const int status = guardedFile(vex2::kReadFailed, [&] { return readStudyPlate(lastModified); });
+  const int status =
+      guardedFile(vex2::kReadFailed, [&] { return state_->ReadStudyPlate(*this, lastModified); });
   // A file that is refused leaves the document as it was, its path included.
   if (status == vex2::kPlateNotADocument || status == vex2::kPlateOfOtherKind) {
-    filePath_ = std::move(before);
+    state_->store.SetPath(std::move(before));
   }
   return status;
 }
 
-int Vex2FileManager::readStudyPlate(CString& lastModified) {
+int Vex2FileManager::State::ReadStudyPlate(Vex2FileManager& manager, CString& lastModified) {
   // A file that cannot be read throws here, before it passes for one of another format.
   std::array<char, vex2::kTagLength> magic{};
-  static_cast<void>(Read(magic.data(), magic.size()));
-  if (!IsVex2Format()) return vex2::kPlateNotADocument;
-  if (!IsKestorFile()) return vex2::kPlateOfOtherKind;
-  const int status = ReadComponentFile(nullptr);
-  if (CFileStatus file; GetStatus(file)) lastModified = file.modificationTime.Format(kDateFormat);
+  static_cast<void>(manager.Read(magic.data(), magic.size()));
+  if (!IsDocument(manager)) return vex2::kPlateNotADocument;
+  if (!manager.IsKestorFile()) return vex2::kPlateOfOtherKind;
+  const int status = manager.ReadComponentFile(nullptr);
+  if (CFileStatus file; manager.GetStatus(file))
+    lastModified = file.modificationTime.Format(kDateFormat);
   return status;
 }

@@ -6,7 +6,7 @@
 #include "vex2/container/CFloatValueComp.h"
 #include "vex2/container/CShortValueComp.h"
 #include "vex2/format/RecordKinds.h"
-#include "vex2/manager/Vex2FileManager.h"
+#include "vex2/manager/ManagerState.h"
 #include "vex2/run/CGlobalComp.h"
 
 using vex2::Kind;
@@ -17,6 +17,38 @@ using vex2::TagOf;
 namespace {
 
 constexpr int kDefaultMaxDyesPerWell = 4;
+
+int getText(const vex2::ComponentList& components, std::string_view tag, CString& text) {
+  text.Empty();
+  CComponent* component = components.Find(tag);
+  if (component == nullptr) return kNotFound;
+  return vex2::Guarded(vex2::kReadFailed, [&] {
+    text = component->GetValueString();
+    return kSuccess;
+  });
+}
+
+int setText(vex2::ComponentList& components, std::string_view tag, const CString& text) {
+  if (text.IsEmpty()) {
+    components.Remove(components.Find(tag));
+    return kSuccess;
+  }
+  return vex2::Guarded(vex2::kWriteFailed, [&] {
+    components.Replace(std::make_unique<CBlockValueComp>(tag, text));
+    return kSuccess;
+  });
+}
+
+void changeSettings(Vex2FileManager& manager, vex2::FunctionRef<void(Vex2GlobalComplex&)> change) {
+  static_cast<void>(vex2::Guarded(vex2::kWriteFailed, [&] {
+    Vex2GlobalComplex info;
+    // Settings that cannot be copied for want of memory must not be replaced by half of them.
+    if (const int status = manager.GetGlobalComplexInfo(&info); status == vex2::kReadFailed)
+      return status;
+    change(info);
+    return manager.ReplaceGlobalComplexComp(&info);
+  }));
+}
 
 }  // namespace
 
@@ -38,7 +70,11 @@ int Vex2FileManager::ReplaceGlobalComplexComp(const Vex2GlobalComplex* info) {
 }
 
 int Vex2FileManager::AppendGlobalComplexComp(const char* path, const Vex2GlobalComplex* info) {
-  if (const int status = ReplaceGlobalComplexComp(info); status != kSuccess) return status;
+  const vex2::Operation operation(state_->store);
+  if (const int status = ReplaceGlobalComplexComp(info); status != kSuccess) {
+    state_->store.Errors().NoteNoMemory();
+    return status;
+  }
   return appendRecord(path, *includesComponent(TagOf(Kind::kGlobal)));
 }
 
@@ -64,38 +100,17 @@ int Vex2FileManager::UpdateConfidencePercent(float percent) {
   });
 }
 
-int Vex2FileManager::getText(std::string_view tag, CString& text) const {
-  text.Empty();
-  CComponent* component = includesComponent(tag);
-  if (component == nullptr) return kNotFound;
-  return guarded(vex2::kReadFailed, [&] {
-    text = component->GetValueString();
-    return kSuccess;
-  });
-}
-
-int Vex2FileManager::setText(std::string_view tag, const CString& text) {
-  if (text.IsEmpty()) {
-    RemoveComponent(includesComponent(tag));
-    return kSuccess;
-  }
-  return guarded(vex2::kWriteFailed, [&] {
-    replaceComponent(std::make_unique<CBlockValueComp>(tag, text));
-    return kSuccess;
-  });
-}
-
 int Vex2FileManager::GetCalibrator(CString& name) const {
-  return getText(TagOf(Kind::kCalibrator), name);
+  return getText(state_->components, TagOf(Kind::kCalibrator), name);
 }
 int Vex2FileManager::SetCalibrator(const CString& name) {
-  return setText(TagOf(Kind::kCalibrator), name);
+  return setText(state_->components, TagOf(Kind::kCalibrator), name);
 }
 int Vex2FileManager::GetEndoControl(CString& name) const {
-  return getText(TagOf(Kind::kEndoControl), name);
+  return getText(state_->components, TagOf(Kind::kEndoControl), name);
 }
 int Vex2FileManager::SetEndoControl(const CString& name) {
-  return setText(TagOf(Kind::kEndoControl), name);
+  return setText(state_->components, TagOf(Kind::kEndoControl), name);
 }
 
 int Vex2FileManager::GetRQAnalysisType(unsigned short& type) const {
@@ -125,7 +140,7 @@ void Vex2FileManager::GetPassiveReference(CString& name) const {
 }
 
 void Vex2FileManager::SetPassiveReference(const CString& name) {
-  changeSettings([&](Vex2GlobalComplex& info) { info.SetPassiveReference(name); });
+  changeSettings(*this, [&](Vex2GlobalComplex& info) { info.SetPassiveReference(name); });
 }
 
 int Vex2FileManager::GetSampleVolume() const {
@@ -135,7 +150,7 @@ int Vex2FileManager::GetSampleVolume() const {
 }
 
 void Vex2FileManager::SetSampleVolume(unsigned short volume) {
-  changeSettings([volume](Vex2GlobalComplex& info) { info.sampleVolume = volume; });
+  changeSettings(*this, [volume](Vex2GlobalComplex& info) { info.sampleVolume = volume; });
 }
 
 void Vex2FileManager::GetPrePostFlags(int& pre, int& post) const {
@@ -146,18 +161,8 @@ void Vex2FileManager::GetPrePostFlags(int& pre, int& post) const {
 }
 
 void Vex2FileManager::SetPrePostFlags(int pre, int post) {
-  changeSettings([pre, post](Vex2GlobalComplex& info) {
+  changeSettings(*this, [pre, post](Vex2GlobalComplex& info) {
     info.preFlag = pre;
     info.postFlag = post;
   });
-}
-
-void Vex2FileManager::changeSettings(vex2::FunctionRef<void(Vex2GlobalComplex&)> change) {
-  static_cast<void>(guarded(vex2::kWriteFailed, [&] {
-    Vex2GlobalComplex info;
-    // Settings that cannot be copied for want of memory must not be replaced by half of them.
-    if (const int status = GetGlobalComplexInfo(&info); status == vex2::kReadFailed) return status;
-    change(info);
-    return ReplaceGlobalComplexComp(&info);
-  }));
 }

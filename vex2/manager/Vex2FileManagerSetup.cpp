@@ -4,7 +4,7 @@
 #include <limits>
 
 #include "vex2/format/HeaderLayout.h"
-#include "vex2/manager/Vex2FileManager.h"
+#include "vex2/manager/ManagerState.h"
 #include "vex2/setup/CPlateSetupComp.h"
 
 using vex2::kNotFound;
@@ -17,7 +17,7 @@ constexpr int kMaxColumns = 32;  // bits of a row's mask
 }  // namespace
 
 CPlateSetupComp* Vex2FileManager::GetPlateSetupComp() const {
-  for (const auto& component : components_) {
+  for (const auto& component : state_->components) {
     if (component->IsPlateSetupComp()) return dynamic_cast<CPlateSetupComp*>(component.get());
   }
   return nullptr;
@@ -41,16 +41,21 @@ int Vex2FileManager::GetPlateSetupInfo(Vex2PlateSetup* setup) const {
 }
 
 int Vex2FileManager::WritePlateSetupComp() {
-  if (!IsOpen()) return vex2::kWriteFailed;
+  const vex2::Operation operation(state_->store);
+  if (!IsOpen()) {
+    state_->store.Refuse(vex2::FileErrorReason::kNotOpen, vex2::FileOperation::kWrite);
+    return vex2::kWriteFailed;
+  }
   CPlateSetupComp* setup = GetPlateSetupComp();
   if (setup == nullptr) return kNotFound;
-  return guarded(vex2::kWriteFailed, [&] {
+  return attempt(vex2::kWriteFailed, [&] {
     SeekToEnd();
     return setup->Write(this);
   });
 }
 
 int Vex2FileManager::SaveSetupInfo(const char* path) {
+  const vex2::Operation operation(state_->store);
   if (GetThermocycleProgComp() == nullptr || GetPlateSetupComp() == nullptr) return kNotFound;
   return saveWhole(path, [this] {
     int status = WriteHeaderData(nullptr);

@@ -5,15 +5,19 @@
 
 #include "vex2/format/HeaderLayout.h"
 #include "vex2/framework/Host.h"
-#include "vex2/manager/Vex2FileManager.h"
+#include "vex2/manager/ManagerState.h"
 
 using vex2::HeaderLayout;
 using vex2::kCodeLength;
 using vex2::RunStatus;
 
-bool Vex2FileManager::hasStatus(std::string_view status) const {
-  return std::string_view(header_.acquisitionStatus, kCodeLength) == status;
+namespace {
+
+bool hasStatus(const Vex2HeaderData& header, std::string_view status) {
+  return std::string_view(header.acquisitionStatus, kCodeLength) == status;
 }
+
+}  // namespace
 
 CString Vex2FileManager::GetAcquisitionStatus() const {
   return CString(std::string_view(header_.acquisitionStatus, kCodeLength));
@@ -34,26 +38,27 @@ int Vex2FileManager::SetAcquisitionStatus(const char* status) {
 }
 
 int Vex2FileManager::SetAcquisitionStatus(const char* path, const char* status) {
+  const vex2::Operation operation(state_->store);
   if (SetAcquisitionStatus(status) != vex2::kSuccess) return vex2::kWriteFailed;
   const auto look = [this] {
-    return IsVex2Format() && GetLength() > HeaderLayout::kStatusAt ? vex2::kSuccess
-                                                                   : vex2::kWriteFailed;
+    return state_->IsDocument(*this) && GetLength() > HeaderLayout::kStatusAt ? vex2::kSuccess
+                                                                              : vex2::kWriteFailed;
   };
   const int result = changeFile(path, look, [this] {
     Seek(HeaderLayout::kStatusAt, begin);
     Write(header_.acquisitionStatus, kCodeLength);
-    barrier();
+    state_->store.Barrier();
     return vex2::kSuccess;
   });
   return result == vex2::kSuccess ? vex2::kSuccess : vex2::kWriteFailed;
 }
 
 bool Vex2FileManager::IsAcquisitionZero() const {
-  return hasStatus(RunStatus::kNotStarted);
+  return hasStatus(header_, RunStatus::kNotStarted);
 }
 bool Vex2FileManager::IsAcquisitionProg() const {
-  return hasStatus(RunStatus::kInProgress);
+  return hasStatus(header_, RunStatus::kInProgress);
 }
 bool Vex2FileManager::IsAcquisitionDone() const {
-  return hasStatus(RunStatus::kDone);
+  return hasStatus(header_, RunStatus::kDone);
 }

@@ -5,9 +5,9 @@
 #include "vex2/container/CBlockValueComp.h"
 #include "vex2/format/HeaderLayout.h"
 #include "vex2/format/RecordKinds.h"
+#include "vex2/manager/ManagerState.h"
 #include "vex2/manager/OrNothing.h"
 #include "vex2/manager/SplitPath.h"
-#include "vex2/manager/Vex2FileManager.h"
 #include "vex2/manager/Vex2FileManagerComponent.h"
 #include "vex2/study/CMultiPlateComp.h"
 #include "vex2/study/CRQPlateComp.h"
@@ -22,11 +22,39 @@ namespace {
 // Other programs read these texts into buffers of one byte more.
 constexpr int kMaxPlateText = 1023;
 
-}  // namespace
-
-CMultiPlateComp* Vex2FileManager::findPlates() const {
-  return find<CMultiPlateComp>(TagOf(Kind::kPlates));
+CMultiPlateComp* findPlates(const vex2::ComponentList& components) {
+  return components.Find<CMultiPlateComp>(TagOf(Kind::kPlates));
 }
+
+bool addPlate(vex2::ComponentList& components, vex2::PlateResults& results, int wells,
+              const CString& name, const Vex2FileManager& plate, const CString& lastModified) {
+  // All that takes memory comes first: a plate that does not fit leaves the study as it was.
+  auto added = std::make_unique<CRQPlateComp>();
+  added->SetPlate(name, plate, lastModified);
+  return results.Add(name, wells, [&] {
+    CMultiPlateComp* plates = findPlates(components);
+    if (plates == nullptr) plates = components.Replace(std::make_unique<CMultiPlateComp>());
+    return plates->AddPlate(std::move(added));
+  });
+}
+
+int setPlateText(vex2::ComponentList& components, std::string_view tag, const CString& text) {
+  return vex2::Guarded(vex2::kWriteFailed, [&] {
+    components.Replace(std::make_unique<CBlockValueComp>(tag, text.Left(kMaxPlateText)));
+    return kSuccess;
+  });
+}
+
+int getPlateText(const vex2::ComponentList& components, std::string_view tag, CString& text) {
+  CComponent* component = components.Find(tag);
+  if (component == nullptr) return kSuccess;
+  return vex2::Guarded(vex2::kReadFailed, [&] {
+    text = component->GetValueString();
+    return kSuccess;
+  });
+}
+
+}  // namespace
 
 bool Vex2FileManager::InitMultiplate() {
   return OrNothing([this] {
@@ -41,32 +69,19 @@ bool Vex2FileManager::AddRQPlate(const Vex2FileManager* plate, const CString& la
     CString folder;
     CString name;
     CString extension;
-    SplitPath(plate->filePath_, folder, name, extension);
+    SplitPath(plate->state_->store.Path(), folder, name, extension);
     // The analysis map alone decides whether a name is taken.
-    return analysisMap_.count(name) == 0 && addPlate(name, *plate, lastModified);
+    return !state_->plateResults.Has(name) && addPlate(state_->components, state_->plateResults,
+                                                       GetPlateSize(), name, *plate, lastModified);
   });
-}
-
-bool Vex2FileManager::addPlate(const CString& name, const Vex2FileManager& plate,
-                               const CString& lastModified) {
-  // All that takes memory comes first: a plate that does not fit leaves the study as it was.
-  auto added = std::make_unique<CRQPlateComp>();
-  added->SetPlate(name, plate, lastModified);
-  decltype(analysisMap_) storage;
-  storage.emplace(name, std::make_unique<VexAnalysis>(GetPlateSize()));
-  CMultiPlateComp* plates = findPlates();
-  if (plates == nullptr) plates = replaceComponent(std::make_unique<CMultiPlateComp>());
-  if (!plates->AddPlate(std::move(added))) return false;
-  analysisMap_.merge(storage);
-  return true;
 }
 
 bool Vex2FileManager::RemoveRQPlate(const CString& name) {
   return OrNothing([&] {
     // The name may be one that goes with the plate.
     const CString kept = name;
-    const bool hadAnalysis = analysisMap_.erase(kept) != 0;
-    CMultiPlateComp* plates = findPlates();
+    const bool hadAnalysis = state_->plateResults.Remove(kept);
+    CMultiPlateComp* plates = findPlates(state_->components);
     if (plates == nullptr) return hadAnalysis;
     plates->RemovePlate(kept);
     return true;
@@ -74,7 +89,7 @@ bool Vex2FileManager::RemoveRQPlate(const CString& name) {
 }
 
 bool Vex2FileManager::GetMultiPlateList(CStringList& names, CStringList& dates) const {
-  const CMultiPlateComp* plates = findPlates();
+  const CMultiPlateComp* plates = findPlates(state_->components);
   if (plates == nullptr) return false;
   return OrNothing([&] {
     plates->GetPlateLists(names, dates);
@@ -83,7 +98,7 @@ bool Vex2FileManager::GetMultiPlateList(CStringList& names, CStringList& dates) 
 }
 
 int Vex2FileManager::GetRQPlateCount() const {
-  const CMultiPlateComp* plates = findPlates();
+  const CMultiPlateComp* plates = findPlates(state_->components);
   return plates != nullptr ? plates->GetChildCount() : 0;
 }
 
@@ -95,38 +110,22 @@ int Vex2FileManager::GetNumPlates() const {
 }
 
 Vex2FileManagerComponent* Vex2FileManager::GetSinglePlatePtrByName(const CString& name) const {
-  const CMultiPlateComp* plates = findPlates();
+  const CMultiPlateComp* plates = findPlates(state_->components);
   const int index = plates != nullptr ? plates->FindPlate(name) : -1;
   return index >= 0 ? plates->GetPlateAt(index)->GetPlate() : nullptr;
 }
 
-int Vex2FileManager::setPlateText(std::string_view tag, const CString& text) {
-  return guarded(vex2::kWriteFailed, [&] {
-    replaceComponent(std::make_unique<CBlockValueComp>(tag, text.Left(kMaxPlateText)));
-    return kSuccess;
-  });
-}
-
-int Vex2FileManager::getPlateText(std::string_view tag, CString& text) const {
-  CComponent* component = includesComponent(tag);
-  if (component == nullptr) return kSuccess;
-  return guarded(vex2::kReadFailed, [&] {
-    text = component->GetValueString();
-    return kSuccess;
-  });
-}
-
 int Vex2FileManager::AppendPlateName(const CString& name) {
-  return setPlateText(TagOf(Kind::kPlateName), name);
+  return setPlateText(state_->components, TagOf(Kind::kPlateName), name);
 }
 int Vex2FileManager::GetPlateName(CString& name) const {
-  return getPlateText(TagOf(Kind::kPlateName), name);
+  return getPlateText(state_->components, TagOf(Kind::kPlateName), name);
 }
 int Vex2FileManager::AppendLastModifiedDate(const CString& date) {
-  return setPlateText(TagOf(Kind::kPlateDate), date);
+  return setPlateText(state_->components, TagOf(Kind::kPlateDate), date);
 }
 int Vex2FileManager::GetLastModifiedDate(CString& date) const {
-  return getPlateText(TagOf(Kind::kPlateDate), date);
+  return getPlateText(state_->components, TagOf(Kind::kPlateDate), date);
 }
 
 void Vex2FileManager::ConvertAQ2RQ() {

@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "vex2/framework/CFile.h"
-#include "vex2/framework/FunctionRef.h"
+#include "vex2/storage/DocumentStore.h"
 
 /// The one answer to the question where the committed data of a document end. A process that dies
 /// within a commit leaves bytes behind them that no length counts, and so does a failed commit
@@ -13,13 +13,23 @@
 namespace vex2 {
 
 /// The data block that a writer holds in memory and commits from.
-struct HeldBlock {
-  std::string_view tag;
-  std::uint16_t wells = 0;
-  std::uint64_t frames = 0;
+class HeldBlock {
+ public:
+  virtual ~HeldBlock() = default;
+
+  virtual std::string_view Tag() const = 0;
+  /// Bytes of the body as it is held.
+  virtual std::uint32_t Length() const = 0;
+  virtual std::uint16_t Wells() const = 0;
+  virtual std::uint64_t Frames() const = 0;
+
   /// Whether the records at the file's position, one for each well, are those of the held frame.
-  /// Moves the position behind them. Called with frames below `frames`, from 0 on.
-  FunctionRef<bool(CFile& file, std::uint64_t frame)> isFrame;
+  /// Moves the position behind them. Called with frames below `Frames`, from 0 on.
+  virtual bool IsFrame(CFile& file, std::uint64_t frame) const = 0;
+  /// Writes the frame's records at the file's position; -260 when there is no such frame.
+  virtual int WriteFrame(CFile& file, int frame) const = 0;
+  /// Writes the whole body at the file's position.
+  virtual int WriteBody(CFile& file) const = 0;
 };
 
 /// The offset at which the next commit writes to the document in the open `file`. `blockOffset` is
@@ -30,5 +40,37 @@ struct HeldBlock {
 ///
 /// Moves the file's position. Throws `CFileException` when the file cannot be read.
 std::uint64_t CommittedEnd(CFile& file, std::uint32_t blockOffset, const HeldBlock& held);
+
+/// The commits of one data block to the document that is open in `store`'s file. Nothing counts
+/// before it is on the disk: whatever happens in between, every frame that counts is there.
+class FrameLog {
+ public:
+  FrameLog(DocumentStore& store, const HeldBlock& held)
+      : store_(store), file_(store.File()), held_(held) {}
+
+  /// Commits a frame behind the committed data. `blockOffset` is the header's offset of the block's
+  /// tag; at 0 the block is committed as it is held, with all its frames, and `blockOffset` becomes
+  /// its offset. 0, -260 when there is no such frame, or -200, and then the file has the length
+  /// that it had.
+  [[nodiscard]] int Commit(int frame, std::uint32_t& blockOffset);
+
+  /// Where the next commit writes: `CommittedEnd`, and a file that is as this store committed it
+  /// ends there.
+  std::uint64_t End(std::uint32_t blockOffset);
+
+  /// Writes the whole block as the file's last record, at `place`, and has the header lead to it;
+  /// then `blockOffset` is `place`. 0 or -200. Throws `CFileException`.
+  [[nodiscard]] int WriteBlock(std::uint64_t place, std::uint32_t& blockOffset);
+
+ private:
+  int append(int frame, std::uint32_t& blockOffset);
+  int appendFrame(int frame, std::uint32_t blockOffset);
+  void cutBehindPosition();
+  void patch(std::uint64_t offset, std::uint32_t word);
+
+  DocumentStore& store_;
+  CFile& file_;
+  const HeldBlock& held_;
+};
 
 }  // namespace vex2

@@ -57,7 +57,7 @@ int CRQPlateComp::ReadChildren(CFile* file) {
   // What a file says here is of no use: the list is empty, whatever its length and count.
   setCount(0);
   setLength(kEmptyListLength);
-  const int status = plate_->ReadComponentFile(file);
+  const int status = plate_->readPlate(*file);
   name_.Empty();
   date_.Empty();
   const int named = plate_->GetPlateName(name_);
