@@ -62,7 +62,8 @@ int main(int count, char** arguments) {
     if (status == 0) {
       std::printf("%d records, status %s\n", document.GetAllComponentCount(),
                   document.GetAcquisitionStatus().GetString());
-      document.SetAcquisitionStatus("finished");  // not four characters: the host is told
+      // Not four characters: the host is told.
+      if (document.SetAcquisitionStatus("finished") != 0) std::puts("the status stays");
     }
   }
   vex2::SetHost(nullptr);

@@ -36,9 +36,10 @@ int record(const char* path) {
   program.length = sizeof steps;
   program.Allocate();
   std::copy(std::begin(steps), std::end(steps), program.data);
-  run.ReplaceThermocycleProgram(&program);
-  run.SetAcquisitionStatus("PROG");
-  if (const int status = run.SaveToFile(path); status != 0) return status;
+  int status = run.ReplaceThermocycleProgram(&program);
+  if (status == 0) status = run.SetAcquisitionStatus("PROG");
+  if (status == 0) status = run.SaveToFile(path);
+  if (status != 0) return status;
 
   // The header leads to no data block yet, so the first commit writes the block.
   std::vector<unsigned short> wells(kWells);
@@ -49,8 +50,8 @@ int record(const char* path) {
       const Vex2WellRecord reading = measure(frame, well);
       if (!run.SetAcqDataWellRecord(&reading, frame, well, DataRAWa)) return -1;
     }
-    if (const int status = run.CommitAcqDataFrame(path, frame, DataRAWa); status != 0)
-      return status;
+    status = run.CommitAcqDataFrame(path, frame, DataRAWa);
+    if (status != 0) return status;
   }
 
   // Patched in place: the document is not written again.

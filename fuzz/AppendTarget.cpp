@@ -2,6 +2,7 @@
 // its length in front, and a document: the run begins with what that holds, or, when the script
 // says so, in the file itself, whatever that is.
 
+#include <tuple>
 #include <vector>
 
 #include "fuzz/Content.h"
@@ -89,7 +90,7 @@ class Run {
             "what a torn frame leaves is no frame");
     bytes.resize(whole);
     files().Put(kSaved, bytes);
-    document.ReadFromFile(kSaved);
+    std::ignore = document.ReadFromFile(kSaved);
   }
 
   const Frames& Committed() const { return frames_; }

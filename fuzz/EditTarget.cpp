@@ -3,6 +3,7 @@
 
 #include <array>
 #include <memory>
+#include <tuple>
 
 #include "fuzz/Content.h"
 #include "fuzz/Target.h"
@@ -29,13 +30,13 @@ void replaceSettings(Vex2FileManager& document, Script& script) {
 }
 
 void setSingleSettings(Vex2FileManager& document, Script& script) {
-  document.SetCalibrator(textOf(script));
-  document.SetEndoControl(textOf(script));
+  std::ignore = document.SetCalibrator(textOf(script));
+  std::ignore = document.SetEndoControl(textOf(script));
   const auto type = script.Short();
-  document.SetRQAnalysisType(type);
+  std::ignore = document.SetRQAnalysisType(type);
   std::uint16_t kept = 0;
   Require(document.GetRQAnalysisType(kept) == 0 && kept == type, "the analysis type is set");
-  document.UpdateConfidencePercent(static_cast<float>(script.Byte()));
+  std::ignore = document.UpdateConfidencePercent(static_cast<float>(script.Byte()));
 }
 
 void setParts(Vex2FileManager& document, Script& script) {
@@ -50,7 +51,7 @@ void replaceProgram(Vex2FileManager& document, Script& script) {
   program.length = static_cast<std::uint32_t>(bytes.size());
   program.Allocate();
   if (program.data != nullptr) std::copy(bytes.begin(), bytes.end(), program.data);
-  document.ReplaceThermocycleProgram(&program);
+  std::ignore = document.ReplaceThermocycleProgram(&program);
 }
 
 void replaceWells(Vex2FileManager& document, Script& script) {
@@ -69,12 +70,12 @@ void replaceWells(Vex2FileManager& document, Script& script) {
       well.detectors.AddTail(detector.release());
     }
   }
-  document.ReplacePlateSetup(&setup);
+  std::ignore = document.ReplacePlateSetup(&setup);
 }
 
 void takeWells(Vex2FileManager& document, Script& /*script*/) {
   Vex2PlateSetup setup;
-  if (document.GetPlateSetupInfo(&setup) == 0) document.ReplacePlateSetup(&setup);
+  if (document.GetPlateSetupInfo(&setup) == 0) std::ignore = document.ReplacePlateSetup(&setup);
 }
 
 void appendDetector(Vex2FileManager& document, Script& script) {
@@ -82,21 +83,21 @@ void appendDetector(Vex2FileManager& document, Script& script) {
   detector.name = textOf(script);
   detector.reporterDye = textOf(script);
   detector.baselineEnd = script.Short();
-  document.AppendDetectorInfo(&detector);
+  std::ignore = document.AppendDetectorInfo(&detector);
 }
 
 void takeDetectors(Vex2FileManager& document, Script& script) {
   Vex2Detector* list = nullptr;
   int count = 0;
-  document.GetNumberOfDetectors(count);
+  std::ignore = document.GetNumberOfDetectors(count);
   if (document.GetDetectorListInfo(list) == 0 && list != nullptr && count > 0) {
     const CString name = list[script.Byte() % static_cast<unsigned>(count)].name;
     // One that was read with no name, or with two, is not found.
     const bool removed = document.RemoveDetectorInfo(name);
     int left = 0;
-    document.GetNumberOfDetectors(left);
+    std::ignore = document.GetNumberOfDetectors(left);
     Require(left == (removed ? count - 1 : count), "one detector is removed");
-    document.UpdateDetectorList(list, count);
+    std::ignore = document.UpdateDetectorList(list, count);
   }
   delete[] list;
 }
@@ -105,7 +106,7 @@ void changeDyes(Vex2FileManager& document, Script& script) {
   document.AppendRequiredDyenfo(textOf(script));
   CString* dyes = nullptr;
   int count = 0;
-  document.GetNumberOfRequiredDyes(count);
+  std::ignore = document.GetNumberOfRequiredDyes(count);
   if (document.GetRequiredDyeListInfo(dyes) == 0 && dyes != nullptr && count > 0) {
     document.RemoveRequiredDyeInfo(dyes[script.Byte() % static_cast<unsigned>(count)]);
   }
@@ -129,10 +130,11 @@ void replaceCalibration(Vex2FileManager& document, Script& script) {
   fillSpectra(dyes, script);
   fillSpectra(background, script);
   const unsigned which = script.Byte();
-  if ((which & 1U) != 0) document.ReplacePureDye(&dyes);
-  if ((which & 2U) != 0) document.ReplaceBackground(&background);
-  if ((which & 4U) != 0) document.ReplaceCalibComponent(&dyes, nullptr);
-  if ((which & 8U) != 0) document.RemoveCalibComponents((which & 16U) != 0, (which & 32U) != 0);
+  if ((which & 1U) != 0) std::ignore = document.ReplacePureDye(&dyes);
+  if ((which & 2U) != 0) std::ignore = document.ReplaceBackground(&background);
+  if ((which & 4U) != 0) std::ignore = document.ReplaceCalibComponent(&dyes, nullptr);
+  if ((which & 8U) != 0)
+    std::ignore = document.RemoveCalibComponents((which & 16U) != 0, (which & 32U) != 0);
 }
 
 void fillFrames(Vex2FileManager& document, Script& script) {
@@ -161,7 +163,7 @@ void dropBlock(Vex2FileManager& document, Script& script) {
 }
 
 void changeHeader(Vex2FileManager& document, Script& script) {
-  document.SetAcquisitionStatus(script.Text(4).c_str());
+  std::ignore = document.SetAcquisitionStatus(script.Text(4).c_str());
   const std::array<bool, 4> usage = {true, false, true, true};
   document.SetUsageArray(usage.data(), static_cast<int>(script.Byte() % 3), 2);
   if (script.Byte() % 2 == 1) document.ConvertAQ2RQ();
@@ -199,28 +201,28 @@ void editInPlace(Vex2FileManager& document, Script& script) {
   Vex2AcquisitionData data;
   switch (script.Byte() % 8) {
     case 0:
-      document.ReplaceBackground(kDocument, &background);
+      std::ignore = document.ReplaceBackground(kDocument, &background);
       break;
     case 1:
-      document.ReplaceAcquisitionDataBlock(kDocument, &data, DataRAWa);
+      std::ignore = document.ReplaceAcquisitionDataBlock(kDocument, &data, DataRAWa);
       break;
     case 2:
-      document.ReplaceAcquisitionDataBlock(kDocument, &data, DataREPn);
+      std::ignore = document.ReplaceAcquisitionDataBlock(kDocument, &data, DataREPn);
       break;
     case 3:
-      document.AppendGlobalComplexComp(kDocument, nullptr);
+      std::ignore = document.AppendGlobalComplexComp(kDocument, nullptr);
       break;
     case 4:
-      document.AppendDetectorListToFile(kDocument);
+      std::ignore = document.AppendDetectorListToFile(kDocument);
       break;
     case 5:
-      document.SetAcquisitionStatus(kDocument, "DONE");
+      std::ignore = document.SetAcquisitionStatus(kDocument, "DONE");
       break;
     case 6:
-      document.AppendBackground(kDocument, &background);
+      std::ignore = document.AppendBackground(kDocument, &background);
       break;
     default:
-      document.AppendRequiredDyeListToFile(kDocument);
+      std::ignore = document.AppendRequiredDyeListToFile(kDocument);
       break;
   }
   Vex2FileManager again;
@@ -251,7 +253,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
   }
   RequireKept(document);
-  document.SaveSetupInfo(kSaved);
-  document.SaveCalibrationInfo(kSaved);
+  std::ignore = document.SaveSetupInfo(kSaved);
+  std::ignore = document.SaveCalibrationInfo(kSaved);
   return 0;
 }

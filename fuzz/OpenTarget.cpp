@@ -2,6 +2,7 @@
 // save.
 
 #include <array>
+#include <tuple>
 
 #include "fuzz/Content.h"
 #include "fuzz/Target.h"
@@ -16,24 +17,24 @@ void askForSetup(const Vex2FileManager& document) {
   Vex2GlobalComplex settings;
   ThermocycleProgram program;
   Vex2PlateSetup setup;
-  document.GetGlobalComplexInfo(&settings);
-  document.GetThermocycleProgramInfo(&program);
-  document.GetPlateSetupInfo(&setup);
+  std::ignore = document.GetGlobalComplexInfo(&settings);
+  std::ignore = document.GetThermocycleProgramInfo(&program);
+  std::ignore = document.GetPlateSetupInfo(&setup);
   Vex2Detector* detectors = nullptr;
   CString* dyes = nullptr;
-  document.GetDetectorListInfo(detectors);
-  document.GetRequiredDyeListInfo(dyes);
+  std::ignore = document.GetDetectorListInfo(detectors);
+  std::ignore = document.GetRequiredDyeListInfo(dyes);
   delete[] detectors;
   delete[] dyes;
   Vex2PureDye* pureDye = nullptr;
   Vex2BGC* background = nullptr;
   int has[2] = {};
-  document.GetCalibrationInfo(pureDye, &has[0], background, &has[1]);
+  std::ignore = document.GetCalibrationInfo(pureDye, &has[0], background, &has[1]);
   delete pureDye;
   delete background;
   CString text;
-  document.GetCalibrator(text);
-  document.GetEndoControl(text);
+  std::ignore = document.GetCalibrator(text);
+  std::ignore = document.GetEndoControl(text);
   document.GetPassiveReference(text);
   CObList list;
   document.LoadDyeList(&list);
@@ -69,10 +70,10 @@ void askForFrames(Vex2FileManager& document) {
   for (const auto type : {DataRAWa, DataREPt}) {
     Vex2FrameData frame;
     int stored = 0;
-    document.GetDataFrameCount(kDocument, stored, type);
+    std::ignore = document.GetDataFrameCount(kDocument, stored, type);
     if (stored == 0) continue;
-    document.ReadDataFrame(kDocument, 0, &frame, type);
-    document.ReadDataFrame(kDocument, stored - 1, &frame, type);
+    std::ignore = document.ReadDataFrame(kDocument, 0, &frame, type);
+    std::ignore = document.ReadDataFrame(kDocument, stored - 1, &frame, type);
   }
 }
 

@@ -1,6 +1,7 @@
 #include "lab/record/PlanDocument.h"
 
 #include <algorithm>
+#include <new>
 
 namespace vex2::lab {
 
@@ -19,12 +20,17 @@ Vex2HeaderData headerFor(const RunPlan& plan) {
   return header;
 }
 
+// What is put into a document in memory fails where memory runs out, and there alone.
+void require(int status) {
+  if (status != kSuccess) throw std::bad_alloc();
+}
+
 void setSettings(Vex2FileManager& document, const RunPlan& plan) {
   Vex2GlobalComplex settings;
   const std::string log = LogText(plan);
   settings.SetComment(plan.comment.data(), static_cast<std::uint32_t>(plan.comment.size()));
   settings.SetLog(log.data(), static_cast<std::uint32_t>(log.size()));
-  document.ReplaceGlobalComplexComp(&settings);
+  require(document.ReplaceGlobalComplexComp(&settings));
 }
 
 void setProgram(Vex2FileManager& document, const RunPlan& plan) {
@@ -33,7 +39,7 @@ void setProgram(Vex2FileManager& document, const RunPlan& plan) {
   program.length = static_cast<std::uint32_t>(text.size());
   program.Allocate();
   std::copy(text.begin(), text.end(), program.data);
-  document.ReplaceThermocycleProgram(&program);
+  require(document.ReplaceThermocycleProgram(&program));
 }
 
 }  // namespace
@@ -51,7 +57,7 @@ void StoreWhatIsKnownLast(Vex2FileManager& document, const RunPlan& plan) {
   static_cast<void>(document.GetGlobalComplexInfo(&settings));
   const std::string log = LogText(plan);
   settings.SetLog(log.data(), static_cast<std::uint32_t>(log.size()));
-  document.ReplaceGlobalComplexComp(&settings);
+  require(document.ReplaceGlobalComplexComp(&settings));
   setProgram(document, plan);
 }
 

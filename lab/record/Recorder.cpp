@@ -144,7 +144,7 @@ void Recorder::Finish() {
     TimeStamp end = plan_.started->StampAfter(LastTime(plan_));
     manager_.SetAcqDataEndTime(end, DataRAWa);
   }
-  manager_.SetAcquisitionStatus("DONE");
+  check(manager_.SetAcquisitionStatus("DONE"));
   errno = 0;
   check(manager_.SaveToFile(document_.c_str()));
 }

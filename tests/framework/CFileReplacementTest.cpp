@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <set>
 #include <string>
+#include <tuple>
 
 #include "tests/support/FaultyFileSystem.h"
 #include "tests/support/Files.h"
@@ -259,12 +260,12 @@ TEST_F(Replacement, OfAnOpenFileBeginsWithWhatIsCopiedOfIt) {
 }
 
 TEST_F(Replacement, OfAnOpenFileNeedsOneThatIsOpen) {
-  EXPECT_THROW(file_.ReplaceOpenFile(), CFileException);
+  EXPECT_THROW(std::ignore = file_.ReplaceOpenFile(), CFileException);
   EXPECT_THROW(file_.CopyReplaced(1), CFileException);
   ASSERT_TRUE(file_.Open(path_.c_str(), CFile::modeReadWrite));
   EXPECT_THROW(file_.CopyReplaced(1), CFileException);
   ASSERT_TRUE(file_.ReplaceOpenFile());
-  EXPECT_THROW(file_.ReplaceOpenFile(), CFileException) << "once is enough";
+  EXPECT_THROW(std::ignore = file_.ReplaceOpenFile(), CFileException) << "once is enough";
   file_.Abort();
   ASSERT_TRUE(file_.OpenReplacement((folder_ / "fresh").c_str()));
   EXPECT_THROW(file_.CopyReplaced(1), CFileException) << "there is nothing to copy";
@@ -277,7 +278,7 @@ TEST_F(Replacement, OfAnOpenFileIsNotBegunWhereARenameCannotServe) {
   files_.FailKind(FileCall::createNew, EROFS);
   EXPECT_FALSE(file_.ReplaceOpenFile());
   files_.FailKind(FileCall::createNew, ENOSPC);
-  EXPECT_THROW(file_.ReplaceOpenFile(), CFileException);
+  EXPECT_THROW(std::ignore = file_.ReplaceOpenFile(), CFileException);
   files_.Heal(FileCall::createNew);
   files_.FailKind(FileCall::stat, EIO);
   EXPECT_FALSE(file_.ReplaceOpenFile());

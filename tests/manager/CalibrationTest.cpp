@@ -87,7 +87,7 @@ TEST_F(CalibrationOfADocument, IsReplacedPartByPart) {
 }
 
 TEST_F(CalibrationOfADocument, GoesIntoRecordsThatAreThere) {
-  document_.ReplaceCalibComponent(&dyes_, &background_);
+  EXPECT_EQ(document_.ReplaceCalibComponent(&dyes_, &background_), kSuccess);
   Vex2PureDye dyes;
   dyes.SetEntryCount(9);
   Vex2PureDye* given = &dyes;
@@ -105,7 +105,7 @@ TEST_F(CalibrationOfADocument, LosesThePartsThatAreRemoved) {
   EXPECT_EQ(document_.RemoveCalibComponents(false, false), kSuccess);
   EXPECT_EQ(document_.RemoveCalibComponents(true, false), kNotFound);
   EXPECT_EQ(document_.RemoveCalibComponents(true, true), kNotFound);
-  document_.ReplaceCalibComponent(&dyes_, &background_);
+  EXPECT_EQ(document_.ReplaceCalibComponent(&dyes_, &background_), kSuccess);
   EXPECT_EQ(document_.RemoveCalibComponents(true, false), kSuccess);
   EXPECT_EQ(document_.RemoveCalibComponents(true, false), kNotFound);
   EXPECT_EQ(parts(), " background 1");
@@ -160,14 +160,14 @@ TEST_F(CalibrationOfADocument, IsReplacedAmongPlaceholdersOfItsTag) {
 
 // A list that declares less than it holds reads well, and so it can be changed.
 TEST_F(CalibrationOfADocument, PartIsReplacedInAListThatDeclaresTooLittle) {
-  document_.ReplaceCalibComponent(&dyes_, &background_);
+  EXPECT_EQ(document_.ReplaceCalibComponent(&dyes_, &background_), kSuccess);
   for (const std::uint32_t declared : {2U, 3U, 60U, 84U, 100U}) {
     Bytes bytes = savedDocument();
     SetLongAt(bytes, 1024 + 4, declared);
     WriteBytes(path_, bytes);
     Vex2FileManager host;
     ASSERT_EQ(host.ReadFromFile(path_.c_str()), kSuccess);
-    host.SetCalibrator("behind");
+    EXPECT_EQ(host.SetCalibrator("behind"), kSuccess);
     Vex2BGC shorter;
     shorter.setting = declared;
     EXPECT_EQ(host.ReplaceBackground(&shorter), kSuccess) << declared;
@@ -178,13 +178,13 @@ TEST_F(CalibrationOfADocument, PartIsReplacedInAListThatDeclaresTooLittle) {
     EXPECT_EQ(host.SaveToFile(path_.c_str()), kSuccess);
     EXPECT_EQ(tagsInFile(), "CALI CALR") << declared;
     Vex2FileManager reader;
-    reader.ReadFromFile(path_.c_str());
+    EXPECT_EQ(reader.ReadFromFile(path_.c_str()), kSuccess);
     EXPECT_EQ(parts(reader), " background 1") << declared;
   }
 }
 
 TEST_F(CalibrationOfADocument, KeepsThePartWhoseReplacementIsRefused) {
-  document_.ReplaceBackground(&background_);
+  EXPECT_EQ(document_.ReplaceBackground(&background_), kSuccess);
   Bytes bytes = savedDocument();
   SetLongAt(bytes, 1024 + 4, 0xFFFFFFFF);
   WriteBytes(path_, bytes);
@@ -196,15 +196,15 @@ TEST_F(CalibrationOfADocument, KeepsThePartWhoseReplacementIsRefused) {
 
 TEST_F(CalibrationOfADocument, AloneIsSaved) {
   EXPECT_EQ(document_.SaveCalibrationInfo(path_.c_str()), kNotFound);
-  document_.ReplaceCalibComponent(&dyes_, &background_);
-  document_.SetCalibrator("not in it");
+  EXPECT_EQ(document_.ReplaceCalibComponent(&dyes_, &background_), kSuccess);
+  EXPECT_EQ(document_.SetCalibrator("not in it"), kSuccess);
   EXPECT_EQ(document_.SaveCalibrationInfo(nullptr), kWriteFailed);
   EXPECT_EQ(document_.SaveCalibrationInfo((folder_ / "missing/x.vex").c_str()), kWriteFailed);
   EXPECT_EQ(document_.SaveCalibrationInfo(path_.c_str()), kSuccess);
   EXPECT_EQ(document_.GetFilePath(), path_.c_str());
   EXPECT_EQ(tagsInFile(), "CALI");
   Vex2FileManager reader;
-  reader.ReadFromFile(path_.c_str());
+  EXPECT_EQ(reader.ReadFromFile(path_.c_str()), kSuccess);
   EXPECT_EQ(parts(reader), "dyes 2 background 1");
 }
 
@@ -214,7 +214,7 @@ class BackgroundInAFile : public CalibrationOfADocument {
   Bytes fileWithBackground() {
     EXPECT_EQ(Vex2FileManager().SaveToFile(path_.c_str()), kSuccess);
     Vex2FileManager writer;
-    writer.SetCalibrator("first");
+    EXPECT_EQ(writer.SetCalibrator("first"), kSuccess);
     EXPECT_EQ(writer.SaveToFile(path_.c_str()), kSuccess);
     EXPECT_EQ(writer.AppendBackground(path_.c_str(), &background_), kSuccess);
     return ReadBytes(path_);
@@ -244,16 +244,16 @@ TEST_F(BackgroundInAFile, OfAnotherSizeIsRefusedButNotInMemory) {
 
 TEST_F(BackgroundInAFile, WithoutOneReceivesTheWholeCalibration) {
   ASSERT_EQ(Vex2FileManager().SaveToFile(path_.c_str()), kSuccess);
-  document_.ReplacePureDye(&dyes_);
+  EXPECT_EQ(document_.ReplacePureDye(&dyes_), kSuccess);
   EXPECT_EQ(document_.ReplaceBackground(path_.c_str(), &background_), kSuccess);
   EXPECT_EQ(tagsInFile(), "CALI");
   Vex2FileManager reader;
-  reader.ReadFromFile(path_.c_str());
+  EXPECT_EQ(reader.ReadFromFile(path_.c_str()), kSuccess);
   EXPECT_EQ(parts(reader), "dyes 2 background 1");
 }
 
 TEST_F(BackgroundInAFile, OfTheCalibrationIsNotThatWhichStandsAlone) {
-  document_.ReplaceBackground(&background_);
+  EXPECT_EQ(document_.ReplaceBackground(&background_), kSuccess);
   savedDocument();
   EXPECT_EQ(document_.ReplaceBackground(path_.c_str(), &background_), kSuccess);
   EXPECT_EQ(tagsInFile(), "CALI CALI");
@@ -346,7 +346,7 @@ TEST_F(DyeList, HasTheNamedDyesInUpperCaseWithTheirFirstValues) {
   const std::uint32_t values[] = {1, 2, 3, 4, 5};
   dyes_.entries[0].SetValues(values, 5);
   dyes_.entries[5].SetValues(values, 2);
-  document_.ReplacePureDye(&dyes_);
+  EXPECT_EQ(document_.ReplacePureDye(&dyes_), kSuccess);
   CObList list;
   ASSERT_TRUE(document_.LoadDyeList(&list));
   ASSERT_EQ(list.GetCount(), 3);
@@ -368,7 +368,7 @@ TEST_F(DyeList, HasTheNamedDyesInUpperCaseWithTheirFirstValues) {
 TEST_F(DyeList, WithoutACalibrationIsUnchanged) {
   CObList list;
   EXPECT_FALSE(document_.LoadDyeList(&list));
-  document_.ReplaceBackground(&background_);
+  EXPECT_EQ(document_.ReplaceBackground(&background_), kSuccess);
   EXPECT_TRUE(document_.LoadDyeList(&list));
   EXPECT_TRUE(list.IsEmpty());
   EXPECT_FALSE(document_.LoadDyeList(nullptr));

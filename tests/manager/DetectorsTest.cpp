@@ -61,10 +61,10 @@ TEST_F(PlateLists, AreChangedAlsoWhereTheyDeclareTooLittle) {
   const CString names[] = {"dye", "other"};
   for (const std::uint32_t declared : {2U, 20U, 79U}) {
     Vex2FileManager writer;
-    writer.UpdateDetectorList(two, 2);
+    EXPECT_EQ(writer.UpdateDetectorList(two, 2), kSuccess);
     ASSERT_EQ(writer.SaveToFile(path_.c_str()), kSuccess);
     const std::size_t dyesAt = ReadBytes(path_).size();
-    writer.UpdateRequiredDyeList(names, 2);
+    EXPECT_EQ(writer.UpdateRequiredDyeList(names, 2), kSuccess);
     ASSERT_EQ(writer.SaveToFile(path_.c_str()), kSuccess);
     Bytes bytes = ReadBytes(path_);
     SetLongAt(bytes, 1024 + 4, declared);
@@ -80,7 +80,7 @@ TEST_F(PlateLists, AreChangedAlsoWhereTheyDeclareTooLittle) {
     EXPECT_TRUE(document_.RemoveDetectorInfo("b"));
     EXPECT_TRUE(document_.RemoveRequiredDyeInfo("dye"));
     EXPECT_TRUE(document_.AppendRequiredDyenfo("third"));
-    document_.SetCalibrator("behind");
+    EXPECT_EQ(document_.SetCalibrator("behind"), kSuccess);
     EXPECT_EQ(document_.SaveToFile(path_.c_str()), kSuccess);
     EXPECT_EQ(savedTags(), "DETL RqDy CALR") << declared;
     ASSERT_EQ(document_.ReadFromFile(path_.c_str()), kSuccess);
@@ -91,7 +91,7 @@ TEST_F(PlateLists, AreChangedAlsoWhereTheyDeclareTooLittle) {
 
 TEST_F(PlateLists, DetectorStaysWhereItsReplacementIsRefused) {
   const Vex2Detector one = detector("a");
-  document_.AppendDetectorInfo(&one);
+  EXPECT_EQ(document_.AppendDetectorInfo(&one), kSuccess);
   ASSERT_EQ(document_.SaveToFile(path_.c_str()), kSuccess);
   Bytes bytes = ReadBytes(path_);
   SetLongAt(bytes, 1024 + 4, 0xFFFFFFFF);
@@ -114,13 +114,13 @@ TEST_F(Detectors, ThatAreAppendedStandInTheirOrder) {
 TEST_F(Detectors, ThatReplaceOneMoveToTheEnd) {
   for (const char* name : {"a", "b", "c"}) {
     const Vex2Detector added = detector(name);
-    document_.AppendDetectorInfo(&added);
+    EXPECT_EQ(document_.AppendDetectorInfo(&added), kSuccess);
   }
   const Vex2Detector changed = detector("a", 7);
   EXPECT_EQ(document_.AppendDetectorInfo(&changed), kSuccess);
   EXPECT_EQ(detectors(), "b c a ");
   Vex2Detector* list = nullptr;
-  document_.GetDetectorListInfo(list);
+  EXPECT_EQ(document_.GetDetectorListInfo(list), kSuccess);
   EXPECT_EQ(list[2].analysisFlags, 7);
   delete[] list;
 }
@@ -140,7 +140,7 @@ TEST_F(Detectors, AreReplacedAsAListAndTheEmptyListStays) {
   EXPECT_EQ(document_.UpdateDetectorList(list, 3), kSuccess);
   EXPECT_EQ(host_.messages.size(), 1U);
   EXPECT_EQ(detectors(), "a b ");
-  document_.SetCalibrator("x");
+  EXPECT_EQ(document_.SetCalibrator("x"), kSuccess);
   EXPECT_EQ(document_.UpdateDetectorList(nullptr, 3), kSuccess);
   EXPECT_EQ(detectors(), "");
   EXPECT_EQ(TagsOf(document_), "CALR DETL");
@@ -151,7 +151,7 @@ TEST_F(Detectors, AreReplacedAsAListAndTheEmptyListStays) {
 TEST_F(Detectors, ThatAreRemovedTakeTheListWithTheLast) {
   EXPECT_FALSE(document_.RemoveDetectorInfo("a"));
   Vex2Detector list[2] = {detector("a"), detector("b")};
-  document_.UpdateDetectorList(list, 2);
+  EXPECT_EQ(document_.UpdateDetectorList(list, 2), kSuccess);
   EXPECT_FALSE(document_.RemoveDetectorInfo("A"));
   EXPECT_FALSE(document_.RemoveDetectorInfo(""));
   EXPECT_TRUE(document_.RemoveDetectorInfo("a"));
@@ -164,7 +164,7 @@ TEST_F(Detectors, ThatAreRemovedTakeTheListWithTheLast) {
 }
 
 TEST_F(Detectors, EmptyListGoesWithARemovalThatFindsNothing) {
-  document_.UpdateDetectorList(nullptr, 0);
+  EXPECT_EQ(document_.UpdateDetectorList(nullptr, 0), kSuccess);
   EXPECT_FALSE(document_.RemoveDetectorInfo("a"));
   EXPECT_EQ(detectors(), "none");
 }
@@ -173,11 +173,11 @@ TEST_F(Detectors, AreHandedOutInPlaceOfAnOldArray) {
   auto* list = new Vex2Detector[7];
   auto* before = list;
   EXPECT_EQ(document_.GetDetectorListInfo(list), kNotFound);
-  document_.UpdateDetectorList(nullptr, 0);
+  EXPECT_EQ(document_.UpdateDetectorList(nullptr, 0), kSuccess);
   EXPECT_EQ(document_.GetDetectorListInfo(list), kSuccess);
   EXPECT_EQ(list, before) << "an empty list leaves it as it was";
   const Vex2Detector added = detector("a");
-  document_.AppendDetectorInfo(&added);
+  EXPECT_EQ(document_.AppendDetectorInfo(&added), kSuccess);
   EXPECT_EQ(document_.GetDetectorListInfo(list), kSuccess);
   EXPECT_EQ(list[0].name, "a");
   delete[] list;
@@ -186,7 +186,7 @@ TEST_F(Detectors, AreHandedOutInPlaceOfAnOldArray) {
 TEST_F(Detectors, AreAppendedToAFile) {
   EXPECT_EQ(document_.AppendDetectorListToFile(path_.c_str()), kNotFound);
   const Vex2Detector added = detector("a");
-  document_.AppendDetectorInfo(&added);
+  EXPECT_EQ(document_.AppendDetectorInfo(&added), kSuccess);
   EXPECT_EQ(document_.AppendDetectorListToFile(nullptr), kWriteFailed);
   EXPECT_EQ(document_.AppendDetectorListToFile((folder_ / "missing/x.vex").c_str()), kWriteFailed);
   saved();
@@ -225,7 +225,7 @@ TEST_F(RequiredDyes, AreReplacedAsAListAndTheEmptyListStays) {
 TEST_F(RequiredDyes, ThatAreRemovedTakeTheListWithTheLast) {
   EXPECT_FALSE(document_.RemoveRequiredDyeInfo("a"));
   CString list[2] = {"a", "b"};
-  document_.UpdateRequiredDyeList(list, 2);
+  EXPECT_EQ(document_.UpdateRequiredDyeList(list, 2), kSuccess);
   EXPECT_FALSE(document_.RemoveRequiredDyeInfo("A"));
   EXPECT_FALSE(document_.RemoveRequiredDyeInfo(""));
   EXPECT_TRUE(document_.RemoveRequiredDyeInfo("a"));
@@ -239,7 +239,7 @@ TEST_F(RequiredDyes, AreHandedOutInPlaceOfAnOldArray) {
   auto* list = new CString[3];
   auto* before = list;
   EXPECT_EQ(document_.GetRequiredDyeListInfo(list), kNotFound);
-  document_.UpdateRequiredDyeList(nullptr, 0);
+  EXPECT_EQ(document_.UpdateRequiredDyeList(nullptr, 0), kSuccess);
   EXPECT_EQ(document_.GetRequiredDyeListInfo(list), kSuccess);
   EXPECT_EQ(list, before);
   document_.AppendRequiredDyenfo("a");

@@ -152,7 +152,7 @@ TEST_F(EmbeddedPlate, IsCutOutOfADocumentAndBack) {
 
 TEST_F(EmbeddedPlate, IsInitialisedFromADocument) {
   Vex2FileManager document;
-  document.SetCalibrator("one");
+  EXPECT_EQ(document.SetCalibrator("one"), vex2::kSuccess);
   Vex2FileManagerComponent plate = document;
   CString name;
   EXPECT_EQ(plate.GetCalibrator(name), 0);

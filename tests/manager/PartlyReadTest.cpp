@@ -133,13 +133,13 @@ TEST_F(PartlyRead, EveryOperationThatReplacesTheFileKeepsABackup) {
   expectBackup([&](Vex2FileManager& document) {
     ThermocycleProgram program;
     Vex2PlateSetup setup;
-    document.ReplaceThermocycleProgram(&program);
-    document.ReplacePlateSetup(&setup);
+    EXPECT_EQ(document.ReplaceThermocycleProgram(&program), kSuccess);
+    EXPECT_EQ(document.ReplacePlateSetup(&setup), kSuccess);
     return document.SaveSetupInfo(path);
   });
   expectBackup([&](Vex2FileManager& document) {
     Vex2PureDye dyes;
-    document.ReplacePureDye(&dyes);
+    EXPECT_EQ(document.ReplacePureDye(&dyes), kSuccess);
     return document.SaveCalibrationInfo(path);
   });
   expectBackup([&](Vex2FileManager& document) {

@@ -133,7 +133,7 @@ TEST_F(PlateQueries, FramesAndDyesAreCountedByPlate) {
   dyes.SetEntryCount(2);
   dyes.entries[0].SetName("fam", 3);
   dyes.entries[1].SetName("(none)", 6);
-  plate.ReplacePureDye(&dyes);
+  EXPECT_EQ(plate.ReplacePureDye(&dyes), kSuccess);
   add(plate);
   EXPECT_EQ(study_.GetDataFrameCountByName("first", DataRAWa), 10);
   EXPECT_EQ(study_.GetDataFrameCountByName("second", DataRAWa), 0);

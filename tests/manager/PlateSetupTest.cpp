@@ -35,7 +35,7 @@ class PlateSetupOfADocument : public TempFolderTest {
     program.length = 3;
     program.Allocate();
     std::memcpy(program.data, "abc", 3);
-    document_.ReplaceThermocycleProgram(&program);
+    EXPECT_EQ(document_.ReplaceThermocycleProgram(&program), kSuccess);
   }
 
   const std::string path_ = folder_ / "setup.vex";
@@ -48,7 +48,7 @@ TEST_F(PlateSetupOfADocument, IsReplacedAtTheEnd) {
   EXPECT_EQ(document_.GetPlateSetupComp(), nullptr);
   fill(setup, 2);
   EXPECT_EQ(document_.ReplacePlateSetup(&setup), kSuccess);
-  document_.SetCalibrator("x");
+  EXPECT_EQ(document_.SetCalibrator("x"), kSuccess);
   fill(setup, 3);
   EXPECT_EQ(document_.ReplacePlateSetup(&setup), kSuccess);
   EXPECT_EQ(TagsOf(document_), "CALR CELS");
@@ -85,7 +85,7 @@ TEST_F(PlateSetupOfADocument, IsWrittenAtTheEndOfTheOpenFile) {
   EXPECT_EQ(document_.WritePlateSetupComp(), kNotFound);
   Vex2PlateSetup setup;
   fill(setup, 1);
-  document_.ReplacePlateSetup(&setup);
+  EXPECT_EQ(document_.ReplacePlateSetup(&setup), kSuccess);
   document_.SeekToBegin();
   EXPECT_EQ(document_.WritePlateSetupComp(), kSuccess);
   document_.Close();
@@ -97,10 +97,10 @@ TEST_F(PlateSetupOfADocument, AloneWithItsProgramIsSaved) {
   EXPECT_EQ(document_.SaveSetupInfo(path_.c_str()), kNotFound);
   Vex2PlateSetup setup;
   fill(setup, 2);
-  document_.ReplacePlateSetup(&setup);
+  EXPECT_EQ(document_.ReplacePlateSetup(&setup), kSuccess);
   EXPECT_EQ(document_.SaveSetupInfo(path_.c_str()), kNotFound);
   addProgram();
-  document_.SetCalibrator("not in it");
+  EXPECT_EQ(document_.SetCalibrator("not in it"), kSuccess);
   EXPECT_EQ(document_.SaveSetupInfo(nullptr), kWriteFailed);
   EXPECT_EQ(document_.SaveSetupInfo((folder_ / "missing/setup.vex").c_str()), kWriteFailed);
   EXPECT_EQ(document_.SaveSetupInfo(path_.c_str()), kSuccess);
@@ -117,7 +117,7 @@ TEST_F(PlateSetupOfADocument, SavedAloneLeavesTheOldDocumentWhenItFails) {
   WriteBytes(path_, before);
   Vex2PlateSetup setup;
   fill(setup, 2);
-  document_.ReplacePlateSetup(&setup);
+  EXPECT_EQ(document_.ReplacePlateSetup(&setup), kSuccess);
   addProgram();
   for (const auto call : {FileCall::write, FileCall::syncAll, FileCall::rename}) {
     FaultyFileSystem files;

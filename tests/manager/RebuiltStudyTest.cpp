@@ -90,8 +90,8 @@ TEST_F(RebuiltStudy, HoldsItsPlatesRecordForRecordButForNameAndDate) {
     ASSERT_EQ(expected.ReadFromFile(originals[index].c_str()), kSuccess);
     for (const auto& [file, prefix] :
          {std::pair{first[index], "first"}, std::pair{second[index], "second"}}) {
-      expected.AppendPlateName((prefix + std::to_string(index)).c_str());
-      expected.AppendLastModifiedDate(kDate);
+      EXPECT_EQ(expected.AppendPlateName((prefix + std::to_string(index)).c_str()), kSuccess);
+      EXPECT_EQ(expected.AppendLastModifiedDate(kDate), kSuccess);
       EXPECT_EQ(FirstDifference(ReadBytes(file), savedAlone(expected)), "") << originals[index];
     }
   }

@@ -59,7 +59,7 @@ TEST_F(StudyFileTest, LengthGrowsByTenForEachPlateAtEveryRead) {
 TEST_F(StudyFileTest, StudyReadsBackWithWhatStandsBehindItsPlates) {
   add("C:\\runs\\a.vex", "date of a");
   add("C:\\runs\\b.vex", "date of b");
-  study_.SetCalibrator("behind");
+  EXPECT_EQ(study_.SetCalibrator("behind"), kSuccess);
   saved();
   ASSERT_EQ(read_.ReadFromFile(path_.c_str()), 0);
   EXPECT_EQ(TagsOf(read_), "MPLC CALR EOF ");
@@ -73,20 +73,20 @@ TEST_F(StudyFileTest, StudyReadsBackWithWhatStandsBehindItsPlates) {
 
 TEST_F(StudyFileTest, OnlyAStudysOwnKindsAreWrittenAndAnEnd) {
   add("C:\\runs\\a.vex", "d");
-  study_.AppendPlateName("no study has one");
-  study_.SetCalibrator("c");
+  EXPECT_EQ(study_.AppendPlateName("no study has one"), kSuccess);
+  EXPECT_EQ(study_.SetCalibrator("c"), kSuccess);
   const Bytes bytes = saved();
   EXPECT_EQ(TextAt(bytes, bytes.size() - 12, 4), "EOF ");
   EXPECT_EQ(LongAt(bytes, bytes.size() - 4), 0U);
-  read_.ReadFromFile(path_.c_str());
+  EXPECT_EQ(read_.ReadFromFile(path_.c_str()), kSuccess);
   EXPECT_EQ(TagsOf(read_), "MPLC CALR EOF ");
 }
 
 TEST_F(StudyFileTest, ReadPlateIsKnownByTheNameInItsOwnRecord) {
   add("C:\\runs\\a.vex", "d");
-  study_.GetSinglePlatePtrByName("a")->AppendPlateName("renamed");
+  EXPECT_EQ(study_.GetSinglePlatePtrByName("a")->AppendPlateName("renamed"), kSuccess);
   saved();
-  read_.ReadFromFile(path_.c_str());
+  EXPECT_EQ(read_.ReadFromFile(path_.c_str()), kSuccess);
   EXPECT_THAT(PlateNames(read_), ElementsAre("renamed"));
 }
 
@@ -104,7 +104,7 @@ TEST_F(StudyFileTest, LongNameIsCutInTheFileAndWholeUntilThen) {
 TEST_F(StudyFileTest, ReadStudyAcceptsATakenNameUntilItsStorageIsMade) {
   add("C:\\runs\\a.vex", "d");
   saved();
-  read_.ReadFromFile(path_.c_str());
+  EXPECT_EQ(read_.ReadFromFile(path_.c_str()), kSuccess);
   read_.SyncPlatesWithAnalysisStorageMap();
   const Vex2FileManager plate = PlateAt("C:\\runs\\a.vex");
   EXPECT_FALSE(read_.AddRQPlate(&plate, "d"));
@@ -113,7 +113,7 @@ TEST_F(StudyFileTest, ReadStudyAcceptsATakenNameUntilItsStorageIsMade) {
 TEST_F(StudyFileTest, ExtractedPlateSavesAsADocumentOfItsOwn) {
   add("C:\\runs\\a.vex", "d");
   saved();
-  read_.ReadFromFile(path_.c_str());
+  EXPECT_EQ(read_.ReadFromFile(path_.c_str()), kSuccess);
   Vex2FileManager plate(*read_.GetSinglePlatePtrByName("a"));
   const std::string path = folder_ / "a.vex";
   ASSERT_EQ(plate.SaveToFile(path.c_str()), 0);
@@ -149,7 +149,7 @@ class SmallDisk : public FileSystem {
 TEST_F(StudyFileTest, DiskThatFillsUpInsideAPlateFailsTheSave) {
   const Bytes before = saved();
   Vex2FileManager big = PlateAt("C:\\runs\\big.vex");
-  big.SetCalibrator(std::string(CFile::kBufferSize, 'x').c_str());
+  EXPECT_EQ(big.SetCalibrator(std::string(CFile::kBufferSize, 'x').c_str()), kSuccess);
   ASSERT_TRUE(study_.AddRQPlate(&big, "d"));
   ASSERT_TRUE(study_.AddRQPlate(&study_, "d"));
   {

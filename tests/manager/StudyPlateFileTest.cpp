@@ -17,7 +17,7 @@ namespace {
 class StudyPlateFile : public TempFolderTest {
  protected:
   StudyPlateFile() {
-    document_.SetCalibrator("before");
+    EXPECT_EQ(document_.SetCalibrator("before"), kSuccess);
     document_.SetFilePath("/runs/before.vex");
   }
   std::string savedPlate(const char* kind = "Kest") {
@@ -25,7 +25,7 @@ class StudyPlateFile : public TempFolderTest {
     Vex2HeaderData header = plate.GetHeaderData();
     std::copy_n(kind, 4, header.kindMarker);
     plate.SetHeaderData(header);
-    plate.SetCalibrator("read");
+    EXPECT_EQ(plate.SetCalibrator("read"), kSuccess);
     std::string path = folder_ / "plate.vex";
     EXPECT_EQ(plate.SaveToFile(path.c_str()), kSuccess);
     return path;
@@ -37,7 +37,7 @@ class StudyPlateFile : public TempFolderTest {
     EXPECT_EQ(date_, "unset");
     EXPECT_FALSE(document_.IsOpen());
     CString calibrator;
-    document_.GetCalibrator(calibrator);
+    EXPECT_EQ(document_.GetCalibrator(calibrator), kSuccess);
     EXPECT_EQ(calibrator, "before");
   }
 
@@ -50,7 +50,7 @@ TEST_F(StudyPlateFile, IsReadAndClosedAndItsPathKept) {
   const std::string path = savedPlate();
   EXPECT_EQ(read(path), kSuccess);
   CString calibrator;
-  document_.GetCalibrator(calibrator);
+  EXPECT_EQ(document_.GetCalibrator(calibrator), kSuccess);
   EXPECT_EQ(calibrator, "read");
   EXPECT_EQ(document_.GetFilePath(), path.c_str());
   EXPECT_FALSE(document_.IsOpen());
@@ -149,7 +149,7 @@ TEST_F(StudyPlateFile, ThatComesInSmallPiecesIsReadWhole) {
   files.Shorten(7, true);
   EXPECT_EQ(read(path), kSuccess);
   CString calibrator;
-  document_.GetCalibrator(calibrator);
+  EXPECT_EQ(document_.GetCalibrator(calibrator), kSuccess);
   EXPECT_EQ(calibrator, "read");
 }
 

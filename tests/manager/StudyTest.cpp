@@ -14,11 +14,11 @@ using testing::ElementsAre;
 
 TEST(AddRQPlate, PlateIsACopyUnderItsFilesTitleWithNameAndDateLast) {
   Vex2FileManager plate = PlateAt("C:\\runs\\plate7.vex");
-  plate.AppendPlateName("old name");
-  plate.SetEndoControl("endo");
+  EXPECT_EQ(plate.AppendPlateName("old name"), kSuccess);
+  EXPECT_EQ(plate.SetEndoControl("endo"), kSuccess);
   Vex2FileManager study;
   EXPECT_TRUE(study.AddRQPlate(&plate, "Mar 05, 2003 02:07 PM"));
-  plate.SetCalibrator("changed");
+  EXPECT_EQ(plate.SetCalibrator("changed"), kSuccess);
 
   const Vex2FileManagerComponent* held = study.GetSinglePlatePtrByName("plate7");
   ASSERT_NE(held, nullptr);
@@ -78,7 +78,7 @@ TEST(InitMultiplate, DropsPlatesButTheirNamesStayTaken) {
   Vex2FileManager study;
   const Vex2FileManager plate = PlateAt("C:\\runs\\plate7.vex");
   study.AddRQPlate(&plate, "x");
-  study.SetCalibrator("behind");
+  EXPECT_EQ(study.SetCalibrator("behind"), kSuccess);
   EXPECT_TRUE(study.InitMultiplate());
   EXPECT_EQ(TagsOf(study), "CALR MPLC");
   EXPECT_EQ(study.GetRQPlateCount(), 0);
@@ -148,8 +148,8 @@ TEST(PlateTexts, AreCutToWhatOtherProgramsHold) {
   EXPECT_EQ(plate.AppendLastModifiedDate(longName.c_str()), 0);
   CString name;
   CString date;
-  plate.GetPlateName(name);
-  plate.GetLastModifiedDate(date);
+  EXPECT_EQ(plate.GetPlateName(name), kSuccess);
+  EXPECT_EQ(plate.GetLastModifiedDate(date), kSuccess);
   EXPECT_EQ(name, CString(std::string_view(longName).substr(0, 1023)));
   EXPECT_EQ(date, CString(std::string_view(longName).substr(0, 1023)));
 }
@@ -165,12 +165,12 @@ TEST(PlateTexts, WithoutARecordTheArgumentStays) {
 
 TEST(PlateTexts, AppendingMovesTheRecordToTheEnd) {
   Vex2FileManager plate;
-  plate.AppendPlateName("one");
-  plate.AppendLastModifiedDate("date");
-  plate.AppendPlateName("two");
+  EXPECT_EQ(plate.AppendPlateName("one"), kSuccess);
+  EXPECT_EQ(plate.AppendLastModifiedDate("date"), kSuccess);
+  EXPECT_EQ(plate.AppendPlateName("two"), kSuccess);
   EXPECT_EQ(TagsOf(plate), "RQPD Path");
   CString name;
-  plate.GetPlateName(name);
+  EXPECT_EQ(plate.GetPlateName(name), kSuccess);
   EXPECT_EQ(name, "two");
 }
 

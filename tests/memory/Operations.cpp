@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <tuple>
 #include <utility>
 
 namespace vex2::test {
@@ -41,18 +42,18 @@ Materials::Materials(std::string theRun, std::string theTarget)
   dyes.SetEntryCount(1);
   dyes.entries[0].SetName(kText, 20);
   background.SetEntryCount(1);
-  plate.ReplaceThermocycleProgram(&program);
-  plate.ReplacePlateSetup(&setup);
-  plate.AppendDetectorInfo(&detector);
+  EXPECT_EQ(plate.ReplaceThermocycleProgram(&program), kSuccess);
+  EXPECT_EQ(plate.ReplacePlateSetup(&setup), kSuccess);
+  EXPECT_EQ(plate.AppendDetectorInfo(&detector), kSuccess);
   plate.AppendRequiredDyenfo(kText);
-  plate.ReplaceCalibComponent(&dyes, &background);
-  plate.SetCalibrator(kText);
-  plate.SetEndoControl(kText);
+  EXPECT_EQ(plate.ReplaceCalibComponent(&dyes, &background), kSuccess);
+  EXPECT_EQ(plate.SetCalibrator(kText), kSuccess);
+  EXPECT_EQ(plate.SetEndoControl(kText), kSuccess);
   plate.SetPassiveReference(kText);
-  plate.AppendPlateName(kPlate);
-  plate.AppendLastModifiedDate(kText);
+  EXPECT_EQ(plate.AppendPlateName(kPlate), kSuccess);
+  EXPECT_EQ(plate.AppendLastModifiedDate(kText), kSuccess);
   plate.SetFilePath(("C:\\runs\\" + std::string(kPlate) + ".vex").c_str());
-  plate.SaveToFile(run.c_str());
+  EXPECT_EQ(plate.SaveToFile(run.c_str()), kSuccess);
   bytes = ReadBytes(run);
   SetLongAt(bytes, 68, std::string(bytes.begin(), bytes.end()).find("RAWa"));
   std::copy_n(kDetector.GetString(), kDetector.GetLength(), probe.name);
@@ -81,18 +82,19 @@ const std::vector<Operation>& ManagerOperations() {
       {"GetFileName", [](M& m, With) { m.GetFileName(); }},
       {"GetFileTitle", [](M& m, With) { m.GetFileTitle(); }},
       {"GetFilePath", [](M& m, With) { m.GetFilePath(); }},
-      {"WriteComponentFile", [](M& m, With w) { m.SafeOpen(w.target.c_str(), 1, 0); m.WriteComponentFile(nullptr); m.Abort(); }},
-      {"ReadComponentFile", [](M& m, With w) { m.SafeOpen(w.run.c_str(), 0, 0); m.ReadComponentFile(nullptr); m.Abort(); }},
-      {"ReadHeaderData(CFile* file)", [](M& m, With w) { m.SafeOpen(w.run.c_str(), 0, 0); m.ReadHeaderData(nullptr); m.Abort(); }},
-      {"ReadHeaderData(Vex2HeaderData& header, CFile* file)", [](M& m, With w) { m.SafeOpen(w.run.c_str(), 0, 0); m.ReadHeaderData(w.scratch, nullptr); m.Abort(); }},
-      {"WriteHeaderData", [](M& m, With w) { m.SafeOpen(w.target.c_str(), 1, 0); m.WriteHeaderData(nullptr); m.Abort(); }},
+      {"WriteComponentFile", [](M& m, With w) { std::ignore = m.SafeOpen(w.target.c_str(), 1, 0); m.WriteComponentFile(nullptr); m.Abort(); }},
+      {"ReadComponentFile", [](M& m, With w) { std::ignore = m.SafeOpen(w.run.c_str(), 0, 0); m.ReadComponentFile(nullptr); m.Abort(); }},
+      {"ReadHeaderData(CFile* file)", [](M& m, With w) { std::ignore = m.SafeOpen(w.run.c_str(), 0, 0); m.ReadHeaderData(nullptr); m.Abort(); }},
+      {"ReadHeaderData(Vex2HeaderData& header, CFile* file)", [](M& m, With w) { std::ignore = m.SafeOpen(w.run.c_str(), 0, 0); m.ReadHeaderData(w.scratch, nullptr); m.Abort(); }},
+      {"WriteHeaderData", [](M& m, With w) { std::ignore = m.SafeOpen(w.target.c_str(), 1, 0); m.WriteHeaderData(nullptr); m.Abort(); }},
       {"Reset", [](M& m, With) { m.Reset(); }},
-      {"SafeOpen", [](M& m, With w) { m.SafeOpen(w.run.c_str(), 1, 1); m.Abort(); }},
-      {"ReadFromFile", [](M& m, With w) { m.ReadFromFile(w.run.c_str(), false); m.ReadFromFile(nullptr, true); }},
-      {"SaveToFile", [](M& m, With w) { m.SaveToFile(w.target.c_str(), false); m.SaveToFile(nullptr, true); }},
-      {"SaveHeader", [](M& m, With w) { m.SaveHeader(w.target.c_str(), w.header); }},
+      {"SafeOpen", [](M& m, With w) { std::ignore = m.SafeOpen(w.run.c_str(), 1, 1); m.Abort(); }},
+      {"ReadFromFile", [](M& m, With w) { std::ignore = m.ReadFromFile(w.run.c_str(), false); std::ignore = m.ReadFromFile(nullptr, true); }},
+      {"SaveToFile", [](M& m, With w) { std::ignore = m.SaveToFile(w.target.c_str(), false); std::ignore = m.SaveToFile(nullptr, true); }},
+      {"SaveHeader", [](M& m, With w) { std::ignore = m.SaveHeader(w.target.c_str(), w.header); }},
       {"IsWhole", [](M& m, With) { m.IsWhole(); }},
       {"GetReadFault", [](M& m, With) { m.GetReadFault(); }},
+      {"GetLastFileError", [](M& m, With) { m.GetLastFileError(); }},
       {"GetAllComponentCount", [](M& m, With) { m.GetAllComponentCount(); }},
       {"GetComponentTagList", [](M& m, With) { CStringList tags; m.GetComponentTagList(tags); }},
       {"GetComponent", [](M& m, With) { m.GetComponent(0); }},
@@ -104,9 +106,9 @@ const std::vector<Operation>& ManagerOperations() {
       {"GetHeaderCols", [](M& m, With) { m.GetHeaderCols(); }},
       {"GetHeaderBytes", [](M& m, With) { m.GetHeaderBytes(); }},
       {"SetFilePath", [](M& m, With w) { m.SetFilePath(w.target.c_str()); }},
-      {"IsVex2Format", [](M& m, With w) { m.SafeOpen(w.run.c_str(), 0, 0); m.IsVex2Format(); m.Abort(); }},
-      {"IsBlueLightSpecialFile", [](M& m, With w) { m.SafeOpen(w.run.c_str(), 0, 0); m.IsBlueLightSpecialFile(); m.Abort(); }},
-      {"IsKestorFile", [](M& m, With w) { m.SafeOpen(w.run.c_str(), 0, 0); m.IsKestorFile(); m.Abort(); }},
+      {"IsVex2Format", [](M& m, With w) { std::ignore = m.SafeOpen(w.run.c_str(), 0, 0); m.IsVex2Format(); m.Abort(); }},
+      {"IsBlueLightSpecialFile", [](M& m, With w) { std::ignore = m.SafeOpen(w.run.c_str(), 0, 0); m.IsBlueLightSpecialFile(); m.Abort(); }},
+      {"IsKestorFile", [](M& m, With w) { std::ignore = m.SafeOpen(w.run.c_str(), 0, 0); m.IsKestorFile(); m.Abort(); }},
       {"IsAssayType", [](M& m, With) { m.IsAssayType(1); }},
       {"IsBackground", [](M& m, With) { m.IsBackground(); }},
       {"IsPureSpectra", [](M& m, With) { m.IsPureSpectra(); }},
@@ -119,79 +121,79 @@ const std::vector<Operation>& ManagerOperations() {
       {"IsPlateRead", [](M& m, With) { m.IsPlateRead(); }},
       {"LoadDyeList", [](M& m, With) { CObList list; m.LoadDyeList(&list); emptyList(list); }},
       {"LoadDyeListByName", [](M& m, With) { CObList list; m.LoadDyeListByName(&list, kPlate); emptyList(list); }},
-      {"GetGlobalComplexInfo", [](M& m, With) { Vex2GlobalComplex info; m.GetGlobalComplexInfo(&info); }},
-      {"ReplaceGlobalComplexComp", [](M& m, With w) { m.ReplaceGlobalComplexComp(&w.settings); }},
-      {"AppendGlobalComplexComp", [](M& m, With w) { m.AppendGlobalComplexComp(w.target.c_str(), &w.settings); }},
-      {"GetMaxDyesPerWell", [](M& m, With) { int count = 0; m.GetMaxDyesPerWell(count); }},
-      {"GetConfidencePercent", [](M& m, With) { float percent = 0; m.GetConfidencePercent(percent); }},
-      {"UpdateConfidencePercent", [](M& m, With) { m.UpdateConfidencePercent(5); }},
-      {"GetCalibrator", [](M& m, With) { CString text; m.GetCalibrator(text); }},
-      {"SetCalibrator", [](M& m, With) { m.SetCalibrator(kText); }},
-      {"GetEndoControl", [](M& m, With) { CString text; m.GetEndoControl(text); }},
-      {"SetEndoControl", [](M& m, With) { m.SetEndoControl(kText); }},
-      {"GetRQAnalysisType", [](M& m, With) { unsigned short type = 0; m.GetRQAnalysisType(type); }},
-      {"SetRQAnalysisType", [](M& m, With) { m.SetRQAnalysisType(1); }},
+      {"GetGlobalComplexInfo", [](M& m, With) { Vex2GlobalComplex info; std::ignore = m.GetGlobalComplexInfo(&info); }},
+      {"ReplaceGlobalComplexComp", [](M& m, With w) { std::ignore = m.ReplaceGlobalComplexComp(&w.settings); }},
+      {"AppendGlobalComplexComp", [](M& m, With w) { std::ignore = m.AppendGlobalComplexComp(w.target.c_str(), &w.settings); }},
+      {"GetMaxDyesPerWell", [](M& m, With) { int count = 0; std::ignore = m.GetMaxDyesPerWell(count); }},
+      {"GetConfidencePercent", [](M& m, With) { float percent = 0; std::ignore = m.GetConfidencePercent(percent); }},
+      {"UpdateConfidencePercent", [](M& m, With) { std::ignore = m.UpdateConfidencePercent(5); }},
+      {"GetCalibrator", [](M& m, With) { CString text; std::ignore = m.GetCalibrator(text); }},
+      {"SetCalibrator", [](M& m, With) { std::ignore = m.SetCalibrator(kText); }},
+      {"GetEndoControl", [](M& m, With) { CString text; std::ignore = m.GetEndoControl(text); }},
+      {"SetEndoControl", [](M& m, With) { std::ignore = m.SetEndoControl(kText); }},
+      {"GetRQAnalysisType", [](M& m, With) { unsigned short type = 0; std::ignore = m.GetRQAnalysisType(type); }},
+      {"SetRQAnalysisType", [](M& m, With) { std::ignore = m.SetRQAnalysisType(1); }},
       {"GetPassiveReference", [](M& m, With) { CString text; m.GetPassiveReference(text); }},
       {"SetPassiveReference", [](M& m, With) { m.SetPassiveReference(kText); }},
       {"GetSampleVolume", [](M& m, With) { m.GetSampleVolume(); }},
       {"SetSampleVolume", [](M& m, With) { m.SetSampleVolume(20); }},
       {"GetPrePostFlags", [](M& m, With) { int pre = 0; int post = 0; m.GetPrePostFlags(pre, post); }},
       {"SetPrePostFlags", [](M& m, With) { m.SetPrePostFlags(1, 1); }},
-      {"GetThermocycleProgramInfo", [](M& m, With) { ThermocycleProgram program; m.GetThermocycleProgramInfo(&program); }},
-      {"ReplaceThermocycleProgram", [](M& m, With w) { m.ReplaceThermocycleProgram(&w.program); }},
+      {"GetThermocycleProgramInfo", [](M& m, With) { ThermocycleProgram program; std::ignore = m.GetThermocycleProgramInfo(&program); }},
+      {"ReplaceThermocycleProgram", [](M& m, With w) { std::ignore = m.ReplaceThermocycleProgram(&w.program); }},
       {"GetThermocycleProgComp", [](M& m, With) { m.GetThermocycleProgComp(); }},
-      {"ReplacePlateSetup", [](M& m, With w) { m.ReplacePlateSetup(&w.setup); }},
-      {"GetPlateSetupInfo", [](M& m, With) { Vex2PlateSetup setup; m.GetPlateSetupInfo(&setup); }},
+      {"ReplacePlateSetup", [](M& m, With w) { std::ignore = m.ReplacePlateSetup(&w.setup); }},
+      {"GetPlateSetupInfo", [](M& m, With) { Vex2PlateSetup setup; std::ignore = m.GetPlateSetupInfo(&setup); }},
       {"GetPlateSetupComp", [](M& m, With) { m.GetPlateSetupComp(); }},
-      {"SaveSetupInfo", [](M& m, With w) { m.SaveSetupInfo(w.target.c_str()); }},
+      {"SaveSetupInfo", [](M& m, With w) { std::ignore = m.SaveSetupInfo(w.target.c_str()); }},
       {"GetPlateSize", [](M& m, With) { m.GetPlateSize(); }},
       {"SetUsageArray(const bool* usage, int rows, int columns)", [](M& m, With w) { m.SetUsageArray(w.usage, 2, 2); }},
       {"SetUsageArray(const bool* usage, int rows, int columns, Vex2HeaderData& header)", [](M&, With w) { M::SetUsageArray(w.usage, 2, 2, w.scratch); }},
       {"GetUsageArray", [](M& m, With) { bool* usage = nullptr; m.GetUsageArray(usage); delete[] usage; }},
-      {"UpdateDetectorList", [](M& m, With w) { m.UpdateDetectorList(&w.detector, 1); }},
-      {"AppendDetectorInfo", [](M& m, With w) { m.AppendDetectorInfo(&w.detector); }},
+      {"UpdateDetectorList", [](M& m, With w) { std::ignore = m.UpdateDetectorList(&w.detector, 1); }},
+      {"AppendDetectorInfo", [](M& m, With w) { std::ignore = m.AppendDetectorInfo(&w.detector); }},
       {"RemoveDetectorInfo", [](M& m, With) { m.RemoveDetectorInfo(kDetector); }},
-      {"AppendDetectorListToFile", [](M& m, With w) { m.AppendDetectorListToFile(w.target.c_str()); }},
-      {"GetNumberOfDetectors", [](M& m, With) { int count = 0; m.GetNumberOfDetectors(count); }},
-      {"GetDetectorListInfo", [](M& m, With) { Vex2Detector* list = nullptr; m.GetDetectorListInfo(list); delete[] list; }},
-      {"ReplaceCalibComponent", [](M& m, With w) { m.ReplaceCalibComponent(&w.dyes, &w.background); }},
-      {"ReplacePureDye", [](M& m, With w) { m.ReplacePureDye(&w.dyes); }},
-      {"ReplaceBackground(const Vex2BGC* record)", [](M& m, With w) { m.ReplaceBackground(&w.background); }},
-      {"ReplaceBackground(const char* path, const Vex2BGC* record)", [](M& m, With w) { m.ReplaceBackground(w.run.c_str(), &w.background); }},
-      {"AppendPureDye", [](M& m, With w) { m.AppendPureDye(w.target.c_str(), &w.dyes); }},
-      {"AppendBackground", [](M& m, With w) { m.AppendBackground(w.target.c_str(), &w.background); }},
-      {"RemoveCalibComponents", [](M& m, With) { m.RemoveCalibComponents(true, false); }},
-      {"GetCalibrationInfo", [](M& m, With) { Vex2PureDye* dyes = nullptr; Vex2BGC* background = nullptr; int has[2] = {}; m.GetCalibrationInfo(dyes, &has[0], background, &has[1]); delete dyes; delete background; }},
+      {"AppendDetectorListToFile", [](M& m, With w) { std::ignore = m.AppendDetectorListToFile(w.target.c_str()); }},
+      {"GetNumberOfDetectors", [](M& m, With) { int count = 0; std::ignore = m.GetNumberOfDetectors(count); }},
+      {"GetDetectorListInfo", [](M& m, With) { Vex2Detector* list = nullptr; std::ignore = m.GetDetectorListInfo(list); delete[] list; }},
+      {"ReplaceCalibComponent", [](M& m, With w) { std::ignore = m.ReplaceCalibComponent(&w.dyes, &w.background); }},
+      {"ReplacePureDye", [](M& m, With w) { std::ignore = m.ReplacePureDye(&w.dyes); }},
+      {"ReplaceBackground(const Vex2BGC* record)", [](M& m, With w) { std::ignore = m.ReplaceBackground(&w.background); }},
+      {"ReplaceBackground(const char* path, const Vex2BGC* record)", [](M& m, With w) { std::ignore = m.ReplaceBackground(w.run.c_str(), &w.background); }},
+      {"AppendPureDye", [](M& m, With w) { std::ignore = m.AppendPureDye(w.target.c_str(), &w.dyes); }},
+      {"AppendBackground", [](M& m, With w) { std::ignore = m.AppendBackground(w.target.c_str(), &w.background); }},
+      {"RemoveCalibComponents", [](M& m, With) { std::ignore = m.RemoveCalibComponents(true, false); }},
+      {"GetCalibrationInfo", [](M& m, With) { Vex2PureDye* dyes = nullptr; Vex2BGC* background = nullptr; int has[2] = {}; std::ignore = m.GetCalibrationInfo(dyes, &has[0], background, &has[1]); delete dyes; delete background; }},
       {"GetPureDyeCount", [](M& m, With) { m.GetPureDyeCount(); }},
-      {"SaveCalibrationInfo", [](M& m, With w) { m.SaveCalibrationInfo(w.target.c_str()); }},
+      {"SaveCalibrationInfo", [](M& m, With w) { std::ignore = m.SaveCalibrationInfo(w.target.c_str()); }},
       {"AppendRequiredDyenfo", [](M& m, With) { m.AppendRequiredDyenfo(kDetector); }},
-      {"UpdateRequiredDyeList", [](M& m, With) { m.UpdateRequiredDyeList(&kText, 1); }},
+      {"UpdateRequiredDyeList", [](M& m, With) { std::ignore = m.UpdateRequiredDyeList(&kText, 1); }},
       {"RemoveRequiredDyeInfo", [](M& m, With) { m.RemoveRequiredDyeInfo(kText); }},
-      {"AppendRequiredDyeListToFile", [](M& m, With w) { m.AppendRequiredDyeListToFile(w.target.c_str()); }},
-      {"GetNumberOfRequiredDyes", [](M& m, With) { int count = 0; m.GetNumberOfRequiredDyes(count); }},
-      {"GetRequiredDyeListInfo", [](M& m, With) { CString* list = nullptr; m.GetRequiredDyeListInfo(list); delete[] list; }},
+      {"AppendRequiredDyeListToFile", [](M& m, With w) { std::ignore = m.AppendRequiredDyeListToFile(w.target.c_str()); }},
+      {"GetNumberOfRequiredDyes", [](M& m, With) { int count = 0; std::ignore = m.GetNumberOfRequiredDyes(count); }},
+      {"GetRequiredDyeListInfo", [](M& m, With) { CString* list = nullptr; std::ignore = m.GetRequiredDyeListInfo(list); delete[] list; }},
       {"RemoveAcquisitionDataBlock", [](M& m, With) { m.RemoveAcquisitionDataBlock(DataREPr); }},
-      {"ReplaceAcquisitionDataBlock", [](M& m, With w) { m.ReplaceAcquisitionDataBlock(w.run.c_str(), &w.data, DataREPr); }},
+      {"ReplaceAcquisitionDataBlock", [](M& m, With w) { std::ignore = m.ReplaceAcquisitionDataBlock(w.run.c_str(), &w.data, DataREPr); }},
       {"InitAcqDataWellNumberArray", [](M& m, With w) { m.InitAcqDataWellNumberArray(w.wells, 2, DataREPn); }},
-      {"AppendAcquisitionDataFrame", [](M& m, With w) { m.AppendAcquisitionDataFrame(w.run.c_str(), &w.frame, DataRAWa); }},
-      {"CommitAcqDataFrame", [](M& m, With w) { m.CommitAcqDataFrame(w.run.c_str(), 0, DataRAWa); }},
+      {"AppendAcquisitionDataFrame", [](M& m, With w) { std::ignore = m.AppendAcquisitionDataFrame(w.run.c_str(), &w.frame, DataRAWa); }},
+      {"CommitAcqDataFrame", [](M& m, With w) { std::ignore = m.CommitAcqDataFrame(w.run.c_str(), 0, DataRAWa); }},
       {"SetAcqDataWellRecord", [](M& m, With w) { m.SetAcqDataWellRecord(&w.record, 1, 1, DataRAWa); }},
       {"SetAcqDataStartTime", [](M& m, With w) { m.SetAcqDataStartTime(w.time, DataRAWa); }},
       {"SetAcqDataEndTime", [](M& m, With w) { m.SetAcqDataEndTime(w.time, DataRAWa); }},
       {"GetAcqDataStartTime", [](M& m, With) { TimeStamp time{}; m.GetAcqDataStartTime(time, DataRAWa); }},
       {"GetAcqDataEndTime", [](M& m, With) { TimeStamp time{}; m.GetAcqDataEndTime(time, DataRAWa); }},
-      {"ReadDataFrame(int frameIndex, Vex2FrameData* frame, Vex2DataType type)", [](M& m, With) { Vex2FrameData frame; m.ReadDataFrame(0, &frame, DataRAWa); }},
+      {"ReadDataFrame(int frameIndex, Vex2FrameData* frame, Vex2DataType type)", [](M& m, With) { Vex2FrameData frame; std::ignore = m.ReadDataFrame(0, &frame, DataRAWa); }},
       {"GetAcqDataWellRecord", [](M& m, With) { Vex2WellRecord record; m.GetAcqDataWellRecord(&record, 0, 1, DataRAWa); }},
       {"GetAcqDataWellRecordForWellIndex", [](M& m, With) { Vex2WellRecord record; m.GetAcqDataWellRecordForWellIndex(&record, 0, 0, DataRAWa); }},
       {"GetDataCntInWell", [](M& m, With) { m.GetDataCntInWell(1, DataRAWa); }},
       {"GetDataFrameCount(Vex2DataType type)", [](M& m, With) { m.GetDataFrameCount(DataRAWa); }},
       {"GetDataFrameCountByName", [](M& m, With) { m.GetDataFrameCountByName(kPlate, DataRAWa); }},
       {"GetWellCount", [](M& m, With) { m.GetWellCount(DataRAWa); }},
-      {"GetDataFrameCount(const char* path, int& count, Vex2DataType type)", [](M& m, With w) { int count = 0; m.GetDataFrameCount(w.run.c_str(), count, DataREPr); }},
-      {"ReadDataFrame(const char* path, int frameIndex, Vex2FrameData* frame, Vex2DataType type)", [](M& m, With w) { Vex2FrameData frame; m.ReadDataFrame(w.run.c_str(), 0, &frame, DataRAWa); }},
+      {"GetDataFrameCount(const char* path, int& count, Vex2DataType type)", [](M& m, With w) { int count = 0; std::ignore = m.GetDataFrameCount(w.run.c_str(), count, DataREPr); }},
+      {"ReadDataFrame(const char* path, int frameIndex, Vex2FrameData* frame, Vex2DataType type)", [](M& m, With w) { Vex2FrameData frame; std::ignore = m.ReadDataFrame(w.run.c_str(), 0, &frame, DataRAWa); }},
       {"GetAcquisitionStatus", [](M& m, With) { m.GetAcquisitionStatus(); }},
-      {"SetAcquisitionStatus(const char* status)", [](M& m, With) { m.SetAcquisitionStatus("four?"); m.SetAcquisitionStatus("DONE"); }},
-      {"SetAcquisitionStatus(const char* path, const char* status)", [](M& m, With w) { m.SetAcquisitionStatus(w.run.c_str(), "DONE"); }},
+      {"SetAcquisitionStatus(const char* status)", [](M& m, With) { std::ignore = m.SetAcquisitionStatus("four?"); std::ignore = m.SetAcquisitionStatus("DONE"); }},
+      {"SetAcquisitionStatus(const char* path, const char* status)", [](M& m, With w) { std::ignore = m.SetAcquisitionStatus(w.run.c_str(), "DONE"); }},
       {"IsAcquisitionZero", [](M& m, With) { m.IsAcquisitionZero(); }},
       {"IsAcquisitionProg", [](M& m, With) { m.IsAcquisitionProg(); }},
       {"IsAcquisitionDone", [](M& m, With) { m.IsAcquisitionDone(); }},
@@ -202,10 +204,10 @@ const std::vector<Operation>& ManagerOperations() {
       {"GetRQPlateCount", [](M& m, With) { m.GetRQPlateCount(); }},
       {"GetNumPlates", [](M& m, With) { m.GetNumPlates(); }},
       {"GetSinglePlatePtrByName", [](M& m, With) { m.GetSinglePlatePtrByName(kPlate); }},
-      {"AppendPlateName", [](M& m, With) { m.AppendPlateName(kText); }},
-      {"GetPlateName", [](M& m, With) { CString text; m.GetPlateName(text); }},
-      {"AppendLastModifiedDate", [](M& m, With) { m.AppendLastModifiedDate(kText); }},
-      {"GetLastModifiedDate", [](M& m, With) { CString text; m.GetLastModifiedDate(text); }},
+      {"AppendPlateName", [](M& m, With) { std::ignore = m.AppendPlateName(kText); }},
+      {"GetPlateName", [](M& m, With) { CString text; std::ignore = m.GetPlateName(text); }},
+      {"AppendLastModifiedDate", [](M& m, With) { std::ignore = m.AppendLastModifiedDate(kText); }},
+      {"GetLastModifiedDate", [](M& m, With) { CString text; std::ignore = m.GetLastModifiedDate(text); }},
       {"ConvertAQ2RQ", [](M& m, With) { m.ConvertAQ2RQ(); }},
       {"CreateAnalysisStorage", [](M& m, With) { m.CreateAnalysisStorage(1); }},
       {"SyncPlatesWithAnalysisStorageMap", [](M& m, With) { m.SyncPlatesWithAnalysisStorageMap(); }},
@@ -239,7 +241,7 @@ const std::vector<Operation>& ManagerOperations() {
       {"ResetGlobalAnalysisSettingsMap", [](M& m, With) { m.ResetGlobalAnalysisSettingsMap(); }},
       {"ResetAnalysisSettingsPlateMap", [](M& m, With) { m.ResetAnalysisSettingsPlateMap(); }},
       {"PrepareQueryList", [](M& m, With w) { m.PrepareQueryList(w.query); }},
-      {"ReadRQPFromFile", [](M& m, With w) { CString date; m.ReadRQPFromFile(nullptr, w.run.c_str(), false, date); }},
+      {"ReadRQPFromFile", [](M& m, With w) { CString date; std::ignore = m.ReadRQPFromFile(nullptr, w.run.c_str(), false, date); }},
       {"RQSOpenFile", [](M&, With) { CString path; CString folder; M::RQSOpenFile(nullptr, path, folder, "", "", "", "", "", 1); }},
       {"GetPlateDataInfo", [](M& m, With) { int wells = 0; int largest = 0; m.GetPlateDataInfo(wells, largest); }},
       {"GetPlateInfo", [](M& m, With) { long size = 0; m.GetPlateInfo(size); }},
@@ -261,32 +263,32 @@ const std::vector<Operation>& PlateOperations() {
       {"ClassRecord", [](M&, With) { Vex2FileManagerComponent::ClassRecord(); }},
       {"WriteComponentFile",
        [](M&, With w) {
-         w.part->SafeOpen(w.target.c_str(), 1, 0);
-         w.part->WriteComponentFile(nullptr);
+         std::ignore = w.part->SafeOpen(w.target.c_str(), 1, 0);
+         std::ignore = w.part->WriteComponentFile(nullptr);
          w.part->Abort();
        }},
       {"ReadComponentFile",
        [](M&, With w) {
-         w.part->SafeOpen(w.run.c_str(), 0, 0);
-         w.part->ReadComponentFile(nullptr);
+         std::ignore = w.part->SafeOpen(w.run.c_str(), 0, 0);
+         std::ignore = w.part->ReadComponentFile(nullptr);
          w.part->Abort();
        }},
       {"ReadHeaderData(CFile* file)",
        [](M&, With w) {
-         w.part->SafeOpen(w.run.c_str(), 0, 0);
-         w.part->ReadHeaderData(nullptr);
+         std::ignore = w.part->SafeOpen(w.run.c_str(), 0, 0);
+         std::ignore = w.part->ReadHeaderData(nullptr);
          w.part->Abort();
        }},
       {"ReadHeaderData(Vex2HeaderData& header, CFile* file)",
        [](M&, With w) {
-         w.part->SafeOpen(w.run.c_str(), 0, 0);
-         w.part->ReadHeaderData(w.scratch, nullptr);
+         std::ignore = w.part->SafeOpen(w.run.c_str(), 0, 0);
+         std::ignore = w.part->ReadHeaderData(w.scratch, nullptr);
          w.part->Abort();
        }},
       {"WriteHeaderData",
        [](M&, With w) {
-         w.part->SafeOpen(w.target.c_str(), 1, 0);
-         w.part->WriteHeaderData(nullptr);
+         std::ignore = w.part->SafeOpen(w.target.c_str(), 1, 0);
+         std::ignore = w.part->WriteHeaderData(nullptr);
          w.part->Abort();
        }},
   };

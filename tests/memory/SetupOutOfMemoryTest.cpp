@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <tuple>
 
 #include "tests/memory/AllocationSweep.h"
 #include "tests/support/SilentHost.h"
@@ -32,17 +33,17 @@ class SetupOutOfMemory : public TempFolderTest {
     background_.SetEntryCount(1);
     OpenedManager warmUp;  // what is made once and for all must not count as leaked
     fill(warmUp);
-    warmUp.SaveToFile(path_.c_str());
+    std::ignore = warmUp.SaveToFile(path_.c_str());
   }
 
   void fill(OpenedManager& document) const {
     ThermocycleProgram program;
     program.length = 4;
     program.Allocate();
-    document.ReplaceThermocycleProgram(&program);
-    document.ReplacePlateSetup(&setup_);
-    document.AppendDetectorInfo(&detector_);
-    document.ReplaceCalibComponent(&dyes_, &background_);
+    EXPECT_EQ(document.ReplaceThermocycleProgram(&program), kSuccess);
+    EXPECT_EQ(document.ReplacePlateSetup(&setup_), kSuccess);
+    EXPECT_EQ(document.AppendDetectorInfo(&detector_), kSuccess);
+    EXPECT_EQ(document.ReplaceCalibComponent(&dyes_, &background_), kSuccess);
     document.AppendRequiredDyenfo(name_);
   }
   // The operation answers true when nothing fails, and when it is repeated after a failure. What

@@ -53,7 +53,7 @@ std::vector<Text> componentsOf(MemoryFiles& files, const Vex2FileManager& manage
   std::vector<Text> components;
   for (int i = 0; i < manager.GetAllComponentCount(); ++i) {
     CFile file;
-    file.Open(kScratch, CFile::modeCreate | CFile::modeWrite);
+    EXPECT_TRUE(file.Open(kScratch, CFile::modeCreate | CFile::modeWrite));
     manager.GetComponent(i)->Write(&file);
     file.Close();
     components.push_back(contentOf(files, kScratch));

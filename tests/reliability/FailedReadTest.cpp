@@ -49,7 +49,7 @@ class FailedCalls : public RunOnDisk {
     Vex2GlobalComplex settings;
     const std::string log(600'000, 'l');
     settings.SetLog(log.data(), static_cast<int>(log.size()));
-    plate.ReplaceGlobalComplexComp(&settings);
+    EXPECT_EQ(plate.ReplaceGlobalComplexComp(&settings), kSuccess);
     for (int i = 0; i < 3; ++i) {
       const Vex2FrameData frame = MakeFrame(96, i);
       EXPECT_EQ(plate.AppendAcquisitionDataFrame(nullptr, &frame, DataRAWa), kReadFailed);

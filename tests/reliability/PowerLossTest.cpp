@@ -188,13 +188,13 @@ class PoweredSaves {
     ThermocycleProgram program;
     program.length = 700;
     program.Allocate();
-    manager.ReplaceThermocycleProgram(&program);
+    EXPECT_EQ(manager.ReplaceThermocycleProgram(&program), kSuccess);
     Vex2PlateSetup setup;
     setup.Resize(96);
-    manager.ReplacePlateSetup(&setup);
+    EXPECT_EQ(manager.ReplacePlateSetup(&setup), kSuccess);
     Vex2PureDye dyes;
     dyes.SetEntryCount(20);
-    manager.ReplacePureDye(&dyes);
+    EXPECT_EQ(manager.ReplacePureDye(&dyes), kSuccess);
     note(manager.SaveToFile(kPath.c_str()));
     for (int i = 0; i < 3; ++i) {
       const Vex2FrameData frame = MakeFrame(24, i);

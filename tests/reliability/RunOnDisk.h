@@ -65,7 +65,7 @@ class RunOnDisk : public TempFolderTest {
   /// follows. The status.
   int goOn() const {
     OpenedManager manager;
-    manager.ReadFromFile(path_.c_str());
+    EXPECT_EQ(manager.ReadFromFile(path_.c_str()), kSuccess);
     if (manager.GetWellCount(DataRAWa) == 0) {
       const auto numbers = WellNumbers(wells_);
       manager.InitAcqDataWellNumberArray(numbers.data(), wells_, DataRAWa);

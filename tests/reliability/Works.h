@@ -38,23 +38,23 @@ struct SomeDyes : Vex2PureDye {
 /// Gives the document something of every kind, but for a run.
 inline void FillDocument(Vex2FileManager& document) {
   document.SetSampleVolume(25);
-  document.SetCalibrator("calibrator");
+  EXPECT_EQ(document.SetCalibrator("calibrator"), kSuccess);
   ThermocycleProgram program;
   program.length = 3;
   program.Allocate();
   std::memcpy(program.data, "abc", 3);
-  document.ReplaceThermocycleProgram(&program);
+  EXPECT_EQ(document.ReplaceThermocycleProgram(&program), kSuccess);
   Vex2PlateSetup setup;
   setup.Resize(4);
-  document.ReplacePlateSetup(&setup);
+  EXPECT_EQ(document.ReplacePlateSetup(&setup), kSuccess);
   Vex2Detector detector;
   detector.name = "detector";
-  document.UpdateDetectorList(&detector, 1);
+  EXPECT_EQ(document.UpdateDetectorList(&detector, 1), kSuccess);
   const CString dye = "Fam";
-  document.UpdateRequiredDyeList(&dye, 1);
+  EXPECT_EQ(document.UpdateRequiredDyeList(&dye, 1), kSuccess);
   const SomeDyes dyes;
   const SomeBackground background;
-  document.ReplaceCalibComponent(&dyes, &background);
+  EXPECT_EQ(document.ReplaceCalibComponent(&dyes, &background), kSuccess);
 }
 
 /// A study with a plate that has something of every kind.

@@ -57,7 +57,7 @@ class Change : public DocumentTest {
     Vex2FileManager document;
     EXPECT_EQ(document.ReadFromFile(path_.c_str()), 0);
     Vex2GlobalComplex settings;
-    document.GetGlobalComplexInfo(&settings);
+    EXPECT_EQ(document.GetGlobalComplexInfo(&settings), kSuccess);
     return {reinterpret_cast<const char*>(settings.commentData), settings.commentLength};
   }
   std::vector<std::string> filesBeside() const {
@@ -81,7 +81,7 @@ TEST_F(Change, IsRefusedWhenAnotherProgramSavedTheDocumentMeanwhile) {
   ASSERT_EQ(other.ReadFromFile(path_.c_str()), 0);
   Vex2GlobalComplex settings;
   settings.SetComment("theirs", 6);
-  other.ReplaceGlobalComplexComp(&settings);
+  EXPECT_EQ(other.ReplaceGlobalComplexComp(&settings), kSuccess);
   ASSERT_EQ(other.SaveToFile(path_.c_str()), 0);
   const Bytes theirs = ReadBytes(path_);
   wells.Send(kWellsTable);

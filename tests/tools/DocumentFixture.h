@@ -37,10 +37,10 @@ class DocumentTest : public TempFolderTest {
   /// A run of wells A1 to A3: two frames of amplification and one of melting.
   void MakeRun(const char* status = "DONE", const std::string& log = "scale=100\n") const {
     Vex2FileManager run;
-    run.SetAcquisitionStatus(status);
+    EXPECT_EQ(run.SetAcquisitionStatus(status), kSuccess);
     Vex2GlobalComplex settings;
     settings.SetLog(log.data(), static_cast<std::uint32_t>(log.size()));
-    run.ReplaceGlobalComplexComp(&settings);
+    EXPECT_EQ(run.ReplaceGlobalComplexComp(&settings), kSuccess);
     ASSERT_EQ(run.SaveToFile(path_.c_str()), 0);
     const std::uint16_t wells[kWells] = {1, 2, 3};
     run.InitAcqDataWellNumberArray(wells, kWells, DataRAWa);

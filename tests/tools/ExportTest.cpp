@@ -131,7 +131,7 @@ void makeBlock(const std::string& path, Vex2DataType type) {
   const std::string log = "source=readings\nframes=1\nscale=1\n";
   Vex2GlobalComplex settings;
   settings.SetLog(log.data(), static_cast<std::uint32_t>(log.size()));
-  document.ReplaceGlobalComplexComp(&settings);
+  EXPECT_EQ(document.ReplaceGlobalComplexComp(&settings), kSuccess);
   const std::uint16_t wells[] = {1, 14};
   document.InitAcqDataWellNumberArray(wells, 2, type);
   const Vex2WellRecord record = lab::EncodeReading({.cycle = 1, .values = {5}}, false);

@@ -64,7 +64,7 @@ inline Readings RecordedReadings(const std::string& path) {
   Readings readings;
   EXPECT_EQ(document.ReadFromFile(path.c_str()), 0);
   Vex2GlobalComplex settings;
-  document.GetGlobalComplexInfo(&settings);
+  EXPECT_EQ(document.GetGlobalComplexInfo(&settings), kSuccess);
   const std::string log(reinterpret_cast<const char*>(settings.logData), settings.logLength);
   const auto scale = lab::RunLog::Find(log).value_or(lab::RunLog()).scale;
   const auto columns = static_cast<unsigned>(document.GetHeaderCols());
@@ -85,13 +85,13 @@ inline Readings RecordedReadings(const std::string& path) {
 
 inline int RecordedFrames(const std::string& path) {
   Vex2FileManager document;
-  document.ReadFromFile(path.c_str());
+  EXPECT_EQ(document.ReadFromFile(path.c_str()), kSuccess);
   return document.GetDataFrameCount(DataRAWa);
 }
 
 inline std::string RecordedStatus(const std::string& path) {
   Vex2FileManager document;
-  document.ReadFromFile(path.c_str());
+  EXPECT_EQ(document.ReadFromFile(path.c_str()), kSuccess);
   return document.GetAcquisitionStatus().GetString();
 }
 

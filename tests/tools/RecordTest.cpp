@@ -37,7 +37,7 @@ TEST_F(RecordTest, LeavesNoFileButTheDocument) {
 TEST_F(RecordTest, HeaderTellsThePlateAndTheWellsInUse) {
   RunVex(Record());
   Vex2FileManager document;
-  document.ReadFromFile(Run().c_str());
+  EXPECT_EQ(document.ReadFromFile(Run().c_str()), kSuccess);
   const Vex2HeaderData& header = document.GetHeaderData();
   EXPECT_EQ(std::string(header.plateTypeCode, 4), "p9C ");
   EXPECT_EQ(header.rows, 8);
@@ -50,7 +50,7 @@ TEST_F(RecordTest, HeaderTellsThePlateAndTheWellsInUse) {
 TEST_F(RecordTest, DataBlockIsTheLastRecord) {
   RunVex(Record());
   Vex2FileManager document;
-  document.ReadFromFile(Run().c_str());
+  EXPECT_EQ(document.ReadFromFile(Run().c_str()), kSuccess);
   CStringList tags;
   document.GetComponentTagList(tags);
   std::vector<std::string> names;
@@ -63,7 +63,7 @@ TEST_F(RecordTest, DataBlockIsTheLastRecord) {
 TEST_F(RecordTest, WellsAreNumberedByRowsFromOne) {
   RunVex(Record());
   Vex2FileManager document;
-  document.ReadFromFile(Run().c_str());
+  EXPECT_EQ(document.ReadFromFile(Run().c_str()), kSuccess);
   ASSERT_EQ(document.GetWellCount(DataRAWa), static_cast<int>(kWells));
   for (const int well : {1, 2, 3, 4, 13, 14, 15, 16}) {
     EXPECT_EQ(document.GetDataCntInWell(well, DataRAWa), kFrames) << well;
@@ -73,7 +73,7 @@ TEST_F(RecordTest, WellsAreNumberedByRowsFromOne) {
 TEST_F(RecordTest, MarkerStandsInTheFirstMeltingFrameAlone) {
   RunVex(Record());
   Vex2FileManager document;
-  document.ReadFromFile(Run().c_str());
+  EXPECT_EQ(document.ReadFromFile(Run().c_str()), kSuccess);
   for (int frame = 0; frame < kFrames; ++frame) {
     EXPECT_EQ(firstReading(document, frame, 1) == 65000, frame == 40) << frame;
   }
@@ -86,7 +86,7 @@ TEST_F(RecordTest, ReadingsThatLookLikeAMarkerAreRecordedWithoutBeingOne) {
   readings.replace(readings.find(line), line.size(), "A1,amplification,2,59.5,60,65");
   ASSERT_EQ(RunVex(RecordFrom(File("odd.csv", readings))).exitCode, 0);
   Vex2FileManager document;
-  document.ReadFromFile(Run().c_str());
+  EXPECT_EQ(document.ReadFromFile(Run().c_str()), kSuccess);
   EXPECT_EQ(firstReading(document, 0, 1), 1);
   EXPECT_EQ(firstReading(document, 1, 1), 64999);
   EXPECT_EQ(RecordedReadings(Run()), ReadReadingsFile(folder_ / "odd.csv"));
@@ -95,7 +95,7 @@ TEST_F(RecordTest, ReadingsThatLookLikeAMarkerAreRecordedWithoutBeingOne) {
 TEST_F(RecordTest, PlaybackHasNoTimesUnlessTheStartIsGiven) {
   RunVex(Record());
   Vex2FileManager document;
-  document.ReadFromFile(Run().c_str());
+  EXPECT_EQ(document.ReadFromFile(Run().c_str()), kSuccess);
   TimeStamp time;
   ASSERT_TRUE(document.GetAcqDataStartTime(time, DataRAWa));
   EXPECT_EQ(time, TimeStamp());

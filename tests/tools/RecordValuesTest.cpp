@@ -131,7 +131,7 @@ TEST_F(RecordValuesTest, MissingReadingsComeBackMissing) {
 TEST_F(RecordValuesTest, MissingReadingsLookLikeNoMeltingStage) {
   ASSERT_EQ(RecordRows(Rows({"NA", "NA", "0.5", "1"})).exitCode, 0);
   Vex2FileManager document;
-  document.ReadFromFile(Run().c_str());
+  EXPECT_EQ(document.ReadFromFile(Run().c_str()), kSuccess);
   int frames = 0;
   int melting = 0;
   document.FindPCRMeltingParams(nullptr, frames, melting);
@@ -209,7 +209,7 @@ TEST_F(RecordValuesTest, DocumentsOfEarlierVersionsReadTheSame) {
   EXPECT_THAT(TextOf(Run()), HasSubstr("source=readings\nframes=2\nscale=1000\n"));
   EXPECT_THAT(TextOf(Run()), testing::Not(HasSubstr("offset=")));
   Vex2FileManager document;
-  document.ReadFromFile(Run().c_str());
+  EXPECT_EQ(document.ReadFromFile(Run().c_str()), kSuccess);
   Vex2WellRecord record;
   ASSERT_TRUE(document.GetAcqDataWellRecord(&record, 0, 1, DataRAWa));
   Vex2WellRecord expected;

@@ -300,7 +300,7 @@ TEST_F(CalibrationTest, OfSampleDocumentsComesBackByteForByte) {
     std::filesystem::copy_file(SampleFolder() / "golden" / name, path_,
                                std::filesystem::copy_options::overwrite_existing);
     Vex2FileManager before;
-    before.ReadFromFile(path_.c_str());
+    EXPECT_EQ(before.ReadFromFile(path_.c_str()), kSuccess);
     const std::string file = folder_ / "calibration.csv";
     Output({"calibration", path_, "--export", file, "--force"});
     Output({"calibration", path_, "--import", file});

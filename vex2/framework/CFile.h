@@ -48,7 +48,8 @@ class VEX2_API CFile : public CObject {
 
   /// Opens `path`, closing what was open before. False on failure, and then `error`, if given,
   /// says why; the file is closed.
-  virtual bool Open(const char* path, unsigned flags, CFileException* error = nullptr);
+  [[nodiscard]] virtual bool Open(const char* path, unsigned flags,
+                                  CFileException* error = nullptr);
 
   /// Writes out what is buffered and closes. Closing a closed file does nothing. Throws
   /// `CFileException` when buffered bytes could not be written; the file is closed all the same.
@@ -84,7 +85,7 @@ class VEX2_API CFile : public CObject {
   virtual CString GetFilePath() const;
 
   /// False when no file is open or the system does not say.
-  bool GetStatus(CFileStatus& status) const;
+  [[nodiscard]] bool GetStatus(CFileStatus& status) const;
   bool IsOpen() const { return handle_ >= 0; }
 
   /// A data barrier: returns when all that was written before is on the disk. Throws.
@@ -108,12 +109,12 @@ class VEX2_API CFile : public CObject {
   /// untouched. Where a rename cannot serve (several hard links, no regular file, a folder that
   /// takes no new file) `path` itself is opened and emptied. Permissions and symbolic links are
   /// kept. False on failure, also where `path` could not have been opened for writing.
-  bool OpenReplacement(const char* path, CFileException* error = nullptr);
+  [[nodiscard]] bool OpenReplacement(const char* path, CFileException* error = nullptr);
 
   /// The same for a file that is open for reading and writing and is to be changed: from here on
   /// this is the new file, empty, and what stands at the path is untouched. False where a rename
   /// cannot serve: then the file is open as it was. Throws `CFileException` where it failed.
-  bool ReplaceOpenFile();
+  [[nodiscard]] bool ReplaceOpenFile();
 
   /// Writes the first `count` bytes of what is being replaced, fewer where it is shorter, at the
   /// position.

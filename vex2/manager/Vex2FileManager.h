@@ -77,10 +77,10 @@ class VEX2_API Vex2FileManager : public CFile {
   /// Writes the header to the manager's own file and all components to the end of `file`. A study
   /// keeps eight kinds of components and ends with an "EOF " record. -200 when the manager's file
   /// is not open or a write failed.
-  virtual int WriteComponentFile(CFile* file);
+  [[nodiscard]] virtual int WriteComponentFile(CFile* file);
   /// Resets and reads the whole document. -100 when the manager's file is not open or is no "Vex2"
   /// document, else the status of the record that ended the reading; what was read before stays.
-  virtual int ReadComponentFile(CFile* file);
+  [[nodiscard]] virtual int ReadComponentFile(CFile* file);
 
  protected:
   /// Right after `component` was written: keeps the header's positions up to date, in memory and
@@ -88,13 +88,13 @@ class VEX2_API Vex2FileManager : public CFile {
   virtual void UpdateHeaderOffsets(const CComponent& component);
 
  public:
-  virtual int ReadHeaderData(CFile* file);
+  [[nodiscard]] virtual int ReadHeaderData(CFile* file);
   /// Reads the header from offset 0 of `file` into `header` and leaves the position behind it.
   /// -100 when the manager's file is not open or is no "Vex2" document.
-  virtual int ReadHeaderData(Vex2HeaderData& header, CFile* file);
+  [[nodiscard]] virtual int ReadHeaderData(Vex2HeaderData& header, CFile* file);
   /// Writes the header to offset 0 of the manager's own file, whatever `file` is, and drops
   /// everything behind it. -200 when that is not open or refuses.
-  virtual int WriteHeaderData(CFile* file);
+  [[nodiscard]] virtual int WriteHeaderData(CFile* file);
 
   /// Empties header and document. The file stays open, the path and the document's own analysis
   /// results stay. Always 0.
@@ -102,17 +102,17 @@ class VEX2_API Vex2FileManager : public CFile {
 
   /// Opens `path` and keeps it as the document's: for reading with `write` 0; else for writing,
   /// emptied with `append` 0, at its end otherwise. 1 when open, 0 when not.
-  int SafeOpen(const char* path, int write, int append);
+  [[nodiscard]] int SafeOpen(const char* path, int write, int append);
 
   /// Reads the document at `path`, or one that the user chooses when `path` is null or `dialog`
   /// true. 0 also for a document that could be read in part only: ask `IsWhole`. -50 when the user
   /// cancelled, -100 when the file cannot be opened.
-  int ReadFromFile(const char* path, bool dialog = false);
+  [[nodiscard]] int ReadFromFile(const char* path, bool dialog = false);
   /// Saves the document to `path`, chosen as above. What stood there is replaced only once the new
   /// document is complete and on the disk. -50 or -200 on failure, and the old one stands.
-  int SaveToFile(const char* path, bool dialog = false);
+  [[nodiscard]] int SaveToFile(const char* path, bool dialog = false);
   /// Takes over `header` and saves it alone to `path`, as `SaveToFile` does. 0 or -200.
-  int SaveHeader(const char* path, const Vex2HeaderData& header);
+  [[nodiscard]] int SaveHeader(const char* path, const Vex2HeaderData& header);
 
   /// Whether the last reading of a document, by any operation that reads whole documents, took in
   /// all that stands in its file. False also for a file that could not be opened, for records of
@@ -186,24 +186,24 @@ class VEX2_API Vex2FileManager : public CFile {
   // --- Run-wide settings (Vex2FileManagerSettings.cpp) ---
 
   /// Copies the settings that the document holds into `info`; -300 when it holds none.
-  int GetGlobalComplexInfo(Vex2GlobalComplex* info) const;
+  [[nodiscard]] int GetGlobalComplexInfo(Vex2GlobalComplex* info) const;
   /// Replaces all settings; a null `info` leaves an empty list of them. Always 0.
-  int ReplaceGlobalComplexComp(const Vex2GlobalComplex* info);
+  [[nodiscard]] int ReplaceGlobalComplexComp(const Vex2GlobalComplex* info);
   /// Replaces all settings and appends them to the file at `path`. 0 or -200.
-  int AppendGlobalComplexComp(const char* path, const Vex2GlobalComplex* info);
+  [[nodiscard]] int AppendGlobalComplexComp(const char* path, const Vex2GlobalComplex* info);
   /// Most dyes in a well; 4 with -300 when the document does not say, which is so for every
   /// document that was read.
-  int GetMaxDyesPerWell(int& count) const;
-  int GetConfidencePercent(float& percent) const;
-  int UpdateConfidencePercent(float percent);
+  [[nodiscard]] int GetMaxDyesPerWell(int& count) const;
+  [[nodiscard]] int GetConfidencePercent(float& percent) const;
+  [[nodiscard]] int UpdateConfidencePercent(float percent);
   /// Getters of texts empty their argument first; -300 when there is none. Setting an empty text
   /// removes it. Setters always answer 0.
-  int GetCalibrator(CString& name) const;
-  int SetCalibrator(const CString& name);
-  int GetEndoControl(CString& name) const;
-  int SetEndoControl(const CString& name);
-  int GetRQAnalysisType(unsigned short& type) const;
-  int SetRQAnalysisType(unsigned short type);
+  [[nodiscard]] int GetCalibrator(CString& name) const;
+  [[nodiscard]] int SetCalibrator(const CString& name);
+  [[nodiscard]] int GetEndoControl(CString& name) const;
+  [[nodiscard]] int SetEndoControl(const CString& name);
+  [[nodiscard]] int GetRQAnalysisType(unsigned short& type) const;
+  [[nodiscard]] int SetRQAnalysisType(unsigned short type);
   /// Up to the first zero byte; empty when there is none.
   void GetPassiveReference(CString& name) const;
   void SetPassiveReference(const CString& name);
@@ -216,22 +216,22 @@ class VEX2_API Vex2FileManager : public CFile {
   // --- Thermal cycling program (Vex2FileManagerProgram.cpp) ---
 
   /// Copies the program into `program`, which may be null; -300 when there is none.
-  int GetThermocycleProgramInfo(ThermocycleProgram* program) const;
+  [[nodiscard]] int GetThermocycleProgramInfo(ThermocycleProgram* program) const;
   /// `program` must not be null. Always 0.
-  int ReplaceThermocycleProgram(const ThermocycleProgram* program);
+  [[nodiscard]] int ReplaceThermocycleProgram(const ThermocycleProgram* program);
   ThermocycleProgramComp* GetThermocycleProgComp() const;
 
   // --- Plate setup (Vex2FileManagerSetup.cpp) ---
 
   /// Replaces what stands in the wells; a null `setup` leaves a plate without wells. 0, or -200 for
   /// one that is too large to be stored, and then nothing is changed.
-  int ReplacePlateSetup(const Vex2PlateSetup* setup);
+  [[nodiscard]] int ReplacePlateSetup(const Vex2PlateSetup* setup);
   /// Copies what stands in the wells into `setup`, which may be null; -300 when there is no setup.
-  int GetPlateSetupInfo(Vex2PlateSetup* setup) const;
+  [[nodiscard]] int GetPlateSetupInfo(Vex2PlateSetup* setup) const;
   CPlateSetupComp* GetPlateSetupComp() const;
   /// Saves header, program and plate setup alone to `path`, as `SaveToFile` does. -300 when the
   /// document lacks program or setup, else 0 or -200.
-  int SaveSetupInfo(const char* path);
+  [[nodiscard]] int SaveSetupInfo(const char* path);
   /// Wells of the plate type that the header names: 96, 384 or 0.
   int GetPlateSize() const;
   /// Stores which wells are used, row by row. False, and nothing is changed, for null, no rows or
@@ -246,60 +246,60 @@ class VEX2_API Vex2FileManager : public CFile {
   // A detector without a name is reported to the user and left out; that is no failure.
 
   /// Replaces all detectors; the list stays also when it is empty. 0 or -200.
-  int UpdateDetectorList(const Vex2Detector* list, int count);
+  [[nodiscard]] int UpdateDetectorList(const Vex2Detector* list, int count);
   /// Adds a detector at the end, in place of one of its name. 0 or -200.
-  int AppendDetectorInfo(const Vex2Detector* detector);
+  [[nodiscard]] int AppendDetectorInfo(const Vex2Detector* detector);
   /// False when there is no such detector. The list goes with its last detector.
   bool RemoveDetectorInfo(const CString& name);
   /// -300 without detectors; see `AppendGlobalComplexComp`.
-  int AppendDetectorListToFile(const char* path);
+  [[nodiscard]] int AppendDetectorListToFile(const char* path);
   /// 0 with -300 when there is no list.
-  int GetNumberOfDetectors(int& count) const;
+  [[nodiscard]] int GetNumberOfDetectors(int& count) const;
   /// Releases `list` and fills a new array, which the caller frees with delete[]. An empty list
   /// leaves it as it was. -300 when there is no list.
-  int GetDetectorListInfo(Vex2Detector*& list) const;
+  [[nodiscard]] int GetDetectorListInfo(Vex2Detector*& list) const;
 
   // --- Calibration (Vex2FileManagerCalibration.cpp) ---
 
   /// Replace the calibration or one part of it; a null record removes the part. 0 or -200.
-  int ReplaceCalibComponent(const Vex2PureDye* pureDye, const Vex2BGC* background);
-  int ReplacePureDye(const Vex2PureDye* record);
-  int ReplaceBackground(const Vex2BGC* record);
+  [[nodiscard]] int ReplaceCalibComponent(const Vex2PureDye* pureDye, const Vex2BGC* background);
+  [[nodiscard]] int ReplacePureDye(const Vex2PureDye* record);
+  [[nodiscard]] int ReplaceBackground(const Vex2BGC* record);
   /// Replaces the background in memory and in the file at `path`: where a background stands alone
   /// in the file it is overwritten in place, otherwise the whole calibration is appended, also to
   /// a file without a header. -100 when the file cannot be opened for reading, -250 when its
   /// background has another size, -300 when a document ends within a record, -200 when the file
   /// cannot be written; the file is then unchanged.
-  int ReplaceBackground(const char* path, const Vex2BGC* record);
+  [[nodiscard]] int ReplaceBackground(const char* path, const Vex2BGC* record);
   /// Put a component that stands alone in the document, in place of one of its kind, and append it
   /// to the file at `path`. 0 or -200; the document keeps the component.
-  int AppendPureDye(const char* path, const Vex2PureDye* record);
-  int AppendBackground(const char* path, const Vex2BGC* record);
+  [[nodiscard]] int AppendPureDye(const char* path, const Vex2PureDye* record);
+  [[nodiscard]] int AppendBackground(const char* path, const Vex2BGC* record);
   /// Removes the parts, with both the calibration itself. -300 when there is none to remove.
-  int RemoveCalibComponents(bool pureDye, bool background);
+  [[nodiscard]] int RemoveCalibComponents(bool pureDye, bool background);
   /// Copies each part that there is into its record, which is made with new where it is null, and
   /// sets its flag to 1, else to 0. -300 without calibration.
-  int GetCalibrationInfo(Vex2PureDye*& pureDye, int* hasPureDye, Vex2BGC*& background,
-                         int* hasBackground) const;
+  [[nodiscard]] int GetCalibrationInfo(Vex2PureDye*& pureDye, int* hasPureDye, Vex2BGC*& background,
+                                       int* hasBackground) const;
   int GetPureDyeCount() const;
   /// Saves header and calibration alone to `path`, as `SaveToFile` does. -300 without calibration,
   /// else 0 or -200.
-  int SaveCalibrationInfo(const char* path);
+  [[nodiscard]] int SaveCalibrationInfo(const char* path);
 
   // --- Required dyes (Vex2FileManagerDyes.cpp) ---
 
   /// False when the list has the dye. An empty name adds nothing, but makes a list.
   bool AppendRequiredDyenfo(const CString& dye);
   /// Replaces all dyes; the list stays also when it is empty. 0 or -200.
-  int UpdateRequiredDyeList(const CString* dyes, int count);
+  [[nodiscard]] int UpdateRequiredDyeList(const CString* dyes, int count);
   /// False when there is no such dye. The list goes with its last dye.
   bool RemoveRequiredDyeInfo(const CString& dye);
   /// -300 without a list; see `AppendGlobalComplexComp`.
-  int AppendRequiredDyeListToFile(const char* path);
+  [[nodiscard]] int AppendRequiredDyeListToFile(const char* path);
   /// 0 with -300 when there is no list.
-  int GetNumberOfRequiredDyes(int& count) const;
+  [[nodiscard]] int GetNumberOfRequiredDyes(int& count) const;
   /// As `GetDetectorListInfo`.
-  int GetRequiredDyeListInfo(CString*& dyes) const;
+  [[nodiscard]] int GetRequiredDyeListInfo(CString*& dyes) const;
 
   // --- Data blocks (Vex2FileManagerBlocks.cpp) ---
 
@@ -315,8 +315,8 @@ class VEX2_API Vex2FileManager : public CFile {
   ///
   /// Not for raw data of a file that was saved as a whole: its header holds the offset just past
   /// the block, where this writes, and the old block stays. Use `SaveToFile` there.
-  int ReplaceAcquisitionDataBlock(const char* path, const Vex2AcquisitionData* data,
-                                  Vex2DataType type);
+  [[nodiscard]] int ReplaceAcquisitionDataBlock(const char* path, const Vex2AcquisitionData* data,
+                                                Vex2DataType type);
 
   // --- Frames (Vex2FileManagerFrames.cpp) ---
 
@@ -329,7 +329,8 @@ class VEX2_API Vex2FileManager : public CFile {
   /// data block, and a commit that trusts it damages the file although it answers 0. Append to the
   /// file that commits alone have written since the block was made, or save what precedes the run
   /// before the first frame.
-  int AppendAcquisitionDataFrame(const char* path, const Vex2FrameData* frame, Vex2DataType type);
+  [[nodiscard]] int AppendAcquisitionDataFrame(const char* path, const Vex2FrameData* frame,
+                                               Vex2DataType type);
   /// Brings a frame that is complete in memory to the file at `path`; when this answers 0 it is on
   /// the disk. Reporting blocks are not written (0). -300 without a block, -100 when the file is no
   /// readable document, -200 when it cannot be written, -260 when there is no such frame. On
@@ -343,7 +344,7 @@ class VEX2_API Vex2FileManager : public CFile {
   /// whole after its data block was made, nor after `RemoveAcquisitionDataBlock` and a save: the
   /// header then holds the offset just past the block, so the commit damages the file although it
   /// answers 0.
-  int CommitAcqDataFrame(const char* path, int frameIndex, Vex2DataType type);
+  [[nodiscard]] int CommitAcqDataFrame(const char* path, int frameIndex, Vex2DataType type);
   /// Sets one well's record in memory; frames are filled in order. False, and nothing changes, for
   /// a well that the block does not have; without a block the user is told, too. Give a frame index
   /// of at most the frame count, which begins the next frame, and a record whose first value is not
@@ -357,7 +358,7 @@ class VEX2_API Vex2FileManager : public CFile {
   bool GetAcqDataEndTime(TimeStamp& time, Vex2DataType type) const;
 
   /// Copies a frame into `frame`, which may be null. -300 without a block, -260 without the frame.
-  int ReadDataFrame(int frameIndex, Vex2FrameData* frame, Vex2DataType type) const;
+  [[nodiscard]] int ReadDataFrame(int frameIndex, Vex2FrameData* frame, Vex2DataType type) const;
   bool GetAcqDataWellRecord(Vex2WellRecord* record, int frameIndex, int wellNumber,
                             Vex2DataType type) const;
   bool GetAcqDataWellRecordForWellIndex(Vex2WellRecord* record, int frameIndex, int wellIndex,
@@ -371,16 +372,17 @@ class VEX2_API Vex2FileManager : public CFile {
 
   /// Straight from a file, which costs the header, the block's head and the frame; the document in
   /// memory stays. A frame index out of range is no error and leaves `frame` as it was.
-  int GetDataFrameCount(const char* path, int& count, Vex2DataType type);
-  int ReadDataFrame(const char* path, int frameIndex, Vex2FrameData* frame, Vex2DataType type);
+  [[nodiscard]] int GetDataFrameCount(const char* path, int& count, Vex2DataType type);
+  [[nodiscard]] int ReadDataFrame(const char* path, int frameIndex, Vex2FrameData* frame,
+                                  Vex2DataType type);
 
   // --- Acquisition status (Vex2FileManagerStatus.cpp) ---
 
   CString GetAcquisitionStatus() const;
   /// Exactly four characters; anything else is reported to the user, changes nothing, and is -261.
-  int SetAcquisitionStatus(const char* status);
+  [[nodiscard]] int SetAcquisitionStatus(const char* status);
   /// In memory and in the file's header. 0 or -200.
-  int SetAcquisitionStatus(const char* path, const char* status);
+  [[nodiscard]] int SetAcquisitionStatus(const char* path, const char* status);
   bool IsAcquisitionZero() const;
   bool IsAcquisitionProg() const;
   bool IsAcquisitionDone() const;
@@ -409,10 +411,10 @@ class VEX2_API Vex2FileManager : public CFile {
   Vex2FileManagerComponent* GetSinglePlatePtrByName(const CString& name) const;
   /// What a plate inside a study knows of its own file: name and date. Kept up to 1023 characters.
   /// Getters leave their argument as it was when there is none. Always 0.
-  int AppendPlateName(const CString& name);
-  int GetPlateName(CString& name) const;
-  int AppendLastModifiedDate(const CString& date);
-  int GetLastModifiedDate(CString& date) const;
+  [[nodiscard]] int AppendPlateName(const CString& name);
+  [[nodiscard]] int GetPlateName(CString& name) const;
+  [[nodiscard]] int AppendLastModifiedDate(const CString& date);
+  [[nodiscard]] int GetLastModifiedDate(CString& date) const;
   /// Makes the document, whatever it was, a plate for studies; in memory only.
   void ConvertAQ2RQ();
 
@@ -503,7 +505,8 @@ class VEX2_API Vex2FileManager : public CFile {
   /// since the chooser for plates always ends as if cancelled; -100 for a file that cannot be
   /// opened; -1 for one that is no document and -2 for one that is not of the kind "Kest", and then
   /// the document stays as it was; otherwise the status of the read.
-  int ReadRQPFromFile(CWnd* parent, const char* path, bool choose, CString& lastModified);
+  [[nodiscard]] int ReadRQPFromFile(CWnd* parent, const char* path, bool choose,
+                                    CString& lastModified);
   /// The chooser for plates: shows nothing and answers false, which hosts rely on. See
   /// `ChooseDocumentFile`.
   static bool RQSOpenFile(CWnd* owner, CString& path, CString& folder, const char* filter,
@@ -560,41 +563,42 @@ class VEX2_API Vex2FileManager : public CFile {
   }
 
   /// Runs an operation in memory. Refusals of the system and memory that runs out become `failure`.
-  static int guarded(int failure, vex2::FunctionRef<int()> operation);
+  [[nodiscard]] static int guarded(int failure, vex2::FunctionRef<int()> operation);
   /// Runs an operation that reads or writes files: the first refusal is the last file error, too.
-  int attempt(int failure, vex2::FunctionRef<int()> operation);
+  [[nodiscard]] int attempt(int failure, vex2::FunctionRef<int()> operation);
   /// The same with the file that is open, which is closed afterwards.
-  int guardedFile(int failure, vex2::FunctionRef<int()> operation);
+  [[nodiscard]] int guardedFile(int failure, vex2::FunctionRef<int()> operation);
   /// Replaces the file at `path` with what `write` puts into the open manager. 0 or the status.
-  int saveWhole(const char* path, vex2::FunctionRef<int()> write);
+  [[nodiscard]] int saveWhole(const char* path, vex2::FunctionRef<int()> write);
   /// Appends the component to the file at `path`, which need not be readable. 0 or -200; a write
   /// that fails leaves the file's length.
-  int appendRecord(const char* path, CComponent& component);
+  [[nodiscard]] int appendRecord(const char* path, CComponent& component);
   /// Runs `write` with the position at the open file's end, and closes. -200 when the file is not
   /// trusted; a write that fails leaves the length.
-  int appendToOpenFile(vex2::FunctionRef<int()> write);
+  [[nodiscard]] int appendToOpenFile(vex2::FunctionRef<int()> write);
   /// Opens the file at `path`, runs `look`, then `change` when `look` answers 0, and closes. -100
   /// when the file cannot be read, the status of `look`, -200 when the file cannot be written, or
   /// the status of `change`.
-  int changeFile(const char* path, vex2::FunctionRef<int()> look, vex2::FunctionRef<int()> change);
+  [[nodiscard]] int changeFile(const char* path, vex2::FunctionRef<int()> look,
+                               vex2::FunctionRef<int()> change);
 
   /// Keeps the first fault of a reading.
   void noteFault(std::uint64_t offset, const char* reason);
 
-  int ReadHeaderDataHelper(Vex2HeaderData& header, CFile* file);
-  int WriteHeaderDataHelper(std::uint32_t& headerBytes, CFile* file);
-  int UpdateThermocycleOffset(unsigned long offset);
-  int UpdateAcqDataOffset(unsigned long offset);
-  int WriteThermocycleComp();
+  [[nodiscard]] int ReadHeaderDataHelper(Vex2HeaderData& header, CFile* file);
+  [[nodiscard]] int WriteHeaderDataHelper(std::uint32_t& headerBytes, CFile* file);
+  [[nodiscard]] int UpdateThermocycleOffset(unsigned long offset);
+  [[nodiscard]] int UpdateAcqDataOffset(unsigned long offset);
+  [[nodiscard]] int WriteThermocycleComp();
   /// Writes the plate setup to the end of the open file. 0, -200 when none is open, -300 when there
   /// is no setup.
-  int WritePlateSetupComp();
+  [[nodiscard]] int WritePlateSetupComp();
 
-  int AppendAcquisitionDataBlock(const char* path, const Vex2AcquisitionData* data);
+  [[nodiscard]] int AppendAcquisitionDataBlock(const char* path, const Vex2AcquisitionData* data);
   AcquisitionDataComp* findBlock(Vex2DataType type) const;
   /// The position of the block's tag in the open file, or 0.
   long findReporterCompOffset(Vex2DataType type);
-  int readAFrame(int frameIndex, Vex2FrameData* frame, long blockOffset);
+  [[nodiscard]] int readAFrame(int frameIndex, Vex2FrameData* frame, long blockOffset);
 
   /// The components that a save writes: all of them, but for a study.
   bool isWritten(const CComponent& component) const;

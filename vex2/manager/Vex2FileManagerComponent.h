@@ -24,13 +24,13 @@ class VEX2_API Vex2FileManagerComponent final : public Vex2FileManager {
   // A null file is the plate's own.
 
   /// Writes the header, filled up with 0xFF, all components and an "EOPl" record.
-  int WriteComponentFile(CFile* file) override;
+  [[nodiscard]] int WriteComponentFile(CFile* file) override;
   /// Reads up to the first "EOPl", "EOF " or "Vex2" tag; -100 when the file ends before one.
   /// Otherwise the status of the last record that was read.
-  int ReadComponentFile(CFile* file) override;
-  int ReadHeaderData(CFile* file) override;
-  int ReadHeaderData(Vex2HeaderData& header, CFile* file) override;
-  int WriteHeaderData(CFile* file) override;
+  [[nodiscard]] int ReadComponentFile(CFile* file) override;
+  [[nodiscard]] int ReadHeaderData(CFile* file) override;
+  [[nodiscard]] int ReadHeaderData(Vex2HeaderData& header, CFile* file) override;
+  [[nodiscard]] int WriteHeaderData(CFile* file) override;
 
  protected:
   /// Does nothing: positions in an embedded plate lead nowhere.
