@@ -60,6 +60,14 @@ TEST_F(Lifecycle, BeginsClosedAndEmpty) {
   EXPECT_EQ(tagsOf(manager_), "");
 }
 
+TEST_F(Lifecycle, GetComponentIsNullOutOfRange) {
+  EXPECT_EQ(manager_.GetComponent(0), nullptr);
+  ASSERT_TRUE(manager_.InitMultiplate());
+  EXPECT_NE(manager_.GetComponent(0), nullptr);
+  EXPECT_EQ(manager_.GetComponent(1), nullptr);
+  EXPECT_EQ(manager_.GetComponent(-1), nullptr);
+}
+
 TEST_F(Lifecycle, AFileNoLongerThanTheHeaderHoldsNoComponents) {
   for (const std::size_t length : {std::size_t{4}, std::size_t{100}, std::size_t{1024}}) {
     Bytes bytes = DocumentOf("");
