@@ -13,6 +13,10 @@ add_test(NAME documents.pages
          COMMAND Python3::Interpreter ${CMAKE_CURRENT_SOURCE_DIR}/documents/check_documents.py
                  ${command})
 
+# The list of mutations must not rot: a text that has left its source would mutate nothing.
+add_test(NAME documents.mutations
+         COMMAND Python3::Interpreter ${CMAKE_CURRENT_SOURCE_DIR}/reliability/mutate.py --check)
+
 if(TARGET example_readme)
   set(run ${CMAKE_CURRENT_BINARY_DIR}/example.vex)
   add_test(NAME examples.record_run COMMAND example_record_run ${run})
