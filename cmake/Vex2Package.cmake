@@ -1,5 +1,5 @@
-# What lets other builds find the installed libraries: a CMake package and pkg-config files. Both
-# find their files relative to themselves, so an installed tree can be moved.
+# Installs a CMake package and pkg-config files, with which other builds find the libraries. Both
+# locate files relative to themselves, so that an installed tree can be moved.
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/vex2)
@@ -18,7 +18,7 @@ foreach(name vex2 vex2framework)
   install(FILES ${PROJECT_BINARY_DIR}/${name}.pc DESTINATION ${pkgconfig_dir})
 endforeach()
 
-# What a host author reads and copies from, laid out as here, so that links lead on.
+# Documents and examples for host authors, in the same folders as here, so that links work.
 install(FILES LICENSE README.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(FILES docs/format.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs)
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} USE_SOURCE_PERMISSIONS

@@ -1,4 +1,4 @@
-# vex2_add_objects(NAME SOURCES...) compiles SOURCES as a part of our libraries.
+# vex2_add_objects(NAME SOURCES...) compiles SOURCES as part of the libraries.
 function(vex2_add_objects name)
   add_library(${name} OBJECT ${ARGN})
   target_link_libraries(${name} PRIVATE vex2_flags)
@@ -7,15 +7,15 @@ function(vex2_add_objects name)
   set_target_properties(${name} PROPERTIES
     POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    # Our own calls of our own operations need no detour, and a module can be unloaded for good.
+    # Calls within a library need no indirection, and a module can be unloaded completely.
     target_compile_options(${name} PRIVATE -fno-semantic-interposition -fno-gnu-unique)
   endif()
 endfunction()
 
 # vex2_add_library(NAME EXPORT_NAME SOURCES... [OBJECTS TARGET...] [DEPENDS BASE]) compiles SOURCES
-# once and makes two libraries of them and of what vex2_add_objects compiled: NAME (shared,
-# vex2::EXPORT_NAME) and NAME_static (vex2::EXPORT_NAME_static). DEPENDS names the library of the
-# layer below, by the NAME it was made with.
+# once and makes two libraries of them and of the objects TARGET of vex2_add_objects: NAME (shared,
+# vex2::EXPORT_NAME) and NAME_static (vex2::EXPORT_NAME_static). DEPENDS is the NAME of the library
+# of the layer below.
 function(vex2_add_library name export_name)
   cmake_parse_arguments(arg "" "DEPENDS" "SOURCES;OBJECTS" ${ARGN})
   if(NOT arg_SOURCES)  # a layer that has only headers so far
@@ -48,8 +48,8 @@ function(vex2_add_library name export_name)
       target_link_libraries(${target} PUBLIC ${arg_DEPENDS}${suffix})
     endif()
     if(NOT suffix AND arg_DEPENDS)
-      # A host may find our classes by name and name nothing of ours. Many systems' compilers would
-      # then leave us out.
+      # A host may find the classes by name only, and use no symbol of the library. Many linkers
+      # would then drop the library.
       target_link_options(${target} INTERFACE LINKER:--no-as-needed)
     endif()
     if(suffix OR NOT arg_DEPENDS)
@@ -60,7 +60,7 @@ function(vex2_add_library name export_name)
 endfunction()
 
 # vex2_install_headers(FOLDER [INTERNAL HEADER...]) installs every header of FOLDER (below vex2/)
-# but those that only the library itself uses, and notes them in the global property
+# except those named INTERNAL, and adds the installed ones to the global property
 # vex2_public_headers.
 function(vex2_install_headers folder)
   cmake_parse_arguments(arg "" "" "INTERNAL" ${ARGN})
@@ -74,8 +74,8 @@ function(vex2_install_headers folder)
   endforeach()
 endfunction()
 
-# vex2_check_headers(NAME HEADERS... LINK LIBRARY...) compiles each header, named from the root of
-# the repository, on its own.
+# vex2_check_headers(NAME HEADERS... LINK LIBRARY...) compiles each header by itself. HEADERS are
+# paths from the root of the repository.
 function(vex2_check_headers name)
   cmake_parse_arguments(arg "" "" "HEADERS;LINK" ${ARGN})
   set(sources "")

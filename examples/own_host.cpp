@@ -1,4 +1,4 @@
-// A host of one's own: the library has no window, clock or settings but those that its host gives.
+// A custom host: the library gets windows, the clock and settings only from the installed host.
 //
 //     own_host RUN.vex    reads the document as if the user had chosen it in a dialog
 
@@ -11,7 +11,7 @@
 
 namespace {
 
-// What it does not override, the console host answers.
+// Operations that this class does not override behave as in the console host.
 class BenchHost : public vex2::Host {
  public:
   explicit BenchHost(std::string choice) : choice_(std::move(choice)) {}
@@ -27,7 +27,7 @@ class BenchHost : public vex2::Host {
     return true;
   }
 
-  // What stands for the system's registry: here one key with one value.
+  // Stands in for the system's registry: one key with one value.
   vex2::Setting QuerySetting(bool localMachine, const std::string& key,
                              const std::string& name) override {
     if (!localMachine || key != "Software\\Orbanet Scientific\\Vex2") return {};  // no such key
@@ -55,14 +55,14 @@ int main(int count, char** arguments) {
   int status = 0;
   {
     Vex2FileManager document;
-    status = document.ReadFromFile(nullptr);  // no path: the host is asked for one
+    status = document.ReadFromFile(nullptr);  // no path: the library asks the host
     if (status == 0 && !document.IsWhole()) {
       std::printf("read in part: %s\n", document.GetReadFault().reason);
     }
     if (status == 0) {
       std::printf("%d records, status %s\n", document.GetAllComponentCount(),
                   document.GetAcquisitionStatus().GetString());
-      // Not four characters: the host is told.
+      // Not four characters: the library shows a message through the host.
       if (document.SetAcquisitionStatus("finished") != 0) std::puts("the status stays");
     }
   }

@@ -1,5 +1,5 @@
-// Reads one frame straight from a file: that costs the frame, not the document, and works while the
-// run is still being recorded.
+// Reads one frame directly from a file. The cost depends on the frame, not on the size of the
+// document, and it works while the run is still being recorded.
 //
 //     read_frame RUN.vex FRAME
 
@@ -22,7 +22,7 @@ int main(int count, char** arguments) {
     std::fprintf(stderr, "%s: cannot be read (%d)\n", path, status);
     return 1;
   }
-  // Reading a frame that is not there is no error and leaves the frame as it was, so ask first.
+  // Reading a frame beyond the count succeeds and leaves `frame` unchanged: check the count.
   if (index < 0 || index >= frames) {
     std::fprintf(stderr, "%s: has %d frames, from 0\n", path, frames);
     return 1;

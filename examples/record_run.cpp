@@ -1,5 +1,6 @@
-// Records a run as an instrument does: each frame is on the disk before the next is read. Killed at
-// any moment, the document opens and holds every frame whose commit returned.
+// Records a run as an instrument does: each frame is on the disk before the next is measured. If
+// this program is killed at any moment, the document still opens and holds every frame whose commit
+// returned.
 //
 //     record_run RUN.vex
 
@@ -16,10 +17,10 @@ namespace {
 constexpr unsigned short kWells = 96;
 constexpr int kFrames = 3;
 
-// Stands for the instrument: what a well gives in a frame.
+// Stands in for the instrument: returns the well record of a well in a frame.
 Vex2WellRecord measure(int frame, int well) {
   Vex2WellRecord record;
-  record.leading[0] = 1;  // not 0: the record is filled
+  record.leading[0] = 1;  // nonzero marks a filled record
   record.leading[1] = static_cast<unsigned short>(frame + 1);
   record.leading[4] = record.data[0] = static_cast<unsigned short>(100 * (frame + 1) + well);
   return record;
@@ -28,8 +29,8 @@ Vex2WellRecord measure(int frame, int well) {
 int record(const char* path) {
   Vex2FileManager run;  // a document for a 96-well plate
 
-  // What is known before the run is saved as a whole, and while there is no data block: later the
-  // block must stay the file's last record.
+  // Save everything that is known before the run now, while there is no data block: later the data
+  // block must stay the last record of the file.
   run.SetSampleVolume(25);
   unsigned char steps[] = {95, 60};
   ThermocycleProgram program;
@@ -41,7 +42,7 @@ int record(const char* path) {
   if (status == 0) status = run.SaveToFile(path);
   if (status != 0) return status;
 
-  // The header leads to no data block yet, so the first commit writes the block.
+  // The header points to no data block yet, so the first commit writes the whole block.
   std::vector<unsigned short> wells(kWells);
   std::iota(wells.begin(), wells.end(), static_cast<unsigned short>(1));
   run.InitAcqDataWellNumberArray(wells.data(), kWells, DataRAWa);
@@ -54,7 +55,7 @@ int record(const char* path) {
     if (status != 0) return status;
   }
 
-  // Patched in place: the document is not written again.
+  // Patches the status in place; the rest of the document is not written again.
   return run.SetAcquisitionStatus(path, "DONE");
 }
 

@@ -1,6 +1,6 @@
 #!/bin/sh
-# Joins two simulated plates into a study and takes one out again, in the folder that is named:
-# study.sh FOLDER. VEX says where the command is, if it is not on the path.
+# study.sh FOLDER: joins two simulated plates into a study and extracts one again, in FOLDER. Set
+# VEX to the path of the command if it is not on the search path.
 set -eu
 vex=${VEX:-vex}
 cd "$1"
@@ -11,7 +11,7 @@ cd "$1"
 "$vex" study set study.vex calibrator=liver endogenous-control=18S confidence=95
 "$vex" study list study.vex
 
-# Each plate can be shown in its study, or be a document of its own again.
+# Each plate can be shown within its study, or extracted as a separate document.
 "$vex" export study.vex --plate kidney -o kidney.csv
 "$vex" study extract study.vex kidney kidney-again.vex
 "$vex" export kidney-again.vex | cmp - kidney.csv

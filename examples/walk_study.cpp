@@ -1,5 +1,5 @@
-// Joins plates into a study, keeps results, settings and threshold cycles beside each of them, and
-// reads them back. All of that but the plates lives in memory, for as long as the document does.
+// Joins plates into a study, keeps results, settings and threshold cycles beside each plate, and
+// reads them back. Only the plates can be saved; the rest exists in memory as long as the manager.
 //
 //     walk_study STUDY.vex PLATE.vex...
 
@@ -15,7 +15,7 @@ namespace {
 constexpr int kWell = 1;
 constexpr const char* kDetector = "FAM";
 
-// Stands for what an analysis computes for a well. The study destroys it.
+// Stands in for what an analysis computes for a well. The study destroys it.
 class Curve : public IDAClippedMatrix {
  public:
   explicit Curve(double theTop) : top(theTop) {}
@@ -25,13 +25,13 @@ class Curve : public IDAClippedMatrix {
 bool join(Vex2FileManager& study, const char* path) {
   Vex2FileManager plate;
   if (plate.ReadFromFile(path) != 0 || !plate.IsWhole()) return false;
-  // In a study a plate goes by its file's title, which only a path with a folder gives. A title
-  // that is there already is refused.
+  // In a study, the name of a plate is the title of its file, which only a path with a folder
+  // gives. A name that the study already has is refused.
   plate.SetFilePath(std::filesystem::absolute(path).c_str());
   return study.AddRQPlate(&plate, "today");
 }
 
-// Where the readings of the well are highest, for want of a real analysis.
+// The frame with the highest reading of the well; a real analysis would compute a threshold cycle.
 void analyse(Vex2FileManager& study, const CString& name) {
   const Vex2FileManagerComponent* plate = study.GetSinglePlatePtrByName(name);
   int top = 0;
@@ -47,7 +47,7 @@ void analyse(Vex2FileManager& study, const CString& name) {
   }
   study.SetReporterAt(name, new Curve(top), kWell, false);
 
-  // A plate's settings are a map of its own; the study destroys it with what is added to it.
+  // Each plate has its own map of settings; the study destroys the map and everything in it.
   TAGPROBE probe;
   std::copy_n(kDetector, 3, probe.name);
   study.AddAnalysisSettingsMap(name, new CAnalysisSettingsMap);

@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# Sourced by the scripts beside it: goes to the root of the source tree and says each step.
+# The other scripts source this file. It changes to the root of the source tree.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -14,7 +14,7 @@ fail() {
   exit 1
 }
 
-# build PRESET [TARGET...]: what the preset builds, or these of its targets; quiet unless it fails.
+# build PRESET [TARGET...]: builds all targets of the preset, or only these; quiet unless it fails.
 build() {
   local preset=$1 log=build/$1.log
   shift
@@ -22,7 +22,7 @@ build() {
   local targets=(${1:+--target "$@"})
   { cmake --preset "$preset" && cmake --build --preset "$preset" "${targets[@]}"; } >"$log" 2>&1 || {
     grep -vE '^\[[0-9]+/[0-9]+\] (Building|Linking)' "$log" | tail -n 100
-    fail "the build of preset $preset failed; all of it is in $log"
+    fail "the build of preset $preset failed; see $log"
   }
 }
 

@@ -1,6 +1,6 @@
-# Draws amplification curves in the terminal from readings as CSV (well, stage, cycle,
-# fluorescence; found by the names in the first line): four wells that rise, from the first to the
-# last to do so, and one that never does. -v colour=1 colours them. Any awk will do.
+# Draws amplification curves in the terminal from readings in CSV. The names in the first line
+# select the columns well, stage, cycle and fluorescence. Draws four wells that rise, from the
+# earliest to the latest, and one that does not. -v colour=1 colours them. Works with every awk.
 BEGIN { FS = ","; wide = 72; high = 20 }
 
 NR == 1 {
@@ -18,7 +18,7 @@ $column["stage"] == "amplification" {
   started = 1
 }
 
-# The cycle at which a well passes a fifth of the way to the top; past the last if it never does.
+# The cycle at which a well passes a fifth of the way to the top; beyond the last if it never does.
 function rise(well,    cycle) {
   for (cycle = 1; cycle <= last; ++cycle)
     if (reading[well, cycle] > low + (top - low) / 5) return cycle

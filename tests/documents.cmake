@@ -1,4 +1,4 @@
-# Tests of what is written: the format's description, the README, the examples.
+# Tests of documents: the format description, the README, the examples.
 
 find_package(nlohmann_json REQUIRED)
 target_link_libraries(test_format PRIVATE nlohmann_json::nlohmann_json)
