@@ -223,7 +223,7 @@ class PoweredSaves {
   void note(int status) {
     EXPECT_EQ(status, kSuccess);
     disk_.Mark();
-    documents_.emplace_back(disk_.ContentOf(kPath));
+    documents_.emplace_back(disk_.Content(kPath));
   }
 
   SilentHost host_;

@@ -4,18 +4,15 @@
 #include <string>
 #include <string_view>
 
-#include "tests/support/Files.h"
+#include "tests/support/ByteString.h"
 
 /// Documents put together byte by byte, without the library under test.
 namespace vex2::test {
 
 /// `value` in `count` bytes, the most significant first.
 inline std::string BigEndian(std::uint64_t value, int count) {
-  std::string bytes;
-  for (int shift = 8 * (count - 1); shift >= 0; shift -= 8) {
-    bytes += static_cast<char>(value >> shift & 0xFFU);
-  }
-  return bytes;
+  const Bytes bytes = ByteString().Number(value, count);
+  return {bytes.begin(), bytes.end()};
 }
 
 /// A record whose length field says `declared`, whatever the body is.
@@ -43,14 +40,25 @@ inline std::string NestedLists(std::string_view tag, int depth) {
   return bytes;
 }
 
-/// The 1024 bytes that a new document of `rows` rows and 12 columns begins with.
-inline std::string HeaderBytes(int rows = 8, char padding = '\0') {
-  std::string bytes = "Vex2" + BigEndian(2, 2) + BigEndian(2, 2) + "AbsQRtRnp9C ";
-  bytes += BigEndian(static_cast<std::uint64_t>(rows), 2) + BigEndian(12, 2) + BigEndian(0, 4);
-  bytes += '\0' + std::string(31, ' ') + "KestZERO" + BigEndian(0, 4);
-  for (int row = 0; row < rows; ++row) bytes += BigEndian(4095, 4);
-  if (bytes.size() < 1024) bytes.resize(1024, padding);
+/// The 1024 bytes that a new document of `rows` rows and 12 columns begins with, with the given
+/// position of the raw data.
+inline Bytes StoredHeader(std::uint32_t acquisitionDataOffset = 0, int rows = 8,
+                          char padding = '\0') {
+  constexpr std::size_t kSize = 1024;
+  ByteString header;
+  header.Text("Vex2").Short(2).Short(2).Text("AbsQ").Text("RtRn").Text("p9C ");
+  header.Number(static_cast<std::uint64_t>(rows), 2).Short(12).Long(0);
+  header.Byte(0).Text(std::string(31, ' ')).Text("KestZERO").Long(acquisitionDataOffset);
+  for (int row = 0; row < rows; ++row) header.Long(4095);
+  Bytes bytes = header;
+  if (bytes.size() < kSize) bytes.resize(kSize, static_cast<std::uint8_t>(padding));
   return bytes;
+}
+
+/// The same as a text.
+inline std::string HeaderBytes(int rows = 8, char padding = '\0') {
+  const Bytes bytes = StoredHeader(0, rows, padding);
+  return {bytes.begin(), bytes.end()};
 }
 
 inline Bytes DocumentOf(const std::string& records) {

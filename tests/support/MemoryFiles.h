@@ -133,6 +133,17 @@ class MemoryFiles : public FileSystem {
   std::int64_t Milliseconds() override { return now_; }
   void Pause(int milliseconds) override { now_ += milliseconds; }
 
+ protected:
+  static constexpr int kFolder = -1;  ///< the number of the one folder
+
+  /// The number of the file that is open, or that `path` leads to: from 1, and the same after it is
+  /// renamed.
+  int NumberOf(int file) {
+    const auto& node = at(file).node;
+    return node != nullptr ? static_cast<int>(node->number) : kFolder;
+  }
+  int NumberAt(const std::string& path) { return static_cast<int>(names_.at(path)->number); }
+
  private:
   struct Node {
     Bytes bytes;

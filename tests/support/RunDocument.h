@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tests/support/Files.h"
+#include "tests/support/DocumentBytes.h"
 #include "vex2/manager/Vex2FileManager.h"
 
 namespace vex2::test {
@@ -30,52 +30,6 @@ class OpenedManager : public Vex2FileManager {
     appendComponent(std::move(component));
   }
 };
-
-/// Bytes of a document under construction; numbers are big-endian.
-class ByteString {
- public:
-  ByteString& Text(std::string_view text) {
-    bytes_.insert(bytes_.end(), text.begin(), text.end());
-    return *this;
-  }
-  ByteString& Byte(unsigned value) { return number(value, 1); }
-  ByteString& Short(unsigned value) { return number(value, 2); }
-  ByteString& Long(unsigned long value) { return number(value, 4); }
-  ByteString& Raw(const Bytes& bytes) {
-    bytes_.insert(bytes_.end(), bytes.begin(), bytes.end());
-    return *this;
-  }
-  ByteString& Zeros(std::size_t count) {
-    bytes_.insert(bytes_.end(), count, 0);
-    return *this;
-  }
-  operator const Bytes&() const { return bytes_; }
-
- private:
-  ByteString& number(unsigned long value, int width) {
-    for (int shift = 8 * (width - 1); shift >= 0; shift -= 8) {
-      bytes_.push_back(static_cast<std::uint8_t>(value >> static_cast<unsigned>(shift) & 0xFFU));
-    }
-    return *this;
-  }
-
-  Bytes bytes_;
-};
-
-inline std::uint32_t LongAt(const Bytes& bytes, std::size_t at) {
-  return std::uint32_t{bytes.at(at)} << 24U | std::uint32_t{bytes.at(at + 1)} << 16U |
-         std::uint32_t{bytes.at(at + 2)} << 8U | bytes.at(at + 3);
-}
-
-inline void SetLongAt(Bytes& bytes, std::size_t at, unsigned long value) {
-  const Bytes word = ByteString().Long(value);
-  std::copy(word.begin(), word.end(), bytes.begin() + static_cast<std::ptrdiff_t>(at));
-}
-
-inline Bytes Slice(const Bytes& bytes, std::size_t from, std::size_t count) {
-  const auto first = bytes.begin() + static_cast<std::ptrdiff_t>(from);
-  return {first, first + static_cast<std::ptrdiff_t>(count)};
-}
 
 /// A filled record whose every stored value tells frame, position and place apart. The values that
 /// live in memory alone are 0, so that it reads back equal.
@@ -129,23 +83,6 @@ inline Bytes StoredBlock(std::string_view tag, std::uint16_t wells, int frames) 
   bytes.Short(2).Short(12).Zeros(12).Short(wells);
   for (const auto number : WellNumbers(wells)) bytes.Short(number);
   for (int index = 0; index < frames; ++index) bytes.Raw(StoredFrame(MakeFrame(wells, index)));
-  return bytes;
-}
-
-/// A document header as a new manager writes it, with the given position of the raw data.
-inline Bytes StoredHeader(std::uint32_t acquisitionDataOffset = 0) {
-  ByteString bytes;
-  bytes.Text("Vex2").Short(2).Short(2).Text("AbsQ").Text("RtRn").Text("p9C ");
-  bytes.Short(8).Short(12).Long(0).Byte(0).Text(std::string(31, ' '));
-  bytes.Text("Kest").Text("ZERO").Long(acquisitionDataOffset);
-  for (int row = 0; row < 8; ++row) bytes.Long(4095);
-  return bytes.Zeros(920);
-}
-
-/// Those bytes one after the other.
-inline Bytes Join(const std::vector<Bytes>& parts) {
-  ByteString bytes;
-  for (const Bytes& part : parts) bytes.Raw(part);
   return bytes;
 }
 
