@@ -26,7 +26,7 @@ class StudyTest : public DocumentTest {
     Vex2GlobalComplex settings;
     settings.SetComment(comment.data(), static_cast<std::uint32_t>(comment.size()));
     settings.SetLog(kRunLog, static_cast<std::uint32_t>(std::string_view(kRunLog).size()));
-    plate.ReplaceGlobalComplexComp(&settings);
+    EXPECT_EQ(plate.ReplaceGlobalComplexComp(&settings), kSuccess);
     const std::uint16_t wells[] = {1, 2};
     plate.InitAcqDataWellNumberArray(wells, 2, DataRAWa);
     const Vex2WellRecord record = lab::EncodeReading({.cycle = 1, .values = {77}}, false);
