@@ -12,7 +12,7 @@
 namespace vex2 {
 namespace {
 
-// An empty file under the first name that is free.
+// Creates an empty file under the first free name.
 std::string makeBackup(const std::string& path, mode_t permissions) {
   auto& files = CurrentFileSystem();
   std::string backup = path + ".backup";

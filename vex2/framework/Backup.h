@@ -10,19 +10,19 @@ namespace vex2 {
 /// Which file a path leads to.
 struct LocatedFile {
   std::string path;        ///< with symbolic links resolved
-  bool exists = false;     ///< what follows says nothing of a file that does not
-  bool isRegular = false;  ///< neither folder, pipe nor device
+  bool exists = false;     ///< if false, the following fields have no meaning
+  bool isRegular = false;  ///< false for a folder, a pipe or a device
   std::uint64_t device = 0;
-  std::uint64_t number = 0;  ///< on its device: the same for all hard links to the file
+  std::uint64_t number = 0;  ///< the inode: the same for all hard links to the file
 };
 
-/// The file that `path` leads to. Throws `CFileException` when the system does not say.
+/// Returns the file that `path` leads to. Throws `CFileException` if the system cannot tell.
 VEX2_API LocatedFile LocateFile(const std::string& path);
 
-/// Copies the file at `path` to a new file beside it, which is on the disk when this returns:
-/// "PATH.backup" or, where that is taken, "PATH.backup-2", "PATH.backup-3", and so on; no file is
-/// overwritten. The copy has the file's permissions. Returns the copy's path. Throws
-/// `CFileException` when the file cannot be read or the copy not be made, and then there is none.
+/// Copies the file at `path` to a new file beside it, which is on the disk when this returns. The
+/// name is "PATH.backup" or, if that exists, "PATH.backup-2", "PATH.backup-3", and so on; no file
+/// is overwritten. The copy has the file's permissions. Returns the copy's path. Throws
+/// `CFileException` if the file cannot be read or the copy cannot be made; no copy is left then.
 VEX2_API std::string BackUpFile(const std::string& path);
 
 }  // namespace vex2

@@ -21,8 +21,8 @@ namespace {
 constexpr std::int64_t kLockWaitMilliseconds = 2000;
 constexpr int kLockPauseMilliseconds = 1;
 
-// A jump reads little, reading on reads ever more: one frame out of a large document costs that
-// frame, and a whole document a handful of calls.
+// The first read after a seek fetches little, and each sequential read fetches more: one frame of a
+// large document costs that frame, and a whole document costs a few calls.
 constexpr std::size_t kFirstRead = std::size_t{16} * 1024;
 constexpr std::size_t kReadGrowth = 4;
 
@@ -51,7 +51,7 @@ CFile::~CFile() {
   try {
     CFile::Close();
   } catch (...) {
-    // Whoever needs to know closes the file himself.
+    // A caller that must know of a failed write calls Close.
   }
 }
 
@@ -92,7 +92,7 @@ bool CFile::openLocked(const char* path, int flags, bool exclusive, CFileExcepti
   auto& files = CurrentFileSystem();
   const std::int64_t deadline = files.Milliseconds() + kLockWaitMilliseconds;
   for (;;) {
-    // Without O_NONBLOCK a pipe in a document's place would hang whoever opens it.
+    // Without O_NONBLOCK, opening a pipe in the place of a document would block.
     handle_ = files.Open(path, flags | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0666);
     if (handle_ == -EINTR) continue;
     if (handle_ < 0) return refuse(-std::exchange(handle_, -1));
@@ -106,7 +106,7 @@ bool CFile::openLocked(const char* path, int flags, bool exclusive, CFileExcepti
     length_ = regular_ ? static_cast<std::uint64_t>(info.st_size) : 0;
     identity_ = {info.st_dev, info.st_ino};
     if (isStillAt(path)) break;
-    // A save put a new file in the place of the one whose lock we waited for.
+    // While this open waited for the lock, a save replaced the file.
     releaseHandle();
     if (files.Milliseconds() > deadline) return refuse(EWOULDBLOCK, FileOperation::kLock);
   }
@@ -118,8 +118,8 @@ bool CFile::openLocked(const char* path, int flags, bool exclusive, CFileExcepti
 
 int CFile::lockHandle(bool exclusive, std::int64_t deadline) {
   auto& files = CurrentFileSystem();
-  // Whoever stands in the gate keeps out those who come later, and so gets the lock in time. A
-  // gate that cannot be had for any other reason is done without.
+  // A waiter holds the gate so that later arrivals cannot overtake it. If the gate fails for any
+  // other reason than a holder, the lock is taken without it.
   bool isNext = false;
   for (;;) {
     int status = isNext ? 0 : files.EnterGate(handle_, exclusive);
@@ -149,7 +149,7 @@ bool CFile::isStillAt(const char* path) const {
 void CFile::Close() {
   if (handle_ < 0) return;
   if (replacement_ != nullptr) {
-    // A replacement that was never put in place leaves what it was to replace.
+    // A replacement that was never put in place leaves the old file unchanged.
     Abort();
     return;
   }
@@ -176,7 +176,7 @@ void CFile::releaseHandle() noexcept {
 
 std::size_t CFile::Read(void* buffer, std::size_t count) {
   auto* out = static_cast<std::uint8_t*>(buffer);
-  // Documents are mostly fields of a few bytes: what is at hand is handed out at once.
+  // Fast path: most reads are fields of a few bytes that are in the buffer.
   const std::uint64_t skip = position_ - bufferStart_;
   if (!dirty_ && position_ >= bufferStart_ && skip <= bufferUsed_ && count <= bufferUsed_ - skip) {
     if (count != 0) std::memcpy(out, buffer_.get() + skip, count);
@@ -212,7 +212,7 @@ std::span<const std::uint8_t> CFile::Peek(std::size_t atLeast) {
   return {buffer_.get() + skip, bufferUsed_ - skip};
 }
 
-// Leaves the buffer starting at the position.
+// Fills the buffer with bytes from the file position on.
 void CFile::fill(std::size_t atLeast) {
   useBuffer(FileOperation::kRead);
   const bool readingOn =

@@ -18,23 +18,23 @@ namespace vex2 {
 class DocumentStore;
 }  // namespace vex2
 
-/// A buffered binary file with a position.
+/// A buffered binary file with a file position, the offset at which it reads or writes next.
 ///
 /// Readers hold a shared advisory lock for as long as the file is open, writers an exclusive one;
-/// an open that cannot have its lock within two seconds fails like any failed open. On a file
-/// system without locks the file is used without. Positions and lengths are 64-bit throughout.
-/// Writes are gathered in a buffer: they have reached the system after `Flush` or `Close`, and the
-/// disk after `SyncData`. Not thread-safe; different objects are independent.
+/// an open that does not get its lock within two seconds fails like any failed open. On a file
+/// system without locks the file is used unlocked. Offsets and lengths have 64 bits. Writes are
+/// gathered in a buffer: they have reached the system after `Flush` or `Close`, and the disk after
+/// `SyncData`. Not thread-safe; different objects are independent.
 class VEX2_API CFile : public CObject {
  public:
   enum OpenFlags : unsigned {
     modeRead = 0x0000,
     modeWrite = 0x0001,
     modeReadWrite = 0x0002,
-    shareExclusive = 0x0010,  ///< the only sharing there is
-    modeCreate = 0x1000,      ///< creates the file, and empties it once its lock is held
-    modeNoTruncate = 0x2000,  ///< with modeCreate: keeps what the file holds
-    typeBinary = 0x8000,      ///< the only type there is
+    shareExclusive = 0x0010,  ///< the only sharing mode
+    modeCreate = 0x1000,      ///< creates the file, and truncates it once it is locked
+    modeNoTruncate = 0x2000,  ///< with modeCreate: keeps the content of the file
+    typeBinary = 0x8000,      ///< the only type
   };
   enum SeekPosition { begin, current, end };
 
@@ -46,94 +46,101 @@ class VEX2_API CFile : public CObject {
   const CRuntimeClass* GetRuntimeClass() const override;
   static const CRuntimeClass* ClassRecord();
 
-  /// Opens `path`, closing what was open before. False on failure, and then `error`, if given,
-  /// says why; the file is closed.
+  /// Opens `path` after closing the file that was open. Returns false on failure: then `error`, if
+  /// given, says why, and no file is open.
   [[nodiscard]] virtual bool Open(const char* path, unsigned flags,
                                   CFileException* error = nullptr);
 
-  /// Writes out what is buffered and closes. Closing a closed file does nothing. Throws
-  /// `CFileException` when buffered bytes could not be written; the file is closed all the same.
+  /// Writes the buffered bytes and closes the file. Does nothing if no file is open. Throws
+  /// `CFileException` if buffered bytes could not be written; the file is closed even then.
   virtual void Close();
 
-  /// Closes without writing out what is buffered. Never throws.
+  /// Closes the file without writing the buffered bytes. Never throws.
   virtual void Abort() noexcept;
 
-  /// Reads up to `count` bytes at the position and moves it past them. Returns how many there
-  /// were, below `count` only at the file's end. Throws when the system cannot read.
+  /// Reads up to `count` bytes at the file position and moves the position past them. Returns the
+  /// number of bytes read, which is below `count` only at the end of the file. Throws
+  /// `CFileException` if the system cannot read.
   virtual std::size_t Read(void* buffer, std::size_t count);
 
-  /// Writes `count` bytes at the position and moves it past them. Throws `CFileException`.
+  /// Writes `count` bytes at the file position and moves the position past them. Throws
+  /// `CFileException`.
   virtual void Write(const void* buffer, std::size_t count);
 
-  /// Moves the position; past the end is allowed. Returns the new position. A position before the
-  /// file's begin, or past what 63 bits hold, throws and changes nothing.
+  /// Moves the file position, also past the end of the file, and returns the new position. Throws
+  /// `CFileException` and changes nothing if the position would be below 0 or would not fit in 63
+  /// bits.
   virtual std::uint64_t Seek(std::int64_t offset, SeekPosition from);
   void SeekToBegin() { Seek(0, begin); }
   std::uint64_t SeekToEnd() { return Seek(0, end); }
 
   virtual std::uint64_t GetPosition() const;
   virtual std::uint64_t GetLength() const;
-  /// Cuts or extends (with zeros) the file to `length` bytes and leaves the position as it is.
-  /// Nothing happens on what is no regular file.
+  /// Truncates the file to `length` bytes, or extends it with zeros, and keeps the file position.
+  /// Does nothing if the file is not a regular file.
   virtual void SetLength(std::uint64_t length);
-  /// Hands the buffered bytes to the system.
+  /// Hands the buffered bytes to the system. Throws `CFileException`.
   virtual void Flush();
 
-  /// The name, the name without extension, and the whole path that the file was opened with.
+  /// The name, the name without its extension, and the whole path with which the file was opened.
   virtual CString GetFileName() const;
   virtual CString GetFileTitle() const;
   virtual CString GetFilePath() const;
 
-  /// False when no file is open or the system does not say.
+  /// Fills `status`. Returns false if no file is open or the system cannot tell.
   [[nodiscard]] bool GetStatus(CFileStatus& status) const;
   bool IsOpen() const { return handle_ >= 0; }
 
-  /// A data barrier: returns when all that was written before is on the disk. Throws.
+  /// A data barrier: returns when everything written before is on the disk. Throws
+  /// `CFileException`.
   void SyncData();
 
-  /// The buffered bytes at the position without moving it: at least `atLeast` of them, fewer only
-  /// at the file's end. `atLeast` is at most `kBufferSize`. Valid until the next operation.
+  /// Returns buffered bytes at the file position without moving it: at least `atLeast` bytes, fewer
+  /// only at the end of the file. `atLeast` is at most `kBufferSize`. The file owns the bytes; they
+  /// are valid until its next operation. Throws `CFileException`.
   std::span<const std::uint8_t> Peek(std::size_t atLeast);
 
-  /// Drops what is buffered and was not yet written out.
+  /// Drops the buffer, including bytes that were not yet written to the system.
   void DiscardBuffer() noexcept { forgetBuffer(); }
 
-  /// Bytes from the position to the end; 0 past the end.
+  /// Bytes from the file position to the end of the file; 0 past the end.
   std::uint64_t GetRemaining() const;
 
   static constexpr std::size_t kBufferSize = std::size_t{256} * 1024;
 
  protected:
-  /// Opens a new, empty file for writing that takes the place of `path` only when
-  /// `CloseReplacement` is called; until then, and when it never is, what stands at `path` is
-  /// untouched. Where a rename cannot serve (several hard links, no regular file, a folder that
-  /// takes no new file) `path` itself is opened and emptied. Permissions and symbolic links are
-  /// kept. False on failure, also where `path` could not have been opened for writing.
+  /// Opens a new, empty file for writing that replaces the file at `path` when `CloseReplacement`
+  /// is called. Without that call, the file at `path` stays unchanged. Where a rename does not work
+  /// (several hard links, not a regular file, a folder in which no file can be created), `path`
+  /// itself is opened and truncated. Permissions and symbolic links are kept. Returns false on
+  /// failure, also if `path` could not have been opened for writing.
   [[nodiscard]] bool OpenReplacement(const char* path, CFileException* error = nullptr);
 
-  /// The same for a file that is open for reading and writing and is to be changed: from here on
-  /// this is the new file, empty, and what stands at the path is untouched. False where a rename
-  /// cannot serve: then the file is open as it was. Throws `CFileException` where it failed.
+  /// Starts a replacement of the file that is open for reading and writing: this object becomes the
+  /// new, empty file, and the file at the path stays unchanged until `CloseReplacement`. Returns
+  /// false where a rename does not work; the file is then open as before. Throws `CFileException`
+  /// on failure.
   [[nodiscard]] bool ReplaceOpenFile();
 
-  /// Writes the first `count` bytes of what is being replaced, fewer where it is shorter, at the
-  /// position.
+  /// Writes the first `count` bytes of the file that is being replaced at the file position; fewer
+  /// if that file is shorter. Throws `CFileException`.
   void CopyReplaced(std::uint64_t count);
 
   /// Device and number of a file.
   using Identity = std::pair<std::uint64_t, std::uint64_t>;
 
-  /// Makes the new content durable and puts it in place, then closes. Gives the file that is there
-  /// now. Throws `CFileException`, and then the file is closed and the old content is still in
-  /// place, unless only the last step was refused, which makes the exchange itself durable.
+  /// Makes the new content durable, puts it in the place of the old file, and closes it. Returns
+  /// the identity of the file that is now at the path. If it throws `CFileException`, the file is
+  /// closed and the old content is still in place, unless only the sync of the folder failed: then
+  /// the new file is in place, but may be lost with the power.
   Identity CloseReplacement();
 
-  /// The file that was opened last; what is or was to be replaced where that was a replacement.
-  /// Both 0 where there is none.
+  /// The identity of the file that was opened last; in a replacement, of the file that is being
+  /// replaced. Both numbers are 0 if there is none.
   const Identity& GetIdentity() const { return identity_; }
 
  private:
-  // Replaces files as a whole on behalf of the class that owns both.
+  // DocumentStore calls the replacement operations for the manager.
   friend class vex2::DocumentStore;
   struct Replacement;
 
@@ -160,10 +167,10 @@ class VEX2_API CFile : public CObject {
   std::string path_;
   Identity identity_;
   std::uint64_t position_ = 0;
-  std::uint64_t length_ = 0;  // as the system has it; bytes still in the buffer may lie past it
+  std::uint64_t length_ = 0;  // in the system; bytes still in the buffer may lie behind it
 
-  // One buffer serves both directions. It holds the bytes from bufferStart_ on: read from the
-  // file, or, when dirty_, still to be written there.
+  // One buffer for reading and writing. It holds the bytes from the offset bufferStart_ on: read
+  // from the file or, if dirty_, not yet written to it.
   std::unique_ptr<std::uint8_t[]> buffer_;
   std::uint64_t bufferStart_ = 0;
   std::size_t bufferUsed_ = 0;

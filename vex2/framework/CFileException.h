@@ -7,16 +7,16 @@
 #include "vex2/framework/Export.h"
 #include "vex2/framework/FileError.h"
 
-/// What a file operation throws when the system refuses it. Never leaves the library's manager.
+/// The exception of file operations that the system refuses. It never leaves the manager.
 class VEX2_API CFileException : public std::exception {
  public:
   CFileException() = default;
-  /// `error` is the system's error number, `offset` the file position concerned, `operation` what
-  /// the system refused.
+  /// `error` is the system's error number, `offset` the offset in the file, `operation` the
+  /// operation that the system refused.
   CFileException(int error, std::string path, std::uint64_t offset,
                  vex2::FileOperation operation = vex2::FileOperation::kNone);
 
-  /// One line: the path, the offset and the system's own words.
+  /// One line: the path, the offset and the system's message.
   const char* what() const noexcept override;
   int GetError() const { return error_; }
   const std::string& GetPath() const { return path_; }

@@ -22,7 +22,7 @@ bool isDanglingLink(const char* path) {
   return ::lstat(path, &link) == 0 && S_ISLNK(link.st_mode) && ::stat(path, &target) != 0;
 }
 
-// The folder takes no new file, or the place is not ours to give to another one.
+// No file can be created in the folder, or the target cannot be replaced by another file.
 bool renameCannotServe(int error) {
   return error == EACCES || error == EPERM || error == EROFS || error == EBUSY || error == EXDEV;
 }
@@ -72,7 +72,7 @@ bool CFile::ReplaceOpenFile() {
   throw why;
 }
 
-// Where it fails, what was open is open again.
+// On failure, the file that was open is open again.
 bool CFile::beginReplacement(const std::string& target, bool exists, CFileException& error) {
   const std::uint64_t length = length_;
   replacement_ = std::make_unique<Replacement>();
@@ -108,7 +108,7 @@ bool CFile::openTemporary(CFileException& error) {
   static std::atomic<unsigned> count{0};
   auto& files = CurrentFileSystem();
   for (;;) {
-    // The name does not grow with the target's, which may be as long as names can be.
+    // The name does not contain the target's name, which may already have the greatest length.
     std::string path = vex2::FolderOf(replacement_->target) + ".vex2-save-" +
                        std::to_string(::getpid()) + "-" + std::to_string(count++);
     handle_ = files.Open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
@@ -153,7 +153,7 @@ CFile::Identity CFile::CloseReplacement() {
   return inPlace;
 }
 
-// False where the target took the content, but not the file.
+// Returns false if the content was copied into the target instead of renaming the new file.
 bool CFile::putInPlace() {
   auto& files = CurrentFileSystem();
   auto& replacement = *replacement_;
@@ -164,14 +164,14 @@ bool CFile::putInPlace() {
   }
   if (status < 0) fail(FileOperation::kRename, -status, 0);
   replacement.temporary.clear();
-  // Without this the new name may be lost with the power, and with it nothing but the new content.
+  // Without this sync, a power failure may undo the rename; the old file is then still complete.
   if (const int synced = vex2::SyncFolderOf(replacement.target); synced < 0) {
     fail(FileOperation::kSync, -synced, 0);
   }
   return true;
 }
 
-// The last resort where the folder will not exchange one file for another.
+// The last resort if the rename fails: copy the new content into the target.
 void CFile::copyInto(int target) {
   position_ = 0;
   forgetBuffer();

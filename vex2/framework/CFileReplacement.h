@@ -4,15 +4,15 @@
 
 #include "vex2/framework/CFile.h"
 
-/// What an open replacement needs to take its target's place, or to leave no trace. Internal.
+/// The state of an open replacement: what is needed to put it in place or to remove it. Internal.
 struct CFile::Replacement {
   Replacement() = default;
   Replacement(const Replacement&) = delete;
   Replacement& operator=(const Replacement&) = delete;
-  /// Removes the temporary file unless it was put in place, and lets go of the target's lock.
+  /// Removes the temporary file unless it was put in place, and releases the lock of the target.
   ~Replacement();
 
   std::string target;     ///< with symbolic links resolved
-  std::string temporary;  ///< empty when the target itself is written
-  int targetHandle = -1;  ///< holds the target's lock; -1 when there was no target
+  std::string temporary;  ///< empty if the target itself is written
+  int targetHandle = -1;  ///< holds the lock of the target; -1 if there was no target
 };

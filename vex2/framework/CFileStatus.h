@@ -6,7 +6,7 @@
 #include "vex2/framework/CTime.h"
 #include "vex2/framework/Export.h"
 
-/// What the system knows of an open file.
+/// The attributes of an open file, as the system reports them.
 struct VEX2_API CFileStatus {
   CTime modificationTime;  ///< when its content last changed
   std::uint64_t size = 0;  ///< bytes

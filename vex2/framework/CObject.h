@@ -13,8 +13,8 @@ class VEX2_API CObject {
   virtual const CRuntimeClass* GetRuntimeClass() const;
   virtual ~CObject();
 
-  /// Hooks that the library leaves empty: documents have a format of their own, and neither
-  /// validity checks nor dumps are needed by any host.
+  /// Hooks that the library leaves empty: documents have their own format, and no host needs
+  /// validity checks or dumps.
   virtual void Serialize();
   virtual void AssertValid() const;
   virtual void Dump() const;

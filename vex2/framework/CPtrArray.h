@@ -8,8 +8,9 @@
 #include "vex2/framework/Export.h"
 #include "vex2/framework/Slot.h"
 
-/// A growable array of pointers, which it does not own, with indexes from 0. Reading out of range
-/// gives null, writing there does nothing. Arrays are moved, never copied. Not thread-safe.
+/// A growable array of pointers that it does not own, with indexes from 0. Reading out of range
+/// returns null; writing out of range does nothing. Arrays are moved, never copied. Not
+/// thread-safe.
 class VEX2_API CPtrArray : public CObject {
  public:
   CPtrArray() = default;
@@ -20,12 +21,12 @@ class VEX2_API CPtrArray : public CObject {
   static const CRuntimeClass* ClassRecord();
 
   int GetSize() const { return static_cast<int>(size_); }
-  /// How many entries fit before memory is taken again.
+  /// The number of entries that fit before the array allocates again.
   int GetCapacity() const { return static_cast<int>(capacity_); }
 
-  /// Cuts the array to `size` entries or adds null ones; below 0 does nothing. `growBy` sets how
-  /// many entries the capacity grows by at least when it has to, from then on: 0 is an eighth of
-  /// the size, between 4 and 1024, and below 0 leaves the step as it is.
+  /// Truncates the array to `size` entries, or extends it with null entries; a negative `size` does
+  /// nothing. `growBy` sets the smallest step by which the capacity grows from then on: 0 means an
+  /// eighth of the size, between 4 and 1024; a negative value keeps the step.
   void SetSize(int size, int growBy = -1);
 
   void* GetAt(int index) const;

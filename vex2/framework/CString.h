@@ -11,7 +11,7 @@ class VEX2_API CString {
  public:
   CString() = default;
   /// A null pointer gives the empty text.
-  CString(const char* text);  // NOLINT: hosts hand in literals
+  CString(const char* text);  // NOLINT: hosts pass literals
   /// The first `length` characters of `text`, zero bytes included.
   CString(const char* text, int length);
   explicit CString(std::string_view text) : text_(text) {}
@@ -32,10 +32,10 @@ class VEX2_API CString {
   CString& operator+=(const CString& tail);
   CString& operator+=(char tail);
   friend VEX2_API CString operator+(const CString& left, const CString& right);
-  /// Without it, `path + '/'` would move the pointer that a text converts to.
+  /// Needed because `path + '/'` would otherwise add to the pointer that a text converts to.
   friend VEX2_API CString operator+(const CString& left, char right);
 
-  /// All characters count, case and zero bytes included.
+  /// Compares all characters, including zero bytes; case-sensitive.
   friend bool operator==(const CString& left, const CString& right) {
     return left.text_ == right.text_;
   }
@@ -46,20 +46,21 @@ class VEX2_API CString {
     return left.text_ < right.text_;
   }
 
-  /// Below, at or above 0 as this text sorts before, with or after `other`, byte by byte.
+  /// Returns a value below, equal to or above 0 if this text sorts before, equal to or after
+  /// `other`, byte by byte.
   int Compare(const char* other) const;
   /// Index of the first `character` at or after `start`, or -1.
   int Find(char character, int start = 0) const;
-  /// Index of the first place where `part` stands, or -1.
+  /// Index of the first occurrence of `part` at or after `start`, or -1.
   int Find(const char* part, int start = 0) const;
   /// Index of the last `character`, or -1.
   int ReverseFind(char character) const;
-  /// Parts; indexes and counts are cut to what the text holds.
+  /// Parts of the text. Indexes and counts are limited to the length of the text.
   CString Left(int count) const;
   CString Right(int count) const;
   CString Mid(int first) const;
   CString Mid(int first, int count) const;
-  /// Turns ASCII letters to upper case, whatever the locale.
+  /// Converts ASCII letters to upper case, independent of the locale.
   void MakeUpper();
 
  private:

@@ -13,21 +13,21 @@ class VEX2_API CTime {
   constexpr CTime() = default;
   constexpr explicit CTime(std::int64_t secondsSince1970) : seconds_(secondsSince1970) {}
 
-  /// The present time as the installed host has it, see `vex2::Host::Now`.
+  /// The current time of the installed host, see `vex2::Host::Now`.
   static CTime GetCurrentTime();
 
   std::int64_t GetTime() const { return seconds_; }
 
-  /// The moment in local time, written by a pattern as of `strftime`, with the English names of
-  /// the "C" locale whatever the process's locale is: "%b %d, %Y %I:%M %p" gives
-  /// "Mar 07, 2002 04:05 PM". Empty for a null pattern and for a year that the calendar of the
-  /// system cannot express.
+  /// The moment in local time, formatted by a pattern of `strftime` with the English names of the
+  /// "C" locale, independent of the locale of the process: "%b %d, %Y %I:%M %p" gives "Mar 07, 2002
+  /// 04:05 PM". Returns the empty text for a null pattern, and for a year that the system's
+  /// calendar cannot express.
   CString Format(const char* pattern) const;
 
   friend constexpr auto operator<=>(const CTime&, const CTime&) = default;
 
-  /// The time from `earlier` to `later`. What 64 bits cannot hold becomes the nearest that they
-  /// can.
+  /// The time from `earlier` to `later`. A result that does not fit in 64 bits becomes the nearest
+  /// value that does.
   friend VEX2_API CTimeSpan operator-(const CTime& later, const CTime& earlier);
 
  private:

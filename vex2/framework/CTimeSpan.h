@@ -6,7 +6,7 @@
 #include "vex2/framework/CString.h"
 #include "vex2/framework/Export.h"
 
-/// A length of time in whole seconds; negative when it runs backwards, and then so are its parts.
+/// A length of time in whole seconds. In a negative span, all parts are negative or 0.
 class VEX2_API CTimeSpan {
  public:
   constexpr CTimeSpan() = default;

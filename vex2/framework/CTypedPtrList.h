@@ -4,7 +4,7 @@
 
 #include "vex2/framework/Position.h"
 
-/// A `Base`, which is CPtrList or CObList, all of whose entries are of the type `Pointer`.
+/// A list of pointers of the type `Pointer`. `Base` is CPtrList or CObList.
 template <class Base, class Pointer>
 class CTypedPtrList : public Base {
   static_assert(std::is_pointer_v<Pointer>);

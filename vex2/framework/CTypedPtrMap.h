@@ -5,8 +5,8 @@
 #include "vex2/framework/Position.h"
 #include "vex2/framework/Slot.h"
 
-/// A `Base`, which is CMapStringToOb with CString as `Key`, all of whose entries point at objects
-/// of the type `Pointer`.
+/// A map from texts to pointers of the type `Pointer`. `Base` is CMapStringToOb and `Key` is
+/// CString.
 template <class Base, class Key, class Pointer>
 class CTypedPtrMap : public Base {
   static_assert(std::is_pointer_v<Pointer>);

@@ -6,7 +6,8 @@ namespace vex2 {
 class Host;
 }
 
-/// Tells the host that a long operation runs for as long as the object lives.
+/// Tells the host that a long operation runs, from the construction to the destruction of the
+/// object.
 class VEX2_API CWaitCursor {
  public:
   CWaitCursor();
@@ -15,5 +16,5 @@ class VEX2_API CWaitCursor {
   CWaitCursor& operator=(const CWaitCursor&) = delete;
 
  private:
-  vex2::Host* host_;  // the one that was told of the begin is told of the end
+  vex2::Host* host_;  // EndWait goes to the host that received BeginWait
 };

@@ -3,8 +3,8 @@
 #include "vex2/framework/CObject.h"
 #include "vex2/framework/Export.h"
 
-/// A window of the host. The library never looks inside one: it takes it from its caller and hands
-/// it to the host's file chooser, so a host derives its own window from this and casts it back.
+/// A window of the host. The library only passes it from its caller to the host's file chooser. A
+/// host derives its own window class from this one and casts the pointer back.
 class VEX2_API CWnd : public CObject {
  public:
   CWnd() = default;

@@ -1,4 +1,4 @@
-// The lists and maps are templates; what is left to compile of them is who they are.
+// The lists and maps are templates; only their run-time classes need a source file.
 
 #include "vex2/framework/CMapStringToOb.h"
 #include "vex2/framework/CObList.h"

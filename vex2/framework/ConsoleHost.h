@@ -25,8 +25,8 @@
 /// over, so are lines behind the first `kSettingsFileLimit` bytes of a file.
 namespace vex2 {
 
-/// The largest part of a settings file that is looked at: a settings file is small, and what is
-/// larger is something else that got in its place.
+/// Bytes at the start of a settings file that are read. Settings files are small; a larger file is
+/// something else.
 inline constexpr std::size_t kSettingsFileLimit = std::size_t{1024} * 1024;
 
 /// The files that hold the settings of the current user, or of the machine, best first. The user's
@@ -35,9 +35,9 @@ inline constexpr std::size_t kSettingsFileLimit = std::size_t{1024} * 1024;
 /// administrator is needed to try a setting.
 VEX2_API std::vector<std::string> SettingsFiles(bool localMachine);
 
-/// The setting `name` under `key` in the first of `files` that has it. When none has: `NoValue` if
-/// a file has the section `key`, nothing if none does. A file that is missing, no regular file or
-/// cannot be read has no settings.
+/// The setting `name` under `key` in the first of `files` that has it. If none has it: `NoValue` if
+/// a file has the section `key`, otherwise nothing (`std::monostate`). A file that is missing, is
+/// not a regular file or cannot be read has no settings.
 VEX2_API Setting FindSetting(std::span<const std::string> files, const std::string& key,
                              const std::string& name);
 

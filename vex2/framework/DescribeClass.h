@@ -8,8 +8,8 @@
 
 namespace vex2 {
 
-/// The run-time record of `Class`, which derives from the class whose record is `base`. An object
-/// of it can be made by name where it has a public default constructor.
+/// Returns the run-time record of `Class`, which derives from the class with the record `base`.
+/// Objects can be created by name if `Class` has a public default constructor.
 template <class Class>
 CRuntimeClass DescribeClass(const char* name, const CRuntimeClass* base) {
   CRuntimeClass record{name, sizeof(Class), base, nullptr};

@@ -63,7 +63,7 @@ class ModuleList {
   std::vector<const ExtensionModule*> modules_;
 };
 
-// Never destroyed: a module that the system unloads when the process ends still takes itself out.
+// Never destroyed, because modules unregister themselves when the system unloads them at exit.
 ModuleList& modules() {
   static auto* const list = new ModuleList;
   return *list;

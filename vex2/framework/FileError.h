@@ -7,39 +7,39 @@
 
 namespace vex2 {
 
-/// What was being done to a file.
+/// An operation on a file.
 enum class FileOperation : std::uint8_t {
-  kNone,    ///< nothing, or it is not known
+  kNone,    ///< none, or unknown
   kOpen,    ///< finding and opening it
   kLock,    ///< waiting for its lock
-  kCreate,  ///< making the new file that is to take its place, or its backup
+  kCreate,  ///< creating the file that replaces it, or its backup
   kRead,
   kSeek,
   kWrite,
   kResize,
-  kSync,    ///< waiting until what was written is on the disk
+  kSync,    ///< waiting until written bytes are on the disk
   kRename,  ///< putting the new file in its place
 };
 
 /// Why an operation on a file failed.
 enum class FileErrorReason : std::uint8_t {
-  kNone,              ///< it did not, or for another reason than its file
+  kNone,              ///< it did not fail, or the file was not the reason
   kSystem,            ///< the system refused; `FileError::systemError` says why
   kLocked,            ///< another program or manager holds the file's lock
-  kNotADocument,      ///< the file is no "Vex2" document
-  kNotOpen,           ///< the operation works on the open file, and none is open
+  kNotADocument,      ///< the file does not begin with "Vex2"
+  kNotOpen,           ///< the operation needs an open file, and none is open
   kNoPath,            ///< the path is null
   kNoMemory,          ///< memory ran out
-  kFailedSyncBefore,  ///< the disk failed to store an earlier change, so nothing more is written
+  kFailedSyncBefore,  ///< an earlier sync of this file failed, so it is not changed again
 };
 
-/// What kept an operation on a file from success.
+/// Why and where an operation on a file failed.
 struct FileError {
-  CString path;  ///< of the file concerned; empty where memory ran out, too
+  CString path;  ///< path of the file; may be empty if memory ran out
   FileOperation operation = FileOperation::kNone;
   FileErrorReason reason = FileErrorReason::kNone;
   int systemError = 0;       ///< the system's error number (errno); 0 unless the system refused
-  std::uint64_t offset = 0;  ///< where in the file, in bytes from its start; 0 where none applies
+  std::uint64_t offset = 0;  ///< bytes from the start of the file; 0 if none applies
 };
 
 }  // namespace vex2

@@ -29,8 +29,8 @@ Result orError(Result result) {
   return result < 0 ? static_cast<Result>(-errno) : result;
 }
 
-// The gate is one byte that no document reaches. Its locks belong to the open file as the main
-// lock does, and are given up with it.
+// The gate is one byte at an offset that no document reaches. Its locks belong to the open file,
+// like the main lock, and are released with it.
 constexpr off_t kGateAt = std::numeric_limits<off_t>::max() - 1;
 
 int setGate(int file, short type) {
@@ -113,8 +113,8 @@ int FileSystem::Remove(const char* path) {
 int FileSystem::CopyAttributes(int model, int file) {
   struct stat info {};
   if (const int status = Stat(model, info); status < 0) return status;
-  // Another user's file stays writable for those who may write it, even if its owner changes:
-  // group and permissions are tried in turn, and a refusal of the owner alone is no failure.
+  // Another user's file must stay writable for the same users even if its owner changes. Group and
+  // permissions are tried in turn; a refusal to set the owner alone is not a failure.
   if (::fchown(file, info.st_uid, info.st_gid) != 0) {
     [[maybe_unused]] const int ignored = ::fchown(file, static_cast<uid_t>(-1), info.st_gid);
   }

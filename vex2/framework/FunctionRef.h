@@ -10,8 +10,8 @@ namespace vex2 {
 template <typename Signature>
 class FunctionRef;
 
-/// A callable that is handed down for the length of one call. Borrows it; unlike `std::function` it
-/// never allocates, so that handing down an operation cannot itself run out of memory.
+/// A reference to a callable, valid during one call. It does not own the callable and, unlike
+/// `std::function`, never allocates, so that passing an operation cannot run out of memory.
 template <typename Result, typename... Arguments>
 class FunctionRef<Result(Arguments...)> {
  public:

@@ -11,7 +11,7 @@ namespace {
 
 std::atomic<Host*> installedHost = nullptr;
 
-// Never destroyed: objects that end after us may still be asked to trace or to read a setting.
+// Never destroyed: static objects that are destroyed later may still trace or read a setting.
 Host& consoleHost() {
   static Host* const host = new Host;
   return *host;

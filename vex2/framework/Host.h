@@ -12,60 +12,63 @@ class CWnd;
 
 namespace vex2 {
 
-/// What a host's file chooser is asked for.
+/// A request to the host's file chooser.
 struct ChooserRequest {
   CWnd* owner = nullptr;         ///< the window that the chooser belongs to, or null
   std::string title;             ///< e.g. "Select Vex File to Open"
-  std::string filter;            ///< pairs of description and pattern, each text ended by a zero
-                                 ///< byte, the whole by one more
+  std::string filter;            ///< pairs of description and pattern; a zero byte ends each
+                                 ///< text, and one more ends the list
   std::string defaultExtension;  ///< without a dot
   std::string initialName;       ///< may be empty
   std::string initialFolder;     ///< may be empty
 };
 
-/// What the user chose.
+/// The user's choice.
 struct ChooserResult {
   std::string path;   ///< the whole path
   std::string title;  ///< the chosen file's name without its folder
 };
 
-/// The key is there, but has no value of the name that was asked for.
+/// Means that the key exists but has no value with the requested name.
 struct NoValue {
   friend bool operator==(NoValue, NoValue) = default;
 };
 
-/// What the host's settings store answers: nothing (`std::monostate`) when the key cannot be
-/// opened, `NoValue` when it can but lacks the value, else the value, a number or a text.
+/// A result of the host's settings store: nothing (`std::monostate`) if the key cannot be opened,
+/// `NoValue` if the key exists without the value, otherwise the value, a number or a text.
 using Setting = std::variant<std::monostate, std::uint32_t, std::string, NoValue>;
 
-/// The one seam between the library and the desktop it runs on. A host application derives from
-/// it and installs its own with `SetHost`; the library calls it on the thread that called the
-/// library. Every operation has the console host's answer as its default; none may throw.
+/// The only interface between the library and the desktop. A host application derives from it and
+/// installs its own object with `SetHost`; the library calls it on the thread that called the
+/// library. By default every operation behaves as in the console host. No operation may throw.
 class VEX2_API Host {
  public:
   virtual ~Host();
 
   /// Shows `text` to the user with an OK button. The console host writes it to standard error.
   virtual void ShowMessage(const std::string& text);
-  /// Lets the user choose a file. False when cancelled or failed; the console host always cancels.
+  /// Lets the user choose a file. Returns false if the user cancelled or the chooser failed; the
+  /// console host always cancels.
   virtual bool ChooseFile(const ChooserRequest& request, ChooserResult& result);
-  /// The value `name` under `key` (parts separated by single backslashes), of the machine or of
-  /// the current user. A key that cannot be opened and a value that is missing are two answers, for
-  /// the library takes a default only for the second. The console host reads an INI file, see
+  /// The value `name` under `key` (parts separated by single backslashes), of the machine or of the
+  /// current user. A key that cannot be opened and a missing value are different results, because
+  /// the library uses a default only for a missing value. The console host reads an INI file, see
   /// `ConsoleHost.h`.
   virtual Setting QuerySetting(bool localMachine, const std::string& key, const std::string& name);
-  /// A long operation begins and ends; calls nest. The console host shows nothing.
+  /// Mark the begin and end of a long operation; calls may be nested. The console host shows
+  /// nothing.
   virtual void BeginWait();
   virtual void EndWait();
-  /// A line for the diagnostic trace, its line end included. The console host drops it.
+  /// Writes a line, which includes its line end, to the diagnostic trace. The console host drops
+  /// it.
   virtual void Trace(const std::string& text);
-  /// The present time, in seconds.
+  /// The current time, in seconds.
   virtual CTime Now();
 };
 
-/// Installs `host` for the whole process and returns the one that was installed before, null when
-/// that was the console host. Null brings the console host back. The host stays the caller's and
-/// must outlive its installation. Not to be called while another thread is inside the library.
+/// Installs `host` for the whole process; null installs the console host. Returns the host that was
+/// installed before, null if that was the console host. The caller keeps ownership, and the host
+/// must outlive its installation. Do not call this while another thread uses the library.
 VEX2_API Host* SetHost(Host* host);
 
 /// The installed host; never null.

@@ -7,17 +7,16 @@
 
 namespace vex2 {
 
-/// What the framework's lists share: a doubly linked list of `Value`s, walked by positions:
+/// The base of the framework's lists: a doubly linked list of `Value`s, walked by positions:
 ///
 ///     for (POSITION at = list.GetHeadPosition(); at != nullptr;) use(list.GetNext(at));
-///
-/// A list of pointers does not own what they point at. Where there is nothing to give, a null
-/// position or the empty value (null, the empty text) is given; a null position that is handed in
-/// does nothing. Lists are moved, never copied; a move keeps positions good. Not thread-safe.
+/// A list of pointers does not own the objects. An operation without a result returns a null
+/// position or the empty value (null, the empty text); an operation on a null position does
+/// nothing. Lists are moved, never copied; positions stay valid after a move. Not thread-safe.
 template <class Value>
 class ListOf {
  public:
-  /// The block size is how many entries to allocate at a time, and no longer used.
+  /// The block size was the number of entries to allocate at a time; it is no longer used.
   explicit ListOf(int /*blockSize*/ = 10) {}
   ListOf(ListOf&& other) noexcept { *this = std::move(other); }
   ListOf& operator=(ListOf&& other) noexcept {
@@ -36,11 +35,11 @@ class ListOf {
   Value GetHead() const { return GetAt(GetHeadPosition()); }
   Value GetTail() const { return GetAt(GetTailPosition()); }
 
-  /// Put `value` first or last, and return its position.
+  /// Add `value` as the first or last entry, and return its position.
   POSITION AddHead(const Value& value) { return insert(nullptr, first_, value); }
   POSITION AddTail(const Value& value) { return insert(last_, nullptr, value); }
 
-  /// Take the first or last entry out, and return its value.
+  /// Remove the first or last entry, and return its value.
   Value RemoveHead() { return take(GetHeadPosition()); }
   Value RemoveTail() { return take(GetTailPosition()); }
   void RemoveAt(POSITION position) { take(position); }
@@ -53,7 +52,7 @@ class ListOf {
   POSITION GetHeadPosition() const { return toPosition(first_); }
   POSITION GetTailPosition() const { return toPosition(last_); }
 
-  /// Return the value at `position` and move that on to the next or previous one.
+  /// Return the value at `position`, and move `position` to the next or previous entry.
   Value GetNext(POSITION& position) const {
     const Value value = GetAt(position);
     if (position != nullptr) position = toPosition(toNode(position)->next);
@@ -72,13 +71,14 @@ class ListOf {
     if (position != nullptr) toNode(position)->value = value;
   }
 
-  /// The first entry with this value, behind `after` when that is not null.
+  /// The position of the first entry with this value; if `after` is not null, of the first behind
+  /// it.
   POSITION Find(const Value& value, POSITION after = nullptr) const {
     Node* node = after != nullptr ? toNode(after)->next : first_;
     while (node != nullptr && !(node->value == value)) node = node->next;
     return toPosition(node);
   }
-  /// The entry at `index`, from 0; null for an index out of range.
+  /// The position of the entry at `index`, from 0; null for an index out of range.
   POSITION FindIndex(int index) const {
     if (index < 0 || index >= GetCount()) return nullptr;
     Node* node = first_;

@@ -11,21 +11,20 @@
 
 namespace vex2 {
 
-/// What the framework's maps share: texts, compared exactly, to pointers that the map does not
-/// own. It is walked in the order of its keys:
+/// The base of the framework's maps: from texts, compared exactly, to pointers that the map does
+/// not own. It is walked in the order of its keys:
 ///
 ///     for (POSITION at = map.GetStartPosition(); at != nullptr;) {
 ///       map.GetNextAssoc(at, key, value);
 ///       ...  // may remove `key`
 ///     }
-///
-/// Maps are moved, never copied; a move keeps positions good. Not thread-safe.
+/// Maps are moved, never copied; positions stay valid after a move. Not thread-safe.
 template <class Pointer>
 class MapOf {
  public:
   using Stored = Pointer;
 
-  /// The block size is how many entries to allocate at a time, and no longer used.
+  /// The block size was the number of entries to allocate at a time; it is no longer used.
   explicit MapOf(int /*blockSize*/ = 10) {}
   MapOf(MapOf&& other) noexcept { *this = std::move(other); }
   MapOf& operator=(MapOf&& other) noexcept {
@@ -41,20 +40,21 @@ class MapOf {
   int GetCount() const { return static_cast<int>(count_); }
   bool IsEmpty() const { return count_ == 0; }
 
-  /// Whether there is an entry for `key`, and then `value` is set to its pointer.
+  /// Sets `value` to the pointer for `key`. Returns false and leaves `value` unchanged without an
+  /// entry.
   bool Lookup(const CString& key, Pointer& value) const {
     const std::size_t place = placeOf(key);
     if (!holds(place, key)) return false;
     value = entries_[place]->value;
     return true;
   }
-  /// The pointer for `key`, null without an entry.
+  /// The pointer for `key`; null without an entry.
   Pointer GetAt(const CString& key) const {
     Pointer value = nullptr;
     Lookup(key, value);
     return value;
   }
-  /// Adds an entry for `key`, or gives the one there is another pointer.
+  /// Adds an entry for `key`, or changes the pointer of the existing entry.
   void SetAt(const CString& key, Pointer value) {
     const std::size_t place = placeOf(key);
     if (holds(place, key)) {
@@ -67,7 +67,7 @@ class MapOf {
   Pointer operator[](const CString& key) const { return GetAt(key); }
   Slot<MapOf, CString, Pointer> operator[](const CString& key) { return {*this, key}; }
 
-  /// False when there was no entry for `key`.
+  /// Removes the entry for `key`. Returns false if there was none.
   bool RemoveKey(const CString& key) {
     const std::size_t place = placeOf(key);
     if (!holds(place, key)) return false;
@@ -81,8 +81,8 @@ class MapOf {
   }
 
   POSITION GetStartPosition() const { return toPosition(0); }
-  /// Sets `key` and `value` to the entry at `position` and moves that on to the next one. A null
-  /// position changes nothing.
+  /// Sets `key` and `value` to the entry at `position`, and moves `position` to the next entry. A
+  /// null position changes nothing.
   void GetNextAssoc(POSITION& position, CString& key, Pointer& value) const {
     if (position == nullptr) return;
     const auto* const entry = reinterpret_cast<const Entry*>(position);
@@ -90,8 +90,8 @@ class MapOf {
     value = entry->value;
     position = toPosition(placeOf(entry->key) + 1);
   }
-  /// The pointer at `position`, which moves on to the next entry; null at a null position. Takes no
-  /// memory, which the copy of a key may.
+  /// Returns the pointer at `position`, and moves `position` to the next entry; null for a null
+  /// position. Unlike `GetNextAssoc`, which copies the key, it never allocates.
   Pointer GetNextValue(POSITION& position) const {
     if (position == nullptr) return nullptr;
     const auto* const entry = reinterpret_cast<const Entry*>(position);
@@ -100,13 +100,13 @@ class MapOf {
   }
 
  private:
-  // A position is the address of an entry, which stays where it is until it is removed.
+  // A position is the address of an entry, which does not change until the entry is removed.
   struct Entry {
     CString key;
     Pointer value;
   };
 
-  // Where `key` stands, or would have to.
+  // The index of `key`, or the index at which it would be inserted.
   std::size_t placeOf(const CString& key) const {
     Entry* const* const begin = entries_.get();
     return static_cast<std::size_t>(std::lower_bound(begin, begin + count_, key,

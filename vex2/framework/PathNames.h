@@ -2,8 +2,8 @@
 
 #include <string_view>
 
-/// The parts of a path. Documents are exchanged between systems, so a backslash always separates,
-/// and so does the "/" of this one. Internal.
+/// The parts of a path. A backslash always separates them, because documents are exchanged between
+/// systems; so does "/", the separator of this system. Internal.
 namespace vex2 {
 
 inline std::string_view FileNameOf(std::string_view path) {
@@ -11,7 +11,7 @@ inline std::string_view FileNameOf(std::string_view path) {
   return separator == std::string_view::npos ? path : path.substr(separator + 1);
 }
 
-/// The name without its extension. A name that begins with its only dot has none.
+/// The name without its extension. A name whose only dot is its first character has no extension.
 inline std::string_view FileTitleOf(std::string_view path) {
   const auto name = FileNameOf(path);
   const auto dot = name.rfind('.');

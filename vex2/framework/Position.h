@@ -3,8 +3,8 @@
 #include "vex2/framework/Language.h"
 
 namespace vex2 {
-struct Place;  // never defined: only the container that handed a position out knows what it is
+struct Place;  // never defined: only the container that returned a position can use it
 }
 
-/// A place in a list or a map; null is none. It stays good until its entry is removed.
+/// Refers to an entry of a list or a map; null refers to none. Valid until the entry is removed.
 using POSITION = vex2::Place*;

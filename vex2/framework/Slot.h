@@ -4,16 +4,16 @@
 
 namespace vex2 {
 
-/// What the subscript of a container of pointers gives: it reads as the pointer that is there, null
-/// where none is, and what is assigned to it is stored as `SetAt` does. Reading adds no entry.
-/// Good for as long as the container is.
+/// The result of the subscript operator of a container of pointers. Reading it returns the pointer,
+/// null if there is none, and adds no entry; assigning to it calls `SetAt`. Valid as long as the
+/// container.
 template <class Container, class Index, class Pointer>
 class Slot {
  public:
   Slot(Container& container, const Index& index) : container_(container), index_(index) {}
   Slot(const Slot&) = default;
 
-  operator Pointer() const { return container_.GetAt(index_); }  // NOLINT: stands for the pointer
+  operator Pointer() const { return container_.GetAt(index_); }  // NOLINT: represents the pointer
   Pointer operator->() const { return *this; }
 
   Slot& operator=(Pointer pointer) {
