@@ -59,7 +59,7 @@ int CComponent::Write(CFile* file) {
   if (file == nullptr) return vex2::kWriteFailed;
   file->Write(tag_, sizeof tag_);
   vex2::WriteField(*file, length_);
-  // The body's status is not passed on: a refused write is the file's exception.
+  // The body's status is ignored: a refused write throws the file's exception.
   if (length_ != 0) static_cast<void>(WriteBody(file));
   return vex2::kSuccess;
 }

@@ -7,17 +7,15 @@
 #include "vex2/framework/CObject.h"
 #include "vex2/framework/CString.h"
 
-/// One record of a document: a four-character tag, a 32-bit body length and a body.
-///
-/// `length` is what stands in the record's length field. Operations that change a component keep
-/// it equal to what `WriteBody` writes, but for the cases that say otherwise.
-///
-/// The virtual operations stand in the order that the binary interface fixes. Reading and writing
-/// throw nothing of their own; `CFileException` passes through when the system refuses a read or
-/// a write. Components are not thread-safe; different components are independent.
+/// One record of a document: a four-character tag, a 32-bit body length and a body. `length` is the
+/// value of the record's length field. Operations that change a component keep it equal to the
+/// number of bytes that `WriteBody` writes, unless their comment says otherwise. The binary
+/// interface fixes the order of the virtual operations. Reading and writing throw nothing
+/// themselves; the `CFileException` of a file passes through if the system refuses a read or a
+/// write. Components are not thread-safe; different components are independent.
 class VEX2_API CComponent : public CObject {
  public:
-  /// `tag` is cut to four characters, and filled up with blanks.
+  /// `tag` is truncated to four characters, or padded with spaces.
   explicit CComponent(std::string_view tag, std::uint32_t length = 0);
   CComponent(const CComponent&) = delete;
   CComponent& operator=(const CComponent&) = delete;
@@ -25,47 +23,47 @@ class VEX2_API CComponent : public CObject {
   const CRuntimeClass* GetRuntimeClass() const override;
   static const CRuntimeClass* ClassRecord();
 
-  /// Takes over the content of `source` when that has the same tag; otherwise does nothing.
+  /// Copies the content of `source` if it has the same tag; otherwise does nothing.
   virtual CComponent& Assign(const CComponent& source);
 
-  /// Reads the record at the file's position: header and body. Adds the size of the record as it
-  /// is held afterwards to `counter`, also when the body failed. A null file gives -100, a header
-  /// that cannot be read -300, and so does a record that stands too deep. After a failure the
-  /// component is partly filled and of no use.
+  /// Reads the record at the file position: tag, length and body. Adds the size of the record, as
+  /// the component holds it afterwards, to `counter`, also if the body failed. Returns -100 for a
+  /// null file, -300 if tag and length cannot be read or the record is nested too deep, otherwise
+  /// the status of the body. After a failure the component is partly filled and must not be used.
   virtual int Read(CFile* file, std::uint32_t& counter);
-  /// The same without a counter.
+  /// Reads the record at the file position; the statuses are those of the operation with a counter.
   virtual int Read(CFile* file);
 
-  /// Writes the record at the file's position. 0, or -200 for a null file; what the body's writer
-  /// answers is not passed on.
+  /// Writes the record at the file position. Returns 0, or -200 for a null file; ignores the status
+  /// of `WriteBody`.
   virtual int Write(CFile* file);
 
-  /// Bytes of the whole record on disk: its length and 8 more.
+  /// Bytes of the whole record in the file: its length plus 8.
   virtual std::uint64_t GetSize() const;
 
-  /// Make and drop the memory behind the body, in the families that have any.
+  /// Allocate and release the memory of the body, in classes that have any.
   virtual void AllocateBody();
   virtual void FreeBody();
 
   virtual bool IsPlateSetupComp() const;
   virtual bool IsThermocycleComp() const;
 
-  /// The text of a component that holds one; empty otherwise.
+  /// The text, if the component holds one; otherwise the empty text.
   virtual CString GetValueString();
 
-  /// Writes the body. A negative status when there is nothing to write from.
+  /// Writes the body. Returns a negative status if the component has no body to write.
   virtual int WriteBody(CFile* file);
-  /// Reads the body of `GetLength()` bytes: 0, or the status of what failed first.
+  /// Reads the body of `GetLength()` bytes. Returns 0, or the status of the first failure.
   virtual int ReadBody(CFile* file);
 
-  /// The four characters of the tag; valid for as long as the component.
+  /// The four characters of the tag; valid as long as the component.
   std::string_view GetTag() const { return {tag_, sizeof tag_}; }
-  /// Bytes of the body as the length field has them.
+  /// Bytes of the body, as the length field declares them.
   std::uint32_t GetLength() const { return length_; }
 
  protected:
   void setLength(std::uint32_t length) { length_ = length; }
-  /// For the placeholder alone, which takes the tag of what it stands for.
+  /// Only for the placeholder, which takes the tag of the record that it represents.
   void setTag(std::string_view tag);
 
  private:

@@ -15,11 +15,11 @@ namespace {
 
 constexpr std::uint16_t kCountLength = sizeof(std::uint16_t);
 constexpr std::size_t kUsualChildren = 16;
-// Of a list that is made child by child; most hold a few.
+// The first reservation of a list that is built child by child; most lists have few children.
 constexpr std::size_t kFirstChildren = 4;
 
-// A record that is stepped over may end behind the file. A save would make its length true, with
-// gigabytes of zeros, so it keeps no more bytes than the file held.
+// A skipped record may declare more bytes than the file has. A save would write that many zeros,
+// possibly gigabytes, so the placeholder keeps only the bytes that the file held.
 void shortenToFile(CComponent& child, const CFile& file) {
   if (file.GetPosition() <= file.GetLength()) return;
   auto* skipped = dynamic_cast<CSkippedComp*>(&child);
@@ -62,19 +62,19 @@ CComponent* CContainerComp::FindChild(std::string_view tag) const {
   return nullptr;
 }
 
-// What the file must hold, whatever the length says.
+// The number of bytes that the children take in the file, whatever the list declares.
 std::uint64_t CContainerComp::lengthOfChildren() const {
   return std::accumulate(
       children_->list.begin(), children_->list.end(), std::uint64_t{0},
       [](std::uint64_t sum, const auto& child) { return sum + child->GetSize(); });
 }
 
-// Takes children of so many bytes off the length and adds others. False, and the length stays,
-// where 32 bits do not hold the result.
+// Subtracts the size of removed children from the length and adds that of new ones. Returns false
+// and keeps the length if the result does not fit in 32 bits.
 bool CContainerComp::changeLength(std::uint64_t removed, std::uint64_t added) {
   std::uint64_t length = std::uint64_t{GetLength()} + added;
-  // A file may declare less than it holds. Below 0 the length would turn over, and at 0 the body
-  // would not be written, so from here on it is the true one.
+  // A list may declare less than it holds. Below 0 the length would wrap around, and at 0 the body
+  // would not be written; in both cases it becomes the true length.
   length = length >= removed + fixedLength_ ? length - removed
                                             : fixedLength_ + lengthOfChildren() - removed + added;
   if (length > std::numeric_limits<std::uint32_t>::max()) return false;
@@ -157,7 +157,7 @@ int CContainerComp::WriteChildren(CFile* file) {
 }
 
 int CContainerComp::ReadChildren(CFile* file) {
-  // The count is the file's word, so room is made for no more children than most lists have.
+  // The count comes from the file, so reserve no more than most lists need.
   children_->list.reserve(std::min<std::size_t>(count_, kUsualChildren));
   for (int pass = 0; pass < count_; ++pass) {
     std::unique_ptr<CComponent> child;

@@ -7,49 +7,52 @@
 
 #include "vex2/container/CComponent.h"
 
-/// A component that holds components: a 16-bit count, then that many records. Owns its children.
+/// A list: a component that holds components, its children, which it owns. In the file: a 16-bit
+/// count, then that many records.
 class VEX2_API CContainerComp : public CComponent {
  public:
   explicit CContainerComp(std::string_view tag);
   ~CContainerComp() override;
 
-  /// The children that are held.
+  /// The number of children.
   int GetChildCount() const;
-  /// The count as it is written. It differs from the number of children only when the file ended
-  /// before as many were read.
+  /// The count in the file. It differs from the number of children only if the file ended before
+  /// all of them were read.
   std::uint16_t GetCount() const { return count_; }
-  /// The child at `index` from 0, owned by the container; null for an index out of range.
+  /// The child at `index`, from 0; null for an index out of range. The list keeps ownership.
   CComponent* GetChild(int index) const;
-  /// The first child with this tag, owned by the container, or null.
+  /// The first child with this tag, or null. The list keeps ownership.
   CComponent* FindChild(std::string_view tag) const;
 
-  /// Appends `child` and raises count and length. False, and nothing is added, for a null child
-  /// and where the count's 16 or the length's 32 bits would not hold the result.
+  /// Appends `child` and increases count and length. Returns false and adds nothing if `child` is
+  /// null, or if the count would not fit in 16 bits or the length in 32.
   bool AddChild(std::unique_ptr<CComponent> child);
-  /// Deletes the child at `index` and lowers count and length. False for an index out of range.
+  /// Deletes the child at `index`, from 0, and decreases count and length. Returns false for an
+  /// index out of range.
   bool RemoveChild(int index);
-  /// Deletes the child at `index` and appends `child`; with an index out of range only appends.
-  /// False, and nothing is changed, as for `AddChild`.
+  /// Deletes the child at `index`, from 0, and appends `child`; with an index out of range only
+  /// appends. Returns false and changes nothing if `child` is null, or if the result would not fit
+  /// in the 16-bit count or the 32-bit length.
   bool ReplaceChild(int index, std::unique_ptr<CComponent> child);
 
   CComponent& Assign(const CComponent& source) override;
-  /// Deletes every child; length and count stay as they are.
+  /// Deletes all children; length and count stay unchanged.
   void FreeBody() override;
   int WriteBody(CFile* file) override;
   int ReadBody(CFile* file) override;
 
-  /// Writes the children in order, stopping at the first status that is not 0.
+  /// Writes the children in order. Stops at the first status that is not 0 and returns it.
   virtual int WriteChildren(CFile* file);
-  /// Reads as many records as the count says and keeps those that read well. Stops at the first
-  /// status that is not 0 and answers it; stops without one where the file ends before a tag.
+  /// Reads as many records as the count says, and keeps those that could be read. Stops at the
+  /// first status that is not 0 and returns it. Returns 0 if the file ends before a tag.
   virtual int ReadChildren(CFile* file);
 
  protected:
   CContainerComp(std::string_view tag, std::uint16_t fixedLength);
 
-  /// Takes a child that was read over into the list, without a change of count and length.
+  /// Adds a child that was read, without changing count and length.
   void keepChild(std::unique_ptr<CComponent> child);
-  /// Makes room for so many children at once.
+  /// Reserves memory for `count` children.
   void reserveChildren(std::size_t count);
   void setCount(std::uint16_t count) { count_ = count; }
 

@@ -32,7 +32,7 @@ int CSkippedComp::ReadBody(CFile* file) {
   try {
     file->Seek(GetLength(), CFile::current);
   } catch (const CFileException&) {
-    // A body that cannot be stepped over leaves the reader at a place where no tag can be read.
+    // If the body cannot be skipped, the reader finds no tag and stops.
   }
   return vex2::kSuccess;
 }

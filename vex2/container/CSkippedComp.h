@@ -2,20 +2,20 @@
 
 #include "vex2/container/CComponent.h"
 
-/// The placeholder for a record of a kind that is not known: it keeps the tag and the length of
-/// the record that it skips, and nothing of its body.
+/// The placeholder for an unknown record. It keeps the tag and the length of the record, and
+/// nothing of its body.
 class VEX2_API CSkippedComp final : public CComponent {
  public:
   CSkippedComp();
   CSkippedComp(std::string_view tag, std::uint32_t length);
 
   using CComponent::Read;
-  /// Takes over the record's tag, too.
+  /// Reads the record at the file position and takes its tag. Statuses as in `CComponent::Read`.
   int Read(CFile* file, std::uint32_t& counter) override;
-  /// Extends the file by `GetLength()` zero bytes, so that what follows keeps its place.
+  /// Extends the file by `GetLength()` zero bytes, so that the next record keeps its place.
   int WriteBody(CFile* file) override;
-  /// Steps over the body, also past the file's end. Always 0.
+  /// Skips the body, also past the end of the file. Returns 0, or -100 for a null file.
   int ReadBody(CFile* file) override;
-  /// Takes `bytes`, at most all of it, off the length.
+  /// Reduces the length by `bytes`, at most to 0.
   void Shorten(std::uint64_t bytes);
 };

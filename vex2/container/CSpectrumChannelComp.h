@@ -2,8 +2,8 @@
 
 #include "vex2/container/CBlockValueComp.h"
 
-/// The spectrum channel record "SPCH". Its body belongs to the instrument: it is carried as raw
-/// bytes, a zero at the end included.
+/// The spectrum channel record "SPCH". The instrument defines its body, which is kept as raw bytes,
+/// including a trailing zero byte.
 class VEX2_API CSpectrumChannelComp final : public CBlockValueComp {
  public:
   CSpectrumChannelComp();

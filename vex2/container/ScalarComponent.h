@@ -6,7 +6,7 @@
 
 namespace vex2 {
 
-/// What the families of single values share: a value of fixed size is the whole body.
+/// The base of components whose whole body is one value of fixed size.
 template <typename Value>
 class VEX2_API ScalarComponent : public CComponent {
  public:

@@ -29,19 +29,19 @@ namespace {
 
 using Creator = std::unique_ptr<CComponent> (*)(std::string_view tag);
 
-// A component of the family: it has its tag from the table.
+// Creates a component of a family, with the tag from the table.
 template <typename Component>
 std::unique_ptr<CComponent> tagged(std::string_view tag) {
   return std::make_unique<Component>(tag);
 }
 
-// A component with a class of its own, which knows its tag.
+// Creates a component of a class for one tag, which knows its tag.
 template <typename Component>
 std::unique_ptr<CComponent> own(std::string_view /*tag*/) {
   return std::make_unique<Component>();
 }
 
-// The family for the layout of a body; null where a class of its own is needed, or there is none.
+// The creator of the family for the layout of a body; null if the tag has its own class or none.
 constexpr Creator creatorFor(vex2::BodyLayout layout) {
   switch (layout) {
     case vex2::BodyLayout::kByte:
@@ -68,7 +68,7 @@ struct OwnClass {
   Creator creator;
 };
 
-// The kinds with behaviour of their own.
+// The kinds that have their own class.
 constexpr auto kOwnClasses = std::to_array<OwnClass>({
     {Kind::kGlobal, own<CGlobalComp>},
     {Kind::kPureDye, own<CPureDyeComp>},
@@ -99,7 +99,7 @@ constexpr auto makeCreators() {
 
 constexpr auto kCreators = makeCreators();
 
-// "MDPW" never had a class: documents that hold one are read as if they did not.
+// "MDPW" never had a class: readers skip such records.
 static_assert(kCreators[static_cast<std::size_t>(Kind::kMaxDyesPerWell)] == nullptr);
 
 }  // namespace

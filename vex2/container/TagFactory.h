@@ -6,19 +6,20 @@
 #include "vex2/container/CComponent.h"
 #include "vex2/framework/Export.h"
 
-/// Makes an empty component of the class that stands for `tag`. 1 when the tag is known. For any
-/// other tag `out` receives a placeholder that can skip the record, and the answer is 0.
+/// Puts an empty component of the class for `tag` into `out` and returns 1. For an unknown tag
+/// `out` receives a placeholder that can skip the record, and the result is 0. The caller owns the
+/// component.
 VEX2_API int CreateComponent(std::string_view tag, std::unique_ptr<CComponent>& out);
 
-/// Puts a copy of `source` into `target`, which loses what it held. 1 when the tag of `source` is
-/// known; otherwise `target` receives an empty placeholder, and the answer is 0.
+/// Replaces `target` by a copy of `source` and returns 1. If the tag of `source` is unknown,
+/// `target` receives an empty placeholder, and the result is 0. The caller owns the component.
 VEX2_API int CloneComponent(const CComponent& source, std::unique_ptr<CComponent>& target);
 
 namespace vex2 {
 
-/// Looks at the tag at the file's position and makes the component that can read the record there.
-/// The position stays on the tag. False when the file ends before the tag does; the bytes that
-/// were left are then consumed.
+/// Peeks at the tag at the file position and puts a component that can read the record into `out`.
+/// The file position stays at the tag. Returns false if fewer bytes than a tag are left; they are
+/// then consumed.
 bool CreateNextComponent(CFile& file, std::unique_ptr<CComponent>& out);
 
 }  // namespace vex2

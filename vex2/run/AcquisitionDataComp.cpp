@@ -16,7 +16,7 @@ using vex2::kSuccess;
 
 namespace {
 
-// Frames come from the allocator as they are: reading fills every value exactly once.
+// Frames are allocated uninitialised: reading fills every value exactly once.
 struct Release {
   void operator()(Vex2WellRecord* records) const noexcept { ::operator delete(records); }
 };
@@ -28,7 +28,7 @@ Frame newFrame(std::size_t wells) {
 
 }  // namespace
 
-/// The wells of the block, and its frames; a frame that was never filled is null.
+/// The well numbers and the frames of the block; a frame that was never filled is null.
 struct AcquisitionDataComp::Table {
   std::vector<std::uint16_t> wellNumbers;
   std::vector<Frame> frames;

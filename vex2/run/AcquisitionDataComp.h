@@ -12,19 +12,19 @@
 #include "vex2/run/Vex2FrameData.h"
 #include "vex2/run/Vex2WellRecord.h"
 
-/// A data block, "RAWa" or one of the reporting blocks: frames (from 0) by wells, a well record
-/// each. The number of frames is not held; it follows from the body length.
+/// A data block, "RAWa" or a reporting block: frames (indexes from 0) with a well record for each
+/// well. The number of frames is not stored; it follows from the length of the body.
 class VEX2_API AcquisitionDataComp final : public CComponent {
  public:
   /// An empty block of version 2.
   explicit AcquisitionDataComp(std::string_view tag);
-  /// A block without frames for `count` wells; empty when there are none.
+  /// A block without frames for `count` wells; an empty block if `count` is 0.
   AcquisitionDataComp(std::string_view tag, const std::uint16_t* wellNumbers, std::uint16_t count);
   /// A block whose first frame is a copy of `frame`, with wells 1, 2, 3, ...
   AcquisitionDataComp(std::string_view tag, const Vex2FrameData& frame);
-  /// A block of copies of all frames of `data`, with as many wells as the first of them has. Its
-  /// `frames` points to a frame also where `frameCount` is 0: a frame for the wells alone. Null
-  /// makes an empty block.
+  /// A block of copies of all frames of `data`, with as many wells as the first frame has. If
+  /// `frameCount` is 0, the frame at `frames` only sets the wells. A null `frames` makes an empty
+  /// block.
   AcquisitionDataComp(std::string_view tag, const Vex2AcquisitionData& data);
 
   ~AcquisitionDataComp() override;
@@ -32,10 +32,10 @@ class VEX2_API AcquisitionDataComp final : public CComponent {
   std::uint16_t GetVersion() const { return version_; }
   std::uint16_t GetTimeBlockSize() const { return timeBlockSize_; }
   std::uint16_t GetWellCount() const;
-  /// The well number of each record position; valid until the block changes.
+  /// The well numbers in the order of the well records; valid until the block changes.
   std::span<const std::uint16_t> GetWellNumbers() const;
   int GetFrameCount() const;
-  /// Places in the frame table.
+  /// The capacity of the frame table.
   std::int32_t GetFrameCapacity() const { return capacity_; }
 
   const TimeStamp& GetStartTime() const { return startTime_; }
@@ -43,32 +43,35 @@ class VEX2_API AcquisitionDataComp final : public CComponent {
   void SetStartTime(const TimeStamp& time) { startTime_ = time; }
   void SetEndTime(const TimeStamp& time) { endTime_ = time; }
 
-  /// Gives the block these wells. Another number of wells than before drops all frames; the body
-  /// length stays as it is even then, as hosts expect.
+  /// Sets the well numbers. A different number of wells drops all frames, but keeps the length of
+  /// the body, as hosts expect.
   void SetWellNumbers(const std::uint16_t* wellNumbers, std::uint16_t count);
-  /// The position of a well number, or -1.
+  /// The index, from 0, of a well number among the wells of the block; -1 if it is not there.
   int FindWell(int wellNumber) const;
 
-  /// Makes frame `index` a copy of `frame` and lengthens the body by a frame; for new frames only.
-  /// Records that `frame` lacks are zero. False, and nothing changes, when the index or the body
-  /// length is past what a document can hold.
+  /// Makes frame `index`, from 0, a copy of `frame` and extends the body by one frame. Only for new
+  /// frames. Well records that `frame` lacks become zero. Returns false and changes nothing if the
+  /// index or the length of the body exceeds what a document can hold.
   bool SetFrame(int index, const Vex2FrameData& frame);
-  /// Copies `record` into frame `index` at `position`. The first filled record of a frame lengthens
-  /// the body by a frame. False as for `SetFrame`.
+  /// Copies `record` into frame `index`, as the well record at index `position`; both count from 0.
+  /// The first filled record of a frame extends the body by one frame. Returns false and changes
+  /// nothing if the index or the length of the body exceeds what a document can hold.
   bool SetWellRecord(int index, int position, const Vex2WellRecord& record);
-  /// The records of frame `index`, or null where none was ever filled: they are all zero then.
+  /// The well records of frame `index`; null if none was ever filled, which means that all are
+  /// zero.
   const Vex2WellRecord* GetFrame(int index) const;
   /// Copies frame `index`, which must be below the frame count, into `frame`.
   void CopyFrame(int index, Vex2FrameData& frame) const;
-  /// Writes the records of frame `index` at the file's position; -260 when there is no such frame.
+  /// Writes the well records of frame `index` at the file position. Returns -260 if the frame does
+  /// not exist.
   [[nodiscard]] int WriteFrame(CFile& file, int index) const;
 
-  /// Whether the stored records at the file's position are those of frame `index`; the values that
-  /// a record in a file does not have are not compared. Moves the position behind the records.
+  /// Whether the well records at the file position equal those of frame `index`. Values that are
+  /// not stored in files are not compared. Moves the file position behind the records.
   bool IsStoredFrame(CFile& file, int index) const;
 
-  /// Makes a block that was read in the old version, without times, one of version 2 whose length
-  /// tells the truth. Nothing happens to others.
+  /// Converts a block of version 1, which has no times, to version 2 with the true length. Does
+  /// nothing to other blocks.
   void Upgrade();
 
   CComponent& Assign(const CComponent& source) override;

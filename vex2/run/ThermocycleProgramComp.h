@@ -3,19 +3,19 @@
 #include "vex2/container/CBlockValueComp.h"
 #include "vex2/run/ThermocycleProgram.h"
 
-/// The thermal cycling program in a document, "TPro". Its bytes are nobody's text: a zero byte at
-/// the end belongs to the program and stays.
+/// The thermal cycling program in a document, "TPro". It is not a text: a trailing zero byte
+/// belongs to the program and is kept.
 class VEX2_API ThermocycleProgramComp final : public CBlockValueComp {
  public:
   ThermocycleProgramComp();
-  /// A copy of the program; empty unless it has both a length and a block.
+  /// Holds a copy of the program; empty unless `program` has both a length and bytes.
   explicit ThermocycleProgramComp(const ThermocycleProgram& program);
 
-  /// Copies the program into `program`, in place of what it held.
+  /// Replaces the content of `program` by a copy of this program.
   void CopyTo(ThermocycleProgram& program) const;
 
   bool IsThermocycleComp() const override { return true; }
-  /// -200, and nothing is written, when there is no block.
+  /// Returns -200 and writes nothing if there are no bytes.
   int WriteBody(CFile* file) override;
   int ReadBody(CFile* file) override { return readBlock(file); }
 };

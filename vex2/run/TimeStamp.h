@@ -4,8 +4,8 @@
 
 #include "vex2/framework/Export.h"
 
-/// A date and time of day in six bytes. Their order and meaning belong to the applications; the
-/// library stores and returns them as they are.
+/// A date and time of day in six bytes. Applications define their order and meaning; the library
+/// stores and returns them unchanged.
 struct VEX2_API TimeStamp {
   std::uint8_t fields[6] = {};
 

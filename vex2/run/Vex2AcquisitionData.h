@@ -5,8 +5,8 @@
 #include "vex2/framework/Export.h"
 #include "vex2/run/Vex2FrameData.h"
 
-/// A whole data block as a caller hands it in. Borrows its frames, which must have the same number
-/// of wells each.
+/// A whole data block as callers pass it. Does not own its frames, which must all have the same
+/// number of wells.
 struct VEX2_API Vex2AcquisitionData {
   Vex2FrameData* frames = nullptr;
   std::int32_t frameCount = 0;

@@ -5,7 +5,8 @@
 #include "vex2/framework/Export.h"
 #include "vex2/run/Vex2WellRecord.h"
 
-/// One frame: a record per well, in the block's well order. Owns its records.
+/// One frame: a well record for each well, in the order of the data block's wells. Owns its
+/// records.
 struct VEX2_API Vex2FrameData {
   Vex2WellRecord* records = nullptr;  ///< `wellCount` records made with new[], or null
   std::uint16_t wellCount = 0;
@@ -19,6 +20,6 @@ struct VEX2_API Vex2FrameData {
   Vex2FrameData& operator=(Vex2FrameData&& other) noexcept;
   ~Vex2FrameData() { delete[] records; }
 
-  /// Releases the records and makes `count` new ones that are all zero; none for 0.
+  /// Replaces the records by `count` new ones that are all zero; by none if `count` is 0.
   void Resize(std::uint16_t count);
 };

@@ -5,8 +5,8 @@
 #include "vex2/framework/CString.h"
 #include "vex2/framework/Export.h"
 
-/// The run-wide settings that travel together, as a caller exchanges them. Owns its three blocks.
-/// Units and meaning of `unitCode`, `ftrd`, `drks` and the log belong to the applications.
+/// The run-wide settings as callers pass them. Owns the bytes of its three texts. Applications
+/// define the units and meaning of `unitCode`, `ftrd`, `drks` and the log.
 struct VEX2_API Vex2GlobalComplex {
   std::uint32_t version = 512;
   std::uint8_t* commentData = nullptr;  ///< characters without a terminator
@@ -15,7 +15,7 @@ struct VEX2_API Vex2GlobalComplex {
   std::uint8_t* passiveReferenceData = nullptr;  ///< the dye's name without a terminator
   std::uint32_t passiveReferenceLength = 0;      ///< bytes
   std::uint16_t unitCode = 1;
-  std::int32_t ftrd = 0;  ///< of this and the next three, a document keeps the low byte
+  std::int32_t ftrd = 0;  ///< documents keep only the low byte of this and the next three
   std::int32_t drks = 0;
   std::int32_t preFlag = 0;
   std::int32_t postFlag = 0;
@@ -27,9 +27,10 @@ struct VEX2_API Vex2GlobalComplex {
   Vex2GlobalComplex& operator=(const Vex2GlobalComplex&) = delete;
   ~Vex2GlobalComplex();
 
-  /// Copy `length` bytes into the record's own block, which is made anew when the length changes.
-  /// With a null `data` the block has the length, and zeros where it was made anew. The comment's
-  /// and the passive reference's block has a spare byte behind it; the log's deliberately not.
+  /// Copy `length` bytes into a buffer that the record owns, which is allocated again if the length
+  /// changes. If `data` is null, only the length is set, and a new buffer holds zeros. The buffers
+  /// of comment and passive reference have a spare byte at the end; the buffer of the log
+  /// deliberately has none.
   void SetComment(const void* data, std::uint32_t length);
   void SetPassiveReference(const void* data, std::uint32_t length);
   void SetPassiveReference(const CString& name);

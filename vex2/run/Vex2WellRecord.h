@@ -5,12 +5,11 @@
 
 #include "vex2/framework/Export.h"
 
-/// What one well gave in one frame. The first 40 values are stored in documents; the last four
-/// live in memory alone and are 0 in every record that was read.
+/// The readings of one well in one frame. Documents store the first 40 values; the last four exist
+/// only in memory and are 0 in every record that was read.
 struct VEX2_API Vex2WellRecord {
-  /// `leading[0]` is not 0 in a record that counts as filled. `leading[4]` is the well's first
-  /// reading; 0 or 65000 there marks the first frame of a melting stage. The others belong to the
-  /// instrument.
+  /// `leading[0]` is nonzero in a record that was filled. `leading[4]` is the well's first reading;
+  /// 0 or 65000 there marks the first frame of a melting stage. The instrument defines the others.
   std::uint16_t leading[8] = {};
   std::uint16_t data[36] = {};
 

@@ -13,7 +13,7 @@ namespace {
 constexpr std::size_t kLeading = kStoredLeadingValues;
 constexpr std::size_t kStoredData = kStoredDataValues;
 
-// Plain loops of fixed length, which the compiler turns into a few vector instructions each.
+// Plain loops of fixed length, each of which the compiler turns into a few vector instructions.
 template <std::size_t Count>
 inline void swapValues(const std::uint16_t* in, std::uint16_t* out) {
   for (std::size_t i = 0; i < Count; ++i) {

@@ -7,15 +7,15 @@
 #include "vex2/framework/CFile.h"
 #include "vex2/run/Vex2WellRecord.h"
 
-/// How well records lie in documents: the eight leading values and the first 32 data values, each
-/// 16 bits big-endian. Internal.
+/// The encoding of well records in documents: the eight leading values and the first 32 data
+/// values, each 16 bits, big-endian. Internal.
 namespace vex2 {
 
-/// Reads `count` stored records into `records`, whose values need not be initialised. -100 when the
-/// file ends before; the remaining records are then untouched.
+/// Reads `count` stored records at the file position into `records`, which need not be initialised.
+/// Returns -100 if the file ends first; the remaining records then stay unchanged.
 [[nodiscard]] int ReadWellRecords(CFile& file, Vex2WellRecord* records, std::size_t count);
 
-/// Writes `count` records; a null `records` stands for records that are all zero.
+/// Writes `count` records at the file position; a null `records` writes zeros.
 void WriteWellRecords(CFile& file, const Vex2WellRecord* records, std::size_t count);
 
 }  // namespace vex2

@@ -5,8 +5,8 @@
 #include "vex2/container/CContainerComp.h"
 #include "vex2/setup/Vex2WellSetup.h"
 
-/// One well of the plate setup in a document, "CELL": a list with the well's coordinates and flag
-/// between its count and its children.
+/// One well of the plate setup in a document, "CELL": a list that stores the well's coordinates and
+/// flag between its count and its children.
 class VEX2_API CCellComp final : public CContainerComp {
  public:
   /// Without children.
@@ -14,14 +14,14 @@ class VEX2_API CCellComp final : public CContainerComp {
   /// With a child for each text that is not empty and one for each detector.
   explicit CCellComp(const Vex2WellSetup& well);
 
-  /// Copies the well into `well`, which must be new or reset. The description stays behind: it is
-  /// looked for under the number of a kind that no lookup answers, and hosts have come to rely on
-  /// not being given one.
+  /// Copies the well into `well`, which must be new or reset. Sic: the description is not copied,
+  /// because it is searched for under a row of the tag table that no lookup returns. Hosts rely on
+  /// not getting one.
   void CopyTo(Vex2WellSetup& well) const;
 
   std::uint16_t GetCoord1() const { return coord1_; }
   std::uint16_t GetCoord2() const { return coord2_; }
-  /// As it is stored: anything but 0 is true.
+  /// The stored byte: any value except 0 is true.
   std::uint8_t GetFlag() const { return flag_; }
 
   CComponent& Assign(const CComponent& source) override;

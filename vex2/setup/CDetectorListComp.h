@@ -9,12 +9,12 @@ class VEX2_API CDetectorListComp final : public CContainerComp {
   /// Without detectors.
   CDetectorListComp();
 
-  /// Puts a detector at the end, in place of one of its name when `replacing`. One without a name
-  /// is reported to the user and not added.
+  /// Adds a detector at the end; if `replacing`, first removes the one with the same name. A
+  /// detector without a name is not added, and the host shows a message.
   void Add(const Vex2Detector& detector, bool replacing);
-  /// The index from 0 of the first detector of this name, -1 when there is none. Case counts; what
-  /// follows a zero byte does not. No detector has the empty name.
+  /// The index, from 0, of the first detector with this name; -1 if there is none. The comparison
+  /// is case-sensitive and ignores characters behind a zero byte. The empty name finds no detector.
   int Find(const CString& name) const;
-  /// Copies the detector at `index` from 0 into `detector`, which becomes a new one where none is.
+  /// Copies the detector at `index`, from 0, into `detector`, which is cleared if there is none.
   void CopyTo(int index, Vex2Detector& detector) const;
 };

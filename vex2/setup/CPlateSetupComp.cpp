@@ -32,7 +32,7 @@ void CPlateSetupComp::AllocateBody() {
 }
 
 int CPlateSetupComp::ReadChildren(CFile* file) {
-  // Cells are made as they are read: the count is only the file's word.
+  // Cells are created one by one as they are read, because the count comes from the file.
   for (int index = 0; index < GetCount(); ++index) {
     auto cell = std::make_unique<CCellComp>();
     if (const int status = cell->Read(file); status != vex2::kSuccess) return status;

@@ -4,7 +4,7 @@
 #include "vex2/setup/CCellComp.h"
 #include "vex2/setup/Vex2PlateSetup.h"
 
-/// The plate setup in a document, "CELS": a list of "CELL" components, one a well.
+/// The plate setup in a document, "CELS": a list with one "CELL" component for each well.
 class VEX2_API CPlateSetupComp final : public CContainerComp {
  public:
   /// Without cells.
@@ -12,12 +12,12 @@ class VEX2_API CPlateSetupComp final : public CContainerComp {
   /// With a cell for each well of `setup`.
   explicit CPlateSetupComp(const Vex2PlateSetup& setup);
 
-  /// Copies all cells into `setup`, in place of what it held.
+  /// Replaces the content of `setup` by copies of all cells.
   void CopyTo(Vex2PlateSetup& setup) const;
 
   bool IsPlateSetupComp() const override { return true; }
-  /// New cells, as many as were counted, in place of the old ones.
+  /// Replaces the cells by new ones, as many as the count says.
   void AllocateBody() override;
-  /// Reads cells, whatever their tags say. Unlike in other lists, one that is missing is a failure.
+  /// Reads cells, whatever their tags are. Unlike in other lists, a missing cell is a failure.
   int ReadChildren(CFile* file) override;
 };

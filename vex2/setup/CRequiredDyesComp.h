@@ -9,14 +9,14 @@ class VEX2_API CRequiredDyesComp final : public CContainerComp {
  public:
   /// Without names.
   CRequiredDyesComp();
-  /// With the `count` names in `dyes`, which may be null; empty ones are left out.
+  /// With the `count` names in `dyes`, which may be null; empty names are left out.
   CRequiredDyesComp(const CString* dyes, int count);
 
-  /// Adds a name at the end, an empty one not.
+  /// Adds a name at the end; an empty name is not added.
   void Add(const CString& dye);
-  /// The index from 0 of the first dye of this name, -1 when there is none. All characters count,
-  /// case included. No dye has the empty name.
+  /// The index, from 0, of the first dye with this name; -1 if there is none. Compares all
+  /// characters, case-sensitive. The empty name finds no dye.
   int Find(const CString& dye) const;
-  /// The name at `index` from 0, empty where none is; valid until the list changes.
+  /// The name at `index`, from 0; empty if there is none. Valid until the list changes.
   std::string_view GetName(int index) const;
 };

@@ -10,11 +10,11 @@
 #include "vex2/container/CContainerComp.h"
 #include "vex2/framework/CString.h"
 
-/// What components share that are made from a record and turned back into one.
+/// Helpers for components that are made from a caller's record and copied back into one. Internal.
 namespace vex2 {
 
-/// Adds a component that is made of these arguments. A list that cannot hold one more throws
-/// `std::length_error`: a record is taken over whole or not at all.
+/// Adds a component constructed from `arguments`. Throws `std::length_error` if the list is full: a
+/// record is converted completely or not at all.
 template <typename Component, typename... Arguments>
 void AddPart(CContainerComp& list, Arguments&&... arguments) {
   if (!list.AddChild(std::make_unique<Component>(std::forward<Arguments>(arguments)...))) {
@@ -22,16 +22,17 @@ void AddPart(CContainerComp& list, Arguments&&... arguments) {
   }
 }
 
-/// The component as one of just this class, null when it is of another. A tag does not tell the
-/// class: a placeholder may have any. Cheaper than a cast that also looks for derived classes.
+/// The component as an object of exactly this class; null if it is of another. The tag does not
+/// determine the class, because a placeholder may have any tag. Cheaper than `dynamic_cast`, which
+/// also accepts derived classes.
 template <typename Component>
 const Component* PartAs(const CComponent& component) {
   return typeid(component) == typeid(Component) ? static_cast<const Component*>(&component)
                                                 : nullptr;
 }
 
-/// The characters of a block without the zero byte that may end it; valid as long as the block.
-/// Unlike `GetValueString` it leaves the block as it is, and so the lengths of the lists around it.
+/// The characters of a text without a trailing zero byte; valid as long as the component. Unlike
+/// `GetValueString`, it leaves the component and the lengths of the lists around it unchanged.
 inline std::string_view PartText(const CBlockValueComp& block) {
   const auto* data = reinterpret_cast<const char*>(block.GetData());
   std::string_view text(data, data != nullptr ? block.GetLength() : 0);

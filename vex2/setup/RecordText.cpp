@@ -11,7 +11,7 @@ void SetText(char*& buffer, std::int32_t& held, const char* text, std::int32_t l
     const std::size_t room = length > 0 ? static_cast<std::size_t>(length) + 1 : 1;
     target = text != nullptr ? new char[room] : new char[room]();
   }
-  // The text may be part of the one before, which is therefore released last.
+  // The new text may be part of the old one, so the old buffer is released last.
   if (length > 0 && text != nullptr) std::memmove(target, text, static_cast<std::size_t>(length));
   if (length >= 0 && target != nullptr) target[length] = '\0';
   if (target != buffer) delete[] buffer;

@@ -16,7 +16,7 @@ void setArray(Element*& array, std::uint8_t& held, const void* source, std::uint
 
 }  // namespace
 
-// By way of the other constructor, so that the destructor runs should memory run out half-way.
+// Delegates to the other constructor, so that the destructor runs if an allocation fails.
 Spectrum::Spectrum(const Spectrum& other) : Spectrum() {
   *this = other;
 }

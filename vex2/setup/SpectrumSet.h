@@ -7,8 +7,8 @@
 
 namespace vex2 {
 
-/// A calibration as a caller exchanges it: a head, which is kept as given, and spectra. Owns the
-/// spectra; a copy is asked for by name, since it is a large one.
+/// Pure dyes or a background as callers pass them: a head, which is stored unchanged, and spectra.
+/// Owns the spectra. `CopyFrom` copies; there is no copy constructor, because copies are large.
 template <typename Spectrum>
 struct SpectrumSet {
   std::uint8_t code[4] = {};
@@ -25,7 +25,7 @@ struct SpectrumSet {
   SpectrumSet& operator=(const SpectrumSet&) = delete;
   ~SpectrumSet() { delete[] entries; }
 
-  /// Makes `count` new entries in place of the old ones, none for 0.
+  /// Replaces the entries by `count` new ones; by none if `count` is 0.
   void SetEntryCount(std::uint16_t count) {
     delete[] entries;
     entries = nullptr;
@@ -35,7 +35,7 @@ struct SpectrumSet {
     entryCount = count;
   }
 
-  /// Copies all of `other` in place of what is held.
+  /// Replaces the content by a copy of `other`.
   void CopyFrom(const SpectrumSet& other) {
     if (this == &other) return;
     std::copy_n(other.code, sizeof code, code);

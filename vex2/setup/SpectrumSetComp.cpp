@@ -16,8 +16,8 @@ namespace {
 
 constexpr std::uint32_t kFixedLength = 72;
 
-// The two layouts are one but for the place of the first reserved word, and are to stay so: pure
-// dyes have it before the extra words, the background keeps all of them behind.
+// The two layouts differ only in the place of the first reserved word: pure dyes have it before the
+// extra words, the background behind them. Sic: the format is fixed.
 template <typename Record>
 constexpr std::size_t kReservedBeforeExtras = std::is_same_v<Record, Vex2PureDye> ? 4 : 0;
 
@@ -29,7 +29,7 @@ constexpr std::uint32_t fixedSizeOf(const Vex2BackgroundSpectrum* /*entry*/) {
   return 10;
 }
 
-// Takes fields from the file until one comes up short; those behind it are left alone.
+// Reads fields from the file until one is incomplete; the following fields stay unchanged.
 class BodyReader {
  public:
   explicit BodyReader(CFile& file) : file_(file) {}
@@ -60,8 +60,8 @@ class BodyReader {
   void EntryCount(Record& record) {
     std::uint16_t count = 0;
     Number(count);
-    // The head that is left stands between the count and the entries, so this asks for too little
-    // by a little, which the entries' own fields then find out.
+    // The rest of the head is between the count and the entries, so this check admits slightly too
+    // many entries; reading the entries' fields then fails.
     if (has(std::uint64_t{count} * fixedSizeOf(record.entries))) record.SetEntryCount(count);
   }
 
@@ -101,7 +101,7 @@ class BodyWriter {
   CFile& file_;
 };
 
-// The fields in the order in which they stand in the file.
+// The fields in the order of the format.
 template <typename Fields, typename Record, typename Reserved>
 void exchangeHead(Fields& fields, Record& record, Reserved& reserved) {
   constexpr std::size_t kBefore = kReservedBeforeExtras<std::remove_const_t<Record>>;

@@ -2,7 +2,7 @@
 
 #include "vex2/setup/Spectrum.h"
 
-/// One trace of the background. What the numbers mean belongs to the instrument.
+/// One spectrum of the background. The instrument defines the meaning of the numbers.
 struct Vex2BackgroundSpectrum : vex2::Spectrum {
   std::uint16_t limit = 189;
 };

@@ -4,10 +4,10 @@
 
 #include "vex2/framework/CString.h"
 
-/// A named pair of dyes with its colour and the settings that an analysis starts from, as a caller
-/// exchanges it. A value: copies are independent.
+/// A detector as callers pass it: a name, reporter and quencher dyes, a colour, and the initial
+/// settings of an analysis. A value: copies are independent.
 struct Vex2Detector {
-  CString name;  ///< the key of the list of detectors; case counts
+  CString name;  ///< the key in the list of detectors; case-sensitive
   CString reporterDye;
   CString quencherDye;
   CString description;
@@ -15,15 +15,15 @@ struct Vex2Detector {
   CString owner;
   CString location;
   std::uint8_t color[3] = {};
-  std::int32_t dateCreated = 0;  ///< 0 is none, and so is what is below
+  std::int32_t dateCreated = 0;  ///< 0 or below means none
   std::int32_t dateModified = 0;
   std::uint16_t baselineStart = 6;
   std::uint16_t baselineEnd = 15;
   float threshold = 0.2F;
-  std::uint16_t analysisFlags = 0;  ///< kept as given
-  std::int32_t autoBaseline = 0;    ///< 0 or 1; of both, a document keeps the low byte
+  std::uint16_t analysisFlags = 0;  ///< stored unchanged
+  std::int32_t autoBaseline = 0;    ///< 0 or 1; documents keep only the low byte of both
   std::int32_t autoThreshold = 0;
 
-  /// Makes the record what a new one is.
+  /// Sets all fields to the values of a new record.
   void Clear() { *this = Vex2Detector(); }
 };

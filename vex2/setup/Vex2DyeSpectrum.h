@@ -2,7 +2,7 @@
 
 #include "vex2/setup/Spectrum.h"
 
-/// The spectrum of one pure dye. What the numbers mean belongs to the instrument.
+/// The spectrum of one pure dye. The instrument defines the meaning of the numbers.
 struct Vex2DyeSpectrum : vex2::Spectrum {
   std::uint8_t byte1 = 0;
   std::uint8_t byte2 = 0;

@@ -5,10 +5,10 @@
 #include "vex2/framework/Export.h"
 #include "vex2/setup/Vex2WellSetup.h"
 
-/// What stands in the wells of a plate, as a caller exchanges it. Owns the wells' records.
+/// The setup of the wells of a plate, as callers pass it. Owns the records of the wells.
 struct VEX2_API Vex2PlateSetup {
   Vex2WellSetup* cells = nullptr;  ///< made with new[], or null
-  std::uint16_t count = 0;         ///< of the cells
+  std::uint16_t count = 0;         ///< number of cells
 
   Vex2PlateSetup() = default;
   Vex2PlateSetup(const Vex2PlateSetup&) = delete;
@@ -17,6 +17,6 @@ struct VEX2_API Vex2PlateSetup {
 
   /// Releases the cells.
   void Clear();
-  /// Makes `newCount` new cells in place of the old ones. Does nothing when that is 0.
+  /// Replaces the cells by `newCount` new ones. Does nothing if `newCount` is 0.
   void Resize(std::uint16_t newCount);
 };

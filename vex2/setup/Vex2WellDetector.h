@@ -4,11 +4,11 @@
 
 #include "vex2/framework/Export.h"
 
-/// One detector in one well, as a caller exchanges it. Owns its two texts.
+/// One detector in one well, as callers pass it. Owns its two texts.
 struct VEX2_API Vex2WellDetector {
   char* detectorName = nullptr;         ///< with a terminating zero, made with new[], or null
   std::int32_t detectorNameLength = 0;  ///< characters
-  char* task = nullptr;                 ///< e.g. "UNKN" or "STND"; kept as given
+  char* task = nullptr;                 ///< e.g. "UNKN" or "STND"; stored unchanged
   std::int32_t taskLength = 0;          ///< characters
   float quantity = 0;
   bool used = true;
@@ -18,8 +18,8 @@ struct VEX2_API Vex2WellDetector {
   Vex2WellDetector& operator=(const Vex2WellDetector&) = delete;
   ~Vex2WellDetector();
 
-  /// Copy `length` characters into the record's own buffer, which is made anew only when the text
-  /// grows. With a null `text` only the length is set.
+  /// Copy `length` characters into a buffer that the record owns, which is allocated again only if
+  /// the text grows. If `text` is null, only the length is set.
   void SetDetectorName(const char* text, std::int32_t length);
   void SetTask(const char* text, std::int32_t length);
 };

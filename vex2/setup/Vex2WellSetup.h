@@ -7,16 +7,16 @@
 #include "vex2/framework/Export.h"
 #include "vex2/setup/Vex2WellDetector.h"
 
-/// What stands in one well, as a caller exchanges it. Owns its texts and its detectors.
+/// The setup of one well, as callers pass it. Owns its texts and its detectors.
 struct VEX2_API Vex2WellSetup {
-  std::uint16_t coord1 = 0;  ///< two coordinates of the well, kept as given
+  std::uint16_t coord1 = 0;  ///< two coordinates of the well, stored unchanged
   std::uint16_t coord2 = 0;
   bool flag = true;
   char* name = nullptr;                ///< with a terminating zero, made with new[], or null
   std::int32_t nameLength = 0;         ///< characters
-  char* description = nullptr;         ///< as `name`; documents keep it, but do not give it back
+  char* description = nullptr;         ///< as `name`; stored, but not read back
   std::int32_t descriptionLength = 0;  ///< characters
-  /// Each entry is made with new and belongs to the record.
+  /// The record owns the entries, which are made with new.
   CTypedPtrList<CPtrList, Vex2WellDetector*> detectors;
 
   Vex2WellSetup() = default;
@@ -24,10 +24,11 @@ struct VEX2_API Vex2WellSetup {
   Vex2WellSetup& operator=(const Vex2WellSetup&) = delete;
   ~Vex2WellSetup() { Reset(); }
 
-  /// Makes the record what a new one is, and releases what it held.
+  /// Releases the content and sets all fields to the values of a new record.
   void Reset();
 
-  /// As `Vex2WellDetector::SetTask`.
+  /// Copy `length` characters into a buffer that the record owns, which is allocated again only if
+  /// the text grows. If `text` is null, only the length is set.
   void SetName(const char* text, std::int32_t length);
   void SetDescription(const char* text, std::int32_t length);
 };

@@ -11,9 +11,9 @@ constexpr std::size_t kGroupSize = 3;
 constexpr std::size_t kFactorsAt = kGroups * kGroupSize;
 constexpr std::size_t kRatesAt = 2 * kFactorsAt;
 
-// Fits a straight line through a group's points (reading, scaled reading) and gives the share of
-// the first reading that stands above the line's start. The order of operations is fixed: other
-// programs compute the same.
+// Fits a straight line through the points (reading, scaled reading) of a group, and returns the
+// share of the first reading above the intercept of the line. Do not reorder the operations: other
+// programs compute exactly the same.
 double rateOf(std::span<const float> readings, std::span<const float> factors, double scale) {
   std::array<double, kGroupSize> x{};
   std::array<double, kGroupSize> y{};

@@ -4,8 +4,8 @@
 
 #include "vex2/framework/Export.h"
 
-/// With what a detector is analysed. The meaning belongs to the analysis applications; the six are
-/// always copied together.
+/// The parameters of the analysis of a detector. Analysis applications define their meaning; the
+/// six are always copied together.
 struct VEX2_API CAnalysisParameters {
   std::int32_t parameter1 = 6;
   std::int32_t parameter2 = 15;

@@ -4,7 +4,7 @@
 
 #include "vex2/framework/DescribeClass.h"
 
-// By way of the other constructor, so that the destructor runs should memory run out half-way.
+// Delegates to the other constructor, so that the destructor runs if an allocation fails.
 CAnalysisSettings::CAnalysisSettings(const CAnalysisSettings& other) : CAnalysisSettings() {
   *this = other;
 }

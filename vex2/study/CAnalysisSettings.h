@@ -9,8 +9,8 @@
 #include "vex2/study/CAnalysisParameters.h"
 #include "vex2/study/CCtEntry.h"
 
-/// With what one detector is analysed on a plate, and the threshold cycles that came out. In memory
-/// only. Owns its entries; copies have entries of their own.
+/// The analysis settings of one detector on a plate, and the resulting threshold cycles. Exists
+/// only in memory. Owns its entries; copies are independent.
 class VEX2_API CAnalysisSettings : public CObject {
  public:
   CAnalysisSettings() = default;
@@ -21,15 +21,16 @@ class VEX2_API CAnalysisSettings : public CObject {
   const CRuntimeClass* GetRuntimeClass() const override;
   static const CRuntimeClass* ClassRecord();
 
-  /// Gives the well's first entry another threshold cycle, or adds an entry at the end.
+  /// Sets the threshold cycle of the first entry of `well`, a well number; without an entry, adds
+  /// one at the end.
   void SetCt(std::int32_t well, float ct);
-  /// The first threshold cycle of the well that is one; `CCtEntry::kNoCt` without any.
+  /// The first threshold cycle of the well that is not `CCtEntry::kNoCt`; `kNoCt` if there is none.
   float GetCt(std::int32_t well) const;
 
-  std::int32_t settingsWord = 0;  ///< carried for the applications
+  std::int32_t settingsWord = 0;  ///< kept for applications
   CAnalysisParameters parameters;
   CTypedPtrList<CObList, CCtEntry*> ctList;
-  std::uint8_t queryFlag = 0;  ///< 1 while a query concerns the detector
+  std::uint8_t queryFlag = 0;  ///< 1 while a query selects the detector
 
  private:
   void addEntry(std::int32_t well, float ct);

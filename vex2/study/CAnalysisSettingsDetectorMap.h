@@ -7,16 +7,16 @@
 #include "vex2/framework/Export.h"
 #include "vex2/study/CAnalysisSettings.h"
 
-/// Settings by the name of their detector. The map itself owns nothing; who destroys what it points
-/// at is said where it is handed over.
+/// Settings by the name of their detector. The map does not own the settings; the operations that
+/// take or return a map say who does.
 using CAnalysisSettingsMap = CTypedPtrMap<CMapStringToOb, CString, CAnalysisSettings*>;
 
-/// The analysis settings of a plate: a map that is either its own or was put in by a host.
+/// The analysis settings of a plate: a map that this object owns, or one that a host added.
 class VEX2_API CAnalysisSettingsDetectorMap : public CObject {
  public:
-  /// With an empty map of its own.
+  /// With an empty map that this object owns.
   CAnalysisSettingsDetectorMap();
-  /// Destroys a map of its own with all settings in it; a map that was put in stays as it is.
+  /// Destroys an owned map with all settings in it; a map that a host added stays unchanged.
   ~CAnalysisSettingsDetectorMap() override;
   CAnalysisSettingsDetectorMap(const CAnalysisSettingsDetectorMap&) = delete;
   CAnalysisSettingsDetectorMap& operator=(const CAnalysisSettingsDetectorMap&) = delete;
@@ -24,19 +24,19 @@ class VEX2_API CAnalysisSettingsDetectorMap : public CObject {
   const CRuntimeClass* GetRuntimeClass() const override;
   static const CRuntimeClass* ClassRecord();
 
-  /// The map in use, null when null was put in. It stays where it is.
+  /// The map in use, null if a host added null. The ownership does not change.
   CAnalysisSettingsMap* GetAnalysisSettingsMap() const { return map_; }
   bool OwnsMap() const { return ownsMap_; }
 
-  /// Uses `map` from now on without owning it. A map of its own is destroyed with all settings in
-  /// it, one that had been put in is let go. The map in use put in again changes nothing.
+  /// Uses `map` from now on without owning it. An owned map is destroyed with all settings in it; a
+  /// map that a host added before is not. Adding the map in use again changes nothing.
   void AddAnalysisSettingsMap(CAnalysisSettingsMap* map);
-  /// Destroys all settings in the map, whoever owns that, and leaves it empty.
+  /// Destroys all settings in the map, even if a host owns the map, and leaves it empty.
   void DestroySettings();
-  /// Destroys all settings in the map and the map, whoever owns that.
+  /// Destroys all settings in the map and the map itself, even if a host owns the map.
   void DestroyMap();
 
-  /// Carried for hosts; the library leaves it empty.
+  /// Kept for hosts; the library leaves it empty.
   CString text;
 
  private:

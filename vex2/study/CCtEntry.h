@@ -12,8 +12,8 @@ class VEX2_API CCtEntry : public CObject {
   CCtEntry(std::int32_t theWell, float theCt) : well(theWell), ct(theCt) {}
 
   std::int32_t well = 0;  ///< from 1
-  float ct = 0;           ///< in cycles; `kNoCt` for none
+  float ct = 0;           ///< in cycles; `kNoCt` if there is none
 
-  /// Stands for no threshold cycle.
+  /// The value of `ct` that means no threshold cycle.
   static constexpr float kNoCt = -999.1F;
 };

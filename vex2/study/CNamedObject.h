@@ -4,7 +4,7 @@
 #include "vex2/framework/CString.h"
 #include "vex2/framework/Export.h"
 
-/// What a query list holds: an object that begins with the name of a detector.
+/// An entry of a query list: an object with the name of a detector.
 class VEX2_API CNamedObject : public CObject {
  public:
   CNamedObject() = default;

@@ -46,7 +46,7 @@ CComponent& CRQPlateComp::Assign(const CComponent& source) {
 
 int CRQPlateComp::WriteChildren(CFile* file) {
   if (file == nullptr) return vex2::kWriteFailed;
-  // The list in front promises a plate; without one the whole study would not read back.
+  // The record needs a plate; without one the whole study would not read back.
   if (plate_ == nullptr) plate_ = std::make_unique<Vex2FileManagerComponent>();
   return plate_->writePlate(*file);
 }
@@ -54,7 +54,7 @@ int CRQPlateComp::WriteChildren(CFile* file) {
 int CRQPlateComp::ReadChildren(CFile* file) {
   if (file == nullptr) return vex2::kReadFailed;
   if (plate_ == nullptr) plate_ = std::make_unique<Vex2FileManagerComponent>();
-  // What a file says here is of no use: the list is empty, whatever its length and count.
+  // The list is always empty, so length and count from the file are ignored.
   setCount(0);
   setLength(kEmptyListLength);
   const int status = plate_->readPlate(*file);

@@ -10,23 +10,22 @@ class Vex2FileManager;
 class Vex2FileManagerComponent;
 
 /// One plate of a study, "RQPl": a whole plate document behind an empty list of components. Owns
-/// the document. The record's length covers the list alone, so nothing but reading the document
-/// tells where it ends.
+/// the document. The length of the record covers only the list, so the end of the record can be
+/// found only by reading the document.
 class VEX2_API CRQPlateComp final : public CContainerComp {
  public:
   CRQPlateComp();
   ~CRQPlateComp() override;
 
-  /// Makes a copy of `plate`, to which `name` and `date` are added as its last records, the
-  /// embedded plate. A copy that fails for want of memory throws and leaves the component as it
-  /// was.
+  /// Makes a copy of `plate`, with `name` and `date` added as its last records, the embedded plate.
+  /// Throws if memory runs out, and leaves the component unchanged.
   void SetPlate(const CString& name, const Vex2FileManager& plate, const CString& date);
 
-  /// The name that the plate was added under or read with.
+  /// The name with which the plate was added or read.
   const CString& GetPlateName() const { return name_; }
-  /// When the plate's own file was last changed, as whoever added it wrote it.
+  /// When the plate's file was last changed, as text in the form in which it was added.
   const CString& GetLastModifiedDate() const { return date_; }
-  /// The embedded plate, owned by this; null where none was set or read.
+  /// The embedded plate, owned by this component; null if none was set or read.
   Vex2FileManagerComponent* GetPlate() const { return plate_.get(); }
 
   CComponent& Assign(const CComponent& source) override;

@@ -4,8 +4,8 @@
 
 namespace vex2 {
 
-/// The results of one kind, one place per well with indexes from 0. Owns what it holds when it is
-/// destroyed.
+/// The results of one kind, one entry for each well, with indexes from 0. Its destructor destroys
+/// the results that it still holds.
 template <class Result>
 class ResultTable {
  public:
@@ -16,12 +16,12 @@ class ResultTable {
   ResultTable(const ResultTable&) = delete;
   ResultTable& operator=(const ResultTable&) = delete;
 
-  /// The result at `index`; null where there is none and for an index out of range.
+  /// The result at `index`; null if there is none, and for an index out of range.
   Result* GetAt(int index) const { return static_cast<Result*>(entries_.GetAt(index)); }
-  /// Stores `result`, which may be null. What stood there is not destroyed: whoever replaces a
-  /// result has taken the old one back. An index out of range stores nothing.
+  /// Stores `result`, which may be null. Does not destroy the old result: a caller that replaces a
+  /// result owns the old one again. An index out of range stores nothing.
   void SetAt(int index, Result* result) { entries_.SetAt(index, result); }
-  /// Destroys the result at `index`. False when there was none.
+  /// Destroys the result at `index`. Returns false if there was none.
   bool RemoveAt(int index) {
     Result* result = GetAt(index);
     SetAt(index, nullptr);

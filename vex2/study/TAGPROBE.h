@@ -3,8 +3,8 @@
 #include "vex2/framework/Export.h"
 #include "vex2/study/CAnalysisParameters.h"
 
-/// A probe as an analysis application describes it.
+/// A detector's name and parameters, as an analysis application passes them.
 struct VEX2_API TAGPROBE {
-  char name[256] = {};  ///< of the detector, ended by a zero byte where it is shorter
+  char name[256] = {};  ///< of the detector; a shorter name ends with a zero byte
   CAnalysisParameters parameters;
 };

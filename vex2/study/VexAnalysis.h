@@ -7,11 +7,11 @@
 #include "vex2/study/IDAMeltingPoints.h"
 #include "vex2/study/ResultTable.h"
 
-/// What analysis applications computed for the wells of one plate, in memory only. Owns it: every
-/// result that is still there is destroyed with this.
+/// The results that analysis applications computed for the wells of one plate. Exists only in
+/// memory. Owns the results and destroys those that it still holds.
 class VEX2_API VexAnalysis : public CObject {
  public:
-  /// Tables of `wellCount` places without results.
+  /// With tables for `wellCount` wells, without results.
   explicit VexAnalysis(int wellCount);
   ~VexAnalysis() override;
   VexAnalysis(const VexAnalysis&) = delete;
