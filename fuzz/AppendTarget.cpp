@@ -1,6 +1,7 @@
-// A run is recorded, cut off at any byte, and gone on with. The input is a script for the run, with
-// its length in front, and a document: the run begins with what that holds, or, when the script
-// says so, in the file itself, whatever that is.
+// Input: a script for a run, with its length in front, and a document. Records a run that begins
+// with the content of the document or, if the script says so, in the file of the document itself;
+// cuts the file off at any byte, and resumes. Invariant: every committed frame, and everything
+// else, is still there.
 
 #include <tuple>
 #include <vector>
@@ -26,7 +27,7 @@ Vex2FrameData frameOf(std::uint16_t wells, Script& script) {
   return frame;
 }
 
-// The run in the file is the frames whose commit returned, and all else is there, too.
+// Requires that the file holds all frames whose commit returned, and everything else.
 void requireRun(const Content& setup, const Frames& frames) {
   Vex2FileManager document;
   int count = 0;
@@ -52,7 +53,8 @@ void requireRun(const Content& setup, const Frames& frames) {
 class Run {
  public:
   Run(Vex2FileManager& document, std::uint16_t wells) : wells_(wells) {
-    // A file can hold several; one that stays would take the frames, or drop them without wells.
+    // A file can hold several data blocks; one that stays would take the frames, or drop them if it
+    // has no wells.
     for (int before = -1; before != document.GetAllComponentCount();) {
       before = document.GetAllComponentCount();
       document.RemoveAcquisitionDataBlock(DataRAWa);
@@ -76,8 +78,8 @@ class Run {
     Require(lengthNow() == before + bytesOf(frames_.size() - 1), "a commit adds what it must");
   }
 
-  /// Cuts the file within the last frame, or leaves bytes of one that never came to count, and goes
-  /// on as a recorder does: behind the frames that count.
+  /// Cuts the file off within the last frame, or leaves uncommitted bytes, and resumes like a
+  /// recorder: behind the committed frames.
   void Tear(Vex2FileManager& document, Script& script) {
     if (frames_.empty()) return;
     test::Bytes bytes = files().Content(kSaved);

@@ -29,10 +29,10 @@ namespace {
 constexpr std::array<std::string_view, 8> kStudyTags = {"DETL", "GLBL", "CALR", "ENDO",
                                                         "RQAT", "Conf", "MPLC", "TPro"};
 constexpr int kHeaderSize = 1024;
-// The usage table must end within the header.
+// The largest number of rows whose usage table ends within the header.
 constexpr int kMostRows = (kHeaderSize - 72) / 4;
 
-// Of 80 bytes each, in all the files of an execution.
+// Well records, of 80 bytes each, in all files of an execution.
 constexpr std::uint64_t kMostRecords = 20'000;
 
 class Describer {
@@ -41,7 +41,7 @@ class Describer {
 
   void Component(const CComponent& component) {
     text(component.GetTag());
-    // From the special to the general, where one is derived from the other.
+    // Derived classes before their base classes.
     static constexpr std::array kKinds = {
         &Describer::as<CSkippedComp, &Describer::skipped>,
         &Describer::as<CByteValueComp, &Describer::value<CByteValueComp>>,
@@ -58,7 +58,7 @@ class Describer {
         &Describer::as<CCellComp, &Describer::cell>,
         &Describer::as<CRQPlateComp, &Describer::plate>,
         &Describer::as<CContainerComp, &Describer::list>};
-    // Casting to one class after the other is slow, and a tag has one class.
+    // Casting to each class in turn is slow, and each tag has one class, so remember it.
     static std::array<std::size_t, kTagRowCount + 1> kindOf{};
     const int row = FindTagIndex(component.GetTag());
     std::size_t& kind = kindOf.at(static_cast<std::size_t>(row >= 0 ? row : kTagRowCount));
@@ -125,7 +125,7 @@ class Describer {
   }
 
   void block(const AcquisitionDataComp& component) {
-    // Of length 0 it has no body, and so no place for times that it was given.
+    // A block of length 0 has no body, so its times are not stored.
     number(component.GetLength() != 0);
     if (component.GetLength() == 0) return;
     if (component.GetVersion() < 2) isReadable_ = false;
@@ -137,8 +137,8 @@ class Describer {
     number(wells.size());
     raw(wells.data(), wells.size_bytes());
     number(component.GetFrameCount());
-    // A block that was read without wells, and given some, has as many empty frames as its length
-    // says. No file here has room for them.
+    // A block that was read without wells and then given some has as many empty frames as its
+    // length declares. They exceed the limit of file sizes here.
     const std::uint64_t recordCount =
         std::uint64_t{wells.size()} * static_cast<std::uint64_t>(component.GetFrameCount());
     if (recordCount > kMostRecords) {
@@ -257,8 +257,8 @@ std::uint64_t bytesOf(CComponent& component) {
   return file.GetLength();
 }
 
-// The bytes that a reader counted for what it `read` of what was `written`. Plates are counted by
-// what they took; those that were read have lost a zero byte of some texts since.
+// The bytes that a reader counted when it read `written` and got `read`. Plates count with the
+// bytes that were read for them; since then, some of their texts have lost a trailing zero byte.
 std::uint64_t countedBytes(const Vex2FileManager& written, const Vex2FileManager& read) {
   std::uint64_t counted = 0;
   int at = 0;
@@ -274,7 +274,7 @@ std::uint64_t countedBytes(const Vex2FileManager& written, const Vex2FileManager
   return counted;
 }
 
-// Of the document that was saved last.
+// The bytes behind the header of the last saved document.
 std::uint64_t savedBytes() {
   const auto& files = static_cast<test::MemoryFiles&>(CurrentFileSystem());
   return files.Content(kSaved).size() - kHeaderSize;
@@ -313,8 +313,8 @@ bool RequireKept(Vex2FileManager& document) {
   Require(std::equal(found.components.begin(), found.components.end(), expected.components.begin()),
           "the components are what they were");
   if (found.components.size() == expected.components.size()) return true;
-  // Reading ends once as many bytes were counted as stand behind the header, and lengths count
-  // that may say more than there is.
+  // Reading stops once as many bytes were counted as the file has behind the header, and declared
+  // lengths may count more bytes than exist.
   Require(countedBytes(document, again) >= savedBytes(), "nothing is lost");
   return true;
 }

@@ -7,36 +7,36 @@
 
 namespace vex2::fuzz {
 
-/// What a document holds, in a form that can be compared: all of it but for what the format does
-/// not carry. That is: the header's two positions, which every save sets anew; what length fields
-/// say, where a record's kind tells its end; zero bytes at the end of a text, of which every
-/// reading drops one; the bodies of unknown records; the times of a block of the old version, and
-/// of one without a body.
+/// The content of a document in a form that can be compared. It leaves out what a save does not
+/// keep: the two offsets in the header, which every save sets; length fields of records whose kind
+/// determines their end; zero bytes at the end of a text, of which every reading drops one; the
+/// bodies of unknown records; the times of a data block of version 1, and of one without a body.
 struct Content {
   std::string header;
   std::vector<std::string> components;
-  /// Whether a save can be read again at all. Not so with a block of the old version, which is
-  /// saved with times that its version denies; with more rows than a header has room for; and with
-  /// a list that the end of the file completed, where anything may follow: it would be taken for
-  /// the rest.
+  /// Whether a saved document can be read again. It cannot with a data block of version 1, which is
+  /// saved with times that version 1 does not have; with more rows than fit in a header; and with a
+  /// list that was cut off by the end of the file, because the records that follow it in the saved
+  /// file would be read as its rest.
   bool isReadable = true;
 };
 
-/// All that the document holds.
+/// The content of the document.
 Content ContentOf(const Vex2FileManager& document);
-/// What a saved one holds when it is read again: of a study, the kinds that are kept and its end.
+/// The content of the document after it is saved and read again: of a study, only the kinds of
+/// records that are saved, and its end.
 Content SavedContentOf(const Vex2FileManager& document);
 
 /// The content of one component alone.
 std::string ContentOf(const CComponent& component);
 
-/// Saves the document and reads it again; requires that it holds the same. True when it could be
-/// saved and read, so that there was something to compare.
+/// Saves the document, reads it again, and requires that the content is the same. Returns true if
+/// it could be saved and read, so that the contents were compared.
 bool RequireKept(Vex2FileManager& document);
 
-/// Whether records that are appended to the document that was saved last and kept, and read again
-/// into `saved`, will be found. Not so behind a list that still waits for records, and behind
-/// lengths that count more than there is.
+/// Whether a reader will find records that are appended to the last saved document, which was read
+/// again into `saved`. It will not behind a list that still expects records, nor behind lengths
+/// that count more bytes than exist.
 bool CanBeFollowed(const Vex2FileManager& document, const Vex2FileManager& saved);
 
 }  // namespace vex2::fuzz

@@ -1,6 +1,6 @@
-// Any bytes are read as each of the command's CSV files; what could be read is the same when it was
-// written and read again. The first byte chooses the file; of a measured run the input holds
-// both, the wells first, with a form feed between them.
+// Input: a byte that chooses one of the command's CSV files, and the content of that file; for a
+// measured run, wells and readings with a form feed between them. Invariant: content that could be
+// read is the same after it is written and read again.
 
 #include <sys/mman.h>
 #include <unistd.h>
@@ -20,7 +20,7 @@ namespace {
 
 using namespace lab;
 
-// A file in memory with a path, since the readers open their files themselves.
+// A file in memory with a path, because the readers open files by path.
 class NamedMemory {
  public:
   NamedMemory() : file_(::memfd_create("fuzz", MFD_CLOEXEC)) {

@@ -1,5 +1,5 @@
-// Any document is edited as a host would do it, and what it then holds survives a save. The input
-// is a length, a script of that many bytes, and the document.
+// Input: a length, a script of that many bytes, and a document. Edits the document as a host would.
+// Invariant: the content survives a save.
 
 #include <array>
 #include <memory>
@@ -92,7 +92,7 @@ void takeDetectors(Vex2FileManager& document, Script& script) {
   std::ignore = document.GetNumberOfDetectors(count);
   if (document.GetDetectorListInfo(list) == 0 && list != nullptr && count > 0) {
     const CString name = list[script.Byte() % static_cast<unsigned>(count)].name;
-    // One that was read with no name, or with two, is not found.
+    // A detector that was read with no name, or with two, is not found.
     const bool removed = document.RemoveDetectorInfo(name);
     int left = 0;
     std::ignore = document.GetNumberOfDetectors(left);
@@ -146,8 +146,8 @@ void fillFrames(Vex2FileManager& document, Script& script) {
   record.leading[0] = 1;
   record.data[0] = script.Short();
   const int frame = document.GetDataFrameCount(type);
-  // A block without wells can state any length, and counts frames by it once it gets wells. To fill
-  // the last takes a table of all, and each plate that is added, being a copy, has one, too.
+  // A data block without wells can declare any length, and counts frames by it once it gets wells.
+  // Filling the last frame needs a table of all frames, and so does each copy in a study.
   constexpr int kMostFrames = 10'000;
   if (frame > kMostFrames) return;
   if (document.SetAcqDataWellRecord(&record, frame, 1, type)) {
@@ -194,8 +194,8 @@ constexpr std::array<Edit, 15> kEdits = {
     takeWells,       appendDetector,    takeDetectors, changeDyes,     replaceCalibration,
     fillFrames,      dropBlock,         changeHeader,  addPlate,       dropPlate};
 
-// What is changed in the file itself, at once: whatever it holds, the answer is a status, and the
-// file can still be opened.
+// Changes the file in place. Whatever it holds, each operation returns a status, and the file can
+// still be opened.
 void editInPlace(Vex2FileManager& document, Script& script) {
   Vex2BGC background;
   Vex2AcquisitionData data;

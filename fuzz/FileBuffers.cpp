@@ -1,6 +1,6 @@
-// The buffers of files, which are a quarter of a megabyte, from a few that are kept: the system is
-// not asked for memory at each open, which would be most of an execution's time. What is written
-// beside a buffer, or to one that was given back, is found by the address sanitizer all the same.
+// Reuses a few file buffers of a quarter of a megabyte, because allocating one at each open would
+// take most of the time of an execution. The address sanitizer still finds writes beside a buffer,
+// or to a released one.
 
 #include <sanitizer/asan_interface.h>
 

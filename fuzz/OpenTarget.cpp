@@ -1,4 +1,4 @@
-// Any bytes are opened and read; the document answers every question, and what it holds survives a
+// Input: a document. Opens and reads it, and calls every query. Invariant: the content survives a
 // save.
 
 #include <array>
@@ -65,8 +65,8 @@ void askForFrames(Vex2FileManager& document) {
       Require((document.ReadDataFrame(index, &frame, type) == 0) == there, "each frame is there");
     }
   }
-  // The file's own word for it may differ, for its lengths need not be true. All reporting blocks
-  // are looked for in one way.
+  // The frame count read from the file may differ, because lengths may be false. All reporting
+  // blocks are searched in the same way, so one is enough.
   for (const auto type : {DataRAWa, DataREPt}) {
     Vex2FrameData frame;
     int stored = 0;

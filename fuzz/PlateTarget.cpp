@@ -1,5 +1,5 @@
-// Any bytes are read as a plate within a study, and a plate that was read survives in a study that
-// is saved.
+// Input: a plate of a study. Reads it within a study. Invariant: a plate that was read survives a
+// save of the study.
 
 #include "fuzz/Content.h"
 #include "fuzz/Target.h"
@@ -8,7 +8,7 @@
 namespace vex2::fuzz {
 namespace {
 
-// The lengths of such a study say nothing anyway.
+// Readers ignore the lengths of a study, so they need not be true.
 test::Bytes studyOf(const test::Bytes& plate) {
   static const test::Bytes kHead =
       test::ToBytes(std::string_view("RQStMPLC\0\0\0\xC\0\1RQPl\0\0\0\2\0\0", 24));
@@ -57,7 +57,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (!RequireKept(built)) return 0;
   Vex2FileManager again;
   Read(again, kSaved);
-  // Of several names that a plate was read with, the first goes for the new one.
+  // If a plate was read with several names, the first counts instead of the new one.
   Require(oldNames > 1 || again.GetSinglePlatePtrByName(CString("one")) != nullptr,
           "a plate keeps its name");
   return 0;

@@ -1,5 +1,5 @@
-// Runs a fuzz target on each of the files and of the files in the folders that it is given, once,
-// with any compiler and under any sanitizer. What is not there is passed over.
+// Runs a fuzz target once on each given file and each file in the given folders, with any compiler
+// and sanitizer. Paths that do not exist are skipped.
 
 #include <cstdio>
 #include <filesystem>
@@ -21,7 +21,7 @@ int main(int count, char** arguments) {
     }
   }
   for (const fs::path& input : inputs) {
-    // Said beforehand, since a finding ends the program.
+    // Printed first, because a finding ends the program.
     std::fprintf(stderr, "%s\n", input.c_str());
     std::ifstream file(input, std::ios::binary);
     const std::string bytes{std::istreambuf_iterator<char>(file), {}};

@@ -11,15 +11,15 @@
 
 namespace vex2::fuzz {
 
-/// The files of one execution: in memory, empty, and none past a megabyte, so that the zeros that a
-/// short record can promise do not take the time of a thousand inputs. Installed from the first
-/// call on, with a host that shows nothing.
+/// New, empty files in memory for one execution. Their size is limited to a megabyte, because
+/// writing the zeros of a record with a large declared length would take as long as a thousand
+/// inputs. The first call installs them, with a host that shows nothing.
 test::MemoryFiles& NewFiles();
 
 inline constexpr const char* kDocument = "/fuzz/document.vex";
 inline constexpr const char* kSaved = "/fuzz/saved.vex";
 
-/// Decisions that a target draws from the front of its input; zeros when that is used up.
+/// Decisions that a target reads from the front of its input; zeros when the input is used up.
 class Script {
  public:
   Script(const std::uint8_t* data, std::size_t size) : at_(data), end_(data + size) {}
@@ -37,9 +37,9 @@ class Script {
     at_ += count;
     return text;
   }
-  /// A text that says its length in its first byte.
+  /// A text whose first byte is its length.
   std::string Text() { return Text(Byte()); }
-  /// All that is left.
+  /// The rest of the input.
   test::Bytes Rest() {
     test::Bytes rest(at_, end_);
     at_ = end_;
@@ -51,16 +51,16 @@ class Script {
   const std::uint8_t* end_;
 };
 
-/// Input as a document: as it is when it begins like one, else as records behind the header of a
-/// study ("RQSt" in front of them) or of a new document. Headers are a kilobyte of zeros, at which
-/// mutations would be wasted.
+/// The input as a document: unchanged if it begins like a document, otherwise as records behind the
+/// header of a study (if the input begins with "RQSt") or of a new document. Headers are mostly
+/// zeros, so mutating them would waste time.
 test::Bytes DocumentOf(const test::Bytes& input);
 
-/// Opens and reads; requires that the answer is one of the reader's.
+/// Opens and reads a document, and requires that the status is one that readers return.
 int Read(Vex2FileManager& document, const char* path);
 
-/// Whether the document has a usage table that takes the time of a hundred inputs, and nothing else
-/// to look at.
+/// Whether the document has a usage table so large that it takes the time of a hundred inputs, and
+/// nothing else to test.
 inline bool IsTooLarge(const Vex2FileManager& document) {
   return document.GetHeaderRows() > 1000;
 }

@@ -2,7 +2,7 @@
 
 namespace vex2::test {
 
-/// A `Base` of which the living ones are counted, by the type that is counted.
+/// A `Base` that counts its living objects, separately for each `Base`.
 template <class Base>
 class Counted : public Base {
  public:

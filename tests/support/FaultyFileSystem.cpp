@@ -99,7 +99,7 @@ bool FaultyFileSystem::WasRefused(FileCall kind) const {
   });
 }
 
-// 0, or the negated error that the call is to answer in place of being carried out.
+// Returns 0, or the negated error that the call must return instead of being executed.
 int FaultyFileSystem::fault(FileCall kind) {
   if (interrupts_ && isInterruptible(kind)) {
     interruptNow_ = !interruptNow_;
@@ -131,7 +131,7 @@ template <typename Call>
 auto FaultyFileSystem::stage(FileOperation operation, Call call) -> decltype(call()) {
   decltype(call()) result = fault(operation.call);
   if (result == 0) {
-    // A call may be made of others, which count, too.
+    // A call may consist of other calls, which are counted as well.
     const int number = calls_ - 1;
     if (isKilled(number, Moment::before)) die();
     result = call();

@@ -12,7 +12,7 @@ namespace vex2::test {
 
 enum class FileCall {
   open,
-  createNew,  ///< an open that must make the file
+  createNew,  ///< an open that must create the file
   close,
   read,
   write,
@@ -20,7 +20,7 @@ enum class FileCall {
   syncData,
   syncAll,
   lock,
-  gate,  ///< entered or left
+  gate,  ///< entering or leaving it
   stat,
   statPath,
   rename,
@@ -28,20 +28,20 @@ enum class FileCall {
   copyAttributes
 };
 
-/// One call on the file system as it was made, and what it answered.
+/// One call on the file system, with its arguments and result.
 struct FileOperation {
   FileCall call;
-  std::string path;          ///< of the file worked on; where a rename comes from
-  std::string to = {};       ///< where a rename leads
-  std::uint64_t offset = 0;  ///< of a transfer; the new length of a truncation
-  std::uint64_t count = 0;   ///< bytes asked for
+  std::string path;          ///< path of the file; in a rename, the old path
+  std::string to = {};       ///< in a rename, the new path
+  std::uint64_t offset = 0;  ///< offset of a transfer; new length of a truncation
+  std::uint64_t count = 0;   ///< bytes requested
   std::int64_t result = 0;
-  std::vector<std::uint8_t> bytes = {};  ///< that were written, where they are kept
+  std::vector<std::uint8_t> bytes = {};  ///< bytes written, if `KeepBytes` was called
 };
 
-/// The system's files behind a layer that logs every call and stages faults. Installed while it
-/// lives. Calls are counted from 0 over all kinds; closing is logged but neither counted nor
-/// refused, so that nothing is leaked.
+/// A layer over the system's files that logs every call and injects faults. Installed while it
+/// lives. Calls of all kinds are counted together, from 0. Closing is logged, but neither counted
+/// nor refused, so that no file descriptor leaks.
 class FaultyFileSystem : public FileSystem {
  public:
   FaultyFileSystem();
@@ -49,47 +49,47 @@ class FaultyFileSystem : public FileSystem {
   FaultyFileSystem(const FaultyFileSystem&) = delete;
   FaultyFileSystem& operator=(const FaultyFileSystem&) = delete;
 
-  /// What a fault is when it is no error number: memory that runs out.
+  /// Injected in place of an error number: memory runs out.
   static constexpr int kNoMemory = -1;
 
-  /// Lets call number `number` fail with `error`, and with `fromThenOn` all that follow it.
+  /// Makes call `number`, from 0, fail with `error`; with `fromThenOn`, all later calls as well.
   void FailCall(int number, int error, bool fromThenOn = false);
-  /// Lets `count` calls fail, the first of them number `number`.
+  /// Makes `count` calls fail with `error`, beginning with call `number`, from 0.
   void FailCalls(int number, int count, int error);
-  /// Lets calls of this kind fail once `after` of them went well, or `once` the one that follows.
+  /// Makes calls of this kind fail after the first `after` of them; with `once`, only the next one.
   void FailKind(FileCall kind, int error, int after = 0, bool once = false);
-  /// Ends what `FailKind` began.
+  /// Ends the effect of `FailKind`.
   void Heal(FileCall kind) { failing_.erase(kind); }
-  /// Lets every opening for writing fail, as on a document that is for reading only.
+  /// Makes every open for writing fail, as on a read-only document.
   void RefuseWriters(int error) { writersError_ = error; }
-  /// Lets every opening for reading fail, as on a document that may only be written.
+  /// Makes every open for reading fail, as on a write-only document.
   void RefuseReaders(int error) { readersError_ = error; }
-  /// Transfers move at most `bytes` at a time; and with `interrupt` every call that a signal can
-  /// interrupt is interrupted once before it is carried out.
+  /// Limits every transfer to `bytes` bytes. With `interrupt`, every call that a signal can
+  /// interrupt is interrupted once before it succeeds.
   void Shorten(std::size_t bytes, bool interrupt);
 
   enum class Moment { before, halfway, after };
-  /// Kills the process, as nothing can prevent, at call number `number`: before it takes effect,
-  /// after it, or, if it writes, with half of its bytes written.
+  /// Kills the process with SIGKILL at call `number`, from 0: before the call takes effect, after
+  /// it, or, for a write, with half of its bytes written.
   void KillAt(int number, Moment moment);
-  /// Lets syncing be counted and logged but cost nothing. What a killed process leaves to the
-  /// system does not depend on it.
+  /// Counts and logs syncs without doing them, which saves time. The bytes that a killed process
+  /// leaves to the system do not depend on syncs.
   void SkipSyncs() { skipsSyncs_ = true; }
-  /// Keeps what is written in the log.
+  /// Keeps written bytes in the log.
   void KeepBytes() { keepsBytes_ = true; }
 
-  /// Ends all faults, forgets the log and counts calls from 0 again.
+  /// Ends all faults, clears the log and counts calls from 0 again.
   void Restart();
 
   const std::vector<FileOperation>& Log() const { return log_; }
-  /// The calls that change a file or order its changes, interrupted ones left out, a letter each:
+  /// The calls that change a file or order its changes, without interrupted ones, one letter each:
   /// (L)ock, (W)rite, (T)runcate, (D)ata sync, whole (S)ync, (R)ename.
   std::string Changes() const;
-  /// Calls that could have failed.
+  /// The number of calls so far, without closes.
   int CallCount() const { return calls_; }
-  /// Whether a call of this kind was refused, and not only interrupted.
+  /// Whether a call of this kind was refused; an interruption is not a refusal.
   bool WasRefused(FileCall kind) const;
-  /// Whether a staged fault has struck.
+  /// Whether an injected fault has occurred.
   bool HasFailed() const { return hit_; }
 
   int Open(const char* path, int flags, mode_t mode) override;

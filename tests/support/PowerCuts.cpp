@@ -130,7 +130,7 @@ void PowerCuts::visitLength(const Bytes& synced, const std::vector<Piece>& piece
     std::uint64_t choice = state;
     for (const Piece& piece : inside) {
       const unsigned outcomes = piece.isNew ? 3 : 2;
-      // Of a draw by lot, the first has everything and the second nothing.
+      // In a random selection, the first state has all pieces and the second has none.
       const std::uint64_t drawn = all ? choice : state < 2 ? state : random_();
       put(content, piece, static_cast<unsigned>(drawn % outcomes));
       choice /= outcomes;

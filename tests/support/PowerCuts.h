@@ -13,32 +13,30 @@
 
 namespace vex2::test {
 
-/// What a disk may hold of a file after the power went, at every point of a log.
-///
-/// All that was synced is there. Of what was not, any part may be: each 512-byte sector of a write
-/// on its own, each step that changed the length, each name. A sector behind the length that was
-/// synced may also be zeros or garbage, and the length may end between sectors. What is assumed of
-/// the disk: a sector that lies before that length is written as a whole or not at all, and a sync
-/// that returned holds.
+/// The contents that a file may have on the disk after a power cut, at every point of a log.
+/// Everything that was synced is on the disk. Of the rest, any part may be: each 512-byte sector of
+/// a write, each change of the length, each name. A sector behind the synced length may also be
+/// zeros or random bytes, and the length may end within a sector. Assumptions: a sector before the
+/// synced length is written completely or not at all, and a sync that returned is effective.
 class PowerCuts {
  public:
-  /// Gets what the file holds, nothing where there is no file, and how many operations of the test
-  /// had returned before the power went.
+  /// Receives the content of the file, nothing if there is no file, and the number of operations of
+  /// the test that had returned before the power cut.
   using Visitor = std::function<void(const std::optional<Bytes>& content, int returned)>;
 
   PowerCuts(const std::vector<DiskStep>& log, std::string path)
       : log_(log), path_(std::move(path)) {}
 
-  /// Where a point leaves more states for one length than this, so many are drawn by lot.
+  /// If a point has more states than this for one length, visits this many random ones.
   void SetMostStates(std::uint64_t count) { mostStates_ = count; }
-  /// Lets the disk ignore the barrier that is number `number`, from 0, in each operation from
-  /// number `operation` on, syncs of the folder counted in.
+  /// Makes the disk ignore barrier `number`, from 0, of each operation, beginning with operation
+  /// `operation`. Syncs of the folder count as barriers.
   void IgnoreBarrier(int number, int operation) {
     ignored_ = number;
     ignoredFrom_ = operation;
   }
 
-  /// Visits all states of all points, from the empty disk on.
+  /// Visits all states of all points, beginning with the empty disk.
   void Visit(const Visitor& visitor);
 
   std::uint64_t PointCount() const { return points_; }
@@ -47,12 +45,12 @@ class PowerCuts {
  private:
   static constexpr std::uint64_t kSector = 512;
 
-  /// A part of a write that gets to the disk as a whole or not.
+  /// A part of a write that reaches the disk completely or not at all.
   struct Piece {
     std::uint64_t offset;
     std::uint64_t count;
     const std::uint8_t* bytes;
-    bool isNew;  ///< behind the length that was synced
+    bool isNew;  ///< behind the synced length
   };
 
   void apply(const DiskStep& step);

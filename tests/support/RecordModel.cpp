@@ -14,7 +14,7 @@ enum class Kind { unknown, fixed, text, raw, list, cell, cells, spectra, block, 
 
 struct Family {
   Kind kind;
-  std::size_t width;  // of a fixed value
+  std::size_t width;  // bytes of a fixed value
   const char* tags;   // one after the other
 };
 
@@ -55,13 +55,13 @@ int readRecords(Stream& stream, std::uint32_t count, Part& list) {
   for (std::uint32_t i = 0; i < count; ++i) {
     const std::size_t start = stream.at;
     Text tag;
-    // A cell reads its own head, whatever is there.
+    // A cell reads its own head, whatever its tag is.
     if (!stream.Take(4, tag) && list.tag != "CELS") continue;
     stream.at = start;
     Part child;
     std::uint64_t counted = 0;
     if (const int status = ReadRecord(stream, child, counted); status != 0) return status;
-    // A plate joins the study as if it were added.
+    // A plate that is read increases the length as if it were added.
     if (list.tag == "MPLC") list.length += 10;
     list.children.push_back(child);
   }
@@ -74,7 +74,7 @@ int readCounted(Stream& stream, Part& part, std::size_t more) {
   if (const int status = take(stream, more, part.value); status != 0) return status;
   part.count = NumberAt(count, 0, 2);
   const int status = readRecords(stream, part.count, part);
-  // A study counts the plates that it has.
+  // A study writes the number of plates that it holds.
   if (part.tag == "MPLC") part.count = static_cast<std::uint32_t>(part.children.size());
   return status;
 }

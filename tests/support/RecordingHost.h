@@ -8,7 +8,7 @@
 
 namespace vex2::test {
 
-/// A host that records what it was asked, and answers what the test prepared.
+/// A host that records the requests to it and returns results that the test prepared.
 class RecordingHost : public SilentHost {
  public:
   struct SettingQuery {
@@ -19,7 +19,7 @@ class RecordingHost : public SilentHost {
     friend bool operator==(const SettingQuery&, const SettingQuery&) = default;
   };
 
-  // What was asked, oldest first.
+  // Requests, oldest first.
   std::vector<std::string> messages;
   std::vector<std::string> traces;
   std::vector<ChooserRequest> chooserRequests;
@@ -27,10 +27,10 @@ class RecordingHost : public SilentHost {
   int waitsBegun = 0;
   int waitsEnded = 0;
 
-  // What to answer.
-  std::optional<ChooserResult> choice;  ///< nothing cancels the chooser
+  // Prepared results.
+  std::optional<ChooserResult> choice;  ///< if empty, the chooser is cancelled
   Setting setting;
-  std::optional<CTime> now;  ///< nothing is the system's clock
+  std::optional<CTime> now;  ///< if empty, the time of the system's clock
 
   void ShowMessage(const std::string& text) override { messages.push_back(text); }
   void Trace(const std::string& text) override { traces.push_back(text); }

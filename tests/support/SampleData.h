@@ -8,20 +8,20 @@
 
 namespace vex2::test {
 
-/// The folder of sample documents and readings: what the environment variable VEX2_SHARED_DATA
-/// names, else ../shared/data beside the source tree. It is too large for the source tree, so it
-/// may be absent, and then the path is empty.
+/// The folder of sample documents and readings: the value of the environment variable
+/// VEX2_SHARED_DATA, otherwise ../shared/data beside the source tree. The path is empty if the
+/// folder does not exist; the samples are too large for the source tree.
 std::filesystem::path SampleFolder();
 
-/// The files of the sample folder's `subfolder` whose names end in `ending`, sorted; none where
-/// the folder is absent.
+/// The files in `subfolder` of the sample folder whose names end in `ending`, sorted; none if the
+/// folder does not exist.
 std::vector<std::filesystem::path> SampleFiles(const std::string& subfolder,
                                                const std::string& ending);
 
 /// A path in the source tree, e.g. SourcePath("tests/data/empty.vex").
 std::filesystem::path SourcePath(const std::string& relative);
 
-/// For tests that need the sample data: skipped where it is absent.
+/// For tests that need the sample data; they are skipped if it does not exist.
 class SampleDataTest : public testing::Test {
  protected:
   void SetUp() override;

@@ -14,7 +14,7 @@
 
 namespace vex2::test {
 
-/// What the list holds, from head to tail.
+/// The texts in the list, from head to tail.
 inline std::vector<std::string> TextsOf(const CStringList& list) {
   std::vector<std::string> texts;
   for (POSITION at = list.GetHeadPosition(); at != nullptr;) {
@@ -37,7 +37,7 @@ inline void SetAssay(Vex2FileManager& document, const char* code) {
   document.SetHeaderData(header);
 }
 
-/// A plate that says it lies at `path`; no file is needed to add it.
+/// A plate with the file path `path`; the file need not exist.
 inline Vex2FileManager PlateAt(const char* path, const char* calibrator = "one") {
   Vex2FileManager plate;
   plate.SetFilePath(path);
@@ -47,12 +47,12 @@ inline Vex2FileManager PlateAt(const char* path, const char* calibrator = "one")
 
 inline CString CalibratorOf(const Vex2FileManager* document) {
   CString name;
-  // A document without one has the empty name.
+  // Without a calibrator the name is empty.
   if (document != nullptr) std::ignore = document->GetCalibrator(name);
   return name;
 }
 
-/// Where the first record of a document stands.
+/// The offset of the first record of a document.
 constexpr std::size_t kPlates = 1024;
 
 inline std::string TextAt(const Bytes& bytes, std::size_t at, std::size_t count) {

@@ -5,36 +5,36 @@
 
 namespace vex2::test {
 
-/// Whether sweeps visit every point that they can, as `scripts/test --full` wants it; otherwise
-/// they take a sample that is quick. Set by the environment variable VEX2_FULL_SWEEPS.
+/// Whether sweeps visit every point, as in `scripts/test --full`; otherwise they visit a quick
+/// sample. Set by the environment variable VEX2_FULL_SWEEPS.
 bool FullSweeps();
 
-/// `full` in a full sweep, else `quick`: how many points, kills, states or frames to try.
+/// The number of points, kills, states or frames to try: `full` in a full sweep, otherwise `quick`.
 inline int InFullSweeps(int full, int quick) {
   return FullSweeps() ? full : quick;
 }
 
-/// What a sweep of faults has met: a line of the table in docs/reliability.md.
+/// The result of a fault sweep: one line of the table in docs/reliability.md.
 struct SweepResult {
-  std::string promise;  ///< the table's row, e.g. "the process is killed"
+  std::string promise;  ///< the row of the table, e.g. "the process is killed"
   std::string sweep;    ///< what was done, e.g. "SIGKILL at each system call of a 45-frame run"
-  std::uint64_t points = 0;  ///< places where a fault was put
-  std::uint64_t states = 0;  ///< files, or answers, that were looked at afterwards
-  std::uint64_t bad = 0;     ///< of these, the ones that broke the promise
-  /// What the promise leaves out, e.g. frames of which nothing tells how many wells they are of.
+  std::uint64_t points = 0;  ///< points at which a fault was injected
+  std::uint64_t states = 0;  ///< files or results that were examined afterwards
+  std::uint64_t bad = 0;     ///< states that broke the promise
+  /// States that the promise does not cover, e.g. frames whose number of wells is unknown.
   std::uint64_t leftOut = 0;
 };
 
-/// Adds the result to the file that the environment variable VEX2_SWEEP_RESULTS names, as a line
-/// of JSON, with whether it was a full sweep; does nothing when it is not set. The test itself says
-/// whether it passed: this only keeps the count.
+/// Appends the result as a line of JSON, with whether it was a full sweep, to the file named by the
+/// environment variable VEX2_SWEEP_RESULTS; does nothing if that is not set. This only keeps
+/// counts; the expectations of the test decide whether it passes.
 void ReportSweep(const SweepResult& result);
 
-/// Tells which states of a sweep are bad where expectations look at them. Unlike `HasFailure` it
-/// does not count every state behind the first bad one.
+/// Tells which states of a sweep fail an expectation. `HasFailure` stays true after the first
+/// failure and would count all later states.
 class NewFailures {
  public:
-  /// Whether an expectation of the current test has failed since this was made or last asked.
+  /// Whether an expectation of the current test failed since the construction or the last call.
   bool Any();
 
  private:

@@ -17,7 +17,7 @@ TempFolder::TempFolder() {
 }
 
 TempFolder::~TempFolder() {
-  // A test may have taken the right to write from its folders.
+  // A test may have made its folders read-only.
   std::error_code ignored;
   for (const auto& entry : fs::recursive_directory_iterator(path_, ignored)) {
     if (entry.is_directory(ignored) && !entry.is_symlink(ignored)) {

@@ -7,24 +7,24 @@
 
 namespace vex2::test {
 
-/// An empty folder of its own for one test, removed with all that is in it at the end.
+/// An empty folder for one test. The destructor removes it with its content.
 class TempFolder {
  public:
-  /// Throws `std::system_error` when the system gives no folder.
+  /// Throws `std::system_error` if the folder cannot be created.
   TempFolder();
   ~TempFolder();
   TempFolder(const TempFolder&) = delete;
   TempFolder& operator=(const TempFolder&) = delete;
 
   const std::filesystem::path& Path() const { return path_; }
-  /// The path of the file or folder `name` in it, which need not exist.
+  /// The path of the file or folder `name` in this folder; it need not exist.
   std::string operator/(const std::string& name) const { return (path_ / name).string(); }
 
  private:
   std::filesystem::path path_;
 };
 
-/// For tests that work on files: `folder_ / "run.vex"` is theirs alone.
+/// For tests that work on files: only the current test uses `folder_ / "run.vex"`.
 class TempFolderTest : public testing::Test {
  protected:
   TempFolder folder_;
