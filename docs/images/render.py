@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""Draws what a program printed on a terminal as SVG, with its colours.
+"""Draws the terminal output of a program as SVG, with its colours.
 
 usage: render.py TITLE [WORD...] <captured.txt >picture.svg
 
-With words, only the steps of a script are drawn in whose headings ("== ...") one of them stands.
+With WORDS, draws only the steps of a script whose headings ("== ...") contain one of them.
 The picture of the README was made so:
 
     script -qec 'stty cols 90; scripts/demo' demo.txt
@@ -22,7 +22,7 @@ SEQUENCE = re.compile(r"\x1b\[([0-9;?]*)([A-Za-z])")
 
 
 def style_after(style, codes):
-    """Colour, bold and dim after one sequence of numbers."""
+    """The colour, bold and dim that one escape sequence sets."""
     for code in (int(code or 0) for code in codes.split(";")):
         if code == 0:
             style = (INK, False, False)
@@ -38,7 +38,7 @@ def style_after(style, codes):
 
 
 def pieces(line, style):
-    """Column, text and style of each stretch of a line, and the style that goes on behind it."""
+    """Column, text and style of each part of a line, and the style at its end."""
     found, column, at = [], 0, 0
 
     def put(text):
@@ -57,13 +57,13 @@ def pieces(line, style):
 
 
 def screen(text):
-    """The lines as they stood at the end: what was overwritten from the line's begin is gone."""
+    """The lines as they were at the end: text before a carriage return is overwritten."""
     lines = text.replace("\r\n", "\n").split("\n")
     return [line.rstrip("\r").split("\r")[-1] for line in lines]
 
 
 def kept(text):
-    """Spaces are drawn only when they are of the kind that does not break."""
+    """SVG keeps only non-breaking spaces."""
     return escape(text).replace(" ", "\u00a0")
 
 
@@ -94,7 +94,7 @@ def svg(lines, title):
 
 
 def steps(lines, words):
-    """The lines below headings in which one of the words stands, headings included."""
+    """The headings that contain one of the words, with the lines below them."""
     chosen = False
     for line in lines:
         plain = SEQUENCE.sub("", line)

@@ -1,20 +1,20 @@
 #!/usr/bin/env python3
-"""Writes the man page of the vex command from what its --help says: make_man.py VEX >vex.1"""
+"""Writes the man page of the vex command from its --help texts: make_man.py VEX >vex.1"""
 
 import os
 import re
 import subprocess
 import sys
 
-# What a reader of a man page can do without: which options exclude each other, types of values that have
-# a name, and choices that the name lists already.
+# Parts of --help that the man page leaves out: which options exclude each other, types of named values,
+# and choices that the name already lists.
 NOISE = re.compile(r" REQUIRED| (Excludes|Needs):( --[\w-]+)+|:(UINT|FLOAT|TEXT|INT)\b|(?<=[A-Z]) TEXT\b|UINT:(?={)"
                    r"|(?<=[A-Za-z]):{[^}]*}")
-# An option that fills its column is parted from its text by a single space.
+# A single space separates an option that fills its column from its text.
 FULL_COLUMN = re.compile(r"((?:-\w,)?--[\w-]+(?: [A-Z][A-Z.a-z]*)?) ([A-Z][a-z].*)")
 RANGE = re.compile(r" in \[(\S+) - (\S+)\]")
 
-# The options that every command has; they are told once.
+# Options of every command, which are described once.
 COMMON = "Screen options"
 
 HEAD = r'''.\" Made by make_man.py from what vex --help says; do not edit.
@@ -80,7 +80,7 @@ def escaped(text):
 
 
 def output_of(vex, *words):
-    # Not as wide as the terminal of who runs this.
+    # The width must not depend on the terminal.
     environment = {name: value for name, value in os.environ.items() if name != "COLUMNS"}
     return subprocess.run([vex, *words], check=True, capture_output=True, text=True,
                           env=environment).stdout
@@ -91,7 +91,7 @@ def help_of(vex, *words):
 
 
 def sections(text):
-    """The help's lines by heading; what stands before the first is under an empty one."""
+    """The lines of a help text by heading; lines before the first heading are under ''."""
     found, heading = {"": []}, ""
     for line in text.splitlines():
         if re.fullmatch(r"[A-Z].*:", line):
@@ -103,7 +103,7 @@ def sections(text):
 
 
 def entries(lines):
-    """Name and explanation of each option, put together from lines that may be wrapped."""
+    """Name and explanation of each option, joined from wrapped lines."""
     found = []
     for line in lines:
         if match := re.match(r"  (\S.*?)(?:  +(.*))?$", line):
@@ -117,7 +117,7 @@ def entries(lines):
 
 
 def readable(name, text):
-    """As a man page has it: the value's name alone behind the option, its range in the text."""
+    """The form of a man page: only the name of the value behind the option, its range in the text."""
     if limits := RANGE.search(name):
         text = f"{text} ({limits[1]} to {limits[2]})"
         name = RANGE.sub("", name)
@@ -125,12 +125,12 @@ def readable(name, text):
     name = re.sub(r"\bU?INT\b", "N", name)
     name = re.sub(r"(\.\.\.)? \.\.\.", "...", name)
     if not name.startswith("-"):
-        name = name.split(" ")[0]  # of an argument the usage line says what it is
+        name = name.split(" ")[0]  # the usage line already shows the form of an argument
     return name, text
 
 
 def subcommands(parts):
-    """The names of the commands that a help lists."""
+    """The names of the commands in a help text."""
     lines = parts.get("Subcommands", [])
     return [match[1] for line in lines if (match := re.match(r"  (\w+)", line))]
 

@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
 """Checks that no class in a public header has a container of the standard library in its private
-part: its layout would be part of our binary interface, and with it the compiler that made it.
+part, because its layout would become part of the library's binary interface.
 
 usage: check_containers.py [--marked] FOLDER HEADER...
 
-With --marked the headers are wrong samples: what is found must be the lines that end with the
-comment "// found", no more and no less.
+With --marked, the headers are samples with defects: the check must find exactly the lines that end
+with the comment "// found".
 """
 
 import re
@@ -19,14 +19,14 @@ TOKEN = re.compile(r"(public|protected|private)\s*:(?!:)|[{};]")
 
 
 def without_comments(text):
-    """`text` with comments and literals blanked out, its lines as they were."""
+    """`text` with comments and literals replaced by spaces; line breaks stay."""
     pattern = r'//[^\n]*|/\*.*?\*/|"(?:\\.|[^"\\\n])*"|\'(?:\\.|[^\'\\\n])*\''
     return re.sub(pattern, lambda found: re.sub(r"[^\n]", " ", found.group()), text, flags=re.S)
 
 
 def private_parts(code):
-    """The stretches of `code` that are private in some class, as (begin, end)."""
-    blocks = []  # of each open brace: the access at this place, or None outside of classes
+    """The private parts of classes in `code`, as (begin, end)."""
+    blocks = []  # for each open brace: the current access, or None outside of classes
     statement = 0
     for token in TOKEN.finditer(code):
         access = blocks[-1] if blocks else None
@@ -76,7 +76,7 @@ def main(*arguments):
                       f"{lines[number - 1].strip()}")
                 status = 1
     if status == 0:
-        print(f"{len(headers)} headers are as they must be")
+        print(f"{len(headers)} headers have no container in a private part")
     return status
 
 

@@ -1,6 +1,6 @@
-"""Holds README.md and docs/ to what is there: links and paths lead somewhere, examples are the real ones.
+"""Checks README.md and docs/: links and paths exist, and examples equal their sources.
 
-usage: check_documents.py [--vex PATH]    with the command, its parts are compared with the documents
+usage: check_documents.py [--vex PATH]    --vex also compares commands and options with the documents
 """
 
 import argparse
@@ -12,9 +12,9 @@ import sys
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 LINK = re.compile(r"\[[^\]]*\]\(([^)\s]+)\)")
 SPAN = re.compile(r"`([^`\n]+)`")
-# Documents name sources by where they lie in the tree, or in a library or the command.
+# Documents name sources by their path from the root, from a library, or from the command.
 BASES = ("", "vex2", "lab", "tools/vex")
-# What documents name that is no part of the tree: made by builds, or a user's own.
+# Paths outside the tree that documents may name: made by builds, or files of the user.
 ELSEWHERE = re.compile(r"\.\./shared/|build/|vex2/settings\.ini$|/")
 HEADING = re.compile(r"^#+ +(.*)$", re.MULTILINE)
 
@@ -29,7 +29,7 @@ def without_code(text):
 
 
 def anchor(heading):
-    """The name that a heading can be linked by."""
+    """The anchor of a heading in links."""
     plain = re.sub(r"[^\w\- ]", "", heading.lower())
     return plain.strip().replace(" ", "-")
 
@@ -42,13 +42,13 @@ def broken_links(page):
         path, _, name = target.partition("#")
         file = (page.parent / path).resolve() if path else page
         if not file.exists():
-            yield f"{page.relative_to(ROOT)}: {target} is not there"
+            yield f"{page.relative_to(ROOT)}: the link {target} leads to no file"
         elif name and name not in map(anchor, HEADING.findall(without_code(file.read_text()))):
-            yield f"{page.relative_to(ROOT)}: {target} has no such heading"
+            yield f"{page.relative_to(ROOT)}: the link {target} leads to no heading"
 
 
 def named_paths(text):
-    """What stands in code spans and looks like a path of the tree."""
+    """Words in code spans that look like paths in the tree."""
     tops = {entry.name for entry in ROOT.iterdir() if entry.is_dir()}
     for span in SPAN.findall(without_code(text)):
         for word in span.split():
@@ -59,7 +59,7 @@ def named_paths(text):
 
 def missing_paths(page):
     for path in named_paths(page.read_text()):
-        # NAME and Name stand for any name.
+        # NAME and Name are placeholders for any name.
         pattern = re.sub(r"\b([A-Z]{4,}(?=/|[A-Z]|\b)|Name(?=[A-Z]))", "*", path.rstrip("/"))
         bases = [ROOT / base for base in BASES] + [page.parent]
         if not any(next(base.glob(pattern), None) for base in bases):
@@ -91,7 +91,7 @@ def subcommands(help_text):
 
 
 def undocumented_options(vex, page, *words):
-    """Each option of a command, and of those within it, stands in the man page."""
+    """Yields options of a command and its subcommands that the man page lacks."""
     help_text = output_of(vex, *words, "--help")
     for option in re.findall(r"(?<![\w-])--[a-z][a-z-]+", help_text):
         if option.replace("-", r"\-") not in page and option != "--help":
@@ -103,7 +103,7 @@ def undocumented_options(vex, page, *words):
 
 
 def undocumented_commands(vex, readme):
-    """Each command has a row in the README and a section in the man page, and the other way round."""
+    """Yields commands without a row in the README or a section in the man page, and the reverse."""
     page = (ROOT / "docs" / "man" / "vex.1").read_text()
     there = set(subcommands(output_of(vex, "--help")))
     for name, text, pattern in (("README.md", readme, r"^\| `vex (\w+)"),
@@ -128,7 +128,7 @@ def main():
     faults += unlisted_decisions()
     if vex:
         faults += undocumented_commands(vex, readme)
-    print("\n".join(faults) or f"{len(documents())} documents are right")
+    print("\n".join(faults) or f"{len(documents())} documents have no faults")
     return 1 if faults else 0
 
 

@@ -1,18 +1,18 @@
 #!/usr/bin/env python3
-"""Compares what a shared library exports with the list of what hosts may link against.
+"""Compares the exported symbols of a shared library with the list of names for hosts.
 
 usage: check.py LIBRARY LIST [NM]
 
-LIST holds the names of classes and functions, one a line; a class is exported with its members.
-What is exported without being listed fails the check, and so does what is listed without being
-exported: the list is the library's binary interface, no more and no less.
+LIST holds the names of classes and functions, one per line; a class stands for all its members.
+The check fails if a symbol is exported but not listed, or listed but not exported: the list is
+exactly the library's binary interface.
 """
 
 import re
 import subprocess
 import sys
 
-# What the compiler emits for a class or a function besides its own code.
+# Symbols that the compiler adds for a class or a function.
 ATTENDANT = re.compile(
     r"^(vtable|typeinfo|typeinfo name|VTT|guard variable) for |"
     r"^(non-virtual thunk|virtual thunk|covariant return thunk) to ")
@@ -26,7 +26,7 @@ def exported(library, nm):
 
 
 def belongs(symbol, name):
-    """Whether `symbol` is `name`, one of its overloads, specialisations or members."""
+    """Whether `symbol` is `name`, or one of its overloads, specialisations or members."""
     bare = ATTENDANT.sub("", symbol)
     return bare.startswith(name) and not re.match(r"\w", bare[len(name):])
 

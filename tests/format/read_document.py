@@ -1,8 +1,8 @@
-"""Reads a plate document as docs/format.md describes it, and knows nothing but that page.
+"""Reads a plate document as docs/format.md describes it, without any other knowledge.
 
-It proves that the page is enough to write a reader from, so it shares no code with the library and
-must not be changed to fit it: change the page, then this. `read(bytes)` returns what is in the
-document as plain values; run as a program it prints them as JSON.
+It proves that a reader can be written from the page alone. So it shares no code with the library and
+must not be adapted to the library: change the page, then this file. `read(bytes)` returns the
+content of the document as plain values; run as a program, this prints them as JSON.
 """
 
 import json
@@ -31,7 +31,7 @@ KIND_OF = {tag.replace("_", " "): kind for kind, tags in KINDS.items() for tag i
 
 
 class Unreadable(Exception):
-    """A record cannot be read whole."""
+    """A record cannot be read completely."""
 
 
 class Source:
@@ -76,13 +76,13 @@ def text_of(data):
 
 
 def number(data):
-    """A float of four bytes; None where it is no finite number."""
+    """A float of four bytes; None if it is not finite."""
     value = struct.unpack("<f", data)[0]
     return value if math.isfinite(value) else None
 
 
 def read_header(source):
-    """Leaves the source behind the header. What is missing is blank or 0."""
+    """Reads the header; missing fields are blank or 0. Leaves the source behind it."""
     start = source.at
     padded = Source(source.data[start:].ljust(72, b"\0"))
     header = {"magic": padded.text(4), "formatA": padded.u16(), "formatB": padded.u16(),
@@ -98,7 +98,7 @@ def read_header(source):
 
 
 def read_record(source, depth=1):
-    """One record of a known or unknown kind; `length` is what it counts for afterwards."""
+    """One record of a known or unknown kind; `length` is the length with which it counts."""
     offset = source.at
     tag, declared = source.text(4), source.u32()
     if depth > MAX_DEPTH:
@@ -133,7 +133,7 @@ def new_fields(kind):
 
 
 def read_list(source, depth, count, allowed=None):
-    """`count` records, or those that there are before the end of the file."""
+    """`count` records, or fewer if the file ends first."""
     records = []
     for _ in range(count):
         tag = source.peek_tag()
@@ -270,7 +270,7 @@ def plate_records(source, depth):
 
 
 def simple(**readers):
-    """A body of single fields."""
+    """A body that consists of single fields."""
     def read_body(source, record, _depth):
         for field, reader in readers.items():
             record[field] = reader(source)
@@ -289,8 +289,8 @@ BODIES["program"] = BODIES["opaque"] = (
 
 
 def read(data):
-    """The document in `data`: size, header, components and, where there are any, dropped records.
-    `whole` is false when a record could not be read, and with it all that follows it."""
+    """The document in `data`: size, header, components and any dropped records. `whole` is false if a
+    record cannot be read; the records behind it are then missing."""
     if data[:4] != b"Vex2":
         raise ValueError("not a plate document")
     source = Source(data)

@@ -1,4 +1,4 @@
-"""Holds docs/format.md to the documents: what was written from the page reads them all."""
+"""Checks docs/format.md: the reader written from the page must read all documents."""
 
 import json
 import os
@@ -12,7 +12,7 @@ import read_document
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 SHARED = pathlib.Path(os.environ.get("VEX2_SHARED_DATA", ROOT.parent / "shared" / "data"))
 
-# How the page names the bodies of the kinds that are read.
+# The names of the bodies in the page, by the kinds of the reader.
 BODY_NAMES = {"byte": "u8", "short": "u16", "long": "u32", "float": "float", "block": "text",
               "container": "list", "data": "data block", "program": "program", "opaque": "raw",
               "colour": "colour", "cells": "plate setup", "cell": "one well of it",
@@ -63,7 +63,7 @@ class ReadDocument(unittest.TestCase):
 
 
 def places(records, length):
-    """Tag, offset and declared length of each record and of those in it."""
+    """Tag, offset and declared length of each record, and of the records in it."""
     for record in records:
         yield record["tag"], record["offset"], record[length]
         yield from places(record.get("children", []), length)
@@ -78,7 +78,7 @@ class Tree(unittest.TestCase):
                 shown = subprocess.run([os.environ["VEX_COMMAND"], "tree", "--json", str(path)],
                                        capture_output=True, text=True, check=False).stdout
                 expected = set(places(found["components"] + found["dropped"], "declared"))
-                # A plate's end is no record of the plate, and one that could not be read is shown.
+                # `vex` does not show the end mark of a plate, but shows records that cannot be read.
                 actual = {place for place in places(json.loads(shown), "length")
                           if place[0] != "EOPl"}
                 if found["whole"]:

@@ -1,10 +1,10 @@
-"""Writes what the sweeps of faults met into the table of docs/reliability.md.
+"""Writes the results of the fault sweeps into the table of docs/reliability.md.
 
 usage: make_table.py RESULTS DOCUMENT
 
-RESULTS is what the tests wrote where VEX2_SWEEP_RESULTS is set: a JSON object a line. Only sweeps at full
-length count; those of the same name are added up. Every promise must be one of DOCUMENT's first table,
-which gives their order. The exit code is 1 when a promise was broken.
+RESULTS is the file that the tests write if VEX2_SWEEP_RESULTS is set: one JSON object per line. Only full
+sweeps count; sweeps of the same name are added up. Every promise must be in the first table of DOCUMENT,
+which determines the order. The exit code is 1 if a promise was broken.
 """
 
 import collections
@@ -51,7 +51,7 @@ def main():
         sys.exit(__doc__)
     rows = sums(pathlib.Path(sys.argv[1]).read_text().splitlines())
     if not rows:
-        sys.exit(f"{sys.argv[1]}: no sweep at full length is in it")
+        sys.exit(f"{sys.argv[1]}: contains no full sweep; set VEX2_FULL_SWEEPS=1 for the tests")
     document = pathlib.Path(sys.argv[2])
     before, rest = document.read_text().split(BEGIN)
     rows = in_order(rows, re.findall(r"^\| ([^|]+) \|", before, re.MULTILINE))

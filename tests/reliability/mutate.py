@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""Takes out what keeps documents safe, one thing at a time, and tells which test notices.
+"""Removes the safeguards of documents, one at a time, and reports which test notices.
 
-A mutation of mutations.py replaces a few characters of one source: a barrier, a lock or a check is gone. Each is
-applied to a scratch copy of the tree, never to this tree; what depends on it is built again, and the test programs
-run, those first that the mutation names, until one fails. The result is a row of a table in docs/reliability.md.
+A mutation of mutations.py replaces a few characters of one source and so removes a barrier, a lock or a check. It is
+applied to a scratch copy of the tree, never to this tree. The copy is built, and the test programs run until one
+fails, beginning with those that the mutation names. The result is a row of a table in docs/reliability.md.
 
-The exit code is 1 when a test fails without a mutation, when no test notices a mutation that is not said to be
-redundant, and when --check finds a mutation whose text is not in its source or a table that lists others.
+The exit code is 1 if a test fails without a mutation, if no test notices a mutation that is not marked as redundant,
+and if --check finds a mutation whose text is not in its source, or a table that lists other mutations.
 """
 
 import argparse
@@ -27,18 +27,18 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 DOCUMENT = ROOT / "docs" / "reliability.md"
 BEGIN = "<!-- mutations: written by tests/reliability/mutate.py -->"
 END = "<!-- end of mutations -->"
-# What marks a folder as ours to overwrite.
+# A file that marks a folder as a scratch copy, which may be overwritten.
 MARK = ".scratch-copy-for-mutations"
 HEAD = "| | What was taken out | The tests that notice |\n|---|---|---|"
-# The fastest first. Tests of speed and of loading modules tell nothing of a single change.
+# The fastest first. Tests of speed and of module loading are left out: they do not depend on a single change.
 PROGRAMS = ("storage", "run", "study", "setup", "format", "container", "framework",
             "manager", "memory", "model", "reliability")
-# Of these one test that fails is enough.
+# Stop at the first failure of these.
 SLOW = ("memory", "model", "reliability")
 LEFT_OUT = "*LargeInput*:LargeDocument*"
 MOST_NAMES = 3
 SECONDS = 150
-# As ctest sets them; the limit keeps a mutation from taking all of the machine's memory.
+# The settings of ctest, plus a limit so that a mutation cannot take all memory of the machine.
 OPTIONS = {"ASAN_OPTIONS": "detect_stack_use_after_return=1:strict_string_checks=1:hard_rss_limit_mb=4000",
            "UBSAN_OPTIONS": "print_stacktrace=1"}
 
@@ -48,18 +48,18 @@ class CannotBuild(Exception):
 
 
 class Scratch:
-    """A copy of the tree with a build of its own."""
+    """A copy of the tree with its own build."""
 
     def __init__(self, folder):
         self.folder = folder.resolve()
         if ROOT == self.folder or ROOT.is_relative_to(self.folder):
-            sys.exit(f"{folder}: is this tree, or holds it; give another folder")
+            sys.exit(f"{folder}: is this tree, or contains it; give another folder")
         if self.folder.exists() and any(self.folder.iterdir()) and not (self.folder / MARK).exists():
             sys.exit(f"{folder}: is not empty; give a folder that can be overwritten")
         self.build = self.folder / "build" / "asan"
 
     def update(self):
-        """Copies what differs, so that only that is built again."""
+        """Copies only changed files, so that only those are rebuilt."""
         self.folder.mkdir(parents=True, exist_ok=True)
         (self.folder / MARK).touch()
         listed = subprocess.run(["git", "ls-files", "-z", "--cached", "--others", "--exclude-standard"],
@@ -112,7 +112,7 @@ class Scratch:
 
 
 def failed_tests(output, code):
-    """From what a program wrote and how it ended; `code` is None when it had to be ended."""
+    """The failed tests, from the output and exit code of a program; `code` is None after a timeout."""
     names = [match[1] for match in re.finditer(r"^\[  FAILED  \] (\S+?),?(?: .*)? \(\d+ ms\)$", output, re.M)]
     begun = re.findall(r"^\[ RUN      \] (\S+)$", output, re.M)
     ended = len(re.findall(r"^\[ .{8} \] \S+.* \(\d+ ms\)$", output, re.M))
@@ -124,13 +124,13 @@ def failed_tests(output, code):
 
 
 def plain_name(name):
-    """Without the name of the instantiation and the parameter."""
+    """The name of a test without instantiation and parameter."""
     parts = name.split("/")
     return next(part for part in parts if "." in part)
 
 
 def attempts(mutation, quick):
-    """Programs and patterns of tests: what the mutation names, then all, but not to be quick."""
+    """Programs and patterns of tests: those that the mutation names, then, unless quick, all."""
     hints = [hint.partition(":") for hint in mutation.tests.split()]
     first = [(program, pattern or "*") for program, _, pattern in hints]
     return first if quick else first + [(program, "*") for program in PROGRAMS if (program, "*") not in first]
@@ -152,7 +152,7 @@ def mutate(scratch, mutation, quick):
 
 
 def check_unmutated(scratch, mutations, quick):
-    """What the tests say must be about the mutation."""
+    """Checks that all tests pass without a mutation."""
     wanted = {}
     for mutation in mutations:
         for program, pattern in attempts(mutation, quick):
@@ -173,7 +173,7 @@ def row(mutation, names):
 
 
 def document_rows(text):
-    """The rows of the table by what was taken out."""
+    """The rows of the table, by what was removed."""
     if BEGIN not in text:
         return {}
     table = text.split(BEGIN)[1].split(END)[0]
@@ -201,7 +201,7 @@ def complaints(mutations, with_table=True):
         source = ROOT / mutation.file
         count = source.read_text().count(mutation.original) if source.exists() else 0
         if count != 1:
-            yield f"{mutation.name}: its text is {count} times in {mutation.file}, not once"
+            yield f"{mutation.name}: its text occurs {count} times in {mutation.file}, not once"
     for field in ("name", "what"):
         values = [getattr(mutation, field) for mutation in MUTATIONS]
         for value in sorted({value for value in values if values.count(value) > 1}):
@@ -256,7 +256,7 @@ def main():
     chosen = [mutation for mutation in MUTATIONS if not options.only or mutation.name in options.only]
     unknown = set(options.only or ()) - {mutation.name for mutation in chosen}
     if unknown:
-        sys.exit(f"there is no mutation {', '.join(sorted(unknown))}; see --list")
+        sys.exit(f"unknown mutation: {', '.join(sorted(unknown))}; see --list")
     if options.list:
         print("\n".join(f"{mutation.name:32} {mutation.kind:8} {mutation.what}" for mutation in chosen))
         return 0

@@ -1,4 +1,4 @@
-"""The mutations of mutate.py: each takes out one thing that keeps documents, or their readers, safe."""
+"""The mutations of mutate.py: each removes one safeguard of documents or their readers."""
 
 import dataclasses
 
@@ -8,10 +8,10 @@ class Mutation:
     kind: str
     name: str
     file: str
-    what: str  # what is taken out, in words
-    original: str  # stands once in the file
+    what: str  # what is removed, in words
+    original: str  # occurs once in the file
     replacement: str
-    tests: str  # the programs, with a pattern or without, that are most likely to notice
+    tests: str  # the test programs, optionally with a pattern, that are most likely to notice
     redundant: str = ""  # why no test can notice
 
 

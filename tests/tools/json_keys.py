@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Compares the keys of real --json output with docs/json.md: json_keys.py VEX docs/json.md
 
-Each command runs on documents of several kinds. A key that is printed and not written down, or
-written down and never printed, is a failure; so is an output without the version.
+Runs each command on several kinds of documents. Fails if a key is printed but not documented, or
+documented but never printed, and if an output has no version.
 """
 
 import json
@@ -13,7 +13,7 @@ import subprocess
 import sys
 import tempfile
 
-# Commands whose output is an object on each line; {} is the document.
+# Commands whose output is one object per line; {} is the document.
 COMMANDS = {
     "info": ["info --json {}"],
     "wells": ["wells --json {}"],
@@ -26,12 +26,12 @@ COMMANDS = {
     "recover": ["recover --json {} -o recovered.vex --force"],
     "study list": ["study list --json {}"],
 }
-# Lists and objects whose keys are those of their command once more.
+# A list whose objects have the keys of their command.
 SAME_AS_ABOVE = "plates[]"
 
 
 def documented(path):
-    """The keys of each command, by the headings of the document."""
+    """The documented keys of each command, by heading."""
     keys = {}
     for line in path.read_text(encoding="utf-8").splitlines():
         if line.startswith("## "):
@@ -43,7 +43,7 @@ def documented(path):
 
 
 def paths(value, at=""):
-    """The key of each value within `value`, as the document writes it."""
+    """The key of each value within `value`, in the notation of the document."""
     if isinstance(value, dict):
         for key, inner in value.items():
             yield from paths(inner, f"{at}.{key}" if at else key)
@@ -65,14 +65,14 @@ def matches(key, path, repeats):
 
 
 def differences(section, keys, seen):
-    """What stands in one of the two and not in the other."""
+    """Keys that only one of the two sets contains."""
     repeats = SAME_AS_ABOVE in keys
-    # Lists may be empty, and what a document does not say has no keys within it.
+    # A list may be empty, and a null value has no keys within it.
     for path in sorted(seen):
         inner = [key for key in keys if matches(key, path, repeats)]
         empty = any(key.startswith(path + ".") or key.startswith(path + "[]") for key in keys)
         if not inner and not empty:
-            yield f"{section}: prints '{path}', which the document lacks"
+            yield f"{section}: prints '{path}', which is not documented"
     for key in sorted(keys - {SAME_AS_ABOVE}):
         inside = any(path == key or path.startswith(key + ".") or matches(key, path, repeats)
                      for path in seen)
@@ -81,7 +81,7 @@ def differences(section, keys, seen):
 
 
 def make_documents(run):
-    """A run, a study, a document of background readings, a damaged one and an unrecorded one."""
+    """A run, a study, a background document, a damaged one, and one that vex did not record."""
     run("simulate run.vex --cycles 2 --seed 1")
     data = pathlib.Path("run.vex").read_bytes()
     pathlib.Path("plate1.vex").write_bytes(data)
@@ -98,7 +98,7 @@ def main():
     vex = pathlib.Path(sys.argv[1]).resolve()
     keys = documented(pathlib.Path(sys.argv[2]).resolve())
     faults = [f"no section for '{name}'" for name in COMMANDS if name not in keys]
-    faults += [f"section '{name}' is of no command" for name in keys if name not in COMMANDS]
+    faults += [f"section '{name}' belongs to no command" for name in keys if name not in COMMANDS]
     with tempfile.TemporaryDirectory() as folder:
 
         def run(line):
@@ -120,7 +120,7 @@ def main():
                             faults.append(f"{section}: {document}: no version")
                         seen.update(paths(value))
             if not seen:
-                faults.append(f"{section}: prints nothing at all")
+                faults.append(f"{section}: prints nothing")
             faults += differences(section, keys.get(section, set()), seen)
     print("\n".join(faults) or "all keys are documented")
     return 1 if faults else 0

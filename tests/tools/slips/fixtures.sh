@@ -1,5 +1,5 @@
 #!/bin/sh
-# Makes, in the current folder, the files that every slip finds in its own. `vex` is on the PATH.
+# Creates the files that every slip starts with, in the current folder. `vex` must be on the PATH.
 set -eu
 
 cat > wells.csv <<'END'
@@ -23,22 +23,22 @@ vex record measured.vex --readings readings.csv --wells wells.csv
 vex simulate run.vex --cycles 2 --seed 1
 vex simulate other.vex --cycles 2 --seed 2
 
-# A recording that was cut off after its first frame.
+# A recording that was killed after its first frame.
 vex simulate cut.vex --cycles 2 --pace 1000 2> /dev/null &
 until vex info --json cut.vex 2> /dev/null | grep -q '"frames": *1'; do sleep 0.05; done
 kill $!
 wait $! || true
 
-# A study, and the plates that it was made of.
+# A study and its plates.
 cp run.vex plate1.vex
 cp other.vex plate2.vex
 vex study new study.vex plate1.vex plate2.vex > /dev/null
 
-# Damaged documents: one ends within a frame, of the other the begin is overwritten.
+# Damaged documents: one ends within a frame, the start of the other is overwritten.
 head -c 10000 run.vex > damaged.vex
 { head -c 100 /dev/zero; tail -c +101 run.vex; } > zeroed.vex
 
-# What is no document.
+# Files that are not documents.
 vex calibration run.vex --export calibration.csv
 : > empty.vex
 echo 'Do not forget the controls.' > notes.txt

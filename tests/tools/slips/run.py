@@ -1,16 +1,15 @@
 #!/usr/bin/env python3
-"""Checks what the command answers to ordinary slips, and that it leaves every file alone.
+"""Checks how the command reports user mistakes (slips), and that it leaves every file unchanged.
 
 usage: run.py [--only TEXT] [--list] [--all-fail] VEX FILE.slips...
 
-Each slip runs in a folder of its own that holds the files of fixtures.sh. A slip fails when the
-exit code, standard error or standard output is another than written, or when a file in the folder
-has changed, appeared or gone that the slip does not name: temporary files that stay are found so.
-A slip that failed is printed as it went, in the form of these files. --only runs the slips
-with TEXT in the name, and --all-fail is done when every slip has failed: this is how the runner
-itself is tested.
+Each slip runs in a separate folder with the files of fixtures.sh. A slip fails if the exit code,
+standard error or standard output differs from the expectation, or if a file in the folder that the
+slip does not name has changed, appeared or disappeared; this also finds temporary files that stay.
+The actual result of a failed slip is printed in the form of a .slips file. --only runs the slips
+with TEXT in the name. --all-fail succeeds if every slip fails, which tests this program.
 
-A .slips file is a list of blocks, with empty lines and lines that begin with # between them:
+A .slips file is a list of blocks, separated by empty lines and lines that begin with #:
 
     === the readings of a simulated run would replace the run itself
     setup> cp run.vex keep.vex
@@ -19,22 +18,22 @@ A .slips file is a list of blocks, with empty lines and lines that begin with # 
     2> vex: run.vex: already exists; use --force to replace it
 
     === NAME      begins a slip; the name is unique in its file
-    setup> LINE   is run by sh before the command; may be given several times
+    setup> LINE   sh runs it before the command; may be repeated
     recorder> FILE [ARGUMENTS]  keeps `vex simulate FILE ARGUMENTS` recording beside the command:
-                  it has recorded one frame of two and waits for the next
-    $ LINE        the command line, run by sh; several lines are one script
-    exit CODE     the exit code that is expected; 0 if not given
-    2> LINE       a line of standard error, exactly as it is; all lines are written
-    2~ REGEX      the same as a regular expression for the whole line: only for what truly varies
+                  the recorder has recorded one frame of two and waits
+    $ LINE        the command line, which sh runs; several lines are one script
+    exit CODE     the expected exit code; 0 if not given
+    2> LINE       a line of standard error, exactly; all lines must be given
+    2~ REGEX      a regular expression for a whole line of standard error: only for text that varies
     1> LINE       a line of standard output
-    1~ REGEX      the same as a regular expression
-    1 any         standard output is not looked at; without this and 1> it is empty
-    changes FILE...     files that have changed, or appeared, afterwards; '*' stands for any text
-    may-change FILE...  files that may have
-    removes FILE...     files that are gone afterwards
-    then> LINE    is run by sh afterwards and must answer 0, as `cmp a.vex b.vex`
+    1~ REGEX      a regular expression for a whole line of standard output
+    1 any         ignores standard output; without this and 1> it must be empty
+    changes FILE...     files that must have changed or appeared; '*' matches any text
+    may-change FILE...  files that may have changed or appeared
+    removes FILE...     files that must have disappeared
+    then> LINE    sh runs it afterwards, and it must succeed, as `cmp a.vex b.vex`
 
-`setup>` and `then>` are run by `sh -e`. Standard input is empty, the language is English in UTF-8,
+`sh -e` runs the lines of `setup>` and `then>`. Standard input is empty, the language is English in UTF-8,
 standard output and standard error are files, and the time zone is UTC.
 """
 
@@ -71,7 +70,7 @@ class Slip:
         self.recorder = None
 
     def take(self, line):
-        """Takes over a line of the block. Throws ValueError when it is none."""
+        """Adds a line of the block. Raises ValueError if the line has no known form."""
         key, _, text = line.partition(" ")
         if key in REPEATED:
             entry = (key.endswith("~"), text) if key[0] in "12" else text
@@ -112,7 +111,7 @@ def read_slips(path):
 
 
 def surroundings(vex, folder):
-    """The environment of all commands: nothing that the user has set changes an answer."""
+    """The environment of all commands, independent of the user's settings."""
     kept = {name: value for name, value in os.environ.items()
             if name.endswith("SAN_OPTIONS") or name == "LD_LIBRARY_PATH"}
     return kept | {"PATH": f"{vex.parent}:{os.environ['PATH']}", "HOME": str(folder),
@@ -121,7 +120,7 @@ def surroundings(vex, folder):
 
 
 def run_script(lines, folder, environment, *, strict):
-    """Runs the lines by sh. Answers exit code, standard output and standard error."""
+    """Runs the lines with sh. Returns exit code, standard output and standard error."""
     shell = ["sh", "-e"] if strict else ["sh"]
     with tempfile.TemporaryFile() as out, tempfile.TemporaryFile() as err:
         process = subprocess.Popen([*shell, "-c", "\n".join(lines)], cwd=folder, env=environment,
@@ -139,7 +138,7 @@ def run_script(lines, folder, environment, *, strict):
 
 
 def snapshot(folder):
-    """What every path in the folder is and holds."""
+    """The type and content of every path in the folder."""
     paths = {}
     for path in sorted(folder.rglob("*")):
         if path.is_symlink():
@@ -153,7 +152,7 @@ def snapshot(folder):
 
 
 class Recorder:
-    """A run that is being recorded beside the command, as long as the `with` lasts."""
+    """A run that is being recorded for the duration of the `with` block."""
 
     def __init__(self, arguments, folder, environment):
         self.arguments, self.folder, self.environment = arguments, folder, environment
@@ -179,10 +178,10 @@ class Recorder:
 
 
 def lines_differ(expected, text):
-    """Whether the lines of a stream are others than expected."""
+    """Whether the lines of a stream differ from the expected ones."""
     lines = text.split("\n")
     if lines[-1] != "":
-        return True  # the last line has no end
+        return True  # the last line has no line end
     lines.pop()
     return len(lines) != len(expected) or any(
         re.fullmatch(wanted, line) is None if is_regex else wanted != line
@@ -190,7 +189,7 @@ def lines_differ(expected, text):
 
 
 def file_problems(slip, before, after):
-    """What became of files that should have stayed, and of those that should not."""
+    """Yields unexpected changes of files, and expected changes that did not happen."""
     changed = {path for path in after if before.get(path) != after[path]}
     gone = set(before) - set(after)
 
@@ -212,7 +211,7 @@ def file_problems(slip, before, after):
 
 
 def problems(slip, folder, vex):
-    """What is wrong with the answer to the slip; nothing if all is as expected."""
+    """The differences from the expectation of the slip; empty if there are none."""
     environment = surroundings(vex, folder)
     code, _, err = run_script(slip.setup, folder, environment, strict=True)
     if code != 0:
@@ -263,7 +262,7 @@ def main():
             sys.exit(f"the fixtures could not be made: {code}\n{out}{err}")
         for slip in slips:
             folder = pathlib.Path(place) / "slip"
-            # Copied with its times, that a document is not taken for a changed one.
+            # Copied with its times, so that documents do not look changed.
             shutil.copytree(fixtures, folder, symlinks=True)
             found = problems(slip, folder, vex)
             if found:
