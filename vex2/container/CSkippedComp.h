@@ -10,7 +10,9 @@ class VEX2_API CSkippedComp final : public CComponent {
   CSkippedComp(std::string_view tag, std::uint32_t length);
 
   using CComponent::Read;
-  /// Reads the record at the file position and takes its tag. Statuses as in `CComponent::Read`.
+  /// Reads the record at the file position and takes its tag. Adds the size of the record to
+  /// `counter`. Returns -100 for a null file, -300 if tag and length cannot be read or the record
+  /// is nested too deep.
   int Read(CFile* file, std::uint32_t& counter) override;
   /// Extends the file by `GetLength()` zero bytes, so that the next record keeps its place.
   int WriteBody(CFile* file) override;

@@ -7,22 +7,19 @@
 #include "vex2/framework/Export.h"
 #include "vex2/framework/Host.h"
 
-/// The console host's settings store.
-///
-/// Settings are kept in INI files. A section is a key, its parts separated by backslashes, and a
-/// line in it is a setting:
+/// The console host's settings store. Settings are stored in INI files. A section is a key, whose
+/// parts are separated by backslashes, and each line in it is a setting:
 ///
 ///     [Software\Orbanet Scientific\Vex2]
 ///     ; comments begin with a semicolon or a hash sign
 ///     Blue LED Array Illumination = 1
 ///     Colour = 0xFF8800
 ///     Folder = "C:\data"
-///
-/// What stands behind the first equals sign is a number where it is one of 32 bits, decimal or
-/// hexadecimal with 0x, and else a text; a text in double quotes is never a number, and keeps its
-/// spaces. Spaces around keys, names and values do not count, nor does the case of ASCII letters
-/// in keys and names. The first line that fits is taken. Lines that are none of this are passed
-/// over, so are lines behind the first `kSettingsFileLimit` bytes of a file.
+/// A value, behind the first equals sign, is a number if it is a decimal number, or a hexadecimal
+/// one with 0x, of up to 32 bits; otherwise it is a text. A text in double quotes is never a
+/// number, and keeps its spaces. Spaces around keys, names and values are ignored, and so is the
+/// case of ASCII letters in keys and names. The first matching line counts. All other lines are
+/// skipped, and so are lines behind the first `kSettingsFileLimit` bytes of a file.
 namespace vex2 {
 
 /// Bytes at the start of a settings file that are read. Settings files are small; a larger file is

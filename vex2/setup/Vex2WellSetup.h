@@ -14,7 +14,7 @@ struct VEX2_API Vex2WellSetup {
   bool flag = true;
   char* name = nullptr;                ///< with a terminating zero, made with new[], or null
   std::int32_t nameLength = 0;         ///< characters
-  char* description = nullptr;         ///< as `name`; stored, but not read back
+  char* description = nullptr;         ///< a text like `name`; stored, never read back
   std::int32_t descriptionLength = 0;  ///< characters
   /// The record owns the entries, which are made with new.
   CTypedPtrList<CPtrList, Vex2WellDetector*> detectors;
