@@ -27,11 +27,7 @@ DocumentFile::DocumentFile(const Vex2FileManager& plate) : Vex2FileManager(plate
 
 void DocumentFile::OpenDocument(const std::string& path) {
   RequireReadable(path);
-  CFileException reason;
-  if (!Open(path.c_str(), modeRead | typeBinary | shareExclusive, &reason)) {
-    throw SystemError(path, reason.GetError());
-  }
-  SetFilePath(path.c_str());
+  if (SafeOpen(path.c_str(), 0, 0) == 0) throw FileFailure(path, GetLastFileError());
   if (const auto why = WhyNoDocument(*this)) {
     throw Error(ErrorCode::kNoDocument, path, "this is no plate document: " + *why, 0);
   }

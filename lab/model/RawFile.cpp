@@ -7,8 +7,6 @@
 #include <cerrno>
 #include <string_view>
 
-#include "lab/Error.h"
-
 namespace vex2::lab {
 
 namespace {
@@ -48,6 +46,28 @@ std::optional<std::string> WhyNoDocument(CFile& file) {
            "wells --from' and 'vex calibration --import'";
   }
   return "it does not begin with Vex2";
+}
+
+Error FileFailure(const std::string& path, const FileError& error) {
+  switch (error.reason) {
+    case FileErrorReason::kSystem:
+      return SystemError(path, error.systemError);
+    case FileErrorReason::kLocked:
+      return SystemError(path, EWOULDBLOCK);
+    case FileErrorReason::kNoMemory:
+      return SystemError(path, ENOMEM);
+    case FileErrorReason::kNotADocument:
+      return {ErrorCode::kNoDocument, path, "this is no plate document"};
+    case FileErrorReason::kFailedSyncBefore:
+      return {ErrorCode::kSystem, path,
+              "the disk failed to store an earlier change, so nothing more is written into this "
+              "file; save the document under another name"};
+    case FileErrorReason::kNone:
+    case FileErrorReason::kNotOpen:
+    case FileErrorReason::kNoPath:
+      break;
+  }
+  return {ErrorCode::kSystem, path, "the library refused it and gave no reason"};
 }
 
 void OpenToRead(CFile& file, const std::string& path) {

@@ -3,7 +3,9 @@
 #include <optional>
 #include <string>
 
+#include "lab/Error.h"
 #include "vex2/framework/CFile.h"
+#include "vex2/framework/FileError.h"
 
 namespace vex2::lab {
 
@@ -13,6 +15,10 @@ void RequireReadable(const std::string& path);
 
 /// Opens the file at `path`, whatever is in it. Throws an error with the system's reason.
 void OpenToRead(CFile& file, const std::string& path);
+
+/// Why an operation of the library on the file at `path` failed, for `error` as its manager keeps
+/// it.
+Error FileFailure(const std::string& path, const FileError& error);
 
 /// Why the open file is no plate document, going by its first bytes: to follow that it is none.
 /// Nothing when it begins as one.

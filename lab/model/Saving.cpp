@@ -1,13 +1,11 @@
 #include "lab/model/Saving.h"
 
-#include <unistd.h>
-
-#include <cerrno>
 #include <filesystem>
 
 #include "lab/Error.h"
 #include "lab/Interrupts.h"
 #include "lab/Text.h"
+#include "lab/model/RawFile.h"
 #include "vex2/run/AcquisitionDataComp.h"
 
 namespace vex2::lab {
@@ -16,15 +14,6 @@ namespace {
 
 constexpr std::uint16_t kFirstVersionThatReadsBack = 2;
 constexpr std::size_t kMostLossLines = 8;
-
-// The system's reason why nothing can be saved to `path`. The library answers with a status alone.
-int reasonAgainst(const std::string& path) {
-  const auto folder = std::filesystem::path(path).parent_path();
-  if (!folder.empty() && access(folder.c_str(), F_OK) != 0) return errno;
-  if (std::filesystem::is_directory(path)) return EISDIR;
-  if (access(path.c_str(), F_OK) == 0) return access(path.c_str(), W_OK) != 0 ? errno : EIO;
-  return access(folder.empty() ? "." : folder.c_str(), W_OK) != 0 ? errno : EIO;
-}
 
 void upgradeBlocks(const Document& document, const Document::Plate& plate, const SaveRules& rules) {
   int index = 0;
@@ -89,7 +78,7 @@ void SaveDocument(DocumentFile& document, const std::string& target) {
   document.RequireUnchanged();
   if (document.SaveToFile(target.c_str()) == kSuccess) return;
   document.RequireUnchanged();
-  throw SystemError(target, reasonAgainst(target));
+  throw FileFailure(target, document.GetLastFileError());
 }
 
 bool IsSameFile(const std::string& one, const std::string& other) {

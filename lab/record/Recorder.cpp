@@ -3,12 +3,11 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <chrono>
-#include <cstring>
 #include <utility>
 
 #include "lab/Error.h"
+#include "lab/model/RawFile.h"
 #include "lab/record/PlanDocument.h"
 
 namespace vex2::lab {
@@ -88,7 +87,6 @@ bool Recorder::goOn() {
   }
   if (interrupted_->IsDone()) return false;
   interrupted_->Repair();
-  errno = 0;
   check(manager_.ReadFromFile(document_.c_str()));
   check(manager_.SetAcquisitionStatus(document_.c_str(), "PROG"));
   if (!interrupted_->HasBlock()) openBlock();
@@ -110,7 +108,6 @@ std::vector<RunReading> Recorder::RecordedFrame(std::size_t index) const {
 // The document is complete but for its data block, which is to be its last record.
 void Recorder::begin() {
   StorePlan(manager_, plan_);
-  errno = 0;
   check(manager_.SaveToFile(document_.c_str()));
   check(manager_.SetAcquisitionStatus(document_.c_str(), "PROG"));
   openBlock();
@@ -132,7 +129,6 @@ void Recorder::commit(std::size_t frame) {
       throw Error(ErrorCode::kSystem, options_.path, "the data block cannot grow further");
     }
   }
-  errno = 0;
   check(manager_.CommitAcqDataFrame(document_.c_str(), index, DataRAWa));
 }
 
@@ -145,18 +141,11 @@ void Recorder::Finish() {
     manager_.SetAcqDataEndTime(end, DataRAWa);
   }
   check(manager_.SetAcquisitionStatus("DONE"));
-  errno = 0;
   check(manager_.SaveToFile(document_.c_str()));
 }
 
-// The library answers only that a write failed. What the system said is still there, as nothing
-// that succeeds afterwards changes it; the callers clear what was there before.
 void Recorder::check(int status) const {
-  if (status == kSuccess) return;
-  const int error = errno;
-  if (error != 0) throw Error(ErrorCode::kSystem, options_.path, std::strerror(error));
-  throw Error(ErrorCode::kSystem, options_.path,
-              "the library answers " + std::to_string(status) + " to a write");
+  if (status != kSuccess) throw FileFailure(options_.path, manager_.GetLastFileError());
 }
 
 }  // namespace vex2::lab
