@@ -73,7 +73,8 @@ class Planner {
     const StoredBlock& head = block.head;
     if (head.version < 2 || head.timeBlockSize != kTimeBlockSize) return;
     const FrameFit fit = FitFrames(block.record, head, plan_.size);
-    std::uint64_t frames = std::min(fit.counted, fit.there);
+    const FrameRange range = block.Range(plan_.size);
+    std::uint64_t frames = FindCommittedFrames(range).count;
     // Beyond what was counted, a frame is one only when the instrument filled it.
     while (frames < fit.there && isFilled(head, frames)) ++frames;
     if (frames == 0 && isFirstCommitOpen()) {
@@ -81,7 +82,7 @@ class Planner {
     }
     const std::uint64_t end = head.firstFrame + frames * head.frameSize;
     // A commit leaves no more than a frame. What else stands there is not to be cut off unseen.
-    if (plan_.size - end > head.frameSize) return;
+    if (UncommittedBehind(range, end) == Uncommitted::kMore) return;
     patch(block.record.offset + kLengthAt, block.record.length,
           end - block.record.offset - kRecordHeadSize,
           "the length of RAWa, for " + Counted(frames, "whole frame"));

@@ -66,7 +66,9 @@ void checkBehindBlock(const LastBlock& block, const Document& document, const He
   const std::uint64_t rest = bytes % block.head.frameSize;
   const std::string halfText = std::to_string(rest) + " of the " +
                                std::to_string(block.head.frameSize) + " bytes of a frame";
-  if (header.IsUnfinished() && bytes <= block.head.frameSize) {
+  const bool isOfACommit =
+      UncommittedBehind(block.Range(document.Size()), from) == Uncommitted::kCommit;
+  if (header.IsUnfinished() && isOfACommit) {
     findings.Add({Severity::kWarning, std::string(kBlock), from,
                   (whole == 1 ? "a whole frame follows" : halfText + " follow") +
                       " the block's length: a commit was interrupted",
@@ -123,11 +125,9 @@ bool IsFirstCommit(CFile& file, const Document& document, const HeaderFields& he
   const bool hasBlock = std::any_of(records.begin(), records.end(),
                                     [](const auto& record) { return record.tag == kBlock; });
   if (hasBlock || !header.IsUnfinished() || header.rawDataPosition != 0) return false;
-  constexpr std::uint64_t kBlockHead = 26;
-  constexpr std::uint64_t kBytesOfWell = 82;  // its number and its reading
   const std::uint64_t from = document.StrayOffset();
   const std::uint64_t bytes = document.Size() - from;
-  if (bytes == 0 || bytes > kBlockHead + kBytesOfWell * header.Wells()) return false;
+  if (bytes == 0 || bytes > FirstCommitSize(header.Wells())) return false;
   const std::string begin = textAt(file, from);
   return begin == kBlock.substr(0, begin.size()) || begin == std::string(begin.size(), '\0');
 }

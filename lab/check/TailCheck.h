@@ -7,6 +7,7 @@
 #include "lab/model/DataBlock.h"
 #include "lab/model/Document.h"
 #include "lab/model/HeaderFields.h"
+#include "vex2/storage/FrameLog.h"
 
 namespace vex2::lab {
 
@@ -14,6 +15,11 @@ namespace vex2::lab {
 struct LastBlock {
   FileRecord record;
   StoredBlock head;
+
+  /// Where its frames stand in a file of this length.
+  FrameRange Range(std::uint64_t fileEnd) const {
+    return {head.firstFrame, head.frameSize, record.DeclaredEnd(), fileEnd};
+  }
 };
 
 /// That of the open document; nothing when another record is the last one, or the block has no

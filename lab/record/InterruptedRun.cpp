@@ -13,6 +13,7 @@
 #include "lab/record/PlanComparison.h"
 #include "vex2/format/Encoding.h"
 #include "vex2/manager/Vex2FileManager.h"
+#include "vex2/storage/FrameLog.h"
 
 namespace vex2::lab {
 
@@ -157,10 +158,11 @@ void InterruptedRun::readHead(CFile& file) {
 void InterruptedRun::countFrames(std::uint64_t fileLength) {
   tailStart_ = blockStart_;
   if (HasBlock()) {
-    const std::uint64_t declared =
-        std::max(blockStart_ + kRecordHeadSize + blockLength_, framesStart());
-    frameCount_ = (std::min(declared, fileLength) - framesStart()) / frameBytes();
-    tailStart_ = framesStart() + frameCount_ * frameBytes();
+    const CommittedFrames frames = FindCommittedFrames(
+        {framesStart(), frameBytes(), blockStart_ + kRecordHeadSize + blockLength_, fileLength});
+    frameCount_ = frames.count;
+    tailStart_ = frames.end;
+    hasMoreBehind_ = frames.behind == Uncommitted::kMore;
   }
   tailBytes_ = fileLength - std::min(fileLength, tailStart_);
 }
@@ -211,9 +213,9 @@ void InterruptedRun::checkContents(const RunPlan& plan) const {
 // A commit leaves at most its own bytes behind, and a frame does not begin as a record does. What
 // else stands there is somebody's, and not to be cut off.
 void InterruptedRun::checkTail(const RunPlan& plan) const {
-  const std::uint64_t frame = kStoredRecordSize * plan.wells.size();
-  const std::uint64_t most = HasBlock() ? frame : headBytes(plan.wells.size()) + frame;
-  if (tailBytes_ > most || (HasBlock() && isTag(tailTag_))) {
+  const bool isMore = HasBlock() ? hasMoreBehind_ || isTag(tailTag_)
+                                 : tailBytes_ > FirstCommitSize(plan.wells.size());
+  if (isMore) {
     refuseAt(tailStart_, "more follows than a recorder can have left");
   }
 }

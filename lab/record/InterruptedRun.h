@@ -60,6 +60,7 @@ class InterruptedRun {
   std::size_t frameCount_ = 0;
   std::uint64_t tailStart_ = 0;  ///< where what is in the document for good ends
   std::uint64_t tailBytes_ = 0;
+  bool hasMoreBehind_ = false;  ///< than a commit can have left, behind the block
   std::string tailTag_;
 };
 

@@ -146,11 +146,10 @@ std::uint64_t endOfFrames(CFile& file, std::uint32_t offset, const HeldBlock& he
     return fileEnd;
   }
   const std::uint64_t counted = block.record.DeclaredEnd();
-  if (counted < block.firstFrame || (counted - block.firstFrame) % block.FrameBytes() != 0) {
-    return fileEnd;
-  }
-  // A commit leaves at most its own frame, and what others put behind the data are records.
-  if (counted >= fileEnd || fileEnd - counted > block.FrameBytes()) return fileEnd;
+  const CommittedFrames frames =
+      FindCommittedFrames({block.firstFrame, block.FrameBytes(), counted, fileEnd});
+  if (frames.end != counted || frames.behind != Uncommitted::kCommit) return fileEnd;
+  // What others put behind the data are records.
   return recordsFollow(file, counted) ? fileEnd : counted;
 }
 
@@ -191,6 +190,20 @@ std::uint64_t endOfRecords(CFile& file, const HeldBlock& held) {
 }
 
 }  // namespace
+
+CommittedFrames FindCommittedFrames(const FrameRange& range) {
+  const std::uint64_t last = std::min(range.countedEnd, range.fileEnd);
+  CommittedFrames frames;
+  frames.count = (std::max(last, range.firstFrame) - range.firstFrame) / range.frameSize;
+  frames.end = range.firstFrame + frames.count * range.frameSize;
+  frames.behind = UncommittedBehind(range, frames.end);
+  return frames;
+}
+
+Uncommitted UncommittedBehind(const FrameRange& range, std::uint64_t end) {
+  if (range.fileEnd <= end) return Uncommitted::kNothing;
+  return range.fileEnd - end <= range.frameSize ? Uncommitted::kCommit : Uncommitted::kMore;
+}
 
 std::uint64_t CommittedEnd(CFile& file, std::uint32_t blockOffset, const HeldBlock& held) {
   return blockOffset != 0 ? endOfFrames(file, blockOffset, held) : endOfRecords(file, held);

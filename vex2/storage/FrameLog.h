@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include "vex2/format/DataBlockHead.h"
+#include "vex2/format/RecordKinds.h"
 #include "vex2/framework/CFile.h"
 #include "vex2/storage/DocumentStore.h"
 
@@ -11,6 +13,38 @@
 /// where the system would not even cut them off. Readers do not see such bytes, but a frame that is
 /// appended behind them would be looked for in front of them.
 namespace vex2 {
+
+/// Where the frames of a data block stand in a file.
+struct FrameRange {
+  std::uint64_t firstFrame = 0;  ///< offset of it
+  std::uint64_t frameSize = 0;   ///< bytes, not 0
+  std::uint64_t countedEnd = 0;  ///< the offset at which the block ends by its length
+  std::uint64_t fileEnd = 0;     ///< the file's length
+};
+
+/// What stands between the committed data of a document and the end of its file.
+enum class Uncommitted : std::uint8_t {
+  kNothing,
+  kCommit,  ///< no more than one interrupted commit leaves: a frame or a part of it
+  kMore,    ///< nothing that a commit can have left
+};
+
+struct CommittedFrames {
+  std::uint64_t count = 0;  ///< frames that the length counts and the file holds whole
+  std::uint64_t end = 0;    ///< the offset behind the last of them
+  Uncommitted behind = Uncommitted::kNothing;
+};
+
+/// The committed frames of a block that is the last record of its document.
+CommittedFrames FindCommittedFrames(const FrameRange& range);
+
+/// What stands behind such a block when its frames end at `end`.
+Uncommitted UncommittedBehind(const FrameRange& range, std::uint64_t end);
+
+/// The most bytes that an interrupted first commit leaves: a block of so many wells with one frame.
+constexpr std::uint64_t FirstCommitSize(std::uint64_t wells) {
+  return kRecordHeadSize + kBlockFixedSize + (sizeof(std::uint16_t) + kStoredRecordSize) * wells;
+}
 
 /// The data block that a writer holds in memory and commits from.
 class HeldBlock {
