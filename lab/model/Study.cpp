@@ -5,14 +5,15 @@
 
 #include "lab/Error.h"
 #include "lab/Text.h"
+#include "vex2/format/HeaderLayout.h"
 #include "vex2/manager/SplitPath.h"
 
 namespace vex2::lab {
 
 namespace {
 
-constexpr std::string_view kStudyCode = "RQSt";
-constexpr std::string_view kPlateKind = "Kest";
+constexpr std::string_view kStudyCode = Assay::kRelativeStudy.code;
+constexpr std::string_view kPlateKind = KindMarker::kKestor;
 constexpr const char* kDateForm = "%b %d, %Y %I:%M %p";
 
 [[noreturn]] void refuse(const Document& plate, const std::string& why) {
@@ -53,7 +54,7 @@ void beginStudy(Vex2FileManager& study, const Vex2HeaderData& plate) {
   Vex2HeaderData header(plate);
   kStudyCode.copy(header.assayCode, sizeof header.assayCode);
   std::fill(std::begin(header.text), std::end(header.text), ' ');
-  std::string_view("ZERO").copy(header.acquisitionStatus, sizeof header.acquisitionStatus);
+  RunStatus::kNotStarted.copy(header.acquisitionStatus, sizeof header.acquisitionStatus);
   header.thermocycleOffset = 0;
   header.acquisitionDataOffset = 0;
   study.SetHeaderData(header);
@@ -123,6 +124,22 @@ void RequireStudy(const Document& document) {
   throw Error(ErrorCode::kDocument, document.Path(),
               "this is no study, but a document of one plate; make a study of it with 'vex study "
               "new'");
+}
+
+std::vector<StudyPlate> StudyPlatesOf(const Document& document) {
+  RequireStudy(document);
+  std::vector<StudyPlate> plates;
+  for (const Document::Plate& plate : document.Plates()) {
+    const Vex2FileManager& content = *plate.content;
+    plates.push_back({.name = ToUtf8(plate.name),
+                      .modified = ToUtf8(plate.date),
+                      .wells = content.GetPlateSize(),
+                      .frames = content.GetDataFrameCount(DataRAWa),
+                      .status = ToUtf8(content.GetAcquisitionStatus().View()),
+                      .offset = plate.offset,
+                      .size = plate.end - plate.offset});
+  }
+  return plates;
 }
 
 }  // namespace vex2::lab

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
@@ -24,5 +25,19 @@ void ExtractPlate(const Document& study, const Document::Plate& plate, const std
 
 /// Throws an error unless `document` is a study.
 void RequireStudy(const Document& document);
+
+/// A plate of a study in a few words. Texts are UTF-8.
+struct StudyPlate {
+  std::string name;
+  std::string modified;  ///< when the plate's own file was last changed
+  int wells = 0;
+  int frames = 0;  ///< of the raw readings
+  std::string status;
+  std::uint64_t offset = 0;  ///< bytes from the start of the file
+  std::uint64_t size = 0;    ///< bytes
+};
+
+/// The plates of a study, in its order. Throws an error unless `document` is a study.
+std::vector<StudyPlate> StudyPlatesOf(const Document& document);
 
 }  // namespace vex2::lab

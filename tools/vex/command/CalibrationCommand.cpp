@@ -11,6 +11,7 @@
 #include "tools/vex/files/Output.h"
 #include "tools/vex/files/OutputFiles.h"
 #include "tools/vex/text/Chart.h"
+#include "tools/vex/text/Json.h"
 #include "tools/vex/text/JsonOutput.h"
 #include "tools/vex/text/Table.h"
 #include "tools/vex/text/Text.h"

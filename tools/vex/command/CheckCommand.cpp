@@ -4,6 +4,7 @@
 #include "lab/check/DocumentCheck.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
+#include "tools/vex/text/Json.h"
 #include "tools/vex/text/JsonOutput.h"
 #include "tools/vex/text/Paragraph.h"
 #include "tools/vex/text/Terminal.h"

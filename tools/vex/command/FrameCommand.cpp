@@ -1,121 +1,24 @@
 #include <algorithm>
 #include <iostream>
-#include <new>
-#include <optional>
-#include <utility>
 
 #include "lab/exchange/ReadingFields.h"
 #include "lab/exchange/StoredValues.h"
-#include "lab/model/DataBlock.h"
-#include "lab/model/FileLayout.h"
+#include "lab/model/FrameView.h"
 #include "lab/model/PlateLayout.h"
-#include "lab/model/RunLog.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/PlateOption.h"
-#include "tools/vex/show/RecordValue.h"
+#include "tools/vex/text/Json.h"
 #include "tools/vex/text/JsonOutput.h"
 #include "tools/vex/text/Table.h"
 #include "tools/vex/text/Terminal.h"
 #include "tools/vex/text/Text.h"
-#include "vex2/run/AcquisitionDataComp.h"
 
 namespace vex2::tool {
 
 namespace {
 
 using nlohmann::ordered_json;
-
-/// One frame with what is needed to show it.
-struct FrameView {
-  std::string plate;        ///< of a study
-  bool isEmbedded = false;  ///< in a study
-  std::uint32_t rows = 0;   ///< of the plate
-  std::uint32_t columns = 0;
-  std::vector<std::uint16_t> wells;
-  std::uint64_t frameCount = 0;
-  Vex2FrameData frame;
-  RecordedReadings recorded;
-  std::uint64_t index = 0;  ///< of the frame
-
-  std::string Name(std::size_t position) const { return WellName(wells[position], columns); }
-  /// What the well at `position` gave, as far as it is known.
-  std::optional<RunReading> Reading(std::size_t position) const {
-    return recorded.Read(frame.records[position], index);
-  }
-  /// Whether nothing stands in the frame but what is known.
-  bool IsKnown() const {
-    if (!recorded.Log()) return false;
-    for (std::size_t i = 0; i < wells.size(); ++i) {
-      if (frame.records[i] != Vex2WellRecord() && !Reading(i)) return false;
-    }
-    return true;
-  }
-};
-
-/// Finds the log among the run-wide settings, for blocks that are read without their document.
-struct LogFinder final : RecordVisitor {
-  void Begin(const FileRecord& record, CFile& file) override {
-    if (record.depth == 1) isSettings = record.Tag() == "GLBL" && !std::exchange(isFound, true);
-    if (!isSettings || record.depth != 2 || record.Tag() != "LOGT") return;
-    const auto value = ReadRecordValue(file, record);
-    if (value.is_string()) log = value.get<std::string>();
-  }
-  bool isFound = false;
-  bool isSettings = false;
-  std::string log;  ///< UTF-8
-};
-
-std::string logOf(DocumentFile& file) {
-  LogFinder finder;
-  static_cast<void>(WalkRecords(file, finder));
-  return finder.log;
-}
-
-/// The first record of the document itself with a tag.
-struct Finder final : RecordVisitor {
-  explicit Finder(std::string_view wanted) : tag(wanted) {}
-  void Begin(const FileRecord& record, CFile& /*file*/) override {
-    if (!found && record.depth == 1 && record.Tag() == tag) found = record;
-  }
-  std::string_view tag;
-  std::optional<FileRecord> found;
-};
-
-// The header says where the raw data are, but a document that was saved whole says it wrongly.
-std::optional<FileRecord> recordAt(CFile& file, std::uint64_t offset, std::string_view tag) {
-  if (offset == 0) return std::nullopt;
-  FileRecord record;
-  record.offset = offset;
-  file.Seek(static_cast<std::int64_t>(offset), CFile::begin);
-  file.Read(record.tagBytes.data(), record.tagBytes.size());
-  const auto length = ReadLong(file);
-  if (!length || record.Tag() != tag) return std::nullopt;
-  record.length = *length;
-  record.kind = &KindOf(tag);
-  return record;
-}
-
-std::optional<FileRecord> findBlock(DocumentFile& file, std::string_view tag) {
-  if (tag == "RAWa") {
-    const auto record = recordAt(file, file.GetHeaderData().acquisitionDataOffset, tag);
-    if (record) return record;
-  }
-  Finder finder(tag);
-  static_cast<void>(WalkRecords(file, finder));
-  return finder.found;
-}
-
-// How many data values there are up to the last that is not 0 in all wells, at least 1.
-std::size_t dataColumns(const FrameView& view) {
-  std::size_t count = 1;
-  for (std::size_t well = 0; well < view.wells.size(); ++well) {
-    for (std::size_t i = count; i < kStoredData; ++i) {
-      if (view.frame.records[well].data[i] != 0) count = i + 1;
-    }
-  }
-  return count;
-}
 
 using Rows = std::vector<std::vector<std::string>>;
 
@@ -125,8 +28,8 @@ std::string drawReadings(const FrameView& view) {
   names.insert(names.end(), fieldNames.begin(), fieldNames.end());
   Rows rows;
   for (std::size_t i = 0; i < view.wells.size(); ++i) {
-    std::vector<std::string> row = {view.Name(i)};
-    if (const auto reading = view.Reading(i)) {
+    std::vector<std::string> row = {view.NameOf(i)};
+    if (const auto reading = view.ReadingOf(i)) {
       const auto fields = ReadingFields(*reading, *view.recorded.Log());
       row.insert(row.end(), fields.begin(), fields.end());
     }
@@ -138,13 +41,13 @@ std::string drawReadings(const FrameView& view) {
 
 // What leading values 0 and 4 are is known of any document.
 std::string drawStored(const FrameView& view) {
-  const std::size_t count = dataColumns(view);
+  const std::size_t count = view.DataColumns();
   std::vector<std::string> names = {"well", "set", "l1", "l2", "l3", "first", "l5", "l6", "l7"};
   for (std::size_t i = 0; i < count; ++i) names.push_back("d" + std::to_string(i));
   Rows rows;
   for (std::size_t i = 0; i < view.wells.size(); ++i) {
     const Vex2WellRecord& record = view.frame.records[i];
-    std::vector<std::string> row = {view.Name(i)};
+    std::vector<std::string> row = {view.NameOf(i)};
     for (const std::uint16_t value : record.leading) row.push_back(std::to_string(value));
     for (std::size_t d = 0; d < count; ++d) row.push_back(std::to_string(record.data[d]));
     rows.push_back(std::move(row));
@@ -168,7 +71,7 @@ std::string drawGrid(const FrameView& view) {
   }
   for (std::size_t i = 0; i < view.wells.size(); ++i) {
     const std::uint32_t place = view.wells[i] - 1U;
-    const auto reading = view.Reading(i);
+    const auto reading = view.ReadingOf(i);
     if (!reading || place / columns >= rows.size()) continue;
     rows[place / columns][place % columns + 1] =
         ReadingFields(*reading, *view.recorded.Log())[kFirstFluorescence];
@@ -206,16 +109,19 @@ class FrameCommand final : public Command {
   }
 
   ExitCode Run() override {
+    const FrameQuery query(file_, block_, index_);
     DocumentFile file;
     file.OpenDocument(file_);
     static_cast<void>(file.ReadHeaderData(nullptr));
     if (file.IsRQS() || plate_.IsGiven()) {
       file.Close();
       const Document document(file_);
-      for (const Document::Plate& plate : platesWithFrame(document)) show(readPlate(plate));
+      for (const auto& plate : query.PlatesWithFrame(document, plate_.Choose(document))) {
+        show(query.ViewOf(plate));
+      }
       document.RequireWhole("");
     } else {
-      show(read(file));
+      show(query.Read(file));
     }
     return ExitCode::kDone;
   }
@@ -248,101 +154,15 @@ class FrameCommand final : public Command {
                     "meaning of its values; leave out --grid for the stored values");
   }
 
-  std::vector<Document::Plate> platesWithFrame(const Document& document) const {
-    auto plates = plate_.Choose(document);
-    std::erase_if(plates, [&](const auto& plate) { return FindBlock(plate, block_) == nullptr; });
-    if (plates.empty()) {
-      document.RequireWhole("");
-      throw Error(ErrorCode::kDocument, file_, "it has no data block \"" + block_ + "\"");
-    }
-    std::uint64_t most = 0;
-    std::erase_if(plates, [&](const auto& plate) {
-      const auto count = static_cast<std::uint64_t>(FindBlock(plate, block_)->GetFrameCount());
-      most = std::max(most, count);
-      return index_ < 0 || static_cast<std::uint64_t>(index_) >= count;
-    });
-    if (plates.empty()) requireIndex(most);
-    return plates;
-  }
-
-  FrameView readPlate(const Document::Plate& plate) const {
-    const AcquisitionDataComp& block = *FindBlock(plate, block_);
-    FrameView view{.plate = ToUtf8(plate.name),
-                   .isEmbedded = plate.isEmbedded,
-                   .rows = static_cast<std::uint32_t>(plate.content->GetHeaderRows()),
-                   .columns = static_cast<std::uint32_t>(plate.content->GetHeaderCols()),
-                   .wells = {block.GetWellNumbers().begin(), block.GetWellNumbers().end()},
-                   .frameCount = static_cast<std::uint64_t>(block.GetFrameCount()),
-                   .frame = {},
-                   .recorded = {*plate.content, block_},
-                   .index = static_cast<std::uint64_t>(index_)};
-    const auto index = static_cast<int>(index_);
-    if (plate.content->ReadDataFrame(index, &view.frame, BlockType(block_)) != kSuccess) {
-      throw std::bad_alloc();
-    }
-    return view;
-  }
-
-  FrameView read(DocumentFile& file) const {
-    const auto record = findBlock(file, block_);
-    if (!record)
-      throw Error(ErrorCode::kDocument, file_, "it has no data block \"" + block_ + "\"");
-    auto head = ReadStoredBlock(file, *record);
-    if (!head) {
-      throw Error(ErrorCode::kDocument, file_, "the data block \"" + block_ + "\" is cut short",
-                  record->offset);
-    }
-    requireIndex(head->frameCount);
-    FrameView view{.plate = {},
-                   .isEmbedded = false,
-                   .rows = static_cast<std::uint32_t>(file.GetHeaderRows()),
-                   .columns = static_cast<std::uint32_t>(file.GetHeaderCols()),
-                   .wells = std::move(head->wells),
-                   .frameCount = head->frameCount,
-                   .frame = {},
-                   .recorded = {logOf(file), block_},
-                   .index = static_cast<std::uint64_t>(index_)};
-    readFrame(file, *record, *head, view);
-    return view;
-  }
-
-  void requireIndex(std::uint64_t count) const {
-    if (index_ >= 0 && static_cast<std::uint64_t>(index_) < count) return;
-    throw Error(ErrorCode::kNoSuchFrame, file_,
-                "there is no frame " + std::to_string(index_) + "; the data block \"" + block_ +
-                    "\" has " + Counted(count, "frame") +
-                    (count > 0 ? ", 0 to " + std::to_string(count - 1) : ""));
-  }
-
-  void readFrame(DocumentFile& file, const FileRecord& record, const StoredBlock& head,
-                 FrameView& view) const {
-    // A block that is laid out differently is for the document's reader alone.
-    const int index = static_cast<int>(index_);
-    const bool isUsual = head.version >= 2 && head.timeBlockSize == kTimeBlockSize;
-    int status = kSuccess;
-    if (isUsual) {
-      status = file.ReadFrameAt(index, view.frame, record.offset);
-    } else {
-      static_cast<void>(file.ReadComponentFile(nullptr));
-      status = file.ReadDataFrame(index, &view.frame, BlockType(block_));
-    }
-    if (status == kSuccess && view.frame.wellCount == view.wells.size()) return;
-    const auto number = static_cast<std::uint64_t>(index_);
-    throw Error(
-        ErrorCode::kDocument, file_,
-        "frame " + std::to_string(number) + " of the data block \"" + block_ + "\" is cut short",
-        head.firstFrame + number * head.frameSize);
-  }
-
   // All fields but the stage are numbers, or missing.
   static ordered_json readingInfo(const FrameView& view, std::size_t position) {
-    const auto reading = view.Reading(position);
+    const auto reading = view.ReadingOf(position);
     if (!reading) return nullptr;
     const auto fields = ReadingFields(*reading, *view.recorded.Log());
     const auto names = ReadingNames(*view.recorded.Log());
     ordered_json info = {{names[0], fields[0]}};
     for (std::size_t i = 1; i < fields.size(); ++i) {
-      info[names[i]] = fields[i] == "NA" ? ordered_json(nullptr) : ordered_json::parse(fields[i]);
+      info[names[i]] = NumberJson(fields[i]);
     }
     return info;
   }
@@ -351,7 +171,7 @@ class FrameCommand final : public Command {
     ordered_json wells = ordered_json::array();
     for (std::size_t i = 0; i < view.wells.size(); ++i) {
       const Vex2WellRecord& record = view.frame.records[i];
-      wells.push_back({{"well", view.Name(i)},
+      wells.push_back({{"well", view.NameOf(i)},
                        {"number", view.wells[i]},
                        {"leading", record.leading},
                        {"data", std::vector<std::uint16_t>(record.data, record.data + kStoredData)},

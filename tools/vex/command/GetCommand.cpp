@@ -1,5 +1,4 @@
 #include <iostream>
-#include <sstream>
 #include <vector>
 
 #include "lab/model/DocumentFile.h"
@@ -8,10 +7,11 @@
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/PlateOption.h"
-#include "tools/vex/show/DocumentInfo.h"
+#include "tools/vex/show/OverviewJson.h"
 #include "tools/vex/show/RecordTree.h"
 #include "tools/vex/show/SetupInfo.h"
 #include "tools/vex/show/ValuePath.h"
+#include "tools/vex/text/Json.h"
 #include "tools/vex/text/Nearest.h"
 #include "tools/vex/text/Terminal.h"
 
@@ -61,28 +61,21 @@ class GetCommand final : public Command {
   }
 
  private:
+  // Paths are the keys of --json, so this is built of typed values and walked as what is printed.
   ordered_json describe(const Document& document, const Document::Plate& plate) const {
-    ordered_json root = DescribeDocument(document, plate);
+    ordered_json root = ToJson(OverviewOf(document, plate));
     const Vex2FileManager& content = *plate.content;
     if (content.GetPlateSetupComp() != nullptr) root["wells"] = DescribeWells(content)["wells"];
     root["detectors"] = DescribeDetectors(content);
     root["dyes"] = ordered_json::array();
     for (const std::string& dye : RequiredDyesOf(content)) root["dyes"].push_back(ToUtf8(dye));
     // It takes another reading of the document.
-    if (path_.starts_with("tree")) root["tree"] = readTree(plate);
+    if (path_.starts_with("tree")) {
+      DocumentFile file;
+      file.OpenDocument(file_);
+      root["tree"] = RecordsJson(file, plate);
+    }
     return root;
-  }
-
-  ordered_json readTree(const Document::Plate& plate) const {
-    DocumentFile file;
-    file.OpenDocument(file_);
-    std::ostringstream text;
-    const TreeSelection all;
-    JsonTree tree(text, all.depth);
-    SelectedRecords records(plate, all, tree);
-    static_cast<void>(WalkRecords(file, records));
-    tree.Finish();
-    return ordered_json::parse(text.str());
   }
 
   void print(const ordered_json& value) const {

@@ -8,6 +8,7 @@
 #include "tools/vex/files/Changing.h"
 #include "tools/vex/files/OutputFiles.h"
 #include "tools/vex/show/StudyProgress.h"
+#include "tools/vex/text/Json.h"
 #include "tools/vex/text/JsonOutput.h"
 #include "tools/vex/text/Table.h"
 #include "tools/vex/text/Terminal.h"
@@ -152,46 +153,41 @@ class ListAction final : public Command {
 
   ExitCode Run() override {
     const Document document(study_);
-    RequireStudy(document);
-    ordered_json plates = ordered_json::array();
-    for (const Document::Plate& plate : document.Plates()) plates.push_back(describe(plate));
-    if (json_) {
-      const ordered_json study = {{"file", study_}, {"plates", std::move(plates)}};
-      PrintJson(std::cout, study);
-    } else {
-      print(plates);
-    }
+    const std::vector<StudyPlate> plates = StudyPlatesOf(document);
+    json_ ? printJson(plates) : print(plates);
     document.RequireWhole("");
     return ExitCode::kDone;
   }
 
  private:
-  static ordered_json describe(const Document::Plate& plate) {
-    const Vex2FileManager& content = *plate.content;
-    return {{"name", ToUtf8(plate.name)},
-            {"modified", ToUtf8(plate.date)},
-            {"wells", content.GetPlateSize()},
-            {"frames", content.GetDataFrameCount(DataRAWa)},
-            {"status", ToUtf8(content.GetAcquisitionStatus().View())},
-            {"offset", plate.offset},
-            {"size", plate.end - plate.offset}};
+  void printJson(const std::vector<StudyPlate>& plates) const {
+    ordered_json list = ordered_json::array();
+    for (const StudyPlate& plate : plates) {
+      list.push_back({{"name", plate.name},
+                      {"modified", plate.modified},
+                      {"wells", plate.wells},
+                      {"frames", plate.frames},
+                      {"status", plate.status},
+                      {"offset", plate.offset},
+                      {"size", plate.size}});
+    }
+    PrintJson(std::cout, {{"file", study_}, {"plates", std::move(list)}});
   }
 
-  void print(const ordered_json& plates) const {
+  void print(const std::vector<StudyPlate>& plates) const {
     const Terminal& terminal = Terminal::Out();
     std::cout << terminal.Styled(Printable(study_), Terminal::Style::kBold) << ": "
               << Counted(plates.size(), "plate") << '\n';
     if (plates.empty()) return;
     std::vector<std::vector<std::string>> rows;
-    for (const auto& plate : plates) {
-      rows.push_back({"  " + text(plate["name"]), plate["wells"].dump(), plate["frames"].dump(),
-                      text(plate["status"]), text(plate["modified"])});
+    for (const StudyPlate& plate : plates) {
+      rows.push_back({"  " + Printable(plate.name), std::to_string(plate.wells),
+                      std::to_string(plate.frames), Printable(plate.status),
+                      Printable(plate.modified)});
     }
     std::cout << DrawTable({"  name", "wells", "frames", "run", "modified"}, rows, terminal,
                            {1, 2});
   }
-
-  static std::string text(const ordered_json& value) { return Printable(value.get<std::string>()); }
 
   std::string study_;
   bool json_ = false;

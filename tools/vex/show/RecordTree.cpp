@@ -1,7 +1,9 @@
 #include "tools/vex/show/RecordTree.h"
 
-#include "tools/vex/Lab.h"
-#include "tools/vex/show/RecordValue.h"
+#include <utility>
+#include <vector>
+
+#include "lab/model/RecordValue.h"
 #include "tools/vex/text/Json.h"
 #include "tools/vex/text/Text.h"
 
@@ -15,55 +17,86 @@ std::string indent(int depth) {
   return std::string(2 * static_cast<std::size_t>(depth), ' ');
 }
 
-ordered_json fields(const FileRecord& record, CFile& file) {
+struct ValueJson {
+  ordered_json operator()(std::monostate /*none*/) const { return nullptr; }
+  ordered_json operator()(const RecordBytes& value) const { return ToHex(value.bytes); }
+  template <typename Content>
+  ordered_json operator()(const Content& content) const {
+    return content;
+  }
+};
+
+void addFields(ordered_json& object, const RecordFields& fields) {
+  if (const auto* cell = std::get_if<CellFields>(&fields)) {
+    object["coord1"] = OrNull(cell->coord1);
+    object["coord2"] = OrNull(cell->coord2);
+    if (cell->flag) object["flag"] = *cell->flag;
+  } else if (const auto* head = std::get_if<StoredBlock>(&fields)) {
+    object["version"] = head->version;
+    object["startTime"] = head->start.fields;
+    object["endTime"] = head->end.fields;
+    object["wellNumbers"] = head->wells;
+    object["frames"] = head->frameCount;
+  }
+}
+
+ordered_json recordJson(const FileRecord& record, CFile& file) {
   ordered_json object = {
       {"tag", ToUtf8(record.Tag())}, {"offset", record.offset}, {"length", record.length}};
   if (!IsKnownTag(record.Tag())) object["known"] = false;
-  ordered_json value = ReadRecordValue(file, record);
+  ordered_json value = std::visit(ValueJson(), ReadRecordValue(file, record));
   if (!value.is_null()) object["value"] = std::move(value);
-  object.update(ReadRecordFields(file, record));
+  addFields(object, ReadRecordFields(file, record));
   return object;
 }
 
+bool canHoldRecords(const FileRecord& record) {
+  const BodyLayout layout = record.kind->layout;
+  return layout == BodyLayout::kList || layout == BodyLayout::kCell || layout == BodyLayout::kPlate;
+}
+
+class RecordList final : public RecordVisitor {
+ public:
+  void Begin(const FileRecord& record, CFile& file) override {
+    ordered_json object = recordJson(record, file);
+    if (!canHoldRecords(record)) return add(std::move(object));
+    object["children"] = ordered_json::array();
+    open_.push_back(std::move(object));
+  }
+
+  void End(const FileRecord& record) override {
+    if (canHoldRecords(record)) close();
+  }
+
+  ordered_json Finish() {
+    // A record that could not be followed to its end left its lists open.
+    while (!open_.empty()) close();
+    return std::move(records_);
+  }
+
+ private:
+  void add(ordered_json object) {
+    (open_.empty() ? records_ : open_.back()["children"]).push_back(std::move(object));
+  }
+
+  void close() {
+    ordered_json object = std::move(open_.back());
+    open_.pop_back();
+    add(std::move(object));
+  }
+
+  ordered_json records_ = ordered_json::array();
+  std::vector<ordered_json> open_;  // each in the one before it
+};
+
 }  // namespace
-
-void SelectedRecords::Begin(const FileRecord& record, CFile& file) {
-  if (!plate_.isEmbedded || (record.offset > plate_.offset && record.offset < plate_.end)) {
-    const std::string tag = ToUtf8(record.Tag());
-    tags_.insert(tag);
-    if (selection_.tag && !within_ && tag == *selection_.tag) within_ = record.depth;
-  }
-  if (const auto passed = selected(record)) {
-    hasAny_ = true;
-    next_.Begin(*passed, file);
-  }
-}
-
-void SelectedRecords::End(const FileRecord& record) {
-  if (const auto passed = selected(record)) next_.End(*passed);
-  if (within_ && record.depth <= *within_) within_.reset();
-}
-
-std::optional<FileRecord> SelectedRecords::selected(FileRecord record) const {
-  if (plate_.isEmbedded) {
-    if (record.offset <= plate_.offset || record.offset >= plate_.end) return std::nullopt;
-    // A plate is a record in the record of all plates.
-    constexpr int kDepthOfPlate = 2;
-    if (!selection_.tag) record.depth -= kDepthOfPlate;
-  }
-  if (selection_.tag) {
-    if (!within_) return std::nullopt;
-    record.depth -= *within_ - 1;
-  }
-  return record.depth <= selection_.depth ? std::optional(record) : std::nullopt;
-}
 
 JsonTree::JsonTree(std::ostream& out, int depth) : out_(out), depth_(depth) {}
 
 void JsonTree::Begin(const FileRecord& record, CFile& file) {
   begin();
   out_ << (isFirst_ ? "\n" : ",\n") << indent(record.depth);
-  std::string text = fields(record, file).dump();
+  std::string text = recordJson(record, file).dump();
   if (holdsRecords(record)) {
     text.back() = ',';
     text += "\"children\":[";
@@ -85,9 +118,7 @@ void JsonTree::Finish() {
 }
 
 bool JsonTree::holdsRecords(const FileRecord& record) const {
-  if (record.depth >= depth_) return false;
-  const BodyLayout layout = record.kind->layout;
-  return layout == BodyLayout::kList || layout == BodyLayout::kCell || layout == BodyLayout::kPlate;
+  return record.depth < depth_ && canHoldRecords(record);
 }
 
 // With the first record, so that an error before it is all that is written.
@@ -100,6 +131,14 @@ void JsonTree::close(int depth) {
   out_ << (isFirst_ ? "]}" : "\n" + indent(depth) + "]}");
   isFirst_ = false;
   --open_;
+}
+
+ordered_json RecordsJson(CFile& file, const Document::Plate& plate) {
+  RecordList list;
+  const TreeSelection all;
+  SelectedRecords records(plate, all, list);
+  static_cast<void>(WalkRecords(file, records));
+  return list.Finish();
 }
 
 }  // namespace vex2::tool

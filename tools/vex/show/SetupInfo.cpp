@@ -6,6 +6,7 @@
 #include "lab/model/DetectorFields.h"
 #include "lab/model/PlateContents.h"
 #include "tools/vex/Lab.h"
+#include "tools/vex/text/Json.h"
 #include "tools/vex/text/Text.h"
 
 namespace vex2::tool {

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "tools/vex/text/Json.h"
+#include <nlohmann/json_fwd.hpp>
+
 #include "vex2/manager/Vex2FileManager.h"
 
 namespace vex2::tool {

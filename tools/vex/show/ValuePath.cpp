@@ -4,6 +4,7 @@
 #include <cctype>
 #include <optional>
 
+#include "tools/vex/text/Json.h"
 #include "tools/vex/text/Text.h"
 
 namespace vex2::tool {

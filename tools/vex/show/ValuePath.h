@@ -1,10 +1,9 @@
 #pragma once
 
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "tools/vex/text/Json.h"
 
 namespace vex2::tool {
 

@@ -1,7 +1,6 @@
 #include "tools/vex/text/Json.h"
 
-#include <charconv>
-#include <string>
+#include "lab/Text.h"
 
 template class nlohmann::basic_json<>;
 template class nlohmann::basic_json<nlohmann::ordered_map>;
@@ -12,10 +11,12 @@ nlohmann::ordered_json ToJson(const lab::Value& value) {
   if (const auto* text = std::get_if<std::string>(&value)) return *text;
   if (const auto* whole = std::get_if<std::int64_t>(&value)) return *whole;
   if (!lab::HasValue(value)) return nullptr;
-  const std::string text = lab::ValueText(value);
-  double number = 0;
-  std::from_chars(text.data(), text.data() + text.size(), number);
-  return number;
+  return lab::NumberIn<double>(lab::ValueText(value)).value_or(0);
+}
+
+nlohmann::ordered_json NumberJson(std::string_view text) {
+  if (const auto whole = lab::NumberIn<std::int64_t>(text)) return *whole;
+  return OrNull(lab::NumberIn<double>(text));
 }
 
 std::string JsonText(const nlohmann::ordered_json& value) {

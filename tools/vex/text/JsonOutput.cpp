@@ -1,5 +1,7 @@
 #include "tools/vex/text/JsonOutput.h"
 
+#include "tools/vex/text/Json.h"
+
 namespace vex2::tool {
 
 using nlohmann::ordered_json;

@@ -1,8 +1,7 @@
 #pragma once
 
+#include <nlohmann/json_fwd.hpp>
 #include <ostream>
-
-#include "tools/vex/text/Json.h"
 
 namespace vex2::tool {
 
