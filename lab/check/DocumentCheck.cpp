@@ -11,6 +11,7 @@
 #include "lab/check/TailCheck.h"
 #include "lab/model/Document.h"
 #include "lab/model/RawFile.h"
+#include "vex2/format/RecordKinds.h"
 
 namespace vex2::lab {
 
@@ -18,7 +19,10 @@ namespace {
 
 // Of these a document has one, and all who look for it take the first.
 constexpr std::array<std::string_view, 11> kSingle = {
-    "GLBL", "TPro", "CELS", "CALI", "RqDy", "MPLC", "RAWa", "REPr", "REPn", "REPd", "REPt"};
+    TagOf(Kind::kGlobal),         TagOf(Kind::kProgram),        TagOf(Kind::kPlateSetup),
+    TagOf(Kind::kCalibration),    TagOf(Kind::kRequiredDyes),   TagOf(Kind::kPlates),
+    TagOf(Kind::kRawData),        TagOf(Kind::kReportingDataR), TagOf(Kind::kReportingDataN),
+    TagOf(Kind::kReportingDataD), TagOf(Kind::kReportingDataT)};
 
 std::optional<std::string> whyNoDocument(const std::string& path) {
   CFile file;
@@ -64,10 +68,10 @@ void checkStudy(const Document& document, Findings& findings) {
   int index = 0;
   bool hasPlates = false;
   for (const Document::Record& record : document.Records()) {
-    hasPlates = hasPlates || record.tag == "MPLC";
+    hasPlates = hasPlates || record.tag == TagOf(Kind::kPlates);
     if (!record.known) continue;
     const CComponent* component = document.Content().GetComponent(index++);
-    if (component == nullptr || record.tag == "EOF ") continue;
+    if (component == nullptr || record.tag == TagOf(Kind::kEndOfFile)) continue;
     if (document.Content().IsWritten(*component)) continue;
     findings.Add({Severity::kNote, record.tag, record.offset, "a study does not keep such a record",
                   "it is read, but the next save leaves it out", ""});

@@ -6,6 +6,7 @@
 #include "lab/Error.h"
 #include "lab/Text.h"
 #include "lab/model/FileLayout.h"
+#include "vex2/format/RecordKinds.h"
 
 namespace vex2::lab {
 
@@ -90,7 +91,7 @@ std::string harmToRun(std::uint32_t position) {
 void checkProgram(const HeaderFields& header, const Aim& aim, Findings& findings) {
   const std::uint32_t position = header.programPosition;
   if (position == 0 || aim.isTag) return;
-  const std::string what = leadsTo(position, "TPro");
+  const std::string what = leadsTo(position, TagOf(Kind::kProgram));
   if (aim.isEnd) {
     findings.Add({Severity::kNote, "header", HeaderLayout::kProgramOffsetAt,
                   what + ", just past the record, as a save of the whole document leaves it",
@@ -110,7 +111,7 @@ void checkProgram(const HeaderFields& header, const Aim& aim, Findings& findings
 
 void checkRunningPosition(const HeaderFields& header, const Aim& aim, Findings& findings) {
   const std::uint32_t position = header.rawDataPosition;
-  const std::string what = leadsTo(position, "RAWa");
+  const std::string what = leadsTo(position, TagOf(Kind::kRawData));
   const std::string block = std::to_string(aim.first->offset);
   // A first commit that was interrupted, or a save of the whole document, leaves it so.
   const bool isUsual = position == 0 || aim.isEnd;
@@ -137,7 +138,7 @@ void checkRawData(const HeaderFields& header, const Aim& aim, const Document& do
   if (aim.first != nullptr && header.IsRunning() && !isStudy) {
     return checkRunningPosition(header, aim, findings);
   }
-  const std::string what = leadsTo(position, "RAWa");
+  const std::string what = leadsTo(position, TagOf(Kind::kRawData));
   if (aim.first == nullptr) {
     const bool isHarm = header.IsRunning() && !isStudy;
     findings.Add({isStudy  ? Severity::kNote
@@ -170,11 +171,12 @@ void checkRawData(const HeaderFields& header, const Aim& aim, const Document& do
 void checkLast(const HeaderFields& header, const Document& document, Findings& findings) {
   const auto& records = document.Records();
   if (!header.IsRunning() || document.IsStudy() || records.empty()) return;
-  const auto block = std::find_if(records.begin(), records.end(),
-                                  [](const auto& record) { return record.tag == "RAWa"; });
+  const auto block = std::find_if(records.begin(), records.end(), [](const auto& record) {
+    return record.tag == TagOf(Kind::kRawData);
+  });
   if (block == records.end() || block + 1 == records.end()) return;
   findings.Add(
-      {Severity::kWarning, "RAWa", block->offset,
+      {Severity::kWarning, std::string(TagOf(Kind::kRawData)), block->offset,
        "the run is in progress, and " + Counted(records.end() - block - 1, "record") +
            (records.end() - block == 2 ? " stands" : " stand") + " behind its block",
        "a frame that is committed would stand behind them, and the block's length be wrong",
@@ -191,10 +193,11 @@ void CheckHeader(const HeaderFields& header, const std::string& name, std::uint6
 
 void CheckPositions(const HeaderFields& header, const std::vector<PositionedRecord>& records,
                     const Document& document, Findings& findings) {
-  checkProgram(header, aimOf(header.programPosition, "TPro", records), findings);
+  checkProgram(header, aimOf(header.programPosition, TagOf(Kind::kProgram), records), findings);
   // A block that could not be read to its end is where a position may well lead.
   if (!document.Fault()) {
-    checkRawData(header, aimOf(header.rawDataPosition, "RAWa", records), document, findings);
+    checkRawData(header, aimOf(header.rawDataPosition, TagOf(Kind::kRawData), records), document,
+                 findings);
   }
   checkLast(header, document, findings);
 }

@@ -11,17 +11,20 @@
 #include "lab/model/DocumentPlates.h"
 #include "lab/model/PlateContents.h"
 #include "lab/model/RunLog.h"
+#include "vex2/format/HeaderLayout.h"
+#include "vex2/format/RecordKinds.h"
 #include "vex2/run/AcquisitionDataComp.h"
 
 namespace vex2::lab {
 
 namespace {
 
-constexpr std::array<std::string_view, 3> kStatuses = {"ZERO", "PROG", "DONE"};
+constexpr std::array<std::string_view, 3> kStatuses = {RunStatus::kNotStarted,
+                                                       RunStatus::kInProgress, RunStatus::kDone};
 constexpr std::array<std::string_view, 7> kTasks = {"UNKN", "STND", "NTC", "IPC",
                                                     "IPC+", "ENDO", "TRGT"};
-constexpr std::string_view kBlock = "RAWa";
-constexpr std::string_view kSetup = "CELS";
+constexpr std::string_view kBlock = TagOf(Kind::kRawData);
+constexpr std::string_view kSetup = TagOf(Kind::kPlateSetup);
 constexpr std::uint16_t kHottest = 12000;  // hundredths of a degree: above, water has boiled off
 constexpr const char* kSetWells = "'vex wells FILE --from wells.csv' sets the wells up anew";
 

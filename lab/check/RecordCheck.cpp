@@ -7,6 +7,7 @@
 #include "lab/Text.h"
 #include "lab/check/HeaderCheck.h"
 #include "lab/model/FileLayout.h"
+#include "vex2/format/RecordKinds.h"
 
 namespace vex2::lab {
 
@@ -38,7 +39,7 @@ void RecordCheck::Begin(const FileRecord& record, CFile& file) {
   levels_.resize(static_cast<std::size_t>(record.depth) - 1);
   const bool known = IsKnownTag(record.Tag());
   if (!levels_.empty() && record.kind->layout == BodyLayout::kPlate) ++levels_.back().plates;
-  levels_.push_back({record, 0, 0, record.Tag() == "MPLC", known});
+  levels_.push_back({record, 0, 0, record.Tag() == TagOf(Kind::kPlates), known});
   if (!known) return checkUnknown(record);
   switch (record.kind->layout) {
     case BodyLayout::kText:
@@ -53,7 +54,7 @@ void RecordCheck::Begin(const FileRecord& record, CFile& file) {
       if (record.length > 0) checkBlock(record, file);
       break;
     default:
-      if (record.Tag() == "CELS") checkCells(record, file);
+      if (record.Tag() == TagOf(Kind::kPlateSetup)) checkCells(record, file);
   }
 }
 
@@ -63,7 +64,8 @@ void RecordCheck::End(const FileRecord& record) {
   Level& level = levels_.back();
   level.record.end = record.end;
   checkLength(level);
-  if (record.depth == 1 && (record.Tag() == "TPro" || record.Tag() == "RAWa")) {
+  if (record.depth == 1 &&
+      (record.Tag() == TagOf(Kind::kProgram) || record.Tag() == TagOf(Kind::kRawData))) {
     positioned_.push_back(
         {std::string(record.Tag()), record.offset, record.end, record.DeclaredEnd()});
   }

@@ -10,6 +10,7 @@
 #include "lab/model/Document.h"
 #include "lab/model/FileLayout.h"
 #include "lab/model/HeaderFields.h"
+#include "vex2/format/RecordKinds.h"
 
 namespace vex2::lab {
 
@@ -53,7 +54,7 @@ class Planner {
 
   void mendEnd() {
     const auto& records = document_.Records();
-    const bool endsInBlock = !records.empty() && records.back().tag == "RAWa";
+    const bool endsInBlock = !records.empty() && records.back().tag == TagOf(Kind::kRawData);
     if (document_.Fault() && !(endsInBlock && document_.Fault()->offset == records.back().offset)) {
       return;
     }
@@ -111,7 +112,7 @@ class Planner {
     const std::uint32_t position = header_.programPosition;
     const PositionedRecord* first = nullptr;
     for (const PositionedRecord& record : records) {
-      if (record.tag != "TPro") continue;
+      if (record.tag != TagOf(Kind::kProgram)) continue;
       if (first == nullptr) first = &record;
       if (record.offset == position || record.end == position) return;
     }
@@ -134,7 +135,7 @@ class Planner {
     if (document_.IsStudy() || (document_.Fault() && plan_.IsEmpty())) return;
     const std::uint32_t position = header_.rawDataPosition;
     const auto& records = document_.Records();
-    const auto isBlock = [](const auto& record) { return record.tag == "RAWa"; };
+    const auto isBlock = [](const auto& record) { return record.tag == TagOf(Kind::kRawData); };
     const auto block = std::find_if(records.begin(), records.end(), isBlock);
     if (block == records.end() || block->offset >= plan_.newSize.value_or(plan_.size)) {
       // What stands behind the last record may be the block, with a damaged head.

@@ -4,12 +4,13 @@
 
 #include "lab/Text.h"
 #include "lab/model/FileLayout.h"
+#include "vex2/format/RecordKinds.h"
 
 namespace vex2::lab {
 
 namespace {
 
-constexpr std::string_view kBlock = "RAWa";
+constexpr std::string_view kBlock = TagOf(Kind::kRawData);
 constexpr const char* kRecover = "'vex recover' takes what is whole into a new document";
 constexpr const char* kNotCommitted =
     "none of the committed frames is lost; an instrument that appends here without looking would "

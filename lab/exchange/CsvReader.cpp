@@ -15,6 +15,7 @@
 #include "lab/exchange/CsvHeader.h"
 #include "lab/exchange/CsvSplitter.h"
 #include "lab/exchange/TextDecoder.h"
+#include "vex2/format/HeaderLayout.h"
 
 namespace vex2::lab {
 
@@ -66,7 +67,7 @@ class InputFile {
 // What people hand over in place of a CSV file, by its first bytes.
 void refuseOtherKinds(std::string_view begin, const std::string& name) {
   const auto refuse = [&](const char* why) { throw Error(ErrorCode::kDocument, name, why, 0); };
-  if (begin.starts_with("Vex2")) {
+  if (begin.starts_with(kMagic)) {
     refuse(
         "is a plate document, not a CSV file; 'vex export', 'vex wells --csv' and 'vex "
         "calibration --export' make CSV files of one");

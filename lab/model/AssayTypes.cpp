@@ -4,14 +4,16 @@
 #include <array>
 
 #include "lab/model/Codes.h"
+#include "vex2/format/HeaderLayout.h"
 
 namespace vex2::lab {
 
 namespace {
 
 // A plate with the code of studies would be read as one.
-constexpr std::array<std::string_view, 6> kPlateCodes = {"AbsQ", "RelQ", "AllD",
-                                                         "+/- ", "BGND", "PDye"};
+constexpr std::array<std::string_view, 6> kPlateCodes = {
+    Assay::kAbsolute.code,  Assay::kRelativePlate.code, Assay::kAllelic.code,
+    Assay::kPlusMinus.code, Assay::kBackground.code,    Assay::kPureSpectra.code};
 
 std::string_view withoutBlanks(std::string_view text) {
   return text.substr(0, text.find_last_not_of(' ') + 1);

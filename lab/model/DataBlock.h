@@ -1,15 +1,22 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "lab/model/RecordWalk.h"
+#include "vex2/format/RecordKinds.h"
 #include "vex2/run/TimeStamp.h"
 #include "vex2/run/Vex2DataType.h"
 
 namespace vex2::lab {
+
+/// The tags of data blocks, the raw readings first.
+inline constexpr std::array kDataBlockTags = {
+    TagOf(Kind::kRawData), TagOf(Kind::kReportingDataR), TagOf(Kind::kReportingDataN),
+    TagOf(Kind::kReportingDataD), TagOf(Kind::kReportingDataT)};
 
 /// The part of a data block before its frames, as it stands in a file.
 struct StoredBlock {

@@ -5,6 +5,7 @@
 #include "lab/Error.h"
 #include "lab/Text.h"
 #include "lab/model/FileLayout.h"
+#include "vex2/format/RecordKinds.h"
 #include "vex2/framework/CFileStatus.h"
 #include "vex2/manager/Vex2FileManagerComponent.h"
 #include "vex2/study/CMultiPlateComp.h"
@@ -16,7 +17,7 @@ namespace {
 
 // The last place for a row's used wells lies within the header up to here.
 constexpr int kMostRows = 238;
-constexpr std::string_view kPlates = "MPLC";
+constexpr std::string_view kPlates = TagOf(Kind::kPlates);
 constexpr const char* kRunning =
     "its run is in progress, and saving would break it; let the recorder finish, or set the status "
     "with 'vex status' when it never will";
@@ -148,7 +149,7 @@ void Document::findStrayBytes(std::uint64_t walkEnd) {
     std::erase_if(losses_, [this](const Loss& loss) { return loss.offset >= strayOffset_; });
   }
   if (strayOffset_ >= size_) return;
-  const bool isTorn = !records_.empty() && records_.back().tag == "RAWa";
+  const bool isTorn = !records_.empty() && records_.back().tag == TagOf(Kind::kRawData);
   losses_.push_back({strayOffset_, Counted(size_ - strayOffset_, "byte") +
                                        (isTorn ? " of a frame that was not committed"
                                                : " at the end that are no record")});
@@ -187,7 +188,7 @@ void Document::noteStudyLosses() {
     const CComponent* component = content_->GetComponent(index++);
     if (component == nullptr || content_->IsWritten(*component)) continue;
     // A study that is saved ends with one of its own.
-    if (record.tag == "EOF ") continue;
+    if (record.tag == TagOf(Kind::kEndOfFile)) continue;
     losses_.push_back(
         {record.offset, "the record " + inQuotes(record.tag) + ", which a study does not keep"});
   }

@@ -5,16 +5,18 @@
 #include "lab/Error.h"
 #include "lab/model/RawFile.h"
 #include "vex2/container/TagFactory.h"
+#include "vex2/format/RecordKinds.h"
 
 namespace vex2::lab {
 
 namespace {
 
-constexpr std::string_view kRawData = "RAWa";
+constexpr std::string_view kRawData = TagOf(Kind::kRawData);
 
 // What a study adds to a plate: name and date.
 bool isPlateText(const CComponent& component) {
-  return component.GetTag() == "Path" || component.GetTag() == "RQPD";
+  return component.GetTag() == TagOf(Kind::kPlateName) ||
+         component.GetTag() == TagOf(Kind::kPlateDate);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "lab/model/FileContent.h"
+#include "vex2/format/RecordKinds.h"
 #include "vex2/manager/Vex2FileManager.h"
 
 namespace vex2::lab {
@@ -39,7 +40,7 @@ class DocumentFile : public Vex2FileManager {
   void KeepingRawDataLast(const Change& change) {
     const bool wasLast = hasRawDataLast();
     change();
-    if (wasLast && !hasRawDataLast()) moveToEnd(includesComponent("RAWa"));
+    if (wasLast && !hasRawDataLast()) moveToEnd(includesComponent(TagOf(Kind::kRawData)));
   }
 
   /// Reads one frame of the block whose record begins at `blockOffset` of the open file. Answers

@@ -7,6 +7,8 @@
 #include <cerrno>
 #include <string_view>
 
+#include "vex2/format/HeaderLayout.h"
+
 namespace vex2::lab {
 
 namespace {
@@ -34,7 +36,6 @@ void RequireReadable(const std::string& path) {
 }
 
 std::optional<std::string> WhyNoDocument(CFile& file) {
-  constexpr std::string_view kMagic = "Vex2";
   std::array<char, 512> bytes{};
   file.SeekToBegin();
   const std::string_view begin(bytes.data(), file.Read(bytes.data(), bytes.size()));

@@ -5,12 +5,13 @@
 
 #include "lab/Text.h"
 #include "lab/model/Settings.h"
+#include "vex2/format/RecordKinds.h"
 
 namespace vex2::lab {
 
 namespace {
 
-constexpr std::string_view kRecordedBlock = "RAWa";
+constexpr std::string_view kRecordedBlock = TagOf(Kind::kRawData);
 constexpr std::string_view kFrames = "frames";
 constexpr std::string_view kStarted = "started";
 constexpr std::string_view kChannels = "channels";

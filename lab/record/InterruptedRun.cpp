@@ -12,6 +12,8 @@
 #include "lab/model/RawFile.h"
 #include "lab/record/PlanComparison.h"
 #include "vex2/format/Encoding.h"
+#include "vex2/format/HeaderLayout.h"
+#include "vex2/format/RecordKinds.h"
 #include "vex2/manager/Vex2FileManager.h"
 #include "vex2/storage/FrameLog.h"
 
@@ -112,7 +114,7 @@ InterruptedRun::InterruptedRun(const std::string& path) : path_(path) {
   }
   status_ = textAt(file, HeaderLayout::kStatusAt);
   if (IsDone()) return;
-  if (status_ != "PROG" && status_ != "ZERO") {
+  if (status_ != RunStatus::kInProgress && status_ != RunStatus::kNotStarted) {
     refuse("has the status " + Quoted(status_) + ", which is no run's in progress");
   }
   moveTo(file, HeaderLayout::kRawDataOffsetAt);
@@ -132,7 +134,7 @@ void InterruptedRun::findBlock(CFile& file) {
   for (;;) {
     const std::string tag = textAt(file, blockStart_);
     std::uint32_t length = 0;
-    if (!isTag(tag) || tag == "RAWa" || !ReadField(file, length)) return;
+    if (!isTag(tag) || tag == TagOf(Kind::kRawData) || !ReadField(file, length)) return;
     if (length > file.GetRemaining()) return;
     blockStart_ += kRecordHeadSize + length;
   }
@@ -142,7 +144,7 @@ void InterruptedRun::readHead(CFile& file) {
   std::uint16_t version = 0;
   std::uint16_t timeBytes = 0;
   std::uint16_t wells = 0;
-  if (textAt(file, blockStart_) != "RAWa" || !ReadField(file, blockLength_) ||
+  if (textAt(file, blockStart_) != TagOf(Kind::kRawData) || !ReadField(file, blockLength_) ||
       !ReadField(file, version) || !ReadField(file, timeBytes) || version != 2 ||
       timeBytes != sizeof(TimeStamp) * 2) {
     refuseAt(blockStart_, "no data block of a recorder where it should be");

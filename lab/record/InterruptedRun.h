@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "lab/record/RunPlan.h"
+#include "vex2/format/HeaderLayout.h"
 #include "vex2/framework/CFile.h"
 
 namespace vex2::lab {
@@ -25,7 +26,7 @@ class InterruptedRun {
   explicit InterruptedRun(const std::string& path);
 
   /// The recorder had finished, and there is nothing to go on with.
-  bool IsDone() const { return status_ == "DONE"; }
+  bool IsDone() const { return status_ == RunStatus::kDone; }
   bool HasBlock() const { return !wells_.empty(); }
   /// Frames that are in the document for good.
   std::size_t FrameCount() const { return frameCount_; }

@@ -9,6 +9,7 @@
 #include "lab/Error.h"
 #include "lab/model/RawFile.h"
 #include "lab/record/PlanDocument.h"
+#include "vex2/format/HeaderLayout.h"
 
 namespace vex2::lab {
 
@@ -88,7 +89,7 @@ bool Recorder::goOn() {
   if (interrupted_->IsDone()) return false;
   interrupted_->Repair();
   check(manager_.ReadFromFile(document_.c_str()));
-  check(manager_.SetAcquisitionStatus(document_.c_str(), "PROG"));
+  check(manager_.SetAcquisitionStatus(document_.c_str(), RunStatus::kInProgress.data()));
   if (!interrupted_->HasBlock()) openBlock();
   state_.framesDone = interrupted_->FrameCount();
   return true;
@@ -109,7 +110,7 @@ std::vector<RunReading> Recorder::RecordedFrame(std::size_t index) const {
 void Recorder::begin() {
   StorePlan(manager_, plan_);
   check(manager_.SaveToFile(document_.c_str()));
-  check(manager_.SetAcquisitionStatus(document_.c_str(), "PROG"));
+  check(manager_.SetAcquisitionStatus(document_.c_str(), RunStatus::kInProgress.data()));
   openBlock();
 }
 
@@ -140,7 +141,7 @@ void Recorder::Finish() {
     TimeStamp end = plan_.started->StampAfter(LastTime(plan_));
     manager_.SetAcqDataEndTime(end, DataRAWa);
   }
-  check(manager_.SetAcquisitionStatus("DONE"));
+  check(manager_.SetAcquisitionStatus(RunStatus::kDone.data()));
   check(manager_.SaveToFile(document_.c_str()));
 }
 

@@ -8,12 +8,12 @@
 #include "lab/model/FileLayout.h"
 #include "lab/model/HeaderFields.h"
 #include "lab/recover/RecoverTree.h"
+#include "vex2/format/HeaderLayout.h"
 
 namespace vex2::lab {
 
 namespace {
 
-constexpr std::size_t kTextAt = 29;
 constexpr unsigned kMostColumns = 32;
 constexpr std::uint16_t kSmallPlate = 96;
 
@@ -23,9 +23,9 @@ struct Code {
 };
 
 constexpr auto kCodes = std::to_array<Code>({{HeaderLayout::kAssayCodeAt, "kind of assay"},
-                                             {12, "kind of run"},
+                                             {HeaderLayout::kRunCodeAt, "kind of run"},
                                              {HeaderLayout::kPlateTypeCodeAt, "plate type"},
-                                             {60, "instrument"},
+                                             {HeaderLayout::kKindMarkerAt, "instrument"},
                                              {HeaderLayout::kStatusAt, "acquisition status"}});
 
 bool isText(std::span<const std::uint8_t> bytes, std::size_t at, std::size_t size) {
@@ -34,7 +34,6 @@ bool isText(std::span<const std::uint8_t> bytes, std::size_t at, std::size_t siz
 }
 
 bool hasMagic(std::span<const std::uint8_t> header) {
-  constexpr std::string_view kMagic = "Vex2";
   return std::equal(kMagic.begin(), kMagic.end(), header.begin());
 }
 
@@ -72,14 +71,15 @@ std::vector<std::uint8_t> MadeHeader(const PlateFacts& facts, bool isEmbedded) {
   const bool isSmall = facts.wells <= kSmallPlate;
   std::vector<std::uint8_t> header(HeaderLayout::kSize, isEmbedded ? 0xFF : 0);
   std::fill_n(header.begin(), HeaderLayout::kUsageAt, 0);
-  put(header, 0, "Vex2");
-  header[5] = header[7] = 2;
-  put(header, HeaderLayout::kAssayCodeAt, facts.isStudy ? "RQSt" : "AbsQ");
-  put(header, 12, "RtRn");
+  put(header, HeaderLayout::kMagicAt, kMagic);
+  header[HeaderLayout::kFormatAAt + 1] = header[HeaderLayout::kFormatBAt + 1] = 2;
+  put(header, HeaderLayout::kAssayCodeAt,
+      facts.isStudy ? Assay::kRelativeStudy.code : Assay::kAbsolute.code);
+  put(header, HeaderLayout::kRunCodeAt, "RtRn");
   put(header, HeaderLayout::kPlateTypeCodeAt, isSmall ? "p9C " : "p3C ");
-  put(header, kTextAt, std::string(31, ' '));
-  put(header, 60, "Kest");
-  put(header, HeaderLayout::kStatusAt, facts.hasFrames ? "DONE" : "ZERO");
+  put(header, HeaderLayout::kTextAt, std::string(31, ' '));
+  put(header, HeaderLayout::kKindMarkerAt, KindMarker::kKestor);
+  put(header, HeaderLayout::kStatusAt, facts.hasFrames ? RunStatus::kDone : RunStatus::kNotStarted);
   putShape(header, isSmall ? 8 : 16, isSmall ? 12 : 24);
   return header;
 }

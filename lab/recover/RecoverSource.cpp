@@ -59,7 +59,7 @@ bool measure(RecoverSource& source, RecoverHead& head) {
   head.next = body + fields + (layout == BodyLayout::kPlate ? HeaderLayout::kSize : 0);
   head.exact = head.length >= fields + kRecordHeadSize * head.count;
   if (layout == BodyLayout::kPlate) head.exact = head.length == fields && head.count == 0;
-  if (head.Tag() == "MPLC") head.exact = head.length % 10 == 2;
+  if (head.Tag() == TagOf(Kind::kPlates)) head.exact = head.length % 10 == 2;
   return head.next <= source.Size();
 }
 

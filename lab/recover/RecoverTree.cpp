@@ -6,6 +6,7 @@
 #include "lab/check/RecordPlaces.h"
 #include "lab/model/FileLayout.h"
 #include "lab/recover/RecoverHeader.h"
+#include "vex2/format/RecordKinds.h"
 
 namespace vex2::lab {
 
@@ -63,8 +64,9 @@ bool RecoverTree::isComplete(const List& list, std::uint64_t offset, std::string
     });
     return !tag.empty() && (isPastOuter || !StandsIn(list.tag, tag));
   }
-  if (list.tag == "MPLC" && !tag.empty() && tag != "RQPl") {
-    return !afterLoss || list.seen >= list.count || !StandsIn("RQPl", tag) || tag == "EOF ";
+  if (list.tag == TagOf(Kind::kPlates) && !tag.empty() && tag != TagOf(Kind::kPlate)) {
+    return !afterLoss || list.seen >= list.count || !StandsIn(TagOf(Kind::kPlate), tag) ||
+           tag == TagOf(Kind::kEndOfFile);
   }
   if (list.isTrusted && isEndPlausible(list, tag)) return offset >= list.end;
   return isCounted(list, offset, tag, afterLoss);
@@ -81,15 +83,17 @@ bool RecoverTree::isEndPlausible(const List& list, std::string_view tag) const {
 
 // Its own end record is the only one that a plate has.
 bool RecoverTree::isPlateOver(const List& plate, std::string_view tag, bool afterLoss) const {
-  if (tag.empty() || tag == "EOPl") return false;
-  if (tag == "RQPl" || tag == "EOF " || tag == "MPLC") return true;
+  if (tag.empty() || tag == TagOf(Kind::kEndOfPlate)) return false;
+  if (tag == TagOf(Kind::kPlate) || tag == TagOf(Kind::kEndOfFile) || tag == TagOf(Kind::kPlates))
+    return true;
   if (!afterLoss) return false;
   const auto has = [&](std::string_view other) { return plate.tags.count(std::string(other)) > 0; };
-  if (has("RQPD") || has(tag)) return true;
+  if (has(TagOf(Kind::kPlateDate)) || has(tag)) return true;
   // Behind the last plate come the study's own.
   const auto index = static_cast<std::size_t>(&plate - open_.data());
   const bool isLast = index > 0 && open_[index - 1].seen >= open_[index - 1].count;
-  return isLast && (tag == "CALR" || tag == "ENDO" || tag == "RQAT" || tag == "Conf");
+  return isLast && (tag == TagOf(Kind::kCalibrator) || tag == TagOf(Kind::kEndoControl) ||
+                    tag == TagOf(Kind::kAnalysisType) || tag == TagOf(Kind::kConfidence));
 }
 
 // Whether it stands in one of those that the list is in, or in the document itself.
@@ -116,7 +120,8 @@ bool RecoverTree::isCounted(const List& list, std::uint64_t offset, std::string_
 void RecoverTree::Wrap(std::uint64_t offset, std::string_view tag) {
   constexpr int kMostMade = 4;
   // In the list of plates, everything else stands in a plate.
-  if (OpenTag() == "MPLC" && tag != "RQPl") openMade(offset, "RQPl");
+  if (OpenTag() == TagOf(Kind::kPlates) && tag != TagOf(Kind::kPlate))
+    openMade(offset, TagOf(Kind::kPlate));
   const std::string here(OpenTag());
   if (StandsIn(here, tag)) return;
   std::vector<std::string_view> needed;
@@ -145,7 +150,7 @@ std::vector<std::uint8_t> RecoverTree::cellFields() const {
 void RecoverTree::AddEmptyCells(std::uint64_t offset, std::uint64_t count) {
   const std::uint64_t first = open_.back().seen + 1;
   for (std::uint64_t i = 0; i < count; ++i) {
-    Count("CELL");
+    Count(TagOf(Kind::kCell));
     Append({'C', 'E', 'L', 'L', 0, 0, 0, 7, 0, 0});
     Append(cellFields());
   }
@@ -224,7 +229,7 @@ void RecoverTree::Count(std::string_view tag) {
 
 std::uint32_t RecoverTree::rightLength(const List& list) const {
   const std::uint64_t held = position_ - list.written - kRecordHeadSize;
-  if (list.tag == "MPLC") {
+  if (list.tag == TagOf(Kind::kPlates)) {
     // 10 for each plate, each time that it was read and saved.
     const std::uint64_t least = 2 + 10 * list.seen;
     const bool isPlausible = list.length % 10 == 2 && list.length >= least && list.length <= held;

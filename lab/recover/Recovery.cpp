@@ -7,6 +7,7 @@
 #include "lab/check/RecordPlaces.h"
 #include "lab/model/FileLayout.h"
 #include "lab/model/HeaderFields.h"
+#include "vex2/format/HeaderLayout.h"
 #include "vex2/format/RecordKinds.h"
 
 namespace vex2::lab {
@@ -110,7 +111,7 @@ std::optional<RecoverHead> Recovery::listWithoutTag(std::uint64_t offset, std::s
   if (!length || *length < kListFields) return std::nullopt;
   for (const std::uint64_t fields : {kListFields, kCellFields, kListFields + HeaderLayout::kSize}) {
     const bool isPlate = fields > kCellFields;
-    const std::string_view home = isPlate ? "RQPl" : listAround(offset, fields);
+    const std::string_view home = isPlate ? TagOf(Kind::kPlate) : listAround(offset, fields);
     if (home.empty()) continue;
     RecoverHead head;
     head.offset = offset;
@@ -122,7 +123,7 @@ std::optional<RecoverHead> Recovery::listWithoutTag(std::uint64_t offset, std::s
     head.exact = true;
     if (isPlate) {
       if (*length != kListFields || head.count != 0 || !isPlateHeader(source_, head)) continue;
-    } else if (home != "MPLC") {
+    } else if (home != TagOf(Kind::kPlates)) {
       if (head.count == 0 || *length < fields + kRecordHeadSize * head.count) continue;
       if (!IsBoundary(source_, head.DeclaredEnd())) continue;
     }
@@ -154,25 +155,27 @@ std::string_view Recovery::listAround(std::uint64_t offset, std::uint64_t fields
 // The end of the plate that is open, but for its tag.
 bool Recovery::isPlateEnd(std::uint64_t offset) {
   constexpr std::uint32_t kEndLength = 4;
-  return tree_.OpenTag() == "RQPl" && source_.Long(offset + kTagLength) == kEndLength &&
-         source_.Long(offset + kRecordHeadSize) == 0U && Likeness(source_, offset, "EOPl") > 0;
+  return tree_.OpenTag() == TagOf(Kind::kPlate) &&
+         source_.Long(offset + kTagLength) == kEndLength &&
+         source_.Long(offset + kRecordHeadSize) == 0U &&
+         Likeness(source_, offset, TagOf(Kind::kEndOfPlate)) > 0;
 }
 
 // Only half of its length and its value are left, and what follows stands in no plate, or in any.
 bool Recovery::isRestOfPlateEnd(std::uint64_t offset) {
   constexpr std::uint32_t kEndLength = 4;
   const std::uint64_t value = offset + kRecordHeadSize;
-  if (tree_.OpenTag() != "RQPl" || source_.Short(value - 2) != kEndLength ||
+  if (tree_.OpenTag() != TagOf(Kind::kPlate) || source_.Short(value - 2) != kEndLength ||
       source_.Long(value) != 0U) {
     return false;
   }
   const auto next = HeadAt(source_, value + kEndLength);
-  return next && (StandsIn("", next->Tag()) || next->Tag() == "RQPl");
+  return next && (StandsIn("", next->Tag()) || next->Tag() == TagOf(Kind::kPlate));
 }
 
 std::uint64_t Recovery::keepPlateEnd(std::uint64_t offset) {
   constexpr std::uint64_t kValueSize = 4;
-  makeRoom(offset, "EOPl");
+  makeRoom(offset, TagOf(Kind::kEndOfPlate));
   ++report_.records;
   tree_.Append({'E', 'O', 'P', 'l', 0, 0, 0, kValueSize});
   tree_.Copy(offset + kRecordHeadSize, offset + kRecordHeadSize + kValueSize);
@@ -183,7 +186,7 @@ std::uint64_t Recovery::keepPlateEnd(std::uint64_t offset) {
 
 // By its header, where that can be believed.
 bool Recovery::isNoStudy() const {
-  constexpr std::string_view kStudy = "RQSt";
+  constexpr std::string_view kStudy = Assay::kRelativeStudy.code;
   return IsHeaderWhole(header_) &&
          !std::equal(kStudy.begin(), kStudy.end(), header_.begin() + HeaderLayout::kAssayCodeAt);
 }
@@ -193,8 +196,9 @@ bool Recovery::endsInPlate(std::uint64_t offset) {
   constexpr int kMostHeads = 4096;
   for (int i = 0; i < kMostHeads; ++i) {
     const auto head = HeadAt(source_, offset);
-    if (!head || head->Tag() == "RQPl" || head->Tag() == "MPLC") return false;
-    if (head->Tag() == "EOPl") return true;
+    if (!head || head->Tag() == TagOf(Kind::kPlate) || head->Tag() == TagOf(Kind::kPlates))
+      return false;
+    if (head->Tag() == TagOf(Kind::kEndOfPlate)) return true;
     offset = head->next;
   }
   return false;
@@ -203,10 +207,10 @@ bool Recovery::endsInPlate(std::uint64_t offset) {
 // In the lists that were lost, and in a plate whose begin was.
 void Recovery::wrap(std::uint64_t offset, std::string_view tag) {
   const bool isOutside = tree_.Depth() == 0;
-  const bool isPlates = HomeOf(tag) == "RQPl";
+  const bool isPlates = HomeOf(tag) == TagOf(Kind::kPlate);
   // Where there should be no plates, their records may stand alone.
   if (isOutside && (isPlates || !isNoStudy()) && endsInPlate(offset)) {
-    tree_.Wrap(offset, "Path");
+    tree_.Wrap(offset, TagOf(Kind::kPlateName));
   } else if (isOutside && isPlates && isNoStudy()) {
     return;
   }
@@ -243,7 +247,8 @@ std::uint64_t Recovery::keepValue(const RecoverHead& head) {
   if (tree_.Depth() == 0) {
     positions_[std::string(head.Tag())] = {head.offset, head.next, written, tree_.Position()};
   }
-  if (head.Tag() == "EOPl" && tree_.OpenTag() == "RQPl") tree_.ClosePlate();
+  if (head.Tag() == TagOf(Kind::kEndOfPlate) && tree_.OpenTag() == TagOf(Kind::kPlate))
+    tree_.ClosePlate();
   return head.next;
 }
 
@@ -253,12 +258,12 @@ std::uint64_t Recovery::keepUnknown(const RecoverHead& head) {
   if (head.next > source_.Size() || hidesRecords(head)) return passGap(head.offset);
   tree_.Settle(head.offset, "", false);
   bool isHarmless = true;
-  if (tree_.OpenTag() == "RQPl") {
+  if (tree_.OpenTag() == TagOf(Kind::kPlate)) {
     isHarmless = head.length % 4 == 0 && head.length < 4096;
     for (std::uint64_t at = head.offset + 4; isHarmless && at < head.next; at += 4) {
       const auto bytes = source_.View(at, 4);
       const std::string tag(bytes.begin(), bytes.begin() + 4);
-      isHarmless = KindOf(tag).layout == BodyLayout::kUnknown && tag != "Vex2";
+      isHarmless = KindOf(tag).layout == BodyLayout::kUnknown && tag != kMagic;
     }
   }
   if (!isHarmless) return passGap(head.offset);
@@ -290,8 +295,8 @@ std::uint64_t Recovery::keepList(const RecoverHead& head, std::string_view tag) 
   ++report_.records;
   if (head.kind->layout == BodyLayout::kPlate) return keepPlate(head);
   const std::uint64_t end = head.DeclaredEnd();
-  const bool isTrusted =
-      tag != "MPLC" && end >= head.next && (IsBoundary(source_, end) || tree_.EndsAt(end));
+  const bool isTrusted = tag != TagOf(Kind::kPlates) && end >= head.next &&
+                         (IsBoundary(source_, end) || tree_.EndsAt(end));
   tree_.Copy(head.offset, head.next);
   tree_.Open(head, tag, head.next - head.offset, isTrusted);
   tree_.RightTag(head);
@@ -315,7 +320,7 @@ std::uint64_t Recovery::keepPlate(const RecoverHead& head) {
   RecoverHead right = head;
   right.length = 2;
   right.count = 0;
-  tree_.Open(right, "RQPl", head.next - head.offset, false);
+  tree_.Open(right, TagOf(Kind::kPlate), head.next - head.offset, false);
   return head.next;
 }
 

@@ -2,6 +2,7 @@
 #include <array>
 
 #include "lab/Text.h"
+#include "lab/model/DataBlock.h"
 #include "lab/model/FileLayout.h"
 #include "lab/recover/Recovery.h"
 #include "vex2/format/RecordKinds.h"
@@ -57,7 +58,7 @@ std::uint64_t Recovery::passGap(std::uint64_t offset) {
     const auto bytes = source_.View(next, kTagLength);
     const std::string tag(bytes.begin(), bytes.begin() + kTagLength);
     tree_.Settle(next, tag, true);
-    fillCells(next, tag == "CELL");
+    fillCells(next, tag == TagOf(Kind::kCell));
   }
   return next;
 }
@@ -65,14 +66,14 @@ std::uint64_t Recovery::passGap(std::uint64_t offset) {
 // Cells stand for wells by their order: the ones behind a lost one keep their places.
 void Recovery::fillCells(std::uint64_t offset, bool isCell) {
   const std::uint64_t missing = tree_.Missing();
-  if (tree_.OpenTag() != "CELS" || missing == 0) return;
+  if (tree_.OpenTag() != TagOf(Kind::kPlateSetup) || missing == 0) return;
   constexpr std::uint64_t kMostHeads = 100000;
   std::uint64_t left = isCell ? 0 : 1;
   std::uint64_t at = offset;
   for (std::uint64_t i = 0; i < kMostHeads && at < tree_.OpenEnd(); ++i) {
     const auto head = HeadAt(source_, at);
     if (!head) return;
-    if (head->Tag() == "CELL") ++left;
+    if (head->Tag() == TagOf(Kind::kCell)) ++left;
     at = head->next;
   }
   if (left < missing) tree_.AddEmptyCells(offset, missing - left);
@@ -216,10 +217,9 @@ std::vector<std::uint16_t> Recovery::likelyNumbers(std::uint16_t wells) const {
 
 // Raw readings, unless there are some: then the reporting block whose tag is the most alike.
 std::string Recovery::likelyTag(const RecoverBlock& block, std::uint64_t from) {
-  constexpr auto kTags = std::to_array<std::string_view>({"RAWa", "REPr", "REPn", "REPd", "REPt"});
-  std::string best(kTags.front());
+  std::string best(kDataBlockTags.front());
   int most = -1;
-  for (const std::string_view tag : kTags) {
+  for (const std::string_view tag : kDataBlockTags) {
     if (tree_.TagsAtTop().count(std::string(tag)) > 0) continue;
     const int alike = Likeness(source_, std::max(block.offset, from), tag);
     if (alike <= most) continue;

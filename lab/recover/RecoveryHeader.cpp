@@ -3,6 +3,8 @@
 #include "lab/model/FileLayout.h"
 #include "lab/model/HeaderFields.h"
 #include "lab/recover/Recovery.h"
+#include "vex2/format/HeaderLayout.h"
+#include "vex2/format/RecordKinds.h"
 
 namespace vex2::lab {
 
@@ -12,7 +14,7 @@ void Recovery::finishHeader() {
   report_.hasHeader = isWhole;
   if (isWhole && report_.lostPlaces == 0 && report_.mendedPlaces == 0) return;
   PlateFacts facts;
-  facts.isStudy = tree_.TagsAtTop().count("MPLC") > 0;
+  facts.isStudy = tree_.TagsAtTop().count(std::string(TagOf(Kind::kPlates))) > 0;
   facts.hasFrames = report_.frames > 0;
   if (!numbers_.empty()) facts.wells = numbers_.rbegin()->first;
   std::vector<std::string> guesses;
@@ -25,8 +27,8 @@ void Recovery::finishHeader() {
     const auto bytes = LongBytes(rightPosition(LongAt(header, at), tag));
     std::copy(bytes.begin(), bytes.end(), header.begin() + static_cast<std::ptrdiff_t>(at));
   };
-  setPosition(HeaderLayout::kProgramOffsetAt, "TPro");
-  setPosition(HeaderLayout::kRawDataOffsetAt, "RAWa");
+  setPosition(HeaderLayout::kProgramOffsetAt, TagOf(Kind::kProgram));
+  setPosition(HeaderLayout::kRawDataOffsetAt, TagOf(Kind::kRawData));
   tree_.Patch(0, header);
 }
 
@@ -42,7 +44,7 @@ std::uint32_t Recovery::rightPosition(std::uint32_t stored, std::string_view tag
 }
 
 bool Recovery::isRunning() const {
-  constexpr std::string_view kRunning = "PROG";
+  constexpr std::string_view kRunning = RunStatus::kInProgress;
   return header_.size() >= HeaderLayout::kRawDataOffsetAt &&
          std::equal(kRunning.begin(), kRunning.end(),
                     header_.begin() + static_cast<std::ptrdiff_t>(HeaderLayout::kStatusAt));

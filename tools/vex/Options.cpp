@@ -32,7 +32,7 @@ Option& Option::Exclude(const Option& other) {
   return *this;
 }
 
-Option& Option::AllowOnly(std::initializer_list<std::string> values) {
+Option& Option::AllowOnly(const std::vector<std::string>& values) {
   option_->check(CLI::IsMember(values));
   return *this;
 }

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <initializer_list>
 #include <string>
+#include <vector>
 
 namespace CLI {
 class App;
@@ -25,7 +26,7 @@ class Option {
   /// It takes one value or more.
   Option& TakeSeveral();
   Option& Exclude(const Option& other);
-  Option& AllowOnly(std::initializer_list<std::string> values);
+  Option& AllowOnly(const std::vector<std::string>& values);
   Option& AllowOnly(std::initializer_list<std::uint32_t> values);
   Option& AllowRange(std::uint32_t least, std::uint32_t most);
   Option& AllowRange(double least, double most);

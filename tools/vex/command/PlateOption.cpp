@@ -1,5 +1,6 @@
 #include "tools/vex/command/PlateOption.h"
 
+#include "lab/model/DataBlock.h"
 #include "tools/vex/Options.h"
 #include "tools/vex/text/Terminal.h"
 
@@ -46,9 +47,9 @@ std::size_t PlateOption::FindIndex(const Document& document) const {
 }
 
 void AddBlockOption(Options& options, std::string& tag) {
-  tag = "RAWa";
+  tag = TagOf(Kind::kRawData);
   options.Add("--block", tag, "The data block; RAWa if none")
-      .AllowOnly({"RAWa", "REPr", "REPn", "REPd", "REPt"})
+      .AllowOnly({kDataBlockTags.begin(), kDataBlockTags.end()})
       .Show("TAG");
 }
 

@@ -11,6 +11,7 @@
 #include "lab/model/Document.h"
 #include "tools/vex/Errors.h"
 #include "tools/vex/files/Output.h"
+#include "vex2/format/HeaderLayout.h"
 
 namespace vex2::tool {
 
@@ -18,7 +19,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view kDocumentBegin = "Vex2";
 constexpr std::string_view kDocumentName = ".vex";
 
 bool isStandard(const std::string& path) {
@@ -28,9 +28,9 @@ bool isStandard(const std::string& path) {
 // A document whose begin is damaged is one by its name: it may be all that is left of a run.
 bool isPlateDocument(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
-  std::array<char, kDocumentBegin.size()> begin{};
+  std::array<char, kMagic.size()> begin{};
   if (!file.read(begin.data(), begin.size())) return false;
-  return std::string_view(begin.data(), begin.size()) == kDocumentBegin ||
+  return std::string_view(begin.data(), begin.size()) == kMagic ||
          fs::path(path).extension() == kDocumentName;
 }
 
