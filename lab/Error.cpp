@@ -160,11 +160,13 @@ ErrorClass Error::Class() const {
   return ErrorKindOf(code_).errorClass;
 }
 
-Error SystemError(std::string_view file, int error) {
-  if (error == EAGAIN || error == EWOULDBLOCK) {
-    return {kInUse, file, "another program is using it; try again when it is done"};
-  }
-  return {codeOf(error), file, std::strerror(error)};
+Error SystemError(std::string_view file, int error, std::optional<std::uint64_t> offset) {
+  const bool isInUse = error == EAGAIN || error == EWOULDBLOCK;
+  Error result = isInUse ? Error(kInUse, file,
+                                 "another program is using it; try again when it is done", offset)
+                         : Error(codeOf(error), file, std::strerror(error), offset);
+  result.systemError_ = error;
+  return result;
 }
 
 }  // namespace vex2::lab

@@ -75,17 +75,24 @@ class Error : public std::runtime_error {
   const std::string& File() const { return file_; }
   const std::string& Message() const { return message_; }
   std::optional<std::uint64_t> Offset() const { return offset_; }
+  /// The number of the system's error, as in `errno`; 0 where the system refused nothing.
+  int SystemErrorNumber() const { return systemError_; }
 
  private:
+  friend Error SystemError(std::string_view file, int error, std::optional<std::uint64_t> offset);
+
   ErrorCode code_;
   std::string file_;
   std::string message_;
   std::optional<std::uint64_t> offset_;
+  int systemError_ = 0;
 };
 
 /// What the system refused to do with `file`: the call is at fault when the path leads nowhere or
-/// to what may not be touched, the system for all else.
-Error SystemError(std::string_view file, int error);
+/// to what may not be touched, the system for all else. `error` is a number of `errno`, `offset` is
+/// where a transfer failed.
+Error SystemError(std::string_view file, int error,
+                  std::optional<std::uint64_t> offset = std::nullopt);
 
 /// `text` for a line of a message: what a terminal would obey, and what is no character, is shown
 /// as \xNN.

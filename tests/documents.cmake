@@ -1,7 +1,11 @@
 # Tests of documents: the format description, the README, the examples.
 
 find_package(nlohmann_json REQUIRED)
-target_link_libraries(test_format PRIVATE nlohmann_json::nlohmann_json)
+foreach(program test_format test_lab)
+  if(TARGET ${program})
+    target_link_libraries(${program} PRIVATE nlohmann_json::nlohmann_json)
+  endif()
+endforeach()
 add_test(NAME documents.format
          COMMAND Python3::Interpreter ${CMAKE_CURRENT_SOURCE_DIR}/format/read_document_test.py)
 set(command "")

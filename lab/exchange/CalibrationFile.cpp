@@ -67,7 +67,7 @@ void writePart(const CalibrationPart& part, std::string_view name, CsvWriter& cs
       values += (values.empty() ? "" : " ") + valueText(value);
     }
     csv.Row(plate,
-            {std::string(name), ToUtf8(entry.name), std::to_string(entry.dyeIndex),
+            {std::string(name), entry.name, std::to_string(entry.dyeIndex),
              std::to_string(entry.key1), std::to_string(entry.key2), own(isDye, entry.bytes[0]),
              own(isDye, entry.bytes[1]), own(isDye, entry.params[0]), own(isDye, entry.params[1]),
              own(isDye, entry.params[2]), own(!isDye, entry.limit), values});
@@ -99,7 +99,7 @@ CalibrationEntry entryOf(const CsvRow& row, bool isDye) {
   if (!name || name->size() > kMostByte) {
     row.RefuseField(kName, "is not a text of 255 Latin-1 characters at most");
   }
-  entry.name = *name;
+  entry.name = row.Text(kName);
   entry.dyeIndex = shortOf(row, kDyeIndex);
   entry.key1 = shortOf(row, kKey1);
   entry.key2 = shortOf(row, kKey2);

@@ -6,13 +6,6 @@
 
 namespace vex2::lab {
 
-namespace {
-
-constexpr std::uint32_t kTemperatureScale = 100;
-constexpr std::uint32_t kTimeScale = 1000;
-
-}  // namespace
-
 std::vector<std::string> ReadingNames(const RunLog& log) {
   std::vector<std::string> names = {"stage", "cycle", "time_s", "temperature_c"};
   if (log.channels.empty()) names.emplace_back("fluorescence");
@@ -24,8 +17,8 @@ std::vector<std::string> ReadingNames(const RunLog& log) {
 std::vector<std::string> ReadingFields(const RunReading& reading, const RunLog& log) {
   std::vector<std::string> fields = {reading.melting ? "melt" : "amplification",
                                      std::to_string(reading.cycle),
-                                     ShortestQuotient(reading.time, kTimeScale),
-                                     ShortestQuotient(reading.temperature, kTemperatureScale)};
+                                     ShortestQuotient(reading.time, kTimeSteps),
+                                     ShortestQuotient(reading.temperature, kTemperatureSteps)};
   for (std::size_t channel = 0; channel < std::max<std::size_t>(log.channels.size(), 1);
        ++channel) {
     fields.push_back(reading.IsMissing(channel) ? "NA"

@@ -5,13 +5,6 @@
 
 namespace vex2::lab {
 
-namespace {
-
-constexpr std::uint32_t kTemperatureScale = 100;
-constexpr std::uint32_t kTimeScale = 1000;
-
-}  // namespace
-
 ReadingsWriter::ReadingsWriter(std::ostream& out, Columns columns) : out_(out), columns_(columns) {
   out_ << (columns.plate ? "plate," : "") << "well," << (columns.frame ? "frame," : "")
        << (columns.channel ? "channel," : "") << "stage,cycle,time_s,temperature_c,fluorescence\n";
@@ -37,8 +30,8 @@ void ReadingsWriter::Write(const std::string& well, std::uint64_t frame,
       continue;
     }
     out_ << (reading->melting ? "melt," : "amplification,") << reading->cycle << ','
-         << ShortestQuotient(reading->time, kTimeScale) << ','
-         << ShortestQuotient(reading->temperature, kTemperatureScale) << ','
+         << ShortestQuotient(reading->time, kTimeSteps) << ','
+         << ShortestQuotient(reading->temperature, kTemperatureSteps) << ','
          << (reading->IsMissing(channel) ? "NA" : scale_.MeasuredText(reading->values[channel]))
          << '\n';
   }

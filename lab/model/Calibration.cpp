@@ -1,87 +1,12 @@
 #include "lab/model/Calibration.h"
 
-#include <algorithm>
 #include <bit>
-
-#include "lab/Error.h"
 
 namespace vex2::lab {
 
 namespace {
 
 constexpr int kFilters = 12;
-
-// What both kinds of spectrum have, and what each has of its own.
-
-void copyOwn(const Vex2DyeSpectrum& from, CalibrationEntry& to) {
-  to.bytes = {from.byte1, from.byte2};
-  to.params = {from.param1, from.param2, from.param3};
-}
-
-void copyOwn(const Vex2BackgroundSpectrum& from, CalibrationEntry& to) {
-  to.limit = from.limit;
-}
-
-void copyOwn(const CalibrationEntry& from, Vex2DyeSpectrum& to) {
-  to.byte1 = from.bytes[0];
-  to.byte2 = from.bytes[1];
-  to.param1 = from.params[0];
-  to.param2 = from.params[1];
-  to.param3 = from.params[2];
-}
-
-void copyOwn(const CalibrationEntry& from, Vex2BackgroundSpectrum& to) {
-  to.limit = from.limit;
-}
-
-template <typename Record>
-CalibrationPart partOf(const Record& record) {
-  CalibrationPart part;
-  std::copy_n(record.code, part.head.code.size(), part.head.code.begin());
-  part.head.setting = record.setting;
-  part.head.option = record.option;
-  part.head.value = record.value;
-  std::copy_n(record.extra1, part.head.extra1.size(), part.head.extra1.begin());
-  std::copy_n(record.extra2, part.head.extra2.size(), part.head.extra2.begin());
-  for (int index = 0; index < record.entryCount; ++index) {
-    const auto& from = record.entries[index];
-    CalibrationEntry& to = part.entries.emplace_back();
-    to.name.assign(from.name != nullptr ? from.name : "", from.nameLength);
-    to.key1 = from.key1;
-    to.key2 = from.key2;
-    to.dyeIndex = from.dyeIndex;
-    to.values.assign(from.values, from.values + from.valueCount);
-    copyOwn(from, to);
-  }
-  return part;
-}
-
-template <typename Record>
-void fill(Record& record, const CalibrationPart& part) {
-  std::copy(part.head.code.begin(), part.head.code.end(), record.code);
-  record.setting = part.head.setting;
-  record.option = part.head.option;
-  record.value = part.head.value;
-  std::copy(part.head.extra1.begin(), part.head.extra1.end(), record.extra1);
-  std::copy(part.head.extra2.begin(), part.head.extra2.end(), record.extra2);
-  record.SetEntryCount(static_cast<std::uint16_t>(part.entries.size()));
-  for (std::size_t index = 0; index < part.entries.size(); ++index) {
-    const CalibrationEntry& from = part.entries[index];
-    auto& to = record.entries[index];
-    to.SetName(from.name.data(), static_cast<std::uint8_t>(from.name.size()));
-    to.key1 = from.key1;
-    to.key2 = from.key2;
-    to.dyeIndex = from.dyeIndex;
-    to.SetValues(from.values.data(), static_cast<std::uint8_t>(from.values.size()));
-    copyOwn(from, to);
-  }
-}
-
-void require(int status) {
-  if (status != kSuccess) {
-    throw Error(ErrorCode::kSystem, "the document cannot hold so large a calibration");
-  }
-}
 
 // A peak around `centre` without an exponential, which is not the same on every machine.
 std::vector<std::uint32_t> peak(double height, double centre, double width, double floor) {
@@ -96,34 +21,6 @@ std::vector<std::uint32_t> peak(double height, double centre, double width, doub
 }
 
 }  // namespace
-
-Calibration CalibrationOf(const Vex2FileManager& document) {
-  Vex2PureDye* pureDye = nullptr;
-  Vex2BGC* background = nullptr;
-  int hasPureDye = 0;
-  int hasBackground = 0;
-  const int status = document.GetCalibrationInfo(pureDye, &hasPureDye, background, &hasBackground);
-  const std::unique_ptr<Vex2PureDye> ownedDye(pureDye);
-  const std::unique_ptr<Vex2BGC> ownedBackground(background);
-  Calibration calibration;
-  if (status != kSuccess) return calibration;
-  if (hasPureDye != 0) calibration.pureDyes = partOf(*pureDye);
-  if (hasBackground != 0) calibration.background = partOf(*background);
-  return calibration;
-}
-
-void StoreCalibration(Vex2FileManager& document, const Calibration& calibration) {
-  if (calibration.pureDyes) {
-    Vex2PureDye record;
-    fill(record, *calibration.pureDyes);
-    require(document.ReplacePureDye(&record));
-  }
-  if (calibration.background) {
-    Vex2BGC record;
-    fill(record, *calibration.background);
-    require(document.ReplaceBackground(&record));
-  }
-}
 
 Calibration SimulatedCalibration() {
   Calibration calibration;

@@ -2,19 +2,16 @@
 
 #include <array>
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
-
-#include "vex2/manager/Vex2FileManager.h"
 
 namespace vex2::lab {
 
 /// One spectrum of a calibration: a pure dye, or a trace of the background. The numbers of the
 /// other part are 0.
 struct CalibrationEntry {
-  std::string name;  ///< Latin-1
+  std::string name;  ///< UTF-8
   std::uint16_t key1 = 0;
   std::uint16_t key2 = 0;
   std::uint16_t dyeIndex = 0;
@@ -48,12 +45,6 @@ struct Calibration {
 
   bool IsEmpty() const { return !pureDyes && !background; }
 };
-
-/// What the document's calibration container says.
-Calibration CalibrationOf(const Vex2FileManager& document);
-
-/// Makes the parts that there are the document's; parts that there are not stay as they are.
-void StoreCalibration(Vex2FileManager& document, const Calibration& calibration);
 
 /// Four dyes and a background, as an instrument with twelve filters might have them.
 Calibration SimulatedCalibration();

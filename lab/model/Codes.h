@@ -1,7 +1,10 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
+
+#include "lab/Text.h"
 
 namespace vex2::lab {
 
@@ -12,5 +15,13 @@ enum class CodeField { kAssay, kPlateType, kKind, kStatus };
 /// What `code` means in `field`, with or without the blanks behind it. Empty when that is not
 /// known.
 std::string CodeMeaning(CodeField field, std::string_view code);
+
+/// A header's field of fixed length as UTF-8, without the blanks behind it.
+template <std::size_t size>
+std::string CodeText(const char (&field)[size]) {
+  std::string text = ToUtf8({field, size});
+  text.erase(text.find_last_not_of(' ') + 1);
+  return text;
+}
 
 }  // namespace vex2::lab

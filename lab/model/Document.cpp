@@ -5,6 +5,7 @@
 #include "lab/Error.h"
 #include "lab/Text.h"
 #include "lab/model/FileLayout.h"
+#include "lab/model/RawFile.h"
 #include "vex2/format/RecordKinds.h"
 #include "vex2/framework/CFileStatus.h"
 #include "vex2/manager/Vex2FileManagerComponent.h"
@@ -24,6 +25,11 @@ constexpr const char* kRunning =
 
 std::string inQuotes(std::string_view tag) {
   return std::string("\"").append(ToUtf8(tag)).append("\"");
+}
+
+std::unique_ptr<DocumentFile> fileFor(Document::Purpose purpose) {
+  if (purpose == Document::Purpose::kReadHeads) return std::make_unique<HeadsFile>();
+  return std::make_unique<DocumentFile>();
 }
 
 }  // namespace
@@ -84,7 +90,7 @@ struct Document::Surveyor final : RecordVisitor {
 };
 
 Document::Document(std::string path, Purpose purpose)
-    : path_(std::move(path)), content_(std::make_unique<DocumentFile>()) {
+    : path_(std::move(path)), content_(fileFor(purpose)) {
   content_->OpenDocument(path_);
   if (purpose == Purpose::kChange) content_->ExpectUnchanged(path_);
   size_ = content_->GetLength();
@@ -96,6 +102,7 @@ Document::Document(std::string path, Purpose purpose)
 
 void Document::survey() {
   const int status = content_->ReadComponentFile(nullptr);
+  requireReadable();
   fault_ = headerFault();
   strayOffset_ = size_;
   if (fault_) return;
@@ -106,6 +113,14 @@ void Document::survey() {
   if (fault_) return;
   findStrayBytes(end.offset);
   noteStudyLosses();
+}
+
+// What the system refuses is no fault of the document.
+void Document::requireReadable() const {
+  const FileError& error = content_->GetLastFileError();
+  if (error.reason == FileErrorReason::kSystem || error.reason == FileErrorReason::kNoMemory) {
+    throw FileFailure(path_, error);
+  }
 }
 
 std::optional<FileFault> Document::headerFault() const {
@@ -189,8 +204,9 @@ void Document::noteStudyLosses() {
     if (component == nullptr || content_->IsWritten(*component)) continue;
     // A study that is saved ends with one of its own.
     if (record.tag == TagOf(Kind::kEndOfFile)) continue;
-    losses_.push_back(
-        {record.offset, "the record " + inQuotes(record.tag) + ", which a study does not keep"});
+    losses_.push_back({record.offset,
+                       "the record " + inQuotes(record.tag) + ", which a study does not keep",
+                       true});
   }
   std::stable_sort(losses_.begin(), losses_.end(),
                    [](const Loss& a, const Loss& b) { return a.offset < b.offset; });

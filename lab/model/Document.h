@@ -34,12 +34,14 @@ class Document {
   };
   enum class Purpose {
     kRead,
-    kChange,  ///< a save refuses when another program has changed the document since it was read
+    kReadHeads,  ///< all but the frames of data blocks, so that the run's length costs nothing
+    kChange,     ///< a save refuses when another program has changed the document since it was read
   };
   /// What saving the document would not bring back.
   struct Loss {
     std::uint64_t offset = 0;
     std::string what;
+    bool wasRead = false;  ///< the document in memory has it
   };
 
   /// Reads the document at `path`. Throws an error when it cannot be opened or is none; a document
@@ -77,6 +79,7 @@ class Document {
   struct Surveyor;
 
   void survey();
+  void requireReadable() const;
   std::optional<FileFault> headerFault() const;
   std::optional<FileFault> recordFault(int status, const WalkEnd& end) const;
   bool beginsStrayBytes(std::uint64_t offset) const;

@@ -60,6 +60,10 @@ int DocumentFile::WriteComponentFile(CFile* file) {
   return Vex2FileManager::WriteComponentFile(file);
 }
 
+int HeadsFile::WriteComponentFile(CFile* /*file*/) {
+  return kWriteFailed;
+}
+
 int DocumentFile::ReadFrameAt(int index, Vex2FrameData& frame, std::uint64_t blockOffset) {
   return readAFrame(index, &frame, static_cast<long>(blockOffset));
 }

@@ -7,6 +7,7 @@
 #include "lab/model/FileContent.h"
 #include "vex2/format/RecordKinds.h"
 #include "vex2/manager/Vex2FileManager.h"
+#include "vex2/run/SkipsFrames.h"
 
 namespace vex2::lab {
 
@@ -18,6 +19,8 @@ class DocumentFile : public Vex2FileManager {
   /// A document of its own of a plate from a study, record for record; raw data that were the last
   /// ones, before the plate was given its name and date, are that again.
   explicit DocumentFile(const Vex2FileManager& plate);
+
+  using Vex2FileManager::GetIdentity;
 
   /// Opens the document at `path` for reading. Throws an error when the system refuses, or when it
   /// is no document.
@@ -54,6 +57,12 @@ class DocumentFile : public Vex2FileManager {
 
   std::string expectedPath_;  ///< empty when no file is expected to be unchanged
   FileState expected_;
+};
+
+/// A document that is read without its frames, see `SkipsFrames`. It refuses to be saved.
+class HeadsFile final : public DocumentFile, public SkipsFrames {
+ public:
+  int WriteComponentFile(CFile* file) override;
 };
 
 }  // namespace vex2::lab

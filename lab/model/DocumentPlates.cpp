@@ -8,11 +8,15 @@
 
 namespace vex2::lab {
 
+bool IsPlateCalled(std::string_view stored, std::string_view name) {
+  // A name that is no Latin-1 stands in the document as the bytes that its file's name had.
+  return ToUtf8(stored) == name || stored == name;
+}
+
 const Document::Plate* FindPlate(const Document& document, std::string_view name) {
   const auto& plates = document.Plates();
-  // A name that is no Latin-1 stands in the document as the bytes that its file's name had.
   const auto found = std::find_if(plates.begin(), plates.end(), [&](const Document::Plate& plate) {
-    return ToUtf8(plate.name) == name || plate.name == name;
+    return IsPlateCalled(plate.name, name);
   });
   return found != plates.end() ? &*found : nullptr;
 }

@@ -8,6 +8,9 @@ class AcquisitionDataComp;
 
 namespace vex2::lab {
 
+/// Whether a person who says `name`, in UTF-8, means the plate that a document calls `stored`.
+bool IsPlateCalled(std::string_view stored, std::string_view name);
+
 /// The first plate of a document that a person calls by this name; null when there is none.
 const Document::Plate* FindPlate(const Document& document, std::string_view name);
 

@@ -7,6 +7,8 @@
 #include <set>
 
 #include "lab/Error.h"
+#include "lab/Text.h"
+#include "lab/model/Codes.h"
 #include "vex2/format/RecordKinds.h"
 #include "vex2/setup/CPlateSetupComp.h"
 
@@ -28,6 +30,22 @@ std::int32_t lengthOf(const std::string& text) {
   return static_cast<std::int32_t>(text.size());
 }
 
+// What the cell holds for each of its detectors.
+std::vector<WellRow> rowsOf(const Vex2WellSetup& cell, const WellRow& common,
+                            const std::map<std::string, std::string>& reporters) {
+  std::vector<WellRow> rows;
+  for (POSITION at = cell.detectors.GetHeadPosition(); at != nullptr;) {
+    const Vex2WellDetector* detector = cell.detectors.GetNext(at);
+    WellRow& row = rows.emplace_back(common);
+    row.target = textOf(detector->detectorName, detector->detectorNameLength);
+    row.task = textOf(detector->task, detector->taskLength);
+    row.quantity = detector->quantity;
+    const auto reporter = reporters.find(row.target);
+    if (reporter != reporters.end()) row.reporter = reporter->second;
+  }
+  return rows;
+}
+
 // The wells that the cells' coordinates, rows and columns from 0, stand for. Nothing when they are
 // not those of different wells: not every host sets them.
 std::vector<unsigned short> wellsByCoordinates(const Vex2PlateSetup& setup, PlateLayout plate) {
@@ -43,18 +61,30 @@ std::vector<unsigned short> wellsByCoordinates(const Vex2PlateSetup& setup, Plat
   return wells;
 }
 
-void addRows(const Vex2WellSetup& cell, const WellRow& common,
-             const std::map<std::string, std::string>& reporters, std::vector<WellRow>& rows) {
-  for (POSITION at = cell.detectors.GetHeadPosition(); at != nullptr;) {
-    const Vex2WellDetector* detector = cell.detectors.GetNext(at);
-    WellRow& row = rows.emplace_back(common);
-    row.target = textOf(detector->detectorName, detector->detectorNameLength);
-    row.task = textOf(detector->task, detector->taskLength);
-    row.quantity = detector->quantity;
-    const auto reporter = reporters.find(row.target);
-    if (reporter != reporters.end()) row.reporter = reporter->second;
+// Calls `take` with the cells of the document's plate setup and their wells, ascending by well, and
+// with the wells' detectors, if any, each a row.
+template <typename Take>
+void forEachCell(const Vex2FileManager& document, PlateLayout plate, const Take& take) {
+  Vex2PlateSetup setup;
+  if (document.GetPlateSetupInfo(&setup) != kSuccess) return;
+  std::map<std::string, std::string> reporters;
+  for (const Vex2Detector& detector : DetectorsOf(document)) {
+    reporters.emplace(textOf(detector.name), textOf(detector.reporterDye));
   }
-  if (cell.detectors.IsEmpty() && !common.sample.empty()) rows.push_back(common);
+  const auto wells = wellsByCoordinates(setup, plate);
+  std::vector<std::pair<unsigned short, const Vex2WellSetup*>> cells;
+  for (unsigned index = 0; index < setup.count; ++index) {
+    cells.emplace_back(wells.empty() ? static_cast<unsigned short>(index + 1) : wells[index],
+                       &setup.cells[index]);
+  }
+  std::stable_sort(cells.begin(), cells.end(),
+                   [](const auto& a, const auto& b) { return a.first < b.first; });
+  for (const auto& [well, cell] : cells) {
+    WellRow common;
+    common.well = well;
+    common.sample = textOf(cell->name, cell->nameLength);
+    take(common, rowsOf(*cell, common, reporters));
+  }
 }
 
 void addDetector(Vex2WellSetup& cell, const WellRow& row) {
@@ -171,23 +201,31 @@ PlateLayout LayoutOf(const Vex2FileManager& document) {
 PlateContents ContentsOf(const Vex2FileManager& document) {
   PlateContents contents;
   contents.plate = LayoutOf(document);
-  Vex2PlateSetup setup;
-  if (document.GetPlateSetupInfo(&setup) != kSuccess) return contents;
-  std::map<std::string, std::string> reporters;
-  for (const Vex2Detector& detector : DetectorsOf(document)) {
-    reporters.emplace(textOf(detector.name), textOf(detector.reporterDye));
-  }
-  const auto wells = wellsByCoordinates(setup, contents.plate);
-  for (unsigned index = 0; index < setup.count; ++index) {
-    const Vex2WellSetup& cell = setup.cells[index];
-    WellRow common;
-    common.well = wells.empty() ? static_cast<unsigned short>(index + 1) : wells[index];
-    common.sample = textOf(cell.name, cell.nameLength);
-    addRows(cell, common, reporters, contents.rows);
-  }
-  std::stable_sort(contents.rows.begin(), contents.rows.end(),
-                   [](const WellRow& a, const WellRow& b) { return a.well < b.well; });
+  forEachCell(document, contents.plate, [&](const WellRow& well, const std::vector<WellRow>& rows) {
+    contents.rows.insert(contents.rows.end(), rows.begin(), rows.end());
+    if (rows.empty() && !well.sample.empty()) contents.rows.push_back(well);
+  });
   return contents;
+}
+
+Plate PlateOf(const Vex2FileManager& document) {
+  const PlateLayout layout = LayoutOf(document);
+  Plate plate{.rows = layout.rows,
+              .columns = layout.columns,
+              .type = CodeText(document.GetHeaderData().plateTypeCode),
+              .wells = {}};
+  forEachCell(document, layout, [&](const WellRow& cell, const std::vector<WellRow>& rows) {
+    Well& well = plate.wells.emplace_back();
+    well.number = cell.well;
+    well.name = WellName(cell.well, layout.columns);
+    well.sample = ToUtf8(cell.sample);
+    for (const WellRow& row : rows) {
+      well.targets.push_back({ToUtf8(row.target), ToUtf8(row.task),
+                              row.HasQuantity() ? std::optional(row.quantity) : std::nullopt,
+                              ToUtf8(row.reporter)});
+    }
+  });
+  return plate;
 }
 
 void StoreContents(Vex2FileManager& document, const PlateContents& contents) {

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "lab/model/PlateLayout.h"
+#include "lab/model/Run.h"
 #include "vex2/manager/Vex2FileManager.h"
 
 namespace vex2::lab {
@@ -43,6 +44,9 @@ PlateLayout LayoutOf(const Vex2FileManager& document);
 /// What the document's plate setup and detector list say. Where a cell lies, its coordinates tell
 /// when they are those of different wells, and its position otherwise.
 PlateContents ContentsOf(const Vex2FileManager& document);
+
+/// The same as values for programs, with every well of the setup.
+Plate PlateOf(const Vex2FileManager& document);
 
 /// Makes the contents the document's plate setup, a cell for every well of the plate, and adds
 /// their targets to the detectors and their reporters to the required dyes; those that are there

@@ -52,7 +52,9 @@ std::optional<std::string> WhyNoDocument(CFile& file) {
 Error FileFailure(const std::string& path, const FileError& error) {
   switch (error.reason) {
     case FileErrorReason::kSystem:
-      return SystemError(path, error.systemError);
+      return SystemError(
+          path, error.systemError,
+          error.operation == FileOperation::kRead ? std::optional(error.offset) : std::nullopt);
     case FileErrorReason::kLocked:
       return SystemError(path, EWOULDBLOCK);
     case FileErrorReason::kNoMemory:

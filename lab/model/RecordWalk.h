@@ -6,17 +6,12 @@
 #include <string>
 #include <string_view>
 
+#include "lab/model/FileFault.h"
 #include "lab/model/FileLayout.h"
 #include "vex2/format/RecordWalker.h"
 #include "vex2/framework/CFile.h"
 
 namespace vex2::lab {
-
-/// What is wrong at a place in a file.
-struct FileFault {
-  std::uint64_t offset = 0;
-  std::string what;
-};
 
 /// How a walk ended.
 struct WalkEnd {

@@ -14,6 +14,10 @@ namespace vex2::lab {
 /// and a bit that says that its reading is missing.
 constexpr std::size_t kMostChannels = 16;
 
+/// The steps of a second and of a degree Celsius in which times and temperatures are stored.
+constexpr std::uint32_t kTimeSteps = 1000;
+constexpr std::uint32_t kTemperatureSteps = 100;
+
 /// What one well gave at one time.
 struct RunReading {
   std::uint16_t cycle = 0;        ///< within its stage, from 1

@@ -7,13 +7,6 @@
 
 namespace vex2::lab {
 
-namespace {
-
-constexpr double kTimeParts = 1000;
-constexpr double kTemperatureParts = 100;
-
-}  // namespace
-
 void RoundedNumbers::Add(double change) {
   ++count;
   largestChange = std::max(largestChange, std::abs(change));
@@ -41,9 +34,9 @@ void FrameEncoder::encodeShared(const ReadingRow& row, RunReading& reading) {
   reading.melting = row.melting;
   reading.cycle = row.cycle;
   reading.time =
-      static_cast<std::uint32_t>(roundTo(rounding_.times, row, "time", row.seconds, kTimeParts));
+      static_cast<std::uint32_t>(roundTo(rounding_.times, row, "time", row.seconds, kTimeSteps));
   reading.temperature = static_cast<std::uint16_t>(
-      roundTo(rounding_.temperatures, row, "temperature", row.temperature, kTemperatureParts));
+      roundTo(rounding_.temperatures, row, "temperature", row.temperature, kTemperatureSteps));
 }
 
 double FrameEncoder::roundTo(RoundedNumbers& rounded, const ReadingRow& row, const char* what,

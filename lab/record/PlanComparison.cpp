@@ -9,6 +9,7 @@
 #include "lab/exchange/WellsFile.h"
 #include "lab/model/DetectorFields.h"
 #include "lab/model/Settings.h"
+#include "lab/model/StoredCalibration.h"
 #include "lab/record/PlanDocument.h"
 
 namespace vex2::lab {
@@ -104,7 +105,7 @@ Difference compareDyes(const Vex2FileManager& document, const Vex2FileManager& p
 Difference comparePart(const std::string& what, const std::optional<CalibrationPart>& recorded,
                        const std::optional<CalibrationPart>& given) {
   const auto nameAt = [](const std::optional<CalibrationPart>& part, std::size_t i) {
-    return part && i < part->entries.size() ? ToUtf8(part->entries[i].name) : std::string();
+    return part && i < part->entries.size() ? part->entries[i].name : std::string();
   };
   const std::size_t count =
       std::max(recorded ? recorded->entries.size() : 0, given ? given->entries.size() : 0);

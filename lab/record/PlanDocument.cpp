@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <new>
 
+#include "lab/model/StoredCalibration.h"
+
 namespace vex2::lab {
 
 namespace {

@@ -72,12 +72,12 @@ class Random {
 };
 
 // What all wells of a row share.
-struct Target {
+struct SimulatedTarget {
   double efficiency;
   double brightness;
   double meltsAt;
 
-  Target(std::uint32_t seed, unsigned row) {
+  SimulatedTarget(std::uint32_t seed, unsigned row) {
     Random random(seed, 0x10000U + row);
     efficiency = 0.86 + 0.12 * random.Uniform();
     brightness = 6 + 4 * random.Uniform();
@@ -97,9 +97,10 @@ double copiesAt(unsigned level) {
 }
 
 // One well in the course of the run.
-class Well {
+class SimulatedWell {
  public:
-  Well(const Target& target, double copies, Random random) : target_(target), random_(random) {
+  SimulatedWell(const SimulatedTarget& target, double copies, Random random)
+      : target_(target), random_(random) {
     copies_ = copies * (1 + 0.05 * random_.Noise());
     baseline_ = 0.3 + 0.2 * random_.Uniform();
     drift_ = 0.002 * random_.Uniform();
@@ -126,17 +127,17 @@ class Well {
     return static_cast<std::uint16_t>(value * kScale + 0.5);
   }
 
-  Target target_;
+  SimulatedTarget target_;
   Random random_;
   double copies_;
   double baseline_;
   double drift_;
 };
 
-std::vector<Well> wellsOf(const RunPlan& plan, std::uint32_t seed) {
-  std::vector<Well> wells;
+std::vector<SimulatedWell> wellsOf(const RunPlan& plan, std::uint32_t seed) {
+  std::vector<SimulatedWell> wells;
   for (const unsigned well : plan.wells) {
-    const Target target(seed, (well - 1) / plan.plate.columns);
+    const SimulatedTarget target(seed, (well - 1) / plan.plate.columns);
     wells.emplace_back(target, copiesAt(levelOf(plan.plate, well)), Random(seed, well));
   }
   return wells;
@@ -159,10 +160,10 @@ PlateContents contentsOf(const PlateLayout& plate) {
   return contents;
 }
 
-void addFrame(RunPlan& plan, std::vector<Well>& wells, const RunReading& common,
-              const std::function<std::uint16_t(Well&)>& read) {
+void addFrame(RunPlan& plan, std::vector<SimulatedWell>& wells, const RunReading& common,
+              const std::function<std::uint16_t(SimulatedWell&)>& read) {
   auto& frame = plan.frames.emplace_back(wells.size(), common);
-  std::transform(wells.begin(), wells.end(), frame.begin(), [&](Well& well) {
+  std::transform(wells.begin(), wells.end(), frame.begin(), [&](SimulatedWell& well) {
     RunReading reading = common;
     reading.values[0] = read(well);
     return reading;
@@ -184,13 +185,13 @@ RunPlan SimulateRun(const SimulationParameters& parameters) {
   for (const auto& [key, member, most] : kParameters) {
     plan.origin.append(key).append(std::to_string(parameters.*member)).append("\n");
   }
-  std::vector<Well> wells = wellsOf(plan, parameters.seed);
+  std::vector<SimulatedWell> wells = wellsOf(plan, parameters.seed);
   RunReading common;
   common.time = kFirstCycleAt;
   common.temperature = kReadingTemperature;
   for (std::uint32_t cycle = 1; cycle <= parameters.cycles; ++cycle) {
     common.cycle = static_cast<std::uint16_t>(cycle);
-    addFrame(plan, wells, common, [](Well& well) { return well.Cycle(); });
+    addFrame(plan, wells, common, [](SimulatedWell& well) { return well.Cycle(); });
     common.time += kCycleTime;
   }
   common.melting = true;
@@ -200,7 +201,7 @@ RunPlan SimulateRun(const SimulationParameters& parameters) {
     common.temperature =
         static_cast<std::uint16_t>(kReadingTemperature + kMeltRange * step / steps);
     addFrame(plan, wells, common,
-             [&](Well& well) { return well.Melt(common.temperature / 100.0); });
+             [&](SimulatedWell& well) { return well.Melt(common.temperature / 100.0); });
     common.time += kMeltStepTime;
   }
   return plan;

@@ -10,6 +10,7 @@
 #include "vex2/format/DataBlockHead.h"
 #include "vex2/format/Encoding.h"
 #include "vex2/format/ReadLimits.h"
+#include "vex2/run/SkipsFrames.h"
 #include "vex2/run/WellRecordCoding.h"
 
 using vex2::kSuccess;
@@ -253,9 +254,14 @@ int AcquisitionDataComp::ReadBody(CFile* file) {
 
 int AcquisitionDataComp::readFrames(CFile& file) {
   const int frames = GetFrameCount();
-  if (!vex2::HasBytesLeft(file, static_cast<std::uint64_t>(frames) * frameSize())) {
+  const std::uint64_t size = static_cast<std::uint64_t>(frames) * frameSize();
+  if (!vex2::HasBytesLeft(file, size)) {
     static_cast<void>(vex2::ShortRead(file));
     return vex2::kReadFailed;
+  }
+  if (dynamic_cast<const vex2::SkipsFrames*>(&file) != nullptr) {
+    file.Seek(static_cast<std::int64_t>(size), CFile::current);
+    return kSuccess;
   }
   if (frames > 0 && !makeRoom(frames - 1)) return vex2::kReadFailed;
   for (int index = 0; index < frames; ++index) {

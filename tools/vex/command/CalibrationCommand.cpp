@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "lab/exchange/CalibrationFile.h"
+#include "lab/model/StoredCalibration.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/CsvInput.h"
@@ -41,7 +42,7 @@ ordered_json describePart(const std::optional<CalibrationPart>& part, bool isDye
                        {"extra1", hexOf(part->head.extra1)}, {"extra2", hexOf(part->head.extra2)},
                        {"spectra", ordered_json::array()}};
   for (const CalibrationEntry& entry : part->entries) {
-    ordered_json spectrum = {{"name", ToUtf8(entry.name)},
+    ordered_json spectrum = {{"name", entry.name},
                              {"dyeIndex", entry.dyeIndex},
                              {"key1", entry.key1},
                              {"key2", entry.key2}};
@@ -68,7 +69,7 @@ std::vector<std::string> tableRow(const CalibrationEntry& entry, const std::stri
   const auto [least, most] = std::minmax_element(numbers.begin(), numbers.end());
   const bool hasAny = !numbers.empty();
   return {part,
-          Printable(ToUtf8(entry.name)),
+          Printable(entry.name),
           std::to_string(entry.dyeIndex),
           std::to_string(numbers.size()),
           hasAny ? std::to_string(most - numbers.begin() + 1) : "",

@@ -1,0 +1,164 @@
+#include "lab/model/FrameReader.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "lab/Error.h"
+#include "lab/Text.h"
+#include "lab/model/DataBlock.h"
+#include "lab/model/RawFile.h"
+#include "lab/model/RunValues.h"
+#include "vex2/format/StoredRecords.h"
+
+namespace vex2::lab {
+
+namespace {
+
+constexpr std::uint16_t kAllMissing = 0xFFFF;
+
+bool isUnknown(const FramePosition& position) {
+  return position == FramePosition{};
+}
+
+}  // namespace
+
+/// Fills the matrix and its axes record by record.
+class ReadingsFiller {
+ public:
+  ReadingsFiller(const BlockInfo& block, const RecordedReadings& recorded)
+      : wells_(block.wells.size()), recorded_(recorded) {
+    const std::size_t cells = block.frameCount * wells_;
+    values_ = std::make_shared_for_overwrite<std::uint16_t[]>(cells * kReadingValues);
+    if (recorded.Log()) missing_ = std::make_shared_for_overwrite<std::uint16_t[]>(cells);
+    result_.wells_ = block.wells;
+    result_.axis_.resize(block.frameCount);
+    result_.meaning_ = MeaningOf(recorded.Log());
+  }
+
+  void Take(const std::uint8_t* bytes) {
+    Vex2WellRecord record;
+    LoadStoredRecord(bytes, record.leading, record.data);
+    std::copy_n(record.data, kReadingValues, values_.get() + cell_ * kReadingValues);
+    if (missing_ != nullptr) interpret(record);
+    ++cell_;
+  }
+
+  Readings Done() {
+    result_.values_ = std::move(values_);
+    result_.missing_ = std::move(missing_);
+    return std::move(result_);
+  }
+
+ private:
+  void interpret(const Vex2WellRecord& record) {
+    const std::size_t frame = cell_ / wells_;
+    const auto reading = recorded_.Read(record, frame);
+    missing_[static_cast<std::ptrdiff_t>(cell_)] = reading ? reading->missing : kAllMissing;
+    FramePosition& position = result_.axis_[frame];
+    if (reading && isUnknown(position)) position = PositionOf(*reading);
+  }
+
+  std::size_t wells_;
+  const RecordedReadings& recorded_;
+  std::shared_ptr<std::uint16_t[]> values_;
+  std::shared_ptr<std::uint16_t[]> missing_;
+  std::size_t cell_ = 0;
+  Readings result_;
+};
+
+FrameReader::FrameReader(std::string path, const FileIdentity& identity, const BlockInfo& block,
+                         std::string_view log)
+    : path_(std::move(path)), block_(block), recorded_(log, block.tag) {
+  if (block.frameCount == 0) return;
+  OpenToRead(file_, path_);
+  requireSameBlock(identity);
+}
+
+void FrameReader::requireSameBlock(const FileIdentity& identity) {
+  FileRecord record;
+  file_.Seek(static_cast<std::int64_t>(block_.offset), CFile::begin);
+  const bool isBlock = ReadRecordHead(file_, record) && record.Tag() == block_.tag;
+  const auto stored = isBlock ? ReadStoredBlock(file_, record) : std::nullopt;
+  if (file_.GetIdentity() != identity || !stored || stored->version != block_.version ||
+      stored->wells != block_.wells || stored->frameCount < block_.frameCount) {
+    throw Error(ErrorCode::kDocument, path_,
+                "another program has changed it since it was read; open it again");
+  }
+  firstFrame_ = stored->firstFrame;
+  frameSize_ = stored->frameSize;
+}
+
+void FrameReader::seekFrame(std::uint64_t index) {
+  file_.Seek(static_cast<std::int64_t>(firstFrame_ + index * frameSize_), CFile::begin);
+}
+
+template <typename Take>
+void FrameReader::readRecords(std::size_t count, Take take) {
+  const std::uint64_t start = file_.GetPosition();
+  if (ReadStoredRecords(file_, count, take)) return;
+  throw Error(ErrorCode::kDocument, path_, "the readings are cut short", start);
+}
+
+// The first reading that the recorder wrote: a record may have been changed since, or be that of a
+// well without one.
+FramePosition FrameReader::readPosition(std::uint64_t index) {
+  seekFrame(index);
+  for (std::size_t well = 0; well < block_.wells.size(); ++well) {
+    Vex2WellRecord record;
+    readRecords(1, [&](const std::uint8_t* bytes) {
+      LoadStoredRecord(bytes, record.leading, record.data);
+    });
+    if (const auto reading = recorded_.Read(record, index)) return PositionOf(*reading);
+  }
+  return {};
+}
+
+std::vector<FramePosition> FrameReader::ReadAxis() {
+  std::vector<FramePosition> axis(block_.frameCount);
+  for (std::uint64_t frame = 0; frame < axis.size(); ++frame) axis[frame] = readPosition(frame);
+  return axis;
+}
+
+Frame FrameReader::ReadFrame(std::uint64_t index) {
+  Frame frame{.index = index, .position = {}, .wells = {}};
+  const auto meaning = MeaningOf(recorded_.Log());
+  frame.wells.reserve(block_.wells.size());
+  seekFrame(index);
+  readRecords(block_.wells.size(), [&](const std::uint8_t* bytes) {
+    Vex2WellRecord record;
+    LoadStoredRecord(bytes, record.leading, record.data);
+    WellReading& well = frame.wells.emplace_back();
+    well.well = block_.wells[frame.wells.size() - 1];
+    std::copy_n(record.leading, well.leading.size(), well.leading.begin());
+    std::copy_n(record.data, well.values.size(), well.values.begin());
+    if (!meaning) return;
+    const auto reading = recorded_.Read(record, index);
+    if (reading && isUnknown(frame.position)) frame.position = PositionOf(*reading);
+    well.fluorescence.resize(meaning->ChannelCount(), std::numeric_limits<double>::quiet_NaN());
+    for (std::size_t channel = 0; reading && channel < well.fluorescence.size(); ++channel) {
+      if (reading->IsMissing(channel)) continue;
+      well.fluorescence[channel] = meaning->scale.Measured(reading->values[channel]);
+    }
+  });
+  return frame;
+}
+
+Readings FrameReader::ReadAll() {
+  ReadingsFiller filler(block_, recorded_);
+  if (block_.frameCount > 0) {
+    seekFrame(0);
+    readRecords(block_.frameCount * block_.wells.size(),
+                [&](const std::uint8_t* bytes) { filler.Take(bytes); });
+  }
+  return filler.Done();
+}
+
+std::optional<ReadingMeaning> MeaningOf(const std::optional<RunLog>& log) {
+  if (!log) return std::nullopt;
+  ReadingMeaning meaning{.scale = log->scale, .channels = {}};
+  for (const std::string& name : log->channels) meaning.channels.push_back(ToUtf8(name));
+  return meaning;
+}
+
+}  // namespace vex2::lab

@@ -1,0 +1,105 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "lab/model/ReadingScale.h"
+#include "lab/model/Run.h"
+
+namespace vex2::lab {
+
+/// How many values a document stores of a well in a frame.
+inline constexpr std::size_t kReadingValues = 32;
+
+/// What the stored values of readings stand for, where this library recorded them.
+struct ReadingMeaning {
+  ReadingScale scale;
+  /// The names of the channels, of which each well has a reading in every frame: channel c is value
+  /// c. Empty where there is one channel without a name.
+  std::vector<std::string> channels;
+
+  std::size_t ChannelCount() const { return channels.empty() ? 1 : channels.size(); }
+};
+
+/// The readings of a data block: one contiguous matrix of 16-bit values, by frame (from 0), well
+/// index (from 0, in the order of `Wells`) and value (from 0), with its axes.
+///
+/// A value: copies share the matrix, which nobody changes. Spans that are handed out are valid as
+/// long as any copy lives. Different threads can use the same object and its copies.
+///
+/// Operations throw `Error` with `kNoSuchFrame`, `kNoSuchWell` or `kNoSuchValue` for an index that
+/// is not below the count.
+class Readings {
+ public:
+  /// No frames and no wells.
+  Readings() = default;
+
+  std::size_t FrameCount() const { return axis_.size(); }
+  std::size_t WellCount() const { return wells_.size(); }
+  /// The well numbers, from 1, in the order of the matrix.
+  const std::vector<std::uint16_t>& Wells() const { return wells_; }
+  /// The well index of a well number, the first one; nothing for a well without readings.
+  std::optional<std::size_t> FindWell(std::uint16_t number) const;
+  /// Where each frame stands in the run.
+  const std::vector<FramePosition>& Axis() const { return axis_; }
+
+  /// The whole matrix, `FrameCount` times `WellCount` times 32 values.
+  std::span<const std::uint16_t> Values() const;
+  /// Of one frame, `WellCount` times 32 values.
+  std::span<const std::uint16_t> Values(std::size_t frame) const;
+  /// Of one well in one frame, 32 values.
+  std::span<const std::uint16_t> Values(std::size_t frame, std::size_t well) const;
+  std::uint16_t At(std::size_t frame, std::size_t well, std::size_t value) const;
+
+  /// Nothing where the log does not say that this library recorded the readings.
+  const std::optional<ReadingMeaning>& Meaning() const { return meaning_; }
+  /// 0 where the meaning is not known.
+  std::size_t ChannelCount() const { return meaning_ ? meaning_->ChannelCount() : 0; }
+  /// The reading in real units. Nothing where it is missing, and where the record holds anything
+  /// that this library would not have written.
+  std::optional<double> Fluorescence(std::size_t frame, std::size_t well,
+                                     std::size_t channel = 0) const;
+  /// All readings of a channel, `FrameCount` times `WellCount`; NaN for nothing.
+  std::vector<double> FluorescenceOf(std::size_t channel = 0) const;
+
+ private:
+  friend class ReadingsFiller;
+
+  void requireFrame(std::size_t frame) const;
+  void requireWell(std::size_t well) const;
+  void requireChannel(std::size_t channel) const;
+  double fluorescence(std::size_t cell, std::size_t channel) const;
+
+  std::vector<std::uint16_t> wells_;
+  std::vector<FramePosition> axis_;
+  std::shared_ptr<const std::uint16_t[]> values_;
+  std::optional<ReadingMeaning> meaning_;
+  // A word for each frame and well where the meaning is known: bit c for a channel without reading.
+  std::shared_ptr<const std::uint16_t[]> missing_;
+};
+
+/// What a document stores of one well in one frame.
+struct WellReading {
+  std::uint16_t well = 0;  ///< number, from 1
+  /// What stands before the values; the meaning is the instrument's.
+  std::array<std::uint16_t, 8> leading{};
+  std::array<std::uint16_t, kReadingValues> values{};
+  /// The readings of the channels in real units, NaN where one is missing; empty where the meaning
+  /// is not known.
+  std::vector<double> fluorescence;
+};
+
+/// One frame of a data block.
+struct Frame {
+  std::uint64_t index = 0;  ///< from 0
+  FramePosition position;
+  std::vector<WellReading> wells;  ///< in the order of the block
+};
+
+}  // namespace vex2::lab
