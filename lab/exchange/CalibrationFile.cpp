@@ -46,15 +46,16 @@ std::string valueText(std::uint32_t value) {
   return "0x" + ToHex(bytes);
 }
 
-bool readValue(std::string_view text, std::uint32_t& value) {
+std::uint32_t readValue(const CsvRow& row, const std::string& text, FloatReader& values) {
   if (text.starts_with("0x")) {
-    const auto bits = NumberIn<std::uint32_t>(text.substr(2), 16);
-    value = bits.value_or(0);
-    return bits.has_value();
+    const auto bits = NumberIn<std::uint32_t>(std::string_view(text).substr(2), 16);
+    if (bits) return *bits;
   }
-  const auto number = NumberIn<float>(text);
-  value = std::bit_cast<std::uint32_t>(number.value_or(0));
-  return number && std::isfinite(*number);
+  const auto number = NumberIn<double>(text);
+  if (!number || !(std::abs(*number) <= std::numeric_limits<float>::max())) {
+    row.Refuse(Quoted(text) + " among the values is no number of 32 bits");
+  }
+  return std::bit_cast<std::uint32_t>(values.Keep(row, "value", text, *number));
 }
 
 void writePart(const CalibrationPart& part, std::string_view name, CsvWriter& csv,
@@ -74,16 +75,14 @@ void writePart(const CalibrationPart& part, std::string_view name, CsvWriter& cs
   }
 }
 
-std::vector<std::uint32_t> valuesOf(const CsvRow& row) {
+std::vector<std::uint32_t> valuesOf(const CsvRow& row, FloatReader& reader) {
   std::vector<std::uint32_t> values;
   std::string_view rest = row.Text(kValues);
   while (!rest.empty()) {
     const std::string_view text = rest.substr(0, rest.find(' '));
     rest.remove_prefix(std::min(rest.size(), text.size() + 1));
     if (text.empty()) continue;
-    if (!readValue(row.PointText(kValues, text), values.emplace_back())) {
-      row.Refuse(Quoted(text) + " among the values is no number");
-    }
+    values.push_back(readValue(row, row.PointText(kValues, text), reader));
   }
   if (values.size() > kMostByte) row.Refuse("a spectrum has 255 values at most");
   return values;
@@ -93,7 +92,7 @@ std::uint16_t shortOf(const CsvRow& row, Column column) {
   return static_cast<std::uint16_t>(row.Whole(column, 0, kMostShort));
 }
 
-CalibrationEntry entryOf(const CsvRow& row, bool isDye) {
+CalibrationEntry entryOf(const CsvRow& row, bool isDye, FloatReader& values) {
   CalibrationEntry entry;
   const auto name = ToLatin1(row.Text(kName));
   if (!name || name->size() > kMostByte) {
@@ -110,7 +109,7 @@ CalibrationEntry entryOf(const CsvRow& row, bool isDye) {
   } else {
     entry.limit = shortOf(row, kLimit);
   }
-  entry.values = valuesOf(row);
+  entry.values = valuesOf(row, values);
   return entry;
 }
 
@@ -129,7 +128,7 @@ void WriteCalibration(const Calibration& calibration, CsvWriter& csv, const std:
   if (calibration.background) writePart(*calibration.background, kBackground, csv, plate);
 }
 
-Calibration LoadCalibration(const std::string& path, const CsvFormat& format) {
+Calibration LoadCalibration(const std::string& path, FloatReader& values, const CsvFormat& format) {
   Calibration calibration;
   ReadCsv(path, kColumns,
           [&](const CsvRow& row) {
@@ -140,7 +139,7 @@ Calibration LoadCalibration(const std::string& path, const CsvFormat& format) {
             auto& part = isDye ? calibration.pureDyes : calibration.background;
             if (!part) part.emplace();
             if (part->entries.size() == kMostShort) row.Refuse("a part has 65535 spectra at most");
-            part->entries.push_back(entryOf(row, isDye));
+            part->entries.push_back(entryOf(row, isDye, values));
           },
           {.format = format});
   if (calibration.IsEmpty()) throw Error(ErrorCode::kDocument, CsvName(path), "holds no spectra");

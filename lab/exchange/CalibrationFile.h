@@ -4,6 +4,7 @@
 
 #include "lab/exchange/CsvReader.h"
 #include "lab/exchange/CsvWriter.h"
+#include "lab/exchange/FloatReader.h"
 #include "lab/model/Calibration.h"
 
 namespace vex2::lab {
@@ -17,7 +18,8 @@ void WriteCalibrationColumns(CsvWriter& csv);
 void WriteCalibration(const Calibration& calibration, CsvWriter& csv, const std::string& plate);
 
 /// Reads such a table from the file at `path`, "-" for standard input. A part without rows is
-/// nothing. Throws an error that names the row.
-Calibration LoadCalibration(const std::string& path, const CsvFormat& format = {});
+/// nothing. `values` keeps count of those that are rounded. Throws an error that names the row.
+Calibration LoadCalibration(const std::string& path, FloatReader& values,
+                            const CsvFormat& format = {});
 
 }  // namespace vex2::lab

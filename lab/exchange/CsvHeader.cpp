@@ -54,8 +54,8 @@ std::string CsvHeader::whyMissing(std::string_view column, const CsvSplitter::Ro
   }
   if (names.size() > kMostShown) had += ", ...";
   return "has no column " + Quoted(isGiven ? given->second : column) + " (it has " + had +
-         "); the first row must name the columns, and '--columns " + std::string(column) +
-         "=NAME' tells another name";
+         "); the first row must name the columns, and '" + format_.namesOption + " " +
+         std::string(column) + "=NAME' tells another name";
 }
 
 std::optional<std::string> CsvHeader::Find(const CsvSplitter::Row& names) {
@@ -69,9 +69,25 @@ std::optional<std::string> CsvHeader::Find(const CsvSplitter::Row& names) {
              "; rename or remove one of them";
     }
     if (found.empty() && places_.size() < needed_) return whyMissing(column, names);
-    places_.push_back(found.empty() ? std::nullopt : std::optional(found.front()));
+    const auto place = found.empty() ? std::nullopt : std::optional(found.front());
+    const auto other = std::find(places_.begin(), places_.end(), place);
+    if (place && other != places_.end()) {
+      return "has one column " + Quoted(names[*place]) + " for both " +
+             std::string(columns_[static_cast<std::size_t>(other - places_.begin())]) + " and " +
+             std::string(column) + "; " + format_.namesOption + " must name two";
+    }
+    places_.push_back(place);
   }
   return std::nullopt;
+}
+
+std::vector<std::string> CsvHeader::Unused(const CsvSplitter::Row& names) const {
+  std::vector<std::string> unused;
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    const bool isUsed = std::find(places_.begin(), places_.end(), i) != places_.end();
+    if (!isUsed && !names[i].empty()) unused.push_back(names[i]);
+  }
+  return unused;
 }
 
 std::vector<std::string_view> CsvHeader::FieldsOf(const CsvSplitter::Row& row) const {

@@ -89,7 +89,7 @@ class Reader {
       : name_(std::move(name)),
         format_(wishes.format),
         take_(take),
-        header_(allOf(columns, wishes.optionalColumns), columns.size(), wishes.format.names),
+        header_(allOf(columns, wishes.optionalColumns), columns.size(), wishes.format),
         mark_(wishes.format.decimalMark) {}
 
   /// Takes further text, or with `isEnd` the last.
@@ -167,6 +167,8 @@ class Reader {
     if (number_ == 0) {
       if (const auto why = header_.Find(row)) RefuseNext(*why);
       ++number_;
+      const std::vector<std::string> unused = header_.Unused(row);
+      if (!unused.empty() && format_.onUnused) format_.onUnused(name_, unused);
       return;
     }
     // Spreadsheets leave rows of nothing but delimiters where cells were emptied.

@@ -5,7 +5,7 @@
 #include <charconv>
 #include <limits>
 #include <map>
-#include <set>
+#include <utility>
 
 #include "lab/Error.h"
 #include "lab/Text.h"
@@ -23,12 +23,20 @@ const std::vector<std::string_view> kColumns = {"well", "sample",   "target",
 // Refuses what contradicts the rows before: each tells something of its well and of its detector.
 class Agreement {
  public:
+  explicit Agreement(const PlateContents& before) {
+    for (const WellRow& row : before.rows) {
+      ++allowed_[{before.plate.NameOf(row.well), row.target}];
+    }
+  }
+
   void Check(const CsvRow& row, const WellRow& added) {
     const auto [sample, firstOfWell] = samples_.emplace(added.well, added.sample);
     if (!firstOfWell && sample->second != added.sample) {
       row.RefuseField(kSample, "is another sample than the well has in a row before");
     }
-    if (!detectors_.emplace(added.well, added.target).second) {
+    const Detector detector{kPlate384.NameOf(added.well), added.target};
+    const auto allowed = allowed_.find(detector);
+    if (++counts_[detector] > (allowed != allowed_.end() ? allowed->second : 1)) {
       row.RefuseField(kWell, "is there twice with the same target");
     }
     if (added.target.empty()) {
@@ -42,8 +50,11 @@ class Agreement {
   }
 
  private:
+  using Detector = std::pair<std::string, std::string>;  ///< the names of well and target
+
   std::map<unsigned short, std::string> samples_;
-  std::set<std::pair<unsigned short, std::string>> detectors_;
+  std::map<Detector, std::size_t> counts_;
+  std::map<Detector, std::size_t> allowed_;
   std::map<std::string, std::string> reporters_;
 };
 
@@ -55,7 +66,7 @@ std::string latin1(const CsvRow& row, Column column) {
 }
 
 // On the largest plate, since the rows that tell the size are still to come.
-WellRow rowOf(const CsvRow& row) {
+WellRow rowOf(const CsvRow& row, FloatReader& quantities) {
   WellRow result;
   const auto well = kPlate384.FindAsWritten(row.Text(kWell));
   if (!well) row.RefuseField(kWell, "is no well of a plate, A1 to P24");
@@ -65,7 +76,9 @@ WellRow rowOf(const CsvRow& row) {
   result.task = latin1(row, kTask);
   result.reporter = latin1(row, kReporter);
   if (!row.Text(kQuantity).empty()) {
-    result.quantity = static_cast<float>(row.Decimal(kQuantity, std::numeric_limits<float>::max()));
+    const double number = row.Decimal(kQuantity, std::numeric_limits<float>::max());
+    const std::string text = row.PointText(kQuantity, row.Text(kQuantity));
+    result.quantity = quantities.Keep(row, "quantity", text, number);
   }
   return result;
 }
@@ -76,11 +89,14 @@ const std::vector<std::string_view>& WellsFileColumns() {
   return kColumns;
 }
 
-PlateContents LoadWells(const std::string& path, const CsvFormat& format) {
+PlateContents LoadWells(const std::string& path, FloatReader& quantities, const CsvFormat& format,
+                        const PlateContents& before) {
   PlateContents contents;
-  Agreement agreement;
+  Agreement agreement(before);
   ReadCsv(path, kColumns,
-          [&](const CsvRow& row) { agreement.Check(row, contents.rows.emplace_back(rowOf(row))); },
+          [&](const CsvRow& row) {
+            agreement.Check(row, contents.rows.emplace_back(rowOf(row, quantities)));
+          },
           {.format = format});
   auto& rows = contents.rows;
   if (rows.empty()) throw Error(ErrorCode::kDocument, CsvName(path), "names no well");

@@ -102,6 +102,23 @@ void require(int status) {
   }
 }
 
+// A detector that a well has more than once is told apart by its turn.
+void keepUses(const Vex2WellSetup& from, Vex2WellSetup& to) {
+  std::map<std::string, std::vector<const Vex2WellDetector*>> known;
+  for (POSITION at = from.detectors.GetHeadPosition(); at != nullptr;) {
+    const Vex2WellDetector* before = from.detectors.GetNext(at);
+    known[textOf(before->detectorName, before->detectorNameLength)].push_back(before);
+  }
+  std::map<std::string, std::size_t> turns;
+  for (POSITION at = to.detectors.GetHeadPosition(); at != nullptr;) {
+    Vex2WellDetector* detector = to.detectors.GetNext(at);
+    const std::string name = textOf(detector->detectorName, detector->detectorNameLength);
+    const auto& before = known[name];
+    if (before.empty()) continue;
+    detector->used = before[std::min(turns[name]++, before.size() - 1)]->used;
+  }
+}
+
 // What a table of wells does not show, and so must not take away: the wells' descriptions, and the
 // flags of wells and of detectors that stay.
 void keepUnshown(const Vex2FileManager& document, const PlateContents& contents,
@@ -117,16 +134,7 @@ void keepUnshown(const Vex2FileManager& document, const PlateContents& contents,
     Vex2WellSetup& to = setup.cells[place];
     const bool wasSetUp = from.nameLength > 0 || !from.detectors.IsEmpty();
     if (to.flag && wasSetUp) to.flag = from.flag;
-    for (POSITION at = to.detectors.GetHeadPosition(); at != nullptr;) {
-      Vex2WellDetector* detector = to.detectors.GetNext(at);
-      for (POSITION each = from.detectors.GetHeadPosition(); each != nullptr;) {
-        const Vex2WellDetector* before = from.detectors.GetNext(each);
-        if (textOf(before->detectorName, before->detectorNameLength) ==
-            textOf(detector->detectorName, detector->detectorNameLength)) {
-          detector->used = before->used;
-        }
-      }
-    }
+    keepUses(from, to);
     // The library does not give a description back, so it is taken from the record itself.
     const auto* cell = dynamic_cast<CContainerComp*>(component->GetChild(static_cast<int>(index)));
     auto* description = cell != nullptr ? cell->FindChild(TagOf(Kind::kCellDescription)) : nullptr;
@@ -156,13 +164,18 @@ void storeSetup(Vex2FileManager& document, const PlateContents& contents) {
   require(document.ReplacePlateSetup(&setup));
 }
 
-void storeDetectors(Vex2FileManager& document, const PlateContents& contents) {
+// `named` are the targets that the wells had before.
+void storeDetectors(Vex2FileManager& document, const PlateContents& contents,
+                    const std::set<std::string>& named) {
   std::map<std::string, Vex2Detector> known;
   for (const Vex2Detector& detector : DetectorsOf(document)) {
     known.emplace(textOf(detector.name), detector);
   }
   for (const WellRow& row : contents.rows) {
     if (row.target.empty()) continue;
+    // A table that is given back must not bring detectors that the document never had.
+    const bool stays = row.reporter.empty() && named.contains(row.target);
+    if (stays && !known.contains(row.target)) continue;
     const auto [entry, isNew] = known.emplace(row.target, Vex2Detector());
     Vex2Detector& detector = entry->second;
     if (!isNew && textOf(detector.reporterDye) == row.reporter) continue;
@@ -229,8 +242,12 @@ Plate PlateOf(const Vex2FileManager& document) {
 }
 
 void StoreContents(Vex2FileManager& document, const PlateContents& contents) {
+  const PlateContents before = ContentsOf(document);
+  if (document.GetPlateSetupComp() != nullptr && contents.rows == before.rows) return;
+  std::set<std::string> named;
+  for (const WellRow& row : before.rows) named.insert(row.target);
   storeSetup(document, contents);
-  storeDetectors(document, contents);
+  storeDetectors(document, contents, named);
   for (const WellRow& row : contents.rows) {
     if (row.reporter.empty()) continue;
     document.AppendRequiredDyenfo(CString(row.reporter));

@@ -50,7 +50,9 @@ Plate PlateOf(const Vex2FileManager& document);
 
 /// Makes the contents the document's plate setup, a cell for every well of the plate, and adds
 /// their targets to the detectors and their reporters to the required dyes; those that are there
-/// stay. Which wells the header counts as used is left alone.
+/// stay. A target that a well had before without a detector gets none unless a reporter is given,
+/// and a setup that says the same already stays as it is. Which wells the header counts as used is
+/// left alone.
 void StoreContents(Vex2FileManager& document, const PlateContents& contents);
 
 /// The detectors of the document, in its order.

@@ -1,11 +1,14 @@
 #include "lab/model/StoredCalibration.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <memory>
+#include <optional>
 
 #include "lab/Error.h"
 #include "lab/Text.h"
+#include "vex2/setup/CCalibrationComp.h"
 
 namespace vex2::lab {
 
@@ -91,6 +94,27 @@ void require(int status) {
   }
 }
 
+template <typename Component>
+Component* findPart(const Vex2FileManager& document) {
+  for (int index = 0; index < document.GetAllComponentCount(); ++index) {
+    auto* calibration = dynamic_cast<CCalibrationComp*>(document.GetComponent(index));
+    if (calibration != nullptr) return calibration->Find<Component>();
+  }
+  return nullptr;
+}
+
+// Callers' records lack the reserved words of a part, which must outlive its replacement.
+template <typename Component, typename Replace>
+void replacePart(const Vex2FileManager& document, const Replace& replace) {
+  std::optional<std::array<std::uint8_t, 48>> reserved;
+  if (const auto* before = findPart<Component>(document)) {
+    std::copy_n(before->GetReserved().begin(), 48, reserved.emplace().begin());
+  }
+  require(replace());
+  auto* after = findPart<Component>(document);
+  if (reserved && after != nullptr) after->SetReserved(*reserved);
+}
+
 }  // namespace
 
 Calibration CalibrationOf(const Vex2FileManager& document) {
@@ -112,12 +136,12 @@ void StoreCalibration(Vex2FileManager& document, const Calibration& calibration)
   if (calibration.pureDyes) {
     Vex2PureDye record;
     fill(record, *calibration.pureDyes);
-    require(document.ReplacePureDye(&record));
+    replacePart<CPureDyeComp>(document, [&] { return document.ReplacePureDye(&record); });
   }
   if (calibration.background) {
     Vex2BGC record;
     fill(record, *calibration.background);
-    require(document.ReplaceBackground(&record));
+    replacePart<CBackgroundComp>(document, [&] { return document.ReplaceBackground(&record); });
   }
 }
 

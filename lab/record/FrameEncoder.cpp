@@ -1,16 +1,10 @@
 #include "lab/record/FrameEncoder.h"
 
-#include <algorithm>
 #include <cmath>
 
 #include "lab/Error.h"
 
 namespace vex2::lab {
-
-void RoundedNumbers::Add(double change) {
-  ++count;
-  largestChange = std::max(largestChange, std::abs(change));
-}
 
 std::vector<RunReading> FrameEncoder::Encode(const CollectedFrame& frame) {
   const std::size_t channels = ChannelCount(plan_);
@@ -49,16 +43,20 @@ double FrameEncoder::roundTo(RoundedNumbers& rounded, const ReadingRow& row, con
   return stored;
 }
 
+std::optional<std::string> FrameEncoder::WhyUnfit(const ReadingRow& row) const {
+  if (!row.fluorescence || plan_.scale.Store(*row.fluorescence)) return std::nullopt;
+  const double reading = *row.fluorescence;
+  std::string why = "row " + std::to_string(row.number) + ": the reading " + PlainText(reading) +
+                    " does not fit in 16 bits with the scale " + plan_.scale.ScaleText();
+  if (plan_.scale.HasOffset()) why += " and the offset " + plan_.scale.OffsetText();
+  if (reading < plan_.scale.Offset().Value()) why += "; no reading can be below the --offset";
+  return why;
+}
+
 std::uint16_t FrameEncoder::encodeValue(const ReadingRow& row) {
+  if (const auto why = WhyUnfit(row)) throw Error(ErrorCode::kDocument, file_, *why);
   const double reading = *row.fluorescence;
   const auto stored = plan_.scale.Store(reading);
-  if (!stored) {
-    std::string why = "row " + std::to_string(row.number) + ": the reading " + PlainText(reading) +
-                      " does not fit in 16 bits with the scale " + plan_.scale.ScaleText();
-    if (plan_.scale.HasOffset()) why += " and the offset " + plan_.scale.OffsetText();
-    if (reading < plan_.scale.Offset().Value()) why += "; no reading can be below the --offset";
-    throw Error(ErrorCode::kDocument, file_, why);
-  }
   const double kept = plan_.scale.Measured(*stored);
   if (kept != reading) {
     requireExact(row, "reading", reading, kept);

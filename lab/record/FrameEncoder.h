@@ -1,20 +1,14 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "lab/model/RoundedNumbers.h"
 #include "lab/record/FrameCollector.h"
 
 namespace vex2::lab {
-
-/// How many numbers a document could not hold as they were, and what that changed.
-struct RoundedNumbers {
-  std::size_t count = 0;
-  double largestChange = 0;
-
-  void Add(double change);
-};
 
 /// What the frames of a run lost when they were brought to the document's numbers.
 struct Rounding {
@@ -38,6 +32,9 @@ class FrameEncoder {
   /// The readings of a complete frame, one of each well. Throws an error that names the row of a
   /// reading that does not fit or, if exact, would be rounded.
   std::vector<RunReading> Encode(const CollectedFrame& frame);
+
+  /// Why the reading does not fit into a document, naming its row; nothing where it does.
+  std::optional<std::string> WhyUnfit(const ReadingRow& row) const;
 
   const Rounding& Rounded() const { return rounding_; }
 

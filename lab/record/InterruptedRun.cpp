@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "lab/Error.h"
+#include "lab/Text.h"
 #include "lab/exchange/CsvReader.h"
 #include "lab/model/FileLayout.h"
 #include "lab/model/HeaderFields.h"
@@ -113,8 +114,7 @@ InterruptedRun::InterruptedRun(const std::string& path) : path_(path) {
     refuseAt(file.GetLength(), "the header is cut short");
   }
   status_ = textAt(file, HeaderLayout::kStatusAt);
-  if (IsDone()) return;
-  if (status_ != RunStatus::kInProgress && status_ != RunStatus::kNotStarted) {
+  if (!IsDone() && status_ != RunStatus::kInProgress && status_ != RunStatus::kNotStarted) {
     refuse("has the status " + Quoted(status_) + ", which is no run's in progress");
   }
   moveTo(file, HeaderLayout::kRawDataOffsetAt);
@@ -179,13 +179,17 @@ std::uint64_t InterruptedRun::frameBytes() const {
 
 void InterruptedRun::Check(const RunPlan& plan) const {
   checkSettings(plan);
-  checkTail(plan);
+  if (!IsDone()) checkTail(plan);  // nothing is cut off a run that is complete
   if (HasBlock() && wells_ != plan.wells) refuse("was recorded from other wells");
   checkContents(plan);
-  if (!HasBlock()) return;
   if (plan.isLive) return;  // its frames are compared when they come
+  if (IsDone() && frameCount_ < plan.frames.size()) {
+    refuse("is complete with " + Counted(frameCount_, "frame") +
+           ", but the run that is given has " + std::to_string(plan.frames.size()));
+  }
+  if (!HasBlock()) return;
   if (frameCount_ > plan.frames.size()) {
-    refuse("holds " + std::to_string(frameCount_) + " frames, but the run has only " +
+    refuse("holds " + Counted(frameCount_, "frame") + ", but the run has only " +
            std::to_string(plan.frames.size()));
   }
   checkReadings(plan);

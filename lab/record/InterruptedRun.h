@@ -17,8 +17,9 @@ std::string RecordedLog(const std::string& path);
 /// The code of its assay. Throws an error when it cannot be read.
 std::string RecordedAssay(const std::string& path);
 
-/// What a recorder that was cut off has left of its document. Found by the lengths of its records,
-/// as the header's position of the data block may be wrong and the file may go on behind it.
+/// What a recorder has left of its document, whether it was cut off or had finished. Found by the
+/// lengths of its records, as the header's position of the data block may be wrong and the file may
+/// go on behind it.
 class InterruptedRun {
  public:
   /// Looks at the document without changing it. Throws an error when it is none that a recorder
@@ -31,7 +32,9 @@ class InterruptedRun {
   /// Frames that are in the document for good.
   std::size_t FrameCount() const { return frameCount_; }
 
-  /// Throws an error that tells the difference, unless the document holds the beginning of `plan`.
+  /// Throws an error that tells the first difference, unless the document holds the beginning of
+  /// `plan`, or all of it where the recorder had finished. The frames of a live plan are not
+  /// compared: they are still to come.
   void Check(const RunPlan& plan) const;
   /// Cuts off what a commit has left unfinished, so that the document can be gone on with. A
   /// repair that is cut off itself leaves a document that can be repaired again.

@@ -18,8 +18,8 @@ std::uint32_t earliest(const std::vector<RunReading>& frame) {
   return time;
 }
 
-RunPlan planOf(const MeasuredRunFiles& files, const LiveOptions& live) {
-  RunPlan plan = PlanMeasuredRun(files);
+RunPlan planOf(const MeasuredRunFiles& files, const LiveOptions& live, RoundedNumbers& quantities) {
+  RunPlan plan = PlanMeasuredRun(files, quantities);
   plan.isLive = true;
   plan.liveFrames = live.frames;
   plan.comment = "Recorded live from measured readings";
@@ -35,25 +35,38 @@ LiveRun::LiveRun(const MeasuredRunFiles& files, LiveOptions live, RecordOptions 
       live_(std::move(live)),
       document_(options.path),
       input_(CsvName(files.readings)),
-      plan_(planOf(files, live_)),
+      plan_(planOf(files, live_, quantities_)),
       recorder_(plan_, std::move(options), std::move(report)),
       collector_(plan_, input_) {}
 
 Recorder::Outcome LiveRun::Record() {
   Interrupts interrupts;
   recorder_.Claim();
-  if (recorder_.WasDone()) return Recorder::Outcome::kWasDone;
   const bool wasRead =
       ReadReadingRows({.path = files_.readings,
+                       .format = files_.readingsFormat,
                        .findsChannels = false,
                        .keepsWaiting = [&] { return !isDone_ && !interrupts.Pending(); }},
                       plan_, [&](const ReadingRow& row) { take(row); });
-  if (isDone_) return Recorder::Outcome::kDone;
+  if (isDone_) return outcome();
   if (!wasRead) return Recorder::Outcome::kInterrupted;
-  if (!pending_.empty() || live_.frames) refuseEnd();
+  if (!encoder_ && !recorder_.IsNew()) goOn();
+  if (!pending_.empty() || !isWhole()) refuseEnd();
   if (plan_.frames.empty()) throw Error(ErrorCode::kDocument, input_, "holds no readings");
   finish();
-  return Recorder::Outcome::kDone;
+  return outcome();
+}
+
+// Whether the input may end here. A run that was complete may send nothing again, but not the begin
+// alone: that would be another run.
+bool LiveRun::isWhole() const {
+  if (!recorder_.WasDone()) return !live_.frames || isFull();
+  return received_.empty() ||
+         std::any_of(received_.begin(), received_.end(), [&](FrameKey key) { return isLast(key); });
+}
+
+Recorder::Outcome LiveRun::outcome() const {
+  return recorder_.WasDone() ? Recorder::Outcome::kWasDone : Recorder::Outcome::kDone;
 }
 
 void LiveRun::take(const ReadingRow& row) {
@@ -77,7 +90,7 @@ void LiveRun::take(const ReadingRow& row) {
   pending_.pop_front();
   received_.insert(key);
   collector_.Remove(key);
-  if (isFull() && pending_.empty()) finish();
+  if (isFull() && isLast(key) && pending_.empty()) finish();
 }
 
 // A frame that waits behind one that never becomes complete would be in memory alone.
@@ -102,8 +115,13 @@ void LiveRun::begin(const CollectedFrame& first) {
   }
   encoder_.emplace(plan_, input_, files_.isExact);
   // Nothing is made for a frame that cannot be recorded.
-  if (!recorder_.GoesOn())
+  if (recorder_.IsNew())
     static_cast<void>(FrameEncoder(plan_, input_, files_.isExact).Encode(first));
+  goOn();
+}
+
+// A run that is complete is not begun again, but its frames are there to compare others with.
+void LiveRun::goOn() {
   static_cast<void>(recorder_.Begin());
   for (std::size_t i = 0; i < recorder_.FramesDone(); ++i) {
     plan_.frames.push_back(recorder_.RecordedFrame(i));
@@ -113,12 +131,18 @@ void LiveRun::begin(const CollectedFrame& first) {
 }
 
 void LiveRun::record(const CollectedFrame& frame) {
+  requireRoom(frame);
   const bool wasExact = encoder_->Rounded().IsExact();
   std::vector<RunReading> readings = encoder_->Encode(frame);
   if (wasExact && !encoder_->Rounded().IsExact() && live_.onRounded) {
     live_.onRounded(encoder_->Rounded(), plan_.scale);
   }
   if (isRecorded(frame.Key())) return compare(frame.Key(), readings);
+  if (recorder_.WasDone()) {
+    throw Error(ErrorCode::kDocument, document_,
+                "is complete with " + Counted(plan_.frames.size(), "frame") + ", but " +
+                    FrameName(frame.Key().first, frame.Key().second) + " is none of them");
+  }
   if (!plan_.frames.empty() && earliest(readings) < earliest(plan_.frames.back())) {
     throw Error(
         ErrorCode::kDocument, input_,
@@ -128,6 +152,22 @@ void LiveRun::record(const CollectedFrame& frame) {
   plan_.frames.push_back(std::move(readings));
   recorded_.emplace(frame.Key(), plan_.frames.size() - 1);
   recorder_.Append();
+}
+
+// Scale and offset are in the document, and every frame before has them.
+void LiveRun::requireRoom(const CollectedFrame& frame) const {
+  if (plan_.frames.empty() || isRecorded(frame.Key())) return;
+  for (const ReadingRow& row : frame.Cells()) {
+    const auto why = encoder_->WhyUnfit(row);
+    if (!why) continue;
+    const bool isBelow = *row.fluorescence < plan_.scale.Offset().Value();
+    throw Error(ErrorCode::kDocument, input_,
+                *why + "; " + Counted(plan_.frames.size(), "frame is", "frames are") +
+                    " safe in the document, but --resume cannot go on past this reading: record "
+                    "such a run to a new document with " +
+                    (isBelow ? "an --offset below its lowest reading"
+                             : "a --scale that its highest reading fits"));
+  }
 }
 
 void LiveRun::compare(FrameKey key, const std::vector<RunReading>& frame) const {
@@ -143,21 +183,22 @@ void LiveRun::compare(FrameKey key, const std::vector<RunReading>& frame) const 
 
 void LiveRun::finish() {
   plan_.liveFrames = plan_.frames.size();
-  recorder_.Finish();
+  if (!recorder_.WasDone()) recorder_.Finish();
   isDone_ = true;
 }
 
 void LiveRun::refuseEnd() const {
-  std::string why = "ended after " + Counted(plan_.frames.size(), "frame");
+  const bool wasDone = recorder_.WasDone();
+  const std::size_t count = wasDone ? received_.size() : plan_.frames.size();
+  std::string why = "ended after " + Counted(count, "frame");
   if (live_.frames) {
-    why = "ended after " + std::to_string(plan_.frames.size()) + " of " +
-          Counted(*live_.frames, "frame");
+    why = "ended after " + std::to_string(count) + " of " + Counted(*live_.frames, "frame");
   }
   if (!pending_.empty()) {
     why += " and a part of another, which is not recorded: " +
            collector_.MissingText(collector_.Frames().at(pending_.front()));
   }
-  if (!plan_.frames.empty()) why += "; the same command with --resume goes on";
+  if (!plan_.frames.empty() && !wasDone) why += "; the same command with --resume goes on";
   throw Error(ErrorCode::kDocument, input_, why);
 }
 

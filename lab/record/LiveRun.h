@@ -38,17 +38,24 @@ class LiveRun {
   /// As far as it is known by now.
   const RunPlan& Plan() const { return plan_; }
   const Rounding& Rounded() const { return encoder_->Rounded(); }
+  /// What was rounded of the quantities in the wells.
+  const RoundedNumbers& RoundedQuantities() const { return quantities_; }
   bool HasBegun() const { return encoder_.has_value(); }
 
  private:
   void take(const ReadingRow& row);
   void requireInOrder(const CollectedFrame& frame) const;
+  void requireRoom(const CollectedFrame& frame) const;
   void begin(const CollectedFrame& first);
+  void goOn();
   void record(const CollectedFrame& frame);
   bool isRecorded(FrameKey key) const { return recorded_.count(key) != 0; }
   void compare(FrameKey key, const std::vector<RunReading>& frame) const;
+  bool isLast(FrameKey key) const { return recorded_.at(key) + 1 == plan_.frames.size(); }
   bool isFull() const { return live_.frames && plan_.frames.size() >= *live_.frames; }
   void finish();
+  bool isWhole() const;
+  Recorder::Outcome outcome() const;
   [[noreturn]] void refuseEnd() const;
 
   MeasuredRunFiles files_;
@@ -56,6 +63,7 @@ class LiveRun {
   std::string document_;
   std::string input_;  ///< what messages call it
   bool resumes_;
+  RoundedNumbers quantities_;
   RunPlan plan_;
   Recorder recorder_;
   FrameCollector collector_;

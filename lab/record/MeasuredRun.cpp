@@ -36,9 +36,11 @@ std::optional<ReadingScale> GivenScale(const MeasuredRunFiles& files) {
   return files.scale->WithOffset(files.offset.value_or(DecimalNumber{}));
 }
 
-RunPlan PlanMeasuredRun(const MeasuredRunFiles& files) {
+RunPlan PlanMeasuredRun(const MeasuredRunFiles& files, RoundedNumbers& quantities) {
   RunPlan plan;
-  plan.contents = LoadWells(files.wells, files.wellsFormat);
+  FloatReader reader(files.isExact);
+  plan.contents = LoadWells(files.wells, reader, files.wellsFormat);
+  quantities = reader.Rounded();
   plan.plate = plan.contents.plate;
   plan.wells = plan.contents.Wells();
   plan.channels = files.channels;
@@ -51,7 +53,8 @@ RunPlan PlanMeasuredRun(const MeasuredRunFiles& files) {
 
 MeasuredRun LoadMeasuredRun(const MeasuredRunFiles& files) {
   const std::string name = CsvName(files.readings);
-  MeasuredRun run{.plan = PlanMeasuredRun(files), .rounding = {}};
+  MeasuredRun run;
+  run.plan = PlanMeasuredRun(files, run.quantities);
   RunPlan& plan = run.plan;
   std::vector<ReadingRow> rows;
   ReadReadingRows({.path = files.readings,

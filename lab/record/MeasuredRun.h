@@ -26,15 +26,17 @@ struct MeasuredRunFiles {
 
 struct MeasuredRun {
   RunPlan plan;
-  Rounding rounding;  ///< what the document does not hold as it was measured
+  Rounding rounding;          ///< what the document does not hold as it was measured
+  RoundedNumbers quantities;  ///< what it does not hold as the wells file has it
 };
 
 /// The run that the files hold. Every well of the wells file has exactly one reading of each
 /// channel in every frame, else an error names what is missing or wrong and its row.
 MeasuredRun LoadMeasuredRun(const MeasuredRunFiles& files);
 
-/// The same without readings, which are still to come, and without their scale.
-RunPlan PlanMeasuredRun(const MeasuredRunFiles& files);
+/// The same without readings, which are still to come, and without their scale. `quantities`
+/// becomes what was rounded of those in the wells.
+RunPlan PlanMeasuredRun(const MeasuredRunFiles& files, RoundedNumbers& quantities);
 
 /// The scale that was asked for; nothing when none was.
 std::optional<ReadingScale> GivenScale(const MeasuredRunFiles& files);

@@ -76,22 +76,22 @@ void Recorder::Claim() {
   }
   if (!exists || options_.force) return;
   interrupted_.emplace(document_.string());
-  if (!interrupted_->IsDone()) interrupted_->Check(plan_);
+  interrupted_->Check(plan_);
 }
 
 // Brings document and manager to where the next frame is to be committed. False when there is
-// nothing left to do.
+// nothing left to do; the manager holds the frames then, to compare others with.
 bool Recorder::goOn() {
   if (!interrupted_) {
     begin();
     return true;
   }
-  if (interrupted_->IsDone()) return false;
-  interrupted_->Repair();
+  if (!interrupted_->IsDone()) interrupted_->Repair();
   check(manager_.ReadFromFile(document_.c_str()));
+  state_.framesDone = interrupted_->FrameCount();
+  if (interrupted_->IsDone()) return false;
   check(manager_.SetAcquisitionStatus(document_.c_str(), RunStatus::kInProgress.data()));
   if (!interrupted_->HasBlock()) openBlock();
-  state_.framesDone = interrupted_->FrameCount();
   return true;
 }
 

@@ -56,8 +56,8 @@ class Recorder {
   /// Ends the run.
   void Finish();
 
-  /// Whether there is a document to go on with, once it is claimed.
-  bool GoesOn() const { return interrupted_ && !interrupted_->IsDone(); }
+  /// Whether there is no document yet, once it is claimed.
+  bool IsNew() const { return !interrupted_; }
   bool WasDone() const { return interrupted_ && interrupted_->IsDone(); }
   /// The frames of the document, once it was begun.
   std::size_t FramesDone() const { return state_.framesDone; }

@@ -160,6 +160,11 @@ SpectrumSetComp<Record>::SpectrumSetComp(std::string_view tag, const Record& rec
 }
 
 template <typename Record>
+void SpectrumSetComp<Record>::SetReserved(std::span<const std::uint8_t, 48> reserved) {
+  std::copy(reserved.begin(), reserved.end(), reserved_);
+}
+
+template <typename Record>
 CComponent& SpectrumSetComp<Record>::Assign(const CComponent& source) {
   const auto* same = dynamic_cast<const SpectrumSetComp*>(&source);
   if (same != nullptr && same != this && source.GetTag() == GetTag()) {

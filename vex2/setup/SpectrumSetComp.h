@@ -23,6 +23,8 @@ class VEX2_API SpectrumSetComp : public CComponent {
   const Record& GetRecord() const { return record_; }
   /// The reserved bytes in the order of the format; valid until the component changes.
   std::span<const std::uint8_t, 48> GetReserved() const { return reserved_; }
+  /// Gives the component these reserved words, as for one that replaces another in a document.
+  void SetReserved(std::span<const std::uint8_t, 48> reserved);
 
   CComponent& Assign(const CComponent& source) override;
   int WriteBody(CFile* file) override;

@@ -7,6 +7,7 @@
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/CsvInput.h"
+#include "tools/vex/command/Exactness.h"
 #include "tools/vex/command/PlateOption.h"
 #include "tools/vex/files/Changing.h"
 #include "tools/vex/files/Output.h"
@@ -115,6 +116,7 @@ class CalibrationCommand final : public Command {
         .Exclude(json)
         .Exclude(target);
     input_.AddOptions(options);
+    exactness_.AddOption(options);
     options.AddFlag("--force", force_, "Overwrite OUT.csv if it exists");
     plate_.AddTo(options);
     changing_.AddOptions(options);
@@ -123,7 +125,10 @@ class CalibrationCommand final : public Command {
 
   ExitCode Run() override {
     if (!source_.empty()) {
-      const Calibration loaded = LoadCalibration(source_, input_.Format(CalibrationColumns()));
+      FloatReader values(exactness_.IsExact());
+      const Calibration loaded =
+          LoadCalibration(source_, values, input_.Format(CalibrationColumns()));
+      Exactness::Tell(CsvName(source_), values.Rounded(), "value", "values");
       std::cout << changing_.ApplyToPlate(
           file_, plate_, [&](Vex2FileManager& plate) { return replace(plate, loaded); });
       return ExitCode::kDone;
@@ -177,6 +182,7 @@ class CalibrationCommand final : public Command {
   std::string target_;
   std::string source_;
   CsvInput input_;
+  Exactness exactness_;
   bool force_ = false;
   PlateOption plate_;
   Changing changing_;

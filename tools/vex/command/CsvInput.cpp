@@ -1,11 +1,55 @@
 #include "tools/vex/command/CsvInput.h"
 
 #include <algorithm>
+#include <cctype>
 
 #include "tools/vex/Errors.h"
 #include "tools/vex/Options.h"
 
 namespace vex2::tool {
+
+namespace {
+
+// Most tables have columns that nobody asked for. That they are not in the document is told, so
+// that no one looks for a second channel there.
+void tellUnused(const std::string& file, const std::vector<std::string>& columns) {
+  constexpr std::size_t kMostNamed = 12;
+  std::string names;
+  for (std::size_t i = 0; i < std::min(columns.size(), kMostNamed); ++i) {
+    names += (i == 0 ? "" : ", ") + Escaped(columns[i]);
+  }
+  if (columns.size() > kMostNamed) {
+    names += " and " + std::to_string(columns.size() - kMostNamed) + " more";
+  }
+  PrintLine(Printable(file) + ": columns not used: " + names);
+}
+
+bool isSameName(std::string_view one, std::string_view other) {
+  return std::equal(one.begin(), one.end(), other.begin(), other.end(), [](char a, char b) {
+    return std::tolower(static_cast<unsigned char>(a)) ==
+           std::tolower(static_cast<unsigned char>(b));
+  });
+}
+
+// What the file is said to call one column cannot be another, too: the other would be read from it.
+void requireDistinct(const std::vector<std::string_view>& columns, const CsvNames& names,
+                     const std::string& option) {
+  const auto refuse = [&](const std::string& name, std::string_view one, std::string_view other) {
+    throw Error(ErrorCode::kUsage, option + ": " + Quoted(name) + " cannot be both " +
+                                       std::string(one) + " and " + std::string(other));
+  };
+  for (auto given = names.begin(); given != names.end(); ++given) {
+    for (auto other = names.begin(); other != given; ++other) {
+      if (other->second == given->second) refuse(given->second, other->first, given->first);
+    }
+    for (const std::string_view column : columns) {
+      if (names.contains(column) || !isSameName(column, given->second)) continue;
+      refuse(given->second, column, given->first);
+    }
+  }
+}
+
+}  // namespace
 
 void CsvInput::AddOptions(Options& options) {
   options.Add("--columns", names_, "What the file calls its columns: well=Pos,task=Type")
@@ -27,6 +71,8 @@ CsvFormat CsvInput::Format(const std::vector<std::string_view>& columns) const {
 CsvFormat CsvInput::Format(const std::vector<std::string_view>& columns, const std::string& names,
                            const std::string& option) const {
   CsvFormat format;
+  format.onUnused = tellUnused;
+  format.namesOption = option;
   format.encoding = encoding_;
   if (!delimiter_.empty()) {
     format.delimiter = delimiter_ == "comma" ? ',' : delimiter_ == "semicolon" ? ';' : '\t';
@@ -54,6 +100,7 @@ CsvFormat CsvInput::Format(const std::vector<std::string_view>& columns, const s
       throw Error(ErrorCode::kUsage, option + ": " + Quoted(column) + " is named twice");
     }
   }
+  requireDistinct(columns, format.names, option);
   return format;
 }
 

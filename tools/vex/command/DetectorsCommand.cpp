@@ -6,6 +6,7 @@
 #include "lab/model/DetectorFields.h"
 #include "lab/model/PlateContents.h"
 #include "tools/vex/Lab.h"
+#include "tools/vex/command/Exactness.h"
 #include "tools/vex/command/ListingCommand.h"
 #include "tools/vex/show/SetupInfo.h"
 #include "tools/vex/text/Nearest.h"
@@ -82,6 +83,7 @@ class DetectorsCommand final : public ListingCommand {
     options.Add("--remove", removed_, "Remove the detector of this name")
         .Show("NAME...")
         .TakeSeveral();
+    exactness_.AddOption(options);
     options.PutFirst(fieldList());
   }
 
@@ -177,14 +179,33 @@ class DetectorsCommand final : public ListingCommand {
                                                                 : std::string(field->takes)));
       }
     }
+    tellRounding(detector, fields);
     if (plate.AppendDetectorInfo(&detector) != kSuccess) {
       throw Error(ErrorCode::kDocument, file_, "it cannot hold more detectors");
     }
     return (before != known.end() ? "changed " : "added ") + Printable(name) + "\n";
   }
 
+  // Numbers that come back from the detector otherwise than they were given.
+  void tellRounding(const Vex2Detector& detector, const Fields& fields) const {
+    for (const auto& [field, value] : fields) {
+      const Value stored = field->get(detector);
+      const auto* number = std::get_if<float>(&stored);
+      const double change = number != nullptr ? ChangeOf(value, *number) : 0;
+      if (change == 0) continue;
+      if (exactness_.IsExact()) {
+        refuse(std::string(field->key) + "=" + value,
+               "would be rounded to " + ValueText(stored) + "; without --exact it is");
+      }
+      RoundedNumbers rounded;
+      rounded.Add(change);
+      Exactness::Tell(file_, rounded, field->key, field->key);
+    }
+  }
+
   std::vector<std::string> assignments_;
   std::vector<std::string> removed_;
+  Exactness exactness_;
 };
 
 }  // namespace

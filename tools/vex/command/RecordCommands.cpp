@@ -2,7 +2,6 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
-#include <iomanip>
 #include <iostream>
 #include <optional>
 #include <sstream>
@@ -19,6 +18,7 @@
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/CsvInput.h"
+#include "tools/vex/command/Exactness.h"
 #include "tools/vex/files/Output.h"
 #include "tools/vex/files/OutputFiles.h"
 #include "tools/vex/show/RecordProgress.h"
@@ -130,20 +130,12 @@ class RecordingCommand : public Command {
   std::optional<std::string> assay_;
 };
 
-std::string roundedText(const RoundedNumbers& rounded, std::string_view one, std::string_view many,
-                        double step) {
-  std::ostringstream change;  // as few digits as tell what it comes to
-  change << std::setprecision(2) << rounded.largestChange;
-  return Counted(rounded.count, one, many) + " rounded to " + PlainText(step) +
-         ", largest change " + change.str();
-}
-
 // What the document does not hold as it was measured.
 void tellRounding(const std::string& file, const Rounding& rounding, const ReadingScale& scale) {
   const auto tell = [&](const RoundedNumbers& rounded, std::string_view one, std::string_view many,
                         double step) {
     if (rounded.count == 0) return;
-    PrintLine(Printable(file) + ": " + roundedText(rounded, one, many, step));
+    PrintLine(Printable(file) + ": " + RoundedText(rounded, one, many, PlainText(step)));
   };
   tell(rounding.readings, "reading", "readings", scale.Step());
   tell(rounding.times, "time", "times", 0.001);
@@ -174,7 +166,8 @@ class RecordCommand final : public RecordingCommand {
         .AllowRange(1U, kMostFrames);
     options.Add("--channels", channels_, "Names of the channels; else as they come")
         .Show("NAME,NAME...");
-    options.AddFlag("--exact", files_.isExact, "Refuse readings that would be rounded");
+    options.AddFlag("--exact", files_.isExact,
+                    "Refuse readings and quantities that would be rounded");
     input_.AddOptions(options);
     options.Add("--wells-columns", wellsNames_, "The same of the file of the wells")
         .Show(CsvInput::kColumnsShown);
@@ -196,6 +189,7 @@ class RecordCommand final : public RecordingCommand {
     if (files_.readings == "-") return recordLive();
     if (frames_) throw Error(ErrorCode::kUsage, "--frames is for --readings - alone");
     const MeasuredRun run = LoadMeasuredRun(files_);
+    tellQuantities(run.quantities);
     tellRounding(CsvName(files_.readings), run.rounding, run.plan.scale);
     return record(run.plan);
   }
@@ -237,6 +231,10 @@ class RecordCommand final : public RecordingCommand {
     }
   }
 
+  void tellQuantities(const RoundedNumbers& rounded) const {
+    Exactness::Tell(CsvName(files_.wells), rounded, "quantity", "quantities");
+  }
+
   ExitCode recordLive() {
     if (options_.pace > 0) {
       throw Error(ErrorCode::kUsage, "--pace is for a file; standard input has its own pace");
@@ -254,6 +252,7 @@ class RecordCommand final : public RecordingCommand {
       done = state.framesDone;
       progress.Show(state);
     });
+    tellQuantities(run.RoundedQuantities());
     const auto outcome = run.Record();
     if (run.HasBegun()) tellRounding(input, run.Rounded(), run.Plan().scale);
     return tellOutcome(outcome, done, FrameTotal(run.Plan()));

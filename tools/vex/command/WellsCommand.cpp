@@ -8,6 +8,7 @@
 #include "lab/model/PlateContents.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/CsvInput.h"
+#include "tools/vex/command/Exactness.h"
 #include "tools/vex/command/ListingCommand.h"
 #include "tools/vex/show/PlateGrid.h"
 #include "tools/vex/show/SetupInfo.h"
@@ -58,12 +59,18 @@ class WellsCommand final : public ListingCommand {
     options.Add("--from", source_, "Replace it; well,sample,target,task,quantity,reporter")
         .Show("FILE.csv");
     input_.AddOptions(options);
+    exactness_.AddOption(options);
   }
 
   bool hasChanges() const override { return !source_.empty(); }
 
   std::string change(Vex2FileManager& plate) const override {
-    return replace(plate, LoadWells(source_, input_.Format(WellsFileColumns())));
+    requireNumberedWells(plate);
+    FloatReader quantities(exactness_.IsExact());
+    const PlateContents contents =
+        LoadWells(source_, quantities, input_.Format(WellsFileColumns()), ContentsOf(plate));
+    Exactness::Tell(CsvName(source_), quantities.Rounded(), "quantity", "quantities");
+    return replace(plate, contents);
   }
 
   ordered_json describe(const Vex2FileManager& plate) const override {
@@ -160,6 +167,7 @@ class WellsCommand final : public ListingCommand {
   std::string what_ = "sample";
   std::string source_;
   CsvInput input_;
+  Exactness exactness_;
 };
 
 }  // namespace

@@ -1,0 +1,23 @@
+#include "lab/exchange/FloatReader.h"
+
+#include "lab/Text.h"
+#include "lab/model/Value.h"
+
+namespace vex2::lab {
+
+float FloatReader::Keep(const CsvRow& row, std::string_view what, const std::string& text,
+                        double number) {
+  // Straight from the text, as a double between would round twice; but what is too small for a
+  // float is zero.
+  const float kept = NumberIn<float>(text).value_or(static_cast<float>(number));
+  const double change = ChangeOf(text, kept);
+  if (change == 0) return kept;
+  if (isExact_) {
+    row.Refuse("the " + std::string(what) + " " + text + " would be rounded to " + ValueText(kept) +
+               "; without --exact it is");
+  }
+  rounded_.Add(change);
+  return kept;
+}
+
+}  // namespace vex2::lab

@@ -1,0 +1,30 @@
+#include "tools/vex/command/Exactness.h"
+
+#include <iomanip>
+#include <sstream>
+
+#include "lab/Text.h"
+#include "tools/vex/Errors.h"
+#include "tools/vex/Options.h"
+
+namespace vex2::tool {
+
+void Exactness::AddOption(Options& options) {
+  options.AddFlag("--exact", isExact_, "Refuse numbers that would be rounded to 32 bits");
+}
+
+void Exactness::Tell(const std::string& source, const RoundedNumbers& rounded, std::string_view one,
+                     std::string_view many) {
+  if (rounded.count == 0) return;
+  PrintLine(Printable(source) + ": " + RoundedText(rounded, one, many, "32 bits"));
+}
+
+std::string RoundedText(const RoundedNumbers& rounded, std::string_view one, std::string_view many,
+                        std::string_view to) {
+  std::ostringstream change;  // as few digits as tell what it comes to
+  change << std::setprecision(2) << rounded.largestChange;
+  return Counted(rounded.count, one, many) + " rounded to " + std::string(to) +
+         ", largest change " + change.str();
+}
+
+}  // namespace vex2::tool
