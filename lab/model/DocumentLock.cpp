@@ -148,7 +148,7 @@ void DocumentLock::refuse() const {
   std::error_code ignored;
   const bool isLink = fs::is_symlink(given_, ignored);
   throw Error(
-      ErrorCode::kUsage, given_,
+      ErrorCode::kInUse, given_,
       (isLink ? "leads to " + document_.string() + ", which is" : std::string("is")) +
           " being recorded already; wait until the recorder is done, or end it with Ctrl-C");
 }

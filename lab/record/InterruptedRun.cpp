@@ -106,6 +106,14 @@ std::string RecordedAssay(const std::string& path) {
   return ReadHeaderFields(file, 0).assay;
 }
 
+bool HoldsFrames(const std::string& path, std::size_t frames) {
+  try {
+    return InterruptedRun(path).FrameCount() >= frames;
+  } catch (const Error&) {
+    return false;
+  }
+}
+
 InterruptedRun::InterruptedRun(const std::string& path) : path_(path) {
   CFile file;
   OpenToRead(file, path);

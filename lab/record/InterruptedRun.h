@@ -17,6 +17,10 @@ std::string RecordedLog(const std::string& path);
 /// The code of its assay. Throws an error when it cannot be read.
 std::string RecordedAssay(const std::string& path);
 
+/// Whether a recorder's document is at `path` with at least this many frames, so that the run can
+/// be gone on with.
+bool HoldsFrames(const std::string& path, std::size_t frames);
+
 /// What a recorder has left of its document, whether it was cut off or had finished. Found by the
 /// lengths of its records, as the header's position of the data block may be wrong and the file may
 /// go on behind it.

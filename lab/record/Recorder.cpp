@@ -68,7 +68,10 @@ void Recorder::Claim() {
   const bool exists = ::stat(document_.c_str(), &info) == 0;
   // Under another name the file could be recorded to by someone who sees another lock.
   if (exists && info.st_nlink > 1) {
-    throw Error(ErrorCode::kUsage, options_.path, "has other names as well (hard links)");
+    throw Error(
+        ErrorCode::kUsage, options_.path,
+        "has other names as well (hard links), under which others could change it; record to "
+        "a name of its own");
   }
   if (exists && !options_.resume && !options_.force) {
     throw Error(ErrorCode::kExists, options_.path,

@@ -79,7 +79,7 @@ class Tree(unittest.TestCase):
                                        capture_output=True, text=True, check=False).stdout
                 expected = set(places(found["components"] + found["dropped"], "declared"))
                 # `vex` does not show the end mark of a plate, but shows records that cannot be read.
-                actual = {place for place in places(json.loads(shown), "length")
+                actual = {place for place in places(json.loads(shown)["records"], "length")
                           if place[0] != "EOPl"}
                 if found["whole"]:
                     self.assertEqual(actual, expected)

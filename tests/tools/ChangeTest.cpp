@@ -136,11 +136,11 @@ TEST_F(Change, ManyAtOnceAllArrive) {
 
 TEST_F(Change, IsRefusedUnderTheDocumentsOtherNameWhileARecorderHoldsIt) {
   const DocumentLock recorder(path_, DocumentLock::Holder::kRecorder);
-  ExpectRefused({"set", path_, "comment=x"}, 2, "is being recorded already; wait until");
+  ExpectRefused({"set", path_, "comment=x"}, 3, "is being recorded already; wait until");
   const std::string link = folder_ / "link.vex";
   std::filesystem::create_symlink("run.vex", link);
   const CommandResult result = RunVex({"status", link, "ZERO"});
-  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_EQ(result.exitCode, 3);
   EXPECT_THAT(result.errors, HasSubstr(link + ": leads to "));
   EXPECT_EQ(Output({"status", path_}), "DONE\n");
 }

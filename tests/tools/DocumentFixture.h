@@ -95,6 +95,13 @@ class DocumentTest : public TempFolderTest {
   static nlohmann::json JsonOutput(const VexProcess::Arguments& arguments) {
     return nlohmann::json::parse(Output(arguments));
   }
+  /// The records that `vex tree --json` lists.
+  static nlohmann::json TreeOutput(VexProcess::Arguments arguments) {
+    arguments.insert(arguments.begin(), {"tree", "--json"});
+    nlohmann::json output = JsonOutput(arguments);
+    EXPECT_EQ(output["version"], 1);
+    return output["records"];
+  }
 };
 
 }  // namespace vex2::test

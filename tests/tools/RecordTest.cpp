@@ -143,7 +143,8 @@ TEST_F(RecordTest, ScaleIsAPowerOfTenWhereOneKeepsTheReadings) {
   for (const auto& [reading, scale] : cases) {
     const std::string file =
         File("large.csv", ReadingsWith("60,0.313", std::string("60,") + reading));
-    const CommandResult result = RunVex(RecordFrom(file, {"--force", "--exact"}));
+    std::filesystem::remove(Run());
+    const CommandResult result = RunVex(RecordFrom(file, {"--exact"}));
     ASSERT_EQ(result.exitCode, 0) << reading << result.errors;
     EXPECT_EQ(result.errors, "") << reading;
     EXPECT_THAT(TextOf(Run()), HasSubstr(scale)) << reading;

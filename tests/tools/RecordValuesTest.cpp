@@ -53,6 +53,7 @@ class RecordValuesTest : public RecordTest {
 
   /// Expects that nothing of these readings is lost, nor told to be.
   void ExpectKept(const std::array<std::string, 4>& readings) const {
+    std::filesystem::remove(Run());
     const CommandResult result = RecordRows(Rows(readings), {"--exact"});
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_EQ(result.errors, "");

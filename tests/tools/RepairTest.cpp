@@ -207,7 +207,7 @@ TEST_F(Repair, RefusesADocumentThatIsBeingRecorded) {
   MakeRun("PROG");
   AppendFrameBytes(10);
   const lab::DocumentLock lock(path_, lab::DocumentLock::Holder::kRecorder);
-  ExpectRefused({"repair", path_}, 2, "is being recorded already");
+  ExpectRefused({"repair", path_}, 3, "is being recorded already");
 }
 
 TEST_F(Repair, WithoutRoomForTheBackupTheDocumentIsAsItWasAndThereIsNone) {

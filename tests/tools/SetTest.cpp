@@ -29,7 +29,7 @@ TEST_F(Set, ChangesWhatIsNamedAndNothingElse) {
 TEST_F(Set, TheRawDataStayTheLastRecord) {
   MakeRun();
   Output({"set", path_, "comment=x", "endogenous-control=18S"});
-  const auto tree = JsonOutput({"tree", "--json", path_});
+  const auto tree = TreeOutput({path_});
   ASSERT_EQ(tree.size(), 3U);
   EXPECT_EQ(tree[2]["tag"], "RAWa");
 }

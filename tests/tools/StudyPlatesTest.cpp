@@ -33,8 +33,8 @@ TEST_F(StudyPlates, InfoHasAllOfThemOrOne) {
 }
 
 TEST_F(StudyPlates, TheTreeOfOneIsThatOfADocument) {
-  const json plate = JsonOutput({"tree", "--json", "--plate", "plate2", study_});
-  EXPECT_EQ(content(plate), content(JsonOutput({"tree", "--json", plate2_})));
+  const json plate = TreeOutput({"--plate", "plate2", study_});
+  EXPECT_EQ(content(plate), content(TreeOutput({plate2_})));
   EXPECT_EQ(plate.back()["tag"], "EOPl");
   EXPECT_THAT(Output({"tree", "--plate", "plate2", study_}), HasSubstr("  Path  plate name  "));
 }
@@ -99,8 +99,7 @@ TEST_F(StudyPlates, StatusIsThatOfEachOrOfOne) {
 
 TEST_F(StudyPlates, ACopyOfOneIsADocumentOfItsOwn) {
   Output({"copy", study_, path_, "--plate", "plate2"});
-  EXPECT_EQ(content(JsonOutput({"tree", "--json", path_})),
-            content(JsonOutput({"tree", "--json", plate2_})));
+  EXPECT_EQ(content(TreeOutput({path_})), content(TreeOutput({plate2_})));
   expectStudyRefuses({"copy", study_, study_, "--plate", "plate2"}, study_, 2,
                      "is read by this command");
 }

@@ -143,8 +143,8 @@ TEST_F(Study, AnExtractedPlateIsADocumentWithItsRawDataLast) {
   makeStudy();
   const std::string out = folder_ / "out.vex";
   Output({"study", "extract", study_, "plate2", out});
-  const json before = JsonOutput({"tree", "--json", plate2_});
-  const json after = JsonOutput({"tree", "--json", out});
+  const json before = TreeOutput({plate2_});
+  const json after = TreeOutput({out});
   EXPECT_EQ(content(after), content(before));
   EXPECT_EQ(after.back()["tag"], "RAWa");
   EXPECT_EQ(Output({"export", out, "--raw"}), Output({"export", plate2_, "--raw"}));
@@ -158,8 +158,8 @@ TEST_F(Study, RebuiltFromWhatWasExtractedItsPlatesAreTheSame) {
   Output({"study", "extract", study_, "plate2", plate2_, "--force"});
   const std::string again = folder_ / "again.vex";
   Output({"study", "new", again, plate1_, plate2_});
-  const json before = JsonOutput({"tree", "--json", study_});
-  const json after = JsonOutput({"tree", "--json", again});
+  const json before = TreeOutput({study_});
+  const json after = TreeOutput({again});
   ASSERT_EQ(before[0]["children"].size(), 2U);
   EXPECT_EQ(content(after), content(before));
 }

@@ -15,26 +15,24 @@ TEST_F(TreeSelected, DepthLeavesOutRecordsThatAreNestedDeeper) {
   EXPECT_THAT(top, HasSubstr("GLBL"));
   EXPECT_THAT(top, HasSubstr("RAWa"));
   EXPECT_THAT(top, Not(HasSubstr("LOGT")));
-  const auto json = JsonOutput({"tree", path_, "--depth", "1", "--json"});
+  const auto json = TreeOutput({path_, "--depth", "1"});
   ASSERT_EQ(json.size(), 2U);
   EXPECT_FALSE(json[0].contains("children"));
-  EXPECT_EQ(JsonOutput({"tree", path_, "--depth", "64", "--json"}),
-            JsonOutput({"tree", path_, "--json"}));
+  EXPECT_EQ(TreeOutput({path_, "--depth", "64"}), TreeOutput({path_}));
 }
 
 TEST_F(TreeSelected, OnlyShowsRecordsOfATagWithWhatIsInThem) {
   MakeRun();
-  const auto whole = JsonOutput({"tree", path_, "--json"});
-  const auto only = JsonOutput({"tree", path_, "--only", "GLBL", "--json"});
+  const auto whole = TreeOutput({path_});
+  const auto only = TreeOutput({path_, "--only", "GLBL"});
   ASSERT_EQ(only.size(), 1U);
   EXPECT_EQ(only[0], whole[0]);
   const std::string inner = whole[0]["children"][0]["tag"];
-  const auto nested = JsonOutput({"tree", path_, "--only", inner, "--json"});
+  const auto nested = TreeOutput({path_, "--only", inner});
   ASSERT_GE(nested.size(), 1U);
   EXPECT_EQ(nested[0], whole[0]["children"][0]);
   EXPECT_THAT(Output({"tree", path_, "--only", "RAWa"}), Not(HasSubstr("GLBL")));
-  EXPECT_FALSE(JsonOutput({"tree", path_, "--only", "GLBL", "--depth", "1", "--json"})[0].contains(
-      "children"));
+  EXPECT_FALSE(TreeOutput({path_, "--only", "GLBL", "--depth", "1"})[0].contains("children"));
 }
 
 TEST_F(TreeSelected, OnlyOfATagThatIsNotThereIsRefused) {

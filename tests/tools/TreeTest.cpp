@@ -16,9 +16,9 @@ TEST_F(Tree, ShowsEveryRecordNestedAsInTheFile) {
   EXPECT_THAT(text, HasSubstr("       744  RAWa  raw readings  3 frames of 3 wells\n"));
 }
 
-TEST_F(Tree, IsAListOfObjectsForPrograms) {
+TEST_F(Tree, IsAnObjectWithRecordsForPrograms) {
   MakeRun();
-  const json tree = JsonOutput({"tree", "--json", path_});
+  const json tree = TreeOutput({path_});
   ASSERT_EQ(tree.size(), 2U);
   EXPECT_EQ(tree[0]["tag"], "GLBL");
   EXPECT_EQ(tree[0]["offset"], 1024);
@@ -40,7 +40,7 @@ TEST_F(Tree, UnknownRecordsAndStrayBytesAreShownAsThat) {
   const std::string text = Output({"tree", path_});
   EXPECT_THAT(text, HasSubstr("      1024         3  Zzzz  unknown  010203\n"));
   EXPECT_THAT(text, HasSubstr("      1047         3  bytes that are no record\n"));
-  const json tree = JsonOutput({"tree", "--json", path_});
+  const json tree = TreeOutput({path_});
   ASSERT_EQ(tree.size(), 2U);
   EXPECT_EQ(tree[0]["known"], false);
 }
@@ -51,7 +51,7 @@ TEST_F(Tree, IsCompleteJsonAlsoWhereTheFileEndsWithinLists) {
   MakeDocument(records);
   const CommandResult result = RunVex({"tree", "--json", path_});
   EXPECT_EQ(result.exitCode, 1);
-  const json tree = json::parse(result.output);
+  const json tree = json::parse(result.output)["records"];
   EXPECT_EQ(tree[0]["children"][0]["tag"], "SPEC");
   EXPECT_EQ(tree[0]["children"][0]["children"], json::array());
   const auto error = json::parse(result.errors)["error"];
@@ -110,7 +110,7 @@ TEST_F(TreeOfSamples, AgreeWithWhatTheDocumentsHold) {
     const Bytes text = ReadBytes(path);
     const json sidecar = json::parse(text.begin(), text.end());
     const CommandResult result = RunVex({"tree", "--json", path.replace_extension(".vex")});
-    json tree = json::parse(result.output);
+    json tree = json::parse(result.output)["records"];
     const json dropped = sidecar.value("dropped", json::array());
     for (const json& unknown : dropped) {
       for (std::size_t i = tree.size(); i-- > 0;) {

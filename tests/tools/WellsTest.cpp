@@ -97,7 +97,7 @@ TEST_F(Wells, OfADocumentWithoutASetupAreAskedFor) {
   WriteWellsFile("A1,a,,,,\n");
   Output({"wells", path_, "--from", wells_});
   EXPECT_EQ(Output({"wells", path_, "--csv"}), textOf(wells_));
-  EXPECT_EQ(JsonOutput({"tree", "--json", path_}).back()["tag"], "RAWa");
+  EXPECT_EQ(TreeOutput({path_}).back()["tag"], "RAWa");
 }
 
 TEST_F(Wells, OfARunInProgressStay) {
@@ -130,11 +130,11 @@ TEST_F(Wells, ReplacedByATableKeepWhatTheTableDoesNotShow) {
   setup.cells[1].detectors.GetHead()->used = false;
   ASSERT_EQ(document.ReplacePlateSetup(&setup), 0);
   ASSERT_EQ(document.SaveToFile(path_.c_str()), 0);
-  const auto before = JsonOutput({"tree", path_, "--only", "CELS", "--json"});
+  const auto before = TreeOutput({path_, "--only", "CELS"});
   const std::string table = folder_ / "same.csv";
   WriteBytes(table, ToBytes(Output({"wells", path_, "--csv"})));
   Output({"wells", path_, "--from", table});
-  const auto after = JsonOutput({"tree", path_, "--only", "CELS", "--json"});
+  const auto after = TreeOutput({path_, "--only", "CELS"});
   EXPECT_EQ(after[0]["length"], before[0]["length"]);
   const auto& children = after[0]["children"];
   EXPECT_EQ(children[0]["flag"], before[0]["children"][0]["flag"]);

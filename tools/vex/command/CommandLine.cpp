@@ -1,5 +1,8 @@
 #include "tools/vex/command/CommandLine.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
 #include <cerrno>
 #include <exception>
@@ -122,6 +125,26 @@ ExitCode runCommand(const CLI::App& app, const std::vector<std::unique_ptr<Comma
   return ExitCode::kUsage;
 }
 
+// "vex ... run.vex >> run.vex": the shell has opened the document to append to it, and what the
+// command prints would stand behind the run.
+void requireOutputApart(int argumentCount, const char* const* arguments) {
+  struct stat output {};
+  if (::fstat(STDOUT_FILENO, &output) != 0 || !S_ISREG(output.st_mode) || output.st_size == 0) {
+    return;
+  }
+  for (int i = 1; i < argumentCount; ++i) {
+    const std::string_view path = arguments[i];
+    struct stat named {};
+    if (path.starts_with("/dev/") || path.starts_with("/proc/")) continue;
+    if (::stat(arguments[i], &named) != 0 || named.st_dev != output.st_dev ||
+        named.st_ino != output.st_ino) {
+      continue;
+    }
+    throw Error(ErrorCode::kUsage, path,
+                "is where standard output goes, too; redirect it to another file");
+  }
+}
+
 ExitCode run(int argumentCount, const char* const* arguments) {
   CLI::App app(kSummary, "vex");
   app.set_version_flag("-V,--version", VEX2_VERSION, "Print version and build, and exit");
@@ -144,6 +167,7 @@ ExitCode run(int argumentCount, const char* const* arguments) {
     return ExitCode::kDone;
   }
   Terminal::Configure(screenOptions().Wishes());
+  requireOutputApart(argumentCount, arguments);
   const ExitCode code = runCommand(app, commands);
   finishOutput();
   return code;

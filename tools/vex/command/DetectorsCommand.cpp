@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <map>
+#include <set>
 
 #include "lab/exchange/CsvWriter.h"
 #include "lab/exchange/WellsFile.h"
@@ -91,15 +92,27 @@ class DetectorsCommand final : public ListingCommand {
 
   std::string change(Vex2FileManager& plate) const override {
     std::string report;
+    const PlateContents contents = removed_.empty() ? PlateContents() : ContentsOf(plate);
     for (const std::string& name : removed_) {
       const auto stored = ToLatin1(name);
       if (!stored || !plate.RemoveDetectorInfo(CString(*stored))) {
         throw Error(ErrorCode::kUsage, file_, "it has no detector '" + name + "'");
       }
-      report += "removed " + Printable(name) + "\n";
+      report += "removed " + Printable(name) + wellsThatName(*stored, contents) + "\n";
     }
     for (const auto& fields : additions()) report += add(plate, fields);
     return report;
+  }
+
+  // A well keeps the target's name, but nothing tells its reporter any more.
+  static std::string wellsThatName(const std::string& target, const PlateContents& contents) {
+    std::set<unsigned short> wells;
+    for (const WellRow& row : contents.rows) {
+      if (row.target == target) wells.insert(row.well);
+    }
+    if (wells.empty()) return "";
+    return "; " + Counted(wells.size(), "well still names", "wells still name") +
+           " it, without a reporter now";
   }
 
   bool studiesHaveIt() const override { return true; }

@@ -90,10 +90,23 @@ class RecordingCommand : public Command {
         progress.Show(state);
       });
       recorder.Claim();
+      tellReplaced();
       beforehand();
-      return runTellingWhatIsSafe(recorder, done, plan.frames.size());
+      return tellingWhatIsSafe(done, plan.frames.size(), [&] { return recorder.Run(); });
     }();
     return tellOutcome(outcome, done, plan.frames.size());
+  }
+
+  /// Says which run --force gives up, before anything of it is gone.
+  void tellReplaced() const {
+    std::error_code error;
+    if (!options_.force || !std::filesystem::exists(options_.path, error)) return;
+    Vex2FileManager replaced;
+    static_cast<void>(replaced.ReadFromFile(options_.path.c_str()));
+    const int frames = replaced.GetDataFrameCount(DataRAWa);
+    if (frames <= 0) return;
+    PrintLine(Printable(options_.path) + ": replaces a run of " +
+              Counted(static_cast<unsigned>(frames), "frame"));
   }
 
   ExitCode tellOutcome(Recorder::Outcome outcome, std::size_t done,
@@ -103,24 +116,30 @@ class RecordingCommand : public Command {
     }
     if (outcome != Recorder::Outcome::kInterrupted) return ExitCode::kDone;
     PrintLine(Printable(options_.path) + ": interrupted after " + std::to_string(done) +
-              (total ? " of " + std::to_string(*total) : "") +
-              " frames; the same command with --resume goes on");
+              (total ? " of " + std::to_string(*total) : "") + " frames; " +
+              (HoldsFrames(options_.path, done) ? "the same command with --resume goes on"
+                                                : "the recorded frames are no longer in the file"));
     return ExitCode::kInterrupted;
   }
 
   // What the system refuses in the midst of a run, as a disk that is full, is no loss.
-  static Recorder::Outcome runTellingWhatIsSafe(Recorder& recorder, const std::size_t& done,
-                                                std::size_t all) {
+  template <typename Run>
+  Recorder::Outcome tellingWhatIsSafe(const std::size_t& done, std::optional<std::size_t> all,
+                                      const Run& run) const {
     try {
-      return recorder.Run();
+      return run();
     } catch (const Error& error) {
       if (error.Class() != ErrorClass::kSystem || done == 0) throw;
-      throw Error(ErrorCode::kSystem,
-                  std::string(error.what()) + "; " + std::to_string(done) + " of " +
-                      std::to_string(all) +
-                      " frames are safe, and the same command with --resume goes "
-                      "on");
+      throw Error(ErrorCode::kSystem, std::string(error.what()) + "; " + safeFrames(done, all));
     }
+  }
+
+  // The document may have been removed or emptied meanwhile, and then nothing can go on with it.
+  std::string safeFrames(std::size_t done, std::optional<std::size_t> all) const {
+    if (!HoldsFrames(options_.path, done)) return "the recorded frames are no longer in the file";
+    return (all ? std::to_string(done) + " of " + Counted(*all, "frame") : Counted(done, "frame")) +
+           (all || done != 1 ? " are" : " is") +
+           " safe, and the same command with --resume goes on";
   }
 
   RecordOptions options_;
@@ -253,7 +272,8 @@ class RecordCommand final : public RecordingCommand {
       progress.Show(state);
     });
     tellQuantities(run.RoundedQuantities());
-    const auto outcome = run.Record();
+    tellReplaced();
+    const auto outcome = tellingWhatIsSafe(done, live.frames, [&] { return run.Record(); });
     if (run.HasBegun()) tellRounding(input, run.Rounded(), run.Plan().scale);
     return tellOutcome(outcome, done, FrameTotal(run.Plan()));
   }

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cerrno>
 #include <iostream>
 #include <optional>
@@ -56,6 +57,15 @@ class StatusCommand final : public Command {
 
   void requireCode() const {
     if (!code_) return;
+    for (const std::string_view known : {"ZERO", "PROG", "DONE"}) {
+      const bool isAlike = std::equal(
+          code_->begin(), code_->end(), known.begin(), known.end(),
+          [](char given, char letter) { return given == letter || given == letter - 'A' + 'a'; });
+      if (!isAlike || *code_ == known) continue;
+      throw Error(
+          ErrorCode::kUsage, file_,
+          "the status '" + *code_ + "' is not known; did you mean " + std::string(known) + "?");
+    }
     if (code_->size() == 4 && IsPlain(*code_)) return;
     throw Error(ErrorCode::kUsage, file_,
                 "the status '" + *code_ + "' is not four plain characters, like DONE");

@@ -84,7 +84,7 @@ class TreeCommand final : public Command {
   TreeCommand()
       : Command({"tree", "Show every record of a document, nested as in the file.",
                  "vex tree run.vex\nvex tree run.vex --depth 1\n"
-                 "vex tree run.vex --only GLBL --json | jq '.[].children'"}) {}
+                 "vex tree run.vex --only GLBL --json | jq '.records[].children'"}) {}
 
   void AddOptions(Options& options) override {
     options.Add("FILE", file_, "The document").Require().Show("");
@@ -93,7 +93,7 @@ class TreeCommand final : public Command {
         .Show("N")
         .AllowRange(1U, kDeepest);
     options.Add("--only", tag_, "Only records with this tag, and what is in them").Show("TAG");
-    options.AddFlag("--json", json_, "Print JSON: a list of objects");
+    options.AddFlag("--json", json_, "Print JSON: an object with the records");
   }
 
   ExitCode Run() override {

@@ -5,6 +5,7 @@
 
 #include "lab/model/RecordValue.h"
 #include "tools/vex/text/Json.h"
+#include "tools/vex/text/JsonOutput.h"
 #include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
@@ -114,7 +115,7 @@ void JsonTree::Finish() {
   begin();
   // A record that could not be followed to its end left its lists open.
   while (open_ > 0) close(open_);
-  out_ << "\n]\n";
+  out_ << "\n]}\n";
 }
 
 bool JsonTree::holdsRecords(const FileRecord& record) const {
@@ -123,7 +124,7 @@ bool JsonTree::holdsRecords(const FileRecord& record) const {
 
 // With the first record, so that an error before it is all that is written.
 void JsonTree::begin() {
-  if (!hasBegun_) out_ << '[';
+  if (!hasBegun_) out_ << "{\"version\":" << kJsonVersion << ",\"records\":[";
   hasBegun_ = true;
 }
 

@@ -8,8 +8,9 @@
 
 namespace vex2::tool {
 
-/// A list of objects, of everything that the document's reader would take for a record. It is
-/// written as the records are met, so that a large document costs no more than a small one.
+/// An object with a list of objects, "records", of everything that the document's reader would take
+/// for a record. It is written as the records are met, so that a large document costs no more than
+/// a small one.
 class JsonTree final : public RecordVisitor {
  public:
   /// Records at `depth` are without the records in them.
