@@ -3,7 +3,6 @@
 #include <filesystem>
 
 #include "lab/Error.h"
-#include "lab/Interrupts.h"
 #include "lab/Text.h"
 #include "lab/model/RawFile.h"
 #include "vex2/run/AcquisitionDataComp.h"
@@ -73,8 +72,6 @@ void PreparePlateToSave(const Document& document, const Document::Plate& plate,
 }
 
 void SaveDocument(DocumentFile& document, const std::string& target) {
-  // Who ends the command here gets the new document or the old one, and no temporary file.
-  const Interrupts interrupts;
   document.RequireUnchanged();
   if (document.SaveToFile(target.c_str()) == kSuccess) return;
   document.RequireUnchanged();

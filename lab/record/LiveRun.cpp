@@ -35,18 +35,18 @@ LiveRun::LiveRun(const MeasuredRunFiles& files, LiveOptions live, RecordOptions 
       live_(std::move(live)),
       document_(options.path),
       input_(CsvName(files.readings)),
+      wait_(options.wait),
       plan_(planOf(files, live_, quantities_)),
       recorder_(plan_, std::move(options), std::move(report)),
       collector_(plan_, input_) {}
 
 Recorder::Outcome LiveRun::Record() {
-  Interrupts interrupts;
   recorder_.Claim();
   const bool wasRead =
       ReadReadingRows({.path = files_.readings,
                        .format = files_.readingsFormat,
                        .findsChannels = false,
-                       .keepsWaiting = [&] { return !isDone_ && !interrupts.Pending(); }},
+                       .keepsWaiting = [&] { return !isDone_ && !wait_(0); }},
                       plan_, [&](const ReadingRow& row) { take(row); });
   if (isDone_) return outcome();
   if (!wasRead) return Recorder::Outcome::kInterrupted;

@@ -6,7 +6,6 @@
 #include <set>
 #include <string>
 
-#include "lab/Interrupts.h"
 #include "lab/record/FrameCollector.h"
 #include "lab/record/FrameEncoder.h"
 #include "lab/record/MeasuredRun.h"
@@ -30,7 +29,7 @@ class LiveRun {
   LiveRun(const MeasuredRunFiles& files, LiveOptions live, RecordOptions options,
           std::function<void(const RecordState&)> report);
 
-  /// Records until the input, the run or the user ends it. Throws an error, and then the document
+  /// Records until the input, the run or `wait` ends it. Throws an error, and then the document
   /// holds every frame that was reported and can be gone on with; so also when the input ends
   /// within a frame, or before the number of frames that was given.
   Recorder::Outcome Record();
@@ -62,7 +61,7 @@ class LiveRun {
   LiveOptions live_;
   std::string document_;
   std::string input_;  ///< what messages call it
-  bool resumes_;
+  WaitOrEnd wait_;
   RoundedNumbers quantities_;
   RunPlan plan_;
   Recorder recorder_;

@@ -1,26 +1,27 @@
 #pragma once
 
-#include <filesystem>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 
-#include "lab/Interrupts.h"
-#include "lab/model/DocumentFile.h"
-#include "lab/model/DocumentLock.h"
-#include "lab/record/InterruptedRun.h"
-#include "lab/record/RunPlan.h"
-#include "vex2/manager/Vex2FileManager.h"
+#include "lab/record/RecordingDocument.h"
 
 namespace vex2::lab {
+
+/// Waits for that many seconds, and answers whether the caller wants the work to end; then it may
+/// return earlier. 0 asks without waiting.
+using WaitOrEnd = std::function<bool(double seconds)>;
+
+/// Waits, and never ends the work.
+bool JustWait(double seconds);
 
 /// How a run is brought to its document.
 struct RecordOptions {
   std::string path;
-  double pace = 0;      ///< seconds from one frame to the next; 0 is as fast as it goes
-  bool resume = false;  ///< go on with a document that is there
-  bool force = false;   ///< replace one
+  double pace = 0;            ///< seconds from one frame to the next; 0 is as fast as it goes
+  bool resume = false;        ///< go on with a document that is there
+  bool force = false;         ///< replace one
+  WaitOrEnd wait = JustWait;  ///< called before each frame, and between frames to keep the pace
 };
 
 /// How far a recording has come.
@@ -43,8 +44,8 @@ class Recorder {
 
   /// Locks the document and checks that it can be recorded to. Throws an error if not; nothing
   /// was changed then. `Run` and `Begin` do so themselves where it was not called.
-  void Claim();
-  /// Records the plan's frames until the run or the user ends it. Throws an error, and then the
+  void Claim() { document_.Claim(plan_); }
+  /// Records the plan's frames until the run or `wait` ends it. Throws an error, and then the
   /// document holds every frame that was reported and can be gone on with.
   Outcome Run();
 
@@ -54,30 +55,23 @@ class Recorder {
   /// Appends the plan's next frame to the document; it is on the disk when this returns.
   void Append();
   /// Ends the run.
-  void Finish();
+  void Finish() { document_.Finish(plan_); }
 
   /// Whether there is no document yet, once it is claimed.
-  bool IsNew() const { return !interrupted_; }
-  bool WasDone() const { return interrupted_ && interrupted_->IsDone(); }
+  bool IsNew() const { return document_.IsNew(); }
+  bool WasDone() const { return document_.WasDone(); }
   /// The frames of the document, once it was begun.
   std::size_t FramesDone() const { return state_.framesDone; }
   /// The readings of one of them.
-  std::vector<RunReading> RecordedFrame(std::size_t index) const;
+  std::vector<RunReading> RecordedFrame(std::size_t index) const {
+    return document_.RecordedFrame(index, plan_.wells);
+  }
 
  private:
-  bool goOn();
-  void begin();
-  void openBlock();
-  void commit(std::size_t frame);
-  void check(int status) const;
-
   const RunPlan& plan_;
   RecordOptions options_;
   std::function<void(const RecordState&)> report_;
-  std::filesystem::path document_;  ///< the one path that the given one leads to
-  std::unique_ptr<DocumentLock> lock_;
-  std::optional<InterruptedRun> interrupted_;  ///< what to go on with; nothing: a new document
-  DocumentFile manager_;
+  RecordingDocument document_;
   RecordState state_;
 };
 

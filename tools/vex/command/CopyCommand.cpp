@@ -2,6 +2,7 @@
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/PlateOption.h"
+#include "tools/vex/files/Interrupts.h"
 #include "tools/vex/files/OutputFiles.h"
 #include "tools/vex/files/Rewriting.h"
 
@@ -27,6 +28,8 @@ class CopyCommand final : public Command {
     Document document(source_);
     OutputFiles files(force_);
     files.Read(source_).Write(target_, OutputFiles::Kind::kDocument).Claim();
+    // Who ends the command here gets the new document or the old one, and no temporary file.
+    const Interrupts interrupts;
     if (plate_.IsGiven()) {
       ExtractPlate(document, plate_.One(document), target_, rewriting_.Rules());
       return ExitCode::kDone;

@@ -19,6 +19,7 @@
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/CsvInput.h"
 #include "tools/vex/command/Exactness.h"
+#include "tools/vex/files/Interrupts.h"
 #include "tools/vex/files/Output.h"
 #include "tools/vex/files/OutputFiles.h"
 #include "tools/vex/show/RecordProgress.h"
@@ -85,6 +86,8 @@ class RecordingCommand : public Command {
     std::size_t done = 0;
     const auto outcome = [&] {
       RecordProgress progress(options_.path);
+      std::optional<Interrupts> interrupts;
+      options_.wait = [&](double seconds) { return interrupts->Wait(seconds); };
       Recorder recorder(plan, options_, [&](const RecordState& state) {
         done = state.framesDone;
         progress.Show(state);
@@ -92,6 +95,7 @@ class RecordingCommand : public Command {
       recorder.Claim();
       tellReplaced();
       beforehand();
+      interrupts.emplace();
       return tellingWhatIsSafe(done, plan.frames.size(), [&] { return recorder.Run(); });
     }();
     return tellOutcome(outcome, done, plan.frames.size());
@@ -267,6 +271,8 @@ class RecordCommand final : public RecordingCommand {
     };
     std::size_t done = 0;
     RecordProgress progress(options_.path);
+    Interrupts interrupts;
+    options_.wait = [&](double seconds) { return interrupts.Wait(seconds); };
     LiveRun run(files_, live, options_, [&](const RecordState& state) {
       done = state.framesDone;
       progress.Show(state);

@@ -1,7 +1,7 @@
 #include <chrono>
 #include <iostream>
 
-#include "lab/Interrupts.h"
+#include "tools/vex/files/Interrupts.h"
 #include "lab/model/RawFile.h"
 #include "lab/recover/Recover.h"
 #include "tools/vex/Lab.h"

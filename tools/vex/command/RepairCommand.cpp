@@ -1,6 +1,6 @@
 #include <iostream>
 
-#include "lab/Interrupts.h"
+#include "tools/vex/files/Interrupts.h"
 #include "lab/check/DocumentCheck.h"
 #include "lab/check/Repair.h"
 #include "lab/model/DocumentLock.h"

@@ -6,6 +6,7 @@
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/files/Changing.h"
+#include "tools/vex/files/Interrupts.h"
 #include "tools/vex/files/OutputFiles.h"
 #include "tools/vex/show/StudyProgress.h"
 #include "tools/vex/text/Json.h"
@@ -213,6 +214,8 @@ class ExtractAction final : public Command {
     if (plate == nullptr) RefusePlateName(document, name_);
     OutputFiles files(force_);
     files.Read(study_).Write(target_, OutputFiles::Kind::kDocument).Claim();
+    // Who ends the command here gets the new document or the old one, and no temporary file.
+    const Interrupts interrupts;
     ExtractPlate(document, *plate, target_, rewriting_.Rules());
     return ExitCode::kDone;
   }

@@ -1,6 +1,7 @@
 #include "tools/vex/files/Changing.h"
 
 #include "tools/vex/Options.h"
+#include "tools/vex/files/Interrupts.h"
 
 namespace vex2::tool {
 
@@ -12,6 +13,8 @@ void Changing::AddOptions(Options& options) {
 std::string Changing::Finish(DocumentFile& document, const std::string& path,
                              const std::string& report) const {
   if (isDryRun_) return report + kDryRun;
+  // Who ends the command here gets the new document or the old one, and no temporary file.
+  const Interrupts interrupts;
   SaveDocument(document, path);
   return report;
 }

@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <iostream>
 
-#include "lab/Interrupts.h"
+#include "tools/vex/files/Interrupts.h"
 #include "lab/model/RawFile.h"
 #include "tools/vex/Errors.h"
 

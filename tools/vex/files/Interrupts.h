@@ -2,7 +2,7 @@
 
 #include <csignal>
 
-namespace vex2::lab {
+namespace vex2::tool {
 
 /// While it lives, Ctrl-C and a request to end are not obeyed at once but when asked for, so that
 /// what is under way is finished first. Made on the only thread. Who asks again gets no answer,
@@ -25,4 +25,4 @@ class Interrupts {
   bool asked_ = false;
 };
 
-}  // namespace vex2::lab
+}  // namespace vex2::tool

@@ -1,11 +1,11 @@
-#include "lab/Interrupts.h"
+#include "tools/vex/files/Interrupts.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <ctime>
 
-namespace vex2::lab {
+namespace vex2::tool {
 
 namespace {
 
@@ -59,4 +59,4 @@ bool Interrupts::Wait(double seconds) {
   return asked_;
 }
 
-}  // namespace vex2::lab
+}  // namespace vex2::tool
