@@ -13,7 +13,7 @@ install(FILES ${PROJECT_BINARY_DIR}/vex2Config.cmake ${PROJECT_BINARY_DIR}/vex2C
 set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 file(RELATIVE_PATH vex2_pc_to_prefix "/${pkgconfig_dir}" "/")
 string(REGEX REPLACE "/$" "" vex2_pc_to_prefix "${vex2_pc_to_prefix}")
-foreach(name vex2 vex2framework)
+foreach(name vex2 vex2framework vex2lab)
   configure_file(cmake/${name}.pc.in ${name}.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/${name}.pc DESTINATION ${pkgconfig_dir})
 endforeach()

@@ -74,6 +74,19 @@ function(vex2_install_headers folder)
   endforeach()
 endfunction()
 
+# vex2_install_public_headers(HEADER...) installs the headers, named from the current folder, under
+# the path that they have in the repository, and notes them as vex2_install_headers does.
+function(vex2_install_public_headers)
+  cmake_path(RELATIVE_PATH CMAKE_CURRENT_SOURCE_DIR BASE_DIRECTORY ${PROJECT_SOURCE_DIR}
+             OUTPUT_VARIABLE here)
+  foreach(header ${ARGN})
+    cmake_path(GET header PARENT_PATH folder)
+    install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${here}/${folder})
+    set_property(GLOBAL APPEND PROPERTY vex2_public_headers ${here}/${header})
+    set_property(GLOBAL APPEND PROPERTY vex2_${here}_headers ${here}/${header})
+  endforeach()
+endfunction()
+
 # vex2_check_headers(NAME HEADERS... LINK LIBRARY...) compiles each header by itself. HEADERS are
 # paths from the root of the repository.
 function(vex2_check_headers name)

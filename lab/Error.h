@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "vex2/framework/Export.h"
+
 namespace vex2::lab {
 
 /// What an error is about.
@@ -55,12 +57,12 @@ struct ErrorKind {
 };
 
 /// All kinds, in the order of `ErrorCode`.
-std::span<const ErrorKind> ErrorKinds();
-const ErrorKind& ErrorKindOf(ErrorCode code);
+VEX2_API std::span<const ErrorKind> ErrorKinds();
+VEX2_API const ErrorKind& ErrorKindOf(ErrorCode code);
 
 /// Why an operation failed: a code, and one sentence that names the file and, where there is one,
 /// the offset in bytes from the start of the file.
-class Error : public std::runtime_error {
+class VEX2_API Error : public std::runtime_error {
  public:
   /// `what` says what is wrong and, where that is not plain, what to do. Control characters of a
   /// hostile name or content do not reach the terminal.

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "vex2/framework/Export.h"
+
 namespace vex2::lab {
 
 /// A decimal number, mantissa times 10 to the exponent.
@@ -21,7 +23,7 @@ std::optional<DecimalNumber> ShortestDecimal(double value);
 
 /// How readings become the 16-bit numbers of a document: a reading, less the offset, times the
 /// scale, rounded. The scale is a fraction of whole numbers above 0.
-class ReadingScale {
+class VEX2_API ReadingScale {
  public:
   static constexpr std::uint64_t kLargestPart = 1'000'000'000'000;  ///< of the fraction
   static constexpr double kLargestReading = 1e12;                   ///< in both directions

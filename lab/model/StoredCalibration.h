@@ -9,8 +9,8 @@ namespace vex2::lab {
 Calibration CalibrationOf(const Vex2FileManager& document);
 
 /// Makes the parts that there are the document's, and keeps the reserved words of those that they
-/// replace; parts that there are not stay as they are. Throws an error when the document cannot hold
-/// them, or a name is not Latin-1.
+/// replace; parts that there are not stay as they are. Throws an error when the document cannot
+/// hold them, or a name is not Latin-1.
 void StoreCalibration(Vex2FileManager& document, const Calibration& calibration);
 
 }  // namespace vex2::lab

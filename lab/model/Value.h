@@ -4,6 +4,8 @@
 #include <string>
 #include <variant>
 
+#include "vex2/framework/Export.h"
+
 namespace vex2::lab {
 
 /// A value of a document as a person reads it: none, a whole number, a number of 32 bits in
@@ -16,6 +18,6 @@ inline bool HasValue(const Value& value) {
 
 /// The value as a person reads and types it; empty when there is none. A number in floating point
 /// is the shortest text from which the same number is read.
-std::string ValueText(const Value& value);
+VEX2_API std::string ValueText(const Value& value);
 
 }  // namespace vex2::lab

@@ -42,12 +42,11 @@ LiveRun::LiveRun(const MeasuredRunFiles& files, LiveOptions live, RecordOptions 
 
 Recorder::Outcome LiveRun::Record() {
   recorder_.Claim();
-  const bool wasRead =
-      ReadReadingRows({.path = files_.readings,
-                       .format = files_.readingsFormat,
-                       .findsChannels = false,
-                       .keepsWaiting = [&] { return !isDone_ && !wait_(0); }},
-                      plan_, [&](const ReadingRow& row) { take(row); });
+  const bool wasRead = ReadReadingRows({.path = files_.readings,
+                                        .format = files_.readingsFormat,
+                                        .findsChannels = false,
+                                        .keepsWaiting = [&] { return !isDone_ && !wait_(0); }},
+                                       plan_, [&](const ReadingRow& row) { take(row); });
   if (isDone_) return outcome();
   if (!wasRead) return Recorder::Outcome::kInterrupted;
   if (!encoder_ && !recorder_.IsNew()) goOn();

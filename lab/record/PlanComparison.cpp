@@ -157,8 +157,9 @@ std::optional<PlanDifference> FindDifference(const Vex2FileManager& document, co
        {compareWells, compareDetectors, compareDyes, compareCalibration, compareSettings}) {
     if (auto difference = compare(document, planned)) return difference;
   }
-  return plan.isLive ? std::nullopt
-                     : compareTexts("program", programOf(document), programOf(planned));
+  return plan.isLive && plan.program.empty()
+             ? std::nullopt
+             : compareTexts("program", programOf(document), programOf(planned));
 }
 
 }  // namespace vex2::lab

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <new>
+#include <vector>
 
+#include "lab/Error.h"
+#include "lab/model/DocumentValues.h"
 #include "lab/model/StoredCalibration.h"
 
 namespace vex2::lab {
@@ -37,11 +40,14 @@ void setSettings(Vex2FileManager& document, const RunPlan& plan) {
 
 void setProgram(Vex2FileManager& document, const RunPlan& plan) {
   const std::string text = ProgramText(plan);
-  ThermocycleProgram program;
-  program.length = static_cast<std::uint32_t>(text.size());
-  program.Allocate();
-  std::copy(text.begin(), text.end(), program.data);
-  require(document.ReplaceThermocycleProgram(&program));
+  const std::vector<std::uint8_t> described(text.begin(), text.end());
+  StoreProgram(document, plan.program.empty() ? described : plan.program);
+}
+
+void setDetectors(Vex2FileManager& document, const RunPlan& plan) {
+  for (const Vex2Detector& detector : plan.detectors) {
+    require(document.AppendDetectorInfo(&detector));
+  }
 }
 
 }  // namespace
@@ -49,18 +55,25 @@ void setProgram(Vex2FileManager& document, const RunPlan& plan) {
 void StorePlan(Vex2FileManager& document, const RunPlan& plan) {
   document.SetHeaderData(headerFor(plan));
   setSettings(document, plan);
-  if (!plan.isLive) setProgram(document, plan);
+  for (const SettingValue& setting : plan.settings) StoreSetting(document, setting);
+  if (!plan.isLive || !plan.program.empty()) setProgram(document, plan);
+  // First, so that what the wells say of a detector finds its details.
+  setDetectors(document, plan);
   StoreContents(document, plan.contents);
+  for (const std::string& dye : plan.requiredDyes) {
+    document.AppendRequiredDyenfo(CString(dye));
+  }
   StoreCalibration(document, plan.calibration);
 }
 
 void StoreWhatIsKnownLast(Vex2FileManager& document, const RunPlan& plan) {
+  if (!plan.statesReadings) return;
   Vex2GlobalComplex settings;
   static_cast<void>(document.GetGlobalComplexInfo(&settings));
   const std::string log = LogText(plan);
   settings.SetLog(log.data(), static_cast<std::uint32_t>(log.size()));
   require(document.ReplaceGlobalComplexComp(&settings));
-  setProgram(document, plan);
+  if (plan.program.empty()) setProgram(document, plan);
 }
 
 }  // namespace vex2::lab

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "lab/Error.h"
+#include "lab/model/RawFile.h"
 #include "lab/record/PlanDocument.h"
 #include "vex2/format/HeaderLayout.h"
 
@@ -53,8 +54,10 @@ bool RecordingDocument::Begin(const RunPlan& plan) {
 // the whole document with a block, the header does not hold the offset that a commit needs.
 void RecordingDocument::make(const RunPlan& plan) {
   StorePlan(manager_, plan);
+  // In the same save: a status that is patched in place could be cut off between two of its
+  // letters.
+  check(manager_.SetAcquisitionStatus(RunStatus::kInProgress.data()));
   check(manager_.SaveToFile(document_.c_str()));
-  check(manager_.SetAcquisitionStatus(document_.c_str(), RunStatus::kInProgress.data()));
   openBlock(plan);
 }
 
@@ -67,17 +70,31 @@ void RecordingDocument::openBlock(const RunPlan& plan) {
 }
 
 void RecordingDocument::Commit(const RunPlan& plan, std::span<const Vex2WellRecord> records) {
+  RequireSynced();
   const auto index = static_cast<int>(frameCount_);
   for (std::size_t i = 0; i < records.size(); ++i) {
     if (!manager_.SetAcqDataWellRecord(&records[i], index, plan.wells[i], DataRAWa)) {
       throw Error(ErrorCode::kSystem, options_.path, "the data block cannot grow further");
     }
   }
-  check(manager_.CommitAcqDataFrame(document_.c_str(), index, DataRAWa));
+  const int status = manager_.CommitAcqDataFrame(document_.c_str(), index, DataRAWa);
+  const FileError& failure = manager_.GetLastFileError();
+  // What the system could not store it may have dropped, so that no later sync would tell.
+  hasFailedSync_ =
+      hasFailedSync_ || (status != kSuccess && failure.operation == FileOperation::kSync);
+  check(status);
   ++frameCount_;
 }
 
+void RecordingDocument::RequireSynced() const {
+  if (!hasFailedSync_) return;
+  throw Error(ErrorCode::kSystem, options_.path,
+              "cannot record further: the disk failed to store an earlier change, so what the file "
+              "holds is uncertain; check the disk and resume with a new recorder");
+}
+
 void RecordingDocument::Finish(const RunPlan& plan) {
+  RequireSynced();
   if (plan.isLive) {
     manager_.KeepingRawDataLast([&] { StoreWhatIsKnownLast(manager_, plan); });
   }

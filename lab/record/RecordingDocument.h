@@ -56,6 +56,8 @@ class RecordingDocument {
   /// The readings of one of them, of these wells.
   std::vector<RunReading> RecordedFrame(std::size_t index,
                                         std::span<const unsigned short> wells) const;
+  /// Throws an error once the disk has failed to store a frame: nothing is recorded from then on.
+  void RequireSynced() const;
   const std::string& Path() const { return options_.path; }
 
  private:
@@ -69,6 +71,7 @@ class RecordingDocument {
   std::optional<InterruptedRun> interrupted_;  ///< what to resume; nothing: a new document
   DocumentFile manager_;
   std::size_t frameCount_ = 0;
+  bool hasFailedSync_ = false;  ///< the disk failed to store a frame
 };
 
 }  // namespace vex2::lab

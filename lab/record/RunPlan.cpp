@@ -47,6 +47,7 @@ std::vector<Vex2WellRecord> FrameRecords(const RunPlan& plan, std::size_t index)
 }
 
 std::string LogText(const RunPlan& plan) {
+  if (!plan.statesReadings) return plan.origin;
   return plan.origin + RunLog{.frames = FrameTotal(plan),
                               .scale = plan.scale,
                               .channels = plan.channels,

@@ -7,6 +7,7 @@
 #include "lab/model/Calibration.h"
 #include "lab/model/PlateContents.h"
 #include "lab/model/ReadingScale.h"
+#include "lab/model/Run.h"
 #include "lab/model/RunReading.h"
 #include "lab/model/RunStart.h"
 #include "vex2/run/Vex2WellRecord.h"
@@ -32,6 +33,13 @@ struct RunPlan {
   std::string comment;
   /// Lines of key=value that tell where the readings come from; they go into the document's log.
   std::string origin;
+  /// Whether the frames hold readings of this library's making, and the log says so.
+  bool statesReadings = true;
+
+  std::vector<Vex2Detector> detectors;    ///< besides what the contents say of them
+  std::vector<std::string> requiredDyes;  ///< besides the contents' reporters; Latin-1
+  std::vector<SettingValue> settings;
+  std::vector<std::uint8_t> program;  ///< empty: described from the frames
 };
 
 /// How many frames the run will have had at its end; nothing while nobody knows.

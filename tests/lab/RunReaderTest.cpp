@@ -3,8 +3,8 @@
 
 #include <thread>
 
-#include "lab/model/RunReader.h"
 #include "lab/model/Document.h"
+#include "lab/model/RunReader.h"
 #include "tests/lab/RunDocuments.h"
 #include "tests/support/Files.h"
 #include "tests/support/SampleData.h"

@@ -1,11 +1,11 @@
 #include <chrono>
 #include <iostream>
 
-#include "tools/vex/files/Interrupts.h"
 #include "lab/model/RawFile.h"
 #include "lab/recover/Recover.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
+#include "tools/vex/files/Interrupts.h"
 #include "tools/vex/files/OutputFiles.h"
 #include "tools/vex/show/RecoverOutput.h"
 #include "tools/vex/text/ProgressLine.h"

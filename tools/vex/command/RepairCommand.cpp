@@ -1,11 +1,11 @@
 #include <iostream>
 
-#include "tools/vex/files/Interrupts.h"
 #include "lab/check/DocumentCheck.h"
 #include "lab/check/Repair.h"
 #include "lab/model/DocumentLock.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
+#include "tools/vex/files/Interrupts.h"
 
 namespace vex2::tool {
 

@@ -6,9 +6,9 @@
 #include <cerrno>
 #include <iostream>
 
-#include "tools/vex/files/Interrupts.h"
 #include "lab/model/RawFile.h"
 #include "tools/vex/Errors.h"
+#include "tools/vex/files/Interrupts.h"
 
 namespace vex2::tool {
 

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cerrno>
+#include <exception>
+#include <filesystem>
+#include <new>
+#include <string>
+#include <utility>
+
+#include "lab/Error.h"
+#include "vex2/framework/CFileException.h"
+
+namespace vex2::lab {
+
+/// Calls `work`, which works on the document at `path`. Whatever it throws leaves as an
+/// `Error` that names a file.
+template <typename Work>
+auto Guarded(const std::string& path, Work&& work) -> decltype(std::forward<Work>(work)()) {
+  try {
+    return std::forward<Work>(work)();
+  } catch (const Error& error) {
+    if (!error.File().empty() || path.empty()) throw;
+    throw Error(error.Code(), path, error.Message(), error.Offset());
+  } catch (const CFileException& failure) {
+    throw SystemError(failure.GetPath().empty() ? path : failure.GetPath(), failure.GetError());
+  } catch (const std::filesystem::filesystem_error& failure) {
+    throw SystemError(path, failure.code().value());
+  } catch (const std::bad_alloc&) {
+    throw SystemError(path, ENOMEM);
+  } catch (const std::exception& failure) {
+    throw Error(ErrorCode::kSystem, path, failure.what());
+  }
+}
+
+}  // namespace vex2::lab
