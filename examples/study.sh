@@ -12,6 +12,6 @@ cd "$1"
 "$vex" study list study.vex
 
 # Each plate can be shown within its study, or extracted as a separate document.
-"$vex" export study.vex --plate kidney -o kidney.csv
-"$vex" study extract study.vex kidney kidney-again.vex
+"$vex" export study.vex --plate kidney -o kidney.csv --force
+"$vex" study extract study.vex kidney kidney-again.vex --force
 "$vex" export kidney-again.vex | cmp - kidney.csv

@@ -62,10 +62,11 @@ void readRows(std::string_view content) {
 }
 
 void readWells(std::string_view content) {
-  const PlateContents contents = LoadWells(first().Holding(content));
+  FloatReader numbers(false);
+  const PlateContents contents = LoadWells(first().Holding(content), numbers);
   std::ostringstream out;
   WriteWells(contents, out);
-  const PlateContents again = LoadWells(first().Holding(out.str()));
+  const PlateContents again = LoadWells(first().Holding(out.str()), numbers);
   Require(again.rows == contents.rows, "the wells are what they were");
 }
 
@@ -74,12 +75,13 @@ bool same(const std::optional<CalibrationPart>& one, const std::optional<Calibra
 }
 
 void readCalibration(std::string_view content) {
-  const Calibration calibration = LoadCalibration(first().Holding(content));
+  FloatReader numbers(false);
+  const Calibration calibration = LoadCalibration(first().Holding(content), numbers);
   std::ostringstream out;
   CsvWriter csv(out, false);
   WriteCalibrationColumns(csv);
   WriteCalibration(calibration, csv, "");
-  const Calibration again = LoadCalibration(first().Holding(out.str()));
+  const Calibration again = LoadCalibration(first().Holding(out.str()), numbers);
   Require(same(calibration.pureDyes, again.pureDyes), "the dyes are what they were");
   Require(same(calibration.background, again.background), "the background is what it was");
 }

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "vex2/framework/Language.h"
+
 namespace vex2::lab {
 
 /// One spectrum of a calibration: a pure dye, or a trace of the background. The numbers of the

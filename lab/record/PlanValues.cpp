@@ -108,7 +108,7 @@ Stored scaled(double number, double parts, const std::string& what) {
   return static_cast<Stored>(stored);
 }
 
-void encodeValues(const RunPlan& plan, const WellReading& from, const std::string& where,
+void encodeValues(const RunPlan& plan, const MeasuredWell& from, const std::string& where,
                   RunReading& to) {
   if (from.values.size() != ChannelCount(plan)) {
     refuse(where + " has " + Counted(from.values.size(), "reading") + ", but the run has " +
@@ -163,7 +163,7 @@ RunPlan InternalPlan(const RecordingPlan& plan) {
 std::vector<RunReading> EncodedFrame(const RunPlan& plan, const MeasuredFrame& frame,
                                      const std::string& name) {
   std::vector<RunReading> readings(plan.wells.size());
-  takeByWell(plan, frame.wells, name, [&](std::size_t place, const WellReading& from) {
+  takeByWell(plan, frame.wells, name, [&](std::size_t place, const MeasuredWell& from) {
     const std::string where = name + ", well " + plan.plate.NameOf(from.well);
     RunReading& to = readings[place];
     to.melting = frame.stage == Stage::kMelting;

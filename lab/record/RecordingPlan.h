@@ -42,7 +42,7 @@ struct RecordingPlan {
 };
 
 /// What one well gave in a frame, in real units.
-struct WellReading {
+struct MeasuredWell {
   std::uint16_t well = 0;  ///< the well's number, from 1
   double temperature = 0;  ///< degrees Celsius, 0 to 655.35; kept in steps of 0.01
   double time = 0;         ///< seconds since the run began; kept in steps of 0.001
@@ -53,7 +53,7 @@ struct WellReading {
 struct MeasuredFrame {
   Stage stage = Stage::kAmplification;
   std::uint16_t cycle = 0;  ///< within its stage, from 1
-  std::vector<WellReading> wells;
+  std::vector<MeasuredWell> wells;
 };
 
 /// A well's record as the instrument gives it. The recorder stores it as it is.

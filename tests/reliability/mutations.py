@@ -47,7 +47,7 @@ LIST = "vex2/container/CContainerComp.cpp"
 BYTES = "vex2/container/CBlockValueComp.cpp"
 COMPONENT = "vex2/container/CComponent.cpp"
 DATA = "vex2/run/AcquisitionDataComp.cpp"
-RECORDS = "vex2/run/WellRecordCoding.cpp"
+STORED_RECORDS = "vex2/format/StoredRecords.h"
 SPECTRUM_SET = "vex2/setup/SpectrumSetComp.cpp"
 PLATES = "vex2/study/CMultiPlateComp.cpp"
 
@@ -116,8 +116,8 @@ BARRIERS = (
             "recordsFollow(file, counted) ? counted : counted",
             "storage"),
     barrier("one-frame-uncommitted", FRAME_LOG, "that at most a frame is taken for uncommitted bytes",
-            " || fileEnd - counted > block.FrameBytes()",
-            "",
+            "range.fileEnd - end <= range.frameSize ? Uncommitted::kCommit : Uncommitted::kMore",
+            "Uncommitted::kCommit",
             "storage"),
     barrier("frames-uncommitted", FRAME_LOG, "that frames which are not the writer's are never written over",
             "    if (!held.IsFrame(file, frame)) return false;\n",
@@ -174,7 +174,7 @@ CHECKS = (
           "if (!HasBytesLeft(file, sizeof(std::uint16_t) * std::uint64_t{count})) return ShortRead(file);", "",
           "format run reliability:*HostileFields*"),
     check("frames", DATA, "a block's frames times their size against the bytes that are left",
-          "if (!vex2::HasBytesLeft(file, static_cast<std::uint64_t>(frames) * frameSize()))", "if (false)",
+          "if (!vex2::HasBytesLeft(file, size)) {", "if (false) {",
           "run reliability:*HostileFields*"),
     check("entries", SPECTRUM_SET, "a calibration's entries times their size against the bytes that are left",
           "if (has(std::uint64_t{count} * fixedSizeOf(record.entries))) record", "record",
@@ -224,8 +224,8 @@ CHECKS = (
           "  if (blockOffset <= 0) return kSuccess;\n", "", "manager:ReadFromAFile*:Frames*"),
     check("frame-alone", FRAME_FILES, "the index of a frame read alone against the count",
           " || index >= geometry.frameCount) return kSuccess;", ") return kSuccess;", "manager:ReadFromAFile*"),
-    check("cut-record", RECORDS, "a well's record against the bytes that are left",
-          "if (bytes.size() < kStoredRecordSize) {", "if (bytes.empty()) {", "manager reliability:*CutAnywhere*"),
+    check("cut-record", STORED_RECORDS, "a well's record against the bytes that are left",
+          "if (whole == 0) return ShortRead(file);", "if (bytes.empty()) return ShortRead(file);\n    if (whole == 0) whole = 1;", "manager reliability:*CutAnywhere*"),
     check("magic", HEADER, "that a document begins with its code",
           "    if (!state_->IsDocument(*this)) return static_cast<int>(vex2::kReadFailed);\n",
           "",

@@ -9,6 +9,7 @@
 #include "tools/vex/command/PlateOption.h"
 #include "tools/vex/files/Changing.h"
 #include "tools/vex/text/Text.h"
+#include "vex2/format/HeaderLayout.h"
 
 namespace vex2::tool {
 
@@ -57,7 +58,8 @@ class StatusCommand final : public Command {
 
   void requireCode() const {
     if (!code_) return;
-    for (const std::string_view known : {"ZERO", "PROG", "DONE"}) {
+    for (const std::string_view known :
+         {RunStatus::kNotStarted, RunStatus::kInProgress, RunStatus::kDone}) {
       const bool isAlike = std::equal(
           code_->begin(), code_->end(), known.begin(), known.end(),
           [](char given, char letter) { return given == letter || given == letter - 'A' + 'a'; });
