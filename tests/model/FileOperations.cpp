@@ -162,7 +162,7 @@ Operation assignOperation(Draw& draw) {
   Operation operation;
   operation.text = to == 0 ? "first = second" : "second = first";
   operation.onBoth = [=](Sides& sides) {
-    sides.library[to] = sides.library[1 - to];
+    sides.actual[to] = sides.actual[1 - to];
     sides.model[to].assign(sides.model[1 - to]);
   };
   return operation;

@@ -69,7 +69,7 @@ Text difference(const Text& what, const Text& library, const Text& model) {
 }
 
 Text differenceOfManagers(Sides& sides, int number) {
-  const OpenedManager& library = sides.library[number];
+  const OpenedManager& library = sides.actual[number];
   const Manager& model = sides.model[number];
   const Text which = number == 0 ? "first: " : "second: ";
   Text found = difference(which + "header", headerOf(library.GetHeaderData()), model.header);
@@ -122,7 +122,7 @@ Text differenceAfter(Sides& sides, const Operation& operation) {
     Manager& model = sides.model[operation.manager];
     if (operation.isSettled && !operation.isSettled(model)) return {};
     const Text expected = operation.model(model);
-    const Text answered = operation.library(sides.library[operation.manager]);
+    const Text answered = operation.library(sides.actual[operation.manager]);
     if (Text found =
             difference("answer " + answered.substr(0, 5) + " instead of " + expected.substr(0, 5),
                        answered, expected);
@@ -156,7 +156,7 @@ std::optional<Failure> run(const std::vector<Operation>& sequence, int* operatio
     if (operations != nullptr) ++*operations;
   }
   for (const int number : {0, 1}) {
-    sides->library[number].Close();
+    sides->actual[number].Close();
     sides->model[number].close();
   }
   if (Text found = differenceOfFiles(*sides); !found.empty())

@@ -48,7 +48,7 @@ class Files : public MemoryFiles {
 struct Sides {
   Files files;
   RecordingHost host;
-  OpenedManager library[2];
+  OpenedManager actual[2];
   Disk disk;
   Manager model[2] = {Manager(disk), Manager(disk)};
 };

@@ -22,7 +22,7 @@ Operation addOperation(Draw& draw) {
   Operation operation;
   operation.text = Text(to == 0 ? "first" : "second") + " takes the other as a plate, date " + date;
   operation.onBoth = [=](Sides& sides) {
-    const bool added = sides.library[to].AddRQPlate(&sides.library[1 - to], date.c_str());
+    const bool added = sides.actual[to].AddRQPlate(&sides.actual[1 - to], date.c_str());
     EXPECT_EQ(added, sides.model[to].addPlate(sides.model[1 - to], date)) << "AddRQPlate";
   };
   return operation;
