@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <iterator>
 #include <limits>
 
@@ -27,6 +28,11 @@ const CRuntimeClass* CComponent::GetRuntimeClass() const {
 }
 
 void CComponent::setTag(std::string_view tag) {
+  // Nearly every tag has its four characters, and one is set for each record that is read.
+  if (tag.size() == sizeof tag_) {
+    std::memcpy(tag_, tag.data(), sizeof tag_);
+    return;
+  }
   std::fill(std::begin(tag_), std::end(tag_), ' ');
   std::copy_n(tag.begin(), std::min(tag.size(), sizeof tag_), tag_);
 }

@@ -4,7 +4,6 @@
 #include <limits>
 #include <numeric>
 #include <utility>
-#include <vector>
 
 #include "vex2/container/CSkippedComp.h"
 #include "vex2/container/Status.h"
@@ -15,8 +14,6 @@ namespace {
 
 constexpr std::uint16_t kCountLength = sizeof(std::uint16_t);
 constexpr std::size_t kUsualChildren = 16;
-// The first reservation of a list that is built child by child; most lists have few children.
-constexpr std::size_t kFirstChildren = 4;
 
 // A skipped record may declare more bytes than the file has. A save would write that many zeros,
 // possibly gigabytes, so the placeholder keeps only the bytes that the file held.
@@ -28,44 +25,38 @@ void shortenToFile(CComponent& child, const CFile& file) {
 
 }  // namespace
 
-struct CContainerComp::Children {
-  std::vector<std::unique_ptr<CComponent>> list;
-};
-
 CContainerComp::CContainerComp(std::string_view tag) : CContainerComp(tag, kCountLength) {}
 
 CContainerComp::CContainerComp(std::string_view tag, std::uint16_t fixedLength)
-    : CComponent(tag, fixedLength),
-      children_(std::make_unique<Children>()),
-      fixedLength_(fixedLength) {}
+    : CComponent(tag, fixedLength), fixedLength_(fixedLength) {}
 
 CContainerComp::~CContainerComp() = default;
 
 int CContainerComp::GetChildCount() const {
-  return static_cast<int>(children_->list.size());
+  return static_cast<int>(children_.Size());
 }
 
 void CContainerComp::reserveChildren(std::size_t count) {
-  children_->list.reserve(count);
+  children_.Reserve(count);
 }
 
 CComponent* CContainerComp::GetChild(int index) const {
-  return index >= 0 && index < GetChildCount()
-             ? children_->list[static_cast<std::size_t>(index)].get()
-             : nullptr;
+  return index >= 0 && index < GetChildCount() ? children_.All()[static_cast<std::size_t>(index)]
+                                               : nullptr;
 }
 
 CComponent* CContainerComp::FindChild(std::string_view tag) const {
-  for (const auto& child : children_->list) {
-    if (child->GetTag() == tag) return child.get();
+  for (CComponent* child : children_.All()) {
+    if (child->GetTag() == tag) return child;
   }
   return nullptr;
 }
 
 // The number of bytes that the children take in the file, whatever the list declares.
 std::uint64_t CContainerComp::lengthOfChildren() const {
+  const auto all = children_.All();
   return std::accumulate(
-      children_->list.begin(), children_->list.end(), std::uint64_t{0},
+      all.begin(), all.end(), std::uint64_t{0},
       [](std::uint64_t sum, const auto& child) { return sum + child->GetSize(); });
 }
 
@@ -83,15 +74,13 @@ bool CContainerComp::changeLength(std::uint64_t removed, std::uint64_t added) {
 }
 
 bool CContainerComp::AddChild(std::unique_ptr<CComponent> child) {
-  if (child == nullptr || children_->list.size() >= std::numeric_limits<std::uint16_t>::max()) {
+  if (child == nullptr || children_.Size() >= std::numeric_limits<std::uint16_t>::max()) {
     return false;
   }
-  if (children_->list.size() == children_->list.capacity()) {
-    children_->list.reserve(std::max(kFirstChildren, 2 * children_->list.size()));
-  }
+  children_.ReserveNext();
   if (!changeLength(0, child->GetSize())) return false;
-  children_->list.push_back(std::move(child));
-  count_ = static_cast<std::uint16_t>(children_->list.size());
+  keepChild(std::move(child));
+  count_ = static_cast<std::uint16_t>(children_.Size());
   return true;
 }
 
@@ -99,8 +88,8 @@ bool CContainerComp::RemoveChild(int index) {
   const CComponent* child = GetChild(index);
   if (child == nullptr) return false;
   if (!changeLength(child->GetSize(), 0)) setLength(std::numeric_limits<std::uint32_t>::max());
-  children_->list.erase(children_->list.begin() + index);
-  count_ = static_cast<std::uint16_t>(children_->list.size());
+  children_.Remove(static_cast<std::size_t>(index));
+  count_ = static_cast<std::uint16_t>(children_.Size());
   return true;
 }
 
@@ -108,14 +97,14 @@ bool CContainerComp::ReplaceChild(int index, std::unique_ptr<CComponent> child) 
   const CComponent* old = GetChild(index);
   if (old == nullptr) return AddChild(std::move(child));
   if (child == nullptr || !changeLength(old->GetSize(), child->GetSize())) return false;
-  children_->list.erase(children_->list.begin() + index);
-  children_->list.push_back(std::move(child));
-  count_ = static_cast<std::uint16_t>(children_->list.size());
+  children_.Remove(static_cast<std::size_t>(index));
+  keepChild(std::move(child));
+  count_ = static_cast<std::uint16_t>(children_.Size());
   return true;
 }
 
 void CContainerComp::keepChild(std::unique_ptr<CComponent> child) {
-  children_->list.push_back(std::move(child));
+  children_.Append(std::move(child));
 }
 
 CComponent& CContainerComp::Assign(const CComponent& source) {
@@ -123,17 +112,17 @@ CComponent& CContainerComp::Assign(const CComponent& source) {
   if (same == nullptr || same == this || source.GetTag() != GetTag()) return *this;
   CComponent::Assign(source);
   FreeBody();
-  children_->list.reserve(same->children_->list.size());
-  for (const auto& child : same->children_->list) {
+  reserveChildren(same->children_.Size());
+  for (const CComponent* child : same->children_.All()) {
     std::unique_ptr<CComponent> clone;
-    if (CloneComponent(*child, clone) == 1) children_->list.push_back(std::move(clone));
+    if (CloneComponent(*child, clone) == 1) keepChild(std::move(clone));
   }
-  count_ = static_cast<std::uint16_t>(children_->list.size());
+  count_ = static_cast<std::uint16_t>(children_.Size());
   return *this;
 }
 
 void CContainerComp::FreeBody() {
-  children_->list.clear();
+  children_.Clear();
 }
 
 int CContainerComp::WriteBody(CFile* file) {
@@ -150,7 +139,7 @@ int CContainerComp::ReadBody(CFile* file) {
 }
 
 int CContainerComp::WriteChildren(CFile* file) {
-  for (const auto& child : children_->list) {
+  for (CComponent* child : children_.All()) {
     if (const int status = child->Write(file); status != vex2::kSuccess) return status;
   }
   return vex2::kSuccess;
@@ -158,7 +147,7 @@ int CContainerComp::WriteChildren(CFile* file) {
 
 int CContainerComp::ReadChildren(CFile* file) {
   // The count comes from the file, so reserve no more than most lists need.
-  children_->list.reserve(std::min<std::size_t>(count_, kUsualChildren));
+  reserveChildren(std::min<std::size_t>(count_, kUsualChildren));
   for (int pass = 0; pass < count_; ++pass) {
     std::unique_ptr<CComponent> child;
     if (!vex2::CreateNextComponent(*file, child)) return vex2::kSuccess;

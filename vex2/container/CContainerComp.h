@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "vex2/container/CComponent.h"
+#include "vex2/container/ComponentArray.h"
 
 /// A list: a component that holds components, its children, which it owns. In the file: a 16-bit
 /// count, then that many records.
@@ -57,12 +58,10 @@ class VEX2_API CContainerComp : public CComponent {
   void setCount(std::uint16_t count) { count_ = count; }
 
  private:
-  struct Children;
-
   std::uint64_t lengthOfChildren() const;
   bool changeLength(std::uint64_t removed, std::uint64_t added);
 
-  std::unique_ptr<Children> children_;
+  vex2::ComponentArray children_;
   std::uint16_t count_ = 0;
   std::uint16_t fixedLength_;
 };
