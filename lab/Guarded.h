@@ -4,6 +4,7 @@
 #include <exception>
 #include <filesystem>
 #include <new>
+#include <stdexcept>
 #include <string>
 #include <utility>
 
@@ -22,10 +23,13 @@ auto Guarded(const std::string& path, Work&& work) -> decltype(std::forward<Work
     if (!error.File().empty() || path.empty()) throw;
     throw Error(error.Code(), path, error.Message(), error.Offset());
   } catch (const CFileException& failure) {
-    throw SystemError(failure.GetPath().empty() ? path : failure.GetPath(), failure.GetError());
+    throw SystemError(failure.GetPath().empty() ? path : failure.GetPath(), failure.GetError(),
+                      failure.GetOffset());
   } catch (const std::filesystem::filesystem_error& failure) {
     throw SystemError(path, failure.code().value());
   } catch (const std::bad_alloc&) {
+    throw SystemError(path, ENOMEM);
+  } catch (const std::length_error&) {
     throw SystemError(path, ENOMEM);
   } catch (const std::exception& failure) {
     throw Error(ErrorCode::kSystem, path, failure.what());

@@ -176,27 +176,19 @@ class PlateCheck {
           "take the run from a backup, or record it again from its readings");
     }
     const char* const kLook = "'vex export' shows them: see whether the readings were right";
-    if (hot_.count > 0) {
-      add(Severity::kWarning, kBlock,
-          Counted(hot_.count, "reading") + " above 120 C, the first in frame " + at(hot_),
-          "no plate is as hot: temperatures, and what is computed from them, are wrong", kLook);
-    }
-    if (early_.count > 0) {
-      add(Severity::kWarning, kBlock,
-          Counted(early_.count, "frame") +
-              " with a time before that of the frame before, the first "
-              "is frame " +
-              at(early_),
-          "what goes by times sees the frames in another order", kLook);
-    }
-    if (disordered_.count > 0) {
-      add(Severity::kWarning, kBlock,
-          Counted(disordered_.count, "frame") +
-              " with a cycle that does not follow that of the "
-              "frame before, the first is frame " +
-              at(disordered_),
-          "what goes by cycles sees the frames in another order", kLook);
-    }
+    const auto warn = [&](const FrameFault& fault, std::string_view unit, const std::string& what,
+                          const std::string& consequence) {
+      if (fault.count == 0) return;
+      add(Severity::kWarning, kBlock, Counted(fault.count, unit) + what + at(fault), consequence,
+          kLook);
+    };
+    warn(hot_, "reading", " above 120 C, the first in frame ",
+         "no plate is as hot: temperatures, and what is computed from them, are wrong");
+    warn(early_, "frame", " with a time before that of the frame before, the first is frame ",
+         "what goes by times sees the frames in another order");
+    warn(disordered_, "frame",
+         " with a cycle that does not follow that of the frame before, the first is frame ",
+         "what goes by cycles sees the frames in another order");
   }
 
   Document::Plate plate_;

@@ -31,7 +31,7 @@ void DocumentFile::OpenDocument(const std::string& path) {
   RequireReadable(path);
   if (SafeOpen(path.c_str(), 0, 0) == 0) throw FileFailure(path, GetLastFileError());
   if (const auto why = WhyNoDocument(*this)) {
-    throw Error(ErrorCode::kNoDocument, path, "this is no plate document: " + *why, 0);
+    throw Error(ErrorCode::kNoDocument, path, "this is not a plate document: " + *why, 0);
   }
 }
 

@@ -1,24 +1,15 @@
 #include "lab/model/DocumentOverview.h"
 
-#include <algorithm>
 #include <bit>
 
 #include "lab/Text.h"
-#include "lab/model/DataBlock.h"
-#include "lab/model/RunLog.h"
-#include "lab/model/Settings.h"
-#include "vex2/run/AcquisitionDataComp.h"
+#include "lab/model/Codes.h"
+#include "lab/model/RunValues.h"
+#include "vex2/run/ThermocycleProgramComp.h"
 
 namespace vex2::lab {
 
 namespace {
-
-template <std::size_t size>
-std::string textOf(const char (&characters)[size]) {
-  std::string text = ToUtf8({characters, size});
-  text.erase(text.find_last_not_of(' ') + 1);
-  return text;
-}
 
 std::size_t wellsInUse(const Vex2HeaderData& header) {
   std::size_t count = 0;
@@ -28,73 +19,33 @@ std::size_t wellsInUse(const Vex2HeaderData& header) {
   return count;
 }
 
-// The recorder alone says what its times mean; their zone is in its log.
-std::optional<std::string> timeOf(const TimeStamp& time, const std::optional<RunLog>& log) {
-  auto text = log ? TimeText(time) : std::nullopt;
-  if (text && log->started) *text += log->started->Zone();
-  return text;
-}
-
-BlockOverview overviewOf(const AcquisitionDataComp& block, const Vex2FileManager& content) {
-  const auto log = RecordedReadings(content, block.GetTag()).Log();
-  return {.tag = std::string(block.GetTag()),
-          .version = block.GetVersion(),
-          .wells = block.GetWellCount(),
-          .frames = block.GetFrameCount(),
-          .isRecorded = log.has_value(),
-          .start = timeOf(block.GetStartTime(), log),
-          .end = timeOf(block.GetEndTime(), log),
-          .storedStart = block.GetStartTime(),
-          .storedEnd = block.GetEndTime()};
-}
-
-// A program's meaning is the instrument's; people can read one that is text.
-std::optional<std::string> programText(const Vex2FileManager& content) {
-  ThermocycleProgram program;
-  if (content.GetThermocycleProgramInfo(&program) != kSuccess || program.data == nullptr) {
-    return std::nullopt;
-  }
-  std::string bytes(reinterpret_cast<const char*>(program.data), program.length);
-  const bool isText = std::all_of(bytes.begin(), bytes.end(), [](char c) {
-    return (c >= ' ' && c <= '~') || c == '\n' || c == '\t';
-  });
-  return isText ? std::optional(std::move(bytes)) : std::nullopt;
-}
-
 void addHeader(PlateOverview& overview, const Vex2HeaderData& header) {
-  overview.kind = textOf(header.kindMarker);
-  overview.plateType = textOf(header.plateTypeCode);
+  overview.kind = CodeText(header.kindMarker);
+  overview.plateType = CodeText(header.plateTypeCode);
   overview.rows = header.rows;
   overview.columns = header.columns;
   overview.wellsInUse = wellsInUse(header);
-  overview.assay = textOf(header.assayCode);
-  overview.run = textOf(header.runCode);
-  overview.text = textOf(header.text);
-  overview.status = textOf(header.acquisitionStatus);
+  overview.assay = CodeText(header.assayCode);
+  overview.run = CodeText(header.runCode);
+  overview.text = CodeText(header.text);
+  overview.status = CodeText(header.acquisitionStatus);
 }
 
-void addSettings(PlateOverview& overview, const Vex2FileManager& content) {
-  for (const Setting& setting : Settings()) {
-    if (setting.isInHeader) continue;
-    Value value = setting.get(content);
-    if (HasValue(value)) overview.settings.emplace_back(setting.key, std::move(value));
-  }
-}
-
-void addComponents(PlateOverview& overview, const Vex2FileManager& content) {
+void addContent(PlateOverview& overview, const Document::Plate& plate) {
+  const Vex2FileManager& content = *plate.content;
+  overview.settings = SettingValuesOf(content);
+  overview.blocks = BlocksOf(plate);
   overview.frames = content.GetDataFrameCount(DataRAWa);
-  for (int i = 0; i < content.GetAllComponentCount(); ++i) {
-    const CComponent* component = content.GetComponent(i);
-    if (const auto* block = dynamic_cast<const AcquisitionDataComp*>(component)) {
-      overview.blocks.push_back(overviewOf(*block, content));
-      if (block->GetTag() != TagOf(Kind::kRawData)) continue;
-      overview.start = overview.blocks.back().start;
-      overview.end = overview.blocks.back().end;
-    } else if (component->GetTag() == TagOf(Kind::kProgram) && !overview.programSize) {
-      overview.programSize = component->GetLength();
-    }
+  for (const BlockInfo& block : overview.blocks) {
+    if (block.tag != kRawReadings) continue;
+    overview.start = block.start;
+    overview.end = block.end;
   }
-  overview.programText = programText(content);
+  const std::optional<Program> program = ProgramOf(content);
+  if (program && !program->bytes.empty()) overview.programText = program->text;
+  if (const auto* component = content.GetThermocycleProgComp()) {
+    overview.programSize = component->GetLength();
+  }
 }
 
 std::vector<FileFault> faultsOf(const Document& document) {
@@ -114,8 +65,7 @@ PlateOverview OverviewOf(const Document::Plate& plate) {
   overview.offset = plate.offset;
   overview.size = plate.end - plate.offset;
   addHeader(overview, plate.content->GetHeaderData());
-  addSettings(overview, *plate.content);
-  addComponents(overview, *plate.content);
+  addContent(overview, plate);
   overview.records = plate.records;
   for (Document::Record& record : overview.records) record.tag = ToUtf8(record.tag);
   return overview;

@@ -1,32 +1,14 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <string_view>
-#include <utility>
 #include <vector>
 
 #include "lab/model/Document.h"
-#include "lab/model/Value.h"
+#include "lab/model/Run.h"
 
 namespace vex2::lab {
-
-/// A data block without its readings.
-struct BlockOverview {
-  std::string tag;
-  std::uint16_t version = 0;
-  std::size_t wells = 0;
-  int frames = 0;
-  bool isRecorded = false;  ///< the log states what the readings mean
-  /// Date and time of day, with the zone where the log has it. Nothing where nothing tells what
-  /// the bytes of the time mean.
-  std::optional<std::string> start;
-  std::optional<std::string> end;
-  TimeStamp storedStart;
-  TimeStamp storedEnd;
-};
 
 /// What one plate's worth of a document holds: the document itself, or a plate of a study. Texts
 /// are UTF-8, and codes are without the blanks behind them.
@@ -47,11 +29,11 @@ struct PlateOverview {
   std::string text;
   std::string status;
   int frames = 0;                    ///< of the raw readings
-  std::optional<std::string> start;  ///< of the raw readings, see `BlockOverview`
+  std::optional<std::string> start;  ///< of the raw readings, see `BlockInfo`
   std::optional<std::string> end;
-  std::vector<BlockOverview> blocks;  ///< in the order of the document
-  /// The settings that the document has, by their names, but for those of the header.
-  std::vector<std::pair<std::string_view, Value>> settings;
+  std::vector<BlockInfo> blocks;  ///< in the order of the document
+  /// The settings that the document has, but for those of the header.
+  std::vector<SettingValue> settings;
   std::optional<std::uint32_t> programSize;  ///< bytes of the thermal cycling program
   std::optional<std::string> programText;    ///< nothing where the program is no text
   std::vector<Document::Record> records;     ///< their tags are UTF-8, too

@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <string>
 
+#include "vex2/framework/Language.h"
+
 namespace vex2::lab {
 
 /// What is wrong at a place in a file.

@@ -8,6 +8,7 @@
 #include "lab/Text.h"
 #include "lab/model/DataBlock.h"
 #include "lab/model/RawFile.h"
+#include "lab/model/ReadingMatrix.h"
 #include "lab/model/RunValues.h"
 #include "vex2/format/StoredRecords.h"
 
@@ -29,42 +30,36 @@ class ReadingsFiller {
   ReadingsFiller(const BlockInfo& block, const RecordedReadings& recorded)
       : wells_(block.wells.size()), recorded_(recorded) {
     const std::size_t cells = block.frameCount * wells_;
-    values_ = std::make_shared_for_overwrite<std::uint16_t[]>(cells * kReadingValues);
-    if (recorded.Log()) missing_ = std::make_shared_for_overwrite<std::uint16_t[]>(cells);
-    result_.wells_ = block.wells;
-    result_.axis_.resize(block.frameCount);
-    result_.meaning_ = MeaningOf(recorded.Log());
+    matrix_->values = std::make_shared_for_overwrite<std::uint16_t[]>(cells * kReadingValues);
+    if (recorded.Log()) matrix_->missing = std::make_shared_for_overwrite<std::uint16_t[]>(cells);
+    matrix_->wells = block.wells;
+    matrix_->axis.resize(block.frameCount);
+    matrix_->meaning = MeaningOf(recorded.Log());
   }
 
   void Take(const std::uint8_t* bytes) {
     Vex2WellRecord record;
     LoadStoredRecord(bytes, record.leading, record.data);
-    std::copy_n(record.data, kReadingValues, values_.get() + cell_ * kReadingValues);
-    if (missing_ != nullptr) interpret(record);
+    std::copy_n(record.data, kReadingValues, matrix_->values.get() + cell_ * kReadingValues);
+    if (matrix_->missing != nullptr) interpret(record);
     ++cell_;
   }
 
-  Readings Done() {
-    result_.values_ = std::move(values_);
-    result_.missing_ = std::move(missing_);
-    return std::move(result_);
-  }
+  Readings Done() { return Readings(std::move(matrix_)); }
 
  private:
   void interpret(const Vex2WellRecord& record) {
     const std::size_t frame = cell_ / wells_;
     const auto reading = recorded_.Read(record, frame);
-    missing_[static_cast<std::ptrdiff_t>(cell_)] = reading ? reading->missing : kAllMissing;
-    FramePosition& position = result_.axis_[frame];
+    matrix_->missing[static_cast<std::ptrdiff_t>(cell_)] = reading ? reading->missing : kAllMissing;
+    FramePosition& position = matrix_->axis[frame];
     if (reading && isUnknown(position)) position = PositionOf(*reading);
   }
 
   std::size_t wells_;
   const RecordedReadings& recorded_;
-  std::shared_ptr<std::uint16_t[]> values_;
-  std::shared_ptr<std::uint16_t[]> missing_;
   std::size_t cell_ = 0;
-  Readings result_;
+  std::shared_ptr<Readings::Matrix> matrix_ = std::make_shared<Readings::Matrix>();
 };
 
 FrameReader::FrameReader(std::string path, const FileIdentity& identity, const BlockInfo& block,

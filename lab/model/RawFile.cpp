@@ -60,7 +60,7 @@ Error FileFailure(const std::string& path, const FileError& error) {
     case FileErrorReason::kNoMemory:
       return SystemError(path, ENOMEM);
     case FileErrorReason::kNotADocument:
-      return {ErrorCode::kNoDocument, path, "this is no plate document"};
+      return {ErrorCode::kNoDocument, path, "this is not a plate document"};
     case FileErrorReason::kFailedSyncBefore:
       return {ErrorCode::kSystem, path,
               "the disk failed to store an earlier change, so nothing more is written into this "

@@ -20,7 +20,7 @@ void OpenToRead(CFile& file, const std::string& path);
 /// it.
 Error FileFailure(const std::string& path, const FileError& error);
 
-/// Why the open file is no plate document, going by its first bytes: to follow that it is none.
+/// Why the open file is not a plate document, going by its first bytes: to follow that it is none.
 /// Nothing when it begins as one.
 std::optional<std::string> WhyNoDocument(CFile& file);
 

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 #include "lab/Error.h"
+#include "lab/model/ReadingMatrix.h"
 
 namespace vex2::lab {
 
@@ -17,38 +19,72 @@ void require(std::size_t index, std::size_t count, ErrorCode code, const char* w
                         "; there are " + std::to_string(count));
 }
 
+void requireFrame(const Readings& readings, std::size_t frame) {
+  require(frame, readings.FrameCount(), ErrorCode::kNoSuchFrame, "frame");
+}
+
+void requireWell(const Readings& readings, std::size_t well) {
+  require(well, readings.WellCount(), ErrorCode::kNoSuchWell, "well");
+}
+
+void requireChannel(const Readings& readings, std::size_t channel) {
+  require(channel, readings.ChannelCount(), ErrorCode::kNoSuchValue, "channel");
+}
+
+double fluorescenceOf(const auto& matrix, std::size_t cell, std::size_t channel) {
+  if ((matrix.missing[static_cast<std::ptrdiff_t>(cell)] >> channel & 1U) != 0) return kNoReading;
+  return matrix.meaning->scale.Measured(
+      matrix.values[static_cast<std::ptrdiff_t>(cell * kReadingValues + channel)]);
+}
+
 }  // namespace
 
-void Readings::requireFrame(std::size_t frame) const {
-  require(frame, FrameCount(), ErrorCode::kNoSuchFrame, "frame");
+Readings::Readings() : Readings(std::make_shared<const Matrix>()) {}
+
+Readings::Readings(std::shared_ptr<const Matrix> matrix) : matrix_(std::move(matrix)) {}
+
+std::size_t Readings::FrameCount() const {
+  return matrix_->axis.size();
 }
 
-void Readings::requireWell(std::size_t well) const {
-  require(well, WellCount(), ErrorCode::kNoSuchWell, "well");
+std::size_t Readings::WellCount() const {
+  return matrix_->wells.size();
 }
 
-void Readings::requireChannel(std::size_t channel) const {
-  require(channel, ChannelCount(), ErrorCode::kNoSuchValue, "channel");
+const std::vector<std::uint16_t>& Readings::Wells() const {
+  return matrix_->wells;
+}
+
+const std::vector<FramePosition>& Readings::Axis() const {
+  return matrix_->axis;
+}
+
+const std::optional<ReadingMeaning>& Readings::Meaning() const {
+  return matrix_->meaning;
+}
+
+std::size_t Readings::ChannelCount() const {
+  return matrix_->meaning ? matrix_->meaning->ChannelCount() : 0;
 }
 
 std::optional<std::size_t> Readings::FindWell(std::uint16_t number) const {
-  const auto found = std::find(wells_.begin(), wells_.end(), number);
-  if (found == wells_.end()) return std::nullopt;
-  return static_cast<std::size_t>(found - wells_.begin());
+  const auto found = std::find(Wells().begin(), Wells().end(), number);
+  if (found == Wells().end()) return std::nullopt;
+  return static_cast<std::size_t>(found - Wells().begin());
 }
 
 std::span<const std::uint16_t> Readings::Values() const {
-  return {values_.get(), FrameCount() * WellCount() * kReadingValues};
+  return {matrix_->values.get(), FrameCount() * WellCount() * kReadingValues};
 }
 
 std::span<const std::uint16_t> Readings::Values(std::size_t frame) const {
-  requireFrame(frame);
+  requireFrame(*this, frame);
   const std::size_t size = WellCount() * kReadingValues;
   return Values().subspan(frame * size, size);
 }
 
 std::span<const std::uint16_t> Readings::Values(std::size_t frame, std::size_t well) const {
-  requireWell(well);
+  requireWell(*this, well);
   return Values(frame).subspan(well * kReadingValues, kReadingValues);
 }
 
@@ -57,27 +93,22 @@ std::uint16_t Readings::At(std::size_t frame, std::size_t well, std::size_t valu
   return Values(frame, well)[value];
 }
 
-double Readings::fluorescence(std::size_t cell, std::size_t channel) const {
-  if ((missing_[static_cast<std::ptrdiff_t>(cell)] >> channel & 1U) != 0) return kNoReading;
-  return meaning_->scale.Measured(Values()[cell * kReadingValues + channel]);
-}
-
 std::optional<double> Readings::Fluorescence(std::size_t frame, std::size_t well,
                                              std::size_t channel) const {
-  requireFrame(frame);
-  requireWell(well);
-  if (!meaning_) return std::nullopt;
-  requireChannel(channel);
-  const double reading = fluorescence(frame * WellCount() + well, channel);
+  requireFrame(*this, frame);
+  requireWell(*this, well);
+  if (!matrix_->meaning) return std::nullopt;
+  requireChannel(*this, channel);
+  const double reading = fluorescenceOf(*matrix_, frame * WellCount() + well, channel);
   return reading == reading ? std::optional(reading) : std::nullopt;
 }
 
 std::vector<double> Readings::FluorescenceOf(std::size_t channel) const {
   std::vector<double> readings(FrameCount() * WellCount(), kNoReading);
-  if (!meaning_) return readings;
-  requireChannel(channel);
+  if (!matrix_->meaning) return readings;
+  requireChannel(*this, channel);
   for (std::size_t cell = 0; cell < readings.size(); ++cell) {
-    readings[cell] = fluorescence(cell, channel);
+    readings[cell] = fluorescenceOf(*matrix_, cell, channel);
   }
   return readings;
 }

@@ -11,6 +11,7 @@
 
 #include "lab/model/ReadingScale.h"
 #include "lab/model/Run.h"
+#include "vex2/framework/Export.h"
 
 namespace vex2::lab {
 
@@ -35,19 +36,23 @@ struct ReadingMeaning {
 ///
 /// Operations throw `Error` with `kNoSuchFrame`, `kNoSuchWell` or `kNoSuchValue` for an index that
 /// is not below the count.
-class Readings {
+class VEX2_API Readings {
  public:
   /// No frames and no wells.
-  Readings() = default;
+  Readings();
+  // No moves, which would leave an object without a matrix: a copy costs as little.
+  Readings(const Readings&) = default;
+  Readings& operator=(const Readings&) = default;
+  ~Readings() = default;
 
-  std::size_t FrameCount() const { return axis_.size(); }
-  std::size_t WellCount() const { return wells_.size(); }
+  std::size_t FrameCount() const;
+  std::size_t WellCount() const;
   /// The well numbers, from 1, in the order of the matrix.
-  const std::vector<std::uint16_t>& Wells() const { return wells_; }
+  const std::vector<std::uint16_t>& Wells() const;
   /// The well index of a well number, the first one; nothing for a well without readings.
   std::optional<std::size_t> FindWell(std::uint16_t number) const;
   /// Where each frame stands in the run.
-  const std::vector<FramePosition>& Axis() const { return axis_; }
+  const std::vector<FramePosition>& Axis() const;
 
   /// The whole matrix, `FrameCount` times `WellCount` times 32 values.
   std::span<const std::uint16_t> Values() const;
@@ -58,9 +63,9 @@ class Readings {
   std::uint16_t At(std::size_t frame, std::size_t well, std::size_t value) const;
 
   /// Nothing where the log does not say that this library recorded the readings.
-  const std::optional<ReadingMeaning>& Meaning() const { return meaning_; }
+  const std::optional<ReadingMeaning>& Meaning() const;
   /// 0 where the meaning is not known.
-  std::size_t ChannelCount() const { return meaning_ ? meaning_->ChannelCount() : 0; }
+  std::size_t ChannelCount() const;
   /// The reading in real units. Nothing where it is missing, and where the record holds anything
   /// that this library would not have written.
   std::optional<double> Fluorescence(std::size_t frame, std::size_t well,
@@ -70,18 +75,11 @@ class Readings {
 
  private:
   friend class ReadingsFiller;
+  struct Matrix;
 
-  void requireFrame(std::size_t frame) const;
-  void requireWell(std::size_t well) const;
-  void requireChannel(std::size_t channel) const;
-  double fluorescence(std::size_t cell, std::size_t channel) const;
+  explicit Readings(std::shared_ptr<const Matrix> matrix);
 
-  std::vector<std::uint16_t> wells_;
-  std::vector<FramePosition> axis_;
-  std::shared_ptr<const std::uint16_t[]> values_;
-  std::optional<ReadingMeaning> meaning_;
-  // A word for each frame and well where the meaning is known: bit c for a channel without reading.
-  std::shared_ptr<const std::uint16_t[]> missing_;
+  std::shared_ptr<const Matrix> matrix_;
 };
 
 /// What a document stores of one well in one frame.

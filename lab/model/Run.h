@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "lab/model/Value.h"
+#include "vex2/framework/Export.h"
 
 /// What a plate document says of a run, as plain values: copies are independent, all texts are
 /// UTF-8, and nothing refers to a file.
@@ -45,8 +46,8 @@ struct Plate {
 
   /// The well with this number, from 1, or this name; null when the setup does not have it. Valid
   /// until `wells` changes.
-  const Well* Find(std::uint16_t number) const;
-  const Well* Find(std::string_view name) const;
+  VEX2_API const Well* Find(std::uint16_t number) const;
+  VEX2_API const Well* Find(std::string_view name) const;
 
   friend bool operator==(const Plate&, const Plate&) = default;
 };

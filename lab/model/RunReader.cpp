@@ -2,11 +2,11 @@
 
 #include <algorithm>
 
+#include "lab/Guarded.h"
 #include "lab/Text.h"
 #include "lab/model/Codes.h"
 #include "lab/model/Document.h"
 #include "lab/model/DocumentPlates.h"
-#include "lab/model/FileErrors.h"
 #include "lab/model/FrameReader.h"
 #include "lab/model/PlateContents.h"
 #include "lab/model/RunValues.h"
@@ -98,7 +98,7 @@ RunReader::Content::Content(const Document& document, const Document::Plate& sou
 RunReader::RunReader(std::shared_ptr<const Content> content) : content_(std::move(content)) {}
 
 RunReader::RunReader(const std::filesystem::path& path) {
-  content_ = WithFileErrors(path.string(), [&] {
+  content_ = Guarded(path.string(), [&] {
     const Document document(path.string(), Document::Purpose::kReadHeads);
     const std::vector<FileFault> faults = faultsOf(document);
     auto content = std::make_shared<Content>(document, document.Itself(), faults);
@@ -189,7 +189,7 @@ Result RunReader::withFrames(std::string_view block, const Work& work) const {
   const BlockInfo* found = findBlock(block);
   if (found == nullptr) return {};
   const std::string path = content_->path.string();
-  return WithFileErrors(path, [&] {
+  return Guarded(path, [&] {
     FrameReader reader(path, content_->identity, *found, content_->log);
     return work(reader);
   });

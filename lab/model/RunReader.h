@@ -13,6 +13,7 @@
 #include "lab/model/FileFault.h"
 #include "lab/model/Readings.h"
 #include "lab/model/Run.h"
+#include "vex2/framework/Export.h"
 
 namespace vex2::lab {
 
@@ -35,10 +36,10 @@ namespace vex2::lab {
 ///
 /// Every operation that can fail throws `Error`, with the path, and with the offset and the
 /// system's error where there are any, and nothing else; the reader stays as it was.
-class RunReader {
+class VEX2_API RunReader {
  public:
   /// Reads the document at `path`. Throws when it cannot be opened or read, is used by another
-  /// program for more than two seconds, or is no plate document. A document that is damaged is
+  /// program for more than two seconds, or is not a plate document. A document that is damaged is
   /// read as far as possible: ask `IsWhole`.
   explicit RunReader(const std::filesystem::path& path);
 

@@ -117,7 +117,7 @@ bool HoldsFrames(const std::string& path, std::size_t frames) {
 InterruptedRun::InterruptedRun(const std::string& path) : path_(path) {
   CFile file;
   OpenToRead(file, path);
-  if (const auto why = WhyNoDocument(file)) refuseAt(0, "this is no plate document: " + *why);
+  if (const auto why = WhyNoDocument(file)) refuseAt(0, "this is not a plate document: " + *why);
   if (file.GetLength() < HeaderLayout::kSize) {
     refuseAt(file.GetLength(), "the header is cut short");
   }

@@ -9,13 +9,11 @@
 #include "lab/model/AssayTypes.h"
 #include "lab/model/DocumentValues.h"
 #include "lab/model/RunLog.h"
+#include "lab/model/RunReading.h"
 
 namespace vex2::lab {
 
 namespace {
-
-constexpr double kTimeParts = 1000;
-constexpr double kTemperatureParts = 100;
 
 [[noreturn]] void refuse(const std::string& why) {
   throw Error(ErrorCode::kInvalidValue, why);
@@ -168,9 +166,9 @@ std::vector<RunReading> EncodedFrame(const RunPlan& plan, const MeasuredFrame& f
     RunReading& to = readings[place];
     to.melting = frame.stage == Stage::kMelting;
     to.cycle = frame.cycle;
-    to.time = scaled<std::uint32_t>(from.time, kTimeParts, where + ": the time");
+    to.time = scaled<std::uint32_t>(from.time, kTimeSteps, where + ": the time");
     to.temperature =
-        scaled<std::uint16_t>(from.temperature, kTemperatureParts, where + ": the temperature");
+        scaled<std::uint16_t>(from.temperature, kTemperatureSteps, where + ": the temperature");
     encodeValues(plan, from, where, to);
   });
   return readings;

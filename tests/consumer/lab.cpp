@@ -1,7 +1,9 @@
-// A program that uses only the installed library for laboratories: records a run and resumes it.
+// A program that uses only the installed library for laboratories: records a run, resumes it and
+// reads it.
 #include <cstdio>
 
 #include "lab/Error.h"
+#include "lab/model/RunReader.h"
 #include "lab/record/RunRecorder.h"
 
 namespace lab = vex2::lab;
@@ -21,7 +23,13 @@ int main(int count, char** arguments) {
   } catch (const lab::Error& error) {  // its type is known across the library's border
     std::printf("%zu frame; %s\n", recorder.RecordedFrames(), error.what());
     recorder.Finish();
-    return recorder.FrameCount() == 1 && error.Code() == lab::ErrorCode::kInvalidValue ? 0 : 1;
+    const lab::RunReader run(arguments[1]);
+    const lab::Well* well = run.Plate().Find("A1");
+    const bool isRead = run.IsWhole() && well != nullptr && well->sample == "A" &&
+                        run.Readings().Fluorescence(0, 0) == 1.5;
+    return isRead && recorder.FrameCount() == 1 && error.Code() == lab::ErrorCode::kInvalidValue
+               ? 0
+               : 1;
   }
   return 1;
 }

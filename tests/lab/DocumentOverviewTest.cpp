@@ -49,15 +49,15 @@ TEST_F(OverviewTest, TellsWhatTheDocumentHolds) {
   EXPECT_EQ(plate.frames, kFrames);
   ASSERT_EQ(plate.blocks.size(), 1U);
   EXPECT_EQ(plate.blocks.front().tag, "RAWa");
-  EXPECT_EQ(plate.blocks.front().wells, kWells);
-  EXPECT_EQ(plate.blocks.front().frames, kFrames);
+  EXPECT_EQ(plate.blocks.front().wells.size(), kWells);
+  EXPECT_EQ(plate.blocks.front().frameCount, kFrames);
   EXPECT_FALSE(plate.blocks.front().isRecorded);
   EXPECT_FALSE(plate.start);
   EXPECT_FALSE(plate.programSize);
   ASSERT_EQ(plate.records.size(), 2U);
   EXPECT_EQ(plate.records.front().tag, "GLBL");
   EXPECT_THAT(plate.settings,
-              testing::Contains(testing::Pair("comment", lab::Value(std::string("liver")))));
+              testing::Contains(lab::SettingValue{"comment", std::string("liver")}));
 }
 
 TEST_F(OverviewTest, FrameOfTheFileIsThatOfTheDocument) {

@@ -8,25 +8,25 @@ namespace {
 
 using nlohmann::ordered_json;
 
-ordered_json blocksJson(const std::vector<BlockOverview>& blocks) {
+ordered_json blocksJson(const std::vector<BlockInfo>& blocks) {
   ordered_json list = ordered_json::array();
-  for (const BlockOverview& block : blocks) {
+  for (const BlockInfo& block : blocks) {
     list.push_back({{"tag", block.tag},
                     {"version", block.version},
-                    {"wells", block.wells},
-                    {"frames", block.frames},
+                    {"wells", block.wells.size()},
+                    {"frames", block.frameCount},
                     {"recorded", block.isRecorded},
                     {"start", OrNull(block.start)},
                     {"end", OrNull(block.end)},
-                    {"startBytes", block.storedStart.fields},
-                    {"endBytes", block.storedEnd.fields}});
+                    {"startBytes", block.storedStart},
+                    {"endBytes", block.storedEnd}});
   }
   return list;
 }
 
 ordered_json settingsJson(const PlateOverview& plate) {
   ordered_json settings = ordered_json::object();
-  for (const auto& [key, value] : plate.settings) settings[std::string(key)] = ToJson(value);
+  for (const auto& [name, value] : plate.settings) settings[name] = ToJson(value);
   return settings;
 }
 

@@ -34,7 +34,7 @@ class Screen {
     line("plate", plateText());
     line("assay", assayText());
     line("status", ExplainedCode(CodeField::kStatus, plate_.status), statusStyle());
-    for (const BlockOverview& block : plate_.blocks) lines("data", blockItems(block));
+    for (const BlockInfo& block : plate_.blocks) lines("data", blockItems(block));
     printSettings();
     printProgram();
     printRecords();
@@ -133,10 +133,10 @@ class Screen {
     return plate_.status == RunStatus::kDone ? Style::kGreen : Style::kPlain;
   }
 
-  static std::vector<std::string> blockItems(const BlockOverview& block) {
+  static std::vector<std::string> blockItems(const BlockInfo& block) {
     std::vector<std::string> items = {Printable(block.tag) + ": " +
-                                      Counted(static_cast<unsigned>(block.frames), "frame") +
-                                      " of " + Counted(block.wells, "well")};
+                                      Counted(block.frameCount, "frame") + " of " +
+                                      Counted(block.wells.size(), "well")};
     if (block.version != 2) items.push_back("version " + std::to_string(block.version));
     const std::string start = timeText(block.start, block.storedStart);
     const std::string end = timeText(block.end, block.storedEnd);
@@ -147,11 +147,12 @@ class Screen {
   }
 
   // The bytes, where nothing tells what date and time they are. All of them 0 are no time.
-  static std::string timeText(const std::optional<std::string>& time, const TimeStamp& stored) {
+  static std::string timeText(const std::optional<std::string>& time,
+                              const std::array<std::uint8_t, 6>& stored) {
     if (time) return Printable(*time);
-    if (stored == TimeStamp()) return {};
+    if (stored == std::array<std::uint8_t, 6>{}) return {};
     std::string shown = "time bytes";
-    for (const unsigned byte : stored.fields) shown += " " + std::to_string(byte);
+    for (const unsigned byte : stored) shown += " " + std::to_string(byte);
     return shown;
   }
 
