@@ -108,7 +108,7 @@ constexpr const char* kMeaning =
     "  Errors come first, then warnings, then notes, each from the file's begin on;\n"
     "  so they do with --json.\n\n"
     "  The exit code is 1 when there are errors, with --strict also when there are\n"
-    "  warnings, and else 0. 'vex repair' mends in place what is safe to;\n"
+    "  warnings, and else 0. 'vex repair' corrects in place what is safe;\n"
     "  'vex recover' takes what is whole into a new document.";
 
 class CheckCommand final : public Command {

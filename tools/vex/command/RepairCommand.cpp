@@ -13,52 +13,52 @@ namespace {
 
 constexpr const char* kMeaning =
     "What it does:\n"
-    "  It sets lengths and positions right, cuts off a torn end, and touches nothing\n"
-    "  else. A backup is made first: FILE.backup, or with a number where there is\n"
-    "  one. The document is the old or the new one at every moment. Do not repair a\n"
-    "  run that another program is recording.\n\n"
-    "  What cannot be mended is told, with exit code 1; 'vex recover' takes what is\n"
+    "  It corrects lengths and positions, cuts off uncommitted bytes, and changes\n"
+    "  nothing else. A backup is made first: FILE.backup, or with a number where\n"
+    "  there is one. At every moment the document is the old or the new one. Do not\n"
+    "  repair a run that another program is recording.\n\n"
+    "  What cannot be repaired is told, with exit code 1; 'vex recover' takes what is\n"
     "  whole into a new document.";
 
 class RepairCommand final : public Command {
  public:
   RepairCommand()
-      : Command({"repair", "Mend in place what is safe to: torn ends, lengths, positions.",
+      : Command({"repair", "Repair lengths, positions and uncommitted bytes in place.",
                  "vex repair --dry-run run.vex\nvex repair run.vex && vex check run.vex"}) {}
 
   void AddOptions(Options& options) override {
     options.Add("FILE", file_, "The document").Require().Show("");
-    options.AddFlag("--dry-run", dryRun_, "Say what would be mended, and change nothing");
+    options.AddFlag("--dry-run", dryRun_, "Say what would be repaired, and change nothing");
     options.PutLast(kMeaning);
   }
 
   ExitCode Run() override {
     if (dryRun_) {
       const RepairPlan plan = PlanRepair(file_);
-      if (plan.IsEmpty()) return tellThatNothingIsMended();
-      std::cout << Printable(file_) << ": this would be mended\n";
+      if (plan.IsEmpty()) return tellThatNothingIsRepaired();
+      std::cout << Printable(file_) << ": this would be repaired\n";
       print(plan);
       return ExitCode::kDone;
     }
     const DocumentLock lock(file_, DocumentLock::Holder::kCommand);
     const std::string document = lock.Document().string();
     const RepairPlan plan = PlanRepair(file_);
-    if (plan.IsEmpty()) return tellThatNothingIsMended();
+    if (plan.IsEmpty()) return tellThatNothingIsRepaired();
     // Who ends the command here gets the repaired document or the old one, and no temporary file.
     const Interrupts interrupts;
-    mend(plan, document);
+    repair(plan, document);
     return tellWhatIsLeft();
   }
 
  private:
-  void mend(const RepairPlan& plan, const std::string& document) const {
+  void repair(const RepairPlan& plan, const std::string& document) const {
     const std::string backup = BackUp(document);
     if (PlanRepair(backup) != plan) {
       throw Error(ErrorCode::kSystem, file_,
                   "another program changed it meanwhile; it is left alone, try again");
     }
     ApplyRepair(plan, backup, document);
-    std::cout << Printable(file_) << ": mended; as it was, it is " << Printable(backup) << '\n';
+    std::cout << Printable(file_) << ": repaired; as it was, it is " << Printable(backup) << '\n';
     print(plan);
   }
 
@@ -70,11 +70,11 @@ class RepairCommand final : public Command {
     if (plan.newSize) std::cout << "  byte " << *plan.newSize << ": cut off " << plan.cut << '\n';
   }
 
-  // What is wrong and cannot be mended is told in place of that nothing is to be mended.
-  ExitCode tellThatNothingIsMended() const {
+  // What is wrong and cannot be repaired is told in place of that nothing is to be repaired.
+  ExitCode tellThatNothingIsRepaired() const {
     const ExitCode code = tellWhatIsLeft();
     if (code == ExitCode::kDone) {
-      std::cout << Printable(file_) << ": there is nothing to mend\n";
+      std::cout << Printable(file_) << ": there is nothing to repair\n";
     }
     return code;
   }
@@ -88,7 +88,7 @@ class RepairCommand final : public Command {
     for (const Finding& finding : findings.Sorted()) {
       if (finding.severity != Severity::kError || told++ >= kMostLines) continue;
       PrintError(
-          Error(ErrorCode::kDocument, file_, "not mended: " + finding.problem, finding.offset));
+          Error(ErrorCode::kDocument, file_, "not repaired: " + finding.problem, finding.offset));
     }
     PrintLine(Printable(file_) + ": 'vex recover' takes what is whole into a new document");
     return ExitCode::kDocument;

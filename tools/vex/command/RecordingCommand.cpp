@@ -1,0 +1,123 @@
+#include "tools/vex/command/RecordingCommand.h"
+
+#include <filesystem>
+#include <iostream>
+
+#include "lab/model/AssayTypes.h"
+#include "lab/record/InterruptedRun.h"
+#include "tools/vex/files/Interrupts.h"
+#include "tools/vex/show/RecordProgress.h"
+#include "tools/vex/text/Text.h"
+
+namespace vex2::tool {
+
+namespace {
+
+constexpr double kLongestPace = 86400;
+
+}  // namespace
+
+void RecordingCommand::addDocument(Options& options) {
+  options.Add("RUN", options_.path, "The document to record to").Show("FILE.vex").Require();
+}
+
+void RecordingCommand::addRunOptions(Options& options) {
+  options.Add("--started", started_, "When the run began, as below; else unknown").Show("TIME");
+  options.Add("--assay", assay_, "The kind of run, a code as below; else AbsQ").Show("CODE");
+  options.PutFirst(PlateAssayTable());
+  options.PutFirst(
+      "TIME is a date and time with its zone, 2026-11-22T08:00:00Z, or now where\n"
+      "nothing was measured before.");
+}
+
+void RecordingCommand::addRecordOptions(Options& options) {
+  options.Add("--pace", options_.pace, "Seconds from one frame to the next; 0: no pause")
+      .Show("SECONDS")
+      .AllowRange(0.0, kLongestPace);
+  const Option resume = options.AddFlag("--resume", options_.resume,
+                                        "Go on after the last frame that the document holds");
+  options.AddFlag("--force", options_.force, "Overwrite existing files").Exclude(resume);
+}
+
+std::optional<RunStart> RecordingCommand::started() const {
+  if (!started_) return std::nullopt;
+  if (startsNow()) return RunStart::Now();
+  const auto start = RunStart::Parse(*started_);
+  if (start) return start;
+  throw Error(ErrorCode::kUsage, "--started " + *started_ +
+                                     " is no date and time with a time zone, "
+                                     "like 2026-11-22T08:00:00Z or 2026-11-22T09:00:00+01:00");
+}
+
+std::string RecordingCommand::assay() const {
+  if (!assay_) return {};
+  const auto code = PlateAssayCode(*assay_);
+  if (code) return *code;
+  throw Error(ErrorCode::kUsage,
+              "--assay " + *assay_ + " is no assay; it is one of " + PlateAssayList());
+}
+
+ExitCode RecordingCommand::record(const RunPlan& plan, const std::function<void()>& beforehand) {
+  std::size_t done = 0;
+  const auto outcome = [&] {
+    RecordProgress progress(options_.path);
+    std::optional<Interrupts> interrupts;
+    options_.wait = [&](double seconds) { return interrupts->Wait(seconds); };
+    Recorder recorder(plan, options_, [&](const RecordState& state) {
+      done = state.framesDone;
+      progress.Show(state);
+    });
+    recorder.Claim();
+    tellReplaced();
+    beforehand();
+    interrupts.emplace();
+    return tellingWhatIsSafe(done, plan.frames.size(), [&] { return recorder.Run(); });
+  }();
+  return tellOutcome(outcome, done, plan.frames.size());
+}
+
+void RecordingCommand::tellReplaced() const {
+  std::error_code error;
+  if (!options_.force || !std::filesystem::exists(options_.path, error)) return;
+  Vex2FileManager replaced;
+  static_cast<void>(replaced.ReadFromFile(options_.path.c_str()));
+  const int frames = replaced.GetDataFrameCount(DataRAWa);
+  if (frames <= 0) return;
+  PrintLine(Printable(options_.path) + ": replaces a run of " +
+            Counted(static_cast<unsigned>(frames), "frame"));
+}
+
+ExitCode RecordingCommand::tellOutcome(Recorder::Outcome outcome, std::size_t done,
+                                       std::optional<std::size_t> total) const {
+  if (outcome == Recorder::Outcome::kWasDone) {
+    std::cout << Printable(options_.path) << ": the run is complete, nothing is left to record\n";
+  }
+  if (outcome != Recorder::Outcome::kInterrupted) return ExitCode::kDone;
+  PrintLine(Printable(options_.path) + ": interrupted after " + std::to_string(done) +
+            (total ? " of " + std::to_string(*total) : "") + " frames; " +
+            (HoldsFrames(options_.path, done) ? "the same command with --resume goes on"
+                                              : "the recorded frames are no longer in the file"));
+  return ExitCode::kInterrupted;
+}
+
+// A disk that is full within a run, for instance, loses nothing.
+Recorder::Outcome RecordingCommand::tellingWhatIsSafe(
+    const std::size_t& done, std::optional<std::size_t> total,
+    const std::function<Recorder::Outcome()>& run) const {
+  try {
+    return run();
+  } catch (const Error& error) {
+    if (error.Class() != ErrorClass::kSystem || done == 0) throw;
+    throw Error(error.Code(), error.File(), error.Message() + "; " + safeFrames(done, total),
+                error.Offset());
+  }
+}
+
+// The document may have been removed or emptied meanwhile, and then nothing can resume it.
+std::string RecordingCommand::safeFrames(std::size_t done, std::optional<std::size_t> all) const {
+  if (!HoldsFrames(options_.path, done)) return "the recorded frames are no longer in the file";
+  return (all ? std::to_string(done) + " of " + Counted(*all, "frame") : Counted(done, "frame")) +
+         (all || done != 1 ? " are" : " is") + " safe, and the same command with --resume goes on";
+}
+
+}  // namespace vex2::tool
