@@ -14,7 +14,8 @@ using enum ErrorCode;
 constexpr std::array kKinds = {
     ErrorKind{kDocument, "document", ErrorClass::kDocument,
               "a document, or another file that was read, is at fault"},
-    ErrorKind{kNoDocument, "no-document", ErrorClass::kDocument, "the file is no plate document"},
+    ErrorKind{kNoDocument, "no-document", ErrorClass::kDocument,
+              "the file is not a plate document"},
     ErrorKind{kUsage, "usage", ErrorClass::kUsage, "the call is at fault"},
     ErrorKind{kUnknownCommand, "unknown-command", ErrorClass::kUsage,
               "no command of vex has this name"},

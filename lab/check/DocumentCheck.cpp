@@ -92,7 +92,7 @@ Findings CheckDocument(const std::string& path) {
   Findings findings;
   if (const auto why = whyNoDocument(path)) {
     findings.Add({Severity::kError, "header", 0, *why,
-                  "it is no plate document, and nothing of it is read",
+                  "it is not a plate document, and nothing of it is read",
                   "when it was one, 'vex recover' looks for what is left of it"});
     return findings;
   }

@@ -30,12 +30,12 @@ class Planner {
     Findings unused;
     RecordCheck records(document_, header_, unused);
     const WalkEnd end = WalkRecords(file_, records);
-    mendEnd();
+    repairEnd();
     const bool isWalked =
         !end.fault || end.fault->offset >= document_.StrayOffset() || plan_.newSize;
-    if (isWalked && !records.HasGaps()) mendLengths(records.WrongLengths());
-    mendProgram(records.Positioned());
-    mendRawData();
+    if (isWalked && !records.HasGaps()) repairLengths(records.WrongLengths());
+    repairProgram(records.Positioned());
+    repairRawData();
     return std::move(plan_);
   }
 
@@ -52,13 +52,13 @@ class Planner {
     plan_.cut = Counted(plan_.size - offset, "byte") + " " + std::move(what);
   }
 
-  void mendEnd() {
+  void repairEnd() {
     const auto& records = document_.Records();
     const bool endsInBlock = !records.empty() && records.back().tag == TagOf(Kind::kRawData);
     if (document_.Fault() && !(endsInBlock && document_.Fault()->offset == records.back().offset)) {
       return;
     }
-    if (const auto block = FindLastBlock(file_, document_)) return mendBlock(*block);
+    if (const auto block = FindLastBlock(file_, document_)) return repairBlock(*block);
     const std::uint64_t from =
         document_.Fault() ? document_.Fault()->offset : document_.StrayOffset();
     const bool isFirstCommit =
@@ -70,7 +70,7 @@ class Planner {
 
   bool isFirstCommitOpen() const { return header_.IsUnfinished() && header_.rawDataPosition == 0; }
 
-  void mendBlock(const LastBlock& block) {
+  void repairBlock(const LastBlock& block) {
     const StoredBlock& head = block.head;
     if (head.version < 2 || head.timeBlockSize != kTimeBlockSize) return;
     const FrameFit fit = FitFrames(block.record, head, plan_.size);
@@ -101,14 +101,14 @@ class Planner {
     return true;
   }
 
-  void mendLengths(const std::vector<WrongLength>& lengths) {
+  void repairLengths(const std::vector<WrongLength>& lengths) {
     for (const WrongLength& wrong : lengths) {
       patch(wrong.offset + kLengthAt, wrong.declared, wrong.held,
             "the length of " + wrong.name + ", for what it holds");
     }
   }
 
-  void mendProgram(const std::vector<PositionedRecord>& records) {
+  void repairProgram(const std::vector<PositionedRecord>& records) {
     const std::uint32_t position = header_.programPosition;
     const PositionedRecord* first = nullptr;
     for (const PositionedRecord& record : records) {
@@ -121,7 +121,7 @@ class Planner {
           "the header's position of TPro, for its tag");
   }
 
-  // Where a record ends once the lengths are mended: a position that led past the old end does no
+  // Where a record ends once the lengths are repaired: a position that led past the old end does no
   // more.
   std::uint64_t endOf(const Document::Record& record) const {
     std::uint64_t length = record.length;
@@ -131,7 +131,7 @@ class Planner {
     return record.offset + kRecordHeadSize + length;
   }
 
-  void mendRawData() {
+  void repairRawData() {
     if (document_.IsStudy() || (document_.Fault() && plan_.IsEmpty())) return;
     const std::uint32_t position = header_.rawDataPosition;
     const auto& records = document_.Records();

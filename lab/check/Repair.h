@@ -7,8 +7,8 @@
 
 namespace vex2::lab {
 
-/// What can be mended of a document in place without touching what it holds: words that lengths and
-/// positions are, and the bytes behind what counts.
+/// What can be repaired of a document in place without touching what it holds: words that lengths
+/// and positions are, and the bytes behind what counts.
 struct RepairPlan {
   struct Patch {
     std::uint64_t offset = 0;  ///< of a 32-bit word
@@ -28,7 +28,7 @@ struct RepairPlan {
   friend bool operator==(const RepairPlan&, const RepairPlan&) = default;
 };
 
-/// What there is to mend of the document at `path`. Throws an error when it cannot be read or is
+/// What there is to repair of the document at `path`. Throws an error when it cannot be read or is
 /// none.
 RepairPlan PlanRepair(const std::string& path);
 

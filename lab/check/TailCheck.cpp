@@ -36,11 +36,11 @@ void checkCutBlock(CFile& file, const Document& document, const HeaderFields& he
                   kResume});
     return;
   }
-  const bool canMend = block && block->head.version >= 2;
+  const bool canRepair = block && block->head.version >= 2;
   findings.Add(
       {Severity::kError, std::string(kBlock), fault.offset, fault.what,
        "no frame of the block is read, not even the whole ones",
-       canMend ? "'vex repair' sets the length to the whole frames that are there" : kRecover});
+       canRepair ? "'vex repair' sets the length to the whole frames that are there" : kRecover});
 }
 
 void checkFault(CFile& file, const Document& document, const HeaderFields& header,

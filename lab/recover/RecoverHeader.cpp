@@ -84,18 +84,18 @@ std::vector<std::uint8_t> MadeHeader(const PlateFacts& facts, bool isEmbedded) {
   return header;
 }
 
-std::vector<std::uint8_t> MendedHeader(std::span<const std::uint8_t> header,
-                                       const PlateFacts& facts, bool isEmbedded,
-                                       std::vector<std::string>& guesses) {
+std::vector<std::uint8_t> CorrectedHeader(std::span<const std::uint8_t> header,
+                                          const PlateFacts& facts, bool isEmbedded,
+                                          std::vector<std::string>& guesses) {
   const std::vector<std::uint8_t> made = MadeHeader(facts, isEmbedded);
   if (header.size() < HeaderLayout::kSize) {
     guesses.emplace_back("all of it");
     return made;
   }
-  std::vector<std::uint8_t> mended(header.begin(), header.begin() + HeaderLayout::kSize);
+  std::vector<std::uint8_t> corrected(header.begin(), header.begin() + HeaderLayout::kSize);
   const auto takeMade = [&](std::size_t at, std::size_t size) {
     std::copy_n(made.begin() + static_cast<std::ptrdiff_t>(at), size,
-                mended.begin() + static_cast<std::ptrdiff_t>(at));
+                corrected.begin() + static_cast<std::ptrdiff_t>(at));
   };
   if (!hasMagic(header)) takeMade(0, 4);
   for (const Code& code : kCodes) {
@@ -104,14 +104,15 @@ std::vector<std::uint8_t> MendedHeader(std::span<const std::uint8_t> header,
     guesses.emplace_back(code.name);
   }
   if (!hasShape(header)) {
-    putShape(mended, ShortAt(made, HeaderLayout::kRowsAt), ShortAt(made, HeaderLayout::kColumnsAt));
+    putShape(corrected, ShortAt(made, HeaderLayout::kRowsAt),
+             ShortAt(made, HeaderLayout::kColumnsAt));
     guesses.emplace_back("rows, columns and used wells");
   } else if (UsedWells(header).empty()) {
-    putShape(mended, ShortAt(header, HeaderLayout::kRowsAt),
+    putShape(corrected, ShortAt(header, HeaderLayout::kRowsAt),
              ShortAt(header, HeaderLayout::kColumnsAt));
     guesses.emplace_back("used wells");
   }
-  return mended;
+  return corrected;
 }
 
 std::string GuessText(const std::vector<std::string>& guesses) {

@@ -19,9 +19,9 @@ struct PlateFacts {
 bool IsHeaderWhole(std::span<const std::uint8_t> header);
 
 /// `header` with what cannot be right made anew, and what that was, for people.
-std::vector<std::uint8_t> MendedHeader(std::span<const std::uint8_t> header,
-                                       const PlateFacts& facts, bool isEmbedded,
-                                       std::vector<std::string>& guesses);
+std::vector<std::uint8_t> CorrectedHeader(std::span<const std::uint8_t> header,
+                                          const PlateFacts& facts, bool isEmbedded,
+                                          std::vector<std::string>& guesses);
 
 /// "; guessed: this, that" for people; empty when there are no guesses.
 std::string GuessText(const std::vector<std::string>& guesses);

@@ -34,10 +34,10 @@ struct RecoverReport {
   std::uint64_t lostRecords = 0;  ///< at least: how many stood in unreadable bytes, none can say
   std::uint64_t lostFrames = 0;
 
-  std::vector<RecoverNote> lost;    ///< by offset
-  std::vector<RecoverNote> mended;  ///< what was put right, or put in as a guess
+  std::vector<RecoverNote> lost;       ///< by offset
+  std::vector<RecoverNote> corrected;  ///< what was put right, or put in as a guess
   std::uint64_t lostPlaces = 0;
-  std::uint64_t mendedPlaces = 0;
+  std::uint64_t correctedPlaces = 0;
 
   std::uint64_t madeHeads = 0;  ///< of the document, plates and data blocks: damaged, made anew
 
@@ -53,9 +53,9 @@ struct RecoverReport {
     ++lostPlaces;
     if (lost.size() < kMostNotes) lost.push_back({offset, bytes, std::move(what)});
   }
-  void Mend(std::uint64_t offset, std::string what) {
-    ++mendedPlaces;
-    if (mended.size() < kMostNotes) mended.push_back({offset, 0, std::move(what)});
+  void Correct(std::uint64_t offset, std::string what) {
+    ++correctedPlaces;
+    if (corrected.size() < kMostNotes) corrected.push_back({offset, 0, std::move(what)});
   }
 };
 

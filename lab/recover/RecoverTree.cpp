@@ -155,10 +155,10 @@ void RecoverTree::AddEmptyCells(std::uint64_t offset, std::uint64_t count) {
     Append(cellFields());
   }
   const std::string last = std::to_string(open_.back().seen);
-  report_.Mend(offset, count == 1
-                           ? "an empty cell keeps the place of cell " + last + ", which was lost"
-                           : "empty cells keep the places of cells " + std::to_string(first) +
-                                 " to " + last + ", which were lost");
+  report_.Correct(offset, count == 1
+                              ? "an empty cell keeps the place of cell " + last + ", which was lost"
+                              : "empty cells keep the places of cells " + std::to_string(first) +
+                                    " to " + last + ", which were lost");
   report_.lostRecords += count;
 }
 
@@ -192,7 +192,7 @@ void RecoverTree::openMade(std::uint64_t offset, std::string_view tag) {
   Append(bytes);
   Open(head, tag, bytes.size(), false);
   open_.back().isMade = true;
-  report_.Mend(offset, "the list " + InQuotes(tag) + " was made anew around what was in it");
+  report_.Correct(offset, "the list " + InQuotes(tag) + " was made anew around what was in it");
 }
 
 void RecoverTree::Open(const RecoverHead& head, std::string_view tag, std::uint64_t bytes,
@@ -250,10 +250,10 @@ void RecoverTree::close() {
   const std::uint32_t length = rightLength(list);
   if (length != list.length) Patch(list.written + 4, LongBytes(length));
   if (list.isMade || (count == list.count && length == list.length)) return;
-  report_.Mend(list.offset, "the list " + InQuotes(list.tag) + " now says " +
-                                Counted(count, "record") + " in " + Counted(length, "byte") +
-                                ", not " + std::to_string(list.count) + " in " +
-                                std::to_string(list.length));
+  report_.Correct(list.offset, "the list " + InQuotes(list.tag) + " now says " +
+                                   Counted(count, "record") + " in " + Counted(length, "byte") +
+                                   ", not " + std::to_string(list.count) + " in " +
+                                   std::to_string(list.length));
 }
 
 void RecoverTree::ClosePlate() {
@@ -270,7 +270,7 @@ void RecoverTree::closeOrEnd() {
   if (open_.back().isPlate) {
     std::vector<std::uint8_t> end = {'E', 'O', 'P', 'l', 0, 0, 0, 4, 0, 0, 0, 0};
     Append(end);
-    report_.Mend(open_.back().offset, "the plate had no end record, and was given one");
+    report_.Correct(open_.back().offset, "the plate had no end record, and was given one");
   }
   close();
 }

@@ -128,7 +128,7 @@ std::optional<RecoverHead> Recovery::listWithoutTag(std::uint64_t offset, std::s
       if (!IsBoundary(source_, head.DeclaredEnd())) continue;
     }
     tag = home;
-    report_.Mend(offset, "a list whose tag was damaged was taken for " + InQuotes(home));
+    report_.Correct(offset, "a list whose tag was damaged was taken for " + InQuotes(home));
     return head;
   }
   return std::nullopt;
@@ -180,7 +180,7 @@ std::uint64_t Recovery::keepPlateEnd(std::uint64_t offset) {
   tree_.Append({'E', 'O', 'P', 'l', 0, 0, 0, kValueSize});
   tree_.Copy(offset + kRecordHeadSize, offset + kRecordHeadSize + kValueSize);
   tree_.ClosePlate();
-  report_.Mend(offset, "the record \"EOPl\", the end of the plate, was given its tag again");
+  report_.Correct(offset, "the record \"EOPl\", the end of the plate, was given its tag again");
   return offset + kRecordHeadSize + kValueSize;
 }
 
@@ -241,8 +241,9 @@ std::uint64_t Recovery::keepValue(const RecoverHead& head) {
   const std::uint64_t size = head.next - head.offset - kRecordHeadSize;
   if (FixedSize(head.kind->layout) > 0 && head.length != size) {
     tree_.Patch(written + 4, LongBytes(static_cast<std::uint32_t>(size)));
-    report_.Mend(head.offset, "the record " + InQuotes(head.Tag()) + " now says that it holds " +
-                                  Counted(size, "byte") + ", not " + std::to_string(head.length));
+    report_.Correct(head.offset, "the record " + InQuotes(head.Tag()) + " now says that it holds " +
+                                     Counted(size, "byte") + ", not " +
+                                     std::to_string(head.length));
   }
   if (tree_.Depth() == 0) {
     positions_[std::string(head.Tag())] = {head.offset, head.next, written, tree_.Position()};
@@ -269,8 +270,9 @@ std::uint64_t Recovery::keepUnknown(const RecoverHead& head) {
   if (!isHarmless) return passGap(head.offset);
   tree_.Count(head.Tag());
   tree_.Copy(head.offset, head.next);
-  report_.Mend(head.offset, "kept a record of no known kind, " + InQuotes(Escaped(head.Tag())) +
-                                " of " + Counted(head.length, "byte") + ": readers pass over it");
+  report_.Correct(head.offset, "kept a record of no known kind, " + InQuotes(Escaped(head.Tag())) +
+                                   " of " + Counted(head.length, "byte") +
+                                   ": readers pass over it");
   return head.next;
 }
 
@@ -311,9 +313,9 @@ std::uint64_t Recovery::keepPlate(const RecoverHead& head) {
     plateHeader_.assign(header.begin(), header.end());
   } else {
     std::vector<std::string> guesses;
-    plateHeader_ = MendedHeader(header, {}, true, guesses);
+    plateHeader_ = CorrectedHeader(header, {}, true, guesses);
     ++report_.madeHeads;
-    report_.Mend(begin, "the plate's header was damaged" + GuessText(guesses));
+    report_.Correct(begin, "the plate's header was damaged" + GuessText(guesses));
   }
   tree_.Append({'R', 'Q', 'P', 'l', 0, 0, 0, 2, 0, 0});
   tree_.Append(plateHeader_);

@@ -103,10 +103,10 @@ std::uint64_t Recovery::keepFound(RecoverBlock block, std::uint64_t from, std::u
   ++report_.records;
   report_.frames += block.frames;
   ++report_.madeHeads;
-  report_.Mend(block.offset, "the head of the data block " + InQuotes(block.tag) +
-                                 " was damaged; " + Counted(block.frames, "frame") + " of " +
-                                 Counted(block.wells, "well") + " found again" +
-                                 GuessText(block.guesses));
+  report_.Correct(block.offset, "the head of the data block " + InQuotes(block.tag) +
+                                    " was damaged; " + Counted(block.frames, "frame") + " of " +
+                                    Counted(block.wells, "well") + " found again" +
+                                    GuessText(block.guesses));
   if (tree_.Depth() == 0) {
     positions_[block.tag] = {block.offset, block.End(), written, tree_.Position()};
   }
@@ -135,9 +135,9 @@ std::uint64_t Recovery::keepBlock(RecoverBlock block) {
     tree_.Patch(written + 4, LongBytes(static_cast<std::uint32_t>(block.length + change)));
   }
   if (behind > 0) {
-    report_.Mend(block.End(), Counted(behind, "whole frame") +
-                                  " behind the declared length of the data block " +
-                                  InQuotes(block.tag) + " counted in");
+    report_.Correct(block.End(), Counted(behind, "whole frame") +
+                                     " behind the declared length of the data block " +
+                                     InQuotes(block.tag) + " counted in");
   }
   ++report_.records;
   report_.frames += there + behind;
@@ -152,8 +152,8 @@ std::uint64_t Recovery::keepBlock(RecoverBlock block) {
   report_.lostFrames += block.frames - there;
   lose(end, source_.Size(), "part of a frame: the file ends in it");
   if (end == source_.Size()) {
-    report_.Mend(end, "the file ends after " + std::to_string(there) + " of " +
-                          Counted(block.frames, "frame"));
+    report_.Correct(end, "the file ends after " + std::to_string(there) + " of " +
+                             Counted(block.frames, "frame"));
   }
   return source_.Size();
 }

@@ -12,16 +12,16 @@ namespace vex2::lab {
 void Recovery::finishHeader() {
   const bool isWhole = IsHeaderWhole(header_);
   report_.hasHeader = isWhole;
-  if (isWhole && report_.lostPlaces == 0 && report_.mendedPlaces == 0) return;
+  if (isWhole && report_.lostPlaces == 0 && report_.correctedPlaces == 0) return;
   PlateFacts facts;
   facts.isStudy = tree_.TagsAtTop().count(std::string(TagOf(Kind::kPlates))) > 0;
   facts.hasFrames = report_.frames > 0;
   if (!numbers_.empty()) facts.wells = numbers_.rbegin()->first;
   std::vector<std::string> guesses;
-  auto header = isWhole ? header_ : MendedHeader(header_, facts, false, guesses);
+  auto header = isWhole ? header_ : CorrectedHeader(header_, facts, false, guesses);
   if (!isWhole) {
     ++report_.madeHeads;
-    report_.Mend(0, "the header was damaged" + GuessText(guesses));
+    report_.Correct(0, "the header was damaged" + GuessText(guesses));
   }
   const auto setPosition = [&](std::uint64_t at, std::string_view tag) {
     const auto bytes = LongBytes(rightPosition(LongAt(header, at), tag));

@@ -1,6 +1,6 @@
 // A commit that the system refuses leaves the file as it was, and the same frame can be tried
 // again; where even taking it back is refused, every earlier frame is there and the next commit
-// mends the rest.
+// repairs the rest.
 #include "tests/reliability/RunOnDisk.h"
 
 namespace vex2::test {
@@ -76,7 +76,7 @@ TEST_P(FailedCommit, AtAnyCallLeavesTheFileAndCanBeRepeated) {
   ReportSweep(result);
 }
 
-TEST_P(FailedCommit, ThatCannotBeTakenBackLeavesTheEarlierFramesAndIsMended) {
+TEST_P(FailedCommit, ThatCannotBeTakenBackLeavesTheEarlierFramesAndIsRepaired) {
   SweepResult result{.promise = kPromise,
                      .sweep = "EIO and ENOSPC at each call and at those that take it back"};
   bool struck = true;

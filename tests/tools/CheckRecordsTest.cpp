@@ -141,7 +141,7 @@ TEST_F(CheckRecords, BytesBetweenRecordsThatAreNoneAreAnError) {
   EXPECT_THAT(Errors(), HasSubstr("at 1024: these bytes are no record, and known ones follow\n"));
 }
 
-TEST_F(CheckRecords, BytesWithinAListThatAreNoRecordsAreOneErrorAndNoLengthIsToBeMended) {
+TEST_F(CheckRecords, BytesWithinAListThatAreNoRecordsAreOneErrorAndNoLengthIsToBeRepaired) {
   MakeDocument(
       ByteString().Text("GLBL").Long(38).Short(3).Zeros(24).Text("VERS").Long(4).Long(512));
   const auto errors = Found(lab::Severity::kError);

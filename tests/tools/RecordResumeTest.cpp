@@ -297,7 +297,7 @@ TEST_F(RecordResumeTest, ValuesThatAreNotGivenAgainAreTheDocuments) {
 
 TEST_F(RecordResumeTest, WhatIsNoDocumentIsRefused) {
   WriteBytes(Run(), ToBytes("no document"));
-  ExpectRefused(Record({"--resume"}), "is no plate document");
+  ExpectRefused(Record({"--resume"}), "is not a plate document");
 }
 
 TEST_F(RecordResumeTest, StatusOfNoRunInProgressIsRefused) {

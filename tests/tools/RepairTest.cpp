@@ -1,4 +1,5 @@
-// What `vex repair` mends in place, what it leaves alone, and that a document is never lost by it.
+// What `vex repair` repairs in place, what it leaves alone, and that a document is never lost by
+// it.
 
 #include <unistd.h>
 
@@ -17,13 +18,14 @@ using testing::HasSubstr;
 
 class Repair : public DamageTest {
  protected:
-  /// Mends what `MakeRun` made and a change spoilt, expects it to be clean then, and as `mended`.
-  void ExpectMended(const Bytes& mended) const {
+  /// Repairs what `MakeRun` made and a change spoilt, expects it to be clean then, and as
+  /// `repaired`.
+  void ExpectRepaired(const Bytes& repaired) const {
     const Bytes before = ReadBytes(path_);
     const CommandResult result = RunVex({"repair", path_});
     EXPECT_EQ(result.exitCode, 0) << result.errors;
     EXPECT_EQ(result.errors, "");
-    EXPECT_EQ(FirstDifference(ReadBytes(path_), mended), "");
+    EXPECT_EQ(FirstDifference(ReadBytes(path_), repaired), "");
     EXPECT_EQ(FirstDifference(ReadBytes(path_ + ".backup"), before), "");
     ExpectSound();
     fs::remove(path_ + ".backup");
@@ -41,9 +43,9 @@ class Repair : public DamageTest {
 
 TEST_F(Repair, LeavesASoundDocumentAlone) {
   MakeRun("DONE");
-  ExpectLeftAlone(0, path_ + ": there is nothing to mend\n", "");
+  ExpectLeftAlone(0, path_ + ": there is nothing to repair\n", "");
   SetLong(kPositionAt, kEnd);
-  ExpectLeftAlone(0, path_ + ": there is nothing to mend\n", "");
+  ExpectLeftAlone(0, path_ + ": there is nothing to repair\n", "");
 }
 
 TEST_F(Repair, CutsOffPartOfAFrame) {
@@ -53,7 +55,7 @@ TEST_F(Repair, CutsOffPartOfAFrame) {
     for (const std::size_t torn : {std::size_t{1}, kFrame - 1}) {
       WriteBytes(path_, whole);
       AppendFrameBytes(torn);
-      ExpectMended(whole);
+      ExpectRepaired(whole);
     }
   }
 }
@@ -62,33 +64,33 @@ TEST_F(Repair, CutsOffAFrameOfZeros) {
   MakeRun("PROG");
   const Bytes whole = ReadBytes(path_);
   Append(Bytes(kFrame, 0));
-  ExpectMended(whole);
+  ExpectRepaired(whole);
 }
 
 TEST_F(Repair, CountsWholeFramesBehindTheBlock) {
   MakeRun("PROG");
   for (const unsigned frames : {1U, 2U}) {
     AppendFrameBytes(frames * kFrame);
-    Bytes mended = ReadBytes(path_);
-    const std::uint32_t length = LongAt(mended, kBlock + 4);
-    SetLongAt(mended, kBlock + 4, length + frames * kFrame);
+    Bytes repaired = ReadBytes(path_);
+    const std::uint32_t length = LongAt(repaired, kBlock + 4);
+    SetLongAt(repaired, kBlock + 4, length + frames * kFrame);
     AppendFrameBytes(11);
-    ExpectMended(mended);
+    ExpectRepaired(repaired);
   }
 }
 
 TEST_F(Repair, SetsALengthThatCountsTooManyFramesToThoseThatAreThere) {
   MakeRun("DONE");
-  Bytes mended = ReadBytes(path_);
-  mended.resize(kEnd - kFrame);
-  SetLongAt(mended, kBlock + 4, kBlockLength - kFrame);
+  Bytes repaired = ReadBytes(path_);
+  repaired.resize(kEnd - kFrame);
+  SetLongAt(repaired, kBlock + 4, kBlockLength - kFrame);
   Change([](Bytes& bytes) { bytes.resize(kEnd - 1); });
   EXPECT_THAT(Output({"repair", "--dry-run", path_}),
               HasSubstr("cut off 239 bytes of a frame of which the rest is gone"));
-  ExpectMended(mended);
+  ExpectRepaired(repaired);
 }
 
-TEST_F(Repair, LeavesNothingThatAnotherRepairWouldMend) {
+TEST_F(Repair, LeavesNothingThatAnotherRepairWouldRepair) {
   const std::vector<std::size_t> sizes = {kEnd - kFrame - 1, kEnd - kFrame, kEnd - 1, kEnd,
                                           kEnd + 1,          kEnd + kFrame};
   for (const char* status : {"PROG", "DONE"}) {
@@ -111,9 +113,9 @@ TEST_F(Repair, SetsALengthThatCountsHalfAFrame) {
   MakeRun("DONE");
   const Bytes whole = ReadBytes(path_);
   SetLong(kBlock + 4, kBlockLength - kFrame + 50);
-  ExpectMended(whole);
+  ExpectRepaired(whole);
   SetLong(kBlock + 4, 20);
-  ExpectMended(whole);
+  ExpectRepaired(whole);
 }
 
 TEST_F(Repair, MakesThePositionLeadToTheBlock) {
@@ -121,7 +123,7 @@ TEST_F(Repair, MakesThePositionLeadToTheBlock) {
   const Bytes whole = ReadBytes(path_);
   for (const unsigned long position : {0UL, kBlock + 1UL, 1UL * kEnd, 0xFFFFFFFFUL}) {
     SetLong(kPositionAt, position);
-    ExpectMended(whole);
+    ExpectRepaired(whole);
   }
 }
 
@@ -132,7 +134,7 @@ TEST_F(Repair, MakesThePositionOfTheProgramLeadToIt) {
   SetLong(kProgramAt, 1024);
   const Bytes whole = ReadBytes(path_);
   SetLong(kProgramAt, 1030);
-  ExpectMended(whole);
+  ExpectRepaired(whole);
 }
 
 TEST_F(Repair, CutsOffAFirstCommitThatWasInterrupted) {
@@ -145,32 +147,32 @@ TEST_F(Repair, CutsOffAFirstCommitThatWasInterrupted) {
     SetLong(kPositionAt, 0);
     Change([=](Bytes& bytes) { bytes.resize(kBlock + rest); });
     const Bytes torn = ReadBytes(path_);
-    ExpectMended(begun);
+    ExpectRepaired(begun);
     // A block gets its tag last.
     WriteBytes(path_, torn);
     Change([](Bytes& bytes) { std::fill_n(bytes.begin() + kBlock, 3, std::uint8_t{0}); });
     if (rest > 3) Change([](Bytes& bytes) { bytes[kBlock + 3] = 0; });
-    ExpectMended(begun);
+    ExpectRepaired(begun);
   }
 }
 
-TEST_F(Repair, MendsTheLengthsOfRecordsThatAreReadByWhatTheyHold) {
+TEST_F(Repair, RepairsTheLengthsOfRecordsThatAreReadByWhatTheyHold) {
   const auto settings = [](unsigned long list, unsigned long version) {
     return ByteString().Text("GLBL").Long(list).Short(1).Text("VERS").Long(version).Long(512);
   };
   MakeDocument(settings(14, 4));
   const Bytes whole = ReadBytes(path_);
   MakeDocument(settings(10, 2));
-  ExpectMended(whole);
+  ExpectRepaired(whole);
   MakeDocument(settings(14, 6));
-  ExpectMended(whole);
+  ExpectRepaired(whole);
 }
 
-TEST_F(Repair, RefusesWhatItCannotMend) {
+TEST_F(Repair, RefusesWhatItCannotRepair) {
   MakeRun("DONE");
   Append(Bytes(kFrame + 1, 0));
   ExpectLeftAlone(1, "",
-                  ": at byte 1872: not mended: 1 whole frame and 1 of the 240 bytes of a frame");
+                  ": at byte 1872: not repaired: 1 whole frame and 1 of the 240 bytes of a frame");
   MakeDocument(ByteString().Text("GLBL").Long(14).Short(1).Text("VERS").Long(4).Short(2));
   ExpectLeftAlone(1, "",
                   "vex: " + path_ + ": 'vex recover' takes what is whole into a new document\n");
@@ -183,7 +185,7 @@ TEST_F(Repair, DryRunTellsAndChangesNothing) {
   const Bytes before = ReadBytes(path_);
   EXPECT_EQ(Output({"repair", "--dry-run", path_}),
             path_ +
-                ": this would be mended\n"
+                ": this would be repaired\n"
                 "  byte 68: 0 -> 1120, the header's position of RAWa, for its tag\n"
                 "  byte 1872: cut off 10 bytes of a frame that was not committed\n");
   EXPECT_EQ(ReadBytes(path_), before);
@@ -223,7 +225,7 @@ TEST_F(Repair, WithoutRoomForTheBackupTheDocumentIsAsItWasAndThereIsNone) {
 
 TEST_F(Repair, KilledAtAnyMomentItLeavesTheOldOrTheNewDocument) {
   MakeRun("PROG");
-  const Bytes mended = ReadBytes(path_);
+  const Bytes repaired = ReadBytes(path_);
   AppendFrameBytes(10);
   const Bytes spoilt = ReadBytes(path_);
   for (int round = 0; round < 8; ++round) {
@@ -233,8 +235,8 @@ TEST_F(Repair, KilledAtAnyMomentItLeavesTheOldOrTheNewDocument) {
     repair.Signal(SIGKILL);
     repair.Wait();
     const Bytes left = ReadBytes(path_);
-    EXPECT_TRUE(left == spoilt || left == mended) << round;
-    if (left == mended) {
+    EXPECT_TRUE(left == spoilt || left == repaired) << round;
+    if (left == repaired) {
       EXPECT_EQ(ReadBytes(path_ + ".backup"), spoilt);
     }
     for (const auto& entry : fs::directory_iterator(std::string(folder_ / "."))) {

@@ -71,7 +71,8 @@ TEST_F(Study, OneRefusedPlateLeavesTheStudyAsItWas) {
   makePlate(plate3, "third");
   const std::string text = folder_ / "text.vex";
   WriteBytes(text, ToBytes("no document"));
-  expectStudyRefuses({"study", "add", study_, plate3, text}, text, 1, "this is no plate document");
+  expectStudyRefuses({"study", "add", study_, plate3, text}, text, 1,
+                     "this is not a plate document");
   Output({"study", "add", study_, plate3});
   EXPECT_EQ(plates().size(), 3U);
 }

@@ -83,7 +83,7 @@ void PrintRecoverText(std::ostream& out, const RecoverReport& report, const std:
   out << "from     " << Printable(source) << ", " << Counted(report.size, "byte") << '\n'
       << "to       " << Printable(target) << ", " << Counted(report.written, "byte") << '\n';
   printNotes(out, report.lost, report.lostPlaces, "lost");
-  printNotes(out, report.mended, report.mendedPlaces, "put right, or put in as a guess");
+  printNotes(out, report.corrected, report.correctedPlaces, "put right, or put in as a guess");
 }
 
 void PrintRecoverJson(std::ostream& out, const RecoverReport& report, const std::string& source,
@@ -102,8 +102,8 @@ void PrintRecoverJson(std::ostream& out, const RecoverReport& report, const std:
       {"lostFrames", report.lostFrames},
       {"lostPlaces", report.lostPlaces},
       {"lost", notesOf(report.lost, true)},
-      {"mendedPlaces", report.mendedPlaces},
-      {"mended", notesOf(report.mended, false)},
+      {"correctedPlaces", report.correctedPlaces},
+      {"corrected", notesOf(report.corrected, false)},
   };
   PrintJson(out, object, 2);
 }
