@@ -5,6 +5,7 @@
 #include "lab/Text.h"
 #include "lab/model/Codes.h"
 #include "lab/model/RunValues.h"
+#include "lab/model/Study.h"
 #include "vex2/run/ThermocycleProgramComp.h"
 
 namespace vex2::lab {
@@ -61,7 +62,7 @@ PlateOverview OverviewOf(const Document::Plate& plate) {
   PlateOverview overview;
   overview.isEmbedded = plate.isEmbedded;
   overview.name = ToUtf8(plate.name);
-  overview.modified = ToUtf8(plate.date);
+  overview.modified = PlateDateText(ToUtf8(plate.date));
   overview.offset = plate.offset;
   overview.size = plate.end - plate.offset;
   addHeader(overview, plate.content->GetHeaderData());

@@ -15,7 +15,7 @@ namespace vex2::lab {
 struct PlateOverview {
   bool isEmbedded = false;  ///< in a study; `name` and `modified` are empty elsewhere
   std::string name;
-  std::string modified;      ///< as the study has it
+  std::string modified;      ///< see `PlateDateText`
   std::uint64_t offset = 0;  ///< bytes from the start of the file
   std::uint64_t size = 0;    ///< bytes
 

@@ -1,5 +1,7 @@
 #include "lab/model/Study.h"
 
+#include <array>
+#include <cstdio>
 #include <filesystem>
 #include <new>
 
@@ -14,6 +16,7 @@ namespace {
 
 constexpr std::string_view kStudyCode = Assay::kRelativeStudy.code;
 constexpr std::string_view kPlateKind = KindMarker::kKestor;
+// See `PlateDateText`, which reads it.
 constexpr const char* kDateForm = "%b %d, %Y %I:%M %p";
 
 [[noreturn]] void refuse(const Document& plate, const std::string& why) {
@@ -119,6 +122,28 @@ void ExtractPlate(const Document& study, const Document::Plate& plate, const std
   SaveDocument(single, target);
 }
 
+std::string PlateDateText(const std::string& stored) {
+  constexpr std::string_view kMonths = "JanFebMarAprMayJunJulAugSepOctNovDec";
+  std::array<char, 4> name{};
+  std::array<char, 3> half{};
+  unsigned day = 0;
+  unsigned year = 0;
+  unsigned hour = 0;
+  unsigned minute = 0;
+  int length = 0;
+  const int fields = std::sscanf(stored.c_str(), "%3[A-Za-z] %2u, %4u %2u:%2u %1[AP]M%n",
+                                 name.data(), &day, &year, &hour, &minute, half.data(), &length);
+  const std::size_t month = kMonths.find(name.data());
+  const bool isDate = fields == 6 && static_cast<std::size_t>(length) == stored.size() &&
+                      name[2] != 0 && month < kMonths.size() && month % 3 == 0 && day >= 1 &&
+                      day <= 31 && hour >= 1 && hour <= 12 && minute < 60;
+  if (!isDate) return stored;
+  std::array<char, 32> text{};
+  std::snprintf(text.data(), text.size(), "%04u-%02zu-%02uT%02u:%02u", year, month / 3 + 1, day,
+                hour % 12 + (half[0] == 'P' ? 12 : 0), minute);
+  return text.data();
+}
+
 void RequireStudy(const Document& document) {
   if (document.IsStudy()) return;
   throw Error(ErrorCode::kDocument, document.Path(),
@@ -132,7 +157,7 @@ std::vector<StudyPlate> StudyPlatesOf(const Document& document) {
   for (const Document::Plate& plate : document.Plates()) {
     const Vex2FileManager& content = *plate.content;
     plates.push_back({.name = ToUtf8(plate.name),
-                      .modified = ToUtf8(plate.date),
+                      .modified = PlateDateText(ToUtf8(plate.date)),
                       .wells = content.GetPlateSize(),
                       .frames = content.GetDataFrameCount(DataRAWa),
                       .status = ToUtf8(content.GetAcquisitionStatus().View()),

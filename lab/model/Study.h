@@ -23,13 +23,17 @@ std::string AddPlates(Vex2FileManager& study, const std::string& studyPath,
 void ExtractPlate(const Document& study, const Document::Plate& plate, const std::string& target,
                   const SaveRules& rules);
 
+/// When a plate's own file was last changed, as "2003-03-05T14:07" in local time, given what the
+/// study stores, "Mar 05, 2003 02:07 PM". Any other text is answered as it is.
+std::string PlateDateText(const std::string& stored);
+
 /// Throws an error unless `document` is a study.
 void RequireStudy(const Document& document);
 
 /// A plate of a study in a few words. Texts are UTF-8.
 struct StudyPlate {
   std::string name;
-  std::string modified;  ///< when the plate's own file was last changed
+  std::string modified;  ///< when the plate's own file was last changed, see `PlateDateText`
   int wells = 0;
   int frames = 0;  ///< of the raw readings
   std::string status;

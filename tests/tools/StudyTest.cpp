@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "lab/model/Study.h"
 #include "tests/tools/StudyFixture.h"
 #include "vex2/manager/Vex2FileManagerComponent.h"
 
@@ -39,7 +40,7 @@ TEST_F(Study, APlateKeepsWhenItsFileWasLastChangedInLocalTime) {
   const utimbuf times{1046873220, 1046873220};
   ASSERT_EQ(::utime(plate1_.c_str(), &times), 0);
   Output({"study", "new", study_, plate1_});
-  EXPECT_EQ(plates()[0]["modified"], "Mar 05, 2003 02:07 PM");
+  EXPECT_EQ(plates()[0]["modified"], "2003-03-05T14:07");
 }
 
 TEST_F(Study, IsListedForPeopleAndForPrograms) {
@@ -235,7 +236,7 @@ TEST_F(StudyOfSamples, IsListedWithItsPlates) {
     ASSERT_EQ(plates.size(), component["children"].size());
     for (std::size_t i = 0; i < plates.size(); ++i) {
       EXPECT_EQ(plates[i]["name"], component["children"][i]["name"]);
-      EXPECT_EQ(plates[i]["modified"], component["children"][i]["date"]);
+      EXPECT_EQ(plates[i]["modified"], lab::PlateDateText(component["children"][i]["date"]));
       EXPECT_EQ(plates[i]["offset"], component["children"][i]["offset"]);
     }
   }

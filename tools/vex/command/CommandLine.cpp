@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
-#include <cerrno>
 #include <exception>
 #include <iostream>
 #include <new>
@@ -14,6 +13,7 @@
 #include "tools/vex/command/Misuse.h"
 #include "tools/vex/command/ScreenOptions.h"
 #include "tools/vex/command/VersionText.h"
+#include "tools/vex/files/Output.h"
 #include "vex2/framework/CFileException.h"
 
 namespace vex2::tool {
@@ -94,13 +94,6 @@ void answer(const CLI::App& app, const CLI::Success& success) {
   std::cout << (isVersion ? VersionText() : HelpText(ChosenApp(app), ChosenCommand(app)));
 }
 
-void finishOutput() {
-  errno = 0;
-  if (!std::cout.flush()) {
-    throw SystemError("standard output", errno != 0 ? errno : EIO);
-  }
-}
-
 ScreenOptions& screenOptions() {
   static ScreenOptions options;
   return options;
@@ -163,13 +156,13 @@ ExitCode run(int argumentCount, const char* const* arguments) {
   } catch (const CLI::Success& success) {
     Terminal::Configure(screenOptions().Wishes());
     answer(app, success);
-    finishOutput();
+    FinishStream(std::cout, "standard output");
     return ExitCode::kDone;
   }
   Terminal::Configure(screenOptions().Wishes());
   requireOutputApart(argumentCount, arguments);
   const ExitCode code = runCommand(app, commands);
-  finishOutput();
+  FinishStream(std::cout, "standard output");
   return code;
 }
 

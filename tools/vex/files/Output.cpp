@@ -48,10 +48,18 @@ Output::Output(const std::string& path) : path_(path), stream_(&text_) {
 
 void Output::Finish() {
   if (stream_ == &text_) return replaceFile();
+  FinishStream(*stream_, path_);
+  if (!device_.is_open()) return;
   errno = 0;
-  stream_->flush();
-  if (device_.is_open()) device_.close();
-  if (!*stream_) throw SystemError(path_, errno != 0 ? errno : EIO);
+  device_.close();
+  if (!device_) throw SystemError(path_, errno != 0 ? errno : EIO);
+}
+
+void FinishStream(std::ostream& stream, const std::string& name) {
+  // After a write that failed a stream writes nothing more, so the reason is still in errno.
+  if (stream) errno = 0;
+  stream.flush();
+  if (!stream) throw SystemError(name, errno != 0 ? errno : EIO);
 }
 
 void Output::replaceFile() {

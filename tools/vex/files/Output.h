@@ -29,6 +29,10 @@ class Output {
   std::ostream* stream_;
 };
 
+/// Writes out what `stream` still buffers. Throws an error with the system's reason, also of an
+/// earlier write, when not all of it was written; `name` is what the error calls it.
+void FinishStream(std::ostream& stream, const std::string& name);
+
 /// Whether `path` is where standard output or standard error goes: an empty path, "-", and names
 /// like /dev/stdout.
 bool IsStandardStream(const std::string& path);
