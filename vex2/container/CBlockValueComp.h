@@ -11,6 +11,7 @@
 /// more.
 class VEX2_API CBlockValueComp : public CComponent {
  public:
+  /// Holds no bytes.
   explicit CBlockValueComp(std::string_view tag);
   /// Holds a copy of `length` bytes; empty if `length` is 0 or `bytes` is null.
   CBlockValueComp(std::string_view tag, std::uint32_t length, const void* bytes);
@@ -20,11 +21,14 @@ class VEX2_API CBlockValueComp : public CComponent {
   /// The `GetLength()` bytes; null if there are none. The component owns them; they are valid until
   /// it changes.
   const std::uint8_t* GetData() const { return data_.get(); }
+  /// The `GetLength()` bytes, which the caller may change; null if there are none. The component
+  /// owns them; they are valid until it changes.
   std::uint8_t* GetData() { return data_.get(); }
 
   CComponent& Assign(const CComponent& source) override;
   /// Replaces the bytes by `GetLength()` zero bytes; by none if the length is 0.
   void AllocateBody() override;
+  /// Releases the bytes; the length stays unchanged.
   void FreeBody() override;
   /// The characters. First removes a trailing zero byte from the component for good.
   CString GetValueString() override;

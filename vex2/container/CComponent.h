@@ -21,6 +21,7 @@ class VEX2_API CComponent : public CObject {
   CComponent& operator=(const CComponent&) = delete;
 
   const CRuntimeClass* GetRuntimeClass() const override;
+  /// The record of this class.
   static const CRuntimeClass* ClassRecord();
 
   /// Copies the content of `source` if it has the same tag; otherwise does nothing.
@@ -41,11 +42,14 @@ class VEX2_API CComponent : public CObject {
   /// Bytes of the whole record in the file: its length plus 8.
   virtual std::uint64_t GetSize() const;
 
-  /// Allocate and release the memory of the body, in classes that have any.
+  /// Allocates the memory of the body, in classes whose body takes memory.
   virtual void AllocateBody();
+  /// Releases the memory of the body, in classes whose body takes memory.
   virtual void FreeBody();
 
+  /// Whether this is the plate setup of a document.
   virtual bool IsPlateSetupComp() const;
+  /// Whether this is the thermal cycling program of a document.
   virtual bool IsThermocycleComp() const;
 
   /// The text, if the component holds one; otherwise the empty text.
@@ -62,6 +66,7 @@ class VEX2_API CComponent : public CObject {
   std::uint32_t GetLength() const { return length_; }
 
  protected:
+  /// Sets the body length, in bytes, that `GetLength` returns.
   void setLength(std::uint32_t length) { length_ = length; }
   /// Only for the placeholder, which takes the tag of the record that it represents.
   void setTag(std::string_view tag);

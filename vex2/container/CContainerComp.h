@@ -12,6 +12,7 @@
 /// count, then that many records.
 class VEX2_API CContainerComp : public CComponent {
  public:
+  /// An empty list.
   explicit CContainerComp(std::string_view tag);
   ~CContainerComp() override;
 
@@ -49,12 +50,14 @@ class VEX2_API CContainerComp : public CComponent {
   virtual int ReadChildren(CFile* file);
 
  protected:
+  /// An empty list whose body begins with `fixedLength` bytes, the count included.
   CContainerComp(std::string_view tag, std::uint16_t fixedLength);
 
   /// Adds a child that was read, without changing count and length.
   void keepChild(std::unique_ptr<CComponent> child);
   /// Reserves memory for `count` children.
   void reserveChildren(std::size_t count);
+  /// Sets the count that `GetCount` returns.
   void setCount(std::uint16_t count) { count_ = count; }
 
  private:

@@ -7,6 +7,7 @@
 class VEX2_API CSkippedComp final : public CComponent {
  public:
   CSkippedComp();
+  /// Represents a record with this tag, and a body of `length` bytes.
   CSkippedComp(std::string_view tag, std::uint32_t length);
 
   using CComponent::Read;

@@ -20,6 +20,7 @@ class ComponentArray {
   ComponentArray(const ComponentArray&) = delete;
   ComponentArray& operator=(const ComponentArray&) = delete;
 
+  /// The number of components.
   std::size_t Size() const { return size_; }
   /// The components, owned by the array; valid until it changes.
   std::span<CComponent* const> All() const { return {components_.get(), size_}; }

@@ -10,13 +10,20 @@ namespace vex2 {
 template <typename Value>
 class VEX2_API ScalarComponent : public CComponent {
  public:
+  /// Holds `value`.
   explicit ScalarComponent(std::string_view tag, Value value = Value{});
 
+  /// The value.
   Value GetValue() const { return value_; }
+  /// Sets the value.
   void SetValue(Value value) { value_ = value; }
 
+  /// Copies the value of `source` if it has the same tag and class; otherwise does nothing.
   CComponent& Assign(const CComponent& source) override;
+  /// Writes the value at the file position. Returns 0, or -200 for a null file.
   int WriteBody(CFile* file) override;
+  /// Reads the value at the file position. Returns 0, or -100 for a null file or if the file
+  /// ends within it.
   int ReadBody(CFile* file) override;
 
  private:

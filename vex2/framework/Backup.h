@@ -9,10 +9,10 @@ namespace vex2 {
 
 /// Which file a path leads to.
 struct LocatedFile {
-  std::string path;        ///< with symbolic links resolved
-  bool exists = false;     ///< if false, the following fields have no meaning
-  bool isRegular = false;  ///< false for a folder, a pipe or a device
-  std::uint64_t device = 0;
+  std::string path;          ///< with symbolic links resolved
+  bool exists = false;       ///< if false, the following fields have no meaning
+  bool isRegular = false;    ///< false for a folder, a pipe or a device
+  std::uint64_t device = 0;  ///< the device that holds the file
   std::uint64_t number = 0;  ///< the inode: the same for all hard links to the file
 };
 

@@ -27,6 +27,7 @@ class DocumentStore;
 /// `SyncData`. Not thread-safe; different objects are independent.
 class VEX2_API CFile : public CObject {
  public:
+  /// How `Open` opens a file; values are combined with "or".
   enum OpenFlags : unsigned {
     modeRead = 0x0000,
     modeWrite = 0x0001,
@@ -36,6 +37,7 @@ class VEX2_API CFile : public CObject {
     modeNoTruncate = 0x2000,  ///< with modeCreate: keeps the content of the file
     typeBinary = 0x8000,      ///< the only type
   };
+  /// What the offset given to `Seek` counts from.
   enum SeekPosition { begin, current, end };
 
   CFile();
@@ -44,6 +46,7 @@ class VEX2_API CFile : public CObject {
   CFile& operator=(const CFile&) = delete;
 
   const CRuntimeClass* GetRuntimeClass() const override;
+  /// The record of this class.
   static const CRuntimeClass* ClassRecord();
 
   /// Opens `path` after closing the file that was open. Returns false on failure: then `error`, if
@@ -71,10 +74,14 @@ class VEX2_API CFile : public CObject {
   /// `CFileException` and changes nothing if the position would be below 0 or would not fit in 63
   /// bits.
   virtual std::uint64_t Seek(std::int64_t offset, SeekPosition from);
+  /// Moves the file position to offset 0.
   void SeekToBegin() { Seek(0, begin); }
+  /// Moves the file position to the end of the file and returns it.
   std::uint64_t SeekToEnd() { return Seek(0, end); }
 
+  /// The file position: the offset at which the file is read or written next.
   virtual std::uint64_t GetPosition() const;
+  /// The length of the file in bytes, including bytes that are still in the buffer.
   virtual std::uint64_t GetLength() const;
   /// Truncates the file to `length` bytes, or extends it with zeros, and keeps the file position.
   /// Does nothing if the file is not a regular file.
@@ -82,13 +89,16 @@ class VEX2_API CFile : public CObject {
   /// Hands the buffered bytes to the system. Throws `CFileException`.
   virtual void Flush();
 
-  /// The name, the name without its extension, and the whole path with which the file was opened.
+  /// The file name with which the file was opened, without its folder.
   virtual CString GetFileName() const;
+  /// The file name with which the file was opened, without its extension.
   virtual CString GetFileTitle() const;
+  /// The whole path with which the file was opened.
   virtual CString GetFilePath() const;
 
   /// Fills `status`. Returns false if no file is open or the system cannot tell.
   [[nodiscard]] bool GetStatus(CFileStatus& status) const;
+  /// Whether a file is open.
   bool IsOpen() const { return handle_ >= 0; }
 
   /// A data barrier: returns when everything written before is on the disk. Throws
@@ -106,6 +116,7 @@ class VEX2_API CFile : public CObject {
   /// Bytes from the file position to the end of the file; 0 past the end.
   std::uint64_t GetRemaining() const;
 
+  /// The size of the buffer, in bytes.
   static constexpr std::size_t kBufferSize = std::size_t{256} * 1024;
 
  protected:

@@ -18,9 +18,13 @@ class VEX2_API CFileException : public std::exception {
 
   /// One line: the path, the offset and the system's message.
   const char* what() const noexcept override;
+  /// The system's error number (`errno`); 0 if there is none.
   int GetError() const { return error_; }
+  /// The path of the file.
   const std::string& GetPath() const { return path_; }
+  /// The offset in the file, in bytes, at which the operation failed.
   std::uint64_t GetOffset() const { return offset_; }
+  /// The operation that the system refused.
   vex2::FileOperation GetOperation() const { return operation_; }
 
  private:

@@ -10,5 +10,6 @@ class VEX2_API CMapStringToOb : public CObject, public vex2::MapOf<CObject*> {
   using MapOf::MapOf;
 
   const CRuntimeClass* GetRuntimeClass() const override;
+  /// The record of this class.
   static const CRuntimeClass* ClassRecord();
 };

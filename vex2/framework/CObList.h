@@ -10,5 +10,6 @@ class VEX2_API CObList : public CObject, public vex2::ListOf<CObject*> {
   using ListOf::ListOf;
 
   const CRuntimeClass* GetRuntimeClass() const override;
+  /// The record of this class.
   static const CRuntimeClass* ClassRecord();
 };

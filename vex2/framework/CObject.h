@@ -13,10 +13,11 @@ class VEX2_API CObject {
   virtual const CRuntimeClass* GetRuntimeClass() const;
   virtual ~CObject();
 
-  /// Hooks that the library leaves empty: documents have their own format, and no host needs
-  /// validity checks or dumps.
+  /// A hook for storing objects, which the library leaves empty: documents have their own format.
   virtual void Serialize();
+  /// A hook for checks, which the library leaves empty.
   virtual void AssertValid() const;
+  /// A hook for dumps, which the library leaves empty.
   virtual void Dump() const;
 
   /// Whether the object's class is `base` or derives from it.
@@ -27,6 +28,8 @@ class VEX2_API CObject {
 
  protected:
   CObject() = default;
+  /// An object has no content of its own to copy.
   CObject(const CObject&) = default;
+  /// An object has no content of its own to assign.
   CObject& operator=(const CObject&) = default;
 };

@@ -13,13 +13,18 @@
 /// thread-safe.
 class VEX2_API CPtrArray : public CObject {
  public:
+  /// An empty array.
   CPtrArray() = default;
+  /// Takes the entries of `other`, which is empty afterwards.
   CPtrArray(CPtrArray&& other) noexcept { *this = std::move(other); }
+  /// Takes the entries of `other`, which is empty afterwards.
   CPtrArray& operator=(CPtrArray&& other) noexcept;
 
   const CRuntimeClass* GetRuntimeClass() const override;
+  /// The record of this class.
   static const CRuntimeClass* ClassRecord();
 
+  /// The number of entries.
   int GetSize() const { return static_cast<int>(size_); }
   /// The number of entries that fit before the array allocates again.
   int GetCapacity() const { return static_cast<int>(capacity_); }
@@ -29,13 +34,18 @@ class VEX2_API CPtrArray : public CObject {
   /// eighth of the size, between 4 and 1024; a negative value keeps the step.
   void SetSize(int size, int growBy = -1);
 
+  /// The entry at `index`, from 0; null for an index out of range.
   void* GetAt(int index) const;
+  /// Sets the entry at `index`, from 0; does nothing for an index out of range.
   void SetAt(int index, void* entry);
+  /// The entry at `index`, from 0; null for an index out of range.
   void* operator[](int index) const { return GetAt(index); }
+  /// The place at `index`, from 0, to read or assign; see `vex2::Slot`.
   vex2::Slot<CPtrArray, int, void*> operator[](int index) { return {*this, index}; }
 
   /// Adds an entry at the end and returns its index.
   int Add(void* entry);
+  /// Removes all entries; the capacity stays.
   void RemoveAll() { size_ = 0; }
 
  private:

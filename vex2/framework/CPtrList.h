@@ -10,5 +10,6 @@ class VEX2_API CPtrList : public CObject, public vex2::ListOf<void*> {
   using ListOf::ListOf;
 
   const CRuntimeClass* GetRuntimeClass() const override;
+  /// The record of this class.
   static const CRuntimeClass* ClassRecord();
 };

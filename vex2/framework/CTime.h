@@ -11,11 +11,13 @@
 class VEX2_API CTime {
  public:
   constexpr CTime() = default;
+  /// The moment this many seconds after the beginning of 1970 UTC.
   constexpr explicit CTime(std::int64_t secondsSince1970) : seconds_(secondsSince1970) {}
 
   /// The current time of the installed host, see `vex2::Host::Now`.
   static CTime GetCurrentTime();
 
+  /// Seconds since the beginning of 1970 UTC.
   std::int64_t GetTime() const { return seconds_; }
 
   /// The moment in local time, formatted by a pattern of `strftime` with the English names of the
@@ -24,6 +26,7 @@ class VEX2_API CTime {
   /// calendar cannot express.
   CString Format(const char* pattern) const;
 
+  /// Compares two moments; the later one is greater.
   friend constexpr auto operator<=>(const CTime&, const CTime&) = default;
 
   /// The time from `earlier` to `later`. A result that does not fit in 64 bits becomes the nearest

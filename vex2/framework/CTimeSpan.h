@@ -10,15 +10,21 @@
 class VEX2_API CTimeSpan {
  public:
   constexpr CTimeSpan() = default;
+  /// A span of this many seconds.
   constexpr explicit CTimeSpan(std::int64_t seconds) : seconds_(seconds) {}
+  /// The sum of the four parts.
   constexpr CTimeSpan(std::int32_t days, int hours, int minutes, int seconds)
       : seconds_(((days * std::int64_t{24} + hours) * 60 + minutes) * 60 + seconds) {}
 
-  /// Whole days; then the hours (0 to 23), minutes and seconds (0 to 59) that are left of the day.
+  /// The whole days.
   std::int64_t GetDays() const { return seconds_ / kSecondsPerDay; }
+  /// The hours that are left of the last day, 0 to 23.
   int GetHours() const { return static_cast<int>(seconds_ / 3600 % 24); }
+  /// The minutes that are left of the last hour, 0 to 59.
   int GetMinutes() const { return static_cast<int>(seconds_ / 60 % 60); }
+  /// The seconds that are left of the last minute, 0 to 59.
   int GetSeconds() const { return static_cast<int>(seconds_ % 60); }
+  /// The whole span in seconds.
   std::int64_t GetTotalSeconds() const { return seconds_; }
 
   /// `pattern` with %D replaced by the days, %H, %M and %S by the hours, minutes and seconds with
@@ -26,6 +32,7 @@ class VEX2_API CTimeSpan {
   /// gives the empty text.
   CString Format(const char* pattern) const;
 
+  /// Compares two spans; the longer one is greater.
   friend constexpr auto operator<=>(const CTimeSpan&, const CTimeSpan&) = default;
 
  private:

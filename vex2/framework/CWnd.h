@@ -13,5 +13,6 @@ class VEX2_API CWnd : public CObject {
   CWnd& operator=(const CWnd&) = delete;
 
   const CRuntimeClass* GetRuntimeClass() const override;
+  /// The record of this class.
   static const CRuntimeClass* ClassRecord();
 };

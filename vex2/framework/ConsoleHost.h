@@ -7,6 +7,7 @@
 #include "vex2/framework/Export.h"
 #include "vex2/framework/Host.h"
 
+/// @file
 /// The console host's settings store. Settings are stored in INI files. A section is a key, whose
 /// parts are separated by backslashes, and each line in it is a setting:
 ///

@@ -7,6 +7,7 @@
 #include "vex2/framework/CRuntimeClass.h"
 #include "vex2/framework/Export.h"
 
+/// @file
 /// The list of extension modules: libraries that add run-time classes to an application, which
 /// finds them here by name. A module registers itself when it is loaded and unregisters itself when
 /// it is unloaded, see `LoadedModule.h`. The document library registers itself as soon as it is in
@@ -16,8 +17,8 @@ namespace vex2 {
 
 /// The name of a module and the records of its classes. The module owns both.
 struct ExtensionModule {
-  const char* name;
-  std::span<const CRuntimeClass* const> classes;
+  const char* name;  ///< of the module, unique among the registered ones
+  std::span<const CRuntimeClass* const> classes;  ///< the records of its classes
 };
 
 /// Registers `module`, which must live until it is unregistered. Returns false and registers

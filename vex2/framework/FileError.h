@@ -36,8 +36,8 @@ enum class FileErrorReason : std::uint8_t {
 /// Why and where an operation on a file failed.
 struct FileError {
   CString path;  ///< path of the file; may be empty if memory ran out
-  FileOperation operation = FileOperation::kNone;
-  FileErrorReason reason = FileErrorReason::kNone;
+  FileOperation operation = FileOperation::kNone;   ///< the operation that failed
+  FileErrorReason reason = FileErrorReason::kNone;  ///< why it failed
   int systemError = 0;       ///< the system's error number (errno); 0 unless the system refused
   std::uint64_t offset = 0;  ///< bytes from the start of the file; 0 if none applies
 };

@@ -15,6 +15,7 @@ class FunctionRef;
 template <typename Result, typename... Arguments>
 class FunctionRef<Result(Arguments...)> {
  public:
+  /// Refers to `callable`, which must outlive every call.
   template <typename Callable>
   requires(!std::is_same_v<std::remove_cvref_t<Callable>, FunctionRef>)
       FunctionRef(const Callable& callable)
@@ -22,6 +23,7 @@ class FunctionRef<Result(Arguments...)> {
           return (*static_cast<const Callable*>(object))(std::forward<Arguments>(arguments)...);
         }) {}
 
+  /// Calls what it refers to.
   Result operator()(Arguments... arguments) const {
     return call_(callable_, std::forward<Arguments>(arguments)...);
   }

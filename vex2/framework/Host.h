@@ -31,6 +31,7 @@ struct ChooserResult {
 
 /// Means that the key exists but has no value with the requested name.
 struct NoValue {
+  /// All objects are equal.
   friend bool operator==(NoValue, NoValue) = default;
 };
 
@@ -55,9 +56,9 @@ class VEX2_API Host {
   /// the library uses a default only for a missing value. The console host reads an INI file, see
   /// `ConsoleHost.h`.
   virtual Setting QuerySetting(bool localMachine, const std::string& key, const std::string& name);
-  /// Mark the begin and end of a long operation; calls may be nested. The console host shows
-  /// nothing.
+  /// Marks the begin of a long operation; calls may be nested. The console host shows nothing.
   virtual void BeginWait();
+  /// Marks the end of the long operation that began last. The console host shows nothing.
   virtual void EndWait();
   /// Writes a line, which includes its line end, to the diagnostic trace. The console host drops
   /// it.

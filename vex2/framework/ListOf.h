@@ -18,7 +18,9 @@ class ListOf {
  public:
   /// The block size was the number of entries to allocate at a time; it is no longer used.
   explicit ListOf(int /*blockSize*/ = 10) {}
+  /// Takes the entries of `other`, which is empty afterwards.
   ListOf(ListOf&& other) noexcept { *this = std::move(other); }
+  /// Removes all entries and takes those of `other`, which is empty afterwards.
   ListOf& operator=(ListOf&& other) noexcept {
     if (this == &other) return *this;
     RemoveAll();
@@ -29,44 +31,59 @@ class ListOf {
   }
   ~ListOf() { RemoveAll(); }
 
+  /// The number of entries.
   int GetCount() const { return count_; }
+  /// Whether the list has no entries.
   bool IsEmpty() const { return first_ == nullptr; }
 
+  /// The first value; the empty value if the list is empty.
   Value GetHead() const { return GetAt(GetHeadPosition()); }
+  /// The last value; the empty value if the list is empty.
   Value GetTail() const { return GetAt(GetTailPosition()); }
 
-  /// Add `value` as the first or last entry, and return its position.
+  /// Adds `value` as the first entry, and returns its position.
   POSITION AddHead(const Value& value) { return insert(nullptr, first_, value); }
+  /// Adds `value` as the last entry, and returns its position.
   POSITION AddTail(const Value& value) { return insert(last_, nullptr, value); }
 
-  /// Remove the first or last entry, and return its value.
+  /// Removes the first entry, and returns its value; the empty value if the list is empty.
   Value RemoveHead() { return take(GetHeadPosition()); }
+  /// Removes the last entry, and returns its value; the empty value if the list is empty.
   Value RemoveTail() { return take(GetTailPosition()); }
+  /// Removes the entry at `position`; does nothing for a null position.
   void RemoveAt(POSITION position) { take(position); }
+  /// Removes all entries.
   void RemoveAll() {
     while (first_ != nullptr) delete std::exchange(first_, first_->next);
     last_ = nullptr;
     count_ = 0;
   }
 
+  /// The position of the first entry; null if the list is empty.
   POSITION GetHeadPosition() const { return toPosition(first_); }
+  /// The position of the last entry; null if the list is empty.
   POSITION GetTailPosition() const { return toPosition(last_); }
 
-  /// Return the value at `position`, and move `position` to the next or previous entry.
+  /// Returns the value at `position`, and moves `position` to the next entry, or to null behind the
+  /// last.
   Value GetNext(POSITION& position) const {
     const Value value = GetAt(position);
     if (position != nullptr) position = toPosition(toNode(position)->next);
     return value;
   }
+  /// Returns the value at `position`, and moves `position` to the previous entry, or to null behind
+  /// the first.
   Value GetPrev(POSITION& position) const {
     const Value value = GetAt(position);
     if (position != nullptr) position = toPosition(toNode(position)->previous);
     return value;
   }
 
+  /// The value at `position`; the empty value for a null position.
   Value GetAt(POSITION position) const {
     return position != nullptr ? toNode(position)->value : Value();
   }
+  /// Sets the value at `position`; does nothing for a null position.
   void SetAt(POSITION position, const Value& value) {
     if (position != nullptr) toNode(position)->value = value;
   }

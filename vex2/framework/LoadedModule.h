@@ -21,8 +21,12 @@ class VEX2_API LoadedModule {
  public:
   /// Nothing is loaded.
   LoadedModule() = default;
+  /// Unloads the module.
   ~LoadedModule() { Unload(); }
+  /// Takes the module of `other`, which holds none afterwards.
   LoadedModule(LoadedModule&& other) noexcept;
+  /// Unloads the module that this object holds, and takes the module of `other`, which holds none
+  /// afterwards.
   LoadedModule& operator=(LoadedModule&& other) noexcept;
 
   /// Unloads the module that this object holds, opens the library at `path` and calls its entry
@@ -35,6 +39,7 @@ class VEX2_API LoadedModule {
   /// nothing if no module is loaded.
   void Unload();
 
+  /// Whether a module is loaded.
   bool IsLoaded() const { return handle_ != nullptr; }
 
  private:

@@ -22,11 +22,14 @@ namespace vex2 {
 template <class Pointer>
 class MapOf {
  public:
+  /// The type of the pointers.
   using Stored = Pointer;
 
   /// The block size was the number of entries to allocate at a time; it is no longer used.
   explicit MapOf(int /*blockSize*/ = 10) {}
+  /// Takes the entries of `other`, which is empty afterwards.
   MapOf(MapOf&& other) noexcept { *this = std::move(other); }
+  /// Removes all entries and takes those of `other`, which is empty afterwards.
   MapOf& operator=(MapOf&& other) noexcept {
     if (this == &other) return *this;
     RemoveAll();
@@ -37,7 +40,9 @@ class MapOf {
   }
   ~MapOf() { RemoveAll(); }
 
+  /// The number of entries.
   int GetCount() const { return static_cast<int>(count_); }
+  /// Whether the map has no entries.
   bool IsEmpty() const { return count_ == 0; }
 
   /// Sets `value` to the pointer for `key`. Returns false and leaves `value` unchanged without an
@@ -64,7 +69,9 @@ class MapOf {
     }
   }
 
+  /// The pointer for `key`; null without an entry.
   Pointer operator[](const CString& key) const { return GetAt(key); }
+  /// The place for `key`, to read or assign; see `vex2::Slot`.
   Slot<MapOf, CString, Pointer> operator[](const CString& key) { return {*this, key}; }
 
   /// Removes the entry for `key`. Returns false if there was none.
@@ -76,10 +83,12 @@ class MapOf {
     --count_;
     return true;
   }
+  /// Removes all entries.
   void RemoveAll() {
     while (count_ > 0) delete entries_[--count_];
   }
 
+  /// The position of the entry with the first key; null if the map is empty.
   POSITION GetStartPosition() const { return toPosition(0); }
   /// Sets `key` and `value` to the entry at `position`, and moves `position` to the next entry. A
   /// null position changes nothing.

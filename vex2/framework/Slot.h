@@ -10,16 +10,22 @@ namespace vex2 {
 template <class Container, class Index, class Pointer>
 class Slot {
  public:
+  /// The place at `index` of `container`.
   Slot(Container& container, const Index& index) : container_(container), index_(index) {}
+  /// Refers to the same place.
   Slot(const Slot&) = default;
 
+  /// The pointer in the place; null if there is none.
   operator Pointer() const { return container_.GetAt(index_); }  // NOLINT: represents the pointer
+  /// The pointer in the place; null if there is none.
   Pointer operator->() const { return *this; }
 
+  /// Stores `pointer` in the place.
   Slot& operator=(Pointer pointer) {
     container_.SetAt(index_, pointer);
     return *this;
   }
+  /// Stores the pointer of the other place in this one.
   Slot& operator=(const Slot& other) { return *this = static_cast<Pointer>(other); }
 
  private:

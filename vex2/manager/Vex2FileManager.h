@@ -38,523 +38,844 @@ class CPlateSetupComp;
 class ThermocycleProgramComp;
 class Vex2FileManagerComponent;
 
-/// One plate document: its header and its components, in memory, and the operations that read and
-/// change them and bring them to and from the disk.
+/// One plate document in memory, its header and its components, with the operations that read it
+/// from a file, change it and bring it to the disk.
 ///
-/// Operations that return int answer 0 or a negative `vex2::Status`; none throws, but for the
-/// constructors, which throw `std::bad_alloc` where memory runs out. There, operations without a
-/// status change nothing and answer as if nothing were there. Those without a
-/// path work on the document in memory alone. "Replace" and "Set" operations move what they change
-/// to the end of the document. Pointers that are handed out belong to the document and are valid
-/// until it changes; arrays that are filled for the caller belong to the caller.
+/// **Statuses.** An operation that returns `int` returns 0 or a negative `vex2::Status`, unless its
+/// comment says otherwise. Nothing throws except the constructors, which throw `std::bad_alloc` if
+/// memory runs out. An operation without a status then changes nothing and returns what it returns
+/// for a missing component; a getter with a status returns -100, every other operation -200.
+/// `GetLastFileError` tells why an operation on a file failed.
 ///
-/// Wells are numbered from 1 unless called an index; frames and indexes count from 0. One thread
-/// uses a manager at a time; managers on different threads are independent.
+/// **Where changes go.** An operation without a path works on the document in memory only.
+/// Operations named "Replace", "Set" or "Update" move the component that they change to the end of
+/// the document.
+///
+/// **Ownership.** The document owns the components and plates that it returns pointers to; a
+/// pointer is valid until the document changes. The caller owns the arrays that an operation fills
+/// for it, and releases them with `delete[]`.
+///
+/// **Counting.** Well numbers count from 1; frame indexes and all other indexes count from 0.
+///
+/// **Threads.** One thread uses a manager at a time. Managers on different threads are independent.
 class VEX2_API Vex2FileManager : public CFile {
  public:
-  // --- Life of a document (Vex2FileManager.cpp, Vex2FileManagerFiles.cpp) ---
+  /// @name Life of a document
+  /// @{
 
-  /// A closed file and an empty document for a 96-well plate.
+  /// Makes an empty document for a 96-well plate, with a closed file.
   Vex2FileManager();
-  /// A closed file and a copy of the other's header, path and components; components of unknown
-  /// kinds are left out, analysis results and settings are not copied.
+  /// Copies the header, the path and the components of `other`, with a closed file. Leaves out
+  /// components of unknown kinds, analysis results and analysis settings.
   Vex2FileManager(const Vex2FileManager& other);
-  /// Resets and copies as above. Assigning a manager to itself leaves it empty, and so does memory
-  /// that runs out.
+  /// Resets the document, then copies as the copy constructor does. The document is empty
+  /// afterwards if memory runs out, and also if `other` is this document: hosts rely on that.
   Vex2FileManager& operator=(const Vex2FileManager& other);
+  /// Closes the file and destroys everything that the document owns.
   ~Vex2FileManager() override;
 
   const CRuntimeClass* GetRuntimeClass() const override;
+  /// The record of this class.
   static const CRuntimeClass* ClassRecord();
 
+  /// The file name in `GetFilePath`, with its extension.
   CString GetFileName() const override;
+  /// The file name in `GetFilePath`, without its extension.
   CString GetFileTitle() const override;
   /// The path that was last opened or set, also while the file is closed.
   CString GetFilePath() const override;
 
-  // The order of these six is part of the binary interface. A null file is the manager's own.
+  // The binary interface fixes the order of the next six operations.
 
-  /// Writes the header to the manager's own file and all components to the end of `file`. A study
-  /// keeps eight kinds of components and ends with an "EOF " record. -200 when the manager's file
-  /// is not open or a write failed.
+  /// Writes the header to the manager's own open file and all components to the end of `file`; null
+  /// means the manager's own. Of a study, writes eight kinds of components only, and an "EOF "
+  /// record behind them. A host saves with `SaveToFile`, which keeps the old file on failure.
+  /// @return 0, or -200 if the manager's file is not open or a write failed; the file is then
+  /// partly written.
   [[nodiscard]] virtual int WriteComponentFile(CFile* file);
-  /// Resets and reads the whole document. -100 when the manager's file is not open or is no "Vex2"
-  /// document, else the status of the record that ended the reading; what was read before stays.
+  /// Resets the document and reads all records of `file`; null means the manager's own open file.
+  /// @return 0; -100 if the manager's file is not open or is not a "Vex2" document; otherwise the
+  /// status of the record that ended the reading. The components read before it stay.
   [[nodiscard]] virtual int ReadComponentFile(CFile* file);
 
  protected:
-  /// Right after `component` was written: keeps the header's positions up to date, in memory and
-  /// in the file, and leaves the position at the file's end.
+  /// Called right after `component` was written: updates the header's offset of the program or the
+  /// raw readings, in memory and in the file, and leaves the file position at the end of the file.
   virtual void UpdateHeaderOffsets(const CComponent& component);
 
  public:
+  /// Reads the header at offset 0 of `file` into this document, and leaves the file position behind
+  /// it. Null means the manager's own open file.
+  /// @return 0, or -100 if the manager's file is not open or is not a "Vex2" document.
   [[nodiscard]] virtual int ReadHeaderData(CFile* file);
-  /// Reads the header from offset 0 of `file` into `header` and leaves the position behind it.
-  /// -100 when the manager's file is not open or is no "Vex2" document.
+  /// Reads the header at offset 0 of `file` into `header`, and leaves the file position behind it.
+  /// Null means the manager's own open file. The document in memory stays unchanged.
+  /// @return 0, or -100 if the manager's file is not open or is not a "Vex2" document.
   [[nodiscard]] virtual int ReadHeaderData(Vex2HeaderData& header, CFile* file);
-  /// Writes the header to offset 0 of the manager's own file, whatever `file` is, and drops
-  /// everything behind it. -200 when that is not open or refuses.
+  /// Writes the header to offset 0 of the manager's own open file, whatever `file` is, and
+  /// truncates the file to the header's 1024 bytes.
+  /// @return 0, or -200 if the file is not open or cannot be written.
   [[nodiscard]] virtual int WriteHeaderData(CFile* file);
 
-  /// Empties header and document. The file stays open, the path and the document's own analysis
-  /// results stay. Always 0.
+  /// Empties the header and removes all components, the analysis results of a study's plates and
+  /// all analysis settings. The file stays open; the path and the document's own analysis results
+  /// stay unchanged.
+  /// @return Always 0.
   int Reset();
 
-  /// Opens `path` and keeps it as the document's: for reading with `write` 0; else for writing,
-  /// emptied with `append` 0, at its end otherwise. 1 when open, 0 when not.
+  /// Opens the file at `path`, which becomes the document's path. With `write` 0, opens it for
+  /// reading. Otherwise opens it for writing, and creates it if it is missing: with `append` 0
+  /// truncated to no bytes, else with the file position at its end.
+  /// @return 1 if the file is open, 0 if not.
   [[nodiscard]] int SafeOpen(const char* path, int write, int append);
 
-  /// Reads the document at `path`, or one that the user chooses when `path` is null or `dialog`
-  /// true. 0 also for a document that could be read in part only: ask `IsWhole`. -50 when the user
-  /// cancelled, -100 when the file cannot be opened.
+  /// Reads the document at `path`, or one that the user chooses if `path` is null or `dialog` is
+  /// true. The file is closed afterwards.
+  /// @return 0, also for a document of which only a part could be read: ask `IsWhole`. -50 if the
+  /// user cancelled; -100 if the file cannot be opened. Header and components stay unchanged for
+  /// both.
   [[nodiscard]] int ReadFromFile(const char* path, bool dialog = false);
-  /// Saves the document to `path`, chosen as above. What stood there is replaced only once the new
-  /// document is complete and on the disk. -50 or -200 on failure, and the old one stands.
+  /// Saves the whole document to `path`, or to a path that the user chooses if `path` is null or
+  /// `dialog` is true. The file at the path is replaced when the new document is complete and on
+  /// the disk. The file is closed afterwards.
+  /// @return 0; -50 if the user cancelled; -200 on failure. The old file stays unchanged for both.
   [[nodiscard]] int SaveToFile(const char* path, bool dialog = false);
-  /// Takes over `header` and saves it alone to `path`, as `SaveToFile` does. 0 or -200.
+  /// Makes `header` the document's header, and saves it to `path` without any component. The file
+  /// at the path is replaced when the new one is complete and on the disk.
+  /// @return 0, or -200 on failure; the old file then stays unchanged.
   [[nodiscard]] int SaveHeader(const char* path, const Vex2HeaderData& header);
 
-  /// Whether the last reading of a document, by any operation that reads whole documents, took in
-  /// all that stands in its file. False also for a file that could not be opened, for records of
-  /// unknown kinds, which are left out, and for a study with such a plate. A copy of the manager
-  /// answers the same. `Reset` and a new document make it true again.
+  /// Returns whether the last operation that read a whole document read everything in its file.
+  /// False also if the file could not be opened, if records of unknown kinds were left out, and for
+  /// a study with a plate to which this applies. A copy of the manager returns the same. `Reset`
+  /// makes it true.
   ///
-  /// An operation that replaces the file that was read in part, under whatever name, first copies
-  /// it to "PATH.backup" (see `BackUpFile`), beside the file that a symbolic link leads to; once
-  /// for each reading. Where the copy cannot be made the operation fails with -200, `SafeOpen` with
-  /// 0, and the file stands.
+  /// An operation that replaces a file of which only a part was read, under whatever name, first
+  /// copies it to "PATH.backup" (see `vex2::BackUpFile`), beside the file that a symbolic link
+  /// leads to, once for each reading. If the copy cannot be made, the operation fails with -200,
+  /// `SafeOpen` with 0, and the file stays unchanged.
   bool IsWhole() const;
-  /// Where and why the reading ended early or left something out, the first of it.
+  /// The first place at which the last reading ended early or left something out, and the reason.
+  /// Valid until the document changes.
   const vex2::ReadFault& GetReadFault() const;
 
-  /// Why the last operation that touched a file failed: the first refusal in it. Every operation
-  /// with a path begins without one (`FileErrorReason::kNone`), and so does each that works on the
-  /// open file; operations in memory alone change nothing here, and a copy of the manager has none
-  /// of its source's. It is set where an operation that answers success met a refusal on the way,
-  /// too: `ReadFromFile` of a document that can be read in part. Statuses that tell what a document
-  /// holds or lacks (-250, -260, -300) come without one. Valid until the next operation.
+  /// Why the last operation that touched a file failed: the first failure in it. Every operation
+  /// with a path, and every operation on the open file, first clears it to
+  /// `vex2::FileErrorReason::kNone`; operations in memory leave it unchanged. A copy of the manager
+  /// starts without an error. An operation that succeeds in spite of a failure sets it too, as
+  /// `ReadFromFile` of a document that is partly readable. The statuses -250, -260 and -300, which
+  /// tell what a document holds, come without an error. Valid until the next operation.
   const vex2::FileError& GetLastFileError() const;
 
+  /// The number of components of the document.
   int GetAllComponentCount() const;
-  /// Empties `tags` and fills it with the components' tags in order. True; false, and `tags` stays
-  /// empty, where memory runs out.
+  /// Replaces the content of `tags` by the components' tags, in their order.
+  /// @return True; false if memory runs out, and `tags` is then empty.
   bool GetComponentTagList(CStringList& tags) const;
-  /// The component at `index` from 0, owned by the document; null for an index out of range.
+  /// The component at `index`, from 0; null for an index out of range. The document keeps
+  /// ownership.
   CComponent* GetComponent(int index) const;
-  /// For tests of the list operations: a new header and, behind what there is, a placeholder for
-  /// each kind, with lengths 100, 99, and so on. No valid document.
+  /// For tests of the operations on lists: makes a new header and appends a placeholder for each of
+  /// the 77 known tags, with the lengths 100, 99, and so on. The result is not a valid document.
   void initTestData();
+  /// Whether the header says that readings exist: the acquisition status is not "ZERO" and the
+  /// offset of the raw readings is not 0.
   bool IsAcquisitionDataAvailable() const;
 
-  // --- Header (Vex2FileManagerHeader.cpp) ---
+  /// @}
+  /// @name Header
+  /// @{
 
+  /// The document's header; valid until the document changes.
   const Vex2HeaderData& GetHeaderData() const { return header_; }
+  /// Replaces the header in memory by a copy of `header`. Changes nothing if memory runs out.
   void SetHeaderData(const Vex2HeaderData& header);
+  /// The number of rows of the plate.
   int GetHeaderRows() const { return header_.rows; }
+  /// The number of columns of the plate.
   int GetHeaderCols() const { return header_.columns; }
-  /// Always 1024.
+  /// The size of the header in a file: always 1024 bytes.
   int GetHeaderBytes() const;
+  /// Sets the path that `GetFilePath` returns. Opens nothing; null sets the empty path.
   void SetFilePath(const char* path);
 
-  // Tests on the open file; false when it is not open or is no "Vex2" document. They move the
-  // position.
+  /// Whether the open file starts with the tag "Vex2". False if no file is open or it cannot be
+  /// read. Moves the file position.
   bool IsVex2Format();
+  /// Whether the open file is a "Vex2" document with the kind marker "Blue". False if no file is
+  /// open or it cannot be read. Moves the file position.
   bool IsBlueLightSpecialFile();
+  /// Whether the open file is a "Vex2" document with the kind marker "Kest". False if no file is
+  /// open or it cannot be read. Moves the file position.
   bool IsKestorFile();
 
-  // --- Kind of run (Vex2FileManagerAssay.cpp) ---
+  /// @}
+  /// @name Kind of run
+  /// Each query compares the assay code in the header.
+  /// @{
 
-  /// Whether the header's code of the run is that of `type`; 0 for a code that is none of the
-  /// seven.
+  /// Whether the assay code is that of the number `type`: 950 background, 951 pure spectra, 1000
+  /// absolute quantification, 1001 plate for relative quantification, 1002 study, 1003 allelic
+  /// discrimination, 1004 plus/minus; 0 for any other code.
   bool IsAssayType(int type) const;
+  /// Whether the document is a background run ("BGND").
   bool IsBackground() const;
+  /// Whether the document is a run of pure dye spectra ("PDye").
   bool IsPureSpectra() const;
+  /// Whether the document is an absolute quantification ("AbsQ").
   bool IsAQ() const;
+  /// Whether the document is a plate for relative quantification ("RelQ").
   bool IsRQP() const;
+  /// Whether the document is a study of relative quantification ("RQSt").
   bool IsRQS() const;
+  /// Whether the document is an allelic discrimination ("AllD").
   bool IsAD() const;
+  /// Whether the document is a plus/minus assay ("+/- ").
   bool IsPM() const;
+  /// Whether the document is a quantification: `IsAQ`, `IsRQP` or `IsRQS`.
   bool IsRealTime() const;
+  /// Whether the document is a plate read: `IsPM` or `IsAD`.
   bool IsPlateRead() const;
 
-  /// Appends an element for each pure dye of the calibration that has a name; the list's owner
-  /// deletes them. False, and the list is unchanged, when there is no calibration.
+  /// Appends a `Vex2DyeInfo` to `list` for each pure dye of the calibration. Leaves out dyes
+  /// without a name and those named "<NONE>" or "(NONE)". The owner of the list deletes the
+  /// elements.
+  /// @return True, also for a calibration without pure dyes; false if `list` is null or the
+  /// document has no calibration, and `list` is then unchanged.
   bool LoadDyeList(CObList* list) const;
-  /// Of a plate of this study; of the document itself for a null name.
+  /// Appends the pure dyes of the study's plate `plateName`, as `LoadDyeList` does; for a null name
+  /// those of the document itself.
+  /// @return False also if the study has no such plate.
   bool LoadDyeListByName(CObList* list, const char* plateName) const;
 
-  // --- Run-wide settings (Vex2FileManagerSettings.cpp) ---
+  /// @}
+  /// @name Run-wide settings
+  /// @{
 
-  /// Copies the settings that the document holds into `info`; -300 when it holds none.
+  /// Copies the settings that the document holds into `info`, which may be null; fields of settings
+  /// that it does not hold stay unchanged.
+  /// @return 0; -300 if the document has no settings; -100 if memory runs out.
   [[nodiscard]] int GetGlobalComplexInfo(Vex2GlobalComplex* info) const;
-  /// Replaces all settings; a null `info` leaves an empty list of them. Always 0.
+  /// Replaces all settings by those of `info`; null leaves an empty list of settings.
+  /// @return 0; -200 if memory runs out, and nothing is changed.
   [[nodiscard]] int ReplaceGlobalComplexComp(const Vex2GlobalComplex* info);
-  /// Replaces all settings and appends them to the file at `path`. 0 or -200.
+  /// Replaces all settings in memory and appends them to the file at `path`, which need not be a
+  /// document.
+  /// @return 0; -200 if the file cannot be written, and it then keeps its length.
   [[nodiscard]] int AppendGlobalComplexComp(const char* path, const Vex2GlobalComplex* info);
-  /// Most dyes in a well; 4 with -300 when the document does not say, which is so for every
-  /// document that was read.
+  /// Sets `count` to the largest number of dyes in a well.
+  /// @return 0, or -300 with `count` 4 if the document does not say. That is so for every document
+  /// that was read.
   [[nodiscard]] int GetMaxDyesPerWell(int& count) const;
+  /// Sets `percent` to the confidence level of a study, in percent.
+  /// @return 0, or -300 if the document has none, and `percent` is unchanged.
   [[nodiscard]] int GetConfidencePercent(float& percent) const;
+  /// Sets the confidence level of a study, in percent; any value is stored.
+  /// @return 0, or -200 if memory runs out.
   [[nodiscard]] int UpdateConfidencePercent(float percent);
-  /// Getters of texts empty their argument first; -300 when there is none. Setting an empty text
-  /// removes it. Setters always answer 0.
+  /// Sets `name` to the calibrator sample of a study.
+  /// @return 0, or -300 if the document has none, and `name` is then empty.
   [[nodiscard]] int GetCalibrator(CString& name) const;
+  /// Sets the calibrator sample of a study; the empty name removes it.
+  /// @return 0, or -200 if memory runs out.
   [[nodiscard]] int SetCalibrator(const CString& name);
+  /// Sets `name` to the detector that is the endogenous control of a study.
+  /// @return 0, or -300 if the document has none, and `name` is then empty.
   [[nodiscard]] int GetEndoControl(CString& name) const;
+  /// Sets the detector that is the endogenous control of a study; the empty name removes it.
+  /// @return 0, or -200 if memory runs out.
   [[nodiscard]] int SetEndoControl(const CString& name);
+  /// Sets `type` to the number of the analysis of a study, whose meaning applications define.
+  /// @return 0, or -300 if the document has none, and `type` is unchanged.
   [[nodiscard]] int GetRQAnalysisType(unsigned short& type) const;
+  /// Sets the number of the analysis of a study, whose meaning applications define.
+  /// @return 0, or -200 if memory runs out.
   [[nodiscard]] int SetRQAnalysisType(unsigned short type);
-  /// Up to the first zero byte; empty when there is none.
+  /// Sets `name` to the passive reference dye, up to its first zero byte; empty if there is none.
   void GetPassiveReference(CString& name) const;
+  /// Sets the passive reference dye. Changes nothing if memory runs out.
   void SetPassiveReference(const CString& name);
+  /// The sample volume as stored, 0 if the document has none. Applications define the unit.
   int GetSampleVolume() const;
+  /// Sets the sample volume. Changes nothing if memory runs out.
   void SetSampleVolume(unsigned short volume);
-  /// One byte each, with its sign.
+  /// Sets `pre` and `post` to the pre-run and the post-run flag, one signed byte each
+  /// in a document that was read; 0 if the document has none.
   void GetPrePostFlags(int& pre, int& post) const;
+  /// Sets the pre-run and the post-run flag. Documents store the low byte of each.
+  /// Changes nothing if memory runs out.
   void SetPrePostFlags(int pre, int post);
 
-  // --- Thermal cycling program (Vex2FileManagerProgram.cpp) ---
+  /// @}
+  /// @name Thermal cycling program
+  /// @{
 
-  /// Copies the program into `program`, which may be null; -300 when there is none.
+  /// Replaces the content of `program`, which may be null, by a copy of the document's program.
+  /// @return 0; -300 if the document has no program, and `program` is unchanged; -100 if memory
+  /// runs out.
   [[nodiscard]] int GetThermocycleProgramInfo(ThermocycleProgram* program) const;
-  /// `program` must not be null. Always 0.
+  /// Replaces the program by a copy of `program`; null makes an empty one.
+  /// @return 0, or -200 if memory runs out.
   [[nodiscard]] int ReplaceThermocycleProgram(const ThermocycleProgram* program);
+  /// The component of the program, owned by the document; null if there is none.
   ThermocycleProgramComp* GetThermocycleProgComp() const;
 
-  // --- Plate setup (Vex2FileManagerSetup.cpp) ---
+  /// @}
+  /// @name Plate setup
+  /// @{
 
-  /// Replaces what stands in the wells; a null `setup` leaves a plate without wells. 0, or -200 for
-  /// one that is too large to be stored, and then nothing is changed.
+  /// Replaces the setup of all wells by a copy of `setup`; null leaves a setup without wells.
+  /// @return 0; -200 if the setup is too large for a document or memory runs out, and nothing is
+  /// changed.
   [[nodiscard]] int ReplacePlateSetup(const Vex2PlateSetup* setup);
-  /// Copies what stands in the wells into `setup`, which may be null; -300 when there is no setup.
+  /// Replaces the content of `setup`, which may be null, by a copy of the document's plate setup.
+  /// @return 0; -300 if the document has no plate setup; -100 if memory runs out.
   [[nodiscard]] int GetPlateSetupInfo(Vex2PlateSetup* setup) const;
+  /// The component of the plate setup, owned by the document; null if there is none.
   CPlateSetupComp* GetPlateSetupComp() const;
-  /// Saves header, program and plate setup alone to `path`, as `SaveToFile` does. -300 when the
-  /// document lacks program or setup, else 0 or -200.
+  /// Saves the header, the program and the plate setup, without other components, to `path`. The
+  /// file at the path is replaced when the new one is complete and on the disk.
+  /// @return 0; -300 if the document lacks program or plate setup; -200 on failure. The old file
+  /// stays unchanged for both.
   [[nodiscard]] int SaveSetupInfo(const char* path);
-  /// Wells of the plate type that the header names: 96, 384 or 0.
+  /// The number of wells of the plate type that the header names: 96 or 384; 0 for another type.
   int GetPlateSize() const;
-  /// Stores which wells are used, row by row. False, and nothing is changed, for null, no rows or
-  /// columns, more than 65535 rows or 32 columns. The header's number of columns stays as it is.
+  /// Stores in the header which wells are in use. `usage` holds `rows` times `columns` values, row
+  /// by row. Sets the header's number of rows; its number of columns stays unchanged.
+  /// @return False, and nothing is changed, if `usage` is null, `rows` is not 1 to 65535, `columns`
+  /// is not 1 to 32, or memory runs out.
   bool SetUsageArray(const bool* usage, int rows, int columns);
+  /// Stores in `header` which wells are in use. `usage` holds `rows` times `columns` values, row by
+  /// row. Sets the header's number of rows; its number of columns stays unchanged.
+  /// @return False, and nothing is changed, if `usage` is null, `rows` is not 1 to 65535, `columns`
+  /// is not 1 to 32, or memory runs out.
   static bool SetUsageArray(const bool* usage, int rows, int columns, Vex2HeaderData& header);
-  /// Releases `usage` and fills a new array, which the caller frees with delete[]. False, and
-  /// `usage` is unchanged, when the header describes no plate of 1 to 32 columns.
+  /// Releases `usage` with `delete[]` and sets it to a new array of the header's rows times columns
+  /// values, row by row: whether the well is in use. The caller releases it with `delete[]`.
+  /// @return False, and `usage` is unchanged, if the header has no usage table, no row, or not 1 to
+  /// 32 columns, or memory runs out.
   bool GetUsageArray(bool*& usage) const;
 
-  // --- Detectors (Vex2FileManagerDetectors.cpp) ---
-  // A detector without a name is reported to the user and left out; that is no failure.
+  /// @}
+  /// @name Detectors
+  /// A detector without a name is left out, and the host shows a message; that is no failure.
+  /// @{
 
-  /// Replaces all detectors; the list stays also when it is empty. 0 or -200.
+  /// Replaces all detectors by the `count` detectors in `list`. An empty list is kept as one.
+  /// @return 0, or -200 if memory runs out.
   [[nodiscard]] int UpdateDetectorList(const Vex2Detector* list, int count);
-  /// Adds a detector at the end, in place of one of its name. 0 or -200.
+  /// Adds a detector at the end, after removing the one with the same name. Null adds nothing.
+  /// @return 0, or -200 if memory runs out.
   [[nodiscard]] int AppendDetectorInfo(const Vex2Detector* detector);
-  /// False when there is no such detector. The list goes with its last detector.
+  /// Removes the first detector with this name. The list is removed with its last detector.
+  /// @return False if there is no such detector.
   bool RemoveDetectorInfo(const CString& name);
-  /// -300 without detectors; see `AppendGlobalComplexComp`.
+  /// Appends the list of detectors to the file at `path`, which need not be a document.
+  /// @return 0; -300 if the document has no list of detectors; -200 if the file cannot be written,
+  /// and it then keeps its length.
   [[nodiscard]] int AppendDetectorListToFile(const char* path);
-  /// 0 with -300 when there is no list.
+  /// Sets `count` to the number of detectors.
+  /// @return 0, or -300 with `count` 0 if the document has no list of detectors.
   [[nodiscard]] int GetNumberOfDetectors(int& count) const;
-  /// Releases `list` and fills a new array, which the caller frees with delete[]. An empty list
-  /// leaves it as it was. -300 when there is no list.
+  /// Releases `list` with `delete[]` and sets it to a new array of all detectors, which the caller
+  /// releases with `delete[]`. An empty list of detectors leaves `list` unchanged.
+  /// @return 0; -300 if the document has no list of detectors; -100 if memory runs out. `list` is
+  /// unchanged for both.
   [[nodiscard]] int GetDetectorListInfo(Vex2Detector*& list) const;
 
-  // --- Calibration (Vex2FileManagerCalibration.cpp) ---
+  /// @}
+  /// @name Calibration
+  /// A calibration has two parts: the spectra of the pure dyes and the background.
+  /// @{
 
-  /// Replace the calibration or one part of it; a null record removes the part. 0 or -200.
+  /// Replaces the whole calibration by copies of the two records; a null record makes no part.
+  /// @return 0, or -200 if the calibration is too large for a document or memory runs out.
   [[nodiscard]] int ReplaceCalibComponent(const Vex2PureDye* pureDye, const Vex2BGC* background);
+  /// Replaces the pure dyes of the calibration by a copy of `record`; null removes them. Makes a
+  /// calibration if there is none.
+  /// @return 0, or -200 if the calibration is too large for a document or memory runs out.
   [[nodiscard]] int ReplacePureDye(const Vex2PureDye* record);
+  /// Replaces the background of the calibration by a copy of `record`; null removes it. Makes a
+  /// calibration if there is none.
+  /// @return 0, or -200 if the calibration is too large for a document or memory runs out.
   [[nodiscard]] int ReplaceBackground(const Vex2BGC* record);
-  /// Replaces the background in memory and in the file at `path`: where a background stands alone
-  /// in the file it is overwritten in place, otherwise the whole calibration is appended, also to
-  /// a file without a header. -100 when the file cannot be opened for reading, -250 when its
-  /// background has another size, -300 when a document ends within a record, -200 when the file
-  /// cannot be written; the file is then unchanged.
+  /// Replaces the background of the calibration in memory and in the file at `path`. The first
+  /// background outside a calibration in the file is overwritten in place. Without one, the whole
+  /// calibration is appended, also to a file without a header.
+  /// @return 0; -100 if the file cannot be opened for reading; -250 if its background has another
+  /// size; -300 if a document ends within a record; -200 if the file cannot be written. The file is
+  /// unchanged on failure.
   [[nodiscard]] int ReplaceBackground(const char* path, const Vex2BGC* record);
-  /// Put a component that stands alone in the document, in place of one of its kind, and append it
-  /// to the file at `path`. 0 or -200; the document keeps the component.
+  /// Puts a copy of `record`, or for null empty pure dyes, into the document outside its
+  /// calibration, in place of the first such component, and appends it to the file at `path`.
+  /// @return 0, or -200 if the file cannot be written: it then keeps its length, and the document
+  /// keeps the component.
   [[nodiscard]] int AppendPureDye(const char* path, const Vex2PureDye* record);
+  /// Puts a copy of `record`, or for null an empty background, into the document outside its
+  /// calibration, in place of the first such component, and appends it to the file at `path`.
+  /// @return 0, or -200 if the file cannot be written: it then keeps its length, and the document
+  /// keeps the component.
   [[nodiscard]] int AppendBackground(const char* path, const Vex2BGC* record);
-  /// Removes the parts, with both the calibration itself. -300 when there is none to remove.
+  /// Removes the chosen parts; both flags together remove the calibration itself.
+  /// @return 0, also if no part is chosen; -300 if there is no calibration, or not the part.
   [[nodiscard]] int RemoveCalibComponents(bool pureDye, bool background);
-  /// Copies each part that there is into its record, which is made with new where it is null, and
-  /// sets its flag to 1, else to 0. -300 without calibration.
+  /// Copies each part into its record, which is made with `new` for the caller if it is null. Sets
+  /// the part's flag, which may be null, to 1 if the part exists, else to 0.
+  /// @return 0, also if a part is missing; -300 if there is no calibration; -100 if memory runs
+  /// out.
   [[nodiscard]] int GetCalibrationInfo(Vex2PureDye*& pureDye, int* hasPureDye, Vex2BGC*& background,
                                        int* hasBackground) const;
+  /// The number of pure dyes in the calibration; 0 if there are none.
   int GetPureDyeCount() const;
-  /// Saves header and calibration alone to `path`, as `SaveToFile` does. -300 without calibration,
-  /// else 0 or -200.
+  /// Saves the header and the calibration, without other components, to `path`. The file at the
+  /// path is replaced when the new one is complete and on the disk.
+  /// @return 0; -300 if there is no calibration; -200 on failure. The old file stays unchanged for
+  /// both.
   [[nodiscard]] int SaveCalibrationInfo(const char* path);
 
-  // --- Required dyes (Vex2FileManagerDyes.cpp) ---
+  /// @}
+  /// @name Required dyes
+  /// @{
 
-  /// False when the list has the dye. An empty name adds nothing, but makes a list.
+  /// Adds a required dye at the end of the list. An empty name adds no dye, but makes a list if
+  /// there is none. Sic: the misspelled name is part of the interface.
+  /// @return False, and nothing is changed, if the list has the dye or memory runs out.
   bool AppendRequiredDyenfo(const CString& dye);
-  /// Replaces all dyes; the list stays also when it is empty. 0 or -200.
+  /// Replaces all required dyes by the `count` names in `dyes`. An empty list is kept as one.
+  /// @return 0, or -200 if memory runs out.
   [[nodiscard]] int UpdateRequiredDyeList(const CString* dyes, int count);
-  /// False when there is no such dye. The list goes with its last dye.
+  /// Removes the first required dye with this name. The list is removed with its last dye.
+  /// @return False if there is no such dye.
   bool RemoveRequiredDyeInfo(const CString& dye);
-  /// -300 without a list; see `AppendGlobalComplexComp`.
+  /// Appends the list of required dyes to the file at `path`, which need not be a document.
+  /// @return 0; -300 if the document has no such list; -200 if the file cannot be written, and it
+  /// then keeps its length.
   [[nodiscard]] int AppendRequiredDyeListToFile(const char* path);
-  /// 0 with -300 when there is no list.
+  /// Sets `count` to the number of required dyes.
+  /// @return 0, or -300 with `count` 0 if the document has no such list.
   [[nodiscard]] int GetNumberOfRequiredDyes(int& count) const;
-  /// As `GetDetectorListInfo`.
+  /// Releases `dyes` with `delete[]` and sets it to a new array of all names, which the caller
+  /// releases with `delete[]`. An empty list of dyes leaves `dyes` unchanged.
+  /// @return 0; -300 if the document has no such list; -100 if memory runs out. `dyes` is unchanged
+  /// for both.
   [[nodiscard]] int GetRequiredDyeListInfo(CString*& dyes) const;
 
-  // --- Data blocks (Vex2FileManagerBlocks.cpp) ---
+  /// @}
+  /// @name Data blocks
+  /// @{
 
-  /// Always 0. In memory only: the header keeps the offset of the block that was removed, also when
-  /// the document is saved. Before a commit or `ReplaceAcquisitionDataBlock` on such a file, set
+  /// Removes the data block from the document in memory. The header keeps its offset, also in a
+  /// file saved later. Before a commit or `ReplaceAcquisitionDataBlock` on such a file, set
   /// `acquisitionDataOffset` to 0 with `SetHeaderData` and save.
+  /// @return Always 0.
   int RemoveAcquisitionDataBlock(Vex2DataType type);
-  /// Replaces the block in memory and in the file at `path`. Raw data must be the file's last
-  /// record: everything behind them is cut off. Reporting blocks are rewritten together from the
-  /// first of them on. What stood there is replaced only once the new document is on the disk. -100
-  /// when the file is no readable document, -200 when it cannot be written, -300 and nothing done
-  /// when there is no such type.
+  /// Replaces the data block in memory and in the file at `path` by a copy of `data`; null makes an
+  /// empty block. Raw readings must be the last record of the file: everything behind them is cut
+  /// off. Reporting blocks are rewritten together, from the first of them on. The file is replaced
+  /// when the new one is complete and on the disk.
   ///
-  /// Not for raw data of a file that was saved as a whole: its header holds the offset just past
-  /// the block, where this writes, and the old block stays. Use `SaveToFile` there.
+  /// Do not use this for the raw readings of a file that was saved as a whole. Its header holds the
+  /// offset just behind the block, so this would write there and keep the old block. Use
+  /// `SaveToFile` instead.
+  /// @return 0; -100 if the file is not a readable document; -200 if it cannot be written; -300,
+  /// and nothing is changed, if there is no such type.
   [[nodiscard]] int ReplaceAcquisitionDataBlock(const char* path, const Vex2AcquisitionData* data,
                                                 Vex2DataType type);
 
-  // --- Frames (Vex2FileManagerFrames.cpp) ---
+  /// @}
+  /// @name Frames
+  /// @{
 
-  /// Gives the block these wells, or makes a block for them. See `AcquisitionDataComp`.
+  /// Sets the well numbers of the data block, or makes a block without frames for them. See
+  /// `AcquisitionDataComp::SetWellNumbers`. Changes nothing for an unknown type.
   void InitAcqDataWellNumberArray(const unsigned short* wellNumbers, unsigned short count,
                                   Vex2DataType type);
-  /// Appends a frame in memory and commits it, see `CommitAcqDataFrame`.
+  /// Appends a copy of `frame` to the data block in memory and commits it, see
+  /// `CommitAcqDataFrame`. Makes a block with the wells 1, 2, 3, ... if there is none. A null
+  /// `frame` appends nothing.
   ///
-  /// Not after the document was saved as a whole: the header then holds the offset just past the
-  /// data block, and a commit that trusts it damages the file although it answers 0. Append to the
-  /// file that commits alone have written since the block was made, or save what precedes the run
-  /// before the first frame.
+  /// Do not use this after the document was saved as a whole: the header then holds the offset just
+  /// behind the data block, and a commit that trusts it damages the file although it returns 0.
+  /// Append to a file that only commits have written since the block was made, or save what
+  /// precedes the run before the first frame.
+  /// @return The statuses of `CommitAcqDataFrame`; -200 also if the block cannot hold the frame.
   [[nodiscard]] int AppendAcquisitionDataFrame(const char* path, const Vex2FrameData* frame,
                                                Vex2DataType type);
-  /// Brings a frame that is complete in memory to the file at `path`; when this answers 0 it is on
-  /// the disk. Reporting blocks are not written (0). -300 without a block, -100 when the file is no
-  /// readable document, -200 when it cannot be written, -260 when there is no such frame. On
-  /// failure the file has the length that it had, and the same frame may be tried again. Not so
-  /// when the disk failed to store it: from then on this manager refuses all changes of that file
-  /// with -200, and tells the user, until a whole document is saved in its place.
+  /// Commits frame `frameIndex`, from 0, which is complete in memory, to the file at `path`. When
+  /// this returns 0, the frame is on the disk. Frames of reporting blocks are not written: 0.
   ///
-  /// The caller keeps three rules that this does not check. Commit a frame once, in order, and only
-  /// when all its wells are set: wells that are not set yet are written as they stand, empty, and
-  /// setting them later does not reach the file. Commit no frame of a document that was saved as a
-  /// whole after its data block was made, nor after `RemoveAcquisitionDataBlock` and a save: the
-  /// header then holds the offset just past the block, so the commit damages the file although it
-  /// answers 0.
+  /// The caller keeps three rules, which this does not check:
+  /// - Commit each frame once, in order.
+  /// - Commit a frame only when all its wells are set. Other wells are written empty, and setting
+  ///   them later does not change the file.
+  /// - Do not commit a frame of a document that was saved as a whole after its data block was made,
+  ///   nor after `RemoveAcquisitionDataBlock` and a save. The header then holds the offset just
+  ///   behind the block, so the commit damages the file although it returns 0.
+  /// @return 0; -300 if the document has no such block; -100 if the file is not a readable
+  /// document; -200 if it cannot be written; -260 if the block has no such frame. On failure the
+  /// file keeps its length, and the caller can commit the frame again. An exception: if the disk
+  /// failed to store the frame, this manager refuses all changes of the file with -200, and the
+  /// host shows a message, until a whole document is saved in its place.
   [[nodiscard]] int CommitAcqDataFrame(const char* path, int frameIndex, Vex2DataType type);
-  /// Sets one well's record in memory; frames are filled in order. False, and nothing changes, for
-  /// a well that the block does not have; without a block the user is told, too. Give a frame index
-  /// of at most the frame count, which begins the next frame, and a record whose first value is not
-  /// 0: the count rises by one with the first such record of a frame, whatever its index. Set in
-  /// frame 3 of a block with 2 frames it makes frame 2 count, empty, and is itself not saved.
+  /// Copies `record` in memory into frame `frameIndex`, from 0, as the record of the well number
+  /// `wellNumber`, from 1. Fill frames in order: give an index of at most the frame count, which
+  /// begins the next frame, and a record whose first value is not 0. The frame count rises by one
+  /// with the first such record of any frame. A record set in frame 3 of a block with 2 frames
+  /// therefore makes frame 2 count, empty, and is itself not saved.
+  /// @return False, and nothing is changed, if `record` is null, the block does not have the well,
+  /// the block cannot hold the frame, or memory runs out. Without a block the host also shows a
+  /// message: call `InitAcqDataWellNumberArray` first.
   bool SetAcqDataWellRecord(const Vex2WellRecord* record, int frameIndex, int wellNumber,
                             Vex2DataType type);
+  /// Sets the start time of the data block, in memory.
+  /// @return False if the document has no such block.
   bool SetAcqDataStartTime(const TimeStamp& time, Vex2DataType type);
+  /// Sets the end time of the data block, in memory.
+  /// @return False if the document has no such block.
   bool SetAcqDataEndTime(const TimeStamp& time, Vex2DataType type);
+  /// Sets `time` to the start time of the data block.
+  /// @return False, and `time` is unchanged, if the document has no such block.
   bool GetAcqDataStartTime(TimeStamp& time, Vex2DataType type) const;
+  /// Sets `time` to the end time of the data block.
+  /// @return False, and `time` is unchanged, if the document has no such block.
   bool GetAcqDataEndTime(TimeStamp& time, Vex2DataType type) const;
 
-  /// Copies a frame into `frame`, which may be null. -300 without a block, -260 without the frame.
+  /// Copies frame `frameIndex`, from 0, of the document in memory into `frame`, which may be null.
+  /// @return 0; -300 if the document has no such block; -260 if the block has no such frame; -100
+  /// if memory runs out.
   [[nodiscard]] int ReadDataFrame(int frameIndex, Vex2FrameData* frame, Vex2DataType type) const;
+  /// Copies the record of the well number `wellNumber`, from 1, in frame `frameIndex`, from 0, into
+  /// `record`, which may be null.
+  /// @return False, and `record` is unchanged, without such a block, frame or well.
   bool GetAcqDataWellRecord(Vex2WellRecord* record, int frameIndex, int wellNumber,
                             Vex2DataType type) const;
+  /// Copies the record at `wellIndex`, from 0 in the order of the block's wells, in frame
+  /// `frameIndex`, from 0, into `record`, which may be null.
+  /// @return False, and `record` is unchanged, without such a block, frame or well.
   bool GetAcqDataWellRecordForWellIndex(Vex2WellRecord* record, int frameIndex, int wellIndex,
                                         Vex2DataType type) const;
-  /// Frames that hold the well: all of them, or 0 when the block does not have it.
+  /// The number of frames that hold the well number, from 1: all frames of the block, or 0 if the
+  /// block does not have the well.
   int GetDataCntInWell(int wellNumber, Vex2DataType type) const;
+  /// The number of frames of the data block in memory; 0 if the document has no such block.
   int GetDataFrameCount(Vex2DataType type) const;
-  /// Of a plate of this study; of the document itself for a null name.
+  /// The number of frames of the data block of the study's plate `plateName`, 0 if the study has no
+  /// such plate; for a null name, of the document itself.
   int GetDataFrameCountByName(const char* plateName, Vex2DataType type) const;
+  /// The number of wells of the data block in memory; 0 if the document has no such block.
   int GetWellCount(Vex2DataType type) const;
 
-  /// Straight from a file, which costs the header, the block's head and the frame; the document in
-  /// memory stays. A frame index out of range is no error and leaves `frame` as it was.
+  /// Sets `count` to the number of frames of the data block in the file at `path`, 0 if it has none
+  /// that can be read. Reads the header and the head of the block only; the document in memory
+  /// stays unchanged, except for its path.
+  /// @return 0, or -100 if the file cannot be opened, or for raw readings if it is not a document.
   [[nodiscard]] int GetDataFrameCount(const char* path, int& count, Vex2DataType type);
+  /// Reads frame `frameIndex`, from 0, of the data block in the file at `path` into `frame`, which
+  /// may be null. Reads the header, the head of the block and the frame only; the document in
+  /// memory stays unchanged, except for its path.
+  /// @return 0, also without such a block or frame, and `frame` is then unchanged; -100 if the file
+  /// cannot be opened, is not a document, or ends within the frame.
   [[nodiscard]] int ReadDataFrame(const char* path, int frameIndex, Vex2FrameData* frame,
                                   Vex2DataType type);
 
-  // --- Acquisition status (Vex2FileManagerStatus.cpp) ---
+  /// @}
+  /// @name Acquisition status
+  /// How far the run is: "ZERO" before it, "PROG" in progress, "DONE" after it.
+  /// @{
 
+  /// The four characters of the status in the header.
   CString GetAcquisitionStatus() const;
-  /// Exactly four characters; anything else is reported to the user, changes nothing, and is -261.
+  /// Sets the status in memory. Any four characters are accepted.
+  /// @return 0; -261 for a text that is null or not four characters long: nothing is changed, and
+  /// the host shows a message.
   [[nodiscard]] int SetAcquisitionStatus(const char* status);
-  /// In memory and in the file's header. 0 or -200.
+  /// Sets the status in memory and in the header of the file at `path`. When this returns 0, the
+  /// status is on the disk.
+  /// @return 0; -200 for an invalid text, of which the host shows a message, and if the file is not
+  /// a document or cannot be written.
   [[nodiscard]] int SetAcquisitionStatus(const char* path, const char* status);
+  /// Whether the status is "ZERO": the run has not started.
   bool IsAcquisitionZero() const;
+  /// Whether the status is "PROG": the run is in progress.
   bool IsAcquisitionProg() const;
+  /// Whether the status is "DONE": the run is complete.
   bool IsAcquisitionDone() const;
 
-  // --- Plates of a study (Vex2FileManagerStudy.cpp) ---
-  //
-  // Plates are known by name: the title of the file that each was added from. Pointers to plates
-  // are valid until the plate is removed or the study is reset, read or assigned.
+  /// @}
+  /// @name Plates of a study
+  /// A plate is known by its name: the title of the file that it was added from. A pointer to a
+  /// plate is valid until the plate is removed or the study is reset, read or assigned.
+  /// @{
 
-  /// Drops all plates and moves their place to the end of the document. Their names stay taken
-  /// until `SyncPlatesWithAnalysisStorageMap`. Always true.
+  /// Removes all plates, and makes an empty list of plates at the end of the document. Their names
+  /// stay taken until `SyncPlatesWithAnalysisStorageMap`.
+  /// @return True; false if memory runs out.
   bool InitMultiplate();
-  /// Adds a copy of `plate` under its file's title, see `SplitPath`, and analysis storage for it.
-  /// `lastModified` is kept as it is. False, and nothing changes, when the name is taken, which the
-  /// analysis storage decides, for null, and where the copy finds no room.
+  /// Adds a copy of `plate`, and storage for its analysis results. The name is the title of the
+  /// plate's path, see `SplitPath`. `lastModified` is the date of its file as a text, stored
+  /// unchanged.
+  /// @return False, and nothing is changed, if `plate` is null, the analysis storage has the name,
+  /// the study has 65535 plates, or memory runs out.
   bool AddRQPlate(const Vex2FileManager* plate, const CString& lastModified);
-  /// Removes the plate and its analysis storage. True for every name in a document that holds
-  /// plates; otherwise whether there was storage of that name.
+  /// Removes the first plate with this name, and its analysis results.
+  /// @return In a document with a list of plates true for every name; otherwise whether there was
+  /// analysis storage of that name.
   bool RemoveRQPlate(const CString& name);
-  /// Empties both lists and fills them with the plates' names and dates, pairwise, in order. False,
-  /// and both stay as they were, when the document has no place for plates.
+  /// Replaces the content of the two lists by the names and dates of the plates, in the same order.
+  /// @return False, and both lists are unchanged, if the document has no list of plates.
   bool GetMultiPlateList(CStringList& names, CStringList& dates) const;
+  /// The number of plates in the study.
   int GetRQPlateCount() const;
+  /// The number of entries in the lists that `GetMultiPlateList` fills.
   int GetNumPlates() const;
-  /// The first plate of this name, owned by the study; null when there is none.
+  /// The first plate with this name, owned by the study; null if there is none.
   Vex2FileManagerComponent* GetSinglePlatePtrByName(const CString& name) const;
-  /// What a plate inside a study knows of its own file: name and date. Kept up to 1023 characters.
-  /// Getters leave their argument as it was when there is none. Always 0.
+  /// Stores in a plate the name under which a study knows it. Keeps the first 1023 characters.
+  /// @return 0, or -200 if memory runs out.
   [[nodiscard]] int AppendPlateName(const CString& name);
+  /// Sets `name` to the name under which a study knows this plate; unchanged if it has none.
+  /// @return 0, or -100 if memory runs out.
   [[nodiscard]] int GetPlateName(CString& name) const;
+  /// Stores in a plate the date of its file, as a text. Keeps the first 1023 characters.
+  /// @return 0, or -200 if memory runs out.
   [[nodiscard]] int AppendLastModifiedDate(const CString& date);
+  /// Sets `date` to the date of this plate's file, as a text; unchanged if it has none.
+  /// @return 0, or -100 if memory runs out.
   [[nodiscard]] int GetLastModifiedDate(CString& date) const;
-  /// Makes the document, whatever it was, a plate for studies; in memory only.
+  /// Sets the assay code in memory to that of a plate for relative quantification ("RelQ"),
+  /// whatever it was.
   void ConvertAQ2RQ();
 
-  // --- Analysis results (Vex2FileManagerAnalysis.cpp) ---
-  //
-  // Results live in memory only: of the document itself, and of each plate of a study by its name.
-  // What is stored belongs to the document from then on. It is destroyed when it is removed, or
-  // with the storage: its own with the document, a plate's with `Reset` too.
+  /// @}
+  /// @name Storage of analysis results
+  /// Results exist only in memory: for the document itself, and for each plate of a study under its
+  /// name. A stored result belongs to the document. It is destroyed when it is removed or when its
+  /// storage is: the document's own storage with the document, a plate's also by `Reset`.
+  /// @{
 
-  /// Mode 1: new storage for the document itself. Any other: none, and the plates' storage goes,
-  /// too. The plate's size; when that is below 1, nothing changes.
+  /// With `mode` 1, makes new storage for the document itself. With any other mode, removes that
+  /// storage and the storage of all plates. Destroys the results in what it removes or replaces.
+  /// @return The number of wells of the plate, see `GetPlateSize`. If it is 0, nothing is changed.
   int CreateAnalysisStorage(int mode);
-  /// Makes storage for every plate of the study that has none, and destroys what is no plate's.
+  /// Makes storage for each plate of the study that has none, and destroys the storage of every
+  /// name that is not a plate's.
   void SyncPlatesWithAnalysisStorageMap();
 
-  // Without a name the operations work on the document's own results. A null name means the same;
-  // with a `const char*` all but `SetReporterAt` do their work and answer false.
-  //
-  // Get hands out what is stored, null where nothing is, and answers whether there was anything;
-  // for an unknown name the argument stays as it was. Set stores, null included, and destroys
-  // nothing: whoever replaces a result has taken the old one back. It is false without storage and
-  // for a well that the document's plate does not have. Remove destroys, and is false where nothing
-  // was.
+  /// @}
+  /// @name Multicomponent results
+  /// One result for each well. Wells are well numbers, from 1.
+  /// @{
 
+  /// Sets `matrix` to the document's own result for the well; null if there is none. The document
+  /// keeps ownership.
+  /// @return Whether there is a result.
   bool GetMCDataAt(IDAMCMatrix*& matrix, int well) const;
+  /// Sets `matrix` to the result of the plate for the well, null if there is none; for a null name
+  /// to the document's own. Without storage of that name `matrix` is unchanged. The document keeps
+  /// ownership.
+  /// @return Sic: always false. Look at `matrix`, or pass the name as a `CString`.
   bool GetMCDataAt(const char* plateName, IDAMCMatrix*& matrix, int well) const;
+  /// Sets `matrix` to the result of the plate for the well, null if there is none. Without storage
+  /// of that name `matrix` is unchanged. The document keeps ownership.
+  /// @return Whether there is a result.
   bool GetMCDataAt(const CString& plateName, IDAMCMatrix*& matrix, int well) const;
+  /// Stores `matrix`, which may be null, as the document's own result for the well, and takes
+  /// ownership. Does not destroy the result stored before: the caller owns it again.
+  /// @return False without storage, and for a well that the document's plate does not have; the
+  /// caller then keeps ownership.
   bool SetMCDataAt(IDAMCMatrix* matrix, int well);
+  /// Stores `matrix`, which may be null, as the result of the plate for the well, and takes
+  /// ownership; for a null name as the document's own. Does not destroy the result stored before:
+  /// the caller owns it again. Nothing is stored without storage of that name, and for a well that
+  /// the document's plate does not have.
+  /// @return Sic: always false. Pass the name as a `CString` to learn whether `matrix` was stored.
   bool SetMCDataAt(const char* plateName, IDAMCMatrix* matrix, int well);
+  /// Stores `matrix`, which may be null, as the result of the plate for the well, and takes
+  /// ownership. Does not destroy the result stored before: the caller owns it again.
+  /// @return False without storage of that name, and for a well that the document's plate does not
+  /// have; the caller then keeps ownership.
   bool SetMCDataAt(const CString& plateName, IDAMCMatrix* matrix, int well);
 
-  /// Two sets of reporters stand side by side; `second` chooses.
+  /// @}
+  /// @name Reporter results
+  /// Two results for each well: `second` chooses the second one. Wells are well numbers, from 1.
+  /// @{
+
+  /// Sets `matrix` to the document's own result for the well; null if there is none. The document
+  /// keeps ownership.
+  /// @return Whether there is a result.
   bool GetReporterAt(IDAClippedMatrix*& matrix, int well, bool second) const;
+  /// Sets `matrix` to the result of the plate for the well, null if there is none; for a null name
+  /// to the document's own. Without storage of that name `matrix` is unchanged. The document keeps
+  /// ownership.
+  /// @return Sic: always false. Look at `matrix`, or pass the name as a `CString`.
   bool GetReporterAt(const char* plateName, IDAClippedMatrix*& matrix, int well, bool second) const;
+  /// Sets `matrix` to the result of the plate for the well, null if there is none. Without storage
+  /// of that name `matrix` is unchanged. The document keeps ownership.
+  /// @return Whether there is a result.
   bool GetReporterAt(const CString& plateName, IDAClippedMatrix*& matrix, int well,
                      bool second) const;
+  /// Stores `matrix`, which may be null, as the document's own result for the well, and takes
+  /// ownership. Does not destroy the result stored before: the caller owns it again.
+  /// @return False without storage, and for a well that the document's plate does not have; the
+  /// caller then keeps ownership.
   bool SetReporterAt(IDAClippedMatrix* matrix, int well, bool second);
+  /// Stores `matrix`, which may be null, as the result of the plate for the well, and takes
+  /// ownership; for a null name as the document's own. Does not destroy the result stored before:
+  /// the caller owns it again.
+  /// @return False without storage of that name, and for a well that the document's plate does not
+  /// have; the caller then keeps ownership.
   bool SetReporterAt(const char* plateName, IDAClippedMatrix* matrix, int well, bool second);
+  /// Stores `matrix`, which may be null, as the result of the plate for the well, and takes
+  /// ownership. Does not destroy the result stored before: the caller owns it again.
+  /// @return False without storage of that name, and for a well that the document's plate does not
+  /// have; the caller then keeps ownership.
   bool SetReporterAt(const CString& plateName, IDAClippedMatrix* matrix, int well, bool second);
+  /// Destroys the document's own result for the well.
+  /// @return False if there was none.
   bool RemoveReporterAt(int well, bool second);
+  /// Destroys the result of the plate for the well; for a null name the document's own.
+  /// @return Sic: always false. Pass the name as a `CString` to learn whether there was a result.
   bool RemoveReporterAt(const char* plateName, int well, bool second);
+  /// Destroys the result of the plate for the well.
+  /// @return False if there was none.
   bool RemoveReporterAt(const CString& plateName, int well, bool second);
 
-  /// Of the document itself alone.
+  /// @}
+  /// @name Melting results
+  /// One result for each well, of the document itself only. Wells are well numbers, from 1.
+  /// @{
+
+  /// Sets `points` to the result for the well; null if there is none. The document keeps ownership.
+  /// @return Whether there is a result.
   bool GetMeltingDataAt(IDAMeltingPoints*& points, int well) const;
+  /// Stores `points`, which may be null, as the result for the well, and takes ownership. Does not
+  /// destroy the result stored before: the caller owns it again.
+  /// @return False without storage, and for a well that the document's plate does not have; the
+  /// caller then keeps ownership.
   bool SetMeltingDataAt(IDAMeltingPoints* points, int well);
+  /// Destroys the result for the well.
+  /// @return False if there was none.
   bool RemoveMeltingDataAt(int well);
 
-  // --- Analysis settings (Vex2FileManagerAnalysisSettings.cpp) ---
-  //
-  // With what each detector is analysed, and the threshold cycles that came out: of the document
-  // itself, for a null plate name, and of each plate of a study. In memory only; `Reset` destroys
-  // all of them, those in maps that were handed in included.
+  /// @}
+  /// @name Analysis settings
+  /// The parameters with which each detector is analysed, and the resulting threshold cycles: of
+  /// the document itself, for a null plate name, and of each plate of a study. They exist only in
+  /// memory. `Reset` destroys all of them, including those in maps that a host added.
+  /// @{
 
-  /// Null for a plate without settings. What is handed out stays the document's.
+  /// The holder of the plate's settings, owned by the document; null for a plate without settings.
   CAnalysisSettingsDetectorMap* GetAnalysisSettingsDetectorMap(const char* plateName) const;
+  /// The plate's settings by detector; null for a plate without settings. The document keeps
+  /// ownership of the settings, and of the map unless a host added it.
   CAnalysisSettingsMap* GetAnalysisSettingsMap(const char* plateName) const;
-  /// Uses `map` as the plate's settings. The settings in it are the document's from now on; the map
-  /// of a plate goes with them, that of the document itself stays the caller's. A map that was
-  /// handed in before and is now replaced is the caller's again, with the settings in it. What the
-  /// document itself lacks of the plates' detectors, it receives copies of.
+  /// Uses `map`, which may be null, as the plate's settings, and takes ownership of the settings in
+  /// it. A plate's map is destroyed with them; the map of the document itself stays the caller's.
+  /// If this replaces a map that a host added before, the host owns that map and its settings
+  /// again. Copies into the document's own settings those of detectors that only the plates have.
   void AddAnalysisSettingsMap(const char* plateName, CAnalysisSettingsMap* map);
-  /// Adds settings with the probe's parameters under its name. False, and nothing changes, for a
-  /// probe without a name, a plate without settings and a detector that has some.
+  /// Adds settings with the parameters of `probe` under its name.
+  /// @return False, and nothing is changed, if `probe` has no name, the plate has no settings, the
+  /// detector has settings, or memory runs out.
   bool AddDetectorToAnalysisSettingsMap(const TAGPROBE& probe, const char* plateName);
-  /// Destroys the detector's settings. False when there were none.
+  /// Destroys the settings of `detector` on the plate.
+  /// @return False if there were none.
   bool RemoveDetectorFromAnalysisSettingsMap(const char* detector, const char* plateName);
-  /// Null for a null map and for an unknown detector.
+  /// The settings of `detector` in `map`, owned by the document; null if `map` is null or has none.
   CAnalysisSettings* GetAnalysisSettingsByDetector(const CAnalysisSettingsMap* map,
                                                    const CString& detector) const;
+  /// Whether `detector` has settings on the plate.
   bool IsAnalysisAvailableFor(const char* plateName, const char* detector) const;
-  /// Stores the threshold cycle of a well, numbered from 1, where the detector has settings.
+  /// Stores the threshold cycle, in cycles, of the well number `well`, from 1. Does nothing if the
+  /// detector has no settings on the plate.
   void SetCtAt(const char* plateName, const char* detector, const float& ct, int well);
-  /// `CCtEntry::kNoCt`, which is -999.1, where there is none.
+  /// The threshold cycle, in cycles, of the well number `well`, from 1; `CCtEntry::kNoCt`, which is
+  /// -999.1, if there is none.
   float GetCtAt(const char* plateName, const char* detector, int well) const;
-  /// Destroys the document's own settings; the map stays, empty.
+  /// Destroys the document's own settings; their map stays, empty.
   void ResetGlobalAnalysisSettingsMap();
-  /// Destroys the settings of all plates with their maps.
+  /// Destroys the settings of all plates with their maps, including maps that a host added.
   void ResetAnalysisSettingsPlateMap();
-  /// Marks, among the document's own settings, those of the detectors in `list`, which holds
-  /// `CNamedObject`s, and no others. False for an empty list.
+  /// Selects for a query, among the document's own settings, those of the detectors in `list`,
+  /// which holds `CNamedObject`s, and no others. See `CAnalysisSettings::queryFlag`.
+  /// @return False for an empty list.
   bool PrepareQueryList(const CObList& list);
 
-  // --- Plates from files (Vex2FileManagerRQPlates.cpp) ---
+  /// @}
+  /// @name Plates from files
+  /// @{
 
-  /// Reads a plate that is to join a study, and says in `lastModified` when its file was changed,
-  /// in local time, as "Mar 05, 2003 02:07 PM". 0; -50 for a null path or when `choose` is set,
-  /// since the chooser for plates always ends as if cancelled; -100 for a file that cannot be
-  /// opened; -1 for one that is no document and -2 for one that is not of the kind "Kest", and then
-  /// the document stays as it was; otherwise the status of the read.
+  /// Reads the plate at `path`, to be added to a study with `AddRQPlate`. Sets `lastModified` to
+  /// the time at which its file was last changed, in local time, as "Mar 05, 2003 02:07 PM".
+  /// @return 0; -50 if `path` is null or `choose` is true, because `RQSOpenFile` returns false;
+  /// -100 if the file cannot be opened; -1 if it is not a document; -2 if its kind marker is not
+  /// "Kest". Header and components stay unchanged for these. Otherwise the status of the reading.
   [[nodiscard]] int ReadRQPFromFile(CWnd* parent, const char* path, bool choose,
                                     CString& lastModified);
-  /// The chooser for plates: shows nothing and answers false, which hosts rely on. See
-  /// `ChooseDocumentFile`.
+  /// The file chooser for plates. Shows nothing and changes nothing; hosts rely on that. The
+  /// parameters are those of `ChooseDocumentFile`.
+  /// @return Always false, as if the user had cancelled.
   static bool RQSOpenFile(CWnd* owner, CString& path, CString& folder, const char* filter,
                           const char* initialName, const char* defaultExtension,
                           const char* initialFolder, const char* title, int flag);
 
-  // --- What a plate holds (Vex2FileManagerQueries.cpp) ---
-  //
-  // Of the raw readings. A study is asked through its plates, in order.
+  /// @}
+  /// @name Queries of readings
+  /// They look at the raw readings of the document, or of the plates of a study in their order.
+  /// @{
 
-  /// The wells that have readings and how many the fullest one has; in a study, of the first plate
-  /// with any.
+  /// Sets `wellsWithData` to the number of wells with readings, and `largestCount` to the largest
+  /// number of readings in a well; in a study, of the first plate that has any. Both are 0 without
+  /// readings.
   void GetPlateDataInfo(int& wellsWithData, int& largestCount) const;
-  /// The number of frames, in a study that of the first plate with any; `plateSize` is that of the
-  /// last plate that was asked.
+  /// Sets `plateSize` to the number of wells of the plate; in a study, of the last plate looked at.
+  /// @return The number of frames; in a study, of the first plate that has any.
   long GetPlateInfo(long& plateSize) const;
-  /// How many frames belong to the thermal cycling, and the index of the frame, from 0, that begins
-  /// a melting stage, -1 without one. Of the plate of this name, 0 and -1 when there is none; for
-  /// null of the first plate of a study, or of the document.
+  /// Sets `pcrFrameCount` to the number of frames of the thermal cycling, and `meltingStart` to the
+  /// index, from 0, of the first frame of a melting stage, or -1 if there is none. Looks at the
+  /// plate of this name, 0 and -1 if there is none; for a null name at the document, or at the
+  /// first plate of a study.
   void FindPCRMeltingParams(const char* plateName, int& pcrFrameCount, int& meltingStart) const;
 
-  // --- Spectra (Vex2FileManagerSpectra.cpp) ---
+  /// @}
+  /// @name Spectra
+  /// @{
 
-  /// Fills `spectrum` with the readings of its well in its frame, of the plate of this name or,
-  /// when there is none, of the document. In a background document entries 24 to 27 become the
-  /// rates of the four groups of readings. False for null, and when there is no such record, and
-  /// then `failed` is set and the values stay as they were.
+  /// Sets the values of `spectrum` to the readings of its well number in its frame, from the plate
+  /// of this name, or from the document if there is none. Extra values become 0. In a background
+  /// document, values 24 to 27, from 0, become the rates of the four groups of readings.
+  /// @return False for null. False also if the well record does not exist: `failed` is then 1 and
+  /// the values are unchanged.
   bool LoadSpectrum(KestorSpectrum* spectrum, const char* plateName) const;
 
+  /// @}
+
  protected:
-  /// Copies header, path and components; what the manager held must be gone.
+  /// @name For derived classes
+  /// @{
+
+  /// Copies header, path and components. The document must be empty. Throws `std::bad_alloc`.
   void deepCopy(const Vex2FileManager& source);
-  /// The same for a manager that exists; where memory runs out, nothing is copied.
+  /// Copies header, path and components. The document must be empty, and stays so if memory runs
+  /// out.
   void copyOrStayEmpty(const Vex2FileManager& source);
-  /// The first component with this tag, or null. What is found is a position for the next.
+  /// The first component with this tag, or null. The result can be passed to `RemoveComponent`.
   CComponent* includesComponent(std::string_view tag) const;
-  /// Deletes the component at the position; nothing happens for null.
+  /// Deletes the component; does nothing for null.
   void RemoveComponent(CComponent* position);
-  /// The same search with the class; null also when another class stands under the tag.
+  /// The first component with this tag as `Component`; null if there is none, or if it is of
+  /// another class.
   template <typename Component>
   Component* find(std::string_view tag) const {
     return dynamic_cast<Component*>(includesComponent(tag));
   }
+  /// Adds the component at the end of the document.
   void appendComponent(std::unique_ptr<CComponent> component);
-  /// Removes the first component with the component's tag and appends the component.
+  /// Removes the first component with the same tag and appends the component.
   void replaceComponent(std::unique_ptr<CComponent> component);
-  /// The same, and hands out the component, which stays the document's. A search by tag could find
-  /// another: documents may hold several components of a kind.
+  /// Removes the first component with the same tag, appends the component and returns it; the
+  /// document keeps ownership. A search by tag could find another component of the same kind.
   template <typename Component>
   Component* replaceComponent(std::unique_ptr<Component> component) {
     Component* added = component.get();
@@ -562,63 +883,94 @@ class VEX2_API Vex2FileManager : public CFile {
     return added;
   }
 
-  /// Runs an operation in memory. Refusals of the system and memory that runs out become `failure`.
+  /// Runs an operation in memory.
+  /// @return Its status, or `failure` if it throws because the system refuses or memory runs out.
   [[nodiscard]] static int guarded(int failure, vex2::FunctionRef<int()> operation);
-  /// Runs an operation that reads or writes files: the first refusal is the last file error, too.
+  /// Runs an operation that reads or writes files, and keeps the first failure as the last file
+  /// error.
+  /// @return Its status, or `failure` if it throws because the system refuses or memory runs out.
   [[nodiscard]] int attempt(int failure, vex2::FunctionRef<int()> operation);
-  /// The same with the file that is open, which is closed afterwards.
+  /// Runs an operation on the open file as `attempt` does, and closes the file.
+  /// @return Its status, or `failure` if the operation or closing the file fails.
   [[nodiscard]] int guardedFile(int failure, vex2::FunctionRef<int()> operation);
-  /// Replaces the file at `path` with what `write` puts into the open manager. 0 or the status.
+  /// Replaces the file at `path` by what `write` writes to the open manager.
+  /// @return 0, the status of `write`, or -200; the old file stays unchanged unless it is 0.
   [[nodiscard]] int saveWhole(const char* path, vex2::FunctionRef<int()> write);
-  /// Appends the component to the file at `path`, which need not be readable. 0 or -200; a write
-  /// that fails leaves the file's length.
+  /// Appends the component to the file at `path`, which need not be readable.
+  /// @return 0, or -200 if the file cannot be written; it then keeps its length.
   [[nodiscard]] int appendRecord(const char* path, CComponent& component);
-  /// Runs `write` with the position at the open file's end, and closes. -200 when the file is not
-  /// trusted; a write that fails leaves the length.
+  /// Runs `write` with the file position at the end of the open file, and closes the file.
+  /// @return The status of `write`, or -200 if changes of the file are refused or it cannot be
+  /// written; it then keeps its length.
   [[nodiscard]] int appendToOpenFile(vex2::FunctionRef<int()> write);
-  /// Opens the file at `path`, runs `look`, then `change` when `look` answers 0, and closes. -100
-  /// when the file cannot be read, the status of `look`, -200 when the file cannot be written, or
-  /// the status of `change`.
+  /// Opens the file at `path`, runs `look`, then `change` if `look` returns 0, and closes the file.
+  /// @return -100 if the file cannot be read; the status of `look` unless it is 0; -200 if the file
+  /// cannot be written; otherwise the status of `change`.
   [[nodiscard]] int changeFile(const char* path, vex2::FunctionRef<int()> look,
                                vex2::FunctionRef<int()> change);
 
-  /// Keeps the first fault of a reading.
+  /// Keeps the first fault of a reading, at this offset in the file. `reason` is a constant text.
   void noteFault(std::uint64_t offset, const char* reason);
 
+  /// Reads a header at the file position of `file` into `header`. Null means the own file.
   [[nodiscard]] int ReadHeaderDataHelper(Vex2HeaderData& header, CFile* file);
+  /// Writes the header at the file position of `file`, and sets `headerBytes` to its size up to the
+  /// end of the usage table. Null means the own file.
   [[nodiscard]] int WriteHeaderDataHelper(std::uint32_t& headerBytes, CFile* file);
+  /// Writes the offset of the program into the header in the open file. 0 or -200.
   [[nodiscard]] int UpdateThermocycleOffset(unsigned long offset);
+  /// Writes the offset of the raw readings into the header in the open file. 0 or -200.
   [[nodiscard]] int UpdateAcqDataOffset(unsigned long offset);
+  /// Writes the program to the end of the open file, and sets its offset in the header in memory.
+  /// 0; -200 if no file is open or it cannot be written; -300 if there is no program.
   [[nodiscard]] int WriteThermocycleComp();
-  /// Writes the plate setup to the end of the open file. 0, -200 when none is open, -300 when there
-  /// is no setup.
+  /// Writes the plate setup to the end of the open file. 0; -200 if no file is open or it cannot be
+  /// written; -300 if there is no plate setup.
   [[nodiscard]] int WritePlateSetupComp();
 
+  /// Replaces the raw readings in memory by a copy of `data` and appends them to the file at
+  /// `path`, which need not be readable. 0 or -200.
   [[nodiscard]] int AppendAcquisitionDataBlock(const char* path, const Vex2AcquisitionData* data);
+  /// The data block of this type, owned by the document; null if there is none.
   AcquisitionDataComp* findBlock(Vex2DataType type) const;
-  /// The position of the block's tag in the open file, or 0.
+  /// The offset of the block's tag in the open file; 0 if there is no such block.
   long findReporterCompOffset(Vex2DataType type);
+  /// Reads frame `frameIndex` of the block at `blockOffset` in the open file into `frame`, which
+  /// may be null. 0, also without such a frame; -100 if the file ends within it.
   [[nodiscard]] int readAFrame(int frameIndex, Vex2FrameData* frame, long blockOffset);
 
-  /// The components that a save writes: all of them, but for a study.
+  /// Whether a save writes the component: always, except for most kinds in a study.
   bool isWritten(const CComponent& component) const;
 
+  /// The storage of the plate's analysis results; null if there is none.
   VexAnalysis* LookupAnalysisPtr(const CString& plateName) const;
+  /// Destroys the storage of the analysis results of all plates.
   void ResetAnalysisMap();
-  // With the storage itself, which may be null; the other overloads come to these. It stands last,
+  // The overloads above call the next five. The storage, which may be null, is the last parameter,
   // so that a null plate name stays a name.
+
+  /// Sets `matrix` to the multicomponent result in `analysis`, and returns whether there is one.
   bool GetMCDataAt(IDAMCMatrix*& matrix, int well, const VexAnalysis* analysis) const;
+  /// Stores a multicomponent result in `analysis`, and returns whether it did.
   bool SetMCDataAt(IDAMCMatrix* matrix, int well, VexAnalysis* analysis);
+  /// Sets `matrix` to the reporter result in `analysis`, and returns whether there is one.
   bool GetReporterAt(IDAClippedMatrix*& matrix, int well, bool second,
                      const VexAnalysis* analysis) const;
+  /// Stores a reporter result in `analysis`, and returns whether it did.
   bool SetReporterAt(IDAClippedMatrix* matrix, int well, bool second, VexAnalysis* analysis);
+  /// Destroys the reporter result in `analysis`, and returns whether there was one.
   bool RemoveReporterAt(int well, bool second, VexAnalysis* analysis);
+  /// The holder of the plate's analysis settings; null if there is none.
   CAnalysisSettingsDetectorMap* LookupAnalysisDetectorMapPtr(const char* plateName) const;
+  /// The analysis settings of the detector on the plate; null if there are none.
   CAnalysisSettings* GetAnalysisSettings(const char* plateName, const char* detector) const;
+  /// Copies into the document's own analysis settings those of detectors that only plates have.
   void SyncPlateDetectorsWithGlobal();
 
-  Vex2HeaderData header_;
-  std::unique_ptr<VexAnalysis> ownAnalysis_;
+  Vex2HeaderData header_;                     ///< the header in memory
+  std::unique_ptr<VexAnalysis> ownAnalysis_;  ///< the document's own results, null without storage
+
+  /// @}
 
  private:
   // All that is not the document's own, and its components.

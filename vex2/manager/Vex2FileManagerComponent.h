@@ -6,7 +6,9 @@
 /// study's file stands, and ends with an "EOPl" record.
 class VEX2_API Vex2FileManagerComponent final : public Vex2FileManager {
  public:
+  /// Makes an empty plate, with a closed file.
   Vex2FileManagerComponent();
+  /// Copies the header, the path and the components of `other`, with a closed file.
   Vex2FileManagerComponent(const Vex2FileManagerComponent& other);
   /// Cuts a plate out of a document of its own.
   // Implicit because hosts write `Vex2FileManagerComponent plate = document;`.
@@ -15,10 +17,13 @@ class VEX2_API Vex2FileManagerComponent final : public Vex2FileManager {
   /// Resets and copies. Assigning a plate to itself leaves it empty, and so does memory that runs
   /// out.
   Vex2FileManagerComponent& operator=(const Vex2FileManagerComponent& other);
+  /// Resets the plate and copies the document `other` into it. The plate is empty afterwards if
+  /// memory runs out.
   Vex2FileManagerComponent& operator=(const Vex2FileManager& other);
   ~Vex2FileManagerComponent() override;
 
   const CRuntimeClass* GetRuntimeClass() const override;
+  /// The record of this class.
   static const CRuntimeClass* ClassRecord();
 
   // A null file is the plate's own.
@@ -28,6 +33,8 @@ class VEX2_API Vex2FileManagerComponent final : public Vex2FileManager {
   /// Reads up to the first "EOPl", "EOF " or "Vex2" tag; -100 when the file ends before one.
   /// Otherwise the status of the last record that was read.
   [[nodiscard]] int ReadComponentFile(CFile* file) override;
+  /// Reads the header at the file position of `file` into this plate. Null means the plate's own
+  /// file. Returns 0, or -100 if it cannot be read.
   [[nodiscard]] int ReadHeaderData(CFile* file) override;
   [[nodiscard]] int ReadHeaderData(Vex2HeaderData& header, CFile* file) override;
   [[nodiscard]] int WriteHeaderData(CFile* file) override;

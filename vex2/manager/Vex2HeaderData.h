@@ -10,17 +10,17 @@
 struct VEX2_API Vex2HeaderData {
   char magic[4];          ///< "Vex2"
   std::uint16_t formatA;  ///< carried, not interpreted, as are formatB, flagG and text
-  std::uint16_t formatB;
-  char assayCode[4];  ///< the kind of run, e.g. "AbsQ"
-  char runCode[4];
+  std::uint16_t formatB;  ///< kept unchanged; the library does not use it
+  char assayCode[4];      ///< the kind of run, e.g. "AbsQ"
+  char runCode[4];        ///< kept unchanged; the library does not use it
   char plateTypeCode[4];  ///< tells the plate's size, e.g. "p9C " for 96 wells
   std::uint16_t rows;     ///< of the plate; set it with `SetRows`, which makes the table for it
-  std::uint16_t columns;
+  std::uint16_t columns;  ///< of the plate
   std::uint32_t thermocycleOffset;  ///< file position; after a full save past the program's record
-  std::uint8_t flagG;
-  char text[31];
-  char kindMarker[4];                   ///< "Kest", "Blue" or anything else
-  char acquisitionStatus[4];            ///< "ZERO", "PROG", "DONE" or anything else
+  std::uint8_t flagG;               ///< kept unchanged; the library does not use it
+  char text[31];                    ///< kept unchanged; the library does not use it
+  char kindMarker[4];               ///< "Kest", "Blue" or anything else
+  char acquisitionStatus[4];        ///< "ZERO", "PROG", "DONE" or anything else
   std::uint32_t acquisitionDataOffset;  ///< file position; after a full save past the data block
   std::uint32_t* usage;  ///< one mask a row, made with new[]; bit j is the well in column j from 0
 
@@ -31,6 +31,7 @@ struct VEX2_API Vex2HeaderData {
   /// A copy has a mask for each of the other's `rows`: its masks, and `kTwelveWells` for rows that
   /// its usage table does not hold.
   Vex2HeaderData(const Vex2HeaderData& other);
+  /// A copy as the copy constructor makes it. Throws `std::bad_alloc`.
   Vex2HeaderData& operator=(const Vex2HeaderData& other);
   ~Vex2HeaderData();
 

@@ -29,18 +29,27 @@ class VEX2_API AcquisitionDataComp final : public CComponent {
 
   ~AcquisitionDataComp() override;
 
+  /// The version of the block: 1 without times, 2 with them. A block that was read keeps the value
+  /// in the file.
   std::uint16_t GetVersion() const { return version_; }
+  /// The size of the two times, in bytes; 12 in every block that this library makes.
   std::uint16_t GetTimeBlockSize() const { return timeBlockSize_; }
+  /// The number of wells in every frame.
   std::uint16_t GetWellCount() const;
   /// The well numbers in the order of the well records; valid until the block changes.
   std::span<const std::uint16_t> GetWellNumbers() const;
+  /// The number of frames, which follows from the length of the body.
   int GetFrameCount() const;
   /// The capacity of the frame table.
   std::int32_t GetFrameCapacity() const { return capacity_; }
 
+  /// The start time of the run; valid until the block changes.
   const TimeStamp& GetStartTime() const { return startTime_; }
+  /// The end time of the run; valid until the block changes.
   const TimeStamp& GetEndTime() const { return endTime_; }
+  /// Sets the start time of the run.
   void SetStartTime(const TimeStamp& time) { startTime_ = time; }
+  /// Sets the end time of the run.
   void SetEndTime(const TimeStamp& time) { endTime_ = time; }
 
   /// Sets the well numbers. A different number of wells drops all frames, but keeps the length of

@@ -14,6 +14,7 @@ class VEX2_API ThermocycleProgramComp final : public CBlockValueComp {
   /// Replaces the content of `program` by a copy of this program.
   void CopyTo(ThermocycleProgram& program) const;
 
+  /// True.
   bool IsThermocycleComp() const override { return true; }
   /// Returns -200 and writes nothing if there are no bytes.
   int WriteBody(CFile* file) override;

@@ -11,8 +11,9 @@ struct VEX2_API Vex2WellRecord {
   /// `leading[0]` is nonzero in a record that was filled. `leading[4]` is the well's first reading;
   /// 0 or 65000 there marks the first frame of a melting stage. The instrument defines the others.
   std::uint16_t leading[8] = {};
-  std::uint16_t data[36] = {};
+  std::uint16_t data[36] = {};  ///< the readings; documents store the first 32
 
+  /// Whether all 44 values are equal.
   friend bool operator==(const Vex2WellRecord&, const Vex2WellRecord&) = default;
 };
 

@@ -19,7 +19,9 @@ class VEX2_API CCellComp final : public CContainerComp {
   /// not getting one.
   void CopyTo(Vex2WellSetup& well) const;
 
+  /// The first coordinate of the well, stored unchanged.
   std::uint16_t GetCoord1() const { return coord1_; }
+  /// The second coordinate of the well, stored unchanged.
   std::uint16_t GetCoord2() const { return coord2_; }
   /// The stored byte: any value except 0 is true.
   std::uint8_t GetFlag() const { return flag_; }

@@ -9,5 +9,6 @@
 class VEX2_API CColorComp final : public vex2::ScalarComponent<std::array<std::uint8_t, 3>> {
  public:
   CColorComp();
+  /// Holds these three bytes.
   explicit CColorComp(const std::array<std::uint8_t, 3>& color);
 };

@@ -15,6 +15,7 @@ class VEX2_API CPlateSetupComp final : public CContainerComp {
   /// Replaces the content of `setup` by copies of all cells.
   void CopyTo(Vex2PlateSetup& setup) const;
 
+  /// True.
   bool IsPlateSetupComp() const override { return true; }
   /// Replaces the cells by new ones, as many as the count says.
   void AllocateBody() override;

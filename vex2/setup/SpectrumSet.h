@@ -11,14 +11,14 @@ namespace vex2 {
 /// Owns the spectra. `CopyFrom` copies; there is no copy constructor, because copies are large.
 template <typename Spectrum>
 struct SpectrumSet {
-  std::uint8_t code[4] = {};
-  std::uint32_t setting = 10;
-  std::uint16_t entryCount = 0;
-  std::uint16_t option = 0;
-  std::uint32_t value = 0;
-  std::uint8_t extra1[4] = {};
-  std::uint8_t extra2[4] = {};
-  Spectrum* entries = nullptr;  ///< `entryCount` of them, made with new[], or null
+  std::uint8_t code[4] = {};     ///< stored unchanged
+  std::uint32_t setting = 10;    ///< stored unchanged
+  std::uint16_t entryCount = 0;  ///< the number of entries
+  std::uint16_t option = 0;      ///< stored unchanged
+  std::uint32_t value = 0;       ///< stored unchanged
+  std::uint8_t extra1[4] = {};   ///< stored unchanged
+  std::uint8_t extra2[4] = {};   ///< stored unchanged
+  Spectrum* entries = nullptr;   ///< `entryCount` of them, made with new[], or null
 
   SpectrumSet() = default;
   SpectrumSet(const SpectrumSet&) = delete;

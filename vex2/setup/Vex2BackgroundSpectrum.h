@@ -4,5 +4,5 @@
 
 /// One spectrum of the background. The instrument defines the meaning of the numbers.
 struct Vex2BackgroundSpectrum : vex2::Spectrum {
-  std::uint16_t limit = 189;
+  std::uint16_t limit = 189;  ///< stored unchanged
 };

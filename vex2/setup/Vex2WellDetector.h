@@ -10,16 +10,18 @@ struct VEX2_API Vex2WellDetector {
   std::int32_t detectorNameLength = 0;  ///< characters
   char* task = nullptr;                 ///< e.g. "UNKN" or "STND"; stored unchanged
   std::int32_t taskLength = 0;          ///< characters
-  float quantity = 0;
-  bool used = true;
+  float quantity = 0;                   ///< of the sample; applications define the unit
+  bool used = true;                     ///< whether the detector is in use in the well
 
   Vex2WellDetector() = default;
   Vex2WellDetector(const Vex2WellDetector&) = delete;
   Vex2WellDetector& operator=(const Vex2WellDetector&) = delete;
   ~Vex2WellDetector();
 
-  /// Copy `length` characters into a buffer that the record owns, which is allocated again only if
-  /// the text grows. If `text` is null, only the length is set.
+  /// Copies `length` characters into a buffer that the record owns, which is allocated again only
+  /// if the text grows. If `text` is null, only the length is set.
   void SetDetectorName(const char* text, std::int32_t length);
+  /// Copies `length` characters into a buffer that the record owns, which is allocated again only
+  /// if the text grows. If `text` is null, only the length is set.
   void SetTask(const char* text, std::int32_t length);
 };

@@ -9,9 +9,9 @@
 
 /// The setup of one well, as callers pass it. Owns its texts and its detectors.
 struct VEX2_API Vex2WellSetup {
-  std::uint16_t coord1 = 0;  ///< two coordinates of the well, stored unchanged
-  std::uint16_t coord2 = 0;
-  bool flag = true;
+  std::uint16_t coord1 = 0;            ///< two coordinates of the well, stored unchanged
+  std::uint16_t coord2 = 0;            ///< stored unchanged
+  bool flag = true;                    ///< stored as one byte
   char* name = nullptr;                ///< with a terminating zero, made with new[], or null
   std::int32_t nameLength = 0;         ///< characters
   char* description = nullptr;         ///< a text like `name`; stored, never read back
@@ -27,8 +27,11 @@ struct VEX2_API Vex2WellSetup {
   /// Releases the content and sets all fields to the values of a new record.
   void Reset();
 
-  /// Copy `length` characters into a buffer that the record owns, which is allocated again only if
-  /// the text grows. If `text` is null, only the length is set.
+  /// Copies `length` characters into a buffer that the record owns, which is allocated again only
+  /// if the text grows. If `text` is null, only the length is set.
   void SetName(const char* text, std::int32_t length);
+  /// Copies `length` characters into a buffer that the record owns, which is allocated again only
+  /// if the text grows. If `text` is null, only the length is set. Documents that are read give no
+  /// description back.
   void SetDescription(const char* text, std::int32_t length);
 };

@@ -13,12 +13,16 @@
 /// only in memory. Owns its entries; copies are independent.
 class VEX2_API CAnalysisSettings : public CObject {
  public:
+  /// Settings with default parameters and no threshold cycles.
   CAnalysisSettings() = default;
+  /// Copies all fields and all entries.
   CAnalysisSettings(const CAnalysisSettings& other);
+  /// Destroys the entries, and copies all fields and all entries.
   CAnalysisSettings& operator=(const CAnalysisSettings& other);
   ~CAnalysisSettings() override;
 
   const CRuntimeClass* GetRuntimeClass() const override;
+  /// The record of this class.
   static const CRuntimeClass* ClassRecord();
 
   /// Sets the threshold cycle of the first entry of `well`, a well number; without an entry, adds
@@ -27,10 +31,10 @@ class VEX2_API CAnalysisSettings : public CObject {
   /// The first threshold cycle of the well that is not `CCtEntry::kNoCt`; `kNoCt` if there is none.
   float GetCt(std::int32_t well) const;
 
-  std::int32_t settingsWord = 0;  ///< kept for applications
-  CAnalysisParameters parameters;
-  CTypedPtrList<CObList, CCtEntry*> ctList;
-  std::uint8_t queryFlag = 0;  ///< 1 while a query selects the detector
+  std::int32_t settingsWord = 0;             ///< kept for applications
+  CAnalysisParameters parameters;            ///< of the detector's analysis
+  CTypedPtrList<CObList, CCtEntry*> ctList;  ///< the threshold cycles, owned by this object
+  std::uint8_t queryFlag = 0;                ///< 1 while a query selects the detector
 
  private:
   void addEntry(std::int32_t well, float ct);

@@ -22,10 +22,12 @@ class VEX2_API CAnalysisSettingsDetectorMap : public CObject {
   CAnalysisSettingsDetectorMap& operator=(const CAnalysisSettingsDetectorMap&) = delete;
 
   const CRuntimeClass* GetRuntimeClass() const override;
+  /// The record of this class.
   static const CRuntimeClass* ClassRecord();
 
   /// The map in use, null if a host added null. The ownership does not change.
   CAnalysisSettingsMap* GetAnalysisSettingsMap() const { return map_; }
+  /// Whether this object owns the map in use.
   bool OwnsMap() const { return ownsMap_; }
 
   /// Uses `map` from now on without owning it. An owned map is destroyed with all settings in it; a

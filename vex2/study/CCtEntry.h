@@ -9,6 +9,7 @@
 class VEX2_API CCtEntry : public CObject {
  public:
   CCtEntry() = default;
+  /// The threshold cycle `theCt` of the well number `theWell`.
   CCtEntry(std::int32_t theWell, float theCt) : well(theWell), ct(theCt) {}
 
   std::int32_t well = 0;  ///< from 1

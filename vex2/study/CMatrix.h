@@ -18,11 +18,14 @@ class VEX2_API CMatrix {
     const CVector row(std::vector<double>(static_cast<std::size_t>(columns)));
     std::fill_n(rows_.get(), rowCount_, row);
   }
+  /// Copies all rows.
   CMatrix(const CMatrix& other) : CMatrix(other.rowCount_) {
     std::copy_n(other.rows_.get(), rowCount_, rows_.get());
   }
+  /// Takes the rows of `other`, which has none afterwards.
   CMatrix(CMatrix&& other) noexcept
       : rows_(std::move(other.rows_)), rowCount_(std::exchange(other.rowCount_, 0)) {}
+  /// Replaces all rows by those of `other`.
   CMatrix& operator=(CMatrix other) noexcept {
     rows_ = std::move(other.rows_);
     rowCount_ = std::exchange(other.rowCount_, 0);
@@ -30,10 +33,13 @@ class VEX2_API CMatrix {
   }
   ~CMatrix() = default;
 
+  /// The number of rows.
   int GetRowCount() const { return static_cast<int>(rowCount_); }
+  /// The number of columns of the first row; 0 without rows.
   int GetColumnCount() const { return rowCount_ == 0 ? 0 : rows_[0].GetSize(); }
   /// `row` must be below the row count.
   CVector& operator[](int row) { return rows_[static_cast<std::size_t>(row)]; }
+  /// The row at `row`, from 0, which must be below the row count.
   const CVector& operator[](int row) const { return rows_[static_cast<std::size_t>(row)]; }
 
  private:

@@ -8,7 +8,8 @@
 class VEX2_API CNamedObject : public CObject {
  public:
   CNamedObject() = default;
+  /// Has this name.
   explicit CNamedObject(CString theName) : name(std::move(theName)) {}
 
-  CString name;
+  CString name;  ///< of the detector
 };

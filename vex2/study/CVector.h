@@ -12,10 +12,14 @@
 class VEX2_API CVector {
  public:
   CVector() = default;
+  /// A copy of the values.
   explicit CVector(const std::vector<double>& values) : CVector(values.data(), values.size()) {}
+  /// Copies all values.
   CVector(const CVector& other) : CVector(other.values_.get(), other.size_) {}
+  /// Takes the values of `other`, which has none afterwards.
   CVector(CVector&& other) noexcept
       : values_(std::move(other.values_)), size_(std::exchange(other.size_, 0)) {}
+  /// Replaces all values by those of `other`.
   CVector& operator=(CVector other) noexcept {
     values_ = std::move(other.values_);
     size_ = std::exchange(other.size_, 0);
@@ -23,10 +27,13 @@ class VEX2_API CVector {
   }
   ~CVector() = default;
 
+  /// Returns a copy, which the caller owns.
   std::unique_ptr<CVector> Clone() const { return std::make_unique<CVector>(*this); }
+  /// The number of values.
   int GetSize() const { return static_cast<int>(size_); }
   /// `index` must be below the size.
   double& operator[](int index) { return values_[static_cast<std::size_t>(index)]; }
+  /// The value at `index`, from 0, which must be below the size.
   double operator[](int index) const { return values_[static_cast<std::size_t>(index)]; }
 
  private:

@@ -8,11 +8,11 @@
 /// the other fields. Owns its values.
 struct VEX2_API KestorSpectrum {
   std::uint32_t* values = nullptr;  ///< `valueCount` of them, made with new[], or null
-  std::int32_t valueCount = 0;
-  std::int32_t frameIndex = 0;  ///< from 0
-  std::int32_t well = 0;        ///< from 1
-  std::int32_t failed = 0;      ///< set to 1 if the well record does not exist
-  std::int32_t wellValue = 0;   ///< the first leading value of the well record
+  std::int32_t valueCount = 0;      ///< the number of values
+  std::int32_t frameIndex = 0;      ///< from 0
+  std::int32_t well = 0;            ///< from 1
+  std::int32_t failed = 0;          ///< set to 1 if the well record does not exist
+  std::int32_t wellValue = 0;       ///< the first leading value of the well record
 
   KestorSpectrum() = default;
   /// A spectrum with `count` values, all 0; without values if `count` is not above 0.

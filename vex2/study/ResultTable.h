@@ -9,6 +9,7 @@ namespace vex2 {
 template <class Result>
 class ResultTable {
  public:
+  /// Places for `wellCount` results, all empty.
   explicit ResultTable(int wellCount) { entries_.SetSize(wellCount); }
   ~ResultTable() {
     for (int index = 0; index < entries_.GetSize(); ++index) delete GetAt(index);

@@ -5,6 +5,6 @@
 
 /// A detector's name and parameters, as an analysis application passes them.
 struct VEX2_API TAGPROBE {
-  char name[256] = {};  ///< of the detector; a shorter name ends with a zero byte
-  CAnalysisParameters parameters;
+  char name[256] = {};             ///< of the detector; a shorter name ends with a zero byte
+  CAnalysisParameters parameters;  ///< of the detector's analysis
 };

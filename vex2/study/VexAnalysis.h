@@ -18,10 +18,11 @@ class VEX2_API VexAnalysis : public CObject {
   VexAnalysis& operator=(const VexAnalysis&) = delete;
 
   const CRuntimeClass* GetRuntimeClass() const override;
+  /// The record of this class.
   static const CRuntimeClass* ClassRecord();
 
-  vex2::ResultTable<IDAMCMatrix> mcData;
-  vex2::ResultTable<IDAClippedMatrix> reporters;
-  vex2::ResultTable<IDAClippedMatrix> secondReporters;
-  vex2::ResultTable<IDAMeltingPoints> meltingData;
+  vex2::ResultTable<IDAMCMatrix> mcData;                ///< multicomponent results
+  vex2::ResultTable<IDAClippedMatrix> reporters;        ///< the first reporter results
+  vex2::ResultTable<IDAClippedMatrix> secondReporters;  ///< the second reporter results
+  vex2::ResultTable<IDAMeltingPoints> meltingData;      ///< melting points
 };
