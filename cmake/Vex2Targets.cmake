@@ -12,12 +12,13 @@ function(vex2_add_objects name)
   endif()
 endfunction()
 
-# vex2_add_library(NAME EXPORT_NAME SOURCES... [OBJECTS TARGET...] [DEPENDS BASE]) compiles SOURCES
-# once and makes two libraries of them and of the objects TARGET of vex2_add_objects: NAME (shared,
-# vex2::EXPORT_NAME) and NAME_static (vex2::EXPORT_NAME_static). DEPENDS is the NAME of the library
-# of the layer below.
+# vex2_add_library(NAME EXPORT_NAME SOURCES... [OBJECTS TARGET...] [DEPENDS BASE] [EXPORTS MAP])
+# compiles SOURCES once and makes two libraries of them and of the objects TARGET of
+# vex2_add_objects: NAME (shared, vex2::EXPORT_NAME) and NAME_static (vex2::EXPORT_NAME_static).
+# DEPENDS is the NAME of the library of the layer below. MAP is the version script of the shared
+# library, cmake/exports.map when it is not given.
 function(vex2_add_library name export_name)
-  cmake_parse_arguments(arg "" "DEPENDS" "SOURCES;OBJECTS" ${ARGN})
+  cmake_parse_arguments(arg "" "DEPENDS;EXPORTS" "SOURCES;OBJECTS" ${ARGN})
   if(NOT arg_SOURCES)  # a layer that has only headers so far
     set(arg_SOURCES ${CMAKE_CURRENT_BINARY_DIR}/${name}_empty.cpp)
     file(CONFIGURE OUTPUT ${arg_SOURCES} CONTENT "")
@@ -31,6 +32,9 @@ function(vex2_add_library name export_name)
   add_library(${name} SHARED ${objects})
   add_library(${name}_static STATIC ${objects})
   set(exports ${PROJECT_SOURCE_DIR}/cmake/exports.map)
+  if(arg_EXPORTS)
+    set(exports ${arg_EXPORTS})
+  endif()
   target_link_options(${name} PRIVATE LINKER:--no-undefined LINKER:--version-script=${exports})
   set_target_properties(${name} PROPERTIES
     VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}

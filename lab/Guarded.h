@@ -4,12 +4,14 @@
 #include <exception>
 #include <filesystem>
 #include <new>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <utility>
 
 #include "lab/Error.h"
 #include "vex2/framework/CFileException.h"
+#include "vex2/framework/FileError.h"
 
 namespace vex2::lab {
 
@@ -23,8 +25,10 @@ auto Guarded(const std::string& path, Work&& work) -> decltype(std::forward<Work
     if (!error.File().empty() || path.empty()) throw;
     throw Error(error.Code(), path, error.Message(), error.Offset());
   } catch (const CFileException& failure) {
+    // Where a write failed is a place in a file that is not there any more.
+    const bool hasOffset = failure.GetOperation() == FileOperation::kRead;
     throw SystemError(failure.GetPath().empty() ? path : failure.GetPath(), failure.GetError(),
-                      failure.GetOffset());
+                      hasOffset ? std::optional(failure.GetOffset()) : std::nullopt);
   } catch (const std::filesystem::filesystem_error& failure) {
     throw SystemError(path, failure.code().value());
   } catch (const std::bad_alloc&) {

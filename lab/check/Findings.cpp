@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <numeric>
-#include <string_view>
+#include <tuple>
 
 namespace vex2::lab {
 
@@ -11,31 +11,24 @@ std::string_view NameOf(Severity severity) {
   return kNames[static_cast<std::size_t>(severity)];
 }
 
+// A thousand notes do not leave an error out: it goes before them, and the last note goes.
 void Findings::Add(Finding finding) {
-  const auto severity = static_cast<std::size_t>(finding.severity);
-  ++counts_[severity];
-  if (findings_[severity].size() < kMost) findings_[severity].push_back(std::move(finding));
-}
-
-std::vector<Finding> Findings::Sorted() const {
-  std::vector<Finding> sorted;
-  for (const std::vector<Finding>& findings : findings_) {
-    const std::size_t room = std::min(kMost - sorted.size(), findings.size());
-    const auto begin = sorted.insert(sorted.end(), findings.begin(),
-                                     findings.begin() + static_cast<std::ptrdiff_t>(room));
-    std::stable_sort(begin, sorted.end(),
-                     [](const Finding& a, const Finding& b) { return a.offset < b.offset; });
-  }
-  return sorted;
+  ++counts[static_cast<std::size_t>(finding.severity)];
+  const auto isBefore = [](const Finding& one, const Finding& other) {
+    return std::tie(one.severity, one.offset) < std::tie(other.severity, other.offset);
+  };
+  const auto place = std::upper_bound(list.begin(), list.end(), finding, isBefore);
+  if (place == list.end() && list.size() == kMost) return;
+  list.insert(place, std::move(finding));
+  if (list.size() > kMost) list.pop_back();
 }
 
 std::size_t Findings::Count(Severity severity) const {
-  return counts_[static_cast<std::size_t>(severity)];
+  return counts[static_cast<std::size_t>(severity)];
 }
 
 std::size_t Findings::LeftOut() const {
-  const std::size_t all = std::accumulate(counts_.begin(), counts_.end(), std::size_t{0});
-  return all - std::min(all, kMost);
+  return std::accumulate(counts.begin(), counts.end(), std::size_t{0}) - list.size();
 }
 
 }  // namespace vex2::lab

@@ -1,27 +1,32 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
+
+#include "vex2/framework/Export.h"
 
 namespace vex2::lab {
 
+/// How much a finding matters, the gravest first.
 enum class Severity : std::uint8_t {
   kError,    ///< content is lost to readers, or the next write would do harm
   kWarning,  ///< out of the ordinary, but all of the content is read
   kNote,     ///< as it should be, and good to know
 };
-constexpr std::size_t kSeverities = 3;
+inline constexpr std::size_t kSeverities = 3;
 
 /// "error", "warning", "note".
-std::string_view NameOf(Severity severity);
+VEX2_API std::string_view NameOf(Severity severity);
 
-/// Something about a document that its owner should know.
+/// Something about a document that its owner should know. Texts are UTF-8.
 struct Finding {
   Severity severity = Severity::kError;
   std::string record;  ///< tags from the outermost in, "GLBL/VERS"; "header"; "" for no record
-  std::uint64_t offset = 0;  ///< where it is, from the file's begin
+  std::uint64_t offset = 0;  ///< bytes from the start of the file
   std::string problem;
   std::string consequence;
   std::string remedy;  ///< empty where there is nothing to do
@@ -29,23 +34,19 @@ struct Finding {
 
 /// What was found in one document. Keeps no more than a person can go through: a file that is all
 /// damage would otherwise need more memory for its findings than for itself.
-class Findings {
- public:
+struct Findings {
   static constexpr std::size_t kMost = 1000;
 
-  void Add(Finding finding);
-  /// Those that were kept: errors first, then warnings, then notes, each by their place in the
-  /// file.
-  std::vector<Finding> Sorted() const;
-  /// How many there were of a kind, kept or not.
-  std::size_t Count(Severity severity) const;
-  /// How many are not among those that were kept.
-  std::size_t LeftOut() const;
+  /// The first `kMost`: errors, then warnings, then notes, each by offset.
+  std::vector<Finding> list;
+  /// How many there were of each severity, in the list or not.
+  std::array<std::size_t, kSeverities> counts{};
 
- private:
-  // Apart, so that a thousand notes do not leave an error out.
-  std::array<std::vector<Finding>, kSeverities> findings_;
-  std::array<std::size_t, kSeverities> counts_{};
+  VEX2_API void Add(Finding finding);
+  /// How many there were of a severity, in the list or not.
+  VEX2_API std::size_t Count(Severity severity) const;
+  /// How many are not in the list.
+  VEX2_API std::size_t LeftOut() const;
 };
 
 }  // namespace vex2::lab

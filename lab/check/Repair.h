@@ -1,9 +1,13 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
+
+#include "vex2/framework/Export.h"
 
 namespace vex2::lab {
 
@@ -11,7 +15,7 @@ namespace vex2::lab {
 /// and positions are, and the bytes behind what counts.
 struct RepairPlan {
   struct Patch {
-    std::uint64_t offset = 0;  ///< of a 32-bit word
+    std::uint64_t offset = 0;  ///< of a 32-bit word, in bytes from the start of the file
     std::uint32_t before = 0;
     std::uint32_t after = 0;
     std::string what;  ///< for people
@@ -28,17 +32,26 @@ struct RepairPlan {
   friend bool operator==(const RepairPlan&, const RepairPlan&) = default;
 };
 
-/// What there is to repair of the document at `path`. Throws an error when it cannot be read or is
-/// none.
-RepairPlan PlanRepair(const std::string& path);
+/// How a document is repaired.
+struct RepairOptions {
+  bool dryRun = false;  ///< only say what would be repaired
+  /// Called with the plan before anything is changed; false leaves the document as it is.
+  std::function<bool(const RepairPlan& plan)> confirm = {};
+};
 
-/// Copies the document at `path` to a file of its own beside it, durably: "PATH.backup", or with a
-/// number behind it where there is one already. Returns its path. Throws an error, and then there
-/// is no such file.
-std::string BackUp(const std::string& path);
+/// What a repair found, and what it did.
+struct RepairReport {
+  RepairPlan plan;               ///< empty where nothing can be repaired
+  bool isRepaired = false;       ///< the plan was carried out
+  std::filesystem::path backup;  ///< the document as it was; empty unless `isRepaired`
+};
 
-/// Puts what `plan` makes of `backup` in the place of the document at `path`. Throws an error, and
-/// then the document is as it was; it is the old or the new one at every moment.
-void ApplyRepair(const RepairPlan& plan, const std::string& backup, const std::string& path);
+/// Repairs the document at `path`, after a copy was put beside it: "PATH.backup", or with a number
+/// behind that where there is one. What is wrong and cannot be repaired stays; `Check` finds it.
+///
+/// Throws `Error` when the document cannot be read or is none, when it is being recorded or
+/// changed, when another program changes it meanwhile, or when the system refuses. The document is
+/// then as it was; it is the old or the new one at every moment.
+VEX2_API RepairReport Repair(const std::filesystem::path& path, const RepairOptions& options = {});
 
 }  // namespace vex2::lab

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "lab/Error.h"
-#include "lab/check/Repair.h"
+#include "lab/check/RepairSteps.h"
 #include "lab/model/FileContent.h"
 #include "lab/model/FileLayout.h"
 #include "lab/model/RawFile.h"
@@ -25,7 +25,7 @@ void requireUnchanged(const std::string& path, const std::string& backup) {
   const auto now = ContentOf(path);
   if (now && (now->size == 0 || now == ContentOf(backup))) return;
   throw Error(ErrorCode::kDocument, path,
-              "another program has changed it meanwhile, and it was left alone; run the command "
+              "another program has changed it meanwhile, and it was left alone; try "
               "again");
 }
 

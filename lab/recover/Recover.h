@@ -1,21 +1,34 @@
 #pragma once
 
+#include <cstdint>
+#include <filesystem>
 #include <functional>
+#include <string>
 
 #include "lab/recover/RecoverReport.h"
-#include "vex2/framework/CFile.h"
+#include "vex2/framework/Export.h"
 
 namespace vex2::lab {
 
-/// Is told how many bytes of the damaged file are done.
-using RecoverProgress = std::function<void(std::uint64_t done)>;
+/// How a damaged document is recovered.
+struct RecoverOptions {
+  bool replace = false;  ///< replace a file at the target
+  /// Follows "already exists; " in the error: what the caller can do.
+  std::string existsHint = "set replace to overwrite it";
+  /// Called often with the bytes of the damaged file that are done, and all of them. False cancels
+  /// the work: `Recover` throws an error of class `kInterrupted`, and nothing was saved.
+  std::function<bool(std::uint64_t done, std::uint64_t size)> progress = {};
+};
 
-/// Puts together in the empty file `out`, open for writing, what is whole in the damaged document
-/// `in`, open for reading. What can be followed from record to record is copied byte for byte;
-/// after what cannot, records are found again by their tags, and frames by the structure of their
-/// block. Lists are given the counts and lengths of what is left in them, and what is left of a
-/// list, plate or header that is gone is put in a new one. Takes time in proportion to the file and
-/// little memory. Throws what the files throw.
-RecoverReport Recover(CFile& in, CFile& out, const RecoverProgress& progress = {});
+/// Puts together at `target` what is whole in the document at `damaged`, which is never written to.
+/// The report says what was lost and what was put right. Takes time in proportion to the file and
+/// little memory.
+///
+/// Throws `Error`, and leaves what is at `target` as it was, when `target` exists and is not to be
+/// replaced, when it is the damaged file itself, has other names (hard links), or is being recorded
+/// or changed, when nothing of a document was found, or when the system refuses.
+VEX2_API RecoverReport Recover(const std::filesystem::path& damaged,
+                               const std::filesystem::path& target,
+                               const RecoverOptions& options = {});
 
 }  // namespace vex2::lab

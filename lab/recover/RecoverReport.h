@@ -2,19 +2,18 @@
 
 #include <cstdint>
 #include <string>
-#include <string_view>
+#include <utility>
 #include <vector>
+
+#include "vex2/framework/Language.h"
 
 namespace vex2::lab {
 
-/// A tag for people.
-std::string InQuotes(std::string_view tag);
-
 /// A place in the damaged file.
 struct RecoverNote {
-  std::uint64_t offset = 0;
-  std::uint64_t bytes = 0;
-  std::string what;
+  std::uint64_t offset = 0;  ///< bytes from its start
+  std::uint64_t bytes = 0;   ///< that were lost
+  std::string what;          ///< for people
 };
 
 /// What a recovery found of a damaged file, and what it did not.

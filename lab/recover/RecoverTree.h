@@ -11,6 +11,9 @@
 
 namespace vex2::lab {
 
+/// A tag for people.
+std::string InQuotes(std::string_view tag);
+
 /// The document that is being put together: bytes copied from the damaged file and made ones, in
 /// lists that are given the counts and lengths of what they came to hold.
 class RecoverTree {

@@ -32,10 +32,6 @@ bool isPrintableAt(RecoverSource& source, std::uint64_t offset) {
 
 }  // namespace
 
-RecoverReport Recover(CFile& in, CFile& out, const RecoverProgress& progress) {
-  return Recovery(in, out, progress).Run();
-}
-
 RecoverReport Recovery::Run() {
   report_.size = source_.Size();
   const auto header = source_.View(0, HeaderLayout::kSize);

@@ -1,23 +1,34 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "lab/recover/Recover.h"
 #include "lab/recover/RecoverBlock.h"
 #include "lab/recover/RecoverHeader.h"
+#include "lab/recover/RecoverReport.h"
 #include "lab/recover/RecoverTree.h"
 
 namespace vex2::lab {
 
+/// Is told how many bytes of the damaged file are done.
+using RecoverProgress = std::function<void(std::uint64_t done)>;
+
 /// One recovery. It goes through the damaged file from front to back, once, but for looking ahead.
 class Recovery {
  public:
+  /// Of the damaged document `in`, open for reading, to the empty file `out`, open for writing. All
+  /// three must outlive the recovery.
   Recovery(CFile& in, CFile& out, const RecoverProgress& progress)
       : source_(in), tree_(source_, out, report_), progress_(progress) {}
 
+  /// Puts together what is whole. What can be followed from record to record is copied byte for
+  /// byte; after what cannot, records are found again by their tags, and frames by the structure of
+  /// their block. Lists are given the counts and lengths of what is left in them, and what is left
+  /// of a list, plate or header that is gone is put in a new one. Takes time in proportion to the
+  /// file and little memory. Throws what the files throw.
   RecoverReport Run();
 
  private:

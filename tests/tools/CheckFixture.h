@@ -2,7 +2,7 @@
 
 #include <functional>
 
-#include "lab/check/DocumentCheck.h"
+#include "lab/check/Check.h"
 #include "tests/support/RunDocument.h"
 #include "tests/tools/DocumentFixture.h"
 
@@ -46,7 +46,7 @@ class DamageTest : public DocumentTest {
   }
 
   std::vector<lab::Finding> Found(lab::Severity severity) const {
-    std::vector<lab::Finding> found = lab::CheckDocument(path_).Sorted();
+    std::vector<lab::Finding> found = lab::Check(path_).list;
     std::erase_if(found, [=](const auto& finding) { return finding.severity != severity; });
     return found;
   }

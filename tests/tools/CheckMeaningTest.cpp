@@ -134,7 +134,7 @@ TEST_F(CheckMeaning, ErrorsComeBeforeWarningsAndNotes) {
   Simulate();
   SetStatus("none");
   ChangeReadings([](std::uint8_t* readings) { readings[17] ^= 1U; });
-  const auto findings = lab::CheckDocument(path_).Sorted();
+  const auto findings = lab::Check(path_).list;
   ASSERT_GE(findings.size(), 2U);
   EXPECT_EQ(findings[0].severity, lab::Severity::kError);
   EXPECT_EQ(findings[1].severity, lab::Severity::kWarning);
@@ -147,8 +147,8 @@ TEST(Findings, ErrorIsKeptBehindMoreWarningsThanAreKept) {
     findings.Add({lab::Severity::kWarning, "", i, "odd", "", ""});
   }
   findings.Add({lab::Severity::kError, "", 5000, "wrong", "", ""});
-  EXPECT_EQ(findings.Sorted().size(), lab::Findings::kMost);
-  EXPECT_EQ(findings.Sorted().front().problem, "wrong");
+  EXPECT_EQ(findings.list.size(), lab::Findings::kMost);
+  EXPECT_EQ(findings.list.front().problem, "wrong");
   EXPECT_EQ(findings.LeftOut(), 1U);
 }
 

@@ -31,7 +31,7 @@ TEST_F(Copy, OfARunInProgressIsAllowedElsewhereAndSaysSo) {
 TEST_F(Copy, NeitherOntoItselfNorOntoAnotherRunInProgress) {
   MakeRun("PROG");
   const Bytes before = ReadBytes(path_);
-  ExpectRefused({"copy", path_, path_, "--force"}, 2, "is read by this command");
+  ExpectRefused({"copy", path_, path_, "--force"}, 2, "is also an input");
   std::filesystem::create_symlink(path_, copy_);
   EXPECT_EQ(RunVex({"copy", path_, copy_, "--force"}).exitCode, 2);
   Vex2FileManager other;
@@ -76,7 +76,7 @@ TEST_F(Copy, SaysWhatItLeavesOut) {
                 "vex: " +
                 path_ + ": at byte 1047: left out: 3 bytes at the end that are no record\n");
   EXPECT_EQ(ReadBytes(copy_).size(), 1024U + 12U);
-  ExpectRefused({"copy", path_, path_, "--force", "--drop-unknown"}, 2, "is read by this command");
+  ExpectRefused({"copy", path_, path_, "--force", "--drop-unknown"}, 2, "is also an input");
 }
 
 TEST_F(Copy, BlocksOfTheOldVersionNeedToBeUpgraded) {

@@ -92,7 +92,7 @@ TEST_F(Export, GoesToAFileToo) {
 TEST_F(Export, NeverToItsOwnDocument) {
   MakeRecordedRun();
   const Bytes before = ReadBytes(path_);
-  ExpectRefused({"export", path_, "-o", path_}, 2, "is read by this command");
+  ExpectRefused({"export", path_, "-o", path_}, 2, "is also an input");
   EXPECT_EQ(FirstDifference(ReadBytes(path_), before), "");
 }
 

@@ -93,7 +93,7 @@ TEST_F(Outputs, InputIsNeverReplacedWhateverItIsCalled) {
   for (const char* name : {"run.csv", "hard.csv", "soft.csv", "sub/../run.csv", "./run.csv"}) {
     OutputFiles files(true);
     files.Read(table_).Write(folder_ / name, OutputFiles::Kind::kTable);
-    EXPECT_THAT(refusal(files), testing::HasSubstr("is read by this command")) << name;
+    EXPECT_THAT(refusal(files), testing::HasSubstr("is also an input")) << name;
   }
 }
 
@@ -103,7 +103,7 @@ TEST_F(Outputs, TwoOutputsAreNeverOneFile) {
     OutputFiles files(true);
     files.Write(folder_ / "new.csv", OutputFiles::Kind::kTable);
     files.Write(folder_ / name, OutputFiles::Kind::kTable);
-    EXPECT_THAT(refusal(files), testing::HasSubstr("is an output of this command twice")) << name;
+    EXPECT_THAT(refusal(files), testing::HasSubstr("is an output twice")) << name;
   }
 }
 

@@ -2,7 +2,7 @@
 
 #include <csignal>
 
-#include "lab/check/DocumentCheck.h"
+#include "lab/check/Check.h"
 #include "tests/support/RunDocument.h"
 #include "tests/tools/RecordFixture.h"
 
@@ -31,7 +31,7 @@ TEST_F(RepairResume, ARunGoesOnThatWasTornAndWhosePositionWasLost) {
 
   const CommandResult repaired = RunVex({"repair", Run()});
   EXPECT_EQ(repaired.exitCode, 0) << repaired.errors;
-  const lab::Findings findings = lab::CheckDocument(Run());
+  const lab::Findings findings = lab::Check(Run());
   EXPECT_EQ(findings.Count(lab::Severity::kError), 0U);
   EXPECT_EQ(findings.Count(lab::Severity::kWarning), 0U);
   EXPECT_EQ(RecordedFrames(Run()), frames);
@@ -60,7 +60,7 @@ TEST_F(RepairResume, ARunWhoseFirstCommitWasCutOffBeforeTheTagGoesOnWithAndWitho
     for (const bool repaired : {false, true}) {
       SCOPED_TRACE(rest);
       WriteBytes(Run(), Slice(begun, 0, block + rest));
-      const lab::Findings findings = lab::CheckDocument(Run());
+      const lab::Findings findings = lab::Check(Run());
       EXPECT_EQ(findings.Count(lab::Severity::kError), 0U);
       EXPECT_EQ(findings.Count(lab::Severity::kWarning), 1U);
       if (repaired) {

@@ -6,7 +6,7 @@
 #include <csignal>
 #include <filesystem>
 
-#include "lab/check/Repair.h"
+#include "lab/check/RepairSteps.h"
 #include "lab/model/DocumentLock.h"
 #include "tests/tools/CheckFixture.h"
 

@@ -100,8 +100,7 @@ TEST_F(StudyPlates, StatusIsThatOfEachOrOfOne) {
 TEST_F(StudyPlates, ACopyOfOneIsADocumentOfItsOwn) {
   Output({"copy", study_, path_, "--plate", "plate2"});
   EXPECT_EQ(content(TreeOutput({path_})), content(TreeOutput({plate2_})));
-  expectStudyRefuses({"copy", study_, study_, "--plate", "plate2"}, study_, 2,
-                     "is read by this command");
+  expectStudyRefuses({"copy", study_, study_, "--plate", "plate2"}, study_, 2, "is also an input");
 }
 
 TEST_F(StudyPlates, DetectorsOfTheStudyItselfStandBeforeThoseOfItsPlates) {

@@ -150,8 +150,7 @@ TEST_F(Study, AnExtractedPlateIsADocumentWithItsRawDataLast) {
   EXPECT_EQ(content(after), content(before));
   EXPECT_EQ(after.back()["tag"], "RAWa");
   EXPECT_EQ(Output({"export", out, "--raw"}), Output({"export", plate2_, "--raw"}));
-  expectStudyRefuses({"study", "extract", study_, "plate1", study_}, study_, 2,
-                     "is read by this command");
+  expectStudyRefuses({"study", "extract", study_, "plate1", study_}, study_, 2, "is also an input");
 }
 
 TEST_F(Study, RebuiltFromWhatWasExtractedItsPlatesAreTheSame) {

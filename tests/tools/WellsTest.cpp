@@ -325,7 +325,7 @@ TEST_F(CalibrationTest, TableThatIsWrongNamesItsRow) {
     EXPECT_EQ(result.exitCode, 1) << row;
     EXPECT_THAT(result.errors, HasSubstr(why));
   }
-  ExpectRefused({"calibration", path_, "--export", path_}, 2, "is read by this command");
+  ExpectRefused({"calibration", path_, "--export", path_}, 2, "is also an input");
 }
 
 TEST_F(CalibrationTest, IsShownWithSmallSpectra) {

@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <iostream>
 
-#include "lab/check/DocumentCheck.h"
+#include "lab/check/Check.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/text/Json.h"
@@ -42,7 +42,7 @@ class Report {
 
   void Print() const {
     std::cout << Printable(file_) << ": " << summary() << '\n';
-    for (const Finding& finding : findings_.Sorted()) {
+    for (const Finding& finding : findings_.list) {
       if (finding.severity == Severity::kNote && !withNotes_) continue;
       print(finding);
     }
@@ -89,7 +89,7 @@ class Report {
 
 ordered_json jsonOf(const std::string& file, const Findings& findings) {
   ordered_json list = ordered_json::array();
-  for (const Finding& finding : findings.Sorted()) {
+  for (const Finding& finding : findings.list) {
     list.push_back({{"severity", NameOf(finding.severity)},
                     {"record", finding.record},
                     {"offset", finding.offset},
@@ -141,7 +141,7 @@ class CheckCommand final : public Command {
 
  private:
   ExitCode check(const std::string& file) const {
-    const Findings findings = CheckDocument(file);
+    const Findings findings = Check(file);
     if (json_) {
       PrintJson(std::cout, jsonOf(file, findings));
     } else {

@@ -1,12 +1,10 @@
 #include <chrono>
 #include <iostream>
 
-#include "lab/model/RawFile.h"
 #include "lab/recover/Recover.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/files/Interrupts.h"
-#include "tools/vex/files/OutputFiles.h"
 #include "tools/vex/show/RecoverOutput.h"
 #include "tools/vex/text/ProgressLine.h"
 
@@ -38,20 +36,9 @@ class RecoverCommand final : public Command {
   }
 
   ExitCode Run() override {
-    CFile in;
-    OpenToRead(in, source_);
-    OutputFiles files(force_);
-    files.Read(source_).Write(target_, OutputFiles::Kind::kDocument).Claim();
+    // Who ends the command gets the new document or none, and no temporary file.
     Interrupts interrupts;
-    NewFile out(target_);
-    const RecoverReport report = salvage(in, out, interrupts);
-    if (!report.IsAnything()) {
-      throw Error(ErrorCode::kUsage, source_,
-                  "there is nothing to recover: no record and no frame of a plate document was "
-                  "found in its " +
-                      std::to_string(report.size) + " bytes");
-    }
-    out.PutInPlace();
+    const RecoverReport report = recover(interrupts);
     if (json_) {
       PrintRecoverJson(std::cout, report, source_, target_);
     } else {
@@ -61,18 +48,21 @@ class RecoverCommand final : public Command {
   }
 
  private:
-  RecoverReport salvage(CFile& in, CFile& out, Interrupts& interrupts) const {
+  RecoverReport recover(Interrupts& interrupts) const {
     constexpr std::chrono::milliseconds kPatience{500};
     constexpr std::uint64_t kStep = 1U << 20U;
     ProgressLine line(kPatience, ProgressLine::AtEnd::kErase);
     std::uint64_t next = kStep;
-    return Recover(in, out, [&](std::uint64_t done) {
-      if (interrupts.Pending())
-        throw Error(ErrorCode::kInterrupted, source_, "interrupted; nothing was saved");
-      if (done < next) return;
-      next = done + kStep;
-      line.Show("recovering: " + std::to_string(done * 100 / in.GetLength()) + " %");
-    });
+    return Recover(source_, target_,
+                   {.replace = force_,
+                    .existsHint = "use --force to overwrite it",
+                    .progress = [&](std::uint64_t done, std::uint64_t size) {
+                      if (interrupts.Pending()) return false;
+                      if (done < next) return true;
+                      next = done + kStep;
+                      line.Show("recovering: " + std::to_string(done * 100 / size) + " %");
+                      return true;
+                    }});
   }
 
   std::string source_;

@@ -1,8 +1,8 @@
 #include <iostream>
+#include <optional>
 
-#include "lab/check/DocumentCheck.h"
+#include "lab/check/Check.h"
 #include "lab/check/Repair.h"
-#include "lab/model/DocumentLock.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/files/Interrupts.h"
@@ -33,35 +33,24 @@ class RepairCommand final : public Command {
   }
 
   ExitCode Run() override {
-    if (dryRun_) {
-      const RepairPlan plan = PlanRepair(file_);
-      if (plan.IsEmpty()) return tellThatNothingIsRepaired();
-      std::cout << Printable(file_) << ": this would be repaired\n";
-      print(plan);
-      return ExitCode::kDone;
-    }
-    const DocumentLock lock(file_, DocumentLock::Holder::kCommand);
-    const std::string document = lock.Document().string();
-    const RepairPlan plan = PlanRepair(file_);
-    if (plan.IsEmpty()) return tellThatNothingIsRepaired();
-    // Who ends the command here gets the repaired document or the old one, and no temporary file.
-    const Interrupts interrupts;
-    repair(plan, document);
-    return tellWhatIsLeft();
+    // Who ends the command from here on gets the repaired document or the old one, and no temporary
+    // file.
+    std::optional<Interrupts> interrupts;
+    const RepairReport report =
+        Repair(file_, {.dryRun = dryRun_, .confirm = [&](const RepairPlan& /*plan*/) {
+                         interrupts.emplace();
+                         return true;
+                       }});
+    if (report.plan.IsEmpty()) return tellThatNothingIsRepaired();
+    std::cout << Printable(file_)
+              << (dryRun_ ? ": this would be repaired"
+                          : ": repaired; as it was, it is " + Printable(report.backup.string()))
+              << '\n';
+    print(report.plan);
+    return dryRun_ ? ExitCode::kDone : tellWhatIsLeft();
   }
 
  private:
-  void repair(const RepairPlan& plan, const std::string& document) const {
-    const std::string backup = BackUp(document);
-    if (PlanRepair(backup) != plan) {
-      throw Error(ErrorCode::kSystem, file_,
-                  "another program changed it meanwhile; it is left alone, try again");
-    }
-    ApplyRepair(plan, backup, document);
-    std::cout << Printable(file_) << ": repaired; as it was, it is " << Printable(backup) << '\n';
-    print(plan);
-  }
-
   static void print(const RepairPlan& plan) {
     for (const RepairPlan::Patch& patch : plan.patches) {
       std::cout << "  byte " << patch.offset << ": " << patch.before << " -> " << patch.after
@@ -81,11 +70,10 @@ class RepairCommand final : public Command {
 
   ExitCode tellWhatIsLeft() const {
     constexpr std::size_t kMostLines = 8;
-    const Findings findings = CheckDocument(file_);
-    const std::size_t errors = findings.Count(Severity::kError);
-    if (errors == 0) return ExitCode::kDone;
+    const Findings findings = Check(file_);
+    if (findings.Count(Severity::kError) == 0) return ExitCode::kDone;
     std::size_t told = 0;
-    for (const Finding& finding : findings.Sorted()) {
+    for (const Finding& finding : findings.list) {
       if (finding.severity != Severity::kError || told++ >= kMostLines) continue;
       PrintError(
           Error(ErrorCode::kDocument, file_, "not repaired: " + finding.problem, finding.offset));

@@ -67,10 +67,9 @@ class NewAction final : public StudyChange {
                      "vex study new study.vex plate1.vex plate2.vex"}) {}
 
   ExitCode Run() override {
-    OutputFiles files(force_);
+    OutputFiles files(force_, "use 'vex study add' to add plates to it or --force to overwrite it");
     for (const std::string& plate : plates_) files.Read(plate);
-    files.Write(study_, OutputFiles::Kind::kDocument);
-    files.Advise("use 'vex study add' to add plates to it or --force to overwrite it").Claim();
+    files.Write(study_, OutputFiles::Kind::kDocument).Claim();
     DocumentFile study;
     const std::string report = addPlates(study);
     std::cout << changing_.Finish(study, study_, report);

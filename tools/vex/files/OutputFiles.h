@@ -1,69 +1,29 @@
 #pragma once
 
-#include <sys/types.h>
-
-#include <memory>
-#include <optional>
 #include <string>
 #include <utility>
-#include <vector>
 
-#include "lab/model/DocumentLock.h"
-#include "tools/vex/Lab.h"
+#include "lab/model/OutputFiles.h"
+#include "tools/vex/files/Output.h"
 
 namespace vex2::tool {
 
-/// The files that one command reads and writes, and the rule for what it may replace:
-///
-/// - an existing file only when that was asked for;
-/// - never one that the command reads, or another one that it writes, whatever the names;
-/// - never a plate document by something else, nor one that is being recorded;
-/// - never a file with several names (hard links), which cannot be exchanged in one step.
-///
-/// Paths that are empty or "-" stand for standard input and output. Pipes and devices are written
-/// to as they are and pass.
-class OutputFiles {
+/// The files that one command reads and writes. Paths that are empty or "-" stand for standard
+/// input and output.
+class OutputFiles : public lab::OutputFiles {
  public:
-  enum class Kind {
-    kDocument,   ///< a plate document
-    kTable,      ///< anything else
-    kRecording,  ///< a document whose recorder checks and locks it itself
-  };
+  /// `force` is whether existing files may be replaced, `remedy` what is said when not.
+  explicit OutputFiles(bool force, std::string remedy = "use --force to overwrite it")
+      : lab::OutputFiles(force, std::move(remedy)) {}
 
-  /// `mayReplace` is whether existing files may be replaced.
-  explicit OutputFiles(bool mayReplace) : mayReplace_(mayReplace) {}
-
-  OutputFiles& Read(const std::string& path);
-  OutputFiles& Write(const std::string& path, Kind kind);
-  /// What to do when the output exists, for the message; "use --force to overwrite it" otherwise.
-  OutputFiles& Advise(std::string remedy);
-  /// Whether an output that was added holds this very content already. Such a one passes: it need
-  /// not be written.
-  bool IsThere(const std::string& path, const std::string& content);
-
-  /// Applies the rule to all files, and locks the outputs until the end of this object. Throws an
-  /// error that names the file; nothing has been opened for writing then.
-  void Claim();
-
- private:
-  using Identity = std::pair<dev_t, ino_t>;
-  struct File {
-    std::string path;
-    std::filesystem::path resolved;    ///< of outputs
-    std::optional<Identity> identity;  ///< nothing when it does not exist, or is no regular file
-    Kind kind = Kind::kTable;
-    bool isSame = false;  ///< it exists with the content that it is to have
-  };
-
-  static bool isSameFile(const File& one, const File& other);
-  void checkDistinct() const;
-  void checkExisting(const File& output) const;
-
-  bool mayReplace_;
-  std::string remedy_ = "use --force to overwrite it";
-  std::vector<File> inputs_;
-  std::vector<File> outputs_;
-  std::vector<std::unique_ptr<DocumentLock>> locks_;
+  OutputFiles& Read(const std::string& path) {
+    lab::OutputFiles::Read(path.empty() || path == "-" ? "/dev/stdin" : path);
+    return *this;
+  }
+  OutputFiles& Write(const std::string& path, Kind kind) {
+    if (!IsStandardStream(path)) lab::OutputFiles::Write(path, kind);
+    return *this;
+  }
 };
 
 }  // namespace vex2::tool

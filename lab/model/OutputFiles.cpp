@@ -1,4 +1,4 @@
-#include "tools/vex/files/OutputFiles.h"
+#include "lab/model/OutputFiles.h"
 
 #include <sys/stat.h>
 
@@ -8,22 +8,17 @@
 #include <iterator>
 #include <utility>
 
+#include "lab/Error.h"
 #include "lab/model/Document.h"
-#include "tools/vex/Errors.h"
-#include "tools/vex/files/Output.h"
 #include "vex2/format/HeaderLayout.h"
 
-namespace vex2::tool {
+namespace vex2::lab {
 
 namespace {
 
 namespace fs = std::filesystem;
 
 constexpr std::string_view kDocumentName = ".vex";
-
-bool isStandard(const std::string& path) {
-  return path.empty() || path == "-";
-}
 
 // A document whose begin is damaged is one by its name: it may be all that is left of a run.
 bool isPlateDocument(const std::string& path) {
@@ -44,25 +39,19 @@ bool holds(const std::string& path, const std::string& content) {
 OutputFiles& OutputFiles::Read(const std::string& path) {
   File file{.path = path, .resolved = {}, .identity = {}};
   struct stat info {};
-  const bool isThere = isStandard(path) ? ::fstat(0, &info) == 0 : ::stat(path.c_str(), &info) == 0;
-  if (isThere && S_ISREG(info.st_mode)) file.identity = {info.st_dev, info.st_ino};
+  if (::stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode))
+    file.identity = {info.st_dev, info.st_ino};
   inputs_.push_back(std::move(file));
   return *this;
 }
 
 OutputFiles& OutputFiles::Write(const std::string& path, Kind kind) {
-  if (IsStandardStream(path)) return *this;
   struct stat info {};
   const bool isThere = ::stat(path.c_str(), &info) == 0;
   if (isThere && !S_ISREG(info.st_mode) && !S_ISDIR(info.st_mode)) return *this;
   File file{.path = path, .resolved = ResolveDocument(path), .identity = {}, .kind = kind};
   if (isThere) file.identity = {info.st_dev, info.st_ino};
   outputs_.push_back(std::move(file));
-  return *this;
-}
-
-OutputFiles& OutputFiles::Advise(std::string remedy) {
-  remedy_ = std::move(remedy);
   return *this;
 }
 
@@ -94,12 +83,12 @@ void OutputFiles::checkDistinct() const {
     for (const File& input : inputs_) {
       if (!isSameFile(*output, input)) continue;
       throw Error(ErrorCode::kUsage, output->path,
-                  "is read by this command, so it is never written to; give another name");
+                  "is also an input, so it is never written to; give another name");
     }
     for (auto other = outputs_.begin(); other != output; ++other) {
       if (!isSameFile(*output, *other)) continue;
       throw Error(ErrorCode::kUsage, output->path,
-                  "is an output of this command twice; give each a name of its own");
+                  "is an output twice; give each a name of its own");
     }
   }
 }
@@ -120,4 +109,4 @@ void OutputFiles::checkExisting(const File& output) const {
   if (output.kind == Kind::kDocument) RequireNoRunAt(output.path);
 }
 
-}  // namespace vex2::tool
+}  // namespace vex2::lab

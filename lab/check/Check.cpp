@@ -1,9 +1,10 @@
-#include "lab/check/DocumentCheck.h"
+#include "lab/check/Check.h"
 
 #include <algorithm>
 #include <array>
 
 #include "lab/Error.h"
+#include "lab/Guarded.h"
 #include "lab/Text.h"
 #include "lab/check/HeaderCheck.h"
 #include "lab/check/MeaningCheck.h"
@@ -86,9 +87,7 @@ void checkStudy(const Document& document, Findings& findings) {
   }
 }
 
-}  // namespace
-
-Findings CheckDocument(const std::string& path) {
+Findings checkDocument(const std::string& path) {
   Findings findings;
   if (const auto why = whyNoDocument(path)) {
     findings.Add({Severity::kError, "header", 0, *why,
@@ -111,6 +110,12 @@ Findings CheckDocument(const std::string& path) {
   checkStudy(document, findings);
   CheckMeaning(document, header, findings);
   return findings;
+}
+
+}  // namespace
+
+Findings Check(const std::filesystem::path& path) {
+  return Guarded(path.string(), [&] { return checkDocument(path.string()); });
 }
 
 }  // namespace vex2::lab

@@ -1,0 +1,175 @@
+#include <algorithm>
+#include <array>
+#include <limits>
+
+#include "lab/Text.h"
+#include "lab/check/RecordCheck.h"
+#include "lab/check/RepairSteps.h"
+#include "lab/check/TailCheck.h"
+#include "lab/model/Document.h"
+#include "lab/model/FileLayout.h"
+#include "lab/model/HeaderFields.h"
+#include "vex2/format/RecordKinds.h"
+
+namespace vex2::lab {
+
+namespace {
+
+constexpr std::uint64_t kLengthAt = 4;
+
+class Planner {
+ public:
+  explicit Planner(const std::string& path) : document_(path) {
+    file_.OpenDocument(path);
+    header_ = ReadHeaderFields(file_, 0);
+    plan_.size = document_.Size();
+  }
+
+  RepairPlan Plan() {
+    Findings unused;
+    RecordCheck records(document_, header_, unused);
+    const WalkEnd end = WalkRecords(file_, records);
+    repairEnd();
+    const bool isWalked =
+        !end.fault || end.fault->offset >= document_.StrayOffset() || plan_.newSize;
+    if (isWalked && !records.HasGaps()) repairLengths(records.WrongLengths());
+    repairProgram(records.Positioned());
+    repairRawData();
+    return std::move(plan_);
+  }
+
+ private:
+  void patch(std::uint64_t offset, std::uint64_t before, std::uint64_t after, std::string what) {
+    if (before == after || after > std::numeric_limits<std::uint32_t>::max()) return;
+    plan_.patches.push_back({offset, static_cast<std::uint32_t>(before),
+                             static_cast<std::uint32_t>(after), std::move(what)});
+  }
+
+  void cutAt(std::uint64_t offset, std::string what) {
+    if (offset >= plan_.size) return;
+    plan_.newSize = offset;
+    plan_.cut = Counted(plan_.size - offset, "byte") + " " + std::move(what);
+  }
+
+  void repairEnd() {
+    const auto& records = document_.Records();
+    const bool endsInBlock = !records.empty() && records.back().tag == TagOf(Kind::kRawData);
+    if (document_.Fault() && !(endsInBlock && document_.Fault()->offset == records.back().offset)) {
+      return;
+    }
+    if (const auto block = FindLastBlock(file_, document_)) return repairBlock(*block);
+    const std::uint64_t from =
+        document_.Fault() ? document_.Fault()->offset : document_.StrayOffset();
+    const bool isFirstCommit =
+        document_.Fault() ? isFirstCommitOpen() : IsFirstCommit(file_, document_, header_);
+    if (isFirstCommit) return cutAt(from, "of a first commit that was interrupted");
+    if (document_.Fault() || plan_.size - from >= kRecordHeadSize) return;
+    cutAt(from, "behind the last record, too few for another");
+  }
+
+  bool isFirstCommitOpen() const { return header_.IsUnfinished() && header_.rawDataPosition == 0; }
+
+  void repairBlock(const LastBlock& block) {
+    const StoredBlock& head = block.head;
+    if (head.version < 2 || head.timeBlockSize != kTimeBlockSize) return;
+    const FrameFit fit = FitFrames(block.record, head, plan_.size);
+    const FrameRange range = block.Range(plan_.size);
+    std::uint64_t frames = FindCommittedFrames(range).count;
+    // Beyond what was counted, a frame is one only when the instrument filled it.
+    while (frames < fit.there && isFilled(head, frames)) ++frames;
+    if (frames == 0 && isFirstCommitOpen()) {
+      return cutAt(block.record.offset, "of a first commit that was interrupted");
+    }
+    const std::uint64_t end = head.firstFrame + frames * head.frameSize;
+    // A commit leaves no more than a frame. What else stands there is not to be cut off unseen.
+    if (UncommittedBehind(range, end) == Uncommitted::kMore) return;
+    patch(block.record.offset + kLengthAt, block.record.length,
+          end - block.record.offset - kRecordHeadSize,
+          "the length of RAWa, for " + Counted(frames, "whole frame"));
+    const bool wasCounted = fit.counted > frames;
+    cutAt(end, wasCounted ? "of a frame of which the rest is gone"
+                          : "of a frame that was not committed");
+  }
+
+  bool isFilled(const StoredBlock& head, std::uint64_t frame) {
+    const std::uint64_t begin = head.firstFrame + frame * head.frameSize;
+    for (std::uint64_t well = 0; well < head.wells.size(); ++well) {
+      file_.Seek(static_cast<std::int64_t>(begin + well * kStoredRecordSize), CFile::begin);
+      if (ReadShort(file_).value_or(0) == 0) return false;
+    }
+    return true;
+  }
+
+  void repairLengths(const std::vector<WrongLength>& lengths) {
+    for (const WrongLength& wrong : lengths) {
+      patch(wrong.offset + kLengthAt, wrong.declared, wrong.held,
+            "the length of " + wrong.name + ", for what it holds");
+    }
+  }
+
+  void repairProgram(const std::vector<PositionedRecord>& records) {
+    const std::uint32_t position = header_.programPosition;
+    const PositionedRecord* first = nullptr;
+    for (const PositionedRecord& record : records) {
+      if (record.tag != TagOf(Kind::kProgram)) continue;
+      if (first == nullptr) first = &record;
+      if (record.offset == position || record.end == position) return;
+    }
+    if (first == nullptr || position == 0) return;
+    patch(HeaderLayout::kProgramOffsetAt, position, first->offset,
+          "the header's position of TPro, for its tag");
+  }
+
+  // Where a record ends once the lengths are repaired: a position that led past the old end does no
+  // more.
+  std::uint64_t endOf(const Document::Record& record) const {
+    std::uint64_t length = record.length;
+    for (const RepairPlan::Patch& patch : plan_.patches) {
+      if (patch.offset == record.offset + kLengthAt) length = patch.after;
+    }
+    return record.offset + kRecordHeadSize + length;
+  }
+
+  void repairRawData() {
+    if (document_.IsStudy() || (document_.Fault() && plan_.IsEmpty())) return;
+    const std::uint32_t position = header_.rawDataPosition;
+    const auto& records = document_.Records();
+    const auto isBlock = [](const auto& record) { return record.tag == TagOf(Kind::kRawData); };
+    const auto block = std::find_if(records.begin(), records.end(), isBlock);
+    if (block == records.end() || block->offset >= plan_.newSize.value_or(plan_.size)) {
+      // What stands behind the last record may be the block, with a damaged head.
+      if (document_.StrayOffset() + kRecordHeadSize <= plan_.newSize.value_or(plan_.size)) return;
+      return patch(HeaderLayout::kRawDataOffsetAt, position, 0,
+                   "the header's position of RAWa, for there is none");
+    }
+    const auto leads = [&](const auto& record) {
+      return record.offset == position || endOf(record) == position;
+    };
+    // What a save of the whole document leaves is in order unless a run goes on.
+    const bool isFine =
+        !header_.IsRunning() &&
+        (position == 0 || std::any_of(records.begin(), records.end(), [&](const auto& record) {
+           return isBlock(record) && leads(record);
+         }));
+    if (isFine) return;
+    const bool isAtTag = std::any_of(records.begin(), records.end(), [&](const auto& record) {
+      return isBlock(record) && record.offset == position;
+    });
+    if (isAtTag) return;
+    patch(HeaderLayout::kRawDataOffsetAt, position, block->offset,
+          "the header's position of RAWa, for its tag");
+  }
+
+  const Document document_;
+  DocumentFile file_;
+  HeaderFields header_;
+  RepairPlan plan_;
+};
+
+}  // namespace
+
+RepairPlan PlanRepair(const std::string& path) {
+  return Planner(path).Plan();
+}
+
+}  // namespace vex2::lab

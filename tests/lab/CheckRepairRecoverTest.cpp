@@ -1,0 +1,132 @@
+// Check, Repair and Recover as programs call them.
+#include <filesystem>
+
+#include "lab/Error.h"
+#include "lab/check/Check.h"
+#include "lab/check/Repair.h"
+#include "lab/record/RunRecorder.h"
+#include "lab/recover/Recover.h"
+#include "tests/support/Files.h"
+#include "tests/support/TempFolder.h"
+
+namespace vex2::test {
+namespace {
+
+using lab::ErrorClass;
+using lab::ErrorCode;
+using lab::Severity;
+
+class CheckRepairRecover : public TempFolderTest {
+ protected:
+  void SetUp() override {
+    lab::RecordingPlan plan;
+    plan.plate.wells = {{.number = 1, .name = {}, .sample = "A", .targets = {}}};
+    lab::RunRecorder recorder(path_, plan);
+    for (std::uint16_t i = 1; i <= 3; ++i) {
+      const lab::RawRecord record{.well = 1, .leading = {1, i, 6000, 0, 7}, .readings = {i}};
+      recorder.Append(std::span(&record, 1));
+    }
+  }
+
+  // What a commit that was cut off leaves behind.
+  void leaveUncommittedBytes() {
+    Bytes bytes = ReadBytes(path_);
+    bytes.insert(bytes.end(), 20, 0);
+    WriteBytes(path_, bytes);
+  }
+
+  template <typename Work>
+  static lab::Error errorOf(const Work& work) {
+    try {
+      work();
+    } catch (const lab::Error& error) {
+      return error;
+    }
+    ADD_FAILURE() << "no error was thrown";
+    return {ErrorCode::kSystem, ""};
+  }
+
+  std::string path_ = folder_ / "run.vex";
+  std::string target_ = folder_ / "new.vex";
+};
+
+TEST_F(CheckRepairRecover, CheckFindsUncommittedBytes) {
+  EXPECT_EQ(lab::Check(path_).Count(Severity::kWarning), 0U);
+  const Bytes before = ReadBytes(path_);
+  leaveUncommittedBytes();
+  const lab::Findings findings = lab::Check(path_);
+  ASSERT_EQ(findings.Count(Severity::kWarning), 1U);
+  EXPECT_EQ(findings.list.front().offset, before.size());
+}
+
+TEST_F(CheckRepairRecover, CheckThrowsForMissingFile) {
+  EXPECT_EQ(errorOf([&] { lab::Check(folder_ / "none.vex"); }).Code(), ErrorCode::kNoSuchFile);
+}
+
+TEST_F(CheckRepairRecover, DryRunOfRepairChangesNothing) {
+  leaveUncommittedBytes();
+  const Bytes before = ReadBytes(path_);
+  const lab::RepairReport report = lab::Repair(path_, {.dryRun = true});
+  EXPECT_FALSE(report.isRepaired);
+  EXPECT_FALSE(report.plan.IsEmpty());
+  EXPECT_EQ(ReadBytes(path_), before);
+}
+
+TEST_F(CheckRepairRecover, RepairCutsOffUncommittedBytes) {
+  const Bytes sound = ReadBytes(path_);
+  leaveUncommittedBytes();
+  const Bytes before = ReadBytes(path_);
+  const lab::RepairReport report = lab::Repair(path_);
+  EXPECT_TRUE(report.isRepaired);
+  EXPECT_EQ(report.plan.newSize, sound.size());
+  EXPECT_EQ(ReadBytes(path_), sound);
+  EXPECT_EQ(ReadBytes(report.backup), before);
+  EXPECT_TRUE(lab::Repair(path_).plan.IsEmpty());
+}
+
+TEST_F(CheckRepairRecover, RepairRefusesWhileRecorded) {
+  lab::RecordingPlan plan;
+  plan.plate.wells = {{.number = 1, .name = {}, .sample = "A", .targets = {}}};
+  const lab::RunRecorder recorder(path_, plan, {.resume = true});
+  EXPECT_THAT(errorOf([&] { lab::Repair(path_); }).what(),
+              testing::HasSubstr("is being recorded already"));
+}
+
+TEST_F(CheckRepairRecover, RecoverKeepsWhatIsWhole) {
+  Bytes bytes = ReadBytes(path_);
+  bytes.resize(bytes.size() - 10);
+  WriteBytes(path_, bytes);
+  const lab::RecoverReport report = lab::Recover(path_, target_);
+  EXPECT_EQ(report.frames, 2U);
+  EXPECT_FALSE(report.IsWhole());
+  EXPECT_EQ(lab::Check(target_).Count(Severity::kError), 0U);
+  EXPECT_EQ(ReadBytes(path_), bytes);
+}
+
+TEST_F(CheckRepairRecover, RecoverLeavesTargetUnlessAsked) {
+  const Bytes old = ToBytes("kept");
+  WriteBytes(target_, old);
+  EXPECT_EQ(errorOf([&] { lab::Recover(path_, target_); }).Code(), ErrorCode::kExists);
+  EXPECT_EQ(ReadBytes(target_), old);
+  EXPECT_EQ(errorOf([&] { lab::Recover(path_, path_, {.replace = true}); }).Class(),
+            ErrorClass::kUsage);
+  EXPECT_EQ(lab::Recover(path_, target_, {.replace = true}).frames, 3U);
+}
+
+TEST_F(CheckRepairRecover, CancelledRecoverSavesNothing) {
+  const auto cancel = [](std::uint64_t, std::uint64_t) { return false; };
+  const lab::RecoverOptions options{.progress = cancel};
+  EXPECT_EQ(errorOf([&] { lab::Recover(path_, target_, options); }).Class(),
+            ErrorClass::kInterrupted);
+  EXPECT_FALSE(std::filesystem::exists(target_));
+}
+
+TEST_F(CheckRepairRecover, RecoverRefusesFileWithNothingInIt) {
+  WriteBytes(path_, Bytes(5000, 0xFF));
+  EXPECT_THAT(errorOf([&] { lab::Recover(path_, target_); }).what(),
+              testing::HasSubstr("nothing to recover"));
+  EXPECT_FALSE(std::filesystem::exists(target_));
+}
+
+}  // namespace
+}  // namespace vex2::test
