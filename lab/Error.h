@@ -50,14 +50,15 @@ enum class ErrorCode {
 
 /// A kind of error as programs and documents know it.
 struct ErrorKind {
-  ErrorCode code;
-  std::string_view name;
-  ErrorClass errorClass;
-  std::string_view meaning;
+  ErrorCode code;            ///< the code of the kind
+  std::string_view name;     ///< the stable name of the code, as "no-such-file"
+  ErrorClass errorClass;     ///< what errors of this kind are about
+  std::string_view meaning;  ///< one sentence for people
 };
 
 /// All kinds, in the order of `ErrorCode`.
 VEX2_API std::span<const ErrorKind> ErrorKinds();
+/// The kind of this code.
 VEX2_API const ErrorKind& ErrorKindOf(ErrorCode code);
 
 /// Why an operation failed: a code, and one sentence that names the file and, where there is one,
@@ -71,11 +72,15 @@ class VEX2_API Error : public std::runtime_error {
   /// About the call as a whole.
   Error(ErrorCode code, std::string_view what);
 
+  /// What went wrong.
   ErrorCode Code() const { return code_; }
+  /// What the error is about.
   ErrorClass Class() const;
-  /// The parts of the sentence as they were given.
+  /// The file, as it was given; empty for an error about the call as a whole.
   const std::string& File() const { return file_; }
+  /// What is wrong, as it was given.
   const std::string& Message() const { return message_; }
+  /// The offset in the file, in bytes, at which the operation failed; nothing where there is none.
   std::optional<std::uint64_t> Offset() const { return offset_; }
   /// The number of the system's error, as in `errno`; 0 where the system refused nothing.
   int SystemErrorNumber() const { return systemError_; }
@@ -97,7 +102,7 @@ Error SystemError(std::string_view file, int error,
                   std::optional<std::uint64_t> offset = std::nullopt);
 
 /// `text` for a line of a message: what a terminal would obey, and what is no character, is shown
-/// as \xNN.
+/// as `\xNN`.
 std::string Escaped(std::string_view text);
 
 }  // namespace vex2::lab

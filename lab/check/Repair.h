@@ -14,21 +14,25 @@ namespace vex2::lab {
 /// What can be repaired of a document in place without touching what it holds: words that lengths
 /// and positions are, and the bytes behind what counts.
 struct RepairPlan {
+  /// A word of the document that a repair overwrites.
   struct Patch {
     std::uint64_t offset = 0;  ///< of a 32-bit word, in bytes from the start of the file
-    std::uint32_t before = 0;
-    std::uint32_t after = 0;
-    std::string what;  ///< for people
+    std::uint32_t before = 0;  ///< the word in the document
+    std::uint32_t after = 0;   ///< the word after the repair
+    std::string what;          ///< for people
 
+    /// Whether all fields are equal.
     friend bool operator==(const Patch&, const Patch&) = default;
   };
 
-  std::uint64_t size = 0;  ///< the document's, as it is
-  std::vector<Patch> patches;
+  std::uint64_t size = 0;                ///< the document's, as it is
+  std::vector<Patch> patches;            ///< the words to overwrite, by offset
   std::optional<std::uint64_t> newSize;  ///< where the file is to end; nothing to cut off otherwise
   std::string cut;                       ///< what is cut off, for people
 
+  /// Whether there is nothing to repair.
   bool IsEmpty() const { return patches.empty() && !newSize; }
+  /// Whether all fields are equal.
   friend bool operator==(const RepairPlan&, const RepairPlan&) = default;
 };
 

@@ -13,38 +13,41 @@ namespace vex2::lab {
 /// One spectrum of a calibration: a pure dye, or a trace of the background. The numbers of the
 /// other part are 0.
 struct CalibrationEntry {
-  std::string name;  ///< UTF-8
-  std::uint16_t key1 = 0;
-  std::uint16_t key2 = 0;
-  std::uint16_t dyeIndex = 0;
+  std::string name;                       ///< UTF-8
+  std::uint16_t key1 = 0;                 ///< stored unchanged
+  std::uint16_t key2 = 0;                 ///< stored unchanged
+  std::uint16_t dyeIndex = 0;             ///< stored unchanged
   std::array<std::uint8_t, 2> bytes{};    ///< of a pure dye
   std::array<std::uint16_t, 3> params{};  ///< of a pure dye
   std::uint16_t limit = 0;                ///< of the background
   std::vector<std::uint32_t> values;  ///< numbers of four bytes as they are stored, a filter each
 
+  /// Whether all fields are equal.
   friend bool operator==(const CalibrationEntry&, const CalibrationEntry&) = default;
 };
 
 /// What the head of both parts holds; the meaning is the instrument's.
 struct CalibrationHead {
-  std::array<std::uint8_t, 4> code{};
-  std::uint32_t setting = 10;
-  std::uint16_t option = 0;
-  std::uint32_t value = 0;
-  std::array<std::uint8_t, 4> extra1{};
-  std::array<std::uint8_t, 4> extra2{};
+  std::array<std::uint8_t, 4> code{};    ///< stored unchanged
+  std::uint32_t setting = 10;            ///< stored unchanged
+  std::uint16_t option = 0;              ///< stored unchanged
+  std::uint32_t value = 0;               ///< stored unchanged
+  std::array<std::uint8_t, 4> extra1{};  ///< stored unchanged
+  std::array<std::uint8_t, 4> extra2{};  ///< stored unchanged
 };
 
+/// The pure dyes or the background.
 struct CalibrationPart {
-  CalibrationHead head;
-  std::vector<CalibrationEntry> entries;
+  CalibrationHead head;                   ///< what stands before the spectra
+  std::vector<CalibrationEntry> entries;  ///< the spectra in the order of the document
 };
 
 /// A document's calibration. A part that it lacks is nothing.
 struct Calibration {
-  std::optional<CalibrationPart> pureDyes;
-  std::optional<CalibrationPart> background;
+  std::optional<CalibrationPart> pureDyes;    ///< the spectra of the pure dyes
+  std::optional<CalibrationPart> background;  ///< the traces of the background
 
+  /// Whether the calibration has neither part.
   bool IsEmpty() const { return !pureDyes && !background; }
 };
 

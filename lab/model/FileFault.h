@@ -12,6 +12,7 @@ struct FileFault {
   std::uint64_t offset = 0;  ///< bytes from the start of the file
   std::string what;          ///< for people: "the record "RAWa" is cut short: 3 of 4 frames ..."
 
+  /// Whether both fields are equal.
   friend bool operator==(const FileFault&, const FileFault&) = default;
 };
 

@@ -11,9 +11,10 @@ namespace vex2::lab {
 
 /// A decimal number, mantissa times 10 to the exponent.
 struct DecimalNumber {
-  std::int64_t mantissa = 0;
-  int exponent = 0;
+  std::int64_t mantissa = 0;  ///< the digits, with the sign
+  int exponent = 0;           ///< the power of 10
 
+  /// The number, rounded to the nearest double.
   double Value() const;
 };
 
@@ -30,6 +31,7 @@ class VEX2_API ReadingScale {
 
   /// Scale 1, offset 0.
   ReadingScale() : ReadingScale(1) {}
+  /// The scale is a whole number, from 1 to `kLargestPart`.
   explicit ReadingScale(std::uint64_t scale, DecimalNumber offset = {})
       : ReadingScale(scale, 1, offset) {}
   /// Both parts are from 1 to `kLargestPart`.
@@ -58,9 +60,12 @@ class VEX2_API ReadingScale {
   std::string ScaleText() const;
   /// As "-12.5"; "0" when there is none.
   std::string OffsetText() const;
+  /// Whether the offset is not 0.
   bool HasOffset() const { return offset_.mantissa != 0; }
+  /// What is taken from a reading before it is scaled.
   DecimalNumber Offset() const { return offset_; }
 
+  /// Whether scale and offset are equal.
   friend bool operator==(const ReadingScale& one, const ReadingScale& other) {
     return one.numerator_ == other.numerator_ && one.denominator_ == other.denominator_ &&
            one.offset_.Value() == other.offset_.Value();

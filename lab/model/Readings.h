@@ -20,11 +20,12 @@ inline constexpr std::size_t kReadingValues = 32;
 
 /// What the stored values of readings stand for, where this library recorded them.
 struct ReadingMeaning {
-  ReadingScale scale;
+  ReadingScale scale;  ///< how readings became stored numbers
   /// The names of the channels, of which each well has a reading in every frame: channel c is value
   /// c. Empty where there is one channel without a name.
   std::vector<std::string> channels;
 
+  /// The number of channels; 1 where there is one without a name.
   std::size_t ChannelCount() const { return channels.empty() ? 1 : channels.size(); }
 };
 
@@ -41,11 +42,15 @@ class VEX2_API Readings {
   /// No frames and no wells.
   Readings();
   // No moves, which would leave an object without a matrix: a copy costs as little.
+  /// Shares the matrix of the other.
   Readings(const Readings&) = default;
+  /// Shares the matrix of the other.
   Readings& operator=(const Readings&) = default;
   ~Readings() = default;
 
+  /// The number of frames.
   std::size_t FrameCount() const;
+  /// The number of wells in each frame.
   std::size_t WellCount() const;
   /// The well numbers, from 1, in the order of the matrix.
   const std::vector<std::uint16_t>& Wells() const;
@@ -60,6 +65,7 @@ class VEX2_API Readings {
   std::span<const std::uint16_t> Values(std::size_t frame) const;
   /// Of one well in one frame, 32 values.
   std::span<const std::uint16_t> Values(std::size_t frame, std::size_t well) const;
+  /// The stored value `value`, from 0, of the well at the index `well`, from 0, in a frame, from 0.
   std::uint16_t At(std::size_t frame, std::size_t well, std::size_t value) const;
 
   /// Nothing where the log does not say that this library recorded the readings.
@@ -87,7 +93,7 @@ struct WellReading {
   std::uint16_t well = 0;  ///< number, from 1
   /// What stands before the values; the meaning is the instrument's.
   std::array<std::uint16_t, 8> leading{};
-  std::array<std::uint16_t, kReadingValues> values{};
+  std::array<std::uint16_t, kReadingValues> values{};  ///< the stored readings
   /// The readings of the channels in real units, NaN where one is missing; empty where the meaning
   /// is not known.
   std::vector<double> fluorescence;
@@ -95,8 +101,8 @@ struct WellReading {
 
 /// One frame of a data block.
 struct Frame {
-  std::uint64_t index = 0;  ///< from 0
-  FramePosition position;
+  std::uint64_t index = 0;         ///< from 0
+  FramePosition position;          ///< where the frame stands in the run
   std::vector<WellReading> wells;  ///< in the order of the block
 };
 

@@ -51,16 +51,20 @@ class VEX2_API RunReader {
   /// concerns the plate.
   const std::vector<FileFault>& Faults() const;
 
+  /// How far the run has come.
   RunState State() const;
   // The header's codes, without the blanks behind them.
   const std::string& StatusCode() const;  ///< "ZERO", "PROG" or "DONE"
   const std::string& AssayCode() const;   ///< such as "AbsQ"
   const std::string& KindCode() const;    ///< such as "Kest"
 
+  /// The plate and what stands in its wells.
   const lab::Plate& Plate() const;
+  /// The detectors in the order of the document.
   const std::vector<Detector>& Detectors() const;
   /// The names of the dyes that the run requires.
   const std::vector<std::string>& RequiredDyes() const;
+  /// The calibration; empty where the document has none.
   const lab::Calibration& Calibration() const;
   /// The run-wide settings that the document has, in the order in which people are shown them.
   const std::vector<SettingValue>& Settings() const;
@@ -74,6 +78,7 @@ class VEX2_API RunReader {
   // Of the first data block with the tag `block`, the raw readings unless told otherwise. Without
   // such a block there are no frames and no wells.
 
+  /// The number of committed frames.
   std::uint64_t FrameCount(std::string_view block = kRawReadings) const;
   /// The well numbers, from 1, in the order of each frame.
   const std::vector<std::uint16_t>& Wells(std::string_view block = kRawReadings) const;

@@ -12,6 +12,7 @@ namespace vex2::lab {
 /// floating point, or a text in UTF-8.
 using Value = std::variant<std::monostate, std::int64_t, float, std::string>;
 
+/// Whether there is a value.
 inline bool HasValue(const Value& value) {
   return !std::holds_alternative<std::monostate>(value);
 }

@@ -27,10 +27,10 @@ struct RecordingPlan {
   std::vector<std::string> requiredDyes;  ///< besides the reporters of the wells' targets
   std::vector<SettingValue> settings;     ///< by the names that `vex set --help` lists
   std::vector<std::uint8_t> program;      ///< thermal cycling; empty: described from the frames
-  std::string comment;
-  Calibration calibration;
-  std::string assay;                   ///< a code of four characters; empty: "AbsQ"
-  std::optional<std::string> started;  ///< as "2026-11-22T08:00:00Z", or with "+01:00"
+  std::string comment;                    ///< of the run
+  Calibration calibration;                ///< of the instrument
+  std::string assay;                      ///< a code of four characters; empty: "AbsQ"
+  std::optional<std::string> started;     ///< as "2026-11-22T08:00:00Z", or with "+01:00"
 
   /// How the readings of a `MeasuredFrame` become the 16-bit numbers of a document. Nothing for a
   /// run whose frames are raw records; those are stored as they are.
@@ -51,9 +51,9 @@ struct MeasuredWell {
 
 /// A frame in real units: a reading of each of the plan's wells, in any order.
 struct MeasuredFrame {
-  Stage stage = Stage::kAmplification;
-  std::uint16_t cycle = 0;  ///< within its stage, from 1
-  std::vector<MeasuredWell> wells;
+  Stage stage = Stage::kAmplification;  ///< amplification or melting
+  std::uint16_t cycle = 0;              ///< within its stage, from 1
+  std::vector<MeasuredWell> wells;      ///< one for each of the plan's wells
 };
 
 /// A well's record as the instrument gives it. The recorder stores it as it is.
@@ -62,7 +62,7 @@ struct RawRecord {
   /// The first must not be 0, which stands for a record that is not filled. The fifth is the well's
   /// first reading; 0 or 65000 there marks the first frame of a melting stage.
   std::array<std::uint16_t, 8> leading{};
-  std::array<std::uint16_t, 32> readings{};
+  std::array<std::uint16_t, 32> readings{};  ///< the readings as stored
 };
 
 }  // namespace vex2::lab

@@ -32,8 +32,12 @@ class VEX2_API RunRecorder {
   /// is being recorded, has further hard links, or differs from `plan`; then it is unchanged.
   RunRecorder(const std::filesystem::path& path, const RecordingPlan& plan,
               RecorderOptions options = {});
+  /// Releases the document. A run that is not finished can be resumed.
   ~RunRecorder();
+  /// Takes the recording of the other, which may then only be assigned to or destroyed.
   RunRecorder(RunRecorder&&) noexcept;
+  /// Releases the document of this recorder, and takes the recording of the other, which may then
+  /// only be assigned to or destroyed.
   RunRecorder& operator=(RunRecorder&&) noexcept;
 
   /// The frames that the document held when it was resumed, 0 for a new one. Go on with the frame
