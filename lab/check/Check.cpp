@@ -9,7 +9,7 @@
 #include "lab/check/HeaderCheck.h"
 #include "lab/check/MeaningCheck.h"
 #include "lab/check/RecordCheck.h"
-#include "lab/check/TailCheck.h"
+#include "lab/check/UncommittedCheck.h"
 #include "lab/model/Document.h"
 #include "lab/model/RawFile.h"
 #include "vex2/format/RecordKinds.h"

@@ -127,7 +127,7 @@ void checkRunningPosition(const HeaderFields& header, const Aim& aim, Findings& 
 
 // Whether bytes behind the last record may be a block that is only not read.
 bool mayHideBlock(const Document& document) {
-  return document.StrayOffset() + kRecordHeadSize <= document.Size();
+  return document.RecordsEnd() + kRecordHeadSize <= document.Size();
 }
 
 void checkRawData(const HeaderFields& header, const Aim& aim, const Document& document,

@@ -30,12 +30,12 @@ RecordCheck::RecordCheck(const Document& document, const HeaderFields& header, F
     : document_(document), findings_(findings), plate_(header) {}
 
 // A frame that was not committed may look like records.
-bool RecordCheck::isStray(const FileRecord& record) const {
-  return record.offset >= document_.StrayOffset();
+bool RecordCheck::isBehindRecords(const FileRecord& record) const {
+  return record.offset >= document_.RecordsEnd();
 }
 
 void RecordCheck::Begin(const FileRecord& record, CFile& file) {
-  if (isStray(record)) return;
+  if (isBehindRecords(record)) return;
   levels_.resize(static_cast<std::size_t>(record.depth) - 1);
   const bool known = IsKnownTag(record.Tag());
   if (!levels_.empty() && record.kind->layout == BodyLayout::kPlate) ++levels_.back().plates;
@@ -59,7 +59,7 @@ void RecordCheck::Begin(const FileRecord& record, CFile& file) {
 }
 
 void RecordCheck::End(const FileRecord& record) {
-  if (isStray(record) || levels_.size() < static_cast<std::size_t>(record.depth)) return;
+  if (isBehindRecords(record) || levels_.size() < static_cast<std::size_t>(record.depth)) return;
   levels_.resize(static_cast<std::size_t>(record.depth));
   Level& level = levels_.back();
   level.record.end = record.end;
@@ -216,20 +216,21 @@ void RecordCheck::checkBlock(const FileRecord& record, CFile& file) {
         "'vex recover' writes the block anew");
   }
   checkWells(*head);
-  const FrameFit fit = FitFrames(record, *head, record.DeclaredEnd());
-  if (head->wells.empty() && record.length > fit.headSize - 8) {
+  if (head->wells.empty() && record.DeclaredEnd() > head->firstFrame) {
     add(Severity::kError, "it has no wells, but a length of " + std::to_string(record.length),
         "nothing in it is read, and the next record is looked for at byte " +
             std::to_string(head->firstFrame),
         "'vex recover' looks for what is left");
   }
   const bool isShort = record.DeclaredEnd() < head->firstFrame;
-  if (!isShort && fit.countedRest == 0) return;
+  const std::uint64_t counted = isShort ? 0 : record.DeclaredEnd() - head->firstFrame;
+  const std::uint64_t part = head->frameSize == 0 ? 0 : counted % head->frameSize;
+  if (!isShort && part == 0) return;
   // That its well numbers were counted as frames is seen by who reads it, as too few frames.
   add(Severity::kError,
       isShort ? "its length ends before its first frame"
-              : "its length counts " + Counted(fit.counted, "frame") + " and " +
-                    std::to_string(fit.countedRest) + " of the " + std::to_string(head->frameSize) +
+              : "its length counts " + Counted(counted / head->frameSize, "frame") + " and " +
+                    std::to_string(part) + " of the " + std::to_string(head->frameSize) +
                     " bytes of another",
       "the half frame is not read, and the next record is looked for in it",
       "'vex repair' sets the length to whole frames where the block is the last record");

@@ -56,7 +56,7 @@ class RecordCheck final : public RecordVisitor {
     bool known = true;
   };
 
-  bool isStray(const FileRecord& record) const;
+  bool isBehindRecords(const FileRecord& record) const;
   std::string path(std::size_t levels) const;
   void add(Severity severity, std::string problem, std::string consequence,
            std::string remedy = "");

@@ -5,7 +5,7 @@
 #include "lab/Text.h"
 #include "lab/check/RecordCheck.h"
 #include "lab/check/RepairSteps.h"
-#include "lab/check/TailCheck.h"
+#include "lab/check/UncommittedCheck.h"
 #include "lab/model/Document.h"
 #include "lab/model/FileLayout.h"
 #include "lab/model/HeaderFields.h"
@@ -31,7 +31,7 @@ class Planner {
     const WalkEnd end = WalkRecords(file_, records);
     repairEnd();
     const bool isWalked =
-        !end.fault || end.fault->offset >= document_.StrayOffset() || plan_.newSize;
+        !end.fault || end.fault->offset >= document_.RecordsEnd() || plan_.newSize;
     if (isWalked && !records.HasGaps()) repairLengths(records.WrongLengths());
     repairProgram(records.Positioned());
     repairRawData();
@@ -59,25 +59,27 @@ class Planner {
     }
     if (const auto block = FindLastBlock(file_, document_)) return repairBlock(*block);
     const std::uint64_t from =
-        document_.Fault() ? document_.Fault()->offset : document_.StrayOffset();
+        document_.Fault() ? document_.Fault()->offset : document_.RecordsEnd();
     const bool isFirstCommit =
-        document_.Fault() ? isFirstCommitOpen() : IsFirstCommit(file_, document_, header_);
+        document_.Fault() ? isFirstCommitAt(from) : EndsInFirstCommit(file_, document_, header_);
     if (isFirstCommit) return cutAt(from, "of a first commit that was interrupted");
     if (document_.Fault() || plan_.size - from >= kRecordHeadSize) return;
     cutAt(from, "behind the last record, too few for another");
   }
 
-  bool isFirstCommitOpen() const { return header_.IsUnfinished() && header_.rawDataPosition == 0; }
+  bool isFirstCommitAt(std::uint64_t offset) {
+    return header_.AwaitsFirstCommit() && IsFirstCommit(file_, offset, header_.Wells());
+  }
 
   void repairBlock(const LastBlock& block) {
     const StoredBlock& head = block.head;
     if (head.version < 2 || head.timeBlockSize != kTimeBlockSize) return;
-    const FrameFit fit = FitFrames(block.record, head, plan_.size);
     const FrameRange range = block.Range(plan_.size);
-    std::uint64_t frames = FindCommittedFrames(range).count;
+    const CommittedFrames committed = FindCommittedFrames(range);
+    std::uint64_t frames = committed.count;
     // Beyond what was counted, a frame is one only when the instrument filled it.
-    while (frames < fit.there && isFilled(head, frames)) ++frames;
-    if (frames == 0 && isFirstCommitOpen()) {
+    while (frames < committed.inFile && isFilled(head, frames)) ++frames;
+    if (frames == 0 && isFirstCommitAt(block.record.offset)) {
       return cutAt(block.record.offset, "of a first commit that was interrupted");
     }
     const std::uint64_t end = head.firstFrame + frames * head.frameSize;
@@ -86,7 +88,7 @@ class Planner {
     patch(block.record.offset + kLengthAt, block.record.length,
           end - block.record.offset - kRecordHeadSize,
           "the length of RAWa, for " + Counted(frames, "whole frame"));
-    const bool wasCounted = fit.counted > frames;
+    const bool wasCounted = head.firstFrame + (frames + 1) * head.frameSize <= range.countedEnd;
     cutAt(end, wasCounted ? "of a frame of which the rest is gone"
                           : "of a frame that was not committed");
   }
@@ -138,7 +140,7 @@ class Planner {
     const auto block = std::find_if(records.begin(), records.end(), isBlock);
     if (block == records.end() || block->offset >= plan_.newSize.value_or(plan_.size)) {
       // What stands behind the last record may be the block, with a damaged head.
-      if (document_.StrayOffset() + kRecordHeadSize <= plan_.newSize.value_or(plan_.size)) return;
+      if (document_.RecordsEnd() + kRecordHeadSize <= plan_.newSize.value_or(plan_.size)) return;
       return patch(HeaderLayout::kRawDataOffsetAt, position, 0,
                    "the header's position of RAWa, for there is none");
     }

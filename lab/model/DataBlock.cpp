@@ -28,20 +28,6 @@ std::optional<StoredBlock> ReadStoredBlock(CFile& file, const FileRecord& record
   return head;
 }
 
-FrameFit FitFrames(const FileRecord& record, const StoredBlock& head, std::uint64_t end) {
-  FrameFit fit;
-  fit.headSize = head.firstFrame - record.offset;
-  if (head.frameSize == 0) return fit;
-  const auto split = [&](std::uint64_t last, std::uint64_t& frames, std::uint64_t& rest) {
-    const std::uint64_t bytes = last - std::min(last, head.firstFrame);
-    frames = bytes / head.frameSize;
-    rest = bytes % head.frameSize;
-  };
-  split(record.DeclaredEnd(), fit.counted, fit.countedRest);
-  split(end, fit.there, fit.thereRest);
-  return fit;
-}
-
 Vex2DataType BlockType(std::string_view tag) {
   return static_cast<Vex2DataType>(FindTagIndex(tag));
 }

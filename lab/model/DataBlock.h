@@ -34,19 +34,6 @@ struct StoredBlock {
 /// before it does.
 std::optional<StoredBlock> ReadStoredBlock(CFile& file, const FileRecord& record);
 
-/// How the frames of a block stand in a file.
-struct FrameFit {
-  std::uint64_t headSize = 0;  ///< bytes of the record before its frames, tag and length included
-  std::uint64_t counted = 0;   ///< whole frames that the block's length has room for
-  std::uint64_t countedRest = 0;  ///< bytes that the length counts behind the last of them
-  std::uint64_t there = 0;        ///< whole frames from the first one's place to `end`
-  std::uint64_t thereRest = 0;    ///< bytes behind the last of them
-};
-
-/// Of the block at `record` with that head: what its length says, and what there is up to `end`,
-/// the place where the file or the next record begins.
-FrameFit FitFrames(const FileRecord& record, const StoredBlock& head, std::uint64_t end);
-
 /// The block of that tag, which is one of a block.
 Vex2DataType BlockType(std::string_view tag);
 

@@ -104,14 +104,14 @@ void Document::survey() {
   const int status = content_->ReadComponentFile(nullptr);
   requireReadable();
   fault_ = headerFault();
-  strayOffset_ = size_;
+  recordsEnd_ = size_;
   if (fault_) return;
   Surveyor surveyor(*this);
   const WalkEnd end = WalkRecords(*content_, surveyor);
   fault_ = recordFault(status, end);
   linkPlates();
   if (fault_) return;
-  findStrayBytes(end.offset);
+  findRecordsEnd(end.offset);
   noteStudyLosses();
 }
 
@@ -132,14 +132,14 @@ std::optional<FileFault> Document::headerFault() const {
 }
 
 // What an interrupted commit leaves behind looks like a record without end.
-bool Document::beginsStrayBytes(std::uint64_t offset) const {
+bool Document::beginsUncommittedBytes(std::uint64_t offset) const {
   if (records_.empty()) return false;
   const Record& last = records_.back();
   return last.offset == offset && !last.known && !IsPlain(last.tag);
 }
 
 std::optional<FileFault> Document::recordFault(int status, const WalkEnd& end) const {
-  if (end.fault && !beginsStrayBytes(end.fault->offset)) return end.fault;
+  if (end.fault && !beginsUncommittedBytes(end.fault->offset)) return end.fault;
   // The reader kept known records in order, so that the first one it lacks is where it gave up.
   int kept = content_->GetAllComponentCount();
   for (const Record& record : records_) {
@@ -152,22 +152,22 @@ std::optional<FileFault> Document::recordFault(int status, const WalkEnd& end) c
 }
 
 // A frame that was not committed is no record, but its bytes may look like some.
-void Document::findStrayBytes(std::uint64_t walkEnd) {
-  strayOffset_ = walkEnd;
+void Document::findRecordsEnd(std::uint64_t walkEnd) {
+  recordsEnd_ = walkEnd;
   const auto lastKnown =
       std::find_if(records_.rbegin(), records_.rend(), [](const Record& r) { return r.known; });
-  const auto stray = std::find_if(lastKnown.base(), records_.end(),
-                                  [](const Record& r) { return !IsPlain(r.tag); });
-  if (stray != records_.end()) {
-    strayOffset_ = stray->offset;
-    records_.erase(stray, records_.end());
-    std::erase_if(losses_, [this](const Loss& loss) { return loss.offset >= strayOffset_; });
+  const auto uncommitted = std::find_if(lastKnown.base(), records_.end(),
+                                        [](const Record& r) { return !IsPlain(r.tag); });
+  if (uncommitted != records_.end()) {
+    recordsEnd_ = uncommitted->offset;
+    records_.erase(uncommitted, records_.end());
+    std::erase_if(losses_, [this](const Loss& loss) { return loss.offset >= recordsEnd_; });
   }
-  if (strayOffset_ >= size_) return;
-  const bool isTorn = !records_.empty() && records_.back().tag == TagOf(Kind::kRawData);
-  losses_.push_back({strayOffset_, Counted(size_ - strayOffset_, "byte") +
-                                       (isTorn ? " of a frame that was not committed"
-                                               : " at the end that are no record")});
+  if (recordsEnd_ >= size_) return;
+  const bool isInBlock = !records_.empty() && records_.back().tag == TagOf(Kind::kRawData);
+  losses_.push_back({recordsEnd_, Counted(size_ - recordsEnd_, "byte") +
+                                      (isInBlock ? " of a frame that was not committed"
+                                                 : " at the end that are no record")});
 }
 
 // What the walk found of the plates, and what the reader kept: as many, unless it gave up in one.

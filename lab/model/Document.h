@@ -63,7 +63,7 @@ class Document {
   /// When the file was last changed.
   CTime Modified() const { return modified_; }
   /// Where the bytes begin that are no records any more; the file's size when there are none.
-  std::uint64_t StrayOffset() const { return strayOffset_; }
+  std::uint64_t RecordsEnd() const { return recordsEnd_; }
   /// Why the document could not be read whole; nothing when it was.
   const std::optional<FileFault>& Fault() const { return fault_; }
   /// What a save would drop or empty although the document was read whole, in the file's order.
@@ -82,15 +82,15 @@ class Document {
   void requireReadable() const;
   std::optional<FileFault> headerFault() const;
   std::optional<FileFault> recordFault(int status, const WalkEnd& end) const;
-  bool beginsStrayBytes(std::uint64_t offset) const;
-  void findStrayBytes(std::uint64_t walkEnd);
+  bool beginsUncommittedBytes(std::uint64_t offset) const;
+  void findRecordsEnd(std::uint64_t walkEnd);
   void noteStudyLosses();
   void linkPlates();
 
   std::string path_;
   std::unique_ptr<DocumentFile> content_;
   std::uint64_t size_ = 0;
-  std::uint64_t strayOffset_ = 0;
+  std::uint64_t recordsEnd_ = 0;
   CTime modified_;
   std::vector<Record> records_;
   std::vector<Plate> plates_;

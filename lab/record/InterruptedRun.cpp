@@ -1,8 +1,6 @@
 #include "lab/record/InterruptedRun.h"
 
 #include <algorithm>
-#include <array>
-#include <cctype>
 #include <string_view>
 
 #include "lab/Error.h"
@@ -22,26 +20,8 @@ namespace vex2::lab {
 
 namespace {
 
-constexpr std::size_t kTagBytes = 4;
-
 void moveTo(CFile& file, std::uint64_t position) {
   file.Seek(static_cast<std::int64_t>(position), CFile::begin);
-}
-
-std::string textAt(CFile& file, std::uint64_t position) {
-  std::array<char, kTagBytes> text{};
-  moveTo(file, position);
-  return {text.data(), file.Read(text.data(), text.size())};
-}
-
-bool isTag(std::string_view text) {
-  return text.size() == kTagBytes && std::all_of(text.begin(), text.end(), [](char letter) {
-           return std::isalnum(static_cast<unsigned char>(letter)) != 0 || letter == ' ';
-         });
-}
-
-std::uint64_t headBytes(std::size_t wells) {
-  return kRecordHeadSize + kBlockFixedSize + 2 * std::uint64_t{wells};
 }
 
 std::vector<std::uint8_t> storedBytes(const std::vector<Vex2WellRecord>& records) {
@@ -121,83 +101,55 @@ InterruptedRun::InterruptedRun(const std::string& path) : path_(path) {
   if (file.GetLength() < HeaderLayout::kSize) {
     refuseAt(file.GetLength(), "the header is cut short");
   }
-  status_ = textAt(file, HeaderLayout::kStatusAt);
+  const HeaderFields header = ReadHeaderFields(file, 0);
+  status_ = header.status;
   if (!IsDone() && status_ != RunStatus::kInProgress && status_ != RunStatus::kNotStarted) {
     refuse("has the status " + Quoted(status_) + ", which is no run's in progress");
   }
-  moveTo(file, HeaderLayout::kRawDataOffsetAt);
-  static_cast<void>(ReadField(file, headerPosition_));
-  moveTo(file, HeaderLayout::kRowsAt);
-  static_cast<void>(ReadField(file, rows_));
-  static_cast<void>(ReadField(file, columns_));
-  findBlock(file);
-  if (headerPosition_ != 0) readHead(file);
-  countFrames(file.GetLength());
-  tailTag_ = textAt(file, tailStart_);
-}
-
-// Whole records come first. What follows them is the block, or what there is of it.
-void InterruptedRun::findBlock(CFile& file) {
-  blockStart_ = HeaderLayout::kSize;
-  for (;;) {
-    const std::string tag = textAt(file, blockStart_);
-    std::uint32_t length = 0;
-    if (!isTag(tag) || tag == TagOf(Kind::kRawData) || !ReadField(file, length)) return;
-    if (length > file.GetRemaining()) return;
-    blockStart_ += kRecordHeadSize + length;
+  headerPosition_ = header.rawDataPosition;
+  rows_ = header.rows;
+  columns_ = header.columns;
+  blockStart_ = FindBlockOffset(file);
+  frames_.end = blockStart_;
+  if (headerPosition_ != 0) {
+    readBlock(file);
+  } else if (IsFirstCommit(file, blockStart_, header.Wells())) {
+    frames_.behind = Uncommitted::kCommit;
+  } else if (blockStart_ < file.GetLength()) {
+    frames_.behind = Uncommitted::kMore;
   }
 }
 
-void InterruptedRun::readHead(CFile& file) {
-  std::uint16_t version = 0;
-  std::uint16_t timeBytes = 0;
-  std::uint16_t wells = 0;
-  if (textAt(file, blockStart_) != TagOf(Kind::kRawData) || !ReadField(file, blockLength_) ||
-      !ReadField(file, version) || !ReadField(file, timeBytes) || version != 2 ||
-      timeBytes != sizeof(TimeStamp) * 2) {
+void InterruptedRun::readBlock(CFile& file) {
+  block_ = ReadCommittedBlock(file, blockStart_);
+  if (block_.record.Tag() != TagOf(Kind::kRawData) || block_.head.version != kBlockVersion ||
+      block_.head.timeBlockSize != kTimeBlockSize) {
     refuseAt(blockStart_, "no data block of a recorder where it should be");
   }
-  file.Seek(timeBytes, CFile::current);
-  if (!ReadField(file, wells) || wells == 0 || file.GetRemaining() < 2U * wells) {
+  if (!block_.isWhole || block_.head.wells == 0 ||
+      !ReadWellNumbers(file, block_.head.wells, wells_)) {
     refuseAt(blockStart_, "the data block is cut off before its first frame");
   }
-  wells_.resize(wells);
-  for (unsigned short& well : wells_) static_cast<void>(ReadField(file, well));
-}
-
-void InterruptedRun::countFrames(std::uint64_t fileLength) {
-  tailStart_ = blockStart_;
-  if (HasBlock()) {
-    const CommittedFrames frames = FindCommittedFrames(
-        {framesStart(), frameBytes(), blockStart_ + kRecordHeadSize + blockLength_, fileLength});
-    frameCount_ = frames.count;
-    tailStart_ = frames.end;
-    hasMoreBehind_ = frames.behind == Uncommitted::kMore;
-  }
-  tailBytes_ = fileLength - std::min(fileLength, tailStart_);
-}
-
-std::uint64_t InterruptedRun::framesStart() const {
-  return blockStart_ + headBytes(wells_.size());
-}
-
-std::uint64_t InterruptedRun::frameBytes() const {
-  return kStoredRecordSize * wells_.size();
+  frames_ = FindCommittedFrames(file, block_.Range(file.GetLength()));
 }
 
 void InterruptedRun::Check(const RunPlan& plan) const {
   checkSettings(plan);
-  if (!IsDone()) checkTail(plan);  // nothing is cut off a run that is complete
+  // What no commit can have left is somebody's, and not to be cut off. Nothing is cut off a run
+  // that is complete.
+  if (!IsDone() && frames_.behind == Uncommitted::kMore) {
+    refuseAt(frames_.end, "more follows than a recorder can have left");
+  }
   if (HasBlock() && wells_ != plan.wells) refuse("was recorded from other wells");
   checkContents(plan);
   if (plan.isLive) return;  // its frames are compared when they come
-  if (IsDone() && frameCount_ < plan.frames.size()) {
-    refuse("is complete with " + Counted(frameCount_, "frame") +
+  if (IsDone() && frames_.count < plan.frames.size()) {
+    refuse("is complete with " + Counted(frames_.count, "frame") +
            ", but the run that is given has " + std::to_string(plan.frames.size()));
   }
   if (!HasBlock()) return;
-  if (frameCount_ > plan.frames.size()) {
-    refuse("holds " + Counted(frameCount_, "frame") + ", but the run has only " +
+  if (frames_.count > plan.frames.size()) {
+    refuse("holds " + Counted(frames_.count, "frame") + ", but the run has only " +
            std::to_string(plan.frames.size()));
   }
   checkReadings(plan);
@@ -208,7 +160,7 @@ void InterruptedRun::checkSettings(const RunPlan& plan) const {
   RunPlan complete;
   const bool isToldNow = IsDone() && plan.isLive && !plan.liveFrames;
   if (isToldNow) complete = plan;
-  complete.liveFrames = frameCount_;
+  complete.liveFrames = frames_.count;
   const std::string expected = LogText(isToldNow ? complete : plan);
   if (log != expected) {
     refuse(logDifference(log, expected));
@@ -228,28 +180,19 @@ void InterruptedRun::checkContents(const RunPlan& plan) const {
          " in the document, but " + shown(difference->given) + " in what is given");
 }
 
-// A commit leaves at most its own bytes behind, and a frame does not begin as a record does. What
-// else stands there is somebody's, and not to be cut off.
-void InterruptedRun::checkTail(const RunPlan& plan) const {
-  const bool isMore = HasBlock() ? hasMoreBehind_ || isTag(tailTag_)
-                                 : tailBytes_ > FirstCommitSize(plan.wells.size());
-  if (isMore) {
-    refuseAt(tailStart_, "more follows than a recorder can have left");
-  }
-}
-
 void InterruptedRun::checkReadings(const RunPlan& plan) const {
   CFile file;
   if (!file.Open(path_.c_str(), CFile::modeRead)) refuse("cannot be read");
-  moveTo(file, framesStart());
-  std::vector<std::uint8_t> found(frameBytes());
-  for (std::size_t frame = 0; frame < frameCount_; ++frame) {
+  moveTo(file, block_.firstFrame);
+  const std::uint64_t frameBytes = FrameSize(block_.head.wells);
+  std::vector<std::uint8_t> found(frameBytes);
+  for (std::size_t frame = 0; frame < frames_.count; ++frame) {
     const std::vector<std::uint8_t> expected = storedBytes(FrameRecords(plan, frame));
     static_cast<void>(file.Read(found.data(), found.size()));
     const auto differs = std::mismatch(found.begin(), found.end(), expected.begin()).first;
     if (differs == found.end()) continue;
     const auto offset = static_cast<std::size_t>(differs - found.begin());
-    refuseAt(framesStart() + frame * frameBytes() + offset,
+    refuseAt(block_.firstFrame + frame * frameBytes + offset,
              "frame " + std::to_string(frame) + " holds another reading of well " +
                  plan.plate.NameOf(plan.wells[offset / kStoredRecordSize]));
   }
@@ -265,11 +208,11 @@ void InterruptedRun::Repair() const {
       file.SyncData();
     };
     if (HasBlock()) {
-      const std::uint64_t length = tailStart_ - blockStart_ - kRecordHeadSize;
-      if (blockLength_ != length) setRight(blockStart_ + kTagBytes, length);
+      const std::uint64_t length = frames_.end - blockStart_ - kRecordHeadSize;
+      if (block_.record.length != length) setRight(blockStart_ + kTagLength, length);
       if (headerPosition_ != blockStart_) setRight(HeaderLayout::kRawDataOffsetAt, blockStart_);
     }
-    file.SetLength(tailStart_);
+    file.SetLength(frames_.end);
     file.SyncData();
     file.Close();
   } catch (const CFileException& error) {

@@ -8,6 +8,7 @@
 #include "lab/record/RunPlan.h"
 #include "vex2/format/HeaderLayout.h"
 #include "vex2/framework/CFile.h"
+#include "vex2/storage/FrameLog.h"
 
 namespace vex2::lab {
 
@@ -21,9 +22,9 @@ std::string RecordedAssay(const std::string& path);
 /// be gone on with.
 bool HoldsFrames(const std::string& path, std::size_t frames);
 
-/// What a recorder has left of its document, whether it was cut off or had finished. Found by the
-/// lengths of its records, as the header's position of the data block may be wrong and the file may
-/// go on behind it.
+/// What a recorder has left of its document, whether it was cut off or had finished. Found behind
+/// its records, as the header's position of the data block may be wrong and the file may go on
+/// behind it. Where committed data end is FrameLog's answer; here it is compared with the plan.
 class InterruptedRun {
  public:
   /// Looks at the document without changing it. Throws an error when it is none that a recorder
@@ -34,7 +35,7 @@ class InterruptedRun {
   bool IsDone() const { return status_ == RunStatus::kDone; }
   bool HasBlock() const { return !wells_.empty(); }
   /// Frames that are in the document for good.
-  std::size_t FrameCount() const { return frameCount_; }
+  std::size_t FrameCount() const { return frames_.count; }
 
   /// Throws an error that tells the first difference, unless the document holds the beginning of
   /// `plan`, or all of it where the recorder had finished. The frames of a live plan are not
@@ -45,15 +46,10 @@ class InterruptedRun {
   void Repair() const;
 
  private:
-  void findBlock(CFile& file);
-  void readHead(CFile& file);
-  void countFrames(std::uint64_t fileLength);
+  void readBlock(CFile& file);
   void checkSettings(const RunPlan& plan) const;
   void checkContents(const RunPlan& plan) const;
-  void checkTail(const RunPlan& plan) const;
   void checkReadings(const RunPlan& plan) const;
-  std::uint64_t framesStart() const;
-  std::uint64_t frameBytes() const;
   [[noreturn]] void refuse(const std::string& why) const;
   [[noreturn]] void refuseAt(std::uint64_t offset, const std::string& why) const;
 
@@ -63,13 +59,9 @@ class InterruptedRun {
   std::uint16_t columns_ = 0;
   std::uint32_t headerPosition_ = 0;  ///< of the block, as the header has it
   std::uint64_t blockStart_ = 0;      ///< its tag's position, or where it is to stand
-  std::uint32_t blockLength_ = 0;     ///< as the block has it
+  CommittedBlock block_;              ///< what stands there, when the header leads to a block
   std::vector<unsigned short> wells_;
-  std::size_t frameCount_ = 0;
-  std::uint64_t tailStart_ = 0;  ///< where what is in the document for good ends
-  std::uint64_t tailBytes_ = 0;
-  bool hasMoreBehind_ = false;  ///< than a commit can have left, behind the block
-  std::string tailTag_;
+  CommittedFrames frames_;
 };
 
 }  // namespace vex2::lab

@@ -8,6 +8,7 @@
 
 #include "lab/model/FileLayout.h"
 #include "lab/recover/RecoverSource.h"
+#include "vex2/storage/FrameLog.h"
 
 namespace vex2::lab {
 
@@ -27,6 +28,10 @@ struct RecoverBlock {
 
   std::uint64_t FrameSize() const { return kStoredRecordSize * wells; }
   std::uint64_t End() const { return firstFrame + frames * FrameSize(); }
+  /// Where its frames stand in a file of this length.
+  FrameRange Range(std::uint64_t fileEnd) const {
+    return {firstFrame, FrameSize(), End(), fileEnd};
+  }
 };
 
 /// The block whose tag stands at `offset`, whatever that tag is. Numbers of wells are not read.

@@ -62,11 +62,11 @@ class Recovery {
   bool isRestOfPlateEnd(std::uint64_t offset);
   std::uint64_t keepPlateEnd(std::uint64_t offset);
 
-  // Bytes that are no record, and data blocks (SalvagerGaps.cpp)
+  // Bytes that are no record, and data blocks (RecoveryGaps.cpp)
   std::uint64_t passGap(std::uint64_t offset);
   std::uint64_t keepFound(RecoverBlock block, std::uint64_t from, std::uint64_t to);
   std::uint64_t keepBlock(RecoverBlock block);
-  std::uint64_t framesBehind(const RecoverBlock& block);
+  std::uint64_t framesBehind(const RecoverBlock& block, const CommittedFrames& committed);
   void fillCells(std::uint64_t offset, bool isCell);
   std::vector<std::uint16_t> likelyWellCounts(std::uint64_t from);
   std::vector<std::uint16_t> likelyNumbers(std::uint16_t wells) const;
@@ -74,7 +74,7 @@ class Recovery {
   void note(const RecoverBlock& block);
   void lose(std::uint64_t from, std::uint64_t to, const std::string& what);
 
-  // The header (SalvagerHeader.cpp)
+  // The header (RecoveryHeader.cpp)
   void finishHeader();
   std::uint32_t rightPosition(std::uint32_t stored, std::string_view tag);
   bool isRunning() const;

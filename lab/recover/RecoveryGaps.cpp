@@ -123,15 +123,14 @@ std::uint64_t Recovery::keepFound(RecoverBlock block, std::uint64_t from, std::u
 // recorder wrote and did not get to count.
 std::uint64_t Recovery::keepBlock(RecoverBlock block) {
   makeRoom(block.offset, block.tag);
-  const std::uint64_t size = std::max<std::uint64_t>(block.FrameSize(), 1);
-  const std::uint64_t there =
-      std::min(block.frames, (source_.Size() - std::min(source_.Size(), block.firstFrame)) / size);
-  const std::uint64_t behind = there == block.frames ? framesBehind(block) : 0;
-  const std::uint64_t end = block.firstFrame + (there + behind) * block.FrameSize();
+  const CommittedFrames committed = FindCommittedFrames(block.Range(source_.Size()));
+  const std::uint64_t there = committed.count;
+  const std::uint64_t behind = there == block.frames ? framesBehind(block, committed) : 0;
+  const std::uint64_t end = committed.end + behind * block.FrameSize();
   const std::uint64_t written = tree_.Position();
   tree_.Copy(block.offset, end);
   if (there + behind != block.frames) {
-    const std::uint64_t change = (there + behind) * size - block.frames * size;
+    const std::uint64_t change = (there + behind - block.frames) * block.FrameSize();
     tree_.Patch(written + 4, LongBytes(static_cast<std::uint32_t>(block.length + change)));
   }
   if (behind > 0) {
@@ -158,16 +157,16 @@ std::uint64_t Recovery::keepBlock(RecoverBlock block) {
   return source_.Size();
 }
 
-std::uint64_t Recovery::framesBehind(const RecoverBlock& block) {
-  const std::uint64_t end = block.End();
-  if (block.wells == 0 || end + block.FrameSize() > source_.Size() || IsBoundary(source_, end) ||
+std::uint64_t Recovery::framesBehind(const RecoverBlock& block, const CommittedFrames& committed) {
+  const std::uint64_t end = committed.end;
+  if (committed.inFile <= committed.count || IsBoundary(source_, end) ||
       FindHead(source_, end + 1, source_.Size())) {
     return 0;
   }
   auto marker = MarkerOf(source_, end - (block.frames > 0 ? block.FrameSize() : 0), block.wells);
   if (!marker && block.frames > 0) marker = MarkerOf(source_, block.firstFrame, block.wells);
   if (!marker) return 0;
-  return CountPlausibleFrames(source_, end, block.wells, (source_.Size() - end) / block.FrameSize(),
+  return CountPlausibleFrames(source_, end, block.wells, committed.inFile - committed.count,
                               marker);
 }
 

@@ -8,11 +8,12 @@
 namespace vex2 {
 
 static bool operator==(const CommittedFrames& one, const CommittedFrames& other) {
-  return one.count == other.count && one.end == other.end && one.behind == other.behind;
+  return one.count == other.count && one.inFile == other.inFile && one.end == other.end &&
+         one.behind == other.behind;
 }
 static std::ostream& operator<<(std::ostream& out, const CommittedFrames& frames) {
-  return out << frames.count << " frames up to " << frames.end << ", behind them "
-             << static_cast<int>(frames.behind);
+  return out << frames.count << " of " << frames.inFile << " frames up to " << frames.end
+             << ", behind them " << static_cast<int>(frames.behind);
 }
 
 namespace {
@@ -26,21 +27,21 @@ CommittedFrames find(std::uint64_t countedEnd, std::uint64_t fileEnd) {
 
 TEST(CommittedFrames, AreThoseThatTheLengthCounts) {
   const std::uint64_t end = kFirst + 3 * kSize;
-  EXPECT_EQ(find(end, end), (CommittedFrames{3, end, Uncommitted::kNothing}));
-  EXPECT_EQ(find(kFirst, kFirst), (CommittedFrames{0, kFirst, Uncommitted::kNothing}));
+  EXPECT_EQ(find(end, end), (CommittedFrames{3, 3, end, Uncommitted::kNothing}));
+  EXPECT_EQ(find(kFirst, kFirst), (CommittedFrames{0, 0, kFirst, Uncommitted::kNothing}));
 }
 
 TEST(CommittedFrames, EndBeforeAFrameThatTheFileEndsIn) {
   const std::uint64_t counted = kFirst + 3 * kSize;
   const std::uint64_t end = kFirst + 2 * kSize;
-  EXPECT_EQ(find(counted, counted - 1), (CommittedFrames{2, end, Uncommitted::kCommit}));
-  EXPECT_EQ(find(counted, end), (CommittedFrames{2, end, Uncommitted::kNothing}));
+  EXPECT_EQ(find(counted, counted - 1), (CommittedFrames{2, 2, end, Uncommitted::kCommit}));
+  EXPECT_EQ(find(counted, end), (CommittedFrames{2, 2, end, Uncommitted::kNothing}));
 }
 
 TEST(CommittedFrames, EndBeforePartOfAFrameThatTheLengthCounts) {
   const std::uint64_t end = kFirst + kSize;
-  EXPECT_EQ(find(end + 7, end + 7), (CommittedFrames{1, end, Uncommitted::kCommit}));
-  EXPECT_EQ(find(kFirst - 9, kFirst), (CommittedFrames{0, kFirst, Uncommitted::kNothing}))
+  EXPECT_EQ(find(end + 7, end + 7), (CommittedFrames{1, 1, end, Uncommitted::kCommit}));
+  EXPECT_EQ(find(kFirst - 9, kFirst), (CommittedFrames{0, 0, kFirst, Uncommitted::kNothing}))
       << "a length that is too small for the wells counts none";
 }
 
@@ -49,6 +50,16 @@ TEST(CommittedFrames, AreFollowedByAtMostAFrameOfOneCommit) {
   EXPECT_EQ(find(end, end + 1).behind, Uncommitted::kCommit);
   EXPECT_EQ(find(end, end + kSize).behind, Uncommitted::kCommit);
   EXPECT_EQ(find(end, end + kSize + 1).behind, Uncommitted::kMore);
+}
+
+TEST(CommittedFrames, CountNoWholeFrameBehindTheLength) {
+  const std::uint64_t end = kFirst + kSize;
+  EXPECT_EQ(find(end, end + kSize), (CommittedFrames{1, 2, end, Uncommitted::kCommit}));
+}
+
+TEST(CommittedFrames, OfABlockWithoutWellsAreNone) {
+  const FrameRange range{kFirst, 0, kFirst + 7, kFirst + 7};
+  EXPECT_EQ(FindCommittedFrames(range), (CommittedFrames{0, 0, kFirst, Uncommitted::kMore}));
 }
 
 TEST(CommittedFrames, OfAFirstCommitAreNoMoreThanABlockWithOneFrame) {

@@ -104,6 +104,16 @@ TEST_F(FrameLog, FirstCommitOverwritesABlockWithoutTagCutAnywhere) {
   }
 }
 
+// The write of the tag may be interrupted, too.
+TEST_F(FrameLog, FirstCommitOverwritesABlockWithPartOfItsTag) {
+  for (std::size_t written = 1; written < 4; ++written) {
+    Bytes begun = noTag_;
+    std::copy_n(whole_.begin(), written, begun.begin());
+    EXPECT_EQ(placeBehind({begun}), kHeader) << written;
+    EXPECT_EQ(placeBehind({Slice(begun, 0, written)}), kHeader) << written;
+  }
+}
+
 TEST_F(FrameLog, FirstCommitLeavesNothingOfALongerBlockWithoutTag) {
   EXPECT_EQ(placeBehind({StoredBlock(std::string_view("\0\0\0\0", 4), 2, 2)}), kHeader);
 }

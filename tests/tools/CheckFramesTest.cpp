@@ -86,6 +86,14 @@ TEST_F(CheckFrames, AFirstCommitThatWasInterruptedIsAWarning) {
       "interrupted");
 }
 
+// --resume and repair keep such a block, so it is no first commit that they would cut off.
+TEST_F(CheckFrames, ABlockOfSeveralFramesIsNoFirstCommit) {
+  MakeRun("PROG");
+  SetLong(kPositionAt, 0);
+  Change([](Bytes& bytes) { bytes.resize(kFirstFrame + kFrame + 10); });
+  ExpectError("RAWa at 1120: the record \"RAWa\" is cut short: 1 of 3 frames are there");
+}
+
 TEST_F(CheckFrames, ABlockWithoutItsTagIsAFirstCommitOnlyAtTheBeginOfARun) {
   MakeRun("PROG");
   Change([](Bytes& bytes) {

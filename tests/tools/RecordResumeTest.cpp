@@ -315,6 +315,17 @@ TEST_F(RecordResumeTest, RecordBehindTheDataBlockIsNotCutOff) {
   ExpectRefused(Record({"--resume"}), "more follows than a recorder can have left");
 }
 
+// A first commit begins with its tag or with zeros: what else is cut short there is somebody's.
+TEST_F(RecordResumeTest, RecordThatIsCutShortBehindTheOthersIsNotCutOff) {
+  RecordAndKill();
+  CutToFirstCommit(0);
+  Change([](Bytes& bytes) {
+    const Bytes record = {'C', 'A', 'L', 'R', 0, 0, 0, 9, 'a'};
+    bytes.insert(bytes.end(), record.begin(), record.end());
+  });
+  ExpectRefused(Record({"--resume"}), "more follows than a recorder can have left");
+}
+
 TEST_F(RecordResumeTest, SecondRecorderIsRefusedWhileTheFirstLives) {
   VexProcess first(Record({"--pace", "600"}));
   ASSERT_TRUE(WaitForFrames(0));

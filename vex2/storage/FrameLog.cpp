@@ -93,28 +93,6 @@ std::uint64_t FrameLog::End(std::uint32_t blockOffset) {
 
 namespace {
 
-// A data block in a file, as far as the end of the file lets it be read.
-struct StoredBlock {
-  FileRecord record;
-  DataBlockHead head;
-  bool isWhole = false;          // else the file ends within the head
-  std::uint64_t firstFrame = 0;  // known when it is whole
-
-  std::uint64_t FrameBytes() const { return FrameSize(head.wells); }
-};
-
-StoredBlock blockAt(CFile& file, std::uint64_t offset) {
-  StoredBlock block;
-  moveTo(file, offset);
-  if (!ReadRecordHead(file, block.record) ||
-      !ReadDataBlockHead(file, TimeBlock::kAsStated, block.head)) {
-    return block;
-  }
-  block.firstFrame = file.GetPosition() + sizeof(std::uint16_t) * block.head.wells;
-  block.isWhole = block.head.timeBlockSize == kTimeBlockSize;
-  return block;
-}
-
 // As much of a tag as the file has there.
 std::string tagAt(CFile& file, std::uint64_t offset) {
   moveTo(file, offset);
@@ -135,35 +113,52 @@ bool recordsFollow(CFile& file, std::uint64_t offset) {
   return !records.EndsInHead();
 }
 
+// Behind the records that stand before the block with that tag.
+std::uint64_t blockOffset(CFile& file, std::string_view blockTag) {
+  std::uint64_t start = HeaderLayout::kSize;
+  while (start < file.GetLength()) {
+    const std::string tag = tagAt(file, start);
+    // Bytes that are not a record lead to no other one, and may go on for gigabytes.
+    if (tag == blockTag || !IsPrintableTag(tag)) break;
+    const auto end = EndOfRecordAt(file, start);
+    if (!end) break;
+    start = *end;
+  }
+  return start;
+}
+
 // For a block that the header leads to: behind the frames that its length counts.
 std::uint64_t endOfFrames(CFile& file, std::uint32_t offset, const HeldBlock& held) {
   const std::uint64_t fileEnd = file.GetLength();
-  const StoredBlock block = blockAt(file, offset);
+  const CommittedBlock block = ReadCommittedBlock(file, offset);
   // Leave blocks alone that this system cannot have written.
   if (!block.isWhole || block.record.Tag() != held.Tag() ||
       block.head.version < kFirstVersionWithTimes || block.head.wells == 0 ||
       block.head.wells != held.Wells()) {
     return fileEnd;
   }
-  const std::uint64_t counted = block.record.DeclaredEnd();
-  const CommittedFrames frames =
-      FindCommittedFrames({block.firstFrame, block.FrameBytes(), counted, fileEnd});
-  if (frames.end != counted || frames.behind != Uncommitted::kCommit) return fileEnd;
-  // What others put behind the data are records.
-  return recordsFollow(file, counted) ? fileEnd : counted;
+  const CommittedFrames frames = FindCommittedFrames(file, block.Range(fileEnd));
+  const bool isCounted = frames.end == block.record.DeclaredEnd();
+  return isCounted && frames.behind == Uncommitted::kCommit ? frames.end : fileEnd;
+}
+
+// Whether the bytes are a block's tag as far as it was written, and zeros behind that.
+bool beginsAsBlock(std::string_view bytes, std::string_view tag) {
+  const auto unwritten = std::mismatch(bytes.begin(), bytes.end(), tag.begin()).first;
+  return kUncommittedTag.starts_with({unwritten, bytes.end()});
 }
 
 // Whether the bytes from `start` to the file's end are a first commit that was interrupted: a block
 // that has no tag yet, or one without a frame that `held` does not have.
-bool isInterruptedFirstCommit(CFile& file, std::uint64_t start, const HeldBlock& held) {
-  const StoredBlock block = blockAt(file, start);
+bool isFirstCommitOf(CFile& file, std::uint64_t start, const HeldBlock& held) {
+  if (!beginsAsBlock(tagAt(file, start), held.Tag())) return false;
+  const CommittedBlock block = ReadCommittedBlock(file, start);
   if (block.record.DeclaredEnd() < file.GetLength()) return false;
   if (!block.isWhole) return file.GetLength() - start <= kRecordHeadSize + kBlockFixedSize;
   if (block.head.version < kFirstVersionWithTimes || block.head.wells != held.Wells()) return false;
-  if (block.record.Tag() == kUncommittedTag || block.firstFrame > file.GetLength()) return true;
+  if (block.record.Tag() != held.Tag() || block.firstFrame > file.GetLength()) return true;
   moveTo(file, block.firstFrame);
-  const std::uint64_t size = block.FrameBytes();
-  const std::uint64_t frames = size != 0 ? file.GetRemaining() / size : 0;
+  const std::uint64_t frames = FindCommittedFrames(block.Range(file.GetLength())).inFile;
   if (frames > held.Frames()) return false;
   for (std::uint64_t frame = 0; frame < frames; ++frame) {
     if (!held.IsFrame(file, frame)) return false;
@@ -174,35 +169,63 @@ bool isInterruptedFirstCommit(CFile& file, std::uint64_t start, const HeldBlock&
 // Before the first commit: behind the last record, which readers find by what records hold.
 std::uint64_t endOfRecords(CFile& file, const HeldBlock& held) {
   const std::uint64_t fileEnd = file.GetLength();
-  std::uint64_t start = HeaderLayout::kSize;
-  while (start < fileEnd) {
-    const std::string tag = tagAt(file, start);
-    if (tag == held.Tag() || tag == kUncommittedTag.substr(0, tag.size())) {
-      return isInterruptedFirstCommit(file, start, held) ? start : fileEnd;
-    }
-    // Bytes that are not a record lead to no other one, and may go on for gigabytes.
-    if (!IsPrintableTag(tag)) break;
-    const auto end = EndOfRecordAt(file, start);
-    if (!end) break;
-    start = *end;
-  }
-  return fileEnd;
+  const std::uint64_t start = blockOffset(file, held.Tag());
+  return start < fileEnd && isFirstCommitOf(file, start, held) ? start : fileEnd;
 }
 
 }  // namespace
 
 CommittedFrames FindCommittedFrames(const FrameRange& range) {
-  const std::uint64_t last = std::min(range.countedEnd, range.fileEnd);
   CommittedFrames frames;
-  frames.count = (std::max(last, range.firstFrame) - range.firstFrame) / range.frameSize;
+  const auto wholeUpTo = [&](std::uint64_t end) -> std::uint64_t {
+    if (range.frameSize == 0 || end < range.firstFrame) return 0;
+    return (end - range.firstFrame) / range.frameSize;
+  };
+  frames.inFile = wholeUpTo(range.fileEnd);
+  frames.count = std::min(wholeUpTo(range.countedEnd), frames.inFile);
   frames.end = range.firstFrame + frames.count * range.frameSize;
   frames.behind = UncommittedBehind(range, frames.end);
+  return frames;
+}
+
+CommittedFrames FindCommittedFrames(CFile& file, const FrameRange& range) {
+  CommittedFrames frames = FindCommittedFrames(range);
+  // What others put behind the data are records.
+  if (frames.behind == Uncommitted::kCommit && recordsFollow(file, frames.end)) {
+    frames.behind = Uncommitted::kMore;
+  }
   return frames;
 }
 
 Uncommitted UncommittedBehind(const FrameRange& range, std::uint64_t end) {
   if (range.fileEnd <= end) return Uncommitted::kNothing;
   return range.fileEnd - end <= range.frameSize ? Uncommitted::kCommit : Uncommitted::kMore;
+}
+
+bool IsFirstCommit(CFile& file, std::uint64_t start, std::uint64_t wells) {
+  const std::uint64_t fileEnd = file.GetLength();
+  if (start >= fileEnd || !beginsAsBlock(tagAt(file, start), TagOf(Kind::kRawData))) return false;
+  // The head may not be on the disk although bytes behind it are.
+  const CommittedBlock block = ReadCommittedBlock(file, start);
+  const bool hasWells = block.isWhole && block.head.wells > 0;
+  const std::uint64_t most = hasWells ? std::min<std::uint64_t>(block.head.wells, wells) : wells;
+  return fileEnd - start <= FirstCommitSize(most);
+}
+
+CommittedBlock ReadCommittedBlock(CFile& file, std::uint64_t offset) {
+  CommittedBlock block;
+  moveTo(file, offset);
+  if (!ReadRecordHead(file, block.record) ||
+      !ReadDataBlockHead(file, TimeBlock::kAsStated, block.head)) {
+    return block;
+  }
+  block.firstFrame = file.GetPosition() + sizeof(std::uint16_t) * block.head.wells;
+  block.isWhole = block.head.timeBlockSize == kTimeBlockSize;
+  return block;
+}
+
+std::uint64_t FindBlockOffset(CFile& file) {
+  return blockOffset(file, TagOf(Kind::kRawData));
 }
 
 std::uint64_t CommittedEnd(CFile& file, std::uint32_t blockOffset, const HeldBlock& held) {

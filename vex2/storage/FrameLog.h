@@ -5,6 +5,7 @@
 
 #include "vex2/format/DataBlockHead.h"
 #include "vex2/format/RecordKinds.h"
+#include "vex2/format/RecordWalker.h"
 #include "vex2/framework/CFile.h"
 #include "vex2/storage/DocumentStore.h"
 
@@ -17,7 +18,7 @@ namespace vex2 {
 /// Where the frames of a data block stand in a file.
 struct FrameRange {
   std::uint64_t firstFrame = 0;  ///< offset of it
-  std::uint64_t frameSize = 0;   ///< bytes, not 0
+  std::uint64_t frameSize = 0;   ///< bytes; 0 without wells
   std::uint64_t countedEnd = 0;  ///< the offset at which the block ends by its length
   std::uint64_t fileEnd = 0;     ///< the file's length
 };
@@ -30,13 +31,18 @@ enum class Uncommitted : std::uint8_t {
 };
 
 struct CommittedFrames {
-  std::uint64_t count = 0;  ///< frames that the length counts and the file holds whole
-  std::uint64_t end = 0;    ///< the offset behind the last of them
+  std::uint64_t count = 0;   ///< frames that the length counts and the file holds whole
+  std::uint64_t inFile = 0;  ///< frames that the file holds whole, counted or not
+  std::uint64_t end = 0;     ///< the offset behind the last of the `count`
   Uncommitted behind = Uncommitted::kNothing;
 };
 
-/// The committed frames of a block that is the last record of its document.
+/// The committed frames of a block that is the last record of its document. Needs no file, so that
+/// it answers for damaged ones too; a block without wells has no frames.
 CommittedFrames FindCommittedFrames(const FrameRange& range);
+
+/// The same for a block in the open `file`: records that follow the frames are no commit's.
+CommittedFrames FindCommittedFrames(CFile& file, const FrameRange& range);
 
 /// What stands behind such a block when its frames end at `end`.
 Uncommitted UncommittedBehind(const FrameRange& range, std::uint64_t end);
@@ -45,6 +51,34 @@ Uncommitted UncommittedBehind(const FrameRange& range, std::uint64_t end);
 constexpr std::uint64_t FirstCommitSize(std::uint64_t wells) {
   return kRecordHeadSize + kBlockFixedSize + (sizeof(std::uint16_t) + kStoredRecordSize) * wells;
 }
+
+/// Whether the bytes from `start` to the end of the open `file` are what an interrupted first
+/// commit leaves there: the block of one frame of at most `wells` wells, or its beginning, still
+/// without its tag or with it. Nothing counts them unless the header leads to them. Moves the
+/// position.
+bool IsFirstCommit(CFile& file, std::uint64_t start, std::uint64_t wells);
+
+/// A data block as commits write it, as far as the end of its file lets it be read.
+struct CommittedBlock {
+  FileRecord record;
+  DataBlockHead head;
+  bool isWhole = false;          ///< else the file ends within the head, or its times are no times
+  std::uint64_t firstFrame = 0;  ///< known when it is whole
+
+  /// Where its frames stand in a file of this length.
+  FrameRange Range(std::uint64_t fileEnd) const {
+    return {firstFrame, FrameSize(head.wells), record.DeclaredEnd(), fileEnd};
+  }
+};
+
+/// The block whose tag stands at `offset` of the open `file`. The position is left at its well
+/// numbers when it is whole.
+CommittedBlock ReadCommittedBlock(CFile& file, std::uint64_t offset);
+
+/// Where the raw readings of the document in the open `file` stand, or would: behind its other
+/// records, which are found by what they hold. At the first bytes that are no whole record where
+/// those are damaged or the file ends in them. Moves the position.
+std::uint64_t FindBlockOffset(CFile& file);
 
 /// The data block that a writer holds in memory and commits from.
 class HeldBlock {

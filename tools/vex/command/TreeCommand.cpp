@@ -110,7 +110,7 @@ class TreeCommand final : public Command {
       walk(file, plate, selection, tree);
       tree.Finish();
     } else {
-      TextTree tree(plate.isEmbedded ? plate.end : document.StrayOffset());
+      TextTree tree(plate.isEmbedded ? plate.end : document.RecordsEnd());
       walk(file, plate, selection, tree);
       if (!tag_) tree.Finish(plate.end);
     }

@@ -1,4 +1,4 @@
-#include "lab/check/TailCheck.h"
+#include "lab/check/UncommittedCheck.h"
 
 #include <algorithm>
 
@@ -17,17 +17,11 @@ constexpr const char* kNotCommitted =
     "spoil its frames";
 constexpr const char* kResume = "'vex record --resume' and 'vex repair' cut it off";
 
-std::string textAt(CFile& file, std::uint64_t offset) {
-  std::array<char, 4> text{};
-  file.Seek(static_cast<std::int64_t>(offset), CFile::begin);
-  return {text.data(), file.Read(text.data(), text.size())};
-}
-
 // The file ends before the block does.
 void checkCutBlock(CFile& file, const Document& document, const HeaderFields& header,
                    const FileFault& fault, Findings& findings) {
   const auto block = FindLastBlock(file, document);
-  if (header.IsUnfinished() && header.rawDataPosition == 0) {
+  if (header.AwaitsFirstCommit() && IsFirstCommit(file, fault.offset, header.Wells())) {
     findings.Add({Severity::kWarning, std::string(kBlock), fault.offset,
                   "a block that the header does not lead to, cut short: its first commit was "
                   "interrupted",
@@ -61,17 +55,17 @@ void checkFault(CFile& file, const Document& document, const HeaderFields& heade
 
 void checkBehindBlock(const LastBlock& block, const Document& document, const HeaderFields& header,
                       Findings& findings) {
-  const std::uint64_t from = document.StrayOffset();
+  const std::uint64_t from = document.RecordsEnd();
   const std::uint64_t bytes = document.Size() - from;
   const std::uint64_t whole = bytes / block.head.frameSize;
   const std::uint64_t rest = bytes % block.head.frameSize;
-  const std::string halfText = std::to_string(rest) + " of the " +
+  const std::string partText = std::to_string(rest) + " of the " +
                                std::to_string(block.head.frameSize) + " bytes of a frame";
   const bool isOfACommit =
       UncommittedBehind(block.Range(document.Size()), from) == Uncommitted::kCommit;
   if (header.IsUnfinished() && isOfACommit) {
     findings.Add({Severity::kWarning, std::string(kBlock), from,
-                  (whole == 1 ? "a whole frame follows" : halfText + " follow") +
+                  (whole == 1 ? "a whole frame follows" : partText + " follow") +
                       " the block's length: a commit was interrupted",
                   kNotCommitted,
                   whole == 1 ? "'vex repair' counts it when each well has a reading in it; 'vex "
@@ -81,27 +75,27 @@ void checkBehindBlock(const LastBlock& block, const Document& document, const He
   }
   if (whole == 0) {
     findings.Add({Severity::kError, std::string(kBlock), from,
-                  halfText + " follow the block's length",
+                  partText + " follow the block's length",
                   "they are not read, and a save drops them", "'vex repair' cuts them off"});
     return;
   }
   findings.Add({Severity::kError, std::string(kBlock), from,
-                Counted(whole, "whole frame") + (rest > 0 ? " and " + halfText : "") +
+                Counted(whole, "whole frame") + (rest > 0 ? " and " + partText : "") +
                     (whole == 1 && rest == 0 ? " follows" : " follow") + " the block's length",
                 "the block is read with " + Counted(block.head.frameCount, "frame") +
                     ", and a save drops the others",
                 "'vex repair' counts those in which each well has a reading"});
 }
 
-void checkStray(CFile& file, const Document& document, const HeaderFields& header,
-                Findings& findings) {
-  const std::uint64_t from = document.StrayOffset();
+void checkBehindRecords(CFile& file, const Document& document, const HeaderFields& header,
+                        Findings& findings) {
+  const std::uint64_t from = document.RecordsEnd();
   const std::uint64_t bytes = document.Size() - from;
   if (bytes == 0) return;
   if (const auto block = FindLastBlock(file, document)) {
     return checkBehindBlock(*block, document, header, findings);
   }
-  if (IsFirstCommit(file, document, header)) {
+  if (EndsInFirstCommit(file, document, header)) {
     findings.Add({Severity::kWarning, "", from,
                   Counted(bytes, "byte") + " of a block without its tag follow the last record: a "
                                            "first commit was interrupted",
@@ -120,17 +114,12 @@ void checkStray(CFile& file, const Document& document, const HeaderFields& heade
 
 }  // namespace
 
-// A block gets its tag when all of it is on the disk, and then the header leads to it.
-bool IsFirstCommit(CFile& file, const Document& document, const HeaderFields& header) {
+bool EndsInFirstCommit(CFile& file, const Document& document, const HeaderFields& header) {
   const auto& records = document.Records();
   const bool hasBlock = std::any_of(records.begin(), records.end(),
                                     [](const auto& record) { return record.tag == kBlock; });
-  if (hasBlock || !header.IsUnfinished() || header.rawDataPosition != 0) return false;
-  const std::uint64_t from = document.StrayOffset();
-  const std::uint64_t bytes = document.Size() - from;
-  if (bytes == 0 || bytes > FirstCommitSize(header.Wells())) return false;
-  const std::string begin = textAt(file, from);
-  return begin == kBlock.substr(0, begin.size()) || begin == std::string(begin.size(), '\0');
+  return !hasBlock && header.AwaitsFirstCommit() &&
+         IsFirstCommit(file, document.RecordsEnd(), header.Wells());
 }
 
 std::optional<LastBlock> FindLastBlock(CFile& file, const Document& document) {
@@ -152,7 +141,7 @@ void CheckEnd(CFile& file, const Document& document, const HeaderFields& header,
   if (document.Fault()) {
     checkFault(file, document, header, records, findings);
   } else {
-    checkStray(file, document, header, findings);
+    checkBehindRecords(file, document, header, findings);
   }
 }
 

@@ -26,9 +26,9 @@ struct LastBlock {
 /// wells or ends before its frames.
 std::optional<LastBlock> FindLastBlock(CFile& file, const Document& document);
 
-/// Whether what follows the last record is a block that a first commit was writing when it was
-/// interrupted: without its tag, and no larger than a block of one frame.
-bool IsFirstCommit(CFile& file, const Document& document, const HeaderFields& header);
+/// Whether what follows the last record is a first commit that was interrupted: the document has no
+/// block yet, and no header leads to one.
+bool EndsInFirstCommit(CFile& file, const Document& document, const HeaderFields& header);
 
 /// Adds what is wrong with the end of a document: where the reader gives up before it, and bytes
 /// behind the last record. What an interrupted commit leaves there is a warning: nothing that was
