@@ -294,6 +294,18 @@ TEST_F(BackgroundInAFile, OfAnotherSizeIsToldBeforeARefusedWrite) {
   EXPECT_EQ(ReadBytes(path_), before);
 }
 
+TEST_F(BackgroundInAFile, OfAStudyIsAppendedBehindItsPlates) {
+  Vex2FileManager study;
+  document_.SetFilePath("plate.vex");
+  ASSERT_TRUE(study.AddRQPlate(&document_, ""));
+  ASSERT_EQ(study.SaveToFile(path_.c_str()), kSuccess);
+  const std::size_t size = ReadBytes(path_).size();
+  EXPECT_EQ(document_.ReplaceBackground(path_.c_str(), &background_), kSuccess);
+  const Bytes after = ReadBytes(path_);
+  ASSERT_GT(after.size(), size);
+  EXPECT_EQ(Slice(after, size, 4), ToBytes("CALI"));
+}
+
 TEST_F(BackgroundInAFile, OfATornFileIsLeftAlone) {
   Bytes bytes = fileWithBackground();
   for (const std::size_t cut : {1028U, 1030U, 1033U}) {

@@ -57,6 +57,13 @@ TEST_F(HostileStudy, ChildThatIsNoPlateEndsTheReadAsNotFound) {
   }
 }
 
+TEST_F(HostileStudy, PlatesCountAsLittleAsTheyDeclare) {
+  const std::string tooLong = RecordDeclaring("CNTL", 500, BigEndian(0, 2));
+  const std::string plates = RecordDeclaring("MPLC", 12, BigEndian(1, 2) + plate(""));
+  EXPECT_EQ(read(tooLong + plates + Record("CALR", "last")), 0);
+  EXPECT_EQ(TagsOf(read_), "CNTL MPLC CALR");
+}
+
 TEST_F(HostileStudy, CountPastTheFilesEndKeepsThePlatesThatAreThere) {
   EXPECT_EQ(read(RecordDeclaring("MPLC", 22, BigEndian(65535, 2) + plate("") + plate(""))), 0);
   EXPECT_EQ(read_.GetRQPlateCount(), 2);

@@ -94,6 +94,13 @@ TEST_F(PartlyRead, FileThatIsNoDocumentOrCannotBeOpenedIsNotWhole) {
   EXPECT_EQ(ReadBytes(backup_), ToBytes("a text of mine"));
 }
 
+TEST_F(PartlyRead, LengthsThatEndBeforeTheFileAreNotWhole) {
+  // The list declares the twelve bytes of the record behind it as its own.
+  const std::string list = RecordDeclaring("CNTL", 2 + 12, std::string(2, '\0'));
+  expectFault(list + Record("CALR", "last"), 1024 + 10,
+              "the lengths of the records end before the file does");
+}
+
 TEST_F(PartlyRead, ShortHeaderIsNotWhole) {
   Bytes bytes = StoredHeader();
   bytes.resize(500);
@@ -240,6 +247,28 @@ TEST_F(PartlyRead, SaveFailsWhereTheBackupCannotBeMade) {
   }
   EXPECT_EQ(document.SaveToFile(path_.c_str()), kSuccess);
   EXPECT_EQ(ReadBytes(backup_), before);
+}
+
+TEST_F(PartlyRead, FileThatTheManagerHoldsOpenIsBackedUp) {
+  const char* path = path_.c_str();
+  Vex2FileManager document;
+  EXPECT_EQ(document.ReadFromFile(path), kReadFailed) << "there is no such file yet";
+  ASSERT_EQ(document.SafeOpen(path, 1, 1), 1);
+  document.Write("half", 4);
+  EXPECT_EQ(document.SaveToFile(path), kSuccess);
+  EXPECT_EQ(ReadBytes(backup_), ToBytes("half"));
+}
+
+TEST_F(PartlyRead, FailedReadIsToldBeforeAFailedBackup) {
+  writeDamaged();
+  Vex2FileManager document;
+  ASSERT_EQ(document.ReadFromFile(path_.c_str()), kSuccess);
+  FaultyFileSystem files;
+  files.RefuseReaders(EACCES);
+  Vex2FrameData frame = MakeFrame(2, 0);
+  const Vex2AcquisitionData data{&frame, 1};
+  EXPECT_EQ(document.ReplaceAcquisitionDataBlock(path_.c_str(), &data, DataREPr), kReadFailed);
+  EXPECT_EQ(document.SafeOpen(path_.c_str(), 1, 0), 0);
 }
 
 TEST_F(PartlyRead, BackupIsOnTheDiskBeforeTheFileIsReplaced) {

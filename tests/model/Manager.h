@@ -137,6 +137,8 @@ class Manager {
   int writeHeader();
   void writePart(const Part& part);
   int saveParts(const char* at, const std::function<int()>& writeThem);
+  /// Whether a file must be kept before it is replaced, and cannot, as it may not be read.
+  bool lacksBackup(const char* at) const;
   int replaceRaw(const char* at, const Part& block);
   int replaceReporting(const char* at, const Part& block, const Text& tag);
   std::size_t placeForFrame(const Part& block, std::uint32_t offset);
@@ -148,7 +150,8 @@ class Manager {
   Mode mode_ = Mode::closed;
   Text openPath_;
   std::size_t position_ = 0;
-  Left left_;  ///< what the last commit left
+  Left left_;    ///< what the last commit left
+  Text unread_;  ///< the path of the file that was not read whole, where it may not be read at all
 };
 
 }  // namespace vex2::test::model

@@ -62,6 +62,7 @@ int Manager::replaceBackground(const char* at, const Spectra* value) {
   const Part* background = index < list->children.size() ? &list->children[index] : nullptr;
   if (at == nullptr || safeOpen(at, 0, 0) == 0) return -100;
   const Text bytes = content();
+  const bool isDocument = isVex2();
   close();
   std::size_t place = 0;
   for (std::size_t offset = 1024; offset < bytes.size();) {
@@ -72,6 +73,9 @@ int Manager::replaceBackground(const char* at, const Spectra* value) {
       place = offset;
       break;
     }
+    // A document that does not hold a record whole takes none behind it.
+    const bool isWhole = length <= bytes.size() - offset - 8;
+    if (isDocument && !isWhole && IsKnown(bytes.substr(offset, 4))) return -300;
     offset += 8 + length;
   }
   if (safeOpen(at, 1, 1) == 0) return -200;

@@ -32,6 +32,7 @@ int Manager::safeOpen(const char* at, int write, int append) {
     return 0;
   }
   if (write == 0 && !exists) return 0;
+  if (write != 0 && append == 0 && lacksBackup(at)) return 0;
   if (disk_->writers[path] != 0 || (write != 0 && disk_->readers[path] != 0)) return 0;
   ++(write != 0 ? disk_->writers : disk_->readers)[path];
   mode_ = write != 0 ? Mode::writing : Mode::reading;
@@ -59,7 +60,12 @@ void Manager::overwrite(std::size_t at, const Text& bytes) {
   all.replace(at, bytes.size(), bytes);
 }
 
+bool Manager::lacksBackup(const char* at) const {
+  return at == unread_ && disk_->files.count(unread_) != 0;
+}
+
 int Manager::reset() {
+  unread_.clear();
   header = EmptyHeader();
   parts.clear();
   analysed.clear();
@@ -70,6 +76,7 @@ void Manager::assign(const Manager& other) {
   reset();
   header = other.header;
   path = other.path;
+  unread_ = other.unread_;
   for (const Part& part : other.parts) parts.push_back(Copied(part));
 }
 
@@ -88,7 +95,9 @@ bool Manager::isSettled(const char* at) const {
 
 int Manager::readFromFile(const char* at) {
   if (at == nullptr) return -50;
-  if (safeOpen(at, 0, 0) == 0) return -100;
+  const bool isOpened = safeOpen(at, 0, 0) != 0;
+  unread_ = !isOpened && begins(path, "/drop") ? path : Text();
+  if (!isOpened) return -100;
   readComponentFile();
   close();
   return 0;
@@ -96,7 +105,9 @@ int Manager::readFromFile(const char* at) {
 
 int Manager::readComponentFile() {
   reset();
-  if (!isVex2()) return -100;
+  const bool isReadable = isVex2();
+  if (!isReadable && begins(openPath_, "/drop")) unread_ = openPath_;
+  if (!isReadable) return -100;
   const Document document = ReadDocument(content());
   header = document.header;
   parts = document.parts;

@@ -65,7 +65,7 @@ class MemoryFiles : public FileSystem {
     auto free = std::find_if(handles_.begin(), handles_.end(),
                              [](const Handle& handle) { return !handle.isOpen; });
     if (free == handles_.end()) free = handles_.insert(free, Handle{});
-    *free = {isFolder ? nullptr : nodeAt(path), true, Hold::none};
+    *free = {isFolder ? nullptr : nodeAt(path), true, Hold::none, flags & O_ACCMODE};
     return static_cast<int>(free - handles_.begin());
   }
   int Close(int file) override {
@@ -75,6 +75,7 @@ class MemoryFiles : public FileSystem {
     return 0;
   }
   ssize_t ReadAt(int file, void* bytes, std::size_t count, std::uint64_t offset) override {
+    if (at(file).access == O_WRONLY) return -EBADF;
     const Bytes& content = at(file).node->bytes;
     if (offset >= content.size()) return 0;
     count = std::min<std::size_t>(count, content.size() - offset);
@@ -82,6 +83,7 @@ class MemoryFiles : public FileSystem {
     return static_cast<ssize_t>(count);
   }
   ssize_t WriteAt(int file, const void* bytes, std::size_t count, std::uint64_t offset) override {
+    if (at(file).access == O_RDONLY) return -EBADF;
     Bytes& content = at(file).node->bytes;
     if (const int status = grow(content, offset, count); status < 0) return status;
     std::memcpy(content.data() + offset, bytes, count);
@@ -156,6 +158,7 @@ class MemoryFiles : public FileSystem {
     std::shared_ptr<Node> node;  // null for a folder
     bool isOpen = false;
     Hold hold = Hold::none;
+    int access = O_RDONLY;
   };
 
   std::shared_ptr<Node> nodeAt(const std::string& path) {

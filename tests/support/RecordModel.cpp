@@ -61,6 +61,9 @@ int readRecords(Stream& stream, std::uint32_t count, Part& list) {
     Part child;
     std::uint64_t counted = 0;
     if (const int status = ReadRecord(stream, child, counted); status != 0) return status;
+    // A list keeps no more of an unknown record than the file has of it.
+    const std::size_t held = stream.at - std::min(stream.at, start + 8);
+    if (child.isUnknown) child.length = std::min(child.length, static_cast<std::uint32_t>(held));
     // A plate that is read increases the length as if it were added.
     if (list.tag == "MPLC") list.length += 10;
     list.children.push_back(child);
@@ -292,6 +295,8 @@ Document ReadDocument(const Text& bytes) {
       if (status != 0) break;
       document.parts.push_back(part);
     }
+    // Plates declare too little or, after many saves, too much.
+    if (part.tag == "MPLC") size = std::min<std::uint64_t>(size, stream.at - start);
     remaining = remaining < size ? 0 : remaining - size;
   }
   return document;

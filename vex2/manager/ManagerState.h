@@ -67,9 +67,9 @@ class PartlyReadFile {
   void Note(std::uint64_t offset, const char* reason);
   /// The file at `path` is the one that is read from now on. Throws `CFileException`.
   void SetSource(const CString& path);
-  /// Backs up the file at `path` if it is the one that was read in part, once. Throws
-  /// `CFileException`.
-  void BackUp(const char* path);
+  /// Backs up the file at `path` if it is the one that was read in part, once. Closes `own` before,
+  /// which may hold that file and its lock. Throws `CFileException`.
+  void BackUp(const char* path, CFile& own);
 
  private:
   ReadFault fault_;

@@ -37,7 +37,7 @@ void Vex2FileManager::State::NotePlates() {
 
 int Vex2FileManager::State::BackUpPartlyRead(const char* path) {
   return store.Attempt(vex2::kWriteFailed, [&] {
-    partlyRead.BackUp(path);
+    partlyRead.BackUp(path, store.File());
     return kSuccess;
   });
 }
@@ -54,12 +54,13 @@ void PartlyReadFile::SetSource(const CString& path) {
   path_ = CString(std::string_view(file.path));
 }
 
-void PartlyReadFile::BackUp(const char* path) {
+void PartlyReadFile::BackUp(const char* path, CFile& own) {
   if (path == nullptr || IsWhole() || isKept_) return;
   const LocatedFile file = LocateFile(path);
   const bool isSameFile = identity_ == std::pair(file.device, file.number);
   if (!isSameFile && path_.View() != file.path) return;
   if (!file.exists || !file.isRegular) return;
+  own.Close();
   BackUpFile(file.path);
   isKept_ = true;
 }

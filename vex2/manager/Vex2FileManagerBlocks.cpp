@@ -185,7 +185,11 @@ int Vex2FileManager::ReplaceAcquisitionDataBlock(const char* path, const Vex2Acq
   const vex2::Operation operation(state_->store);
   AcquisitionDataComp* block = nullptr;
   int status = setBlock(state_->store, state_->components, type, data, block);
-  if (status == kSuccess) status = state_->BackUpPartlyRead(path);
+  if (status == kSuccess && state_->BackUpPartlyRead(path) != kSuccess) {
+    // A failed read is told before a refused write, here that of the backup.
+    status = SafeOpen(path, 0, 0) == 0 ? vex2::kReadFailed : vex2::kWriteFailed;
+    Abort();
+  }
   if (status == kSuccess) {
     status = type == DataRAWa ? state_->ReplaceRawData(*this, path, *block)
                               : state_->ReplaceReportingData(*this, path, *block);

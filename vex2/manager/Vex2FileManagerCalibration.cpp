@@ -89,8 +89,11 @@ int findBackground(Vex2FileManager& file, std::uint32_t length, std::uint64_t& o
       return record.length == length ? kSuccess : vex2::kSizeDiffers;
     }
     // What was appended behind a record that the document does not hold whole would be lost in it.
-    // A file without a header holds no records there.
-    if (isDocument && !vex2::HasBytesLeft(file, record.length)) return kNotFound;
+    // A file without a header holds no records there, and lengths do not lead behind the plates of
+    // a study: what they lead to there is of no known kind.
+    if (isDocument && vex2::IsKnownTag(record.Tag()) && !vex2::HasBytesLeft(file, record.length)) {
+      return kNotFound;
+    }
   }
   return records.EndsInHead() ? kNotFound : kSuccess;
 }

@@ -60,7 +60,13 @@ int Vex2FileManager::SafeOpen(const char* path, int write, int append) {
   constexpr unsigned kCommon = typeBinary | shareExclusive;
   if (write == 0) return state_->store.Open(path, modeRead | kCommon) ? 1 : 0;
   if (append == 0) {
-    if (state_->BackUpPartlyRead(path) != kSuccess) return 0;
+    if (state_->BackUpPartlyRead(path) != kSuccess) {
+      static_cast<void>(guarded(0, [&] {
+        state_->store.SetPath(CString(path));
+        return 0;
+      }));
+      return 0;
+    }
     return state_->store.Open(path, modeWrite | modeCreate | kCommon) ? 1 : 0;
   }
   if (!state_->store.Open(path, modeWrite | modeCreate | modeNoTruncate | kCommon)) return 0;
@@ -193,7 +199,7 @@ int Vex2FileManager::State::ReadRecords(CFile& file) {
     const int read = component->Read(&file, size);
     // The length of a study's plates grows with every save and in the end is more than they have.
     if (component->GetTag() == TagOf(Kind::kPlates)) {
-      size = static_cast<std::uint32_t>(own.GetPosition() - start);
+      size = static_cast<std::uint32_t>(std::min<std::uint64_t>(size, own.GetPosition() - start));
     }
     if (known) {
       status = read;
