@@ -7,6 +7,7 @@
 #include "lab/Error.h"
 #include "lab/record/RunRecorder.h"
 #include "tests/reliability/ForkedProcess.h"
+#include "tests/support/ByteString.h"
 #include "tests/support/FaultyFileSystem.h"
 #include "tests/support/Files.h"
 #include "tests/support/SilentHost.h"
@@ -344,6 +345,20 @@ TEST_F(RunRecorderTest, FailedSyncIsFinalUntilResumed) {
   }
   RunRecorder resumed = recorder({.resume = true});
   EXPECT_GE(resumed.FrameCount(), 1U);
+}
+
+TEST_F(RunRecorderTest, ResumeSyncsEachRepairBeforeTheNext) {
+  record(2);
+  Bytes document = ReadBytes(path());
+  constexpr std::size_t kRawDataOffsetAt = 68;
+  SetLongAt(document, kRawDataOffsetAt, LongAt(document, kRawDataOffsetAt) + 1);
+  document.resize(document.size() - 10);  // within the second frame
+  WriteBytes(path(), document);
+  FaultyFileSystem files;
+  const RunRecorder resumed = recorder({.resume = true});
+  EXPECT_EQ(resumed.FrameCount(), 1U);
+  EXPECT_THAT(files.Changes(), testing::HasSubstr("WDWDTD"))
+      << "the length, the header's offset, and the end";
 }
 
 TEST_F(RunRecorderTest, ThrowsErrorForUnusablePaths) {

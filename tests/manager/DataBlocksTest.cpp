@@ -201,6 +201,12 @@ TEST_F(DataBlocks, ReplacingInAReadOnlyFileIsAFailedWrite) {
   EXPECT_EQ(replace(&data, DataRAWa), kReadFailed) << "this is said first";
 }
 
+TEST_F(DataBlocks, ReportingBlocksEndBeforeBytesTooFewForATag) {
+  Data data(1, 1);
+  document({StoredBlock("REPr", 1, 2), ToBytes("XXX")});
+  EXPECT_EQ(replace(&data, DataREPr), kSuccess);
+}
+
 TEST_F(DataBlocks, FailedReadIsToldBeforeARefusedWrite) {
   FaultyFileSystem files;
   Data data(1, 1);

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <filesystem>
 
 #include "tests/support/FaultyFileSystem.h"
@@ -83,6 +84,23 @@ std::string changesIn(const std::vector<FileOperation>& log, const std::string& 
     if (operation.call == FileCall::syncData) changes += who + "barrier ";
   }
   return changes;
+}
+
+TEST_F(Durability, WhatADiskThatStaysFullTookIsCutOff) {
+  OpenedManager manager;
+  record(manager, 1);
+  const auto expectCutOff = [&](const auto& operation) {
+    const Bytes before = ReadBytes(path_);
+    FaultyFileSystem files;
+    files.Shorten(100, false);
+    files.FailKind(FileCall::write, ENOSPC, 1);
+    EXPECT_EQ(operation(), kWriteFailed);
+    EXPECT_EQ(FirstDifference(ReadBytes(path_), before), "");
+  };
+  expectCutOff([&] { return append(manager, 1); });
+  Vex2BGC background;
+  background.SetEntryCount(50);
+  expectCutOff([&] { return manager.AppendBackground(path_.c_str(), &background); });
 }
 
 TEST_F(Durability, CommitPutsTheFrameOnTheDiskBeforeTheLengthThatCountsIt) {

@@ -187,6 +187,14 @@ TEST_F(UsageArray, OfNoPlateIsRefusedAndChangesNothing) {
   EXPECT_TRUE(document_.SetUsageArray(wells, 1, 32));
 }
 
+TEST_F(UsageArray, OfMoreRowsThanAHeaderCountsIsRefused) {
+  constexpr int kRows = 65536;
+  const auto wells = std::make_unique<bool[]>(kRows);
+  EXPECT_FALSE(document_.SetUsageArray(wells.get(), kRows, 1));
+  EXPECT_EQ(document_.GetHeaderRows(), 8);
+  EXPECT_TRUE(document_.SetUsageArray(wells.get(), kRows - 1, 1));
+}
+
 TEST_F(UsageArray, OfAHeaderOfTheCallersIsStoredThere) {
   Vex2HeaderData header;
   const bool wells[2] = {false, true};

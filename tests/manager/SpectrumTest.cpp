@@ -71,6 +71,16 @@ TEST_F(SpectrumTest, OfFewerValuesTakesTheFirstReadings) {
   EXPECT_EQ(none.wellValue, 100);
 }
 
+TEST_F(SpectrumTest, OfANegativeCountTakesNoReadings) {
+  setRecord({1, 2, 3});
+  KestorSpectrum spectrum(36);
+  spectrum.well = 2;
+  spectrum.valueCount = -1;
+  EXPECT_TRUE(document_.LoadSpectrum(&spectrum, nullptr));
+  EXPECT_EQ(spectrum.wellValue, 100);
+  EXPECT_EQ(spectrum.values[0], 0U);
+}
+
 TEST_F(SpectrumTest, ThatIsNotThereIsMarkedAndKeepsItsValues) {
   setRecord({1, 2, 3});
   KestorSpectrum spectrum(36);

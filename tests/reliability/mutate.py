@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Removes the safeguards of documents, one at a time, and reports which test notices.
 
-A mutation of mutations.py replaces a few characters of one source and so removes a barrier, a lock or a check. It is
+A mutation of mutations/ replaces a few characters of one source and so removes a barrier, a lock or a check. It is
 applied to a scratch copy of the tree, never to this tree. The copy is built, and the test programs run until one
 fails, beginning with those that the mutation names. The result is a row of a table in docs/reliability.md.
 
@@ -33,8 +33,10 @@ HEAD = "| | What was taken out | The tests that notice |\n|---|---|---|"
 # The fastest first. Tests of speed and of module loading are left out: they do not depend on a single change.
 PROGRAMS = ("storage", "run", "study", "setup", "format", "container", "framework",
             "manager", "memory", "model", "reliability")
+# Of what stands on the library.
+LAB_PROGRAMS = ("lab", "tools")
 # Stop at the first failure of these.
-SLOW = ("memory", "model", "reliability")
+SLOW = ("memory", "model", "reliability", "tools")
 LEFT_OUT = "*LargeInput*:LargeDocument*"
 MOST_NAMES = 3
 SECONDS = 150
@@ -133,7 +135,8 @@ def attempts(mutation, quick):
     """Programs and patterns of tests: those that the mutation names, then, unless quick, all."""
     hints = [hint.partition(":") for hint in mutation.tests.split()]
     first = [(program, pattern or "*") for program, _, pattern in hints]
-    return first if quick else first + [(program, "*") for program in PROGRAMS if (program, "*") not in first]
+    programs = PROGRAMS if mutation.file.startswith("vex2/") else LAB_PROGRAMS
+    return first if quick else first + [(program, "*") for program in programs if (program, "*") not in first]
 
 
 def mutate(scratch, mutation, quick):

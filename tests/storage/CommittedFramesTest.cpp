@@ -43,6 +43,7 @@ TEST(CommittedFrames, EndBeforePartOfAFrameThatTheLengthCounts) {
   EXPECT_EQ(find(end + 7, end + 7), (CommittedFrames{1, 1, end, Uncommitted::kCommit}));
   EXPECT_EQ(find(kFirst - 9, kFirst), (CommittedFrames{0, 0, kFirst, Uncommitted::kNothing}))
       << "a length that is too small for the wells counts none";
+  EXPECT_EQ(find(kFirst - 9, end), (CommittedFrames{0, 1, kFirst, Uncommitted::kCommit}));
 }
 
 TEST(CommittedFrames, AreFollowedByAtMostAFrameOfOneCommit) {

@@ -69,6 +69,13 @@ Bytes changed(Bytes bytes, std::size_t at, std::uint8_t value) {
   return bytes;
 }
 
+// The block with two more bytes of times, which its length counts.
+Bytes withLongerTimes(Bytes block) {
+  block = changed(changed(std::move(block), 7, 24), 11, 14);
+  block.insert(block.begin() + 12, {0, 0});
+  return block;
+}
+
 TEST_F(FrameLog, CommitOverwritesPartOfAFrame) {
   EXPECT_FALSE(staysBehind(empty_, torn_));
   EXPECT_FALSE(staysBehind(empty_, Bytes(kFrame, 0)));
@@ -77,6 +84,15 @@ TEST_F(FrameLog, CommitOverwritesPartOfAFrame) {
 
 TEST_F(FrameLog, CommitKeepsMoreThanOneFrame) {
   EXPECT_TRUE(staysBehind(empty_, Bytes(kFrame + 1, 0xA5)));
+}
+
+TEST_F(FrameLog, CommitLooksAgainWhereTheFileHasChanged) {
+  put(StoredHeader());
+  ASSERT_EQ(commit(), kSuccess);
+  const std::size_t committed = file().size();
+  files_.Put(kPath, Join({file(), torn_}));
+  ASSERT_EQ(commit(), kSuccess);
+  EXPECT_EQ(file().size(), committed + kFrame) << "the uncommitted bytes were overwritten";
 }
 
 TEST_F(FrameLog, CommitKeepsRecordsBehindTheFrames) {
@@ -90,6 +106,7 @@ TEST_F(FrameLog, CommitKeepsBytesBehindABlockItCannotHaveWritten) {
   EXPECT_TRUE(staysBehind(changed(empty_, 0, 'X'), torn_)) << "another tag";
   EXPECT_TRUE(staysBehind(changed(empty_, 9, 1), torn_)) << "another version";
   EXPECT_TRUE(staysBehind(changed(empty_, 11, 11), torn_)) << "other times";
+  EXPECT_TRUE(staysBehind(withLongerTimes(empty_), torn_)) << "longer times";
   EXPECT_TRUE(staysBehind(changed(empty_, 25, 3), torn_)) << "other wells";
   EXPECT_TRUE(staysBehind(StoredBlock("RAWa", 3, 0), torn_)) << "a plate of another size";
   EXPECT_TRUE(staysBehind(changed(empty_, 25, 0), torn_)) << "no wells";
