@@ -2,6 +2,8 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <linux/capability.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -40,6 +42,13 @@ void redirect(int target, const std::string& path, int flags) {
   if (file < 0 || ::dup2(file, target) < 0) ::_exit(126);
 }
 
+// The permissions of files bind the command as they bind users, also when root runs the tests.
+void obeyPermissions() {
+  for (const int right : {CAP_DAC_OVERRIDE, CAP_DAC_READ_SEARCH}) {
+    ::prctl(PR_CAPBSET_DROP, right, 0, 0, 0);
+  }
+}
+
 std::string textOf(const std::string& path) {
   const Bytes bytes = ReadBytes(path);
   return {bytes.begin(), bytes.end()};
@@ -68,6 +77,7 @@ VexProcess::VexProcess(const Arguments& arguments, const Surroundings& surroundi
     const rlimit limit{surroundings.fileSize, surroundings.fileSize};
     ::setrlimit(RLIMIT_FSIZE, &limit);
   }
+  obeyPermissions();
   ::execv(command.c_str(), words.data());
   ::_exit(127);
 }
