@@ -4,6 +4,7 @@
 
 #include "lab/Text.h"
 #include "lab/model/Codes.h"
+#include "lab/model/PlateContents.h"
 #include "lab/model/RunValues.h"
 #include "lab/model/Study.h"
 #include "vex2/run/ThermocycleProgramComp.h"
@@ -62,6 +63,7 @@ PlateOverview OverviewOf(const Document::Plate& plate) {
   PlateOverview overview;
   overview.isEmbedded = plate.isEmbedded;
   overview.name = ToUtf8(plate.name);
+  overview.wellCount = LayoutOf(*plate.content).WellCount();
   overview.modified = PlateDateText(ToUtf8(plate.date));
   overview.offset = plate.offset;
   overview.size = plate.end - plate.offset;

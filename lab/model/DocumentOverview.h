@@ -23,6 +23,7 @@ struct PlateOverview {
   std::string plateType;
   unsigned rows = 0;
   unsigned columns = 0;
+  unsigned wellCount = 0;  ///< of the plate type, else rows times columns; see `LayoutOf`
   std::size_t wellsInUse = 0;
   std::string assay;
   std::string run;
@@ -37,9 +38,6 @@ struct PlateOverview {
   std::optional<std::uint32_t> programSize;  ///< bytes of the thermal cycling program
   std::optional<std::string> programText;    ///< nothing where the program is no text
   std::vector<Document::Record> records;     ///< their tags are UTF-8, too
-
-  /// 0 where the header tells no size.
-  std::uint64_t WellCount() const { return std::uint64_t{rows} * columns; }
 };
 
 /// What a document holds, or one plate of a study.

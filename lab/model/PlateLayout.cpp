@@ -22,6 +22,10 @@ std::optional<unsigned short> PlateLayout::Find(std::string_view wellName) const
 }
 
 std::optional<unsigned short> PlateLayout::FindAsWritten(std::string_view wellName) const {
+  return Find(PlainWellName(wellName));
+}
+
+std::string PlainWellName(std::string_view wellName) {
   std::string name;
   for (const char letter : wellName) {
     const bool isLower = letter >= 'a' && letter <= 'z';
@@ -31,7 +35,7 @@ std::optional<unsigned short> PlateLayout::FindAsWritten(std::string_view wellNa
       std::min(name.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ"), name.size());
   const std::size_t digits = std::min(name.find_first_not_of('0', column), name.size());
   name.erase(column, digits - column);
-  return Find(name);
+  return name;
 }
 
 std::string WellName(std::uint32_t number, std::uint32_t columns) {

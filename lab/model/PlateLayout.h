@@ -27,6 +27,9 @@ inline constexpr PlateLayout kPlate384{16, 24};
 /// The name of well `number`, from 1, counted by rows: 1 is "A1", 13 of 12 columns "B1". Rows past
 /// Z are AA, AB and so on. The number itself where there are no columns.
 std::string WellName(std::uint32_t number, std::uint32_t columns);
+/// A well's name as people and other programs write it, "a1" or "A01", without the difference:
+/// "A1".
+std::string PlainWellName(std::string_view wellName);
 /// The number of the well with this name, on a plate of so many rows and columns. Nothing for what
 /// is no name of a well there.
 std::optional<std::uint32_t> WellNumber(std::string_view name, std::uint32_t rows,

@@ -7,6 +7,7 @@
 
 #include "lab/Error.h"
 #include "lab/Text.h"
+#include "lab/model/PlateContents.h"
 #include "vex2/format/HeaderLayout.h"
 #include "vex2/manager/SplitPath.h"
 
@@ -158,7 +159,7 @@ std::vector<StudyPlate> StudyPlatesOf(const Document& document) {
     const Vex2FileManager& content = *plate.content;
     plates.push_back({.name = ToUtf8(plate.name),
                       .modified = PlateDateText(ToUtf8(plate.date)),
-                      .wells = content.GetPlateSize(),
+                      .wells = LayoutOf(content).WellCount(),
                       .frames = content.GetDataFrameCount(DataRAWa),
                       .status = ToUtf8(content.GetAcquisitionStatus().View()),
                       .offset = plate.offset,

@@ -34,7 +34,7 @@ void RequireStudy(const Document& document);
 struct StudyPlate {
   std::string name;
   std::string modified;  ///< when the plate's own file was last changed, see `PlateDateText`
-  int wells = 0;
+  unsigned wells = 0;
   int frames = 0;  ///< of the raw readings
   std::string status;
   std::uint64_t offset = 0;  ///< bytes from the start of the file

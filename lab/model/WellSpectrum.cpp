@@ -48,8 +48,9 @@ WellSpectrum SpectrumOf(const Document& document, const Document::Plate& plate,
   WellSpectrum spectrum{.plate = ToUtf8(plate.name),
                         .isEmbedded = plate.isEmbedded,
                         .frameCount = block->GetFrameCount()};
-  const auto well = WellNumber(wellName, static_cast<std::uint32_t>(content.GetHeaderRows()),
-                               static_cast<std::uint32_t>(content.GetHeaderCols()));
+  const auto well =
+      WellNumber(PlainWellName(wellName), static_cast<std::uint32_t>(content.GetHeaderRows()),
+                 static_cast<std::uint32_t>(content.GetHeaderCols()));
   if (!well) {
     refuse(ErrorCode::kNoSuchWell, "there is no well '" + wellName + "' on its plate of " +
                                        std::to_string(content.GetHeaderRows()) + " x " +

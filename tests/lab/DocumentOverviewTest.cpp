@@ -45,7 +45,7 @@ TEST_F(OverviewTest, TellsWhatTheDocumentHolds) {
   const lab::PlateOverview& plate = overview.plate;
   EXPECT_FALSE(plate.isEmbedded);
   EXPECT_EQ(plate.size, document.Size());
-  EXPECT_EQ(plate.WellCount(), std::uint64_t{plate.rows} * plate.columns);
+  EXPECT_EQ(plate.wellCount, std::uint64_t{plate.rows} * plate.columns);
   EXPECT_EQ(plate.frames, kFrames);
   ASSERT_EQ(plate.blocks.size(), 1U);
   EXPECT_EQ(plate.blocks.front().tag, "RAWa");

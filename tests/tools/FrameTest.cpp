@@ -53,6 +53,15 @@ TEST_F(Frame, IsDrawnAsThePlateInTheUnitsOfTheExport) {
                 "values");
 }
 
+TEST_F(Frame, GridShowsEachChannel) {
+  MakeRun("DONE", "source=readings\nframes=3\nscale=100\nchannels=FAM,VIC\n");
+  const std::string text = squeezed(Output({"frame", path_, "1", "--grid"}));
+  EXPECT_THAT(text, HasSubstr(": RAWa, frame 1 of 3, 3 wells, fluorescence FAM\n"));
+  EXPECT_THAT(text, HasSubstr("\nA 1.01 2.01 3.01 - "));
+  EXPECT_THAT(text, HasSubstr(": RAWa, frame 1 of 3, 3 wells, fluorescence VIC\n"));
+  EXPECT_THAT(text, HasSubstr("\nA 0 0 0 - "));
+}
+
 TEST_F(Frame, TellsProgramsWhatTheReadingsAre) {
   MakeRecordedRun();
   const json frame = JsonOutput({"frame", path_, "2", "--json"});

@@ -55,8 +55,8 @@ std::string drawStored(const FrameView& view) {
   return DrawTable(names, rows, Terminal::Out());
 }
 
-// The fluorescence of each well, in its first channel, where it lies on the plate.
-std::string drawGrid(const FrameView& view) {
+// One field of each well's reading, where the well lies on the plate.
+std::string drawGrid(const FrameView& view, std::size_t field) {
   constexpr const char* kNothing = "-";
   const std::uint32_t columns = std::max(view.columns, 1U);
   std::vector<std::string> names = {""};
@@ -74,7 +74,7 @@ std::string drawGrid(const FrameView& view) {
     const auto reading = view.ReadingOf(i);
     if (!reading || place / columns >= rows.size()) continue;
     rows[place / columns][place % columns + 1] =
-        ReadingFields(*reading, *view.recorded.Log())[kFirstFluorescence];
+        ReadingFields(*reading, *view.recorded.Log())[field];
   }
   return DrawTable(names, rows, Terminal::Out());
 }
@@ -99,7 +99,7 @@ class FrameCommand final : public Command {
     AddBlockOption(options, block_);
     plate_.AddTo(options);
     const Option grid =
-        options.AddFlag("--grid", grid_, "The fluorescence of each well, drawn as the plate");
+        options.AddFlag("--grid", grid_, "The fluorescence of each channel, drawn as the plate");
     const Option raw =
         options.AddFlag("--raw", raw_, "The stored values, whoever wrote them").Exclude(grid);
     options.AddFlag("--json", json_, "For programs: an object; one a line for each plate")
@@ -129,14 +129,21 @@ class FrameCommand final : public Command {
  private:
   void show(const FrameView& view) {
     if (json_) return printJson(view);
-    if (grid_) requireKnown(view);
+    if (!grid_)
+      return print(view, "", view.IsKnown() && !raw_ ? drawReadings(view) : drawStored(view));
+    requireKnown(view);
+    const auto names = ReadingNames(view.recorded.Log().value_or(RunLog()));
+    for (std::size_t field = kFirstFluorescence; field < names.size(); ++field) {
+      print(view, ", " + Printable(names[field]), drawGrid(view, field));
+    }
+  }
+
+  void print(const FrameView& view, const std::string& what, const std::string& table) {
     if (shown_++ > 0) std::cout << '\n';
     std::cout << Printable(file_) << (view.isEmbedded ? ", plate " + Printable(view.plate) : "")
               << ": " << block_ << ", frame " << index_ << " of " << view.frameCount << ", "
-              << Counted(view.wells.size(), "well") << (grid_ ? ", fluorescence" : "") << '\n';
-    std::cout << (grid_                     ? drawGrid(view)
-                  : view.IsKnown() && !raw_ ? drawReadings(view)
-                                            : drawStored(view));
+              << Counted(view.wells.size(), "well") << what << '\n'
+              << table;
   }
 
   void requireKnown(const FrameView& view) const {

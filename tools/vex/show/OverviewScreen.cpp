@@ -93,7 +93,7 @@ class Screen {
     if (!overview_.plates) return;
     line("plates", std::to_string(overview_.plates->size()) + " in all");
     for (const PlateOverview& plate : *overview_.plates) {
-      line("", Printable(plate.name) + ": " + Counted(plate.WellCount(), "well") + ", " +
+      line("", Printable(plate.name) + ": " + Counted(plate.wellCount, "well") + ", " +
                    Counted(static_cast<unsigned>(plate.frames), "frame") + ", " +
                    Printable(plate.status) + ", modified " + Printable(plate.modified));
     }
@@ -117,9 +117,11 @@ class Screen {
   }
 
   std::string plateText() const {
-    return Counted(plate_.WellCount(), "well") + " (" + std::to_string(plate_.rows) + " x " +
-           std::to_string(plate_.columns) + "), " + std::to_string(plate_.wellsInUse) +
-           " in use, type " + ExplainedCode(CodeField::kPlateType, plate_.plateType);
+    const bool isOfType = plate_.wellCount == std::uint64_t{plate_.rows} * plate_.columns;
+    return Counted(plate_.wellCount, "well") + (isOfType ? " (" : " (the header says ") +
+           std::to_string(plate_.rows) + " x " + std::to_string(plate_.columns) + "), " +
+           std::to_string(plate_.wellsInUse) + " in use, type " +
+           ExplainedCode(CodeField::kPlateType, plate_.plateType);
   }
 
   std::string assayText() const {

@@ -79,11 +79,15 @@ const ordered_json* entryOf(const ordered_json& value, const std::string& name) 
   if (const auto index = NumberIn<std::size_t>(name)) {
     return *index < value.size() ? &value[*index] : nullptr;
   }
+  // Names are data: where two are alike, neither is taken for the other.
+  const ordered_json* alike = nullptr;
   for (const auto& entry : value) {
     const auto own = entryName(entry);
-    if (own && normalized(*own) == normalized(name)) return &entry;
+    if (!own || normalized(*own) != normalized(name)) continue;
+    if (alike != nullptr) return nullptr;
+    alike = &entry;
   }
-  return nullptr;
+  return alike;
 }
 
 }  // namespace
