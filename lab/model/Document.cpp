@@ -1,6 +1,7 @@
 #include "lab/model/Document.h"
 
 #include <algorithm>
+#include <filesystem>
 
 #include "lab/Error.h"
 #include "lab/Text.h"
@@ -25,6 +26,14 @@ constexpr const char* kRunning =
 
 std::string inQuotes(std::string_view tag) {
   return std::string("\"").append(ToUtf8(tag)).append("\"");
+}
+
+bool hasRunAt(const std::string& path) {
+  std::error_code ignored;
+  if (!std::filesystem::is_regular_file(path, ignored)) return false;
+  Vex2FileManager file;
+  return file.SafeOpen(path.c_str(), 0, 0) != 0 && file.ReadHeaderData(nullptr) == kSuccess &&
+         file.IsAcquisitionProg();
 }
 
 std::unique_ptr<DocumentFile> fileFor(Document::Purpose purpose) {
@@ -79,7 +88,7 @@ struct Document::Surveyor final : RecordVisitor {
     if (record.known) return;
     document.losses_.push_back({record.offset, "the record " + inQuotes(record.tag) + " of " +
                                                    Counted(record.length, "byte") +
-                                                   " is of no known kind"});
+                                                   ", which is of no known kind"});
   }
 
   Document& document;
@@ -233,9 +242,16 @@ void Document::RequireAtRest() const {
 }
 
 void RequireNoRunAt(const std::string& path) {
-  Vex2FileManager file;
-  if (file.SafeOpen(path.c_str(), 0, 0) == 0 || file.ReadHeaderData(nullptr) != kSuccess) return;
-  if (file.IsAcquisitionProg()) throw Error(ErrorCode::kDocument, path, kRunning);
+  if (hasRunAt(path)) throw Error(ErrorCode::kDocument, path, kRunning);
+}
+
+std::string RunInProgressText(const std::string& path, std::string_view what) {
+  return Escaped(path) + ": its run is in progress; " + std::string(what) +
+         " ends with the last frame committed so far";
+}
+
+std::string NoteOnRunAt(const std::string& path, std::string_view what) {
+  return hasRunAt(path) ? RunInProgressText(path, what) : std::string();
 }
 
 }  // namespace vex2::lab

@@ -102,4 +102,9 @@ class Document {
 /// leads to no document passes.
 void RequireNoRunAt(const std::string& path);
 
+/// The note that `what` was made of the document at `path` while its run is in progress.
+std::string RunInProgressText(const std::string& path, std::string_view what);
+/// The same, and empty when the file at `path` is no document whose run is in progress.
+std::string NoteOnRunAt(const std::string& path, std::string_view what);
+
 }  // namespace vex2::lab

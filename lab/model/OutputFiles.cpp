@@ -1,6 +1,8 @@
 #include "lab/model/OutputFiles.h"
 
+#include <strings.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <array>
 #include <cerrno>
@@ -18,15 +20,22 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view kDocumentName = ".vex";
+constexpr const char* kDocumentName = ".vex";
+
+bool isNamedAsDocument(const fs::path& path) {
+  return ::strcasecmp(path.extension().c_str(), kDocumentName) == 0;
+}
 
 // A document whose begin is damaged is one by its name: it may be all that is left of a run.
 bool isPlateDocument(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   std::array<char, kMagic.size()> begin{};
   if (!file.read(begin.data(), begin.size())) return false;
-  return std::string_view(begin.data(), begin.size()) == kMagic ||
-         fs::path(path).extension() == kDocumentName;
+  return std::string_view(begin.data(), begin.size()) == kMagic || isNamedAsDocument(path);
+}
+
+bool holdsSomethingElse(const fs::path& path) {
+  return !isNamedAsDocument(path) && fs::file_size(path) > 0 && !isPlateDocument(path);
 }
 
 bool holds(const std::string& path, const std::string& content) {
@@ -71,6 +80,7 @@ void OutputFiles::Claim() {
   checkDistinct();
   std::vector<std::unique_ptr<DocumentLock>> locks;
   for (const File& output : outputs_) {
+    if (mayReplace_ && output.kind != Kind::kTable) requireForDocuments(output);
     if (output.kind == Kind::kRecording) continue;
     locks.push_back(std::make_unique<DocumentLock>(output.path, DocumentLock::Holder::kCommand));
     checkExisting(output);
@@ -107,6 +117,15 @@ void OutputFiles::checkExisting(const File& output) const {
                 "has other names as well (hard links), so it is not replaced; give another name");
   }
   if (output.kind == Kind::kDocument) RequireNoRunAt(output.path);
+}
+
+void OutputFiles::requireForDocuments(const File& output) {
+  if (!output.identity || !holdsSomethingElse(output.resolved)) return;
+  if (::access(output.resolved.c_str(), R_OK) != 0) throw SystemError(output.path, errno);
+  throw Error(
+      ErrorCode::kUsage, output.path,
+      "is not a plate document, so it is never replaced by one; give another name, or remove "
+      "it first");
 }
 
 }  // namespace vex2::lab

@@ -19,6 +19,9 @@ namespace vex2::lab {
 /// - an existing file only when that was asked for;
 /// - never one that the work reads, or another one that it writes, whatever the names;
 /// - never a plate document by something else, nor one that is being recorded;
+/// - never by a plate document a file that holds something else: a table whose name was given where
+///   the document's belongs would be lost. Empty files pass, as scripts make them with mktemp, and
+///   so do files named .vex, which may be damaged documents;
 /// - never a file with several names (hard links), which cannot be exchanged in one step.
 ///
 /// Pipes and devices are written to as they are and pass.
@@ -58,6 +61,7 @@ class OutputFiles {
   static bool isSameFile(const File& one, const File& other);
   void checkDistinct() const;
   void checkExisting(const File& output) const;
+  static void requireForDocuments(const File& output);
 
   bool mayReplace_;
   std::string remedy_;

@@ -35,11 +35,13 @@ void reportLosses(const Document& document, const std::vector<Document::Loss>& l
                   const std::string& target, const SaveRules& rules) {
   if (losses.empty()) return;
   if (IsSameFile(document.Path(), target) && !rules.dropUnknown) {
-    throw Error(ErrorCode::kDocument, document.Path(),
-                "saving would lose " + losses.front().what +
-                    (losses.size() > 1 ? ", and more" : "") +
-                    "; give --drop-unknown to accept that",
-                losses.front().offset);
+    throw Error(
+        ErrorCode::kDocument, document.Path(),
+        "saving would lose " +
+            (losses.size() > 1 ? "what stands in " + Counted(losses.size(), "place") + ", first "
+                               : std::string()) +
+            losses.front().what + "; give --drop-unknown to accept that",
+        losses.front().offset);
   }
   for (std::size_t i = 0; i < losses.size() && i < kMostLossLines; ++i) {
     rules.onLoss(Escaped(document.Path()) + ": at byte " + std::to_string(losses[i].offset) +
@@ -58,6 +60,9 @@ void PrepareToSave(Document& document, const std::string& target, const SaveRule
   upgradeBlocks(document, document.Itself(), rules);
   for (const Document::Plate& plate : document.Plates()) upgradeBlocks(document, plate, rules);
   reportLosses(document, document.Losses(), target, rules);
+  if (document.Content().IsAcquisitionProg()) {
+    rules.onLoss(RunInProgressText(document.Path(), "the copy"));
+  }
 }
 
 void PreparePlateToSave(const Document& document, const Document::Plate& plate,

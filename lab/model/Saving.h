@@ -12,7 +12,8 @@ struct SaveRules {
   bool upgradeBlocks =
       false;                 ///< data blocks of version 1, which do not read back, become version 2
   bool dropUnknown = false;  ///< records that cannot be kept may be lost by a save in place
-  /// Receives a sentence for each record that a save elsewhere leaves out, the first ones singly.
+  /// Receives what a save elsewhere leaves out: a sentence for each record, the first ones singly,
+  /// and one for a run in progress.
   std::function<void(const std::string& sentence)> onLoss = [](const std::string&) {};
 };
 

@@ -25,8 +25,9 @@ struct RecoverOptions {
 /// little memory.
 ///
 /// Throws `Error`, and leaves what is at `target` as it was, when `target` exists and is not to be
-/// replaced, when it is the damaged file itself, has other names (hard links), or is being recorded
-/// or changed, when nothing of a document was found, or when the system refuses.
+/// replaced, when it holds something other than a document, is the damaged file itself, has other
+/// names (hard links), or is being recorded or changed, when nothing of a document was found, or
+/// when the system refuses.
 VEX2_API RecoverReport Recover(const std::filesystem::path& damaged,
                                const std::filesystem::path& target,
                                const RecoverOptions& options = {});

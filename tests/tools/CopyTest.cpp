@@ -70,11 +70,12 @@ TEST_F(Copy, SaysWhatItLeavesOut) {
   MakeDocument(records);
   const CommandResult result = RunVex({"copy", path_, copy_});
   EXPECT_EQ(result.exitCode, 0);
-  EXPECT_EQ(result.errors,
-            "vex: " + path_ +
-                ": at byte 1024: left out: the record \"Zzzz\" of 3 bytes is of no known kind\n"
-                "vex: " +
-                path_ + ": at byte 1047: left out: 3 bytes at the end that are no record\n");
+  EXPECT_EQ(
+      result.errors,
+      "vex: " + path_ +
+          ": at byte 1024: left out: the record \"Zzzz\" of 3 bytes, which is of no known kind\n"
+          "vex: " +
+          path_ + ": at byte 1047: left out: 3 bytes at the end that are no record\n");
   EXPECT_EQ(ReadBytes(copy_).size(), 1024U + 12U);
   ExpectRefused({"copy", path_, path_, "--force", "--drop-unknown"}, 2, "is also an input");
 }

@@ -120,4 +120,15 @@ TEST_F(Set, RefusesToLoseWhatItDoesNotKnow) {
   EXPECT_EQ(RunVex({"set", path_, "comment=x", "--drop-unknown"}).exitCode, 0);
 }
 
+TEST_F(Set, CountsWhatItWouldLose) {
+  Bytes records;
+  AppendRecord(records, "Zzzz", {1, 2, 3});
+  AppendRecord(records, "Yyyy", {4});
+  MakeDocument(records);
+  ExpectRefused({"set", path_, "comment=x"}, 1,
+                "at byte 1024: saving would lose what stands in 2 places, first the record "
+                "\"Zzzz\" of 3 bytes, which is of no known kind; give --drop-unknown to accept "
+                "that\n");
+}
+
 }  // namespace vex2::test

@@ -87,7 +87,8 @@ TEST_F(Study, ARefusedPlateSaysWhyAndMakesNoStudy) {
   refused("its kind is 'Blue'");
   makePlate(odd, "", "p3C ");
   refused("a plate of 384 wells cannot be in a study of plates of 96 wells");
-  Output({"study", "new", odd, "--force", plate1_});
+  std::filesystem::remove(odd);
+  Output({"study", "new", odd, plate1_});
   refused("this is a study itself");
   Bytes bytes = ReadBytes(plate2_);
   bytes.pop_back();
@@ -116,7 +117,8 @@ TEST_F(Study, RelativePathsNamePlates) {
 TEST_F(Study, WhatIsThereIsReplacedOnlyWhenAsked) {
   makeStudy();
   expectStudyRefuses({"study", "new", study_, plate1_}, study_, 2, "already exists");
-  Output({"study", "new", "--force", study_, plate1_});
+  EXPECT_EQ(RunVex({"study", "new", "--force", study_, plate1_}).errors,
+            "vex: " + study_ + ": replaces a study of 2 plates\n");
   EXPECT_EQ(plates().size(), 1U);
 }
 
@@ -155,8 +157,10 @@ TEST_F(Study, AnExtractedPlateIsADocumentWithItsRawDataLast) {
 
 TEST_F(Study, RebuiltFromWhatWasExtractedItsPlatesAreTheSame) {
   makeStudy();
-  Output({"study", "extract", study_, "plate1", plate1_, "--force"});
-  Output({"study", "extract", study_, "plate2", plate2_, "--force"});
+  std::filesystem::remove(plate1_);
+  std::filesystem::remove(plate2_);
+  Output({"study", "extract", study_, "plate1", plate1_});
+  Output({"study", "extract", study_, "plate2", plate2_});
   const std::string again = folder_ / "again.vex";
   Output({"study", "new", again, plate1_, plate2_});
   const json before = TreeOutput({study_});

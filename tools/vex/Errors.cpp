@@ -60,6 +60,10 @@ void PrintError(const Error& error) {
   writeLine(oneLine({{"error", std::move(object)}}));
 }
 
+void PrintIfAny(std::string_view text) {
+  if (!text.empty()) PrintLine(text);
+}
+
 void PrintLine(std::string_view text) {
   if (messageForm() == MessageForm::kText) return writeLine("vex: " + Printable(text));
   writeLine(oneLine({{"note", {{"message", text}}}}));

@@ -35,6 +35,8 @@ void PrintError(const Error& error);
 /// Writes "vex: TEXT" to standard error, for what a user should know besides; as JSON it is an
 /// object {"note":{"message":...}}.
 void PrintLine(std::string_view text);
+/// The same, and nothing for an empty text.
+void PrintIfAny(std::string_view text);
 
 /// `Escaped` for a screen: where that is an ASCII one, other characters are shown as \uNNNN.
 std::string Printable(std::string_view text);

@@ -32,15 +32,11 @@ class CopyCommand final : public Command {
     const Interrupts interrupts;
     if (plate_.IsGiven()) {
       ExtractPlate(document, plate_.One(document), target_, rewriting_.Rules());
-      return ExitCode::kDone;
+    } else {
+      PrepareToSave(document, target_, rewriting_.Rules());
+      SaveDocument(document.Content(), target_);
     }
-    PrepareToSave(document, target_, rewriting_.Rules());
-    if (document.Content().IsAcquisitionProg()) {
-      PrintLine(Printable(source_) +
-                ": its run is in progress; the copy ends with the last frame "
-                "committed so far");
-    }
-    SaveDocument(document.Content(), target_);
+    files.TellReplaced();
     return ExitCode::kDone;
   }
 

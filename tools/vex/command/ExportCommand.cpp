@@ -125,6 +125,7 @@ class ExportCommand final : public Command {
       tellUnknown(counts);
     }
     output.Finish();
+    if (document.Content().IsAcquisitionProg()) PrintLine(RunInProgressText(file_, "the table"));
     document.RequireWhole("");
     return ExitCode::kDone;
   }

@@ -149,7 +149,7 @@ class RecordCommand final : public RecordingCommand {
       progress.Show(state);
     });
     tellQuantities(run.RoundedQuantities());
-    tellReplaced();
+    PrintIfAny(ReplacedText(options_.path, options_.force));
     const auto outcome = tellingWhatIsSafe(done, live.frames, [&] { return run.Record(); });
     if (run.HasBegun()) tellRounding(input, run.Rounded(), run.Plan().scale);
     return tellOutcome(outcome, done, FrameTotal(run.Plan()));

@@ -6,6 +6,7 @@
 #include "lab/model/AssayTypes.h"
 #include "lab/record/InterruptedRun.h"
 #include "tools/vex/files/Interrupts.h"
+#include "tools/vex/files/OutputFiles.h"
 #include "tools/vex/show/RecordProgress.h"
 #include "tools/vex/text/Text.h"
 
@@ -68,23 +69,12 @@ ExitCode RecordingCommand::record(const RunPlan& plan, const std::function<void(
       progress.Show(state);
     });
     recorder.Claim();
-    tellReplaced();
+    PrintIfAny(ReplacedText(options_.path, options_.force));
     beforehand();
     interrupts.emplace();
     return tellingWhatIsSafe(done, plan.frames.size(), [&] { return recorder.Run(); });
   }();
   return tellOutcome(outcome, done, plan.frames.size());
-}
-
-void RecordingCommand::tellReplaced() const {
-  std::error_code error;
-  if (!options_.force || !std::filesystem::exists(options_.path, error)) return;
-  Vex2FileManager replaced;
-  static_cast<void>(replaced.ReadFromFile(options_.path.c_str()));
-  const int frames = replaced.GetDataFrameCount(DataRAWa);
-  if (frames <= 0) return;
-  PrintLine(Printable(options_.path) + ": replaces a run of " +
-            Counted(static_cast<unsigned>(frames), "frame"));
 }
 
 ExitCode RecordingCommand::tellOutcome(Recorder::Outcome outcome, std::size_t done,

@@ -31,8 +31,6 @@ class RecordingCommand : public Command {
   ExitCode record(
       const RunPlan& plan, const std::function<void()>& beforehand = [] {});
 
-  /// Prints which run --force replaces, before anything of it is gone.
-  void tellReplaced() const;
   ExitCode tellOutcome(Recorder::Outcome outcome, std::size_t done,
                        std::optional<std::size_t> total) const;
   /// Runs `run`, which counts the frames that are on the disk in `done`. When the system refuses

@@ -1,10 +1,12 @@
 #include <chrono>
 #include <iostream>
 
+#include "lab/model/Document.h"
 #include "lab/recover/Recover.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/files/Interrupts.h"
+#include "tools/vex/files/OutputFiles.h"
 #include "tools/vex/show/RecoverOutput.h"
 #include "tools/vex/text/ProgressLine.h"
 
@@ -38,7 +40,11 @@ class RecoverCommand final : public Command {
   ExitCode Run() override {
     // Who ends the command gets the new document or none, and no temporary file.
     Interrupts interrupts;
+    const std::string replaced = ReplacedText(target_, force_);
+    const std::string running = NoteOnRunAt(source_, "the new document");
     const RecoverReport report = recover(interrupts);
+    PrintIfAny(replaced);
+    PrintIfAny(running);
     if (json_) {
       PrintRecoverJson(std::cout, report, source_, target_);
     } else {

@@ -73,6 +73,7 @@ class NewAction final : public StudyChange {
     DocumentFile study;
     const std::string report = addPlates(study);
     std::cout << changing_.Finish(study, study_, report);
+    if (!changing_.IsDryRun()) files.TellReplaced();
     return ExitCode::kDone;
   }
 
@@ -216,6 +217,7 @@ class ExtractAction final : public Command {
     // Who ends the command here gets the new document or the old one, and no temporary file.
     const Interrupts interrupts;
     ExtractPlate(document, *plate, target_, rewriting_.Rules());
+    files.TellReplaced();
     return ExitCode::kDone;
   }
 

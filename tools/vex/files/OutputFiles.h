@@ -2,11 +2,17 @@
 
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "lab/model/OutputFiles.h"
+#include "tools/vex/Errors.h"
 #include "tools/vex/files/Output.h"
 
 namespace vex2::tool {
+
+/// The line that says which run, or which study, stands at `path` and is replaced; empty where none
+/// does, or is not with this `force`.
+std::string ReplacedText(const std::string& path, bool force);
 
 /// The files that one command reads and writes. Paths that are empty or "-" stand for standard
 /// input and output.
@@ -14,16 +20,26 @@ class OutputFiles : public lab::OutputFiles {
  public:
   /// `force` is whether existing files may be replaced, `remedy` what is said when not.
   explicit OutputFiles(bool force, std::string remedy = "use --force to overwrite it")
-      : lab::OutputFiles(force, std::move(remedy)) {}
+      : lab::OutputFiles(force, std::move(remedy)), force_(force) {}
 
   OutputFiles& Read(const std::string& path) {
     lab::OutputFiles::Read(path.empty() || path == "-" ? "/dev/stdin" : path);
     return *this;
   }
   OutputFiles& Write(const std::string& path, Kind kind) {
-    if (!IsStandardStream(path)) lab::OutputFiles::Write(path, kind);
+    if (IsStandardStream(path)) return *this;
+    lab::OutputFiles::Write(path, kind);
+    if (kind == Kind::kDocument) replaced_.push_back(ReplacedText(path, force_));
     return *this;
   }
+  /// Prints which run or study the new document replaced; for the end, when that is certain.
+  void TellReplaced() const {
+    for (const std::string& text : replaced_) PrintIfAny(text);
+  }
+
+ private:
+  bool force_;
+  std::vector<std::string> replaced_;
 };
 
 }  // namespace vex2::tool
