@@ -1,6 +1,6 @@
 """Checks README.md and docs/: links and paths exist, and examples equal their sources.
 
-usage: check_documents.py [--vex PATH]    --vex also compares commands and options with the documents
+usage: check_documents.py [--vex PATH]    --vex also compares the commands with README.md
 """
 
 import argparse
@@ -20,7 +20,8 @@ HEADING = re.compile(r"^#+ +(.*)$", re.MULTILINE)
 
 
 def documents():
-    pages = sorted(ROOT.glob("*.md")) + sorted((ROOT / "docs").rglob("*.md"))
+    # Links of docs/site/ are those of the site, which docs/site/check_links.py checks.
+    pages = sorted(ROOT.glob("*.md")) + sorted(set((ROOT / "docs").rglob("*.md")) - set((ROOT / "docs" / "site").iterdir()))
     return pages + [ROOT / "tests" / "data" / "README.md"]
 
 
@@ -73,6 +74,14 @@ def drifted_example(readme):
         yield "README.md: its C++ example is not examples/readme.cpp"
 
 
+def untested_code(page):
+    """Yields code of a guide that is not a part of an example, which is compiled and run."""
+    examples = [source.read_text() for source in (ROOT / "examples").glob("*.cpp")]
+    for block in re.findall(r"^```cpp\n(.*?)^```", page.read_text(), re.MULTILINE | re.DOTALL):
+        if not any(block in example for example in examples):
+            yield f"{page.relative_to(ROOT)}: no example contains the code: {block.splitlines()[0].strip()}"
+
+
 def unlisted_decisions():
     folder = ROOT / "docs" / "decisions"
     index = (folder / "README.md").read_text()
@@ -90,31 +99,14 @@ def subcommands(help_text):
     return re.findall(r"^  (\w+) ", names, re.MULTILINE)
 
 
-def undocumented_options(vex, page, *words):
-    """Yields options of a command and its subcommands that the man page lacks."""
-    help_text = output_of(vex, *words, "--help")
-    for option in re.findall(r"(?<![\w-])--[a-z][a-z-]+", help_text):
-        if option.replace("-", r"\-") not in page and option != "--help":
-            yield f"docs/man/vex.1: nothing about {option} of vex {' '.join(words)}"
-    for inner in subcommands(help_text):
-        if f".SS vex {' '.join(words)} {inner}" not in page:
-            yield f"docs/man/vex.1: nothing about vex {' '.join(words)} {inner}"
-        yield from undocumented_options(vex, page, *words, inner)
-
-
 def undocumented_commands(vex, readme):
-    """Yields commands without a row in the README or a section in the man page, and the reverse."""
-    page = (ROOT / "docs" / "man" / "vex.1").read_text()
+    """Yields commands without a row in the README, and the reverse."""
     there = set(subcommands(output_of(vex, "--help")))
-    for name, text, pattern in (("README.md", readme, r"^\| `vex (\w+)"),
-                                ("docs/man/vex.1", page, r"^\.SS vex (\w+)")):
-        told = set(re.findall(pattern, text, re.MULTILINE))
-        for command in sorted(there - told):
-            yield f"{name}: nothing about vex {command}"
-        for command in sorted(told - there):
-            yield f"{name}: there is no vex {command}"
-    for command in sorted(there):
-        yield from undocumented_options(vex, page, command)
+    told = set(re.findall(r"^\| `vex (\w+)", readme, re.MULTILINE))
+    for command in sorted(there - told):
+        yield f"README.md: nothing about vex {command}"
+    for command in sorted(told - there):
+        yield f"README.md: there is no vex {command}"
 
 
 def main():
@@ -125,6 +117,7 @@ def main():
     faults = [fault for page in documents() for fault in broken_links(page)]
     faults += [fault for page in documents() for fault in missing_paths(page)]
     faults += drifted_example(readme)
+    faults += [fault for page in sorted((ROOT / "docs").glob("*.md")) for fault in untested_code(page)]
     faults += unlisted_decisions()
     if vex:
         faults += undocumented_commands(vex, readme)

@@ -1,5 +1,10 @@
 #include <gmock/gmock.h>
 
+#include <filesystem>
+#include <fstream>
+
+#include "tests/support/TempFolder.h"
+#include "tests/tools/Screen.h"
 #include "tests/tools/VexProcess.h"
 #include "tools/vex/text/Json.h"
 #include "tools/vex/text/Nearest.h"
@@ -9,6 +14,45 @@ using testing::MatchesRegex;
 using testing::StartsWith;
 
 namespace vex2::test {
+
+namespace {
+
+// A terminal on which the program man is this script; without one where `script` is empty.
+Screen terminalWithMan(const TempFolder& folder, const std::string& script) {
+  if (!script.empty()) {
+    const std::string path = folder / "man";
+    std::ofstream(path) << "#!/bin/sh\n" << script << '\n';
+    std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+  }
+  return {{{"PATH", folder.Path().string() + (script.empty() ? "" : ":/bin:/usr/bin")},
+           {"TERM", "xterm"},
+           {"LC_ALL", "C.UTF-8"}},
+          80};
+}
+
+}  // namespace
+
+TEST(Help, OnATerminalOpensTheManPage) {
+  const TempFolder folder;
+  const Screen screen = terminalWithMan(folder, "echo \"man $* at $MANWIDTH\"; grep '^\\.TH'");
+  EXPECT_THAT(RunVexOn(screen, {"help", "record"}).output,
+              StartsWith("man -l - at 80\n.TH VEX-RECORD 1 "));
+  EXPECT_THAT(RunVexOn(screen, {"help", "study", "new"}).output, HasSubstr(".TH VEX-STUDY 1 "));
+}
+
+TEST(Help, WithoutAWorkingManIsTheShortHelp) {
+  const TempFolder folder;
+  const std::string help = RunVexOn({{}, 80}, {"record", "--help"}).output;
+  EXPECT_EQ(RunVexOn(terminalWithMan(folder, ""), {"help", "record"}).output, help);
+  EXPECT_EQ(RunVexOn(terminalWithMan(folder, "exit 1"), {"help", "record"}).output, help);
+}
+
+TEST(Help, OfVexAndOfUnknownCommandsOpensNoPage) {
+  const TempFolder folder;
+  const Screen screen = terminalWithMan(folder, "echo opened");
+  EXPECT_THAT(RunVexOn(screen, {"help"}).output, StartsWith("Plate documents"));
+  EXPECT_THAT(RunVexOn(screen, {"help", "nothing"}).output, HasSubstr("unknown command"));
+}
 
 TEST(Help, IsWhatTheOptionHelpPrints) {
   EXPECT_EQ(RunVex({"help"}).output, RunVex({"--help"}).output);

@@ -1,9 +1,12 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
+#include <optional>
 
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/HelpText.h"
 #include "tools/vex/command/Misuse.h"
+#include "tools/vex/help/ManPage.h"
+#include "tools/vex/help/Pages.h"
 #include "tools/vex/text/Table.h"
 
 namespace vex2::tool {
@@ -21,11 +24,17 @@ class HelpCommand final : public Command {
   void AddOptions(Options& options) override {
     app_ = options.App().get_parent();
     options.Add("COMMAND", words_, "The command, or errors: the error codes").Show("");
+    // Hidden: the build calls it to make what is installed beside the command.
+    options.Add("--write-pages", pagesFolder_, "").Group("");
   }
 
   ExitCode Run() override {
     if (words_.size() == 1 && words_.front() == kErrorsTopic) {
       printErrors();
+      return ExitCode::kDone;
+    }
+    if (pagesFolder_) {
+      WritePages(DescribeCommand(*app_, app_->get_name()), *pagesFolder_);
       return ExitCode::kDone;
     }
     const CLI::App* part = app_;
@@ -34,11 +43,19 @@ class HelpCommand final : public Command {
       part = findPart(*part, call, word);
       call += " " + word;
     }
-    std::cout << HelpText(*part, call);
+    if (words_.empty() || !openPage()) std::cout << HelpText(*part, call);
     return ExitCode::kDone;
   }
 
  private:
+  // The page of the first word, which contains the commands of its own.
+  bool openPage() const {
+    for (const CommandText& command : DescribeCommand(*app_, app_->get_name()).commands) {
+      if (command.name == words_.front()) return OpenManPage(ManPageOf(command));
+    }
+    return false;
+  }
+
   static const CLI::App* findPart(const CLI::App& app, const std::string& call,
                                   const std::string& word) {
     for (const CLI::App* part : app.get_subcommands(nullptr)) {
@@ -65,6 +82,7 @@ class HelpCommand final : public Command {
 
   const CLI::App* app_ = nullptr;
   std::vector<std::string> words_;
+  std::optional<std::string> pagesFolder_;
 };
 
 }  // namespace

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <array>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace vex2::tool {
+
+/// A name and its explanation in a man page.
+struct ManEntry {
+  std::string_view name;
+  std::string_view text;
+};
+
+/// The paragraphs of a man page that no table of options holds, for the command called as `call`:
+/// "vex" or "vex record". Empty for a command within another.
+std::vector<std::string> ProseOf(std::string_view call);
+
+/// The exit codes of every command.
+inline constexpr std::array<std::pair<std::string_view, std::string_view>, 5> kExitCodes = {{
+    {"0", "success"},
+    {"1", "problem in a document, or in another file that was read"},
+    {"2", "usage error: arguments, or paths that do not exist"},
+    {"3", "system error: disk, memory, locks"},
+    {"130", "interrupted by the user"},
+}};
+
+inline constexpr std::array<ManEntry, 4> kEnvironment = {{
+    {"COLUMNS",
+     "The width of the screen, unless --width gives it. Without either it is the "
+     "terminal's. Text that goes to a file or a pipe is not wrapped, and a plate wider "
+     "than 200 columns is printed in groups of columns."},
+    {"NO_COLOR",
+     "If it is set and not empty, nothing is printed in color unless --color asks for "
+     "it."},
+    {"TERM", "A terminal of the kind dumb gets no colors and only ASCII characters."},
+    {"LC_ALL, LC_CTYPE, LANG",
+     "If the locale is not a UTF-8 one, only ASCII characters are "
+     "printed, and others as \\uNNNN."},
+}};
+
+inline constexpr std::array<ManEntry, 3> kFiles = {{
+    {"~/.config/vex2/settings.ini",
+     "The user's settings of the instrument; with XDG_CONFIG_HOME below that folder."},
+    {"/etc/vex2/settings.ini", "The settings of the instrument for all users."},
+    {".NAME.recording", "Beside a document: the lock of the program that records into it."},
+}};
+
+}  // namespace vex2::tool
