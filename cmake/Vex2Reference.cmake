@@ -1,18 +1,14 @@
-# The C++ reference and the site. vex2_configure_reference(FILE XML HTML TAGS FOLDER) writes a
-# configuration of Doxygen for all installed headers to FILE.
+# The C++ reference. vex2_configure_reference(FILE HTML ON|OFF FOLDER) writes a configuration of
+# Doxygen for all installed headers to FILE. It makes FOLDER/xml and, with HTML, FOLDER/reference.
 function(vex2_configure_reference file)
-  cmake_parse_arguments(arg "" "XML;HTML;TAGS;FOLDER" "" ${ARGN})
+  cmake_parse_arguments(arg "" "HTML;FOLDER" "" ${ARGN})
   get_property(headers GLOBAL PROPERTY vex2_public_headers)
   list(TRANSFORM headers PREPEND ${PROJECT_SOURCE_DIR}/)
   list(JOIN headers " \\\n                         " VEX2_REFERENCE_HEADERS)
-  set(VEX2_REFERENCE_XML ${arg_XML})
-  set(VEX2_REFERENCE_HTML ${arg_HTML})
-  set(VEX2_REFERENCE_TAGS ${arg_TAGS})
-  set(VEX2_REFERENCE_FOLDER ${arg_FOLDER})
-  set(VEX2_REFERENCE_STYLE "")
-  set(style /usr/share/doxygen-awesome-css/doxygen-awesome.css)
-  if(EXISTS ${style})
-    set(VEX2_REFERENCE_STYLE ${style})
+  set(VEX2_REFERENCE_HTML NO)
+  if(arg_HTML)
+    set(VEX2_REFERENCE_HTML YES)
   endif()
+  set(VEX2_REFERENCE_FOLDER ${arg_FOLDER})
   configure_file(${PROJECT_SOURCE_DIR}/docs/reference/Doxyfile.in ${file} @ONLY)
 endfunction()

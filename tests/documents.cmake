@@ -23,7 +23,7 @@ find_program(VEX2_DOXYGEN doxygen)
 if(VEX2_DOXYGEN AND TARGET vex2lab)
   set(reference ${CMAKE_CURRENT_BINARY_DIR}/reference)
   file(MAKE_DIRECTORY ${reference})
-  vex2_configure_reference(${reference}/Doxyfile XML YES HTML NO FOLDER ${reference})
+  vex2_configure_reference(${reference}/Doxyfile HTML OFF FOLDER ${reference})
   add_test(NAME documents.reference COMMAND ${VEX2_DOXYGEN} ${reference}/Doxyfile)
   # A header in which one declaration has no comment must fail.
   add_test(NAME documents.reference.self
@@ -31,6 +31,26 @@ if(VEX2_DOXYGEN AND TARGET vex2lab)
                    ${VEX2_DOXYGEN} ${reference}/Doxyfile ${reference}/self)
 else()
   message(STATUS "documents.reference is left out: doxygen is missing; scripts/setup installs it")
+endif()
+
+# The site builds without a warning, and no link in it leads nowhere. No page is wider than a phone.
+find_program(VEX2_SPHINX sphinx-build)
+if(VEX2_DOXYGEN AND VEX2_SPHINX AND TARGET site AND TARGET vex2lab
+   AND NOT VEX2_SANITIZE AND NOT VEX2_COVERAGE)
+  set(site ${PROJECT_BINARY_DIR}/site)
+  add_test(NAME documents.site
+           COMMAND Python3::Interpreter ${PROJECT_SOURCE_DIR}/docs/site/build.py ${site}/Doxyfile
+                   ${PROJECT_BINARY_DIR}/tools/vex/pages/man1 ${site})
+  add_test(NAME documents.site.width
+           COMMAND Python3::Interpreter ${PROJECT_SOURCE_DIR}/docs/site/check_width.py ${site}/html)
+  set_tests_properties(documents.site PROPERTIES FIXTURES_SETUP site)
+  set_tests_properties(documents.site.width PROPERTIES FIXTURES_REQUIRED site SKIP_RETURN_CODE 77)
+  # Links to a missing file and a missing place, and a script of the network, must be found.
+  add_test(NAME documents.site.self
+           COMMAND Python3::Interpreter ${PROJECT_SOURCE_DIR}/docs/site/check_links.py
+                   ${CMAKE_CURRENT_SOURCE_DIR}/self/site)
+  set_tests_properties(documents.site.self PROPERTIES PASS_REGULAR_EXPRESSION
+    "#nowhere leads to no place.*elsewhere.js is loaded.*missing.html leads to no file")
 endif()
 
 # The list of mutations must not rot: a text that has left its source would mutate nothing.
@@ -51,6 +71,12 @@ if(TARGET example_readme)
                        PASS_REGULAR_EXPRESSION "^301\t302.*\t396\n$")
   set_tests_properties(examples.own_host PROPERTIES FIXTURES_REQUIRED example_run
                        PASS_REGULAR_EXPRESSION "3 records, status DONE\n.message. The Acquisition")
+
+  if(TARGET example_read_with_lab)
+    add_test(NAME examples.read_with_lab COMMAND example_read_with_lab ${run} 1)
+    set_tests_properties(examples.read_with_lab PROPERTIES FIXTURES_REQUIRED example_run
+      PASS_REGULAR_EXPRESSION "3 frames\nframe 0: stored 101\nframe 1: stored 201\nframe 2: stored 301\n$")
+  endif()
 
   add_test(NAME examples.walk_study
            COMMAND example_walk_study ${CMAKE_CURRENT_BINARY_DIR}/example_study.vex ${run})

@@ -10,7 +10,9 @@ class Host;
 /// object.
 class VEX2_API CWaitCursor {
  public:
+  /// Tells the host that the operation begins.
   CWaitCursor();
+  /// Tells the host that the operation has ended.
   ~CWaitCursor();
   CWaitCursor(const CWaitCursor&) = delete;
   CWaitCursor& operator=(const CWaitCursor&) = delete;
