@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "vex2/framework/Language.h"
+#include "vex2/framework/Export.h"
 
 namespace vex2::lab {
 
@@ -34,12 +34,16 @@ struct CalibrationHead {
   std::uint32_t value = 0;               ///< stored unchanged
   std::array<std::uint8_t, 4> extra1{};  ///< stored unchanged
   std::array<std::uint8_t, 4> extra2{};  ///< stored unchanged
+
+  friend bool operator==(const CalibrationHead&, const CalibrationHead&) = default;
 };
 
 /// The pure dyes or the background.
 struct CalibrationPart {
   CalibrationHead head;                   ///< what stands before the spectra
   std::vector<CalibrationEntry> entries;  ///< the spectra in the order of the document
+
+  friend bool operator==(const CalibrationPart&, const CalibrationPart&) = default;
 };
 
 /// A document's calibration. A part that it lacks is nothing.
@@ -49,12 +53,13 @@ struct Calibration {
 
   /// Whether the calibration has neither part.
   bool IsEmpty() const { return !pureDyes && !background; }
+  friend bool operator==(const Calibration&, const Calibration&) = default;
 };
 
 /// Four dyes and a background, as an instrument with twelve filters might have them.
-Calibration SimulatedCalibration();
+VEX2_API Calibration SimulatedCalibration();
 
 /// A stored value as the number that it is.
-float NumberOf(std::uint32_t value);
+VEX2_API float NumberOf(std::uint32_t value);
 
 }  // namespace vex2::lab

@@ -15,12 +15,12 @@ struct DecimalNumber {
   int exponent = 0;           ///< the power of 10
 
   /// The number, rounded to the nearest double.
-  double Value() const;
+  VEX2_API double Value() const;
 };
 
 /// The shortest decimal number that stands for `value`; nothing when it has more than 15 digits, of
 /// which no text is sure to come back from a double.
-std::optional<DecimalNumber> ShortestDecimal(double value);
+VEX2_API std::optional<DecimalNumber> ShortestDecimal(double value);
 
 /// How readings become the 16-bit numbers of a document: a reading, less the offset, times the
 /// scale, rounded. The scale is a fraction of whole numbers above 0.
@@ -85,6 +85,6 @@ class VEX2_API ReadingScale {
 };
 
 /// `number` without exponent, in as few digits as tell it from every other.
-std::string PlainText(double number);
+VEX2_API std::string PlainText(double number);
 
 }  // namespace vex2::lab

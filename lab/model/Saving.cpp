@@ -23,8 +23,7 @@ void upgradeBlocks(const Document& document, const Document::Plate& plate, const
     if (!rules.upgradeBlocks) {
       throw Error(ErrorCode::kDocument, document.Path(),
                   "the data block \"" + record.tag +
-                      "\" is of version 1 and would not read back once saved; give --upgrade to "
-                      "make it version 2",
+                      "\" is of version 1 and would not read back once saved; " + rules.upgradeHint,
                   record.offset);
     }
     block->Upgrade();
@@ -40,7 +39,7 @@ void reportLosses(const Document& document, const std::vector<Document::Loss>& l
         "saving would lose " +
             (losses.size() > 1 ? "what stands in " + Counted(losses.size(), "place") + ", first "
                                : std::string()) +
-            losses.front().what + "; give --drop-unknown to accept that",
+            losses.front().what + "; " + rules.dropHint,
         losses.front().offset);
   }
   for (std::size_t i = 0; i < losses.size() && i < kMostLossLines; ++i) {

@@ -1,21 +1,11 @@
 #pragma once
 
-#include <functional>
 #include <string>
 
 #include "lab/model/Document.h"
+#include "lab/model/SaveRules.h"
 
 namespace vex2::lab {
-
-/// What a save of a document that was read may lose or change.
-struct SaveRules {
-  bool upgradeBlocks =
-      false;                 ///< data blocks of version 1, which do not read back, become version 2
-  bool dropUnknown = false;  ///< records that cannot be kept may be lost by a save in place
-  /// Receives what a save elsewhere leaves out: a sentence for each record, the first ones singly,
-  /// and one for a run in progress.
-  std::function<void(const std::string& sentence)> onLoss = [](const std::string&) {};
-};
 
 /// Throws an error when `document` cannot be saved to `target` without harm: it was not read whole,
 /// or holds data blocks of the old version that `rules` does not upgrade; or it is saved over

@@ -1,12 +1,29 @@
-// A program that uses only the installed library for laboratories: records a run, resumes it and
-// reads it.
+// A program that uses only the installed library for laboratories: records a run, resumes it, reads
+// it, edits it, checks, repairs and recovers it.
 #include <cstdio>
+#include <string>
 
 #include "lab/Error.h"
+#include "lab/check/Check.h"
+#include "lab/check/Repair.h"
+#include "lab/model/DocumentEditor.h"
 #include "lab/model/RunReader.h"
 #include "lab/record/RunRecorder.h"
+#include "lab/recover/Recover.h"
 
 namespace lab = vex2::lab;
+
+static bool canKeep(const std::string& path) {
+  const std::string recovered = path + ".recovered";
+  lab::DocumentEditor editor(path);
+  editor.Well("A2").sample = "B";
+  editor.Set("comment", std::string("edited"));
+  editor.Save();
+  return lab::RunReader(path).Plate().Find("A2")->sample == "B" &&
+         lab::Check(path).Count(lab::Severity::kError) == 0 &&
+         lab::Repair(path, {.dryRun = true}).plan.IsEmpty() &&
+         lab::Recover(path, recovered, {.replace = true}).frames == 1;
+}
 
 int main(int count, char** arguments) {
   if (count < 2) return 2;
@@ -17,19 +34,21 @@ int main(int count, char** arguments) {
     lab::RunRecorder recorder(arguments[1], plan);
     recorder.Append({.cycle = 1, .wells = {{.well = 1, .values = {1.5}}}});
   }
-  lab::RunRecorder recorder(arguments[1], plan, {.resume = true});
-  try {
-    recorder.Append(lab::MeasuredFrame{});
-  } catch (const lab::Error& error) {  // its type is known across the library's border
-    std::printf("%zu frame; %s\n", recorder.RecordedFrames(), error.what());
-    recorder.Finish();
-    const lab::RunReader run(arguments[1]);
-    const lab::Well* well = run.Plate().Find("A1");
-    const bool isRead = run.IsWhole() && well != nullptr && well->sample == "A" &&
-                        run.Readings().Fluorescence(0, 0) == 1.5;
-    return isRead && recorder.FrameCount() == 1 && error.Code() == lab::ErrorCode::kInvalidValue
-               ? 0
-               : 1;
+  bool isRight = false;
+  {
+    lab::RunRecorder recorder(arguments[1], plan, {.resume = true});
+    try {
+      recorder.Append(lab::MeasuredFrame{});
+    } catch (const lab::Error& error) {  // its type is known across the library's border
+      std::printf("%zu frame; %s\n", recorder.RecordedFrames(), error.what());
+      recorder.Finish();
+      const lab::RunReader run(arguments[1]);
+      const lab::Well* well = run.Plate().Find("A1");
+      const bool isRead = run.IsWhole() && well != nullptr && well->sample == "A" &&
+                          run.Readings().Fluorescence(0, 0) == 1.5;
+      isRight =
+          isRead && recorder.FrameCount() == 1 && error.Code() == lab::ErrorCode::kInvalidValue;
+    }
   }
-  return 1;
+  return isRight && canKeep(arguments[1]) ? 0 : 1;
 }

@@ -133,7 +133,7 @@ class CalibrationCommand final : public Command {
           file_, plate_, [&](Vex2FileManager& plate) { return replace(plate, loaded); });
       return ExitCode::kDone;
     }
-    const Document document(file_);
+    const Document document(file_, Document::Purpose::kReadHeads);
     const auto plates = plate_.ChoosePlates(document);
     const bool all = plate_.IsAll(document);
     if (!target_.empty()) {

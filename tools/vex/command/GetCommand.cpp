@@ -50,7 +50,7 @@ class GetCommand final : public Command {
   }
 
   ExitCode Run() override {
-    const Document document(file_);
+    const Document document(file_, Document::Purpose::kReadHeads);
     const Document::Plate plate = plate_.Choose(document).front();
     const ordered_json root = describe(document, plate);
     const ValueAt found = FindValue(root, path_);

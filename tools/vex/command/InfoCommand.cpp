@@ -43,7 +43,7 @@ class InfoCommand final : public Command {
 
  private:
   void show(const std::string& file) {
-    const Document document(file);
+    const Document document(file, Document::Purpose::kReadHeads);
     // What a study says has its plates in it.
     const DocumentOverview overview = OverviewOf(document, plate_.Choose(document).front());
     if (json_) {

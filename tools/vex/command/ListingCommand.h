@@ -29,7 +29,7 @@ class ListingCommand : public Command {
                                           [&](Vex2FileManager& plate) { return change(plate); });
       return ExitCode::kDone;
     }
-    const Document document(file_);
+    const Document document(file_, Document::Purpose::kReadHeads);
     const auto plates = studiesHaveIt() ? plate_.Choose(document) : plate_.ChoosePlates(document);
     const bool all = plate_.IsAll(document);
     if (json_) {

@@ -1,15 +1,14 @@
-#include <algorithm>
-#include <cerrno>
 #include <iostream>
 #include <optional>
 
 #include "lab/model/DocumentFile.h"
+#include "lab/model/DocumentLock.h"
+#include "lab/model/Status.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/PlateOption.h"
 #include "tools/vex/files/Changing.h"
 #include "tools/vex/text/Text.h"
-#include "vex2/format/HeaderLayout.h"
 
 namespace vex2::tool {
 
@@ -29,7 +28,7 @@ class StatusCommand final : public Command {
   }
 
   ExitCode Run() override {
-    requireCode();
+    if (code_) RequireStatusCode(*code_, file_);
     if (!code_ || plate_.IsGiven()) return printOrChange();
     // A plain code is also the remedy for a run whose recorder is gone: its status does not refuse.
     const DocumentLock lock(file_, DocumentLock::Holder::kCommand);
@@ -48,29 +47,9 @@ class StatusCommand final : public Command {
       std::cout << Printable(before.View()) << '\n';
       return ExitCode::kDone;
     }
-    if (!changing_.IsDryRun() &&
-        document.SetAcquisitionStatus(file_.c_str(), code_->c_str()) != kSuccess) {
-      fail();
-    }
+    if (!changing_.IsDryRun()) WriteStatus(file_, *code_);
     std::cout << change(before) << (changing_.IsDryRun() ? Changing::kDryRun : "");
     return ExitCode::kDone;
-  }
-
-  void requireCode() const {
-    if (!code_) return;
-    for (const std::string_view known :
-         {RunStatus::kNotStarted, RunStatus::kInProgress, RunStatus::kDone}) {
-      const bool isAlike = std::equal(
-          code_->begin(), code_->end(), known.begin(), known.end(),
-          [](char given, char letter) { return given == letter || given == letter - 'A' + 'a'; });
-      if (!isAlike || *code_ == known) continue;
-      throw Error(
-          ErrorCode::kUsage, file_,
-          "the status '" + *code_ + "' is not known; did you mean " + std::string(known) + "?");
-    }
-    if (code_->size() == 4 && IsPlain(*code_)) return;
-    throw Error(ErrorCode::kUsage, file_,
-                "the status '" + *code_ + "' is not four plain characters, like DONE");
   }
 
   // Of a plate in a study, which is read whole, and saved whole with the plate's new status.
@@ -78,14 +57,12 @@ class StatusCommand final : public Command {
     if (code_) {
       std::cout << changing_.ApplyToPlate(file_, plate_, [&](Vex2FileManager& plate) {
         const CString before = plate.GetAcquisitionStatus();
-        Vex2HeaderData header = plate.GetHeaderData();
-        code_->copy(header.acquisitionStatus, sizeof header.acquisitionStatus);
-        plate.SetHeaderData(header);
+        StoreStatus(plate, *code_);
         return change(before);
       });
       return ExitCode::kDone;
     }
-    const Document document(file_);
+    const Document document(file_, Document::Purpose::kReadHeads);
     for (const Document::Plate& plate : plate_.ChoosePlates(document)) {
       std::cout << Printable(plate.content->GetAcquisitionStatus().View());
       if (!plate_.IsGiven()) std::cout << "  " << Printable(ToUtf8(plate.name));
@@ -97,18 +74,6 @@ class StatusCommand final : public Command {
 
   std::string change(const CString& before) const {
     return Printable(before.View()) + " -> " + *code_ + "\n";
-  }
-
-  [[noreturn]] void fail() const {
-    DocumentFile document;
-    CFileException reason;
-    if (!document.Open(file_.c_str(), CFile::modeReadWrite, &reason)) {
-      throw SystemError(file_, reason.GetError());
-    }
-    if (document.GetLength() < 68) {
-      throw Error(ErrorCode::kDocument, file_, "the header is cut short before the status", 64);
-    }
-    throw SystemError(file_, EIO);
   }
 
   std::string file_;

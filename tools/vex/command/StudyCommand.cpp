@@ -72,7 +72,7 @@ class NewAction final : public StudyChange {
     files.Write(study_, OutputFiles::Kind::kDocument).Claim();
     DocumentFile study;
     const std::string report = addPlates(study);
-    std::cout << changing_.Finish(study, study_, report);
+    std::cout << changing_.Finish(report, [&] { SaveDocument(study, study_); });
     if (!changing_.IsDryRun()) files.TellReplaced();
     return ExitCode::kDone;
   }
@@ -153,7 +153,7 @@ class ListAction final : public Command {
   }
 
   ExitCode Run() override {
-    const Document document(study_);
+    const Document document(study_, Document::Purpose::kReadHeads);
     const std::vector<StudyPlate> plates = StudyPlatesOf(document);
     json_ ? printJson(plates) : print(plates);
     document.RequireWhole("");

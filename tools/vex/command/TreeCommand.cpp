@@ -97,7 +97,7 @@ class TreeCommand final : public Command {
   }
 
   ExitCode Run() override {
-    const Document document(file_);
+    const Document document(file_, Document::Purpose::kReadHeads);
     // The tree of a study has those of its plates in it.
     const Document::Plate plate = plate_.Choose(document).front();
     DocumentFile file;

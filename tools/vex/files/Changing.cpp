@@ -10,12 +10,11 @@ void Changing::AddOptions(Options& options) {
   rewriting_.AddOptions(options);
 }
 
-std::string Changing::Finish(DocumentFile& document, const std::string& path,
-                             const std::string& report) const {
+std::string Changing::Finish(const std::string& report, const std::function<void()>& save) const {
   if (isDryRun_) return report + kDryRun;
   // Who ends the command here gets the new document or the old one, and no temporary file.
   const Interrupts interrupts;
-  SaveDocument(document, path);
+  save();
   return report;
 }
 

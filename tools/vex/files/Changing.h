@@ -1,8 +1,9 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
-#include "lab/model/DocumentLock.h"
+#include "lab/model/DocumentChange.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/PlateOption.h"
 #include "tools/vex/files/Rewriting.h"
@@ -31,13 +32,10 @@ class Changing {
   /// another program has changed the document since it was read, and then nothing was changed.
   template <typename Change>
   std::string Apply(const std::string& path, const Change& change) const {
-    const DocumentLock lock(path, DocumentLock::Holder::kCommand);
-    Document document(path, Document::Purpose::kChange);
-    document.RequireAtRest();
-    PrepareToSave(document, document.Path(), rewriting_.Rules());
+    DocumentChange changed(path, rewriting_.Rules());
     std::string report;
-    document.Content().KeepingRawDataLast([&] { report = change(document); });
-    return Finish(document.Content(), document.Path(), report);
+    changed.Change([&](Document& document) { report = change(document); });
+    return Finish(report, [&] { changed.Save(); });
   }
 
   /// Does the same, and hands `change` the plate of the document that was chosen.
@@ -47,9 +45,8 @@ class Changing {
     return Apply(path, [&](Document& document) { return change(*option.One(document).content); });
   }
 
-  /// Saves a document that was changed, or made, unless this is a dry run; answers what to report.
-  std::string Finish(DocumentFile& document, const std::string& path,
-                     const std::string& report) const;
+  /// Calls `save` unless this is a dry run; answers what to report.
+  std::string Finish(const std::string& report, const std::function<void()>& save) const;
 
  private:
   bool isDryRun_ = false;

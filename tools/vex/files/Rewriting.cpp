@@ -7,6 +7,8 @@ namespace vex2::tool {
 
 Rewriting::Rewriting() {
   rules_.onLoss = [](const std::string& sentence) { PrintLine(sentence); };
+  rules_.upgradeHint = "give --upgrade to make it version 2";
+  rules_.dropHint = "give --drop-unknown to accept that";
 }
 
 void Rewriting::AddOptions(Options& options) {

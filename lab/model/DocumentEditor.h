@@ -1,0 +1,101 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "lab/Error.h"
+#include "lab/model/Calibration.h"
+#include "lab/model/Run.h"
+#include "lab/model/SaveRules.h"
+#include "lab/model/Value.h"
+#include "vex2/framework/Export.h"
+
+namespace vex2::lab {
+
+/// What a plate document says of its plate, to be changed. The lists that are handed out by
+/// reference belong to the editor and live as long as it does; what is done to them reaches the
+/// document when it is saved, and is checked then. Texts are UTF-8 and must consist of characters
+/// of Latin-1, which is what documents store.
+class VEX2_API PlateEditor {
+ public:
+  PlateEditor(const PlateEditor&) = delete;
+  PlateEditor& operator=(const PlateEditor&) = delete;
+
+  /// The wells that the plate setup has; none where there is no setup. A well is told by its
+  /// number, from 1; its name is not used. A well that is removed becomes empty. A target without a
+  /// reporter gets that of its detector in `Detectors`.
+  std::vector<lab::Well>& Wells();
+  /// The well of this name, such as "A1"; added to `Wells` when it is not there, and valid until
+  /// `Wells` changes. Throws `kNoSuchWell` when the plate has no such well.
+  lab::Well& Well(std::string_view name);
+  /// Detectors are told by their names. Their order is the document's, new ones at the end.
+  std::vector<Detector>& Detectors();
+  /// The names of the dyes that the run requires.
+  std::vector<std::string>& RequiredDyes();
+  /// A part can be replaced, but not taken away.
+  lab::Calibration& Calibration();
+
+  /// The setting of this name, one of those that `vex set --help` lists; none where the document
+  /// does not say. Throws `kUnknownSetting`.
+  Value Setting(std::string_view name) const;
+  /// Sets it at once. A text that is set to nothing is removed. Throws `kUnknownSetting`, and
+  /// `kInvalidValue` for a value that it does not take.
+  void Set(std::string_view name, const Value& value);
+  /// "ZERO", "PROG", "DONE", or any other four characters.
+  std::string Status() const;
+  /// Throws `kInvalidValue` for a text that is not four plain characters.
+  void SetStatus(std::string_view code);
+
+ protected:
+  class Impl;
+
+  explicit PlateEditor(std::unique_ptr<Impl> impl);
+  ~PlateEditor();
+
+  std::unique_ptr<Impl> impl_;
+};
+
+/// Changes a document in place:
+///
+///     vex2::lab::DocumentEditor editor("run.vex");
+///     editor.Well("A1").sample = "control";
+///     editor.Set("comment", "second dilution series");
+///     editor.Save();
+///
+/// The document is saved as a whole or not at all. While the editor lives, no recorder, other
+/// editor or command can change it: keep editors short-lived. Without `Save` nothing is changed.
+/// Use an editor from one thread at a time.
+///
+/// All operations throw `Error` and nothing else.
+class VEX2_API DocumentEditor final : public PlateEditor {
+ public:
+  /// Reads the document at `path`. Throws when it cannot be read, is none, is being recorded or
+  /// changed, was not read whole, or holds what a save would lose unless `rules` allow that.
+  explicit DocumentEditor(const std::filesystem::path& path, const SaveRules& rules = {});
+  ~DocumentEditor();
+
+  /// As it was given.
+  const std::filesystem::path& Path() const;
+
+  /// The names of the plates in a study, in its order; none of another document.
+  std::vector<std::string> PlateNames() const;
+  /// The first plate of a study with this name, which is saved with the document. Valid as long as
+  /// the editor. Throws `kNoSuchPlate`.
+  PlateEditor& Plate(std::string_view name);
+
+  /// Saves what was changed; it is on the disk when this returns. Can be called again after further
+  /// changes. Throws, and leaves the file as it was, when a value cannot be stored
+  /// (`kInvalidValue`), when another program has changed the file since it was read (`kDocument`),
+  /// or when the system refuses. The editor keeps the changes.
+  void Save();
+
+ private:
+  class Document;
+
+  std::unique_ptr<Document> document_;
+};
+
+}  // namespace vex2::lab
