@@ -35,6 +35,7 @@ struct CalibrationHead {
   std::array<std::uint8_t, 4> extra1{};  ///< stored unchanged
   std::array<std::uint8_t, 4> extra2{};  ///< stored unchanged
 
+  /// Whether all fields are equal.
   friend bool operator==(const CalibrationHead&, const CalibrationHead&) = default;
 };
 
@@ -43,6 +44,7 @@ struct CalibrationPart {
   CalibrationHead head;                   ///< what stands before the spectra
   std::vector<CalibrationEntry> entries;  ///< the spectra in the order of the document
 
+  /// Whether all fields are equal.
   friend bool operator==(const CalibrationPart&, const CalibrationPart&) = default;
 };
 
@@ -53,6 +55,8 @@ struct Calibration {
 
   /// Whether the calibration has neither part.
   bool IsEmpty() const { return !pureDyes && !background; }
+
+  /// Whether all fields are equal.
   friend bool operator==(const Calibration&, const Calibration&) = default;
 };
 

@@ -21,8 +21,8 @@ namespace vex2::lab {
 /// of Latin-1, which is what documents store.
 class VEX2_API PlateEditor {
  public:
-  PlateEditor(const PlateEditor&) = delete;
-  PlateEditor& operator=(const PlateEditor&) = delete;
+  PlateEditor(const PlateEditor&) = delete;             ///< Editors are not copied.
+  PlateEditor& operator=(const PlateEditor&) = delete;  ///< Editors are not copied.
 
   /// The wells that the plate setup has; none where there is no setup. A well is told by its
   /// number, from 1; its name is not used. A well that is removed becomes empty. A target without a
@@ -44,18 +44,20 @@ class VEX2_API PlateEditor {
   /// Sets it at once. A text that is set to nothing is removed. Throws `kUnknownSetting`, and
   /// `kInvalidValue` for a value that it does not take.
   void Set(std::string_view name, const Value& value);
-  /// "ZERO", "PROG", "DONE", or any other four characters.
+  /// How far the run has come: "ZERO", "PROG", "DONE", or any other four characters.
   std::string Status() const;
-  /// Throws `kInvalidValue` for a text that is not four plain characters.
+  /// Sets the status at once. Throws an error of class `kUsage` for a text that is not four plain
+  /// characters.
   void SetStatus(std::string_view code);
 
  protected:
-  class Impl;
+  class Impl;  ///< the plate, and what is wanted of it
 
+  /// Edits what `impl` holds.
   explicit PlateEditor(std::unique_ptr<Impl> impl);
-  ~PlateEditor();
+  ~PlateEditor();  ///< Drops what was not saved.
 
-  std::unique_ptr<Impl> impl_;
+  std::unique_ptr<Impl> impl_;  ///< never null
 };
 
 /// Changes a document in place:
@@ -75,7 +77,7 @@ class VEX2_API DocumentEditor final : public PlateEditor {
   /// Reads the document at `path`. Throws when it cannot be read, is none, is being recorded or
   /// changed, was not read whole, or holds what a save would lose unless `rules` allow that.
   explicit DocumentEditor(const std::filesystem::path& path, const SaveRules& rules = {});
-  ~DocumentEditor();
+  ~DocumentEditor();  ///< Drops what was not saved, and lets others change the document.
 
   /// As it was given.
   const std::filesystem::path& Path() const;

@@ -1,6 +1,5 @@
 // DocumentEditor as programs use it.
-#include <limits>
-
+#include "lab/model/Document.h"
 #include "lab/model/DocumentEditor.h"
 #include "lab/record/RunRecorder.h"
 #include "tests/lab/RunDocuments.h"
@@ -42,6 +41,7 @@ class DocumentEditorTest : public TempFolderTest {
 
 TEST_F(DocumentEditorTest, SaveChangesSampleAndKeepsTheRest) {
   const RunReader before(path_);
+  const auto old = before.Readings();
   DocumentEditor editor(path_);
   editor.Well("A1").sample = "S\u00e4ule";
   editor.Wells()[1].targets.clear();
@@ -55,7 +55,6 @@ TEST_F(DocumentEditorTest, SaveChangesSampleAndKeepsTheRest) {
   EXPECT_EQ(after.Detectors(), before.Detectors());
   EXPECT_EQ(after.Settings(), before.Settings());
   const auto readings = after.Readings();
-  const auto old = before.Readings();
   EXPECT_TRUE(std::equal(readings.Values().begin(), readings.Values().end(), old.Values().begin(),
                          old.Values().end()));
 }
@@ -113,6 +112,7 @@ TEST_F(DocumentEditorTest, RefusesWhileRecorded) {
 TEST_F(DocumentEditorTest, RecorderIsRefusedWhileEdited) {
   const DocumentEditor editor(path_);
   lab::RecordingPlan plan;
+  plan.plate.wells = {{.number = 1, .name = {}, .sample = "A", .targets = {}}};
   EXPECT_EQ(errorOf([&] { lab::RunRecorder(path_, plan, {.resume = true}); }).Code(),
             ErrorCode::kInUse);
 }
@@ -229,7 +229,6 @@ TEST_F(DocumentEditorTest, DocumentWithoutSetupGetsOne) {
 
 TEST_F(DocumentEditorTest, BlockOfVersion1IsUpgradedWhenAllowed) {
   Vex2FileManager old;
-  std::copy_n("DONE", 4, const_cast<Vex2HeaderData&>(old.GetHeaderData()).acquisitionStatus);
   ASSERT_EQ(old.SaveToFile(path_.c_str()), 0);
   Bytes bytes = ReadBytes(path_);
   const Bytes block = ToBytes(std::string("RAWa\0\0\0\x08\0\x01\0\0\0\0\0\0", 16));
@@ -237,6 +236,8 @@ TEST_F(DocumentEditorTest, BlockOfVersion1IsUpgradedWhenAllowed) {
   WriteBytes(path_, bytes);
   EXPECT_THAT(errorOf([&] { DocumentEditor{path_}; }).what(),
               HasSubstr("set upgradeBlocks to make it version 2"));
+  DocumentEditor(path_, {.upgradeBlocks = true}).Save();
+  EXPECT_EQ(RunReader(path_).Blocks().front().version, 2);
 }
 
 TEST_F(DocumentEditorTest, UnknownRecordIsDroppedOnlyWhenAllowed) {

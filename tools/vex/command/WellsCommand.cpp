@@ -5,7 +5,7 @@
 
 #include "lab/exchange/CsvWriter.h"
 #include "lab/exchange/WellsFile.h"
-#include "lab/model/PlateContents.h"
+#include "lab/model/PlateChange.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/CsvInput.h"
 #include "tools/vex/command/Exactness.h"
@@ -118,50 +118,26 @@ class WellsCommand final : public ListingCommand {
                 "it has no plate setup; 'vex wells FILE --from wells.csv' gives it one");
   }
 
-  std::string replace(Vex2FileManager& document, PlateContents contents) const {
-    requireNumberedWells(document);
+  std::string replace(Vex2FileManager& document, const PlateContents& loaded) const {
     const PlateContents before = ContentsOf(document);
-    const PlateLayout loaded = contents.plate;
-    const PlateLayout own = LayoutOf(document);
-    for (WellRow& row : contents.rows) {
-      const auto well = own.Find(loaded.NameOf(row.well));
-      if (!well) {
-        throw Error(ErrorCode::kUsage, source_,
-                    "well " + loaded.NameOf(row.well) + " is not on the document's plate of " +
-                        std::to_string(own.WellCount()) + " wells");
-      }
-      row.well = *well;
-    }
-    contents.plate = own;
+    const PlateContents contents = PlacedOn(LayoutOf(document), loaded, source_);
     StoreContents(document, contents);
     return "wells set up: " + std::to_string(before.Wells().size()) + " -> " +
            std::to_string(contents.Wells().size()) + "\n" + differences(before, contents);
   }
 
-  // The wells whose rows are others than before.
   static std::string differences(const PlateContents& before, const PlateContents& after) {
-    std::map<unsigned short, std::vector<WellRow>> rows;
-    std::map<unsigned short, std::vector<WellRow>> others;
-    for (const WellRow& row : before.rows) rows[row.well].push_back(row);
-    for (const WellRow& row : after.rows) others[row.well].push_back(row);
-    std::set<unsigned short> wells;
-    for (const auto& [well, list] : rows) {
-      if (others[well] != list) wells.insert(well);
-    }
-    for (const auto& [well, list] : others) {
-      if (rows[well] != list) wells.insert(well);
-    }
     constexpr std::size_t kMostNamed = 8;
-    std::string names;
+    const std::vector<unsigned short> wells = ChangedWells(before, after);
+    std::string names = wells.empty() ? "" : ":";
     for (const unsigned short well : wells) {
-      if (names.size() > kMostNamed * 4) {
+      if (names.size() > kMostNamed * 4 + 1) {
         names += " and more";
         break;
       }
       names += ' ' + after.plate.NameOf(well);
     }
-    return "wells changed: " + std::to_string(wells.size()) + (wells.empty() ? "" : ":") + names +
-           '\n';
+    return "wells changed: " + std::to_string(wells.size()) + names + '\n';
   }
 
   std::string what_ = "sample";
