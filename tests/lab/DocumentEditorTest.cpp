@@ -231,7 +231,7 @@ TEST_F(DocumentEditorTest, BlockOfVersion1IsUpgradedWhenAllowed) {
   Vex2FileManager old;
   ASSERT_EQ(old.SaveToFile(path_.c_str()), 0);
   Bytes bytes = ReadBytes(path_);
-  const Bytes block = ToBytes(std::string("RAWa\0\0\0\x08\0\x01\0\0\0\0\0\0", 16));
+  const Bytes block = ToBytes(std::string("RAWa\0\0\0\x04\0\x01\0\0", 12));
   bytes.insert(bytes.end(), block.begin(), block.end());
   WriteBytes(path_, bytes);
   EXPECT_THAT(errorOf([&] { DocumentEditor{path_}; }).what(),
