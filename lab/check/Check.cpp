@@ -101,8 +101,7 @@ Findings checkDocument(const std::string& path) {
   const HeaderFields header = ReadHeaderFields(file, 0);
   CheckHeader(header, "header", 0, findings);
   RecordCheck records(document, header, findings);
-  static_cast<void>(WalkRecords(file, records));
-  records.Finish();
+  records.Finish(WalkRecords(file, records));
   CheckPositions(header, records.Positioned(), document, findings);
   CheckEnd(file, document, header, records, findings);
   checkDoubles(document.Records(), "", findings);

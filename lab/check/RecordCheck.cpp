@@ -146,10 +146,15 @@ void RecordCheck::checkNoRecord(const FileRecord& record) {
                  "'vex recover' looks for records among and behind them"});
 }
 
-void RecordCheck::Finish() {
+void RecordCheck::Finish(const WalkEnd& end) {
+  const auto& records = document_.Records();
+  const bool isInLastBlock = end.fault && !records.empty() &&
+                             records.back().tag == TagOf(Kind::kRawData) &&
+                             records.back().offset == end.fault->offset;
+  isWalked_ = !end.fault || isInLastBlock || end.fault->offset >= document_.RecordsEnd();
   // Where bytes between records are none, a length may be right and what follows wrong.
-  const char* remedy = hasGaps_ ? "'vex recover' takes what is whole into a new document"
-                                : "'vex repair' sets the length to what the record holds";
+  const char* remedy = CanRepairLengths() ? "'vex repair' sets the length to what the record holds"
+                                          : "'vex recover' takes what is whole into a new document";
   for (Finding& finding : lengths_) {
     finding.remedy = remedy;
     findings_.Add(std::move(finding));

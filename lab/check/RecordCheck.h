@@ -36,7 +36,7 @@ class RecordCheck final : public RecordVisitor {
   void End(const FileRecord& record) override;
   void Pass(std::uint64_t offset) override;
   /// After the walk: adds the lengths that are wrong, since only now it is known what to do.
-  void Finish();
+  void Finish(const WalkEnd& end);
 
   /// The programs and raw data that were walked over.
   const std::vector<PositionedRecord>& Positioned() const { return positioned_; }
@@ -44,6 +44,8 @@ class RecordCheck final : public RecordVisitor {
   /// Whether there are bytes between the document's records that are none, so that the walk may
   /// have taken for records what is none.
   bool HasGaps() const { return hasGaps_; }
+  /// Whether there are wrong lengths, and a repair sets them right. Valid after `Finish`.
+  bool CanRepairLengths() const { return isWalked_ && !hasGaps_ && !wrongLengths_.empty(); }
   /// The tags that lead to the record at `offset`, where the walk or the reader gave up.
   std::string NameAt(std::uint64_t offset) const;
 
@@ -75,6 +77,7 @@ class RecordCheck final : public RecordVisitor {
   std::vector<WrongLength> wrongLengths_;
   std::vector<Finding> lengths_;  ///< of them, but for what to do
   bool hasGaps_ = false;
+  bool isWalked_ = false;         ///< to the end, or to a last block that is cut short
   std::uint64_t passedEnd_ = 0;   ///< of the bytes of a plate that were passed over last
   std::uint64_t garbageEnd_ = 0;  ///< of the last record that is none
 };

@@ -50,7 +50,9 @@ void checkFault(CFile& file, const Document& document, const HeaderFields& heade
                 lost == 0 ? "the document has no records"
                           : "nothing is read from there on: " + std::to_string(lost) + " of " +
                                 Counted(document.Size(), "byte"),
-                kRecover});
+                records.CanRepairLengths()
+                    ? "'vex repair' sets the lengths of records; check the document again then"
+                    : kRecover});
 }
 
 void checkBehindBlock(const LastBlock& block, const Document& document, const HeaderFields& header,
