@@ -12,14 +12,9 @@ if(VEX2_WERROR)
   endif()
 endif()
 
-# Sanitizers and coverage must be in every link, including programs that use the static libraries.
+# Sanitizers must be in every link, including programs that use the static libraries.
 if(VEX2_SANITIZE)
   add_compile_options(-fsanitize=${VEX2_SANITIZE} -fno-sanitize-recover=all
                       -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${VEX2_SANITIZE})
-endif()
-if(VEX2_COVERAGE)
-  # Tests fork recorders, so several processes merge their counters into the same files.
-  add_compile_options(--coverage -fprofile-update=atomic)
-  add_link_options(--coverage)
 endif()

@@ -7,14 +7,14 @@
 namespace vex2::test {
 namespace {
 
-constexpr const char* kPath = "/block";
+constexpr const char* kBlockFile = "/block";
 constexpr std::int64_t kHead = 8;  // tag and length
 
 class DataBlockHeads : public testing::Test {
  protected:
   CFile& open(const Bytes& record) {
-    files_.Put(kPath, record);
-    EXPECT_TRUE(file_.Open(kPath, CFile::modeRead));
+    files_.Put(kBlockFile, record);
+    EXPECT_TRUE(file_.Open(kBlockFile, CFile::modeRead));
     file_.Seek(kHead, CFile::begin);
     return file_;
   }

@@ -12,7 +12,7 @@ namespace {
 
 using Reason = WalkFault::Reason;
 
-constexpr const char* kPath = "/walked.vex";
+constexpr const char* kWalkedFile = "/walked.vex";
 constexpr std::uint64_t kFirstRecord = 1024;
 
 // Writes down what the walk tells: "(TAG" where a record begins, ")" where it ends, "-" for four
@@ -35,8 +35,8 @@ class Notes final : public RecordVisitor {
 class RecordWalker : public testing::Test {
  protected:
   void put(const std::string& bytes) {
-    files_.Put(kPath, ToBytes(bytes));
-    ASSERT_TRUE(file_.Open(kPath, CFile::modeRead));
+    files_.Put(kWalkedFile, ToBytes(bytes));
+    ASSERT_TRUE(file_.Open(kWalkedFile, CFile::modeRead));
   }
   // The notes of a walk over these records, which must end at the end of the file.
   std::string walked(const std::string& records) {

@@ -19,7 +19,7 @@ using vex2::test::ReadBytes;
 using vex2::test::ToBytes;
 using vex2::test::WriteBytes;
 
-constexpr unsigned kCreate = CFile::modeWrite | CFile::modeCreate;
+constexpr unsigned kWriteNew = CFile::modeWrite | CFile::modeCreate;
 constexpr std::uint64_t kFourGiB = std::uint64_t{1} << 32U;
 
 class File : public vex2::test::TempFolderTest {
@@ -70,10 +70,10 @@ TEST_F(File, OpeningWhatIsNotThereFailsAndSaysWhy) {
 
 TEST_F(File, CreatingEmptiesUnlessToldNotTo) {
   holds("content");
-  ASSERT_TRUE(file_.Open(path_.c_str(), kCreate | CFile::modeNoTruncate));
+  ASSERT_TRUE(file_.Open(path_.c_str(), kWriteNew | CFile::modeNoTruncate));
   EXPECT_EQ(file_.GetLength(), 7U);
   EXPECT_EQ(file_.GetPosition(), 0U);
-  ASSERT_TRUE(file_.Open(path_.c_str(), kCreate));
+  ASSERT_TRUE(file_.Open(path_.c_str(), kWriteNew));
   EXPECT_EQ(file_.GetLength(), 0U);
 }
 
@@ -81,14 +81,14 @@ TEST_F(File, ThatCannotBeEmptiedIsNotOpened) {
   holds("content");
   FaultyFileSystem files;
   files.FailKind(FileCall::truncate, EIO);
-  EXPECT_EQ(errorOf(kCreate), EIO);
+  EXPECT_EQ(errorOf(kWriteNew), EIO);
   EXPECT_FALSE(file_.IsOpen());
-  EXPECT_FALSE(file_.Open(path_.c_str(), kCreate)) << "also for those who do not ask why";
+  EXPECT_FALSE(file_.Open(path_.c_str(), kWriteNew)) << "also for those who do not ask why";
   EXPECT_EQ(ReadBytes(path_).size(), 7U);
 }
 
 TEST_F(File, OpeningAnOpenFileClosesItFirst) {
-  ASSERT_TRUE(file_.Open(path_.c_str(), kCreate));
+  ASSERT_TRUE(file_.Open(path_.c_str(), kWriteNew));
   file_.Write("abc", 3);
   ASSERT_TRUE(file_.Open(path_.c_str(), CFile::modeRead)) << "its own lock is gone";
   EXPECT_EQ(read(10), "abc");
@@ -138,7 +138,7 @@ TEST_F(File, SeekingOutOfBoundsThrowsAndChangesNothing) {
 
 TEST_F(File, WritingWhereNoFileReachesThrowsAndChangesNothing) {
   constexpr auto kMost = std::numeric_limits<std::int64_t>::max();
-  ASSERT_TRUE(file_.Open(path_.c_str(), kCreate));
+  ASSERT_TRUE(file_.Open(path_.c_str(), kWriteNew));
   file_.Seek(kMost - 1, CFile::begin);
   EXPECT_THROW(file_.Write("xy", 2), CFileException);
   EXPECT_EQ(file_.GetPosition(), static_cast<std::uint64_t>(kMost) - 1);
@@ -147,7 +147,7 @@ TEST_F(File, WritingWhereNoFileReachesThrowsAndChangesNothing) {
 }
 
 TEST_F(File, WritingPastTheEndLeavesZeros) {
-  ASSERT_TRUE(file_.Open(path_.c_str(), kCreate));
+  ASSERT_TRUE(file_.Open(path_.c_str(), kWriteNew));
   file_.Seek(3, CFile::begin);
   file_.Write("x", 1);
   EXPECT_EQ(file_.GetLength(), 4U);
@@ -157,7 +157,7 @@ TEST_F(File, WritingPastTheEndLeavesZeros) {
 
 TEST_F(File, WritesAreGatheredUntilFlushed) {
   FaultyFileSystem files;
-  ASSERT_TRUE(file_.Open(path_.c_str(), kCreate));
+  ASSERT_TRUE(file_.Open(path_.c_str(), kWriteNew));
   for (int i = 0; i < 1000; ++i) file_.Write("ten bytes.", 10);
   EXPECT_EQ(files.Changes(), "L");
   EXPECT_EQ(file_.GetLength(), 10000U);
@@ -170,7 +170,7 @@ TEST_F(File, WritesAreGatheredUntilFlushed) {
 }
 
 TEST_F(File, AbortDropsWhatWasNotWrittenOut) {
-  ASSERT_TRUE(file_.Open(path_.c_str(), kCreate));
+  ASSERT_TRUE(file_.Open(path_.c_str(), kWriteNew));
   file_.Write("kept", 4);
   file_.Flush();
   file_.Write("lost", 4);
@@ -260,7 +260,7 @@ TEST_F(File, InterruptedAndPartialTransfersAreContinued) {
 
 TEST_F(File, SyncWritesOutWhatIsBufferedFirst) {
   FaultyFileSystem files;
-  ASSERT_TRUE(file_.Open(path_.c_str(), kCreate));
+  ASSERT_TRUE(file_.Open(path_.c_str(), kWriteNew));
   file_.Write("new", 3);
   file_.SyncData();
   EXPECT_EQ(files.Changes(), "LWD");
@@ -278,7 +278,7 @@ TEST_F(File, ADiskThatTakesNothingIsAFailureAndNoEndlessLoop) {
   struct Full : FaultyFileSystem {
     ssize_t WriteAt(int, const void*, std::size_t, std::uint64_t) override { return 0; }
   } files;
-  ASSERT_TRUE(file_.Open(path_.c_str(), kCreate));
+  ASSERT_TRUE(file_.Open(path_.c_str(), kWriteNew));
   file_.Write("x", 1);
   try {
     file_.Flush();
@@ -328,7 +328,7 @@ TEST_F(File, RefusalsOfTheSystemAreThrownWithPathAndPlace) {
 
 TEST_F(File, ACloseThatCannotWriteThrowsAndClosesAllTheSame) {
   FaultyFileSystem files;
-  ASSERT_TRUE(file_.Open(path_.c_str(), kCreate));
+  ASSERT_TRUE(file_.Open(path_.c_str(), kWriteNew));
   file_.Write("x", 1);
   files.FailKind(FileCall::write, ENOSPC);
   EXPECT_THROW(file_.Close(), CFileException);
@@ -341,7 +341,7 @@ TEST_F(File, DestructionSwallowsWhatCannotBeWritten) {
   files.FailKind(FileCall::write, ENOSPC);
   {
     CFile file;
-    ASSERT_TRUE(file.Open(path_.c_str(), kCreate));
+    ASSERT_TRUE(file.Open(path_.c_str(), kWriteNew));
     file.Write("x", 1);
   }
   EXPECT_TRUE(ReadBytes(path_).empty());
@@ -364,7 +364,7 @@ TEST_F(File, FoldersAreRefusedAndPipesReadAsEmpty) {
   CFileException error;
   EXPECT_FALSE(file_.Open(folder_.Path().c_str(), CFile::modeRead, &error));
   EXPECT_EQ(error.GetError(), EISDIR);
-  EXPECT_FALSE(file_.Open(folder_.Path().c_str(), kCreate, &error));
+  EXPECT_FALSE(file_.Open(folder_.Path().c_str(), kWriteNew, &error));
   ASSERT_EQ(mkfifo(path_.c_str(), 0600), 0);
   EXPECT_TRUE(file_.Open(path_.c_str(), CFile::modeRead)) << "and without waiting for a writer";
   EXPECT_EQ(file_.GetLength(), 0U);
@@ -380,7 +380,7 @@ TEST_F(File, WhatIsNoFileNeedsNoSync) {
 }
 
 TEST_F(File, AFullDeviceRefusesWhatIsWrittenOut) {
-  ASSERT_TRUE(file_.Open("/dev/full", kCreate));
+  ASSERT_TRUE(file_.Open("/dev/full", kWriteNew));
   file_.Write("x", 1);
   EXPECT_THROW(file_.Flush(), CFileException);
   EXPECT_THROW(file_.Close(), CFileException);

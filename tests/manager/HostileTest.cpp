@@ -37,17 +37,17 @@ using vex2::test::ToBytes;
 using vex2::test::WriteBytes;
 using namespace std::string_literals;
 
-const std::string kName = Record("NAME", "abc");
+const std::string kNameRecord = Record("NAME", "abc");
 
 class Hostile : public vex2::test::TempFolderTest {
  protected:
   void TearDown() override {
     const std::string good = folder_ / "good.vex";
-    WriteBytes(good, DocumentOf(kName));
+    WriteBytes(good, DocumentOf(kNameRecord));
     EXPECT_EQ(manager_.ReadFromFile(good.c_str()), 0) << "usable afterwards";
     EXPECT_EQ(manager_.GetAllComponentCount(), 1);
     EXPECT_EQ(manager_.SaveToFile(good.c_str()), 0);
-    EXPECT_EQ(FirstDifference(ReadBytes(good), DocumentOf(kName)), "");
+    EXPECT_EQ(FirstDifference(ReadBytes(good), DocumentOf(kNameRecord)), "");
   }
 
   int read(const Bytes& bytes) {
@@ -69,11 +69,11 @@ class Hostile : public vex2::test::TempFolderTest {
 
 TEST_F(Hostile, NestingIsBounded) {
   for (const auto* tag : {"SPEC", "CNTL", "CPLT", "CPNM", "DETT"}) {
-    EXPECT_EQ(read(DocumentOf(kName + NestedLists(tag, 63) + kName)), 0) << tag;
+    EXPECT_EQ(read(DocumentOf(kNameRecord + NestedLists(tag, 63) + kNameRecord)), 0) << tag;
     EXPECT_EQ(count(), 3);
-    EXPECT_EQ(read(DocumentOf(kName + NestedLists(tag, 64) + kName)), 0) << tag;
+    EXPECT_EQ(read(DocumentOf(kNameRecord + NestedLists(tag, 64) + kNameRecord)), 0) << tag;
     EXPECT_EQ(count(), 3);
-    EXPECT_EQ(read(DocumentOf(kName + NestedLists(tag, 65) + kName)), -300) << tag;
+    EXPECT_EQ(read(DocumentOf(kNameRecord + NestedLists(tag, 65) + kNameRecord)), -300) << tag;
     EXPECT_EQ(count(), 1);
   }
   EXPECT_EQ(read(DocumentOf(NestedLists("GLBL", 1'000'000))), -300);
@@ -94,7 +94,7 @@ TEST_F(Hostile, LengthsThatTheFileCannotFillEndTheReading) {
       SCOPED_TRACE(std::string(tag) + " " + std::to_string(length));
       for (const std::string& body :
            {std::string(), std::string(40, '\0'), std::string(40, '\xFF')}) {
-        EXPECT_LE(read(DocumentOf(kName + RecordDeclaring(tag, length, body))), 0);
+        EXPECT_LE(read(DocumentOf(kNameRecord + RecordDeclaring(tag, length, body))), 0);
         ASSERT_GE(count(), 1);
         EXPECT_EQ(manager_.GetComponent(0)->GetTag(), "NAME");
       }
@@ -145,9 +145,9 @@ TEST_F(Hostile, AHeaderOf65535RowsIsReadFromAShortFile) {
   const std::string header = HeaderBytes().replace(20, 2, "\xFF\xFF");
   EXPECT_EQ(read(ToBytes(header)), 0);
   EXPECT_EQ(manager_.GetHeaderRows(), 65535);
-  EXPECT_EQ(read(ToBytes(header + kName)), 0);
+  EXPECT_EQ(read(ToBytes(header + kNameRecord)), 0);
   EXPECT_EQ(count(), 0) << "the table takes all there is";
-  EXPECT_EQ(read(ToBytes(HeaderBytes(65535) + kName)), 0);
+  EXPECT_EQ(read(ToBytes(HeaderBytes(65535) + kNameRecord)), 0);
   EXPECT_EQ(count(), 1);
   Vex2FileManagerComponent plate;
   CFile file;
@@ -157,9 +157,9 @@ TEST_F(Hostile, AHeaderOf65535RowsIsReadFromAShortFile) {
 }
 
 TEST_F(Hostile, EveryRefusedReadIsAStatus) {
-  const Bytes bytes =
-      DocumentOf(kName + ListRecord("SPEC", 1, kName) + Record("COMM", std::string(600'000, 'c')) +
-                 Record("TPro", std::string(300'000, 'p')) + kName);
+  const Bytes bytes = DocumentOf(kNameRecord + ListRecord("SPEC", 1, kNameRecord) +
+                                 Record("COMM", std::string(600'000, 'c')) +
+                                 Record("TPro", std::string(300'000, 'p')) + kNameRecord);
   WriteBytes(path_, bytes);
   for (const int error : {EIO, FaultyFileSystem::kNoMemory}) {
     for (int after = 0; after < 100; ++after) {
@@ -182,7 +182,7 @@ TEST_F(Hostile, EveryRefusedReadIsAStatus) {
 }
 
 TEST_F(Hostile, EveryRefusedStepOfASaveIsAStatusAndTheOldDocumentStands) {
-  ASSERT_EQ(read(DocumentOf(kName + Record("COMM", std::string(600'000, 'c')))), 0);
+  ASSERT_EQ(read(DocumentOf(kNameRecord + Record("COMM", std::string(600'000, 'c')))), 0);
   const std::string target = folder_ / "target.vex";
   const Bytes old = DocumentOf(Record("NAME", "old"));
   WriteBytes(target, old);
@@ -205,7 +205,7 @@ TEST_F(Hostile, EveryRefusedStepOfASaveIsAStatusAndTheOldDocumentStands) {
 }
 
 TEST_F(Hostile, AnOpenThatFailsHalfWayLeavesNothingOpen) {
-  WriteBytes(path_, DocumentOf(kName));
+  WriteBytes(path_, DocumentOf(kNameRecord));
   for (const auto step : {FileCall::open, FileCall::lock, FileCall::stat}) {
     for (const int error : {EIO, FaultyFileSystem::kNoMemory}) {
       FaultyFileSystem files;
@@ -251,7 +251,7 @@ TEST_F(Hostile, PipesAndFoldersInADocumentsPlaceDoNotHang) {
 }
 
 TEST_F(Hostile, AFullDeviceIsAFailedWrite) {
-  ASSERT_EQ(read(DocumentOf(kName)), 0);
+  ASSERT_EQ(read(DocumentOf(kNameRecord)), 0);
   EXPECT_EQ(manager_.SaveToFile("/dev/full"), -200);
   EXPECT_EQ(manager_.SaveHeader("/dev/full", Vex2HeaderData()), -200);
   EXPECT_EQ(manager_.SaveToFile("/dev/null"), 0);

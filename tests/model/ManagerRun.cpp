@@ -5,7 +5,7 @@
 namespace vex2::test::model {
 namespace {
 
-constexpr std::size_t kHeader = 1024;
+constexpr std::size_t kHeaderBytes = 1024;
 constexpr std::size_t kWellInFile = 80;
 
 Part blockOf(const Text& tag, const std::vector<Frame>* frames, int count) {
@@ -53,7 +53,7 @@ int Manager::removeBlock(const Text& tag) {
 }
 
 std::uint32_t Manager::findInFile(const Text& bytes, const Text& tag) const {
-  for (std::size_t at = kHeader; at + 4 <= bytes.size();) {
+  for (std::size_t at = kHeaderBytes; at + 4 <= bytes.size();) {
     if (bytes.compare(at, 4, tag) == 0) return static_cast<std::uint32_t>(at);
     if (at + 8 > bytes.size()) return 0;
     at += 8 + std::size_t{NumberAt(bytes, at + 4, 4)};
@@ -72,8 +72,8 @@ bool Manager::hasPlainRecords(const char* at) const {
   const auto found = at != nullptr ? disk_->files.find(at) : disk_->files.end();
   if (found == disk_->files.end()) return true;
   const Text& bytes = found->second;
-  Stream stream{bytes, kHeader};
-  std::size_t place = kHeader;
+  Stream stream{bytes, kHeaderBytes};
+  std::size_t place = kHeaderBytes;
   while (place + 8 <= bytes.size()) {
     Part part;
     std::uint64_t counted = 0;
@@ -82,7 +82,7 @@ bool Manager::hasPlainRecords(const char* at) const {
     place += 8 + std::size_t{NumberAt(bytes, place + 4, 4)};
     if (stream.at != place) return false;
   }
-  return place == bytes.size() || bytes.size() <= kHeader;
+  return place == bytes.size() || bytes.size() <= kHeaderBytes;
 }
 
 int Manager::replaceBlock(const char* at, const std::vector<Frame>* frames, int count,
@@ -117,7 +117,7 @@ int Manager::replaceReporting(const char* at, const Part& block, const Text& tag
   const Text before = disk_->files[at];
   std::vector<Part> kept;
   std::size_t start = 0;
-  Stream stream{before, kHeader};
+  Stream stream{before, kHeaderBytes};
   while (stream.at < before.size()) {
     const std::size_t place = stream.at;
     const Text found = before.substr(place, 4);
@@ -171,7 +171,7 @@ bool Manager::isLeftover(const Part& block, std::size_t start) {
 
 std::size_t Manager::placeForBlock(const Part& block) {
   const Text& bytes = content();
-  Stream stream{bytes, kHeader};
+  Stream stream{bytes, kHeaderBytes};
   while (stream.at < bytes.size()) {
     const std::size_t start = stream.at;
     if (bytes.compare(start, 4, "RAWa") == 0)

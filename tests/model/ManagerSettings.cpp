@@ -9,21 +9,21 @@ std::int32_t signedByte(const Text& value) {
   return value.empty() ? 0 : static_cast<signed char>(value[0]);
 }
 
-void addText(Part& list, const Text& tag, const Text& text) {
+void addTextPart(Part& list, const Text& tag, const Text& text) {
   if (!text.empty()) Add(list, ValuePart(tag, text));
 }
 
 Part partOf(const Settings& value) {
   Part list = ListPart("GLBL");
   Add(list, ValuePart("VERS", Big(value.version, 4)));
-  addText(list, "COMM", value.comment);
+  addTextPart(list, "COMM", value.comment);
   Add(list, ValuePart("PCRV", Big(value.volume, 2)));
-  addText(list, "RefN", value.reference);
+  addTextPart(list, "RefN", value.reference);
   Add(list, ValuePart("UOMC", Big(value.unit, 2)));
   for (int i = 0; i < 4; ++i) {
     Add(list, ValuePart(kByteTags[i], Big(static_cast<std::uint32_t>(value.bytes[i]), 1)));
   }
-  addText(list, "LOGT", value.log);
+  addTextPart(list, "LOGT", value.log);
   return list;
 }
 

@@ -14,14 +14,14 @@ constexpr Block kBlocks[] = {{DataRAWa, "RAWa"}, {DataRAWa, "RAWa"}, {DataRAWa, 
                              {DataREPr, "REPr"}, {DataREPn, "REPn"}, {DataREPt, "REPt"}};
 
 /// 44 values, of which the first tells whether the well counts as filled.
-Text drawRecord(Draw& draw) {
+Text drawAnyRecord(Draw& draw) {
   return Big(draw.OneIn(5) ? 0U : 1U + static_cast<unsigned>(draw.Below(9)), 2) + draw.Bytes(86);
 }
 
 Frame drawFrame(Draw& draw) {
   Frame frame;
   frame.wells = static_cast<std::uint16_t>(draw.OneIn(6) ? 3 : 2);
-  for (int well = 0; well < frame.wells; ++well) frame.records += drawRecord(draw);
+  for (int well = 0; well < frame.wells; ++well) frame.records += drawAnyRecord(draw);
   return frame;
 }
 
@@ -121,7 +121,7 @@ Operation frameOperation(Draw& draw, const Block& block, const char* path) {
 }
 
 Operation recordOperation(Draw& draw, const Block& block) {
-  const Text record = drawRecord(draw);
+  const Text record = drawAnyRecord(draw);
   const int frame = draw.Below(5) - 1;
   const int well = draw.Below(5);
   return {"SetAcqDataWellRecord frame " + Shown(frame) + ", well " + Shown(well) + ", " + block.tag,

@@ -15,11 +15,11 @@
 namespace vex2::test {
 namespace {
 
-constexpr const char* kPromise = "the disk is full, a write is cut short or interrupted";
+constexpr const char* kDiskFull = "the disk is full, a write is cut short or interrupted";
 
 class DiskFull : public RunOnDisk {
  protected:
-  static SweepResult resultOf(const char* sweep) { return {.promise = kPromise, .sweep = sweep}; }
+  static SweepResult resultOf(const char* sweep) { return {.promise = kDiskFull, .sweep = sweep}; }
   // Commits frames from this one on until one is refused; the number that is committed then.
   int recordUntilRefused(OpenedManager& manager, int frames) {
     int status = kSuccess;

@@ -6,7 +6,7 @@
 namespace vex2::test {
 namespace {
 
-constexpr const char* kPromise = "a commit fails";
+constexpr const char* kCommitFails = "a commit fails";
 
 struct Staged {
   int committed;  // frames before the one that fails
@@ -50,7 +50,7 @@ class FailedCommit : public RunOnDisk, public testing::WithParamInterface<Staged
 };
 
 TEST_P(FailedCommit, AtAnyCallLeavesTheFileAndCanBeRepeated) {
-  SweepResult result{.promise = kPromise,
+  SweepResult result{.promise = kCommitFails,
                      .sweep = "EIO and ENOSPC at each call, then the frame again"};
   for (int call = 0;; ++call) {
     SCOPED_TRACE("call " + std::to_string(call));
@@ -77,7 +77,7 @@ TEST_P(FailedCommit, AtAnyCallLeavesTheFileAndCanBeRepeated) {
 }
 
 TEST_P(FailedCommit, ThatCannotBeTakenBackLeavesTheEarlierFramesAndIsRepaired) {
-  SweepResult result{.promise = kPromise,
+  SweepResult result{.promise = kCommitFails,
                      .sweep = "EIO and ENOSPC at each call and at those that take it back"};
   bool struck = true;
   for (int call = 0; struck; ++call) {

@@ -6,7 +6,7 @@
 namespace vex2::test {
 namespace {
 
-constexpr int kFrames = 4;
+constexpr int kFrameCount = 4;
 
 class FailedSync : public RunOnDisk {
  protected:
@@ -18,7 +18,7 @@ class FailedSync : public RunOnDisk {
     begin(manager);
     files_.FailKind(FileCall::syncData, EIO, syncs, once);
     int committed = 0;
-    while (committed < kFrames && append(manager, committed) == kSuccess) ++committed;
+    while (committed < kFrameCount && append(manager, committed) == kSuccess) ++committed;
     return committed;
   }
   void failOneCommit(OpenedManager& manager) {
@@ -41,12 +41,12 @@ TEST_F(FailedSync, AnywhereEndsTheCommitsToThatFileAndLeavesTheDocumentInMemory)
                      .sweep = "EIO at each sync of a run, once and from then on"};
   NewFailures failures;
   for (const bool once : {true, false}) {
-    for (int syncs = 0; syncs < 2 * kFrames; ++syncs) {
+    for (int syncs = 0; syncs < 2 * kFrameCount; ++syncs) {
       SCOPED_TRACE(std::to_string(syncs) + (once ? " once" : " from then on"));
       host_.messages.clear();
       OpenedManager manager;
       const int committed = recordUntilFailure(manager, syncs, once);
-      EXPECT_LT(committed, kFrames);
+      EXPECT_LT(committed, kFrameCount);
       files_.Restart();
       const Bytes before = ReadBytes(path_);
       const int frames = readableFrames();

@@ -11,7 +11,7 @@ namespace {
 
 using Moment = FaultyFileSystem::Moment;
 
-constexpr const char* kPromise = "a save is interrupted";
+constexpr const char* kSaveInterrupted = "a save is interrupted";
 
 class InterruptedSave : public RunOnDisk, public testing::WithParamInterface<Work> {
  protected:
@@ -67,7 +67,7 @@ class InterruptedSave : public RunOnDisk, public testing::WithParamInterface<Wor
 };
 
 TEST_P(InterruptedSave, ByAKillLeavesTheOldDocumentOrTheNew) {
-  SweepResult result{.promise = kPromise,
+  SweepResult result{.promise = kSaveInterrupted,
                      .sweep = "SIGKILL before, within and after each system call"};
   ASSERT_GE(calls_.size(), 8U);
   const int step = InFullSweeps(1, 3);
@@ -96,7 +96,7 @@ TEST_P(InterruptedSave, ByAKillLeavesTheOldDocumentOrTheNew) {
 }
 
 TEST_P(InterruptedSave, ByARefusedCallLeavesTheOldDocumentOrTheNewAndCanBeRepeated) {
-  SweepResult result{.promise = kPromise,
+  SweepResult result{.promise = kSaveInterrupted,
                      .sweep = "EIO and ENOSPC at each system call, once and from then on"};
   int refused = 0;
   for (const int error : {EIO, ENOSPC}) {

@@ -12,7 +12,7 @@ namespace {
 
 const std::string kPath = "/no-such-folder/run.vex";
 constexpr int kVolume = 25;
-constexpr const char* kPromise = "power is lost";
+constexpr const char* kPowerLost = "power is lost";
 
 /// Records a run on a disk in memory and judges what the disk may hold afterwards.
 class PoweredRun {
@@ -157,7 +157,7 @@ TEST(PowerLoss, InARunLeavesTheFramesWhoseCommitReturned) {
   for (const int wells : {96, 384}) visit(wells, InFullSweeps(20, 3), 3);
   EXPECT_EQ(verdict.bad, 0U) << verdict.first;
   EXPECT_GE(verdict.states, FullSweeps() ? 100'000U : 1000U);
-  ReportSweep({kPromise,
+  ReportSweep({kPowerLost,
                "what a disk may hold after a cut at each write of runs, nine sizes of plates",
                verdict.points, verdict.states, verdict.bad});
 }

@@ -21,7 +21,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr const char* kPromise = "two programs at once";
+constexpr const char* kTwoPrograms = "two programs at once";
 constexpr int kReaders = 8;
 constexpr std::uint16_t kWells = 2;
 
@@ -160,7 +160,7 @@ TEST_F(TwoPrograms, ReadersSeeWholeFramesAndMakeNoCommitFail) {
   std::printf("%d reads, longest commit %lld ms\n", notes->reads.load(),
               static_cast<long long>(milliseconds));
   const int bad = notes->bad + notes->refused + refusedCommits;
-  ReportSweep({kPromise, "commits of one program, with eight others that read",
+  ReportSweep({kTwoPrograms, "commits of one program, with eight others that read",
                static_cast<std::uint64_t>(frames), static_cast<std::uint64_t>(notes->reads),
                static_cast<std::uint64_t>(bad)});
 }
@@ -218,7 +218,7 @@ TEST_F(TwoPrograms, AWriterWhoWaitedForASaveWritesToTheNewFile) {
     if (!isWhole) ++bad;
   }
   EXPECT_EQ(bad, 0);
-  ReportSweep({kPromise, "a save that replaces the file under a writer who waits",
+  ReportSweep({kTwoPrograms, "a save that replaces the file under a writer who waits",
                static_cast<std::uint64_t>(rounds), static_cast<std::uint64_t>(rounds),
                static_cast<std::uint64_t>(bad)});
 }
@@ -270,7 +270,8 @@ TEST_F(Threads, WithAManagerEachWorkSideBySide) {
   for (std::thread& thread : threads) thread.join();
   const int found = bad + notes->bad + notes->refused;
   EXPECT_EQ(found, 0);
-  ReportSweep({kPromise, "threads with a manager each, at documents of their own and a shared one",
+  ReportSweep({kTwoPrograms,
+               "threads with a manager each, at documents of their own and a shared one",
                2 * kThreads + 1, static_cast<std::uint64_t>(notes->reads),
                static_cast<std::uint64_t>(found)});
 }

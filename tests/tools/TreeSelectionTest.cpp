@@ -15,9 +15,9 @@ TEST_F(TreeSelected, DepthLeavesOutRecordsThatAreNestedDeeper) {
   EXPECT_THAT(top, HasSubstr("GLBL"));
   EXPECT_THAT(top, HasSubstr("RAWa"));
   EXPECT_THAT(top, Not(HasSubstr("LOGT")));
-  const auto json = TreeOutput({path_, "--depth", "1"});
-  ASSERT_EQ(json.size(), 2U);
-  EXPECT_FALSE(json[0].contains("children"));
+  const auto tree = TreeOutput({path_, "--depth", "1"});
+  ASSERT_EQ(tree.size(), 2U);
+  EXPECT_FALSE(tree[0].contains("children"));
   EXPECT_EQ(TreeOutput({path_, "--depth", "64"}), TreeOutput({path_}));
 }
 
