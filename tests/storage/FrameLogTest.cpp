@@ -8,6 +8,7 @@
 #include "tests/support/MemoryFiles.h"
 #include "tests/support/RunDocument.h"
 #include "tests/support/SilentHost.h"
+#include "vex2/storage/FrameLog.h"
 
 namespace vex2::test {
 namespace {
@@ -53,6 +54,14 @@ class FrameLog : public testing::Test {
     const bool stays = Slice(file(), at, left.size()) == left;
     EXPECT_EQ(file().size(), (stays ? before.size() : at) + kFrame);
     return stays;
+  }
+
+  // Whether these bytes behind a header are an interrupted first commit of a plate of two wells.
+  bool isFirstCommit(const Bytes& left) {
+    put(Join({StoredHeader(), left}));
+    CFile opened;
+    EXPECT_TRUE(opened.Open(kPath, CFile::modeRead));
+    return IsFirstCommit(opened, kHeader, 2);
   }
 
   MemoryFiles files_;
@@ -165,6 +174,22 @@ TEST_F(FrameLog, FirstCommitKeepsBytesBehindDamagedRecords) {
   for (const Bytes& first : {binary, high, tornRecord, ToBytes("COM")}) {
     EXPECT_EQ(placeBehind({first, noTag_}), lengthOf({first, noTag_}));
   }
+}
+
+TEST_F(FrameLog, FirstCommitIsABlockOfOneFrameOrItsBeginning) {
+  EXPECT_TRUE(isFirstCommit(whole_));
+  for (std::size_t length = 1; length <= noTag_.size(); ++length) {
+    EXPECT_TRUE(isFirstCommit(Slice(noTag_, 0, length))) << length;
+  }
+  EXPECT_TRUE(isFirstCommit(changed(noTag_, 25, 0))) << "the head is not on the disk";
+}
+
+TEST_F(FrameLog, FirstCommitIsNothingElse) {
+  EXPECT_FALSE(isFirstCommit({})) << "nothing";
+  EXPECT_FALSE(isFirstCommit(StoredBlock("RAWa", 2, 2))) << "two frames";
+  EXPECT_FALSE(isFirstCommit(StoredBlock("RAWa", 3, 1))) << "more wells than the plate";
+  EXPECT_FALSE(isFirstCommit(changed(Join({whole_, {0}}), 25, 1))) << "more than one well's frame";
+  EXPECT_FALSE(isFirstCommit(ByteString().Text("COMM").Long(3).Text("abc"))) << "a record";
 }
 
 }  // namespace
