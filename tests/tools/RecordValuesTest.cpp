@@ -14,7 +14,7 @@ namespace {
 using testing::HasSubstr;
 using testing::StartsWith;
 
-constexpr const char* kColumns = "well,stage,cycle,time_s,temperature_c,fluorescence\n";
+constexpr const char* kReadingColumns = "well,stage,cycle,time_s,temperature_c,fluorescence\n";
 constexpr const char* kWithChannels =
     "well,channel,stage,cycle,time_s,temperature_c,fluorescence\n";
 
@@ -22,7 +22,7 @@ class RecordValuesTest : public RecordTest {
  protected:
   /// Records these rows, below the row of names, as the whole run of wells A1 and A2.
   CommandResult RecordRows(const std::string& rows, const VexProcess::Arguments& more = {},
-                           const char* columns = kColumns) const {
+                           const char* columns = kReadingColumns) const {
     VexProcess::Arguments arguments = {
         "record",
         Run(),
@@ -57,7 +57,7 @@ class RecordValuesTest : public RecordTest {
     const CommandResult result = RecordRows(Rows(readings), {"--exact"});
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_EQ(result.errors, "");
-    EXPECT_EQ(Exported(), kColumns + Rows(readings));
+    EXPECT_EQ(Exported(), kReadingColumns + Rows(readings));
   }
 };
 
@@ -125,7 +125,7 @@ TEST_F(RecordValuesTest, MissingReadingsComeBackMissing) {
   ExpectKept({"NA", "0.25", "-3", "NA"});
   ExpectKept({"NA", "NA", "NA", "NA"});
   ASSERT_EQ(RecordRows(Rows({"", "0.25", "0", ""})).exitCode, 0);
-  EXPECT_EQ(Exported(), kColumns + Rows({"NA", "0.25", "0", "NA"}));
+  EXPECT_EQ(Exported(), kReadingColumns + Rows({"NA", "0.25", "0", "NA"}));
   EXPECT_EQ(RecordedFrames(Run()), 2);
 }
 
@@ -192,7 +192,7 @@ TEST_F(RecordValuesTest, NegativeReadingNeedsAnOffsetWhenTheScaleIsGiven) {
               HasSubstr("row 2: the reading -0.5 does not fit in 16 bits with the scale 1000; no "
                         "reading can be below the --offset\n"));
   ASSERT_EQ(RecordRows(rows, {"--scale", "1000", "--offset", "-1"}).exitCode, 0);
-  EXPECT_EQ(Exported(), kColumns + rows);
+  EXPECT_EQ(Exported(), kReadingColumns + rows);
 }
 
 TEST_F(RecordValuesTest, ScalesAndOffsetsThatAreNoneAreRefused) {

@@ -49,7 +49,7 @@ void obeyPermissions() {
   }
 }
 
-std::string textOf(const std::string& path) {
+std::string contentOf(const std::string& path) {
   const Bytes bytes = ReadBytes(path);
   return {bytes.begin(), bytes.end()};
 }
@@ -105,8 +105,8 @@ CommandResult VexProcess::Wait() {
   CommandResult result;
   if (WIFEXITED(status_)) result.exitCode = WEXITSTATUS(status_);
   if (WIFSIGNALED(status_)) result.endSignal = WTERMSIG(status_);
-  result.output = textOf(folder_ / "out");
-  result.errors = textOf(folder_ / "err");
+  result.output = contentOf(folder_ / "out");
+  result.errors = contentOf(folder_ / "err");
   return result;
 }
 
