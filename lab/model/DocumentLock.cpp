@@ -64,10 +64,12 @@ fs::path ResolveDocument(const std::string& path) {
 DocumentLock::DocumentLock(const std::string& path, Holder holder)
     : given_(path), document_(ResolveDocument(path)), path_(lockBeside(document_)) {
   const auto begun = std::chrono::steady_clock::now();
+  auto commandSeen = begun;
   while (!tryToLock(holder)) {
-    const auto waited = std::chrono::steady_clock::now() - begun;
-    const bool isCommand = holderNote() == kCommandNote;
-    if (waited > (isCommand ? std::chrono::milliseconds(kPatience) : kNotePatience)) refuse();
+    const auto now = std::chrono::steady_clock::now();
+    // Each of several commands in turn has a moment without a note.
+    if (holderNote() == kCommandNote) commandSeen = now;
+    if (now - begun > kPatience || now - commandSeen > kNotePatience) refuse();
     std::this_thread::sleep_for(kPause);
   }
   if (handle_ < 0) return;

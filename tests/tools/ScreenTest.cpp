@@ -52,7 +52,7 @@ class ScreenTest : public DocumentTest {
             {"spectrum", path_, "--well", "A1", "--frame", "0"},
             {"check", "--notes", path_},
             {"recover", path_, "-o", folder_ / "rescued.vex", "--force"},
-            {"help", "wells"}};
+            {"wells", "--help"}};
   }
 };
 
