@@ -139,7 +139,7 @@ class Planner {
     const auto isBlock = [](const auto& record) { return record.tag == TagOf(Kind::kRawData); };
     const auto block = std::find_if(records.begin(), records.end(), isBlock);
     if (block == records.end() || block->offset >= plan_.newSize.value_or(plan_.size)) {
-      // What stands behind the last record may be the block, with a damaged head.
+      // The bytes behind the last record may be the block, with a damaged head.
       if (document_.RecordsEnd() + kRecordHeadSize <= plan_.newSize.value_or(plan_.size)) return;
       return patch(HeaderLayout::kRawDataOffsetAt, position, 0,
                    "the header's position of RAWa, for there is none");

@@ -41,7 +41,7 @@ struct CalibrationHead {
 
 /// The pure dyes or the background.
 struct CalibrationPart {
-  CalibrationHead head;                   ///< what stands before the spectra
+  CalibrationHead head;                   ///< the values before the spectra
   std::vector<CalibrationEntry> entries;  ///< the spectra in the order of the document
 
   /// Whether all fields are equal.

@@ -104,7 +104,8 @@ void RequireNoRunAt(const std::string& path);
 
 /// The note that `what` was made of the document at `path` while its run is in progress.
 std::string RunInProgressText(const std::string& path, std::string_view what);
-/// The same, and empty when the file at `path` is no document whose run is in progress.
+/// That note, or an empty text when the file at `path` is not a document or its run is not in
+/// progress.
 std::string NoteOnRunAt(const std::string& path, std::string_view what);
 
 }  // namespace vex2::lab

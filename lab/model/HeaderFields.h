@@ -24,8 +24,8 @@ struct HeaderFields {
   std::uint32_t Wells() const { return std::uint32_t{rows} * columns; }
   /// Whether a recorder may be at work, or have been cut off: frames are still to come.
   bool IsUnfinished() const { return IsRunning() || status == RunStatus::kNotStarted; }
-  /// Whether no data block counts yet, so that what stands behind the records may be a first
-  /// commit.
+  /// Whether the header leads to no data block yet, so that the bytes behind the records may be an
+  /// interrupted first commit.
   bool AwaitsFirstCommit() const { return IsUnfinished() && rawDataPosition == 0; }
   bool IsRunning() const { return status == RunStatus::kInProgress; }
 };

@@ -37,7 +37,7 @@ struct Well {
   friend bool operator==(const Well&, const Well&) = default;
 };
 
-/// The plate and what stands in its wells.
+/// The plate and the contents of its wells.
 struct Plate {
   std::uint32_t rows = 0;     ///< the number of rows
   std::uint32_t columns = 0;  ///< the number of columns
@@ -126,8 +126,8 @@ struct BlockInfo {
   /// When the last frame was read, as `start`; nothing where the block is not `isRecorded`, or has
   /// no time.
   std::optional<std::string> end;
-  std::array<std::uint8_t, 6> storedStart{};  ///< as the block has it, whoever wrote it
-  std::array<std::uint8_t, 6> storedEnd{};    ///< as the block has it, whoever wrote it
+  std::array<std::uint8_t, 6> storedStart{};  ///< the bytes in the block, uninterpreted
+  std::array<std::uint8_t, 6> storedEnd{};    ///< the bytes in the block, uninterpreted
 
   /// Whether all fields are equal.
   friend bool operator==(const BlockInfo&, const BlockInfo&) = default;

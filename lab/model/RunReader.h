@@ -58,7 +58,7 @@ class VEX2_API RunReader {
   const std::string& AssayCode() const;   ///< such as "AbsQ"
   const std::string& KindCode() const;    ///< such as "Kest"
 
-  /// The plate and what stands in its wells.
+  /// The plate and the contents of its wells.
   const lab::Plate& Plate() const;
   /// The detectors in the order of the document.
   const std::vector<Detector>& Detectors() const;

@@ -36,10 +36,10 @@ void reportLosses(const Document& document, const std::vector<Document::Loss>& l
   if (IsSameFile(document.Path(), target) && !rules.dropUnknown) {
     throw Error(
         ErrorCode::kDocument, document.Path(),
-        "saving would lose " +
-            (losses.size() > 1 ? "what stands in " + Counted(losses.size(), "place") + ", first "
+        "saving would lose " + losses.front().what +
+            (losses.size() > 1 ? ", and data in " + Counted(losses.size() - 1, "other place")
                                : std::string()) +
-            losses.front().what + "; " + rules.dropHint,
+            "; " + rules.dropHint,
         losses.front().offset);
   }
   for (std::size_t i = 0; i < losses.size() && i < kMostLossLines; ++i) {

@@ -6,6 +6,7 @@
 #include "lab/check/Repair.h"
 #include "lab/record/RunRecorder.h"
 #include "lab/recover/Recover.h"
+#include "tests/lab/ErrorOf.h"
 #include "tests/support/Files.h"
 #include "tests/support/TempFolder.h"
 
@@ -35,17 +36,6 @@ class CheckRepairRecover : public TempFolderTest {
     WriteBytes(path_, bytes);
   }
 
-  template <typename Work>
-  static lab::Error errorOf(const Work& work) {
-    try {
-      work();
-    } catch (const lab::Error& error) {
-      return error;
-    }
-    ADD_FAILURE() << "no error was thrown";
-    return {ErrorCode::kSystem, ""};
-  }
-
   std::string path_ = folder_ / "run.vex";
   std::string target_ = folder_ / "new.vex";
 };
@@ -60,7 +50,7 @@ TEST_F(CheckRepairRecover, CheckFindsUncommittedBytes) {
 }
 
 TEST_F(CheckRepairRecover, CheckThrowsForMissingFile) {
-  EXPECT_EQ(errorOf([&] { lab::Check(folder_ / "none.vex"); }).Code(), ErrorCode::kNoSuchFile);
+  EXPECT_EQ(ErrorOf([&] { lab::Check(folder_ / "none.vex"); }).Code(), ErrorCode::kNoSuchFile);
 }
 
 TEST_F(CheckRepairRecover, DryRunOfRepairChangesNothing) {
@@ -88,7 +78,7 @@ TEST_F(CheckRepairRecover, RepairRefusesWhileRecorded) {
   lab::RecordingPlan plan;
   plan.plate.wells = {{.number = 1, .name = {}, .sample = "A", .targets = {}}};
   const lab::RunRecorder recorder(path_, plan, {.resume = true});
-  EXPECT_THAT(errorOf([&] { lab::Repair(path_); }).what(),
+  EXPECT_THAT(ErrorOf([&] { lab::Repair(path_); }).what(),
               testing::HasSubstr("is being recorded already"));
 }
 
@@ -106,9 +96,9 @@ TEST_F(CheckRepairRecover, RecoverKeepsWhatIsWhole) {
 TEST_F(CheckRepairRecover, RecoverLeavesTargetUnlessAsked) {
   const Bytes old = ToBytes("kept");
   WriteBytes(target_, old);
-  EXPECT_EQ(errorOf([&] { lab::Recover(path_, target_); }).Code(), ErrorCode::kExists);
+  EXPECT_EQ(ErrorOf([&] { lab::Recover(path_, target_); }).Code(), ErrorCode::kExists);
   EXPECT_EQ(ReadBytes(target_), old);
-  EXPECT_EQ(errorOf([&] { lab::Recover(path_, path_, {.replace = true}); }).Class(),
+  EXPECT_EQ(ErrorOf([&] { lab::Recover(path_, path_, {.replace = true}); }).Class(),
             ErrorClass::kUsage);
   EXPECT_EQ(lab::Recover(path_, target_, {.replace = true}).frames, 3U);
 }
@@ -116,14 +106,14 @@ TEST_F(CheckRepairRecover, RecoverLeavesTargetUnlessAsked) {
 TEST_F(CheckRepairRecover, CancelledRecoverSavesNothing) {
   const auto cancel = [](std::uint64_t, std::uint64_t) { return false; };
   const lab::RecoverOptions options{.progress = cancel};
-  EXPECT_EQ(errorOf([&] { lab::Recover(path_, target_, options); }).Class(),
+  EXPECT_EQ(ErrorOf([&] { lab::Recover(path_, target_, options); }).Class(),
             ErrorClass::kInterrupted);
   EXPECT_FALSE(std::filesystem::exists(target_));
 }
 
 TEST_F(CheckRepairRecover, RecoverRefusesFileWithNothingInIt) {
   WriteBytes(path_, Bytes(5000, 0xFF));
-  EXPECT_THAT(errorOf([&] { lab::Recover(path_, target_); }).what(),
+  EXPECT_THAT(ErrorOf([&] { lab::Recover(path_, target_); }).what(),
               testing::HasSubstr("nothing to recover"));
   EXPECT_FALSE(std::filesystem::exists(target_));
 }

@@ -2,6 +2,7 @@
 #include "lab/model/Document.h"
 #include "lab/model/DocumentEditor.h"
 #include "lab/record/RunRecorder.h"
+#include "tests/lab/ErrorOf.h"
 #include "tests/lab/RunDocuments.h"
 #include "tests/support/Files.h"
 
@@ -18,17 +19,6 @@ using testing::HasSubstr;
 class DocumentEditorTest : public TempFolderTest {
  protected:
   void SetUp() override { Record(SmallRun(2, 0), path_); }
-
-  template <typename Work>
-  static lab::Error errorOf(const Work& work) {
-    try {
-      work();
-    } catch (const lab::Error& error) {
-      return error;
-    }
-    ADD_FAILURE() << "no error was thrown";
-    return {ErrorCode::kSystem, ""};
-  }
 
   static const lab::Detector* find(const std::vector<lab::Detector>& list, std::string_view name) {
     const auto found = std::find_if(list.begin(), list.end(),
@@ -82,7 +72,7 @@ TEST_F(DocumentEditorTest, SaveRefusesDocumentThatHasChanged) {
   Bytes other = ReadBytes(path_);
   other[300] ^= 1;
   WriteBytes(path_, other);
-  const lab::Error error = errorOf([&] { editor.Save(); });
+  const lab::Error error = ErrorOf([&] { editor.Save(); });
   EXPECT_EQ(error.Code(), ErrorCode::kDocument);
   EXPECT_THAT(error.what(), HasSubstr("another program has changed it meanwhile"));
   EXPECT_EQ(ReadBytes(path_), other);
@@ -104,16 +94,16 @@ TEST_F(DocumentEditorTest, RefusesWhileRecorded) {
   lab::RecordingPlan plan;
   plan.plate.wells = {{.number = 1, .name = {}, .sample = "A", .targets = {}}};
   std::optional<lab::RunRecorder> recorder(std::in_place, live, plan);
-  EXPECT_EQ(errorOf([&] { DocumentEditor{live}; }).Code(), ErrorCode::kInUse);
+  EXPECT_EQ(ErrorOf([&] { DocumentEditor{live}; }).Code(), ErrorCode::kInUse);
   recorder.reset();  // the run can be resumed, so it is still in progress
-  EXPECT_THAT(errorOf([&] { DocumentEditor{live}; }).what(), HasSubstr("its run is in progress"));
+  EXPECT_THAT(ErrorOf([&] { DocumentEditor{live}; }).what(), HasSubstr("its run is in progress"));
 }
 
 TEST_F(DocumentEditorTest, RecorderIsRefusedWhileEdited) {
   const DocumentEditor editor(path_);
   lab::RecordingPlan plan;
   plan.plate.wells = {{.number = 1, .name = {}, .sample = "A", .targets = {}}};
-  EXPECT_EQ(errorOf([&] { lab::RunRecorder(path_, plan, {.resume = true}); }).Code(),
+  EXPECT_EQ(ErrorOf([&] { lab::RunRecorder(path_, plan, {.resume = true}); }).Code(),
             ErrorCode::kInUse);
 }
 
@@ -167,10 +157,10 @@ TEST_F(DocumentEditorTest, SettingsAndStatusAreSet) {
   EXPECT_THAT(run.Settings(), Contains(lab::SettingValue{"comment", std::string("second series")}));
   EXPECT_THAT(run.Settings(), Contains(lab::SettingValue{"sample-volume", std::int64_t{25}}));
   EXPECT_EQ(run.StatusCode(), "ZERO");
-  EXPECT_EQ(errorOf([&] { editor.Set("none", {}); }).Code(), ErrorCode::kUnknownSetting);
-  EXPECT_EQ(errorOf([&] { editor.Set("sample-volume", std::int64_t{70000}); }).Code(),
+  EXPECT_EQ(ErrorOf([&] { editor.Set("none", {}); }).Code(), ErrorCode::kUnknownSetting);
+  EXPECT_EQ(ErrorOf([&] { editor.Set("sample-volume", std::int64_t{70000}); }).Code(),
             ErrorCode::kInvalidValue);
-  EXPECT_EQ(errorOf([&] { editor.SetStatus("done"); }).Class(), lab::ErrorClass::kUsage);
+  EXPECT_EQ(ErrorOf([&] { editor.SetStatus("done"); }).Class(), lab::ErrorClass::kUsage);
 }
 
 TEST_F(DocumentEditorTest, CalibrationPartIsReplacedButNotTakenAway) {
@@ -181,7 +171,7 @@ TEST_F(DocumentEditorTest, CalibrationPartIsReplacedButNotTakenAway) {
   EXPECT_EQ(RunReader(path_).Calibration(), editor.Calibration());
   EXPECT_EQ(editor.Calibration().pureDyes->entries.front().name, "FAM2");
   editor.Calibration().background.reset();
-  EXPECT_EQ(errorOf([&] { editor.Save(); }).Code(), ErrorCode::kInvalidValue);
+  EXPECT_EQ(ErrorOf([&] { editor.Save(); }).Code(), ErrorCode::kInvalidValue);
 }
 
 TEST_F(DocumentEditorTest, InvalidValueSavesNothingAndCanBeCorrected) {
@@ -189,7 +179,7 @@ TEST_F(DocumentEditorTest, InvalidValueSavesNothingAndCanBeCorrected) {
   DocumentEditor editor(path_);
   editor.Well("A1").sample = "\u4e2d";
   editor.Well("A2").sample = "two";
-  const lab::Error error = errorOf([&] { editor.Save(); });
+  const lab::Error error = ErrorOf([&] { editor.Save(); });
   EXPECT_EQ(error.Code(), ErrorCode::kInvalidValue);
   EXPECT_EQ(error.File(), path_);
   EXPECT_THAT(error.what(), HasSubstr("sample of well A1"));
@@ -202,15 +192,15 @@ TEST_F(DocumentEditorTest, InvalidValueSavesNothingAndCanBeCorrected) {
 TEST_F(DocumentEditorTest, NameGivenTwiceIsRefused) {
   DocumentEditor editor(path_);
   editor.RequiredDyes() = {"VIC", "VIC"};
-  EXPECT_THAT(errorOf([&] { editor.Save(); }).what(), HasSubstr("'VIC' is given twice"));
+  EXPECT_THAT(ErrorOf([&] { editor.Save(); }).what(), HasSubstr("'VIC' is given twice"));
   editor.RequiredDyes() = {"VIC"};
   editor.Detectors().push_back(editor.Detectors().front());
-  EXPECT_THAT(errorOf([&] { editor.Save(); }).what(), HasSubstr("is given twice"));
+  EXPECT_THAT(ErrorOf([&] { editor.Save(); }).what(), HasSubstr("is given twice"));
 }
 
 TEST_F(DocumentEditorTest, WellOutsideThePlateIsRefused) {
   DocumentEditor editor(path_);
-  EXPECT_EQ(errorOf([&] { editor.Well("Z99"); }).Code(), ErrorCode::kNoSuchWell);
+  EXPECT_EQ(ErrorOf([&] { editor.Well("Z99"); }).Code(), ErrorCode::kNoSuchWell);
   EXPECT_EQ(editor.Well("h12").number, 96);
 }
 
@@ -234,7 +224,7 @@ TEST_F(DocumentEditorTest, BlockOfVersion1IsUpgradedWhenAllowed) {
   const Bytes block = ToBytes(std::string("RAWa\0\0\0\x04\0\x01\0\0", 12));
   bytes.insert(bytes.end(), block.begin(), block.end());
   WriteBytes(path_, bytes);
-  EXPECT_THAT(errorOf([&] { DocumentEditor{path_}; }).what(),
+  EXPECT_THAT(ErrorOf([&] { DocumentEditor{path_}; }).what(),
               HasSubstr("set upgradeBlocks to make it version 2"));
   DocumentEditor(path_, {.upgradeBlocks = true}).Save();
   EXPECT_EQ(RunReader(path_).Blocks().front().version, 2);
@@ -247,7 +237,7 @@ TEST_F(DocumentEditorTest, UnknownRecordIsDroppedOnlyWhenAllowed) {
   const Bytes record = ToBytes(std::string("Zzzz\0\0\0\x02xx", 10));
   bytes.insert(bytes.end(), record.begin(), record.end());
   WriteBytes(path_, bytes);
-  EXPECT_THAT(errorOf([&] { DocumentEditor{path_}; }).what(),
+  EXPECT_THAT(ErrorOf([&] { DocumentEditor{path_}; }).what(),
               HasSubstr("set dropUnknown to accept that"));
   EXPECT_NO_THROW(DocumentEditor(path_, {.dropUnknown = true}));
 }
@@ -281,15 +271,15 @@ TEST_F(StudyEditorTest, PlateIsChangedInItsStudy) {
   EXPECT_EQ(study.Plate("run").Plate().Find("A1")->sample, "one");
   EXPECT_THAT(study.Settings(), Contains(lab::SettingValue{"calibrator", std::string("liver")}));
   EXPECT_EQ(study.Plate("run").Readings().FrameCount(), 2U);
-  EXPECT_EQ(errorOf([&] { editor.Plate("none"); }).Code(), ErrorCode::kNoSuchPlate);
+  EXPECT_EQ(ErrorOf([&] { editor.Plate("none"); }).Code(), ErrorCode::kNoSuchPlate);
 }
 
 TEST_F(StudyEditorTest, StudyItselfHoldsNoWells) {
   DocumentEditor editor(study_);
-  EXPECT_EQ(errorOf([&] { editor.Set("comment", std::string("x")); }).Code(),
+  EXPECT_EQ(ErrorOf([&] { editor.Set("comment", std::string("x")); }).Code(),
             ErrorCode::kInvalidValue);
   editor.RequiredDyes() = {"VIC"};
-  EXPECT_THAT(errorOf([&] { editor.Save(); }).what(), HasSubstr("it is a study"));
+  EXPECT_THAT(ErrorOf([&] { editor.Save(); }).what(), HasSubstr("it is a study"));
 }
 
 }  // namespace

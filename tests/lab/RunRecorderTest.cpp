@@ -6,6 +6,7 @@
 
 #include "lab/Error.h"
 #include "lab/record/RunRecorder.h"
+#include "tests/lab/ErrorOf.h"
 #include "tests/reliability/ForkedProcess.h"
 #include "tests/support/ByteString.h"
 #include "tests/support/FaultyFileSystem.h"
@@ -90,19 +91,8 @@ class RunRecorderTest : public TempFolderTest {
   }
 
   template <typename Work>
-  static lab::Error errorOf(const Work& work) {
-    try {
-      work();
-    } catch (const lab::Error& error) {
-      return error;
-    }
-    ADD_FAILURE() << "no error was thrown";
-    return {ErrorCode::kSystem, ""};
-  }
-
-  template <typename Work>
   static std::string messageOf(const Work& work) {
-    return errorOf(work).what();
+    return ErrorOf(work).what();
   }
 };
 
@@ -222,7 +212,7 @@ TEST_F(RunRecorderTest, RejectsFrameThatIsNotOneReadingOfEachWell) {
               testing::HasSubstr("well 3, which the plan does not have"));
   frame = rawFrame(0);
   frame[1].leading[0] = 0;
-  const lab::Error error = errorOf([&] { made.Append(frame); });
+  const lab::Error error = ErrorOf([&] { made.Append(frame); });
   EXPECT_THAT(error.what(), testing::HasSubstr("frame 0 is incomplete"));
   EXPECT_EQ(error.Class(), lab::ErrorClass::kUsage);
   EXPECT_EQ(error.File(), path());
@@ -278,7 +268,7 @@ TEST_F(RunRecorderTest, RefusesSecondRecorder) {
 
 TEST_F(RunRecorderTest, RefusesExistingDocumentUnlessAsked) {
   record(1);
-  const lab::Error error = errorOf([&] { recorder(); });
+  const lab::Error error = ErrorOf([&] { recorder(); });
   EXPECT_EQ(error.Code(), ErrorCode::kExists);
   expectFrames(1);
   recorder({.replace = true});
@@ -320,7 +310,7 @@ TEST_F(RunRecorderTest, FailedCommitCanBeTriedAgain) {
   RunRecorder made = recorder();
   made.Append(rawFrame(0));
   files.FailKind(FileCall::write, ENOSPC);
-  const lab::Error error = errorOf([&] { made.Append(rawFrame(1)); });
+  const lab::Error error = ErrorOf([&] { made.Append(rawFrame(1)); });
   EXPECT_EQ(error.Code(), ErrorCode::kDiskFull);
   EXPECT_EQ(made.FrameCount(), 1U);
   files.Heal(FileCall::write);
@@ -336,7 +326,7 @@ TEST_F(RunRecorderTest, FailedSyncIsFinalUntilResumed) {
     RunRecorder made = recorder();
     made.Append(rawFrame(0));
     files.FailKind(FileCall::syncData, EIO);
-    EXPECT_EQ(errorOf([&] { made.Append(rawFrame(1)); }).Class(), lab::ErrorClass::kSystem);
+    EXPECT_EQ(ErrorOf([&] { made.Append(rawFrame(1)); }).Class(), lab::ErrorClass::kSystem);
     files.Heal(FileCall::syncData);
     EXPECT_THAT(messageOf([&] { made.Append(rawFrame(1)); }),
                 testing::HasSubstr("failed to store an earlier change"));
@@ -362,12 +352,12 @@ TEST_F(RunRecorderTest, ResumeSyncsEachRepairBeforeTheNext) {
 }
 
 TEST_F(RunRecorderTest, ThrowsErrorForUnusablePaths) {
-  EXPECT_EQ(errorOf([&] { RunRecorder("", rawPlan()); }).Class(), lab::ErrorClass::kUsage);
-  EXPECT_EQ(errorOf([&] { RunRecorder(folder_ / "no/run.vex", rawPlan()); }).Code(),
+  EXPECT_EQ(ErrorOf([&] { RunRecorder("", rawPlan()); }).Class(), lab::ErrorClass::kUsage);
+  EXPECT_EQ(ErrorOf([&] { RunRecorder(folder_ / "no/run.vex", rawPlan()); }).Code(),
             ErrorCode::kNoSuchFile);
   RecordingPlan plan = rawPlan();
   plan.plate.wells[0].sample = "\xE2\x82\xAC";
-  EXPECT_EQ(errorOf([&] { RunRecorder(path(), plan); }).Code(), ErrorCode::kInvalidValue);
+  EXPECT_EQ(ErrorOf([&] { RunRecorder(path(), plan); }).Code(), ErrorCode::kInvalidValue);
   EXPECT_FALSE(std::filesystem::exists(path()));
 }
 

@@ -142,6 +142,7 @@ class Manager {
   int replaceRaw(const char* at, const Part& block);
   int replaceReporting(const char* at, const Part& block, const Text& tag);
   std::size_t placeForFrame(const Part& block, std::uint32_t offset);
+  bool beginsAsBlock(const Part& block, std::size_t start);
   bool isLeftover(const Part& block, std::size_t start);
   std::size_t placeForBlock(const Part& block);
   int writeBlock(const Part& block, std::size_t place);

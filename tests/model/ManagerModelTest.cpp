@@ -122,7 +122,7 @@ Text differenceAfter(Sides& sides, const Operation& operation) {
     Manager& model = sides.model[operation.manager];
     if (operation.isSettled && !operation.isSettled(model)) return {};
     const Text expected = operation.model(model);
-    const Text answered = operation.library(sides.actual[operation.manager]);
+    const Text answered = operation.tested(sides.actual[operation.manager]);
     if (Text found =
             difference("answer " + answered.substr(0, 5) + " instead of " + expected.substr(0, 5),
                        answered, expected);

@@ -151,14 +151,25 @@ int Manager::replaceReporting(const char* at, const Part& block, const Text& tag
   return 0;
 }
 
+/// Whether the bytes at `start` are the tag as far as it was written, and zeros behind that: a
+/// first commit writes the tag last.
+bool Manager::beginsAsBlock(const Part& block, std::size_t start) {
+  const Text tag = content().substr(start, 4);
+  std::size_t written = 0;
+  while (written < tag.size() && tag[written] == block.tag[written]) ++written;
+  return tag.find_first_not_of('\0', written) == Text::npos;
+}
+
 /// A block at the file's end that holds no whole frame but those of `block`, too, is what an
 /// interrupted first commit left, however much of it: it is written over.
 bool Manager::isLeftover(const Part& block, std::size_t start) {
   const Text rest = content().substr(start);
+  if (rest.size() < 8) return true;
   if (std::size_t{8} + NumberAt(rest, 4, 4) < rest.size()) return false;
   if (rest.size() < 26) return true;
   const std::size_t wells = NumberAt(rest, 24, 2);
   if (NumberAt(rest, 8, 2) < 2 || wells != block.wells.size()) return false;
+  if (!rest.starts_with(block.tag)) return true;
   const std::size_t first = 26 + 2 * wells;
   const std::size_t frame = kWellInFile * wells;
   std::int64_t index = 0;
@@ -174,8 +185,7 @@ std::size_t Manager::placeForBlock(const Part& block) {
   Stream stream{bytes, kHeaderBytes};
   while (stream.at < bytes.size()) {
     const std::size_t start = stream.at;
-    if (bytes.compare(start, 4, "RAWa") == 0)
-      return isLeftover(block, start) ? start : bytes.size();
+    if (beginsAsBlock(block, start)) return isLeftover(block, start) ? start : bytes.size();
     Part part;
     std::uint64_t counted = 0;
     if (ReadRecord(stream, part, counted) != 0) break;

@@ -56,7 +56,7 @@ struct Sides {
 /// One operation on a manager, on both sides. What they answer must be the same text.
 struct Operation {
   Text text;  ///< how a failing sequence is printed
-  std::function<Text(OpenedManager&)> library = {};
+  std::function<Text(OpenedManager&)> tested = {};
   std::function<Text(Manager&)> model = {};
   /// Whether the rules say what the operation does there; it is left out where they do not.
   std::function<bool(const Manager&)> isSettled = {};

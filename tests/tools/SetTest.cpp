@@ -125,10 +125,10 @@ TEST_F(Set, CountsWhatItWouldLose) {
   AppendRecord(records, "Zzzz", {1, 2, 3});
   AppendRecord(records, "Yyyy", {4});
   MakeDocument(records);
-  ExpectRefused({"set", path_, "comment=x"}, 1,
-                "at byte 1024: saving would lose what stands in 2 places, first the record "
-                "\"Zzzz\" of 3 bytes, which is of no known kind; give --drop-unknown to accept "
-                "that\n");
+  ExpectRefused(
+      {"set", path_, "comment=x"}, 1,
+      "at byte 1024: saving would lose the record \"Zzzz\" of 3 bytes, which is of no known "
+      "kind, and data in 1 other place; give --drop-unknown to accept that\n");
 }
 
 }  // namespace vex2::test
