@@ -18,7 +18,7 @@ enum class Severity : std::uint8_t {
   kNote,     ///< as it should be, and good to know
 };
 /// The number of severities.
-inline constexpr std::size_t kSeverities = 3;  ///< how many severities there are
+inline constexpr std::size_t kSeverities = 3;
 
 /// "error", "warning", "note".
 VEX2_API std::string_view NameOf(Severity severity);
@@ -37,7 +37,7 @@ struct Finding {
 /// damage would otherwise need more memory for its findings than for itself.
 struct Findings {
   /// The most findings that are kept.
-  static constexpr std::size_t kMost = 1000;  ///< findings that are kept
+  static constexpr std::size_t kMost = 1000;
 
   /// The first `kMost`: errors, then warnings, then notes, each by offset.
   std::vector<Finding> list;
@@ -45,8 +45,6 @@ struct Findings {
   std::array<std::size_t, kSeverities> counts{};
 
   /// Counts `finding`, and keeps it unless `kMost` graver or earlier ones are kept.
-  /// Counts the finding, and keeps it in its place in the list unless that is full of graver or
-  /// earlier ones.
   VEX2_API void Add(Finding finding);
   /// How many there were of a severity, in the list or not.
   VEX2_API std::size_t Count(Severity severity) const;

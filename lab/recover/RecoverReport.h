@@ -41,7 +41,6 @@ struct RecoverReport {
   std::uint64_t madeHeads = 0;  ///< of the document, plates and data blocks: damaged, made anew
 
   /// Whether nothing was lost and no head was made anew.
-  /// Whether nothing was lost, and nothing had to be guessed.
   bool IsWhole() const {
     return lostBytes == 0 && lostRecords == 0 && lostFrames == 0 && madeHeads == 0;
   }
@@ -50,14 +49,12 @@ struct RecoverReport {
   bool IsAnything() const { return records > 0 || frames > 0 || hasHeader; }
 
   /// Counts a loss of `bytes` bytes at `offset`, and notes it if there is room.
-  /// Counts bytes that were lost, and notes the place.
   void Lose(std::uint64_t offset, std::uint64_t bytes, std::string what) {
     lostBytes += bytes;
     ++lostPlaces;
     if (lost.size() < kMostNotes) lost.push_back({offset, bytes, std::move(what)});
   }
   /// Counts a correction at `offset`, and notes it if there is room.
-  /// Counts a place that was put right, and notes it.
   void Correct(std::uint64_t offset, std::string what) {
     ++correctedPlaces;
     if (corrected.size() < kMostNotes) corrected.push_back({offset, 0, std::move(what)});

@@ -47,6 +47,14 @@ TEST(Help, WithoutAWorkingManIsTheShortHelp) {
   EXPECT_EQ(RunVexOn(terminalWithMan(folder, "exit 1"), {"help", "record"}).output, help);
 }
 
+TEST(Help, OnADumbTerminalOpensNoPager) {
+  const TempFolder folder;
+  Screen screen = terminalWithMan(folder, "echo opened");
+  screen.environment["TERM"] = "dumb";
+  EXPECT_EQ(RunVexOn(screen, {"help", "record"}).output,
+            RunVexOn(screen, {"record", "--help"}).output);
+}
+
 TEST(Help, OfVexAndOfUnknownCommandsOpensNoPage) {
   const TempFolder folder;
   const Screen screen = terminalWithMan(folder, "echo opened");

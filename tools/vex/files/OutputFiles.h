@@ -10,8 +10,8 @@
 
 namespace vex2::tool {
 
-/// The line that says which run, or which study, stands at `path` and is replaced; empty where none
-/// does, or is not with this `force`.
+/// The line that says which run or study a new document at `path` replaces; empty when there is
+/// none, or when `force` does not allow it.
 std::string ReplacedText(const std::string& path, bool force);
 
 /// The files that one command reads and writes. Paths that are empty or "-" stand for standard

@@ -38,7 +38,8 @@ void WritePages(const CommandText& vex, const std::string& folder) {
 }
 
 bool OpenManPage(const std::string& page) {
-  if (!Terminal::Out().IsTerminal()) return false;
+  // On a terminal that erases no line, pagers stop and ask for a key first.
+  if (!Terminal::Out().CanRewriteLines()) return false;
   // The page does not wait in a pipe for a program that is not there: a shell tells by its status.
   if (std::system("command -v man >/dev/null 2>&1") != 0) return false;
   // If the user closes the pager before it read all of the page, the write must not end the
