@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+#include "lab/analysis/AmplificationCurve.h"
+#include "lab/analysis/Cq.h"
+#include "lab/analysis/Statistics.h"
+
+namespace vex2::lab {
+
+/// A curve without gaps, its baseline, and where it takes off. Indexes count from 0.
+struct CurveShape {
+  std::vector<double> cycles;     ///< at least `kFewestCycles`
+  std::vector<double> readings;   ///< those missing filled in
+  std::vector<double> corrected;  ///< less the baseline
+  std::size_t filled = 0;         ///< how many readings were missing in between
+
+  double takeOff = 0;          ///< the maximum of the second derivative, as an index
+  bool isStillRising = false;  ///< that maximum is the last value, so it may lie behind the run
+
+  CycleRange baselineCycles;
+  Line baseline;
+  double noise = 0;      ///< standard deviation about the baseline
+  std::size_t top = 0;   ///< index of the largest corrected reading from the take-off on
+  double amplitude = 0;  ///< that reading
+
+  /// The cycle at an index between two of them.
+  double CycleAt(double index) const;
+  /// The corrected reading at such an index.
+  double CorrectedAt(double index) const;
+};
+
+/// Nothing for a curve with too few cycles. `baseline` is what somebody has set; it is not used
+/// where fewer than three cycles of the curve are in it.
+std::optional<CurveShape> ShapeOf(const AmplificationCurve& curve,
+                                  const std::optional<CycleRange>& baseline);
+/// Takes the baseline of a curve that does not rise: from the third cycle to the last.
+void UseWholeBaseline(CurveShape& shape);
+
+/// Where the corrected curve passes `threshold` upwards for the last time before its top, in
+/// cycles. Nothing where it does not, because it is below or above from begin to top.
+std::optional<double> CrossingOf(const CurveShape& shape, double threshold);
+
+/// The number of cycles that are in the range.
+std::size_t CyclesWithin(const std::vector<double>& cycles, const CycleRange& range);
+
+}  // namespace vex2::lab

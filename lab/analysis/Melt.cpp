@@ -1,0 +1,118 @@
+#include "lab/analysis/Melt.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+
+#include "lab/Guarded.h"
+#include "lab/analysis/MeltPeaks.h"
+#include "lab/analysis/StageReadings.h"
+#include "lab/analysis/Statistics.h"
+
+namespace vex2::lab {
+
+namespace {
+
+constexpr std::size_t kFewestTemperatures = 5;
+constexpr double kLeastOfWell = 0.1;      // of the largest prominence in the well
+constexpr double kLeastOfChannel = 0.05;  // of the third-largest in the channel
+constexpr double kLeastInNoise = 5;
+
+/// A curve, and what its peaks are measured by.
+struct MeltCase {
+  MeltCurve curve;
+  double noise = 0;
+  double largest = 0;  ///< prominence
+};
+
+// Adds the readings in the order of their temperatures; those at one temperature as their mean.
+void addReadings(const std::vector<double>& temperatures, const std::vector<double>& readings,
+                 MeltCurve& curve) {
+  std::map<double, std::vector<double>> sorted;
+  for (std::size_t i = 0; i < readings.size(); ++i) {
+    if (std::isfinite(readings[i])) sorted[temperatures[i]].push_back(readings[i]);
+  }
+  for (const auto& [temperature, values] : sorted) {
+    curve.temperatures.push_back(temperature);
+    curve.readings.push_back(Mean(values));
+  }
+}
+
+void findPeaks(MeltCase& melt) {
+  MeltCurve& curve = melt.curve;
+  if (curve.temperatures.size() < kFewestTemperatures) return;
+  MeltDerivative derivative = DerivativeOf(curve.temperatures, curve.readings);
+  curve.derivative = std::move(derivative.values);
+  curve.peaks = AllPeaks(curve.temperatures, curve.derivative);
+  melt.noise = derivative.noise;
+  for (const MeltPeak& peak : curve.peaks) melt.largest = std::max(melt.largest, peak.prominence);
+}
+
+void addPlate(const RunReader& run, const Readings& readings, const std::string& plate,
+              std::vector<MeltCase>& cases) {
+  const StageReadings stage = StageReadingsOf(run.Path().string(), readings, Stage::kMelting);
+  for (AnalysedSource& source : SourcesOf(run, readings, stage.channels)) {
+    MeltCase& melt = cases.emplace_back();
+    addReadings(stage.axis, ReadingsOf(source, stage, readings.WellCount()), melt.curve);
+    if (source.channel) melt.curve.channel = stage.channels[*source.channel];
+    melt.curve.well = std::move(source.well);
+    melt.curve.well.plate = plate;
+  }
+}
+
+std::vector<MeltCurve> analyse(const std::string& path, std::vector<MeltCase> cases,
+                               const std::optional<std::string>& detector) {
+  KeepDetector(cases, detector, [](const MeltCase& melt) { return melt.curve.well; });
+  if (std::none_of(cases.begin(), cases.end(), [](const MeltCase& melt) {
+        return melt.curve.temperatures.size() >= kFewestTemperatures;
+      })) {
+    throw Error(ErrorCode::kDocument, path,
+                "cannot determine melting curves: the melting stage has fewer than five "
+                "temperatures with readings");
+  }
+  std::map<std::string, std::vector<double>> prominences;
+  for (MeltCase& melt : cases) {
+    findPeaks(melt);
+    prominences[melt.curve.channel].push_back(melt.largest);
+  }
+  std::map<std::string, double> least;
+  for (auto& [channel, values] : prominences) {
+    least[channel] = kLeastOfChannel * ThirdLargest(std::move(values));
+  }
+  std::vector<MeltCurve> curves;
+  for (MeltCase& melt : cases) {
+    const double limit = std::max(
+        {kLeastOfWell * melt.largest, least[melt.curve.channel], kLeastInNoise * melt.noise});
+    std::erase_if(melt.curve.peaks, [&](const MeltPeak& peak) {
+      return !(peak.prominence >= limit) || !(peak.prominence > 0);
+    });
+    curves.push_back(std::move(melt.curve));
+  }
+  return curves;
+}
+
+}  // namespace
+
+std::vector<MeltCurve> AnalyseMelt(const RunReader& run,
+                                   const std::optional<std::string>& detector) {
+  const std::string path = run.Path().string();
+  return Guarded(path, [&] {
+    std::vector<MeltCase> cases;
+    ForEachPlate(run, [&](const RunReader& plate, const std::string& name) {
+      addPlate(plate, plate.Readings(), name, cases);
+    });
+    return analyse(path, std::move(cases), detector);
+  });
+}
+
+std::vector<MeltCurve> AnalyseMelt(const RunReader& run, const Readings& readings,
+                                   const std::optional<std::string>& detector) {
+  const std::string path = run.Path().string();
+  return Guarded(path, [&] {
+    std::vector<MeltCase> cases;
+    addPlate(run, readings, {}, cases);
+    return analyse(path, std::move(cases), detector);
+  });
+}
+
+}  // namespace vex2::lab

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "lab/analysis/AmplificationCurve.h"
+#include "lab/model/Readings.h"
+#include "lab/model/RunReader.h"
+#include "vex2/framework/Export.h"
+
+namespace vex2::lab {
+
+/// A product that comes apart around one temperature.
+struct MeltPeak {
+  double temperature = 0;  ///< of the maximum of -dF/dT, degrees Celsius
+  double height = 0;       ///< -dF/dT there, fluorescence per degree
+  /// The full width at half the prominence, degrees. The prominence is the height above the higher
+  /// of the lowest points on both sides, each up to the next higher peak.
+  double width = 0;
+  double prominence = 0;  ///< fluorescence per degree
+
+  /// Whether all fields are equal.
+  friend bool operator==(const MeltPeak&, const MeltPeak&) = default;
+};
+
+/// The melting stage of one well and detector.
+struct MeltCurve {
+  AnalysedWell well;                 ///< whose readings these are
+  std::string channel;               ///< that was read; empty for the one without a name
+  std::vector<double> temperatures;  ///< ascending, degrees Celsius
+  std::vector<double> readings;      ///< one for each temperature, in real units
+  std::vector<double> derivative;    ///< -dF/dT of the smoothed readings, per degree
+  std::vector<MeltPeak> peaks;       ///< ascending by temperature; none where nothing melts
+};
+
+/// How far around a temperature the smoothing looks to each side, degrees.
+inline constexpr double kMeltWindow = 1.0;
+
+/// The melting curves of `run` and their peaks, in the order of `AmplificationCurvesOf`; in a study
+/// plate by plate.
+///
+/// The derivative at a temperature is the slope of a parabola fitted by least squares to the
+/// readings within `kMeltWindow` degrees, or to the nearest five where those are fewer (Savitzky
+/// and Golay 1964, Anal. Chem. 36:1627, for any distances). A peak is a local maximum whose
+/// prominence is at least 10 % of the largest in the well, 5 % of the third-largest in the channel,
+/// and 5 times the noise of the derivative. (Ririe, Rasmussen and Wittwer 1997, "Product
+/// differentiation by analysis of DNA melting curves during the polymerase chain reaction", Anal.
+/// Biochem. 245:154.)
+///
+/// `detector` is the only one to be analysed; all where it is nothing. Throws `Error` of class
+/// `kDocument` when there is no melting stage with at least five temperatures whose readings'
+/// meaning is known, of class `kUsage` for a detector that the run does not have, and as
+/// `RunReader::Readings` does.
+VEX2_API std::vector<MeltCurve> AnalyseMelt(const RunReader& run,
+                                            const std::optional<std::string>& detector = {});
+/// The same of one plate whose readings were read before: `readings` are those of `run`.
+VEX2_API std::vector<MeltCurve> AnalyseMelt(const RunReader& run, const Readings& readings,
+                                            const std::optional<std::string>& detector = {});
+
+}  // namespace vex2::lab

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <string>
+
+namespace vex2::lab {
+
+/// The number with three digits, without exponent, for sentences: "0.0123", "25.4", "1230".
+std::string NumberText(double number);
+
+}  // namespace vex2::lab
