@@ -13,6 +13,11 @@ namespace vex2::lab {
 /// What a file calls its columns, by the names that are asked for.
 using CsvNames = std::map<std::string, std::string, std::less<>>;
 
+/// The names in a text like "well=Pos,task=Type", which `option` gave, for a file of these columns.
+/// Throws an error of the call when it names another column, one twice, or two alike.
+CsvNames ParseColumnNames(std::string_view names, const std::vector<std::string_view>& columns,
+                          const std::string& option);
+
 /// How a CSV file is written, where it does not say so itself.
 struct CsvFormat {
   std::string encoding;  ///< of a file without a byte order mark; empty is UTF-8

@@ -203,6 +203,22 @@ std::vector<unsigned short> PlateContents::Wells() const {
   return wells;
 }
 
+std::set<unsigned short> PlateContents::WellsOf(std::string_view target) const {
+  std::set<unsigned short> wells;
+  for (const WellRow& row : rows) {
+    if (row.target == target) wells.insert(row.well);
+  }
+  return wells;
+}
+
+std::set<std::string> PlateContents::Targets() const {
+  std::set<std::string> targets;
+  for (const WellRow& row : rows) {
+    if (!row.target.empty()) targets.insert(row.target);
+  }
+  return targets;
+}
+
 PlateLayout LayoutOf(const Vex2FileManager& document) {
   const int size = document.GetPlateSize();
   if (size == 96) return kPlate96;

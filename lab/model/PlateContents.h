@@ -1,6 +1,8 @@
 #pragma once
 
+#include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "lab/model/PlateLayout.h"
@@ -35,6 +37,10 @@ struct PlateContents {
 
   /// The wells that have rows, ascending.
   std::vector<unsigned short> Wells() const;
+  /// The wells that have the detector with that name, Latin-1.
+  std::set<unsigned short> WellsOf(std::string_view target) const;
+  /// The names of the detectors in any well.
+  std::set<std::string> Targets() const;
 };
 
 /// The plate that the document's header describes; a plate type that is neither of 96 nor of 384

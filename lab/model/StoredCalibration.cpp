@@ -145,4 +145,10 @@ void StoreCalibration(Vex2FileManager& document, const Calibration& calibration)
   }
 }
 
+std::vector<double> NumbersOf(const CalibrationEntry& entry) {
+  std::vector<double> numbers;
+  for (const std::uint32_t value : entry.values) numbers.push_back(double{NumberOf(value)});
+  return numbers;
+}
+
 }  // namespace vex2::lab

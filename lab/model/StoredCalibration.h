@@ -13,4 +13,7 @@ Calibration CalibrationOf(const Vex2FileManager& document);
 /// hold them, or a name is not Latin-1.
 void StoreCalibration(Vex2FileManager& document, const Calibration& calibration);
 
+/// The values of a spectrum as numbers, a filter each.
+std::vector<double> NumbersOf(const CalibrationEntry& entry);
+
 }  // namespace vex2::lab

@@ -6,12 +6,12 @@
 #include <string>
 #include <vector>
 
+#include "lab/exchange/Json.h"
 #include "lab/model/RunReading.h"
 #include "tests/support/Files.h"
 #include "tests/support/SampleData.h"
 #include "tests/support/TempFolder.h"
 #include "tests/tools/VexProcess.h"
-#include "tools/vex/text/Json.h"
 #include "vex2/manager/Vex2FileManager.h"
 
 namespace vex2::test {

@@ -1,5 +1,5 @@
+#include "lab/exchange/JsonPath.h"
 #include "tests/tools/DocumentFixture.h"
-#include "tools/vex/show/ValuePath.h"
 
 using testing::AllOf;
 using testing::HasSubstr;
@@ -57,11 +57,11 @@ TEST_F(Get, NamesThePathsThatThereAre) {
 TEST(ValuePath, AnIndexIsTakenAfterANameOfDigits) {
   const nlohmann::ordered_json root = {
       {"plates", {{{"name", "1"}, {"frames", 7}}, {{"name", "b"}, {"frames", 8}}}}};
-  EXPECT_EQ(*tool::FindValue(root, "plates[1].frames").value, 7);
-  EXPECT_EQ(*tool::FindValue(root, "plates[0].frames").value, 7);
-  EXPECT_EQ(*tool::FindValue(root, "plates[B].frames").value, 8);
-  EXPECT_EQ(tool::FindValue(root, "plates[2]").value, nullptr);
-  EXPECT_EQ(tool::FindValue(root, "plates[99999999999999999999]").value, nullptr);
+  EXPECT_EQ(*lab::FindValue(root, "plates[1].frames").value, 7);
+  EXPECT_EQ(*lab::FindValue(root, "plates[0].frames").value, 7);
+  EXPECT_EQ(*lab::FindValue(root, "plates[B].frames").value, 8);
+  EXPECT_EQ(lab::FindValue(root, "plates[2]").value, nullptr);
+  EXPECT_EQ(lab::FindValue(root, "plates[99999999999999999999]").value, nullptr);
 }
 
 }  // namespace vex2::test

@@ -3,11 +3,11 @@
 #include <filesystem>
 #include <fstream>
 
+#include "lab/Nearest.h"
+#include "lab/exchange/Json.h"
 #include "tests/support/TempFolder.h"
 #include "tests/tools/Screen.h"
 #include "tests/tools/VexProcess.h"
-#include "tools/vex/text/Json.h"
-#include "tools/vex/text/Nearest.h"
 
 using testing::HasSubstr;
 using testing::MatchesRegex;
@@ -118,13 +118,13 @@ TEST(DidYouMean, NamesTheCommandOptionSettingAndFieldThatIsNear) {
 TEST(Nearest, CountsMissingSurplusOtherAndSwappedLetters) {
   const std::vector<std::string> names = {"info", "tree", "wells", "detectors", "dyes"};
   for (const char* word : {"nfo", "infoo", "imfo", "ifno", "INFO"}) {
-    EXPECT_EQ(tool::NearestName(word, names), "info") << word;
+    EXPECT_EQ(lab::NearestName(word, names), "info") << word;
   }
-  EXPECT_EQ(tool::NearestName("det", names), "detectors");
-  EXPECT_EQ(tool::NearestName("xyz", names), std::nullopt);
-  EXPECT_EQ(tool::NearestName("", names), std::nullopt);
-  EXPECT_EQ(tool::NearestName("i", names), std::nullopt);
-  EXPECT_EQ(tool::NearestName(std::string(100000, 'i'), names), std::nullopt);
+  EXPECT_EQ(lab::NearestName("det", names), "detectors");
+  EXPECT_EQ(lab::NearestName("xyz", names), std::nullopt);
+  EXPECT_EQ(lab::NearestName("", names), std::nullopt);
+  EXPECT_EQ(lab::NearestName("i", names), std::nullopt);
+  EXPECT_EQ(lab::NearestName(std::string(100000, 'i'), names), std::nullopt);
 }
 
 }  // namespace vex2::test

@@ -5,8 +5,8 @@
 
 #include <array>
 
+#include "lab/exchange/Json.h"
 #include "tests/tools/RecordFixture.h"
-#include "tools/vex/text/Json.h"
 
 namespace vex2::test {
 namespace {

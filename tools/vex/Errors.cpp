@@ -2,7 +2,7 @@
 
 #include <iostream>
 
-#include "tools/vex/text/Json.h"
+#include "lab/exchange/Json.h"
 #include "tools/vex/text/Terminal.h"
 #include "tools/vex/text/Text.h"
 

@@ -1,8 +1,10 @@
 #include <algorithm>
-#include <cmath>
 #include <iostream>
 
 #include "lab/exchange/CalibrationFile.h"
+#include "lab/exchange/DocumentJson.h"
+#include "lab/exchange/Json.h"
+#include "lab/exchange/JsonOutput.h"
 #include "lab/model/StoredCalibration.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
@@ -13,8 +15,6 @@
 #include "tools/vex/files/Output.h"
 #include "tools/vex/files/OutputFiles.h"
 #include "tools/vex/text/Chart.h"
-#include "tools/vex/text/Json.h"
-#include "tools/vex/text/JsonOutput.h"
 #include "tools/vex/text/Table.h"
 #include "tools/vex/text/Text.h"
 
@@ -22,51 +22,8 @@ namespace vex2::tool {
 
 namespace {
 
-using nlohmann::ordered_json;
-
-std::vector<double> numbersOf(const CalibrationEntry& entry) {
-  std::vector<double> numbers;
-  std::transform(entry.values.begin(), entry.values.end(), std::back_inserter(numbers),
-                 [](std::uint32_t value) { return static_cast<double>(NumberOf(value)); });
-  return numbers;
-}
-
-template <std::size_t size>
-std::string hexOf(const std::array<std::uint8_t, size>& bytes) {
-  return ToHex({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
-}
-
-ordered_json describePart(const std::optional<CalibrationPart>& part, bool isDye) {
-  if (!part) return nullptr;
-  ordered_json info = {{"code", hexOf(part->head.code)},     {"setting", part->head.setting},
-                       {"option", part->head.option},        {"value", part->head.value},
-                       {"extra1", hexOf(part->head.extra1)}, {"extra2", hexOf(part->head.extra2)},
-                       {"spectra", ordered_json::array()}};
-  for (const CalibrationEntry& entry : part->entries) {
-    ordered_json spectrum = {{"name", entry.name},
-                             {"dyeIndex", entry.dyeIndex},
-                             {"key1", entry.key1},
-                             {"key2", entry.key2}};
-    if (isDye) {
-      spectrum["bytes"] = entry.bytes;
-      spectrum["params"] = entry.params;
-    } else {
-      spectrum["limit"] = entry.limit;
-    }
-    spectrum["values"] = numbersOf(entry);
-    info["spectra"].push_back(std::move(spectrum));
-  }
-  return info;
-}
-
-ordered_json describe(const Vex2FileManager& plate) {
-  const Calibration calibration = CalibrationOf(plate);
-  return {{"pureDyes", describePart(calibration.pureDyes, true)},
-          {"background", describePart(calibration.background, false)}};
-}
-
 std::vector<std::string> tableRow(const CalibrationEntry& entry, const std::string& part) {
-  const std::vector<double> numbers = numbersOf(entry);
+  const std::vector<double> numbers = NumbersOf(entry);
   const auto [least, most] = std::minmax_element(numbers.begin(), numbers.end());
   const bool hasAny = !numbers.empty();
   return {part,
@@ -139,7 +96,11 @@ class CalibrationCommand final : public Command {
     if (!target_.empty()) {
       exportTo(plates, all);
     } else if (json_) {
-      PrintJson(std::cout, DescribePlates(plates, all, describe), 2);
+      PrintJson(
+          std::cout,
+          DescribePlates(plates, all,
+                         [](const Vex2FileManager& plate) { return ToJson(CalibrationOf(plate)); }),
+          2);
     } else {
       ShowPlates(plates, all, std::cout, print);
     }

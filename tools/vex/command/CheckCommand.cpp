@@ -2,10 +2,11 @@
 #include <iostream>
 
 #include "lab/check/Check.h"
+#include "lab/exchange/Json.h"
+#include "lab/exchange/JsonOutput.h"
+#include "lab/exchange/ReportJson.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
-#include "tools/vex/text/Json.h"
-#include "tools/vex/text/JsonOutput.h"
 #include "tools/vex/text/Paragraph.h"
 #include "tools/vex/text/Terminal.h"
 #include "tools/vex/text/Text.h"
@@ -14,7 +15,6 @@ namespace vex2::tool {
 
 namespace {
 
-using nlohmann::ordered_json;
 using Style = Terminal::Style;
 
 Style styleOf(Severity severity) {
@@ -87,19 +87,6 @@ class Report {
   const Terminal& terminal_ = Terminal::Out();
 };
 
-ordered_json jsonOf(const std::string& file, const Findings& findings) {
-  ordered_json list = ordered_json::array();
-  for (const Finding& finding : findings.list) {
-    list.push_back({{"severity", NameOf(finding.severity)},
-                    {"record", finding.record},
-                    {"offset", finding.offset},
-                    {"problem", finding.problem},
-                    {"consequence", finding.consequence},
-                    {"remedy", finding.remedy}});
-  }
-  return {{"file", file}, {"findings", std::move(list)}, {"leftOut", findings.LeftOut()}};
-}
-
 constexpr const char* kMeaning =
     "What it means:\n"
     "  error    content is not read, or the next write would do harm\n"
@@ -143,7 +130,7 @@ class CheckCommand final : public Command {
   ExitCode check(const std::string& file) const {
     const Findings findings = Check(file);
     if (json_) {
-      PrintJson(std::cout, jsonOf(file, findings));
+      PrintJson(std::cout, FindingsJson(file, findings));
     } else {
       Report(file, findings, notes_).Print();
     }

@@ -20,27 +20,15 @@ namespace vex2::tool {
 
 std::vector<std::unique_ptr<Command>> MakeCommands() {
   std::vector<std::unique_ptr<Command>> commands;
-  commands.push_back(MakeRecordCommand());
-  commands.push_back(MakeSimulateCommand());
-  commands.push_back(MakeInfoCommand());
-  commands.push_back(MakeTreeCommand());
-  commands.push_back(MakeGetCommand());
-  commands.push_back(MakeWellsCommand());
-  commands.push_back(MakeDetectorsCommand());
-  commands.push_back(MakeDyesCommand());
-  commands.push_back(MakeCalibrationCommand());
-  commands.push_back(MakeFrameCommand());
-  commands.push_back(MakeSpectrumCommand());
-  commands.push_back(MakeExportCommand());
-  commands.push_back(MakeCopyCommand());
-  commands.push_back(MakeStatusCommand());
-  commands.push_back(MakeSetCommand());
-  commands.push_back(MakeStudyCommand());
-  commands.push_back(MakeCheckCommand());
-  commands.push_back(MakeRepairCommand());
-  commands.push_back(MakeRecoverCommand());
-  commands.push_back(MakeHelpCommand());
-  commands.push_back(MakeVersionCommand());
+  for (const auto make :
+       {MakeRecordCommand,      MakeSimulateCommand, MakeInfoCommand,      MakeTreeCommand,
+        MakeGetCommand,         MakeWellsCommand,    MakeDetectorsCommand, MakeDyesCommand,
+        MakeCalibrationCommand, MakeFrameCommand,    MakeSpectrumCommand,  MakeExportCommand,
+        MakeCopyCommand,        MakeStatusCommand,   MakeSetCommand,       MakeStudyCommand,
+        MakeCheckCommand,       MakeRepairCommand,   MakeRecoverCommand,   MakeHelpCommand,
+        MakeVersionCommand}) {
+    commands.push_back(make());
+  }
   return commands;
 }
 

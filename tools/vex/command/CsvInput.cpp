@@ -1,7 +1,6 @@
 #include "tools/vex/command/CsvInput.h"
 
 #include <algorithm>
-#include <cctype>
 
 #include "tools/vex/Errors.h"
 #include "tools/vex/Options.h"
@@ -22,31 +21,6 @@ void tellUnused(const std::string& file, const std::vector<std::string>& columns
     names += " and " + std::to_string(columns.size() - kMostNamed) + " more";
   }
   PrintLine(Printable(file) + ": columns not used: " + names);
-}
-
-bool isSameName(std::string_view one, std::string_view other) {
-  return std::equal(one.begin(), one.end(), other.begin(), other.end(), [](char a, char b) {
-    return std::tolower(static_cast<unsigned char>(a)) ==
-           std::tolower(static_cast<unsigned char>(b));
-  });
-}
-
-// What the file is said to call one column cannot be another, too: the other would be read from it.
-void requireDistinct(const std::vector<std::string_view>& columns, const CsvNames& names,
-                     const std::string& option) {
-  const auto refuse = [&](const std::string& name, std::string_view one, std::string_view other) {
-    throw Error(ErrorCode::kUsage, option + ": " + Quoted(name) + " cannot be both " +
-                                       std::string(one) + " and " + std::string(other));
-  };
-  for (auto given = names.begin(); given != names.end(); ++given) {
-    for (auto other = names.begin(); other != given; ++other) {
-      if (other->second == given->second) refuse(given->second, other->first, given->first);
-    }
-    for (const std::string_view column : columns) {
-      if (names.contains(column) || !isSameName(column, given->second)) continue;
-      refuse(given->second, column, given->first);
-    }
-  }
 }
 
 }  // namespace
@@ -78,29 +52,7 @@ CsvFormat CsvInput::Format(const std::vector<std::string_view>& columns, const s
     format.delimiter = delimiter_ == "comma" ? ',' : delimiter_ == "semicolon" ? ';' : '\t';
   }
   if (!decimal_.empty()) format.decimalMark = decimal_ == "comma" ? ',' : '.';
-  std::string_view rest = names;
-  while (!rest.empty()) {
-    const std::string_view pair = rest.substr(0, rest.find(','));
-    rest.remove_prefix(std::min(rest.size(), pair.size() + 1));
-    const std::size_t equals = pair.find('=');
-    const std::string_view column = pair.substr(0, equals);
-    const auto isIt = [&](std::string_view known) { return known == column; };
-    if (std::none_of(columns.begin(), columns.end(), isIt)) {
-      std::string known;
-      for (const std::string_view each : columns)
-        known.append(known.empty() ? "" : ", ").append(each);
-      throw Error(ErrorCode::kUsage, option + ": " + Quoted(column) +
-                                         " is no column of this file; its columns are " + known);
-    }
-    if (equals == std::string_view::npos || equals + 1 == pair.size()) {
-      throw Error(ErrorCode::kUsage, option + ": " + Quoted(pair) + " gives no name; write " +
-                                         std::string(column) + "=NAME");
-    }
-    if (!format.names.emplace(column, pair.substr(equals + 1)).second) {
-      throw Error(ErrorCode::kUsage, option + ": " + Quoted(column) + " is named twice");
-    }
-  }
-  requireDistinct(columns, format.names, option);
+  format.names = ParseColumnNames(names, columns, option);
   return format;
 }
 

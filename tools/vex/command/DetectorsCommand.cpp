@@ -1,16 +1,16 @@
 #include <algorithm>
-#include <map>
-#include <set>
+#include <iostream>
 
+#include "lab/Nearest.h"
 #include "lab/exchange/CsvWriter.h"
+#include "lab/exchange/DetectorsFile.h"
+#include "lab/exchange/DocumentJson.h"
 #include "lab/exchange/WellsFile.h"
 #include "lab/model/DetectorFields.h"
 #include "lab/model/PlateContents.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Exactness.h"
 #include "tools/vex/command/ListingCommand.h"
-#include "tools/vex/show/SetupInfo.h"
-#include "tools/vex/text/Nearest.h"
 #include "tools/vex/text/Table.h"
 #include "tools/vex/text/Text.h"
 
@@ -24,14 +24,6 @@ std::vector<std::string> keys() {
   std::vector<std::string> names;
   for (const DetectorField& field : DetectorFields()) names.emplace_back(field.key);
   return names;
-}
-
-std::vector<std::string> valuesOf(const Vex2Detector& detector) {
-  std::vector<std::string> values;
-  for (const DetectorField& field : DetectorFields()) {
-    values.push_back(ValueText(field.get(detector)));
-  }
-  return values;
 }
 
 // What people look for first; the rest is for --csv and --json.
@@ -98,21 +90,17 @@ class DetectorsCommand final : public ListingCommand {
       if (!stored || !plate.RemoveDetectorInfo(CString(*stored))) {
         throw Error(ErrorCode::kUsage, file_, "it has no detector '" + name + "'");
       }
-      report += "removed " + Printable(name) + wellsThatName(*stored, contents) + "\n";
+      // A well keeps the target's name, but nothing tells its reporter any more.
+      const std::size_t wells = contents.WellsOf(*stored).size();
+      report += "removed " + Printable(name);
+      if (wells > 0) {
+        report += "; " + Counted(wells, "well still names", "wells still name") +
+                  " it, without a reporter now";
+      }
+      report += "\n";
     }
     for (const auto& fields : additions()) report += add(plate, fields);
     return report;
-  }
-
-  // A well keeps the target's name, but nothing tells its reporter any more.
-  static std::string wellsThatName(const std::string& target, const PlateContents& contents) {
-    std::set<unsigned short> wells;
-    for (const WellRow& row : contents.rows) {
-      if (row.target == target) wells.insert(row.well);
-    }
-    if (wells.empty()) return "";
-    return "; " + Counted(wells.size(), "well still names", "wells still name") +
-           " it, without a reporter now";
   }
 
   bool studiesHaveIt() const override { return true; }
@@ -123,11 +111,9 @@ class DetectorsCommand final : public ListingCommand {
 
   void printCsv(const std::vector<Document::Plate>& plates, bool all) const override {
     CsvWriter csv(std::cout, all);
-    csv.Row("plate", keys());
+    WriteDetectorColumns(csv);
     for (const Document::Plate& plate : plates) {
-      for (const Vex2Detector& detector : DetectorsOf(*plate.content)) {
-        csv.Row(ToUtf8(plate.name), valuesOf(detector));
-      }
+      WriteDetectors(DetectorsOf(*plate.content), csv, ToUtf8(plate.name));
     }
   }
 

@@ -1,4 +1,8 @@
+#include <iostream>
+
 #include "lab/exchange/CsvWriter.h"
+#include "lab/exchange/DocumentJson.h"
+#include "lab/exchange/Json.h"
 #include "lab/model/PlateContents.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/ListingCommand.h"
@@ -40,9 +44,7 @@ class DyesCommand final : public ListingCommand {
   }
 
   ordered_json describe(const Vex2FileManager& plate) const override {
-    ordered_json list = ordered_json::array();
-    for (const std::string& dye : RequiredDyesOf(plate)) list.push_back(ToUtf8(dye));
-    return {{"dyes", std::move(list)}};
+    return {{"dyes", DescribeDyes(plate)}};
   }
 
   void printCsv(const std::vector<Document::Plate>& plates, bool all) const override {

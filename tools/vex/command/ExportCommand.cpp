@@ -1,95 +1,15 @@
-#include <algorithm>
-#include <ostream>
-
-#include "lab/exchange/ReadingsWriter.h"
-#include "lab/exchange/StoredValues.h"
+#include "lab/exchange/ReadingsExport.h"
 #include "lab/model/DataBlock.h"
-#include "lab/model/PlateLayout.h"
-#include "lab/model/RunLog.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/PlateOption.h"
 #include "tools/vex/files/Output.h"
 #include "tools/vex/files/OutputFiles.h"
 #include "tools/vex/text/Text.h"
-#include "vex2/run/AcquisitionDataComp.h"
 
 namespace vex2::tool {
 
 namespace {
-
-/// A data block that is exported, and what is known of its readings.
-struct Block {
-  Document::Plate plate;
-  const AcquisitionDataComp* records = nullptr;
-  RecordedReadings readings;
-};
-
-// Calls `take` with each record of the block: well by well, in each by frames.
-template <typename Take>
-void forEachRecord(const Block& block, const Take& take) {
-  const auto columns = static_cast<std::uint32_t>(block.plate.content->GetHeaderCols());
-  const int frames = block.records->GetFrameCount();
-  StoredRecord stored;
-  std::size_t position = 0;
-  for (const std::uint16_t number : block.records->GetWellNumbers()) {
-    stored.well = WellName(number, columns);
-    stored.number = number;
-    for (int frame = 0; frame < frames; ++frame) {
-      const Vex2WellRecord* records = block.records->GetFrame(frame);
-      stored.frame = static_cast<std::uint64_t>(frame);
-      stored.record = records != nullptr ? records[position] : Vex2WellRecord();
-      take(stored);
-    }
-    ++position;
-  }
-}
-
-/// How many records there are in all, and in how many stands something that is not known.
-struct Counts {
-  std::size_t all = 0;
-  std::size_t unknown = 0;
-};
-
-Counts countRecords(const std::vector<Block>& blocks) {
-  Counts counts;
-  for (const Block& block : blocks) {
-    forEachRecord(block, [&](const StoredRecord& stored) {
-      ++counts.all;
-      const bool isEmpty = stored.record == Vex2WellRecord();
-      if (!isEmpty && !block.readings.Read(stored.record, stored.frame)) ++counts.unknown;
-    });
-  }
-  return counts;
-}
-
-bool haveChannels(const std::vector<Block>& blocks) {
-  return std::any_of(blocks.begin(), blocks.end(), [](const Block& block) {
-    return !block.readings.Log().value_or(RunLog()).channels.empty();
-  });
-}
-
-void writeReadings(std::ostream& out, const std::vector<Block>& blocks,
-                   ReadingsWriter::Columns columns) {
-  ReadingsWriter writer(out, columns);
-  for (const Block& block : blocks) {
-    const RunLog log = block.readings.Log().value_or(RunLog());
-    writer.BeginPlate(ToUtf8(block.plate.name), log.scale, log.channels);
-    forEachRecord(block, [&](const StoredRecord& stored) {
-      writer.Write(stored.well, stored.frame, block.readings.Read(stored.record, stored.frame));
-    });
-  }
-}
-
-void writeStored(std::ostream& out, const std::vector<Block>& blocks, bool ofPlates) {
-  CsvWriter csv(out, ofPlates);
-  WriteStoredColumns(csv);
-  for (const Block& block : blocks) {
-    const std::string plate = ToUtf8(block.plate.name);
-    forEachRecord(block,
-                  [&](const StoredRecord& stored) { WriteStoredRecord(csv, plate, stored); });
-  }
-}
 
 class ExportCommand final : public Command {
  public:
@@ -110,19 +30,15 @@ class ExportCommand final : public Command {
 
   ExitCode Run() override {
     const Document document(file_);
-    const std::vector<Block> blocks = findBlocks(document);
+    const std::vector<ExportedBlock> blocks = findBlocks(document);
     OutputFiles files(force_);
     files.Read(file_).Write(target_, OutputFiles::Kind::kTable).Claim();
     const bool ofPlates = document.IsStudy() && !plate_.IsGiven();
     Output output(target_);
     if (raw_) {
-      writeStored(output.Stream(), blocks, ofPlates);
+      WriteStored(output.Stream(), blocks, ofPlates);
     } else {
-      const Counts counts = countRecords(blocks);
-      writeReadings(
-          output.Stream(), blocks,
-          {.plate = ofPlates, .frame = counts.unknown > 0, .channel = haveChannels(blocks)});
-      tellUnknown(counts);
+      tellUnknown(WriteReadings(output.Stream(), blocks, ofPlates));
     }
     output.Finish();
     if (document.Content().IsAcquisitionProg()) PrintLine(RunInProgressText(file_, "the table"));
@@ -131,8 +47,8 @@ class ExportCommand final : public Command {
   }
 
  private:
-  std::vector<Block> findBlocks(const Document& document) const {
-    std::vector<Block> blocks;
+  std::vector<ExportedBlock> findBlocks(const Document& document) const {
+    std::vector<ExportedBlock> blocks;
     for (const Document::Plate& plate : plate_.Choose(document)) {
       const AcquisitionDataComp* records = FindBlock(plate, block_);
       if (records != nullptr) blocks.push_back({plate, records, {*plate.content, block_}});
@@ -142,7 +58,7 @@ class ExportCommand final : public Command {
     throw Error(ErrorCode::kDocument, file_, "it has no data block \"" + block_ + "\"");
   }
 
-  void tellUnknown(const Counts& counts) const {
+  void tellUnknown(const ExportCounts& counts) const {
     if (counts.unknown == 0) return;
     PrintLine(Printable(file_) + ": leaves " + std::to_string(counts.unknown) + " of " +
               Counted(counts.all, "reading") +

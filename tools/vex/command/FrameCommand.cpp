@@ -1,6 +1,9 @@
 #include <algorithm>
 #include <iostream>
 
+#include "lab/exchange/DocumentJson.h"
+#include "lab/exchange/Json.h"
+#include "lab/exchange/JsonOutput.h"
 #include "lab/exchange/ReadingFields.h"
 #include "lab/exchange/StoredValues.h"
 #include "lab/model/FrameView.h"
@@ -8,8 +11,6 @@
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/PlateOption.h"
-#include "tools/vex/text/Json.h"
-#include "tools/vex/text/JsonOutput.h"
 #include "tools/vex/text/Table.h"
 #include "tools/vex/text/Terminal.h"
 #include "tools/vex/text/Text.h"
@@ -17,8 +18,6 @@
 namespace vex2::tool {
 
 namespace {
-
-using nlohmann::ordered_json;
 
 using Rows = std::vector<std::vector<std::string>>;
 
@@ -128,7 +127,7 @@ class FrameCommand final : public Command {
 
  private:
   void show(const FrameView& view) {
-    if (json_) return printJson(view);
+    if (json_) return PrintJson(std::cout, DescribeFrame(view, file_, block_));
     if (!grid_)
       return print(view, "", view.IsKnown() && !raw_ ? drawReadings(view) : drawStored(view));
     requireKnown(view);
@@ -159,39 +158,6 @@ class FrameCommand final : public Command {
                 "frame " + std::to_string(index_) + " of the data block \"" + block_ +
                     "\" cannot be shown as a plate: vex did not record it and does not know the "
                     "meaning of its values; leave out --grid for the stored values");
-  }
-
-  // All fields but the stage are numbers, or missing.
-  static ordered_json readingInfo(const FrameView& view, std::size_t position) {
-    const auto reading = view.ReadingOf(position);
-    if (!reading) return nullptr;
-    const auto fields = ReadingFields(*reading, *view.recorded.Log());
-    const auto names = ReadingNames(*view.recorded.Log());
-    ordered_json info = {{names[0], fields[0]}};
-    for (std::size_t i = 1; i < fields.size(); ++i) {
-      info[names[i]] = NumberJson(fields[i]);
-    }
-    return info;
-  }
-
-  void printJson(const FrameView& view) const {
-    ordered_json wells = ordered_json::array();
-    for (std::size_t i = 0; i < view.wells.size(); ++i) {
-      const Vex2WellRecord& record = view.frame.records[i];
-      wells.push_back({{"well", view.NameOf(i)},
-                       {"number", view.wells[i]},
-                       {"leading", record.leading},
-                       {"data", std::vector<std::uint16_t>(record.data, record.data + kStoredData)},
-                       {"reading", readingInfo(view, i)}});
-    }
-    ordered_json frame = {{"file", file_}};
-    if (view.isEmbedded) frame["plate"] = view.plate;
-    frame["block"] = block_;
-    frame["frame"] = index_;
-    frame["frames"] = view.frameCount;
-    frame["recorded"] = view.recorded.Log().has_value();
-    frame["wells"] = std::move(wells);
-    PrintJson(std::cout, frame);
   }
 
   std::string file_;

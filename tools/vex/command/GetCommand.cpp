@@ -1,18 +1,17 @@
 #include <iostream>
 #include <vector>
 
+#include "lab/Nearest.h"
+#include "lab/exchange/DocumentJson.h"
+#include "lab/exchange/Json.h"
+#include "lab/exchange/JsonPath.h"
+#include "lab/exchange/RecordTree.h"
 #include "lab/model/DocumentFile.h"
 #include "lab/model/PlateContents.h"
 #include "lab/model/Settings.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/PlateOption.h"
-#include "tools/vex/show/OverviewJson.h"
-#include "tools/vex/show/RecordTree.h"
-#include "tools/vex/show/SetupInfo.h"
-#include "tools/vex/show/ValuePath.h"
-#include "tools/vex/text/Json.h"
-#include "tools/vex/text/Nearest.h"
 #include "tools/vex/text/Terminal.h"
 
 namespace vex2::tool {
@@ -54,7 +53,9 @@ class GetCommand final : public Command {
     const Document::Plate plate = plate_.Choose(document).front();
     const ordered_json root = describe(document, plate);
     const ValueAt found = FindValue(root, path_);
-    if (found.value == nullptr) refuse(found);
+    if (found.value == nullptr) {
+      throw Error(ErrorCode::kNoSuchValue, file_, WhyNoValue(found, path_, {"tree"}));
+    }
     print(*found.value);
     document.RequireWhole("");
     return ExitCode::kDone;
@@ -67,8 +68,7 @@ class GetCommand final : public Command {
     const Vex2FileManager& content = *plate.content;
     if (content.GetPlateSetupComp() != nullptr) root["wells"] = DescribeWells(content)["wells"];
     root["detectors"] = DescribeDetectors(content);
-    root["dyes"] = ordered_json::array();
-    for (const std::string& dye : RequiredDyesOf(content)) root["dyes"].push_back(ToUtf8(dye));
+    root["dyes"] = DescribeDyes(content);
     // It takes another reading of the document.
     if (path_.starts_with("tree")) {
       DocumentFile file;
@@ -85,30 +85,6 @@ class GetCommand final : public Command {
       const std::string text = JsonText(value);
       std::cout << (Terminal::Out().IsTerminal() ? Printable(text) : text) << '\n';
     }
-  }
-
-  [[noreturn]] void refuse(const ValueAt& found) const {
-    constexpr std::size_t kMostNamed = 12;
-    std::vector<std::string> paths = PathsFrom(found.reached, *found.last);
-    if (found.reached.empty()) paths.emplace_back("tree");
-    std::string what = "it has no value '" + path_ + "'";
-    // The last name alone: what it shares with all others would make any of them near.
-    std::vector<std::string> names;
-    const std::string prefix = found.reached.empty() ? "" : found.reached + ".";
-    if (!found.last->is_array()) {
-      for (const std::string& path : paths) names.push_back(path.substr(prefix.size()));
-    }
-    const auto near = NearestName(found.missing, names);
-    const std::string hint = near ? "; did you mean '" + prefix + *near + "'?" : "";
-    what += hint;
-    for (std::size_t i = 0; i < paths.size() && i < kMostNamed; ++i) {
-      what += (i == 0 ? (hint.empty() ? "; there are " : " There are ") : ", ") + paths[i];
-    }
-    if (paths.size() > kMostNamed) {
-      what += " and " + std::to_string(paths.size() - kMostNamed) + " more";
-    }
-    if (paths.empty()) what += "; '" + found.reached + "' holds no others";
-    throw Error(ErrorCode::kNoSuchValue, file_, what);
   }
 
   std::string file_;

@@ -1,13 +1,13 @@
 #include <algorithm>
 #include <iostream>
 
+#include "lab/exchange/DocumentJson.h"
+#include "lab/exchange/Json.h"
+#include "lab/exchange/JsonOutput.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/PlateOption.h"
-#include "tools/vex/show/OverviewJson.h"
 #include "tools/vex/show/OverviewScreen.h"
-#include "tools/vex/text/Json.h"
-#include "tools/vex/text/JsonOutput.h"
 
 namespace vex2::tool {
 

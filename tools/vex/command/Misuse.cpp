@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/vex/text/Nearest.h"
+#include "lab/Nearest.h"
 
 namespace vex2::tool {
 

@@ -8,7 +8,6 @@
 #include "lab/model/DocumentPlates.h"
 #include "tools/vex/Errors.h"
 #include "tools/vex/Lab.h"
-#include "tools/vex/text/Json.h"
 #include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
@@ -40,28 +39,6 @@ class PlateOption {
 
 /// A line above what is shown of a plate, or of the study itself.
 std::string PlateTitle(const Document::Plate& plate);
-
-/// What `describe` says of the plates that were chosen: an object, and when they are `all` of a
-/// study an object for each in the list "plates", with its name.
-template <typename Describe>
-nlohmann::ordered_json DescribePlates(const std::vector<Document::Plate>& plates, bool all,
-                                      const Describe& describe) {
-  if (!all) return describe(*plates.front().content);
-  nlohmann::ordered_json result = nlohmann::ordered_json::object();
-  nlohmann::ordered_json list = nlohmann::ordered_json::array();
-  for (const Document::Plate& plate : plates) {
-    nlohmann::ordered_json entry;
-    if (plate.isEmbedded) entry["plate"] = ToUtf8(plate.name);
-    entry.update(describe(*plate.content));
-    if (plate.isEmbedded) {
-      list.push_back(std::move(entry));
-    } else {
-      result.update(entry);
-    }
-  }
-  result["plates"] = std::move(list);
-  return result;
-}
 
 /// Calls `show` for each of the plates, behind a title when they are `all` of a study.
 template <typename Show>

@@ -1,6 +1,9 @@
 #include <chrono>
 #include <iostream>
 
+#include "lab/exchange/Json.h"
+#include "lab/exchange/JsonOutput.h"
+#include "lab/exchange/ReportJson.h"
 #include "lab/model/Document.h"
 #include "lab/recover/Recover.h"
 #include "tools/vex/Lab.h"
@@ -46,7 +49,7 @@ class RecoverCommand final : public Command {
     PrintIfAny(replaced);
     PrintIfAny(running);
     if (json_) {
-      PrintRecoverJson(std::cout, report, source_, target_);
+      PrintJson(std::cout, RecoverJson(report, source_, target_), 2);
     } else {
       PrintRecoverText(std::cout, report, source_, target_);
     }

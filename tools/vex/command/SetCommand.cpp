@@ -2,6 +2,7 @@
 #include <iostream>
 #include <utility>
 
+#include "lab/Nearest.h"
 #include "lab/model/AssayTypes.h"
 #include "lab/model/Settings.h"
 #include "lab/model/Study.h"
@@ -9,7 +10,6 @@
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/PlateOption.h"
 #include "tools/vex/files/Changing.h"
-#include "tools/vex/text/Nearest.h"
 #include "tools/vex/text/Text.h"
 
 namespace vex2::tool {

@@ -2,14 +2,15 @@
 #include <iostream>
 #include <iterator>
 
-#include "lab/exchange/CsvWriter.h"
+#include "lab/exchange/DocumentJson.h"
+#include "lab/exchange/Json.h"
+#include "lab/exchange/JsonOutput.h"
+#include "lab/exchange/ReadingsExport.h"
 #include "lab/model/WellSpectrum.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/PlateOption.h"
 #include "tools/vex/text/Chart.h"
-#include "tools/vex/text/Json.h"
-#include "tools/vex/text/JsonOutput.h"
 #include "tools/vex/text/Paragraph.h"
 #include "tools/vex/text/Terminal.h"
 #include "tools/vex/text/Text.h"
@@ -17,8 +18,6 @@
 namespace vex2::tool {
 
 namespace {
-
-using nlohmann::ordered_json;
 
 class SpectrumCommand final : public Command {
  public:
@@ -41,15 +40,20 @@ class SpectrumCommand final : public Command {
     const Document document(file_);
     const auto spectra = SpectraOf(document, plate_.Choose(document), well_, frame_);
     if (csv_) {
-      printCsv(spectra, document.IsStudy() && !plate_.IsGiven());
+      WriteSpectra(std::cout, spectra, well_, frame_, document.IsStudy() && !plate_.IsGiven());
     } else {
-      for (const WellSpectrum& spectrum : spectra) json_ ? printJson(spectrum) : draw(spectrum);
+      for (const WellSpectrum& spectrum : spectra) show(spectrum);
     }
     document.RequireWhole("");
     return ExitCode::kDone;
   }
 
  private:
+  void show(const WellSpectrum& spectrum) {
+    if (!json_) return draw(spectrum);
+    PrintJson(std::cout, DescribeSpectrum(spectrum, file_, well_, frame_));
+  }
+
   void draw(const WellSpectrum& spectrum) {
     constexpr std::size_t kMostPerLine = 12;
     constexpr std::size_t kIndexWidth = 4;
@@ -86,35 +90,6 @@ class SpectrumCommand final : public Command {
     std::cout << "background rates:";
     for (const std::uint32_t rate : spectrum.rates) std::cout << ' ' << rate;
     std::cout << '\n';
-  }
-
-  void printJson(const WellSpectrum& spectrum) const {
-    ordered_json object = {{"file", file_}};
-    if (spectrum.isEmbedded) object["plate"] = spectrum.plate;
-    object["well"] = well_;
-    object["number"] = spectrum.well;
-    object["frame"] = frame_;
-    object["frames"] = spectrum.frameCount;
-    object["wellValue"] = spectrum.record.leading[0];
-    object["readings"] = spectrum.record.data;
-    if (!spectrum.rates.empty()) object["rates"] = spectrum.rates;
-    PrintJson(std::cout, object);
-  }
-
-  void printCsv(const std::vector<WellSpectrum>& spectra, bool ofPlates) const {
-    std::cout << (ofPlates ? "plate," : "") << "well,frame,kind,index,value\n";
-    for (const WellSpectrum& spectrum : spectra) {
-      const std::string start = (ofPlates ? CsvField(spectrum.plate) + "," : "") + well_ + "," +
-                                std::to_string(frame_) + ",";
-      std::size_t index = 0;
-      for (const std::uint16_t value : spectrum.record.data) {
-        std::cout << start << "reading," << index++ << ',' << value << '\n';
-      }
-      index = 0;
-      for (const std::uint32_t rate : spectrum.rates) {
-        std::cout << start << "rate," << index++ << ',' << rate << '\n';
-      }
-    }
   }
 
   std::string file_;

@@ -1,6 +1,9 @@
 #include <algorithm>
 #include <iostream>
 
+#include "lab/exchange/DocumentJson.h"
+#include "lab/exchange/Json.h"
+#include "lab/exchange/JsonOutput.h"
 #include "lab/model/DocumentPlates.h"
 #include "lab/model/Study.h"
 #include "tools/vex/Lab.h"
@@ -8,9 +11,7 @@
 #include "tools/vex/files/Changing.h"
 #include "tools/vex/files/Interrupts.h"
 #include "tools/vex/files/OutputFiles.h"
-#include "tools/vex/show/StudyProgress.h"
-#include "tools/vex/text/Json.h"
-#include "tools/vex/text/JsonOutput.h"
+#include "tools/vex/text/ProgressLine.h"
 #include "tools/vex/text/Table.h"
 #include "tools/vex/text/Terminal.h"
 #include "tools/vex/text/Text.h"
@@ -18,8 +19,6 @@
 namespace vex2::tool {
 
 namespace {
-
-using nlohmann::ordered_json;
 
 /// What the actions that change a study have in common.
 class StudyChange : public Command {
@@ -41,9 +40,14 @@ class StudyChange : public Command {
 
   /// Brings the documents that were named into the study; answers what was added.
   std::string addPlates(Vex2FileManager& study) const {
-    StudyProgress progress(plates_.size());
+    constexpr std::chrono::milliseconds kPatience{200};
+    ProgressLine progress(kPatience, ProgressLine::AtEnd::kErase);
+    std::size_t done = 0;
     return lab::AddPlates(study, study_, plates_, changing_.Losses().Rules(),
-                          [&](const std::string& path) { progress.Show(path); });
+                          [&](const std::string& path) {
+                            progress.Show("plate " + std::to_string(++done) + " of " +
+                                          std::to_string(plates_.size()) + ": " + Printable(path));
+                          });
   }
 
   /// Changes the study with `change`, which is handed it and answers what it changed.
@@ -162,17 +166,7 @@ class ListAction final : public Command {
 
  private:
   void printJson(const std::vector<StudyPlate>& plates) const {
-    ordered_json list = ordered_json::array();
-    for (const StudyPlate& plate : plates) {
-      list.push_back({{"name", plate.name},
-                      {"modified", plate.modified},
-                      {"wells", plate.wells},
-                      {"frames", plate.frames},
-                      {"status", plate.status},
-                      {"offset", plate.offset},
-                      {"size", plate.size}});
-    }
-    PrintJson(std::cout, {{"file", study_}, {"plates", std::move(list)}});
+    PrintJson(std::cout, {{"file", study_}, {"plates", ToJson(plates)}});
   }
 
   void print(const std::vector<StudyPlate>& plates) const {

@@ -3,12 +3,12 @@
 #include <optional>
 #include <vector>
 
+#include "lab/Nearest.h"
+#include "lab/exchange/RecordTree.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/PlateOption.h"
 #include "tools/vex/show/RecordText.h"
-#include "tools/vex/show/RecordTree.h"
-#include "tools/vex/text/Nearest.h"
 #include "tools/vex/text/Paragraph.h"
 #include "tools/vex/text/Terminal.h"
 #include "tools/vex/text/Text.h"

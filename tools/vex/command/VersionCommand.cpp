@@ -3,9 +3,9 @@
 #include <CLI/Version.hpp>
 #include <iostream>
 
+#include "lab/exchange/Json.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/VersionText.h"
-#include "tools/vex/text/Json.h"
 #include "vex2/manager/Vex2HeaderData.h"
 
 namespace vex2::tool {
@@ -14,7 +14,7 @@ namespace {
 
 using nlohmann::ordered_json;
 
-std::string compiler() {
+std::string compilerName() {
 #if defined(__clang__)
   return "Clang " __clang_version__;
 #elif defined(__GNUC__)
@@ -24,18 +24,30 @@ std::string compiler() {
 #endif
 }
 
-ordered_json describe() {
-  const Vex2HeaderData header;
+std::string numbered(int major, int minor, int patch) {
+  return std::to_string(major) + "." + std::to_string(minor) + "." + std::to_string(patch);
+}
+
+/// What the command is made of.
+struct Version {
+  std::string compiler = compilerName();
+  std::string format =
+      std::to_string(Vex2HeaderData().formatA) + "." + std::to_string(Vex2HeaderData().formatB);
+  std::vector<std::pair<std::string, std::string>> libraries = {
+      {"CLI11", CLI11_VERSION},
+      {"nlohmann-json", numbered(NLOHMANN_JSON_VERSION_MAJOR, NLOHMANN_JSON_VERSION_MINOR,
+                                 NLOHMANN_JSON_VERSION_PATCH)},
+      {"libcsv", numbered(CSV_MAJOR, CSV_MINOR, CSV_RELEASE)}};
+};
+
+ordered_json toJson(const Version& version) {
+  ordered_json libraries = ordered_json::object();
+  for (const auto& [name, number] : version.libraries) libraries[name] = number;
   return {{"version", VEX2_VERSION},
-          {"build", {{"type", VEX2_BUILD_TYPE}, {"compiler", compiler()}, {"system", VEX2_SYSTEM}}},
-          {"format", std::to_string(header.formatA) + "." + std::to_string(header.formatB)},
-          {"libraries",
-           {{"CLI11", CLI11_VERSION},
-            {"nlohmann-json", std::to_string(NLOHMANN_JSON_VERSION_MAJOR) + "." +
-                                  std::to_string(NLOHMANN_JSON_VERSION_MINOR) + "." +
-                                  std::to_string(NLOHMANN_JSON_VERSION_PATCH)},
-            {"libcsv", std::to_string(CSV_MAJOR) + "." + std::to_string(CSV_MINOR) + "." +
-                           std::to_string(CSV_RELEASE)}}}};
+          {"build",
+           {{"type", VEX2_BUILD_TYPE}, {"compiler", version.compiler}, {"system", VEX2_SYSTEM}}},
+          {"format", version.format},
+          {"libraries", std::move(libraries)}};
 }
 
 class VersionCommand final : public Command {
@@ -49,7 +61,7 @@ class VersionCommand final : public Command {
   }
 
   ExitCode Run() override {
-    std::cout << (json_ ? describe().dump(2) + "\n" : VersionText());
+    std::cout << (json_ ? toJson(Version()).dump(2) + "\n" : VersionText());
     return ExitCode::kDone;
   }
 
@@ -60,15 +72,12 @@ class VersionCommand final : public Command {
 }  // namespace
 
 std::string VersionText() {
-  const ordered_json version = describe();
-  const auto text = [](const ordered_json& value) { return value.get<std::string>(); };
-  const auto& build = version["build"];
-  std::string result = "vex " + text(version["version"]) + "\nbuild      " + text(build["type"]) +
-                       ", " + text(build["compiler"]) + ", " + text(build["system"]) +
-                       "\nformat     " + text(version["format"]) + "\nlibraries  ";
+  const Version version;
+  std::string result = "vex " VEX2_VERSION "\nbuild      " VEX2_BUILD_TYPE ", " + version.compiler +
+                       ", " VEX2_SYSTEM "\nformat     " + version.format + "\nlibraries  ";
   std::string separator;
-  for (const auto& [name, number] : version["libraries"].items()) {
-    result += separator + name + " " + text(number);
+  for (const auto& [name, number] : version.libraries) {
+    result += separator + name + " " + number;
     separator = ", ";
   }
   return result + "\n";

@@ -1,9 +1,12 @@
 #include <cstdint>
+#include <iostream>
 #include <limits>
 #include <map>
 #include <set>
 
 #include "lab/exchange/CsvWriter.h"
+#include "lab/exchange/DocumentJson.h"
+#include "lab/exchange/Json.h"
 #include "lab/exchange/WellsFile.h"
 #include "lab/model/PlateChange.h"
 #include "tools/vex/Lab.h"
@@ -11,8 +14,6 @@
 #include "tools/vex/command/Exactness.h"
 #include "tools/vex/command/ListingCommand.h"
 #include "tools/vex/show/PlateGrid.h"
-#include "tools/vex/show/SetupInfo.h"
-#include "tools/vex/text/Json.h"
 #include "tools/vex/text/Paragraph.h"
 #include "tools/vex/text/Text.h"
 
@@ -90,13 +91,10 @@ class WellsCommand final : public ListingCommand {
   void print(const Vex2FileManager& plate) const override {
     requireSetup(plate);
     const PlateContents contents = ContentsOf(plate);
-    std::set<std::string> targets;
-    for (const WellRow& row : contents.rows) {
-      if (!row.target.empty()) targets.insert(row.target);
-    }
     const std::string title = std::to_string(contents.plate.WellCount()) + " wells, " +
                               std::to_string(contents.Wells().size()) + " set up, " +
-                              Counted(targets.size(), "detector") + "; each well's " + what_ + ":";
+                              Counted(contents.Targets().size(), "detector") + "; each well's " +
+                              what_ + ":";
     std::cout << Wrapped(title, 0) << '\n'
               << DrawPlate(contents.plate, gridTexts(contents, what_), Terminal::Out());
   }

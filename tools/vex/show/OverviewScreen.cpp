@@ -6,9 +6,9 @@
 #include <limits>
 #include <sstream>
 
+#include "lab/model/Codes.h"
 #include "lab/model/Value.h"
 #include "tools/vex/Errors.h"
-#include "tools/vex/show/CodeText.h"
 #include "tools/vex/text/Paragraph.h"
 #include "tools/vex/text/Table.h"
 #include "tools/vex/text/Terminal.h"
@@ -20,6 +20,12 @@ namespace vex2::tool {
 namespace {
 
 using Style = Terminal::Style;
+
+// "AbsQ: absolute quantification"; the code alone when its meaning is not known.
+std::string explained(CodeField field, std::string_view code) {
+  const std::string meaning = CodeMeaning(field, code);
+  return Printable(code) + (meaning.empty() ? "" : ": " + meaning);
+}
 
 class Screen {
  public:
@@ -33,7 +39,7 @@ class Screen {
     line("kind", kindText());
     line("plate", plateText());
     line("assay", assayText());
-    line("status", ExplainedCode(CodeField::kStatus, plate_.status), statusStyle());
+    line("status", explained(CodeField::kStatus, plate_.status), statusStyle());
     for (const BlockInfo& block : plate_.blocks) lines("data", blockItems(block));
     printSettings();
     printProgram();
@@ -112,7 +118,7 @@ class Screen {
 
   std::string kindText() const {
     const std::string& kind = plate_.kind;
-    if (!CodeMeaning(CodeField::kKind, kind).empty()) return ExplainedCode(CodeField::kKind, kind);
+    if (!CodeMeaning(CodeField::kKind, kind).empty()) return explained(CodeField::kKind, kind);
     return "ordinary document" + (kind.empty() ? "" : " (" + Printable(kind) + ")");
   }
 
@@ -121,12 +127,12 @@ class Screen {
     return Counted(plate_.wellCount, "well") + (isOfType ? " (" : " (the header says ") +
            std::to_string(plate_.rows) + " x " + std::to_string(plate_.columns) + "), " +
            std::to_string(plate_.wellsInUse) + " in use, type " +
-           ExplainedCode(CodeField::kPlateType, plate_.plateType);
+           explained(CodeField::kPlateType, plate_.plateType);
   }
 
   std::string assayText() const {
     const std::string remark = Printable(plate_.text);
-    return ExplainedCode(CodeField::kAssay, plate_.assay) + ", run " + Printable(plate_.run) +
+    return explained(CodeField::kAssay, plate_.assay) + ", run " + Printable(plate_.run) +
            (remark.empty() ? "" : ", \"" + remark + "\"");
   }
 

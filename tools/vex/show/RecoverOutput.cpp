@@ -1,7 +1,6 @@
 #include "tools/vex/show/RecoverOutput.h"
 
 #include "tools/vex/Errors.h"
-#include "tools/vex/text/JsonOutput.h"
 #include "tools/vex/text/Paragraph.h"
 #include "tools/vex/text/Terminal.h"
 #include "tools/vex/text/Text.h"
@@ -10,7 +9,6 @@ namespace vex2::tool {
 
 namespace {
 
-using nlohmann::ordered_json;
 using Style = Terminal::Style;
 
 constexpr std::size_t kMostLines = 20;
@@ -53,17 +51,6 @@ std::string lossText(const RecoverReport& report) {
   return text;
 }
 
-ordered_json notesOf(const std::vector<RecoverNote>& notes, bool withBytes) {
-  ordered_json list = ordered_json::array();
-  for (const RecoverNote& note : notes) {
-    ordered_json object = {{"offset", note.offset}};
-    if (withBytes) object["bytes"] = note.bytes;
-    object["what"] = note.what;
-    list.push_back(std::move(object));
-  }
-  return list;
-}
-
 }  // namespace
 
 void PrintRecoverText(std::ostream& out, const RecoverReport& report, const std::string& source,
@@ -84,28 +71,6 @@ void PrintRecoverText(std::ostream& out, const RecoverReport& report, const std:
       << "to       " << Printable(target) << ", " << Counted(report.written, "byte") << '\n';
   printNotes(out, report.lost, report.lostPlaces, "lost");
   printNotes(out, report.corrected, report.correctedPlaces, "put right, or put in as a guess");
-}
-
-void PrintRecoverJson(std::ostream& out, const RecoverReport& report, const std::string& source,
-                      const std::string& target) {
-  const ordered_json object = {
-      {"file", source},
-      {"output", target},
-      {"whole", report.IsWhole()},
-      {"size", report.size},
-      {"written", report.written},
-      {"records", report.records},
-      {"frames", report.frames},
-      {"plates", report.plates},
-      {"lostBytes", report.lostBytes},
-      {"lostRecords", report.lostRecords},
-      {"lostFrames", report.lostFrames},
-      {"lostPlaces", report.lostPlaces},
-      {"lost", notesOf(report.lost, true)},
-      {"correctedPlaces", report.correctedPlaces},
-      {"corrected", notesOf(report.corrected, false)},
-  };
-  PrintJson(out, object, 2);
 }
 
 }  // namespace vex2::tool

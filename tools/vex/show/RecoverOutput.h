@@ -12,8 +12,4 @@ namespace vex2::tool {
 void PrintRecoverText(std::ostream& out, const RecoverReport& report, const std::string& source,
                       const std::string& target);
 
-/// Tells a program, as one object.
-void PrintRecoverJson(std::ostream& out, const RecoverReport& report, const std::string& source,
-                      const std::string& target);
-
 }  // namespace vex2::tool

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace vex2::tool {
+namespace vex2::lab {
 
 /// The one of `names` that a person who typed `word` most likely meant: the one that is the fewest
 /// letters away, where a letter is missing, surplus, another, or two are swapped, or the only one
@@ -15,4 +15,4 @@ std::optional<std::string> NearestName(std::string_view word, std::span<const st
 /// "; did you mean 'info'?", or nothing when no name is near.
 std::string DidYouMean(std::string_view word, std::span<const std::string> names);
 
-}  // namespace vex2::tool
+}  // namespace vex2::lab

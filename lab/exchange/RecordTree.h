@@ -4,9 +4,8 @@
 #include <ostream>
 
 #include "lab/model/SelectedRecords.h"
-#include "tools/vex/Lab.h"
 
-namespace vex2::tool {
+namespace vex2::lab {
 
 /// An object with a list of objects, "records", of everything that the document's reader would take
 /// for a record. It is written as the records are met, so that a large document costs no more than
@@ -36,4 +35,4 @@ class JsonTree final : public RecordVisitor {
 /// The same list in memory, of all records of the plate in the open `file`.
 nlohmann::ordered_json RecordsJson(CFile& file, const Document::Plate& plate);
 
-}  // namespace vex2::tool
+}  // namespace vex2::lab

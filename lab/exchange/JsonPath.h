@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-namespace vex2::tool {
+namespace vex2::lab {
 
 /// Where a path such as "settings.comment" or "wells[A1].sample" leads to.
 struct ValueAt {
@@ -25,4 +25,9 @@ ValueAt FindValue(const nlohmann::ordered_json& root, std::string_view path);
 /// The paths that go on from `path`, at which `value` is, one step.
 std::vector<std::string> PathsFrom(const std::string& path, const nlohmann::ordered_json& value);
 
-}  // namespace vex2::tool
+/// Why nothing is `found` at `path`, for people: the paths that lead on from where it ends, and
+/// the one that was most likely meant. `others` are further paths from the root.
+std::string WhyNoValue(const ValueAt& found, const std::string& path,
+                       const std::vector<std::string>& others);
+
+}  // namespace vex2::lab

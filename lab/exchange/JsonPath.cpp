@@ -1,13 +1,14 @@
-#include "tools/vex/show/ValuePath.h"
+#include "lab/exchange/JsonPath.h"
 
 #include <algorithm>
 #include <cctype>
 #include <optional>
 
-#include "tools/vex/text/Json.h"
-#include "tools/vex/text/Text.h"
+#include "lab/Nearest.h"
+#include "lab/Text.h"
+#include "lab/exchange/Json.h"
 
-namespace vex2::tool {
+namespace vex2::lab {
 
 namespace {
 
@@ -124,4 +125,28 @@ std::vector<std::string> PathsFrom(const std::string& path, const ordered_json& 
   return paths;
 }
 
-}  // namespace vex2::tool
+std::string WhyNoValue(const ValueAt& found, const std::string& path,
+                       const std::vector<std::string>& others) {
+  constexpr std::size_t kMostNamed = 12;
+  std::vector<std::string> paths = PathsFrom(found.reached, *found.last);
+  if (found.reached.empty()) paths.insert(paths.end(), others.begin(), others.end());
+  // The last name alone: what it shares with all others would make any of them near.
+  std::vector<std::string> names;
+  const std::string prefix = found.reached.empty() ? "" : found.reached + ".";
+  if (!found.last->is_array()) {
+    for (const std::string& each : paths) names.push_back(each.substr(prefix.size()));
+  }
+  const auto near = NearestName(found.missing, names);
+  std::string what = "it has no value '" + path + "'";
+  if (near) what += "; did you mean '" + prefix + *near + "'?";
+  for (std::size_t i = 0; i < paths.size() && i < kMostNamed; ++i) {
+    what += (i > 0 ? ", " : near ? " There are " : "; there are ") + paths[i];
+  }
+  if (paths.size() > kMostNamed) {
+    what += " and " + std::to_string(paths.size() - kMostNamed) + " more";
+  }
+  if (paths.empty()) what += "; '" + found.reached + "' holds no others";
+  return what;
+}
+
+}  // namespace vex2::lab

@@ -1,14 +1,14 @@
-#include "tools/vex/show/RecordTree.h"
+#include "lab/exchange/RecordTree.h"
 
 #include <utility>
 #include <vector>
 
+#include "lab/Text.h"
+#include "lab/exchange/Json.h"
+#include "lab/exchange/JsonOutput.h"
 #include "lab/model/RecordValue.h"
-#include "tools/vex/text/Json.h"
-#include "tools/vex/text/JsonOutput.h"
-#include "tools/vex/text/Text.h"
 
-namespace vex2::tool {
+namespace vex2::lab {
 
 namespace {
 
@@ -142,4 +142,4 @@ ordered_json RecordsJson(CFile& file, const Document::Plate& plate) {
   return list.Finish();
 }
 
-}  // namespace vex2::tool
+}  // namespace vex2::lab

@@ -1,8 +1,7 @@
-#include "tools/vex/show/OverviewJson.h"
+#include "lab/exchange/DocumentJson.h"
+#include "lab/exchange/Json.h"
 
-#include "tools/vex/text/Json.h"
-
-namespace vex2::tool {
+namespace vex2::lab {
 
 namespace {
 
@@ -96,4 +95,4 @@ ordered_json ToJson(const DocumentOverview& overview) {
   return info;
 }
 
-}  // namespace vex2::tool
+}  // namespace vex2::lab

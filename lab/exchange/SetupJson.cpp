@@ -1,15 +1,13 @@
-#include "tools/vex/show/SetupInfo.h"
-
 #include <cmath>
 
+#include "lab/Text.h"
+#include "lab/exchange/DocumentJson.h"
+#include "lab/exchange/Json.h"
 #include "lab/exchange/WellsFile.h"
 #include "lab/model/DetectorFields.h"
 #include "lab/model/PlateContents.h"
-#include "tools/vex/Lab.h"
-#include "tools/vex/text/Json.h"
-#include "tools/vex/text/Text.h"
 
-namespace vex2::tool {
+namespace vex2::lab {
 
 using nlohmann::ordered_json;
 
@@ -52,4 +50,29 @@ ordered_json DescribeDetectors(const Vex2FileManager& plate) {
   return list;
 }
 
-}  // namespace vex2::tool
+ordered_json DescribeDyes(const Vex2FileManager& plate) {
+  ordered_json list = ordered_json::array();
+  for (const std::string& dye : RequiredDyesOf(plate)) list.push_back(ToUtf8(dye));
+  return list;
+}
+
+ordered_json DescribePlates(const std::vector<Document::Plate>& plates, bool all,
+                            const std::function<ordered_json(const Vex2FileManager&)>& describe) {
+  if (!all) return describe(*plates.front().content);
+  ordered_json result = ordered_json::object();
+  ordered_json list = ordered_json::array();
+  for (const Document::Plate& plate : plates) {
+    ordered_json entry;
+    if (plate.isEmbedded) entry["plate"] = ToUtf8(plate.name);
+    entry.update(describe(*plate.content));
+    if (plate.isEmbedded) {
+      list.push_back(std::move(entry));
+    } else {
+      result.update(entry);
+    }
+  }
+  result["plates"] = std::move(list);
+  return result;
+}
+
+}  // namespace vex2::lab

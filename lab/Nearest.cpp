@@ -1,10 +1,10 @@
-#include "tools/vex/text/Nearest.h"
+#include "lab/Nearest.h"
 
 #include <algorithm>
 #include <cctype>
 #include <vector>
 
-namespace vex2::tool {
+namespace vex2::lab {
 
 namespace {
 
@@ -74,4 +74,4 @@ std::string DidYouMean(std::string_view word, std::span<const std::string> names
   return name ? "; did you mean '" + *name + "'?" : "";
 }
 
-}  // namespace vex2::tool
+}  // namespace vex2::lab

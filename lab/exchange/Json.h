@@ -12,11 +12,11 @@
 extern template class nlohmann::basic_json<>;
 extern template class nlohmann::basic_json<nlohmann::ordered_map>;
 
-namespace vex2::tool {
+namespace vex2::lab {
 
 /// The value as JSON, null for none. A number in floating point is the shortest decimal number that
 /// stands for it, not the longer one of 64 bits.
-nlohmann::ordered_json ToJson(const lab::Value& value);
+nlohmann::ordered_json ToJson(const Value& value);
 
 /// The value, or null where there is none.
 template <typename Content>
@@ -30,4 +30,4 @@ nlohmann::ordered_json NumberJson(std::string_view text);
 /// The text of a JSON value: a text itself, nothing for null, a number in its shortest form.
 std::string JsonText(const nlohmann::ordered_json& value);
 
-}  // namespace vex2::tool
+}  // namespace vex2::lab

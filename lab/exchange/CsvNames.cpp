@@ -1,0 +1,66 @@
+#include <algorithm>
+#include <cctype>
+
+#include "lab/Error.h"
+#include "lab/exchange/CsvReader.h"
+
+namespace vex2::lab {
+
+namespace {
+
+bool isSameName(std::string_view one, std::string_view other) {
+  return std::equal(one.begin(), one.end(), other.begin(), other.end(), [](char a, char b) {
+    return std::tolower(static_cast<unsigned char>(a)) ==
+           std::tolower(static_cast<unsigned char>(b));
+  });
+}
+
+// What the file is said to call one column cannot be another, too: the other would be read from it.
+void requireDistinct(const std::vector<std::string_view>& columns, const CsvNames& names,
+                     const std::string& option) {
+  const auto refuse = [&](const std::string& name, std::string_view one, std::string_view other) {
+    throw Error(ErrorCode::kUsage, option + ": " + Quoted(name) + " cannot be both " +
+                                       std::string(one) + " and " + std::string(other));
+  };
+  for (auto given = names.begin(); given != names.end(); ++given) {
+    for (auto other = names.begin(); other != given; ++other) {
+      if (other->second == given->second) refuse(given->second, other->first, given->first);
+    }
+    for (const std::string_view column : columns) {
+      if (names.contains(column) || !isSameName(column, given->second)) continue;
+      refuse(given->second, column, given->first);
+    }
+  }
+}
+
+}  // namespace
+
+CsvNames ParseColumnNames(std::string_view names, const std::vector<std::string_view>& columns,
+                          const std::string& option) {
+  CsvNames result;
+  while (!names.empty()) {
+    const std::string_view pair = names.substr(0, names.find(','));
+    names.remove_prefix(std::min(names.size(), pair.size() + 1));
+    const std::size_t equals = pair.find('=');
+    const std::string_view column = pair.substr(0, equals);
+    const auto isIt = [&](std::string_view known) { return known == column; };
+    if (std::none_of(columns.begin(), columns.end(), isIt)) {
+      std::string known;
+      for (const std::string_view each : columns)
+        known.append(known.empty() ? "" : ", ").append(each);
+      throw Error(ErrorCode::kUsage, option + ": " + Quoted(column) +
+                                         " is no column of this file; its columns are " + known);
+    }
+    if (equals == std::string_view::npos || equals + 1 == pair.size()) {
+      throw Error(ErrorCode::kUsage, option + ": " + Quoted(pair) + " gives no name; write " +
+                                         std::string(column) + "=NAME");
+    }
+    if (!result.emplace(column, pair.substr(equals + 1)).second) {
+      throw Error(ErrorCode::kUsage, option + ": " + Quoted(column) + " is named twice");
+    }
+  }
+  requireDistinct(columns, result, option);
+  return result;
+}
+
+}  // namespace vex2::lab
