@@ -1,0 +1,20 @@
+#pragma once
+
+#include <pybind11/pybind11.h>
+
+/// The parts of the compiled module; each source defines one.
+namespace vex2::python {
+
+/// The exceptions, and a host that prints nothing.
+void BindErrors(pybind11::module_& module);
+void BindReader(pybind11::module_& module);
+void BindRecords(pybind11::module_& module);
+void BindChecks(pybind11::module_& module);
+void BindEditor(pybind11::module_& module);
+void BindRecorder(pybind11::module_& module);
+/// The classes of the raw interface that callers fill, in the module's part `raw`.
+void BindRawValues(pybind11::module_& module);
+/// The document of the raw interface, whose operations keep their own names.
+void BindRawManager(pybind11::module_& module);
+
+}  // namespace vex2::python

@@ -1,0 +1,15 @@
+#include "python/src/Bindings.h"
+
+PYBIND11_MODULE(_vex2, module) {
+  module.doc() = "The compiled part of vex2: import vex2 instead.";
+  module.attr("__version__") = VEX2_VERSION;
+  vex2::python::BindErrors(module);
+  vex2::python::BindReader(module);
+  vex2::python::BindRecords(module);
+  vex2::python::BindChecks(module);
+  vex2::python::BindEditor(module);
+  vex2::python::BindRecorder(module);
+  auto raw = module.def_submodule("raw", "The raw interface: import vex2.raw instead.");
+  vex2::python::BindRawValues(raw);
+  vex2::python::BindRawManager(raw);
+}

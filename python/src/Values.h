@@ -1,0 +1,84 @@
+#pragma once
+
+#include <pybind11/numpy.h>
+#include <pybind11/pybind11.h>
+
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "lab/model/Calibration.h"
+#include "lab/model/Readings.h"
+#include "lab/model/Run.h"
+#include "lab/model/Value.h"
+
+/// The values of lab/ as Python knows them: the named tuples of vex2/_values.py, made and read.
+namespace vex2::python {
+
+namespace py = pybind11;
+
+/// A call of the class `name` in vex2/_values.py.
+template <typename... Arguments>
+py::object Make(const char* name, Arguments&&... arguments) {
+  return py::module_::import("vex2._values").attr(name)(std::forward<Arguments>(arguments)...);
+}
+
+/// A text of a document, UTF-8 except where a file is damaged.
+py::str Text(std::string_view utf8);
+/// A path as the system has it.
+py::str PathText(const std::string& path);
+/// Each character stands for one byte.
+py::str Latin1(std::string_view bytes);
+
+/// None for nothing.
+template <typename Content>
+py::object OrNone(const std::optional<Content>& content) {
+  return content ? py::cast(*content) : py::none();
+}
+
+/// A tuple of what `convert` makes of each item.
+template <typename Items, typename Convert>
+py::tuple TupleOf(const Items& items, const Convert& convert) {
+  py::tuple tuple(std::size(items));
+  std::size_t index = 0;
+  for (const auto& item : items) tuple[index++] = convert(item);
+  return tuple;
+}
+
+/// What `convert` makes of each item of a Python iterable.
+template <typename Convert>
+auto VectorOf(const py::handle& items, const Convert& convert) {
+  std::vector<decltype(convert(py::object()))> values;
+  for (const py::handle item : py::iter(items)) {
+    values.push_back(convert(py::reinterpret_borrow<py::object>(item)));
+  }
+  return values;
+}
+
+/// A NumPy array of its own of these numbers.
+template <typename Number>
+py::array_t<Number> ArrayOf(std::span<const Number> numbers) {
+  return py::array_t<Number>(static_cast<py::ssize_t>(numbers.size()), numbers.data());
+}
+
+py::object FromValue(const lab::Value& value);
+lab::Value ToValue(const py::handle& value);
+
+py::object FromWell(const lab::Well& well);
+lab::Well ToWell(const py::handle& well);
+py::object FromPlate(const lab::Plate& plate);
+py::object FromDetector(const lab::Detector& detector);
+lab::Detector ToDetector(const py::handle& detector);
+py::object FromCalibration(const lab::Calibration& calibration);
+lab::Calibration ToCalibration(const py::handle& calibration);
+py::object FromProgram(const std::optional<lab::Program>& program);
+py::object FromBlock(const lab::BlockInfo& block);
+/// (stage, cycle, time_s, temperature_c), each None where it is not known.
+py::tuple FromPosition(const lab::FramePosition& position);
+/// (stages, cycles, times, temperatures) as arrays: 0 no stage, 1 amplification, 2 melting.
+py::tuple FromAxis(const std::vector<lab::FramePosition>& axis);
+
+}  // namespace vex2::python

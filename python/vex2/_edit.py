@@ -1,0 +1,287 @@
+"""Changing a document in place."""
+
+from __future__ import annotations
+
+import os
+from collections.abc import Mapping, MutableMapping
+from typing import TYPE_CHECKING, Any, Dict, Iterable, Iterator, Optional, Tuple, Union
+
+from . import _vex2
+from ._errors import usage
+from ._values import Calibration, Detector, Plate
+from ._wells import wells_of
+
+if TYPE_CHECKING:
+    import pandas as pd
+
+SettingValue = Union[int, float, str]
+
+
+class Settings(MutableMapping[str, SettingValue]):
+    """The run-wide settings of a document that is edited, under the names of `vex set --help`.
+
+    Setting one changes the document at once, and the file when it is saved. Deleting one empties a
+    text; numbers cannot be taken away.
+
+    >>> with vex2.edit("run.vex") as doc:
+    ...     doc.settings["comment"] = "second dilution series"
+    """
+
+    def __init__(self, editor: PlateEditor) -> None:
+        self._editor = editor
+
+    def __getitem__(self, name: str) -> SettingValue:
+        value: Optional[SettingValue] = self._editor._core().setting(name)
+        if value is None:
+            raise usage(f"the document does not say '{name}'", code="no-such-value")
+        return value
+
+    def __setitem__(self, name: str, value: SettingValue) -> None:
+        self._editor._core().set_setting(name, value)
+
+    def __delitem__(self, name: str) -> None:
+        self._editor._core().set_setting(name, None)
+
+    def __iter__(self) -> Iterator[str]:
+        core = self._editor._core()
+        return (name for name in _vex2.setting_names() if core.setting(name) is not None)
+
+    def __len__(self) -> int:
+        return sum(1 for _ in self)
+
+    def __repr__(self) -> str:
+        return f"Settings({dict(self)})"
+
+
+class PlateEditor:
+    """What a document says of its plate, or a study of one plate, to be changed.
+
+    What is handed out is written back when the document is saved: a table of wells that was changed
+    in place counts as well as one that was assigned.
+    """
+
+    def __init__(self, name: str, core: Any, plate: Plate) -> None:
+        self._name = name
+        self._editor: Optional[Any] = core
+        self._size = plate.rows, plate.columns
+        self._wells: Optional[Any] = None
+
+    def _core(self) -> Any:
+        if self._editor is None:
+            raise usage("cannot be changed: the editor is closed; open it again", self._name)
+        return self._editor
+
+    @property
+    def plate(self) -> Plate:
+        """The wells of the plate setup as they will be saved, without pandas.
+
+        >>> with vex2.edit("run.vex") as doc:
+        ...     doc.plate["A1"].sample
+        'control'
+        """
+        rows, columns = self._size
+        self._put_wells()
+        return Plate(rows, columns, self._core().wells())
+
+    @property
+    def wells(self) -> pd.DataFrame:
+        """The plate setup as a DataFrame, with the columns of `Run.wells`.
+
+        Assign a table with at least the column `well`, a sequence of `Well`, or change the table
+        in place. Wells that are left out become empty.
+
+        Raises:
+            UsageError: when assigned or saved, for what is no plate setup.
+
+        >>> with vex2.edit("run.vex") as doc:
+        ...     doc.wells.loc[doc.wells.well == "A1", "sample"] = "control"
+        """
+        if self._wells is None or not hasattr(self._wells, "columns"):
+            self._wells = self.plate.to_frame()
+        return self._wells
+
+    @wells.setter
+    def wells(self, table: Any) -> None:
+        rows, columns = self._size
+        self._core().set_wells(wells_of(table, rows, columns))
+        self._wells = None
+
+    def _put_wells(self) -> None:
+        if self._wells is not None:
+            rows, columns = self._size
+            self._core().set_wells(wells_of(self._wells, rows, columns))
+
+    @property
+    def detectors(self) -> Tuple[Detector, ...]:
+        """The detectors; assign a sequence of `Detector`, or a table with its fields as columns.
+
+        >>> with vex2.edit("run.vex") as doc:
+        ...     doc.detectors = [doc.detectors[0]._replace(comment="checked")]
+        """
+        detectors: Tuple[Detector, ...] = self._core().detectors()
+        return detectors
+
+    @detectors.setter
+    def detectors(self, detectors: Any) -> None:
+        self._core().set_detectors(detectors_of(detectors))
+
+    @property
+    def required_dyes(self) -> Tuple[str, ...]:
+        """The names of the dyes that the run requires; assign a sequence of names.
+
+        >>> with vex2.edit("run.vex") as doc:
+        ...     doc.required_dyes = ["FAM"]
+        """
+        dyes: Tuple[str, ...] = self._core().required_dyes()
+        return dyes
+
+    @required_dyes.setter
+    def required_dyes(self, dyes: Iterable[str]) -> None:
+        self._core().set_required_dyes(list(dyes))
+
+    @property
+    def calibration(self) -> Calibration:
+        """The calibration; a part can be replaced, but not taken away.
+
+        >>> with vex2.edit("run.vex") as doc:
+        ...     doc.calibration.pure_dyes is None
+        True
+        """
+        calibration: Calibration = self._core().calibration()
+        return calibration
+
+    @calibration.setter
+    def calibration(self, calibration: Calibration) -> None:
+        self._core().set_calibration(calibration)
+
+    @property
+    def settings(self) -> Settings:
+        """The run-wide settings.
+
+        >>> with vex2.edit("run.vex") as doc:
+        ...     doc.settings["sample-volume"] = 25
+        """
+        return Settings(self)
+
+    @settings.setter
+    def settings(self, settings: Mapping[str, SettingValue]) -> None:
+        for name, value in settings.items():
+            self._core().set_setting(name, value)
+
+    @property
+    def status(self) -> str:
+        """How far the run has come; assign four characters, such as "DONE".
+
+        >>> with vex2.edit("run.vex") as doc:
+        ...     doc.status
+        'DONE'
+        """
+        return str(self._core().status())
+
+    @status.setter
+    def status(self, code: str) -> None:
+        self._core().set_status(code)
+
+    def __repr__(self) -> str:
+        state = " (closed)" if self._editor is None else ""
+        return f"<vex2.{type(self).__name__} {self._name}{state}>"
+
+
+class Editor(PlateEditor):
+    """A document that is changed in place: see `edit`."""
+
+    def __init__(self, path: Any, upgrade_blocks: bool, drop_unknown: bool) -> None:
+        file = os.fsencode(path)
+        self._document: Optional[_vex2.Editor] = _vex2.Editor(file, upgrade_blocks, drop_unknown)
+        self._plates: Dict[str, PlateEditor] = {}
+        self._reader = _vex2.Reader(file)
+        super().__init__(os.fsdecode(path), self._document.itself(), self._reader.plate_setup())
+
+    @property
+    def plates(self) -> Mapping[str, PlateEditor]:
+        """The plates of a study, by name; none of another document.
+
+        >>> with vex2.edit("study.vex") as study:
+        ...     study.plates["plate1"].settings["comment"] = "the first"
+        """
+        self._core()
+        assert self._document is not None
+        for name in self._document.plate_names():
+            if name not in self._plates:
+                plate = self._reader.plate(name).plate_setup()
+                self._plates[name] = PlateEditor(self._name, self._document.plate(name), plate)
+        return self._plates
+
+    def save(self) -> None:
+        """Saves what was changed; it is on the disk when this returns.
+
+        The document is saved as a whole or not at all. The editor keeps the changes when it fails.
+
+        Raises:
+            UsageError: a value cannot be stored.
+            DocumentError: another program has changed the file since it was read.
+            FileError: the system refuses.
+
+        >>> doc = vex2.edit("run.vex")
+        >>> doc.settings["comment"] = "a sample run"
+        >>> doc.save()
+        >>> doc.close()
+        """
+        self._core()
+        assert self._document is not None
+        for editor in (self, *self._plates.values()):
+            editor._put_wells()
+        self._document.save()
+
+    def close(self) -> None:
+        """Drops what was not saved, and lets others change the document.
+
+        >>> vex2.edit("run.vex").close()
+        """
+        for editor in (self, *self._plates.values()):
+            editor._editor = None
+        self._plates = {}
+        self._document = None
+
+    def __enter__(self) -> Editor:
+        return self
+
+    def __exit__(self, kind: Optional[type], *failure: object) -> None:
+        try:
+            if kind is None and self._editor is not None:
+                self.save()
+        finally:
+            self.close()
+
+
+def detectors_of(given: Any) -> Tuple[Detector, ...]:
+    """Detectors from `Detector`s, or from a table with their fields as columns."""
+    if not hasattr(given, "to_dict"):
+        return tuple(given)
+    records = given.to_dict("records")
+    return tuple(Detector(**{str(name): row[name] for name in row}) for row in records)
+
+
+def edit(
+    path: Union[str, os.PathLike[str]], *, upgrade_blocks: bool = False, drop_unknown: bool = False
+) -> Editor:
+    """Opens a document to change it in place. At the end of the `with` block it is saved as a
+    whole, or, after an exception, not at all.
+
+    While the editor is open, no recorder, other editor or command can change the document.
+
+    Args:
+        path: the document.
+        upgrade_blocks: data blocks of version 1, which do not read back, become version 2.
+        drop_unknown: records that cannot be kept may be lost.
+
+    Raises:
+        DocumentError: the file is no document, was not read whole, or would lose what is in it.
+        FileError: the document is being recorded or changed, or the system refuses.
+
+    >>> with vex2.edit("run.vex") as doc:
+    ...     table = doc.wells
+    ...     table.loc[table["sample"] == "standard", "task"] = "STND"
+    ...     doc.wells = table
+    """
+    return Editor(path, upgrade_blocks, drop_unknown)

@@ -1,0 +1,196 @@
+"""The exceptions of vex2."""
+
+from __future__ import annotations
+
+from typing import Any, Callable, Optional, Tuple, Type
+
+from . import _vex2
+
+# What the command would end with, by class of error: document, usage, system, interrupted.
+_STATUSES = (1, 2, 3, 130)
+_CLASSES = {name: _STATUSES[of] for name, of, _ in _vex2.error_kinds()}
+
+
+class Error(Exception):
+    """An operation failed; `str(error)` is one sentence that names the file.
+
+    Every exception that vex2 raises by itself is one of this family.
+
+    >>> try:
+    ...     vex2.open("missing.vex")
+    ... except vex2.Error as error:
+    ...     print(error.code, error.status, error.file, error.offset)
+    no-such-file 2 missing.vex None
+
+    Attributes:
+        code: the stable name of what went wrong, as `vex --json` prints it.
+        status: what the command would exit with: 1 a problem in a document, 2 a problem in the
+            call, 3 the system refused, 130 cancelled. From the raw interface its negative status.
+        file: the file as it was given; None for an error about the call as a whole.
+        offset: bytes from the start of the file; None where none applies.
+        errno: the number of the system's error; None where the system refused nothing.
+        message: what is wrong, without the file.
+    """
+
+    code: str
+    status: int
+    file: Optional[str]
+    offset: Optional[int]
+    message: str
+    errno: Any
+
+    def __init__(
+        self,
+        message: str,
+        *,
+        code: str = "usage",
+        status: Optional[int] = None,
+        file: Optional[str] = None,
+        offset: Optional[int] = None,
+        errno: Optional[int] = None,
+        text: Optional[str] = None,
+    ) -> None:
+        super().__init__(message)
+        self.message = message
+        self.code = code
+        self.status = _CLASSES[code] if status is None else status
+        self.file = file or None
+        self.offset = offset
+        self.errno = errno or None
+        self._text = text or (f"{file}: {message}" if file else message)
+
+    def __str__(self) -> str:
+        return self._text
+
+    def __reduce__(self) -> Tuple[Callable[..., Error], Tuple[Any, ...]]:
+        fields = (self.message, self.code, self.status, self.file, self.offset, self.errno)
+        return _again, (type(self), *fields, self._text)
+
+
+class DocumentError(Error):
+    """A document is damaged, is none, or does not hold what was asked for.
+
+    >>> try:
+    ...     vex2.open(b"no document")
+    ... except vex2.DocumentError as error:
+    ...     print(error.status)
+    1
+    """
+
+
+class UsageError(Error, ValueError):
+    """The call is wrong: an argument, or the state of what it was called on.
+
+    >>> run = vex2.open("run.vex")
+    >>> run.close()
+    >>> try:
+    ...     run.readings
+    ... except vex2.UsageError as error:
+    ...     print(error)
+    run.vex: cannot read the readings: the run is closed; open it again
+    """
+
+
+class NotFoundError(UsageError, KeyError, IndexError):
+    """There is no plate, frame, well or value of this name or index.
+
+    >>> try:
+    ...     vex2.read_frame("run.vex", 99)
+    ... except IndexError as error:
+    ...     print(error.code)
+    no-such-frame
+    """
+
+
+class FileError(Error, OSError):
+    """The system refused: disk, memory or a lock; or the path leads nowhere.
+
+    >>> issubclass(vex2.MissingFileError, vex2.FileError)
+    True
+    """
+
+
+class MissingFileError(FileError, FileNotFoundError):
+    """There is no such file.
+
+    >>> try:
+    ...     vex2.open("missing.vex")
+    ... except FileNotFoundError as error:
+    ...     print(error)
+    missing.vex: No such file or directory
+    """
+
+
+class FileThereError(FileError, FileExistsError):
+    """The file exists, and nothing said to replace it.
+
+    >>> try:
+    ...     vex2.record("run.vex", 96, resume=False)
+    ... except FileExistsError as error:
+    ...     print(error.code)
+    exists
+    """
+
+
+class AccessError(FileError, PermissionError):
+    """The system does not permit it.
+
+    >>> issubclass(vex2.AccessError, PermissionError)
+    True
+    """
+
+
+class CancelledError(Error):
+    """The caller ended the work; nothing was changed.
+
+    >>> try:
+    ...     vex2.recover("run.vex", "copy.vex", progress=lambda done, size: False)
+    ... except vex2.CancelledError as error:
+    ...     print(error.status)
+    130
+    """
+
+
+_BY_CODE = {
+    "no-such-file": MissingFileError,
+    "exists": FileThereError,
+    "no-permission": AccessError,
+    "no-such-plate": NotFoundError,
+    "no-such-frame": NotFoundError,
+    "no-such-well": NotFoundError,
+    "no-such-value": NotFoundError,
+}
+_BY_STATUS = dict(zip(_STATUSES, (DocumentError, UsageError, FileError, CancelledError)))
+
+
+def _class_of(code: str) -> Type[Error]:
+    return _BY_CODE.get(code) or _BY_STATUS[_CLASSES[code]]
+
+
+def _make(
+    code: str, file: str, message: str, text: str, offset: Optional[int], errno: int
+) -> Error:
+    """The exception for an error of the compiled part, which calls this."""
+    return _class_of(code)(
+        message, code=code, file=file, offset=offset, errno=errno, text=text
+    )
+
+
+def _again(
+    kind: Type[Error],
+    message: str,
+    code: str,
+    status: int,
+    file: Optional[str],
+    offset: Optional[int],
+    errno: Optional[int],
+    text: str,
+) -> Error:
+    return kind(
+        message, code=code, status=status, file=file, offset=offset, errno=errno, text=text
+    )
+
+
+def usage(what: str, file: Optional[str] = None, code: str = "usage") -> Error:
+    """The error for a call that is wrong."""
+    return _class_of(code)(what, code=code, file=file)
