@@ -65,6 +65,7 @@ std::unique_ptr<Command> MakeCalibrationCommand();
 std::unique_ptr<Command> MakeFrameCommand();
 std::unique_ptr<Command> MakeSpectrumCommand();
 std::unique_ptr<Command> MakeExportCommand();
+std::unique_ptr<Command> MakeReportCommand();
 std::unique_ptr<Command> MakeCopyCommand();
 std::unique_ptr<Command> MakeRecoverCommand();
 std::unique_ptr<Command> MakeStatusCommand();

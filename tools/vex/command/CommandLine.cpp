@@ -24,9 +24,9 @@ std::vector<std::unique_ptr<Command>> MakeCommands() {
        {MakeRecordCommand,      MakeSimulateCommand, MakeInfoCommand,      MakeTreeCommand,
         MakeGetCommand,         MakeWellsCommand,    MakeDetectorsCommand, MakeDyesCommand,
         MakeCalibrationCommand, MakeFrameCommand,    MakeSpectrumCommand,  MakeExportCommand,
-        MakeCopyCommand,        MakeStatusCommand,   MakeSetCommand,       MakeStudyCommand,
-        MakeCheckCommand,       MakeRepairCommand,   MakeRecoverCommand,   MakeHelpCommand,
-        MakeVersionCommand}) {
+        MakeReportCommand,      MakeCopyCommand,     MakeStatusCommand,    MakeSetCommand,
+        MakeStudyCommand,       MakeCheckCommand,    MakeRepairCommand,    MakeRecoverCommand,
+        MakeHelpCommand,        MakeVersionCommand}) {
     commands.push_back(make());
   }
   return commands;

@@ -65,6 +65,13 @@ constexpr std::array kProse = {
           "fluorescence; with several dyes a channel is added. Only the person or program that "
           "recorded a run knows what its stored values mean, so a run that vex did not record is "
           "exported only with --raw."},
+    Prose{"vex report",
+          "The page is one file that needs no network: the plate, the amplification and melting "
+          "curves, the standard curve, the calibration spectra, a table of the wells, the "
+          "settings, what the MIQE guidelines ask for, the records and the findings of the check. "
+          "Plate, curves and table show the same wells; the threshold can be dragged, and Cq "
+          "follows. Of a study the page has the plates side by side, as it has those of several "
+          "documents."},
     Prose{"vex copy",
           "Reads the document and writes it anew, so the copy has no uncommitted bytes and "
           "correct lengths. With --plate, saves one plate of a study as a document of its own."},

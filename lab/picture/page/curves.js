@@ -1,0 +1,108 @@
+'use strict';
+// The charts of amplification and melting, and their controls.
+(() => {
+  const {h} = Vex;
+
+  // Two or three buttons of which one is chosen.
+  function choice(key, label, options) {
+    const name = `choice-${key}`;
+    return h('fieldset', {class: 'choice'}, h('legend', {class: 'hidden'}, label),
+      options.map(([value, text]) => h('label', {},
+        h('input', {type: 'radio', name, value, checked: Vex.state[key] === value,
+          onchange: () => Vex.set({[key]: value})}), h('span', {}, text))));
+  }
+
+  function detectorField() {
+    const {detectors} = Vex.model;
+    if (detectors.length < 2) return null;
+    const select = h('select', {id: 'detector', onchange: () => Vex.set({detector: select.value})},
+      h('option', {value: ''}, 'all'), detectors.map(name => h('option', {value: name}, name)));
+    select.value = Vex.state.detector;
+    return h('label', {class: 'field'}, 'Detector ', select);
+  }
+
+  function channelField() {
+    const unknown = Vex.model.plates.filter(plate => !plate.readings.known);
+    const channels = unknown.map(plate => plate.readings.channels)
+      .reduce((most, each) => (each.length > most.length ? each : most), []);
+    if (channels.length < 2) return null;
+    const select = h('select', {onchange: () => Vex.set({channel: Number(select.value)})},
+      channels.map((name, i) => h('option', {value: i}, name)));
+    select.value = Vex.state.channel;
+    return h('label', {class: 'field'}, 'Stored ', select);
+  }
+
+  function controls() {
+    const hasResults = Vex.model.traces.some(trace => trace.result && trace.result.line);
+    if (!hasResults && Vex.state.values !== 'raw') Vex.state.values = 'raw';
+    const reset = h('button', {type: 'button', id: 'reset-thresholds', class: 'tool',
+      onclick: () => Vex.set({thresholds: new Map()})}, 'Reset thresholds');
+    const place = Vex.byId('amplification-controls');
+    place.replaceChildren();
+    for (const part of [detectorField(), channelField(),
+      choice('scale', 'Axis', [['linear', 'Linear'], ['log', 'Log']]),
+      hasResults ? choice('values', 'Readings', [['corrected', 'Corrected'], ['raw', 'Raw']]) : null, reset]) {
+      if (part) place.append(part);
+    }
+    reset.hidden = Vex.state.thresholds.size === 0;
+  }
+
+  // The logarithm of a reading at or below zero does not exist.
+  const forLog = values => Array.from(values, value => (value > 0 ? value : null));
+
+  function amplificationLines() {
+    const {state, model} = Vex;
+    return model.traces.filter(trace => trace.isMeasured && Vex.isShown(trace)).map(trace => {
+      const values = state.values === 'corrected' ? Vex.corrected(trace) : trace.raw;
+      if (!values) return {trace, x: [], y: null};
+      return {trace, x: trace.plate.cycles.x, y: state.scale === 'log' ? forLog(values) : values};
+    });
+  }
+
+  const meltTraces = () => Vex.model.traces.filter(trace =>
+    trace.isMeasured && trace.plate.melt.x.length > 0 && Vex.isShown(trace));
+
+  function hint(chart) {
+    const words = [];
+    if (chart.all > chart.shown.length) {
+      words.push(`${chart.shown.length.toLocaleString('en')} of ${Vex.counted(chart.all, 'curve')} are drawn; pick wells to see theirs.`);
+    }
+    const outside = Vex.model.plates.reduce((sum, plate) => sum + plate.readings.wellsLeftOut, 0);
+    if (outside) words.push(`The readings of ${Vex.counted(outside, 'well')} are too many for a page.`);
+    if (chart.shown.length) words.push('Drag to zoom, double-click to see all, click a curve to pick its well.');
+    Vex.byId('amplification-hint').textContent = words.join(' ');
+  }
+
+  Vex.startCurves = () => {
+    // Before the charts are told: what they draw depends on it.
+    Vex.on('model', () => {
+      controls();
+      Vex.byId('melting').hidden = Vex.model.plates.every(plate => plate.melt.x.length === 0);
+    });
+    const isKnown = () => Vex.model.plates.some(plate => plate.readings.known);
+    const amplification = Vex.amplification = new Vex.Chart({
+      place: Vex.byId('amplification-chart'), label: 'Amplification curves',
+      xLabel: () => (isKnown() ? 'cycle' : 'frame'),
+      yLabel: () => (!isKnown() ? 'stored value'
+        : Vex.state.values === 'corrected' ? 'fluorescence above baseline' : 'fluorescence'),
+      xTip: x => `${isKnown() ? 'cycle' : 'frame'} ${x}`,
+      lines: amplificationLines, log: () => Vex.state.scale === 'log',
+      onDraw: chart => { Vex.placeThreshold(chart); hint(chart); },
+    });
+    amplification.emptyText = 'There are no amplification readings.';
+    const temperature = {xLabel: () => 'temperature, °C', xTip: x => `${Vex.fixed(x, 1)} °C`};
+    new Vex.Chart({
+      ...temperature, place: Vex.byId('melting-chart'), label: 'Melting curves', yLabel: () => 'fluorescence',
+      lines: () => meltTraces().map(trace => ({trace, x: trace.plate.melt.x, y: trace.melt})),
+    });
+    new Vex.Chart({
+      ...temperature, place: Vex.byId('derivative-chart'), label: 'Derivative of the melting curves',
+      yLabel: () => '−dF/dT, per °C',
+      lines: () => meltTraces().filter(trace => trace.derivative)
+        .map(trace => ({trace, x: trace.meltX, y: trace.derivative})),
+    });
+    Vex.on('thresholds', () => {
+      Vex.byId('reset-thresholds').hidden = Vex.state.thresholds.size === 0;
+    });
+  };
+})();

@@ -1,0 +1,158 @@
+'use strict';
+// Puts the page together, and shows new data of the same documents: `vexReport.update(data)`.
+(() => {
+  const {h, byId} = Vex;
+  const kThemes = {auto: 'Theme: system', light: 'Theme: light', dark: 'Theme: dark'};
+  const kStates = {ZERO: 'not started', PROG: 'in progress', DONE: 'complete'};
+
+  function title(model) {
+    const names = model.documents.map(each => each.data.name);
+    const text = names.length > 2 ? `${names[0]} and ${names.length - 1} more` : names.join(' and ') || 'Run report';
+    byId('title').textContent = text;
+    document.title = `${text} - run report`;
+  }
+
+  function chip(text, kind) { return h('span', {class: `chip ${kind || ''}`}, text); }
+
+  function summary(model) {
+    const chips = [];
+    if (model.plates.length > 1) chips.push(chip(Vex.counted(model.plates.length, 'plate')));
+    if (model.plates.length) {
+      const {data} = model.plates[0];
+      const states = [...new Set(model.plates.map(plate => plate.data.status.trim()))];
+      chips.push(chip(states.map(state => kStates[state] || state).join(', '),
+        states.join() === 'DONE' ? 'good' : states.includes('PROG') ? 'busy' : ''));
+      chips.push(chip(`${data.rows * data.columns} wells`));
+      chips.push(chip(Vex.counted(model.plates.reduce((most, plate) => Math.max(most, plate.readings.frames), 0), 'frame')));
+    }
+    for (const {data} of model.documents) {
+      if (data.error) chips.push(chip(`${data.name}: not read`, 'bad'));
+      if (!data.findings) continue;
+      const {errors, warnings} = data.findings;
+      const text = errors ? Vex.counted(errors, 'error') : warnings ? Vex.counted(warnings, 'warning') : 'no errors';
+      chips.push(chip(`check: ${text}`, errors ? 'bad' : warnings ? 'busy' : 'good'));
+    }
+    byId('summary').replaceChildren(...chips);
+  }
+
+  function messages(model) {
+    const list = [];
+    for (const {data, plates} of model.documents) {
+      if (data.error) list.push(h('p', {class: 'message bad'}, data.error));
+      for (const fault of (data.faults || []).slice(0, 5)) {
+        list.push(h('p', {class: 'message bad'}, `${data.name} is shown in part. Byte ${fault.offset}: ${fault.what}`));
+      }
+      for (const plate of plates) list.push(...plateMessages(plate));
+      if (data.analysisError) list.push(h('p', {class: 'message'}, `${data.name} has no Cq: ${data.analysisError}`));
+    }
+    if (model.documents.length === 0) list.push(h('p', {class: 'message bad'}, 'The report has no documents.'));
+    byId('messages').replaceChildren(...list);
+  }
+
+  function plateMessages(plate) {
+    const words = [];
+    if (plate.readings.frames === 0) words.push('has no frames yet, so there are no curves');
+    else if (!plate.readings.known) words.push('was not recorded by this program, so the page shows the stored values, whose meaning it does not know');
+    if (plate.data.wells.length === 0) words.push('has no plate setup: samples and detectors are not known');
+    return words.map(text => h('p', {class: 'message'}, `${plate.name} ${text}.`));
+  }
+
+  function sections() {
+    const shown = [...document.querySelectorAll('main section')].filter(section => !section.hidden);
+    byId('sections').replaceChildren(...shown.map(section =>
+      h('li', {}, h('a', {href: `#${section.id}`}, section.querySelector('h2').textContent))));
+  }
+
+  function colourField(model) {
+    const select = byId('colour-by');
+    const modes = Vex.colourModes(model);
+    if (!modes.some(mode => mode.name === Vex.state.colourBy)) {
+      const best = model.detectors.length > 1 ? 'detector' : 'sample';
+      Vex.state.colourBy = (modes.find(mode => mode.name === best) || modes[0] || {name: 'detector'}).name;
+    }
+    select.replaceChildren(...modes.map(mode => h('option', {value: mode.name}, mode.label)));
+    select.value = Vex.state.colourBy;
+    select.disabled = modes.length === 0;
+  }
+
+  function thresholdsOf(model) {
+    const thresholds = new Map();
+    for (const {data} of model.documents) {
+      for (const each of data.detectorResults || []) {
+        if (each.threshold !== undefined && !thresholds.has(each.name)) thresholds.set(each.name, each.threshold);
+      }
+    }
+    return thresholds;
+  }
+
+  // Shows the data. What the reader has chosen stays, as far as the data still have it.
+  function update(data) {
+    if (data.version !== 1) {
+      byId('messages').replaceChildren(h('p', {class: 'message bad'},
+        `The page is for data of version 1, and these have version ${data.version}.`));
+      return;
+    }
+    const model = Vex.model = Vex.decode(data);
+    model.thresholds = thresholdsOf(model);
+    const {state} = Vex;
+    state.picked = new Set([...state.picked].filter(key => model.byKey.has(key)));
+    if (!model.detectors.includes(state.detector)) state.detector = '';
+    if (state.plate >= model.plates.length) state.plate = -1;
+    colourField(model);
+    byId('plate-title').textContent = model.plates.length > 1 ? 'Plates' : 'Plate';
+    title(model);
+    summary(model);
+    messages(model);
+    for (const id of ['plate', 'amplification', 'wells']) byId(id).hidden = model.plates.length === 0;
+    Vex.tell('model');
+    sections();
+    byId('footer').textContent = ['Report', data.program && `by ${data.program}`, data.made && `made ${data.made}`,
+      'curves drawn by uPlot (MIT licence)'].filter(Boolean).join(' · ');
+  }
+
+  function applyTheme() {
+    const theme = Vex.isPrinting ? 'light' : Vex.state.theme;
+    document.documentElement.dataset.theme = theme;
+    byId('theme').textContent = kThemes[Vex.state.theme];
+  }
+
+  function startTheme() {
+    byId('theme').addEventListener('click', () => {
+      const order = ['auto', 'light', 'dark'];
+      Vex.set({theme: order[(order.indexOf(Vex.state.theme) + 1) % 3]});
+    });
+    // The charts read the colours when they are told, so the theme is applied before.
+    Vex.on('theme', applyTheme);
+    matchMedia('(prefers-color-scheme: dark)').addEventListener('change', () => Vex.tell('theme'));
+    const print = isPrinting => () => {
+      Vex.isPrinting = isPrinting;
+      Vex.tell('theme');
+    };
+    addEventListener('beforeprint', print(true));
+    addEventListener('afterprint', print(false));
+    byId('print').addEventListener('click', () => window.print());
+  }
+
+  // A server of the page sends the data of a run that goes on.
+  function listen(path) {
+    if (!path) return;
+    const live = byId('live');
+    const tell = (text, kind) => { live.hidden = false; live.textContent = text; live.className = `chip ${kind}`; };
+    const source = new EventSource(path);
+    source.onopen = () => tell('live', 'good');
+    source.onmessage = event => { tell('live', 'good'); update(JSON.parse(event.data)); };
+    source.onerror = () => tell('connection lost, trying again', 'bad');
+  }
+
+  startTheme();
+  applyTheme();
+  Vex.startPlates();
+  Vex.startCurves();
+  Vex.startStandard();
+  Vex.startTable();
+  Vex.startDetails();
+  byId('colour-by').addEventListener('change', event => Vex.set({colourBy: event.target.value}));
+  update(JSON.parse(byId('data').textContent));
+  listen(JSON.parse(byId('events').textContent));
+  window.vexReport = {update};
+})();
