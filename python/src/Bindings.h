@@ -12,9 +12,7 @@ void BindRecords(pybind11::module_& module);
 void BindChecks(pybind11::module_& module);
 void BindEditor(pybind11::module_& module);
 void BindRecorder(pybind11::module_& module);
-/// The classes of the raw interface that callers fill, in the module's part `raw`.
-void BindRawValues(pybind11::module_& module);
 /// The document of the raw interface, whose operations keep their own names.
-void BindRawManager(pybind11::module_& module);
+void BindRaw(pybind11::module_& module);
 
 }  // namespace vex2::python

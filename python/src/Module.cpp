@@ -9,7 +9,5 @@ PYBIND11_MODULE(_vex2, module) {
   vex2::python::BindChecks(module);
   vex2::python::BindEditor(module);
   vex2::python::BindRecorder(module);
-  auto raw = module.def_submodule("raw", "The raw interface: import vex2.raw instead.");
-  vex2::python::BindRawValues(raw);
-  vex2::python::BindRawManager(raw);
+  vex2::python::BindRaw(module);
 }

@@ -11,6 +11,8 @@ Wells are numbered from 1, by rows of the plate, and named as on it: "A1". Frame
 Temperatures are degrees Celsius, times are seconds since the run began.
 """
 
+from typing import TYPE_CHECKING, Any
+
 from ._block import Axis, Block, Curves, Frame, Frames
 from ._checks import check, recover, repair
 from ._edit import Editor, PlateEditor, Settings, edit
@@ -49,6 +51,19 @@ from ._values import (
     Target,
     Well,
 )
+
+
+if TYPE_CHECKING:
+    from . import raw as raw
+
+
+def __getattr__(name: str) -> Any:
+    """The module `raw`, which few programs need, when it is first asked for."""
+    if name == "raw":
+        import importlib
+
+        return importlib.import_module("vex2.raw")
+    raise AttributeError(f"module 'vex2' has no attribute {name!r}")
 
 
 __all__ = [

@@ -139,7 +139,11 @@ class Frames(Sequence[Frame]):
     def __getitem__(self, index: Union[int, slice]) -> Union[Frame, List[Frame]]:
         if isinstance(index, slice):
             return [self._block._frame(each) for each in range(*index.indices(len(self)))]
-        return self._block._frame(index + len(self) if index < 0 else index)
+        at = index + len(self) if index < 0 else index
+        if at < 0:
+            count = f"the block {self._block.info.tag} has {len(self)} frames"
+            raise usage(f"it has no frame {index}; {count}", code="no-such-frame")
+        return self._block._frame(at)
 
     def __iter__(self) -> Iterator[Frame]:
         return (self._block._frame(index) for index in range(len(self)))

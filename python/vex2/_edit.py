@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import os
+import threading
 from collections.abc import Mapping, MutableMapping
 from typing import TYPE_CHECKING, Any, Dict, Iterable, Iterator, Optional, Tuple, Union
 
@@ -31,20 +32,20 @@ class Settings(MutableMapping[str, SettingValue]):
         self._editor = editor
 
     def __getitem__(self, name: str) -> SettingValue:
-        value: Optional[SettingValue] = self._editor._core().setting(name)
+        value: Optional[SettingValue] = self._editor._call("setting", name)
         if value is None:
             raise usage(f"the document does not say '{name}'", code="no-such-value")
         return value
 
     def __setitem__(self, name: str, value: SettingValue) -> None:
-        self._editor._core().set_setting(name, value)
+        self._editor._call("set_setting", name, value)
 
     def __delitem__(self, name: str) -> None:
-        self._editor._core().set_setting(name, None)
+        self._editor._call("set_setting", name, None)
 
     def __iter__(self) -> Iterator[str]:
-        core = self._editor._core()
-        return (name for name in _vex2.setting_names() if core.setting(name) is not None)
+        names = _vex2.setting_names()
+        return iter([name for name in names if self._editor._call("setting", name) is not None])
 
     def __len__(self) -> int:
         return sum(1 for _ in self)
@@ -60,16 +61,19 @@ class PlateEditor:
     in place counts as well as one that was assigned.
     """
 
-    def __init__(self, name: str, core: Any, plate: Plate) -> None:
+    def __init__(self, name: str, core: Any, plate: Plate, lock: Any) -> None:
         self._name = name
+        self._lock = lock
         self._editor: Optional[Any] = core
         self._size = plate.rows, plate.columns
         self._wells: Optional[Any] = None
 
-    def _core(self) -> Any:
-        if self._editor is None:
-            raise usage("cannot be changed: the editor is closed; open it again", self._name)
-        return self._editor
+    def _call(self, operation: str, *arguments: Any) -> Any:
+        # Saving lets other threads run, so each operation has the document to itself.
+        with self._lock:
+            if self._editor is None:
+                raise usage("cannot be changed: the editor is closed; open it again", self._name)
+            return getattr(self._editor, operation)(*arguments)
 
     @property
     def plate(self) -> Plate:
@@ -81,7 +85,7 @@ class PlateEditor:
         """
         rows, columns = self._size
         self._put_wells()
-        return Plate(rows, columns, self._core().wells())
+        return Plate(rows, columns, self._call("wells"))
 
     @property
     def wells(self) -> pd.DataFrame:
@@ -103,13 +107,13 @@ class PlateEditor:
     @wells.setter
     def wells(self, table: Any) -> None:
         rows, columns = self._size
-        self._core().set_wells(wells_of(table, rows, columns))
+        self._call("set_wells", wells_of(table, rows, columns))
         self._wells = None
 
     def _put_wells(self) -> None:
         if self._wells is not None:
             rows, columns = self._size
-            self._core().set_wells(wells_of(self._wells, rows, columns))
+            self._call("set_wells", wells_of(self._wells, rows, columns))
 
     @property
     def detectors(self) -> Tuple[Detector, ...]:
@@ -118,12 +122,12 @@ class PlateEditor:
         >>> with vex2.edit("run.vex") as doc:
         ...     doc.detectors = [doc.detectors[0]._replace(comment="checked")]
         """
-        detectors: Tuple[Detector, ...] = self._core().detectors()
+        detectors: Tuple[Detector, ...] = self._call("detectors")
         return detectors
 
     @detectors.setter
     def detectors(self, detectors: Any) -> None:
-        self._core().set_detectors(detectors_of(detectors))
+        self._call("set_detectors", detectors_of(detectors))
 
     @property
     def required_dyes(self) -> Tuple[str, ...]:
@@ -132,12 +136,12 @@ class PlateEditor:
         >>> with vex2.edit("run.vex") as doc:
         ...     doc.required_dyes = ["FAM"]
         """
-        dyes: Tuple[str, ...] = self._core().required_dyes()
+        dyes: Tuple[str, ...] = self._call("required_dyes")
         return dyes
 
     @required_dyes.setter
     def required_dyes(self, dyes: Iterable[str]) -> None:
-        self._core().set_required_dyes(list(dyes))
+        self._call("set_required_dyes", list(dyes))
 
     @property
     def calibration(self) -> Calibration:
@@ -147,12 +151,12 @@ class PlateEditor:
         ...     doc.calibration.pure_dyes is None
         True
         """
-        calibration: Calibration = self._core().calibration()
+        calibration: Calibration = self._call("calibration")
         return calibration
 
     @calibration.setter
     def calibration(self, calibration: Calibration) -> None:
-        self._core().set_calibration(calibration)
+        self._call("set_calibration", calibration)
 
     @property
     def settings(self) -> Settings:
@@ -166,7 +170,7 @@ class PlateEditor:
     @settings.setter
     def settings(self, settings: Mapping[str, SettingValue]) -> None:
         for name, value in settings.items():
-            self._core().set_setting(name, value)
+            self._call("set_setting", name, value)
 
     @property
     def status(self) -> str:
@@ -176,11 +180,11 @@ class PlateEditor:
         ...     doc.status
         'DONE'
         """
-        return str(self._core().status())
+        return str(self._call("status"))
 
     @status.setter
     def status(self, code: str) -> None:
-        self._core().set_status(code)
+        self._call("set_status", code)
 
     def __repr__(self) -> str:
         state = " (closed)" if self._editor is None else ""
@@ -195,7 +199,8 @@ class Editor(PlateEditor):
         self._document: Optional[_vex2.Editor] = _vex2.Editor(file, upgrade_blocks, drop_unknown)
         self._plates: Dict[str, PlateEditor] = {}
         self._reader = _vex2.Reader(file)
-        super().__init__(os.fsdecode(path), self._document.itself(), self._reader.plate_setup())
+        plate = self._reader.plate_setup()
+        super().__init__(os.fsdecode(path), self._document.itself(), plate, threading.RLock())
 
     @property
     def plates(self) -> Mapping[str, PlateEditor]:
@@ -204,12 +209,13 @@ class Editor(PlateEditor):
         >>> with vex2.edit("study.vex") as study:
         ...     study.plates["plate1"].settings["comment"] = "the first"
         """
-        self._core()
+        self._call("status")
         assert self._document is not None
         for name in self._document.plate_names():
             if name not in self._plates:
                 plate = self._reader.plate(name).plate_setup()
-                self._plates[name] = PlateEditor(self._name, self._document.plate(name), plate)
+                editor = self._document.plate(name)
+                self._plates[name] = PlateEditor(self._name, editor, plate, self._lock)
         return self._plates
 
     def save(self) -> None:
@@ -227,21 +233,23 @@ class Editor(PlateEditor):
         >>> doc.save()
         >>> doc.close()
         """
-        self._core()
-        assert self._document is not None
         for editor in (self, *self._plates.values()):
             editor._put_wells()
-        self._document.save()
+        with self._lock:
+            self._call("status")
+            assert self._document is not None
+            self._document.save()
 
     def close(self) -> None:
         """Drops what was not saved, and lets others change the document.
 
         >>> vex2.edit("run.vex").close()
         """
-        for editor in (self, *self._plates.values()):
-            editor._editor = None
-        self._plates = {}
-        self._document = None
+        with self._lock:
+            for editor in (self, *self._plates.values()):
+                editor._editor = None
+            self._plates = {}
+            self._document = None
 
     def __enter__(self) -> Editor:
         return self

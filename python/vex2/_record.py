@@ -4,6 +4,7 @@ from __future__ import annotations
 
 import os
 import tempfile
+import threading
 from typing import TYPE_CHECKING, Any, Dict, Iterable, List, Mapping, Optional, Sequence, Tuple
 from typing import Union
 
@@ -31,14 +32,17 @@ class Recorder:
 
     def __init__(self, path: Any, plan: Dict[str, Any], resume: bool, replace: bool) -> None:
         self._path = os.fsdecode(path)
+        self._lock = threading.Lock()
         self._is_measured = plan["scale"] is not None
         self._channels = max(len(plan["channels"]), 1)
         self._recorder: Optional[Any] = _vex2.Recorder(os.fsencode(path), plan, resume, replace)
 
-    def _core(self) -> Any:
-        if self._recorder is None:
-            raise usage("cannot be recorded: the recorder is closed", self._path)
-        return self._recorder
+    def _call(self, operation: str, *arguments: Any) -> Any:
+        # Operations let other threads run while they write, so each has the recorder to itself.
+        with self._lock:
+            if self._recorder is None:
+                raise usage("cannot be recorded: the recorder is closed", self._path)
+            return getattr(self._recorder, operation)(*arguments)
 
     @property
     def recorded_frames(self) -> int:
@@ -49,7 +53,7 @@ class Recorder:
         ...     rec.recorded_frames
         0
         """
-        return int(self._core().recorded_frames())
+        return int(self._call("recorded_frames"))
 
     @property
     def frame_count(self) -> int:
@@ -59,7 +63,7 @@ class Recorder:
         ...     rec.frame_count
         0
         """
-        return int(self._core().frame_count())
+        return int(self._call("frame_count"))
 
     @property
     def is_finished(self) -> bool:
@@ -68,7 +72,7 @@ class Recorder:
         >>> vex2.record("new.vex", 96, wells=["A1"]).is_finished
         False
         """
-        return bool(self._core().is_finished())
+        return bool(self._call("is_finished"))
 
     @property
     def wells(self) -> NDArray[np.uint16]:
@@ -77,7 +81,7 @@ class Recorder:
         >>> vex2.record("new.vex", 96, wells=["A1", "B1"]).wells.tolist()
         [1, 13]
         """
-        wells: NDArray[np.uint16] = self._core().wells()
+        wells: NDArray[np.uint16] = self._call("wells")
         return wells
 
     def append(
@@ -112,13 +116,12 @@ class Recorder:
         >>> with vex2.record("new.vex", 96, wells=["A1", "A2"], scale=1000) as rec:
         ...     rec.append([1.5, 1.25], cycle=1, time_s=30.0, temperature_c=60.0)
         """
-        core = self._core()
-        wells = len(core.wells())
+        wells = len(self.wells)
         if not self._is_measured:
             if isinstance(frame, Frame):
                 leading = frame.leading
             readings = frame.readings if isinstance(frame, Frame) else frame
-            core.append_raw(_leading(leading, wells), _stored(readings, wells))
+            self._call("append_raw", _leading(leading, wells), _stored(readings, wells))
             return
         if isinstance(frame, Frame):
             stage, cycle, time_s = frame.stage, frame.cycle, frame.time_s
@@ -129,7 +132,8 @@ class Recorder:
             raise usage("a frame in real units needs cycle, time_s and temperature_c", self._path)
         values = _measured(frame, wells, self._channels)
         times, temperatures = _each(time_s, wells), _each(temperature_c, wells)
-        core.append_measured(stage in _MELTING, cycle, times, temperatures, values)
+        where = (stage in _MELTING, cycle, times, temperatures)
+        self._call("append_measured", *where, values)
 
     def finish(self) -> None:
         """Ends the run: writes the end time and the status "DONE". Nothing for a finished run.
@@ -143,14 +147,15 @@ class Recorder:
         >>> rec.is_finished
         True
         """
-        self._core().finish()
+        self._call("finish")
 
     def close(self) -> None:
         """Releases the document. A run that is not finished can be resumed.
 
         >>> vex2.record("new.vex", 96, wells=["A1"]).close()
         """
-        self._recorder = None
+        with self._lock:
+            self._recorder = None
 
     def __enter__(self) -> Recorder:
         return self
@@ -328,7 +333,9 @@ def _frames_of(table: pd.DataFrame, channels: List[str]) -> Iterable[Tuple[Any, 
     if cells is None:
         cells = table.groupby([*keys, "well"]).size()
     if (cells > 1).any():
-        raise usage(f"the table has several readings of {cells.idxmax()}", code="invalid-value")
+        stage, cycle, well = cells.idxmax()[:3]
+        what = f"the table has several readings of well {well} in {stage} cycle {cycle}"
+        raise usage(what, code="invalid-value")
     order = table.groupby(keys, sort=False)["time_s"].min()
     parts = dict(iter(table.groupby(keys, sort=False)))
     ranked = sorted(order.items(), key=lambda item: (item[0][0] in _MELTING, item[0][1]))

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <memory>
+
+#include "python/src/raw/RawValues.h"
+#include "vex2/manager/Vex2FileManagerComponent.h"
+
+namespace vex2::python {
+
+/// The map of analysis settings that a host added for the document itself, which stays the host's.
+struct HostMap {
+  HostMap() = default;
+  HostMap(const HostMap& /*other*/) {}
+  HostMap& operator=(const HostMap& /*other*/) { return *this; }
+  /// Destroys the settings that the document left in the map.
+  ~HostMap();
+
+  std::unique_ptr<CAnalysisSettingsMap> map;
+};
+
+/// The document of the raw interface as Python holds it. Its map of settings outlives it.
+class Manager final : private HostMap, public Vex2FileManager {
+ public:
+  Manager() = default;
+  explicit Manager(const Vex2FileManager& other) : Vex2FileManager(other) {}
+
+  /// Uses copies of the settings as those of a plate; destroys what this replaces.
+  void AddSettings(const char* plate, std::unique_ptr<CAnalysisSettingsMap> added);
+};
+
+using ManagerClass = py::class_<Manager>;
+
+// The parts of the class, each in a source of its own.
+void BindLife(ManagerClass& manager);
+void BindHeader(ManagerClass& manager);
+void BindContents(ManagerClass& manager);
+void BindReadings(ManagerClass& manager);
+void BindStudy(ManagerClass& manager);
+void BindAnalysis(ManagerClass& manager);
+
+}  // namespace vex2::python

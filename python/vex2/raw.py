@@ -1,0 +1,381 @@
+"""The raw interface: `Vex2FileManager` with the operations of the C++ class, under their own names.
+
+It is for those who port host code, and for tests against it; `vex2.open`, `vex2.record` and
+`vex2.edit` are easier and safer. An operation does what the C++ reference says. In Python:
+
+- Statuses are returned as they are: 0, or below 0. `require` makes an exception of one.
+- What C++ sets through a parameter is returned behind the status: `GetCalibrator()` is
+  `(status, name)`, `GetUsageArray()` is `(done, usage)`.
+- Values go in and out as copies: the classes of this module, bytes for a program and for times, and
+  uint16 arrays for records (44,) and frames (wells, 44). Components and plates of a study are
+  copies as well, so that nothing ends with the document's next change.
+- Texts are str, each character one byte. None is C++'s null pointer.
+- Where C++ has an operation both for a `CString` and for a `const char*` plate name, a str chooses
+  the first, bytes the second.
+- `ReadHeaderData(header, file)` is `ReadHeaderDataInto(file)`, and the static `SetUsageArray`
+  is `SetUsageArrayIn`.
+
+A manager holds the interpreter's lock while it works, so threads cannot harm it.
+
+>>> manager = vex2.raw.Vex2FileManager()
+>>> manager.ReadFromFile("run.vex"), manager.GetDataFrameCount(vex2.raw.DataRAWa)
+(0, 45)
+"""
+
+from __future__ import annotations
+
+from dataclasses import dataclass, field
+from enum import IntEnum
+from typing import Dict, List, Optional, Tuple
+
+from ._errors import DocumentError, Error, FileError
+from ._vex2 import Vex2FileManager
+
+
+class Vex2DataType(IntEnum):
+    """Selects a data block."""
+
+    DataRAWa = 34
+    DataREPr = 42
+    DataREPn = 43
+    DataREPd = 44
+    DataREPt = 45
+
+
+DataRAWa = Vex2DataType.DataRAWa
+DataREPr = Vex2DataType.DataREPr
+DataREPn = Vex2DataType.DataREPn
+DataREPd = Vex2DataType.DataREPd
+DataREPt = Vex2DataType.DataREPt
+
+
+class FileOperation(IntEnum):
+    """An operation on a file."""
+
+    kNone = 0
+    kOpen = 1
+    kLock = 2
+    kCreate = 3
+    kRead = 4
+    kSeek = 5
+    kWrite = 6
+    kResize = 7
+    kSync = 8
+    kRename = 9
+
+
+class FileErrorReason(IntEnum):
+    """Why an operation on a file failed."""
+
+    kNone = 0
+    kSystem = 1
+    kLocked = 2
+    kNotADocument = 3
+    kNotOpen = 4
+    kNoPath = 5
+    kNoMemory = 6
+    kFailedSyncBefore = 7
+
+
+@dataclass
+class ReadFault:
+    """The first thing that kept a document from being read whole; the reason "" is none."""
+
+    offset: int
+    reason: str
+
+
+@dataclass
+class FileErrorRecord:
+    """Why and where an operation on a file failed."""
+
+    path: str
+    operation: FileOperation
+    reason: FileErrorReason
+    systemError: int
+    offset: int
+
+    def __post_init__(self) -> None:
+        self.operation = FileOperation(self.operation)
+        self.reason = FileErrorReason(self.reason)
+
+
+@dataclass
+class Vex2HeaderData:
+    """The record at the start of every document. Texts are padded with blanks when stored."""
+
+    magic: str = "Vex2"
+    formatA: int = 2
+    formatB: int = 2
+    assayCode: str = "AbsQ"
+    runCode: str = "RtRn"
+    plateTypeCode: str = "p9C "
+    rows: int = 8
+    columns: int = 12
+    thermocycleOffset: int = 0
+    flagG: int = 0
+    text: str = " " * 31
+    kindMarker: str = "Kest"
+    acquisitionStatus: str = "ZERO"
+    acquisitionDataOffset: int = 0
+    usage: List[int] = field(default_factory=lambda: [4095] * 8)
+
+
+@dataclass
+class Vex2GlobalComplex:
+    """The run-wide settings; texts are bytes without a terminator."""
+
+    version: int = 512
+    comment: bytes = b""
+    sampleVolume: int = 0
+    passiveReference: bytes = b""
+    unitCode: int = 1
+    ftrd: int = 0
+    drks: int = 0
+    preFlag: int = 0
+    postFlag: int = 0
+    log: bytes = b""
+
+
+@dataclass
+class Vex2WellDetector:
+    """One detector in one well."""
+
+    detectorName: str = ""
+    task: str = ""
+    quantity: float = 0.0
+    used: bool = True
+
+
+@dataclass
+class Vex2WellSetup:
+    """The setup of one well. A document gives no description back."""
+
+    coord1: int = 0
+    coord2: int = 0
+    flag: bool = True
+    name: str = ""
+    description: str = ""
+    detectors: List[Vex2WellDetector] = field(default_factory=list)
+
+
+@dataclass
+class Vex2Detector:
+    """A detector: a name, dyes, a colour, and the initial settings of an analysis."""
+
+    name: str = ""
+    reporterDye: str = ""
+    quencherDye: str = ""
+    description: str = ""
+    comment: str = ""
+    owner: str = ""
+    location: str = ""
+    color: bytes = b"\0\0\0"
+    dateCreated: int = 0
+    dateModified: int = 0
+    baselineStart: int = 6
+    baselineEnd: int = 15
+    threshold: float = 0.2
+    analysisFlags: int = 0
+    autoBaseline: int = 0
+    autoThreshold: int = 0
+
+
+@dataclass
+class Vex2DyeSpectrum:
+    """The spectrum of one pure dye; values are numbers of 32 bits, stored unchanged."""
+
+    key1: int = 0
+    key2: int = 0
+    dyeIndex: int = 0
+    name: str = ""
+    values: List[int] = field(default_factory=list)
+    byte1: int = 0
+    byte2: int = 0
+    param1: int = 0
+    param2: int = 0
+    param3: int = 0
+
+
+@dataclass
+class Vex2BackgroundSpectrum:
+    """One spectrum of the background; values are numbers of 32 bits, stored unchanged."""
+
+    key1: int = 0
+    key2: int = 0
+    dyeIndex: int = 0
+    name: str = ""
+    values: List[int] = field(default_factory=list)
+    limit: int = 189
+
+
+@dataclass
+class Vex2PureDye:
+    """The spectra of the pure dyes that an instrument was calibrated with."""
+
+    code: bytes = b"\0\0\0\0"
+    setting: int = 10
+    option: int = 0
+    value: int = 0
+    extra1: bytes = b"\0\0\0\0"
+    extra2: bytes = b"\0\0\0\0"
+    entries: List[Vex2DyeSpectrum] = field(default_factory=list)
+
+
+@dataclass
+class Vex2BGC:
+    """The background of an instrument."""
+
+    code: bytes = b"\0\0\0\0"
+    setting: int = 10
+    option: int = 0
+    value: int = 0
+    extra1: bytes = b"\0\0\0\0"
+    extra2: bytes = b"\0\0\0\0"
+    entries: List[Vex2BackgroundSpectrum] = field(default_factory=list)
+
+
+@dataclass
+class Vex2DyeInfo:
+    """One dye in a list of dyes."""
+
+    name: str
+    index: int
+    values: List[int]
+
+
+@dataclass
+class KestorSpectrum:
+    """The readings of one well in one frame; `LoadSpectrum` fills as many values as there are."""
+
+    values: List[int] = field(default_factory=lambda: [0] * 32)
+    frameIndex: int = 0
+    well: int = 0
+    failed: int = 0
+    wellValue: int = 0
+
+
+@dataclass
+class CAnalysisParameters:
+    """The parameters of the analysis of a detector."""
+
+    parameter1: int = 6
+    parameter2: int = 15
+    parameter3: float = 0.2
+    parameter4: int = 0
+    parameter5: int = 0
+    parameter6: int = 0
+
+
+@dataclass
+class CAnalysisSettings:
+    """The analysis settings of one detector, and its threshold cycles as (well, ct)."""
+
+    settingsWord: int = 0
+    parameters: CAnalysisParameters = field(default_factory=CAnalysisParameters)
+    ctList: List[Tuple[int, float]] = field(default_factory=list)
+    queryFlag: int = 0
+
+
+@dataclass
+class CAnalysisSettingsDetectorMap:
+    """The analysis settings of a plate, by detector."""
+
+    map: Optional[Dict[str, CAnalysisSettings]]
+    ownsMap: bool
+    text: str
+
+
+@dataclass
+class TAGPROBE:
+    """A detector's name and parameters, as an analysis application passes them."""
+
+    name: str
+    parameters: CAnalysisParameters = field(default_factory=CAnalysisParameters)
+
+
+@dataclass
+class Component:
+    """A component as it was when it was asked for; `size` is its length and 8."""
+
+    tag: str
+    length: int
+    size: int
+    text: str
+    isPlateSetup: bool
+    isThermocycle: bool
+    className: str
+
+
+NO_CT = -999.1
+"""What `GetCtAt` returns where there is no threshold cycle, in the precision of the document."""
+
+
+_WHY = (
+    "the document does not allow it",
+    "the system refused",
+    "another program or manager holds the file's lock",
+    "the file is not a plate document",
+    "no file is open",
+    "there is no path",
+    "memory ran out",
+    "an earlier sync of this file failed",
+)
+
+
+def require(manager: Vex2FileManager, status: int) -> None:
+    """Nothing for a status from 0; else an exception with the status, and with file, offset and
+    system error where the manager knows them.
+
+    >>> manager = vex2.raw.Vex2FileManager()
+    >>> try:
+    ...     vex2.raw.require(manager, manager.ReadFromFile("missing.vex"))
+    ... except vex2.FileError as error:
+    ...     print(error.status, error.file, error.errno)
+    -100 missing.vex 2
+    """
+    if status >= 0:
+        return
+    error = manager.GetLastFileError()
+    offset = error.offset or None
+    file = error.path or manager.GetFilePath()
+    what = f"failed with status {status}: {_WHY[error.reason]}"
+    kind = FileError if error.reason == FileErrorReason.kSystem else DocumentError
+    code = "system" if kind is FileError else "document"
+    raised: Error = kind(
+        what, code=code, status=status, file=file, offset=offset, errno=error.systemError
+    )
+    raise raised
+
+
+__all__ = [
+    "CAnalysisParameters",
+    "CAnalysisSettings",
+    "CAnalysisSettingsDetectorMap",
+    "Component",
+    "DataRAWa",
+    "DataREPd",
+    "DataREPn",
+    "DataREPr",
+    "DataREPt",
+    "FileErrorReason",
+    "FileErrorRecord",
+    "FileOperation",
+    "KestorSpectrum",
+    "NO_CT",
+    "ReadFault",
+    "TAGPROBE",
+    "Vex2BGC",
+    "Vex2BackgroundSpectrum",
+    "Vex2DataType",
+    "Vex2Detector",
+    "Vex2DyeInfo",
+    "Vex2DyeSpectrum",
+    "Vex2FileManager",
+    "Vex2GlobalComplex",
+    "Vex2HeaderData",
+    "Vex2PureDye",
+    "Vex2WellDetector",
+    "Vex2WellSetup",
+    "require",
+]
