@@ -11,6 +11,7 @@
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/HelpText.h"
 #include "tools/vex/command/Misuse.h"
+#include "tools/vex/command/PlotCommand.h"
 #include "tools/vex/command/ScreenOptions.h"
 #include "tools/vex/command/VersionText.h"
 #include "tools/vex/files/Output.h"
@@ -24,9 +25,9 @@ std::vector<std::unique_ptr<Command>> MakeCommands() {
        {MakeRecordCommand,      MakeSimulateCommand, MakeInfoCommand,      MakeTreeCommand,
         MakeGetCommand,         MakeWellsCommand,    MakeDetectorsCommand, MakeDyesCommand,
         MakeCalibrationCommand, MakeFrameCommand,    MakeSpectrumCommand,  MakeExportCommand,
-        MakeReportCommand,      MakeCopyCommand,     MakeStatusCommand,    MakeSetCommand,
-        MakeStudyCommand,       MakeCheckCommand,    MakeRepairCommand,    MakeRecoverCommand,
-        MakeHelpCommand,        MakeVersionCommand}) {
+        MakePlotCommand,        MakeReportCommand,   MakeCopyCommand,      MakeStatusCommand,
+        MakeSetCommand,         MakeStudyCommand,    MakeCheckCommand,     MakeRepairCommand,
+        MakeRecoverCommand,     MakeHelpCommand,     MakeVersionCommand}) {
     commands.push_back(make());
   }
   return commands;

@@ -65,6 +65,11 @@ constexpr std::array kProse = {
           "fluorescence; with several dyes a channel is added. Only the person or program that "
           "recorded a run knows what its stored values mean, so a run that vex did not record is "
           "exported only with --raw."},
+    Prose{"vex plot",
+          "Without -o, draws in the terminal, with dots of Braille or, where only ASCII can be "
+          "shown, with letters. With -o, writes SVG, PNG or PDF by the name of the file. Curves "
+          "of amplification are corrected for the baseline; those of melting are the negative "
+          "derivative. A threshold is drawn where all wells that are shown have the same one."},
     Prose{"vex report",
           "The page is one file that needs no network: the plate, the amplification and melting "
           "curves, the standard curve, the calibration spectra, a table of the wells, the "
