@@ -9,6 +9,8 @@ namespace vex2::python {
 void BindErrors(pybind11::module_& module);
 void BindReader(pybind11::module_& module);
 void BindRecords(pybind11::module_& module);
+/// Quantification cycles, standard curves and melting peaks.
+void BindAnalysis(pybind11::module_& module);
 void BindChecks(pybind11::module_& module);
 void BindEditor(pybind11::module_& module);
 void BindRecorder(pybind11::module_& module);

@@ -6,6 +6,7 @@ PYBIND11_MODULE(_vex2, module) {
   vex2::python::BindErrors(module);
   vex2::python::BindReader(module);
   vex2::python::BindRecords(module);
+  vex2::python::BindAnalysis(module);
   vex2::python::BindChecks(module);
   vex2::python::BindEditor(module);
   vex2::python::BindRecorder(module);

@@ -3,7 +3,6 @@
 import os
 import pathlib
 import shutil
-import subprocess
 
 import numpy
 import pytest
@@ -48,18 +47,27 @@ def record_sample(path: pathlib.Path, frames: int = 45) -> None:
             )
 
 
+def make_study(folder: pathlib.Path, names: list) -> None:
+    """A study of new plates with one frame each."""
+    study = vex2.raw.Vex2FileManager()
+    study.SetHeaderData(vex2.raw.Vex2HeaderData(assayCode="RQSt"))
+    assert study.InitMultiplate()
+    for name in names:
+        path = folder / f"{name}.vex"
+        with vex2.record(path, sample_plate(), scale=1000, assay="RelQ") as rec:
+            rec.append([1.5] * 96, cycle=1, time_s=1, temperature_c=60)
+        plate = vex2.raw.Vex2FileManager()
+        assert plate.ReadFromFile(path) == 0
+        assert study.AddRQPlate(plate, "Mar 05, 2003 02:07 PM")
+    assert study.SaveToFile(folder / "study.vex") == 0
+
+
 @pytest.fixture(scope="session")
 def samples(tmp_path_factory):
-    """A folder with run.vex and, where the command is there, study.vex with two plates."""
+    """A folder with run.vex, and study.vex with two plates."""
     folder = tmp_path_factory.mktemp("samples")
     record_sample(folder / "run.vex")
-    if COMMAND:
-        for name in ("plate1", "plate2"):
-            path = folder / f"{name}.vex"
-            with vex2.record(path, sample_plate(), scale=1000, assay="RelQ") as rec:
-                rec.append([1.5] * 96, cycle=1, time_s=1, temperature_c=60)
-        call = [COMMAND, "study", "new", "study.vex", "plate1.vex", "plate2.vex"]
-        subprocess.run(call, cwd=folder, check=True, capture_output=True)
+    make_study(folder, ["plate1", "plate2"])
     return folder
 
 

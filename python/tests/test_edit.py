@@ -1,6 +1,5 @@
 """Editing: as a whole or not at all."""
 
-import os
 import pathlib
 
 import pytest
@@ -110,8 +109,6 @@ def test_closed_editor_says_so(folder):
 
 
 def test_plates_of_a_study_are_edited(folder):
-    if not os.path.exists("study.vex"):
-        pytest.skip("a study is made by the vex command: set VEX2_COMMAND")
     with vex2.edit("study.vex") as study:
         study.plates["plate2"].wells.loc[0, "sample"] = "changed"
     plates = vex2.open("study.vex").plates

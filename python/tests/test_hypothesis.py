@@ -1,4 +1,4 @@
-"""Random documents: what is saved is read again, whatever it is; damage raises, and never crashes."""
+"""Random documents: what is saved is read again; damage raises, and never crashes."""
 
 import os
 import pathlib

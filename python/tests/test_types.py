@@ -42,6 +42,12 @@ def test_package_is_strictly_typed(tmp_path):
     assert found.returncode == 0, found.stdout + found.stderr
 
 
+def test_examples_are_strictly_typed(tmp_path):
+    examples = [str(path) for path in sorted((PYTHON / "examples").glob("*.py"))]
+    found = run("mypy", "--config-file", str(CONFIG), *examples, folder=tmp_path)
+    assert found.returncode == 0, found.stdout + found.stderr
+
+
 def test_stubs_match_compiled_module(tmp_path):
     # A stub cannot name the metaclass that pybind11 gives its classes.
     stub = pathlib.Path(vex2.__file__).with_name("_vex2.pyi").read_text()

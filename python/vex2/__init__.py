@@ -28,7 +28,8 @@ from ._errors import (
     UsageError,
 )
 from ._follow import Follow, follow
-from ._record import Recorder, from_frame, record
+from ._from_frame import from_frame
+from ._record import Recorder, record
 from ._run import Plates, Run, open, read_frame
 from ._vex2 import __version__
 from ._values import (

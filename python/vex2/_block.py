@@ -241,11 +241,12 @@ class Block:
         return Frame(*self._read("frame", "a frame", index, self.info.tag))
 
     def _all(self) -> Tuple[Any, Any]:
-        # The array belongs to what was read, so that both are kept or none.
-        if self._content is None:
-            content = self._read("readings", "the readings", self.info.tag)
-            self._content = (content, content.values())
-        return self._content
+        # Another thread may close the run meanwhile.
+        content = self._content
+        if content is None:
+            readings = self._read("readings", "the readings", self.info.tag)
+            content = self._content = (readings, readings.values())
+        return content
 
     @property
     def readings(self) -> NDArray[np.uint16]:
@@ -284,8 +285,9 @@ class Block:
         >>> vex2.open("run.vex").block("RAWa").axis.cycle.shape
         (45,)
         """
-        if self._content is not None:
-            return axis_of(self._content[0].axis())
+        content = self._content
+        if content is not None:
+            return axis_of(content[0].axis())
         return axis_of(self._read("axis", "the axis", self.info.tag))
 
     @property

@@ -3,10 +3,8 @@
 from __future__ import annotations
 
 import os
-import tempfile
 import threading
-from typing import TYPE_CHECKING, Any, Dict, Iterable, List, Mapping, Optional, Sequence, Tuple
-from typing import Union
+from typing import TYPE_CHECKING, Any, Dict, Iterable, Mapping, Optional, Sequence, Tuple, Union
 
 import numpy as np
 
@@ -14,7 +12,7 @@ from . import _vex2
 from ._block import Frame
 from ._edit import SettingValue, detectors_of
 from ._errors import usage
-from ._run import Run, open as open_run
+from ._run import Run
 from ._values import Calibration, Detector, Plate
 from ._wells import well_number, wells_of
 
@@ -23,8 +21,8 @@ if TYPE_CHECKING:
     from numpy.typing import ArrayLike, NDArray
 
 _SIZES = {96: (8, 12), 384: (16, 24)}
-_MELTING = ("melt", "melting")
-_STAGES = ("amplification", *_MELTING)
+MELTING = ("melt", "melting")
+_STAGES = ("amplification", *MELTING)
 
 
 class Recorder:
@@ -132,7 +130,7 @@ class Recorder:
             raise usage("a frame in real units needs cycle, time_s and temperature_c", self._path)
         values = _measured(frame, wells, self._channels)
         times, temperatures = _each(time_s, wells), _each(temperature_c, wells)
-        where = (stage in _MELTING, cycle, times, temperatures)
+        where = (stage in MELTING, cycle, times, temperatures)
         self._call("append_measured", *where, values)
 
     def finish(self) -> None:
@@ -215,7 +213,7 @@ def _each(value: ArrayLike, wells: int) -> NDArray[np.float64]:
     return np.ascontiguousarray(np.broadcast_to(numbers, (wells,)))
 
 
-def _plate_of(plate: Any) -> Plate:
+def plate_of(plate: Any) -> Plate:
     if isinstance(plate, Plate):
         return plate
     if isinstance(plate, Run):
@@ -303,7 +301,7 @@ def record(
     >>> vex2.open("water.vex").fluorescence[:, 0, 0].tolist()
     [0.5, 0.5, 0.5]
     """
-    setup = _plate_of(plate)
+    setup = plate_of(plate)
     size = setup.rows * setup.columns
     numbers = sorted(well_number(well, setup.rows, setup.columns) for well in wells)
     plan = {
@@ -322,100 +320,3 @@ def record(
         "frame_count": frame_count,
     }
     return Recorder(path, plan, resume and not replace, replace)
-
-
-def _frames_of(table: pd.DataFrame, channels: List[str]) -> Iterable[Tuple[Any, pd.DataFrame]]:
-    keys = ["stage", "cycle"]
-    for name in ("well", *keys, "time_s", "temperature_c", "fluorescence"):
-        if name not in table:
-            raise usage(f"the table has no column '{name}'", code="invalid-value")
-    cells = table.groupby([*keys, "well", "channel"]).size() if channels else None
-    if cells is None:
-        cells = table.groupby([*keys, "well"]).size()
-    if (cells > 1).any():
-        stage, cycle, well = cells.idxmax()[:3]
-        what = f"the table has several readings of well {well} in {stage} cycle {cycle}"
-        raise usage(what, code="invalid-value")
-    order = table.groupby(keys, sort=False)["time_s"].min()
-    parts = dict(iter(table.groupby(keys, sort=False)))
-    ranked = sorted(order.items(), key=lambda item: (item[0][0] in _MELTING, item[0][1]))
-    return ((key, parts[key]) for key, _ in ranked)
-
-
-def _plate_in(table: pd.DataFrame, plate: Any) -> Plate:
-    if plate is not None:
-        return _plate_of(plate)
-    columns = [name for name in ("well", "sample", "target") if name in table]
-    return _plate_of(table[columns].drop_duplicates())
-
-
-def _write(path: Any, table: pd.DataFrame, plate: Any, options: Dict[str, Any]) -> None:
-    channels = list(dict.fromkeys(table["channel"])) if "channel" in table else []
-    frames = list(_frames_of(table, channels))
-    if options.get("scale") is None:
-        readings = table["fluorescence"].dropna().to_list()
-        options["scale"], options["offset"] = _vex2.choose_scale(readings)
-    setup = _plate_in(table, plate)
-    names = list(dict.fromkeys(table["well"]))
-    with record(path, setup, wells=names, channels=channels, resume=False, **options) as rec:
-        wells = rec.wells
-        for (stage, cycle), part in frames:
-            if channels:
-                values = part.pivot(index="well", columns="channel", values="fluorescence")
-                values = values.reindex(columns=channels)
-                part = part.drop_duplicates("well")
-            else:
-                values = part.set_index("well")[["fluorescence"]]
-            by_number = {well_number(name, setup.rows, setup.columns): name for name in names}
-            order = [by_number[number] for number in wells]
-            each = part.set_index("well").reindex(order)
-            if each["time_s"].isna().any():
-                missing = each.index[each["time_s"].isna()][0]
-                raise usage(
-                    f"well {missing} has no row for {stage} cycle {cycle}", code="invalid-value"
-                )
-            rec.append(
-                values.reindex(order).to_numpy(),
-                stage=stage,
-                cycle=int(cycle),
-                time_s=each["time_s"].to_numpy(),
-                temperature_c=each["temperature_c"].to_numpy(),
-            )
-
-
-def from_frame(
-    table: pd.DataFrame,
-    path: Union[None, str, os.PathLike[str]] = None,
-    *,
-    plate: Union[None, Plate, int, pd.DataFrame] = None,
-    **options: Any,
-) -> Run:
-    """Makes a document of a long table, as `Run.tidy` returns it, and opens it.
-
-    The columns well, stage, cycle, time_s, temperature_c and fluorescence are needed; sample,
-    target and channel are used where they are there. Every well needs a row for each frame; a
-    reading that is missing is NaN.
-
-    Args:
-        table: the readings.
-        path: where to save the document; without it, the document is only in memory: see
-            `Run.to_bytes`.
-        plate: the plate setup, as `record` takes it; without it samples and targets of the table.
-        options: other arguments of `record`. Without a scale, the one that loses least is chosen.
-
-    Raises:
-        UsageError: the table is no run.
-        FileThereError: there is a file at `path`; use `replace=True` to overwrite it.
-
-    >>> run = vex2.from_frame(vex2.open("run.vex").tidy())
-    >>> run.readings.shape
-    (45, 96, 32)
-    """
-    if path is not None:
-        _write(path, table, plate, options)
-        return open_run(path)
-    with tempfile.TemporaryDirectory() as folder:
-        target = os.path.join(folder, "table.vex")
-        _write(target, table, plate, options)
-        with open_run(target) as run:
-            return open_run(run.to_bytes())

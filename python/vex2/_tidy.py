@@ -15,6 +15,18 @@ if TYPE_CHECKING:
     from ._values import Well
 
 
+COLUMNS = (
+    "well",
+    "stage",
+    "cycle",
+    "time_s",
+    "temperature_c",
+    "fluorescence",
+    "sample",
+    "target",
+)
+
+
 def target_of(well: Optional[Well], channel: str) -> Optional[str]:
     """What a channel of a well measures: the only target, or of several the one whose reporter or
     detector has the channel's name."""
@@ -81,7 +93,9 @@ def tidy_of(run: Run) -> pd.DataFrame:
         if run.is_study:
             table.insert(0, "plate", name)
         tables.append(table)
-    table = pandas.concat(tables, ignore_index=True) if tables else pandas.DataFrame()
+    if not tables:
+        return pandas.DataFrame(columns=["plate", *COLUMNS])
+    table = pandas.concat(tables, ignore_index=True)
     if (table["stage"] != "").all():
         del table["frame"]
     if not table["channel"].any():

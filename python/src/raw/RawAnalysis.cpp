@@ -177,7 +177,7 @@ void bindReporters(ManagerClass& manager) {
           py::arg("plateName"), py::arg("well"), py::arg("second"));
 }
 
-void bindResults(ManagerClass& manager) {
+void bindStorage(ManagerClass& manager) {
   manager.def("CreateAnalysisStorage", &Manager::CreateAnalysisStorage, py::arg("mode"))
       .def("SyncPlatesWithAnalysisStorageMap", &Manager::SyncPlatesWithAnalysisStorageMap)
       .def(
@@ -314,8 +314,8 @@ void Manager::AddSettings(const char* plate, std::unique_ptr<CAnalysisSettingsMa
   }
 }
 
-void BindAnalysis(ManagerClass& manager) {
-  bindResults(manager);
+void BindResults(ManagerClass& manager) {
+  bindStorage(manager);
   bindMulticomponents(manager);
   bindReporters(manager);
   bindSettings(manager);

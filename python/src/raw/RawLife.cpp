@@ -224,7 +224,7 @@ void BindRaw(py::module_& module) {
   BindContents(manager);
   BindReadings(manager);
   BindStudy(manager);
-  BindAnalysis(manager);
+  BindResults(manager);
 }
 
 }  // namespace vex2::python

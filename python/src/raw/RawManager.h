@@ -36,6 +36,6 @@ void BindHeader(ManagerClass& manager);
 void BindContents(ManagerClass& manager);
 void BindReadings(ManagerClass& manager);
 void BindStudy(ManagerClass& manager);
-void BindAnalysis(ManagerClass& manager);
+void BindResults(ManagerClass& manager);
 
 }  // namespace vex2::python
