@@ -1,10 +1,10 @@
 #include <algorithm>
 
+#include "lab/text/Columns.h"
+#include "lab/text/Table.h"
 #include "tests/tools/DocumentFixture.h"
 #include "tests/tools/Screen.h"
-#include "tools/vex/text/Paragraph.h"
-#include "tools/vex/text/Table.h"
-#include "tools/vex/text/Text.h"
+#include "tools/vex/text/Terminal.h"
 
 using testing::AllOf;
 using testing::Each;

@@ -1,6 +1,6 @@
 // What stands in the wells, the detectors, the dyes and the calibration, on the command line.
+#include "lab/text/PlateGrid.h"
 #include "tests/tools/DocumentFixture.h"
-#include "tools/vex/show/PlateGrid.h"
 #include "tools/vex/text/Chart.h"
 
 namespace vex2::test {

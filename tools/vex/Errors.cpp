@@ -4,7 +4,6 @@
 
 #include "lab/exchange/Json.h"
 #include "tools/vex/text/Terminal.h"
-#include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
 
@@ -22,7 +21,7 @@ void writeLine(const std::string& line) {
 }
 
 std::string oneLine(const nlohmann::ordered_json& object) {
-  return object.dump(-1, ' ', Terminal::IsAscii(),
+  return object.dump(-1, ' ', Terminal::Out().IsAscii(),
                      nlohmann::ordered_json::error_handler_t::replace);
 }
 
@@ -42,8 +41,7 @@ ExitCode ExitCodeOf(ErrorClass errorClass) {
 }
 
 std::string Printable(std::string_view text) {
-  std::string escaped = Escaped(text);
-  return Terminal::IsAscii() ? ToAscii(escaped) : escaped;
+  return Terminal::Out().Printable(text);
 }
 
 void SetMessageForm(MessageForm form) {

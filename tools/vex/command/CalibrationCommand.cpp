@@ -1,11 +1,13 @@
 #include <algorithm>
 #include <iostream>
 
+#include "lab/Text.h"
 #include "lab/exchange/CalibrationFile.h"
 #include "lab/exchange/DocumentJson.h"
 #include "lab/exchange/Json.h"
 #include "lab/exchange/JsonOutput.h"
 #include "lab/model/StoredCalibration.h"
+#include "lab/text/Table.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/CsvInput.h"
@@ -15,8 +17,7 @@
 #include "tools/vex/files/Output.h"
 #include "tools/vex/files/OutputFiles.h"
 #include "tools/vex/text/Chart.h"
-#include "tools/vex/text/Table.h"
-#include "tools/vex/text/Text.h"
+#include "tools/vex/text/Terminal.h"
 
 namespace vex2::tool {
 

@@ -5,87 +5,14 @@
 #include "lab/exchange/Json.h"
 #include "lab/exchange/JsonOutput.h"
 #include "lab/exchange/ReportJson.h"
+#include "lab/text/FindingsText.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
-#include "tools/vex/text/Paragraph.h"
 #include "tools/vex/text/Terminal.h"
-#include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
 
 namespace {
-
-using Style = Terminal::Style;
-
-Style styleOf(Severity severity) {
-  switch (severity) {
-    case Severity::kError:
-      return Style::kRed;
-    case Severity::kWarning:
-      return Style::kYellow;
-    case Severity::kNote:
-      break;
-  }
-  return Style::kDim;
-}
-
-std::string placeOf(const Finding& finding) {
-  return (finding.record.empty() ? "" : finding.record + ", ") + "byte " +
-         std::to_string(finding.offset);
-}
-
-/// What was found in a document, for people: a line for the document, and a paragraph a finding.
-class Report {
- public:
-  Report(const std::string& file, const Findings& findings, bool withNotes)
-      : file_(file), findings_(findings), withNotes_(withNotes) {}
-
-  void Print() const {
-    std::cout << Printable(file_) << ": " << summary() << '\n';
-    for (const Finding& finding : findings_.list) {
-      if (finding.severity == Severity::kNote && !withNotes_) continue;
-      print(finding);
-    }
-    if (findings_.LeftOut() > 0) {
-      std::cout << kIndent << "and " << Counted(findings_.LeftOut(), "finding")
-                << " more, which are not listed\n";
-    }
-  }
-
- private:
-  static constexpr std::string_view kIndent = "  ";
-
-  std::string summary() const {
-    std::string text;
-    for (const Severity severity : {Severity::kError, Severity::kWarning, Severity::kNote}) {
-      const std::size_t count = findings_.Count(severity);
-      if (count == 0) continue;
-      text += (text.empty() ? "" : ", ") + Counted(count, NameOf(severity));
-    }
-    const bool isSound = findings_.Count(Severity::kError) == 0;
-    if (isSound) return text.empty() ? "sound" : "sound, with " + text;
-    return text;
-  }
-
-  void print(const Finding& finding) const {
-    const Style style = styleOf(finding.severity);
-    std::cout << kIndent << terminal_.Styled(NameOf(finding.severity), style) << "  "
-              << terminal_.Styled(placeOf(finding), Style::kBold) << '\n';
-    paragraph("", finding.problem);
-    paragraph("so: ", finding.consequence);
-    if (!finding.remedy.empty()) paragraph("do: ", finding.remedy);
-  }
-
-  static void paragraph(std::string_view label, const std::string& text) {
-    const std::string begin = std::string(4, ' ').append(label);
-    std::cout << begin << Wrapped(Printable(text), begin.size()) << '\n';
-  }
-
-  const std::string& file_;
-  const Findings& findings_;
-  bool withNotes_;
-  const Terminal& terminal_ = Terminal::Out();
-};
 
 constexpr const char* kMeaning =
     "What it means:\n"
@@ -132,7 +59,7 @@ class CheckCommand final : public Command {
     if (json_) {
       PrintJson(std::cout, FindingsJson(file, findings));
     } else {
-      Report(file, findings, notes_).Print();
+      std::cout << FindingsText(file, findings, notes_, Terminal::Out());
     }
     const bool isSound = findings.Count(Severity::kError) == 0 &&
                          (!strict_ || findings.Count(Severity::kWarning) == 0);

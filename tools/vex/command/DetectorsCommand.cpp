@@ -2,17 +2,19 @@
 #include <iostream>
 
 #include "lab/Nearest.h"
+#include "lab/Text.h"
 #include "lab/exchange/CsvWriter.h"
 #include "lab/exchange/DetectorsFile.h"
 #include "lab/exchange/DocumentJson.h"
 #include "lab/exchange/WellsFile.h"
 #include "lab/model/DetectorFields.h"
 #include "lab/model/PlateContents.h"
+#include "lab/text/Columns.h"
+#include "lab/text/Table.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Exactness.h"
 #include "tools/vex/command/ListingCommand.h"
-#include "tools/vex/text/Table.h"
-#include "tools/vex/text/Text.h"
+#include "tools/vex/text/Terminal.h"
 
 namespace vex2::tool {
 

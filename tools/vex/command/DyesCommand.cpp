@@ -1,12 +1,12 @@
 #include <iostream>
 
+#include "lab/Text.h"
 #include "lab/exchange/CsvWriter.h"
 #include "lab/exchange/DocumentJson.h"
 #include "lab/exchange/Json.h"
 #include "lab/model/PlateContents.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/ListingCommand.h"
-#include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
 

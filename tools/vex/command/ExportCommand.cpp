@@ -1,3 +1,4 @@
+#include "lab/Text.h"
 #include "lab/exchange/ReadingsExport.h"
 #include "lab/model/DataBlock.h"
 #include "tools/vex/Lab.h"
@@ -5,7 +6,6 @@
 #include "tools/vex/command/PlateOption.h"
 #include "tools/vex/files/Output.h"
 #include "tools/vex/files/OutputFiles.h"
-#include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
 

@@ -1,82 +1,20 @@
-#include <algorithm>
 #include <iostream>
 
 #include "lab/exchange/DocumentJson.h"
 #include "lab/exchange/Json.h"
 #include "lab/exchange/JsonOutput.h"
 #include "lab/exchange/ReadingFields.h"
-#include "lab/exchange/StoredValues.h"
 #include "lab/model/FrameView.h"
-#include "lab/model/PlateLayout.h"
+#include "lab/text/ReadingsText.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/PlateOption.h"
-#include "tools/vex/text/Table.h"
 #include "tools/vex/text/Terminal.h"
 #include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
 
 namespace {
-
-using Rows = std::vector<std::vector<std::string>>;
-
-std::string drawReadings(const FrameView& view) {
-  std::vector<std::string> names = {"well"};
-  const auto fieldNames = ReadingNames(view.recorded.Log().value_or(RunLog()));
-  names.insert(names.end(), fieldNames.begin(), fieldNames.end());
-  Rows rows;
-  for (std::size_t i = 0; i < view.wells.size(); ++i) {
-    std::vector<std::string> row = {view.NameOf(i)};
-    if (const auto reading = view.ReadingOf(i)) {
-      const auto fields = ReadingFields(*reading, *view.recorded.Log());
-      row.insert(row.end(), fields.begin(), fields.end());
-    }
-    row.resize(names.size());
-    rows.push_back(std::move(row));
-  }
-  return DrawTable(names, rows, Terminal::Out());
-}
-
-// What leading values 0 and 4 are is known of any document.
-std::string drawStored(const FrameView& view) {
-  const std::size_t count = view.DataColumns();
-  std::vector<std::string> names = {"well", "set", "l1", "l2", "l3", "first", "l5", "l6", "l7"};
-  for (std::size_t i = 0; i < count; ++i) names.push_back("d" + std::to_string(i));
-  Rows rows;
-  for (std::size_t i = 0; i < view.wells.size(); ++i) {
-    const Vex2WellRecord& record = view.frame.records[i];
-    std::vector<std::string> row = {view.NameOf(i)};
-    for (const std::uint16_t value : record.leading) row.push_back(std::to_string(value));
-    for (std::size_t d = 0; d < count; ++d) row.push_back(std::to_string(record.data[d]));
-    rows.push_back(std::move(row));
-  }
-  return DrawTable(names, rows, Terminal::Out());
-}
-
-// One field of each well's reading, where the well lies on the plate.
-std::string drawGrid(const FrameView& view, std::size_t field) {
-  constexpr const char* kNothing = "-";
-  const std::uint32_t columns = std::max(view.columns, 1U);
-  std::vector<std::string> names = {""};
-  for (std::uint32_t column = 1; column <= columns; ++column) {
-    names.push_back(std::to_string(column));
-  }
-  Rows rows;
-  for (std::uint32_t row = 0; row < view.rows; ++row) {
-    rows.emplace_back(names.size(), kNothing);
-    rows.back().front() = WellName(row * columns + 1, columns);
-    rows.back().front().pop_back();  // the column, which is 1
-  }
-  for (std::size_t i = 0; i < view.wells.size(); ++i) {
-    const std::uint32_t place = view.wells[i] - 1U;
-    const auto reading = view.ReadingOf(i);
-    if (!reading || place / columns >= rows.size()) continue;
-    rows[place / columns][place % columns + 1] =
-        ReadingFields(*reading, *view.recorded.Log())[field];
-  }
-  return DrawTable(names, rows, Terminal::Out());
-}
 
 constexpr const char* kMeaning =
     "The columns:\n"
@@ -128,12 +66,14 @@ class FrameCommand final : public Command {
  private:
   void show(const FrameView& view) {
     if (json_) return PrintJson(std::cout, DescribeFrame(view, file_, block_));
+    const TextForm& form = Terminal::Out();
     if (!grid_)
-      return print(view, "", view.IsKnown() && !raw_ ? drawReadings(view) : drawStored(view));
+      return print(view, "",
+                   view.IsKnown() && !raw_ ? ReadingsTable(view, form) : StoredTable(view, form));
     requireKnown(view);
     const auto names = ReadingNames(view.recorded.Log().value_or(RunLog()));
     for (std::size_t field = kFirstFluorescence; field < names.size(); ++field) {
-      print(view, ", " + Printable(names[field]), drawGrid(view, field));
+      print(view, ", " + Printable(names[field]), ReadingsGrid(view, field, form));
     }
   }
 

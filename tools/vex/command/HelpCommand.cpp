@@ -2,12 +2,13 @@
 #include <iostream>
 #include <optional>
 
+#include "lab/text/Table.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/HelpText.h"
 #include "tools/vex/command/Misuse.h"
 #include "tools/vex/help/ManPage.h"
 #include "tools/vex/help/Pages.h"
-#include "tools/vex/text/Table.h"
+#include "tools/vex/text/Terminal.h"
 
 namespace vex2::tool {
 

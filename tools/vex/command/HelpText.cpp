@@ -3,9 +3,8 @@
 #include <CLI/CLI.hpp>
 #include <sstream>
 
-#include "tools/vex/text/Paragraph.h"
+#include "lab/text/Columns.h"
 #include "tools/vex/text/Terminal.h"
-#include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
 
@@ -26,13 +25,15 @@ std::string folded(const std::string& line, std::size_t width) {
   constexpr std::size_t kIndent = 4;
   const std::size_t begin = std::min(line.find_first_not_of(' '), line.size());
   const std::size_t at = explanationAt(line);
-  if (at + kLeastText <= width) return line.substr(0, at) + Wrapped(line.substr(at), at);
+  if (at + kLeastText <= width)
+    return line.substr(0, at) + Terminal::Out().Wrapped(line.substr(at), at);
   const std::string indent(begin, ' ');
-  if (at == begin) return indent + Wrapped(line.substr(begin), begin + kIndent);
+  if (at == begin) return indent + Terminal::Out().Wrapped(line.substr(begin), begin + kIndent);
   std::string name = line.substr(begin, at - begin);
   name.erase(name.find_last_not_of(' ') + 1);
-  return indent + Wrapped(name, begin + kIndent) + '\n' + std::string(begin + kIndent, ' ') +
-         Wrapped(line.substr(at), begin + kIndent);
+  return indent + Terminal::Out().Wrapped(name, begin + kIndent) + '\n' +
+         std::string(begin + kIndent, ' ') +
+         Terminal::Out().Wrapped(line.substr(at), begin + kIndent);
 }
 
 }  // namespace

@@ -4,10 +4,11 @@
 #include "lab/exchange/DocumentJson.h"
 #include "lab/exchange/Json.h"
 #include "lab/exchange/JsonOutput.h"
+#include "lab/text/OverviewText.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/PlateOption.h"
-#include "tools/vex/show/OverviewScreen.h"
+#include "tools/vex/text/Terminal.h"
 
 namespace vex2::tool {
 
@@ -37,7 +38,7 @@ class InfoCommand final : public Command {
         worst = std::max(worst, ExitCodeOf(error));
       }
     }
-    listing_.Print();
+    std::cout << listing_.Text();
     return worst;
   }
 
@@ -52,7 +53,7 @@ class InfoCommand final : public Command {
       listing_.Add(overview);
     } else {
       if (shown_++ > 0) std::cout << '\n';
-      PrintOverview(overview);
+      std::cout << OverviewText(overview, Terminal::Out(), "'vex get' prints it");
     }
     document.RequireWhole("");
   }
@@ -62,7 +63,7 @@ class InfoCommand final : public Command {
   bool json_ = false;
   bool screens_ = false;
   int shown_ = 0;
-  OverviewListing listing_;
+  OverviewListing listing_{Terminal::Out()};
 };
 
 }  // namespace

@@ -36,7 +36,8 @@ Document::Plate PlateOption::One(const Document& document) const {
 std::string PlateTitle(const Document::Plate& plate) {
   const Terminal& terminal = Terminal::Out();
   constexpr std::size_t kLongestName = 2000;  // a longer one fills the screen with nothing else
-  const std::string title = plate.isEmbedded ? "plate " + Shown(plate.name, kLongestName) : "study";
+  const std::string title =
+      plate.isEmbedded ? "plate " + terminal.Shown(plate.name, kLongestName) : "study";
   return terminal.Styled(title, Terminal::Style::kBold);
 }
 

@@ -5,10 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "lab/Text.h"
 #include "lab/model/DocumentPlates.h"
 #include "tools/vex/Errors.h"
 #include "tools/vex/Lab.h"
-#include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
 

@@ -4,6 +4,7 @@
 #include <optional>
 #include <sstream>
 
+#include "lab/Text.h"
 #include "lab/exchange/CsvReader.h"
 #include "lab/exchange/WellsFile.h"
 #include "lab/model/RunLog.h"
@@ -15,8 +16,7 @@
 #include "tools/vex/command/RecordingCommand.h"
 #include "tools/vex/files/Interrupts.h"
 #include "tools/vex/files/OutputFiles.h"
-#include "tools/vex/show/RecordProgress.h"
-#include "tools/vex/text/Text.h"
+#include "tools/vex/text/RecordProgress.h"
 
 namespace vex2::tool {
 

@@ -3,12 +3,12 @@
 #include <filesystem>
 #include <iostream>
 
+#include "lab/Text.h"
 #include "lab/model/AssayTypes.h"
 #include "lab/record/InterruptedRun.h"
 #include "tools/vex/files/Interrupts.h"
 #include "tools/vex/files/OutputFiles.h"
-#include "tools/vex/show/RecordProgress.h"
-#include "tools/vex/text/Text.h"
+#include "tools/vex/text/RecordProgress.h"
 
 namespace vex2::tool {
 

@@ -6,12 +6,13 @@
 #include "lab/exchange/ReportJson.h"
 #include "lab/model/Document.h"
 #include "lab/recover/Recover.h"
+#include "lab/text/RecoverText.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/files/Interrupts.h"
 #include "tools/vex/files/OutputFiles.h"
-#include "tools/vex/show/RecoverOutput.h"
 #include "tools/vex/text/ProgressLine.h"
+#include "tools/vex/text/Terminal.h"
 
 namespace vex2::tool {
 
@@ -51,7 +52,7 @@ class RecoverCommand final : public Command {
     if (json_) {
       PrintJson(std::cout, RecoverJson(report, source_, target_), 2);
     } else {
-      PrintRecoverText(std::cout, report, source_, target_);
+      std::cout << RecoverText(report, source_, target_, Terminal::Out(), "--json");
     }
     return report.IsWhole() ? ExitCode::kDone : ExitCode::kDocument;
   }

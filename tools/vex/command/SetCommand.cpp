@@ -3,14 +3,15 @@
 #include <utility>
 
 #include "lab/Nearest.h"
+#include "lab/Text.h"
 #include "lab/model/AssayTypes.h"
 #include "lab/model/Settings.h"
 #include "lab/model/Study.h"
+#include "lab/text/Columns.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/PlateOption.h"
 #include "tools/vex/files/Changing.h"
-#include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
 

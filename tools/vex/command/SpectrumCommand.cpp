@@ -7,13 +7,12 @@
 #include "lab/exchange/JsonOutput.h"
 #include "lab/exchange/ReadingsExport.h"
 #include "lab/model/WellSpectrum.h"
+#include "lab/text/Columns.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/PlateOption.h"
 #include "tools/vex/text/Chart.h"
-#include "tools/vex/text/Paragraph.h"
 #include "tools/vex/text/Terminal.h"
-#include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
 
@@ -67,7 +66,7 @@ class SpectrumCommand final : public Command {
     const std::string what = ": well " + well_ + ", frame " + std::to_string(frame_) + " of " +
                              std::to_string(spectrum.frameCount) + ", well value " +
                              std::to_string(spectrum.record.leading[0]);
-    std::cout << Wrapped(source + what, 2) << '\n';
+    std::cout << terminal.Wrapped(source + what, 2) << '\n';
     const auto& data = spectrum.record.data;
     const std::vector<double> readings(data, data + spectrum.UsedReadings());
     constexpr int kHeight = 8;

@@ -1,6 +1,7 @@
 #include <iostream>
 #include <optional>
 
+#include "lab/Text.h"
 #include "lab/model/DocumentFile.h"
 #include "lab/model/DocumentLock.h"
 #include "lab/model/Status.h"
@@ -8,7 +9,6 @@
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/PlateOption.h"
 #include "tools/vex/files/Changing.h"
-#include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
 

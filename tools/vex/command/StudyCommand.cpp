@@ -1,20 +1,20 @@
 #include <algorithm>
 #include <iostream>
 
+#include "lab/Text.h"
 #include "lab/exchange/DocumentJson.h"
 #include "lab/exchange/Json.h"
 #include "lab/exchange/JsonOutput.h"
 #include "lab/model/DocumentPlates.h"
 #include "lab/model/Study.h"
+#include "lab/text/Table.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/files/Changing.h"
 #include "tools/vex/files/Interrupts.h"
 #include "tools/vex/files/OutputFiles.h"
 #include "tools/vex/text/ProgressLine.h"
-#include "tools/vex/text/Table.h"
 #include "tools/vex/text/Terminal.h"
-#include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
 

@@ -5,13 +5,12 @@
 
 #include "lab/Nearest.h"
 #include "lab/exchange/RecordTree.h"
+#include "lab/text/Columns.h"
+#include "lab/text/RecordText.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/PlateOption.h"
-#include "tools/vex/show/RecordText.h"
-#include "tools/vex/text/Paragraph.h"
 #include "tools/vex/text/Terminal.h"
-#include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
 
@@ -62,12 +61,12 @@ class TextTree final : public RecordVisitor {
     // What would fill the screen on its own is for --json and 'vex get'.
     constexpr std::size_t kMost = 2000;
     const std::size_t width = terminal_.TextWidth();
-    const std::string words = DescribeRecord(file, record, std::max(width, kMost));
+    const std::string words = DescribeRecord(file, record, std::max(width, kMost), terminal_);
     if (words.empty()) return "";
     if (Columns(words) + taken <= width || width >= taken + kLeastRoom) {
-      return "  " + Wrapped(words, taken);
+      return "  " + terminal_.Wrapped(words, taken);
     }
-    return "\n" + std::string(kBelow, ' ') + Wrapped(words, kBelow);
+    return "\n" + std::string(kBelow, ' ') + terminal_.Wrapped(words, kBelow);
   }
 
   static std::string number(std::uint64_t value) {

@@ -9,13 +9,12 @@
 #include "lab/exchange/Json.h"
 #include "lab/exchange/WellsFile.h"
 #include "lab/model/PlateChange.h"
+#include "lab/text/PlateGrid.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/CsvInput.h"
 #include "tools/vex/command/Exactness.h"
 #include "tools/vex/command/ListingCommand.h"
-#include "tools/vex/show/PlateGrid.h"
-#include "tools/vex/text/Paragraph.h"
-#include "tools/vex/text/Text.h"
+#include "tools/vex/text/Terminal.h"
 
 namespace vex2::tool {
 
@@ -95,7 +94,7 @@ class WellsCommand final : public ListingCommand {
                               std::to_string(contents.Wells().size()) + " set up, " +
                               Counted(contents.Targets().size(), "detector") + "; each well's " +
                               what_ + ":";
-    std::cout << Wrapped(title, 0) << '\n'
+    std::cout << Terminal::Out().Wrapped(title, 0) << '\n'
               << DrawPlate(contents.plate, gridTexts(contents, what_), Terminal::Out());
   }
 

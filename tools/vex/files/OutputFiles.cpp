@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include "lab/Text.h"
 #include "lab/model/DocumentFile.h"
 #include "tools/vex/Errors.h"
-#include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
 

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <cstdio>
 
-#include "tools/vex/text/Text.h"
+#include "lab/text/Columns.h"
 
 namespace vex2::tool {
 
@@ -41,7 +41,7 @@ int levelOf(double value, const Range& range, int steps) {
 }
 
 const char* block(int level) {
-  return (Terminal::IsAscii() ? kAsciiBlocks : kBlocks).at(static_cast<std::size_t>(level));
+  return (Terminal::Out().IsAscii() ? kAsciiBlocks : kBlocks).at(static_cast<std::size_t>(level));
 }
 
 // Whole numbers that are not too long are shown as they are.

@@ -3,7 +3,6 @@
 #include <iostream>
 
 #include "tools/vex/text/Terminal.h"
-#include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
 
@@ -41,7 +40,8 @@ void ProgressLine::Show(std::string_view text) {
   if (!IsShown()) return;
   drawn_ = true;
   if (!canRewrite_) return showLine(text);
-  std::cerr << '\r' << CutTo(text, Terminal::Error().Width() - 1) << kEraseToEnd << std::flush;
+  std::cerr << '\r' << Terminal::Error().CutTo(text, Terminal::Error().Width() - 1) << kEraseToEnd
+            << std::flush;
 }
 
 void ProgressLine::showLine(std::string_view text) {

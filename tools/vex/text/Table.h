@@ -1,19 +1,4 @@
 #pragma once
 
-#include <set>
-#include <string>
-#include <vector>
-
-#include "tools/vex/text/Terminal.h"
-
-namespace vex2::tool {
-
-/// Rows of texts, UTF-8, as columns side by side under their names. Columns without any text are
-/// left out. Where they are wider than the terminal, some stand below others, each time behind the
-/// first column, and a text that is wider by itself is folded: none is cut. `numbers` are the
-/// columns, from 0, that end under one another.
-std::string DrawTable(const std::vector<std::string>& names,
-                      const std::vector<std::vector<std::string>>& rows, const Terminal& terminal,
-                      const std::set<std::size_t>& numbers = {});
-
-}  // namespace vex2::tool
+#include "lab/text/Table.h"
+#include "tools/vex/Lab.h"

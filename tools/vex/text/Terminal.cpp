@@ -4,19 +4,18 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cctype>
 #include <cstdlib>
-#include <limits>
+#include <string>
+#include <string_view>
 
-#include "tools/vex/text/Text.h"
+#include "lab/Text.h"
 
 namespace vex2::tool {
 
 namespace {
 
 constexpr std::size_t kUsualWidth = 80;
-constexpr std::size_t kWidestPlate = 200;
 
 // Wishes of the command line and the environment, in one.
 struct Settings {
@@ -101,10 +100,11 @@ void Terminal::Configure(const Wishes& wishes) {
 }
 
 Terminal::Terminal(int file)
-    : isTerminal_(isatty(file) != 0),
-      hasColours_(colours(isTerminal_)),
-      isWidthAskedFor_(settings().width.has_value()),
-      width_(widthOf(file)) {}
+    : TextForm({.width = widthOf(file),
+                .isFolded = ::isatty(file) != 0 || settings().width.has_value(),
+                .isAscii = settings().isAscii,
+                .hasColors = colours(::isatty(file) != 0)}),
+      isTerminal_(::isatty(file) != 0) {}
 
 const Terminal& Terminal::Out() {
   return standard(STDOUT_FILENO);
@@ -114,31 +114,8 @@ const Terminal& Terminal::Error() {
   return standard(STDERR_FILENO);
 }
 
-bool Terminal::IsAscii() {
-  return settings().isAscii;
-}
-
 bool Terminal::CanRewriteLines() const {
   return isTerminal_ && !isDumb();
-}
-
-std::size_t Terminal::TextWidth() const {
-  // Leaves room for arithmetic on widths.
-  constexpr std::size_t kNoLimit = std::numeric_limits<std::size_t>::max() / 2;
-  return HasWidth() ? width_ : kNoLimit;
-}
-
-std::size_t Terminal::PlateWidth() const {
-  return HasWidth() ? width_ : kWidestPlate;
-}
-
-std::string Terminal::Styled(std::string_view text, Style style) const {
-  if (!hasColours_ || style == Style::kPlain) return std::string(text);
-  constexpr std::array<std::string_view, 9> kCodes = {"0",  "1",  "2",  "32", "33",
-                                                      "31", "36", "35", "34"};
-  std::string styled = "\x1b[";
-  styled.append(kCodes[static_cast<std::size_t>(style)]).append("m");
-  return styled.append(text).append("\x1b[0m");
 }
 
 }  // namespace vex2::tool

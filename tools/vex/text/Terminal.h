@@ -2,17 +2,17 @@
 
 #include <cstddef>
 #include <optional>
-#include <string>
-#include <string_view>
+
+#include "lab/text/TextForm.h"
+#include "tools/vex/Lab.h"
 
 namespace vex2::tool {
 
 /// The other end of an output: a person's terminal, or a file or another program. All that is
 /// printed for people asks here how wide it may be, which characters it may use and whether it may
-/// have colours.
-class Terminal {
+/// have colors. A file or another program gets lines as long as they come.
+class Terminal : public TextForm {
  public:
-  enum class Style { kPlain, kBold, kDim, kGreen, kYellow, kRed, kCyan, kMagenta, kBlue };
   enum class Color { kAuto, kAlways, kNever };
 
   /// What the user asks of all screens.
@@ -33,32 +33,15 @@ class Terminal {
   static const Terminal& Out();
   /// Of standard error.
   static const Terminal& Error();
-  /// Whether only ASCII may be printed: the locale is not a UTF-8 one, or the terminal is dumb.
-  static bool IsAscii();
 
   explicit Terminal(int file);
 
   bool IsTerminal() const { return isTerminal_; }
   /// Whether a line can be erased and written again.
   bool CanRewriteLines() const;
-  /// Columns; 80 where nothing says otherwise.
-  std::size_t Width() const { return width_; }
-  /// Whether there is a width to keep: a terminal's, or one that was asked for. A file or another
-  /// program gets lines as long as they come.
-  bool HasWidth() const { return isTerminal_ || isWidthAskedFor_; }
-  /// The width to fold text at: no limit where there is none to keep.
-  std::size_t TextWidth() const;
-  /// The width to fold the columns of a plate at, of which a line without limit is of no use to
-  /// anybody.
-  std::size_t PlateWidth() const;
-  /// `text` in that style; as it is where there are no colours.
-  std::string Styled(std::string_view text, Style style) const;
 
  private:
   bool isTerminal_;
-  bool hasColours_;
-  bool isWidthAskedFor_;
-  std::size_t width_;
 };
 
 }  // namespace vex2::tool

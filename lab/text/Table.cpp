@@ -1,11 +1,10 @@
-#include "tools/vex/text/Table.h"
+#include "lab/text/Table.h"
 
 #include <algorithm>
 
-#include "tools/vex/text/Paragraph.h"
-#include "tools/vex/text/Text.h"
+#include "lab/text/Columns.h"
 
-namespace vex2::tool {
+namespace vex2::lab {
 
 namespace {
 
@@ -15,9 +14,9 @@ using Row = std::vector<std::string>;
 
 class Table {
  public:
-  Table(const Row& names, const std::vector<Row>& rows, const Terminal& terminal,
+  Table(const Row& names, const std::vector<Row>& rows, const TextForm& form,
         const std::set<std::size_t>& numbers)
-      : names_(names), rows_(rows), terminal_(terminal), numbers_(numbers) {
+      : names_(names), rows_(rows), form_(form), numbers_(numbers) {
     widths_.resize(names.size(), 0);
     for (const Row& row : rows) {
       for (std::size_t i = 0; i < names.size(); ++i) {
@@ -32,8 +31,8 @@ class Table {
   }
 
   std::string Draw() const {
-    if (shown_.empty()) return terminal_.Styled("", Terminal::Style::kBold) + '\n';
-    const std::size_t width = terminal_.TextWidth();
+    if (shown_.empty()) return form_.Styled("", TextForm::Style::kBold) + '\n';
+    const std::size_t width = form_.TextWidth();
     const std::vector<std::vector<std::size_t>> groups = grouped(width);
     if (groups.size() > 1 && widths_[shown_.front()] > width / 2) return stacked(width);
     std::string table;
@@ -60,7 +59,7 @@ class Table {
   }
 
   std::string side(const std::vector<std::size_t>& group, std::size_t width) const {
-    std::string text = terminal_.Styled(line(names_, group, width), Terminal::Style::kBold) + '\n';
+    std::string text = form_.Styled(line(names_, group, width), TextForm::Style::kBold) + '\n';
     for (const Row& row : rows_) text += line(row, group, width) + '\n';
     return text;
   }
@@ -88,7 +87,7 @@ class Table {
   std::string stacked(std::size_t width) const {
     std::string text;
     for (const Row& row : rows_) {
-      text += terminal_.Styled(row[shown_.front()], Terminal::Style::kBold) + '\n';
+      text += form_.Styled(row[shown_.front()], TextForm::Style::kBold) + '\n';
       std::string rest;
       for (std::size_t i = 1; i < shown_.size(); ++i) {
         const std::string& field = row[shown_[i]];
@@ -101,7 +100,7 @@ class Table {
 
   const Row& names_;
   const std::vector<Row>& rows_;
-  const Terminal& terminal_;
+  const TextForm& form_;
   const std::set<std::size_t>& numbers_;
   std::vector<std::size_t> widths_;  // 0 for a column that is not shown
   std::vector<std::size_t> shown_;
@@ -110,9 +109,9 @@ class Table {
 }  // namespace
 
 std::string DrawTable(const std::vector<std::string>& names,
-                      const std::vector<std::vector<std::string>>& rows, const Terminal& terminal,
+                      const std::vector<std::vector<std::string>>& rows, const TextForm& form,
                       const std::set<std::size_t>& numbers) {
-  return Table(names, rows, terminal, numbers).Draw();
+  return Table(names, rows, form, numbers).Draw();
 }
 
-}  // namespace vex2::tool
+}  // namespace vex2::lab

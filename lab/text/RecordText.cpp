@@ -1,11 +1,12 @@
-#include "tools/vex/show/RecordText.h"
+#include "lab/text/RecordText.h"
 
 #include <algorithm>
 
+#include "lab/Text.h"
 #include "lab/model/Value.h"
-#include "tools/vex/text/Text.h"
+#include "lab/text/Columns.h"
 
-namespace vex2::tool {
+namespace vex2::lab {
 
 namespace {
 
@@ -21,9 +22,9 @@ std::string describeData(CFile& file, const FileRecord& record) {
   return text;
 }
 
-std::string describeBytes(CFile& file, const FileRecord& record) {
+std::string describeBytes(CFile& file, const FileRecord& record, const TextForm& form) {
   std::string text = ToHex(ReadRecordBytes(file, record, kShownBytes));
-  return record.length > kShownBytes ? text + std::string(Ellipsis()) : text;
+  return record.length > kShownBytes ? text + std::string(form.Ellipsis()) : text;
 }
 
 std::string describeList(CFile& file, const FileRecord& record) {
@@ -41,10 +42,11 @@ std::string describeValue(const RecordValue& value) {
   return text + "]";
 }
 
-std::string describeContent(CFile& file, const FileRecord& record, std::size_t width) {
+std::string describeContent(CFile& file, const FileRecord& record, std::size_t width,
+                            const TextForm& form) {
   switch (record.kind->layout) {
     case BodyLayout::kText:
-      return Shown(ReadRecordText(file, record, width + 1), width);
+      return form.Shown(ReadRecordText(file, record, width + 1), width);
     case BodyLayout::kData:
       return describeData(file, record);
     case BodyLayout::kList:
@@ -56,7 +58,7 @@ std::string describeContent(CFile& file, const FileRecord& record, std::size_t w
     case BodyLayout::kPureDyes:
     case BodyLayout::kBackground:
     case BodyLayout::kUnknown:
-      return describeBytes(file, record);
+      return describeBytes(file, record, form);
     default:
       return describeValue(ReadRecordValue(file, record));
   }
@@ -64,11 +66,12 @@ std::string describeContent(CFile& file, const FileRecord& record, std::size_t w
 
 }  // namespace
 
-std::string DescribeRecord(CFile& file, const FileRecord& record, std::size_t width) {
+std::string DescribeRecord(CFile& file, const FileRecord& record, std::size_t width,
+                           const TextForm& form) {
   std::string text(record.kind->meaning);
   if (!text.empty()) text += "  ";
   const std::size_t taken = std::min(Columns(text), width);
-  return CutTo(text + describeContent(file, record, width - taken), width);
+  return form.CutTo(text + describeContent(file, record, width - taken, form), width);
 }
 
-}  // namespace vex2::tool
+}  // namespace vex2::lab

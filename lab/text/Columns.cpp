@@ -1,13 +1,11 @@
-#include "tools/vex/text/Text.h"
+#include "lab/text/Columns.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdio>
 
-#include "tools/vex/Errors.h"
-#include "tools/vex/text/Terminal.h"
-
-namespace vex2::tool {
+namespace vex2::lab {
 
 namespace {
 
@@ -45,34 +43,20 @@ std::string ToAscii(std::string_view utf8) {
   return text;
 }
 
-std::string_view Ellipsis() {
-  return Terminal::IsAscii() ? "..." : "…";
-}
-
 std::size_t Columns(std::string_view utf8) {
-  std::size_t columns = 0;
-  for (const char character : utf8) columns += startsCharacter(character) ? 1U : 0U;
-  return columns;
+  return static_cast<std::size_t>(std::count_if(utf8.begin(), utf8.end(), startsCharacter));
 }
 
-std::string CutTo(std::string_view utf8, std::size_t width) {
+std::string CutTo(std::string_view utf8, std::size_t width, std::string_view ellipsis) {
   if (Columns(utf8) <= width) return std::string(utf8);
-  const std::size_t mark = Columns(Ellipsis());
+  const std::size_t mark = Columns(ellipsis);
   if (width < mark) return {};
   std::size_t end = 0;
   std::size_t columns = 0;
   for (; end < utf8.size(); ++end) {
     if (startsCharacter(utf8[end]) && columns++ == width - mark) break;
   }
-  return std::string(utf8.substr(0, end)).append(Ellipsis());
-}
-
-std::string Shown(std::string_view latin1, std::size_t width) {
-  // A hostile text may be very long: what cannot be seen is not worked on.
-  const std::string text = Printable(ToUtf8(latin1.substr(0, width)));
-  constexpr std::size_t kQuotes = 2;
-  if (latin1.size() <= width && Columns(text) + kQuotes <= width) return '"' + text + '"';
-  return '"' + CutTo(text + std::string(Ellipsis()), width > kQuotes ? width - kQuotes : 1) + '"';
+  return std::string(utf8.substr(0, end)).append(ellipsis);
 }
 
 std::string PadRight(std::string text, std::size_t width) {
@@ -87,4 +71,24 @@ std::string PadLeft(std::string text, std::size_t width) {
   return text;
 }
 
-}  // namespace vex2::tool
+std::string Folded(std::string_view text, std::size_t indent, std::size_t width) {
+  std::string result;
+  std::size_t column = indent;
+  while (!text.empty()) {
+    const std::string_view word = text.substr(0, text.find(' '));
+    text.remove_prefix(std::min(text.size(), word.size() + 1));
+    if (column > indent && column + 1 + Columns(word) > width) {
+      result.erase(result.find_last_not_of(' ') + 1);
+      result += '\n' + std::string(indent, ' ');
+      column = indent;
+    } else if (column > indent) {
+      result += ' ';
+      ++column;
+    }
+    result += word;
+    column += Columns(word);
+  }
+  return result;
+}
+
+}  // namespace vex2::lab

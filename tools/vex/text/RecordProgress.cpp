@@ -1,12 +1,12 @@
-#include "tools/vex/show/RecordProgress.h"
+#include "tools/vex/text/RecordProgress.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 
+#include "lab/text/Columns.h"
 #include "tools/vex/Errors.h"
 #include "tools/vex/text/Terminal.h"
-#include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
 

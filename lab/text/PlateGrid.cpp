@@ -1,17 +1,16 @@
-#include "tools/vex/show/PlateGrid.h"
+#include "lab/text/PlateGrid.h"
 
 #include <algorithm>
 #include <array>
 #include <map>
 
-#include "tools/vex/text/Paragraph.h"
-#include "tools/vex/text/Text.h"
+#include "lab/text/Columns.h"
 
-namespace vex2::tool {
+namespace vex2::lab {
 
 namespace {
 
-using Style = Terminal::Style;
+using Style = TextForm::Style;
 
 constexpr std::array<Style, 6> kColours = {Style::kCyan,   Style::kGreen, Style::kMagenta,
                                            Style::kYellow, Style::kBlue,  Style::kRed};
@@ -63,8 +62,8 @@ std::string rowName(unsigned row) {
   return name;
 }
 
-// What the letters stand for, side by side as far as the terminal is wide.
-std::string legend(const Values& values, const Terminal& terminal) {
+// What the letters stand for, side by side as far as there is room.
+std::string legend(const Values& values, const TextForm& form) {
   std::vector<std::string> entries;
   std::size_t widest = 0;
   const std::size_t keyWidth = letters(values.Count() - 1).size();
@@ -74,15 +73,15 @@ std::string legend(const Values& values, const Terminal& terminal) {
     widest = std::max(widest, keyWidth + 1 + Columns(entries.back()));
   }
   constexpr std::size_t kGap = 2;
-  const std::size_t perLine = std::max<std::size_t>(1, (terminal.Width() + kGap) / (widest + kGap));
+  const std::size_t perLine = std::max<std::size_t>(1, (form.Width() + kGap) / (widest + kGap));
   const std::size_t lines = (entries.size() + perLine - 1) / perLine;
   std::string text;
   for (std::size_t line = 0; line < lines; ++line) {
     std::string row;
     for (std::size_t place = line; place < entries.size(); place += lines) {
       const bool isLast = place + lines >= entries.size();
-      row += terminal.Styled(PadRight(letters(place), keyWidth), Values::ColourOf(place)) + ' ';
-      row += isLast ? Folded(entries[place], keyWidth + 1, terminal.TextWidth())
+      row += form.Styled(PadRight(letters(place), keyWidth), Values::ColourOf(place)) + ' ';
+      row += isLast ? Folded(entries[place], keyWidth + 1, form.TextWidth())
                     : PadRight(entries[place], widest - keyWidth - 1 + kGap);
     }
     text += row + '\n';
@@ -92,9 +91,9 @@ std::string legend(const Values& values, const Terminal& terminal) {
 
 /// How the cells of a plate are drawn: what stands in them, how wide they are, and how many
 /// columns of the plate stand side by side.
-struct Form {
+struct Cells {
   bool usesLetters = false;
-  std::size_t cell = kLeastCell;
+  std::size_t width = kLeastCell;
   unsigned columns = 0;
 };
 
@@ -106,44 +105,43 @@ unsigned columnsPerGroup(unsigned columns, std::size_t room, std::size_t cell) {
   return static_cast<unsigned>((columns + groups - 1) / groups);
 }
 
-Form formOf(const PlateLayout& plate, const Values& values, std::size_t nameWidth,
-            const Terminal& terminal) {
+Cells cellsOf(const PlateLayout& plate, const Values& values, std::size_t nameWidth,
+              const TextForm& form) {
   // In a file texts are better than letters, as long as some columns stand side by side.
   constexpr unsigned kLeastColumns = 4;
-  Form form;
-  const std::size_t width = terminal.PlateWidth();
+  Cells cells;
+  const std::size_t width = form.PlateWidth();
   const std::size_t room = width - std::min(width, nameWidth);
-  if (values.Count() > 0) form.cell = std::max(kLeastCell, values.Widest());
-  form.columns = columnsPerGroup(plate.columns, room, form.cell);
-  const unsigned least =
-      terminal.HasWidth() ? plate.columns : std::min(plate.columns, kLeastColumns);
-  if (values.Count() == 0 || form.columns >= least) return form;
+  if (values.Count() > 0) cells.width = std::max(kLeastCell, values.Widest());
+  cells.columns = columnsPerGroup(plate.columns, room, cells.width);
+  const unsigned least = form.HasWidth() ? plate.columns : std::min(plate.columns, kLeastColumns);
+  if (values.Count() == 0 || cells.columns >= least) return cells;
   const std::size_t letterCell = std::max(kLeastCell, letters(values.Count() - 1).size());
-  if (letterCell >= form.cell) return form;
-  form.usesLetters = true;
-  form.cell = letterCell;
-  form.columns = columnsPerGroup(plate.columns, room, form.cell);
-  return form;
+  if (letterCell >= cells.width) return cells;
+  cells.usesLetters = true;
+  cells.width = letterCell;
+  cells.columns = columnsPerGroup(plate.columns, room, cells.width);
+  return cells;
 }
 
 class Grid {
  public:
-  Grid(const PlateLayout& plate, const std::vector<std::string>& texts, const Terminal& terminal)
+  Grid(const PlateLayout& plate, const std::vector<std::string>& texts, const TextForm& form)
       : plate_(plate),
         texts_(texts),
-        terminal_(terminal),
+        form_(form),
         values_(texts),
         nameWidth_(plate.rows > 0 ? rowName(plate.rows - 1).size() : 0),
-        form_(formOf(plate, values_, nameWidth_, terminal)) {}
+        cells_(cellsOf(plate, values_, nameWidth_, form)) {}
 
   std::string Draw() const {
     std::string drawn;
-    for (unsigned first = 0; first < plate_.columns || first == 0; first += form_.columns) {
-      const unsigned end = std::min(first + form_.columns, plate_.columns);
+    for (unsigned first = 0; first < plate_.columns || first == 0; first += cells_.columns) {
+      const unsigned end = std::min(first + cells_.columns, plate_.columns);
       drawn += (first > 0 ? "\n" : "") + group(first, end);
-      if (form_.columns == 0) break;
+      if (cells_.columns == 0) break;
     }
-    if (form_.usesLetters) drawn += '\n' + legend(values_, terminal_);
+    if (cells_.usesLetters) drawn += '\n' + legend(values_, form_);
     return drawn;
   }
 
@@ -153,11 +151,11 @@ class Grid {
     std::string drawn = std::string(nameWidth_, ' ');
     for (unsigned column = first; column < end; ++column) {
       const std::string number = std::to_string(column + 1);
-      drawn += ' ' + (column + 1 < end ? PadRight(number, form_.cell) : number);
+      drawn += ' ' + (column + 1 < end ? PadRight(number, cells_.width) : number);
     }
-    drawn = terminal_.Styled(drawn, Style::kDim) + '\n';
+    drawn = form_.Styled(drawn, Style::kDim) + '\n';
     for (unsigned row = 0; row < plate_.rows; ++row) {
-      drawn += terminal_.Styled(PadRight(rowName(row), nameWidth_), Style::kDim);
+      drawn += form_.Styled(PadRight(rowName(row), nameWidth_), Style::kDim);
       for (unsigned column = first; column < end; ++column) {
         drawn += ' ' + cell(texts_.at(row * plate_.columns + column), column + 1 == end);
       }
@@ -167,30 +165,30 @@ class Grid {
   }
 
   std::string cell(const std::string& text, bool isLast) const {
-    std::string shown = Terminal::IsAscii() ? "." : "·";
+    std::string shown = form_.IsAscii() ? "." : "·";
     Style style = Style::kDim;
     if (!text.empty()) {
       const std::size_t place = values_.PlaceOf(text);
-      shown = form_.usesLetters ? letters(place) : text;
+      shown = cells_.usesLetters ? letters(place) : text;
       style = Values::ColourOf(place);
     }
-    const std::size_t blanks = isLast ? 0 : form_.cell - std::min(form_.cell, Columns(shown));
-    return terminal_.Styled(shown, style) + std::string(blanks, ' ');
+    const std::size_t blanks = isLast ? 0 : cells_.width - std::min(cells_.width, Columns(shown));
+    return form_.Styled(shown, style) + std::string(blanks, ' ');
   }
 
   const PlateLayout& plate_;
   const std::vector<std::string>& texts_;
-  const Terminal& terminal_;
+  const TextForm& form_;
   Values values_;
   std::size_t nameWidth_;
-  Form form_;
+  Cells cells_;
 };
 
 }  // namespace
 
 std::string DrawPlate(const PlateLayout& plate, const std::vector<std::string>& texts,
-                      const Terminal& terminal) {
-  return Grid(plate, texts, terminal).Draw();
+                      const TextForm& form) {
+  return Grid(plate, texts, form).Draw();
 }
 
-}  // namespace vex2::tool
+}  // namespace vex2::lab

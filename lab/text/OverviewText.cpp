@@ -1,41 +1,33 @@
-#include "tools/vex/show/OverviewScreen.h"
+#include "lab/text/OverviewText.h"
 
 #include <algorithm>
-#include <iostream>
 #include <iterator>
 #include <limits>
 #include <sstream>
 
+#include "lab/Text.h"
 #include "lab/model/Codes.h"
 #include "lab/model/Value.h"
-#include "tools/vex/Errors.h"
-#include "tools/vex/text/Paragraph.h"
-#include "tools/vex/text/Table.h"
-#include "tools/vex/text/Terminal.h"
-#include "tools/vex/text/Text.h"
+#include "lab/text/Columns.h"
+#include "lab/text/Table.h"
 #include "vex2/format/HeaderLayout.h"
 
-namespace vex2::tool {
+namespace vex2::lab {
 
 namespace {
 
-using Style = Terminal::Style;
-
-// "AbsQ: absolute quantification"; the code alone when its meaning is not known.
-std::string explained(CodeField field, std::string_view code) {
-  const std::string meaning = CodeMeaning(field, code);
-  return Printable(code) + (meaning.empty() ? "" : ": " + meaning);
-}
+using Style = TextForm::Style;
 
 class Screen {
  public:
-  explicit Screen(const DocumentOverview& overview) : overview_(overview), plate_(overview.plate) {}
+  Screen(const DocumentOverview& overview, const TextForm& form, std::string_view whole)
+      : overview_(overview), plate_(overview.plate), form_(form), whole_(whole) {}
 
-  void Print() {
-    const std::string title =
-        Printable(overview_.path) + (plate_.isEmbedded ? ", plate " + Printable(plate_.name) : "");
-    std::cout << terminal_.Styled(title, Style::kBold) << '\n';
-    if (plate_.isEmbedded) line("modified", Printable(plate_.modified));
+  std::string Text() && {
+    const std::string title = form_.Printable(overview_.path) +
+                              (plate_.isEmbedded ? ", plate " + form_.Printable(plate_.name) : "");
+    text_ = form_.Styled(title, Style::kBold) + '\n';
+    if (plate_.isEmbedded) line("modified", form_.Printable(plate_.modified));
     line("kind", kindText());
     line("plate", plateText());
     line("assay", assayText());
@@ -47,6 +39,7 @@ class Screen {
     printPlates();
     line("size", Counted(plate_.size, "byte"));
     printFaults();
+    return std::move(text_);
   }
 
  private:
@@ -57,30 +50,30 @@ class Screen {
   static constexpr std::size_t kNoLimit = std::numeric_limits<std::size_t>::max();
 
   void line(std::string_view label, const std::string& value, Style style = Style::kPlain) {
-    std::cout << kIndent;
+    text_ += kIndent;
     if (isNarrow_) {
       const std::string title = std::string(label).append(label.empty() ? "" : ": ");
-      std::cout << terminal_.Styled(Wrapped(title + whole(value), kNarrowIndent), style) << '\n';
+      text_ += form_.Styled(form_.Wrapped(title + shortened(value), kNarrowIndent), style) + '\n';
       return;
     }
-    std::cout << terminal_.Styled(PadRight(std::string(label), kLabelWidth), Style::kDim)
-              << terminal_.Styled(Wrapped(whole(value), kIndent.size() + kLabelWidth), style)
-              << '\n';
+    text_ += form_.Styled(PadRight(std::string(label), kLabelWidth), Style::kDim) +
+             form_.Styled(form_.Wrapped(shortened(value), kIndent.size() + kLabelWidth), style) +
+             '\n';
   }
 
   // Only what fills the screen on its own is left out, and where to have it is said.
-  static std::string whole(const std::string& value) {
+  std::string shortened(const std::string& value) const {
     constexpr std::size_t kMostColumns = 2000;
-    if (!Terminal::Out().HasWidth() || Columns(value) <= kMostColumns) return value;
-    return CutTo(value, kMostColumns) + " (" + Counted(Columns(value), "character") +
-           " in all; 'vex get' prints it)";
+    if (!form_.HasWidth() || Columns(value) <= kMostColumns) return value;
+    return form_.CutTo(value, kMostColumns) + " (" + Counted(Columns(value), "character") +
+           " in all" + (whole_.empty() ? "" : "; ") + std::string(whole_) + ")";
   }
 
   // As many lines as it takes to show the items.
   void lines(std::string_view label, const std::vector<std::string>& items,
              std::string_view separator = ", ", Style style = Style::kPlain) {
     const std::size_t width =
-        isNarrow_ ? kNoLimit : terminal_.TextWidth() - kIndent.size() - kLabelWidth;
+        isNarrow_ ? kNoLimit : form_.TextWidth() - kIndent.size() - kLabelWidth;
     std::string current;
     for (const std::string& item : items) {
       if (!current.empty() && Columns(current) + Columns(item) + 2 * separator.size() > width) {
@@ -99,9 +92,9 @@ class Screen {
     if (!overview_.plates) return;
     line("plates", std::to_string(overview_.plates->size()) + " in all");
     for (const PlateOverview& plate : *overview_.plates) {
-      line("", Printable(plate.name) + ": " + Counted(plate.wellCount, "well") + ", " +
+      line("", form_.Printable(plate.name) + ": " + Counted(plate.wellCount, "well") + ", " +
                    Counted(static_cast<unsigned>(plate.frames), "frame") + ", " +
-                   Printable(plate.status) + ", modified " + Printable(plate.modified));
+                   form_.Printable(plate.status) + ", modified " + form_.Printable(plate.modified));
     }
   }
 
@@ -110,16 +103,22 @@ class Screen {
     const auto& faults = overview_.faults;
     for (std::size_t i = 0; i < faults.size() && i < kMost; ++i) {
       std::istringstream words("at byte " + std::to_string(faults[i].offset) + ": " +
-                               Printable(faults[i].what));
+                               form_.Printable(faults[i].what));
       lines("fault", {std::istream_iterator<std::string>(words), {}}, " ", Style::kRed);
     }
     if (faults.size() > kMost) line("", "and " + Counted(faults.size() - kMost, "more fault"));
   }
 
+  // "AbsQ: absolute quantification"; the code alone when its meaning is not known.
+  std::string explained(CodeField field, std::string_view code) const {
+    const std::string meaning = CodeMeaning(field, code);
+    return form_.Printable(code) + (meaning.empty() ? "" : ": " + meaning);
+  }
+
   std::string kindText() const {
     const std::string& kind = plate_.kind;
     if (!CodeMeaning(CodeField::kKind, kind).empty()) return explained(CodeField::kKind, kind);
-    return "ordinary document" + (kind.empty() ? "" : " (" + Printable(kind) + ")");
+    return "ordinary document" + (kind.empty() ? "" : " (" + form_.Printable(kind) + ")");
   }
 
   std::string plateText() const {
@@ -131,8 +130,8 @@ class Screen {
   }
 
   std::string assayText() const {
-    const std::string remark = Printable(plate_.text);
-    return explained(CodeField::kAssay, plate_.assay) + ", run " + Printable(plate_.run) +
+    const std::string remark = form_.Printable(plate_.text);
+    return explained(CodeField::kAssay, plate_.assay) + ", run " + form_.Printable(plate_.run) +
            (remark.empty() ? "" : ", \"" + remark + "\"");
   }
 
@@ -141,8 +140,8 @@ class Screen {
     return plate_.status == RunStatus::kDone ? Style::kGreen : Style::kPlain;
   }
 
-  static std::vector<std::string> blockItems(const BlockInfo& block) {
-    std::vector<std::string> items = {Printable(block.tag) + ": " +
+  std::vector<std::string> blockItems(const BlockInfo& block) const {
+    std::vector<std::string> items = {form_.Printable(block.tag) + ": " +
                                       Counted(block.frameCount, "frame") + " of " +
                                       Counted(block.wells.size(), "well")};
     if (block.version != 2) items.push_back("version " + std::to_string(block.version));
@@ -155,9 +154,9 @@ class Screen {
   }
 
   // The bytes, where nothing tells what date and time they are. All of them 0 are no time.
-  static std::string timeText(const std::optional<std::string>& time,
-                              const std::array<std::uint8_t, 6>& stored) {
-    if (time) return Printable(*time);
+  std::string timeText(const std::optional<std::string>& time,
+                       const std::array<std::uint8_t, 6>& stored) const {
+    if (time) return form_.Printable(*time);
     if (stored == std::array<std::uint8_t, 6>{}) return {};
     std::string shown = "time bytes";
     for (const unsigned byte : stored) shown += " " + std::to_string(byte);
@@ -173,7 +172,7 @@ class Screen {
     std::istringstream program(*plate_.programText);
     std::string each;
     for (std::string_view label = "program"; std::getline(program, each); label = "") {
-      line(label, Printable(each));
+      line(label, form_.Printable(each));
     }
   }
 
@@ -184,7 +183,7 @@ class Screen {
       std::string shown = ValueText(value);
       if (key == "log") std::replace(shown.begin(), shown.end(), '\n', ' ');
       if (std::holds_alternative<std::string>(value)) {
-        line(key, Printable(shown));
+        line(key, form_.Printable(shown));
       } else {
         numbers.push_back(std::string(key) + " " + shown);
       }
@@ -205,41 +204,44 @@ class Screen {
     }
     std::vector<std::string> items = {std::to_string(plate_.records.size()) + " in all"};
     for (const auto& [tag, count] : counts) {
-      items.push_back(Printable(tag) + (count > 1 ? " x" + std::to_string(count) : ""));
+      items.push_back(form_.Printable(tag) + (count > 1 ? " x" + std::to_string(count) : ""));
     }
     lines("records", items);
   }
 
   const DocumentOverview& overview_;
   const PlateOverview& plate_;
-  const Terminal& terminal_ = Terminal::Out();
-  bool isNarrow_ = terminal_.TextWidth() < kNarrow;
+  const TextForm& form_;
+  std::string_view whole_;
+  std::string text_;
+  bool isNarrow_ = form_.TextWidth() < kNarrow;
 };
 
 }  // namespace
 
-void PrintOverview(const DocumentOverview& overview) {
-  Screen(overview).Print();
+std::string OverviewText(const DocumentOverview& overview, const TextForm& form,
+                         std::string_view whole) {
+  return Screen(overview, form, whole).Text();
 }
 
 void OverviewListing::Add(const DocumentOverview& overview) {
   const PlateOverview& plate = overview.plate;
   const std::size_t faults = overview.faults.size();
   const bool isStudy = overview.plates.has_value();
-  rows_.push_back({Printable(overview.path),
+  rows_.push_back({form_.Printable(overview.path),
                    isStudy ? "study of " + Counted(overview.plates->size(), "plate") : "run",
-                   Printable(plate.status), isStudy ? "" : std::to_string(plate.frames),
+                   form_.Printable(plate.status), isStudy ? "" : std::to_string(plate.frames),
                    isStudy ? "" : std::to_string(plate.wellsInUse),
-                   Printable(plate.start.value_or("")),
+                   form_.Printable(plate.start.value_or("")),
                    faults > 0 ? Counted(faults, "fault") : ""});
 }
 
-void OverviewListing::Print() const {
-  if (rows_.empty()) return;
+std::string OverviewListing::Text() const {
+  if (rows_.empty()) return {};
   constexpr std::size_t kFrames = 3;
   constexpr std::size_t kWells = 4;
-  std::cout << DrawTable({"file", "kind", "status", "frames", "wells", "start", "faults"}, rows_,
-                         Terminal::Out(), {kFrames, kWells});
+  return DrawTable({"file", "kind", "status", "frames", "wells", "start", "faults"}, rows_, form_,
+                   {kFrames, kWells});
 }
 
-}  // namespace vex2::tool
+}  // namespace vex2::lab
