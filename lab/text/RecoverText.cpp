@@ -53,17 +53,17 @@ std::string RecoverText(const RecoverReport& report, const std::string& source,
                         const std::string& target, const TextForm& form, std::string_view all) {
   const bool isWhole = report.IsWhole();
   std::string text =
-      form.Styled(isWhole ? "whole    " : "rescued  ", isWhole ? Style::kGreen : Style::kBold) +
+      form.Styled(isWhole ? "whole      " : "recovered  ", isWhole ? Style::kGreen : Style::kBold) +
       counts(report.records, report.frames, report.plates) + '\n';
   if (!isWhole) {
-    text += form.Styled("lost     ", Style::kRed) +
+    text += form.Styled("lost       ", Style::kRed) +
             (report.lostPlaces + report.lostRecords + report.lostFrames > 0
                  ? lossText(report)
                  : std::string("nothing but what was put in anew below")) +
             '\n';
   }
-  text += "from     " + form.Printable(source) + ", " + Counted(report.size, "byte") + '\n' +
-          "to       " + form.Printable(target) + ", " + Counted(report.written, "byte") + '\n';
+  text += "from       " + form.Printable(source) + ", " + Counted(report.size, "byte") + '\n' +
+          "to         " + form.Printable(target) + ", " + Counted(report.written, "byte") + '\n';
   return text + notesText(report.lost, report.lostPlaces, "lost", form, all) +
          notesText(report.corrected, report.correctedPlaces, "put right, or put in as a guess",
                    form, all);

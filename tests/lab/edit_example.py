@@ -2,7 +2,7 @@
 """Records a run with one example, edits it with another, damages it, and lets a third one repair and
 recover it.
 
-usage: edit_example.py RECORD_WITH_LAB EDIT_LAB RESCUE_LAB
+usage: edit_example.py RECORD_WITH_LAB EDIT_LAB RECOVER_LAB
 """
 
 import os
@@ -26,18 +26,18 @@ def check(what, found, expected):
     return False
 
 
-def main(record, edit, rescue):
+def main(record, edit, recover):
     with tempfile.TemporaryDirectory() as folder:
         document = os.path.join(folder, "run.vex")
         recovered = os.path.join(folder, "recovered.vex")
         isright = check("record", run(record, document)[1], 0)
         isright &= check("edit", run(edit, document), ("A1: patient 8, FAM\n", 0))
-        isright &= check("sound", run(rescue, document, recovered), ("", 0))
+        isright &= check("sound", run(recover, document, recovered), ("", 0))
 
         size = os.path.getsize(document)
         with open(document, "ab") as file:
             file.write(b"Zzz")  # too few for a record
-        text, code = run(rescue, document, recovered)
+        text, code = run(recover, document, recovered)
         isright &= check("repair", (code, os.path.getsize(document)), (0, size))
         isright &= check("backup", os.path.getsize(document + ".backup"), size + 3)
         isright &= check("told", f"byte {size}:" in text and "repaired; backup:" in text, True)
@@ -46,7 +46,7 @@ def main(record, edit, rescue):
         with open(document, "r+b") as file:  # the first record, behind the header
             file.seek(1024)
             file.write(bytes(8))
-        text, code = run(rescue, document, recovered)
+        text, code = run(recover, document, recovered)
         isright &= check("something is lost", code, 1)
         isright &= check("recovery", f"recovered {FRAMES} frames" in text, True)
     return 0 if isright else 1

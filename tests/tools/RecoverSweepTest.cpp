@@ -222,7 +222,7 @@ class RecoverSweep : public TempFolderTest {
     CFile in;
     CFile out;
     EXPECT_TRUE(in.Open(damaged_.c_str(), CFile::modeRead));
-    EXPECT_TRUE(out.Open(rescued_.c_str(), CFile::modeReadWrite | CFile::modeCreate));
+    EXPECT_TRUE(out.Open(recovered_.c_str(), CFile::modeReadWrite | CFile::modeCreate));
     return lab::Recovery(in, out, {}).Run();
   }
 
@@ -236,11 +236,11 @@ class RecoverSweep : public TempFolderTest {
     WriteBytes(damaged_, bytes);
     const lab::RecoverReport report = recover();
     const bool isAnything = report.IsAnything();
-    const DocumentIndex found = isAnything ? indexOf(rescued_) : DocumentIndex();
+    const DocumentIndex found = isAnything ? indexOf(recovered_) : DocumentIndex();
     const Losses losses = missing(whole, damage, found);
     if (!losses.first.empty()) return {"lost: " + losses.first, losses.undecided};
     if (!isAnything) return {"", losses.undecided};
-    return {readersComplaint(rescued_, found, report.written), losses.undecided};
+    return {readersComplaint(recovered_, found, report.written), losses.undecided};
   }
 
   // Damages the document so often, and counts what came of it.
@@ -276,7 +276,7 @@ class RecoverSweep : public TempFolderTest {
   }
 
   const std::string damaged_ = folder_ / "damaged.vex";
-  const std::string rescued_ = folder_ / "rescued.vex";
+  const std::string recovered_ = folder_ / "recovered.vex";
 };
 
 std::vector<std::filesystem::path> documentsIn(const std::filesystem::path& folder) {

@@ -16,9 +16,9 @@ using testing::HasSubstr;
 
 class Recover : public DamageTest {
  protected:
-  CommandResult Rescue(const VexProcess::Arguments& more = {},
+  CommandResult RecoverIt(const VexProcess::Arguments& more = {},
                        const VexProcess::Surroundings& surroundings = {}) const {
-    VexProcess::Arguments arguments = {"recover", path_, "-o", rescued_};
+    VexProcess::Arguments arguments = {"recover", path_, "-o", recovered_};
     arguments.insert(arguments.end(), more.begin(), more.end());
     return RunVex(arguments, surroundings);
   }
@@ -42,39 +42,39 @@ class Recover : public DamageTest {
     return content;
   }
 
-  const std::string rescued_ = folder_ / "rescued.vex";
+  const std::string recovered_ = folder_ / "recovered.vex";
 };
 
 TEST_F(Recover, AWholeDocumentComesOutAsItWas) {
   MakeRun("PROG");
-  const CommandResult result = Rescue();
+  const CommandResult result = RecoverIt();
   EXPECT_EQ(result.exitCode, 0) << result.errors;
-  EXPECT_EQ(result.output, "whole    10 records and 3 frames\nfrom     " + path_ +
-                               ", 1872 bytes\nto       " + rescued_ + ", 1872 bytes\n");
-  EXPECT_EQ(FirstDifference(ReadBytes(rescued_), ReadBytes(path_)), "");
+  EXPECT_EQ(result.output, "whole      10 records and 3 frames\nfrom       " + path_ +
+                               ", 1872 bytes\nto         " + recovered_ + ", 1872 bytes\n");
+  EXPECT_EQ(FirstDifference(ReadBytes(recovered_), ReadBytes(path_)), "");
 }
 
 TEST_F(Recover, OfATornRunAllWholeFramesAreKeptAndTheLossIsTold) {
   MakeRun("DONE");
   Change([](Bytes& bytes) { bytes.resize(kEnd - 1); });
   const Bytes torn = ReadBytes(path_);
-  const CommandResult result = Rescue();
+  const CommandResult result = RecoverIt();
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_EQ(result.errors, "");
-  EXPECT_THAT(result.output, HasSubstr("rescued  10 records and 2 frames\n"
-                                       "lost     239 bytes in 1 place, 1 frame\n"));
+  EXPECT_THAT(result.output, HasSubstr("recovered  10 records and 2 frames\n"
+                                       "lost       239 bytes in 1 place, 1 frame\n"));
   EXPECT_EQ(ReadBytes(path_), torn);
-  EXPECT_THAT(Output({"check", "--strict", rescued_}), HasSubstr(": sound"));
+  EXPECT_THAT(Output({"check", "--strict", recovered_}), HasSubstr(": sound"));
 }
 
 TEST_F(Recover, ForProgramsTheReportIsAnObject) {
   MakeRun("DONE");
   Change([](Bytes& bytes) { bytes.resize(kEnd - 1); });
-  const CommandResult result = Rescue({"--json"});
+  const CommandResult result = RecoverIt({"--json"});
   EXPECT_EQ(result.exitCode, 1);
   const json report = json::parse(result.output);
   EXPECT_EQ(report["file"], path_);
-  EXPECT_EQ(report["output"], rescued_);
+  EXPECT_EQ(report["output"], recovered_);
   EXPECT_EQ(report["whole"], false);
   EXPECT_EQ(report["frames"], 2);
   EXPECT_EQ(report["lostFrames"], 1);
@@ -111,56 +111,56 @@ TEST_F(Recover, NeverWritesToItsInputWhateverItIsCalled) {
 
 TEST_F(Recover, WhatStandsInTheOutputsPlaceIsKeptUnlessForced) {
   MakeRun("DONE");
-  WriteBytes(rescued_, ToBytes("kept"));
-  ExpectNothingDone({"recover", path_, "-o", rescued_}, 2,
+  WriteBytes(recovered_, ToBytes("kept"));
+  ExpectNothingDone({"recover", path_, "-o", recovered_}, 2,
                     "already exists; use --force to overwrite it");
-  EXPECT_EQ(Rescue({"--force"}).exitCode, 0);
-  EXPECT_EQ(ReadBytes(rescued_), ReadBytes(path_));
+  EXPECT_EQ(RecoverIt({"--force"}).exitCode, 0);
+  EXPECT_EQ(ReadBytes(recovered_), ReadBytes(path_));
 }
 
 TEST_F(Recover, ARunThatIsGoingOnIsNotReplaced) {
   MakeRun("PROG");
-  fs::rename(path_, rescued_);
+  fs::rename(path_, recovered_);
   MakeRun("DONE");
-  ExpectNothingDone({"recover", path_, "--force", "-o", rescued_}, 1, rescued_);
+  ExpectNothingDone({"recover", path_, "--force", "-o", recovered_}, 1, recovered_);
 }
 
 TEST_F(Recover, WhereThereIsNothingNothingIsMade) {
-  WriteBytes(rescued_, ToBytes("kept"));
+  WriteBytes(recovered_, ToBytes("kept"));
   for (const Bytes& bytes :
        {Bytes(), ToBytes("well,stage,cycle\nA1,amp,1\n"), Bytes(5000, 0), Bytes(5000, 0xFF)}) {
     WriteBytes(path_, bytes);
-    ExpectNothingDone({"recover", path_, "--force", "-o", rescued_}, 2, "nothing to recover");
+    ExpectNothingDone({"recover", path_, "--force", "-o", recovered_}, 2, "nothing to recover");
   }
 }
 
 TEST_F(Recover, PathsThatLeadNowhereAreToldByName) {
   MakeRun("DONE");
   const std::string missing = folder_ / "missing.vex";
-  ExpectNothingDone({"recover", missing, "-o", rescued_}, 2,
+  ExpectNothingDone({"recover", missing, "-o", recovered_}, 2,
                     "vex: " + missing + ": No such file or directory");
   const std::string folder = folder_ / "folder";
   fs::create_directory(folder);
-  ExpectNothingDone({"recover", folder, "-o", rescued_}, 2, folder + ": ");
+  ExpectNothingDone({"recover", folder, "-o", recovered_}, 2, folder + ": ");
   ExpectNothingDone({"recover", path_, "--force", "-o", folder}, 2, folder + ": ");
   ExpectNothingDone({"recover", path_, "-o", missing + "/out.vex"}, 2, missing + "/out.vex: ");
 }
 
 TEST_F(Recover, WithoutRoomTheOldOutputStays) {
   MakeRun("DONE");
-  ExpectNothingDone({"recover", path_, "-o", rescued_}, 3, rescued_ + ": ",
+  ExpectNothingDone({"recover", path_, "-o", recovered_}, 3, recovered_ + ": ",
                     {.input = "", .fileSize = 1000});
-  WriteBytes(rescued_, ToBytes("kept"));
-  ExpectNothingDone({"recover", path_, "--force", "-o", rescued_}, 3, rescued_ + ": ",
+  WriteBytes(recovered_, ToBytes("kept"));
+  ExpectNothingDone({"recover", path_, "--force", "-o", recovered_}, 3, recovered_ + ": ",
                     {.input = "", .fileSize = 1000});
 }
 
 /// One damage at a time to documents of a few records; what comes out is known to the byte.
 class RecoverRecords : public Recover {
  protected:
-  void ExpectRescued(const Bytes& expected) const {
-    EXPECT_EQ(Rescue({"--force"}).exitCode, 0);
-    EXPECT_EQ(FirstDifference(ReadBytes(rescued_), expected), "");
+  void ExpectRecovered(const Bytes& expected) const {
+    EXPECT_EQ(RecoverIt({"--force"}).exitCode, 0);
+    EXPECT_EQ(FirstDifference(ReadBytes(recovered_), expected), "");
   }
 };
 
@@ -170,7 +170,7 @@ TEST_F(RecoverRecords, AListWhoseTagIsDamagedIsGivenItAgain) {
     for (std::size_t i = 0; i < 4; ++i) {
       WriteBytes(path_, whole);
       Change([=](Bytes& bytes) { bytes[list + i] ^= 1U; });
-      ExpectRescued(whole);
+      ExpectRecovered(whole);
     }
   }
 }
@@ -182,8 +182,8 @@ TEST_F(RecoverRecords, ALengthThatReachesOverOthersDoesNotTakeThemAlong) {
     Append(ByteString().Text(tag).Long(5 + 24).Text("first"));
     Append(settings);
     Append(settings);
-    Rescue({"--force"});
-    const std::string tree = Output({"tree", rescued_});
+    RecoverIt({"--force"});
+    const std::string tree = Output({"tree", recovered_});
     std::size_t lists = 0;
     for (auto at = tree.find("GLBL"); at != std::string::npos; at = tree.find("GLBL", at + 1)) {
       ++lists;
@@ -198,8 +198,8 @@ TEST_F(RecoverRecords, AnEndOfAPlateWhoseTagIsDamagedIsGivenItAgain) {
   for (std::size_t i = 0; i < 4; ++i) {
     WriteBytes(path_, whole);
     Change([=](Bytes& bytes) { bytes[kEndOfPlate + i] ^= 0x20U; });
-    Rescue({"--force"});
-    EXPECT_EQ(FirstDifference(ReadBytes(rescued_), whole), "") << i;
+    RecoverIt({"--force"});
+    EXPECT_EQ(FirstDifference(ReadBytes(recovered_), whole), "") << i;
   }
 }
 
@@ -216,10 +216,10 @@ TEST_F(RecoverRecords, FramesWithoutTheirHeadAreFoundByTheirTimes) {
   Change([=](Bytes& bytes) {
     std::fill(bytes.begin() + head - 30, bytes.begin() + head + kHead, std::uint8_t{0});
   });
-  EXPECT_EQ(Rescue().exitCode, 1);
-  const Bytes rescued = ReadBytes(rescued_);
+  EXPECT_EQ(RecoverIt().exitCode, 1);
+  const Bytes recovered = ReadBytes(recovered_);
   const std::size_t frames = whole.size() - static_cast<std::size_t>(head + kHead);
-  EXPECT_EQ(FirstDifference(Slice(rescued, rescued.size() - frames - kHead + 24, frames + 18),
+  EXPECT_EQ(FirstDifference(Slice(recovered, recovered.size() - frames - kHead + 24, frames + 18),
                             Slice(whole, whole.size() - frames - kHead + 24, frames + 18)),
             "");
 }

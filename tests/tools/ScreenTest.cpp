@@ -51,7 +51,7 @@ class ScreenTest : public DocumentTest {
             {"frame", path_, "0"},
             {"spectrum", path_, "--well", "A1", "--frame", "0"},
             {"check", "--notes", path_},
-            {"recover", path_, "-o", folder_ / "rescued.vex", "--force"},
+            {"recover", path_, "-o", folder_ / "recovered.vex", "--force"},
             {"wells", "--help"}};
   }
 };
@@ -66,7 +66,7 @@ TEST_F(ScreenTest, FortyColumnsFoldWhatEveryCommandPrints) {
       // Only a word that is wider by itself stands in a longer line.
       const std::string words = line.substr(line.find_first_not_of(' '));
       EXPECT_TRUE(words.find(' ') == std::string::npos || words.find(path_) != std::string::npos ||
-                  words.find(folder_ / "rescued.vex") != std::string::npos)
+                  words.find(folder_ / "recovered.vex") != std::string::npos)
           << call.front() << ": " << line;
     }
   }

@@ -30,8 +30,8 @@ class RecoverCommand final : public Command {
  public:
   RecoverCommand()
       : Command({"recover", "Save what is whole of a damaged document as a new one.",
-                 "vex recover damaged.vex -o rescued.vex\n"
-                 "vex recover --json damaged.vex -o rescued.vex | jq .lost"}) {}
+                 "vex recover damaged.vex -o recovered.vex\n"
+                 "vex recover --json damaged.vex -o recovered.vex | jq .lost"}) {}
 
   void AddOptions(Options& options) override {
     options.Add("FILE", source_, "The damaged document").Require().Show("");

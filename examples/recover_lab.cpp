@@ -1,6 +1,6 @@
 // Checks a document, repairs what is safe, and recovers what is whole where that is not enough.
 //
-//     rescue_lab RUN.vex RECOVERED.vex
+//     recover_lab RUN.vex RECOVERED.vex
 
 #include <cinttypes>
 #include <cstdio>
@@ -23,7 +23,7 @@ static bool isSound(const char* path) {
 }
 
 int main(int count, char** arguments) try {
-  if (count != 3) return std::fputs("usage: rescue_lab RUN.vex RECOVERED.vex\n", stderr), 2;
+  if (count != 3) return std::fputs("usage: recover_lab RUN.vex RECOVERED.vex\n", stderr), 2;
   isSound(arguments[1]);
   const lab::RepairReport repair = lab::Repair(arguments[1]);  // a backup is made first
   if (repair.isRepaired) std::printf("repaired; backup: %s\n", repair.backup.c_str());
