@@ -10,6 +10,7 @@
 #include "lab/Guarded.h"
 #include "lab/Text.h"
 #include "lab/model/DocumentChange.h"
+#include "lab/model/DocumentFile.h"
 #include "lab/model/DocumentPlates.h"
 #include "lab/model/DocumentValues.h"
 #include "lab/model/RunValues.h"
@@ -297,6 +298,16 @@ void DocumentEditor::Save() {
     document_->change.Change([&](lab::Document&) { forEach([](Impl& plate) { plate.Store(); }); });
     document_->change.Save();
     forEach([](Impl& plate) { plate.TakeStored(); });
+  });
+}
+
+void SetRunStatus(const std::filesystem::path& path, std::string_view code) {
+  const std::string name = path.string();
+  Guarded(name, [&] {
+    RequireStatusCode(code, name);
+    const DocumentLock lock(name, DocumentLock::Holder::kCommand);
+    DocumentFile().OpenDocument(name);
+    WriteStatus(name, std::string(code));
   });
 }
 

@@ -100,4 +100,12 @@ class VEX2_API DocumentEditor final : public PlateEditor {
   std::unique_ptr<Document> document_;
 };
 
+/// Writes the acquisition status into the header of the document at `path`, and nothing else:
+/// "ZERO", "PROG", "DONE", or any other four plain characters. It is the way to end a run whose
+/// recorder is gone, which `DocumentEditor` and `Repair` do not touch: set "DONE".
+///
+/// Throws `Error`: of class `kUsage` for another text, `kInUse` while a program records or changes
+/// the document, and when the document cannot be read or written, or is none.
+VEX2_API void SetRunStatus(const std::filesystem::path& path, std::string_view code);
+
 }  // namespace vex2::lab

@@ -16,7 +16,8 @@ void StoreStatus(Vex2FileManager& document, std::string_view code);
 
 /// Writes the status into the header of the document at `path`, and changes nothing else. Works
 /// on a document whose run is in progress, too: it is the remedy for one whose recorder is gone.
-/// The caller holds the document's lock. Throws an error with the reason.
+/// The caller holds the document's lock. Throws an error with the reason. `SetRunStatus` does the
+/// same for programs, and takes the lock.
 void WriteStatus(const std::string& path, const std::string& code);
 
 }  // namespace vex2::lab

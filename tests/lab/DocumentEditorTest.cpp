@@ -163,6 +163,30 @@ TEST_F(DocumentEditorTest, SettingsAndStatusAreSet) {
   EXPECT_EQ(ErrorOf([&] { editor.SetStatus("done"); }).Class(), lab::ErrorClass::kUsage);
 }
 
+TEST_F(DocumentEditorTest, SetRunStatusEndsARunWhoseRecorderIsGone) {
+  const std::string path = folder_ / "lost.vex";
+  lab::RecordingPlan plan;
+  plan.plate.wells = {{.number = 1, .name = {}, .sample = "A", .targets = {}}};
+  {
+    const lab::RunRecorder recorder(path, plan);
+    EXPECT_EQ(ErrorOf([&] { lab::SetRunStatus(path, "DONE"); }).Code(), ErrorCode::kInUse);
+  }
+  EXPECT_EQ(ErrorOf([&] { DocumentEditor editor(path); }).Code(), ErrorCode::kDocument);
+  lab::SetRunStatus(path, "DONE");
+  EXPECT_EQ(DocumentEditor(path).Status(), "DONE");
+}
+
+TEST_F(DocumentEditorTest, SetRunStatusRefusesOtherTextsAndFiles) {
+  const Bytes before = ReadBytes(path_);
+  EXPECT_EQ(ErrorOf([&] { lab::SetRunStatus(path_, "done"); }).Class(), lab::ErrorClass::kUsage);
+  EXPECT_EQ(ErrorOf([&] { lab::SetRunStatus(path_, "OVER!"); }).Class(), lab::ErrorClass::kUsage);
+  EXPECT_EQ(ReadBytes(path_), before);
+  const std::string text = folder_ / "notes.txt";
+  WriteBytes(text, ToBytes("not a document"));
+  EXPECT_EQ(ErrorOf([&] { lab::SetRunStatus(text, "DONE"); }).Code(), ErrorCode::kNoDocument);
+  EXPECT_EQ(ReadBytes(text), ToBytes("not a document"));
+}
+
 TEST_F(DocumentEditorTest, CalibrationPartIsReplacedButNotTakenAway) {
   DocumentEditor editor(path_);
   editor.Calibration() = lab::SimulatedCalibration();
