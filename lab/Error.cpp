@@ -5,6 +5,8 @@
 #include <cerrno>
 #include <cstring>
 
+#include "lab/SystemError.h"
+
 namespace vex2::lab {
 
 namespace {
@@ -61,11 +63,64 @@ constexpr bool areInOrder() {
 }
 static_assert(areInOrder());
 
-std::string composed(std::string_view file, std::string_view what,
+// In the terms of this library.
+std::string_view textOf(ErrorRemedy remedy) {
+  switch (remedy) {
+    case ErrorRemedy::kNone:
+      break;
+    case ErrorRemedy::kExtractPlate:
+      return "take its plates out of it first";
+    case ErrorRemedy::kMakeStudy:
+      return "make a study of it first";
+    case ErrorRemedy::kEndRun:
+      return "let the recorder finish, or call SetRunStatus if it never will";
+    case ErrorRemedy::kImport:
+      return "bring the table into a document first";
+    case ErrorRemedy::kExport:
+      return "write a table of the document first";
+    case ErrorRemedy::kGiveDelimiter:
+      return "set delimiter";
+    case ErrorRemedy::kQuoteDecimals:
+      return "put numbers with a decimal comma in quotes and set decimalMark to ',', or separate "
+             "the fields by semicolons";
+    case ErrorRemedy::kGiveDecimalMark:
+      return "set decimalMark";
+    case ErrorRemedy::kTakeDecimalPoint:
+      return "set decimalMark to '.' if all numbers are written like this one";
+    case ErrorRemedy::kTakeDecimalComma:
+      return "set decimalMark to ',' if all numbers are written like this one";
+    case ErrorRemedy::kGiveLatin1:
+      return "if the file is Latin-1, set encoding to latin1 (of Windows: windows-1252)";
+    case ErrorRemedy::kGiveEncoding:
+      return "set encoding to that of the file";
+    case ErrorRemedy::kAllowRounding:
+      return "clear isExact to accept that";
+    case ErrorRemedy::kNameChannels:
+      return "name all channels beforehand";
+    case ErrorRemedy::kLowerOffset:
+      return "no reading can be below the offset";
+    case ErrorRemedy::kNewRunWithOffset:
+      return "record such a run to a new document with an offset below its lowest reading";
+    case ErrorRemedy::kNewRunWithScale:
+      return "record such a run to a new document with a scale that its highest reading fits";
+    case ErrorRemedy::kResume:
+      return "resume the run to go on";
+    case ErrorRemedy::kResumeOrReplace:
+      return "set resume to continue it or replace to overwrite it";
+  }
+  return {};
+}
+
+std::string withRemedy(std::string_view problem, ErrorRemedy remedy) {
+  std::string text(problem);
+  return remedy == ErrorRemedy::kNone ? text : text.append("; ").append(textOf(remedy));
+}
+
+std::string composed(std::string_view file, std::string_view message,
                      std::optional<std::uint64_t> offset) {
   std::string text(file);
   if (offset) text += ": at byte " + std::to_string(*offset);
-  return Escaped(text.append(": ").append(what));
+  return Escaped(text.append(": ").append(message));
 }
 
 ErrorCode codeOf(int error) {
@@ -147,15 +202,18 @@ std::string Escaped(std::string_view text) {
 }
 
 Error::Error(ErrorCode code, std::string_view file, std::string_view what,
-             std::optional<std::uint64_t> offset)
-    : std::runtime_error(composed(file, what, offset)),
+             std::optional<std::uint64_t> offset, ErrorRemedy remedy, int systemError)
+    : std::runtime_error(composed(file, withRemedy(what, remedy), offset)),
       code_(code),
       file_(file),
-      message_(what),
-      offset_(offset) {}
+      message_(withRemedy(what, remedy)),
+      problemSize_(what.size()),
+      remedy_(remedy),
+      offset_(offset),
+      systemError_(systemError) {}
 
 Error::Error(ErrorCode code, std::string_view what)
-    : std::runtime_error(Escaped(what)), code_(code), message_(what) {}
+    : std::runtime_error(Escaped(what)), code_(code), message_(what), problemSize_(what.size()) {}
 
 ErrorClass Error::Class() const {
   return ErrorKindOf(code_).errorClass;
@@ -163,11 +221,12 @@ ErrorClass Error::Class() const {
 
 Error SystemError(std::string_view file, int error, std::optional<std::uint64_t> offset) {
   const bool isInUse = error == EAGAIN || error == EWOULDBLOCK;
-  Error result = isInUse ? Error(kInUse, file,
-                                 "another program is using it; try again when it is done", offset)
-                         : Error(codeOf(error), file, std::strerror(error), offset);
-  result.systemError_ = error;
-  return result;
+  return {isInUse ? kInUse : codeOf(error),
+          file,
+          isInUse ? "another program is using it; try again when it is done" : std::strerror(error),
+          offset,
+          ErrorRemedy::kNone,
+          error};
 }
 
 }  // namespace vex2::lab

@@ -9,7 +9,7 @@
 #include <string>
 #include <utility>
 
-#include "lab/Error.h"
+#include "lab/SystemError.h"
 #include "vex2/framework/CFileException.h"
 #include "vex2/framework/FileError.h"
 
@@ -23,7 +23,8 @@ auto Guarded(const std::string& path, Work&& work) -> decltype(std::forward<Work
     return std::forward<Work>(work)();
   } catch (const Error& error) {
     if (!error.File().empty() || path.empty()) throw;
-    throw Error(error.Code(), path, error.Message(), error.Offset());
+    throw Error(error.Code(), path, error.Problem(), error.Offset(), error.Remedy(),
+                error.SystemErrorNumber());
   } catch (const CFileException& failure) {
     // Where a write failed is a place in a file that is not there any more.
     const bool hasOffset = failure.GetOperation() == FileOperation::kRead;

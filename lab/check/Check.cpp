@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 
-#include "lab/Error.h"
 #include "lab/Guarded.h"
+#include "lab/SystemError.h"
 #include "lab/Text.h"
 #include "lab/check/HeaderCheck.h"
 #include "lab/check/MeaningCheck.h"
@@ -25,7 +25,9 @@ constexpr std::array<std::string_view, 11> kSingle = {
     TagOf(Kind::kRawData),        TagOf(Kind::kReportingDataR), TagOf(Kind::kReportingDataN),
     TagOf(Kind::kReportingDataD), TagOf(Kind::kReportingDataT)};
 
-std::optional<std::string> whyNoDocument(const std::string& path) {
+constexpr const char* kRename = "take the plate out of the study, and add it under another name";
+
+std::optional<NoDocument> whyNoDocument(const std::string& path) {
   CFile file;
   OpenToRead(file, path);
   return WhyNoDocument(file);
@@ -55,12 +57,11 @@ void checkPlates(const Document& document, Findings& findings) {
     if (plates[i].name.empty()) {
       findings.Add({Severity::kWarning, where, plates[i].offset, "the plate has no name",
                     "it cannot be asked for by name, and two such plates not be told apart",
-                    "'vex study' takes plates out of studies and puts them in under a name"});
+                    kRename});
     } else if (std::any_of(plates.begin(), plates.begin() + static_cast<std::ptrdiff_t>(i), same)) {
       findings.Add({Severity::kWarning, where, plates[i].offset,
                     "an earlier plate is called '" + Escaped(ToUtf8(plates[i].name)) + "', too",
-                    "whoever asks for the name gets the earlier one",
-                    "'vex study' takes plates out of studies and puts them in under a name"});
+                    "whoever asks for the name gets the earlier one", kRename});
     }
   }
 }
@@ -87,12 +88,31 @@ void checkStudy(const Document& document, Findings& findings) {
   }
 }
 
+// Neither consequences nor remedies hold texts of the document, which could look like such a word.
+std::string named(std::string text, const OperationNames& names) {
+  const std::array<std::pair<std::string_view, const std::string&>, 7> words = {{
+      {"{repair}", names.repair},
+      {"{recover}", names.recover},
+      {"{resume}", names.resume},
+      {"{upgrade}", names.upgrade},
+      {"{read}", names.read},
+      {"{setWells}", names.setWells},
+      {"{setStatus}", names.setStatus},
+  }};
+  for (const auto& [word, name] : words) {
+    for (std::size_t at = 0; (at = text.find(word, at)) != std::string::npos; at += name.size()) {
+      text.replace(at, word.size(), name);
+    }
+  }
+  return text;
+}
+
 Findings checkDocument(const std::string& path) {
   Findings findings;
   if (const auto why = whyNoDocument(path)) {
-    findings.Add({Severity::kError, "header", 0, *why,
+    findings.Add({Severity::kError, "header", 0, why->text,
                   "it is not a plate document, and nothing of it is read",
-                  "when it was one, 'vex recover' looks for what is left of it"});
+                  "when it was one, {recover} looks for what is left of it"});
     return findings;
   }
   const Document document(path);
@@ -113,8 +133,15 @@ Findings checkDocument(const std::string& path) {
 
 }  // namespace
 
-Findings Check(const std::filesystem::path& path) {
-  return Guarded(path.string(), [&] { return checkDocument(path.string()); });
+Findings Check(const std::filesystem::path& path, const OperationNames& names) {
+  return Guarded(path.string(), [&] {
+    Findings findings = checkDocument(path.string());
+    for (Finding& finding : findings.list) {
+      finding.consequence = named(std::move(finding.consequence), names);
+      finding.remedy = named(std::move(finding.remedy), names);
+    }
+    return findings;
+  });
 }
 
 }  // namespace vex2::lab

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <bit>
 
-#include "lab/Error.h"
+#include "lab/SystemError.h"
 #include "lab/Text.h"
 #include "lab/model/FileLayout.h"
 #include "vex2/format/RecordKinds.h"
@@ -13,7 +13,7 @@ namespace vex2::lab {
 namespace {
 
 constexpr unsigned kMaskBits = 32;
-constexpr const char* kRepairPosition = "'vex repair' makes it lead to the record";
+constexpr const char* kRepairPosition = "{repair} makes it lead to the record";
 
 std::string dimensions(const HeaderFields& header) {
   return std::to_string(header.rows) + " x " + std::to_string(header.columns);
@@ -27,7 +27,7 @@ void checkSize(const HeaderFields& header, const std::string& name, std::uint64_
         {Severity::kError, name, rowsAt,
          "a plate of " + std::to_string(header.rows) + " rows, more than a header has room for",
          "records are looked for behind the masks of all rows, and no save reads back",
-         "'vex recover' takes what it finds into a document of a possible plate"});
+         "{recover} takes what it finds into a document of a possible plate"});
     return;
   }
   const auto wells = WellsOfPlateType(header.plateType);
@@ -121,8 +121,7 @@ void checkRunningPosition(const HeaderFields& header, const Aim& aim, Findings& 
                     (aim.isEnd ? ", just past the block at byte " + block
                                : ", but the block is at byte " + block) +
                     ", and the run is in progress",
-                harmToRun(position),
-                "'vex repair' makes it lead to the block; 'vex record --resume' does so, too"});
+                harmToRun(position), "{repair} makes it lead to the block; {resume} does so, too"});
 }
 
 // Whether bytes behind the last record may be a block that is only not read.
@@ -149,8 +148,8 @@ void checkRawData(const HeaderFields& header, const Aim& aim, const Document& do
                   : isHarm ? "frames that an instrument commits would stand behind no block"
                            : "who reads single frames from the file finds something else",
                   isStudy                  ? ""
-                  : mayHideBlock(document) ? "'vex recover' looks for the block"
-                                           : "'vex repair' makes it 0"});
+                  : mayHideBlock(document) ? "{recover} looks for the block"
+                                           : "{repair} makes it 0"});
     return;
   }
   if (position == 0 || aim.isEnd) {
@@ -180,7 +179,7 @@ void checkLast(const HeaderFields& header, const Document& document, Findings& f
        "the run is in progress, and " + Counted(records.end() - block - 1, "record") +
            (records.end() - block == 2 ? " stands" : " stand") + " behind its block",
        "a frame that is committed would stand behind them, and the block's length be wrong",
-       "when the run is over, set the status: vex status FILE DONE"});
+       "when the run is over, {setStatus} sets its status"});
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 #include <optional>
 #include <set>
 
-#include "lab/Error.h"
+#include "lab/SystemError.h"
 #include "lab/Text.h"
 #include "lab/model/DocumentPlates.h"
 #include "lab/model/PlateContents.h"
@@ -26,7 +26,7 @@ constexpr std::array<std::string_view, 7> kTasks = {"UNKN", "STND", "NTC", "IPC"
 constexpr std::string_view kBlock = TagOf(Kind::kRawData);
 constexpr std::string_view kSetup = TagOf(Kind::kPlateSetup);
 constexpr std::uint16_t kHottest = 12000;  // hundredths of a degree: above, water has boiled off
-constexpr const char* kSetWells = "'vex wells FILE --from wells.csv' sets the wells up anew";
+constexpr const char* kSetWells = "{setWells} sets the wells up anew";
 
 std::string shown(std::string_view text) {
   return "'" + Escaped(ToUtf8(text)) + "'";
@@ -172,10 +172,10 @@ class PlateCheck {
           Counted(foreign_.count, "reading") + " of " + foreignWells_.Text(contents_.plate) +
               " are not what the recorder that the log names writes, the first in frame " +
               at(foreign_),
-          "their bytes were changed after the recording; 'vex export' leaves them empty",
+          "their bytes were changed after the recording; {read} leaves them empty",
           "take the run from a backup, or record it again from its readings");
     }
-    const char* const kLook = "'vex export' shows them: see whether the readings were right";
+    const char* const kLook = "{read} shows them: see whether the readings were right";
     const auto warn = [&](const FrameFault& fault, std::string_view unit, const std::string& what,
                           const std::string& consequence) {
       if (fault.count == 0) return;
@@ -211,7 +211,7 @@ void checkStatus(const HeaderFields& header, Findings& findings) {
   findings.Add({Severity::kWarning, "header", HeaderLayout::kStatusAt,
                 "the acquisition status " + shown(header.status) + " is none of ZERO, PROG, DONE",
                 "nobody can tell whether the run is over",
-                "'vex status FILE DONE' sets it when the run is over"});
+                "{setStatus} sets it when the run is over"});
 }
 
 }  // namespace

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <set>
 
-#include "lab/Error.h"
+#include "lab/SystemError.h"
 #include "lab/Text.h"
 #include "lab/check/HeaderCheck.h"
 #include "lab/model/FileLayout.h"
@@ -137,13 +137,13 @@ void RecordCheck::checkNoRecord(const FileRecord& record) {
     return add(Severity::kError, "these bytes are no record, and known ones follow",
                "the reader steps over " + Counted(record.length, "byte") +
                    " and may miss what stood there; the next save drops them",
-               "'vex recover' looks for records among them");
+               "{recover} looks for records among them");
   }
   if (goesOn) return;
   findings_.Add({Severity::kError, path(levels_.size() - 1), record.offset,
                  "from here on there are bytes that are no records",
                  "the reader takes them for records of the list, and loses those behind them",
-                 "'vex recover' looks for records among and behind them"});
+                 "{recover} looks for records among and behind them"});
 }
 
 void RecordCheck::Finish(const WalkEnd& end) {
@@ -153,8 +153,8 @@ void RecordCheck::Finish(const WalkEnd& end) {
                              records.back().offset == end.fault->offset;
   isWalked_ = !end.fault || isInLastBlock || end.fault->offset >= document_.RecordsEnd();
   // Where bytes between records are none, a length may be right and what follows wrong.
-  const char* remedy = CanRepairLengths() ? "'vex repair' sets the length to what the record holds"
-                                          : "'vex recover' takes what is whole into a new document";
+  const char* remedy = CanRepairLengths() ? "{repair} sets the length to what the record holds"
+                                          : "{recover} takes what is whole into a new document";
   for (Finding& finding : lengths_) {
     finding.remedy = remedy;
     findings_.Add(std::move(finding));
@@ -213,19 +213,19 @@ void RecordCheck::checkBlock(const FileRecord& record, CFile& file) {
   if (head->version < kFirstVersionThatReadsBack) {
     add(Severity::kWarning, "a data block of version " + std::to_string(head->version),
         "it is read, but would not read back once it was saved",
-        "'vex copy --upgrade' makes a document of it that is safe to save");
+        "{upgrade} makes a document of it that is safe to save");
   } else if (head->timeBlockSize != kTimeBlockSize) {
     add(Severity::kError,
         "its time block is of " + Counted(head->timeBlockSize, "byte") + ", not 12",
         "the document is read right, but who reads single frames from the file finds other wells",
-        "'vex recover' writes the block anew");
+        "{recover} writes the block anew");
   }
   checkWells(*head);
   if (head->wells.empty() && record.DeclaredEnd() > head->firstFrame) {
     add(Severity::kError, "it has no wells, but a length of " + std::to_string(record.length),
         "nothing in it is read, and the next record is looked for at byte " +
             std::to_string(head->firstFrame),
-        "'vex recover' looks for what is left");
+        "{recover} looks for what is left");
   }
   const bool isShort = record.DeclaredEnd() < head->firstFrame;
   const std::uint64_t counted = isShort ? 0 : record.DeclaredEnd() - head->firstFrame;
@@ -238,7 +238,7 @@ void RecordCheck::checkBlock(const FileRecord& record, CFile& file) {
                     std::to_string(part) + " of the " + std::to_string(head->frameSize) +
                     " bytes of another",
       "the half frame is not read, and the next record is looked for in it",
-      "'vex repair' sets the length to whole frames where the block is the last record");
+      "{repair} sets the length to whole frames where the block is the last record");
 }
 
 void RecordCheck::checkWells(const StoredBlock& head) {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "lab/Error.h"
+#include "lab/SystemError.h"
 #include "lab/check/RepairSteps.h"
 #include "lab/model/FileContent.h"
 #include "lab/model/FileLayout.h"

@@ -11,11 +11,11 @@ namespace vex2::lab {
 namespace {
 
 constexpr std::string_view kBlock = TagOf(Kind::kRawData);
-constexpr const char* kRecover = "'vex recover' takes what is whole into a new document";
+constexpr const char* kRecover = "{recover} takes what is whole into a new document";
 constexpr const char* kNotCommitted =
     "none of the committed frames is lost; an instrument that appends here without looking would "
     "spoil its frames";
-constexpr const char* kResume = "'vex record --resume' and 'vex repair' cut it off";
+constexpr const char* kResume = "{resume} and {repair} cut it off";
 
 // The file ends before the block does.
 void checkCutBlock(CFile& file, const Document& document, const HeaderFields& header,
@@ -34,7 +34,7 @@ void checkCutBlock(CFile& file, const Document& document, const HeaderFields& he
   findings.Add(
       {Severity::kError, std::string(kBlock), fault.offset, fault.what,
        "no frame of the block is read, not even the whole ones",
-       canRepair ? "'vex repair' sets the length to the whole frames that are there" : kRecover});
+       canRepair ? "{repair} sets the length to the whole frames that are there" : kRecover});
 }
 
 void checkFault(CFile& file, const Document& document, const HeaderFields& header,
@@ -51,7 +51,7 @@ void checkFault(CFile& file, const Document& document, const HeaderFields& heade
                           : "nothing is read from there on: " + std::to_string(lost) + " of " +
                                 Counted(document.Size(), "byte"),
                 records.CanRepairLengths()
-                    ? "'vex repair' sets the lengths of records; check the document again then"
+                    ? "{repair} sets the lengths of records; check the document again then"
                     : kRecover});
 }
 
@@ -70,15 +70,15 @@ void checkBehindBlock(const LastBlock& block, const Document& document, const He
                   (whole == 1 ? "a whole frame follows" : partText + " follow") +
                       " the block's length: a commit was interrupted",
                   kNotCommitted,
-                  whole == 1 ? "'vex repair' counts it when each well has a reading in it; 'vex "
-                               "record --resume' cuts it off and records it again"
+                  whole == 1 ? "{repair} counts it when each well has a reading in it; "
+                               "{resume} cuts it off and records it again"
                              : kResume});
     return;
   }
   if (whole == 0) {
     findings.Add({Severity::kError, std::string(kBlock), from,
                   partText + " follow the block's length",
-                  "they are not read, and a save drops them", "'vex repair' cuts them off"});
+                  "they are not read, and a save drops them", "{repair} cuts them off"});
     return;
   }
   findings.Add({Severity::kError, std::string(kBlock), from,
@@ -86,7 +86,7 @@ void checkBehindBlock(const LastBlock& block, const Document& document, const He
                     (whole == 1 && rest == 0 ? " follows" : " follow") + " the block's length",
                 "the block is read with " + Counted(block.head.frameCount, "frame") +
                     ", and a save drops the others",
-                "'vex repair' counts those in which each well has a reading"});
+                "{repair} counts those in which each well has a reading"});
 }
 
 void checkBehindRecords(CFile& file, const Document& document, const HeaderFields& header,
@@ -105,13 +105,12 @@ void checkBehindRecords(CFile& file, const Document& document, const HeaderField
     return;
   }
   const bool canHide = bytes >= kRecordHeadSize;
-  findings.Add(
-      {canHide ? Severity::kError : Severity::kWarning, "", from,
-       Counted(bytes, "byte") + (bytes == 1 ? " follows" : " follow") +
-           " the last record, and begin none that is known",
-       canHide ? "they are not read, a save drops them, and there may be records in them"
-               : "too few for a record; they are not read, and a save drops them",
-       canHide ? "'vex recover' looks for records in them" : "'vex repair' cuts them off"});
+  findings.Add({canHide ? Severity::kError : Severity::kWarning, "", from,
+                Counted(bytes, "byte") + (bytes == 1 ? " follows" : " follow") +
+                    " the last record, and begin none that is known",
+                canHide ? "they are not read, a save drops them, and there may be records in them"
+                        : "too few for a record; they are not read, and a save drops them",
+                canHide ? "{recover} looks for records in them" : "{repair} cuts them off"});
 }
 
 }  // namespace

@@ -11,7 +11,7 @@
 #include <optional>
 #include <utility>
 
-#include "lab/Error.h"
+#include "lab/SystemError.h"
 #include "lab/exchange/CsvHeader.h"
 #include "lab/exchange/CsvSplitter.h"
 #include "lab/exchange/TextDecoder.h"
@@ -66,11 +66,11 @@ class InputFile {
 
 // What people hand over in place of a CSV file, by its first bytes.
 void refuseOtherKinds(std::string_view begin, const std::string& name) {
-  const auto refuse = [&](const char* why) { throw Error(ErrorCode::kDocument, name, why, 0); };
+  const auto refuse = [&](const char* why, ErrorRemedy remedy = ErrorRemedy::kNone) {
+    throw Error(ErrorCode::kDocument, name, why, 0, remedy);
+  };
   if (begin.starts_with(kMagic)) {
-    refuse(
-        "is a plate document, not a CSV file; 'vex export', 'vex wells --csv' and 'vex "
-        "calibration --export' make CSV files of one");
+    refuse("is a plate document, not a CSV file", ErrorRemedy::kExport);
   }
   if (begin.starts_with("PK\x03\x04")) {
     refuse(
@@ -107,10 +107,10 @@ class Reader {
     if (splitter_->UnfinishedBytes() > kLongestRow) RefuseNext("is too long");
   }
 
-  [[noreturn]] void RefuseNext(const std::string& why,
+  [[noreturn]] void RefuseNext(const std::string& why, ErrorRemedy remedy = ErrorRemedy::kNone,
                                std::optional<std::uint64_t> offset = std::nullopt) const {
     throw Error(ErrorCode::kDocument, name_, "row " + std::to_string(number_ + 1) + ": " + why,
-                offset);
+                offset, remedy);
   }
   std::size_t RowCount() const { return number_; }
 
@@ -133,9 +133,8 @@ class Reader {
     if (delimiter == 0) {
       const auto found = header_.DelimiterOf(line);
       if (!found) {
-        RefuseNext(
-            "it cannot be told whether fields are parted by comma, semicolon or tab; say so "
-            "with --delimiter");
+        RefuseNext("it cannot be told whether fields are parted by comma, semicolon or tab",
+                   ErrorRemedy::kGiveDelimiter);
       }
       delimiter = *found;
     }
@@ -178,8 +177,10 @@ class Reader {
       return;
     }
     if (row.size() != header_.Width()) {
+      const bool mayBeDecimals = delimiter_ == ',' && row.size() > header_.Width();
       RefuseNext("has " + std::to_string(row.size()) + " fields where the first row has " +
-                 std::to_string(header_.Width()) + hintForWidth(row));
+                     std::to_string(header_.Width()),
+                 mayBeDecimals ? ErrorRemedy::kQuoteDecimals : ErrorRemedy::kNone);
     }
     std::vector<std::string_view> fields = header_.FieldsOf(row);
     for (const std::string_view field : fields) {
@@ -187,13 +188,6 @@ class Reader {
     }
     ++number_;
     take_(CsvRow(name_, number_, std::move(fields), header_.Columns(), mark_));
-  }
-
-  std::string hintForWidth(const CsvSplitter::Row& row) const {
-    const bool mayBeDecimals = delimiter_ == ',' && row.size() > header_.Width();
-    return mayBeDecimals ? "; numbers with a decimal comma must be in quotes (then use --decimal "
-                           "comma), or fields parted by semicolons"
-                         : "";
   }
 
   std::string name_;
@@ -209,10 +203,8 @@ class Reader {
 
 [[noreturn]] void refuseBytes(const Reader& reader, const TextDecoder& decoder) {
   const bool isGuess = decoder.Encoding() == "UTF-8";
-  reader.RefuseNext("these bytes are not " + decoder.Encoding() +
-                        (isGuess ? "; when the file is Latin-1, use --encoding latin1 (of Windows: "
-                                   "--encoding windows-1252)"
-                                 : "; say which encoding the file has with --encoding"),
+  reader.RefuseNext("these bytes are not " + decoder.Encoding(),
+                    isGuess ? ErrorRemedy::kGiveLatin1 : ErrorRemedy::kGiveEncoding,
                     decoder.FaultOffset());
 }
 

@@ -24,7 +24,7 @@ struct CsvFormat {
   char delimiter = 0;    ///< 0: comma, semicolon or tab, whichever parts the names of the columns
   char decimalMark = 0;  ///< 0: the point where commas part fields, else as the numbers tell
   CsvNames names;        ///< of columns that are not called as they are asked for
-  std::string namesOption = "--columns";  ///< what gives such names, for error messages
+  std::string namesOption = "names";  ///< what gives such names, for error messages
   /// Called once with the file's name and the columns that were not asked for, where there are any.
   std::function<void(const std::string& file, const std::vector<std::string>& columns)> onUnused;
 };

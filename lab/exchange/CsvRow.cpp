@@ -2,7 +2,6 @@
 
 #include <cmath>
 
-#include "lab/Error.h"
 #include "lab/Text.h"
 
 namespace vex2::lab {
@@ -13,19 +12,21 @@ std::string Quoted(std::string_view text) {
   return text.size() > kMost ? "'" + shown + "...'" : "'" + shown + "'";
 }
 
-void CsvRow::Refuse(const std::string& why) const {
-  throw Error(ErrorCode::kDocument, file_, "row " + std::to_string(number_) + ": " + why);
+void CsvRow::Refuse(const std::string& why, ErrorRemedy remedy) const {
+  throw Error(ErrorCode::kDocument, file_, "row " + std::to_string(number_) + ": " + why,
+              std::nullopt, remedy);
 }
 
-void CsvRow::RefuseField(std::size_t column, const std::string& why) const {
-  Refuse(std::string(columns_[column]) + " " + Quoted(Text(column)) + " " + why);
+void CsvRow::RefuseField(std::size_t column, const std::string& why, ErrorRemedy remedy) const {
+  Refuse(std::string(columns_[column]) + " " + Quoted(Text(column)) + " " + why, remedy);
 }
 
 std::string CsvRow::PointText(std::size_t column, std::string_view text) const {
   DecimalMark::Plain plain = mark_.Read(text, fields_);
   if (plain.why.empty()) return std::move(plain.text);
-  if (text == Text(column)) RefuseField(column, plain.why);
-  Refuse(Quoted(text) + " among the " + std::string(columns_[column]) + " " + plain.why);
+  if (text == Text(column)) RefuseField(column, plain.why, plain.remedy);
+  Refuse(Quoted(text) + " among the " + std::string(columns_[column]) + " " + plain.why,
+         plain.remedy);
 }
 
 double CsvRow::AnyDecimal(std::size_t column) const {

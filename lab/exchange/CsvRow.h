@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "lab/Error.h"
 #include "lab/exchange/DecimalMark.h"
 
 namespace vex2::lab {
@@ -37,9 +38,10 @@ class CsvRow {
   /// The row's number. The row of column names is row 1; empty lines do not count.
   std::size_t Number() const { return number_; }
   /// Throws an error of the document's kind that names file and row.
-  [[noreturn]] void Refuse(const std::string& why) const;
+  [[noreturn]] void Refuse(const std::string& why, ErrorRemedy remedy = ErrorRemedy::kNone) const;
   /// Throws such an error about one field, which is quoted.
-  [[noreturn]] void RefuseField(std::size_t column, const std::string& why) const;
+  [[noreturn]] void RefuseField(std::size_t column, const std::string& why,
+                                ErrorRemedy remedy = ErrorRemedy::kNone) const;
 
  private:
   std::string_view file_;

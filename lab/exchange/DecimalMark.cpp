@@ -65,14 +65,13 @@ DecimalMark::Plain DecimalMark::Read(std::string_view text,
   if (mark_ == 0) mark_ = toldBy(text);
   if (mark_ == 0) mark_ = toldBy(beside);
   if (mark_ == 0) {
-    return {"", "may have a decimal " + nameOf(found) +
-                    " or a mark between thousands; say which mark "
-                    "decimals have, with --decimal point or --decimal comma"};
+    return {"", "may have a decimal " + nameOf(found) + " or a mark between thousands",
+            ErrorRemedy::kGiveDecimalMark};
   }
   if (found != mark_) {
-    return {"", "has a " + nameOf(found) + ", but decimals are marked by a " + nameOf(mark_) +
-                    " here; write it so, without a mark between thousands, or use --decimal " +
-                    nameOf(found) + " when all numbers are written like this one"};
+    return {"",
+            "has a " + nameOf(found) + ", but decimals are marked by a " + nameOf(mark_) + " here",
+            found == ',' ? ErrorRemedy::kTakeDecimalComma : ErrorRemedy::kTakeDecimalPoint};
   }
   std::string plain(text);
   std::replace(plain.begin(), plain.end(), ',', '.');

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "lab/Error.h"
+
 namespace vex2::lab {
 
 /// How a text file marks decimals. Where nobody said so, the file's numbers tell: "59,82" has a
@@ -19,6 +21,7 @@ class DecimalMark {
   struct Plain {
     std::string text;
     std::string why;  ///< empty where `text` holds
+    ErrorRemedy remedy = ErrorRemedy::kNone;
   };
   /// Of the number `text`. `beside` are fields of the same row, of which one may tell the mark. A
   /// text that is no number stays one that is none.

@@ -13,8 +13,8 @@ float FloatReader::Keep(const CsvRow& row, std::string_view what, const std::str
   const double change = ChangeOf(text, kept);
   if (change == 0) return kept;
   if (isExact_) {
-    row.Refuse("the " + std::string(what) + " " + text + " would be rounded to " + ValueText(kept) +
-               "; without --exact it is");
+    row.Refuse("the " + std::string(what) + " " + text + " would be rounded to " + ValueText(kept),
+               ErrorRemedy::kAllowRounding);
   }
   rounded_.Add(change);
   return kept;

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "lab/Error.h"
+#include "lab/SystemError.h"
 #include "lab/Text.h"
 #include "lab/model/FileLayout.h"
 #include "lab/model/RawFile.h"
@@ -20,12 +20,14 @@ namespace {
 // The last place for a row's used wells lies within the header up to here.
 constexpr int kMostRows = 238;
 constexpr std::string_view kPlates = TagOf(Kind::kPlates);
-constexpr const char* kRunning =
-    "its run is in progress, and saving would break it; let the recorder finish, or set the status "
-    "with 'vex status' when it never will";
 
 std::string inQuotes(std::string_view tag) {
   return std::string("\"").append(ToUtf8(tag)).append("\"");
+}
+
+[[noreturn]] void refuseRun(const std::string& path) {
+  throw Error(ErrorCode::kDocument, path, "its run is in progress, and saving would break it",
+              std::nullopt, ErrorRemedy::kEndRun);
 }
 
 bool hasRunAt(const std::string& path) {
@@ -238,11 +240,11 @@ void Document::RequireWhole(std::string_view purpose) const {
 }
 
 void Document::RequireAtRest() const {
-  if (content_->IsAcquisitionProg()) throw Error(ErrorCode::kDocument, path_, kRunning);
+  if (content_->IsAcquisitionProg()) refuseRun(path_);
 }
 
 void RequireNoRunAt(const std::string& path) {
-  if (hasRunAt(path)) throw Error(ErrorCode::kDocument, path, kRunning);
+  if (hasRunAt(path)) refuseRun(path);
 }
 
 std::string RunInProgressText(const std::string& path, std::string_view what) {

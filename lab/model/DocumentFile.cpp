@@ -31,7 +31,8 @@ void DocumentFile::OpenDocument(const std::string& path) {
   RequireReadable(path);
   if (SafeOpen(path.c_str(), 0, 0) == 0) throw FileFailure(path, GetLastFileError());
   if (const auto why = WhyNoDocument(*this)) {
-    throw Error(ErrorCode::kNoDocument, path, "this is not a plate document: " + *why, 0);
+    throw Error(ErrorCode::kNoDocument, path, "this is not a plate document: " + why->text, 0,
+                why->remedy);
   }
 }
 
@@ -47,7 +48,7 @@ bool DocumentFile::isUnchanged() const {
 void DocumentFile::RequireUnchanged() const {
   if (isUnchanged()) return;
   throw Error(ErrorCode::kDocument, expectedPath_,
-              "another program has changed it meanwhile, and nothing was saved; run the command "
+              "another program has changed it meanwhile, and nothing was saved; try "
               "again");
 }
 

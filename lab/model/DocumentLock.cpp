@@ -13,7 +13,7 @@
 #include <system_error>
 #include <thread>
 
-#include "lab/Error.h"
+#include "lab/SystemError.h"
 
 namespace vex2::lab {
 
@@ -145,7 +145,7 @@ std::string DocumentLock::holderNote() const {
 void DocumentLock::refuse() const {
   if (holderNote() == kCommandNote) {
     throw Error(ErrorCode::kInUse, given_,
-                "another command is changing it; try again when it is done");
+                "another program is changing it; try again when it is done");
   }
   std::error_code ignored;
   const bool isLink = fs::is_symlink(given_, ignored);

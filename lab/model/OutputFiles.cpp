@@ -10,7 +10,7 @@
 #include <iterator>
 #include <utility>
 
-#include "lab/Error.h"
+#include "lab/SystemError.h"
 #include "lab/model/Document.h"
 #include "vex2/format/HeaderLayout.h"
 

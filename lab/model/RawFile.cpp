@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <string_view>
 
+#include "lab/SystemError.h"
 #include "vex2/format/HeaderLayout.h"
 
 namespace vex2::lab {
@@ -35,18 +36,15 @@ void RequireReadable(const std::string& path) {
   }
 }
 
-std::optional<std::string> WhyNoDocument(CFile& file) {
+std::optional<NoDocument> WhyNoDocument(CFile& file) {
   std::array<char, 512> bytes{};
   file.SeekToBegin();
   const std::string_view begin(bytes.data(), file.Read(bytes.data(), bytes.size()));
   file.SeekToBegin();
   if (begin.starts_with(kMagic)) return std::nullopt;
-  if (begin.empty()) return "it is empty";
-  if (isText(begin)) {
-    return "it is a text; CSV goes into documents with 'vex record', 'vex "
-           "wells --from' and 'vex calibration --import'";
-  }
-  return "it does not begin with Vex2";
+  if (begin.empty()) return NoDocument{"it is empty"};
+  if (isText(begin)) return NoDocument{"it is a text", ErrorRemedy::kImport};
+  return NoDocument{"it does not begin with Vex2"};
 }
 
 Error FileFailure(const std::string& path, const FileError& error) {

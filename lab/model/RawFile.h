@@ -20,9 +20,15 @@ void OpenToRead(CFile& file, const std::string& path);
 /// it.
 Error FileFailure(const std::string& path, const FileError& error);
 
-/// Why the open file is not a plate document, going by its first bytes: to follow that it is none.
-/// Nothing when it begins as one.
-std::optional<std::string> WhyNoDocument(CFile& file);
+/// Why a file is not a plate document, to follow that it is none.
+struct NoDocument {
+  std::string text;
+  ErrorRemedy remedy = ErrorRemedy::kNone;
+};
+
+/// Why the open file is not a plate document, going by its first bytes. Nothing when it begins as
+/// one.
+std::optional<NoDocument> WhyNoDocument(CFile& file);
 
 /// Takes the place of the file at a path once it is complete and on the disk; until then that is
 /// untouched. Open for writing, and throws errors with the system's reason.

@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-#include "lab/Error.h"
+#include "lab/SystemError.h"
 #include "lab/Text.h"
 #include "lab/model/RawFile.h"
 #include "vex2/run/AcquisitionDataComp.h"

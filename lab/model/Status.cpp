@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 
-#include "lab/Error.h"
+#include "lab/SystemError.h"
 #include "lab/Text.h"
 #include "lab/model/DocumentFile.h"
 #include "lab/model/RawFile.h"

@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <new>
 
-#include "lab/Error.h"
+#include "lab/SystemError.h"
 #include "lab/Text.h"
 #include "lab/model/PlateContents.h"
 #include "vex2/format/HeaderLayout.h"
@@ -20,8 +20,9 @@ constexpr std::string_view kPlateKind = KindMarker::kKestor;
 // See `PlateDateText`, which reads it.
 constexpr const char* kDateForm = "%b %d, %Y %I:%M %p";
 
-[[noreturn]] void refuse(const Document& plate, const std::string& why) {
-  throw Error(ErrorCode::kDocument, plate.Path(), why);
+[[noreturn]] void refuse(const Document& plate, const std::string& why,
+                         ErrorRemedy remedy = ErrorRemedy::kNone) {
+  throw Error(ErrorCode::kDocument, plate.Path(), why, std::nullopt, remedy);
 }
 
 // A plate is named after its file, which is told from its folder in a whole path only.
@@ -49,7 +50,7 @@ void requirePlate(const Document& plate) {
     refuse(plate, "its kind is '" + ToUtf8(kind) + "'; the plates of a study are of kind 'Kest'");
   }
   if (plate.IsStudy() || !plate.Plates().empty()) {
-    refuse(plate, "this is a study itself; take a plate out of it with 'vex study extract'");
+    refuse(plate, "this is a study itself", ErrorRemedy::kExtractPlate);
   }
 }
 
@@ -148,8 +149,8 @@ std::string PlateDateText(const std::string& stored) {
 void RequireStudy(const Document& document) {
   if (document.IsStudy()) return;
   throw Error(ErrorCode::kDocument, document.Path(),
-              "this is no study, but a document of one plate; make a study of it with 'vex study "
-              "new'");
+              "this is no study, but a document of one plate", std::nullopt,
+              ErrorRemedy::kMakeStudy);
 }
 
 std::vector<StudyPlate> StudyPlatesOf(const Document& document) {

@@ -49,12 +49,15 @@ std::optional<std::string> FrameEncoder::WhyUnfit(const ReadingRow& row) const {
   std::string why = "row " + std::to_string(row.number) + ": the reading " + PlainText(reading) +
                     " does not fit in 16 bits with the scale " + plan_.scale.ScaleText();
   if (plan_.scale.HasOffset()) why += " and the offset " + plan_.scale.OffsetText();
-  if (reading < plan_.scale.Offset().Value()) why += "; no reading can be below the --offset";
   return why;
 }
 
 std::uint16_t FrameEncoder::encodeValue(const ReadingRow& row) {
-  if (const auto why = WhyUnfit(row)) throw Error(ErrorCode::kDocument, file_, *why);
+  if (const auto why = WhyUnfit(row)) {
+    const bool isBelow = *row.fluorescence < plan_.scale.Offset().Value();
+    throw Error(ErrorCode::kDocument, file_, *why, std::nullopt,
+                isBelow ? ErrorRemedy::kLowerOffset : ErrorRemedy::kNone);
+  }
   const double reading = *row.fluorescence;
   const auto stored = plan_.scale.Store(reading);
   const double kept = plan_.scale.Measured(*stored);
@@ -70,7 +73,8 @@ void FrameEncoder::requireExact(const ReadingRow& row, const std::string& what, 
   if (!isExact_) return;
   throw Error(ErrorCode::kDocument, file_,
               "row " + std::to_string(row.number) + ": the " + what + " " + PlainText(number) +
-                  " would be rounded to " + PlainText(stored) + "; without --exact it is");
+                  " would be rounded to " + PlainText(stored),
+              std::nullopt, ErrorRemedy::kAllowRounding);
 }
 
 }  // namespace vex2::lab

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "lab/Error.h"
+#include "lab/SystemError.h"
 #include "lab/Text.h"
 #include "lab/exchange/CsvReader.h"
 #include "lab/model/FileLayout.h"
@@ -97,7 +97,8 @@ bool HoldsFrames(const std::string& path, std::size_t frames) {
 InterruptedRun::InterruptedRun(const std::string& path) : path_(path) {
   CFile file;
   OpenToRead(file, path);
-  if (const auto why = WhyNoDocument(file)) refuseAt(0, "this is not a plate document: " + *why);
+  if (const auto why = WhyNoDocument(file))
+    refuseAt(0, "this is not a plate document: " + why->text);
   if (file.GetLength() < HeaderLayout::kSize) {
     refuseAt(file.GetLength(), "the header is cut short");
   }

@@ -162,10 +162,9 @@ void LiveRun::requireRoom(const CollectedFrame& frame) const {
     const bool isBelow = *row.fluorescence < plan_.scale.Offset().Value();
     throw Error(ErrorCode::kDocument, input_,
                 *why + "; " + Counted(plan_.frames.size(), "frame is", "frames are") +
-                    " safe in the document, but --resume cannot go on past this reading: record "
-                    "such a run to a new document with " +
-                    (isBelow ? "an --offset below its lowest reading"
-                             : "a --scale that its highest reading fits"));
+                    " safe in the document, but the run cannot be resumed past this reading",
+                std::nullopt,
+                isBelow ? ErrorRemedy::kNewRunWithOffset : ErrorRemedy::kNewRunWithScale);
   }
 }
 
@@ -197,8 +196,9 @@ void LiveRun::refuseEnd() const {
     why += " and a part of another, which is not recorded: " +
            collector_.MissingText(collector_.Frames().at(pending_.front()));
   }
-  if (!plan_.frames.empty() && !wasDone) why += "; the same command with --resume goes on";
-  throw Error(ErrorCode::kDocument, input_, why);
+  const bool canResume = !plan_.frames.empty() && !wasDone;
+  throw Error(ErrorCode::kDocument, input_, why, std::nullopt,
+              canResume ? ErrorRemedy::kResume : ErrorRemedy::kNone);
 }
 
 }  // namespace vex2::lab

@@ -63,7 +63,7 @@ std::size_t channelOf(const CsvRow& row, RunPlan& plan, bool findsChannels) {
   const auto found = std::find(names.begin(), names.end(), name);
   if (found == names.end()) {
     if (!findsChannels && names.empty()) {
-      row.RefuseField(kChannel, "is not known before it comes; name all with --channels");
+      row.RefuseField(kChannel, "is not known before it comes", ErrorRemedy::kNameChannels);
     }
     if (!findsChannels) row.RefuseField(kChannel, "is none of the run's channels");
     if (names.size() == kMostChannels) {

@@ -27,10 +27,7 @@ Recorder::Recorder(const RunPlan& plan, RecordOptions options,
     : plan_(plan),
       options_(std::move(options)),
       report_(std::move(report)),
-      document_({.path = options_.path,
-                 .resume = options_.resume,
-                 .replace = options_.force,
-                 .existsHint = "use --resume to continue it or --force to overwrite it"}) {
+      document_({.path = options_.path, .resume = options_.resume, .replace = options_.force}) {
   state_.framesTotal = FrameTotal(plan);
 }
 

@@ -26,7 +26,8 @@ void RecordingDocument::Claim(const RunPlan& plan) {
         "a name of its own");
   }
   if (exists && !options_.resume && !options_.replace) {
-    throw Error(ErrorCode::kExists, options_.path, "already exists; " + options_.existsHint);
+    throw Error(ErrorCode::kExists, options_.path, "already exists", std::nullopt,
+                ErrorRemedy::kResumeOrReplace);
   }
   if (exists && !options_.replace) {
     interrupted_.emplace(document_.string());

@@ -27,9 +27,8 @@ class RecordingDocument {
  public:
   struct Options {
     std::string path;
-    bool resume = false;     ///< continue the document if it exists
-    bool replace = false;    ///< replace it if it exists
-    std::string existsHint;  ///< follows "already exists; " in the message: what the caller can do
+    bool resume = false;   ///< continue the document if it exists
+    bool replace = false;  ///< replace it if it exists
   };
 
   explicit RecordingDocument(Options options);

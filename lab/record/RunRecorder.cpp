@@ -21,10 +21,7 @@ class RunRecorder::Impl {
   Impl(const std::filesystem::path& path, const RecordingPlan& plan, RecorderOptions options)
       : plan_(InternalPlan(plan)),
         isMeasured_(plan.scale.has_value()),
-        document_({.path = path.string(),
-                   .resume = options.resume,
-                   .replace = options.replace,
-                   .existsHint = "set resume to continue it or replace to overwrite it"}) {
+        document_({.path = path.string(), .resume = options.resume, .replace = options.replace}) {
     if (options.resume && options.replace) {
       throw Error(ErrorCode::kConflictingOptions, document_.Path(),
                   "cannot be recorded: resume and replace exclude each other");

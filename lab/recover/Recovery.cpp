@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "lab/Error.h"
+#include "lab/SystemError.h"
 #include "lab/Text.h"
 #include "lab/check/RecordPlaces.h"
 #include "lab/model/FileLayout.h"

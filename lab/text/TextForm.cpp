@@ -4,7 +4,7 @@
 #include <array>
 #include <limits>
 
-#include "lab/Error.h"
+#include "lab/SystemError.h"
 #include "lab/Text.h"
 #include "lab/text/Columns.h"
 

@@ -89,7 +89,7 @@ TEST_F(Change, IsRefusedWhenAnotherProgramSavedTheDocumentMeanwhile) {
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_EQ(result.errors, "vex: " + path_ +
                                ": another program has changed it meanwhile, and nothing was saved; "
-                               "run the command again\n");
+                               "try again\n");
   EXPECT_EQ(result.output, "");
   EXPECT_EQ(FirstDifference(ReadBytes(path_), theirs), "");
 }

@@ -25,6 +25,67 @@ std::string oneLine(const nlohmann::ordered_json& object) {
                      nlohmann::ordered_json::error_handler_t::replace);
 }
 
+// What the user can do, by the names of commands and options.
+std::string_view textOf(ErrorRemedy remedy) {
+  switch (remedy) {
+    case ErrorRemedy::kNone:
+      break;
+    case ErrorRemedy::kExtractPlate:
+      return "take a plate out of it with 'vex study extract'";
+    case ErrorRemedy::kMakeStudy:
+      return "make a study of it with 'vex study new'";
+    case ErrorRemedy::kEndRun:
+      return "let the recorder finish, or set the status with 'vex status' when it never will";
+    case ErrorRemedy::kImport:
+      return "CSV goes into documents with 'vex record', 'vex wells --from' and 'vex calibration "
+             "--import'";
+    case ErrorRemedy::kExport:
+      return "'vex export', 'vex wells --csv' and 'vex calibration --export' make CSV files of one";
+    case ErrorRemedy::kGiveDelimiter:
+      return "say so with --delimiter";
+    case ErrorRemedy::kQuoteDecimals:
+      return "numbers with a decimal comma must be in quotes (then use --decimal comma), or fields "
+             "parted by semicolons";
+    case ErrorRemedy::kGiveDecimalMark:
+      return "say which mark decimals have, with --decimal point or --decimal comma";
+    case ErrorRemedy::kTakeDecimalPoint:
+      return "write it so, without a mark between thousands, or use --decimal point when all "
+             "numbers are written like this one";
+    case ErrorRemedy::kTakeDecimalComma:
+      return "write it so, without a mark between thousands, or use --decimal comma when all "
+             "numbers are written like this one";
+    case ErrorRemedy::kGiveLatin1:
+      return "when the file is Latin-1, use --encoding latin1 (of Windows: --encoding "
+             "windows-1252)";
+    case ErrorRemedy::kGiveEncoding:
+      return "say which encoding the file has with --encoding";
+    case ErrorRemedy::kAllowRounding:
+      return "without --exact it is";
+    case ErrorRemedy::kNameChannels:
+      return "name all with --channels";
+    case ErrorRemedy::kLowerOffset:
+      return "no reading can be below the --offset";
+    case ErrorRemedy::kNewRunWithOffset:
+      return "record such a run to a new document with an --offset below its lowest reading";
+    case ErrorRemedy::kNewRunWithScale:
+      return "record such a run to a new document with a --scale that its highest reading fits";
+    case ErrorRemedy::kResume:
+      return "the same command with --resume goes on";
+    case ErrorRemedy::kResumeOrReplace:
+      return "use --resume to continue it or --force to overwrite it";
+  }
+  return {};
+}
+
+// The library says what to do in terms of its own.
+Error inTermsOfTheCommand(const Error& error) {
+  if (error.Remedy() == ErrorRemedy::kNone) return error;
+  const std::string message =
+      std::string(error.Problem()).append("; ").append(textOf(error.Remedy()));
+  if (error.File().empty()) return {error.Code(), message};
+  return {error.Code(), error.File(), message, error.Offset()};
+}
+
 }  // namespace
 
 ExitCode ExitCodeOf(ErrorClass errorClass) {
@@ -44,11 +105,22 @@ std::string Printable(std::string_view text) {
   return Terminal::Out().Printable(text);
 }
 
+OperationNames NamesOfCommands() {
+  return {.repair = "'vex repair'",
+          .recover = "'vex recover'",
+          .resume = "'vex record --resume'",
+          .upgrade = "'vex copy --upgrade'",
+          .read = "'vex export'",
+          .setWells = "'vex wells FILE --from wells.csv'",
+          .setStatus = "'vex status FILE DONE'"};
+}
+
 void SetMessageForm(MessageForm form) {
   messageForm() = form;
 }
 
-void PrintError(const Error& error) {
+void PrintError(const Error& given) {
+  const Error error = inTermsOfTheCommand(given);
   if (messageForm() == MessageForm::kText) return writeLine("vex: " + Printable(error.what()));
   nlohmann::ordered_json object = {{"code", ErrorKindOf(error.Code()).name}};
   object["file"] = error.File().empty() ? nullptr : nlohmann::ordered_json(error.File());

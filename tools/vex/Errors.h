@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "lab/Error.h"
+#include "lab/check/Check.h"
 #include "tools/vex/Lab.h"
 
 namespace vex2::tool {
@@ -37,6 +38,9 @@ void PrintError(const Error& error);
 void PrintLine(std::string_view text);
 /// The same, and nothing for an empty text.
 void PrintIfAny(std::string_view text);
+
+/// What the user types for the operations that findings advise.
+OperationNames NamesOfCommands();
 
 /// `Escaped` for a screen: where that is an ASCII one, other characters are shown as \uNNNN.
 std::string Printable(std::string_view text);

@@ -55,7 +55,7 @@ class CheckCommand final : public Command {
 
  private:
   ExitCode check(const std::string& file) const {
-    const Findings findings = Check(file);
+    const Findings findings = Check(file, NamesOfCommands());
     if (json_) {
       PrintJson(std::cout, FindingsJson(file, findings));
     } else {

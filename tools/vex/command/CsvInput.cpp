@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "lab/SystemError.h"
 #include "tools/vex/Errors.h"
 #include "tools/vex/Options.h"
 
