@@ -1,5 +1,7 @@
 #include "lab/Nearest.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cctype>
 #include <vector>
@@ -71,7 +73,7 @@ std::optional<std::string> NearestName(std::string_view word, std::span<const st
 
 std::string DidYouMean(std::string_view word, std::span<const std::string> names) {
   const auto name = NearestName(word, names);
-  return name ? "; did you mean '" + *name + "'?" : "";
+  return name ? fmt::format("; did you mean '{}'?", *name) : std::string();
 }
 
 }  // namespace vex2::lab

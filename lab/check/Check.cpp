@@ -1,5 +1,7 @@
 #include "lab/check/Check.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <array>
 
@@ -42,7 +44,7 @@ void checkDoubles(const std::vector<Document::Record>& records, const std::strin
     const std::uint64_t first = next->offset;
     while ((next = std::find_if(next + 1, records.end(), isIt)) != records.end()) {
       findings.Add({Severity::kWarning, within + next->tag, next->offset,
-                    "there is a record of this kind at byte " + std::to_string(first) + " already",
+                    fmt::format("there is a record of this kind at byte {} already", first),
                     "only the first is used; this one is kept, and never looked at", ""});
     }
   }
@@ -59,9 +61,10 @@ void checkPlates(const Document& document, Findings& findings) {
                     "it cannot be asked for by name, and two such plates not be told apart",
                     kRename});
     } else if (std::any_of(plates.begin(), plates.begin() + static_cast<std::ptrdiff_t>(i), same)) {
-      findings.Add({Severity::kWarning, where, plates[i].offset,
-                    "an earlier plate is called '" + Escaped(ToUtf8(plates[i].name)) + "', too",
-                    "whoever asks for the name gets the earlier one", kRename});
+      findings.Add(
+          {Severity::kWarning, where, plates[i].offset,
+           fmt::format("an earlier plate is called '{}', too", Escaped(ToUtf8(plates[i].name))),
+           "whoever asks for the name gets the earlier one", kRename});
     }
   }
 }

@@ -1,5 +1,7 @@
 #include "lab/check/HeaderCheck.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <bit>
 
@@ -16,30 +18,29 @@ constexpr unsigned kMaskBits = 32;
 constexpr const char* kRepairPosition = "{repair} makes it lead to the record";
 
 std::string dimensions(const HeaderFields& header) {
-  return std::to_string(header.rows) + " x " + std::to_string(header.columns);
+  return fmt::format("{} x {}", header.rows, header.columns);
 }
 
 void checkSize(const HeaderFields& header, const std::string& name, std::uint64_t offset,
                Findings& findings) {
   const std::uint64_t rowsAt = offset + HeaderLayout::kRowsAt;
   if (header.rows > HeaderLayout::kMaxRows) {
-    findings.Add(
-        {Severity::kError, name, rowsAt,
-         "a plate of " + std::to_string(header.rows) + " rows, more than a header has room for",
-         "records are looked for behind the masks of all rows, and no save reads back",
-         "{recover} takes what it finds into a document of a possible plate"});
+    findings.Add({Severity::kError, name, rowsAt,
+                  fmt::format("a plate of {} rows, more than a header has room for", header.rows),
+                  "records are looked for behind the masks of all rows, and no save reads back",
+                  "{recover} takes what it finds into a document of a possible plate"});
     return;
   }
   const auto wells = WellsOfPlateType(header.plateType);
   if (wells == 0) {
     findings.Add({Severity::kNote, name, offset + HeaderLayout::kPlateTypeCodeAt,
-                  "the plate type '" + Escaped(ToUtf8(header.plateType)) +
-                      "' is none with a known number of wells",
+                  fmt::format("the plate type '{}' is none with a known number of wells",
+                              Escaped(ToUtf8(header.plateType))),
                   "analysis does not know how many wells there are", ""});
   } else if (wells != header.Wells()) {
     findings.Add({Severity::kWarning, name, rowsAt,
-                  "a plate of " + dimensions(header) + " wells, but the type '" +
-                      Escaped(ToUtf8(header.plateType)) + "' has " + std::to_string(wells),
+                  fmt::format("a plate of {} wells, but the type '{}' has {}", dimensions(header),
+                              Escaped(ToUtf8(header.plateType)), wells),
                   "analysis goes by the type, well names and masks by rows and columns", ""});
   }
 }
@@ -53,13 +54,14 @@ void checkUsage(const HeaderFields& header, const std::string& name, std::uint64
   }
   if (outside == 0) return;
   findings.Add({Severity::kWarning, name, offset + HeaderLayout::kUsageAt,
-                "the masks of wells in use have " + Counted(outside, "well") +
-                    " in columns that a plate of " + dimensions(header) + " has not",
+                fmt::format("the masks of wells in use have {} in columns that a plate of {} has "
+                            "not",
+                            Counted(outside, "well"), dimensions(header)),
                 "they count as in use wherever wells are counted", ""});
 }
 
 std::string leadsTo(std::uint32_t position, std::string_view tag) {
-  return "the header's position of " + std::string(tag) + " is " + std::to_string(position);
+  return fmt::format("the header's position of {} is {}", tag, position);
 }
 
 /// Where a position leads, and what stands there.
@@ -83,9 +85,10 @@ Aim aimOf(std::uint32_t position, std::string_view tag,
 
 // What a program does that appends to a run, going by a position that is not the tag's.
 std::string harmToRun(std::uint32_t position) {
-  return position == 0 ? "an instrument that goes on would write a second block, which no one reads"
-                       : "an instrument that goes on would write the block's length to byte " +
-                             std::to_string(position + 4);
+  return position == 0
+             ? "an instrument that goes on would write a second block, which no one reads"
+             : fmt::format("an instrument that goes on would write the block's length to byte {}",
+                           position + 4);
 }
 
 void checkProgram(const HeaderFields& header, const Aim& aim, Findings& findings) {
@@ -93,17 +96,18 @@ void checkProgram(const HeaderFields& header, const Aim& aim, Findings& findings
   if (position == 0 || aim.isTag) return;
   const std::string what = leadsTo(position, TagOf(Kind::kProgram));
   if (aim.isEnd) {
-    findings.Add({Severity::kNote, "header", HeaderLayout::kProgramOffsetAt,
-                  what + ", just past the record, as a save of the whole document leaves it",
-                  "nothing; who wants the program looks for its tag", ""});
+    findings.Add(
+        {Severity::kNote, "header", HeaderLayout::kProgramOffsetAt,
+         fmt::format("{}, just past the record, as a save of the whole document leaves it", what),
+         "nothing; who wants the program looks for its tag", ""});
   } else if (aim.first != nullptr) {
     findings.Add(
         {Severity::kError, "header", HeaderLayout::kProgramOffsetAt,
-         what + ", which is not where its record is, at byte " + std::to_string(aim.first->offset),
+         fmt::format("{}, which is not where its record is, at byte {}", what, aim.first->offset),
          "a program that goes by it reads something else as the program", kRepairPosition});
   } else {
     findings.Add({Severity::kWarning, "header", HeaderLayout::kProgramOffsetAt,
-                  what + ", but there is no such record",
+                  fmt::format("{}, but there is no such record", what),
                   "a program that goes by it reads something else as the program",
                   "any save of the whole document with a program in it sets it"});
   }
@@ -115,13 +119,14 @@ void checkRunningPosition(const HeaderFields& header, const Aim& aim, Findings& 
   const std::string block = std::to_string(aim.first->offset);
   // A first commit that was interrupted, or a save of the whole document, leaves it so.
   const bool isUsual = position == 0 || aim.isEnd;
-  findings.Add({isUsual ? Severity::kWarning : Severity::kError, "header",
-                HeaderLayout::kRawDataOffsetAt,
-                what +
-                    (aim.isEnd ? ", just past the block at byte " + block
-                               : ", but the block is at byte " + block) +
-                    ", and the run is in progress",
-                harmToRun(position), "{repair} makes it lead to the block; {resume} does so, too"});
+  findings.Add(
+      {isUsual ? Severity::kWarning : Severity::kError, "header", HeaderLayout::kRawDataOffsetAt,
+       aim.isEnd ? fmt::format("{}, just past the block at byte {}, and the run is in "
+                               "progress",
+                               what, block)
+                 : fmt::format("{}, but the block is at byte {}, and the run is in progress", what,
+                               block),
+       harmToRun(position), "{repair} makes it lead to the block; {resume} does so, too"});
 }
 
 // Whether bytes behind the last record may be a block that is only not read.
@@ -143,7 +148,8 @@ void checkRawData(const HeaderFields& header, const Aim& aim, const Document& do
     findings.Add({isStudy  ? Severity::kNote
                   : isHarm ? Severity::kError
                            : Severity::kWarning,
-                  "header", HeaderLayout::kRawDataOffsetAt, what + ", but there is no such record",
+                  "header", HeaderLayout::kRawDataOffsetAt,
+                  fmt::format("{}, but there is no such record", what),
                   isStudy  ? "nothing; a study keeps no block of its own"
                   : isHarm ? "frames that an instrument commits would stand behind no block"
                            : "who reads single frames from the file finds something else",
@@ -162,7 +168,7 @@ void checkRawData(const HeaderFields& header, const Aim& aim, const Document& do
   }
   findings.Add(
       {Severity::kError, "header", HeaderLayout::kRawDataOffsetAt,
-       what + ", which is not where the block is, at byte " + std::to_string(aim.first->offset),
+       fmt::format("{}, which is not where the block is, at byte {}", what, aim.first->offset),
        "who reads single frames from the file reads something else as readings", kRepairPosition});
 }
 
@@ -176,8 +182,8 @@ void checkLast(const HeaderFields& header, const Document& document, Findings& f
   if (block == records.end() || block + 1 == records.end()) return;
   findings.Add(
       {Severity::kWarning, std::string(TagOf(Kind::kRawData)), block->offset,
-       "the run is in progress, and " + Counted(records.end() - block - 1, "record") +
-           (records.end() - block == 2 ? " stands" : " stand") + " behind its block",
+       fmt::format("the run is in progress, and {} behind its block",
+                   Counted(records.end() - block - 1, "record stands", "records stand")),
        "a frame that is committed would stand behind them, and the block's length be wrong",
        "when the run is over, {setStatus} sets its status"});
 }

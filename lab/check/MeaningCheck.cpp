@@ -1,5 +1,7 @@
 #include "lab/check/MeaningCheck.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <array>
 #include <map>
@@ -29,7 +31,7 @@ constexpr std::uint16_t kHottest = 12000;  // hundredths of a degree: above, wat
 constexpr const char* kSetWells = "{setWells} sets the wells up anew";
 
 std::string shown(std::string_view text) {
-  return "'" + Escaped(ToUtf8(text)) + "'";
+  return fmt::format("'{}'", Escaped(ToUtf8(text)));
 }
 
 /// Wells that have something in common, to be named in a finding.
@@ -46,8 +48,8 @@ class WellList {
       if (named++ == kMostNamed) break;
       names += " " + plate.NameOf(well);
     }
-    return Counted(wells_.size(), "well") + " (" + names.substr(1) +
-           (wells_.size() > kMostNamed ? " ..." : "") + ")";
+    return fmt::format("{} ({}{})", Counted(wells_.size(), "well"), names.substr(1),
+                       wells_.size() > kMostNamed ? " ..." : "");
   }
 
  private:
@@ -102,14 +104,14 @@ class PlateCheck {
     }
     for (const auto& [name, wells] : strangers) {
       add(Severity::kWarning, kSetup,
-          "the detector " + shown(name) + " of " + wells.Text(contents_.plate) +
-              " is not in the document's list of detectors",
+          fmt::format("the detector {} of {} is not in the document's list of detectors",
+                      shown(name), wells.Text(contents_.plate)),
           "nobody knows its dyes and settings", kSetWells);
     }
     for (const auto& [task, wells] : tasks) {
       add(Severity::kWarning, kSetup,
-          "the task " + shown(task) + " of " + wells.Text(contents_.plate) +
-              " is none of UNKN, STND, NTC, IPC, IPC+, ENDO, TRGT",
+          fmt::format("the task {} of {} is none of UNKN, STND, NTC, IPC, IPC+, ENDO, TRGT",
+                      shown(task), wells.Text(contents_.plate)),
           "an analysis does not know what the wells are for", kSetWells);
     }
     checkMeasuredWells();
@@ -124,7 +126,8 @@ class PlateCheck {
     }
     if (strangers.IsEmpty()) return;
     add(Severity::kWarning, kBlock,
-        strangers.Text(contents_.plate) + " measured, but not set up: no sample and no detector",
+        fmt::format("{} measured, but not set up: no sample and no detector",
+                    strangers.Text(contents_.plate)),
         "nobody knows what the readings are of", kSetWells);
   }
 
@@ -166,28 +169,33 @@ class PlateCheck {
   }
 
   void tellFrames() {
-    const auto at = [](const FrameFault& fault) { return std::to_string(fault.first); };
     if (foreign_.count > 0) {
       add(Severity::kError, kBlock,
-          Counted(foreign_.count, "reading") + " of " + foreignWells_.Text(contents_.plate) +
-              " are not what the recorder that the log names writes, the first in frame " +
-              at(foreign_),
+          fmt::format("{} of {} are not what the recorder that the log names writes, the first in "
+                      "frame {}",
+                      Counted(foreign_.count, "reading"), foreignWells_.Text(contents_.plate),
+                      foreign_.first),
           "their bytes were changed after the recording; {read} leaves them empty",
           "take the run from a backup, or record it again from its readings");
     }
     const char* const kLook = "{read} shows them: see whether the readings were right";
-    const auto warn = [&](const FrameFault& fault, std::string_view unit, const std::string& what,
+    const auto warn = [&](const FrameFault& fault, std::string problem,
                           const std::string& consequence) {
       if (fault.count == 0) return;
-      add(Severity::kWarning, kBlock, Counted(fault.count, unit) + what + at(fault), consequence,
-          kLook);
+      add(Severity::kWarning, kBlock, std::move(problem), consequence, kLook);
     };
-    warn(hot_, "reading", " above 120 C, the first in frame ",
+    warn(hot_,
+         fmt::format("{} above 120 C, the first in frame {}", Counted(hot_.count, "reading"),
+                     hot_.first),
          "no plate is as hot: temperatures, and what is computed from them, are wrong");
-    warn(early_, "frame", " with a time before that of the frame before, the first is frame ",
+    warn(early_,
+         fmt::format("{} with a time before that of the frame before, the first is frame {}",
+                     Counted(early_.count, "frame"), early_.first),
          "what goes by times sees the frames in another order");
-    warn(disordered_, "frame",
-         " with a cycle that does not follow that of the frame before, the first is frame ",
+    warn(disordered_,
+         fmt::format("{} with a cycle that does not follow that of the frame before, the first is "
+                     "frame {}",
+                     Counted(disordered_.count, "frame"), disordered_.first),
          "what goes by cycles sees the frames in another order");
   }
 
@@ -208,10 +216,10 @@ class PlateCheck {
 
 void checkStatus(const HeaderFields& header, Findings& findings) {
   if (std::find(kStatuses.begin(), kStatuses.end(), header.status) != kStatuses.end()) return;
-  findings.Add({Severity::kWarning, "header", HeaderLayout::kStatusAt,
-                "the acquisition status " + shown(header.status) + " is none of ZERO, PROG, DONE",
-                "nobody can tell whether the run is over",
-                "{setStatus} sets it when the run is over"});
+  findings.Add(
+      {Severity::kWarning, "header", HeaderLayout::kStatusAt,
+       fmt::format("the acquisition status {} is none of ZERO, PROG, DONE", shown(header.status)),
+       "nobody can tell whether the run is over", "{setStatus} sets it when the run is over"});
 }
 
 }  // namespace

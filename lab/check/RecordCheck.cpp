@@ -1,5 +1,7 @@
 #include "lab/check/RecordCheck.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <set>
 
@@ -119,11 +121,11 @@ void RecordCheck::checkUnknown(const FileRecord& record) {
   if (!IsPlain(record.Tag())) return checkNoRecord(record);
   const std::string size = Counted(record.length, "byte");
   if (record.depth == 1) {
-    return add(Severity::kWarning, "a record of no known kind, of " + size,
+    return add(Severity::kWarning, fmt::format("a record of no known kind, of {}", size),
                "the reader leaves it out, and so does the next save",
                "nothing to do, unless another program counts on it: then do not save it here");
   }
-  add(Severity::kWarning, "a record of no known kind within another, of " + size,
+  add(Severity::kWarning, fmt::format("a record of no known kind within another, of {}", size),
       "the reader keeps its tag and length; the next save makes its bytes zeros",
       "nothing to do, unless another program counts on it: then do not save it here");
 }
@@ -135,8 +137,9 @@ void RecordCheck::checkNoRecord(const FileRecord& record) {
   garbageEnd_ = record.DeclaredEnd();
   if (record.depth == 1) {
     return add(Severity::kError, "these bytes are no record, and known ones follow",
-               "the reader steps over " + Counted(record.length, "byte") +
-                   " and may miss what stood there; the next save drops them",
+               fmt::format("the reader steps over {} and may miss what stood there; the next save "
+                           "drops them",
+                           Counted(record.length, "byte")),
                "{recover} looks for records among them");
   }
   if (goesOn) return;
@@ -168,16 +171,17 @@ void RecordCheck::checkLength(const Level& level) {
   const std::uint64_t held = record.end - record.BodyOffset();
   if (held == record.length) return;
   wrongLengths_.push_back({path(levels_.size()), record.offset, record.length, held});
-  const std::string lengths = "its length is " + std::to_string(record.length) +
-                              ", but what it holds takes " + Counted(held, "byte");
+  const std::string lengths = fmt::format("its length is {}, but what it holds takes {}",
+                                          record.length, Counted(held, "byte"));
   const auto tell = [&](Severity severity, const char* how, const char* consequence) {
-    Finding finding = {severity,      path(levels_.size()), record.offset,
-                       lengths + how, consequence,          ""};
+    Finding finding = {severity,      path(levels_.size()),
+                       record.offset, fmt::format("{}, {}", lengths, how),
+                       consequence,   ""};
     if (lengths_.size() >= Findings::kMost) return findings_.Add(std::move(finding));
     lengths_.push_back(std::move(finding));
   };
   if (record.length < held) {
-    return tell(Severity::kError, ", so that the records overlap",
+    return tell(Severity::kError, "so that the records overlap",
                 "this library reads it by what it holds, but who goes by lengths takes the rest "
                 "for the next record, as one does who replaces a reporting block");
   }
@@ -187,11 +191,11 @@ void RecordCheck::checkLength(const Level& level) {
       record.length - held <= level.texts &&
       (record.kind->layout == BodyLayout::kList || record.kind->layout == BodyLayout::kCell);
   if (isUsual) {
-    return tell(Severity::kWarning, ", as lists do whose texts lost a zero byte",
+    return tell(Severity::kWarning, "as lists do whose texts lost a zero byte",
                 "this library reads it by what it holds; who goes by lengths loses the records "
                 "behind it");
   }
-  tell(Severity::kError, ", so that it reaches over what follows",
+  tell(Severity::kError, "so that it reaches over what follows",
        "this library reads it by what it holds, but reads the less at the end of the file; who "
        "goes by lengths loses the records behind it");
 }
@@ -202,8 +206,7 @@ void RecordCheck::checkCells(const FileRecord& record, CFile& file) {
   const std::uint32_t cells = ReadShort(file).value_or(0);
   if (cells == plate_.Wells()) return;
   add(Severity::kNote,
-      "it sets up " + Counted(cells, "well") + ", and the plate has " +
-          std::to_string(plate_.Wells()),
+      fmt::format("it sets up {}, and the plate has {}", Counted(cells, "well"), plate_.Wells()),
       cells < plate_.Wells() ? "the other wells are empty" : "the others are kept, and not shown");
 }
 
@@ -211,20 +214,20 @@ void RecordCheck::checkBlock(const FileRecord& record, CFile& file) {
   const auto head = ReadStoredBlock(file, record);
   if (!head) return;  // the walk ends here, and says so
   if (head->version < kFirstVersionThatReadsBack) {
-    add(Severity::kWarning, "a data block of version " + std::to_string(head->version),
+    add(Severity::kWarning, fmt::format("a data block of version {}", head->version),
         "it is read, but would not read back once it was saved",
         "{upgrade} makes a document of it that is safe to save");
   } else if (head->timeBlockSize != kTimeBlockSize) {
     add(Severity::kError,
-        "its time block is of " + Counted(head->timeBlockSize, "byte") + ", not 12",
+        fmt::format("its time block is of {}, not 12", Counted(head->timeBlockSize, "byte")),
         "the document is read right, but who reads single frames from the file finds other wells",
         "{recover} writes the block anew");
   }
   checkWells(*head);
   if (head->wells.empty() && record.DeclaredEnd() > head->firstFrame) {
-    add(Severity::kError, "it has no wells, but a length of " + std::to_string(record.length),
-        "nothing in it is read, and the next record is looked for at byte " +
-            std::to_string(head->firstFrame),
+    add(Severity::kError, fmt::format("it has no wells, but a length of {}", record.length),
+        fmt::format("nothing in it is read, and the next record is looked for at byte {}",
+                    head->firstFrame),
         "{recover} looks for what is left");
   }
   const bool isShort = record.DeclaredEnd() < head->firstFrame;
@@ -234,9 +237,8 @@ void RecordCheck::checkBlock(const FileRecord& record, CFile& file) {
   // That its well numbers were counted as frames is seen by who reads it, as too few frames.
   add(Severity::kError,
       isShort ? "its length ends before its first frame"
-              : "its length counts " + Counted(counted / head->frameSize, "frame") + " and " +
-                    std::to_string(part) + " of the " + std::to_string(head->frameSize) +
-                    " bytes of another",
+              : fmt::format("its length counts {} and {} of the {} bytes of another",
+                            Counted(counted / head->frameSize, "frame"), part, head->frameSize),
       "the half frame is not read, and the next record is looked for in it",
       "{repair} sets the length to whole frames where the block is the last record");
 }
@@ -251,14 +253,13 @@ void RecordCheck::checkWells(const StoredBlock& head) {
   }
   if (doubles > 0) {
     add(Severity::kWarning,
-        std::to_string(doubles) + " of its wells " + (doubles == 1 ? "stands" : "stand") +
-            " in it twice",
+        fmt::format("{} of its wells {} in it twice", doubles, doubles == 1 ? "stands" : "stand"),
         "only the first reading of such a well is found by its number");
   }
   if (outside > 0) {
     add(Severity::kWarning,
-        std::to_string(outside) + " of its wells " + (outside == 1 ? "is" : "are") +
-            " on no plate of " + std::to_string(plate_.Wells()) + " wells",
+        fmt::format("{} of its wells {} on no plate of {} wells", outside,
+                    outside == 1 ? "is" : "are", plate_.Wells()),
         "their readings are kept, and found under no well of the plate");
   }
 }

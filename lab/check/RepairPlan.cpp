@@ -1,3 +1,5 @@
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <array>
 #include <limits>
@@ -45,10 +47,10 @@ class Planner {
                              static_cast<std::uint32_t>(after), std::move(what)});
   }
 
-  void cutAt(std::uint64_t offset, std::string what) {
+  void cutAt(std::uint64_t offset, std::string_view what) {
     if (offset >= plan_.size) return;
     plan_.newSize = offset;
-    plan_.cut = Counted(plan_.size - offset, "byte") + " " + std::move(what);
+    plan_.cut = fmt::format("{} {}", Counted(plan_.size - offset, "byte"), what);
   }
 
   void repairEnd() {
@@ -87,7 +89,7 @@ class Planner {
     if (UncommittedBehind(range, end) == Uncommitted::kMore) return;
     patch(block.record.offset + kLengthAt, block.record.length,
           end - block.record.offset - kRecordHeadSize,
-          "the length of RAWa, for " + Counted(frames, "whole frame"));
+          fmt::format("the length of RAWa, for {}", Counted(frames, "whole frame")));
     const bool wasCounted = head.firstFrame + (frames + 1) * head.frameSize <= range.countedEnd;
     cutAt(end, wasCounted ? "of a frame of which the rest is gone"
                           : "of a frame that was not committed");
@@ -105,7 +107,7 @@ class Planner {
   void repairLengths(const std::vector<WrongLength>& lengths) {
     for (const WrongLength& wrong : lengths) {
       patch(wrong.offset + kLengthAt, wrong.declared, wrong.held,
-            "the length of " + wrong.name + ", for what it holds");
+            fmt::format("the length of {}, for what it holds", wrong.name));
     }
   }
 

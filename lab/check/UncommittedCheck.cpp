@@ -1,5 +1,7 @@
 #include "lab/check/UncommittedCheck.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 
 #include "lab/Text.h"
@@ -48,8 +50,8 @@ void checkFault(CFile& file, const Document& document, const HeaderFields& heade
   const std::string name = own.empty() ? "header" : records.NameAt(fault.offset);
   findings.Add({Severity::kError, name, fault.offset, fault.what,
                 lost == 0 ? "the document has no records"
-                          : "nothing is read from there on: " + std::to_string(lost) + " of " +
-                                Counted(document.Size(), "byte"),
+                          : fmt::format("nothing is read from there on: {} of {}", lost,
+                                        Counted(document.Size(), "byte")),
                 records.CanRepairLengths()
                     ? "{repair} sets the lengths of records; check the document again then"
                     : kRecover});
@@ -61,14 +63,15 @@ void checkBehindBlock(const LastBlock& block, const Document& document, const He
   const std::uint64_t bytes = document.Size() - from;
   const std::uint64_t whole = bytes / block.head.frameSize;
   const std::uint64_t rest = bytes % block.head.frameSize;
-  const std::string partText = std::to_string(rest) + " of the " +
-                               std::to_string(block.head.frameSize) + " bytes of a frame";
+  const std::string partText =
+      fmt::format("{} of the {} bytes of a frame", rest, block.head.frameSize);
   const bool isOfACommit =
       UncommittedBehind(block.Range(document.Size()), from) == Uncommitted::kCommit;
   if (header.IsUnfinished() && isOfACommit) {
     findings.Add({Severity::kWarning, std::string(kBlock), from,
-                  (whole == 1 ? "a whole frame follows" : partText + " follow") +
-                      " the block's length: a commit was interrupted",
+                  whole == 1 ? "a whole frame follows the block's length: a commit was interrupted"
+                             : fmt::format("{} follow the block's length: a commit was interrupted",
+                                           partText),
                   kNotCommitted,
                   whole == 1 ? "{repair} counts it when each well has a reading in it; "
                                "{resume} cuts it off and records it again"
@@ -77,15 +80,18 @@ void checkBehindBlock(const LastBlock& block, const Document& document, const He
   }
   if (whole == 0) {
     findings.Add({Severity::kError, std::string(kBlock), from,
-                  partText + " follow the block's length",
+                  fmt::format("{} follow the block's length", partText),
                   "they are not read, and a save drops them", "{repair} cuts them off"});
     return;
   }
   findings.Add({Severity::kError, std::string(kBlock), from,
-                Counted(whole, "whole frame") + (rest > 0 ? " and " + partText : "") +
-                    (whole == 1 && rest == 0 ? " follows" : " follow") + " the block's length",
-                "the block is read with " + Counted(block.head.frameCount, "frame") +
-                    ", and a save drops the others",
+                rest > 0
+                    ? fmt::format("{} and {} follow the block's length",
+                                  Counted(whole, "whole frame"), partText)
+                    : fmt::format("{} the block's length",
+                                  Counted(whole, "whole frame follows", "whole frames follow")),
+                fmt::format("the block is read with {}, and a save drops the others",
+                            Counted(block.head.frameCount, "frame")),
                 "{repair} counts those in which each well has a reading"});
 }
 
@@ -98,16 +104,18 @@ void checkBehindRecords(CFile& file, const Document& document, const HeaderField
     return checkBehindBlock(*block, document, header, findings);
   }
   if (EndsInFirstCommit(file, document, header)) {
-    findings.Add({Severity::kWarning, "", from,
-                  Counted(bytes, "byte") + " of a block without its tag follow the last record: a "
-                                           "first commit was interrupted",
-                  kNotCommitted, kResume});
+    findings.Add(
+        {Severity::kWarning, "", from,
+         fmt::format("{} of a block without its tag follow the last record: a first commit "
+                     "was interrupted",
+                     Counted(bytes, "byte")),
+         kNotCommitted, kResume});
     return;
   }
   const bool canHide = bytes >= kRecordHeadSize;
   findings.Add({canHide ? Severity::kError : Severity::kWarning, "", from,
-                Counted(bytes, "byte") + (bytes == 1 ? " follows" : " follow") +
-                    " the last record, and begin none that is known",
+                fmt::format("{} the last record, and begin none that is known",
+                            Counted(bytes, "byte follows", "bytes follow")),
                 canHide ? "they are not read, a save drops them, and there may be records in them"
                         : "too few for a record; they are not read, and a save drops them",
                 canHide ? "{recover} looks for records in them" : "{repair} cuts them off"});

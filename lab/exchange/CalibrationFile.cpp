@@ -1,5 +1,7 @@
 #include "lab/exchange/CalibrationFile.h"
 
+#include <fmt/core.h>
+
 #include <bit>
 #include <cmath>
 #include <limits>
@@ -53,7 +55,7 @@ std::uint32_t readValue(const CsvRow& row, const std::string& text, FloatReader&
   }
   const auto number = NumberIn<double>(text);
   if (!number || !(std::abs(*number) <= std::numeric_limits<float>::max())) {
-    row.Refuse(Quoted(text) + " among the values is no number of 32 bits");
+    row.Refuse(fmt::format("{} among the values is no number of 32 bits", Quoted(text)));
   }
   return std::bit_cast<std::uint32_t>(values.Keep(row, "value", text, *number));
 }

@@ -1,5 +1,7 @@
 #include "lab/exchange/CsvHeader.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <array>
 #include <tuple>
@@ -53,9 +55,10 @@ std::string CsvHeader::whyMissing(std::string_view column, const CsvSplitter::Ro
     had += (i == 0 ? "" : ", ") + Quoted(names[i]);
   }
   if (names.size() > kMostShown) had += ", ...";
-  return "has no column " + Quoted(isGiven ? given->second : column) + " (it has " + had +
-         "); the first row must name the columns, and '" + format_.namesOption + " " +
-         std::string(column) + "=NAME' tells another name";
+  return fmt::format(
+      "has no column {} (it has {}); the first row must name the columns, and '{} {}=NAME' tells "
+      "another name",
+      Quoted(isGiven ? given->second : column), had, format_.namesOption, column);
 }
 
 std::optional<std::string> CsvHeader::Find(const CsvSplitter::Row& names) {
@@ -64,17 +67,17 @@ std::optional<std::string> CsvHeader::Find(const CsvSplitter::Row& names) {
   for (const std::string_view column : columns_) {
     const auto found = placesOf(column, names);
     if (found.size() > 1) {
-      return "has the column " + Quoted(names[found[0]]) + " twice, as fields " +
-             std::to_string(found[0] + 1) + " and " + std::to_string(found[1] + 1) +
-             "; rename or remove one of them";
+      return fmt::format(
+          "has the column {} twice, as fields {} and {}; rename or remove one of them",
+          Quoted(names[found[0]]), found[0] + 1, found[1] + 1);
     }
     if (found.empty() && places_.size() < needed_) return whyMissing(column, names);
     const auto place = found.empty() ? std::nullopt : std::optional(found.front());
     const auto other = std::find(places_.begin(), places_.end(), place);
     if (place && other != places_.end()) {
-      return "has one column " + Quoted(names[*place]) + " for both " +
-             std::string(columns_[static_cast<std::size_t>(other - places_.begin())]) + " and " +
-             std::string(column) + "; " + format_.namesOption + " must name two";
+      return fmt::format(
+          "has one column {} for both {} and {}; {} must name two", Quoted(names[*place]),
+          columns_[static_cast<std::size_t>(other - places_.begin())], column, format_.namesOption);
     }
     places_.push_back(place);
   }

@@ -1,3 +1,5 @@
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cctype>
 
@@ -19,8 +21,8 @@ bool isSameName(std::string_view one, std::string_view other) {
 void requireDistinct(const std::vector<std::string_view>& columns, const CsvNames& names,
                      const std::string& option) {
   const auto refuse = [&](const std::string& name, std::string_view one, std::string_view other) {
-    throw Error(ErrorCode::kUsage, option + ": " + Quoted(name) + " cannot be both " +
-                                       std::string(one) + " and " + std::string(other));
+    throw Error(ErrorCode::kUsage,
+                fmt::format("{}: {} cannot be both {} and {}", option, Quoted(name), one, other));
   };
   for (auto given = names.begin(); given != names.end(); ++given) {
     for (auto other = names.begin(); other != given; ++other) {
@@ -48,15 +50,16 @@ CsvNames ParseColumnNames(std::string_view names, const std::vector<std::string_
       std::string known;
       for (const std::string_view each : columns)
         known.append(known.empty() ? "" : ", ").append(each);
-      throw Error(ErrorCode::kUsage, option + ": " + Quoted(column) +
-                                         " is no column of this file; its columns are " + known);
+      throw Error(ErrorCode::kUsage,
+                  fmt::format("{}: {} is no column of this file; its columns are {}", option,
+                              Quoted(column), known));
     }
     if (equals == std::string_view::npos || equals + 1 == pair.size()) {
-      throw Error(ErrorCode::kUsage, option + ": " + Quoted(pair) + " gives no name; write " +
-                                         std::string(column) + "=NAME");
+      throw Error(ErrorCode::kUsage,
+                  fmt::format("{}: {} gives no name; write {}=NAME", option, Quoted(pair), column));
     }
     if (!result.emplace(column, pair.substr(equals + 1)).second) {
-      throw Error(ErrorCode::kUsage, option + ": " + Quoted(column) + " is named twice");
+      throw Error(ErrorCode::kUsage, fmt::format("{}: {} is named twice", option, Quoted(column)));
     }
   }
   requireDistinct(columns, result, option);

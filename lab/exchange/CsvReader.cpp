@@ -1,6 +1,7 @@
 #include "lab/exchange/CsvReader.h"
 
 #include <fcntl.h>
+#include <fmt/core.h>
 #include <poll.h>
 #include <unistd.h>
 
@@ -109,8 +110,8 @@ class Reader {
 
   [[noreturn]] void RefuseNext(const std::string& why, ErrorRemedy remedy = ErrorRemedy::kNone,
                                std::optional<std::uint64_t> offset = std::nullopt) const {
-    throw Error(ErrorCode::kDocument, name_, "row " + std::to_string(number_ + 1) + ": " + why,
-                offset, remedy);
+    throw Error(ErrorCode::kDocument, name_, fmt::format("row {}: {}", number_ + 1, why), offset,
+                remedy);
   }
   std::size_t RowCount() const { return number_; }
 
@@ -178,9 +179,9 @@ class Reader {
     }
     if (row.size() != header_.Width()) {
       const bool mayBeDecimals = delimiter_ == ',' && row.size() > header_.Width();
-      RefuseNext("has " + std::to_string(row.size()) + " fields where the first row has " +
-                     std::to_string(header_.Width()),
-                 mayBeDecimals ? ErrorRemedy::kQuoteDecimals : ErrorRemedy::kNone);
+      RefuseNext(
+          fmt::format("has {} fields where the first row has {}", row.size(), header_.Width()),
+          mayBeDecimals ? ErrorRemedy::kQuoteDecimals : ErrorRemedy::kNone);
     }
     std::vector<std::string_view> fields = header_.FieldsOf(row);
     for (const std::string_view field : fields) {
@@ -203,7 +204,7 @@ class Reader {
 
 [[noreturn]] void refuseBytes(const Reader& reader, const TextDecoder& decoder) {
   const bool isGuess = decoder.Encoding() == "UTF-8";
-  reader.RefuseNext("these bytes are not " + decoder.Encoding(),
+  reader.RefuseNext(fmt::format("these bytes are not {}", decoder.Encoding()),
                     isGuess ? ErrorRemedy::kGiveLatin1 : ErrorRemedy::kGiveEncoding,
                     decoder.FaultOffset());
 }

@@ -1,5 +1,7 @@
 #include "lab/exchange/CsvRow.h"
 
+#include <fmt/core.h>
+
 #include <cmath>
 
 #include "lab/Text.h"
@@ -13,19 +15,19 @@ std::string Quoted(std::string_view text) {
 }
 
 void CsvRow::Refuse(const std::string& why, ErrorRemedy remedy) const {
-  throw Error(ErrorCode::kDocument, file_, "row " + std::to_string(number_) + ": " + why,
-              std::nullopt, remedy);
+  throw Error(ErrorCode::kDocument, file_, fmt::format("row {}: {}", number_, why), std::nullopt,
+              remedy);
 }
 
 void CsvRow::RefuseField(std::size_t column, const std::string& why, ErrorRemedy remedy) const {
-  Refuse(std::string(columns_[column]) + " " + Quoted(Text(column)) + " " + why, remedy);
+  Refuse(fmt::format("{} {} {}", columns_[column], Quoted(Text(column)), why), remedy);
 }
 
 std::string CsvRow::PointText(std::size_t column, std::string_view text) const {
   DecimalMark::Plain plain = mark_.Read(text, fields_);
   if (plain.why.empty()) return std::move(plain.text);
   if (text == Text(column)) RefuseField(column, plain.why, plain.remedy);
-  Refuse(Quoted(text) + " among the " + std::string(columns_[column]) + " " + plain.why,
+  Refuse(fmt::format("{} among the {} {}", Quoted(text), columns_[column], plain.why),
          plain.remedy);
 }
 
@@ -45,8 +47,7 @@ double CsvRow::Decimal(std::size_t column, double most) const {
 unsigned CsvRow::Whole(std::size_t column, unsigned least, unsigned most) const {
   const auto value = NumberIn<unsigned>(Text(column));
   if (!value || *value < least || *value > most) {
-    RefuseField(column,
-                "is no whole number from " + std::to_string(least) + " to " + std::to_string(most));
+    RefuseField(column, fmt::format("is no whole number from {} to {}", least, most));
   }
   return *value;
 }

@@ -1,5 +1,7 @@
 #include "lab/exchange/DecimalMark.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 
 namespace vex2::lab {
@@ -65,13 +67,14 @@ DecimalMark::Plain DecimalMark::Read(std::string_view text,
   if (mark_ == 0) mark_ = toldBy(text);
   if (mark_ == 0) mark_ = toldBy(beside);
   if (mark_ == 0) {
-    return {"", "may have a decimal " + nameOf(found) + " or a mark between thousands",
+    return {"", fmt::format("may have a decimal {} or a mark between thousands", nameOf(found)),
             ErrorRemedy::kGiveDecimalMark};
   }
   if (found != mark_) {
-    return {"",
-            "has a " + nameOf(found) + ", but decimals are marked by a " + nameOf(mark_) + " here",
-            found == ',' ? ErrorRemedy::kTakeDecimalComma : ErrorRemedy::kTakeDecimalPoint};
+    return {
+        "",
+        fmt::format("has a {}, but decimals are marked by a {} here", nameOf(found), nameOf(mark_)),
+        found == ',' ? ErrorRemedy::kTakeDecimalComma : ErrorRemedy::kTakeDecimalPoint};
   }
   std::string plain(text);
   std::replace(plain.begin(), plain.end(), ',', '.');

@@ -1,5 +1,7 @@
 #include "lab/exchange/FloatReader.h"
 
+#include <fmt/core.h>
+
 #include "lab/Text.h"
 #include "lab/model/Value.h"
 
@@ -13,7 +15,7 @@ float FloatReader::Keep(const CsvRow& row, std::string_view what, const std::str
   const double change = ChangeOf(text, kept);
   if (change == 0) return kept;
   if (isExact_) {
-    row.Refuse("the " + std::string(what) + " " + text + " would be rounded to " + ValueText(kept),
+    row.Refuse(fmt::format("the {} {} would be rounded to {}", what, text, ValueText(kept)),
                ErrorRemedy::kAllowRounding);
   }
   rounded_.Add(change);

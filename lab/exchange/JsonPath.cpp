@@ -1,5 +1,7 @@
 #include "lab/exchange/JsonPath.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cctype>
 #include <optional>
@@ -137,16 +139,17 @@ std::string WhyNoValue(const ValueAt& found, const std::string& path,
     for (const std::string& each : paths) names.push_back(each.substr(prefix.size()));
   }
   const auto near = NearestName(found.missing, names);
-  std::string what = "it has no value '" + path + "'";
-  if (near) what += "; did you mean '" + prefix + *near + "'?";
+  if (paths.empty()) {
+    return fmt::format("it has no value '{}'; '{}' holds no others", path, found.reached);
+  }
+  std::string known;
   for (std::size_t i = 0; i < paths.size() && i < kMostNamed; ++i) {
-    what += (i > 0 ? ", " : near ? " There are " : "; there are ") + paths[i];
+    known += (i > 0 ? ", " : "") + paths[i];
   }
-  if (paths.size() > kMostNamed) {
-    what += " and " + std::to_string(paths.size() - kMostNamed) + " more";
-  }
-  if (paths.empty()) what += "; '" + found.reached + "' holds no others";
-  return what;
+  if (paths.size() > kMostNamed) known += fmt::format(" and {} more", paths.size() - kMostNamed);
+  return near ? fmt::format("it has no value '{}'; did you mean '{}{}'? There are {}", path, prefix,
+                            *near, known)
+              : fmt::format("it has no value '{}'; there are {}", path, known);
 }
 
 }  // namespace vex2::lab

@@ -1,5 +1,6 @@
 #include "lab/exchange/TextDecoder.h"
 
+#include <fmt/core.h>
 #include <iconv.h>
 
 #include <array>
@@ -32,9 +33,11 @@ class TextDecoder::Converter {
  public:
   explicit Converter(const std::string& encoding) : handle_(::iconv_open(kUtf8, encoding.c_str())) {
     if (isOpen()) return;
-    throw Error(ErrorCode::kUsage, "the encoding '" + encoding +
-                                       "' is not known; 'iconv -l' lists those that are, such as "
-                                       "utf-8, utf-16le, latin1, windows-1252");
+    throw Error(ErrorCode::kUsage,
+                fmt::format("the encoding '{}' is not known; 'iconv -l' lists those "
+                            "that are, such as utf-8, utf-16le, latin1, "
+                            "windows-1252",
+                            encoding));
   }
   ~Converter() {
     if (isOpen()) ::iconv_close(handle_);

@@ -1,5 +1,7 @@
 #include "lab/model/Document.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <filesystem>
 
@@ -55,8 +57,9 @@ struct Document::Surveyor final : RecordVisitor {
     if (record.depth == 1) {
       beginOwn(noted);
     } else if (topKnown && !noted.known && record.length > 0) {
-      document.losses_.push_back({record.offset, "the bytes of the record " + inQuotes(noted.tag) +
-                                                     " within another, of no known kind"});
+      document.losses_.push_back(
+          {record.offset, fmt::format("the bytes of the record {} within another, of no known kind",
+                                      inQuotes(noted.tag))});
     }
     if (!isPlates) return;
     if (record.depth == 2) {
@@ -88,9 +91,9 @@ struct Document::Surveyor final : RecordVisitor {
     hadPlates = hadPlates || isPlates;
     document.records_.push_back(record);
     if (record.known) return;
-    document.losses_.push_back({record.offset, "the record " + inQuotes(record.tag) + " of " +
-                                                   Counted(record.length, "byte") +
-                                                   ", which is of no known kind"});
+    document.losses_.push_back(
+        {record.offset, fmt::format("the record {} of {}, which is of no known kind",
+                                    inQuotes(record.tag), Counted(record.length, "byte"))});
   }
 
   Document& document;
@@ -138,8 +141,8 @@ std::optional<FileFault> Document::headerFault() const {
   const std::uint64_t needed =
       HeaderLayout::RecordsOffset(static_cast<std::uint32_t>(content_->GetHeaderRows()));
   if (size_ >= needed) return std::nullopt;
-  return FileFault{size_, "the header is cut short: " + std::to_string(size_) + " of " +
-                              Counted(needed, "byte") + " are there"};
+  return FileFault{size_, fmt::format("the header is cut short: {} of {} are there", size_,
+                                      Counted(needed, "byte"))};
 }
 
 // What an interrupted commit leaves behind looks like a record without end.
@@ -155,8 +158,9 @@ std::optional<FileFault> Document::recordFault(int status, const WalkEnd& end) c
   int kept = content_->GetAllComponentCount();
   for (const Record& record : records_) {
     if (!record.known || kept-- > 0) continue;
-    return FileFault{record.offset, "the record " + inQuotes(record.tag) +
-                                        " could not be read, nor what follows it"};
+    return FileFault{
+        record.offset,
+        fmt::format("the record {} could not be read, nor what follows it", inQuotes(record.tag))};
   }
   if (status == kSuccess) return std::nullopt;
   return FileFault{end.offset, "the document could not be read any further"};
@@ -215,26 +219,28 @@ void Document::noteStudyLosses() {
     if (component == nullptr || content_->IsWritten(*component)) continue;
     // A study that is saved ends with one of its own.
     if (record.tag == TagOf(Kind::kEndOfFile)) continue;
-    losses_.push_back({record.offset,
-                       "the record " + inQuotes(record.tag) + ", which a study does not keep",
-                       true});
+    losses_.push_back(
+        {record.offset,
+         fmt::format("the record {}, which a study does not keep", inQuotes(record.tag)), true});
   }
   std::stable_sort(losses_.begin(), losses_.end(),
                    [](const Loss& a, const Loss& b) { return a.offset < b.offset; });
 }
 
 void Document::RequireWhole(std::string_view purpose) const {
-  const std::string refusal =
-      purpose.empty() ? "" : "; it cannot be read whole, so it is not " + std::string(purpose);
   if (fault_) {
-    const std::uint64_t lost = size_ - std::min(size_, fault_->offset);
+    const std::string lost = Counted(size_ - std::min(size_, fault_->offset), "byte");
     throw Error(ErrorCode::kDocument, path_,
-                fault_->what + " (" + Counted(lost, "byte") + " lost)" + refusal, fault_->offset);
+                purpose.empty()
+                    ? fmt::format("{} ({} lost)", fault_->what, lost)
+                    : fmt::format("{} ({} lost); it cannot be read whole, so it is not {}",
+                                  fault_->what, lost, purpose),
+                fault_->offset);
   }
   if (!purpose.empty() && content_->GetHeaderRows() > kMostRows) {
     throw Error(ErrorCode::kDocument, path_,
-                "a plate of " + std::to_string(content_->GetHeaderRows()) +
-                    " rows does not fit into a header that is saved",
+                fmt::format("a plate of {} rows does not fit into a header that is saved",
+                            content_->GetHeaderRows()),
                 HeaderLayout::kSize);
   }
 }
@@ -248,8 +254,8 @@ void RequireNoRunAt(const std::string& path) {
 }
 
 std::string RunInProgressText(const std::string& path, std::string_view what) {
-  return Escaped(path) + ": its run is in progress; " + std::string(what) +
-         " ends with the last frame committed so far";
+  return fmt::format("{}: its run is in progress; {} ends with the last frame committed so far",
+                     Escaped(path), what);
 }
 
 std::string NoteOnRunAt(const std::string& path, std::string_view what) {

@@ -1,5 +1,7 @@
 #include "lab/model/DocumentEditor.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -57,12 +59,13 @@ PlateValues comparable(PlateValues values) {
 }
 
 CString storedName(const std::string& name, const std::string& what) {
-  if (name.empty()) refuse("a " + what + " needs a name");
+  if (name.empty()) refuse(fmt::format("a {} needs a name", what));
   return CString(std::string_view(StoredText(name, what)));
 }
 
 void require(bool isStored, const std::string& what) {
-  if (!isStored) throw Error(ErrorCode::kSystem, "the document cannot hold more " + what);
+  if (!isStored)
+    throw Error(ErrorCode::kSystem, fmt::format("the document cannot hold more {}", what));
 }
 
 void storeDetectors(Vex2FileManager& document, const std::vector<Detector>& before,
@@ -71,7 +74,7 @@ void storeDetectors(Vex2FileManager& document, const std::vector<Detector>& befo
   for (const Detector& detector : after) {
     storedName(detector.name, "detector");
     if (!kept.insert(detector.name).second) {
-      refuse("the detector '" + detector.name + "' is given twice");
+      refuse(fmt::format("the detector '{}' is given twice", detector.name));
     }
   }
   for (const Detector& detector : before) {
@@ -94,7 +97,7 @@ void storeDyes(Vex2FileManager& document, const std::vector<std::string>& before
   std::set<std::string_view> kept;
   for (const std::string& dye : after) {
     storedName(dye, "dye");
-    if (!kept.insert(dye).second) refuse("the dye '" + dye + "' is given twice");
+    if (!kept.insert(dye).second) refuse(fmt::format("the dye '{}' is given twice", dye));
   }
   for (const std::string& dye : before) {
     if (!kept.contains(dye)) {
@@ -123,7 +126,7 @@ const Setting& settingCalled(std::string_view name) {
   const auto found = std::find_if(settings.begin(), settings.end(),
                                   [&](const Setting& one) { return one.key == name; });
   if (found != settings.end()) return *found;
-  throw Error(ErrorCode::kUnknownSetting, "unknown setting '" + std::string(name) + "'");
+  throw Error(ErrorCode::kUnknownSetting, fmt::format("unknown setting '{}'", name));
 }
 
 }  // namespace
@@ -146,7 +149,7 @@ class PlateEditor::Impl {
 
   void RequireSettable(const lab::Setting& setting) const {
     if (!content_.IsRQS() || setting.isOfStudies) return;
-    refuse("a study keeps no " + std::string(setting.key) + " of its own; set it in a plate");
+    refuse(fmt::format("a study keeps no {} of its own; set it in a plate", setting.key));
   }
 
   // Wells first: they bring detectors and dyes that the lists may take away again.
@@ -191,7 +194,7 @@ Well& PlateEditor::Well(std::string_view name) {
   const auto number = PlateLayout{plate.rows, plate.columns}.FindAsWritten(name);
   if (!number) {
     throw Error(ErrorCode::kNoSuchWell, impl_->Path(),
-                "its plate has no well '" + std::string(name) + "'");
+                fmt::format("its plate has no well '{}'", name));
   }
   std::vector<lab::Well>& wells = Wells();
   auto place = std::find_if(wells.begin(), wells.end(),

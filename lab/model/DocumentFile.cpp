@@ -1,5 +1,7 @@
 #include "lab/model/DocumentFile.h"
 
+#include <fmt/core.h>
+
 #include <memory>
 
 #include "lab/Error.h"
@@ -31,8 +33,8 @@ void DocumentFile::OpenDocument(const std::string& path) {
   RequireReadable(path);
   if (SafeOpen(path.c_str(), 0, 0) == 0) throw FileFailure(path, GetLastFileError());
   if (const auto why = WhyNoDocument(*this)) {
-    throw Error(ErrorCode::kNoDocument, path, "this is not a plate document: " + why->text, 0,
-                why->remedy);
+    throw Error(ErrorCode::kNoDocument, path,
+                fmt::format("this is not a plate document: {}", why->text), 0, why->remedy);
   }
 }
 

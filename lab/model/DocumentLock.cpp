@@ -1,6 +1,7 @@
 #include "lab/model/DocumentLock.h"
 
 #include <fcntl.h>
+#include <fmt/core.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -121,9 +122,9 @@ void DocumentLock::refuseFolder(int error) const {
   const bool isReadOnly = error == EACCES || error == EPERM || error == EROFS;
   if (!isReadOnly) throw SystemError(given_, error);
   throw Error(ErrorCode::kUsage, given_,
-              "cannot be written: its folder " + document_.parent_path().string() +
-                  " takes no new file (" + std::strerror(error) +
-                  "); make the folder writable, or use another");
+              fmt::format("cannot be written: its folder {} takes no new file ({}); make the "
+                          "folder writable, or use another",
+                          document_.parent_path().string(), std::strerror(error)));
 }
 
 bool DocumentLock::isStillThere() const {
@@ -151,8 +152,10 @@ void DocumentLock::refuse() const {
   const bool isLink = fs::is_symlink(given_, ignored);
   throw Error(
       ErrorCode::kInUse, given_,
-      (isLink ? "leads to " + document_.string() + ", which is" : std::string("is")) +
-          " being recorded already; wait until the recorder is done, or end it with Ctrl-C");
+      isLink ? fmt::format("leads to {}, which is being recorded already; wait until the recorder "
+                           "is done, or end it with Ctrl-C",
+                           document_.string())
+             : "is being recorded already; wait until the recorder is done, or end it with Ctrl-C");
 }
 
 }  // namespace vex2::lab

@@ -1,5 +1,7 @@
 #include "lab/model/DocumentPlates.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 
 #include "lab/Error.h"
@@ -7,6 +9,25 @@
 #include "vex2/run/AcquisitionDataComp.h"
 
 namespace vex2::lab {
+
+namespace {
+
+std::string whyNoPlate(const Document& document, std::string_view name) {
+  constexpr std::size_t kMost = 8;
+  const auto& plates = document.Plates();
+  if (!plates.empty()) {
+    std::string names;
+    for (std::size_t i = 0; i < plates.size() && i < kMost; ++i) {
+      names += fmt::format("{}'{}'", i == 0 ? "" : ", ", ToUtf8(plates[i].name));
+    }
+    if (plates.size() > kMost) names += " and others";
+    return fmt::format("it has no plate '{}'; its plates are {}", name, names);
+  }
+  return document.IsStudy() ? fmt::format("it has no plate '{}', nor any other", name)
+                            : fmt::format("it has no plate '{}', for it is no study", name);
+}
+
+}  // namespace
 
 bool IsPlateCalled(std::string_view stored, std::string_view name) {
   // A name that is no Latin-1 stands in the document as the bytes that its file's name had.
@@ -22,16 +43,8 @@ const Document::Plate* FindPlate(const Document& document, std::string_view name
 }
 
 void RefusePlateName(const Document& document, std::string_view name) {
-  constexpr std::size_t kMost = 8;
   document.RequireWhole("");
-  const auto& plates = document.Plates();
-  std::string what = "it has no plate '" + std::string(name) + "'";
-  if (plates.empty()) what += document.IsStudy() ? ", nor any other" : ", for it is no study";
-  for (std::size_t i = 0; i < plates.size() && i < kMost; ++i) {
-    what += (i == 0 ? "; its plates are '" : "', '") + ToUtf8(plates[i].name);
-  }
-  if (!plates.empty()) what += plates.size() > kMost ? "' and others" : "'";
-  throw Error(ErrorCode::kNoSuchPlate, document.Path(), what);
+  throw Error(ErrorCode::kNoSuchPlate, document.Path(), whyNoPlate(document, name));
 }
 
 const AcquisitionDataComp* FindBlock(const Document::Plate& plate, std::string_view tag) {

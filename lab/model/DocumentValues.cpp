@@ -1,5 +1,7 @@
 #include "lab/model/DocumentValues.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <limits>
 #include <set>
@@ -24,9 +26,8 @@ void requirePlate(const Plate& plate) {
       plate.columns <= kMostColumns) {
     return;
   }
-  refuse("a plate has 1 to " + std::to_string(kMostRows) + " rows and 1 to " +
-         std::to_string(kMostColumns) + " columns, not " + std::to_string(plate.rows) + " and " +
-         std::to_string(plate.columns));
+  refuse(fmt::format("a plate has 1 to {} rows and 1 to {} columns, not {} and {}", kMostRows,
+                     kMostColumns, plate.rows, plate.columns));
 }
 
 std::string reporterOf(const Target& target, std::span<const Detector> detectors) {
@@ -41,8 +42,8 @@ std::string reporterOf(const Target& target, std::span<const Detector> detectors
 std::string StoredText(std::string_view text, const std::string& what) {
   const auto stored = ToLatin1(text);
   if (stored && stored->find('\0') == std::string::npos) return *stored;
-  refuse("the " + what + " '" + std::string(text) +
-         "' cannot be stored: documents hold characters of Latin-1");
+  refuse(fmt::format("the {} '{}' cannot be stored: documents hold characters of Latin-1", what,
+                     text));
 }
 
 PlateContents StoredContents(const Plate& plate, std::span<const Detector> detectors) {
@@ -52,10 +53,10 @@ PlateContents StoredContents(const Plate& plate, std::span<const Detector> detec
   std::set<std::uint16_t> seen;
   for (const Well& well : plate.wells) {
     if (well.number < 1 || well.number > contents.plate.WellCount()) {
-      refuse("the plate has no well " + std::to_string(well.number));
+      refuse(fmt::format("the plate has no well {}", well.number));
     }
     const std::string name = contents.plate.NameOf(well.number);
-    if (!seen.insert(well.number).second) refuse("well " + name + " is given twice");
+    if (!seen.insert(well.number).second) refuse(fmt::format("well {} is given twice", name));
     WellRow row;
     row.well = well.number;
     row.sample = StoredText(well.sample, "sample of well " + name);
@@ -102,12 +103,12 @@ void StoreSetting(Vex2FileManager& document, const SettingValue& setting) {
   const auto found = std::find_if(settings.begin(), settings.end(),
                                   [&](const Setting& one) { return one.key == setting.name; });
   if (found == settings.end()) {
-    throw Error(ErrorCode::kUnknownSetting, "unknown setting '" + setting.name + "'");
+    throw Error(ErrorCode::kUnknownSetting, fmt::format("unknown setting '{}'", setting.name));
   }
   const std::string text = ValueText(setting.value);
   if (found->set(document, text)) return;
-  refuse("the setting " + setting.name + " cannot be '" + text + "': it takes " +
-         std::string(found->takes));
+  refuse(
+      fmt::format("the setting {} cannot be '{}': it takes {}", setting.name, text, found->takes));
 }
 
 void StoreProgram(Vex2FileManager& document, std::span<const std::uint8_t> program) {

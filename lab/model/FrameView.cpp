@@ -1,5 +1,7 @@
 #include "lab/model/FrameView.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <new>
 #include <utility>
@@ -135,8 +137,8 @@ FrameView FrameQuery::Read(DocumentFile& file) const {
   if (!record) refuseBlock();
   auto head = ReadStoredBlock(file, *record);
   if (!head) {
-    throw Error(ErrorCode::kDocument, path_, "the data block \"" + block_ + "\" is cut short",
-                record->offset);
+    throw Error(ErrorCode::kDocument, path_,
+                fmt::format("the data block \"{}\" is cut short", block_), record->offset);
   }
   requireIndex(head->frameCount);
   FrameView view{.plate = {},
@@ -154,14 +156,16 @@ FrameView FrameQuery::Read(DocumentFile& file) const {
 
 void FrameQuery::requireIndex(std::uint64_t count) const {
   if (index_ >= 0 && static_cast<std::uint64_t>(index_) < count) return;
-  throw Error(ErrorCode::kNoSuchFrame, path_,
-              "there is no frame " + std::to_string(index_) + "; the data block \"" + block_ +
-                  "\" has " + Counted(count, "frame") +
-                  (count > 0 ? ", 0 to " + std::to_string(count - 1) : ""));
+  throw Error(
+      ErrorCode::kNoSuchFrame, path_,
+      count == 0
+          ? fmt::format("there is no frame {}; the data block \"{}\" has 0 frames", index_, block_)
+          : fmt::format("there is no frame {}; the data block \"{}\" has {}, 0 to {}", index_,
+                        block_, Counted(count, "frame"), count - 1));
 }
 
 void FrameQuery::refuseBlock() const {
-  throw Error(ErrorCode::kDocument, path_, "it has no data block \"" + block_ + "\"");
+  throw Error(ErrorCode::kDocument, path_, fmt::format("it has no data block \"{}\"", block_));
 }
 
 void FrameQuery::readRecords(DocumentFile& file, const FileRecord& record, const StoredBlock& head,
@@ -177,10 +181,9 @@ void FrameQuery::readRecords(DocumentFile& file, const FileRecord& record, const
     status = file.ReadDataFrame(index, &view.frame, BlockType(block_));
   }
   if (status == kSuccess && view.frame.wellCount == view.wells.size()) return;
-  throw Error(
-      ErrorCode::kDocument, path_,
-      "frame " + std::to_string(view.index) + " of the data block \"" + block_ + "\" is cut short",
-      head.firstFrame + view.index * head.frameSize);
+  throw Error(ErrorCode::kDocument, path_,
+              fmt::format("frame {} of the data block \"{}\" is cut short", view.index, block_),
+              head.firstFrame + view.index * head.frameSize);
 }
 
 }  // namespace vex2::lab

@@ -1,5 +1,6 @@
 #include "lab/model/OutputFiles.h"
 
+#include <fmt/core.h>
 #include <strings.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -111,7 +112,8 @@ void OutputFiles::checkExisting(const File& output) const {
     throw Error(ErrorCode::kUsage, output.path,
                 "is a plate document, which is never replaced by a table; give another name");
   }
-  if (!mayReplace_) throw Error(ErrorCode::kExists, output.path, "already exists; " + remedy_);
+  if (!mayReplace_)
+    throw Error(ErrorCode::kExists, output.path, fmt::format("already exists; {}", remedy_));
   if (info.st_nlink > 1) {
     throw Error(ErrorCode::kUsage, output.path,
                 "has other names as well (hard links), so it is not replaced; give another name");

@@ -1,5 +1,7 @@
 #include "lab/model/PlateChange.h"
 
+#include <fmt/core.h>
+
 #include <map>
 
 #include "lab/Error.h"
@@ -24,8 +26,8 @@ PlateContents PlacedOn(PlateLayout plate, PlateContents contents, const std::str
     const auto well = plate.Find(name);
     if (!well) {
       throw Error(ErrorCode::kUsage, source,
-                  "well " + name + " is not on the document's plate of " +
-                      std::to_string(plate.WellCount()) + " wells");
+                  fmt::format("well {} is not on the document's plate of {} wells", name,
+                              plate.WellCount()));
     }
     row.well = *well;
   }

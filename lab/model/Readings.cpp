@@ -1,5 +1,7 @@
 #include "lab/model/Readings.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <limits>
 #include <utility>
@@ -15,8 +17,7 @@ constexpr double kNoReading = std::numeric_limits<double>::quiet_NaN();
 
 void require(std::size_t index, std::size_t count, ErrorCode code, const char* what) {
   if (index < count) return;
-  throw Error(code, "no " + std::string(what) + " has the index " + std::to_string(index) +
-                        "; there are " + std::to_string(count));
+  throw Error(code, fmt::format("no {} has the index {}; there are {}", what, index, count));
 }
 
 void requireFrame(const Readings& readings, std::size_t frame) {

@@ -1,5 +1,7 @@
 #include "lab/model/RecordWalk.h"
 
+#include <fmt/core.h>
+
 #include "lab/Text.h"
 #include "vex2/format/Encoding.h"
 
@@ -9,26 +11,27 @@ namespace {
 
 std::string describe(const WalkFault& fault) {
   using Reason = WalkFault::Reason;
-  const std::string name = "the record \"" + ToUtf8({fault.tag.data(), fault.tag.size()}) + "\"";
+  const std::string name =
+      fmt::format("the record \"{}\"", ToUtf8({fault.tag.data(), fault.tag.size()}));
   const auto cutShort = [&](const char* unit) {
-    return name + " is cut short: " + std::to_string(fault.available) + " of " +
-           Counted(fault.expected, unit) + " are there";
+    return fmt::format("{} is cut short: {} of {} are there", name, fault.available,
+                       Counted(fault.expected, unit));
   };
   switch (fault.reason) {
     case Reason::kNoLength:
-      return name + " ends before its length";
+      return fmt::format("{} ends before its length", name);
     case Reason::kTooDeep:
       return "records are nested too deep";
     case Reason::kBytesMissing:
       return cutShort("byte");
     case Reason::kNoCount:
-      return name + " ends before its count";
+      return fmt::format("{} ends before its count", name);
     case Reason::kRecordsMissing:
       return cutShort("record");
     case Reason::kNoPlateEnd:
-      return name + " has no end";
+      return fmt::format("{} has no end", name);
     case Reason::kNoFrames:
-      return name + " ends before its frames";
+      return fmt::format("{} ends before its frames", name);
     case Reason::kFramesMissing:
       return cutShort("frame");
   }

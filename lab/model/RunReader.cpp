@@ -1,5 +1,7 @@
 #include "lab/model/RunReader.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 
 #include "lab/Guarded.h"
@@ -206,8 +208,8 @@ Frame RunReader::Frame(std::uint64_t index, std::string_view block) const {
   const std::uint64_t count = FrameCount(block);
   if (index >= count) {
     throw Error(ErrorCode::kNoSuchFrame, content_->path.string(),
-                "it has no frame " + std::to_string(index) + "; the block " + ToUtf8(block) +
-                    " has " + Counted(count, "frame"));
+                fmt::format("it has no frame {}; the block {} has {}", index, ToUtf8(block),
+                            Counted(count, "frame")));
   }
   return withFrames<lab::Frame>(block,
                                 [&](FrameReader& reader) { return reader.ReadFrame(index); });
@@ -232,7 +234,7 @@ RunReader RunReader::Plate(std::string_view name) const {
     if (IsPlateCalled(plate.name, name)) return RunReader(plate.content);
   }
   throw Error(ErrorCode::kNoSuchPlate, content_->path.string(),
-              "it has no plate '" + std::string(name) + "'");
+              fmt::format("it has no plate '{}'", name));
 }
 
 }  // namespace vex2::lab

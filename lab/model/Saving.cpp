@@ -1,5 +1,7 @@
 #include "lab/model/Saving.h"
 
+#include <fmt/core.h>
+
 #include <filesystem>
 
 #include "lab/SystemError.h"
@@ -22,8 +24,9 @@ void upgradeBlocks(const Document& document, const Document::Plate& plate, const
     if (block == nullptr || block->GetVersion() >= kFirstVersionThatReadsBack) continue;
     if (!rules.upgradeBlocks) {
       throw Error(ErrorCode::kDocument, document.Path(),
-                  "the data block \"" + record.tag +
-                      "\" is of version 1 and would not read back once saved; " + rules.upgradeHint,
+                  fmt::format("the data block \"{}\" is of version 1 and would not read back once "
+                              "saved; {}",
+                              record.tag, rules.upgradeHint),
                   record.offset);
     }
     block->Upgrade();
@@ -34,21 +37,20 @@ void reportLosses(const Document& document, const std::vector<Document::Loss>& l
                   const std::string& target, const SaveRules& rules) {
   if (losses.empty()) return;
   if (IsSameFile(document.Path(), target) && !rules.dropUnknown) {
-    throw Error(
-        ErrorCode::kDocument, document.Path(),
-        "saving would lose " + losses.front().what +
-            (losses.size() > 1 ? ", and data in " + Counted(losses.size() - 1, "other place")
-                               : std::string()) +
-            "; " + rules.dropHint,
-        losses.front().offset);
+    throw Error(ErrorCode::kDocument, document.Path(),
+                losses.size() == 1
+                    ? fmt::format("saving would lose {}; {}", losses.front().what, rules.dropHint)
+                    : fmt::format("saving would lose {}, and data in {}; {}", losses.front().what,
+                                  Counted(losses.size() - 1, "other place"), rules.dropHint),
+                losses.front().offset);
   }
   for (std::size_t i = 0; i < losses.size() && i < kMostLossLines; ++i) {
-    rules.onLoss(Escaped(document.Path()) + ": at byte " + std::to_string(losses[i].offset) +
-                 ": left out: " + losses[i].what);
+    rules.onLoss(fmt::format("{}: at byte {}: left out: {}", Escaped(document.Path()),
+                             losses[i].offset, losses[i].what));
   }
   if (losses.size() > kMostLossLines) {
-    rules.onLoss(Escaped(document.Path()) +
-                 ": left out: " + Counted(losses.size() - kMostLossLines, "more record"));
+    rules.onLoss(fmt::format("{}: left out: {}", Escaped(document.Path()),
+                             Counted(losses.size() - kMostLossLines, "more record")));
   }
 }
 

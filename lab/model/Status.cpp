@@ -1,5 +1,7 @@
 #include "lab/model/Status.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cerrno>
 
@@ -22,16 +24,16 @@ bool isAlike(std::string_view given, std::string_view known) {
 }  // namespace
 
 void RequireStatusCode(std::string_view code, const std::string& path) {
-  const auto refuse = [&](const std::string& why) {
-    throw Error(ErrorCode::kUsage, path, "the status '" + std::string(code) + "' is not " + why);
-  };
+  const auto refuse = [&](const std::string& why) { throw Error(ErrorCode::kUsage, path, why); };
   for (const std::string_view known :
        {RunStatus::kNotStarted, RunStatus::kInProgress, RunStatus::kDone}) {
     if (code != known && isAlike(code, known)) {
-      refuse("known; did you mean " + std::string(known) + "?");
+      refuse(fmt::format("the status '{}' is not known; did you mean {}?", code, known));
     }
   }
-  if (code.size() != kCodeLength || !IsPlain(code)) refuse("four plain characters, like DONE");
+  if (code.size() != kCodeLength || !IsPlain(code)) {
+    refuse(fmt::format("the status '{}' is not four plain characters, like DONE", code));
+  }
 }
 
 void StoreStatus(Vex2FileManager& document, std::string_view code) {

@@ -1,5 +1,7 @@
 #include "lab/model/Study.h"
 
+#include <fmt/core.h>
+
 #include <array>
 #include <cstdio>
 #include <filesystem>
@@ -47,7 +49,8 @@ void requirePlate(const Document& plate) {
   const Vex2HeaderData& header = plate.Content().GetHeaderData();
   const std::string_view kind(header.kindMarker, sizeof header.kindMarker);
   if (kind != kPlateKind) {
-    refuse(plate, "its kind is '" + ToUtf8(kind) + "'; the plates of a study are of kind 'Kest'");
+    refuse(plate,
+           fmt::format("its kind is '{}'; the plates of a study are of kind 'Kest'", ToUtf8(kind)));
   }
   if (plate.IsStudy() || !plate.Plates().empty()) {
     refuse(plate, "this is a study itself", ErrorRemedy::kExtractPlate);
@@ -85,16 +88,16 @@ std::string add(Vex2FileManager& study, Document& plate) {
   const CString name = plateName(plate, path);
   const std::string shown = Escaped(ToUtf8(name.View()));
   if (content.GetPlateSize() != study.GetPlateSize()) {
-    refuse(plate, "a plate of " + wells(content.GetPlateSize()) +
-                      " cannot be in a study of plates of " + wells(study.GetPlateSize()));
+    refuse(plate, fmt::format("a plate of {} cannot be in a study of plates of {}",
+                              wells(content.GetPlateSize()), wells(study.GetPlateSize())));
   }
   content.SetFilePath(path.GetString());
   if (!study.AddRQPlate(&content, plate.Modified().Format(kDateForm))) {
     if (!hasName(study, name)) throw std::bad_alloc();
-    refuse(plate, "the study has a plate '" + shown + "' already");
+    refuse(plate, fmt::format("the study has a plate '{}' already", shown));
   }
-  return "+ " + shown + ": " + wells(content.GetPlateSize()) + ", " +
-         Counted(static_cast<unsigned>(content.GetDataFrameCount(DataRAWa)), "frame") + "\n";
+  return fmt::format("+ {}: {}, {}\n", shown, wells(content.GetPlateSize()),
+                     Counted(static_cast<unsigned>(content.GetDataFrameCount(DataRAWa)), "frame"));
 }
 
 }  // namespace

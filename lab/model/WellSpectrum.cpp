@@ -1,5 +1,7 @@
 #include "lab/model/WellSpectrum.h"
 
+#include <fmt/core.h>
+
 #include <iterator>
 #include <new>
 #include <optional>
@@ -44,7 +46,8 @@ WellSpectrum SpectrumOf(const Document& document, const Document::Plate& plate,
   const Vex2FileManager& content = *plate.content;
   const std::string tag(TagOf(Kind::kRawData));
   const AcquisitionDataComp* block = FindBlock(plate, tag);
-  if (block == nullptr) refuse(ErrorCode::kDocument, "it has no data block \"" + tag + "\"");
+  if (block == nullptr)
+    refuse(ErrorCode::kDocument, fmt::format("it has no data block \"{}\"", tag));
   WellSpectrum spectrum{.plate = ToUtf8(plate.name),
                         .isEmbedded = plate.isEmbedded,
                         .frameCount = block->GetFrameCount()};
@@ -52,19 +55,19 @@ WellSpectrum SpectrumOf(const Document& document, const Document::Plate& plate,
       WellNumber(PlainWellName(wellName), static_cast<std::uint32_t>(content.GetHeaderRows()),
                  static_cast<std::uint32_t>(content.GetHeaderCols()));
   if (!well) {
-    refuse(ErrorCode::kNoSuchWell, "there is no well '" + wellName + "' on its plate of " +
-                                       std::to_string(content.GetHeaderRows()) + " x " +
-                                       std::to_string(content.GetHeaderCols()) + " wells");
+    refuse(ErrorCode::kNoSuchWell,
+           fmt::format("there is no well '{}' on its plate of {} x {} wells", wellName,
+                       content.GetHeaderRows(), content.GetHeaderCols()));
   }
   spectrum.well = *well;
   if (frame < 0 || frame >= spectrum.frameCount) {
     refuse(ErrorCode::kNoSuchFrame,
-           "there is no frame " + std::to_string(frame) + "; it has " +
-               Counted(static_cast<unsigned>(spectrum.frameCount), "frame"));
+           fmt::format("there is no frame {}; it has {}", frame,
+                       Counted(static_cast<unsigned>(spectrum.frameCount), "frame")));
   }
   if (!content.GetAcqDataWellRecord(&spectrum.record, static_cast<int>(frame),
                                     static_cast<int>(*well), DataRAWa)) {
-    refuse(ErrorCode::kNoSuchWell, "the well " + wellName + " gave no readings");
+    refuse(ErrorCode::kNoSuchWell, fmt::format("the well {} gave no readings", wellName));
   }
   if (content.IsBackground()) spectrum.rates = ratesOf(content, *well, frame);
   return spectrum;

@@ -1,5 +1,7 @@
 #include "lab/record/FrameCollector.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 
 #include "lab/Error.h"
@@ -32,8 +34,8 @@ CollectedFrame& FrameCollector::Add(const ReadingRow& row) {
       frames_.try_emplace(key, key, plan_.wells.size() * channels).first->second;
   checkShared(frame, firstCell, row);
   if (const ReadingRow* first = frame.Put(firstCell + row.channel, row)) {
-    refuse(row, nameOf(row) + " has a second reading in " + FrameName(row.melting, row.cycle) +
-                    ", the first is in row " + std::to_string(first->number));
+    refuse(row, fmt::format("{} has a second reading in {}, the first is in row {}", nameOf(row),
+                            FrameName(row.melting, row.cycle), first->number));
   }
   return frame;
 }
@@ -45,10 +47,10 @@ void FrameCollector::checkShared(const CollectedFrame& frame, std::size_t firstC
     const ReadingRow& other = frame.Cells()[firstCell + channel];
     if (other.number == 0 || channel == row.channel) continue;
     if (other.seconds == row.seconds && other.temperature == row.temperature) continue;
-    refuse(row, "the channels of well " + plan_.plate.NameOf(row.well) + " in " +
-                    FrameName(row.melting, row.cycle) +
-                    " must have one time and temperature; row " + std::to_string(other.number) +
-                    " has others");
+    refuse(row, fmt::format("the channels of well {} in {} must have one time and temperature; "
+                            "row {} has others",
+                            plan_.plate.NameOf(row.well), FrameName(row.melting, row.cycle),
+                            other.number));
   }
 }
 
@@ -57,22 +59,24 @@ std::string FrameCollector::MissingText(const CollectedFrame& frame) const {
   const std::size_t cell = frame.FirstMissing();
   missing.well = plan_.wells[cell / ChannelCount(plan_)];
   missing.channel = cell % ChannelCount(plan_);
-  return nameOf(missing) + " has no reading in " + FrameName(frame.Key().first, frame.Key().second);
+  return fmt::format("{} has no reading in {}", nameOf(missing),
+                     FrameName(frame.Key().first, frame.Key().second));
 }
 
 void FrameCollector::RefuseIncomplete(const CollectedFrame& frame) const {
-  throw Error(ErrorCode::kDocument, file_,
-              MissingText(frame) + "; a row with NA stands for a reading that is missing");
+  throw Error(
+      ErrorCode::kDocument, file_,
+      fmt::format("{}; a row with NA stands for a reading that is missing", MissingText(frame)));
 }
 
 std::string FrameCollector::nameOf(const ReadingRow& row) const {
-  const std::string well = "well " + plan_.plate.NameOf(row.well);
-  if (plan_.channels.empty()) return well;
-  return "channel " + ToUtf8(plan_.channels[row.channel]) + " of " + well;
+  const std::string well = plan_.plate.NameOf(row.well);
+  if (plan_.channels.empty()) return fmt::format("well {}", well);
+  return fmt::format("channel {} of well {}", ToUtf8(plan_.channels[row.channel]), well);
 }
 
 void FrameCollector::refuse(const ReadingRow& row, const std::string& why) const {
-  throw Error(ErrorCode::kDocument, file_, "row " + std::to_string(row.number) + ": " + why);
+  throw Error(ErrorCode::kDocument, file_, fmt::format("row {}: {}", row.number, why));
 }
 
 }  // namespace vex2::lab

@@ -1,5 +1,7 @@
 #include "lab/record/FrameEncoder.h"
 
+#include <fmt/core.h>
+
 #include <cmath>
 
 #include "lab/Error.h"
@@ -46,10 +48,13 @@ double FrameEncoder::roundTo(RoundedNumbers& rounded, const ReadingRow& row, con
 std::optional<std::string> FrameEncoder::WhyUnfit(const ReadingRow& row) const {
   if (!row.fluorescence || plan_.scale.Store(*row.fluorescence)) return std::nullopt;
   const double reading = *row.fluorescence;
-  std::string why = "row " + std::to_string(row.number) + ": the reading " + PlainText(reading) +
-                    " does not fit in 16 bits with the scale " + plan_.scale.ScaleText();
-  if (plan_.scale.HasOffset()) why += " and the offset " + plan_.scale.OffsetText();
-  return why;
+  if (!plan_.scale.HasOffset()) {
+    return fmt::format("row {}: the reading {} does not fit in 16 bits with the scale {}",
+                       row.number, PlainText(reading), plan_.scale.ScaleText());
+  }
+  return fmt::format(
+      "row {}: the reading {} does not fit in 16 bits with the scale {} and the offset {}",
+      row.number, PlainText(reading), plan_.scale.ScaleText(), plan_.scale.OffsetText());
 }
 
 std::uint16_t FrameEncoder::encodeValue(const ReadingRow& row) {
@@ -72,8 +77,8 @@ void FrameEncoder::requireExact(const ReadingRow& row, const std::string& what, 
                                 double stored) const {
   if (!isExact_) return;
   throw Error(ErrorCode::kDocument, file_,
-              "row " + std::to_string(row.number) + ": the " + what + " " + PlainText(number) +
-                  " would be rounded to " + PlainText(stored),
+              fmt::format("row {}: the {} {} would be rounded to {}", row.number, what,
+                          PlainText(number), PlainText(stored)),
               std::nullopt, ErrorRemedy::kAllowRounding);
 }
 

@@ -1,5 +1,7 @@
 #include "lab/record/InterruptedRun.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <string_view>
 
@@ -54,15 +56,15 @@ std::string logDifference(std::string_view recorded, std::string_view given) {
   for (std::string_view rest = given; !rest.empty();) {
     const std::string_view line = rest.substr(0, rest.find('\n'));
     const std::string_view other = sameKey(recorded, line);
-    if (other.empty()) return "was recorded without " + Quoted(line);
+    if (other.empty()) return fmt::format("was recorded without {}", Quoted(line));
     if (other != line) {
-      return "was recorded with " + Quoted(other) + ", not with " + Quoted(line);
+      return fmt::format("was recorded with {}, not with {}", Quoted(other), Quoted(line));
     }
     rest.remove_prefix(std::min(rest.size(), line.size() + 1));
   }
   for (std::string_view rest = recorded; !rest.empty();) {
     const std::string_view line = rest.substr(0, rest.find('\n'));
-    if (sameKey(given, line).empty()) return "was recorded with " + Quoted(line);
+    if (sameKey(given, line).empty()) return fmt::format("was recorded with {}", Quoted(line));
     rest.remove_prefix(std::min(rest.size(), line.size() + 1));
   }
   return "was recorded with another log";
@@ -98,14 +100,14 @@ InterruptedRun::InterruptedRun(const std::string& path) : path_(path) {
   CFile file;
   OpenToRead(file, path);
   if (const auto why = WhyNoDocument(file))
-    refuseAt(0, "this is not a plate document: " + why->text);
+    refuseAt(0, fmt::format("this is not a plate document: {}", why->text));
   if (file.GetLength() < HeaderLayout::kSize) {
     refuseAt(file.GetLength(), "the header is cut short");
   }
   const HeaderFields header = ReadHeaderFields(file, 0);
   status_ = header.status;
   if (!IsDone() && status_ != RunStatus::kInProgress && status_ != RunStatus::kNotStarted) {
-    refuse("has the status " + Quoted(status_) + ", which is no run's in progress");
+    refuse(fmt::format("has the status {}, which is no run's in progress", Quoted(status_)));
   }
   headerPosition_ = header.rawDataPosition;
   rows_ = header.rows;
@@ -145,13 +147,13 @@ void InterruptedRun::Check(const RunPlan& plan) const {
   checkContents(plan);
   if (plan.isLive) return;  // its frames are compared when they come
   if (IsDone() && frames_.count < plan.frames.size()) {
-    refuse("is complete with " + Counted(frames_.count, "frame") +
-           ", but the run that is given has " + std::to_string(plan.frames.size()));
+    refuse(fmt::format("is complete with {}, but the run that is given has {}",
+                       Counted(frames_.count, "frame"), plan.frames.size()));
   }
   if (!HasBlock()) return;
   if (frames_.count > plan.frames.size()) {
-    refuse("holds " + Counted(frames_.count, "frame") + ", but the run has only " +
-           std::to_string(plan.frames.size()));
+    refuse(fmt::format("holds {}, but the run has only {}", Counted(frames_.count, "frame"),
+                       plan.frames.size()));
   }
   checkReadings(plan);
 }
@@ -177,8 +179,8 @@ void InterruptedRun::checkContents(const RunPlan& plan) const {
   const auto difference = FindDifference(document, plan);
   if (!difference) return;
   const auto shown = [](const std::string& text) { return text.empty() ? "none" : Quoted(text); };
-  refuse("cannot resume: the " + difference->what + " is " + shown(difference->recorded) +
-         " in the document, but " + shown(difference->given) + " in what is given");
+  refuse(fmt::format("cannot resume: the {} is {} in the document, but {} in what is given",
+                     difference->what, shown(difference->recorded), shown(difference->given)));
 }
 
 void InterruptedRun::checkReadings(const RunPlan& plan) const {
@@ -194,8 +196,8 @@ void InterruptedRun::checkReadings(const RunPlan& plan) const {
     if (differs == found.end()) continue;
     const auto offset = static_cast<std::size_t>(differs - found.begin());
     refuseAt(block_.firstFrame + frame * frameBytes + offset,
-             "frame " + std::to_string(frame) + " holds another reading of well " +
-                 plan.plate.NameOf(plan.wells[offset / kStoredRecordSize]));
+             fmt::format("frame {} holds another reading of well {}", frame,
+                         plan.plate.NameOf(plan.wells[offset / kStoredRecordSize])));
   }
 }
 

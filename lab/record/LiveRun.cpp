@@ -1,5 +1,7 @@
 #include "lab/record/LiveRun.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -70,15 +72,15 @@ Recorder::Outcome LiveRun::outcome() const {
 
 void LiveRun::take(const ReadingRow& row) {
   const FrameKey key{row.melting, row.cycle};
-  const std::string where = "row " + std::to_string(row.number) + ": ";
+  const std::string name = FrameName(row.melting, row.cycle);
   if (received_.count(key) != 0) {
     throw Error(ErrorCode::kDocument, input_,
-                where + FrameName(row.melting, row.cycle) + " is complete already");
+                fmt::format("row {}: {} is complete already", row.number, name));
   }
   if (isDone_ || (isFull() && !isRecorded(key))) {
     throw Error(ErrorCode::kDocument, input_,
-                where + FrameName(row.melting, row.cycle) + " follows the last of " +
-                    Counted(plan_.frames.size(), "frame"));
+                fmt::format("row {}: {} follows the last of {}", row.number, name,
+                            Counted(plan_.frames.size(), "frame")));
   }
   CollectedFrame& frame = collector_.Add(row);
   if (std::find(pending_.begin(), pending_.end(), key) == pending_.end()) pending_.push_back(key);
@@ -96,11 +98,12 @@ void LiveRun::take(const ReadingRow& row) {
 void LiveRun::requireInOrder(const CollectedFrame& frame) const {
   if (pending_.front() == frame.Key()) return;
   const CollectedFrame& first = collector_.Frames().at(pending_.front());
-  throw Error(ErrorCode::kDocument, input_,
-              FrameName(frame.Key().first, frame.Key().second) + " is complete before " +
-                  FrameName(first.Key().first, first.Key().second) + ", of which " +
-                  collector_.MissingText(first) +
-                  "; a row with NA stands for a reading that is missing");
+  throw Error(
+      ErrorCode::kDocument, input_,
+      fmt::format("{} is complete before {}, of which {}; a row with NA stands for a "
+                  "reading that is missing",
+                  FrameName(frame.Key().first, frame.Key().second),
+                  FrameName(first.Key().first, first.Key().second), collector_.MissingText(first)));
 }
 
 // The scale is to be known before the document is made.
@@ -139,14 +142,16 @@ void LiveRun::record(const CollectedFrame& frame) {
   if (isRecorded(frame.Key())) return compare(frame.Key(), readings);
   if (recorder_.WasDone()) {
     throw Error(ErrorCode::kDocument, document_,
-                "is complete with " + Counted(plan_.frames.size(), "frame") + ", but " +
-                    FrameName(frame.Key().first, frame.Key().second) + " is none of them");
+                fmt::format("is complete with {}, but {} is none of them",
+                            Counted(plan_.frames.size(), "frame"),
+                            FrameName(frame.Key().first, frame.Key().second)));
   }
   if (!plan_.frames.empty() && earliest(readings) < earliest(plan_.frames.back())) {
     throw Error(
         ErrorCode::kDocument, input_,
-        FrameName(frame.Key().first, frame.Key().second) +
-            " is earlier than the frame before it; frames come in the order of their times");
+        fmt::format(
+            "{} is earlier than the frame before it; frames come in the order of their times",
+            FrameName(frame.Key().first, frame.Key().second)));
   }
   plan_.frames.push_back(std::move(readings));
   recorded_.emplace(frame.Key(), plan_.frames.size() - 1);
@@ -161,8 +166,9 @@ void LiveRun::requireRoom(const CollectedFrame& frame) const {
     if (!why) continue;
     const bool isBelow = *row.fluorescence < plan_.scale.Offset().Value();
     throw Error(ErrorCode::kDocument, input_,
-                *why + "; " + Counted(plan_.frames.size(), "frame is", "frames are") +
-                    " safe in the document, but the run cannot be resumed past this reading",
+                fmt::format("{}; {} safe in the document, but the run cannot be resumed past "
+                            "this reading",
+                            *why, Counted(plan_.frames.size(), "frame is", "frames are")),
                 std::nullopt,
                 isBelow ? ErrorRemedy::kNewRunWithOffset : ErrorRemedy::kNewRunWithScale);
   }
@@ -175,8 +181,8 @@ void LiveRun::compare(FrameKey key, const std::vector<RunReading>& frame) const 
   if (differs == recorded.end()) return;
   const auto well = static_cast<std::size_t>(differs - recorded.begin());
   throw Error(ErrorCode::kDocument, document_,
-              "frame " + std::to_string(index) + " holds another reading of well " +
-                  plan_.plate.NameOf(plan_.wells[well]));
+              fmt::format("frame {} holds another reading of well {}", index,
+                          plan_.plate.NameOf(plan_.wells[well])));
 }
 
 void LiveRun::finish() {
@@ -188,14 +194,14 @@ void LiveRun::finish() {
 void LiveRun::refuseEnd() const {
   const bool wasDone = recorder_.WasDone();
   const std::size_t count = wasDone ? received_.size() : plan_.frames.size();
-  std::string why = "ended after " + Counted(count, "frame");
-  if (live_.frames) {
-    why = "ended after " + std::to_string(count) + " of " + Counted(*live_.frames, "frame");
-  }
-  if (!pending_.empty()) {
-    why += " and a part of another, which is not recorded: " +
-           collector_.MissingText(collector_.Frames().at(pending_.front()));
-  }
+  const std::string frames = live_.frames
+                                 ? fmt::format("{} of {}", count, Counted(*live_.frames, "frame"))
+                                 : Counted(count, "frame");
+  const std::string why =
+      pending_.empty()
+          ? fmt::format("ended after {}", frames)
+          : fmt::format("ended after {} and a part of another, which is not recorded: {}", frames,
+                        collector_.MissingText(collector_.Frames().at(pending_.front())));
   const bool canResume = !plan_.frames.empty() && !wasDone;
   throw Error(ErrorCode::kDocument, input_, why, std::nullopt,
               canResume ? ErrorRemedy::kResume : ErrorRemedy::kNone);

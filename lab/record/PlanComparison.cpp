@@ -1,5 +1,7 @@
 #include "lab/record/PlanComparison.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -29,13 +31,15 @@ std::string quantityText(const WellRow& row) {
 }
 
 Difference compareRow(const WellRow& recorded, const WellRow& given, const PlateLayout& plate) {
-  const std::string well = " of well " + plate.NameOf(given.well);
+  const auto name = [&](const char* field) {
+    return fmt::format("{} of well {}", field, plate.NameOf(given.well));
+  };
   const std::array<Difference, 5> differences = {
-      compareTexts("sample" + well, ToUtf8(recorded.sample), ToUtf8(given.sample)),
-      compareTexts("target" + well, ToUtf8(recorded.target), ToUtf8(given.target)),
-      compareTexts("task" + well, ToUtf8(recorded.task), ToUtf8(given.task)),
-      compareTexts("quantity" + well, quantityText(recorded), quantityText(given)),
-      compareTexts("reporter" + well, ToUtf8(recorded.reporter), ToUtf8(given.reporter))};
+      compareTexts(name("sample"), ToUtf8(recorded.sample), ToUtf8(given.sample)),
+      compareTexts(name("target"), ToUtf8(recorded.target), ToUtf8(given.target)),
+      compareTexts(name("task"), ToUtf8(recorded.task), ToUtf8(given.task)),
+      compareTexts(name("quantity"), quantityText(recorded), quantityText(given)),
+      compareTexts(name("reporter"), ToUtf8(recorded.reporter), ToUtf8(given.reporter))};
   const auto found = std::find_if(differences.begin(), differences.end(),
                                   [](const Difference& one) { return one.has_value(); });
   return found != differences.end() ? *found : std::nullopt;
@@ -56,7 +60,7 @@ Difference compareWells(const Vex2FileManager& document, const Vex2FileManager& 
     return i < contents.rows.size() ? given.plate.NameOf(contents.rows[i].well) : std::string();
   };
   for (std::size_t i = 0; i < std::max(recorded.rows.size(), given.rows.size()); ++i) {
-    if (auto difference = compareTexts("well in row " + std::to_string(i + 1) + " of the setup",
+    if (auto difference = compareTexts(fmt::format("well in row {} of the setup", i + 1),
                                        wellAt(recorded, i), wellAt(given, i))) {
       return difference;
     }
@@ -81,7 +85,7 @@ Difference compareDetectors(const Vex2FileManager& document, const Vex2FileManag
     const std::string name = nameAt(given, i);
     if (nameAt(recorded, i) != name) return PlanDifference{"detector", nameAt(recorded, i), name};
     for (const DetectorField& field : DetectorFields()) {
-      const std::string what = std::string(field.key) + " of detector " + name;
+      const std::string what = fmt::format("{} of detector {}", field.key, name);
       if (auto difference = compareTexts(what, ValueText(field.get(recorded[i])),
                                          ValueText(field.get(given[i])))) {
         return difference;
@@ -110,12 +114,13 @@ Difference comparePart(const std::string& what, const std::optional<CalibrationP
   const std::size_t count =
       std::max(recorded ? recorded->entries.size() : 0, given ? given->entries.size() : 0);
   for (std::size_t i = 0; i < count; ++i) {
-    const std::string entry = what + " in the calibration";
+    const std::string entry = fmt::format("{} in the calibration", what);
     if (auto difference = compareTexts(entry, nameAt(recorded, i), nameAt(given, i))) {
       return difference;
     }
     if (recorded->entries[i] == given->entries[i]) continue;
-    return PlanDifference{"spectrum of " + entry, nameAt(recorded, i) + " with other values",
+    return PlanDifference{fmt::format("spectrum of {}", entry),
+                          fmt::format("{} with other values", nameAt(recorded, i)),
                           nameAt(given, i)};
   }
   return std::nullopt;

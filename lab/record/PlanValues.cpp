@@ -1,5 +1,7 @@
 #include "lab/record/PlanValues.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -28,7 +30,7 @@ std::vector<unsigned short> wellsToRead(const RecordingPlan& plan, const PlateLa
   if (wells.empty()) refuse("the plan has no wells");
   for (std::size_t i = 0; i < wells.size(); ++i) {
     if (wells[i] < 1 || wells[i] > plate.WellCount()) {
-      refuse("the plate has no well " + std::to_string(wells[i]));
+      refuse(fmt::format("the plate has no well {}", wells[i]));
     }
     if (i > 0 && wells[i] <= wells[i - 1]) refuse("the wells of the plan are not ascending");
   }
@@ -42,12 +44,13 @@ std::vector<std::string> storedChannels(const RecordingPlan& plan) {
     const bool isTwice = std::find(channels.begin(), channels.end(), name) != channels.end();
     // The log keeps the names in one line, with commas between them.
     if (name.empty() || isTwice || name.find_first_of(",\n\r") != std::string::npos) {
-      refuse("the channel '" + channel + "' needs a name of its own without comma or line end");
+      refuse(fmt::format("the channel '{}' needs a name of its own without comma or line end",
+                         channel));
     }
     channels.push_back(name);
   }
   if (channels.size() > kMostChannels) {
-    refuse("a well has at most " + std::to_string(kMostChannels) + " channels");
+    refuse(fmt::format("a well has at most {} channels", kMostChannels));
   }
   return channels;
 }
@@ -56,15 +59,16 @@ std::optional<RunStart> startOf(const RecordingPlan& plan) {
   if (!plan.started) return std::nullopt;
   const auto start = RunStart::Parse(*plan.started);
   if (start) return start;
-  refuse("the start '" + *plan.started +
-         "' is no date and time with a time zone, like 2026-11-22T08:00:00Z");
+  refuse(
+      fmt::format("the start '{}' is no date and time with a time zone, like 2026-11-22T08:00:00Z",
+                  *plan.started));
 }
 
 std::string assayOf(const RecordingPlan& plan) {
   if (plan.assay.empty()) return {};
   const auto code = PlateAssayCode(plan.assay);
   if (code) return *code;
-  refuse("the assay '" + plan.assay + "' is none of " + PlateAssayList());
+  refuse(fmt::format("the assay '{}' is none of {}", plan.assay, PlateAssayList()));
 }
 
 std::vector<SettingValue> settingsOf(const RecordingPlan& plan) {
@@ -80,18 +84,20 @@ template <typename Frame, typename Take>
 void takeByWell(const RunPlan& plan, const Frame& frame, const std::string& name,
                 const Take& take) {
   if (frame.size() != plan.wells.size()) {
-    refuse(name + " has readings of " + Counted(frame.size(), "well") + ", but the run has " +
-           Counted(plan.wells.size(), "well"));
+    refuse(fmt::format("{} has readings of {}, but the run has {}", name,
+                       Counted(frame.size(), "well"), Counted(plan.wells.size(), "well")));
   }
   std::vector<bool> seen(plan.wells.size());
   for (const auto& one : frame) {
     const auto found = std::lower_bound(plan.wells.begin(), plan.wells.end(), one.well);
     if (found == plan.wells.end() || *found != one.well) {
-      refuse(name + " has a reading of well " + std::to_string(one.well) +
-             ", which the plan does not have");
+      refuse(
+          fmt::format("{} has a reading of well {}, which the plan does not have", name, one.well));
     }
     const auto place = static_cast<std::size_t>(found - plan.wells.begin());
-    if (seen[place]) refuse(name + " has two readings of well " + plan.plate.NameOf(one.well));
+    if (seen[place]) {
+      refuse(fmt::format("{} has two readings of well {}", name, plan.plate.NameOf(one.well)));
+    }
     seen[place] = true;
     take(place, one);
   }
@@ -101,7 +107,7 @@ template <typename Stored>
 Stored scaled(double number, double parts, const std::string& what) {
   const double stored = std::round(number * parts);
   if (!(stored >= 0) || stored > std::numeric_limits<Stored>::max()) {
-    refuse(what + " " + PlainText(number) + " does not fit into a document");
+    refuse(fmt::format("{} {} does not fit into a document", what, PlainText(number)));
   }
   return static_cast<Stored>(stored);
 }
@@ -109,8 +115,9 @@ Stored scaled(double number, double parts, const std::string& what) {
 void encodeValues(const RunPlan& plan, const MeasuredWell& from, const std::string& where,
                   RunReading& to) {
   if (from.values.size() != ChannelCount(plan)) {
-    refuse(where + " has " + Counted(from.values.size(), "reading") + ", but the run has " +
-           Counted(ChannelCount(plan), "channel"));
+    refuse(fmt::format("{} has {}, but the run has {}", where,
+                       Counted(from.values.size(), "reading"),
+                       Counted(ChannelCount(plan), "channel")));
   }
   for (std::size_t channel = 0; channel < from.values.size(); ++channel) {
     const auto& value = from.values[channel];
@@ -120,9 +127,9 @@ void encodeValues(const RunPlan& plan, const MeasuredWell& from, const std::stri
     }
     const auto stored = std::isfinite(*value) ? plan.scale.Store(*value) : std::nullopt;
     if (!stored) {
-      refuse(where + ": the reading " + PlainText(*value) +
-             " does not fit in 16 bits with the scale " + plan.scale.ScaleText() +
-             " and the offset " + plan.scale.OffsetText());
+      refuse(fmt::format(
+          "{}: the reading {} does not fit in 16 bits with the scale {} and the offset {}", where,
+          PlainText(*value), plan.scale.ScaleText(), plan.scale.OffsetText()));
     }
     to.values[channel] = *stored;
   }
@@ -162,7 +169,7 @@ std::vector<RunReading> EncodedFrame(const RunPlan& plan, const MeasuredFrame& f
                                      const std::string& name) {
   std::vector<RunReading> readings(plan.wells.size());
   takeByWell(plan, frame.wells, name, [&](std::size_t place, const MeasuredWell& from) {
-    const std::string where = name + ", well " + plan.plate.NameOf(from.well);
+    const std::string where = fmt::format("{}, well {}", name, plan.plate.NameOf(from.well));
     RunReading& to = readings[place];
     to.melting = frame.stage == Stage::kMelting;
     to.cycle = frame.cycle;
@@ -180,8 +187,9 @@ std::vector<Vex2WellRecord> OrderedRecords(const RunPlan& plan, std::span<const 
   takeByWell(plan, frame, name, [&](std::size_t place, const RawRecord& from) {
     // The manager does not count such a record, so that the frame would not be saved.
     if (from.leading[0] == 0) {
-      refuse(name + " is incomplete: the record of well " + plan.plate.NameOf(from.well) +
-             " is not filled (its first value is 0)");
+      refuse(fmt::format(
+          "{} is incomplete: the record of well {} is not filled (its first value is 0)", name,
+          plan.plate.NameOf(from.well)));
     }
     std::copy(from.leading.begin(), from.leading.end(), records[place].leading);
     std::copy(from.readings.begin(), from.readings.end(), records[place].data);

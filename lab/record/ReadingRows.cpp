@@ -1,5 +1,7 @@
 #include "lab/record/ReadingRows.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cmath>
 
@@ -67,8 +69,8 @@ std::size_t channelOf(const CsvRow& row, RunPlan& plan, bool findsChannels) {
     }
     if (!findsChannels) row.RefuseField(kChannel, "is none of the run's channels");
     if (names.size() == kMostChannels) {
-      row.RefuseField(kChannel, "is one too many: a document holds " +
-                                    std::to_string(kMostChannels) + " channels");
+      row.RefuseField(kChannel,
+                      fmt::format("is one too many: a document holds {} channels", kMostChannels));
     }
     names.push_back(name);
     return names.size() - 1;

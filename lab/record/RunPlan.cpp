@@ -1,5 +1,7 @@
 #include "lab/record/RunPlan.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 
 #include "lab/model/RunLog.h"
@@ -71,12 +73,11 @@ std::string ProgramText(const RunPlan& plan) {
   std::string text;
   if (amplification != nullptr) {
     const auto cycles = static_cast<std::ptrdiff_t>(plan.frames.size()) - melting;
-    text += "amplification: " + std::to_string(cycles) + " cycles, read at " +
-            degrees(*amplification) + "\n";
+    text += fmt::format("amplification: {} cycles, read at {}\n", cycles, degrees(*amplification));
   }
   if (firstMelting != nullptr) {
-    text += "melt: " + std::to_string(melting) + " readings from " + degrees(*firstMelting) +
-            " to " + degrees(*lastMelting) + "\n";
+    text += fmt::format("melt: {} readings from {} to {}\n", melting, degrees(*firstMelting),
+                        degrees(*lastMelting));
   }
   return text;
 }

@@ -1,5 +1,7 @@
 #include "lab/record/RunRecorder.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -58,8 +60,8 @@ class RunRecorder::Impl {
     if (isFinished_) return;
     document_.RequireSynced();
     if (plan_.liveFrames && FrameCount() < *plan_.liveFrames) {
-      refuse("cannot finish: " + std::to_string(FrameCount()) + " of " +
-             Counted(*plan_.liveFrames, "frame") + " are recorded");
+      refuse(fmt::format("cannot finish: {} of {} are recorded", FrameCount(),
+                         Counted(*plan_.liveFrames, "frame")));
     }
     const auto planned = std::exchange(plan_.liveFrames, FrameCount());
     try {
@@ -79,18 +81,24 @@ class RunRecorder::Impl {
     }
   }
 
-  std::string frameName() const { return "frame " + std::to_string(FrameCount()); }
+  std::string frameName() const { return fmt::format("frame {}", FrameCount()); }
 
   void requireRoom(bool isMeasured) const {
-    if (isFinished_) refuse("cannot append " + frameName() + ": the run is complete (status DONE)");
+    if (isFinished_) {
+      refuse(fmt::format("cannot append {}: the run is complete (status DONE)", frameName()));
+    }
     if (plan_.liveFrames && FrameCount() >= *plan_.liveFrames) {
-      refuse("cannot append " + frameName() + ": the plan has " +
-             Counted(*plan_.liveFrames, "frame"));
+      refuse(fmt::format("cannot append {}: the plan has {}", frameName(),
+                         Counted(*plan_.liveFrames, "frame")));
     }
     if (isMeasured == isMeasured_) return;
-    refuse("cannot append " + frameName() +
-           (isMeasured_ ? ": the plan has a scale, so frames are given in real units"
-                        : ": the plan has no scale, so frames are given as raw records"));
+    refuse(isMeasured_
+               ? fmt::format("cannot append {}: the plan has a scale, so frames are given in real "
+                             "units",
+                             frameName())
+               : fmt::format("cannot append {}: the plan has no scale, so frames are given as raw "
+                             "records",
+                             frameName()));
   }
 
   [[noreturn]] void refuse(const std::string& why) const {

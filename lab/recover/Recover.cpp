@@ -1,5 +1,7 @@
 #include "lab/recover/Recover.h"
 
+#include <fmt/core.h>
+
 #include "lab/Guarded.h"
 #include "lab/model/OutputFiles.h"
 #include "lab/model/RawFile.h"
@@ -23,10 +25,11 @@ RecoverReport recover(const std::string& damaged, const std::string& target,
   };
   RecoverReport report = Recovery(in, out, progress).Run();
   if (!report.IsAnything()) {
-    throw Error(ErrorCode::kUsage, damaged,
-                "there is nothing to recover: no record and no frame of a plate document was found "
-                "in its " +
-                    std::to_string(report.size) + " bytes");
+    throw Error(
+        ErrorCode::kUsage, damaged,
+        fmt::format("there is nothing to recover: no record and no frame of a plate document "
+                    "was found in its {} bytes",
+                    report.size));
   }
   out.PutInPlace();
   return report;

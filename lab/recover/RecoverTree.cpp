@@ -1,5 +1,7 @@
 #include "lab/recover/RecoverTree.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 
 #include "lab/Text.h"
@@ -18,7 +20,7 @@ constexpr std::uint64_t kMostRecords = 65535;
 }  // namespace
 
 std::string InQuotes(std::string_view tag) {
-  return "\"" + ToUtf8(tag) + "\"";
+  return fmt::format("\"{}\"", ToUtf8(tag));
 }
 
 void RecoverTree::Copy(std::uint64_t from, std::uint64_t to) {
@@ -154,11 +156,12 @@ void RecoverTree::AddEmptyCells(std::uint64_t offset, std::uint64_t count) {
     Append({'C', 'E', 'L', 'L', 0, 0, 0, 7, 0, 0});
     Append(cellFields());
   }
-  const std::string last = std::to_string(open_.back().seen);
-  report_.Correct(offset, count == 1
-                              ? "an empty cell keeps the place of cell " + last + ", which was lost"
-                              : "empty cells keep the places of cells " + std::to_string(first) +
-                                    " to " + last + ", which were lost");
+  const auto last = open_.back().seen;
+  report_.Correct(
+      offset, count == 1
+                  ? fmt::format("an empty cell keeps the place of cell {}, which was lost", last)
+                  : fmt::format("empty cells keep the places of cells {} to {}, which were lost",
+                                first, last));
   report_.lostRecords += count;
 }
 
@@ -192,7 +195,8 @@ void RecoverTree::openMade(std::uint64_t offset, std::string_view tag) {
   Append(bytes);
   Open(head, tag, bytes.size(), false);
   open_.back().isMade = true;
-  report_.Correct(offset, "the list " + InQuotes(tag) + " was made anew around what was in it");
+  report_.Correct(offset,
+                  fmt::format("the list {} was made anew around what was in it", InQuotes(tag)));
 }
 
 void RecoverTree::Open(const RecoverHead& head, std::string_view tag, std::uint64_t bytes,
@@ -250,10 +254,9 @@ void RecoverTree::close() {
   const std::uint32_t length = rightLength(list);
   if (length != list.length) Patch(list.written + 4, LongBytes(length));
   if (list.isMade || (count == list.count && length == list.length)) return;
-  report_.Correct(list.offset, "the list " + InQuotes(list.tag) + " now says " +
-                                   Counted(count, "record") + " in " + Counted(length, "byte") +
-                                   ", not " + std::to_string(list.count) + " in " +
-                                   std::to_string(list.length));
+  report_.Correct(list.offset, fmt::format("the list {} now says {} in {}, not {} in {}",
+                                           InQuotes(list.tag), Counted(count, "record"),
+                                           Counted(length, "byte"), list.count, list.length));
 }
 
 void RecoverTree::ClosePlate() {

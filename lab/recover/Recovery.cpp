@@ -1,5 +1,7 @@
 #include "lab/recover/Recovery.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 
 #include "lab/SystemError.h"
@@ -124,7 +126,8 @@ std::optional<RecoverHead> Recovery::listWithoutTag(std::uint64_t offset, std::s
       if (!IsBoundary(source_, head.DeclaredEnd())) continue;
     }
     tag = home;
-    report_.Correct(offset, "a list whose tag was damaged was taken for " + InQuotes(home));
+    report_.Correct(offset,
+                    fmt::format("a list whose tag was damaged was taken for {}", InQuotes(home)));
     return head;
   }
   return std::nullopt;
@@ -237,9 +240,9 @@ std::uint64_t Recovery::keepValue(const RecoverHead& head) {
   const std::uint64_t size = head.next - head.offset - kRecordHeadSize;
   if (FixedSize(head.kind->layout) > 0 && head.length != size) {
     tree_.Patch(written + 4, LongBytes(static_cast<std::uint32_t>(size)));
-    report_.Correct(head.offset, "the record " + InQuotes(head.Tag()) + " now says that it holds " +
-                                     Counted(size, "byte") + ", not " +
-                                     std::to_string(head.length));
+    report_.Correct(head.offset,
+                    fmt::format("the record {} now says that it holds {}, not {}",
+                                InQuotes(head.Tag()), Counted(size, "byte"), head.length));
   }
   if (tree_.Depth() == 0) {
     positions_[std::string(head.Tag())] = {head.offset, head.next, written, tree_.Position()};
@@ -266,9 +269,9 @@ std::uint64_t Recovery::keepUnknown(const RecoverHead& head) {
   if (!isHarmless) return passGap(head.offset);
   tree_.Count(head.Tag());
   tree_.Copy(head.offset, head.next);
-  report_.Correct(head.offset, "kept a record of no known kind, " + InQuotes(Escaped(head.Tag())) +
-                                   " of " + Counted(head.length, "byte") +
-                                   ": readers pass over it");
+  report_.Correct(head.offset,
+                  fmt::format("kept a record of no known kind, {} of {}: readers pass over it",
+                              InQuotes(Escaped(head.Tag())), Counted(head.length, "byte")));
   return head.next;
 }
 
@@ -311,7 +314,7 @@ std::uint64_t Recovery::keepPlate(const RecoverHead& head) {
     std::vector<std::string> guesses;
     plateHeader_ = CorrectedHeader(header, {}, true, guesses);
     ++report_.madeHeads;
-    report_.Correct(begin, "the plate's header was damaged" + GuessText(guesses));
+    report_.Correct(begin, fmt::format("the plate's header was damaged{}", GuessText(guesses)));
   }
   tree_.Append({'R', 'Q', 'P', 'l', 0, 0, 0, 2, 0, 0});
   tree_.Append(plateHeader_);

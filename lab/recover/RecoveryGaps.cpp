@@ -1,3 +1,5 @@
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <array>
 
@@ -82,7 +84,7 @@ void Recovery::fillCells(std::uint64_t offset, bool isCell) {
 std::uint64_t Recovery::keepFound(RecoverBlock block, std::uint64_t from, std::uint64_t to) {
   if (block.tag.empty()) {
     block.tag = likelyTag(block, from);
-    block.guesses.emplace_back("that it is " + InQuotes(block.tag));
+    block.guesses.emplace_back(fmt::format("that it is {}", InQuotes(block.tag)));
   }
   if (block.numbers.empty() && !block.lengthAgrees) {
     block.numbers = likelyNumbers(block.wells);
@@ -103,10 +105,10 @@ std::uint64_t Recovery::keepFound(RecoverBlock block, std::uint64_t from, std::u
   ++report_.records;
   report_.frames += block.frames;
   ++report_.madeHeads;
-  report_.Correct(block.offset, "the head of the data block " + InQuotes(block.tag) +
-                                    " was damaged; " + Counted(block.frames, "frame") + " of " +
-                                    Counted(block.wells, "well") + " found again" +
-                                    GuessText(block.guesses));
+  report_.Correct(block.offset,
+                  fmt::format("the head of the data block {} was damaged; {} of {} found again{}",
+                              InQuotes(block.tag), Counted(block.frames, "frame"),
+                              Counted(block.wells, "well"), GuessText(block.guesses)));
   if (tree_.Depth() == 0) {
     positions_[block.tag] = {block.offset, block.End(), written, tree_.Position()};
   }
@@ -134,9 +136,9 @@ std::uint64_t Recovery::keepBlock(RecoverBlock block) {
     tree_.Patch(written + 4, LongBytes(static_cast<std::uint32_t>(block.length + change)));
   }
   if (behind > 0) {
-    report_.Correct(block.End(), Counted(behind, "whole frame") +
-                                     " behind the declared length of the data block " +
-                                     InQuotes(block.tag) + " counted in");
+    report_.Correct(block.End(),
+                    fmt::format("{} behind the declared length of the data block {} counted in",
+                                Counted(behind, "whole frame"), InQuotes(block.tag)));
   }
   ++report_.records;
   report_.frames += there + behind;
@@ -151,8 +153,8 @@ std::uint64_t Recovery::keepBlock(RecoverBlock block) {
   report_.lostFrames += block.frames - there;
   lose(end, source_.Size(), "part of a frame: the file ends in it");
   if (end == source_.Size()) {
-    report_.Correct(end, "the file ends after " + std::to_string(there) + " of " +
-                             Counted(block.frames, "frame"));
+    report_.Correct(
+        end, fmt::format("the file ends after {} of {}", there, Counted(block.frames, "frame")));
   }
   return source_.Size();
 }

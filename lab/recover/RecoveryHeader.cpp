@@ -1,3 +1,5 @@
+#include <fmt/core.h>
+
 #include <algorithm>
 
 #include "lab/model/FileLayout.h"
@@ -21,7 +23,7 @@ void Recovery::finishHeader() {
   auto header = isWhole ? header_ : CorrectedHeader(header_, facts, false, guesses);
   if (!isWhole) {
     ++report_.madeHeads;
-    report_.Correct(0, "the header was damaged" + GuessText(guesses));
+    report_.Correct(0, fmt::format("the header was damaged{}", GuessText(guesses)));
   }
   const auto setPosition = [&](std::uint64_t at, std::string_view tag) {
     const auto bytes = LongBytes(rightPosition(LongAt(header, at), tag));

@@ -1,5 +1,7 @@
 #include "lab/text/OverviewText.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <iterator>
 #include <limits>
@@ -65,8 +67,8 @@ class Screen {
   std::string shortened(const std::string& value) const {
     constexpr std::size_t kMostColumns = 2000;
     if (!form_.HasWidth() || Columns(value) <= kMostColumns) return value;
-    return form_.CutTo(value, kMostColumns) + " (" + Counted(Columns(value), "character") +
-           " in all" + (whole_.empty() ? "" : "; ") + std::string(whole_) + ")";
+    return fmt::format("{} ({} in all{}{})", form_.CutTo(value, kMostColumns),
+                       Counted(Columns(value), "character"), whole_.empty() ? "" : "; ", whole_);
   }
 
   // As many lines as it takes to show the items.

@@ -1,3 +1,5 @@
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <iostream>
 
@@ -130,8 +132,8 @@ class CalibrationCommand final : public Command {
                               const std::optional<CalibrationPart>& old, const char* name) {
       if (!part) return;
       if (old) part->head = old->head;
-      report += std::string(name) + ": " + std::to_string(old ? old->entries.size() : 0) + " -> " +
-                Counted(part->entries.size(), "spectrum", "spectra") + "\n";
+      report += fmt::format("{}: {} -> {}\n", name, old ? old->entries.size() : 0,
+                            Counted(part->entries.size(), "spectrum", "spectra"));
     };
     keepHead(calibration.pureDyes, before.pureDyes, "pure dyes");
     keepHead(calibration.background, before.background, "background");

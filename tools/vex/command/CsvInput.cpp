@@ -1,5 +1,7 @@
 #include "tools/vex/command/CsvInput.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 
 #include "lab/SystemError.h"
@@ -19,9 +21,9 @@ void tellUnused(const std::string& file, const std::vector<std::string>& columns
     names += (i == 0 ? "" : ", ") + Escaped(columns[i]);
   }
   if (columns.size() > kMostNamed) {
-    names += " and " + std::to_string(columns.size() - kMostNamed) + " more";
+    names += fmt::format(" and {} more", columns.size() - kMostNamed);
   }
-  PrintLine(Printable(file) + ": columns not used: " + names);
+  PrintLine(fmt::format("{}: columns not used: {}", Printable(file), names));
 }
 
 }  // namespace

@@ -1,7 +1,8 @@
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <iostream>
 
-#include "lab/Nearest.h"
 #include "lab/Text.h"
 #include "lab/exchange/CsvWriter.h"
 #include "lab/exchange/DetectorsFile.h"
@@ -9,9 +10,9 @@
 #include "lab/exchange/WellsFile.h"
 #include "lab/model/DetectorFields.h"
 #include "lab/model/PlateContents.h"
-#include "lab/text/Columns.h"
 #include "lab/text/Table.h"
 #include "tools/vex/Lab.h"
+#include "tools/vex/command/Assignment.h"
 #include "tools/vex/command/Exactness.h"
 #include "tools/vex/command/ListingCommand.h"
 #include "tools/vex/text/Terminal.h"
@@ -21,12 +22,6 @@ namespace vex2::tool {
 namespace {
 
 using nlohmann::ordered_json;
-
-std::vector<std::string> keys() {
-  std::vector<std::string> names;
-  for (const DetectorField& field : DetectorFields()) names.emplace_back(field.key);
-  return names;
-}
 
 // What people look for first; the rest is for --csv and --json.
 std::vector<std::string> shortRow(const Vex2Detector& detector) {
@@ -54,12 +49,10 @@ std::vector<std::string> shortRow(const Vex2Detector& detector) {
 }
 
 std::string fieldList() {
-  std::string text = "Fields of --add KEY=VALUE, of which the name is needed:";
-  for (const DetectorField& field : DetectorFields()) {
-    text += "\n  " + PadRight(std::string(field.key), 16) + std::string(field.takes);
-  }
-  text += "\n  A baseline or threshold that nobody has set is shown with \"(default)\".";
-  return text + "\n  A detector of that name is changed in the fields that are given.";
+  return "Fields of --add KEY=VALUE, of which the name is needed:" +
+         FieldLines(DetectorFields(), 16) +
+         "\n  A baseline or threshold that nobody has set is shown with \"(default)\"."
+         "\n  A detector of that name is changed in the fields that are given.";
 }
 
 class DetectorsCommand final : public ListingCommand {
@@ -72,7 +65,7 @@ class DetectorsCommand final : public ListingCommand {
 
  protected:
   void addChanges(Options& options) override {
-    options.Add("--add", assignments_, "Add or change one; each begins with its name=")
+    options.Add("--add", words_, "Add or change one; each begins with its name=")
         .Show("KEY=VALUE...")
         .TakeSeveral();
     options.Add("--remove", removed_, "Remove the detector of this name")
@@ -82,7 +75,7 @@ class DetectorsCommand final : public ListingCommand {
     options.PutFirst(fieldList());
   }
 
-  bool hasChanges() const override { return !assignments_.empty() || !removed_.empty(); }
+  bool hasChanges() const override { return !words_.empty() || !removed_.empty(); }
 
   std::string change(Vex2FileManager& plate) const override {
     std::string report;
@@ -90,16 +83,14 @@ class DetectorsCommand final : public ListingCommand {
     for (const std::string& name : removed_) {
       const auto stored = ToLatin1(name);
       if (!stored || !plate.RemoveDetectorInfo(CString(*stored))) {
-        throw Error(ErrorCode::kUsage, file_, "it has no detector '" + name + "'");
+        throw Error(ErrorCode::kUsage, file_, fmt::format("it has no detector '{}'", name));
       }
       // A well keeps the target's name, but nothing tells its reporter any more.
       const std::size_t wells = contents.WellsOf(*stored).size();
-      report += "removed " + Printable(name);
-      if (wells > 0) {
-        report += "; " + Counted(wells, "well still names", "wells still name") +
-                  " it, without a reporter now";
-      }
-      report += "\n";
+      report += wells == 0
+                    ? fmt::format("removed {}\n", Printable(name))
+                    : fmt::format("removed {}; {} it, without a reporter now\n", Printable(name),
+                                  Counted(wells, "well still names", "wells still name"));
     }
     for (const auto& fields : additions()) report += add(plate, fields);
     return report;
@@ -137,36 +128,24 @@ class DetectorsCommand final : public ListingCommand {
   // What was given, a list for each detector.
   std::vector<Fields> additions() const {
     std::vector<Fields> result;
-    for (const std::string& assignment : assignments_) {
-      const std::size_t equals = assignment.find('=');
-      const std::string key = assignment.substr(0, equals);
-      const auto& fields = DetectorFields();
-      const auto field = std::find_if(fields.begin(), fields.end(),
-                                      [&](const DetectorField& known) { return known.key == key; });
-      if (equals == std::string::npos) refuse(assignment, "is not of the form key=value");
-      if (field == fields.end()) refuseKey(key);
-      if (key == "name") result.emplace_back();
-      if (result.empty()) refuse(assignment, "stands before the detector's name=");
-      result.back().emplace_back(&*field, assignment.substr(equals + 1));
+    for (const std::string& word : words_) {
+      auto [field, value] = words().Parse(
+          word, DetectorFields(), ErrorCode::kUnknownField,
+          [](const auto& key) { return fmt::format("unknown field '{}' of a detector", key); });
+      if (field->key == "name") result.emplace_back();
+      if (result.empty()) {
+        words().Refuse(fmt::format("'{}' stands before the detector's name=", word));
+      }
+      result.back().emplace_back(field, std::move(value));
     }
     return result;
   }
 
-  [[noreturn]] void refuseKey(const std::string& key) const {
-    const std::string hint = DidYouMean(key, keys());
-    throw Error(ErrorCode::kUnknownField, file_,
-                "unknown field '" + key + "' of a detector" +
-                    (hint.empty() ? "; see 'vex detectors --help'" : hint));
-  }
-
-  [[noreturn]] void refuse(const std::string& what, const std::string& why) const {
-    throw Error(ErrorCode::kInvalidValue, file_,
-                "'" + what + "' " + why + "; see 'vex detectors --help'");
-  }
+  Assignments words() const { return {file_, "vex detectors"}; }
 
   std::string add(Vex2FileManager& plate, const Fields& fields) const {
     const std::string& name = fields.front().second;
-    if (name.empty()) refuse("name=", "names no detector");
+    if (name.empty()) words().Refuse("'name=' names no detector");
     const auto stored = ToLatin1(name);
     const std::vector<Vex2Detector> known = DetectorsOf(plate);
     const auto before = std::find_if(known.begin(), known.end(), [&](const Vex2Detector& one) {
@@ -174,17 +153,13 @@ class DetectorsCommand final : public ListingCommand {
     });
     Vex2Detector detector = before != known.end() ? *before : Vex2Detector();
     for (const auto& [field, value] : fields) {
-      if (!field->set(detector, value)) {
-        refuse(std::string(field->key) + "=" + value,
-               "cannot be: it takes " + (field->takes == "text" ? "a text of Latin-1 characters"
-                                                                : std::string(field->takes)));
-      }
+      if (!field->set(detector, value)) words().RefuseValue(*field, value);
     }
     tellRounding(detector, fields);
     if (plate.AppendDetectorInfo(&detector) != kSuccess) {
       throw Error(ErrorCode::kDocument, file_, "it cannot hold more detectors");
     }
-    return (before != known.end() ? "changed " : "added ") + Printable(name) + "\n";
+    return fmt::format("{} {}\n", before != known.end() ? "changed" : "added", Printable(name));
   }
 
   // Numbers that come back from the detector otherwise than they were given.
@@ -195,8 +170,8 @@ class DetectorsCommand final : public ListingCommand {
       const double change = number != nullptr ? ChangeOf(value, *number) : 0;
       if (change == 0) continue;
       if (exactness_.IsExact()) {
-        refuse(std::string(field->key) + "=" + value,
-               "would be rounded to " + ValueText(stored) + "; without --exact it is");
+        words().Refuse(fmt::format("'{}={}' would be rounded to {}; without --exact it is",
+                                   field->key, value, ValueText(stored)));
       }
       RoundedNumbers rounded;
       rounded.Add(change);
@@ -204,7 +179,7 @@ class DetectorsCommand final : public ListingCommand {
     }
   }
 
-  std::vector<std::string> assignments_;
+  std::vector<std::string> words_;
   std::vector<std::string> removed_;
   Exactness exactness_;
 };

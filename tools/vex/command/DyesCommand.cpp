@@ -1,3 +1,5 @@
+#include <fmt/core.h>
+
 #include <iostream>
 
 #include "lab/Text.h"
@@ -31,14 +33,18 @@ class DyesCommand final : public ListingCommand {
   std::string change(Vex2FileManager& plate) const override {
     std::string report;
     for (const std::string& name : removed_) {
-      if (!plate.RemoveRequiredDyeInfo(stored(name))) refuse("it requires no dye '" + name + "'");
-      report += "removed " + Printable(name) + "\n";
+      if (!plate.RemoveRequiredDyeInfo(stored(name))) {
+        refuse(fmt::format("it requires no dye '{}'", name));
+      }
+      report += fmt::format("removed {}\n", Printable(name));
     }
     for (const std::string& name : added_) {
       const CString dye = stored(name);
       if (dye.IsEmpty()) refuse("a dye needs a name");
-      if (!plate.AppendRequiredDyenfo(dye)) refuse("it has the dye '" + name + "' already");
-      report += "added " + Printable(name) + "\n";
+      if (!plate.AppendRequiredDyenfo(dye)) {
+        refuse(fmt::format("it has the dye '{}' already", name));
+      }
+      report += fmt::format("added {}\n", Printable(name));
     }
     return report;
   }
@@ -70,7 +76,9 @@ class DyesCommand final : public ListingCommand {
 
   CString stored(const std::string& name) const {
     const auto latin1 = ToLatin1(name);
-    if (!latin1) refuse("the dye '" + name + "' has a character that documents cannot hold");
+    if (!latin1) {
+      refuse(fmt::format("the dye '{}' has a character that documents cannot hold", name));
+    }
     return CString(*latin1);
   }
 

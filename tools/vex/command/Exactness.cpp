@@ -1,7 +1,6 @@
 #include "tools/vex/command/Exactness.h"
 
-#include <iomanip>
-#include <sstream>
+#include <fmt/core.h>
 
 #include "lab/Text.h"
 #include "tools/vex/Errors.h"
@@ -16,15 +15,13 @@ void Exactness::AddOption(Options& options) {
 void Exactness::Tell(const std::string& source, const RoundedNumbers& rounded, std::string_view one,
                      std::string_view many) {
   if (rounded.count == 0) return;
-  PrintLine(Printable(source) + ": " + RoundedText(rounded, one, many, "32 bits"));
+  PrintLine(fmt::format("{}: {}", Printable(source), RoundedText(rounded, one, many, "32 bits")));
 }
 
 std::string RoundedText(const RoundedNumbers& rounded, std::string_view one, std::string_view many,
                         std::string_view to) {
-  std::ostringstream change;  // as few digits as tell what it comes to
-  change << std::setprecision(2) << rounded.largestChange;
-  return Counted(rounded.count, one, many) + " rounded to " + std::string(to) +
-         ", largest change " + change.str();
+  return fmt::format("{} rounded to {}, largest change {:.2g}", Counted(rounded.count, one, many),
+                     to, rounded.largestChange);
 }
 
 }  // namespace vex2::tool

@@ -1,3 +1,5 @@
+#include <fmt/core.h>
+
 #include "lab/Text.h"
 #include "lab/exchange/ReadingsExport.h"
 #include "lab/model/DataBlock.h"
@@ -55,15 +57,15 @@ class ExportCommand final : public Command {
     }
     if (!blocks.empty()) return blocks;
     document.RequireWhole("");
-    throw Error(ErrorCode::kDocument, file_, "it has no data block \"" + block_ + "\"");
+    throw Error(ErrorCode::kDocument, file_, fmt::format("it has no data block \"{}\"", block_));
   }
 
   void tellUnknown(const ExportCounts& counts) const {
     if (counts.unknown == 0) return;
-    PrintLine(Printable(file_) + ": leaves " + std::to_string(counts.unknown) + " of " +
-              Counted(counts.all, "reading") +
-              " empty: vex did not record them and does not know their meaning; use --raw "
-              "for the stored values");
+    PrintLine(
+        fmt::format("{}: leaves {} of {} empty: vex did not record them and does not know "
+                    "their meaning; use --raw for the stored values",
+                    Printable(file_), counts.unknown, Counted(counts.all, "reading")));
   }
 
   std::string file_;

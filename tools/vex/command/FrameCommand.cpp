@@ -1,3 +1,5 @@
+#include <fmt/core.h>
+
 #include <iostream>
 
 #include "lab/exchange/DocumentJson.h"
@@ -89,15 +91,16 @@ class FrameCommand final : public Command {
     constexpr std::uint64_t kMostWells = 65535;  // they are numbered in 16 bits
     if (std::uint64_t{view.rows} * view.columns > kMostWells) {
       throw Error(ErrorCode::kDocument, file_,
-                  "its plate of " + std::to_string(view.rows) + " rows and " +
-                      std::to_string(view.columns) +
-                      " columns has more wells than can be numbered");
+                  fmt::format("its plate of {} rows and {} columns has more wells than can be "
+                              "numbered",
+                              view.rows, view.columns));
     }
     if (view.IsKnown()) return;
     throw Error(ErrorCode::kDocument, file_,
-                "frame " + std::to_string(index_) + " of the data block \"" + block_ +
-                    "\" cannot be shown as a plate: vex did not record it and does not know the "
-                    "meaning of its values; leave out --grid for the stored values");
+                fmt::format("frame {} of the data block \"{}\" cannot be shown as a plate: vex did "
+                            "not record it and does not know the meaning of its values; leave out "
+                            "--grid for the stored values",
+                            index_, block_));
   }
 
   std::string file_;

@@ -1,5 +1,7 @@
 #include "tools/vex/command/Misuse.h"
 
+#include <fmt/core.h>
+
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <string>
@@ -33,14 +35,14 @@ std::vector<std::string> optionNames(const CLI::App& app) {
 }
 
 std::string seeHelp(const std::string& call) {
-  return "; see '" + call + " --help'";
+  return fmt::format("; see '{} --help'", call);
 }
 
 Error unknownOption(const CLI::App& app, const std::string& call, const std::string& word) {
   const std::string name = word.substr(0, word.find('='));
   const std::string hint = DidYouMean(name, optionNames(app));
   return {ErrorCode::kUnknownOption,
-          "unknown option '" + name + "'" + (hint.empty() ? seeHelp(call) : hint)};
+          fmt::format("unknown option '{}'{}", name, hint.empty() ? seeHelp(call) : hint)};
 }
 
 ErrorCode codeOf(const CLI::ParseError& error) {
@@ -75,7 +77,7 @@ std::string ChosenCommand(const CLI::App& app) {
 Error UnknownCommand(const CLI::App& app, const std::string& call, const std::string& name) {
   const std::string hint = DidYouMean(name, commandNames(app));
   return {ErrorCode::kUnknownCommand,
-          "unknown command '" + name + "'" + (hint.empty() ? seeHelp(call) : hint)};
+          fmt::format("unknown command '{}'{}", name, hint.empty() ? seeHelp(call) : hint)};
 }
 
 Error MisuseOf(const CLI::App& app, const CLI::ParseError& error) {
@@ -93,9 +95,11 @@ Error MisuseOf(const CLI::App& app, const CLI::ParseError& error) {
   if (option != unknown.end()) return unknownOption(chosen, call, *option);
   if (!unknown.empty()) {
     return {ErrorCode::kSurplusArgument,
-            "'" + unknown.front() + "' is an argument too many" + seeHelp(call)};
+            fmt::format("'{}' is an argument too many{}", unknown.front(), seeHelp(call))};
   }
-  if (wantsCommand) return {ErrorCode::kMissingArgument, "a command is missing" + seeHelp(call)};
+  if (wantsCommand) {
+    return {ErrorCode::kMissingArgument, fmt::format("a command is missing{}", seeHelp(call))};
+  }
   return {codeOf(error), oneLine(error.what()) + seeHelp(call)};
 }
 

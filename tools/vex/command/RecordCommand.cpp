@@ -1,3 +1,5 @@
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <cstdint>
 #include <filesystem>
@@ -29,7 +31,8 @@ void tellRounding(const std::string& file, const Rounding& rounding, const Readi
   const auto tell = [&](const RoundedNumbers& rounded, std::string_view one, std::string_view many,
                         double step) {
     if (rounded.count == 0) return;
-    PrintLine(Printable(file) + ": " + RoundedText(rounded, one, many, PlainText(step)));
+    PrintLine(
+        fmt::format("{}: {}", Printable(file), RoundedText(rounded, one, many, PlainText(step))));
   };
   tell(rounding.readings, "reading", "readings", scale.Step());
   tell(rounding.times, "time", "times", 0.001);
@@ -137,8 +140,9 @@ class RecordCommand final : public RecordingCommand {
     LiveOptions live;
     if (frames_) live.frames = *frames_;
     live.onRounded = [&](const Rounding&, const ReadingScale& scale) {
-      PrintLine(input + ": readings, times or temperatures are rounded; the scale of readings is " +
-                scale.ScaleText());
+      PrintLine(fmt::format(
+          "{}: readings, times or temperatures are rounded; the scale of readings is {}", input,
+          scale.ScaleText()));
     };
     std::size_t done = 0;
     RecordProgress progress(options_.path);
@@ -172,7 +176,7 @@ class RecordCommand final : public RecordingCommand {
 
   [[noreturn]] static void refuse(const std::string& option, const std::string& value,
                                   const std::string& takes) {
-    throw Error(ErrorCode::kUsage, option + " " + value + ": it takes " + takes);
+    throw Error(ErrorCode::kUsage, fmt::format("{} {}: it takes {}", option, value, takes));
   }
 
   std::optional<std::string> scale_;

@@ -1,5 +1,7 @@
 #include "tools/vex/command/RecordingCommand.h"
 
+#include <fmt/core.h>
+
 #include <filesystem>
 #include <iostream>
 
@@ -15,6 +17,7 @@ namespace vex2::tool {
 namespace {
 
 constexpr double kLongestPace = 86400;
+constexpr const char* kFramesGone = "the recorded frames are no longer in the file";
 
 }  // namespace
 
@@ -45,9 +48,10 @@ std::optional<RunStart> RecordingCommand::started() const {
   if (startsNow()) return RunStart::Now();
   const auto start = RunStart::Parse(*started_);
   if (start) return start;
-  throw Error(ErrorCode::kUsage, "--started " + *started_ +
-                                     " is no date and time with a time zone, "
-                                     "like 2026-11-22T08:00:00Z or 2026-11-22T09:00:00+01:00");
+  throw Error(ErrorCode::kUsage,
+              fmt::format("--started {} is no date and time with a time zone, like "
+                          "2026-11-22T08:00:00Z or 2026-11-22T09:00:00+01:00",
+                          *started_));
 }
 
 std::string RecordingCommand::assay() const {
@@ -55,7 +59,7 @@ std::string RecordingCommand::assay() const {
   const auto code = PlateAssayCode(*assay_);
   if (code) return *code;
   throw Error(ErrorCode::kUsage,
-              "--assay " + *assay_ + " is no assay; it is one of " + PlateAssayList());
+              fmt::format("--assay {} is no assay; it is one of {}", *assay_, PlateAssayList()));
 }
 
 ExitCode RecordingCommand::record(const RunPlan& plan, const std::function<void()>& beforehand) {
@@ -83,10 +87,10 @@ ExitCode RecordingCommand::tellOutcome(Recorder::Outcome outcome, std::size_t do
     std::cout << Printable(options_.path) << ": the run is complete, nothing is left to record\n";
   }
   if (outcome != Recorder::Outcome::kInterrupted) return ExitCode::kDone;
-  PrintLine(Printable(options_.path) + ": interrupted after " + std::to_string(done) +
-            (total ? " of " + std::to_string(*total) : "") + " frames; " +
-            (HoldsFrames(options_.path, done) ? "the same command with --resume goes on"
-                                              : "the recorded frames are no longer in the file"));
+  PrintLine(fmt::format(
+      "{}: interrupted after {} frames; {}", Printable(options_.path),
+      total ? fmt::format("{} of {}", done, *total) : std::to_string(done),
+      HoldsFrames(options_.path, done) ? "the same command with --resume goes on" : kFramesGone));
   return ExitCode::kInterrupted;
 }
 
@@ -98,16 +102,17 @@ Recorder::Outcome RecordingCommand::tellingWhatIsSafe(
     return run();
   } catch (const Error& error) {
     if (error.Class() != ErrorClass::kSystem || done == 0) throw;
-    throw Error(error.Code(), error.File(), error.Message() + "; " + safeFrames(done, total),
-                error.Offset());
+    throw Error(error.Code(), error.File(),
+                fmt::format("{}; {}", error.Message(), safeFrames(done, total)), error.Offset());
   }
 }
 
 // The document may have been removed or emptied meanwhile, and then nothing can resume it.
 std::string RecordingCommand::safeFrames(std::size_t done, std::optional<std::size_t> all) const {
-  if (!HoldsFrames(options_.path, done)) return "the recorded frames are no longer in the file";
-  return (all ? std::to_string(done) + " of " + Counted(*all, "frame") : Counted(done, "frame")) +
-         (all || done != 1 ? " are" : " is") + " safe, and the same command with --resume goes on";
+  if (!HoldsFrames(options_.path, done)) return kFramesGone;
+  return fmt::format("{} safe, and the same command with --resume goes on",
+                     all ? fmt::format("{} of {} are", done, Counted(*all, "frame"))
+                         : Counted(done, "frame is", "frames are"));
 }
 
 }  // namespace vex2::tool

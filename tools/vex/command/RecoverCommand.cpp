@@ -1,3 +1,5 @@
+#include <fmt/core.h>
+
 #include <chrono>
 #include <iostream>
 
@@ -70,7 +72,7 @@ class RecoverCommand final : public Command {
                       if (interrupts.Pending()) return false;
                       if (done < next) return true;
                       next = done + kStep;
-                      line.Show("recovering: " + std::to_string(done * 100 / size) + " %");
+                      line.Show(fmt::format("recovering: {} %", done * 100 / size));
                       return true;
                     }});
   }

@@ -1,3 +1,5 @@
+#include <fmt/core.h>
+
 #include <iostream>
 #include <optional>
 
@@ -42,10 +44,9 @@ class RepairCommand final : public Command {
                          return true;
                        }});
     if (report.plan.IsEmpty()) return tellThatNothingIsRepaired();
-    std::cout << Printable(file_)
-              << (dryRun_ ? ": this would be repaired"
-                          : ": repaired; as it was, it is " + Printable(report.backup.string()))
-              << '\n';
+    std::cout << (dryRun_ ? fmt::format("{}: this would be repaired\n", Printable(file_))
+                          : fmt::format("{}: repaired; as it was, it is {}\n", Printable(file_),
+                                        Printable(report.backup.string())));
     print(report.plan);
     return dryRun_ ? ExitCode::kDone : tellWhatIsLeft();
   }
@@ -53,10 +54,12 @@ class RepairCommand final : public Command {
  private:
   static void print(const RepairPlan& plan) {
     for (const RepairPlan::Patch& patch : plan.patches) {
-      std::cout << "  byte " << patch.offset << ": " << patch.before << " -> " << patch.after
-                << ", " << patch.what << '\n';
+      std::cout << fmt::format("  byte {}: {} -> {}, {}\n", patch.offset, patch.before, patch.after,
+                               patch.what);
     }
-    if (plan.newSize) std::cout << "  byte " << *plan.newSize << ": cut off " << plan.cut << '\n';
+    if (plan.newSize) {
+      std::cout << fmt::format("  byte {}: cut off {}\n", *plan.newSize, plan.cut);
+    }
   }
 
   // What is wrong and cannot be repaired is told in place of that nothing is to be repaired.
@@ -75,10 +78,11 @@ class RepairCommand final : public Command {
     std::size_t told = 0;
     for (const Finding& finding : findings.list) {
       if (finding.severity != Severity::kError || told++ >= kMostLines) continue;
-      PrintError(
-          Error(ErrorCode::kDocument, file_, "not repaired: " + finding.problem, finding.offset));
+      PrintError(Error(ErrorCode::kDocument, file_,
+                       fmt::format("not repaired: {}", finding.problem), finding.offset));
     }
-    PrintLine(Printable(file_) + ": 'vex recover' takes what is whole into a new document");
+    PrintLine(
+        fmt::format("{}: 'vex recover' takes what is whole into a new document", Printable(file_)));
     return ExitCode::kDocument;
   }
 

@@ -1,14 +1,13 @@
-#include <algorithm>
+#include <fmt/core.h>
+
 #include <iostream>
 #include <utility>
 
-#include "lab/Nearest.h"
-#include "lab/Text.h"
 #include "lab/model/AssayTypes.h"
 #include "lab/model/Settings.h"
 #include "lab/model/Study.h"
-#include "lab/text/Columns.h"
 #include "tools/vex/Lab.h"
+#include "tools/vex/command/Assignment.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/PlateOption.h"
 #include "tools/vex/files/Changing.h"
@@ -18,14 +17,6 @@ namespace vex2::tool {
 namespace {
 
 using SettingList = std::vector<Setting>;
-
-std::string settingList(const SettingList& settings) {
-  std::string text = "Settings:";
-  for (const Setting& setting : settings) {
-    text += "\n  " + PadRight(std::string(setting.key), 20) + std::string(setting.takes);
-  }
-  return text + "\n  A text that is set to nothing, as in comment=, is removed.";
-}
 
 class SetCommand final : public Command {
  public:
@@ -38,11 +29,12 @@ class SetCommand final : public Command {
 
   void AddOptions(Options& options) override {
     options.Add("FILE", file_, "The document").Require().Show("");
-    options.Add("KEY=VALUE", assignments_, "The settings and their new values").Require().Show("");
+    options.Add("KEY=VALUE", words_, "The settings and their new values").Require().Show("");
     if (!ofStudy_) plate_.AddTo(options);
     changing_.AddOptions(options);
     if (!ofStudy_) options.PutFirst(PlateAssayTable());
-    options.PutFirst(settingList(settings_));
+    options.PutFirst("Settings:" + FieldLines(settings_, 20) +
+                     "\n  A text that is set to nothing, as in comment=, is removed.");
   }
 
   ExitCode Run() override {
@@ -65,57 +57,40 @@ class SetCommand final : public Command {
 
   std::vector<Change> parse() const {
     std::vector<Change> changes;
-    for (const std::string& assignment : assignments_) {
-      const std::size_t equals = assignment.find('=');
-      const std::string key = assignment.substr(0, equals);
-      const auto found = std::find_if(settings_.begin(), settings_.end(),
-                                      [&](const Setting& setting) { return setting.key == key; });
-      if (equals == std::string::npos) refuse(assignment, "is not of the form key=value");
-      if (found == settings_.end()) refuseKey(key);
+    for (const std::string& word : words_) {
+      auto [setting, value] =
+          words().Parse(word, settings_, ErrorCode::kUnknownSetting,
+                        [](const auto& key) { return fmt::format("unknown setting '{}'", key); });
       for (const Change& change : changes) {
-        if (change.setting == &*found) refuse(key, "is given twice");
+        if (change.setting == setting) {
+          words().Refuse(fmt::format("'{}' is given twice", setting->key));
+        }
       }
-      changes.push_back({&*found, assignment.substr(equals + 1)});
+      changes.push_back({setting, std::move(value)});
     }
     return changes;
   }
+
+  Assignments words() const { return {file_, call_}; }
 
   // The plate that was named, or what the settings belong to.
   Vex2FileManager& targetOf(Document& document, const std::vector<Change>& changes) const {
     if (!plate_.IsAll(document)) return *plate_.One(document).content;
     for (const Change& change : changes) {
       if (change.setting->isOfStudies) continue;
-      throw Error(ErrorCode::kUsage, file_,
-                  "a study keeps no " + std::string(change.setting->key) +
-                      " of its own; name the plate to change with --plate");
+      throw Error(
+          ErrorCode::kUsage, file_,
+          fmt::format("a study keeps no {} of its own; name the plate to change with --plate",
+                      change.setting->key));
     }
     return document.Content();
-  }
-
-  [[noreturn]] void refuseKey(const std::string& key) const {
-    std::vector<std::string> keys;
-    for (const Setting& setting : settings_) keys.emplace_back(setting.key);
-    const std::string hint = DidYouMean(key, keys);
-    throw Error(
-        ErrorCode::kUnknownSetting, file_,
-        "unknown setting '" + key + "'" + (hint.empty() ? "; see '" + call_ + " --help'" : hint));
-  }
-
-  [[noreturn]] void refuse(const std::string& what, const std::string& why) const {
-    throw Error(ErrorCode::kInvalidValue, file_,
-                "'" + what + "' " + why + "; see '" + call_ + " --help'");
   }
 
   std::string apply(Vex2FileManager& document, const Change& change) const {
     const Setting& setting = *change.setting;
     const std::string before = shown(setting.get(document));
-    if (!setting.set(document, change.value)) {
-      const std::string key(setting.key);
-      refuse(key + "=" + change.value, "cannot be: " + key + " takes " +
-                                           (setting.takes == "text" ? "a text of Latin-1 characters"
-                                                                    : std::string(setting.takes)));
-    }
-    return std::string(setting.key) + ": " + before + " -> " + shown(setting.get(document)) + "\n";
+    if (!setting.set(document, change.value)) words().RefuseValue(setting, change.value);
+    return fmt::format("{}: {} -> {}\n", setting.key, before, shown(setting.get(document)));
   }
 
   static std::string shown(const Value& value) {
@@ -126,7 +101,7 @@ class SetCommand final : public Command {
   SettingList settings_;
   bool ofStudy_;
   std::string file_;
-  std::vector<std::string> assignments_;
+  std::vector<std::string> words_;
   PlateOption plate_;
   Changing changing_;
 };

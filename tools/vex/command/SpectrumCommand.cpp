@@ -1,3 +1,5 @@
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <iostream>
 #include <iterator>
@@ -61,12 +63,14 @@ class SpectrumCommand final : public Command {
     const std::size_t perLine =
         std::min(kMostPerLine, (terminal.TextWidth() - kIndexWidth) / kValueWidth);
     if (shown_++ > 0) std::cout << '\n';
-    const std::string source =
-        Printable(file_) + (spectrum.isEmbedded ? ", plate " + Printable(spectrum.plate) : "");
-    const std::string what = ": well " + well_ + ", frame " + std::to_string(frame_) + " of " +
-                             std::to_string(spectrum.frameCount) + ", well value " +
-                             std::to_string(spectrum.record.leading[0]);
-    std::cout << terminal.Wrapped(source + what, 2) << '\n';
+    const std::string source = spectrum.isEmbedded ? fmt::format("{}, plate {}", Printable(file_),
+                                                                 Printable(spectrum.plate))
+                                                   : Printable(file_);
+    std::cout << terminal.Wrapped(
+                     fmt::format("{}: well {}, frame {} of {}, well value {}", source, well_,
+                                 frame_, spectrum.frameCount, spectrum.record.leading[0]),
+                     2)
+              << '\n';
     const auto& data = spectrum.record.data;
     const std::vector<double> readings(data, data + spectrum.UsedReadings());
     constexpr int kHeight = 8;

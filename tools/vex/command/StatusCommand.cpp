@@ -1,3 +1,5 @@
+#include <fmt/core.h>
+
 #include <iostream>
 #include <optional>
 
@@ -73,7 +75,7 @@ class StatusCommand final : public Command {
   }
 
   std::string change(const CString& before) const {
-    return Printable(before.View()) + " -> " + *code_ + "\n";
+    return fmt::format("{} -> {}\n", Printable(before.View()), *code_);
   }
 
   std::string file_;

@@ -1,3 +1,5 @@
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <iostream>
 
@@ -43,11 +45,10 @@ class StudyChange : public Command {
     constexpr std::chrono::milliseconds kPatience{200};
     ProgressLine progress(kPatience, ProgressLine::AtEnd::kErase);
     std::size_t done = 0;
-    return lab::AddPlates(study, study_, plates_, changing_.Losses().Rules(),
-                          [&](const std::string& path) {
-                            progress.Show("plate " + std::to_string(++done) + " of " +
-                                          std::to_string(plates_.size()) + ": " + Printable(path));
-                          });
+    return lab::AddPlates(
+        study, study_, plates_, changing_.Losses().Rules(), [&](const std::string& path) {
+          progress.Show(fmt::format("plate {} of {}: {}", ++done, plates_.size(), Printable(path)));
+        });
   }
 
   /// Changes the study with `change`, which is handed it and answers what it changed.
@@ -129,14 +130,14 @@ class RemoveAction final : public StudyChange {
       const Document::Plate* plate = FindPlate(study, name);
       if (plate == nullptr) RefusePlateName(study, name);
       if (std::find(removed.begin(), removed.end(), plate->name) != removed.end()) {
-        throw Error(ErrorCode::kUsage, study_, "the plate '" + name + "' is given twice");
+        throw Error(ErrorCode::kUsage, study_, fmt::format("the plate '{}' is given twice", name));
       }
       removed.push_back(plate->name);
     }
     std::string report;
     for (const std::string& name : removed) {
       study.Content().RemoveRQPlate(CString(std::string_view(name)));
-      report += "- " + Printable(ToUtf8(name)) + "\n";
+      report += fmt::format("- {}\n", Printable(ToUtf8(name)));
     }
     return report;
   }

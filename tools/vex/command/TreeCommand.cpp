@@ -1,3 +1,5 @@
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <iostream>
 #include <optional>
@@ -127,7 +129,7 @@ class TreeCommand final : public Command {
     if (records.HasAny() || !tag_) return;
     const std::vector<std::string> tags(records.Tags().begin(), records.Tags().end());
     throw Error(ErrorCode::kNoSuchValue, file_,
-                "it has no record \"" + *tag_ + "\"" + DidYouMean(*tag_, tags));
+                fmt::format("it has no record \"{}\"{}", *tag_, DidYouMean(*tag_, tags)));
   }
 
   std::string file_;

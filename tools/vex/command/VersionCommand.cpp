@@ -1,4 +1,5 @@
 #include <csv.h>
+#include <fmt/core.h>
 
 #include <CLI/Version.hpp>
 #include <iostream>
@@ -25,19 +26,19 @@ std::string compilerName() {
 }
 
 std::string numbered(int major, int minor, int patch) {
-  return std::to_string(major) + "." + std::to_string(minor) + "." + std::to_string(patch);
+  return fmt::format("{}.{}.{}", major, minor, patch);
 }
 
 /// What the command is made of.
 struct Version {
   std::string compiler = compilerName();
-  std::string format =
-      std::to_string(Vex2HeaderData().formatA) + "." + std::to_string(Vex2HeaderData().formatB);
+  std::string format = fmt::format("{}.{}", Vex2HeaderData().formatA, Vex2HeaderData().formatB);
   std::vector<std::pair<std::string, std::string>> libraries = {
       {"CLI11", CLI11_VERSION},
       {"nlohmann-json", numbered(NLOHMANN_JSON_VERSION_MAJOR, NLOHMANN_JSON_VERSION_MINOR,
                                  NLOHMANN_JSON_VERSION_PATCH)},
-      {"libcsv", numbered(CSV_MAJOR, CSV_MINOR, CSV_RELEASE)}};
+      {"libcsv", numbered(CSV_MAJOR, CSV_MINOR, CSV_RELEASE)},
+      {"fmt", numbered(FMT_VERSION / 10000, FMT_VERSION / 100 % 100, FMT_VERSION % 100)}};
 };
 
 ordered_json toJson(const Version& version) {

@@ -1,3 +1,5 @@
+#include <fmt/core.h>
+
 #include <cstdint>
 #include <iostream>
 #include <limits>
@@ -90,10 +92,9 @@ class WellsCommand final : public ListingCommand {
   void print(const Vex2FileManager& plate) const override {
     requireSetup(plate);
     const PlateContents contents = ContentsOf(plate);
-    const std::string title = std::to_string(contents.plate.WellCount()) + " wells, " +
-                              std::to_string(contents.Wells().size()) + " set up, " +
-                              Counted(contents.Targets().size(), "detector") + "; each well's " +
-                              what_ + ":";
+    const std::string title =
+        fmt::format("{} wells, {} set up, {}; each well's {}:", contents.plate.WellCount(),
+                    contents.Wells().size(), Counted(contents.Targets().size(), "detector"), what_);
     std::cout << Terminal::Out().Wrapped(title, 0) << '\n'
               << DrawPlate(contents.plate, gridTexts(contents, what_), Terminal::Out());
   }
@@ -104,8 +105,8 @@ class WellsCommand final : public ListingCommand {
     const PlateLayout layout = LayoutOf(plate);
     if (std::uint64_t{layout.rows} * layout.columns <= kMostWells) return;
     throw Error(ErrorCode::kDocument, file_,
-                "its plate of " + std::to_string(layout.rows) + " rows and " +
-                    std::to_string(layout.columns) + " columns has more wells than a setup holds");
+                fmt::format("its plate of {} rows and {} columns has more wells than a setup holds",
+                            layout.rows, layout.columns));
   }
 
   void requireSetup(const Vex2FileManager& plate) const {
@@ -119,8 +120,8 @@ class WellsCommand final : public ListingCommand {
     const PlateContents before = ContentsOf(document);
     const PlateContents contents = PlacedOn(LayoutOf(document), loaded, source_);
     StoreContents(document, contents);
-    return "wells set up: " + std::to_string(before.Wells().size()) + " -> " +
-           std::to_string(contents.Wells().size()) + "\n" + differences(before, contents);
+    return fmt::format("wells set up: {} -> {}\n{}", before.Wells().size(), contents.Wells().size(),
+                       differences(before, contents));
   }
 
   static std::string differences(const PlateContents& before, const PlateContents& after) {
@@ -134,7 +135,7 @@ class WellsCommand final : public ListingCommand {
       }
       names += ' ' + after.plate.NameOf(well);
     }
-    return "wells changed: " + std::to_string(wells.size()) + names + '\n';
+    return fmt::format("wells changed: {}{}\n", wells.size(), names);
   }
 
   std::string what_ = "sample";

@@ -1,5 +1,7 @@
 #include "tools/vex/files/OutputFiles.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 
 #include "lab/Text.h"
@@ -18,9 +20,9 @@ std::string ReplacedText(const std::string& path, bool force) {
   const bool isStudy = replaced.IsRQS() && replaced.GetMultiPlateList(names, dates);
   const auto frames = static_cast<unsigned>(std::max(replaced.GetDataFrameCount(DataRAWa), 0));
   if (!isStudy && frames == 0) return {};
-  return path + ": replaces a " +
-         (isStudy ? "study of " + Counted(static_cast<unsigned>(names.GetCount()), "plate")
-                  : "run of " + Counted(frames, "frame"));
+  return isStudy ? fmt::format("{}: replaces a study of {}", path,
+                               Counted(static_cast<unsigned>(names.GetCount()), "plate"))
+                 : fmt::format("{}: replaces a run of {}", path, Counted(frames, "frame"));
 }
 
 }  // namespace vex2::tool
