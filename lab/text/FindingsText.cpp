@@ -48,8 +48,8 @@ std::string textOf(const Finding& finding, const TextForm& form) {
   std::string text =
       std::string(kIndent) + form.Styled(NameOf(finding.severity), styleOf(finding.severity)) +
       "  " + form.Styled(placeOf(finding), Style::kBold) + '\n' +
-      paragraph("", finding.problem, form) + paragraph("so: ", finding.consequence, form);
-  return finding.remedy.empty() ? text : text + paragraph("do: ", finding.remedy, form);
+      paragraph("", finding.problem, form) + paragraph("effect: ", finding.consequence, form);
+  return finding.remedy.empty() ? text : text + paragraph("fix: ", finding.remedy, form);
 }
 
 }  // namespace

@@ -26,9 +26,9 @@ TEST_F(CheckCommandLine, AnErrorIsToldWithPlaceConsequenceAndRemedyAndIsExitCode
                                ": 1 error\n"
                                "  error  RAWa, byte 1872\n"
                                "    2 whole frames follow the block's length\n"
-                               "    so: the block is read with 3 frames, and a save drops the "
+                               "    effect: the block is read with 3 frames, and a save drops the "
                                "others\n"
-                               "    do: 'vex repair' counts those in which each well has a "
+                               "    fix: 'vex repair' counts those in which each well has a "
                                "reading\n");
 }
 

@@ -66,7 +66,7 @@ class CalibrationCommand final : public Command {
 
   void AddOptions(Options& options) override {
     options.Add("FILE", file_, "The document").Require().Show("");
-    const Option json = options.AddFlag("--json", json_, "For programs, as JSON");
+    const Option json = options.AddFlag("--json", json_, "Print JSON");
     const Option target =
         options.Add("--export", target_, "Write a table; '-' or 'csv' to print it")
             .Show("OUT.csv")
@@ -80,7 +80,7 @@ class CalibrationCommand final : public Command {
     options.AddFlag("--force", force_, "Overwrite OUT.csv if it exists");
     plate_.AddTo(options);
     changing_.AddOptions(options);
-    options.PutFirst("A replaced part keeps its head, which the table does not hold.");
+    options.PutFirst("A part that is replaced keeps its head, which the table does not contain.");
   }
 
   ExitCode Run() override {

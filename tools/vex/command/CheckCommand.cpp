@@ -15,28 +15,28 @@ namespace vex2::tool {
 namespace {
 
 constexpr const char* kMeaning =
-    "What it means:\n"
+    "Severities:\n"
     "  error    content is not read, or the next write would do harm\n"
-    "  warning  out of the ordinary, but all of the content is read\n"
-    "  note     as it should be, and good to know; never a finding\n\n"
-    "  Errors come first, then warnings, then notes, each from the file's begin on;\n"
-    "  so they do with --json.\n\n"
-    "  The exit code is 1 when there are errors, with --strict also when there are\n"
-    "  warnings, and else 0. 'vex repair' corrects in place what is safe;\n"
-    "  'vex recover' takes what is whole into a new document.";
+    "  warning  unusual, but all of the content is read\n"
+    "  note     as expected, and good to know; never changes the exit code\n\n"
+    "  Errors are printed first, then warnings, then notes, each in the order of the\n"
+    "  file. JSON has the same order.\n\n"
+    "  The exit code is 1 if there are errors, with --strict also if there are\n"
+    "  warnings, and 0 otherwise. 'vex repair' corrects in place what is safe;\n"
+    "  'vex recover' saves what is whole as a new document.";
 
 class CheckCommand final : public Command {
  public:
   CheckCommand()
-      : Command({"check", "Look for everything that can be wrong with documents.",
+      : Command({"check", "Check documents for problems, without changing them.",
                  "vex check *.vex\nvex check --strict run.vex && echo spotless\n"
                  "vex check --json run.vex | jq '.findings[] | select(.severity == \"error\")'"}) {}
 
   void AddOptions(Options& options) override {
     options.Add("FILE", files_, "The documents").Require().Show("");
-    options.AddFlag("--strict", strict_, "Warnings are findings, too: exit code 1");
+    options.AddFlag("--strict", strict_, "Exit with code 1 for warnings, too");
     options.AddFlag("--notes", notes_, "Show notes, too");
-    options.AddFlag("--json", json_, "For programs: an object a document, one a line");
+    options.AddFlag("--json", json_, "Print JSON: one object per document, one per line");
     options.PutLast(kMeaning);
   }
 

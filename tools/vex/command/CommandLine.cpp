@@ -38,7 +38,8 @@ namespace {
 
 constexpr const char* kSummary = "Plate documents of a real-time PCR instrument.";
 constexpr const char* kFooter =
-    "Exit codes: 0 done, 1 a document is at fault, 2 the call is, 3 the system is.";
+    "Exit codes: 0 success, 1 problem in a document, 2 usage error, 3 system error,\n"
+    "130 interrupted.";
 
 std::string exampleText(const std::string& examples) {
   std::string text = examples.find('\n') == std::string::npos ? "Example:" : "Examples:";

@@ -49,10 +49,9 @@ std::vector<std::string> shortRow(const Vex2Detector& detector) {
 }
 
 std::string fieldList() {
-  return "Fields of --add KEY=VALUE, of which the name is needed:" +
-         FieldLines(DetectorFields(), 16) +
+  return "Fields of --add KEY=VALUE; the name is required:" + FieldLines(DetectorFields(), 16) +
          "\n  A baseline or threshold that nobody has set is shown with \"(default)\"."
-         "\n  A detector of that name is changed in the fields that are given.";
+         "\n  If a detector has that name, only the given fields change.";
 }
 
 class DetectorsCommand final : public ListingCommand {
@@ -65,7 +64,7 @@ class DetectorsCommand final : public ListingCommand {
 
  protected:
   void addChanges(Options& options) override {
-    options.Add("--add", words_, "Add or change one; each begins with its name=")
+    options.Add("--add", words_, "Add or change a detector; begin each with name=")
         .Show("KEY=VALUE...")
         .TakeSeveral();
     options.Add("--remove", removed_, "Remove the detector of this name")

@@ -25,7 +25,9 @@ class DyesCommand final : public ListingCommand {
  protected:
   void addChanges(Options& options) override {
     options.Add("--add", added_, "Add a dye at the end").Show("NAME...").TakeSeveral();
-    options.Add("--remove", removed_, "Remove a dye; case counts").Show("NAME...").TakeSeveral();
+    options.Add("--remove", removed_, "Remove a dye; upper and lower case differ")
+        .Show("NAME...")
+        .TakeSeveral();
   }
 
   bool hasChanges() const override { return !added_.empty() || !removed_.empty(); }

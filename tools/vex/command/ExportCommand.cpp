@@ -22,11 +22,11 @@ class ExportCommand final : public Command {
 
   void AddOptions(Options& options) override {
     options.Add("FILE", file_, "The document").Require().Show("");
-    options.Add("--format", format_, "csv, the only one").AllowOnly({"csv"}).Show("NAME");
+    options.Add("--format", format_, "Format of the output: csv").AllowOnly({"csv"}).Show("NAME");
     AddBlockOption(options, block_);
     plate_.AddTo(options);
-    options.AddFlag("--raw", raw_, "The values as they are stored, whoever wrote them");
-    options.Add("-o,--output", target_, "The file to write; standard output if none").Show("OUT");
+    options.AddFlag("--raw", raw_, "Write the stored values, whichever program wrote them");
+    options.Add("-o,--output", target_, "File to write; standard output by default").Show("OUT");
     options.AddFlag("--force", force_, "Overwrite OUT if it exists");
   }
 

@@ -20,10 +20,10 @@ namespace {
 
 constexpr const char* kMeaning =
     "The columns:\n"
-    "  A frame that vex recorded has the columns of 'vex export'. Of any other only\n"
-    "  the stored values are known: set (not 0 where the well was read), l1 to l3,\n"
-    "  first (the first reading), l5 to l7, and the data values d0, d1 and so on up\n"
-    "  to the last that is not 0.";
+    "  A frame that vex recorded has the columns of 'vex export'. Any other frame\n"
+    "  has its stored values: set (not 0 if the well was read), l1 to l3, first (the\n"
+    "  first reading), l5 to l7, and the data values d0, d1 and so on up to the last\n"
+    "  that is not 0.";
 
 class FrameCommand final : public Command {
  public:
@@ -38,10 +38,11 @@ class FrameCommand final : public Command {
     AddBlockOption(options, block_);
     plate_.AddTo(options);
     const Option grid =
-        options.AddFlag("--grid", grid_, "The fluorescence of each channel, drawn as the plate");
+        options.AddFlag("--grid", grid_, "Draw the fluorescence of each channel as a plate");
     const Option raw =
-        options.AddFlag("--raw", raw_, "The stored values, whoever wrote them").Exclude(grid);
-    options.AddFlag("--json", json_, "For programs: an object; one a line for each plate")
+        options.AddFlag("--raw", raw_, "Show the stored values, whichever program wrote them")
+            .Exclude(grid);
+    options.AddFlag("--json", json_, "Print JSON: one object per plate, one per line")
         .Exclude(grid)
         .Exclude(raw);
     options.PutLast(kMeaning);

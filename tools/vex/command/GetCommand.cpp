@@ -23,15 +23,15 @@ using nlohmann::ordered_json;
 constexpr const char* kMeaning =
     "Paths:\n"
     "  NAME              a value that 'vex info --json' shows: status, frames\n"
-    "  NAME.NAME         a value in another: settings.comment, plate.rows\n"
+    "  NAME.NAME         a value within another: settings.comment, plate.rows\n"
     "  NAME[N]           an entry of a list, from 0: blocks[0].start\n"
     "  NAME[KEY]         the entry with this well, name or tag: wells[A1].sample,\n"
     "                    detectors[MYC].threshold, plates[liver].status\n"
     "  tree[TAG]         a record that 'vex tree --json' shows:\n"
     "                    tree[GLBL].children[SVOL].value\n\n"
     "  Capitals, '-' and '_' make no difference: settings.sample_volume. A value\n"
-    "  that holds others is printed as JSON, and one that is not given as an empty\n"
-    "  line. A path that leads nowhere is answered with those that there are.";
+    "  that contains others is printed as JSON, and one that is not set as an empty\n"
+    "  line. If there is no value at a path, the error lists the paths that exist.";
 
 class GetCommand final : public Command {
  public:

@@ -24,7 +24,7 @@ class HelpCommand final : public Command {
 
   void AddOptions(Options& options) override {
     app_ = options.App().get_parent();
-    options.Add("COMMAND", words_, "The command, or errors: the error codes").Show("");
+    options.Add("COMMAND", words_, "A command, or 'errors' for the error codes").Show("");
     // Hidden: the build calls it to make what is installed beside the command.
     options.Add("--write-pages", pagesFolder_, "").Group("");
   }
@@ -66,12 +66,12 @@ class HelpCommand final : public Command {
   }
 
   static void printErrors() {
-    std::cout << "With --json an error is an object on standard error, one a line:\n\n"
-                 "  {\"error\":{\"code\":\"no-such-file\",\"file\":\"run.vex\",\"offset\":null,\n"
-                 "  \"message\":\"No such file or directory\",\"exit_code\":2}}\n\n"
-                 "The code of a kind of error stays the same; the message may be worded anew.\n"
-                 "\"file\" and \"offset\" are null where there is none. What a user should know\n"
-                 "besides is an object {\"note\":{\"message\":...}}.\n\n";
+    std::cout
+        << "With --json, each error is a JSON object on a line of standard error:\n\n"
+           "  {\"error\":{\"code\":\"no-such-file\",\"file\":\"run.vex\",\"offset\":null,\n"
+           "  \"message\":\"No such file or directory\",\"exit_code\":2}}\n\n"
+           "Codes are stable, messages may change. \"file\" and \"offset\" are null if there\n"
+           "is none. A note is an object {\"note\":{\"message\":...}}.\n\n";
     std::vector<std::vector<std::string>> rows;
     for (const ErrorKind& kind : ErrorKinds()) {
       rows.push_back({std::string(kind.name),

@@ -23,7 +23,8 @@ class InfoCommand final : public Command {
   void AddOptions(Options& options) override {
     options.Add("FILE", files_, "The documents").Require().Show("");
     plate_.AddTo(options);
-    const Option screens = options.AddFlag("--long", screens_, "Show a screen for each of several");
+    const Option screens =
+        options.AddFlag("--long", screens_, "Show a full screen for each of several documents");
     options.AddFlag("--json", json_, "Print JSON: one object per document, one per line")
         .Exclude(screens);
   }

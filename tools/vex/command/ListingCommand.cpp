@@ -10,8 +10,8 @@ namespace vex2::tool {
 
 void ListingCommand::AddOptions(Options& options) {
   options.Add("FILE", file_, "The document").Require().Show("");
-  const Option csv = options.AddFlag("--csv", csv_, "For programs, as a table");
-  options.AddFlag("--json", json_, "For programs, as JSON").Exclude(csv);
+  const Option csv = options.AddFlag("--csv", csv_, "Print CSV");
+  options.AddFlag("--json", json_, "Print JSON").Exclude(csv);
   addChanges(options);
   plate_.AddTo(options);
   changing_.AddOptions(options);

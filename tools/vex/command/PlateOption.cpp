@@ -7,7 +7,7 @@
 namespace vex2::tool {
 
 void PlateOption::AddTo(Options& options) {
-  options.Add("--plate", name_, "Of a study: this plate alone; all if none").Show("NAME");
+  options.Add("--plate", name_, "Only this plate of a study; all plates if not given").Show("NAME");
 }
 
 std::vector<Document::Plate> PlateOption::Choose(const Document& document) const {
@@ -49,7 +49,7 @@ std::size_t PlateOption::FindIndex(const Document& document) const {
 
 void AddBlockOption(Options& options, std::string& tag) {
   tag = TagOf(Kind::kRawData);
-  options.Add("--block", tag, "The data block; RAWa if none")
+  options.Add("--block", tag, "Data block; RAWa by default")
       .AllowOnly({kDataBlockTags.begin(), kDataBlockTags.end()})
       .Show("TAG");
 }

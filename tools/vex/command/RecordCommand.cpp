@@ -43,7 +43,7 @@ class RecordCommand final : public RecordingCommand {
  public:
   RecordCommand()
       : RecordingCommand(
-            {"record", "Play measured readings into a document, as an instrument does.",
+            {"record", "Record measured readings to a document, as an instrument does.",
              "vex record run.vex --readings readings.csv --wells wells.csv\n"
              "vex record run.vex --readings readings.csv --wells wells.csv --resume\n"
              "instrument | vex record run.vex --readings - --wells wells.csv --frames 40"}) {}
@@ -56,17 +56,18 @@ class RecordCommand final : public RecordingCommand {
     options.Add("--wells", files_.wells, "well,sample,target,task,quantity,reporter; - is stdin")
         .Show("FILE.csv")
         .Require();
-    options.Add("--scale", scale_, "Factor of readings, as 1000 or 2/3; else least loss").Show("N");
-    options.Add("--offset", offset_, "What is taken from readings first; needed below 0").Show("X");
-    options.Add("--frames", frames_, "Frames that --readings - will send; else to its end")
+    options.Add("--scale", scale_, "Factor for readings, such as 1000 or 2/3; else chosen")
+        .Show("N");
+    options.Add("--offset", offset_, "Subtract this from readings first; needed below 0").Show("X");
+    options.Add("--frames", frames_, "Stop after N frames of --readings -; else at its end")
         .Show("N")
         .AllowRange(1U, kMostFrames);
-    options.Add("--channels", channels_, "Names of the channels; else as they come")
+    options.Add("--channels", channels_, "Names of all channels; else in order of appearance")
         .Show("NAME,NAME...");
     options.AddFlag("--exact", files_.isExact,
                     "Refuse readings and quantities that would be rounded");
     input_.AddOptions(options);
-    options.Add("--wells-columns", wellsNames_, "The same of the file of the wells")
+    options.Add("--wells-columns", wellsNames_, "Names of columns in the file of --wells")
         .Show(CsvInput::kColumnsShown);
     addRunOptions(options);
     addRecordOptions(options);

@@ -26,20 +26,20 @@ void RecordingCommand::addDocument(Options& options) {
 }
 
 void RecordingCommand::addRunOptions(Options& options) {
-  options.Add("--started", started_, "When the run began, as below; else unknown").Show("TIME");
-  options.Add("--assay", assay_, "The kind of run, a code as below; else AbsQ").Show("CODE");
+  options.Add("--started", started_, "Start of the run, see TIME below; else unknown").Show("TIME");
+  options.Add("--assay", assay_, "Kind of run, a code listed below; default AbsQ").Show("CODE");
   options.PutFirst(PlateAssayTable());
   options.PutFirst(
-      "TIME is a date and time with its zone, 2026-11-22T08:00:00Z, or now where\n"
-      "nothing was measured before.");
+      "TIME is a date and time with a time zone, as in 2026-11-22T08:00:00Z, or 'now'\n"
+      "if the readings are not measured yet.");
 }
 
 void RecordingCommand::addRecordOptions(Options& options) {
   options.Add("--pace", options_.pace, "Seconds from one frame to the next; 0: no pause")
       .Show("SECONDS")
       .AllowRange(0.0, kLongestPace);
-  const Option resume = options.AddFlag("--resume", options_.resume,
-                                        "Go on after the last frame that the document holds");
+  const Option resume =
+      options.AddFlag("--resume", options_.resume, "Continue after the last frame in the document");
   options.AddFlag("--force", options_.force, "Overwrite existing files").Exclude(resume);
 }
 

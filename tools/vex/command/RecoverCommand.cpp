@@ -22,11 +22,11 @@ namespace {
 
 constexpr const char* kMeaning =
     "What it does:\n"
-    "  Records are found again by their tags, frames by the structure of their block.\n"
-    "  FILE itself is never written to. What is damaged within a text or a reading\n"
-    "  looks like any other, and is kept as it is.\n\n"
-    "  The exit code is 0 when all of it was whole, 1 when something was lost and\n"
-    "  what is left is in OUT, and 2 when there is nothing to recover.";
+    "  Records are found by their tags, frames by the structure of their block. FILE\n"
+    "  itself is never written. A text or a reading with damaged bytes looks like any\n"
+    "  other and is kept as it is.\n\n"
+    "  The exit code is 0 if the document was whole, 1 if something was lost and the\n"
+    "  rest is in OUT, and 2 if there is nothing to recover.";
 
 class RecoverCommand final : public Command {
  public:
@@ -39,7 +39,7 @@ class RecoverCommand final : public Command {
     options.Add("FILE", source_, "The damaged document").Require().Show("");
     options.Add("-o,--output", target_, "The document to write").Require().Show("OUT");
     options.AddFlag("--force", force_, "Overwrite OUT if it exists");
-    options.AddFlag("--json", json_, "For programs: the report as an object");
+    options.AddFlag("--json", json_, "Print JSON: the report as one object");
     options.PutLast(kMeaning);
   }
 

@@ -16,11 +16,11 @@ namespace {
 constexpr const char* kMeaning =
     "What it does:\n"
     "  It corrects lengths and positions, cuts off uncommitted bytes, and changes\n"
-    "  nothing else. A backup is made first: FILE.backup, or with a number where\n"
-    "  there is one. At every moment the document is the old or the new one. Do not\n"
-    "  repair a run that another program is recording.\n\n"
-    "  What cannot be repaired is told, with exit code 1; 'vex recover' takes what is\n"
-    "  whole into a new document.";
+    "  nothing else. A backup is made first: FILE.backup, or FILE.backup-2 and so on\n"
+    "  if that exists. The document is the old or the new one at every moment. Do\n"
+    "  not repair a run that another program is recording.\n\n"
+    "  If something cannot be repaired, it is printed, and the exit code is 1;\n"
+    "  'vex recover' saves what is whole as a new document.";
 
 class RepairCommand final : public Command {
  public:
@@ -30,7 +30,7 @@ class RepairCommand final : public Command {
 
   void AddOptions(Options& options) override {
     options.Add("FILE", file_, "The document").Require().Show("");
-    options.AddFlag("--dry-run", dryRun_, "Say what would be repaired, and change nothing");
+    options.AddFlag("--dry-run", dryRun_, "Print what would be repaired, and change nothing");
     options.PutLast(kMeaning);
   }
 

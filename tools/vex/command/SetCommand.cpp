@@ -34,7 +34,7 @@ class SetCommand final : public Command {
     changing_.AddOptions(options);
     if (!ofStudy_) options.PutFirst(PlateAssayTable());
     options.PutFirst("Settings:" + FieldLines(settings_, 20) +
-                     "\n  A text that is set to nothing, as in comment=, is removed.");
+                     "\n  An empty value, as in comment=, removes a text.");
   }
 
   ExitCode Run() override {

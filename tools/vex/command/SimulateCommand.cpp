@@ -31,10 +31,10 @@ class SimulateCommand final : public RecordingCommand {
         .AllowRange(1U, kMostSteps);
     options.Add("--melt", meltSteps_, "Readings of a melting stage at the end; 0 by default")
         .AllowRange(0U, kMostSteps);
-    options.Add("--seed", seed_, "Another number is another run; 1 by default");
-    options.Add("--readings-out", readingsOut_, "Write the readings also to this CSV file")
+    options.Add("--seed", seed_, "Number that selects the simulated run; 1 by default");
+    options.Add("--readings-out", readingsOut_, "Also write the readings to this CSV file")
         .Show("FILE.csv");
-    options.Add("--wells-out", wellsOut_, "Write what the wells hold to this CSV file")
+    options.Add("--wells-out", wellsOut_, "Also write the content of the wells to this CSV file")
         .Show("FILE.csv");
     addRunOptions(options);
     addRecordOptions(options);

@@ -33,8 +33,8 @@ class SpectrumCommand final : public Command {
     options.Add("--frame", frame_, "The frame, from 0").Require().Show("N");
     plate_.AddTo(options);
     const Option json =
-        options.AddFlag("--json", json_, "For programs: an object; one a line for each plate");
-    options.AddFlag("--csv", csv_, "For programs: a table, a row for each value").Exclude(json);
+        options.AddFlag("--json", json_, "Print JSON: one object per plate, one per line");
+    options.AddFlag("--csv", csv_, "Print CSV: one row per value").Exclude(json);
   }
 
   ExitCode Run() override {

@@ -24,7 +24,7 @@ class StatusCommand final : public Command {
 
   void AddOptions(Options& options) override {
     options.Add("FILE", file_, "The document").Require().Show("");
-    options.Add("CODE", code_, "The new one: ZERO, PROG or DONE, or any four").Show("");
+    options.Add("CODE", code_, "New status: ZERO, PROG, DONE or any four characters").Show("");
     plate_.AddTo(options);
     changing_.AddOptions(options);
   }

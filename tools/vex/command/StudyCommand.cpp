@@ -154,7 +154,7 @@ class ListAction final : public Command {
 
   void AddOptions(Options& options) override {
     options.Add("STUDY", study_, "The study").Require().Show("");
-    options.AddFlag("--json", json_, "For programs: an object");
+    options.AddFlag("--json", json_, "Print JSON: one object");
   }
 
   ExitCode Run() override {

@@ -90,10 +90,10 @@ class TreeCommand final : public Command {
   void AddOptions(Options& options) override {
     options.Add("FILE", file_, "The document").Require().Show("");
     plate_.AddTo(options);
-    options.Add("--depth", depth_, "Leave out records that are nested deeper; 1: none are")
+    options.Add("--depth", depth_, "Levels of nesting to show; 1: no nested records")
         .Show("N")
         .AllowRange(1U, kDeepest);
-    options.Add("--only", tag_, "Only records with this tag, and what is in them").Show("TAG");
+    options.Add("--only", tag_, "Show only records with this tag, with their content").Show("TAG");
     options.AddFlag("--json", json_, "Print JSON: an object with the records");
   }
 

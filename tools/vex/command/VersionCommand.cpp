@@ -54,7 +54,7 @@ ordered_json toJson(const Version& version) {
 class VersionCommand final : public Command {
  public:
   VersionCommand()
-      : Command({"version", "Print the version, the build, and what it works with.",
+      : Command({"version", "Print the version, the build and the libraries.",
                  "vex version\nvex version --json | jq -r .format"}) {}
 
   void AddOptions(Options& options) override {

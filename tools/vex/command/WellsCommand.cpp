@@ -48,7 +48,7 @@ std::vector<std::string> gridTexts(const PlateContents& contents, const std::str
 class WellsCommand final : public ListingCommand {
  public:
   WellsCommand()
-      : ListingCommand({"wells", "Show what stands in the wells of the plate, or replace it.",
+      : ListingCommand({"wells", "Show the content of the wells, or replace it.",
                         "vex wells run.vex\nvex wells run.vex --show task\n"
                         "vex wells run.vex --csv > wells.csv\n"
                         "vex wells run.vex --from wells.csv"}) {}
@@ -58,7 +58,7 @@ class WellsCommand final : public ListingCommand {
     options.Add("--show", what_, "What to show: sample (the default), detector, task")
         .AllowOnly({"sample", "detector", "task"})
         .Show("WHAT");
-    options.Add("--from", source_, "Replace it; well,sample,target,task,quantity,reporter")
+    options.Add("--from", source_, "Replace by well,sample,target,task,quantity,reporter")
         .Show("FILE.csv");
     input_.AddOptions(options);
     exactness_.AddOption(options);

@@ -6,7 +6,7 @@
 namespace vex2::tool {
 
 void Changing::AddOptions(Options& options) {
-  options.AddFlag("--dry-run", isDryRun_, "Say what would change, and change nothing");
+  options.AddFlag("--dry-run", isDryRun_, "Print what would change, and change nothing");
   rewriting_.AddOptions(options);
 }
 

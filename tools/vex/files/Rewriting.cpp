@@ -12,8 +12,8 @@ Rewriting::Rewriting() {
 }
 
 void Rewriting::AddOptions(Options& options) {
-  options.AddFlag("--upgrade", rules_.upgradeBlocks, "Make data blocks of version 1 version 2");
-  options.AddFlag("--drop-unknown", rules_.dropUnknown, "Accept that unknown records are lost");
+  options.AddFlag("--upgrade", rules_.upgradeBlocks, "Convert data blocks of version 1 to version 2");
+  options.AddFlag("--drop-unknown", rules_.dropUnknown, "Save even if unknown records are lost");
 }
 
 }  // namespace vex2::tool

@@ -1,0 +1,141 @@
+#!/usr/bin/env python3
+"""Checks that a test meets every sentence that the command may print, and lists the sentences.
+
+usage: messages.py [--list] ROOT
+
+A sentence is a string literal of three words or more in lab/ or tools/vex/, other than help: what
+errors, notes, findings and reports say. Adjacent literals are one, and {} stands for what is filled
+in. Each must be expected by a test: by a table of slips, or by a string in a C++ test. UNMET.txt
+beside this program names those that no test can bring about, each with the reason; a line of it
+that is not needed any more is an error, too. --list prints all sentences with their places, to be
+proofread.
+"""
+
+import argparse
+import pathlib
+import re
+import sys
+
+HERE = pathlib.Path(__file__).resolve().parent
+LEAST = 12  # letters of a sentence that are enough to know it by
+# Calls whose texts are help.
+HELP = {"Add", "AddFlag", "PutFirst", "PutLast", "Command", "RecordingCommand", "ListingCommand",
+        "StudyChange", "Description", "set_version_flag", "set_help_flag", "exampleText",
+        "ErrorKind", "static_assert", "Setting", "DetectorField"}
+NOT_SENTENCES = ("lab/text/", "lab/exchange/DocumentJson", "lab/Error.cpp", "tools/vex/help/",
+                 "tools/vex/command/HelpCommand.cpp", "lab/analysis/")
+TOKEN = re.compile(r'//[^\n]*|/\*.*?\*/|R"\((.*?)\)"|"((?:[^"\\\n]|\\.)*)"|\'(?:[^\'\\]|\\.)+\''
+                   r"|([A-Za-z_]\w*)|([(){}\[\];,])|\s+|.", re.S)
+ESCAPES = {"n": "\n", "t": "\t", '"': '"', "\\": "\\", "'": "'"}
+
+
+def unescaped(text):
+    return re.sub(r"\\(.)", lambda m: ESCAPES.get(m.group(1), m.group(0)), text)
+
+
+def literals(text):
+    """The literals of C++ source: text, line, and the names of the calls that they stand in."""
+    calls, name, found, is_joined = [], "", [], False
+    for token in TOKEN.finditer(text):
+        raw, literal, word, mark = token.groups()
+        if raw is not None or literal is not None:
+            value = raw if raw is not None else unescaped(literal)
+            if is_joined:
+                found[-1][0] += value
+            else:
+                found.append([value, text.count("\n", 0, token.start()) + 1, list(calls)])
+            is_joined = True
+            continue
+        if token.group().isspace() or token.group().startswith("//"):
+            continue
+        is_joined = False
+        if mark in ("(", "{", "["):
+            calls.append(name)
+        elif mark in (")", "}", "]") and calls:
+            calls.pop()
+        name = word or ("" if mark in (";", ",") else name)
+    return found
+
+
+def is_sentence(text):
+    return len(re.findall(r"[A-Za-z]{2,}", text)) >= 3 and " " in text and "%" not in text
+
+
+def sentences(root):
+    found = {}
+    for path in sorted([*(root / "lab").rglob("*.cpp"), *(root / "tools/vex").rglob("*.cpp")]):
+        name = str(path.relative_to(root))
+        if name.startswith(NOT_SENTENCES):
+            continue
+        source = re.sub(r"constexpr const char\* k(Meaning|Footer|Summary).*?;\n\n", "",
+                        path.read_text(), flags=re.S)
+        for text, line, calls in literals(source):
+            if is_sentence(text) and not HELP & set(calls):
+                found.setdefault(text, f"{name}:{line}")
+    return found
+
+
+def parts(sentence):
+    """What stands between the gaps, long enough to know the sentence by."""
+    fixed = [part.strip(" ,;:.'\"()\n") for part in re.split(r"\{[^}]*\}", sentence)]
+    long = [part for part in fixed if len(part) >= LEAST]
+    return long or [max(fixed, key=len)]
+
+
+def expectations(root):
+    texts = []
+    for path in root.glob("tests/tools/slips/*.slips"):
+        texts += [line[3:] for line in path.read_text().splitlines() if line[:2] in ("2>", "1>")]
+        texts += [re.sub(r"\\(.)", r"\1", line[3:]) for line in path.read_text().splitlines()
+                  if line[:2] in ("2~", "1~")]
+    for folder in ("tools", "lab", "reliability", "memory"):
+        for path in (root / "tests" / folder).rglob("*.cpp"):
+            texts += [text for text, _, _ in literals(path.read_text()) if len(text) >= LEAST]
+    return [" ".join(text.split()) for text in texts]
+
+
+def is_met(sentence, expected):
+    for part in (" ".join(part.split()) for part in parts(sentence)):
+        if any(part in text or (text.strip(" ;:,") in part) for text in expected):
+            return True
+    return False
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("--list", action="store_true")
+    parser.add_argument("root", type=pathlib.Path)
+    options = parser.parse_args()
+    found = sentences(options.root)
+    if options.list:
+        for text, place in sorted(found.items(), key=lambda item: item[1]):
+            print(f"{place}: {' '.join(text.split())}")
+        return 0
+    if len(found) < 200:  # the source is not where it was
+        print(f"only {len(found)} sentences were found")
+        return 1
+    unmet = {}
+    for line in (HERE / "UNMET.txt").read_text().splitlines():
+        if line and not line.startswith("#"):
+            text, reason = line.rsplit(" # ", 1)
+            unmet[text] = reason
+    expected = expectations(options.root)
+    bad = 0
+    for text, place in sorted(found.items(), key=lambda item: item[1]):
+        plain = " ".join(text.split())
+        if is_met(text, expected):
+            if plain in unmet:
+                print(f"{place}: a test expects this now; remove it from UNMET.txt: {plain}")
+                bad += 1
+        elif plain not in unmet:
+            print(f"{place}: no test expects this: {plain}")
+            bad += 1
+        unmet.pop(plain, None)
+    for text in unmet:
+        print(f"UNMET.txt: no such sentence is left: {text}")
+        bad += 1
+    return 1 if bad else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
