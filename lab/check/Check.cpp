@@ -44,8 +44,8 @@ void checkDoubles(const std::vector<Document::Record>& records, const std::strin
     const std::uint64_t first = next->offset;
     while ((next = std::find_if(next + 1, records.end(), isIt)) != records.end()) {
       findings.Add({Severity::kWarning, within + next->tag, next->offset,
-                    fmt::format("there is a record of this kind at byte {} already", first),
-                    "only the first is used; this one is kept, and never looked at", ""});
+                    fmt::format("there is already a record of this kind at byte {}", first),
+                    "only the first is used; this one is kept, but never read", ""});
     }
   }
 }
@@ -58,13 +58,13 @@ void checkPlates(const Document& document, Findings& findings) {
     const auto same = [&](const Document::Plate& other) { return other.name == plates[i].name; };
     if (plates[i].name.empty()) {
       findings.Add({Severity::kWarning, where, plates[i].offset, "the plate has no name",
-                    "it cannot be asked for by name, and two such plates not be told apart",
+                    "it cannot be found by name, and two such plates cannot be distinguished",
                     kRename});
     } else if (std::any_of(plates.begin(), plates.begin() + static_cast<std::ptrdiff_t>(i), same)) {
       findings.Add(
           {Severity::kWarning, where, plates[i].offset,
-           fmt::format("an earlier plate is called '{}', too", Escaped(ToUtf8(plates[i].name))),
-           "whoever asks for the name gets the earlier one", kRename});
+           fmt::format("an earlier plate is called '{}' as well", Escaped(ToUtf8(plates[i].name))),
+           "a search by name finds only the earlier one", kRename});
     }
   }
 }

@@ -34,9 +34,9 @@ void checkSize(const HeaderFields& header, const std::string& name, std::uint64_
   const auto wells = WellsOfPlateType(header.plateType);
   if (wells == 0) {
     findings.Add({Severity::kNote, name, offset + HeaderLayout::kPlateTypeCodeAt,
-                  fmt::format("the plate type '{}' is none with a known number of wells",
+                  fmt::format("the number of wells of the plate type '{}' is not known",
                               Escaped(ToUtf8(header.plateType))),
-                  "analysis does not know how many wells there are", ""});
+                  "an analysis cannot tell how many wells there are", ""});
   } else if (wells != header.Wells()) {
     findings.Add({Severity::kWarning, name, rowsAt,
                   fmt::format("a plate of {} wells, but the type '{}' has {}", dimensions(header),
@@ -57,7 +57,7 @@ void checkUsage(const HeaderFields& header, const std::string& name, std::uint64
                 fmt::format("the masks of wells in use have {} in columns that a plate of {} has "
                             "not",
                             Counted(outside, "well"), dimensions(header)),
-                "they count as in use wherever wells are counted", ""});
+                "they are counted as wells in use", ""});
 }
 
 std::string leadsTo(std::uint32_t position, std::string_view tag) {
@@ -86,8 +86,8 @@ Aim aimOf(std::uint32_t position, std::string_view tag,
 // What a program does that appends to a run, going by a position that is not the tag's.
 std::string harmToRun(std::uint32_t position) {
   return position == 0
-             ? "an instrument that goes on would write a second block, which no one reads"
-             : fmt::format("an instrument that goes on would write the block's length to byte {}",
+             ? "an instrument that continues would write a second block, which nothing reads"
+             : fmt::format("an instrument that continues would write the block's length to byte {}",
                            position + 4);
 }
 
@@ -99,7 +99,7 @@ void checkProgram(const HeaderFields& header, const Aim& aim, Findings& findings
     findings.Add(
         {Severity::kNote, "header", HeaderLayout::kProgramOffsetAt,
          fmt::format("{}, just past the record, as a save of the whole document leaves it", what),
-         "nothing; who wants the program looks for its tag", ""});
+         "none: readers look for the tag of the program", ""});
   } else if (aim.first != nullptr) {
     findings.Add(
         {Severity::kError, "header", HeaderLayout::kProgramOffsetAt,
@@ -109,7 +109,7 @@ void checkProgram(const HeaderFields& header, const Aim& aim, Findings& findings
     findings.Add({Severity::kWarning, "header", HeaderLayout::kProgramOffsetAt,
                   fmt::format("{}, but there is no such record", what),
                   "a program that goes by it reads something else as the program",
-                  "any save of the whole document with a program in it sets it"});
+                  "saving the whole document with a program corrects it"});
   }
 }
 
@@ -150,9 +150,9 @@ void checkRawData(const HeaderFields& header, const Aim& aim, const Document& do
                            : Severity::kWarning,
                   "header", HeaderLayout::kRawDataOffsetAt,
                   fmt::format("{}, but there is no such record", what),
-                  isStudy  ? "nothing; a study keeps no block of its own"
+                  isStudy  ? "none: a study has no block of its own"
                   : isHarm ? "frames that an instrument commits would stand behind no block"
-                           : "who reads single frames from the file finds something else",
+                           : "programs that read single frames from the file find something else",
                   isStudy                  ? ""
                   : mayHideBlock(document) ? "{recover} looks for the block"
                                            : "{repair} makes it 0"});
@@ -163,13 +163,14 @@ void checkRawData(const HeaderFields& header, const Aim& aim, const Document& do
         {Severity::kNote, "header", HeaderLayout::kRawDataOffsetAt,
          what + (aim.isEnd ? ", just past the block, as a save of the whole document leaves it"
                            : ", though there is a block"),
-         "who reads single frames from the file without a document finds none", ""});
+         "programs that read single frames from the file find none", ""});
     return;
   }
   findings.Add(
       {Severity::kError, "header", HeaderLayout::kRawDataOffsetAt,
        fmt::format("{}, which is not where the block is, at byte {}", what, aim.first->offset),
-       "who reads single frames from the file reads something else as readings", kRepairPosition});
+       "programs that read single frames from the file read something else as readings",
+       kRepairPosition});
 }
 
 // Frames are appended to the file, so that what stands behind the block would part it from them.

@@ -28,7 +28,7 @@ constexpr std::array<std::string_view, 7> kTasks = {"UNKN", "STND", "NTC", "IPC"
 constexpr std::string_view kBlock = TagOf(Kind::kRawData);
 constexpr std::string_view kSetup = TagOf(Kind::kPlateSetup);
 constexpr std::uint16_t kHottest = 12000;  // hundredths of a degree: above, water has boiled off
-constexpr const char* kSetWells = "{setWells} sets the wells up anew";
+constexpr const char* kSetWells = "{setWells} replaces the setup of the wells";
 
 std::string shown(std::string_view text) {
   return fmt::format("'{}'", Escaped(ToUtf8(text)));
@@ -106,13 +106,13 @@ class PlateCheck {
       add(Severity::kWarning, kSetup,
           fmt::format("the detector {} of {} is not in the document's list of detectors",
                       shown(name), wells.Text(contents_.plate)),
-          "nobody knows its dyes and settings", kSetWells);
+          "its dyes and settings are unknown", kSetWells);
     }
     for (const auto& [task, wells] : tasks) {
       add(Severity::kWarning, kSetup,
           fmt::format("the task {} of {} is none of UNKN, STND, NTC, IPC, IPC+, ENDO, TRGT",
                       shown(task), wells.Text(contents_.plate)),
-          "an analysis does not know what the wells are for", kSetWells);
+          "an analysis cannot tell what the wells are for", kSetWells);
     }
     checkMeasuredWells();
   }
@@ -128,7 +128,7 @@ class PlateCheck {
     add(Severity::kWarning, kBlock,
         fmt::format("{} measured, but not set up: no sample and no detector",
                     strangers.Text(contents_.plate)),
-        "nobody knows what the readings are of", kSetWells);
+        "it is unknown what was measured", kSetWells);
   }
 
   void checkRecording() {
@@ -178,7 +178,7 @@ class PlateCheck {
           "their bytes were changed after the recording; {read} leaves them empty",
           "take the run from a backup, or record it again from its readings");
     }
-    const char* const kLook = "{read} shows them: see whether the readings were right";
+    const char* const kLook = "{read} shows them; check whether the readings were right";
     const auto warn = [&](const FrameFault& fault, std::string problem,
                           const std::string& consequence) {
       if (fault.count == 0) return;
@@ -191,12 +191,12 @@ class PlateCheck {
     warn(early_,
          fmt::format("{} with a time before that of the frame before, the first is frame {}",
                      Counted(early_.count, "frame"), early_.first),
-         "what goes by times sees the frames in another order");
+         "programs that sort by time see the frames in another order");
     warn(disordered_,
          fmt::format("{} with a cycle that does not follow that of the frame before, the first is "
                      "frame {}",
                      Counted(disordered_.count, "frame"), disordered_.first),
-         "what goes by cycles sees the frames in another order");
+         "programs that sort by cycle see the frames in another order");
   }
 
   Document::Plate plate_;

@@ -80,11 +80,12 @@ void RecordCheck::Pass(std::uint64_t offset) {
   passedEnd_ = offset + kPassed;
   hasGaps_ = true;
   if (goesOn || levels_.empty()) return;
-  findings_.Add({Severity::kWarning, path(levels_.size()), offset,
-                 "bytes in a plate that begin no known record",
-                 "they are passed over four by four, a save drops them, and one that looks like a "
-                 "record within them would be taken for one",
-                 "have the program that wrote the plate save it alone, and add it again"});
+  findings_.Add(
+      {Severity::kWarning, path(levels_.size()), offset,
+       "bytes in a plate that begin no known record",
+       "they are skipped four at a time, a save drops them, and bytes among them that look "
+       "like a record would be read as one",
+       "have the program that wrote the plate save it alone, and add it again"});
 }
 
 std::string RecordCheck::NameAt(std::uint64_t offset) const {
@@ -121,13 +122,14 @@ void RecordCheck::checkUnknown(const FileRecord& record) {
   if (!IsPlain(record.Tag())) return checkNoRecord(record);
   const std::string size = Counted(record.length, "byte");
   if (record.depth == 1) {
-    return add(Severity::kWarning, fmt::format("a record of no known kind, of {}", size),
-               "the reader leaves it out, and so does the next save",
-               "nothing to do, unless another program counts on it: then do not save it here");
+    return add(
+        Severity::kWarning, fmt::format("a record of no known kind, of {}", size),
+        "the reader leaves it out, and so does the next save",
+        "nothing, unless another program needs the record: then do not save the document here");
   }
   add(Severity::kWarning, fmt::format("a record of no known kind within another, of {}", size),
       "the reader keeps its tag and length; the next save makes its bytes zeros",
-      "nothing to do, unless another program counts on it: then do not save it here");
+      "nothing, unless another program needs the record: then do not save the document here");
 }
 
 // Within a list, each eight bytes of a damaged stretch are taken for a record: the first is told.
@@ -181,9 +183,9 @@ void RecordCheck::checkLength(const Level& level) {
     lengths_.push_back(std::move(finding));
   };
   if (record.length < held) {
-    return tell(Severity::kError, "so that the records overlap",
-                "this library reads it by what it holds, but who goes by lengths takes the rest "
-                "for the next record, as one does who replaces a reporting block");
+    return tell(Severity::kError, "so the records overlap",
+                "this library reads it by its content, but programs that go by lengths take the "
+                "rest for the next record; replacing a reporting block does so");
   }
   // A text that ends in a zero byte loses it when it is read; the lists around it keep their
   // length.
@@ -191,13 +193,13 @@ void RecordCheck::checkLength(const Level& level) {
       record.length - held <= level.texts &&
       (record.kind->layout == BodyLayout::kList || record.kind->layout == BodyLayout::kCell);
   if (isUsual) {
-    return tell(Severity::kWarning, "as lists do whose texts lost a zero byte",
-                "this library reads it by what it holds; who goes by lengths loses the records "
-                "behind it");
+    return tell(Severity::kWarning, "as in lists whose texts lost a zero byte",
+                "this library reads it by its content; programs that go by lengths lose the "
+                "records behind it");
   }
-  tell(Severity::kError, "so that it reaches over what follows",
-       "this library reads it by what it holds, but reads the less at the end of the file; who "
-       "goes by lengths loses the records behind it");
+  tell(Severity::kError, "so it overlaps what follows",
+       "this library reads it by its content, but less at the end of the file; programs that go "
+       "by lengths lose the records behind it");
 }
 
 void RecordCheck::checkCells(const FileRecord& record, CFile& file) {
@@ -220,7 +222,8 @@ void RecordCheck::checkBlock(const FileRecord& record, CFile& file) {
   } else if (head->timeBlockSize != kTimeBlockSize) {
     add(Severity::kError,
         fmt::format("its time block is of {}, not 12", Counted(head->timeBlockSize, "byte")),
-        "the document is read right, but who reads single frames from the file finds other wells",
+        "the document is read correctly, but programs that read single frames from the file find "
+        "other wells",
         "{recover} writes the block anew");
   }
   checkWells(*head);
@@ -260,7 +263,7 @@ void RecordCheck::checkWells(const StoredBlock& head) {
     add(Severity::kWarning,
         fmt::format("{} of its wells {} on no plate of {} wells", outside,
                     outside == 1 ? "is" : "are", plate_.Wells()),
-        "their readings are kept, and found under no well of the plate");
+        "their readings are kept, but belong to no well of the plate");
   }
 }
 

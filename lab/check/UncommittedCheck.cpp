@@ -15,8 +15,8 @@ namespace {
 constexpr std::string_view kBlock = TagOf(Kind::kRawData);
 constexpr const char* kRecover = "{recover} takes what is whole into a new document";
 constexpr const char* kNotCommitted =
-    "none of the committed frames is lost; an instrument that appends here without looking would "
-    "spoil its frames";
+    "no committed frame is lost, but an instrument that appends here without a check would damage "
+    "its frames";
 constexpr const char* kResume = "{resume} and {repair} cut it off";
 
 // The file ends before the block does.

@@ -55,7 +55,7 @@ std::uint32_t readValue(const CsvRow& row, const std::string& text, FloatReader&
   }
   const auto number = NumberIn<double>(text);
   if (!number || !(std::abs(*number) <= std::numeric_limits<float>::max())) {
-    row.Refuse(fmt::format("{} among the values is no number of 32 bits", Quoted(text)));
+    row.Refuse(fmt::format("{} among the values is not a number of 32 bits", Quoted(text)));
   }
   return std::bit_cast<std::uint32_t>(values.Keep(row, "value", text, *number));
 }

@@ -51,7 +51,7 @@ CsvNames ParseColumnNames(std::string_view names, const std::vector<std::string_
       for (const std::string_view each : columns)
         known.append(known.empty() ? "" : ", ").append(each);
       throw Error(ErrorCode::kUsage,
-                  fmt::format("{}: {} is no column of this file; its columns are {}", option,
+                  fmt::format("{}: {} is not a column of this file; its columns are {}", option,
                               Quoted(column), known));
     }
     if (equals == std::string_view::npos || equals + 1 == pair.size()) {

@@ -102,8 +102,8 @@ class Reader {
     for (const CsvSplitter::Row& row : splitter_->Take()) add(row);
     if (!good) {
       RefuseNext(
-          "a quote stands where none can; a field with quotes in it is put in quotes, and "
-          "each quote in it written twice");
+          "a quote is misplaced; put a field that contains quotes in quotes, and double each quote "
+          "in it");
     }
     if (splitter_->UnfinishedBytes() > kLongestRow) RefuseNext("is too long");
   }
@@ -134,7 +134,7 @@ class Reader {
     if (delimiter == 0) {
       const auto found = header_.DelimiterOf(line);
       if (!found) {
-        RefuseNext("it cannot be told whether fields are parted by comma, semicolon or tab",
+        RefuseNext("it cannot be told whether commas, semicolons or tabs separate the fields",
                    ErrorRemedy::kGiveDelimiter);
       }
       delimiter = *found;

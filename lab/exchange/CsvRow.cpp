@@ -33,7 +33,7 @@ std::string CsvRow::PointText(std::size_t column, std::string_view text) const {
 
 double CsvRow::AnyDecimal(std::size_t column) const {
   const auto value = NumberIn<double>(PointText(column, Text(column)));
-  if (!value || !std::isfinite(*value)) RefuseField(column, "is no number");
+  if (!value || !std::isfinite(*value)) RefuseField(column, "is not a number");
   return *value;
 }
 
@@ -47,7 +47,7 @@ double CsvRow::Decimal(std::size_t column, double most) const {
 unsigned CsvRow::Whole(std::size_t column, unsigned least, unsigned most) const {
   const auto value = NumberIn<unsigned>(Text(column));
   if (!value || *value < least || *value > most) {
-    RefuseField(column, fmt::format("is no whole number from {} to {}", least, most));
+    RefuseField(column, fmt::format("is not a whole number from {} to {}", least, most));
   }
   return *value;
 }

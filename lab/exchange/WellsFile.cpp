@@ -32,20 +32,20 @@ class Agreement {
   void Check(const CsvRow& row, const WellRow& added) {
     const auto [sample, firstOfWell] = samples_.emplace(added.well, added.sample);
     if (!firstOfWell && sample->second != added.sample) {
-      row.RefuseField(kSample, "is another sample than the well has in a row before");
+      row.RefuseField(kSample, "is not the sample that the well has in an earlier row");
     }
     const Detector detector{kPlate384.NameOf(added.well), added.target};
     const auto allowed = allowed_.find(detector);
     if (++counts_[detector] > (allowed != allowed_.end() ? allowed->second : 1)) {
-      row.RefuseField(kWell, "is there twice with the same target");
+      row.RefuseField(kWell, "is given twice with the same target");
     }
     if (added.target.empty()) {
-      if (!added.reporter.empty()) row.RefuseField(kReporter, "is the reporter of no target");
+      if (!added.reporter.empty()) row.RefuseField(kReporter, "is a reporter without a target");
       return;
     }
     const auto [reporter, firstOfTarget] = reporters_.emplace(added.target, added.reporter);
     if (!firstOfTarget && reporter->second != added.reporter) {
-      row.RefuseField(kReporter, "is another reporter than the target has in a row before");
+      row.RefuseField(kReporter, "is not the reporter that the target has in an earlier row");
     }
   }
 
@@ -69,7 +69,7 @@ std::string latin1(const CsvRow& row, Column column) {
 WellRow rowOf(const CsvRow& row, FloatReader& quantities) {
   WellRow result;
   const auto well = kPlate384.FindAsWritten(row.Text(kWell));
-  if (!well) row.RefuseField(kWell, "is no well of a plate, A1 to P24");
+  if (!well) row.RefuseField(kWell, "is not a well of a plate, A1 to P24");
   result.well = *well;
   result.sample = latin1(row, kSample);
   result.target = latin1(row, kTarget);
@@ -99,7 +99,7 @@ PlateContents LoadWells(const std::string& path, FloatReader& quantities, const 
           },
           {.format = format});
   auto& rows = contents.rows;
-  if (rows.empty()) throw Error(ErrorCode::kDocument, CsvName(path), "names no well");
+  if (rows.empty()) throw Error(ErrorCode::kDocument, CsvName(path), "contains no well");
   const bool fits = std::all_of(rows.begin(), rows.end(), [](const WellRow& row) {
     return kPlate96.Find(kPlate384.NameOf(row.well)).has_value();
   });

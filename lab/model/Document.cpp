@@ -19,8 +19,6 @@ namespace vex2::lab {
 
 namespace {
 
-// The last place for a row's used wells lies within the header up to here.
-constexpr int kMostRows = 238;
 constexpr std::string_view kPlates = TagOf(Kind::kPlates);
 
 std::string inQuotes(std::string_view tag) {
@@ -237,7 +235,7 @@ void Document::RequireWhole(std::string_view purpose) const {
                                   fault_->what, lost, purpose),
                 fault_->offset);
   }
-  if (!purpose.empty() && content_->GetHeaderRows() > kMostRows) {
+  if (!purpose.empty() && content_->GetHeaderRows() > HeaderLayout::kMaxRows) {
     throw Error(ErrorCode::kDocument, path_,
                 fmt::format("a plate of {} rows does not fit into a header that is saved",
                             content_->GetHeaderRows()),

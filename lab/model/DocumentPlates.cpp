@@ -24,7 +24,7 @@ std::string whyNoPlate(const Document& document, std::string_view name) {
     return fmt::format("it has no plate '{}'; its plates are {}", name, names);
   }
   return document.IsStudy() ? fmt::format("it has no plate '{}', nor any other", name)
-                            : fmt::format("it has no plate '{}', for it is no study", name);
+                            : fmt::format("it has no plate '{}': it is not a study", name);
 }
 
 }  // namespace

@@ -9,12 +9,13 @@
 #include "lab/Error.h"
 #include "lab/Text.h"
 #include "lab/model/Settings.h"
+#include "vex2/format/HeaderLayout.h"
 
 namespace vex2::lab {
 
 namespace {
 
-constexpr std::uint32_t kMostRows = 238;    // whose masks of used wells fit into a header
+constexpr std::uint32_t kMostRows = HeaderLayout::kMaxRows;
 constexpr std::uint32_t kMostColumns = 32;  // the bits of such a mask
 
 [[noreturn]] void refuse(const std::string& why) {

@@ -152,7 +152,7 @@ std::string PlateDateText(const std::string& stored) {
 void RequireStudy(const Document& document) {
   if (document.IsStudy()) return;
   throw Error(ErrorCode::kDocument, document.Path(),
-              "this is no study, but a document of one plate", std::nullopt,
+              "this is not a study but a document of one plate", std::nullopt,
               ErrorRemedy::kMakeStudy);
 }
 

@@ -99,15 +99,17 @@ bool HoldsFrames(const std::string& path, std::size_t frames) {
 InterruptedRun::InterruptedRun(const std::string& path) : path_(path) {
   CFile file;
   OpenToRead(file, path);
-  if (const auto why = WhyNoDocument(file))
-    refuseAt(0, fmt::format("this is not a plate document: {}", why->text));
+  if (const auto why = WhyNoDocument(file)) {
+    throw Error(ErrorCode::kDocument, path_,
+                fmt::format("this is not a plate document: {}", why->text), 0, why->remedy);
+  }
   if (file.GetLength() < HeaderLayout::kSize) {
     refuseAt(file.GetLength(), "the header is cut short");
   }
   const HeaderFields header = ReadHeaderFields(file, 0);
   status_ = header.status;
   if (!IsDone() && status_ != RunStatus::kInProgress && status_ != RunStatus::kNotStarted) {
-    refuse(fmt::format("has the status {}, which is no run's in progress", Quoted(status_)));
+    refuse(fmt::format("has the status {}, so its run is not in progress", Quoted(status_)));
   }
   headerPosition_ = header.rawDataPosition;
   rows_ = header.rows;
@@ -127,7 +129,7 @@ void InterruptedRun::readBlock(CFile& file) {
   block_ = ReadCommittedBlock(file, blockStart_);
   if (block_.record.Tag() != TagOf(Kind::kRawData) || block_.head.version != kBlockVersion ||
       block_.head.timeBlockSize != kTimeBlockSize) {
-    refuseAt(blockStart_, "no data block of a recorder where it should be");
+    refuseAt(blockStart_, "there is no data block of a recorder where it should be");
   }
   if (!block_.isWhole || block_.head.wells == 0 ||
       !ReadWellNumbers(file, block_.head.wells, wells_)) {
@@ -141,7 +143,7 @@ void InterruptedRun::Check(const RunPlan& plan) const {
   // What no commit can have left is somebody's, and not to be cut off. Nothing is cut off a run
   // that is complete.
   if (!IsDone() && frames_.behind == Uncommitted::kMore) {
-    refuseAt(frames_.end, "more follows than a recorder can have left");
+    refuseAt(frames_.end, "more bytes follow than an interrupted commit leaves behind");
   }
   if (HasBlock() && wells_ != plan.wells) refuse("was recorded from other wells");
   checkContents(plan);

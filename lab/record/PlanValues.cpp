@@ -59,9 +59,9 @@ std::optional<RunStart> startOf(const RecordingPlan& plan) {
   if (!plan.started) return std::nullopt;
   const auto start = RunStart::Parse(*plan.started);
   if (start) return start;
-  refuse(
-      fmt::format("the start '{}' is no date and time with a time zone, like 2026-11-22T08:00:00Z",
-                  *plan.started));
+  refuse(fmt::format(
+      "the start '{}' is not a date and time with a time zone, like 2026-11-22T08:00:00Z",
+      *plan.started));
 }
 
 std::string assayOf(const RecordingPlan& plan) {

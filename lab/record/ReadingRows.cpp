@@ -48,7 +48,7 @@ std::optional<double> fluorescenceOf(const CsvRow& row) {
 std::string channelName(const CsvRow& row) {
   const auto name = ToLatin1(row.Text(kChannel));
   if (!name) row.RefuseField(kChannel, "has a character that documents cannot hold (Latin-1 only)");
-  if (name->empty()) row.RefuseField(kChannel, "names no channel");
+  if (name->empty()) row.RefuseField(kChannel, "has no channel name");
   if (name->find_first_of(",\n\r") != std::string::npos) {
     row.RefuseField(kChannel, "has a comma or a line end in it");
   }
@@ -67,10 +67,10 @@ std::size_t channelOf(const CsvRow& row, RunPlan& plan, bool findsChannels) {
     if (!findsChannels && names.empty()) {
       row.RefuseField(kChannel, "is not known before it comes", ErrorRemedy::kNameChannels);
     }
-    if (!findsChannels) row.RefuseField(kChannel, "is none of the run's channels");
+    if (!findsChannels) row.RefuseField(kChannel, "is not one of the run's channels");
     if (names.size() == kMostChannels) {
-      row.RefuseField(kChannel,
-                      fmt::format("is one too many: a document holds {} channels", kMostChannels));
+      row.RefuseField(kChannel, fmt::format("is one channel too many: a document holds {} channels",
+                                            kMostChannels));
     }
     names.push_back(name);
     return names.size() - 1;

@@ -59,13 +59,13 @@ std::string RecoverText(const RecoverReport& report, const std::string& source,
     text += form.Styled("lost       ", Style::kRed) +
             (report.lostPlaces + report.lostRecords + report.lostFrames > 0
                  ? lossText(report)
-                 : std::string("nothing but what was put in anew below")) +
+                 : std::string("nothing except what was filled in, listed below")) +
             '\n';
   }
   text += "from       " + form.Printable(source) + ", " + Counted(report.size, "byte") + '\n' +
           "to         " + form.Printable(target) + ", " + Counted(report.written, "byte") + '\n';
   return text + notesText(report.lost, report.lostPlaces, "lost", form, all) +
-         notesText(report.corrected, report.correctedPlaces, "put right, or put in as a guess",
+         notesText(report.corrected, report.correctedPlaces, "corrected, or filled in as a guess",
                    form, all);
 }
 

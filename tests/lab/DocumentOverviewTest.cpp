@@ -129,7 +129,8 @@ TEST_F(OverviewTest, RecordValuesHaveTheTypeOfTheirLayout) {
   EXPECT_EQ(std::get<std::uint32_t>(reader.values[1]), 0x102U);
   EXPECT_EQ(std::get<std::uint32_t>(reader.values[2]), 0x1020304U);
   EXPECT_EQ(std::get<float>(reader.values[3]), 1.0F);
-  EXPECT_TRUE(std::holds_alternative<std::monostate>(reader.values[4])) << "infinity is no number";
+  EXPECT_TRUE(std::holds_alternative<std::monostate>(reader.values[4]))
+      << "infinity is not a number";
   EXPECT_THAT(std::get<lab::RecordColour>(reader.values[5]), ElementsAre('a', 'b', 'c'));
   EXPECT_EQ(std::get<std::string>(reader.values[6]), "text");
   EXPECT_EQ(std::get<lab::RecordBytes>(reader.values[7]).bytes, "\xFF");

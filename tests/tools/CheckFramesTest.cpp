@@ -118,7 +118,7 @@ TEST_F(CheckFrames, ATimeBlockOfAnotherSizeIsAnError) {
 TEST_F(CheckFrames, WellsThatStandTwiceOrOnNoPlateAreAWarning) {
   MakeRun();
   Change([](Bytes& bytes) { bytes[kBlock + 27] = 97; });
-  ExpectWarning("RAWa at 1120: 1 of its wells is on no plate of 96 wells");
+  ExpectWarning("RAWa at 1120: 1 of its wells is not on a plate of 96 wells");
   Change([](Bytes& bytes) { bytes[kBlock + 27] = 96; });
   ExpectSound();
   Change([](Bytes& bytes) { bytes[kBlock + 27] = 3; });

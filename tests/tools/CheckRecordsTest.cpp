@@ -83,8 +83,8 @@ TEST_F(CheckRecords, AListThatDeclaresMoreThanItHoldsReachesOverWhatFollows) {
   AppendRecord(records, "COMM", ToBytes("text"));
   MakeDocument(records);
   ExpectError(
-      "GLBL at 1024: its length is 15, but what it holds takes 14 bytes, so that it reaches over "
-      "what follows");
+      "GLBL at 1024: its length is 15, but what it holds takes 14 bytes, so it overlaps what "
+      "follows");
 }
 
 TEST_F(CheckRecords, AListWhoseTextLostItsZeroByteIsAWarning) {
@@ -92,7 +92,7 @@ TEST_F(CheckRecords, AListWhoseTextLostItsZeroByteIsAWarning) {
   AppendRecord(records, "COMM", ToBytes("text"));
   MakeDocument(records);
   ExpectWarning(
-      "GLBL at 1024: its length is 15, but what it holds takes 14 bytes, as lists do whose texts "
+      "GLBL at 1024: its length is 15, but what it holds takes 14 bytes, as in lists whose texts "
       "lost a zero byte");
 }
 

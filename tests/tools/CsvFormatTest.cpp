@@ -77,8 +77,8 @@ TEST_F(CsvFormatTest, DelimiterIsTheOneThatPartsTheColumnsAskedFor) {
   EXPECT_EQ(Read("name;value;mean, all;a,b,c,d\nx;1;2;3\n"), (Rows{{"x", 1}}));
   EXPECT_EQ(Read("\"a;b\",name,value\n0,x,1\n"), (Rows{{"x", 1}}));
   EXPECT_THAT(Refusal("name;x,value\n"),
-              EndsWith("row 1: it cannot be told whether fields are parted by comma, semicolon or "
-                       "tab; say so with --delimiter"));
+              EndsWith("row 1: it cannot be told whether commas, semicolons or tabs separate the "
+                       "fields; say which with --delimiter"));
 }
 
 TEST_F(CsvFormatTest, GivenDelimiterIsTheOnlyOne) {
@@ -93,7 +93,7 @@ TEST_F(CsvFormatTest, LinesMayEndInCarriageReturnsAlone) {
 
 TEST_F(CsvFormatTest, RowsWithoutContentArePassedOverAndCounted) {
   EXPECT_EQ(Read("name;value\nx;1\n;\n;\n"), (Rows{{"x", 1}}));
-  EXPECT_THAT(Refusal("name;value\n;\nx;y\n"), HasSubstr("row 3: value 'y' is no number"));
+  EXPECT_THAT(Refusal("name;value\n;\nx;y\n"), HasSubstr("row 3: value 'y' is not a number"));
 }
 
 TEST_F(CsvFormatTest, DecimalCommaIsReadWhereNumbersCannotBeThousands) {
@@ -121,15 +121,15 @@ TEST_F(CsvFormatTest, OtherDecimalMarkThanBeforeIsRefused) {
   EXPECT_THAT(Refusal("name;value\nx;1.234,5\n"),
               HasSubstr("has a point and a comma; write numbers without"));
   EXPECT_THAT(Refusal("name;value\nx;1.234.567\n", With(&lab::CsvFormat::decimalMark, '.')),
-              EndsWith("is no number"));
+              EndsWith("is not a number"));
 }
 
 TEST_F(CsvFormatTest, DecimalCommaBetweenCommasNeedsQuotesAndTheWord) {
   EXPECT_THAT(
       Refusal("name,value\nx,59,82\n"),
-      EndsWith("row 2: has 3 fields where the first row has 2; numbers with a decimal comma "
-               "must be in quotes (then use --decimal comma), or fields parted by "
-               "semicolons"));
+      EndsWith(
+          "row 2: has 3 fields where the first row has 2; numbers with a decimal comma "
+          "must be in quotes (then use --decimal comma), or semicolons must separate the fields"));
   EXPECT_THAT(Refusal("name,value\nx,\"59,82\"\n"), HasSubstr("use --decimal comma"));
   EXPECT_EQ(Read("name,value\nx,\"59,82\"\n", With(&lab::CsvFormat::decimalMark, ',')),
             (Rows{{"x", 59.82}}));
@@ -185,7 +185,7 @@ TEST_F(CsvFormatTest, Latin1IsReadWhereItIsNamed) {
 
 TEST_F(CsvFormatTest, BytesThatAreNotUtf8AreNamedWithOffsetRowAndRemedy) {
   EXPECT_THAT(Refusal("name,value\nx,1\n\xE4,1\n"),
-              EndsWith("some.csv: at byte 15: row 3: these bytes are not UTF-8; when the file is "
+              EndsWith("some.csv: at byte 15: row 3: these bytes are not UTF-8; if the file is "
                        "Latin-1, use --encoding latin1 (of Windows: --encoding windows-1252)"));
   EXPECT_THAT(Refusal("name,value\nx\xC3"), HasSubstr("at byte 12: row 2: these bytes are not"));
 }

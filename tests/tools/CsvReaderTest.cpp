@@ -124,7 +124,7 @@ TEST_F(ReadCsvTest, MessagesHoldNothingThatATerminalObeys) {
     lab::ReadCsv(folder_ / "some.csv", {"a"}, [](const lab::CsvRow& row) { row.Whole(0, 1, 2); });
     FAIL();
   } catch (const lab::Error& error) {
-    EXPECT_THAT(error.what(), EndsWith("row 2: a '\\x1b[2J' is no whole number from 1 to 2"));
+    EXPECT_THAT(error.what(), EndsWith("row 2: a '\\x1b[2J' is not a whole number from 1 to 2"));
   }
 }
 

@@ -303,7 +303,7 @@ TEST_F(RecordResumeTest, WhatIsNoDocumentIsRefused) {
 TEST_F(RecordResumeTest, StatusOfNoRunInProgressIsRefused) {
   RecordAndKill();
   Change([](Bytes& bytes) { std::copy_n("prog", 4, bytes.begin() + 64); });
-  ExpectRefused(Record({"--resume"}), "has the status 'prog', which is no run's in progress");
+  ExpectRefused(Record({"--resume"}), "has the status 'prog', so its run is not in progress");
 }
 
 TEST_F(RecordResumeTest, RecordBehindTheDataBlockIsNotCutOff) {
@@ -312,7 +312,7 @@ TEST_F(RecordResumeTest, RecordBehindTheDataBlockIsNotCutOff) {
     const Bytes record = {'C', 'A', 'L', 'R', 0, 0, 0, 2, 'a', 0};
     bytes.insert(bytes.end(), record.begin(), record.end());
   });
-  ExpectRefused(Record({"--resume"}), "more follows than a recorder can have left");
+  ExpectRefused(Record({"--resume"}), "more bytes follow than an interrupted commit leaves behind");
 }
 
 // A first commit begins with its tag or with zeros: what else is cut short there is somebody's.
@@ -323,7 +323,7 @@ TEST_F(RecordResumeTest, RecordThatIsCutShortBehindTheOthersIsNotCutOff) {
     const Bytes record = {'C', 'A', 'L', 'R', 0, 0, 0, 9, 'a'};
     bytes.insert(bytes.end(), record.begin(), record.end());
   });
-  ExpectRefused(Record({"--resume"}), "more follows than a recorder can have left");
+  ExpectRefused(Record({"--resume"}), "more bytes follow than an interrupted commit leaves behind");
 }
 
 TEST_F(RecordResumeTest, SecondRecorderIsRefusedWhileTheFirstLives) {

@@ -116,7 +116,7 @@ TEST_F(RecordTest, StartWithoutATimeZoneIsRefused) {
   const CommandResult result = RunVex(Record({"--started", "2026-11-22T08:00:00"}));
   EXPECT_EQ(result.exitCode, 2);
   EXPECT_EQ(result.errors,
-            "vex: --started 2026-11-22T08:00:00 is no date and time with a time zone, like "
+            "vex: --started 2026-11-22T08:00:00 is not a date and time with a time zone, like "
             "2026-11-22T08:00:00Z or 2026-11-22T09:00:00+01:00\n");
   EXPECT_FALSE(std::filesystem::exists(Run()));
 }
@@ -131,7 +131,7 @@ TEST_F(RecordTest, AssayIsTheGivenOne) {
   for (const char* code : {"RQSt", "absq", ""}) {
     const CommandResult result = RunVex(Record({"--force", "--assay", code}));
     EXPECT_EQ(result.exitCode, 2) << code;
-    EXPECT_THAT(result.errors, HasSubstr("is no assay; it is one of AbsQ (absolute")) << code;
+    EXPECT_THAT(result.errors, HasSubstr("is not an assay; use one of AbsQ (absolute")) << code;
   }
 }
 
@@ -193,10 +193,11 @@ TEST_F(RecordTest, NumbersThatAreNoneNameTheirRow) {
   const struct {
     const char* field;
     const char* error;
-  } cases[] = {{"nan", "is no number"},     {"inf", "is no number"},   {"-inf", "is no number"},
-               {"1e999", "is no number"},   {"0.3x", "is no number"},  {"na", "is no number"},
-               {"0x10", "is no number"},    {"1e300", "does not fit"}, {"-1e13", "does not fit"},
-               {"\"\"\"\"", "is no number"}};
+  } cases[] = {{"nan", "is not a number"},  {"inf", "is not a number"},
+               {"-inf", "is not a number"}, {"1e999", "is not a number"},
+               {"0.3x", "is not a number"}, {"na", "is not a number"},
+               {"0x10", "is not a number"}, {"1e300", "does not fit"},
+               {"-1e13", "does not fit"},   {"\"\"\"\"", "is not a number"}};
   for (const auto& [field, error] : cases) {
     const std::string file = File("bad.csv", ReadingsWith("60,0.317", std::string("60,") + field));
     const CommandResult result = RunVex(RecordFrom(file));

@@ -84,11 +84,12 @@ TEST_F(RecordValuesTest, ExactRefusesWhatWouldBeRounded) {
     std::string error;
   } cases[] = {
       {Rows({"0.313", "0.3135", "1", "2"}),
-       "row 3: the reading 0.3135 would be rounded to 0.314; without --exact it is\n"},
+       "row 3: the reading 0.3135 would be rounded to 0.314; leave out --exact to accept that\n"},
       {"A1,amplification,1,20.0004,60,1\nA2,amplification,1,20,60,1\n",
-       "row 2: the time 20.0004 would be rounded to 20; without --exact it is\n"},
+       "row 2: the time 20.0004 would be rounded to 20; leave out --exact to accept that\n"},
       {"A1,amplification,1,20,60,1\nA2,amplification,1,20,60.005,1\n",
-       "row 3: the temperature 60.005 would be rounded to 60.01; without --exact it is\n"}};
+       "row 3: the temperature 60.005 would be rounded to 60.01; leave out --exact to accept "
+       "that\n"}};
   for (const auto& [rows, error] : cases) {
     const CommandResult result = RecordRows(rows, {"--exact", "--scale", "1000"});
     EXPECT_EQ(result.exitCode, 1) << rows;
@@ -160,7 +161,7 @@ TEST_F(RecordValuesTest, ChannelsHaveTheGivenOrder) {
   EXPECT_THAT(Exported(), HasSubstr("A1,VIC,amplification,1,20,60,1\nA1,FAM,"));
   const CommandResult other = RecordRows(rows, {"--channels", "VIC,ROX"}, kWithChannels);
   EXPECT_EQ(other.exitCode, 1);
-  EXPECT_THAT(other.errors, HasSubstr("row 2: channel 'FAM' is none of the run's channels"));
+  EXPECT_THAT(other.errors, HasSubstr("row 2: channel 'FAM' is not one of the run's channels"));
   for (const char* names : {"", "A,", "A,A", "1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16,17"}) {
     EXPECT_EQ(RecordRows(rows, {"--channels", names}, kWithChannels).exitCode, 2) << names;
   }

@@ -190,7 +190,7 @@ TEST_F(Study, ADocumentOfOnePlateIsNone) {
     expectStudyRefuses(arguments, plate1_, 1, "this is no study");
   }
   expectStudyRefuses({"study", "extract", plate1_, "x", study_}, plate1_, 2,
-                     "has no plate 'x', for it is no study");
+                     "has no plate 'x': it is not a study");
 }
 
 TEST_F(Study, ItsEndRecordIsNoFault) {

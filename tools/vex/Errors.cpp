@@ -35,32 +35,32 @@ std::string_view textOf(ErrorRemedy remedy) {
     case ErrorRemedy::kMakeStudy:
       return "make a study of it with 'vex study new'";
     case ErrorRemedy::kEndRun:
-      return "let the recorder finish, or set the status with 'vex status' when it never will";
+      return "let the recorder finish, or set the status with 'vex status' if it never will";
     case ErrorRemedy::kImport:
       return "CSV goes into documents with 'vex record', 'vex wells --from' and 'vex calibration "
              "--import'";
     case ErrorRemedy::kExport:
       return "'vex export', 'vex wells --csv' and 'vex calibration --export' make CSV files of one";
     case ErrorRemedy::kGiveDelimiter:
-      return "say so with --delimiter";
+      return "say which with --delimiter";
     case ErrorRemedy::kQuoteDecimals:
-      return "numbers with a decimal comma must be in quotes (then use --decimal comma), or fields "
-             "parted by semicolons";
+      return "numbers with a decimal comma must be in quotes (then use --decimal comma), or "
+             "semicolons must separate the fields";
     case ErrorRemedy::kGiveDecimalMark:
       return "say which mark decimals have, with --decimal point or --decimal comma";
     case ErrorRemedy::kTakeDecimalPoint:
-      return "write it so, without a mark between thousands, or use --decimal point when all "
-             "numbers are written like this one";
+      return "write it so, without a mark between thousands, or use --decimal point if all numbers "
+             "are written like this one";
     case ErrorRemedy::kTakeDecimalComma:
-      return "write it so, without a mark between thousands, or use --decimal comma when all "
-             "numbers are written like this one";
+      return "write it so, without a mark between thousands, or use --decimal comma if all numbers "
+             "are written like this one";
     case ErrorRemedy::kGiveLatin1:
-      return "when the file is Latin-1, use --encoding latin1 (of Windows: --encoding "
+      return "if the file is Latin-1, use --encoding latin1 (of Windows: --encoding "
              "windows-1252)";
     case ErrorRemedy::kGiveEncoding:
       return "say which encoding the file has with --encoding";
     case ErrorRemedy::kAllowRounding:
-      return "without --exact it is";
+      return "leave out --exact to accept that";
     case ErrorRemedy::kNameChannels:
       return "name all with --channels";
     case ErrorRemedy::kLowerOffset:

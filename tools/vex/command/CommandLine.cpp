@@ -125,7 +125,7 @@ void requireOutputApart(int argumentCount, const char* const* arguments) {
       continue;
     }
     throw Error(ErrorCode::kUsage, path,
-                "is where standard output goes, too; redirect it to another file");
+                "is also where standard output goes; redirect that to another file");
   }
 }
 

@@ -169,8 +169,9 @@ class DetectorsCommand final : public ListingCommand {
       const double change = number != nullptr ? ChangeOf(value, *number) : 0;
       if (change == 0) continue;
       if (exactness_.IsExact()) {
-        words().Refuse(fmt::format("'{}={}' would be rounded to {}; without --exact it is",
-                                   field->key, value, ValueText(stored)));
+        words().Refuse(
+            fmt::format("'{}={}' would be rounded to {}; leave out --exact to accept that",
+                        field->key, value, ValueText(stored)));
       }
       RoundedNumbers rounded;
       rounded.Add(change);

@@ -49,7 +49,7 @@ std::optional<RunStart> RecordingCommand::started() const {
   const auto start = RunStart::Parse(*started_);
   if (start) return start;
   throw Error(ErrorCode::kUsage,
-              fmt::format("--started {} is no date and time with a time zone, like "
+              fmt::format("--started {} is not a date and time with a time zone, like "
                           "2026-11-22T08:00:00Z or 2026-11-22T09:00:00+01:00",
                           *started_));
 }
@@ -59,7 +59,7 @@ std::string RecordingCommand::assay() const {
   const auto code = PlateAssayCode(*assay_);
   if (code) return *code;
   throw Error(ErrorCode::kUsage,
-              fmt::format("--assay {} is no assay; it is one of {}", *assay_, PlateAssayList()));
+              fmt::format("--assay {} is not an assay; use one of {}", *assay_, PlateAssayList()));
 }
 
 ExitCode RecordingCommand::record(const RunPlan& plan, const std::function<void()>& beforehand) {
