@@ -1,7 +1,7 @@
 // What stands in the wells, the detectors, the dyes and the calibration, on the command line.
+#include "lab/text/Chart.h"
 #include "lab/text/PlateGrid.h"
 #include "tests/tools/DocumentFixture.h"
-#include "tools/vex/text/Chart.h"
 
 namespace vex2::test {
 namespace {
@@ -196,16 +196,16 @@ TEST_F(Wells, PipedGridHasNoColoursAndWholeTexts) {
 TEST(PlateGrid, ShowsNothingForEmptyWells) {
   std::vector<std::string> texts(96);
   texts[13] = "x";
-  const std::string grid = tool::DrawPlate(lab::kPlate96, texts, tool::Terminal(-1));
+  const std::string grid = lab::DrawPlate(lab::kPlate96, texts, lab::TextForm());
   EXPECT_THAT(grid, HasSubstr("\nB ·  x  ·"));
 }
 
 TEST(Sparkline, ReachesFromTheLowestToTheHighestBlock) {
-  EXPECT_EQ(tool::Sparkline({0, 4, 8}), "▁▄█");
-  EXPECT_EQ(tool::Sparkline({0, 0}), "▁▁");
-  EXPECT_EQ(tool::Sparkline({}), "");
-  EXPECT_EQ(tool::Sparkline({NAN, 1}), " █");
-  EXPECT_EQ(tool::Sparkline({-8, 0, 8}), "▁▄█");
+  EXPECT_EQ(lab::Sparkline({0, 4, 8}, lab::TextForm()), "▁▄█");
+  EXPECT_EQ(lab::Sparkline({0, 0}, lab::TextForm()), "▁▁");
+  EXPECT_EQ(lab::Sparkline({}, lab::TextForm()), "");
+  EXPECT_EQ(lab::Sparkline({NAN, 1}, lab::TextForm()), " █");
+  EXPECT_EQ(lab::Sparkline({-8, 0, 8}, lab::TextForm()), "▁▄█");
 }
 
 using Detectors = PlateCommands;

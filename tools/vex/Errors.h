@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "lab/Error.h"
+#include "lab/SystemError.h"
 #include "lab/check/Check.h"
 #include "tools/vex/Lab.h"
 

@@ -1,6 +1,5 @@
 #include <fmt/core.h>
 
-#include <algorithm>
 #include <iostream>
 
 #include "lab/Text.h"
@@ -9,7 +8,7 @@
 #include "lab/exchange/Json.h"
 #include "lab/exchange/JsonOutput.h"
 #include "lab/model/StoredCalibration.h"
-#include "lab/text/Table.h"
+#include "lab/text/SetupText.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/CsvInput.h"
@@ -18,43 +17,11 @@
 #include "tools/vex/files/Changing.h"
 #include "tools/vex/files/Output.h"
 #include "tools/vex/files/OutputFiles.h"
-#include "tools/vex/text/Chart.h"
 #include "tools/vex/text/Terminal.h"
 
 namespace vex2::tool {
 
 namespace {
-
-std::vector<std::string> tableRow(const CalibrationEntry& entry, const std::string& part) {
-  const std::vector<double> numbers = NumbersOf(entry);
-  const auto [least, most] = std::minmax_element(numbers.begin(), numbers.end());
-  const bool hasAny = !numbers.empty();
-  return {part,
-          Printable(entry.name),
-          std::to_string(entry.dyeIndex),
-          std::to_string(numbers.size()),
-          hasAny ? std::to_string(most - numbers.begin() + 1) : "",
-          hasAny ? ShortNumber(*least) : "",
-          hasAny ? ShortNumber(*most) : "",
-          Sparkline(numbers)};
-}
-
-void print(const Vex2FileManager& plate) {
-  const Calibration calibration = CalibrationOf(plate);
-  std::vector<std::vector<std::string>> rows;
-  const auto add = [&](const std::optional<CalibrationPart>& part, const std::string& name) {
-    if (!part) return;
-    for (const CalibrationEntry& entry : part->entries) rows.push_back(tableRow(entry, name));
-  };
-  add(calibration.pureDyes, "pure dye");
-  add(calibration.background, "background");
-  if (rows.empty()) {
-    std::cout << (calibration.IsEmpty() ? "no calibration\n" : "a calibration without spectra\n");
-    return;
-  }
-  std::cout << DrawTable({"part", "name", "index", "filters", "peak", "least", "most", "spectrum"},
-                         rows, Terminal::Out());
-}
 
 class CalibrationCommand final : public Command {
  public:
@@ -105,7 +72,9 @@ class CalibrationCommand final : public Command {
                          [](const Vex2FileManager& plate) { return ToJson(CalibrationOf(plate)); }),
           2);
     } else {
-      ShowPlates(plates, all, std::cout, print);
+      ShowPlates(plates, all, std::cout, [](const Vex2FileManager& plate) {
+        std::cout << CalibrationText(CalibrationOf(plate), Terminal::Out());
+      });
     }
     document.RequireWhole("");
     return ExitCode::kDone;

@@ -8,7 +8,6 @@
 #include <iostream>
 #include <new>
 
-#include "lab/SystemError.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/HelpText.h"
 #include "tools/vex/command/Misuse.h"

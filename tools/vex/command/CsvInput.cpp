@@ -4,7 +4,6 @@
 
 #include <algorithm>
 
-#include "lab/SystemError.h"
 #include "tools/vex/Errors.h"
 #include "tools/vex/Options.h"
 

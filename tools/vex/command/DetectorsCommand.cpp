@@ -7,10 +7,9 @@
 #include "lab/exchange/CsvWriter.h"
 #include "lab/exchange/DetectorsFile.h"
 #include "lab/exchange/DocumentJson.h"
-#include "lab/exchange/WellsFile.h"
 #include "lab/model/DetectorFields.h"
 #include "lab/model/PlateContents.h"
-#include "lab/text/Table.h"
+#include "lab/text/SetupText.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Assignment.h"
 #include "tools/vex/command/Exactness.h"
@@ -22,31 +21,6 @@ namespace vex2::tool {
 namespace {
 
 using nlohmann::ordered_json;
-
-// What people look for first; the rest is for --csv and --json.
-std::vector<std::string> shortRow(const Vex2Detector& detector) {
-  const auto shown = [](const CString& text) { return Printable(ToUtf8(text.View())); };
-  const auto automatic = [](std::int32_t on) { return std::string(on != 0 ? "auto " : ""); };
-  const auto defaulted = DefaultedFields(detector);
-  const auto has = [&](std::string_view key) {
-    return std::find(defaulted.begin(), defaulted.end(), key) != defaulted.end();
-  };
-  const auto marked = [](std::string text, bool isDefault) {
-    return isDefault ? text + " (default)" : text;
-  };
-  const auto* color = reinterpret_cast<const char*>(detector.color);
-  return {
-      shown(detector.name),
-      shown(detector.reporterDye),
-      shown(detector.quencherDye),
-      "#" + ToHex({color, sizeof detector.color}),
-      marked(automatic(detector.autoBaseline) + std::to_string(detector.baselineStart) + "-" +
-                 std::to_string(detector.baselineEnd),
-             has("baseline-start") && has("baseline-end")),
-      marked(automatic(detector.autoThreshold) + DecimalText(detector.threshold), has("threshold")),
-      shown(detector.description),
-      shown(detector.comment)};
-}
 
 std::string fieldList() {
   return "Fields of --add KEY=VALUE; the name is required:" + FieldLines(DetectorFields(), 16) +
@@ -110,15 +84,7 @@ class DetectorsCommand final : public ListingCommand {
   }
 
   void print(const Vex2FileManager& plate) const override {
-    std::vector<std::vector<std::string>> rows;
-    for (const Vex2Detector& detector : DetectorsOf(plate)) rows.push_back(shortRow(detector));
-    if (rows.empty()) {
-      std::cout << "no detectors\n";
-    } else {
-      std::cout << DrawTable({"name", "reporter", "quencher", "color", "baseline", "threshold",
-                              "description", "comment"},
-                             rows, Terminal::Out());
-    }
+    std::cout << DetectorsText(DetectorsOf(plate), Terminal::Out());
   }
 
  private:

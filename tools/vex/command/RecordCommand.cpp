@@ -18,7 +18,7 @@
 #include "tools/vex/command/RecordingCommand.h"
 #include "tools/vex/files/Interrupts.h"
 #include "tools/vex/files/OutputFiles.h"
-#include "tools/vex/text/RecordProgress.h"
+#include "tools/vex/show/RecordProgress.h"
 
 namespace vex2::tool {
 

@@ -10,7 +10,7 @@
 #include "lab/record/InterruptedRun.h"
 #include "tools/vex/files/Interrupts.h"
 #include "tools/vex/files/OutputFiles.h"
-#include "tools/vex/text/RecordProgress.h"
+#include "tools/vex/show/RecordProgress.h"
 
 namespace vex2::tool {
 

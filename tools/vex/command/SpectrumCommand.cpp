@@ -1,19 +1,14 @@
-#include <fmt/core.h>
-
-#include <algorithm>
 #include <iostream>
-#include <iterator>
 
 #include "lab/exchange/DocumentJson.h"
 #include "lab/exchange/Json.h"
 #include "lab/exchange/JsonOutput.h"
 #include "lab/exchange/ReadingsExport.h"
 #include "lab/model/WellSpectrum.h"
-#include "lab/text/Columns.h"
+#include "lab/text/SpectrumText.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/PlateOption.h"
-#include "tools/vex/text/Chart.h"
 #include "tools/vex/text/Terminal.h"
 
 namespace vex2::tool {
@@ -51,48 +46,9 @@ class SpectrumCommand final : public Command {
 
  private:
   void show(const WellSpectrum& spectrum) {
-    if (!json_) return draw(spectrum);
-    PrintJson(std::cout, DescribeSpectrum(spectrum, file_, well_, frame_));
-  }
-
-  void draw(const WellSpectrum& spectrum) {
-    constexpr std::size_t kMostPerLine = 12;
-    constexpr std::size_t kIndexWidth = 4;
-    constexpr std::size_t kValueWidth = 6;
-    const Terminal& terminal = Terminal::Out();
-    const std::size_t perLine =
-        std::min(kMostPerLine, (terminal.TextWidth() - kIndexWidth) / kValueWidth);
+    if (json_) return PrintJson(std::cout, DescribeSpectrum(spectrum, file_, well_, frame_));
     if (shown_++ > 0) std::cout << '\n';
-    const std::string source = spectrum.isEmbedded ? fmt::format("{}, plate {}", Printable(file_),
-                                                                 Printable(spectrum.plate))
-                                                   : Printable(file_);
-    std::cout << terminal.Wrapped(
-                     fmt::format("{}: well {}, frame {} of {}, well value {}", source, well_,
-                                 frame_, spectrum.frameCount, spectrum.record.leading[0]),
-                     2)
-              << '\n';
-    const auto& data = spectrum.record.data;
-    const std::vector<double> readings(data, data + spectrum.UsedReadings());
-    constexpr int kHeight = 8;
-    if (readings.size() > 1) std::cout << DrawBars(readings, kHeight, terminal, 0);
-    for (std::size_t i = 0; i < readings.size(); ++i) {
-      if (i % perLine == 0) {
-        std::cout << terminal.Styled(PadLeft(std::to_string(i), kIndexWidth),
-                                     Terminal::Style::kDim);
-      }
-      std::cout << PadLeft(std::to_string(data[i]), kValueWidth)
-                << ((i + 1) % perLine == 0 || i + 1 == readings.size() ? "\n" : "");
-    }
-    const std::size_t last = std::size(data) - 1;
-    if (readings.size() < last) {
-      std::cout << "readings " << readings.size() << " to " << last << " are 0\n";
-    } else if (readings.size() == last) {
-      std::cout << "reading " << last << " is 0\n";
-    }
-    if (spectrum.rates.empty()) return;
-    std::cout << "background rates:";
-    for (const std::uint32_t rate : spectrum.rates) std::cout << ' ' << rate;
-    std::cout << '\n';
+    std::cout << SpectrumText(spectrum, file_, well_, frame_, Terminal::Out());
   }
 
   std::string file_;

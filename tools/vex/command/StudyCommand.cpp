@@ -9,7 +9,7 @@
 #include "lab/exchange/JsonOutput.h"
 #include "lab/model/DocumentPlates.h"
 #include "lab/model/Study.h"
-#include "lab/text/Table.h"
+#include "lab/text/SetupText.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/files/Changing.h"
@@ -160,31 +160,16 @@ class ListAction final : public Command {
   ExitCode Run() override {
     const Document document(study_, Document::Purpose::kReadHeads);
     const std::vector<StudyPlate> plates = StudyPlatesOf(document);
-    json_ ? printJson(plates) : print(plates);
+    if (json_) {
+      PrintJson(std::cout, {{"file", study_}, {"plates", ToJson(plates)}});
+    } else {
+      std::cout << StudyText(study_, plates, Terminal::Out());
+    }
     document.RequireWhole("");
     return ExitCode::kDone;
   }
 
  private:
-  void printJson(const std::vector<StudyPlate>& plates) const {
-    PrintJson(std::cout, {{"file", study_}, {"plates", ToJson(plates)}});
-  }
-
-  void print(const std::vector<StudyPlate>& plates) const {
-    const Terminal& terminal = Terminal::Out();
-    std::cout << terminal.Styled(Printable(study_), Terminal::Style::kBold) << ": "
-              << Counted(plates.size(), "plate") << '\n';
-    if (plates.empty()) return;
-    std::vector<std::vector<std::string>> rows;
-    for (const StudyPlate& plate : plates) {
-      rows.push_back({"  " + Printable(plate.name), std::to_string(plate.wells),
-                      std::to_string(plate.frames), Printable(plate.status),
-                      Printable(plate.modified)});
-    }
-    std::cout << DrawTable({"  name", "wells", "frames", "run", "modified"}, rows, terminal,
-                           {1, 2});
-  }
-
   std::string study_;
   bool json_ = false;
 };

@@ -1,14 +1,12 @@
 #include <fmt/core.h>
 
-#include <algorithm>
 #include <iostream>
 #include <optional>
 #include <vector>
 
 #include "lab/Nearest.h"
 #include "lab/exchange/RecordTree.h"
-#include "lab/text/Columns.h"
-#include "lab/text/RecordText.h"
+#include "lab/text/TreeText.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/PlateOption.h"
@@ -17,68 +15,6 @@
 namespace vex2::tool {
 
 namespace {
-
-using Style = Terminal::Style;
-
-/// A line for each record, indented by its depth.
-class TextTree final : public RecordVisitor {
- public:
-  explicit TextTree(std::uint64_t end) : end_(end) {}
-
-  void Begin(const FileRecord& record, CFile& file) override {
-    if (record.offset >= end_) return;
-    printHead();
-    const std::size_t indent = 2 * static_cast<std::size_t>(record.depth - 1);
-    const std::string tag = Printable(ToUtf8(record.Tag()));
-    std::cout << terminal_.Styled(number(record.offset), Style::kDim) << number(record.length)
-              << std::string(indent + 2, ' ')
-              << terminal_.Styled(tag, IsKnownTag(record.Tag()) ? Style::kBold : Style::kYellow)
-              << described(record, file, 2 * kNumberWidth + 2 + indent + tag.size() + 2) << '\n';
-  }
-
-  void Finish(std::uint64_t size) {
-    printHead();
-    if (end_ >= size) return;
-    std::cout << terminal_.Styled(number(end_), Style::kDim) << number(size - end_) << "  "
-              << terminal_.Styled("bytes that are no record", Style::kYellow) << '\n';
-  }
-
- private:
-  static constexpr std::size_t kNumberWidth = 10;
-
-  // Above the first record, so that there is none above an error.
-  void printHead() {
-    if (hasHead_) return;
-    hasHead_ = true;
-    std::cout << terminal_.Styled(PadLeft("position", kNumberWidth) +
-                                      PadLeft("length", kNumberWidth) + "  record",
-                                  Style::kDim)
-              << '\n';
-  }
-
-  // The words about the record, beside it or, where there is no room, below it.
-  std::string described(const FileRecord& record, CFile& file, std::size_t taken) const {
-    constexpr std::size_t kLeastRoom = 24;
-    constexpr std::size_t kBelow = 4;
-    // What would fill the screen on its own is for --json and 'vex get'.
-    constexpr std::size_t kMost = 2000;
-    const std::size_t width = terminal_.TextWidth();
-    const std::string words = DescribeRecord(file, record, std::max(width, kMost), terminal_);
-    if (words.empty()) return "";
-    if (Columns(words) + taken <= width || width >= taken + kLeastRoom) {
-      return "  " + terminal_.Wrapped(words, taken);
-    }
-    return "\n" + std::string(kBelow, ' ') + terminal_.Wrapped(words, kBelow);
-  }
-
-  static std::string number(std::uint64_t value) {
-    return PadLeft(std::to_string(value), kNumberWidth);
-  }
-
-  const Terminal& terminal_ = Terminal::Out();
-  std::uint64_t end_;
-  bool hasHead_ = false;
-};
 
 class TreeCommand final : public Command {
  public:
@@ -111,7 +47,8 @@ class TreeCommand final : public Command {
       walk(file, plate, selection, tree);
       tree.Finish();
     } else {
-      TextTree tree(plate.isEmbedded ? plate.end : document.RecordsEnd());
+      TreeText tree(std::cout, plate.isEmbedded ? plate.end : document.RecordsEnd(),
+                    Terminal::Out());
       walk(file, plate, selection, tree);
       if (!tag_) tree.Finish(plate.end);
     }

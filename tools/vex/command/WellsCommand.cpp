@@ -3,15 +3,13 @@
 #include <cstdint>
 #include <iostream>
 #include <limits>
-#include <map>
-#include <set>
 
 #include "lab/exchange/CsvWriter.h"
 #include "lab/exchange/DocumentJson.h"
 #include "lab/exchange/Json.h"
 #include "lab/exchange/WellsFile.h"
 #include "lab/model/PlateChange.h"
-#include "lab/text/PlateGrid.h"
+#include "lab/text/SetupText.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/CsvInput.h"
 #include "tools/vex/command/Exactness.h"
@@ -26,23 +24,9 @@ using nlohmann::ordered_json;
 
 constexpr unsigned kMostWells = std::numeric_limits<unsigned short>::max();
 
-// What the grid shows of a row.
-std::string shownText(const WellRow& row, const std::string& what) {
-  if (what == "sample") return ToUtf8(row.sample);
-  return ToUtf8(what == "task" ? row.task : row.target);
-}
-
-// One text for each well: what its rows say, one after the other.
-std::vector<std::string> gridTexts(const PlateContents& contents, const std::string& what) {
-  std::vector<std::string> texts(contents.plate.WellCount());
-  std::map<unsigned, std::set<std::string>> said;
-  for (const WellRow& row : contents.rows) {
-    const std::string text = Printable(shownText(row, what));
-    if (row.well > texts.size() || text.empty() || !said[row.well].insert(text).second) continue;
-    std::string& shown = texts[row.well - 1U];
-    shown += (shown.empty() ? "" : "+") + text;
-  }
-  return texts;
+WellField fieldCalled(const std::string& name) {
+  if (name == "sample") return WellField::kSample;
+  return name == "task" ? WellField::kTask : WellField::kDetector;
 }
 
 class WellsCommand final : public ListingCommand {
@@ -91,12 +75,7 @@ class WellsCommand final : public ListingCommand {
 
   void print(const Vex2FileManager& plate) const override {
     requireSetup(plate);
-    const PlateContents contents = ContentsOf(plate);
-    const std::string title =
-        fmt::format("{} wells, {} set up, {}; each well's {}:", contents.plate.WellCount(),
-                    contents.Wells().size(), Counted(contents.Targets().size(), "detector"), what_);
-    std::cout << Terminal::Out().Wrapped(title, 0) << '\n'
-              << DrawPlate(contents.plate, gridTexts(contents, what_), Terminal::Out());
+    std::cout << WellsText(ContentsOf(plate), fieldCalled(what_), what_, Terminal::Out());
   }
 
  private:

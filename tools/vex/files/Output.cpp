@@ -6,7 +6,6 @@
 #include <cerrno>
 #include <iostream>
 
-#include "lab/SystemError.h"
 #include "lab/model/RawFile.h"
 #include "tools/vex/Errors.h"
 #include "tools/vex/files/Interrupts.h"

@@ -1,4 +1,4 @@
-#include "tools/vex/text/Chart.h"
+#include "lab/text/Chart.h"
 
 #include <algorithm>
 #include <array>
@@ -7,7 +7,7 @@
 
 #include "lab/text/Columns.h"
 
-namespace vex2::tool {
+namespace vex2::lab {
 
 namespace {
 
@@ -40,8 +40,8 @@ int levelOf(double value, const Range& range, int steps) {
   return share > 0 ? std::max(level, 1) : level;
 }
 
-const char* block(int level) {
-  return (Terminal::Out().IsAscii() ? kAsciiBlocks : kBlocks).at(static_cast<std::size_t>(level));
+const char* block(int level, const TextForm& form) {
+  return (form.IsAscii() ? kAsciiBlocks : kBlocks).at(static_cast<std::size_t>(level));
 }
 
 // Whole numbers that are not too long are shown as they are.
@@ -52,7 +52,7 @@ std::string scaleNumber(double number) {
 }
 
 // What the bars of one chart have in common.
-struct BarForm {
+struct Bars {
   Range range;
   int height = 0;
   std::string top;
@@ -62,53 +62,52 @@ struct BarForm {
   std::size_t gap = 0;
 };
 
-BarForm barForm(const std::vector<double>& values, int height, std::size_t width) {
-  BarForm form{.range = rangeOf(values), .height = height, .top = {}, .bottom = {}};
-  form.top = scaleNumber(form.range.most);
-  form.bottom = scaleNumber(form.range.least);
-  form.scale = std::max(form.top.size(), form.bottom.size()) + 1;
+Bars barsOf(const std::vector<double>& values, int height, std::size_t width) {
+  Bars bars{.range = rangeOf(values), .height = height, .top = {}, .bottom = {}};
+  bars.top = scaleNumber(bars.range.most);
+  bars.bottom = scaleNumber(bars.range.least);
+  bars.scale = std::max(bars.top.size(), bars.bottom.size()) + 1;
   const std::size_t count = std::max<std::size_t>(values.size(), 1);
-  const std::size_t room = (width - std::min(width, form.scale)) / count;
-  form.bar = std::clamp<std::size_t>(room > 1 ? room - 1 : 1, 1, kWidestBar);
-  form.gap = room > 1 ? 1 : 0;
-  return form;
+  const std::size_t room = (width - std::min(width, bars.scale)) / count;
+  bars.bar = std::clamp<std::size_t>(room > 1 ? room - 1 : 1, 1, kWidestBar);
+  bars.gap = room > 1 ? 1 : 0;
+  return bars;
 }
 
-std::string bars(const std::vector<double>& values, const BarForm& form, const Terminal& terminal,
-                 std::size_t first) {
+std::string drawn(const std::vector<double>& values, const Bars& bars, const TextForm& form,
+                  std::size_t first) {
   std::string chart;
-  for (int line = form.height - 1; line >= 0; --line) {
+  for (int line = bars.height - 1; line >= 0; --line) {
     std::string row;
     for (const double value : values) {
       const int level =
-          std::clamp(levelOf(value, form.range, form.height * kSteps) - line * kSteps, 0, kSteps);
-      for (std::size_t i = 0; i < form.bar; ++i) row += block(level);
-      row.append(form.gap, ' ');
+          std::clamp(levelOf(value, bars.range, bars.height * kSteps) - line * kSteps, 0, kSteps);
+      for (std::size_t i = 0; i < bars.bar; ++i) row += block(level, form);
+      row.append(bars.gap, ' ');
     }
     row.erase(row.find_last_not_of(' ') + 1);
-    const std::string label = line == form.height - 1 ? form.top : line == 0 ? form.bottom : "";
-    chart +=
-        PadLeft(label, form.scale - 1) + ' ' + terminal.Styled(row, Terminal::Style::kCyan) + '\n';
+    const std::string label = line == bars.height - 1 ? bars.top : line == 0 ? bars.bottom : "";
+    chart += PadLeft(label, bars.scale - 1) + ' ' + form.Styled(row, TextForm::Style::kCyan) + '\n';
   }
   // Numbers stand under their bars as far as there is room for them.
-  std::string numbers(form.scale, ' ');
+  std::string numbers(bars.scale, ' ');
   for (std::size_t i = 0; i < values.size(); ++i) {
-    const std::size_t at = form.scale + i * (form.bar + form.gap);
+    const std::size_t at = bars.scale + i * (bars.bar + bars.gap);
     const std::string number = std::to_string(i + first);
-    if (i > 0 && (numbers.size() >= at || at + number.size() > terminal.Width())) continue;
+    if (i > 0 && (numbers.size() >= at || at + number.size() > form.Width())) continue;
     numbers.resize(at, ' ');
     numbers += number;
   }
-  return chart + terminal.Styled(numbers, Terminal::Style::kDim) + '\n';
+  return chart + form.Styled(numbers, TextForm::Style::kDim) + '\n';
 }
 
 }  // namespace
 
-std::string Sparkline(const std::vector<double>& values) {
+std::string Sparkline(const std::vector<double>& values, const TextForm& form) {
   const Range range = rangeOf(values);
   std::string line;
   for (const double value : values) {
-    line += std::isfinite(value) ? block(std::max(1, levelOf(value, range, kSteps))) : " ";
+    line += std::isfinite(value) ? block(std::max(1, levelOf(value, range, kSteps)), form) : " ";
   }
   return line;
 }
@@ -119,21 +118,21 @@ std::string ShortNumber(double number) {
   return text.data();
 }
 
-std::string DrawBars(const std::vector<double>& values, int height, const Terminal& terminal,
+std::string DrawBars(const std::vector<double>& values, int height, const TextForm& form,
                      std::size_t first) {
-  const BarForm form = barForm(values, height, terminal.Width());
-  const std::size_t room = terminal.Width() - std::min(terminal.Width() - 1, form.scale);
-  if (values.size() * (form.bar + form.gap) <= room + form.gap) {
-    return bars(values, form, terminal, first);
+  const Bars bars = barsOf(values, height, form.Width());
+  const std::size_t room = form.Width() - std::min(form.Width() - 1, bars.scale);
+  if (values.size() * (bars.bar + bars.gap) <= room + bars.gap) {
+    return drawn(values, bars, form, first);
   }
   std::string chart;
   for (std::size_t begin = 0; begin < values.size(); begin += room) {
     const auto from = values.begin() + static_cast<std::ptrdiff_t>(begin);
     const auto end =
         values.begin() + static_cast<std::ptrdiff_t>(std::min(begin + room, values.size()));
-    chart += bars({from, end}, form, terminal, first + begin);
+    chart += drawn({from, end}, bars, form, first + begin);
   }
   return chart;
 }
 
-}  // namespace vex2::tool
+}  // namespace vex2::lab

@@ -3,20 +3,20 @@
 #include <string>
 #include <vector>
 
-#include "tools/vex/text/Terminal.h"
+#include "lab/text/TextForm.h"
 
-namespace vex2::tool {
+namespace vex2::lab {
 
 /// One character for each value, from the lowest to the highest block between 0, or the least value
 /// where that is below, and the most. Values that are no numbers are blanks.
-std::string Sparkline(const std::vector<double>& values);
+std::string Sparkline(const std::vector<double>& values, const TextForm& form);
 
 /// A bar for each value, `height` lines high, with the scale to the left and the values' numbers,
-/// from `first`, below. Bars are as wide as the terminal has room for.
-std::string DrawBars(const std::vector<double>& values, int height, const Terminal& terminal,
+/// from `first`, below. Bars are as wide as there is room for.
+std::string DrawBars(const std::vector<double>& values, int height, const TextForm& form,
                      std::size_t first = 1);
 
 /// A number for a table: four digits at most, and no more than it takes.
 std::string ShortNumber(double number);
 
-}  // namespace vex2::tool
+}  // namespace vex2::lab

@@ -1,4 +1,4 @@
-#include "tools/vex/text/RecordProgress.h"
+#include "tools/vex/show/RecordProgress.h"
 
 #include <algorithm>
 #include <cmath>

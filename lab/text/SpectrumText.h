@@ -1,0 +1,16 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "lab/model/WellSpectrum.h"
+#include "lab/text/TextForm.h"
+
+namespace vex2::lab {
+
+/// The readings of the well `well` in the frame `frame`, from 0, of the document at `path`: a
+/// drawing, and the numbers below it.
+std::string SpectrumText(const WellSpectrum& spectrum, const std::string& path,
+                         const std::string& well, std::int64_t frame, const TextForm& form);
+
+}  // namespace vex2::lab
