@@ -6,7 +6,7 @@
 #include <fstream>
 #include <vector>
 
-#include "lab/Error.h"
+#include "lab/SystemError.h"
 #include "lab/Text.h"
 
 namespace vex2::lab {

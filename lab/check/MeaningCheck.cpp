@@ -171,10 +171,10 @@ class PlateCheck {
   void tellFrames() {
     if (foreign_.count > 0) {
       add(Severity::kError, kBlock,
-          fmt::format("{} of {} are not what the recorder that the log names writes, the first in "
-                      "frame {}",
-                      Counted(foreign_.count, "reading"), foreignWells_.Text(contents_.plate),
-                      foreign_.first),
+          fmt::format(
+              "the recorder that the log names did not write {} of {}, the first in frame {}",
+              Counted(foreign_.count, "reading"), foreignWells_.Text(contents_.plate),
+              foreign_.first),
           "their bytes were changed after the recording; {read} leaves them empty",
           "take the run from a backup, or record it again from its readings");
     }

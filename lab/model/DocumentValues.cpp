@@ -60,13 +60,14 @@ PlateContents StoredContents(const Plate& plate, std::span<const Detector> detec
     if (!seen.insert(well.number).second) refuse(fmt::format("well {} is given twice", name));
     WellRow row;
     row.well = well.number;
-    row.sample = StoredText(well.sample, "sample of well " + name);
+    row.sample = StoredText(well.sample, fmt::format("sample of well {}", name));
     for (const Target& target : well.targets) {
       WellRow& detected = contents.rows.emplace_back(row);
-      detected.target = StoredText(target.detector, "detector in well " + name);
-      detected.task = StoredText(target.task, "task in well " + name);
+      detected.target = StoredText(target.detector, fmt::format("detector of well {}", name));
+      detected.task = StoredText(target.task, fmt::format("task of well {}", name));
       if (target.quantity) detected.quantity = *target.quantity;
-      detected.reporter = StoredText(reporterOf(target, detectors), "reporter dye in well " + name);
+      detected.reporter =
+          StoredText(reporterOf(target, detectors), fmt::format("reporter dye of well {}", name));
     }
     if (well.targets.empty() && !row.sample.empty()) contents.rows.push_back(row);
   }
@@ -77,7 +78,7 @@ PlateContents StoredContents(const Plate& plate, std::span<const Detector> detec
 
 Vex2Detector StoredDetector(const Detector& detector) {
   const auto text = [&](const std::string& value, const char* what) {
-    return CString(StoredText(value, std::string(what) + " of a detector"));
+    return CString(StoredText(value, fmt::format("{} of a detector", what)));
   };
   Vex2Detector stored;
   stored.name = text(detector.name, "name");

@@ -58,12 +58,40 @@ TEST_F(LabMessages, PlanSaysWhichWellOrNameCannotBe) {
             "Latin-1");
 }
 
+TEST_F(LabMessages, PlanSaysWhichTextOfAWellCannotBeStored) {
+  const std::string alpha = "\xce\xb1";
+  const std::string end = alpha + "' cannot be stored: documents hold characters of Latin-1";
+  const auto refusalOf = [&](const lab::Target& target) {
+    return refusal([&](auto& plan) { plan.plate.wells[0].targets = {target}; });
+  };
+  EXPECT_EQ(refusalOf({alpha, "", {}, ""}), "the detector of well A1 '" + end);
+  EXPECT_EQ(refusalOf({"MYC", alpha, {}, ""}), "the task of well A1 '" + end);
+  EXPECT_EQ(refusalOf({"MYC", "UNKN", {}, alpha}), "the reporter dye of well A1 '" + end);
+}
+
+TEST_F(LabMessages, EditorSaysWhatOfTheCalibrationCannotBe) {
+  Record(SmallRun(2, 0), path_);
+  lab::DocumentEditor editor(path_);
+  editor.Calibration() = lab::SimulatedCalibration();
+  editor.Save();
+  editor.Calibration().pureDyes->entries.front().name = "\xce\xb1";
+  EXPECT_EQ(ErrorOf([&] { editor.Save(); }).Message(),
+            "the name of a spectrum is not a text of 255 Latin-1 characters at most");
+  editor.Calibration().pureDyes.reset();
+  EXPECT_EQ(ErrorOf([&] { editor.Save(); }).Message(),
+            "a part of the calibration can be replaced, but not taken away");
+}
+
 TEST_F(LabMessages, RecorderSaysWhatTheFrameLacks) {
   lab::RunRecorder recorder(path_, planned());
   const lab::RawRecord record{.well = 1, .leading = {1}, .readings = {}};
   const std::vector<lab::RawRecord> twice = {record, record};
   EXPECT_EQ(ErrorOf([&] { recorder.Append(twice); }).Message(),
             "frame 0 has two readings of well A1");
+  const std::vector<lab::RawRecord> unfilled = {{.well = 1, .leading = {}, .readings = {}},
+                                                {.well = 2, .leading = {1}, .readings = {}}};
+  EXPECT_EQ(ErrorOf([&] { recorder.Append(unfilled); }).Message(),
+            "frame 0 is incomplete: the record of well A1 is not filled (its first value is 0)");
   EXPECT_EQ(ErrorOf([&] { recorder.Append(lab::MeasuredFrame()); }).Message(),
             "cannot append frame 0: the plan has no scale, so frames are given as raw records");
   EXPECT_EQ(ErrorOf([&] {

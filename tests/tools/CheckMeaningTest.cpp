@@ -52,8 +52,8 @@ TEST_F(CheckMeaning, RandomBytesInReadingsAreAnError) {
       readings[i] = static_cast<std::uint8_t>(random() >> 8U);
     }
   });
-  EXPECT_THAT(Errors(), HasSubstr("192 readings of 96 wells (A1 A2 A3 A4 A5 A6 ...) are not what "
-                                  "the recorder that the log names writes, the first in frame 0"));
+  EXPECT_THAT(Errors(), HasSubstr("the recorder that the log names did not write 192 readings of "
+                                  "96 wells (A1 A2 A3 A4 A5 A6 ...), the first in frame 0"));
   EXPECT_EQ(RunVex({"check", path_}).exitCode, 1);
 }
 

@@ -78,7 +78,7 @@ TEST_F(CsvFormatTest, DelimiterIsTheOneThatPartsTheColumnsAskedFor) {
   EXPECT_EQ(Read("\"a;b\",name,value\n0,x,1\n"), (Rows{{"x", 1}}));
   EXPECT_THAT(Refusal("name;x,value\n"),
               EndsWith("row 1: it cannot be told whether commas, semicolons or tabs separate the "
-                       "fields; say which with --delimiter"));
+                       "fields; set delimiter"));
 }
 
 TEST_F(CsvFormatTest, GivenDelimiterIsTheOnlyOne) {
@@ -107,7 +107,7 @@ TEST_F(CsvFormatTest, NumberThatMayBeThousandsIsRefusedUntilTheMarkIsKnown) {
   EXPECT_THAT(
       Refusal("name;value\nx;12,345\n"),
       EndsWith("row 2: value '12,345' may have a decimal comma or a mark between thousands; "
-               "say which mark decimals have, with --decimal point or --decimal comma"));
+               "set decimalMark"));
   EXPECT_THAT(Refusal("name;value\nx;12.345\n"), HasSubstr("may have a decimal point or a mark"));
   EXPECT_EQ(Read("name;value\nx;12,345\n", With(&lab::CsvFormat::decimalMark, ',')),
             (Rows{{"x", 12.345}}));
@@ -127,10 +127,9 @@ TEST_F(CsvFormatTest, OtherDecimalMarkThanBeforeIsRefused) {
 TEST_F(CsvFormatTest, DecimalCommaBetweenCommasNeedsQuotesAndTheWord) {
   EXPECT_THAT(
       Refusal("name,value\nx,59,82\n"),
-      EndsWith(
-          "row 2: has 3 fields where the first row has 2; numbers with a decimal comma "
-          "must be in quotes (then use --decimal comma), or semicolons must separate the fields"));
-  EXPECT_THAT(Refusal("name,value\nx,\"59,82\"\n"), HasSubstr("use --decimal comma"));
+      EndsWith("row 2: has 3 fields where the first row has 2; put numbers with a decimal comma in "
+               "quotes and set decimalMark to ',', or separate the fields by semicolons"));
+  EXPECT_THAT(Refusal("name,value\nx,\"59,82\"\n"), HasSubstr("set decimalMark to ','"));
   EXPECT_EQ(Read("name,value\nx,\"59,82\"\n", With(&lab::CsvFormat::decimalMark, ',')),
             (Rows{{"x", 59.82}}));
 }
@@ -186,7 +185,7 @@ TEST_F(CsvFormatTest, Latin1IsReadWhereItIsNamed) {
 TEST_F(CsvFormatTest, BytesThatAreNotUtf8AreNamedWithOffsetRowAndRemedy) {
   EXPECT_THAT(Refusal("name,value\nx,1\n\xE4,1\n"),
               EndsWith("some.csv: at byte 15: row 3: these bytes are not UTF-8; if the file is "
-                       "Latin-1, use --encoding latin1 (of Windows: --encoding windows-1252)"));
+                       "Latin-1, set encoding to latin1 (of Windows: windows-1252)"));
   EXPECT_THAT(Refusal("name,value\nx\xC3"), HasSubstr("at byte 12: row 2: these bytes are not"));
 }
 

@@ -83,7 +83,7 @@ TEST(Version, NamesBuildFormatAndLibraries) {
   EXPECT_EQ(version.exitCode, 0);
   EXPECT_THAT(version.output, StartsWith("vex "));
   for (const char* part :
-       {"\nbuild ", "GCC", "\nformat     2.2\n", "CLI11 ", "nlohmann-json ", "libcsv "}) {
+       {"\nbuild ", "GCC", "\nformat     2.2\n", "CLI11 ", "nlohmann-json ", "libcsv ", "fmt "}) {
 #ifdef __clang__
     if (std::string_view(part) == "GCC") continue;
 #endif

@@ -17,7 +17,7 @@ using testing::HasSubstr;
 class Recover : public DamageTest {
  protected:
   CommandResult RecoverIt(const VexProcess::Arguments& more = {},
-                       const VexProcess::Surroundings& surroundings = {}) const {
+                          const VexProcess::Surroundings& surroundings = {}) const {
     VexProcess::Arguments arguments = {"recover", path_, "-o", recovered_};
     arguments.insert(arguments.end(), more.begin(), more.end());
     return RunVex(arguments, surroundings);

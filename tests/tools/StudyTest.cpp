@@ -187,7 +187,7 @@ TEST_F(Study, ADocumentOfOnePlateIsNone) {
        {VexProcess::Arguments{"study", "add", plate1_, plate2_},
         VexProcess::Arguments{"study", "list", plate1_},
         VexProcess::Arguments{"study", "set", plate1_, "confidence=95"}}) {
-    expectStudyRefuses(arguments, plate1_, 1, "this is no study");
+    expectStudyRefuses(arguments, plate1_, 1, "this is not a study");
   }
   expectStudyRefuses({"study", "extract", plate1_, "x", study_}, plate1_, 2,
                      "has no plate 'x': it is not a study");

@@ -168,9 +168,9 @@ TEST_F(Wells, OfAPlateWithoutColumnsAreShown) {
 TEST_F(Wells, FileThatContradictsItselfNamesItsRow) {
   Simulate();
   for (const auto& [rows, why] :
-       {std::pair("Q1,a,,,,\n", "row 2"), std::pair("A1,a,,,,\nA1,b,T,,,\n", "another sample"),
+       {std::pair("Q1,a,,,,\n", "row 2"), std::pair("A1,a,,,,\nA1,b,T,,,\n", "not the sample"),
         std::pair("A1,a,T,,,\nA1,a,T,,,\n", "twice"),
-        std::pair("A1,a,,,,FAM\n", "the reporter of no target"),
+        std::pair("A1,a,,,,FAM\n", "a reporter without a target"),
         std::pair("A1,a,T,,,FAM\nA2,a,T,,,VIC\n", "row 3"),
         std::pair("A1,\xe2\x82\xac,,,,\n", "Latin-1"), std::pair("A1,a,T,,much,\n", "row 2")}) {
     WriteWellsFile(rows);

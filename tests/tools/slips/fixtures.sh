@@ -43,3 +43,6 @@ vex calibration run.vex --export calibration.csv
 : > empty.vex
 echo 'Do not forget the controls.' > notes.txt
 mkdir folder
+
+# Overwrites bytes of a file with standard input: sh put.sh FILE OFFSET
+echo 'dd of="$1" bs=1 seek="$2" conv=notrunc status=none' > put.sh

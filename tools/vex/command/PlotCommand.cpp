@@ -124,7 +124,7 @@ class PlotCommand final : public Command {
     const Terminal& terminal = Terminal::Out();
     // The last line of a screen is the shell's.
     const CellSize size{
-        .width = terminal.Width(), .height = terminalHeight() - 1, .isAscii = Terminal::IsAscii()};
+        .width = terminal.Width(), .height = terminalHeight() - 1, .isAscii = terminal.IsAscii()};
     for (const auto& line : CellsOf(SceneOf(run, plot_), size)) {
       std::string text;
       for (const CellRun& part : line) text += terminal.Styled(part.text, styleOf(part));
