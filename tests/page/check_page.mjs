@@ -34,6 +34,7 @@ function makeDocuments() {
   run('simulate', 'one.vex', '--seed', '1', '--melt', '30');
   run('simulate', 'two.vex', '--seed', '2', '--melt', '30');
   run('study', 'new', 'study.vex', 'one.vex', 'two.vex');
+  run('simulate', 'short.vex', '--cycles', '1');
   writeFileSync(join(folder, 'wells.csv'), `${kWells}A1,"${kHostile.replaceAll('"', '""')}",T,UNKN,,FAM\n`);
   writeFileSync(join(folder, 'readings.csv'),
     'well,stage,cycle,time_s,temperature_c,fluorescence\nA1,amplification,1,0,60,1\n');
@@ -246,12 +247,44 @@ const tests = {
     await page.close();
   },
 
+  async 'RunOfOneFrameIsShown'() {
+    const page = await browser.open(urlOf('short.html'));
+    assert.equal(await page.run('Vex.amplification.shown.length'), 96);
+    assert.deepEqual(page.messages, []);
+    await page.close();
+  },
+
   async 'TextsOfADocumentDoNotRun'() {
     const page = await browser.open(urlOf('hostile.html'));
     assert.deepEqual(page.messages, []);
     assert.equal(await page.run('document.querySelectorAll("img, main script").length'), 0);
     assert.equal(await page.run('Vex.model.traces[0].sample'), kHostile);
     assert.ok(await page.run(`document.querySelector('.wells').textContent.includes(${JSON.stringify(kHostile)})`));
+    await page.close();
+  },
+
+  async 'PageOf65535WellsListsThemAndDrawsThoseThatArePicked'() {
+    const page = await browser.open(urlOf('one.html'));
+    const time = await page.run(`(() => {
+      const data = JSON.parse(document.querySelector('#data').textContent);
+      const plate = data.documents[0].plates[0];
+      const well = plate.wells[0];
+      const curve = plate.readings.curves[0];
+      Object.assign(plate, {rows: 255, columns: 257});
+      plate.wells = Array.from({length: 65535}, (_, i) => ({...well, number: i + 1, name: 'W' + (i + 1)}));
+      plate.readings.curves = plate.wells.map(each => ({...curve, well: each.number}));
+      Vex.state.values = 'raw';
+      const begin = performance.now();
+      vexReport.update(data);
+      return performance.now() - begin;
+    })()`);
+    await page.settle();
+    console.log(`    ${Math.round(time)} ms`);
+    assert.match(await page.run('document.querySelector("#plates").textContent'), /too many to draw/);
+    assert.match(await page.run('document.querySelector("#amplification-hint").textContent'), /of 65,535 curves are drawn/);
+    await page.run('Vex.pick(["0:65535"])');
+    assert.deepEqual(await page.run('Vex.amplification.shown.map(line => line.trace.number)'), [65535]);
+    assert.deepEqual(page.messages, []);
     await page.close();
   },
 
@@ -284,6 +317,7 @@ async function main() {
   assert.equal(report('one.html', 'one.vex').status, 0);
   assert.equal(report('study.html', 'study.vex').status, 0);
   assert.equal(report('hostile.html', 'hostile.vex').status, 0);
+  assert.equal(report('short.html', 'short.vex').status, 0);
   assert.equal(report('damaged.html', 'damaged.vex').status, 1);
   assert.equal(report('empty.html', 'empty.vex').status, 1);
   browser = await Browser.start();

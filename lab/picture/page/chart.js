@@ -40,9 +40,10 @@
     one.length === other.length && one.every((value, i) => value === other[i]);
 
   class Chart {
-    // `lines()` gives [{trace, x, y}]; `log()` whether the axis of readings is logarithmic.
-    constructor({place, label, xLabel, yLabel, lines, log = () => false, xTip, onDraw}) {
-      Object.assign(this, {place, label, xLabel, yLabel, lines, log, xTip, onDraw});
+    // `traces()` gives those that may have a curve, `line(trace)` the curve, {x, y}, without y where
+    // there is none; `log()` says whether the axis of readings is logarithmic.
+    constructor({place, label, xLabel, yLabel, traces, line, log = () => false, xTip, onDraw}) {
+      Object.assign(this, {place, label, xLabel, yLabel, traces, line, log, xTip, onDraw});
       this.plot = null;
       this.shown = [];
       new ResizeObserver(Vex.inFrame(() => this.resize())).observe(place);
@@ -65,11 +66,17 @@
       }
     }
 
+    // The curves to draw, and how many there are.
     allLines() {
-      const lines = this.lines().filter(line => line.y && line.x.length > 0);
-      if (lines.length <= kMostCurves) return {lines, all: lines.length};
-      const picked = lines.filter(line => Vex.state.picked.has(line.trace.key));
-      return {lines: (picked.length ? picked : lines).slice(0, kMostCurves), all: lines.length};
+      const traces = this.traces();
+      let drawn = traces;
+      if (traces.length > kMostCurves) {
+        const picked = traces.filter(trace => Vex.state.picked.has(trace.key));
+        drawn = (picked.length ? picked : traces).slice(0, kMostCurves);
+      }
+      const lines = drawn.map(trace => ({trace, ...this.line(trace)}))
+        .filter(line => line.y && line.x.length > 0);
+      return {lines, all: traces.length > kMostCurves ? traces.length : lines.length};
     }
 
     rebuild() {

@@ -50,13 +50,14 @@
   // The logarithm of a reading at or below zero does not exist.
   const forLog = values => Array.from(values, value => (value > 0 ? value : null));
 
-  function amplificationLines() {
-    const {state, model} = Vex;
-    return model.traces.filter(trace => trace.isMeasured && Vex.isShown(trace)).map(trace => {
-      const values = state.values === 'corrected' ? Vex.corrected(trace) : trace.raw;
-      if (!values) return {trace, x: [], y: null};
-      return {trace, x: trace.plate.cycles.x, y: state.scale === 'log' ? forLog(values) : values};
-    });
+  const amplificationTraces = () =>
+    Vex.model.traces.filter(trace => trace.isMeasured && Vex.isShown(trace));
+
+  function amplificationLine(trace) {
+    const {state} = Vex;
+    const values = state.values === 'corrected' ? Vex.corrected(trace) : trace.raw;
+    if (!values) return {x: [], y: null};
+    return {x: trace.plate.cycles.x, y: state.scale === 'log' ? forLog(values) : values};
   }
 
   const meltTraces = () => Vex.model.traces.filter(trace =>
@@ -86,20 +87,20 @@
       yLabel: () => (!isKnown() ? 'stored value'
         : Vex.state.values === 'corrected' ? 'fluorescence above baseline' : 'fluorescence'),
       xTip: x => `${isKnown() ? 'cycle' : 'frame'} ${x}`,
-      lines: amplificationLines, log: () => Vex.state.scale === 'log',
+      traces: amplificationTraces, line: amplificationLine, log: () => Vex.state.scale === 'log',
       onDraw: chart => { Vex.placeThreshold(chart); hint(chart); },
     });
     amplification.emptyText = 'There are no amplification readings.';
     const temperature = {xLabel: () => 'temperature, °C', xTip: x => `${Vex.fixed(x, 1)} °C`};
     new Vex.Chart({
       ...temperature, place: Vex.byId('melting-chart'), label: 'Melting curves', yLabel: () => 'fluorescence',
-      lines: () => meltTraces().map(trace => ({trace, x: trace.plate.melt.x, y: trace.melt})),
+      traces: meltTraces, line: trace => ({x: trace.plate.melt.x, y: trace.melt}),
     });
     new Vex.Chart({
       ...temperature, place: Vex.byId('derivative-chart'), label: 'Derivative of the melting curves',
       yLabel: () => '−dF/dT, per °C',
-      lines: () => meltTraces().filter(trace => trace.derivative)
-        .map(trace => ({trace, x: trace.meltX, y: trace.derivative})),
+      traces: () => meltTraces().filter(trace => trace.meltX),
+      line: trace => ({x: trace.meltX, y: trace.derivative}),
     });
     Vex.on('thresholds', () => {
       Vex.byId('reset-thresholds').hidden = Vex.state.thresholds.size === 0;
