@@ -3,7 +3,6 @@
 from __future__ import annotations
 
 import os
-import tempfile
 from typing import TYPE_CHECKING, Any, Dict, Iterable, List, Tuple, Union
 
 from . import _vex2
@@ -108,6 +107,8 @@ def from_frame(
     if path is not None:
         _write(path, table, plate, options)
         return open_run(path)
+    import tempfile
+
     with tempfile.TemporaryDirectory() as folder:
         target = os.path.join(folder, "table.vex")
         _write(target, table, plate, options)

@@ -116,7 +116,7 @@ def run_html(run: Run) -> str:
     if run.is_study:
         facts.append(("plates", ", ".join(run.plates)))
     else:
-        facts.append(("frames", f"{block.frame_count} of {len(block.wells)} wells"))
+        facts.append(("readings", f"{block.frame_count} frames of {len(block.wells)} wells"))
         if block.start:
             facts.append(("started", block.start))
     if not run.is_whole:
