@@ -261,7 +261,7 @@ void RecordCheck::checkWells(const StoredBlock& head) {
   }
   if (outside > 0) {
     add(Severity::kWarning,
-        fmt::format("{} of its wells {} on no plate of {} wells", outside,
+        fmt::format("{} of its wells {} not on a plate of {} wells", outside,
                     outside == 1 ? "is" : "are", plate_.Wells()),
         "their readings are kept, but belong to no well of the plate");
   }

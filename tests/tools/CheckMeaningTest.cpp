@@ -60,7 +60,7 @@ TEST_F(CheckMeaning, RandomBytesInReadingsAreAnError) {
 TEST_F(CheckMeaning, OneChangedReadingIsAnError) {
   Simulate();
   ChangeReadings([](std::uint8_t* readings) { readings[kRunFrame + 3 * kRecord + 17] ^= 1U; });
-  EXPECT_THAT(Errors(), HasSubstr("1 reading of 1 well (A4) "));
+  EXPECT_THAT(Errors(), HasSubstr("1 reading of 1 well (A4), "));
   EXPECT_THAT(Errors(), HasSubstr("the first in frame 1"));
 }
 
