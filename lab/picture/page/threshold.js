@@ -84,7 +84,7 @@
     slider.style.top = `${over.offsetTop + Math.min(Math.max(top, 0), over.offsetHeight)}px`;
     const names = detectors();
     const differ = new Set(names.map(Vex.thresholdOf)).size > 1;
-    const who = names.length === 1 ? '' : differ ? ', median of the detectors' : ', all detectors';
+    const who = names.length === 1 ? '' : differ ? ', median of all' : ', all detectors';
     slider.firstChild.textContent = `Threshold ${Vex.number(value, 3)}${who}`;
     slider.setAttribute('aria-valuenow', value);
     slider.setAttribute('aria-valuemin', 0);
