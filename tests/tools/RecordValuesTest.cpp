@@ -239,7 +239,7 @@ TEST_F(RecordValuesTest, AssayIsSetByItsCode) {
   EXPECT_EQ(TextOf(Run()).substr(8, 4), "+/- ");
   const CommandResult refused = RunVex({"set", Run(), "assay=RQSt"});
   EXPECT_EQ(refused.exitCode, 2);
-  EXPECT_THAT(refused.errors, HasSubstr("assay takes AbsQ, RelQ, AllD, +/-, BGND or PDye"));
+  EXPECT_THAT(refused.errors, HasSubstr("it takes AbsQ, RelQ, AllD, +/-, BGND or PDye"));
 }
 
 }  // namespace
