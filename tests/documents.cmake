@@ -72,6 +72,11 @@ if(TARGET example_readme)
   set_tests_properties(examples.own_host PROPERTIES FIXTURES_REQUIRED example_run
                        PASS_REGULAR_EXPRESSION "3 records, status DONE\n.message. The Acquisition")
 
+  if(TARGET example_analyse_with_lab)
+    add_test(NAME examples.analyse_with_lab COMMAND example_analyse_with_lab ${run})
+    set_tests_properties(examples.analyse_with_lab PROPERTIES FIXTURES_REQUIRED example_run
+      PASS_REGULAR_EXPRESSION "vex did not record its readings")
+  endif()
   if(TARGET example_read_with_lab)
     add_test(NAME examples.read_with_lab COMMAND example_read_with_lab ${run} 1)
     set_tests_properties(examples.read_with_lab PROPERTIES FIXTURES_REQUIRED example_run

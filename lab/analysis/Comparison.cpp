@@ -29,8 +29,7 @@ void summarise(ReplicateGroup& group, const std::vector<CqResult>& wells,
   if (cqs.empty()) return;
   group.meanCq = Mean(cqs);
   group.deviation = Deviation(cqs);
-  const bool isEstimated = wells[group.wells.front()].estimate.has_value() ||
-                           !IsStandard(wells[group.wells.front()].curve.well);
+  const bool isEstimated = HasUnknownQuantity(wells[group.wells.front()].curve.well);
   if (isEstimated && detector != nullptr && detector->curve) {
     group.estimate = EstimateQuantity(*detector->curve, *group.meanCq, group.withCq);
   }

@@ -116,7 +116,7 @@ void fitStandards(CqAnalysis& analysis) {
   }
   for (CqResult& each : analysis.wells) {
     const auto curve = curves.find(each.curve.well.detector);
-    if (!each.cq || IsStandard(each.curve.well) || curve == curves.end()) continue;
+    if (!each.cq || !HasUnknownQuantity(each.curve.well) || curve == curves.end()) continue;
     each.estimate = EstimateQuantity(*curve->second, *each.cq);
   }
 }

@@ -32,7 +32,7 @@ enum class CqMethod {
 enum class NoCq {
   kNoReadings,    ///< the well was not measured, or no channel bears the name of the reporter
   kTooFewCycles,  ///< fewer than `kFewestCycles`
-  kNoRise,        ///< it does not rise, or by less than 5 % of what the strongest curves do
+  kNoRise,        ///< it does not rise, or by less than 5 % of the highest curve
   kNoisy,         ///< it rises by less than 10 times the noise of its baseline
   kEarly,         ///< it is above the threshold from the first cycle on
   kLate,          ///< it rises, but not as far as the threshold within the run
@@ -52,10 +52,10 @@ struct CycleRange {
 
 /// What an analysis is to use in place of what the document says.
 struct CqOptions {
-  CqMethod method = CqMethod::kThreshold;  ///< for all detectors
-  std::optional<double> threshold;         ///< for all detectors, in the unit of the readings
-  std::optional<CycleRange> baseline;      ///< for all curves
-  std::optional<std::string> detector;     ///< analyse this one alone
+  CqMethod method = CqMethod::kThreshold;    ///< for all detectors
+  std::optional<double> threshold = {};      ///< for all detectors, in the unit of the readings
+  std::optional<CycleRange> baseline = {};   ///< for all curves
+  std::optional<std::string> detector = {};  ///< analyse this one alone
 };
 
 /// What was found of one curve.
@@ -74,7 +74,7 @@ struct CqResult {
   /// The maximum of the second derivative, in cycles, also where `method` is another; nothing where
   /// there is no rise or the maximum is at the end of the run.
   std::optional<double> secondDerivativeCq;
-  /// From the standard curve of the detector, of a well that is no standard.
+  /// From the standard curve of the detector, of a well that is no standard and no control.
   std::optional<QuantityEstimate> estimate;
 };
 
@@ -104,7 +104,7 @@ struct CqAnalysis {
 ///
 /// Baseline: a straight line fitted by least squares to the cycles that the detector gives, where
 /// somebody has set them and it is not automatic. Otherwise found for each curve: from the third
-/// cycle to five before the maximum of the second derivative, and from the third to the last where
+/// cycle to eight before the maximum of the second derivative, and from the third to the last where
 /// the curve does not rise. With fewer than `kFewestForLine` cycles it is level, at their mean.
 ///
 /// Smoothing: a parabola fitted to five neighbouring cycles (Savitzky and Golay 1964, "Smoothing
@@ -116,7 +116,8 @@ struct CqAnalysis {
 /// maximum of the second derivative; no-template controls count only where nothing else rises.
 ///
 /// A curve rises when its corrected readings reach 10 times the noise of its baseline and 5 % of
-/// the third-largest amplitude in the channel.
+/// the highest curve of the channel: of its level at the end of the run, the median of
+/// three cycles.
 ///
 /// Throws as `AmplificationCurvesOf` does, and `Error` of class `kUsage` for a detector that the
 /// run does not have, a threshold that is not above 0, and a baseline of fewer than three cycles.
@@ -130,7 +131,7 @@ VEX2_API CqAnalysis AnalyseCurves(std::vector<AmplificationCurve> curves,
                                   const CqOptions& options = {});
 
 /// The fewest cycles of a baseline to which a sloping line is fitted.
-inline constexpr std::size_t kFewestForLine = 5;
+inline constexpr std::size_t kFewestForLine = 8;
 
 /// "threshold" or "sdm".
 VEX2_API std::string_view NameOf(CqMethod method);

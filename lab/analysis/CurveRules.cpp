@@ -1,5 +1,6 @@
 #include "lab/analysis/CurveRules.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -11,8 +12,14 @@ namespace vex2::lab {
 
 namespace {
 
-constexpr double kLeastRise = 0.05;  // of the strongest curves of the channel
+constexpr double kLeastRise = 0.05;  // of the highest curve of the channel
 constexpr double kLeastRiseInNoise = 10;
+
+// A level that no single reading decides.
+double finalLevel(const CurveShape& shape) {
+  constexpr std::ptrdiff_t kCycles = 3;
+  return Median({shape.corrected.end() - kCycles, shape.corrected.end()});
+}
 
 // What the second derivative says, where it says anything.
 std::optional<double> takeOffCycle(const CurveShape& shape) {
@@ -38,7 +45,7 @@ std::string noRiseNote(const CurveCase& found) {
       return "noisy: rises by " + NumberText(found.shape->amplitude) +
              ", less than 10 times the noise of the baseline, " + NumberText(found.shape->noise);
     default:
-      return "no rise: " + NumberText(found.shape->amplitude) + ", at least " +
+      return "no rise: by " + NumberText(std::max(found.shape->amplitude, 0.0)) + " only; " +
              NumberText(found.leastRise) + " is needed";
   }
 }
@@ -105,20 +112,18 @@ std::optional<double> SetThresholdOf(const Detector& detector) {
 }
 
 void JudgeRises(std::vector<CurveCase>& cases) {
-  std::map<std::string, std::vector<double>> amplitudes;
+  std::map<std::string, double> highest;  // of each channel
   for (const CurveCase& each : cases) {
-    if (each.shape) amplitudes[each.curve.channel].push_back(each.shape->amplitude);
-  }
-  std::map<std::string, double> leastRises;
-  for (auto& [channel, values] : amplitudes) {
-    leastRises[channel] = kLeastRise * ThirdLargest(std::move(values));
+    if (!each.shape) continue;
+    double& level = highest[each.curve.channel];
+    level = std::max(level, finalLevel(*each.shape));
   }
   for (CurveCase& each : cases) {
     if (!each.shape) {
       each.reason = each.curve.cycles.empty() ? NoCq::kNoReadings : NoCq::kTooFewCycles;
       continue;
     }
-    each.leastRise = leastRises[each.curve.channel];
+    each.leastRise = kLeastRise * highest[each.curve.channel];
     const double amplitude = each.shape->amplitude;
     if (!(amplitude > 0) || amplitude < each.leastRise) {
       each.reason = NoCq::kNoRise;
@@ -145,10 +150,10 @@ std::map<std::string, double> AutomaticThresholds(const std::vector<CurveCase>& 
 }
 
 CqResult ResultOf(CurveCase&& found, CqMethod method, const std::optional<double>& threshold) {
-  if (found.shape && !found.Rises()) UseWholeBaseline(*found.shape);
   CqResult result;
   result.threshold = threshold;
   if (found.reason) setNone(result, *found.reason, noRiseNote(found));
+  if (found.shape && found.reason) UseWholeBaseline(*found.shape);
   result.curve = std::move(found.curve);
   if (!found.shape) return result;
   describeShape(*found.shape, result);

@@ -28,7 +28,7 @@ std::optional<CycleRange> SetBaselineOf(const Detector& detector);
 std::optional<double> SetThresholdOf(const Detector& detector);
 
 /// Sets `reason` of each curve that does not rise; all of them together, because a rise is judged
-/// by the strongest curves of its channel.
+/// by the highest curve of its channel.
 void JudgeRises(std::vector<CurveCase>& cases);
 
 /// The automatic threshold of each detector that has a curve which rises.

@@ -11,7 +11,7 @@ namespace {
 constexpr std::size_t kHalfWindow = 2;        // of the smoothing: five readings
 constexpr std::size_t kFirstTakeOff = 4;      // the fifth cycle; those before settle
 constexpr std::size_t kBaselineBegin = 2;     // the third cycle
-constexpr std::size_t kCyclesBeforeRise = 5;  // left out between baseline and take-off
+constexpr std::size_t kCyclesBeforeRise = 8;  // left out between baseline and take-off
 constexpr std::size_t kFewestInBaseline = 3;
 
 // Drops readings that are missing at either end, and fills those between on straight lines.
@@ -55,7 +55,7 @@ void findTakeOff(CurveShape& shape) {
   const double before = secondDerivative(y, best - 1);
   const double after = secondDerivative(y, best + 1);
   const double bend = before - 2 * secondDerivative(y, best) + after;
-  if (bend < 0) shape.takeOff += (before - after) / (2 * bend);
+  if (bend < 0) shape.takeOff += std::clamp((before - after) / (2 * bend), -0.5, 0.5);
 }
 
 // Fits the baseline to the readings from index `first` to before `end`.
@@ -127,7 +127,11 @@ std::optional<CurveShape> ShapeOf(const AmplificationCurve& curve,
 }
 
 void UseWholeBaseline(CurveShape& shape) {
+  const double noise = shape.noise;
+  const double amplitude = shape.amplitude;
   fitBaseline(shape, kBaselineBegin, shape.cycles.size());
+  shape.noise = noise;
+  shape.amplitude = amplitude;
 }
 
 std::optional<double> CrossingOf(const CurveShape& shape, double threshold) {

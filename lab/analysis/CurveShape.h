@@ -36,7 +36,8 @@ struct CurveShape {
 /// where fewer than three cycles of the curve are in it.
 std::optional<CurveShape> ShapeOf(const AmplificationCurve& curve,
                                   const std::optional<CycleRange>& baseline);
-/// Takes the baseline of a curve that does not rise: from the third cycle to the last.
+/// Takes the baseline of a curve that does not rise: from the third cycle to the last. Noise and
+/// amplitude, by which that was judged, stay.
 void UseWholeBaseline(CurveShape& shape);
 
 /// Where the corrected curve passes `threshold` upwards for the last time before its top, in

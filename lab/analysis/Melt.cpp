@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::size_t kFewestTemperatures = 5;
 constexpr double kLeastOfWell = 0.1;      // of the largest prominence in the well
-constexpr double kLeastOfChannel = 0.05;  // of the third-largest in the channel
+constexpr double kLeastOfChannel = 0.05;  // of the largest in the channel
 constexpr double kLeastInNoise = 5;
 
 /// A curve, and what its peaks are measured by.
@@ -70,19 +70,16 @@ std::vector<MeltCurve> analyse(const std::string& path, std::vector<MeltCase> ca
                 "cannot determine melting curves: the melting stage has fewer than five "
                 "temperatures with readings");
   }
-  std::map<std::string, std::vector<double>> prominences;
+  std::map<std::string, double> largest;  // of each channel
   for (MeltCase& melt : cases) {
     findPeaks(melt);
-    prominences[melt.curve.channel].push_back(melt.largest);
-  }
-  std::map<std::string, double> least;
-  for (auto& [channel, values] : prominences) {
-    least[channel] = kLeastOfChannel * ThirdLargest(std::move(values));
+    largest[melt.curve.channel] = std::max(largest[melt.curve.channel], melt.largest);
   }
   std::vector<MeltCurve> curves;
   for (MeltCase& melt : cases) {
-    const double limit = std::max(
-        {kLeastOfWell * melt.largest, least[melt.curve.channel], kLeastInNoise * melt.noise});
+    const double limit =
+        std::max({kLeastOfWell * melt.largest, kLeastOfChannel * largest[melt.curve.channel],
+                  kLeastInNoise * melt.noise});
     std::erase_if(melt.curve.peaks, [&](const MeltPeak& peak) {
       return !(peak.prominence >= limit) || !(peak.prominence > 0);
     });

@@ -44,7 +44,7 @@ inline constexpr double kMeltWindow = 1.0;
 /// The derivative at a temperature is the slope of a parabola fitted by least squares to the
 /// readings within `kMeltWindow` degrees, or to the nearest five where those are fewer (Savitzky
 /// and Golay 1964, Anal. Chem. 36:1627, for any distances). A peak is a local maximum whose
-/// prominence is at least 10 % of the largest in the well, 5 % of the third-largest in the channel,
+/// prominence is at least 10 % of the largest in the well, 5 % of the largest in the channel,
 /// and 5 times the noise of the derivative. (Ririe, Rasmussen and Wittwer 1997, "Product
 /// differentiation by analysis of DNA melting curves during the polymerase chain reaction", Anal.
 /// Biochem. 245:154.)

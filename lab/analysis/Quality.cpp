@@ -17,8 +17,12 @@ namespace vex2::lab {
 namespace {
 
 constexpr double kReplicateLimit = 0.5;  // cycles
-constexpr double kDriftLimit = 0.2;      // of the amplitude of the strongest curves
+constexpr double kDriftLimit = 0.2;      // of the amplitude
 constexpr std::size_t kLevelReadings = 3;
+
+std::string cqText(double cycles) {
+  return DecimalsText(cycles, 2);
+}
 
 std::string placeOf(const AnalysedWell& well) {
   return (well.plate.empty() ? "" : well.plate + " ") + well.name;
@@ -77,10 +81,10 @@ void findDifference(const ReplicateGroup& group, const std::vector<CqResult>& we
   if (worst == wells.size()) return;
   const CqResult& well = wells[worst];
   findings.push_back(findingAt(QualityProblem::kReplicateDiffers, well.curve.well,
-                               "Cq " + NumberText(*well.cq) + " differs by " +
-                                   NumberText(farthest) + " cycles from its replicate" +
+                               "Cq " + cqText(*well.cq) + " differs by " + cqText(farthest) +
+                                   " cycles from its replicate" +
                                    (group.wells.size() > 2 ? "s " : " ") +
-                                   othersOf(group, wells, worst) + ", Cq " + NumberText(others)));
+                                   othersOf(group, wells, worst) + ", Cq " + cqText(others)));
 }
 
 void findLostReplicates(const ReplicateGroup& group, const std::vector<CqResult>& wells,
@@ -121,11 +125,11 @@ void findRisingControls(const std::vector<CqResult>& wells, std::vector<QualityF
   const auto latest = latestSamples(wells);
   for (const CqResult& each : wells) {
     if (!each.cq || !IsControl(each.curve.well)) continue;
-    std::string text = "no-template control rises at Cq " + NumberText(*each.cq);
+    std::string text = "no-template control rises at Cq " + cqText(*each.cq);
     const auto sample = latest.find(each.curve.well.detector);
     if (sample != latest.end()) {
       const bool isLater = *each.cq > sample->second;
-      text += ", " + NumberText(std::fabs(*each.cq - sample->second)) + " cycles " +
+      text += ", " + cqText(std::fabs(*each.cq - sample->second)) + " cycles " +
               (isLater ? "after" : "before") + " the last sample";
     }
     findings.push_back(findingAt(QualityProblem::kControlRises, each.curve.well, std::move(text)));
@@ -173,20 +177,15 @@ void findSaturation(const std::vector<CqResult>& wells, std::vector<QualityFindi
 }
 
 void findDrift(const std::vector<CqResult>& wells, std::vector<QualityFinding>& findings) {
-  std::map<std::string, std::vector<double>> amplitudes;
-  for (const CqResult& each : wells) amplitudes[each.curve.channel].push_back(each.amplitude);
-  std::map<std::string, double> strongest;
-  for (auto& [channel, values] : amplitudes) strongest[channel] = ThirdLargest(std::move(values));
   for (const CqResult& each : wells) {
-    if (!each.baseline || each.curve.cycles.empty()) continue;
+    if (!each.cq) continue;
     const double cycles = each.curve.cycles.back() - each.curve.cycles.front();
     const double drift = each.baselineSlope * cycles;
-    const double scale = each.cq ? each.amplitude : strongest[each.curve.channel];
-    if (!(scale > 0) || std::fabs(drift) <= kDriftLimit * scale) continue;
+    if (std::fabs(drift) <= kDriftLimit * each.amplitude) continue;
     findings.push_back(findingAt(QualityProblem::kDriftingBaseline, each.curve.well,
                                  std::string("the baseline ") + (drift > 0 ? "rises" : "falls") +
                                      " by " + NumberText(std::fabs(drift)) +
-                                     " over the run, the curve by " + NumberText(scale)));
+                                     " over the run, the curve by " + NumberText(each.amplitude)));
   }
 }
 

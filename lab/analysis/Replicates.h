@@ -20,7 +20,7 @@ struct ReplicateGroup {
   std::size_t withCq = 0;           ///< how many of them have a quantification cycle
   std::optional<double> meanCq;     ///< of those
   std::optional<double> deviation;  ///< standard deviation of those, of at least two
-  /// From the standard curve and the mean, of wells that are no standards.
+  /// From the standard curve and the mean, of wells that are no standards and no controls.
   std::optional<QuantityEstimate> estimate;
 };
 

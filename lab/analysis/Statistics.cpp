@@ -77,14 +77,6 @@ double Median(std::vector<double> values) {
   return (*std::max_element(values.begin(), middle) + *middle) / 2;
 }
 
-double ThirdLargest(std::vector<double> values) {
-  if (values.empty()) return 0;
-  const std::size_t index = std::min<std::size_t>(2, values.size() - 1);
-  const auto third = values.begin() + static_cast<std::ptrdiff_t>(index);
-  std::nth_element(values.begin(), third, values.end(), std::greater<>());
-  return *third;
-}
-
 double StudentLimit(double probability, std::size_t degreesOfFreedom) {
   // Beyond this the limit changes by less than any use of it shows.
   const std::size_t degrees = std::clamp<std::size_t>(degreesOfFreedom, 1, 10'000);

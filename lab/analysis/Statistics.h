@@ -33,8 +33,6 @@ double Mean(std::span<const double> values);
 std::optional<double> Deviation(std::span<const double> values);
 /// The middle one, or the mean of the two in the middle. Of at least one value.
 double Median(std::vector<double> values);
-/// The third-largest value, or the smallest of fewer; 0 for none.
-double ThirdLargest(std::vector<double> values);
 
 /// The t that Student's distribution stays within, on both sides of 0, with this probability.
 double StudentLimit(double probability, std::size_t degreesOfFreedom);

@@ -14,4 +14,9 @@ inline bool IsStandard(const AnalysedWell& well) {
   return well.task == "STND" && well.quantity.value_or(0) > 0;
 }
 
+/// Whether the quantity in the well is one to be found.
+inline bool HasUnknownQuantity(const AnalysedWell& well) {
+  return !IsControl(well) && !IsStandard(well);
+}
+
 }  // namespace vex2::lab
