@@ -9,11 +9,14 @@
 #include "lab/model/Document.h"
 #include "lab/model/DocumentOverview.h"
 #include "lab/model/FrameView.h"
+#include "lab/model/Readings.h"
 #include "lab/model/Study.h"
 #include "lab/model/WellSpectrum.h"
 
 /// Documents, and what is known of them, as JSON objects. `PrintJson` adds the version.
 namespace vex2::lab {
+
+class RunFollower;
 
 /// What is known of a document, or of a plate in it, at a glance.
 nlohmann::ordered_json ToJson(const DocumentOverview& overview);
@@ -37,6 +40,10 @@ nlohmann::ordered_json ToJson(const std::vector<StudyPlate>& plates);
 /// vex recorded it.
 nlohmann::ordered_json DescribeFrame(const FrameView& view, const std::string& path,
                                      const std::string& block);
+
+/// A frame that `follower` handed out, whole: what it was read as, or what is stored where the
+/// meaning is not known.
+nlohmann::ordered_json DescribeFollowed(const Frame& frame, const RunFollower& follower);
 
 /// The readings of one well in frame `frame`, from 0, of the document at `path`, and the rates of a
 /// background.

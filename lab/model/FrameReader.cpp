@@ -7,6 +7,7 @@
 #include "lab/Error.h"
 #include "lab/Text.h"
 #include "lab/model/DataBlock.h"
+#include "lab/model/FrameFiller.h"
 #include "lab/model/RawFile.h"
 #include "lab/model/ReadingMatrix.h"
 #include "lab/model/RunValues.h"
@@ -116,27 +117,10 @@ std::vector<FramePosition> FrameReader::ReadAxis() {
 }
 
 Frame FrameReader::ReadFrame(std::uint64_t index) {
-  Frame frame{.index = index, .position = {}, .wells = {}};
-  const auto meaning = MeaningOf(recorded_.Log());
-  frame.wells.reserve(block_.wells.size());
+  FrameFiller filler(block_, recorded_, index);
   seekFrame(index);
-  readRecords(block_.wells.size(), [&](const std::uint8_t* bytes) {
-    Vex2WellRecord record;
-    LoadStoredRecord(bytes, record.leading, record.data);
-    WellReading& well = frame.wells.emplace_back();
-    well.well = block_.wells[frame.wells.size() - 1];
-    std::copy_n(record.leading, well.leading.size(), well.leading.begin());
-    std::copy_n(record.data, well.values.size(), well.values.begin());
-    if (!meaning) return;
-    const auto reading = recorded_.Read(record, index);
-    if (reading && isUnknown(frame.position)) frame.position = PositionOf(*reading);
-    well.fluorescence.resize(meaning->ChannelCount(), std::numeric_limits<double>::quiet_NaN());
-    for (std::size_t channel = 0; reading && channel < well.fluorescence.size(); ++channel) {
-      if (reading->IsMissing(channel)) continue;
-      well.fluorescence[channel] = meaning->scale.Measured(reading->values[channel]);
-    }
-  });
-  return frame;
+  readRecords(block_.wells.size(), [&](const std::uint8_t* bytes) { filler.Take(bytes); });
+  return filler.Done();
 }
 
 Readings FrameReader::ReadAll() {

@@ -9,6 +9,7 @@
 #include "lab/model/Codes.h"
 #include "lab/model/Document.h"
 #include "lab/model/DocumentPlates.h"
+#include "lab/model/FrameFiller.h"
 #include "lab/model/FrameReader.h"
 #include "lab/model/PlateContents.h"
 #include "lab/model/RunValues.h"
@@ -110,6 +111,10 @@ RunReader::RunReader(const std::filesystem::path& path) {
     }
     return content;
   });
+}
+
+ReaderFile FileOf(const RunReader& reader) {
+  return {reader.content_->identity, reader.content_->log};
 }
 
 const std::filesystem::path& RunReader::Path() const {

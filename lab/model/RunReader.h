@@ -102,6 +102,8 @@ class VEX2_API RunReader {
  private:
   struct Content;
 
+  friend struct ReaderFile FileOf(const RunReader& reader);
+
   explicit RunReader(std::shared_ptr<const Content> content);
   const BlockInfo* findBlock(std::string_view tag) const;
   template <typename Result, typename Work>

@@ -38,7 +38,8 @@ Recorder::Outcome Recorder::Run() {
     if (options_.wait(0)) return Outcome::kInterrupted;
     Append();
     if (state_.framesDone < total && options_.pace > 0) {
-      if (options_.wait(options_.pace - state_.lastCommit)) return Outcome::kInterrupted;
+      if (options_.wait(options_.pace - state_.lastCommit.value_or(0)))
+        return Outcome::kInterrupted;
     }
   }
   Finish();

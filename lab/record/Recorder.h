@@ -28,7 +28,7 @@ struct RecordOptions {
 struct RecordState {
   std::size_t framesDone = 0;
   std::optional<std::size_t> framesTotal;  ///< nothing while nobody knows
-  double lastCommit = 0;                   ///< seconds that it took
+  std::optional<double> lastCommit;        ///< seconds that it took; nothing for who looks on
 };
 
 /// Brings a planned run to its document as an instrument would: a document with settings and

@@ -21,6 +21,7 @@ COMMANDS = {
     "detectors": ["detectors --json {}"],
     "dyes": ["dyes --json {}"],
     "calibration": ["calibration --json {}"],
+    "follow": ["follow --ndjson {}"],
     "frame": ["frame --json {} 0"],
     "spectrum": ["spectrum --json {} --well A1 --frame 0"],
     "check": ["check --notes --json {}"],

@@ -56,6 +56,7 @@ std::vector<std::unique_ptr<Command>> MakeCommands();
 
 std::unique_ptr<Command> MakeRecordCommand();
 std::unique_ptr<Command> MakeSimulateCommand();
+std::unique_ptr<Command> MakeFollowCommand();
 std::unique_ptr<Command> MakeInfoCommand();
 std::unique_ptr<Command> MakeTreeCommand();
 std::unique_ptr<Command> MakeWellsCommand();

@@ -22,12 +22,12 @@ namespace vex2::tool {
 std::vector<std::unique_ptr<Command>> MakeCommands() {
   std::vector<std::unique_ptr<Command>> commands;
   for (const auto make :
-       {MakeRecordCommand,      MakeSimulateCommand, MakeInfoCommand,      MakeTreeCommand,
-        MakeGetCommand,         MakeWellsCommand,    MakeDetectorsCommand, MakeDyesCommand,
-        MakeCalibrationCommand, MakeFrameCommand,    MakeSpectrumCommand,  MakeExportCommand,
-        MakePlotCommand,        MakeReportCommand,   MakeCopyCommand,      MakeStatusCommand,
-        MakeSetCommand,         MakeStudyCommand,    MakeCheckCommand,     MakeRepairCommand,
-        MakeRecoverCommand,     MakeHelpCommand,     MakeVersionCommand}) {
+       {MakeRecordCommand, MakeSimulateCommand,    MakeFollowCommand, MakeInfoCommand,
+        MakeTreeCommand,   MakeGetCommand,         MakeWellsCommand,  MakeDetectorsCommand,
+        MakeDyesCommand,   MakeCalibrationCommand, MakeFrameCommand,  MakeSpectrumCommand,
+        MakeExportCommand, MakePlotCommand,        MakeReportCommand, MakeCopyCommand,
+        MakeStatusCommand, MakeSetCommand,         MakeStudyCommand,  MakeCheckCommand,
+        MakeRepairCommand, MakeRecoverCommand,     MakeHelpCommand,   MakeVersionCommand}) {
     commands.push_back(make());
   }
   return commands;

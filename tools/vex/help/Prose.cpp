@@ -36,6 +36,12 @@ constexpr std::array kProse = {
           "The same seed always gives the same run, so that examples and tests can be repeated. "
           "The run is recorded frame by frame as 'vex record' does, and can be interrupted and "
           "resumed."},
+    Prose{
+        "vex follow",
+        "Shows a run live, without a part in it: the recorder never waits for a follower, and any "
+        "number of them can follow the same run. Each frame that is on the disk is printed once, "
+        "in order, also when the recorder is interrupted and resumes, and when a save replaces "
+        "the document. With --ndjson, each frame is an object with the readings of all wells."},
     Prose{"vex info",
           "Of one document, prints a screen with its kind, plate, settings, data blocks and "
           "problems. Of several documents, prints one line each."},

@@ -66,7 +66,7 @@ std::string RecordProgress::text(const RecordState& state) const {
     const auto left = static_cast<double>(total - state.framesDone);
     if (left > 0)
       text += ", " + duration(taken.count() / static_cast<double>(done) * left) + " left";
-    text += ", last commit " + milliseconds(state.lastCommit);
+    if (state.lastCommit) text += ", last commit " + milliseconds(*state.lastCommit);
   }
   const std::size_t used = Columns(name_) + text.size() + 5;
   const std::size_t room = Terminal::Error().Width() - std::min(Terminal::Error().Width(), used);

@@ -10,7 +10,7 @@
 namespace vex2::tool {
 
 /// How far a recording is, in one line on the terminal: a bar, frames, the time that is left and
-/// how long the last commit took.
+/// how long the last commit took, where that is known.
 class RecordProgress {
  public:
   explicit RecordProgress(std::string name);
