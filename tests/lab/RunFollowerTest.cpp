@@ -155,8 +155,18 @@ TEST_F(RunFollowerTest, RefusesAnotherRunInThePlaceOfTheFollowedOne) {
   record(1);
   const lab::Error error = ErrorOf([&] { static_cast<void>(follower.Next(kNoWait)); });
   EXPECT_EQ(error.Code(), lab::ErrorCode::kDocument);
-  EXPECT_THAT(error.what(), testing::HasSubstr("another run has taken the place"));
+  EXPECT_THAT(error.what(),
+              testing::HasSubstr("another run has taken the place of the one that was "
+                                 "followed, after 3 frames; follow it anew"));
   EXPECT_EQ(follower.NextFrame(), 3U);
+}
+
+TEST_F(RunFollowerTest, RefusesADocumentThatEndsInFrontOfItsReadings) {
+  record(1);
+  std::filesystem::resize_file(path(), 1040);
+  RunFollower follower(path());
+  EXPECT_THAT(ErrorOf([&] { static_cast<void>(follower.Next(kNoWait)); }).what(),
+              testing::HasSubstr("it has no readings that can be followed: "));
 }
 
 TEST_F(RunFollowerTest, RefusesAPathInAFolderThatIsNotThere) {
