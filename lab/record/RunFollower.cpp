@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "lab/Error.h"
-#include "lab/SystemError.h"
 #include "lab/Guarded.h"
+#include "lab/SystemError.h"
 #include "lab/Text.h"
 #include "lab/model/FrameFiller.h"
 #include "lab/model/RawFile.h"

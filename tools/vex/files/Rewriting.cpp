@@ -12,7 +12,8 @@ Rewriting::Rewriting() {
 }
 
 void Rewriting::AddOptions(Options& options) {
-  options.AddFlag("--upgrade", rules_.upgradeBlocks, "Convert data blocks of version 1 to version 2");
+  options.AddFlag("--upgrade", rules_.upgradeBlocks,
+                  "Convert data blocks of version 1 to version 2");
   options.AddFlag("--drop-unknown", rules_.dropUnknown, "Save even if unknown records are lost");
 }
 
