@@ -9,6 +9,7 @@ import json
 import os
 import pathlib
 import re
+import shlex
 import subprocess
 import sys
 import tempfile
@@ -24,6 +25,8 @@ COMMANDS = {
     "follow": ["follow --ndjson {}"],
     "frame": ["frame --json {} 0"],
     "spectrum": ["spectrum --json {} --well A1 --frame 0"],
+    "cq": ["cq --format json {}"],
+    "melt": ["melt --format json {}"],
     "check": ["check --notes --json {}"],
     "recover": ["recover --json {} -o recovered.vex --force"],
     "study list": ["study list --json {}"],
@@ -95,7 +98,23 @@ def make_documents(run):
     pathlib.Path("damaged.vex").write_bytes(data[:1100] + bytes(40) + data[1140:-100])
     log = data.index(b"source=simulation")
     pathlib.Path("other.vex").write_bytes(data[:log] + b"X" + data[log + 1:])
-    return ["run.vex", "study.vex", "background.vex", "damaged.vex", "other.vex"]
+    make_study_to_analyse(run)
+    return ["run.vex", "study.vex", "background.vex", "damaged.vex", "other.vex", "analysed.vex"]
+
+
+def make_study_to_analyse(run):
+    """A study of two plates with melting stages, an unknown quantity and something to find."""
+    run("simulate plate3.vex --melt 40 --wells-out wells.csv")
+    text = pathlib.Path("wells.csv").read_text(encoding="utf-8")
+    # A control that rises gives a finding.
+    text = text.replace("dilution 2,target B,STND,100000,", "dilution 2,target B,UNKN,,")
+    pathlib.Path("wells.csv").write_text(
+        text.replace("dilution 5,target B,STND,100,", "dilution 5,target B,NTC,0,"),
+        encoding="utf-8")
+    run("wells plate3.vex --from wells.csv")
+    pathlib.Path("plate4.vex").write_bytes(pathlib.Path("plate3.vex").read_bytes())
+    run("study new analysed.vex plate3.vex plate4.vex")
+    run("set analysed.vex 'endogenous-control=target A' 'calibrator=dilution 2'")
 
 
 def main():
@@ -106,7 +125,7 @@ def main():
     with tempfile.TemporaryDirectory() as folder:
 
         def run(line):
-            done = subprocess.run([vex, *line.split()], cwd=folder, capture_output=True, text=True)
+            done = subprocess.run([vex, *shlex.split(line)], cwd=folder, capture_output=True, text=True)
             return done.stdout
 
         os.chdir(folder)

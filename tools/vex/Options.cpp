@@ -76,6 +76,7 @@ template Option Options::Add(const std::string&, std::vector<std::string>&, cons
 template Option Options::Add(const std::string&, std::optional<std::string>&, const std::string&);
 template Option Options::Add(const std::string&, std::int64_t&, const std::string&);
 template Option Options::Add(const std::string&, double&, const std::string&);
+template Option Options::Add(const std::string&, std::optional<double>&, const std::string&);
 template Option Options::Add(const std::string&, std::optional<std::uint32_t>&, const std::string&);
 
 Option Options::AddFlag(const std::string& name, bool& value, const std::string& help) {

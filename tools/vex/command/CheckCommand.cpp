@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <iostream>
 
 #include "lab/check/Check.h"
@@ -8,6 +7,7 @@
 #include "lab/text/FindingsText.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
+#include "tools/vex/files/ManyFiles.h"
 #include "tools/vex/text/Terminal.h"
 
 namespace vex2::tool {
@@ -33,7 +33,7 @@ class CheckCommand final : public Command {
                  "vex check --json run.vex | jq '.findings[] | select(.severity == \"error\")'"}) {}
 
   void AddOptions(Options& options) override {
-    options.Add("FILE", files_, "The documents").Require().Show("");
+    files_.AddTo(options);
     options.AddFlag("--strict", strict_, "Exit with code 1 for warnings, too");
     options.AddFlag("--notes", notes_, "Show notes, too");
     options.AddFlag("--json", json_, "Print JSON: one object per document, one per line");
@@ -41,21 +41,14 @@ class CheckCommand final : public Command {
   }
 
   ExitCode Run() override {
-    ExitCode worst = ExitCode::kDone;
-    for (const std::string& file : files_) {
-      try {
-        worst = std::max(worst, check(file));
-      } catch (const Error& error) {
-        PrintError(error);
-        worst = std::max(worst, ExitCodeOf(error));
-      }
-    }
-    return worst;
+    return files_.ForEach(files_.List(), [&](const std::string& file) -> ManyFiles::Shown {
+      return
+          [this, file, findings = Check(file, NamesOfCommands())] { return show(file, findings); };
+    });
   }
 
  private:
-  ExitCode check(const std::string& file) const {
-    const Findings findings = Check(file, NamesOfCommands());
+  ExitCode show(const std::string& file, const Findings& findings) const {
     if (json_) {
       PrintJson(std::cout, FindingsJson(file, findings));
     } else {
@@ -66,7 +59,7 @@ class CheckCommand final : public Command {
     return isSound ? ExitCode::kDone : ExitCode::kDocument;
   }
 
-  std::vector<std::string> files_;
+  ManyFiles files_;
   bool strict_ = false;
   bool notes_ = false;
   bool json_ = false;

@@ -65,6 +65,8 @@ std::unique_ptr<Command> MakeDyesCommand();
 std::unique_ptr<Command> MakeCalibrationCommand();
 std::unique_ptr<Command> MakeFrameCommand();
 std::unique_ptr<Command> MakeSpectrumCommand();
+std::unique_ptr<Command> MakeCqCommand();
+std::unique_ptr<Command> MakeMeltCommand();
 std::unique_ptr<Command> MakeExportCommand();
 std::unique_ptr<Command> MakeReportCommand();
 std::unique_ptr<Command> MakeCopyCommand();

@@ -25,9 +25,10 @@ std::vector<std::unique_ptr<Command>> MakeCommands() {
        {MakeRecordCommand, MakeSimulateCommand,    MakeFollowCommand, MakeInfoCommand,
         MakeTreeCommand,   MakeGetCommand,         MakeWellsCommand,  MakeDetectorsCommand,
         MakeDyesCommand,   MakeCalibrationCommand, MakeFrameCommand,  MakeSpectrumCommand,
-        MakeExportCommand, MakePlotCommand,        MakeReportCommand, MakeCopyCommand,
-        MakeStatusCommand, MakeSetCommand,         MakeStudyCommand,  MakeCheckCommand,
-        MakeRepairCommand, MakeRecoverCommand,     MakeHelpCommand,   MakeVersionCommand}) {
+        MakeCqCommand,     MakeMeltCommand,        MakeExportCommand, MakePlotCommand,
+        MakeReportCommand, MakeCopyCommand,        MakeStatusCommand, MakeSetCommand,
+        MakeStudyCommand,  MakeCheckCommand,       MakeRepairCommand, MakeRecoverCommand,
+        MakeHelpCommand,   MakeVersionCommand}) {
     commands.push_back(make());
   }
   return commands;
@@ -63,7 +64,8 @@ bool asksForJson(int argumentCount, const char* const* arguments) {
   for (int i = 1; i < argumentCount; ++i) {
     const std::string_view word = arguments[i];
     if (word == "--") break;
-    if (word == "--json") return true;
+    if (word == "--json" || word == "--format=json") return true;
+    if (word == "json" && std::string_view(arguments[i - 1]) == "--format") return true;
   }
   return false;
 }
@@ -74,7 +76,7 @@ void parse(CLI::App& app, int argumentCount, const char* const* arguments) {
   } catch (const CLI::Success&) {
     throw;
   } catch (const CLI::ParseError& error) {
-    throw MisuseOf(app, error);
+    throw MisuseOf(app, error, {arguments, static_cast<std::size_t>(argumentCount)});
   }
 }
 

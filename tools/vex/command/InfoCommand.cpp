@@ -1,5 +1,5 @@
-#include <algorithm>
 #include <iostream>
+#include <memory>
 
 #include "lab/exchange/DocumentJson.h"
 #include "lab/exchange/Json.h"
@@ -8,6 +8,7 @@
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/PlateOption.h"
+#include "tools/vex/files/ManyFiles.h"
 #include "tools/vex/text/Terminal.h"
 
 namespace vex2::tool {
@@ -21,7 +22,7 @@ class InfoCommand final : public Command {
                  "vex info run.vex\nvex info *.vex\nvex info --json *.vex | jq '.frames'"}) {}
 
   void AddOptions(Options& options) override {
-    options.Add("FILE", files_, "The documents").Require().Show("");
+    files_.AddTo(options);
     plate_.AddTo(options);
     const Option screens =
         options.AddFlag("--long", screens_, "Show a full screen for each of several documents");
@@ -30,39 +31,38 @@ class InfoCommand final : public Command {
   }
 
   ExitCode Run() override {
-    ExitCode worst = ExitCode::kDone;
-    for (const std::string& file : files_) {
-      try {
-        show(file);
-      } catch (const Error& error) {
-        PrintError(error);
-        worst = std::max(worst, ExitCodeOf(error));
-      }
-    }
+    const std::vector<std::string> files = files_.List();
+    hasSeveral_ = files.size() > 1;
+    const ExitCode worst = files_.ForEach(files, [&](const std::string& file) -> ManyFiles::Shown {
+      const auto document = std::make_shared<const Document>(file, Document::Purpose::kReadHeads);
+      // What a study says has its plates in it.
+      return [this, document, overview = OverviewOf(*document, plate_.Choose(*document).front())] {
+        show(overview);
+        document->RequireWhole("");
+        return ExitCode::kDone;
+      };
+    });
     std::cout << listing_.Text();
     return worst;
   }
 
  private:
-  void show(const std::string& file) {
-    const Document document(file, Document::Purpose::kReadHeads);
-    // What a study says has its plates in it.
-    const DocumentOverview overview = OverviewOf(document, plate_.Choose(document).front());
+  void show(const DocumentOverview& overview) {
     if (json_) {
       PrintJson(std::cout, ToJson(overview));
-    } else if (files_.size() > 1 && !screens_) {
+    } else if (hasSeveral_ && !screens_) {
       listing_.Add(overview);
     } else {
       if (shown_++ > 0) std::cout << '\n';
       std::cout << OverviewText(overview, Terminal::Out(), "'vex get' prints it");
     }
-    document.RequireWhole("");
   }
 
-  std::vector<std::string> files_;
+  ManyFiles files_;
   PlateOption plate_;
   bool json_ = false;
   bool screens_ = false;
+  bool hasSeveral_ = false;
   int shown_ = 0;
   OverviewListing listing_{Terminal::Out()};
 };

@@ -4,7 +4,9 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "lab/Nearest.h"
@@ -45,6 +47,19 @@ Error unknownOption(const CLI::App& app, const std::string& call, const std::str
           fmt::format("unknown option '{}'{}", name, hint.empty() ? seeHelp(call) : hint)};
 }
 
+// "-json" would else be told as a wrong value of "-j".
+std::optional<std::string> longOptionWithOneDash(const CLI::App& app,
+                                                 std::span<const char* const> arguments) {
+  const std::vector<std::string> names = optionNames(app);
+  for (const std::string_view word : arguments) {
+    if (word == "--") break;
+    if (word.size() < 3 || word[0] != '-' || word[1] == '-') continue;
+    const std::string name = "-" + std::string(word.substr(0, word.find('=')));
+    if (std::find(names.begin(), names.end(), name) != names.end()) return std::string(word);
+  }
+  return std::nullopt;
+}
+
 ErrorCode codeOf(const CLI::ParseError& error) {
   switch (static_cast<CLI::ExitCodes>(error.get_exit_code())) {
     case CLI::ExitCodes::RequiredError:
@@ -80,13 +95,17 @@ Error UnknownCommand(const CLI::App& app, const std::string& call, const std::st
           fmt::format("unknown command '{}'{}", name, hint.empty() ? seeHelp(call) : hint)};
 }
 
-Error MisuseOf(const CLI::App& app, const CLI::ParseError& error) {
+Error MisuseOf(const CLI::App& app, const CLI::ParseError& error,
+               std::span<const char* const> arguments) {
   const CLI::App& chosen = ChosenApp(app);
   const std::string call = ChosenCommand(app);
   const auto unknown = app.remaining(true);
   const auto isOption = [](const std::string& word) {
     return word.size() > 1 && word.front() == '-';
   };
+  if (const auto word = longOptionWithOneDash(chosen, arguments)) {
+    return unknownOption(chosen, call, *word);
+  }
   // What is missing or surplus then is most likely what was misspelt: without a command, that.
   const bool wantsCommand = chosen.get_require_subcommand_min() > 0;
   const auto name = std::find_if_not(unknown.begin(), unknown.end(), isOption);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <span>
+
 #include "tools/vex/Errors.h"
 
 namespace CLI {
@@ -9,9 +11,11 @@ class ParseError;
 
 namespace vex2::tool {
 
-/// What to tell the user when the command line of `app` could not be parsed: the word that is not
-/// known with the name that was most likely meant, or what is missing, surplus or no value.
-Error MisuseOf(const CLI::App& app, const CLI::ParseError& error);
+/// What to tell the user when `arguments`, the command line of `app`, could not be parsed: the word
+/// that is not known with the name that was most likely meant, or what is missing, surplus or no
+/// value.
+Error MisuseOf(const CLI::App& app, const CLI::ParseError& error,
+               std::span<const char* const> arguments);
 
 /// The innermost command that was typed, `app` itself when there is none.
 const CLI::App& ChosenApp(const CLI::App& app);

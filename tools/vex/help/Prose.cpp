@@ -66,6 +66,26 @@ constexpr std::array kProse = {
           "nothing else, so a frame of a large document is shown at once."},
     Prose{"vex spectrum",
           "Prints the stored readings of a well in one frame, as a drawing or as a table."},
+    Prose{"vex cq",
+          "Subtracts a baseline from the amplification curve of each well and detector, and finds "
+          "the quantification cycle (Cq): where the curve passes the threshold of its detector, or "
+          "with --method sdm where its second derivative is largest. A well without a Cq has a "
+          "note that says why: it does not rise, rises too late, or is too noisy.\n\n"
+          "Baseline and threshold are those that somebody has set for the detector (see 'vex "
+          "detectors'), and are chosen automatically where nobody has. The baseline is then a "
+          "line through the cycles from the third to eight before the curve takes off; the "
+          "threshold is the median fluorescence at which the detector's curves take off.\n\n"
+          "Wells of task STND with quantities make a standard curve; quantities of other wells "
+          "are read off it, with their 95 % confidence intervals. Where the document names an "
+          "endogenous control and a calibrator (see 'vex set'), samples are compared by their "
+          "delta Cq. Findings name what to look at before the results are used: replicates that "
+          "differ, no-template controls that rise, saturated readings, drifting baselines, wells "
+          "that were not measured. The document is not changed."},
+    Prose{"vex melt",
+          "Finds the peaks of -dF/dT in the melting stage of each well and detector: the "
+          "temperature at which a product comes apart, the height of the peak, and its width at "
+          "half of its prominence. A well without a peak has one row without a number. The "
+          "derivative is the slope of a parabola through the readings within 1 degree."},
     Prose{"vex export",
           "The columns are the well, the stage, the cycle, the time, the temperature and the "
           "fluorescence; with several dyes a channel is added. Only the person or program that "

@@ -1,0 +1,292 @@
+#!/usr/bin/env python3
+"""Finds quantification cycles a second time, and compares: cq_reference.py VEX [FOLDER]
+
+Written from the definitions in lab/analysis/Cq.h and not from the sources. Records runs, reads their
+readings with `vex export`, and compares each value of `vex cq` with its own: the cycles, the
+thresholds and the baselines of both methods. FOLDER holds readings of real runs, and is
+../shared/data/real beside the tree where it is not given; without it only simulated runs are
+compared. What a real calibration is known to show must come out, too: see `judge`. With --self-test
+in front, changes one value of each run, which must be found.
+"""
+
+import csv
+import io
+import math
+import pathlib
+import statistics
+import subprocess
+import sys
+import tempfile
+
+TOLERANCE = 0.001
+FEWEST = 10  # cycles
+
+
+def line(xs, ys):
+    """Intercept and slope by least squares."""
+    mean_x, mean_y = statistics.fmean(xs), statistics.fmean(ys)
+    slope = (sum((x - mean_x) * (y - mean_y) for x, y in zip(xs, ys))
+             / sum((x - mean_x) ** 2 for x in xs))
+    return mean_y - slope * mean_x, slope
+
+
+def without_gaps(points):
+    """Readings at consecutive cycles, those missing between others on straight lines."""
+    known = [(cycle, value) for cycle, value in points if value is not None]
+    filled = []
+    for cycle, value in points:
+        before = [point for point in known if point[0] <= cycle]
+        after = [point for point in known if point[0] >= cycle]
+        if not before or not after:
+            continue
+        (x0, y0), (x1, y1) = before[-1], after[0]
+        filled.append((cycle, y0 if x0 == x1 else y0 + (y1 - y0) * (cycle - x0) / (x1 - x0)))
+    return filled
+
+
+def second_derivative(y, i):
+    """Twice the quadratic term of the parabola through five readings, by its normal equations."""
+    window = [(k, y[i + k]) for k in range(-2, 3)]
+    # The sums of k^0, k^2 and k^4 over the window are 5, 10 and 34.
+    level = sum(value for _, value in window)
+    square = sum(k * k * value for k, value in window)
+    return 2 * (5 * square - 10 * level) / (5 * 34 - 10 * 10)
+
+
+class Curve:
+    def __init__(self, well, points):
+        self.well = well
+        points = without_gaps(points)
+        self.cycles = [cycle for cycle, _ in points]
+        self.y = [value for _, value in points]
+        self.usable = len(points) >= FEWEST
+        if not self.usable:
+            return
+        self.find_take_off()
+        self.find_baseline()
+
+    def find_take_off(self):
+        places = range(4, len(self.y) - 2)  # from the fifth cycle to the last but two
+        best = max(places, key=lambda i: (second_derivative(self.y, i), -i))
+        self.ends_rising = best == places[-1]
+        self.take_off = float(best)
+        if not self.ends_rising:
+            left, top, right = (second_derivative(self.y, best + k) for k in (-1, 0, 1))
+            if left + right - 2 * top < 0:
+                shift = (left - right) / (2 * (left + right - 2 * top))
+                self.take_off += min(max(shift, -0.5), 0.5)
+
+    def fit(self, first, last):
+        """`first` and `last` are indexes."""
+        xs, ys = self.cycles[first:last + 1], self.y[first:last + 1]
+        self.baseline = xs[0], xs[-1]
+        intercept, slope = line(xs, ys) if len(xs) >= 8 else (statistics.fmean(ys), 0.0)
+        rest = sum((y - intercept - slope * x) ** 2 for x, y in zip(xs, ys))
+        self.noise = math.sqrt(rest / (len(xs) - (2 if len(xs) >= 8 else 1)))
+        self.corrected = [y - intercept - slope * x for x, y in zip(self.cycles, self.y)]
+        top = max(range(int(self.take_off), len(self.y)), key=lambda i: (self.corrected[i], -i))
+        self.top, self.amplitude = top, self.corrected[top]
+
+    def find_baseline(self):
+        third = 2
+        eight_before = math.floor(self.take_off) - 8
+        self.fit(third, max(eight_before, third + 2))
+
+    def between(self, values, place):
+        low = math.floor(place)
+        if low + 1 >= len(values):
+            return values[-1]
+        return values[low] + (place - low) * (values[low + 1] - values[low])
+
+    def crossing(self, threshold):
+        if self.amplitude < threshold:
+            return None
+        passes = [i for i in range(1, self.top + 1)
+                  if self.corrected[i - 1] < threshold <= self.corrected[i]]
+        if not passes:
+            return None
+        low, high = self.corrected[passes[-1] - 1], self.corrected[passes[-1]]
+        if low > 0:
+            part = math.log(threshold / low) / math.log(high / low)
+        else:
+            part = (threshold - low) / (high - low)
+        return self.between(self.cycles, passes[-1] - 1 + part)
+
+
+def analyse(curves):
+    """The values of each curve by method: cq, threshold, begin and end of the baseline."""
+    usable = [curve for curve in curves if curve.usable]
+    highest = max(statistics.median(curve.corrected[-3:]) for curve in usable)
+    rising = [curve for curve in usable if curve.amplitude > 0
+              and curve.amplitude >= 10 * curve.noise and curve.amplitude >= 0.05 * highest]
+    levels = {}
+    for curve in rising:
+        level = curve.between(curve.corrected, curve.take_off)
+        if not curve.ends_rising and level > 0:
+            kinds = levels.setdefault(curve.well["target"], ([], []))
+            kinds[curve.well["task"] == "NTC"].append(level)
+    thresholds = {name: statistics.median(kinds[0] or kinds[1]) for name, kinds in levels.items()}
+    found = {"threshold": [], "sdm": []}
+    for curve in curves:
+        threshold = thresholds.get(curve.well["target"])
+        crossing = take_off = None
+        if curve in rising:
+            crossing = curve.crossing(threshold) if threshold else None
+            if not curve.ends_rising:
+                take_off = curve.between(curve.cycles, curve.take_off)
+        elif curve.usable:
+            curve.fit(2, len(curve.y) - 1)
+        begin, end = curve.baseline if curve.usable else (None, None)
+        found["threshold"].append((crossing, threshold, begin, end))
+        found["sdm"].append((take_off, threshold, begin, end))
+    return found
+
+
+def read_curves(vex, path):
+    wells = list(csv.DictReader(io.StringIO(run(vex, "wells", path, "--csv"))))
+    points = {}
+    for row in csv.DictReader(io.StringIO(run(vex, "export", path))):
+        if row["stage"] == "amplification":
+            value = None if row["fluorescence"] == "NA" else float(row["fluorescence"])
+            points.setdefault(row["well"], []).append((float(row["cycle"]), value))
+    return [Curve(well, points[well["well"]]) for well in wells if well["target"]]
+
+
+def run(vex, *arguments):
+    done = subprocess.run([vex, *map(str, arguments)], capture_output=True, text=True)
+    if done.returncode:
+        sys.exit(f"vex {' '.join(map(str, arguments))}: {done.stderr}")
+    return done.stdout
+
+
+def differs(own, theirs, scale=1.0):
+    if own is None or theirs == "":
+        return (own is None) != (theirs == "")
+    return not abs(own - float(theirs)) <= TOLERANCE * scale
+
+
+def compare(vex, path, spoil):
+    """The differences in one run, and the number of cycles that agree."""
+    curves = read_curves(vex, path)
+    faults, agreed = [], 0
+    for method, values in analyse(curves).items():
+        rows = list(csv.DictReader(io.StringIO(
+            run(vex, "cq", path, "--method", method, "--format", "csv"))))
+        if len(rows) != len(curves):
+            return [f"{path.name}: {len(rows)} rows for {len(curves)} curves"], 0
+        if spoil:
+            place = next(i for i, row in enumerate(rows) if row["cq"])
+            rows[place]["cq"] = str(float(rows[place]["cq"]) + 2 * TOLERANCE)
+        for curve, row, (cq, threshold, begin, end) in zip(curves, rows, values):
+            name = f"{path.name}, {method}, {row['well']}"
+            if row["well"] != curve.well["well"] or row["detector"] != curve.well["target"]:
+                faults.append(f"{name}: stands for {curve.well['well']}")
+            if differs(cq, row["cq"]):
+                faults.append(f"{name}: Cq {row['cq'] or 'none'}, by definition {cq}; {row['note']}")
+            if differs(threshold, row["threshold"], threshold or 1):
+                faults.append(f"{name}: threshold {row['threshold']}, by definition {threshold}")
+            if differs(begin, row["baseline_start"]) or differs(end, row["baseline_end"]):
+                faults.append(f"{name}: baseline {row['baseline_start']}-{row['baseline_end']}, "
+                              f"by definition {begin}-{end}")
+            agreed += cq is not None and not differs(cq, row["cq"])
+    return faults, agreed
+
+
+def r_squared(xs, ys):
+    intercept, slope = line(xs, ys)
+    mean = statistics.fmean(ys)
+    return 1 - (sum((y - intercept - slope * x) ** 2 for x, y in zip(xs, ys))
+                / sum((y - mean) ** 2 for y in ys))
+
+
+def judge(vex, path):
+    """What is wrong with the results of a real calibration, a dilution series for each detector.
+
+    The mean cycle of each quantity is a line of its logarithm in 12 of 16 detectors. The means are
+    taken because the series are of two cultures, which differ by up to a cycle. Wells without
+    template have no cycle or a later one than every sample of the detector, and in 95 % of the wells
+    the methods agree within 0.7 cycles.
+    """
+    by_method = [list(csv.DictReader(io.StringIO(
+        run(vex, "cq", path, "--method", method, "--format", "csv")))) for method in
+        ("threshold", "sdm")]
+    rows = by_method[0]
+    faults = []
+    detectors = {row["detector"] for row in rows}
+    straight = 0
+    for detector in detectors:
+        levels, latest, controls = {}, 0, []
+        for row in rows:
+            if row["detector"] != detector or not row["cq"]:
+                continue
+            if row["task"] == "STND":
+                levels.setdefault(float(row["quantity"]), []).append(float(row["cq"]))
+                latest = max(latest, float(row["cq"]))
+            elif row["sample"].endswith(" NT"):
+                controls.append((row["well"], float(row["cq"])))
+        straight += r_squared([math.log10(quantity) for quantity in levels],
+                              [statistics.fmean(cqs) for cqs in levels.values()]) >= 0.98
+        faults += [f"{well}: no template, but Cq {cq}" for well, cq in controls if cq <= latest]
+    if straight < 0.75 * len(detectors):
+        faults.append(f"{straight} of {len(detectors)} detectors have a straight line")
+    both = [abs(float(one["cq"]) - float(other["cq"])) for one, other in zip(*by_method)
+            if one["cq"] and other["cq"]]
+    agreed = sum(difference <= 0.7 for difference in both)
+    print(f"{path.name}: {straight} of {len(detectors)} lines are straight, the methods agree in "
+          f"{agreed} of {len(both)} wells")
+    if agreed < 0.95 * len(both):
+        faults.append(f"the methods agree in {agreed} of {len(both)} wells")
+    return faults
+
+
+def with_gaps(path):
+    """A copy of a table of readings in which some are missing."""
+    lines = path.read_text(encoding="utf-8").splitlines()
+    for i in range(1, len(lines), 17):
+        lines[i] = lines[i].rsplit(",", 1)[0] + ",NA"
+    copy = path.with_name("gaps.csv")
+    copy.write_text("\n".join(lines) + "\n", encoding="utf-8")
+    return copy
+
+
+def make_runs(vex, folder, real):
+    runs = []
+    for seed, wells in ((1, 96), (2, 384)):
+        runs.append(folder / f"simulated{seed}.vex")
+        run(vex, "simulate", runs[-1], "--seed", seed, "--wells", wells, "--cycles", 45,
+            "--readings-out", folder / f"readings{seed}.csv", "--wells-out", folder / "wells.csv",
+            "--force")
+    runs.append(folder / "gaps.vex")
+    run(vex, "record", runs[-1], "--readings", with_gaps(folder / "readings2.csv"),
+        "--wells", folder / "wells.csv")
+    for readings in sorted(real.glob("*-readings.csv")):
+        runs.append(folder / readings.name.replace("-readings.csv", ".vex"))
+        run(vex, "record", runs[-1], "--readings", readings,
+            "--wells", str(readings).replace("-readings", "-wells"))
+    return runs
+
+
+def main():
+    arguments = sys.argv[1:]
+    spoil = arguments[0] == "--self-test"
+    vex = pathlib.Path(arguments[spoil]).resolve()
+    root = pathlib.Path(__file__).resolve().parents[2]
+    real = pathlib.Path(arguments[spoil + 1] if len(arguments) > spoil + 1
+                        else root.parent / "shared" / "data" / "real")
+    missed = False
+    with tempfile.TemporaryDirectory() as folder:
+        for path in make_runs(vex, pathlib.Path(folder), real):
+            faults, agreed = compare(vex, path, spoil)
+            if path.name.startswith("calibration-384") and not spoil:
+                faults += judge(vex, path)
+            print(f"{path.name}: {agreed} cycles agree, {len(faults)} values differ")
+            if spoil:
+                missed = missed or len(faults) != 2
+            else:
+                print("\n".join(faults[:20]), end="\n" if faults else "")
+                missed = missed or bool(faults) or agreed == 0
+    return 1 if missed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

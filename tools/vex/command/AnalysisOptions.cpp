@@ -1,0 +1,27 @@
+#include "tools/vex/command/AnalysisOptions.h"
+
+#include "tools/vex/Errors.h"
+#include "tools/vex/Options.h"
+
+namespace vex2::tool {
+
+void AnalysisOptions::AddTo(Options& options) {
+  options.Add("--detector", detector, "This detector alone; all if none").Show("NAME");
+  options.Add("--plate", plate, "Of a study: this plate alone; all if none").Show("NAME");
+  options.Add("--format", format, "table (the default), csv or json")
+      .AllowOnly({"table", "csv", "json"})
+      .Show("NAME");
+}
+
+RunReader AnalysisOptions::Open(const std::string& path) const {
+  const RunReader run(path);
+  return plate ? run.Plate(*plate) : run;
+}
+
+void RequireWhole(const RunReader& run) {
+  if (run.IsWhole()) return;
+  const FileFault& fault = run.Faults().front();
+  throw Error(ErrorCode::kDocument, run.Path().string(), fault.what, fault.offset);
+}
+
+}  // namespace vex2::tool
