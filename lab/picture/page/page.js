@@ -85,8 +85,24 @@
     return thresholds;
   }
 
+  // The charts are drawn in the next frame. Until then the page is shorter, and a browser scrolls up.
+  function keepPlace(work) {
+    if (!Vex.model) return work();
+    const top = scrollY;
+    document.body.style.minHeight = `${document.body.scrollHeight}px`;
+    work();
+    requestAnimationFrame(() => requestAnimationFrame(() => {
+      document.body.style.minHeight = '';
+      scrollTo({top, behavior: 'instant'});
+    }));
+  }
+
   // Shows the data. What the reader has chosen stays, as far as the data still have it.
   function update(data) {
+    keepPlace(() => show(data));
+  }
+
+  function show(data) {
     if (data.version !== 1) {
       byId('messages').replaceChildren(h('p', {class: 'message bad'},
         `The page is for data of version 1, and these have version ${data.version}.`));
