@@ -21,7 +21,7 @@ class RunFollower;
 /// What is known of a document, or of a plate in it, at a glance.
 nlohmann::ordered_json ToJson(const DocumentOverview& overview);
 
-/// The plate's rows and columns, and in "wells" what stands in each well that is set up.
+/// The plate's rows and columns, and in "wells" the sample and detectors of each well in the setup.
 nlohmann::ordered_json DescribeWells(const Vex2FileManager& document);
 
 /// A list of the plate's detectors, each with all its fields.

@@ -30,7 +30,7 @@ struct ExportCounts {
 ExportCounts WriteReadings(std::ostream& out, const std::vector<ExportedBlock>& blocks,
                            bool ofPlates);
 
-/// Writes what is stored in the blocks as CSV, whoever wrote it.
+/// Writes the stored values of the blocks as CSV, also those of other programs.
 void WriteStored(std::ostream& out, const std::vector<ExportedBlock>& blocks, bool ofPlates);
 
 /// Writes the spectra of the well with that name in frame `frame`, from 0, as CSV, a row for each

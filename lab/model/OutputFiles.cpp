@@ -110,7 +110,7 @@ void OutputFiles::checkExisting(const File& output) const {
   if (output.isSame || ::lstat(output.resolved.c_str(), &info) != 0) return;
   if (output.kind == Kind::kTable && isPlateDocument(output.path)) {
     throw Error(ErrorCode::kUsage, output.path,
-                "is a plate document, which is never replaced by a table; give another name");
+                "is a plate document, which nothing else ever replaces; give another name");
   }
   if (!mayReplace_)
     throw Error(ErrorCode::kExists, output.path, fmt::format("already exists; {}", remedy_));

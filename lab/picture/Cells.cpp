@@ -89,7 +89,7 @@ class Picture {
     }
   }
 
-  // What stands left of each line.
+  // The text to the left of each line.
   std::vector<std::string> labelsOf(std::size_t lines) const {
     std::vector<std::string> labels(lines);
     for (const auto& [value, words] : scene_.y.ticks) {

@@ -16,7 +16,7 @@ namespace vex2::lab {
 
 /// How far a run that is followed has come.
 enum class FollowState {
-  kWaiting,  ///< there is no document at the path yet
+  kWaiting,  ///< no document exists at the path yet
   kRunning,  ///< its run goes on, or was interrupted and may be resumed
   kDone,     ///< its run is complete, and every frame was handed out
 };

@@ -36,7 +36,7 @@ class TextForm {
 
   /// `text` in that style; as it is where there are no colors.
   std::string Styled(std::string_view text, Style style) const;
-  /// What stands for text that was left out.
+  /// The mark for text that was left out.
   std::string_view Ellipsis() const { return IsAscii() ? "..." : "…"; }
   /// `text` without anything that a terminal would obey, and in the characters that may be used.
   std::string Printable(std::string_view text) const;

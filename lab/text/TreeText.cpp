@@ -38,7 +38,7 @@ void TreeText::Finish(std::uint64_t size) {
        << form_.Styled("bytes that are no record", Style::kYellow) << '\n';
 }
 
-// Above the first record, so that there is none above an error.
+// Printed with the first record, so that an error without records has no heading.
 void TreeText::writeHead() {
   if (hasHead_) return;
   hasHead_ = true;

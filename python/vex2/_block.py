@@ -59,7 +59,7 @@ class Frame:
         time_s: seconds since the run began, of the first well; None where it is not known.
         temperature_c: degrees Celsius, of the first well; None where it is not known.
         wells: uint16 array (wells,): the well numbers, from 1.
-        leading: uint16 array (wells, 8): what stands before the readings.
+        leading: uint16 array (wells, 8): the values stored in front of the readings.
         readings: uint16 array (wells, 32): the readings as stored.
         fluorescence: float64 array (wells, channels), NaN where a reading is missing; no channels
             where the meaning of the readings is not known.

@@ -13,8 +13,8 @@ Path = Union[str, "os.PathLike[str]"]
 
 
 def check(document: Any) -> Findings:
-    """Looks for everything that can be wrong with a document, without changing it. What `open`
-    takes can be checked. A file that is no document gives a finding, not an error.
+    """Looks for everything that can be wrong with a document, without changing it. It takes
+    what `open` takes. For a file that is not a document it returns a finding and does not raise.
 
     Raises:
         FileError: the file cannot be read.

@@ -98,8 +98,9 @@ class Recorder:
             frame: for a recorder with a scale the readings in real units, (wells,) or (wells,
                 channels), NaN where one is missing; else the stored readings, uint16 (wells, up to
                 32), or a `Frame` as another run has it. Wells are in the order of `wells`.
-            leading: without a scale, what stands before the readings: uint16 (wells, 8). The first
-                must not be 0, which is a record that is not filled; 1 for all without it.
+            leading: without a scale, the values stored in front of the readings: uint16 (wells, 8).
+                The first must not be 0, which marks an empty record. Without this, each record
+                has 1 there.
             stage: with a scale, "amplification" or "melt".
             cycle: with a scale, the cycle within the stage, from 1.
             time_s: with a scale, seconds since the run began, one number or one for each well.
