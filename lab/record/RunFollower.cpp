@@ -114,7 +114,8 @@ class RunFollower::Impl {
     const auto sight = sightOf(path_);
     if (!sight) return;
     const bool isNew = !known_.run || sight->identity != known_.sight.identity;
-    if (isNew || (known_.block == nullptr && *sight != known_.sight)) {
+    const bool isChanged = known_.block == nullptr && *sight != known_.sight;
+    if (isNew || isChanged || !hasBlockInPlace(known_)) {
       Known met = meet(*sight);
       if (!met.run) return;
       requireSameRun(met);
@@ -173,6 +174,14 @@ class RunFollower::Impl {
     std::array<std::uint8_t, kCodeLength> status{};
     if (!file.Read(HeaderLayout::kStatusAt, status)) return {};
     return {status.begin(), status.end()};
+  }
+
+  // Where a save cannot rename, it writes into the file itself, and the block can move.
+  static bool hasBlockInPlace(const Known& known) {
+    if (known.block == nullptr) return true;
+    std::array<std::uint8_t, kTagLength> tag{};
+    return known.file.Read(known.stored.record.offset, tag) &&
+           std::equal(tag.begin(), tag.end(), known.stored.record.tagBytes.begin());
   }
 
   // A commit rewrites the length of the block in place, so it is read until it stays the same.

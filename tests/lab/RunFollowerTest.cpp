@@ -147,6 +147,21 @@ TEST_F(RunFollowerTest, GoesOnAfterASaveOfTheWholeDocument) {
   EXPECT_EQ(take(follower), std::vector<std::uint64_t>{});
 }
 
+TEST_F(RunFollowerTest, GoesOnWhereASaveInPlaceMovedTheFrames) {
+  RunFollower follower(path());
+  record(2);
+  EXPECT_EQ(take(follower).size(), 2U);
+  const std::string other = folder_ / "other.vex";
+  lab::RecordingPlan longer = plan();
+  longer.comment = std::string(1000, 'x');
+  {
+    lab::RunRecorder recording(other, longer);
+    for (std::size_t i = 0; i < 3; ++i) recording.Append(frame(i));
+  }
+  WriteBytes(path(), ReadBytes(other));
+  EXPECT_EQ(take(follower), (std::vector<std::uint64_t>{2}));
+}
+
 TEST_F(RunFollowerTest, RefusesAnotherRunInThePlaceOfTheFollowedOne) {
   RunFollower follower(path());
   record(3);
