@@ -39,6 +39,7 @@ void RecordingDocument::Claim(const RunPlan& plan) {
 bool RecordingDocument::Begin(const RunPlan& plan) {
   if (!interrupted_) {
     make(plan);
+    noteFile();
     return true;
   }
   if (!WasDone()) interrupted_->Repair();
@@ -48,6 +49,7 @@ bool RecordingDocument::Begin(const RunPlan& plan) {
   if (WasDone()) return false;
   check(manager_.SetAcquisitionStatus(document_.c_str(), RunStatus::kInProgress.data()));
   if (!interrupted_->HasBlock()) openBlock(plan);
+  noteFile();
   return true;
 }
 
@@ -72,7 +74,16 @@ void RecordingDocument::openBlock(const RunPlan& plan) {
 
 void RecordingDocument::Commit(const RunPlan& plan, std::span<const Vex2WellRecord> records) {
   RequireSynced();
+  requireOwnFile();
+  readAnew(plan);
   const auto index = static_cast<int>(frameCount_);
+  if (manager_.GetDataFrameCount(DataRAWa) > index) {
+    // The frame of the failed commit counts, because it could not be taken back.
+    if (!holdsFrame(index, plan, records)) refuseOtherFrames();
+    ++frameCount_;
+    return;
+  }
+  hasFailedCommit_ = true;  // until it has succeeded
   for (std::size_t i = 0; i < records.size(); ++i) {
     if (!manager_.SetAcqDataWellRecord(&records[i], index, plan.wells[i], DataRAWa)) {
       throw Error(ErrorCode::kSystem, options_.path, "the data block cannot grow further");
@@ -84,7 +95,62 @@ void RecordingDocument::Commit(const RunPlan& plan, std::span<const Vex2WellReco
   hasFailedSync_ =
       hasFailedSync_ || (status != kSuccess && failure.operation == FileOperation::kSync);
   check(status);
+  hasFailedCommit_ = false;
+  noteFile();
   ++frameCount_;
+}
+
+void RecordingDocument::noteFile() {
+  struct stat info {};
+  if (::stat(document_.c_str(), &info) != 0) return;
+  identity_ = {info.st_dev, info.st_ino};
+  size_ = static_cast<std::uint64_t>(info.st_size);
+}
+
+// A failed commit can leave bytes behind that it could not cut off. A file that is gone is left to
+// the operation, which knows the system's reason.
+void RecordingDocument::requireOwnFile() const {
+  struct stat info {};
+  if (::stat(document_.c_str(), &info) != 0) return;
+  const bool isSame = identity_ == FileIdentity{info.st_dev, info.st_ino} &&
+                      (hasFailedCommit_ || size_ == static_cast<std::uint64_t>(info.st_size));
+  if (isSame) return;
+  throw Error(ErrorCode::kDocument, options_.path,
+              "cannot record further: another program has changed or replaced the file since the "
+              "last frame; look at it, and record or resume anew");
+}
+
+// What the manager holds of a frame whose commit failed must not reach the file by another way, and
+// to set the only well of a frame a second time would count the frame twice.
+void RecordingDocument::readAnew(const RunPlan& plan) {
+  if (!hasFailedCommit_) return;
+  check(manager_.ReadFromFile(document_.c_str()));
+  if (manager_.GetDataFrameCount(DataRAWa) == 0) {
+    if (frameCount_ > 0) refuseOtherFrames();
+    openBlock(plan);
+  }
+  const auto frames = static_cast<std::size_t>(manager_.GetDataFrameCount(DataRAWa));
+  if (frames != frameCount_ && frames != frameCount_ + 1) refuseOtherFrames();
+  hasFailedCommit_ = false;
+  noteFile();
+}
+
+bool RecordingDocument::holdsFrame(int index, const RunPlan& plan,
+                                   std::span<const Vex2WellRecord> records) const {
+  for (std::size_t i = 0; i < records.size(); ++i) {
+    Vex2WellRecord stored;
+    if (!manager_.GetAcqDataWellRecord(&stored, index, plan.wells[i], DataRAWa) ||
+        stored != records[i]) {
+      return false;
+    }
+  }
+  return true;
+}
+
+void RecordingDocument::refuseOtherFrames() const {
+  throw Error(ErrorCode::kDocument, options_.path,
+              "cannot record further: after a failed commit it holds other frames than were "
+              "recorded; resume with a new recorder");
 }
 
 void RecordingDocument::RequireSynced() const {
@@ -96,6 +162,11 @@ void RecordingDocument::RequireSynced() const {
 
 void RecordingDocument::Finish(const RunPlan& plan) {
   RequireSynced();
+  requireOwnFile();
+  readAnew(plan);
+  if (static_cast<std::size_t>(manager_.GetDataFrameCount(DataRAWa)) != frameCount_) {
+    refuseOtherFrames();
+  }
   if (plan.isLive) {
     manager_.KeepingRawDataLast([&] { StoreWhatIsKnownLast(manager_, plan); });
   }

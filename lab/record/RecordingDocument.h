@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -10,6 +11,7 @@
 
 #include "lab/model/DocumentFile.h"
 #include "lab/model/DocumentLock.h"
+#include "lab/model/FrameReader.h"
 #include "lab/record/InterruptedRun.h"
 #include "lab/record/RunPlan.h"
 #include "vex2/run/Vex2WellRecord.h"
@@ -22,7 +24,8 @@ namespace vex2::lab {
 /// frames are committed.
 ///
 /// Every operation throws an error that names the document. After a failed commit the document
-/// holds the frames before, and the same frame may be tried again.
+/// holds the frames before, and the same frame may be tried again. A file that another program has
+/// put in the document's place, or changed, is never written to.
 class RecordingDocument {
  public:
   struct Options {
@@ -62,6 +65,11 @@ class RecordingDocument {
  private:
   void make(const RunPlan& plan);
   void openBlock(const RunPlan& plan);
+  void noteFile();
+  void requireOwnFile() const;
+  void readAnew(const RunPlan& plan);
+  bool holdsFrame(int index, const RunPlan& plan, std::span<const Vex2WellRecord> records) const;
+  [[noreturn]] void refuseOtherFrames() const;
   void check(int status) const;
 
   Options options_;
@@ -70,7 +78,10 @@ class RecordingDocument {
   std::optional<InterruptedRun> interrupted_;  ///< what to resume; nothing: a new document
   DocumentFile manager_;
   std::size_t frameCount_ = 0;
-  bool hasFailedSync_ = false;  ///< the disk failed to store a frame
+  FileIdentity identity_;         ///< of the file that this recorded to last
+  std::uint64_t size_ = 0;        ///< that it had then
+  bool hasFailedCommit_ = false;  ///< the manager may hold a frame that the file does not
+  bool hasFailedSync_ = false;    ///< the disk failed to store a frame
 };
 
 }  // namespace vex2::lab

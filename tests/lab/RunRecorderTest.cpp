@@ -320,6 +320,71 @@ TEST_F(RunRecorderTest, FailedCommitCanBeTriedAgain) {
   expectFrames(kFrames);
 }
 
+// The only well of a frame: that it is set a second time must not count the frame twice.
+TEST_F(RunRecorderTest, FailedCommitOfOneWellCountsOnce) {
+  RecordingPlan plan = rawPlan();
+  plan.plate.wells.resize(1);
+  const auto frameOf = [](std::size_t index) {
+    auto frame = rawFrame(index);
+    frame.resize(1);
+    return frame;
+  };
+  const auto recordTo = [&](const std::string& path, bool failing) {
+    FaultyFileSystem files;
+    RunRecorder made(path, plan);
+    for (std::size_t i = 0; i < kFrames; ++i) {
+      if (failing && i % 2 == 0) {
+        files.FailKind(FileCall::write, ENOSPC);
+        EXPECT_EQ(ErrorOf([&] { made.Append(frameOf(i)); }).Code(), ErrorCode::kDiskFull);
+        files.Heal(FileCall::write);
+      }
+      made.Append(frameOf(i));
+    }
+    made.Finish();
+  };
+  recordTo(path(), true);
+  const std::string smooth = folder_ / "smooth.vex";
+  recordTo(smooth, false);
+  EXPECT_EQ(FirstDifference(ReadBytes(path()), ReadBytes(smooth)), "");
+}
+
+TEST_F(RunRecorderTest, FinishLeavesOutAFrameWhoseCommitFailed) {
+  FaultyFileSystem files;
+  RecordingPlan plan = rawPlan();
+  plan.frameCount.reset();
+  RunRecorder made(path(), plan);
+  made.Append(rawFrame(0));
+  files.FailKind(FileCall::write, ENOSPC);
+  EXPECT_EQ(ErrorOf([&] { made.Append(rawFrame(1)); }).Code(), ErrorCode::kDiskFull);
+  files.Heal(FileCall::write);
+  made.Finish();
+  expectFrames(1);
+}
+
+TEST_F(RunRecorderTest, NeverWritesToAnotherFileInItsPlace) {
+  const std::string other = folder_ / "other.vex";
+  {
+    RunRecorder made(other, rawPlan());
+    for (std::size_t i = 0; i < kFrames; ++i) made.Append(rawFrame(i));
+    made.Finish();
+  }
+  const Bytes bytes = ReadBytes(other);
+  for (const bool inPlace : {true, false}) {
+    std::filesystem::remove(path());
+    RunRecorder made = recorder();
+    made.Append(rawFrame(0));
+    if (inPlace) {
+      WriteBytes(path(), bytes);
+    } else {
+      std::filesystem::copy_file(other, folder_ / "copy.vex");
+      std::filesystem::rename(folder_ / "copy.vex", path());
+    }
+    EXPECT_THAT(messageOf([&] { made.Append(rawFrame(1)); }),
+                testing::HasSubstr("another program has changed or replaced the file"));
+    EXPECT_EQ(FirstDifference(ReadBytes(path()), bytes), "");
+  }
+}
+
 TEST_F(RunRecorderTest, FailedSyncIsFinalUntilResumed) {
   FaultyFileSystem files;
   {
