@@ -7,6 +7,7 @@
 #include "lab/exchange/CsvWriter.h"
 #include "lab/exchange/DetectorsFile.h"
 #include "lab/exchange/DocumentJson.h"
+#include "lab/exchange/Json.h"
 #include "lab/model/DetectorFields.h"
 #include "lab/model/PlateContents.h"
 #include "lab/text/SetupText.h"
