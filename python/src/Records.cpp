@@ -139,13 +139,11 @@ py::str codeOf(const char (&code)[kSize]) {
 }
 
 py::object fromHeader(const Vex2HeaderData& header) {
-  py::list usage;
-  for (std::uint16_t row = 0; row < header.GetMaskCount(); ++row) usage.append(header.usage[row]);
   return Make("Header", codeOf(header.magic), header.formatA, header.formatB,
               codeOf(header.assayCode), codeOf(header.runCode), codeOf(header.plateTypeCode),
               header.rows, header.columns, header.thermocycleOffset, header.flagG,
               codeOf(header.text), codeOf(header.kindMarker), codeOf(header.acquisitionStatus),
-              header.acquisitionDataOffset, py::tuple(usage));
+              header.acquisitionDataOffset, MasksOf(header));
 }
 
 // (header, log) of the document or of one of its plates.

@@ -133,6 +133,12 @@ lab::Value ToValue(const py::handle& value) {
   return value.cast<float>();
 }
 
+py::tuple MasksOf(const Vex2HeaderData& header) {
+  // Counting walks the table, so it is done once.
+  const std::span masks(header.usage, header.GetMaskCount());
+  return TupleOf(masks, [](std::uint32_t mask) { return py::int_(mask); });
+}
+
 py::object FromWell(const lab::Well& well) {
   return Make("Well", well.number, Text(well.name), Text(well.sample),
               TupleOf(well.targets, fromTarget));

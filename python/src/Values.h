@@ -14,6 +14,7 @@
 #include "lab/model/Readings.h"
 #include "lab/model/Run.h"
 #include "lab/model/Value.h"
+#include "vex2/manager/Vex2HeaderData.h"
 
 /// The values of lab/ as Python knows them: the named tuples of vex2/_values.py, made and read.
 namespace vex2::python {
@@ -66,6 +67,9 @@ py::array_t<Number> ArrayOf(std::span<const Number> numbers) {
 
 py::object FromValue(const lab::Value& value);
 lab::Value ToValue(const py::handle& value);
+
+/// The masks of the rows that a header's usage table holds.
+py::tuple MasksOf(const Vex2HeaderData& header);
 
 py::object FromWell(const lab::Well& well);
 lab::Well ToWell(const py::handle& well);

@@ -2,7 +2,9 @@
 
 import os
 import pathlib
+import struct
 import tempfile
+import time
 
 import numpy
 import pytest
@@ -14,9 +16,14 @@ from hypothesis import strategies as some  # noqa: E402
 import vex2  # noqa: E402
 from conftest import GOLDEN, sample_plate  # noqa: E402
 
+# The same examples in each run. VEX2_RANDOM_EXAMPLES=2000 asks for that many others.
+RANDOM = int(os.environ.get("VEX2_RANDOM_EXAMPLES", "0"))
 SLOW = settings(
-    max_examples=40,
+    max_examples=RANDOM or 40,
+    derandomize=not RANDOM,
+    database=None,
     deadline=None,
+    print_blob=True,
     suppress_health_check=[HealthCheck.too_slow, HealthCheck.function_scoped_fixture],
 )
 
@@ -106,7 +113,9 @@ def look_at(content: bytes) -> None:
                 lambda: list(one.frames[:3]),
                 lambda: one.tidy() if len(one.frames) < 10 else None,
                 lambda: (one.settings, one.detectors, one.calibration, one.program),
-                lambda: one._repr_html_(),
+                lambda: (one.cq(), one.standard_curves(), one.melting_peaks()),
+                lambda: (repr(one.amplification), one.melting.to_frame()),
+                lambda: (repr(one), one._repr_html_(), one.melting._repr_html_()),
             ):
                 try:
                     ask()
@@ -120,8 +129,30 @@ def look_at(content: bytes) -> None:
 SAMPLES = sorted(GOLDEN.glob("*[a-z0-9].vex"))
 
 
+def with_plate_of(rows: int, columns: int) -> bytes:
+    """The sample run, its header claiming a plate of no known type and of this size."""
+    content = pathlib.Path("run.vex").read_bytes()
+    size = struct.pack(">4sHH", b"p9C ", 8, 12)
+    assert content.count(size) == 1
+    return content.replace(size, struct.pack(">4sHH", b"big ", rows, columns))
+
+
+def test_picture_of_a_plate_does_not_grow_with_its_header(folder):
+    run = vex2.open(with_plate_of(65535, 65535))
+    assert (run.plate.rows, run.plate.columns) == (65535, 65535)
+    assert "a plate of 65535 x 65535 wells, 0 in its setup" in run._repr_html_()
+    assert len(run.plate._repr_html_()) < 1000
+
+
+def test_header_of_many_rows_is_read_in_one_pass(folder):
+    run = vex2.open(with_plate_of(65535, 12))
+    before = time.process_time()
+    assert len(run.header.usage) == 65535
+    assert time.process_time() - before < 1
+
+
 @pytest.mark.skipif(not SAMPLES, reason="the sample documents are missing")
-@settings(SLOW, max_examples=60)
+@settings(SLOW, max_examples=RANDOM or 60, deadline=20_000)
 @given(some.data())
 def test_damaged_documents_raise_and_never_crash(data):
     content = bytearray(data.draw(some.sampled_from(SAMPLES)).read_bytes()[:20000])

@@ -184,19 +184,29 @@ class Curves:
         """The curve of one well: float64 array (frames,).
 
         Raises:
-            NotFoundError: the block has no such well.
+            NotFoundError: the block has no such well or channel.
 
         >>> vex2.open("run.vex").amplification.well("A1").shape
         (40,)
         """
         if name not in self.wells:
             raise usage(f"well {name!r} has no readings", code="no-such-well")
-        curve: NDArray[np.float64] = self.fluorescence[:, self.wells.index(name), channel]
-        return curve
+        return self._of_channel(channel)[:, self.wells.index(name)]
+
+    def _of_channel(self, channel: int) -> NDArray[np.float64]:
+        count = self.fluorescence.shape[2]
+        if not -count <= channel < count:
+            why = f"there are {count}" if count else "the meaning of the readings is not known"
+            raise usage(f"there is no channel {channel}: {why}", code="no-such-value")
+        curves: NDArray[np.float64] = self.fluorescence[:, :, channel]
+        return curves
 
     def to_frame(self, channel: int = 0) -> pd.DataFrame:
         """A DataFrame with a column for each well; its index is the cycle of an amplification and
         the temperature of a melting.
+
+        Raises:
+            NotFoundError: there is no such channel.
 
         >>> vex2.open("run.vex").melting.to_frame().index.name
         'temperature_c'
@@ -208,7 +218,7 @@ class Curves:
             self.temperature_c if is_melting else self.cycle,
             name="temperature_c" if is_melting else "cycle",
         )
-        return pandas.DataFrame(self.fluorescence[:, :, channel], index, list(self.wells))
+        return pandas.DataFrame(self._of_channel(channel), index, list(self.wells))
 
     def __repr__(self) -> str:
         frames, wells, channels = self.fluorescence.shape

@@ -19,6 +19,9 @@ _FILLS = ("#cfe8fa", "#fbe3c0", "#d3f0e2", "#f7d4e6", "#fbf6c4", "#dcd8f2", "#e4
 _LINES = ("#0072b2", "#d55e00", "#009e73", "#cc79a7", "#b8860b", "#6a5acd", "#555555")
 _WIDTH, _HEIGHT, _LEFT, _BOTTOM = 480, 220, 56, 34
 _MOST_LINES = 96
+# The largest plate that is made has as many; the header of a damaged document can say thousands of
+# millions.
+_MOST_WELLS = 1536
 
 
 def _well_title(well: Well) -> str:
@@ -30,7 +33,11 @@ def _well_title(well: Well) -> str:
 
 
 def plate_html(plate: Plate) -> str:
-    """The plate as it lies on the bench, a cell for each well, coloured by sample."""
+    """The plate as it lies on the bench, a cell for each well, coloured by sample; of a plate that
+    is too large for a picture, how many wells its setup has."""
+    if plate.rows * plate.columns > _MOST_WELLS:
+        setup = f"{len(plate.wells)} in its setup"
+        return f"<p>a plate of {plate.rows} x {plate.columns} wells, {setup}</p>"
     samples = list(dict.fromkeys(well.sample for well in plate.wells if well.sample))
     fills = {sample: _FILLS[i % len(_FILLS)] for i, sample in enumerate(samples)}
     wells = {well.number: well for well in plate.wells}

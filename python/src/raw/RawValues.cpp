@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "python/src/Bindings.h"
+#include "python/src/Values.h"
 #include "vex2/study/CNamedObject.h"
 
 namespace vex2::python {
@@ -88,13 +89,11 @@ py::bytes FromBytes(const void* data, std::size_t size) {
 }
 
 py::object FromHeader(const Vex2HeaderData& header) {
-  py::list usage;
-  for (std::uint16_t row = 0; row < header.GetMaskCount(); ++row) usage.append(header.usage[row]);
   return MakeRaw("Vex2HeaderData", codeOf(header.magic), header.formatA, header.formatB,
                  codeOf(header.assayCode), codeOf(header.runCode), codeOf(header.plateTypeCode),
                  header.rows, header.columns, header.thermocycleOffset, header.flagG,
                  codeOf(header.text), codeOf(header.kindMarker), codeOf(header.acquisitionStatus),
-                 header.acquisitionDataOffset, usage);
+                 header.acquisitionDataOffset, py::list(MasksOf(header)));
 }
 
 void ToHeader(const py::handle& from, Vex2HeaderData& header) {
