@@ -1,0 +1,157 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <random>
+#include <set>
+
+#include "lab/exchange/Diff.h"
+#include "lab/model/DocumentEditor.h"
+#include "tests/lab/ErrorOf.h"
+#include "tests/lab/RunDocuments.h"
+#include "tests/support/Files.h"
+#include "tests/support/SampleData.h"
+
+namespace {
+
+using namespace vex2::lab;
+using namespace vex2::test;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+class DiffTest : public TempFolderTest {
+ protected:
+  void SetUp() override {
+    Record(SmallRun(), one_);
+    copy();
+  }
+
+  void copy() { WriteBytes(other_, ReadBytes(one_)); }
+
+  std::string one_ = folder_ / "one.vex";
+  std::string other_ = folder_ / "other.vex";
+};
+
+TEST_F(DiffTest, DocumentDoesNotDifferFromItself) {
+  EXPECT_THAT(Diff(one_, one_), IsEmpty());
+  EXPECT_THAT(Diff(one_, other_), IsEmpty());
+  for (const auto& sample : SampleFiles("golden", ".vex")) {
+    EXPECT_THAT(Diff(sample, sample), IsEmpty()) << sample;
+  }
+}
+
+TEST_F(DiffTest, EqualDifferencesAreOne) {
+  DocumentEditor editor(other_);
+  for (Well& well : editor.Wells()) well.sample = "same";
+  editor.Save();
+  const auto differences = Diff(one_, other_);
+  std::uint64_t count = 0;
+  for (const Difference& difference : differences) {
+    EXPECT_EQ(difference.section, "wells");
+    EXPECT_EQ(difference.what, "sample");
+    EXPECT_EQ(difference.other, "same");
+    EXPECT_LE(difference.places.size(), 3U);
+    count += difference.count;
+  }
+  EXPECT_EQ(count, 96U);
+  EXPECT_LT(differences.size(), 40U);
+}
+
+TEST_F(DiffTest, ReadingsAreComparedWithinTheTolerance) {
+  Vex2FileManager document;
+  ASSERT_EQ(document.ReadFromFile(other_.c_str()), 0);
+  const double step = RunReader(one_).Readings().Meaning()->scale.Step();
+  for (const std::uint16_t well : {std::uint16_t{3}, std::uint16_t{7}}) {
+    Vex2WellRecord record;
+    ASSERT_TRUE(document.GetAcqDataWellRecord(&record, 1, well, DataRAWa));
+    RunReading reading = DecodeReading(record);
+    reading.values[0] = static_cast<std::uint16_t>(reading.values[0] + 5);
+    record = EncodeReading(reading, false);
+    ASSERT_TRUE(document.SetAcqDataWellRecord(&record, 1, well, DataRAWa));
+  }
+  ASSERT_EQ(document.SaveToFile(other_.c_str()), 0);
+  const auto differences = Diff(one_, other_);
+  ASSERT_THAT(differences, SizeIs(1));
+  EXPECT_EQ(differences[0].section, "readings");
+  EXPECT_EQ(differences[0].count, 2U);
+  EXPECT_THAT(differences[0].places,
+              ElementsAre(HasSubstr("A3 frame 1: "), HasSubstr("A7 frame 1: ")));
+  EXPECT_NEAR(differences[0].largest, 5 * step, step / 100);
+  EXPECT_THAT(Diff(one_, other_, {.tolerance = 5.01 * step}), IsEmpty());
+  EXPECT_THAT(Diff(one_, other_, {.tolerance = 4.9 * step}), SizeIs(1));
+  EXPECT_THAT(Diff(one_, other_, {.readings = false}), IsEmpty());
+}
+
+// Edits of which each changes one value in one place, and what Diff must say of it.
+TEST_F(DiffTest, NamesExactlyTheEdits) {
+  std::mt19937 random(7);
+  const auto below = [&](std::size_t count) {
+    return std::uniform_int_distribution<std::size_t>(0, count - 1)(random);
+  };
+  for (int round = 0; round < 30; ++round) {
+    copy();
+    std::multiset<std::string> expected;
+    std::set<std::size_t> edited;
+    DocumentEditor editor(other_);
+    const std::size_t edits = 1 + below(6);
+    for (std::size_t edit = 0; edit < edits; ++edit) {
+      const std::string value = "value " + std::to_string(edit);
+      Well& well = editor.Wells()[below(editor.Wells().size())];
+      switch (below(4)) {
+        case 0:
+          if (!edited.insert(well.number).second) break;
+          well.sample = value;
+          expected.insert("wells/sample/" + well.name + "/" + value);
+          break;
+        case 1:
+          if (well.targets.empty() || !edited.insert(1000U + well.number).second) break;
+          well.targets[0].quantity = 0.5F + static_cast<float>(edit);
+          expected.insert("wells/quantity/" + well.name + " " + well.targets[0].detector + "/" +
+                          std::to_string(edit) + ".5");
+          break;
+        case 2:
+          if (!edited.insert(2000).second) break;
+          editor.Set("comment", value);
+          expected.insert("settings/comment//" + value);
+          break;
+        default:
+          if (!edited.insert(2001).second) break;
+          editor.Detectors()[0].owner = value;
+          expected.insert("detectors/owner/" + editor.Detectors()[0].name + "/" + value);
+      }
+    }
+    editor.Save();
+    std::multiset<std::string> found;
+    for (const Difference& one : Diff(one_, other_)) {
+      ASSERT_EQ(one.count, 1U) << TextOf(one);
+      found.insert(one.section + "/" + one.what + "/" + (one.places.empty() ? "" : one.places[0]) +
+                   "/" + one.other.value_or("none"));
+    }
+    EXPECT_EQ(found, expected) << "round " << round;
+  }
+}
+
+TEST_F(DiffTest, BytesWithoutAKnownValueAreARecordThatDiffers) {
+  Bytes bytes = ReadBytes(other_);
+  const Bytes record = ToBytes(std::string_view("XYZa\0\0\0\3abc", 11));
+  bytes.insert(bytes.end(), record.begin(), record.end());
+  WriteBytes(other_, bytes);
+  const auto differences = Diff(one_, other_);
+  ASSERT_THAT(differences, SizeIs(1));
+  EXPECT_EQ(differences[0].section, "records");
+  EXPECT_THAT(differences[0].places, ElementsAre("XYZa"));
+  EXPECT_EQ(differences[0].one, std::nullopt);
+  EXPECT_EQ(differences[0].other, "3 bytes");
+  EXPECT_THAT(Diff(one_, other_, {.records = false}), IsEmpty());
+}
+
+TEST_F(DiffTest, DocumentThatCannotBeReadIsAnError) {
+  Bytes bytes = ReadBytes(other_);
+  bytes.resize(1100);
+  WriteBytes(other_, bytes);
+  EXPECT_EQ(ErrorOf([&] { Diff(one_, other_); }).Class(), ErrorClass::kDocument);
+  EXPECT_EQ(ErrorOf([&] { Diff(one_, folder_ / "absent.vex"); }).Code(), ErrorCode::kNoSuchFile);
+}
+
+}  // namespace
