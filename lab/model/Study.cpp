@@ -2,6 +2,7 @@
 
 #include <fmt/core.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <filesystem>
@@ -82,6 +83,14 @@ bool hasName(const Vex2FileManager& study, const CString& name) {
   return false;
 }
 
+// The name of a file: what parts folders in a path is none of its characters.
+CString fileName(std::string name) {
+  std::replace_if(
+      name.begin(), name.end(), [](char c) { return c == '/' || c == '\\'; }, '-');
+  const auto latin1 = ToLatin1(name);
+  return CString(std::string_view("/plates/" + (latin1 ? *latin1 : name) + ".vex"));
+}
+
 std::string add(Vex2FileManager& study, Document& plate) {
   DocumentFile& content = plate.Content();
   const CString path = wholePath(plate.Path());
@@ -118,6 +127,21 @@ std::string AddPlates(Vex2FileManager& study, const std::string& studyPath,
     report += add(study, plate);
   }
   return report;
+}
+
+void AddMadePlate(Vex2FileManager& study, DocumentFile& plate, const std::string& name,
+                  const std::string& modified) {
+  if (!study.IsRQS()) beginStudy(study, plate.GetHeaderData());
+  if (plate.GetPlateSize() != study.GetPlateSize()) {
+    throw Error(ErrorCode::kDocument, "the plate '" + name + "' of " + wells(plate.GetPlateSize()) +
+                                          " cannot be in a study of plates of " +
+                                          wells(study.GetPlateSize()));
+  }
+  plate.SetFilePath(fileName(name).GetString());
+  const CString date = modified.empty() ? CTime::GetCurrentTime().Format(kDateForm)
+                                        : CString(std::string_view(modified));
+  if (study.AddRQPlate(&plate, date)) return;
+  throw Error(ErrorCode::kDocument, "the study cannot hold the plate '" + name + "'");
 }
 
 void ExtractPlate(const Document& study, const Document::Plate& plate, const std::string& target,

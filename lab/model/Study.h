@@ -18,6 +18,12 @@ std::string AddPlates(Vex2FileManager& study, const std::string& studyPath,
                       const std::vector<std::string>& paths, const SaveRules& rules,
                       const std::function<void(const std::string& path)>& onPlate);
 
+/// Brings `plate`, which was not read from a file, into `study` under `name`, which is UTF-8 and
+/// stands for the name of its file without the extension. `modified` is when it was last changed,
+/// as a study stores it; empty is now. Throws an error when that cannot be.
+void AddMadePlate(Vex2FileManager& study, DocumentFile& plate, const std::string& name,
+                  const std::string& modified = {});
+
 /// Saves one plate of `study` to `target` as a document of its own. Throws an error when that
 /// fails. `OutputFiles` says whether `target` may be written.
 void ExtractPlate(const Document& study, const Document::Plate& plate, const std::string& target,

@@ -71,11 +71,15 @@ MeasuredRun LoadMeasuredRun(const MeasuredRunFiles& files) {
     if (!frame.IsComplete()) collector.RefuseIncomplete(frame);
     plan.frames.push_back(encoder.Encode(frame));
   }
+  SortFrames(plan);
+  run.rounding = encoder.Rounded();
+  return run;
+}
+
+void SortFrames(RunPlan& plan) {
   std::stable_sort(plan.frames.begin(), plan.frames.end(), [](const auto& left, const auto& right) {
     return timeOf(left) < timeOf(right);
   });
-  run.rounding = encoder.Rounded();
-  return run;
 }
 
 }  // namespace vex2::lab

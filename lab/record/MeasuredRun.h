@@ -38,6 +38,10 @@ MeasuredRun LoadMeasuredRun(const MeasuredRunFiles& files);
 /// becomes what was rounded of those in the wells.
 RunPlan PlanMeasuredRun(const MeasuredRunFiles& files, RoundedNumbers& quantities);
 
+/// Brings the plan's frames into the order of their first readings' times; frames of the same time
+/// stay as they are.
+void SortFrames(RunPlan& plan);
+
 /// The scale that was asked for; nothing when none was.
 std::optional<ReadingScale> GivenScale(const MeasuredRunFiles& files);
 

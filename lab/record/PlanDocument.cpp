@@ -7,6 +7,7 @@
 #include "lab/Error.h"
 #include "lab/model/DocumentValues.h"
 #include "lab/model/StoredCalibration.h"
+#include "vex2/format/HeaderLayout.h"
 
 namespace vex2::lab {
 
@@ -41,6 +42,8 @@ void setSettings(Vex2FileManager& document, const RunPlan& plan) {
 void setProgram(Vex2FileManager& document, const RunPlan& plan) {
   const std::string text = ProgramText(plan);
   const std::vector<std::uint8_t> described(text.begin(), text.end());
+  // A run without frames has nothing to describe.
+  if (plan.program.empty() && described.empty()) return;
   StoreProgram(document, plan.program.empty() ? described : plan.program);
 }
 
@@ -74,6 +77,32 @@ void StoreWhatIsKnownLast(Vex2FileManager& document, const RunPlan& plan) {
   settings.SetLog(log.data(), static_cast<std::uint32_t>(log.size()));
   require(document.ReplaceGlobalComplexComp(&settings));
   if (plan.program.empty()) setProgram(document, plan);
+}
+
+void StoreWholeRun(Vex2FileManager& document, RunPlan& plan) {
+  StorePlan(document, plan);
+  if (plan.frames.empty()) return;
+  document.InitAcqDataWellNumberArray(plan.wells.data(),
+                                      static_cast<unsigned short>(plan.wells.size()), DataRAWa);
+  if (plan.started) {
+    TimeStamp start = plan.started->Stamp();
+    TimeStamp end = plan.started->StampAfter(LastTime(plan));
+    document.SetAcqDataStartTime(start, DataRAWa);
+    document.SetAcqDataEndTime(end, DataRAWa);
+  }
+  const std::size_t firstMelting = FirstMelting(plan);
+  for (std::size_t index = 0; index < plan.frames.size(); ++index) {
+    const std::vector<RunReading> frame = std::move(plan.frames[index]);
+    for (std::size_t i = 0; i < frame.size(); ++i) {
+      const Vex2WellRecord record = EncodeReading(frame[i], index == firstMelting);
+      if (document.SetAcqDataWellRecord(&record, static_cast<int>(index), plan.wells[i],
+                                        DataRAWa)) {
+        continue;
+      }
+      throw Error(ErrorCode::kSystem, "the data block cannot grow further");
+    }
+  }
+  require(document.SetAcquisitionStatus(RunStatus::kDone.data()));
 }
 
 }  // namespace vex2::lab

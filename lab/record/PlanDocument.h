@@ -13,4 +13,9 @@ void StorePlan(Vex2FileManager& document, const RunPlan& plan);
 /// the log, and the program.
 void StoreWhatIsKnownLast(Vex2FileManager& document, const RunPlan& plan);
 
+/// Puts a whole run into the document, which must be empty: what a recorder would have brought to
+/// its file. Takes the frames from `plan` one by one, so that they need no memory twice. A plan
+/// without frames makes a document whose run was not started.
+void StoreWholeRun(Vex2FileManager& document, RunPlan& plan);
+
 }  // namespace vex2::lab

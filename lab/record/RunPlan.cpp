@@ -36,10 +36,14 @@ std::uint32_t LastTime(const RunPlan& plan) {
   return last;
 }
 
+std::size_t FirstMelting(const RunPlan& plan) {
+  const auto first = std::find_if(plan.frames.begin(), plan.frames.end(), isMelting);
+  return static_cast<std::size_t>(first - plan.frames.begin());
+}
+
 std::vector<Vex2WellRecord> FrameRecords(const RunPlan& plan, std::size_t index) {
-  const auto firstMelting = std::find_if(plan.frames.begin(), plan.frames.end(), isMelting);
   const auto& frame = plan.frames[index];
-  const bool beginsMelting = index == static_cast<std::size_t>(firstMelting - plan.frames.begin());
+  const bool beginsMelting = index == FirstMelting(plan);
   std::vector<Vex2WellRecord> records;
   records.reserve(frame.size());
   for (const RunReading& reading : frame) {

@@ -51,6 +51,9 @@ std::size_t ChannelCount(const RunPlan& plan);
 /// The time of the last reading, in milliseconds.
 std::uint32_t LastTime(const RunPlan& plan);
 
+/// The index, from 0, of the first frame of a melting stage; the number of frames without one.
+std::size_t FirstMelting(const RunPlan& plan);
+
 /// The records of the frame `index`, from 0, in the order of the wells.
 std::vector<Vex2WellRecord> FrameRecords(const RunPlan& plan, std::size_t index);
 

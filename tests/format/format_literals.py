@@ -20,7 +20,6 @@ ALLOWED = {
     ("tools/vex/command/AnalysisOptions.cpp", "NAME"): "stands for a value in the help",
     ("tools/vex/command/CqCommand.cpp", "NAME"): "stands for a value in the help",
     ("tools/vex/command/CsvInput.cpp", "NAME"): "stands for a value in the help",
-    ("tools/vex/command/ExportCommand.cpp", "NAME"): "stands for a value in the help",
     ("tools/vex/command/PlateOption.cpp", "NAME"): "stands for a value in the help",
     ("tools/vex/command/StudyCommand.cpp", "NAME"): "an argument's name in the help",
 }

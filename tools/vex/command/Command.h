@@ -69,6 +69,8 @@ std::unique_ptr<Command> MakeCqCommand();
 std::unique_ptr<Command> MakeMeltCommand();
 std::unique_ptr<Command> MakeExportCommand();
 std::unique_ptr<Command> MakeReportCommand();
+std::unique_ptr<Command> MakeImportCommand();
+std::unique_ptr<Command> MakeDiffCommand();
 std::unique_ptr<Command> MakeCopyCommand();
 std::unique_ptr<Command> MakeRecoverCommand();
 std::unique_ptr<Command> MakeStatusCommand();

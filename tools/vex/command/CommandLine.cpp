@@ -25,10 +25,10 @@ std::vector<std::unique_ptr<Command>> MakeCommands() {
        {MakeRecordCommand, MakeSimulateCommand,    MakeFollowCommand, MakeInfoCommand,
         MakeTreeCommand,   MakeGetCommand,         MakeWellsCommand,  MakeDetectorsCommand,
         MakeDyesCommand,   MakeCalibrationCommand, MakeFrameCommand,  MakeSpectrumCommand,
-        MakeCqCommand,     MakeMeltCommand,        MakeExportCommand, MakePlotCommand,
-        MakeReportCommand, MakeCopyCommand,        MakeStatusCommand, MakeSetCommand,
-        MakeStudyCommand,  MakeCheckCommand,       MakeRepairCommand, MakeRecoverCommand,
-        MakeHelpCommand,   MakeVersionCommand}) {
+        MakeCqCommand,     MakeMeltCommand,        MakeExportCommand, MakeImportCommand,
+        MakeDiffCommand,   MakePlotCommand,        MakeReportCommand, MakeCopyCommand,
+        MakeStatusCommand, MakeSetCommand,         MakeStudyCommand,  MakeCheckCommand,
+        MakeRepairCommand, MakeRecoverCommand,     MakeHelpCommand,   MakeVersionCommand}) {
     commands.push_back(make());
   }
   return commands;

@@ -1,11 +1,19 @@
 #include <fmt/core.h>
 
+#include <filesystem>
+
 #include "lab/Text.h"
+#include "lab/exchange/PlateSource.h"
+#include "lab/exchange/Rdes.h"
+#include "lab/exchange/RdmlFile.h"
 #include "lab/exchange/ReadingsExport.h"
-#include "lab/model/DataBlock.h"
+#include "lab/exchange/WholeJson.h"
+#include "lab/exchange/WideReadings.h"
+#include "lab/model/DocumentPlates.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/PlateOption.h"
+#include "tools/vex/files/LossOutput.h"
 #include "tools/vex/files/Output.h"
 #include "tools/vex/files/OutputFiles.h"
 
@@ -13,29 +21,71 @@ namespace vex2::tool {
 
 namespace {
 
+constexpr const char* kMeaning =
+    "Formats:\n"
+    "  csv   a row for each well and frame, with --wide a row for each frame\n"
+    "  json  all values of the document as one object\n"
+    "  ndjson  the same with a line for each frame\n"
+    "  rdes  a table of one plate: a row for each well and target; a melting goes to\n"
+    "        OUT-melt.tsv beside OUT.tsv\n"
+    "  rdml  RDML 1.3: samples, targets, program and readings, for other programs;\n"
+    "        the document is in the file, too, so that 'vex import' gives back its\n"
+    "        bytes\n\n"
+    "  What the format cannot hold is listed on standard error, and counted.";
+
 class ExportCommand final : public Command {
  public:
   ExportCommand()
-      : Command({"export", "Write the readings as a table, a row for each well and frame.",
+      : Command({"export", "Write a document in a format of other programs.",
                  "vex export run.vex --format csv\nvex export run.vex -o run.csv\n"
+                 "vex export run.vex --format rdml -o run.rdml\n"
                  "vex export study.vex --plate plate1\nvex export run.vex --raw"}) {}
 
   void AddOptions(Options& options) override {
     options.Add("FILE", file_, "The document").Require().Show("");
-    options.Add("--format", format_, "Format of the output: csv").AllowOnly({"csv"}).Show("NAME");
+    options.Add("--format", format_, "csv (the default), json, ndjson, rdes or rdml")
+        .AllowOnly({"csv", "json", "ndjson", "rdes", "rdml"})
+        .Show("FORMAT");
     AddBlockOption(options, block_);
     plate_.AddTo(options);
-    options.AddFlag("--raw", raw_, "Write the stored values, whichever program wrote them");
+    const Option raw =
+        options.AddFlag("--raw", raw_, "csv: the values as they are stored, whoever wrote them");
+    options.AddFlag("--wide", isWide_, "csv: a column for each well").Exclude(raw);
+    options.AddFlag("--no-embed", hasNoDocument_, "rdml: leave the document out of the file");
+    options.Add("--stage", stage_, "rdes: amplification or melt; both with -o if none")
+        .AllowOnly({"amplification", "melt"})
+        .Show("STAGE");
     options.Add("-o,--output", target_, "File to write; standard output by default").Show("OUT");
+    losses_.AddOptions(options);
     options.AddFlag("--force", force_, "Overwrite OUT if it exists");
+    options.PutLast(kMeaning);
   }
 
   ExitCode Run() override {
     const Document document(file_);
-    const std::vector<ExportedBlock> blocks = findBlocks(document);
+    const auto blocks = format_ == "csv" ? findBlocks(document) : std::vector<ExportedBlock>();
     OutputFiles files(force_);
-    files.Read(file_).Write(target_, OutputFiles::Kind::kTable).Claim();
-    const bool ofPlates = document.IsStudy() && !plate_.IsGiven();
+    files.Read(file_).Write(target_, OutputFiles::Kind::kTable);
+    losses_.Claim(files);
+    if (format_ != "csv") document.RequireWhole("exported");
+    if (format_ == "rdes") return writeRdes(document, files);
+    files.Claim();
+    const ExitCode code = format_ == "csv"    ? writeCsv(document, blocks)
+                          : format_ == "rdml" ? writeRdml(document)
+                                              : writeJson(document);
+    tellRun(document);
+    document.RequireWhole("");
+    return code;
+  }
+
+ private:
+  void tellRun(const Document& document) const {
+    if (document.Content().IsAcquisitionProg()) PrintLine(RunInProgressText(file_, "the table"));
+  }
+
+  ExitCode writeCsv(const Document& document, const std::vector<ExportedBlock>& blocks) const {
+    if (isWide_) return writeWide(document);
+    const bool ofPlates = plate_.IsAll(document);
     Output output(target_);
     if (raw_) {
       WriteStored(output.Stream(), blocks, ofPlates);
@@ -43,12 +93,80 @@ class ExportCommand final : public Command {
       tellUnknown(WriteReadings(output.Stream(), blocks, ofPlates));
     }
     output.Finish();
-    if (document.Content().IsAcquisitionProg()) PrintLine(RunInProgressText(file_, "the table"));
-    document.RequireWhole("");
     return ExitCode::kDone;
   }
 
- private:
+  ExitCode writeWide(const Document& document) const {
+    const PlateSource source = SourceOf(plate_.One(document));
+    Output output(target_);
+    Losses losses;
+    WriteWideReadings(output.Stream(), source, losses);
+    output.Finish();
+    return losses_.Tell(losses, file_, file_, target_);
+  }
+
+  ExitCode writeJson(const Document& document) const {
+    if (plate_.IsGiven()) {
+      throw Error(ErrorCode::kUsage,
+                  "--plate is not for json; take the plate out of the study "
+                  "with 'vex study extract'");
+    }
+    Output output(target_);
+    const Losses losses = WriteWholeJson(output.Stream(), document, format_ == "ndjson");
+    output.Finish();
+    return losses_.Tell(losses, file_, file_, target_);
+  }
+
+  ExitCode writeRdml(const Document& document) const {
+    auto plates = plate_.IsAll(document) ? document.Plates() : plate_.Choose(document);
+    const bool embeds = !hasNoDocument_ && !plate_.IsGiven();
+    Output output(target_);
+    const Losses losses = WriteRdml(output.Stream(), document, plates, embeds);
+    output.Finish();
+    return losses_.Tell(losses, file_, file_, target_);
+  }
+
+  // A table holds one stage of one plate: a melting behind an amplification has a file of its own.
+  ExitCode writeRdes(const Document& document, OutputFiles& files) const {
+    const Document::Plate plate = plate_.One(document);
+    const PlateSource source = SourceOf(plate);
+    const bool hasMelting = HasStage(source, true);
+    const bool isMelting =
+        stage_.empty() ? hasMelting && !HasStage(source, false) : stage_ == "melt";
+    const bool isSplit = stage_.empty() && hasMelting && !isMelting && !IsStandardStream(target_);
+    const std::string second = meltingPath();
+    if (isSplit) files.Write(second, OutputFiles::Kind::kTable);
+    files.Claim();
+    Losses losses;
+    ListUntabled(plate, source, losses);
+    writeTable(source, target_, isMelting, true, losses);
+    if (isSplit) {
+      writeTable(source, second, true, false, losses);
+      PrintLine(Printable(second) + ": holds the melting");
+    } else if (HasStage(source, !isMelting)) {
+      losses.Add(isMelting ? "amplifications, which the other table holds"
+                           : "meltings, which the other table holds",
+                 isMelting ? "--stage amplification" : "--stage melt");
+    }
+    tellRun(document);
+    return losses_.Tell(losses, file_, file_, target_);
+  }
+
+  static void writeTable(const PlateSource& source, const std::string& path, bool isMelting,
+                         bool listsRest, Losses& losses) {
+    Output output(path);
+    WriteRdes(output.Stream(), source, isMelting, listsRest, losses);
+    output.Finish();
+  }
+
+  std::string meltingPath() const {
+    const std::filesystem::path path(target_);
+    std::filesystem::path name = path.stem();
+    name += "-melt";
+    name += path.extension();
+    return (path.parent_path() / name).string();
+  }
+
   std::vector<ExportedBlock> findBlocks(const Document& document) const {
     std::vector<ExportedBlock> blocks;
     for (const Document::Plate& plate : plate_.Choose(document)) {
@@ -75,6 +193,10 @@ class ExportCommand final : public Command {
   bool force_ = false;
   PlateOption plate_;
   bool raw_ = false;
+  bool hasNoDocument_ = false;
+  std::string stage_;
+  bool isWide_ = false;
+  LossOutput losses_;
 };
 
 }  // namespace

@@ -86,11 +86,14 @@ constexpr std::array kProse = {
           "temperature at which a product comes apart, the height of the peak, and its width at "
           "half of its prominence. A well without a peak has one row without a number. The "
           "derivative is the slope of a parabola through the readings within 1 degree."},
-    Prose{"vex export",
-          "The columns are the well, the stage, the cycle, the time, the temperature and the "
-          "fluorescence; with several dyes a channel is added. Only the person or program that "
-          "recorded a run knows what its stored values mean, so a run that vex did not record is "
-          "exported only with --raw."},
+    Prose{
+        "vex export",
+        "RDML holds the whole run for other programs, RDES a table of one stage, CSV the "
+        "readings. What the format cannot hold is listed, with its count and an example.\n\n"
+        "The columns of CSV are the well, the stage, the cycle, the time, the temperature and the "
+        "fluorescence; with several dyes a channel is added. Only the person or program that "
+        "recorded a run knows what its stored values mean, so a run that vex did not record is "
+        "exported only with --raw."},
     Prose{"vex plot",
           "Without -o, draws in the terminal, with dots of Braille or, where only ASCII can be "
           "shown, with letters. With -o, writes SVG, PNG or PDF by the name of the file. Curves "
@@ -103,6 +106,16 @@ constexpr std::array kProse = {
           "Plate, curves and table show the same wells; the threshold can be dragged, and Cq "
           "follows. Of a study the page has the plates side by side, as it has those of several "
           "documents."},
+    Prose{"vex import",
+          "Reads RDML of version 1.0 to 1.3, as an archive or as XML alone, RDES tables, and CSV "
+          "files of readings as 'vex export' writes them. Several runs become several documents. "
+          "What a document cannot hold is listed, with its count and an example.\n\n"
+          "Nothing in the file is believed: archives and XML that would take more than their size "
+          "suggests are refused. A document is written as a whole or not at all."},
+    Prose{"vex diff",
+          "Compares header, settings, program, wells, detectors, dyes, calibration and readings, "
+          "and studies plate by plate. Equal differences are one line, with their count and "
+          "examples."},
     Prose{"vex copy",
           "Reads the document and writes it anew, so the copy has no uncommitted bytes and "
           "correct lengths. With --plate, saves one plate of a study as a document of its own."},

@@ -1,0 +1,49 @@
+#include "lab/exchange/Losses.h"
+
+#include <algorithm>
+
+#include "lab/Text.h"
+
+namespace vex2::lab {
+
+namespace {
+
+constexpr std::size_t kLongestExample = 120;
+
+// A text of any length must not fill the screen. What is cut is never half a character.
+std::string shortened(const std::string& text) {
+  if (text.size() <= kLongestExample) return text;
+  std::size_t end = kLongestExample;
+  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) --end;
+  return text.substr(0, end) + "...";
+}
+
+void note(std::vector<Loss>& losses, std::string_view what, const std::string& example,
+          std::uint64_t count, bool isChanged) {
+  if (count == 0) return;
+  const auto found = std::find_if(losses.begin(), losses.end(), [&](const Loss& loss) {
+    return loss.what == what && loss.isChanged == isChanged;
+  });
+  if (found != losses.end()) {
+    found->count += count;
+    return;
+  }
+  losses.push_back({std::string(what), count, shortened(example), isChanged});
+}
+
+}  // namespace
+
+void Losses::Add(std::string_view what, const std::string& example, std::uint64_t count) {
+  note(losses, what, example, count, false);
+}
+
+void Losses::AddChanged(std::string_view what, const std::string& example, std::uint64_t count) {
+  note(losses, what, example, count, true);
+}
+
+std::string TextOf(const Loss& loss) {
+  return (loss.isChanged ? "changed: " : "left out: ") + std::to_string(loss.count) + " " +
+         loss.what + (loss.example.empty() ? "" : ", as " + loss.example);
+}
+
+}  // namespace vex2::lab

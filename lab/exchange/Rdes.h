@@ -1,0 +1,27 @@
+#pragma once
+
+#include <ostream>
+#include <string>
+#include <string_view>
+
+#include "lab/exchange/ExchangedRun.h"
+#include "lab/exchange/Losses.h"
+#include "lab/exchange/PlateSource.h"
+
+namespace vex2::lab {
+
+/// Writes the readings of one stage of a plate as an RDES table, and lists in `losses` what the
+/// table cannot hold: of all that stands beside the readings where `listsRest` is set.
+void WriteRdes(std::ostream& out, const PlateSource& source, bool melting, bool listsRest,
+               Losses& losses);
+
+/// Whether the plate has known readings of that stage.
+bool HasStage(const PlateSource& source, bool melting);
+
+/// Whether the text begins as an RDES table.
+bool IsRdes(std::string_view text);
+
+/// The run in an RDES table, which `text` is. Errors name `file`, and the row and the column.
+ExchangedRun ReadRdes(std::string_view text, const std::string& file, Losses& losses);
+
+}  // namespace vex2::lab

@@ -1,0 +1,33 @@
+#include "lab/exchange/RdmlExport.h"
+
+#include "lab/Guarded.h"
+#include "lab/exchange/RdmlFile.h"
+#include "lab/model/DocumentPlates.h"
+
+namespace vex2::lab {
+
+namespace {
+
+std::vector<Document::Plate> platesOf(const Document& document, const RdmlOptions& options) {
+  if (options.plate) {
+    const Document::Plate* plate = FindPlate(document, *options.plate);
+    if (plate == nullptr) RefusePlateName(document, *options.plate);
+    return {*plate};
+  }
+  if (document.IsStudy()) return document.Plates();
+  return {document.Itself()};
+}
+
+}  // namespace
+
+Losses ExportRdml(const std::filesystem::path& path, std::ostream& out,
+                  const RdmlOptions& options) {
+  return Guarded(path.string(), [&] {
+    const Document document(path.string());
+    document.RequireWhole("exported");
+    return WriteRdml(out, document, platesOf(document, options),
+                     options.embedsDocument && !options.plate);
+  });
+}
+
+}  // namespace vex2::lab

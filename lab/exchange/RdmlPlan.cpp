@@ -1,0 +1,322 @@
+#include "lab/exchange/RdmlPlan.h"
+
+#include <algorithm>
+#include <set>
+
+#include "lab/Text.h"
+#include "lab/exchange/ProgramSteps.h"
+#include "lab/exchange/RdmlTerms.h"
+#include "lab/exchange/RdmlText.h"
+#include "lab/exchange/XmlWriter.h"
+#include "lab/model/PlateLayout.h"
+#include "vex2/format/HeaderLayout.h"
+
+namespace vex2::lab::rdml {
+
+namespace {
+
+constexpr std::string_view kPlainAssay = Assay::kAbsolute.code;
+
+// Identifiers must not be empty, and stand once.
+class Identifiers {
+ public:
+  std::string Take(const std::string& wanted, std::string_view otherwise) {
+    const std::string name = wanted.empty() ? std::string(otherwise) : wanted;
+    std::string id = name;
+    for (int turn = 2; !taken_.insert(id).second; ++turn) {
+      id = name + " (" + std::to_string(turn) + ")";
+    }
+    return id;
+  }
+
+ private:
+  std::set<std::string> taken_;
+};
+
+class Planner {
+ public:
+  explicit Planner(Losses& losses) : losses_(losses) {}
+
+  void Add(const PlateSource& source) {
+    source_ = &source;
+    run_ = Run();
+    run_.id = runs_.Take(clean(source.name, "names of plates"), "run");
+    run_.source = &source;
+    addDocumentation();
+    for (const std::string& dye : source.dyes) dyeOf(dye);
+    for (const Detector& detector : source.detectors) addDetector(detector);
+    std::set<std::uint16_t> wells;
+    for (const Well& well : source.plate.wells) wells.insert(well.number);
+    if (source.raw != nullptr) {
+      for (const std::uint16_t well : source.raw->GetWellNumbers()) wells.insert(well);
+    }
+    for (const std::uint16_t well : wells) addWell(well);
+    listReadings();
+    plan_.runs.push_back(std::move(run_));
+  }
+
+  Plan Take() { return std::move(plan_); }
+
+ private:
+  // How many readings have something in common, and the first of them.
+  struct Tally {
+    std::uint64_t count = 0;
+    std::uint16_t well = 0;
+    RunReading first;
+
+    void Count(std::uint16_t number, const RunReading& reading) {
+      if (count++ > 0) return;
+      well = number;
+      first = reading;
+    }
+  };
+
+  using TargetKey = std::array<std::string, 3>;  ///< name, dye and description
+
+  std::string clean(const std::string& text, std::string_view what) {
+    std::string cleaned = XmlText(text);
+    if (cleaned != text) losses_.AddChanged("control characters in " + std::string(what), cleaned);
+    return cleaned;
+  }
+
+  void addText(std::string_view id, const std::string& text) {
+    if (text.empty()) return;
+    const std::string unique = documents_.Take(std::string(id), id);
+    plan_.documentation.push_back({unique, clean(text, id)});
+    run_.documentation.push_back(unique);
+  }
+
+  void addDocumentation() {
+    std::string settings;
+    for (const SettingValue& setting : source_->settings) {
+      const std::string text = ValueText(setting.value);
+      if (text.find_first_of("\r\n") != std::string::npos) {
+        losses_.Add("settings of several lines", setting.name);
+        continue;
+      }
+      settings += setting.name + "=" + text + "\n";
+    }
+    if (source_->assay != kPlainAssay) settings += "assay=" + source_->assay + "\n";
+    addText(kSettings, settings);
+    addText(kLog, source_->log);
+    if (!source_->program) return;
+    if (!source_->program->text) {
+      losses_.Add("bytes of thermal cycling programs that are no text",
+                  Counted(source_->program->bytes.size(), "byte"), source_->program->bytes.size());
+      return;
+    }
+    const std::string& text = *source_->program->text;
+    if (!addConditions(text)) addText(kProgram, text);
+  }
+
+  // Plates of a study may have the same program. False for a text that is not one of steps, and for
+  // another program of the same name.
+  bool addConditions(const std::string& text) {
+    const auto program = ParseProgram(text);
+    if (!program) return false;
+    const auto [entry, isNew] = conditions_.emplace(program->name, plan_.conditions.size());
+    if (isNew) plan_.conditions.push_back(text);
+    if (plan_.conditions[entry->second] != text) return false;
+    run_.conditions = entry->second;
+    return true;
+  }
+
+  std::string dyeOf(const std::string& name) {
+    const auto [entry, isNew] = dyeIds_.emplace(name, std::string());
+    if (isNew) {
+      entry->second = dyes_.Take(clean(name, "names of dyes"), "unknown dye");
+      plan_.dyes.push_back({entry->second, name.empty() ? std::string(kNoDye) : std::string()});
+    }
+    return entry->second;
+  }
+
+  void addDetector(const Detector& detector) {
+    if (detector.name.empty()) {
+      losses_.Add("detectors without a name", "reporter '" + detector.reporterDye + "'");
+      return;
+    }
+    if (!detectors_.emplace(std::pair(source_, detector.name), 0).second) {
+      losses_.Add("detectors whose name another one has", detector.name);
+      return;
+    }
+    detectors_[{source_, detector.name}] =
+        targetOf({detector.name, detector.reporterDye, detector.description});
+  }
+
+  std::size_t targetOf(const TargetKey& key) {
+    const auto [entry, isNew] = targets_.emplace(key, plan_.targets.size());
+    if (!isNew) return entry->second;
+    const auto& [name, dye, description] = key;
+    TargetEntry target;
+    target.id = targetIds_.Take(clean(name, "names of detectors"), "unknown target");
+    if (target.id != name) target.detector = name;
+    target.description = clean(description, "descriptions of detectors");
+    target.dye = dyeOf(dye);
+    target.isReference = !name.empty() && settingOf("endogenous-control") == name;
+    plan_.targets.push_back(std::move(target));
+    return entry->second;
+  }
+
+  // The target of a well, which may have another reporter than the list of detectors says.
+  std::size_t targetOf(const Target& target) {
+    const auto found = detectors_.find({source_, target.detector});
+    if (found != detectors_.end()) return found->second;
+    return targetOf(TargetKey{target.detector, target.reporter, ""});
+  }
+
+  // What stands for the readings of a channel in wells where no target was named for them.
+  std::size_t placeholderOf(const std::string& channel) {
+    const auto [entry, isNew] = placeholders_.emplace(channel, plan_.targets.size());
+    if (!isNew) return entry->second;
+    TargetEntry target;
+    target.id = targetIds_.Take(clean(channel, "names of channels"), "readings");
+    target.isDetector = false;
+    target.dye = dyeOf(channel);
+    plan_.targets.push_back(std::move(target));
+    return entry->second;
+  }
+
+  std::string settingOf(std::string_view name) const {
+    for (const SettingValue& setting : source_->settings) {
+      if (setting.name == name) return ValueText(setting.value);
+    }
+    return {};
+  }
+
+  void addWell(std::uint16_t number) {
+    const Well* well = source_->plate.Find(number);
+    Well empty;
+    empty.number = number;
+    empty.name = WellName(number, source_->plate.columns);
+    React react;
+    react.well = number;
+    react.position = source_->FindPosition(number);
+    const bool hasReadings = react.position && source_->Log() != nullptr;
+    if (well == nullptr) well = &empty;
+    if (number == 0) {
+      losses_.Add("wells without a number", "well 0");
+      return;
+    }
+    std::map<std::size_t, SampleUse> uses;
+    addTargets(*well, react, uses);
+    if (hasReadings) assignChannels(*well, react);
+    if (well->sample.empty() && react.data.empty()) return;
+    react.sample = sampleOf(*well, uses);
+    run_.reacts.push_back(std::move(react));
+  }
+
+  void addTargets(const Well& well, React& react, std::map<std::size_t, SampleUse>& uses) {
+    for (const Target& target : well.targets) {
+      const std::size_t index = targetOf(target);
+      if (!uses.emplace(index, SampleUse{target.task, target.quantity}).second) {
+        losses_.Add("detectors that a well has twice", well.name + " " + target.detector);
+        continue;
+      }
+      react.data.push_back({.target = index, .channel = std::nullopt});
+    }
+  }
+
+  // A channel belongs to the target whose reporter it is called after; a run's only channel, which
+  // has no name, to the first.
+  void assignChannels(const Well& well, React& react) {
+    const std::vector<std::string> channels = source_->Channels();
+    for (std::size_t channel = 0; channel < channels.size(); ++channel) {
+      const bool hasName = !channels[channel].empty();
+      const auto found = std::find_if(react.data.begin(), react.data.end(), [&](const Data& data) {
+        if (data.channel) return false;
+        return !hasName || plan_.targets[data.target].dye == dyeOf(channels[channel]);
+      });
+      if (found != react.data.end()) {
+        found->channel = channel;
+      } else {
+        react.data.push_back({placeholderOf(channels[channel]), channel});
+      }
+    }
+    if (channels.size() == 1 && channels[0].empty() && react.data.size() > 1) {
+      losses_.AddChanged("wells of several targets and one channel, written to the first",
+                         well.name);
+    }
+  }
+
+  // The first sample of that name that is nothing else for the same targets.
+  std::size_t sampleOf(const Well& well, const std::map<std::size_t, SampleUse>& uses) {
+    const std::string key = well.sample.empty() ? "\n" + well.name : well.sample;
+    for (const std::size_t index : samples_[key]) {
+      Sample& sample = plan_.samples[index];
+      const bool agrees = std::all_of(uses.begin(), uses.end(), [&](const auto& use) {
+        const auto known = sample.uses.find(use.first);
+        return known == sample.uses.end() || known->second == use.second;
+      });
+      if (!agrees) continue;
+      sample.uses.insert(uses.begin(), uses.end());
+      return index;
+    }
+    Sample sample;
+    sample.id = sampleIds_.Take(clean(well.sample, "names of samples"), well.name);
+    if (sample.id != well.sample) sample.name = clean(well.sample, "names of samples");
+    sample.uses = uses;
+    sample.isCalibrator = !well.sample.empty() && settingOf("calibrator") == well.sample;
+    samples_[key].push_back(plan_.samples.size());
+    plan_.samples.push_back(std::move(sample));
+    return plan_.samples.size() - 1;
+  }
+
+  // Readings that nobody knows the meaning of, and what stands beside those that are written.
+  void listReadings() {
+    if (source_->raw == nullptr) return;
+    const auto wells = source_->raw->GetWellNumbers();
+    std::uint64_t known = 0;
+    std::set<std::uint16_t> seen;
+    Tally repeated;
+    Tally timed;
+    for (std::size_t position = 0; position < wells.size(); ++position) {
+      if (!seen.insert(wells[position]).second) continue;
+      filter_.Begin();
+      ForEachReading(*source_, position, [&](const SourceReading& one) {
+        ++known;
+        if (!filter_.Takes(one.reading)) repeated.Count(wells[position], one.reading);
+        if (one.reading.time != 0) timed.Count(wells[position], one.reading);
+      });
+    }
+    losses_.Add("readings of a cycle or temperature that the curve has already",
+                exampleOf(repeated), repeated.count);
+    losses_.Add("times of readings",
+                exampleOf(timed) + ": " + ShortestQuotient(timed.first.time, kTimeSteps) + " s",
+                timed.count);
+    const auto all = static_cast<std::uint64_t>(source_->raw->GetFrameCount()) * wells.size();
+    losses_.Add("records of readings whose meaning is not known",
+                source_->Log() == nullptr ? "vex did not record them" : "a record of another maker",
+                all - known);
+  }
+
+  std::string exampleOf(const Tally& tally) const {
+    return ReadingName(*source_, tally.well, tally.first);
+  }
+
+  Losses& losses_;
+  const PlateSource* source_ = nullptr;
+  CurveFilter filter_;
+  Run run_;
+  Plan plan_;
+  Identifiers runs_;
+  Identifiers documents_;
+  Identifiers dyes_;
+  Identifiers targetIds_;
+  Identifiers sampleIds_;
+  std::map<std::string, std::size_t> conditions_;
+  std::map<std::string, std::string> dyeIds_;
+  std::map<TargetKey, std::size_t> targets_;
+  std::map<std::pair<const PlateSource*, std::string>, std::size_t> detectors_;
+  std::map<std::string, std::size_t> placeholders_;
+  std::map<std::string, std::vector<std::size_t>> samples_;
+};
+
+}  // namespace
+
+Plan PlanOf(const std::vector<const PlateSource*>& sources, Losses& losses) {
+  Planner planner(losses);
+  for (const PlateSource* source : sources) planner.Add(*source);
+  return planner.Take();
+}
+
+}  // namespace vex2::lab::rdml

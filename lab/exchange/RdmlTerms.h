@@ -1,0 +1,67 @@
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string_view>
+
+/// The words that RDML and documents have for the same things, and those under which an export
+/// keeps what RDML has no element for.
+namespace vex2::lab::rdml {
+
+inline constexpr std::string_view kMember = "rdml_data.xml";
+inline constexpr std::string_view kEmbedded = "vex/document.vex";
+inline constexpr std::string_view kNamespace = "http://www.rdml.org";
+
+/// Identifiers of documentation elements.
+inline constexpr std::string_view kSettings = "vex settings";
+inline constexpr std::string_view kLog = "vex run log";
+inline constexpr std::string_view kProgram = "vex thermal cycling program";
+
+/// Properties in annotations of samples.
+inline constexpr std::string_view kSampleName = "vex sample name";
+inline constexpr std::string_view kTask = "vex task of ";  ///< and the target's identifier
+
+/// Names of references in targets: the detector's own name, or that there is no detector.
+inline constexpr std::string_view kDetectorName = "vex detector name";
+inline constexpr std::string_view kNoDetector = "vex no detector";
+
+/// The description of the dye that stands where a detector names none.
+inline constexpr std::string_view kNoDye = "vex: no dye was named";
+
+struct TaskCode {
+  std::string_view task;  ///< in a document
+  std::string_view type;  ///< of a sample in RDML and RDES
+};
+
+/// The first row of a type is that which an import takes.
+inline constexpr std::array kTasks = {TaskCode{"UNKN", "unkn"}, TaskCode{"STND", "std"},
+                                      TaskCode{"NTC", "ntc"}, TaskCode{"", "unkn"}};
+
+/// Types that documents have no task for: they are stored as these codes.
+inline constexpr std::array kForeignTasks = {TaskCode{"NAC", "nac"}, TaskCode{"NTP", "ntp"},
+                                             TaskCode{"NRT", "nrt"}, TaskCode{"POS", "pos"},
+                                             TaskCode{"OPT", "opt"}};
+
+/// The type for a task; nothing where the formats have none.
+constexpr std::optional<std::string_view> TypeOf(std::string_view task) {
+  for (const TaskCode& code : kTasks) {
+    if (code.task == task) return code.type;
+  }
+  for (const TaskCode& code : kForeignTasks) {
+    if (code.task == task) return code.type;
+  }
+  return std::nullopt;
+}
+
+/// The task for a type; nothing for a type that the formats do not have.
+constexpr std::optional<std::string_view> TaskOf(std::string_view type) {
+  for (const TaskCode& code : kTasks) {
+    if (code.type == type) return code.task;
+  }
+  for (const TaskCode& code : kForeignTasks) {
+    if (code.type == type) return code.task;
+  }
+  return std::nullopt;
+}
+
+}  // namespace vex2::lab::rdml

@@ -1,0 +1,89 @@
+#include <iostream>
+
+#include "lab/exchange/Import.h"
+#include "tools/vex/Lab.h"
+#include "tools/vex/command/Command.h"
+#include "tools/vex/files/LossOutput.h"
+#include "tools/vex/files/OutputFiles.h"
+#include "tools/vex/text/Text.h"
+
+namespace vex2::tool {
+
+namespace {
+
+constexpr const char* kMeaning =
+    "What it does:\n"
+    "  A file with several runs becomes OUT-1.vex, OUT-2.vex and so on, or with\n"
+    "  --study one study. An RDML file that 'vex export' made gives back the very\n"
+    "  document.\n\n"
+    "  What the documents do not hold as the file does is listed on standard error\n"
+    "  and counted. Readings are stored in 16 bits, with the scale that loses least.\n\n"
+    "  A reading without a temperature or a time has 0 in its place.";
+
+class ImportCommand final : public Command {
+ public:
+  ImportCommand()
+      : Command({"import", "Make documents of the runs in a file of another program.",
+                 "vex import run.rdml -o run.vex\n"
+                 "vex import plates.rdml -o study.vex --study\n"
+                 "curl https://example.org/run.rdml | vex import - -o run.vex --strict"}) {}
+
+  void AddOptions(Options& options) override {
+    options.Add("IN", source_, "The file to read; - is standard input").Require().Show("");
+    options.Add("-o,--output", target_, "The document to write").Require().Show("OUT");
+    options.Add("--from", format_, "rdml, rdes, json or csv; as the file tells if none")
+        .AllowOnly({"rdml", "rdes", "json", "csv"})
+        .Show("FORMAT");
+    options.AddFlag("--study", import_.study, "Make one study of all runs");
+    options.AddFlag("--separate", import_.separate, "Keep runs apart that are parts of one plate");
+    const Option embedded = options.AddFlag("--embedded", isEmbedded_,
+                                            "Take the document in an RDML file, changed or not");
+    options.AddFlag("--no-embedded", isNotEmbedded_, "Read the RDML, not the document in the file")
+        .Exclude(embedded);
+    losses_.AddOptions(options);
+    options.AddFlag("--force", import_.replace, "Overwrite OUT if it exists");
+    options.PutLast(kMeaning);
+  }
+
+  ExitCode Run() override {
+    if (!format_.empty()) import_.format = ImportFormatOf(format_);
+    if (isEmbedded_) import_.embedded = ImportOptions::Embedded::kAlways;
+    if (isNotEmbedded_) import_.embedded = ImportOptions::Embedded::kNever;
+    import_.existsHint = "use --force to overwrite it";
+    OutputFiles files(import_.replace);
+    files.Read(source_);
+    losses_.Claim(files);
+    files.Claim();
+    const std::string replaced = ReplacedText(target_, import_.replace);
+    const ImportReport report = Import(source_, target_, import_);
+    PrintIfAny(replaced);
+    const std::string about = source_ == "-" ? "standard input" : source_;
+    for (const std::string& note : report.notes) PrintLine(Printable(about) + ": " + note);
+    for (const ImportedDocument& made : report.documents) tell(made);
+    return losses_.Tell(report.losses, about, source_, target_);
+  }
+
+ private:
+  void tell(const ImportedDocument& made) const {
+    std::cout << Printable(made.path.string());
+    if (!made.run.empty()) std::cout << ": run '" << Printable(made.run) << "'";
+    std::cout << (made.run.empty() ? ": " : ", ") << Counted(made.wells, "well") << ", "
+              << Counted(made.frames, "frame") << '\n';
+  }
+
+  std::string source_;
+  std::string target_;
+  std::string format_;
+  bool isEmbedded_ = false;
+  bool isNotEmbedded_ = false;
+  ImportOptions import_;
+  LossOutput losses_;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> MakeImportCommand() {
+  return std::make_unique<ImportCommand>();
+}
+
+}  // namespace vex2::tool

@@ -1,0 +1,31 @@
+#include "tools/vex/files/LossOutput.h"
+
+#include "tools/vex/Options.h"
+#include "tools/vex/files/Output.h"
+
+namespace vex2::tool {
+
+void LossOutput::AddOptions(Options& options) {
+  options.Add("--report", report_, "Write what is lost or changed to this file, as JSON")
+      .Show("FILE.json");
+  options.AddFlag("--strict", isStrict_, "Exit with 1 when anything is lost or changed");
+}
+
+void LossOutput::Claim(OutputFiles& files) const {
+  if (!report_.empty()) files.Write(report_, OutputFiles::Kind::kTable);
+}
+
+ExitCode LossOutput::Tell(const Losses& losses, const std::string& about, const std::string& source,
+                          const std::string& target) const {
+  for (const Loss& loss : losses.List()) {
+    PrintLine(Printable(about) + ": " + Printable(TextOf(loss)));
+  }
+  if (!report_.empty()) {
+    Output output(report_);
+    output.Stream() << LossReportJson(losses, source, target);
+    output.Finish();
+  }
+  return isStrict_ && !losses.IsEmpty() ? ExitCode::kDocument : ExitCode::kDone;
+}
+
+}  // namespace vex2::tool
