@@ -107,7 +107,7 @@ class Importer {
       path_ = source_;
       name_ = source_;
     }
-    report_.format = options_.format.value_or(findFormat());
+    report_.format = options_.format ? *options_.format : findFormat();
     switch (report_.format) {
       case ImportFormat::kRdml:
         importRdml();

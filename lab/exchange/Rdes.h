@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "lab/analysis/Cq.h"
 #include "lab/exchange/ExchangedRun.h"
 #include "lab/exchange/Losses.h"
 #include "lab/exchange/PlateSource.h"
@@ -11,9 +12,10 @@
 namespace vex2::lab {
 
 /// Writes the readings of one stage of a plate as an RDES table, and lists in `losses` what the
-/// table cannot hold: of all that stands beside the readings where `listsRest` is set.
+/// table cannot hold: of all that stands beside the readings where `listsRest` is set. A table of
+/// an amplification has the cycles of `analysis`, which may be null.
 void WriteRdes(std::ostream& out, const PlateSource& source, bool melting, bool listsRest,
-               Losses& losses);
+               Losses& losses, const CqAnalysis* analysis = nullptr);
 
 /// Whether the plate has known readings of that stage.
 bool HasStage(const PlateSource& source, bool melting);

@@ -25,8 +25,9 @@ std::string cellOf(const std::string& text, Losses& losses) {
 /// Writes the table of one stage.
 class RdesWriter {
  public:
-  RdesWriter(std::ostream& out, const PlateSource& source, bool melting, Losses& losses)
-      : out_(out), source_(source), melting_(melting), losses_(losses), plan_(planOf()) {}
+  RdesWriter(std::ostream& out, const PlateSource& source, bool melting, Losses& losses,
+             const CqAnalysis* analysis)
+      : out_(out), source_(source), melting_(melting), losses_(losses), plan_(planOf(analysis)) {}
 
   void Write() {
     findColumns();
@@ -45,9 +46,9 @@ class RdesWriter {
 
  private:
   // What the plan of an RDML file loses is listed once for both tables of a plate.
-  rdml::Plan planOf() const {
+  rdml::Plan planOf(const CqAnalysis* analysis) const {
     Losses ignored;
-    return rdml::PlanOf({&source_}, ignored);
+    return rdml::PlanOf({&source_}, ignored, melting_ ? nullptr : analysis);
   }
 
   std::uint16_t columnOf(const RunReading& reading) const {
@@ -91,12 +92,19 @@ class RdesWriter {
     return type;
   }
 
+  static std::string cqOf(const rdml::Data& data) {
+    if (data.cq == nullptr) return {};
+    if (!data.cq->cq) return std::string(rdml::kNoCq);
+    return ValueText(Value(static_cast<float>(*data.cq->cq)));
+  }
+
   void writeRow(const rdml::React& react, const rdml::Data& data) {
     const rdml::Sample& sample = plan_.samples[react.sample];
     const rdml::TargetEntry& target = plan_.targets[data.target];
     out_ << WellName(react.well, source_.plate.columns) << '\t' << cellOf(sample.id, losses_)
          << '\t' << typeOf(sample) << '\t' << cellOf(target.id, losses_) << '\t'
-         << (target.isReference ? "ref" : "toi") << '\t' << cellOf(target.dye, losses_) << '\t';
+         << (target.isReference ? "ref" : "toi") << '\t' << cellOf(target.dye, losses_) << '\t'
+         << cqOf(data);
     std::map<std::uint16_t, std::string> readings;
     forEachReading(react, data, [&](const RunReading& reading) {
       readings.emplace(columnOf(reading),
@@ -164,9 +172,9 @@ void listRest(const PlateSource& source, Losses& losses) {
 }  // namespace
 
 void WriteRdes(std::ostream& out, const PlateSource& source, bool melting, bool listsRest,
-               Losses& losses) {
+               Losses& losses, const CqAnalysis* analysis) {
   if (listsRest) listRest(source, losses);
-  RdesWriter(out, source, melting, losses).Write();
+  RdesWriter(out, source, melting, losses, analysis).Write();
 }
 
 bool HasStage(const PlateSource& source, bool melting) {

@@ -115,6 +115,7 @@ class RdesReader {
     if (!column || *column < 1 || *column > 10'000 || digits > 2) return {0, 0};
     std::uint32_t row = 0;
     for (std::size_t i = 0; i < digits; ++i) {
+      if (plain[i] < 'A' || plain[i] > 'Z') return {0, 0};
       row = row * 26 + static_cast<std::uint32_t>(plain[i] - 'A') + 1;
     }
     return {std::max(row, 1U), *column};

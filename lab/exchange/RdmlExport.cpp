@@ -25,8 +25,10 @@ Losses ExportRdml(const std::filesystem::path& path, std::ostream& out,
   return Guarded(path.string(), [&] {
     const Document document(path.string());
     document.RequireWhole("exported");
+    std::optional<CqAnalysis> analysis;
+    if (options.cq) analysis = AnalyseCq(RunReader(path), {.method = *options.cq});
     return WriteRdml(out, document, platesOf(document, options),
-                     options.embedsDocument && !options.plate);
+                     options.embedsDocument && !options.plate, analysis ? &*analysis : nullptr);
   });
 }
 

@@ -5,6 +5,7 @@
 #include <ostream>
 #include <string>
 
+#include "lab/analysis/Cq.h"
 #include "lab/exchange/Losses.h"
 #include "vex2/framework/Export.h"
 
@@ -17,6 +18,9 @@ struct RdmlOptions {
   std::optional<std::string> plate = {};
   /// Whether the document is in the archive, too, so that an import gives back its very bytes.
   bool embedsDocument = true;
+  /// Quantification cycles are found in this way, as `AnalyseCq` does, and written with their
+  /// method, baselines and thresholds; nothing: none are written.
+  std::optional<CqMethod> cq = {};
 };
 
 /// Writes the document at `path` to `out` as an RDML archive of version 1.3: experiment, samples
@@ -26,7 +30,7 @@ struct RdmlOptions {
 /// document is embedded.
 ///
 /// Throws `Error` when the document cannot be read, `kNoSuchPlate` for a plate that it does not
-/// have. What was written to `out` is of no use then.
+/// have, and as `AnalyseCq` does. What was written to `out` is of no use then.
 VEX2_API Losses ExportRdml(const std::filesystem::path& path, std::ostream& out,
                            const RdmlOptions& options = {});
 

@@ -43,7 +43,8 @@ ZipWriter::NextPiece contentOf(const std::string& path) {
 }  // namespace
 
 Losses WriteRdml(std::ostream& out, const Document& document,
-                 const std::vector<Document::Plate>& plates, bool embeds) {
+                 const std::vector<Document::Plate>& plates, bool embeds,
+                 const CqAnalysis* analysis) {
   Losses losses;
   std::vector<PlateSource> sources;
   for (const Document::Plate& plate : plates) {
@@ -52,7 +53,7 @@ Losses WriteRdml(std::ostream& out, const Document& document,
   }
   std::vector<const PlateSource*> places;
   for (const PlateSource& source : sources) places.push_back(&source);
-  const rdml::Plan plan = rdml::PlanOf(places, losses);
+  const rdml::Plan plan = rdml::PlanOf(places, losses, analysis);
   ZipWriter zip;
   rdml::RdmlText text(plan);
   zip.Add(std::string(rdml::kMember), [&](std::string& piece) { return text.Next(piece); });

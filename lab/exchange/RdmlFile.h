@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "lab/analysis/Cq.h"
 #include "lab/exchange/ExchangedRun.h"
 #include "lab/exchange/Losses.h"
 #include "lab/exchange/ZipArchive.h"
@@ -13,9 +14,11 @@
 namespace vex2::lab {
 
 /// Writes the plates of a document as an RDML archive of version 1.3 and lists what RDML cannot
-/// hold. With `embeds` the document is in the archive, too, as it is in its file.
+/// hold. With `embeds` the document is in the archive, too, as it is in its file. `analysis`, of
+/// the whole document, may be null.
 Losses WriteRdml(std::ostream& out, const Document& document,
-                 const std::vector<Document::Plate>& plates, bool embeds);
+                 const std::vector<Document::Plate>& plates, bool embeds,
+                 const CqAnalysis* analysis = nullptr);
 
 /// An RDML file: the archive, or the XML alone.
 class RdmlSource {

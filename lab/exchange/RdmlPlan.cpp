@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <set>
+#include <tuple>
 
 #include "lab/Text.h"
 #include "lab/exchange/ProgramSteps.h"
@@ -35,13 +36,21 @@ class Identifiers {
 
 class Planner {
  public:
-  explicit Planner(Losses& losses) : losses_(losses) {}
+  Planner(Losses& losses, const CqAnalysis* analysis) : losses_(losses) {
+    if (analysis == nullptr) return;
+    cqMethod_ = CqMethodName(*analysis);
+    for (const CqResult& result : analysis->wells) {
+      const AnalysedWell& well = result.curve.well;
+      cycles_.emplace(CurveKey(well.plate, well.number, well.detector), &result);
+    }
+  }
 
   void Add(const PlateSource& source) {
     source_ = &source;
     run_ = Run();
     run_.id = runs_.Take(clean(source.name, "names of plates"), "run");
     run_.source = &source;
+    run_.cqMethod = cqMethod_;
     addDocumentation();
     for (const std::string& dye : source.dyes) dyeOf(dye);
     for (const Detector& detector : source.detectors) addDetector(detector);
@@ -72,6 +81,12 @@ class Planner {
   };
 
   using TargetKey = std::array<std::string, 3>;  ///< name, dye and description
+  using CurveKey = std::tuple<std::string, std::uint16_t, std::string>;  ///< by plate and detector
+
+  const CqResult* cyclesOf(const Well& well, const std::string& detector) const {
+    const auto found = cycles_.find(CurveKey(source_->name, well.number, detector));
+    return found != cycles_.end() ? found->second : nullptr;
+  }
 
   std::string clean(const std::string& text, std::string_view what) {
     std::string cleaned = XmlText(text);
@@ -212,7 +227,8 @@ class Planner {
         losses_.Add("detectors that a well has twice", well.name + " " + target.detector);
         continue;
       }
-      react.data.push_back({.target = index, .channel = std::nullopt});
+      react.data.push_back(
+          {.target = index, .channel = std::nullopt, .cq = cyclesOf(well, target.detector)});
     }
   }
 
@@ -229,7 +245,9 @@ class Planner {
       if (found != react.data.end()) {
         found->channel = channel;
       } else {
-        react.data.push_back({placeholderOf(channels[channel]), channel});
+        // Where wells name no detector, an analysis calls the curves after their channels.
+        react.data.push_back(
+            {placeholderOf(channels[channel]), channel, cyclesOf(well, channels[channel])});
       }
     }
     if (channels.size() == 1 && channels[0].empty() && react.data.size() > 1) {
@@ -252,8 +270,9 @@ class Planner {
       return index;
     }
     Sample sample;
-    sample.id = sampleIds_.Take(clean(well.sample, "names of samples"), well.name);
-    if (sample.id != well.sample) sample.name = clean(well.sample, "names of samples");
+    const std::string name = clean(well.sample, "names of samples");
+    sample.id = sampleIds_.Take(name, well.name);
+    if (sample.id != well.sample) sample.name = name;
     sample.uses = uses;
     sample.isCalibrator = !well.sample.empty() && settingOf("calibrator") == well.sample;
     samples_[key].push_back(plan_.samples.size());
@@ -294,6 +313,8 @@ class Planner {
   }
 
   Losses& losses_;
+  std::string_view cqMethod_;
+  std::map<CurveKey, const CqResult*> cycles_;
   const PlateSource* source_ = nullptr;
   CurveFilter filter_;
   Run run_;
@@ -313,8 +334,9 @@ class Planner {
 
 }  // namespace
 
-Plan PlanOf(const std::vector<const PlateSource*>& sources, Losses& losses) {
-  Planner planner(losses);
+Plan PlanOf(const std::vector<const PlateSource*>& sources, Losses& losses,
+            const CqAnalysis* analysis) {
+  Planner planner(losses, analysis);
   for (const PlateSource* source : sources) planner.Add(*source);
   return planner.Take();
 }

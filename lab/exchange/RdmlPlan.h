@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "lab/analysis/Cq.h"
 #include "lab/exchange/PlateSource.h"
 
 /// What an RDML file is to hold, before it is written. All texts are such as XML can hold.
@@ -45,6 +46,7 @@ struct Sample {
 struct Data {
   std::size_t target = 0;
   std::optional<std::size_t> channel;  ///< nothing where the target has no readings
+  const CqResult* cq = nullptr;        ///< null where none was looked for
 };
 
 struct React {
@@ -63,6 +65,7 @@ struct Run {
   std::string id;
   const PlateSource* source = nullptr;
   std::vector<std::string> documentation;  ///< identifiers
+  std::string_view cqMethod;               ///< empty where no cycles were looked for
   std::optional<std::size_t> conditions;   ///< of `Plan::conditions`
   std::vector<React> reacts;               ///< ascending by wells
 };
@@ -76,8 +79,9 @@ struct Plan {
   std::vector<Run> runs;
 };
 
-/// Arranges the plates as an RDML file, and lists what it cannot hold. The sources must outlive the
-/// plan.
-Plan PlanOf(const std::vector<const PlateSource*>& sources, Losses& losses);
+/// Arranges the plates as an RDML file, and lists what it cannot hold. `analysis`, of all the
+/// plates, may be null. The sources and the analysis must outlive the plan.
+Plan PlanOf(const std::vector<const PlateSource*>& sources, Losses& losses,
+            const CqAnalysis* analysis = nullptr);
 
 }  // namespace vex2::lab::rdml

@@ -188,7 +188,6 @@ struct RdmlElements {
   template <char const* name>
   static void takeField(RdmlReader& r, std::string_view text) {
     if (text.empty()) return;
-    if (program(r).steps.empty()) throw r.xml_.Failure("it stands in no step");
     program(r).steps.back().fields[name] = plainText(text, r.losses_);
   }
 
@@ -243,7 +242,8 @@ struct RdmlElements {
       rows[hold + "/ramp"] = {nothing, takeNumber<kRamp>};
       rows[hold + "/measure"] = {nothing, [](RdmlReader& r, std::string_view text) {
                                    program(r).steps.back().fields["measure"] =
-                                       text == "real time" ? "real-time" : text;
+                                       text == "real time" ? "real-time"
+                                                           : plainText(text, r.losses_);
                                  }};
     }
     rows[step + "/loop"] = {nothing, nothing};

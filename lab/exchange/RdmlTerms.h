@@ -1,8 +1,11 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <optional>
 #include <string_view>
+
+#include "lab/analysis/Cq.h"
 
 /// The words that RDML and documents have for the same things, and those under which an export
 /// keeps what RDML has no element for.
@@ -63,5 +66,18 @@ constexpr std::optional<std::string_view> TaskOf(std::string_view type) {
   }
   return std::nullopt;
 }
+
+/// What RDML calls the way in which the quantification cycles were found.
+inline std::string_view CqMethodName(const CqAnalysis& analysis) {
+  if (analysis.method == CqMethod::kSecondDerivative) return "second derivative maximum";
+  const auto automatic = static_cast<std::size_t>(
+      std::count_if(analysis.detectors.begin(), analysis.detectors.end(),
+                    [](const DetectorResult& one) { return one.isThresholdAutomatic; }));
+  if (automatic == analysis.detectors.size()) return "automated threshold and baseline settings";
+  return automatic == 0 ? "manual threshold and baseline settings" : "other";
+}
+
+/// The quantification cycle of a curve that has none.
+inline constexpr std::string_view kNoCq = "-1.0";
 
 }  // namespace vex2::lab::rdml

@@ -121,6 +121,20 @@ void writeConditions(XmlWriter& xml, const std::string& text) {
   xml.Close("thermalCyclingConditions");
 }
 
+void writeCq(XmlWriter& xml, const CqResult& result) {
+  xml.Leaf("cq", result.cq ? floatText(static_cast<float>(*result.cq)) : std::string(kNoCq));
+  leafIfAny(xml, "note", XmlText(result.note));
+}
+
+// The line to which the baseline was fitted, and the threshold above it.
+void writeBaseline(XmlWriter& xml, const CqResult& result) {
+  if (result.baseline) {
+    xml.Leaf("bgFluor", floatText(static_cast<float>(result.baselineIntercept)));
+    xml.Leaf("bgFluorSlp", floatText(static_cast<float>(result.baselineSlope)));
+  }
+  if (result.threshold) xml.Leaf("quantFluor", floatText(static_cast<float>(*result.threshold)));
+}
+
 void appendPoint(std::string& piece, const RunReading& reading, const std::string& fluorescence) {
   piece += reading.melting ? "     <mdp>" : "     <adp>";
   if (!reading.melting) {
@@ -200,6 +214,7 @@ void RdmlText::beginRun(std::string& piece) const {
   xml.Open("run", idAttribute(run.id));
   leafIfAny(xml, "description", XmlText(run.source->comment));
   for (const std::string& id : run.documentation) xml.Empty("documentation", idAttribute(id));
+  leafIfAny(xml, "cqDetectionMethod", run.cqMethod);
   if (run.conditions) {
     const auto program = ParseProgram(plan_.conditions[*run.conditions]);
     xml.Empty("thermalCyclingConditions", idAttribute(program->name));
@@ -225,6 +240,7 @@ void RdmlText::writeData(std::string& piece, const Run& run, const React& react,
   XmlWriter xml(piece, 4);
   xml.Open("data");
   xml.Empty("tar", idAttribute(plan_.targets[data.target].id));
+  if (data.cq != nullptr) writeCq(xml, *data.cq);
   if (data.channel) {
     filter_.Begin();
     std::string melting;
@@ -235,6 +251,7 @@ void RdmlText::writeData(std::string& piece, const Run& run, const React& react,
     });
     piece += melting;
   }
+  if (data.cq != nullptr) writeBaseline(xml, *data.cq);
   xml.Close("data");
 }
 

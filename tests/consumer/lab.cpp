@@ -6,6 +6,9 @@
 #include "lab/Error.h"
 #include "lab/check/Check.h"
 #include "lab/check/Repair.h"
+#include "lab/exchange/Diff.h"
+#include "lab/exchange/Import.h"
+#include "lab/exchange/RdmlExport.h"
 #include "lab/model/DocumentEditor.h"
 #include "lab/model/RunReader.h"
 #include "lab/record/RunRecorder.h"
@@ -23,6 +26,15 @@ static bool canKeep(const std::string& path) {
          lab::Check(path).Count(lab::Severity::kError) == 0 &&
          lab::Repair(path, {.dryRun = true}).plan.IsEmpty() &&
          lab::Recover(path, recovered, {.replace = true}).frames == 1;
+}
+
+static bool canExchange(const std::string& path) {
+  {
+    std::ofstream out(path + ".rdml", std::ios::binary);
+    lab::ExportRdml(path, out, {.embedsDocument = false});
+  }
+  lab::Import(path + ".rdml", path + ".imported", {.replace = true});
+  return lab::Diff(path, path + ".imported", {.setup = false, .records = false}).empty();
 }
 
 int main(int count, char** arguments) {
@@ -50,5 +62,5 @@ int main(int count, char** arguments) {
           isRead && recorder.FrameCount() == 1 && error.Code() == lab::ErrorCode::kInvalidValue;
     }
   }
-  return isRight && canKeep(arguments[1]) ? 0 : 1;
+  return isRight && canKeep(arguments[1]) && canExchange(arguments[1]) ? 0 : 1;
 }

@@ -1,4 +1,7 @@
 // Check, Repair and Recover as programs call them.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
 #include <filesystem>
 
 #include "lab/Error.h"

@@ -146,6 +146,50 @@ TEST_F(DiffTest, BytesWithoutAKnownValueAreARecordThatDiffers) {
   EXPECT_THAT(Diff(one_, other_, {.records = false}), IsEmpty());
 }
 
+TEST_F(DiffTest, ReadingsOfUnknownMeaningAreComparedAsStored) {
+  for (const std::string& path : {one_, other_}) {
+    ForeignRun run(path, 2);
+    run.Begin();
+    run.Append();
+    if (path == one_) continue;
+    Vex2WellRecord record = MakeRecord(0, 1);
+    ++record.leading[3];
+    record.data[0] += 2;
+    ASSERT_TRUE(run.Document().SetAcqDataWellRecord(&record, 0, 2, DataRAWa));
+    ASSERT_EQ(run.Document().SaveToFile(path.c_str()), 0);
+  }
+  std::string text;
+  for (const Difference& one : Diff(one_, other_, {.setup = false, .records = false})) {
+    text += TextOf(one) + "\n";
+  }
+  EXPECT_THAT(text, HasSubstr("RAWa stored values: 1 differ, by up to 2: A2 frame 0: "));
+  EXPECT_THAT(text, HasSubstr("RAWa stored leading values: 1 differ, by up to 1: A2 frame 0: "));
+}
+
+TEST_F(DiffTest, TimesAndFlagsAreCompared) {
+  Vex2FileManager document;
+  ASSERT_EQ(document.ReadFromFile(other_.c_str()), 0);
+  Vex2WellRecord record;
+  ASSERT_TRUE(document.GetAcqDataWellRecord(&record, 1, 3, DataRAWa));
+  RunReading reading = DecodeReading(record);
+  reading.time += 1000;
+  record = EncodeReading(reading, false);
+  ASSERT_TRUE(document.SetAcqDataWellRecord(&record, 1, 3, DataRAWa));
+  Vex2HeaderData header = document.GetHeaderData();
+  header.usage[1] &= ~1U;
+  document.SetHeaderData(header);
+  Vex2PlateSetup setup;
+  ASSERT_EQ(document.GetPlateSetupInfo(&setup), 0);
+  setup.cells[2].detectors.GetHead()->used = false;
+  ASSERT_EQ(document.ReplacePlateSetup(&setup), 0);
+  ASSERT_EQ(document.SaveToFile(other_.c_str()), 0);
+  std::string text;
+  for (const Difference& one : Diff(one_, other_, {.records = false})) text += TextOf(one) + "\n";
+  EXPECT_THAT(text, HasSubstr("wells in use: 'in use' -> 'not in use': B1\n"));
+  EXPECT_THAT(text, HasSubstr("wells: flags of detectors: none -> '0': A3\n"));
+  EXPECT_THAT(text, HasSubstr("RAWa times, temperatures and cycles: 1 differ, by up to 1: A3 "));
+}
+
 TEST_F(DiffTest, DocumentThatCannotBeReadIsAnError) {
   Bytes bytes = ReadBytes(other_);
   bytes.resize(1100);

@@ -1,4 +1,7 @@
 // DocumentEditor as programs use it.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
 #include "lab/model/Document.h"
 #include "lab/model/DocumentEditor.h"
 #include "lab/record/RunRecorder.h"

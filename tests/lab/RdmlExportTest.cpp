@@ -4,8 +4,6 @@
 #include <cmath>
 
 #include "lab/model/DocumentEditor.h"
-#include "lab/record/MeasuredRun.h"
-#include "lab/record/PlanDocument.h"
 #include "tests/lab/RdmlFiles.h"
 
 namespace {
@@ -17,36 +15,6 @@ using testing::IsEmpty;
 
 class RdmlExport : public TempFolderTest {
  protected:
-  // Every document that can be read whole: those of the tests, and the samples.
-  static std::vector<std::string> documents() {
-    std::vector<std::string> paths;
-    for (const auto& entry : std::filesystem::directory_iterator(SourcePath("tests/data"))) {
-      if (entry.path().extension() == ".vex") paths.push_back(entry.path());
-    }
-    for (const auto& sample : SampleFiles("golden", ".vex")) paths.push_back(sample);
-    std::erase_if(paths, [](const std::string& path) {
-      try {
-        return Document(path).Fault().has_value();
-      } catch (const Error&) {
-        return true;
-      }
-    });
-    return paths;
-  }
-
-  std::string recordReal(const std::string& plate) {
-    MeasuredRunFiles files;
-    files.readings = SampleFolder() / "real" / ("calibration-" + plate + "-readings.csv");
-    files.wells = SampleFolder() / "real" / ("calibration-" + plate + "-wells.csv");
-    files.started = RunStart::Parse("2019-03-04T10:20:30+01:00");
-    const std::string path = folder_ / ("real-" + plate + ".vex");
-    RunPlan plan = LoadMeasuredRun(files).plan;
-    Vex2FileManager document;
-    StoreWholeRun(document, plan);
-    EXPECT_EQ(document.SaveToFile(path.c_str()), 0);
-    return path;
-  }
-
   void expectValid(const std::string& archive) {
     if (!HasSchemaCheck()) GTEST_SKIP() << "xmllint is not installed";
     const std::string xml = folder_ / "rdml_data.xml";
@@ -85,14 +53,14 @@ void ExpectSameRun(const RunReader& imported, const RunReader& original) {
 
 TEST_F(RdmlExport, EverySampleIsValidByTheSchema) {
   if (!HasSchemaCheck()) GTEST_SKIP() << "xmllint is not installed";
-  for (const std::string& path : documents()) {
+  for (const std::string& path : WholeDocuments()) {
     expectValid(ExportTo(path, folder_ / "out.rdml"));
   }
 }
 
 TEST_F(RdmlExport, EverySampleImportsByteForByte) {
   std::size_t count = 0;
-  for (const std::string& path : documents()) {
+  for (const std::string& path : WholeDocuments()) {
     const std::string archive = ExportTo(path, folder_ / "out.rdml");
     std::filesystem::remove(folder_ / "back.vex");
     const ImportReport report = Import(archive, folder_ / "back.vex");
@@ -105,7 +73,7 @@ TEST_F(RdmlExport, EverySampleImportsByteForByte) {
 }
 
 TEST_F(RdmlExport, EverySampleImportsWithoutItsDocument) {
-  for (const std::string& path : documents()) {
+  for (const std::string& path : WholeDocuments()) {
     Losses losses;
     const std::string archive =
         ExportTo(path, folder_ / "out.rdml", {.plate = {}, .embedsDocument = false}, &losses);
@@ -128,7 +96,8 @@ TEST_F(RdmlExport, EverySampleImportsWithoutItsDocument) {
 TEST_F(RdmlExport, RealRunsComeBackWithoutTheirDocument) {
   if (SampleFolder().empty()) GTEST_SKIP() << "there are no samples";
   for (const std::string plate : {"96", "384"}) {
-    const std::string path = recordReal(plate);
+    const std::string path = folder_ / ("real-" + plate + ".vex");
+    RecordReal(plate, path);
     Losses losses;
     const std::string archive =
         ExportTo(path, folder_ / "real.rdml", {.plate = {}, .embedsDocument = false}, &losses);
@@ -202,6 +171,36 @@ TEST_F(RdmlExport, DocumentIsNotTakenOnceTheXmlWasChanged) {
       Import(archive, folder_ / "old.vex", {.embedded = ImportOptions::Embedded::kAlways});
   EXPECT_TRUE(forced.isEmbedded);
   EXPECT_EQ(ReadBytes(folder_ / "old.vex"), ReadBytes(path));
+}
+
+TEST_F(RdmlExport, CqIsWrittenWithItsMethod) {
+  const std::string path = folder_ / "run.vex";
+  Record(SmallRun(40, 2), path);
+  const auto xmlWith = [&](std::optional<CqMethod> method) {
+    const std::string archive =
+        ExportTo(path, folder_ / "run.rdml", {.plate = {}, .embedsDocument = false, .cq = method});
+    expectValid(archive);
+    return ReadMember(archive, "rdml_data.xml");
+  };
+  EXPECT_THAT(xmlWith({}), testing::Not(HasSubstr("<cq")));
+  EXPECT_THAT(xmlWith(CqMethod::kSecondDerivative),
+              HasSubstr("<cqDetectionMethod>second derivative maximum</cqDetectionMethod>"));
+  const std::string xml = xmlWith(CqMethod::kThreshold);
+  EXPECT_THAT(xml, HasSubstr("<cqDetectionMethod>automated threshold and baseline settings<"));
+  std::size_t without = 0;
+  for (const CqResult& result : AnalyseCq(RunReader(path)).wells) {
+    const std::string& well = std::to_string(result.curve.well.number);
+    const std::size_t react = xml.find("<react id=\"" + well + "\">");
+    const std::size_t cq = xml.find("<cq>", react) + 4;
+    const std::string text = xml.substr(cq, xml.find('<', cq) - cq);
+    const auto expected = result.cq ? static_cast<float>(*result.cq) : -1.0F;
+    EXPECT_EQ(std::stof(text), expected) << well;
+    without += result.cq ? 0 : 1;
+  }
+  EXPECT_GT(without, 0U);
+  const ImportReport report = Import(folder_ / "run.rdml", folder_ / "back.vex");
+  EXPECT_EQ(CountOf(report.losses, "elements experiment/run/react/data/cq"), 96U);
+  EXPECT_EQ(CountOf(report.losses, "elements experiment/run/cqDetectionMethod"), 1U);
 }
 
 TEST_F(RdmlExport, ReadingsOfUnknownMeaningAreListedNotInvented) {

@@ -14,68 +14,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-// RDML as another program might write it: a plate of three wells, with one thing done otherwise.
-struct ForeignRdml {
-  std::string version = "1.2";
-  std::string prefix;  // of the namespace
-  std::string dyes = "<dye id=\"FAM\"/><dye id=\"VIC\"/>";
-  std::string samples =
-      "<sample id=\"S1\"><type>std</type><quantity><value>100</value><unit>cop</unit></quantity>"
-      "</sample><sample id=\"S2\"><type>unkn</type></sample>"
-      "<sample id=\"no\"><type>ntc</type></sample>";
-  std::string targets =
-      "<target id=\"MYC\"><type>toi</type><dyeId id=\"FAM\"/></target>"
-      "<target id=\"ACT\"><type>ref</type><dyeId id=\"VIC\"/></target>";
-  std::string conditions;
-  std::string format =
-      "<pcrFormat><rows>8</rows><columns>12</columns><rowLabel>ABC</rowLabel>"
-      "<columnLabel>123</columnLabel></pcrFormat>";
-  std::string runs;
-
-  static std::string Data(const std::string& target, double first, const std::string& more = {}) {
-    std::string text = "<data><tar id=\"" + target + "\"/>";
-    for (int cycle = 1; cycle <= 3; ++cycle) {
-      text += "<adp><cyc>" + std::to_string(cycle) + "</cyc><tmp>60.5</tmp><fluor>" +
-              std::to_string(first + cycle) + "</fluor></adp>";
-    }
-    return text + more + "</data>";
-  }
-
-  static std::string React(int well, const std::string& sample, const std::string& data) {
-    return "<react id=\"" + std::to_string(well) + "\"><sample id=\"" + sample + "\"/>" + data +
-           "</react>";
-  }
-
-  std::string Run(const std::string& id, const std::string& reacts) const {
-    return "<run id=\"" + id + "\">" + format + reacts + "</run>";
-  }
-
-  std::string Text() const {
-    std::string own = runs;
-    if (own.empty()) {
-      own = Run("r1", React(1, "S1", Data("MYC", 10)) + React(2, "S2", Data("MYC", 20)) +
-                          React(14, "no", Data("MYC", 0)));
-    }
-    std::string text = "<rdml version=\"" + version + "\" xmlns=\"http://www.rdml.org\">" + dyes +
-                       samples + targets + conditions + "<experiment id=\"e\">" + own +
-                       "</experiment></rdml>";
-    return prefix.empty() ? text : Prefixed(text);
-  }
-
-  // Every element with the prefix, which stands for the namespace.
-  std::string Prefixed(const std::string& text) const {
-    std::string result;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-      result += text[i];
-      const bool isEnd = text[i] == '/' && i > 0 && text[i - 1] == '<';
-      const bool isBegin = text[i] == '<' && text[i + 1] != '/';
-      if (isEnd || isBegin) result += prefix + ":";
-    }
-    const std::size_t at = result.find("xmlns=");
-    return result.replace(at, 6, "xmlns:" + prefix + "=");
-  }
-};
-
 std::string Utf16(const std::string& ascii) {
   std::string bytes = "\xFF\xFE";
   for (const char c : ascii) {
@@ -431,7 +369,7 @@ TEST_F(RdmlImport, ZipBombsAndDamagedArchivesAreRefused) {
   }
   EXPECT_LT(std::filesystem::file_size(source_), 100'000U);
   EXPECT_THAT(ErrorOf([&] { Import(source_, target_); }).Message(),
-              HasSubstr("unpacks to more than"));
+              testing::ContainsRegex("unpacks to more than [0-9]+ bytes, so it is not read"));
   WriteZip(source_, {{"rdml_data.xml", ForeignRdml().Text()}});
   Bytes bytes = ReadBytes(source_);
   for (std::size_t size = 4; size < bytes.size(); size += 37) {

@@ -1,5 +1,8 @@
 // What RunFollower promises: each committed frame once and in order, whatever the recorder does,
 // and a recorder that does not notice.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
 #include <chrono>
 #include <csignal>
 #include <filesystem>

@@ -1,5 +1,8 @@
 // What RunRecorder promises to programs: a frame is on the disk when Append returns, and no use of
 // it damages a document.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
 #include <csignal>
 #include <filesystem>
 #include <vector>

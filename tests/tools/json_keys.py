@@ -27,6 +27,8 @@ COMMANDS = {
     "spectrum": ["spectrum --json {} --well A1 --frame 0"],
     "cq": ["cq --format json {}"],
     "melt": ["melt --format json {}"],
+    "diff": ["diff --json run.vex {}"],
+    "export": ["export --format rdml {} -o out.rdml --force --report -"],
     "check": ["check --notes --json {}"],
     "recover": ["recover --json {} -o recovered.vex --force"],
     "study list": ["study list --json {}"],

@@ -28,7 +28,7 @@ NOT_SENTENCES = ("lab/text/", "lab/picture/", "lab/analysis/", "lab/Error.cpp", 
                  "lab/model/DetectorFields.cpp", "lab/model/Settings.cpp",
                  "lab/model/AssayTypes.cpp", "tools/vex/help/", "tools/vex/command/HelpCommand.cpp")
 TOKEN = re.compile(r'//[^\n]*|/\*.*?\*/|R"\((.*?)\)"|"((?:[^"\\\n]|\\.)*)"|\'(?:[^\'\\]|\\.)+\''
-                   r"|([A-Za-z_]\w*)|([(){}\[\];,])|\s+|.", re.S)
+                   r"|\d[\w'.]*|([A-Za-z_]\w*)|([(){}\[\];,])|\s+|.", re.S)
 ESCAPES = {"n": "\n", "t": "\t", '"': '"', "\\": "\\", "'": "'"}
 
 

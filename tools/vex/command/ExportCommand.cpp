@@ -51,6 +51,9 @@ class ExportCommand final : public Command {
     const Option raw =
         options.AddFlag("--raw", raw_, "csv: the values as they are stored, whoever wrote them");
     options.AddFlag("--wide", isWide_, "csv: a column for each well").Exclude(raw);
+    options.Add("--cq", cq_, "rdml, rdes: find Cq by threshold or sdm, and write it")
+        .AllowOnly({"threshold", "sdm"})
+        .Show("METHOD");
     options.AddFlag("--no-embed", hasNoDocument_, "rdml: leave the document out of the file");
     options.Add("--stage", stage_, "rdes: amplification or melt; both with -o if none")
         .AllowOnly({"amplification", "melt"})
@@ -68,6 +71,7 @@ class ExportCommand final : public Command {
     files.Read(file_).Write(target_, OutputFiles::Kind::kTable);
     losses_.Claim(files);
     if (format_ != "csv") document.RequireWhole("exported");
+    findCq();
     if (format_ == "rdes") return writeRdes(document, files);
     files.Claim();
     const ExitCode code = format_ == "csv"    ? writeCsv(document, blocks)
@@ -79,6 +83,15 @@ class ExportCommand final : public Command {
   }
 
  private:
+  void findCq() {
+    if (cq_.empty()) return;
+    if (format_ != "rdml" && format_ != "rdes") {
+      throw Error(ErrorCode::kUsage, "--cq is for rdml and rdes; use 'vex cq' for a table");
+    }
+    const auto method = cq_ == "sdm" ? CqMethod::kSecondDerivative : CqMethod::kThreshold;
+    analysis_ = AnalyseCq(RunReader(file_), {.method = method});
+  }
+
   void tellRun(const Document& document) const {
     if (document.Content().IsAcquisitionProg()) PrintLine(RunInProgressText(file_, "the table"));
   }
@@ -121,7 +134,7 @@ class ExportCommand final : public Command {
     auto plates = plate_.IsAll(document) ? document.Plates() : plate_.Choose(document);
     const bool embeds = !hasNoDocument_ && !plate_.IsGiven();
     Output output(target_);
-    const Losses losses = WriteRdml(output.Stream(), document, plates, embeds);
+    const Losses losses = WriteRdml(output.Stream(), document, plates, embeds, analysis());
     output.Finish();
     return losses_.Tell(losses, file_, file_, target_);
   }
@@ -152,12 +165,14 @@ class ExportCommand final : public Command {
     return losses_.Tell(losses, file_, file_, target_);
   }
 
-  static void writeTable(const PlateSource& source, const std::string& path, bool isMelting,
-                         bool listsRest, Losses& losses) {
+  void writeTable(const PlateSource& source, const std::string& path, bool isMelting,
+                  bool listsRest, Losses& losses) const {
     Output output(path);
-    WriteRdes(output.Stream(), source, isMelting, listsRest, losses);
+    WriteRdes(output.Stream(), source, isMelting, listsRest, losses, analysis());
     output.Finish();
   }
+
+  const CqAnalysis* analysis() const { return analysis_ ? &*analysis_ : nullptr; }
 
   std::string meltingPath() const {
     const std::filesystem::path path(target_);
@@ -195,6 +210,8 @@ class ExportCommand final : public Command {
   bool raw_ = false;
   bool hasNoDocument_ = false;
   std::string stage_;
+  std::string cq_;
+  std::optional<CqAnalysis> analysis_;
   bool isWide_ = false;
   LossOutput losses_;
 };
