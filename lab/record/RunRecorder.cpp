@@ -3,6 +3,7 @@
 #include <fmt/core.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <string>
@@ -14,6 +15,7 @@
 #include "lab/model/DocumentValues.h"
 #include "lab/model/RunLog.h"
 #include "lab/record/PlanValues.h"
+#include "lab/record/ReadingRows.h"
 #include "lab/record/RecordingDocument.h"
 
 namespace vex2::lab {
@@ -42,6 +44,7 @@ class RunRecorder::Impl {
 
   void Append(const MeasuredFrame& frame) {
     requireRoom(true);
+    requireNewCycle(frame);
     plan_.frames.push_back(EncodedFrame(plan_, frame, frameName()));
     try {
       document_.Commit(plan_, FrameRecords(plan_, plan_.frames.size() - 1));
@@ -49,6 +52,7 @@ class RunRecorder::Impl {
       plan_.frames.pop_back();
       throw;
     }
+    lastCycleOf(frame.stage == Stage::kMelting) = frame.cycle;
   }
 
   void Append(std::span<const RawRecord> frame) {
@@ -78,7 +82,28 @@ class RunRecorder::Impl {
   void takeRecordedFrames() {
     for (std::size_t i = 0; i < recorded_; ++i) {
       plan_.frames.push_back(document_.RecordedFrame(i, plan_.wells));
+      const RunReading& reading = plan_.frames.back().front();
+      std::uint16_t& last = lastCycleOf(reading.melting);
+      last = std::max(last, reading.cycle);
     }
+  }
+
+  std::uint16_t& lastCycleOf(bool isMelting) { return lastCycles_.at(isMelting ? 1 : 0); }
+
+  // A program that was interrupted and begins at the first cycle again would append frames that the
+  // document has.
+  void requireNewCycle(const MeasuredFrame& frame) {
+    const bool isMelting = frame.stage == Stage::kMelting;
+    const unsigned last = lastCycleOf(isMelting);
+    if (frame.cycle > last) return;
+    const std::string name = FrameName(isMelting, frame.cycle);
+    if (frame.cycle == 0) {
+      refuse(fmt::format("cannot append {} as {}: cycles count from 1", frameName(), name));
+    }
+    refuse(
+        fmt::format("cannot append {} as {}: cycle {} of that stage is recorded already; continue "
+                    "with cycle {}",
+                    frameName(), name, last, last + 1));
   }
 
   std::string frameName() const { return fmt::format("frame {}", FrameCount()); }
@@ -106,6 +131,7 @@ class RunRecorder::Impl {
   }
 
   RunPlan plan_;
+  std::array<std::uint16_t, 2> lastCycles_{};  // of the amplification and of the melting; 0 is none
   bool isMeasured_;
   RecordingDocument document_;
   std::size_t recorded_ = 0;

@@ -236,6 +236,32 @@ TEST_F(RunRecorderTest, RejectsReadingBeyondScale) {
   EXPECT_EQ(made.FrameCount(), 0U);
 }
 
+TEST_F(RunRecorderTest, RejectsCycleNotAboveLastOfItsStage) {
+  lab::MeasuredFrame melting = measuredFrame(0);
+  melting.stage = lab::Stage::kMelting;
+  {
+    RunRecorder made(path(), measuredPlan());
+    for (std::size_t i = 0; i < 3; ++i) made.Append(measuredFrame(i));
+    made.Append(melting);
+  }
+  // A program that was interrupted begins anew.
+  RunRecorder resumed(path(), measuredPlan(), {.resume = true});
+  const lab::Error error = ErrorOf([&] { resumed.Append(measuredFrame(0)); });
+  EXPECT_EQ(error.what(), path() +
+                              ": cannot append frame 4 as amplification cycle 1: cycle 3 of that "
+                              "stage is recorded already; continue with cycle 4");
+  EXPECT_EQ(error.Class(), lab::ErrorClass::kUsage);
+  EXPECT_THAT(messageOf([&] { resumed.Append(melting); }),
+              testing::HasSubstr("as melt cycle 1: cycle 1 of that stage"));
+  lab::MeasuredFrame none = measuredFrame(0);
+  none.cycle = 0;
+  EXPECT_THAT(messageOf([&] { resumed.Append(none); }),
+              testing::HasSubstr("as amplification cycle 0: cycles count from 1"));
+  EXPECT_EQ(resumed.FrameCount(), 4U);
+  resumed.Append(measuredFrame(3));
+  EXPECT_EQ(resumed.FrameCount(), 5U);
+}
+
 TEST_F(RunRecorderTest, RejectsFrameAfterLastAndAfterFinish) {
   RunRecorder made = recorder();
   EXPECT_THAT(messageOf([&] { made.Finish(); }), testing::HasSubstr("0 of 6 frames are recorded"));
