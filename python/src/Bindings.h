@@ -14,6 +14,8 @@ void BindAnalysis(pybind11::module_& module);
 void BindChecks(pybind11::module_& module);
 void BindEditor(pybind11::module_& module);
 void BindRecorder(pybind11::module_& module);
+void BindFollower(pybind11::module_& module);
+void BindReplacement(pybind11::module_& module);
 /// The document of the raw interface, whose operations keep their own names.
 void BindRaw(pybind11::module_& module);
 

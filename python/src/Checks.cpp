@@ -1,6 +1,7 @@
 #include "lab/Error.h"
 #include "lab/check/Check.h"
 #include "lab/check/Repair.h"
+#include "lab/model/DocumentEditor.h"
 #include "lab/recover/Recover.h"
 #include "python/src/Bindings.h"
 #include "python/src/Values.h"
@@ -14,11 +15,21 @@ py::object fromFinding(const lab::Finding& finding) {
               Text(finding.problem), Text(finding.consequence), Text(finding.remedy));
 }
 
+lab::OperationNames namesOfPython() {
+  return {.repair = "vex2.repair",
+          .recover = "vex2.recover",
+          .resume = "vex2.record",
+          .upgrade = "vex2.edit with upgrade_blocks=True",
+          .read = "vex2.open",
+          .setWells = "vex2.edit",
+          .setStatus = "vex2.set_run_status"};
+}
+
 py::object check(const std::string& path) {
   lab::Findings findings;
   {
     const py::gil_scoped_release unlocked;
-    findings = lab::Check(path);
+    findings = lab::Check(path, namesOfPython());
   }
   return Make("Findings", TupleOf(findings.list, fromFinding),
               findings.Count(lab::Severity::kError), findings.Count(lab::Severity::kWarning),
@@ -99,6 +110,13 @@ py::object recover(const std::string& path, const std::string& target, bool repl
 
 void BindChecks(py::module_& module) {
   module.def("check", &check, py::arg("path"));
+  module.def(
+      "set_run_status",
+      [](const std::string& path, const std::string& code) {
+        const py::gil_scoped_release unlocked;
+        lab::SetRunStatus(path, code);
+      },
+      py::arg("path"), py::arg("code"));
   module.def("repair", &repair, py::arg("path"), py::arg("dry_run"));
   module.def("recover", &recover, py::arg("path"), py::arg("target"), py::arg("replace"),
              py::arg("progress"));

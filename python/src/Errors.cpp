@@ -1,6 +1,8 @@
 #include <exception>
+#include <string>
 
 #include "lab/Error.h"
+#include "lab/SystemError.h"
 #include "python/src/Bindings.h"
 #include "python/src/Values.h"
 #include "vex2/framework/Host.h"
@@ -16,8 +18,65 @@ class SilentHost final : public Host {
   void ShowMessage(const std::string& /*text*/) override {}
 };
 
+// What the caller can do, by the names of the module.
+std::string_view textOf(lab::ErrorRemedy remedy) {
+  using lab::ErrorRemedy;
+  switch (remedy) {
+    case ErrorRemedy::kNone:
+      break;
+    case ErrorRemedy::kExtractPlate:
+      return "use one of its plates: vex2.open(...).plates";
+    case ErrorRemedy::kMakeStudy:
+      return "make a study of it first";
+    case ErrorRemedy::kEndRun:
+      return "let the recorder finish, or call vex2.set_run_status if it never will";
+    case ErrorRemedy::kImport:
+      return "read the table with pandas and make a document of it with vex2.from_frame";
+    case ErrorRemedy::kExport:
+      return "vex2.open(...).tidy() makes a table of a document";
+    case ErrorRemedy::kGiveDelimiter:
+    case ErrorRemedy::kQuoteDecimals:
+    case ErrorRemedy::kGiveDecimalMark:
+    case ErrorRemedy::kTakeDecimalPoint:
+    case ErrorRemedy::kTakeDecimalComma:
+    case ErrorRemedy::kGiveLatin1:
+    case ErrorRemedy::kGiveEncoding:
+      return "read the table with pandas, which takes that as an argument";
+    case ErrorRemedy::kAllowRounding:
+      return "round the numbers before";
+    case ErrorRemedy::kNameChannels:
+      return "name all with channels=[...]";
+    case ErrorRemedy::kLowerOffset:
+      return "no reading can be below the offset";
+    case ErrorRemedy::kNewRunWithOffset:
+      return "record such a run to a new document with an offset below its lowest reading";
+    case ErrorRemedy::kNewRunWithScale:
+      return "record such a run to a new document with a scale that its highest reading fits";
+    case ErrorRemedy::kResume:
+      return "use resume=True to go on";
+    case ErrorRemedy::kResumeOrReplace:
+      return "use resume=True to continue it or replace=True to overwrite it";
+  }
+  return {};
+}
+
+// The library says what to do in terms of its own.
+lab::Error inTermsOfPython(const lab::Error& error) {
+  if (error.Remedy() == lab::ErrorRemedy::kNone) return error;
+  const std::string message =
+      std::string(error.Problem()).append("; ").append(textOf(error.Remedy()));
+  if (error.File().empty()) return {error.Code(), message};
+  return {error.Code(),
+          error.File(),
+          message,
+          error.Offset(),
+          lab::ErrorRemedy::kNone,
+          error.SystemErrorNumber()};
+}
+
 // Errors of lab/ become those of vex2/_errors.py, which chooses the class.
-void raise(const lab::Error& error) {
+void raise(const lab::Error& raised) {
+  const lab::Error error = inTermsOfPython(raised);
   const lab::ErrorKind& kind = lab::ErrorKindOf(error.Code());
   const py::object offset = OrNone(error.Offset());
   const py::object made =
@@ -51,6 +110,10 @@ void BindErrors(py::module_& module) {
   static SilentHost host;
   SetHost(&host);
   py::register_exception_translator(&translate);
+  module.def(
+      "raise_system_error",
+      [](const std::string& file, int number) { throw lab::SystemError(file, number); },
+      py::arg("file"), py::arg("number"), "Raises the error for a number of errno.");
   module.def("error_kinds", &errorKinds, "(name, class, meaning) of each kind of error.");
 }
 

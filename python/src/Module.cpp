@@ -10,5 +10,7 @@ PYBIND11_MODULE(_vex2, module) {
   vex2::python::BindChecks(module);
   vex2::python::BindEditor(module);
   vex2::python::BindRecorder(module);
+  vex2::python::BindFollower(module);
+  vex2::python::BindReplacement(module);
   vex2::python::BindRaw(module);
 }

@@ -72,29 +72,6 @@ py::object meaningOf(const Readings& readings) {
                         textsOf(meaning->channels));
 }
 
-// (index, position, well numbers, leading values, stored readings, fluorescence)
-py::tuple fromFrame(const lab::Frame& frame) {
-  const std::size_t wells = frame.wells.size();
-  const std::size_t channels = wells > 0 ? frame.wells[0].fluorescence.size() : 0;
-  py::array_t<std::uint16_t> numbers(static_cast<py::ssize_t>(wells));
-  py::array_t<std::uint16_t> leading(
-      {wells, std::tuple_size_v<decltype(lab::WellReading::leading)>});
-  py::array_t<std::uint16_t> values({wells, lab::kReadingValues});
-  py::array_t<double> fluorescence({wells, channels});
-  for (std::size_t i = 0; i < wells; ++i) {
-    const lab::WellReading& well = frame.wells[i];
-    const auto row = static_cast<py::ssize_t>(i);
-    numbers.mutable_at(row) = well.well;
-    std::copy(well.leading.begin(), well.leading.end(), leading.mutable_data(row, 0));
-    std::copy(well.values.begin(), well.values.end(), values.mutable_data(row, 0));
-    if (channels == 0) continue;
-    std::copy(well.fluorescence.begin(), well.fluorescence.end(),
-              fluorescence.mutable_data(row, 0));
-  }
-  return py::make_tuple(frame.index, FromPosition(frame.position), numbers, leading, values,
-                        fluorescence);
-}
-
 void bindReadings(py::module_& module) {
   py::class_<Readings>(module, "Readings", "The readings of a data block.")
       .def("values", &valuesOf)
@@ -139,7 +116,7 @@ void BindReader(py::module_& module) {
       .def(
           "frame",
           [](const RunReader& self, std::uint64_t index, const std::string& block) {
-            return fromFrame(Unlocked([&] { return self.Frame(index, block); }));
+            return FromFrame(Unlocked([&] { return self.Frame(index, block); }));
           },
           py::arg("index"), py::arg("block"))
       .def(

@@ -35,7 +35,7 @@ std::optional<lab::ReadingScale> scaleOf(const py::object& given) {
 std::vector<lab::SettingValue> settingsOf(const py::dict& settings) {
   std::vector<lab::SettingValue> values;
   for (const auto& [name, value] : settings) {
-    values.push_back({name.cast<std::string>(), ToValue(value)});
+    values.push_back({Given<std::string>(name, "a setting's name"), ToValue(value)});
   }
   return values;
 }
@@ -47,19 +47,19 @@ lab::RecordingPlan planOf(const py::dict& given) {
   plan.plate.rows = plate.attr("rows").cast<std::uint32_t>();
   plan.plate.columns = plate.attr("columns").cast<std::uint32_t>();
   plan.plate.wells = VectorOf(plate.attr("wells"), ToWell);
-  plan.wells = given["wells"].cast<std::vector<std::uint16_t>>();
+  plan.wells = Given<std::vector<std::uint16_t>>(given["wells"], "wells");
   plan.detectors = VectorOf(given["detectors"], ToDetector);
-  plan.requiredDyes = given["required_dyes"].cast<std::vector<std::string>>();
+  plan.requiredDyes = Given<std::vector<std::string>>(given["required_dyes"], "required_dyes");
   plan.settings = settingsOf(given["settings"]);
-  const auto program = given["program"].cast<std::string>();
+  const auto program = Given<std::string>(given["program"], "program");
   plan.program.assign(program.begin(), program.end());
-  plan.comment = given["comment"].cast<std::string>();
+  plan.comment = Given<std::string>(given["comment"], "comment");
   plan.calibration = ToCalibration(given["calibration"]);
-  plan.assay = given["assay"].cast<std::string>();
-  plan.started = given["started"].cast<std::optional<std::string>>();
+  plan.assay = Given<std::string>(given["assay"], "assay");
+  plan.started = Given<std::optional<std::string>>(given["started"], "started");
   plan.scale = scaleOf(given["scale"]);
-  plan.channels = given["channels"].cast<std::vector<std::string>>();
-  plan.frameCount = given["frame_count"].cast<std::optional<std::size_t>>();
+  plan.channels = Given<std::vector<std::string>>(given["channels"], "channels");
+  plan.frameCount = Given<std::optional<std::size_t>>(given["frame_count"], "frame_count");
   return plan;
 }
 
@@ -71,13 +71,13 @@ std::unique_ptr<RunRecorder> open(const std::string& path, const py::dict& given
                                        lab::RecorderOptions{.resume = resume, .replace = replace});
 }
 
-// `leading` is (wells, 8), `readings` (wells, 32), both in the order of the recorder's wells.
-void appendRaw(RunRecorder& recorder, const Words& leading, const Words& readings) {
-  const std::span<const std::uint16_t> wells = recorder.Wells();
-  std::vector<lab::RawRecord> frame(wells.size());
-  for (std::size_t i = 0; i < wells.size(); ++i) {
+// `leading` is (wells, 8), `readings` (wells, 32), both in the order of `wells`.
+void appendRaw(RunRecorder& recorder, const Words& wells, const Words& leading,
+               const Words& readings) {
+  std::vector<lab::RawRecord> frame(static_cast<std::size_t>(wells.size()));
+  for (std::size_t i = 0; i < frame.size(); ++i) {
     const auto row = static_cast<py::ssize_t>(i);
-    frame[i].well = wells[i];
+    frame[i].well = wells.at(row);
     std::copy_n(leading.data(row, 0), frame[i].leading.size(), frame[i].leading.begin());
     std::copy_n(readings.data(row, 0), frame[i].readings.size(), frame[i].readings.begin());
   }
@@ -86,17 +86,15 @@ void appendRaw(RunRecorder& recorder, const Words& leading, const Words& reading
 }
 
 // `values` is (wells, channels), NaN for a reading that is missing; times and temperatures are of
-// each well.
-void appendMeasured(RunRecorder& recorder, bool isMelting, std::uint16_t cycle,
+// each well, all in the order of `wells`.
+void appendMeasured(RunRecorder& recorder, const Words& wells, bool isMelting, std::uint16_t cycle,
                     const Numbers& times, const Numbers& temperatures, const Numbers& values) {
-  const std::span<const std::uint16_t> wells = recorder.Wells();
   lab::MeasuredFrame frame{.stage = isMelting ? lab::Stage::kMelting : lab::Stage::kAmplification,
                            .cycle = cycle,
                            .wells = {}};
-  for (std::size_t i = 0; i < wells.size(); ++i) {
-    const auto row = static_cast<py::ssize_t>(i);
+  for (py::ssize_t row = 0; row < wells.size(); ++row) {
     lab::MeasuredWell& well = frame.wells.emplace_back();
-    well.well = wells[i];
+    well.well = wells.at(row);
     well.time = times.at(row);
     well.temperature = temperatures.at(row);
     for (py::ssize_t channel = 0; channel < values.shape(1); ++channel) {
@@ -122,10 +120,9 @@ void BindRecorder(py::module_& module) {
       .def("recorded_frames", &RunRecorder::RecordedFrames)
       .def("frame_count", &RunRecorder::FrameCount)
       .def("is_finished", &RunRecorder::IsFinished)
-      .def("wells", [](const RunRecorder& self) { return ArrayOf<std::uint16_t>(self.Wells()); })
-      .def("append_raw", &appendRaw, py::arg("leading"), py::arg("readings"))
-      .def("append_measured", &appendMeasured, py::arg("is_melting"), py::arg("cycle"),
-           py::arg("times"), py::arg("temperatures"), py::arg("values"))
+      .def("append_raw", &appendRaw, py::arg("wells"), py::arg("leading"), py::arg("readings"))
+      .def("append_measured", &appendMeasured, py::arg("wells"), py::arg("is_melting"),
+           py::arg("cycle"), py::arg("times"), py::arg("temperatures"), py::arg("values"))
       .def("finish", [](RunRecorder& self) {
         const py::gil_scoped_release unlocked;
         self.Finish();

@@ -5,6 +5,8 @@
 #include <bit>
 #include <limits>
 
+#include "lab/Error.h"
+
 namespace vex2::python {
 
 namespace {
@@ -12,12 +14,12 @@ namespace {
 constexpr double kUnknown = std::numeric_limits<double>::quiet_NaN();
 
 std::string textIn(const py::handle& owner, const char* name) {
-  return py::cast<std::string>(owner.attr(name));
+  return Given<std::string>(owner.attr(name), name);
 }
 
 template <typename Number>
 Number numberIn(const py::handle& owner, const char* name) {
-  return py::cast<Number>(owner.attr(name));
+  return Given<Number>(owner.attr(name), name);
 }
 
 template <std::size_t kSize>
@@ -27,10 +29,11 @@ py::bytes bytesOf(const std::array<std::uint8_t, kSize>& bytes) {
 
 template <std::size_t kSize>
 std::array<std::uint8_t, kSize> bytesIn(const py::handle& owner, const char* name) {
-  const auto bytes = py::cast<std::string>(owner.attr(name));
+  const auto bytes = textIn(owner, name);
   if (bytes.size() != kSize) {
-    throw py::value_error(std::string(name) + " has " + std::to_string(kSize) + " bytes, not " +
-                          std::to_string(bytes.size()));
+    throw lab::Error(lab::ErrorCode::kInvalidValue, std::string(name) + " has " +
+                                                        std::to_string(bytes.size()) +
+                                                        " bytes, not " + std::to_string(kSize));
   }
   std::array<std::uint8_t, kSize> array{};
   std::copy(bytes.begin(), bytes.end(), array.begin());
@@ -46,7 +49,8 @@ lab::Target toTarget(const py::handle& target) {
   const py::object quantity = target.attr("quantity");
   return {.detector = textIn(target, "detector"),
           .task = textIn(target, "task"),
-          .quantity = quantity.is_none() ? std::nullopt : std::optional(quantity.cast<float>()),
+          .quantity = quantity.is_none() ? std::nullopt
+                                         : std::optional(numberIn<float>(target, "quantity")),
           .reporter = textIn(target, "reporter")};
 }
 
@@ -74,7 +78,7 @@ lab::CalibrationEntry toEntry(const py::handle& entry) {
           .key2 = numberIn<std::uint16_t>(entry, "key2"),
           .dyeIndex = numberIn<std::uint16_t>(entry, "dye_index"),
           .bytes = bytesIn<2>(entry, "bytes"),
-          .params = py::cast<std::array<std::uint16_t, 3>>(entry.attr("params")),
+          .params = Given<std::array<std::uint16_t, 3>>(entry.attr("params"), "params"),
           .limit = numberIn<std::uint16_t>(entry, "limit"),
           .values = valuesIn(entry.attr("values"))};
 }
@@ -104,6 +108,13 @@ std::uint8_t stageCode(const std::optional<lab::Stage>& stage) {
 
 }  // namespace
 
+void RefuseValue(const py::handle& value, std::string_view name) {
+  PyErr_Clear();
+  throw lab::Error(
+      lab::ErrorCode::kInvalidValue,
+      std::string(name) + " is " + py::repr(value).cast<std::string>() + ", which it cannot be");
+}
+
 py::str Text(std::string_view utf8) {
   return py::reinterpret_steal<py::str>(
       PyUnicode_DecodeUTF8(utf8.data(), static_cast<py::ssize_t>(utf8.size()), "replace"));
@@ -128,9 +139,9 @@ py::object FromValue(const lab::Value& value) {
 
 lab::Value ToValue(const py::handle& value) {
   if (value.is_none()) return {};
-  if (py::isinstance<py::str>(value)) return value.cast<std::string>();
-  if (PyIndex_Check(value.ptr()) != 0) return value.cast<std::int64_t>();
-  return value.cast<float>();
+  if (py::isinstance<py::str>(value)) return Given<std::string>(value, "the value");
+  if (PyIndex_Check(value.ptr()) != 0) return Given<std::int64_t>(value, "the value");
+  return Given<float>(value, "the value");
 }
 
 py::tuple MasksOf(const Vex2HeaderData& header) {
@@ -172,7 +183,7 @@ lab::Detector ToDetector(const py::handle& detector) {
           .comment = textIn(detector, "comment"),
           .owner = textIn(detector, "owner"),
           .location = textIn(detector, "location"),
-          .color = py::cast<std::array<std::uint8_t, 3>>(detector.attr("color")),
+          .color = Given<std::array<std::uint8_t, 3>>(detector.attr("color"), "color"),
           .created = numberIn<std::int32_t>(detector, "created"),
           .modified = numberIn<std::int32_t>(detector, "modified"),
           .baselineStart = numberIn<std::uint16_t>(detector, "baseline_start"),
@@ -210,6 +221,28 @@ py::object FromBlock(const lab::BlockInfo& block) {
 py::tuple FromPosition(const lab::FramePosition& position) {
   return py::make_tuple(stageCode(position.stage), OrNone(position.cycle), OrNone(position.time),
                         OrNone(position.temperature));
+}
+
+py::tuple FromFrame(const lab::Frame& frame) {
+  const std::size_t wells = frame.wells.size();
+  const std::size_t channels = wells > 0 ? frame.wells[0].fluorescence.size() : 0;
+  py::array_t<std::uint16_t> numbers(static_cast<py::ssize_t>(wells));
+  py::array_t<std::uint16_t> leading(
+      {wells, std::tuple_size_v<decltype(lab::WellReading::leading)>});
+  py::array_t<std::uint16_t> values({wells, lab::kReadingValues});
+  py::array_t<double> fluorescence({wells, channels});
+  for (std::size_t i = 0; i < wells; ++i) {
+    const lab::WellReading& well = frame.wells[i];
+    const auto row = static_cast<py::ssize_t>(i);
+    numbers.mutable_at(row) = well.well;
+    std::copy(well.leading.begin(), well.leading.end(), leading.mutable_data(row, 0));
+    std::copy(well.values.begin(), well.values.end(), values.mutable_data(row, 0));
+    if (channels == 0) continue;
+    std::copy(well.fluorescence.begin(), well.fluorescence.end(),
+              fluorescence.mutable_data(row, 0));
+  }
+  return py::make_tuple(frame.index, FromPosition(frame.position), numbers, leading, values,
+                        fluorescence);
 }
 
 py::tuple FromAxis(const std::vector<lab::FramePosition>& axis) {

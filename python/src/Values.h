@@ -34,6 +34,19 @@ py::str PathText(const std::string& path);
 /// Each character stands for one byte.
 py::str Latin1(std::string_view bytes);
 
+/// Throws the error for a value that is not of the type that is needed.
+[[noreturn]] void RefuseValue(const py::handle& value, std::string_view name);
+
+/// What Python gives for `name`.
+template <typename Value>
+Value Given(const py::handle& value, std::string_view name) {
+  try {
+    return py::cast<Value>(value);
+  } catch (const py::cast_error&) {
+    RefuseValue(value, name);
+  }
+}
+
 /// None for nothing.
 template <typename Content>
 py::object OrNone(const std::optional<Content>& content) {
@@ -82,6 +95,8 @@ py::object FromProgram(const std::optional<lab::Program>& program);
 py::object FromBlock(const lab::BlockInfo& block);
 /// (stage, cycle, time_s, temperature_c), each None where it is not known.
 py::tuple FromPosition(const lab::FramePosition& position);
+/// (index, position, well numbers, leading values, stored readings, fluorescence)
+py::tuple FromFrame(const lab::Frame& frame);
 /// (stages, cycles, times, temperatures) as arrays: 0 no stage, 1 amplification, 2 melting.
 py::tuple FromAxis(const std::vector<lab::FramePosition>& axis);
 

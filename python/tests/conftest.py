@@ -18,7 +18,8 @@ GOLDEN = SHARED / "golden"
 LARGEST_MEMORY = 6 << 30
 if "asan" not in os.environ.get("LD_PRELOAD", ""):
     _, most = resource.getrlimit(resource.RLIMIT_AS)
-    resource.setrlimit(resource.RLIMIT_AS, (LARGEST_MEMORY, most))
+    if most == resource.RLIM_INFINITY or most > LARGEST_MEMORY:
+        resource.setrlimit(resource.RLIMIT_AS, (LARGEST_MEMORY, most))
 
 COMMAND = os.environ.get("VEX2_COMMAND", "")
 STANDARDS = (1000.0, 100.0, 10.0)

@@ -114,3 +114,89 @@ def test_plates_of_a_study_are_edited(folder):
     plates = vex2.open("study.vex").plates
     assert plates["plate2"].plate["A1"].sample == "changed"
     assert plates["plate1"].plate["A1"].sample == "control"
+
+
+def odd_wells(path: str) -> tuple:
+    """Makes wells that a table cannot tell from others: no task, and a target without a name."""
+    manager = vex2.raw.Vex2FileManager()
+    assert manager.ReadFromFile(path) == 0
+    setup = [vex2.raw.Vex2WellSetup(i // 12, i % 12, True, "sample") for i in range(96)]
+    setup[0].detectors = [vex2.raw.Vex2WellDetector("GENE", ""), vex2.raw.Vex2WellDetector("", "")]
+    setup[1].detectors = [vex2.raw.Vex2WellDetector("GENE", "")]
+    assert manager.ReplacePlateSetup(setup) == 0 and manager.SaveToFile(path) == 0
+    return vex2.open(path).plate.wells
+
+
+def test_wells_that_are_looked_at_stay_as_they_are(folder):
+    before = odd_wells("run.vex")
+    assert before[1].targets[0].task == "" and len(before[0].targets) == 2
+    with vex2.edit("run.vex") as doc:
+        assert len(doc.wells) == 97
+    assert vex2.open("run.vex").plate.wells == before
+    with vex2.edit("run.vex") as doc:
+        doc.wells.loc[doc.wells["well"] == "A2", "sample"] = "changed"
+        doc.wells = doc.wells
+    after = vex2.open("run.vex").plate.wells
+    assert after[1] == before[1]._replace(sample="changed")
+    assert after[:1] + after[2:] == before[:1] + before[2:]
+
+
+def test_plate_of_another_size_is_refused(folder):
+    before = content()
+    with pytest.raises(vex2.UsageError, match="8 x 12 wells, but one of 16 x 24 wells was given"):
+        with vex2.edit("run.vex") as doc:
+            doc.wells = vex2.Plate(16, 24, (vex2.Well(1),))
+    with pytest.raises(vex2.UsageError, match="'A13'"):
+        with vex2.edit("run.vex") as doc:
+            doc.wells = [vex2.Well(13, "A13")]
+    assert content() == before
+
+
+@pytest.mark.parametrize(
+    "change, what",
+    [
+        (lambda doc: setattr(doc, "required_dyes", "FAM"), r"use \['FAM'\]"),
+        (lambda doc: setattr(doc, "wells", "A1"), "not a list"),
+        (lambda doc: setattr(doc, "wells", {"well": ["A1"], "sample": []}), "differ in length"),
+        (lambda doc: setattr(doc, "wells", {"well": ["A1"], "target": ["G"], "quantity": ["x"]}),
+         "the quantity of G is 'x'"),
+        (lambda doc: setattr(doc, "wells", {"number": [1.5]}), "a well number is 1.5"),
+        (lambda doc: setattr(doc, "detectors", [1]), "not as vex2.Detector"),
+        (lambda doc: setattr(doc, "detectors", [vex2.Detector("G", threshold="x")]),
+         "threshold is 'x'"),
+        (lambda doc: setattr(doc, "settings", 5), "not as a mapping"),
+        (lambda doc: doc.settings.update({"sample-volume": [1]}), "which it cannot be"),
+        (lambda doc: setattr(doc, "status", 5), "another type"),
+        (lambda doc: setattr(doc, "status", "FINISHED"), "four"),
+        (lambda doc: setattr(doc, "settings", {"comment": "\ud800"}), "which it cannot be"),
+    ],
+)
+def test_value_of_a_wrong_kind_is_a_usage_error(folder, change, what):
+    before = content()
+    with pytest.raises(vex2.UsageError, match=what):
+        with vex2.edit("run.vex") as doc:
+            change(doc)
+    assert content() == before
+
+
+def test_table_of_detectors_with_other_columns_is_refused(folder):
+    pandas = pytest.importorskip("pandas")
+    with pytest.raises(vex2.UsageError, match="the column 'colour'"):
+        with vex2.edit("run.vex") as doc:
+            doc.detectors = pandas.DataFrame(doc.detectors).assign(colour=1)
+
+
+def test_run_that_was_given_up_is_ended(folder):
+    rec = vex2.record("open.vex", 96, wells=["A1"], scale=10)
+    rec.append([1], cycle=1, time_s=1, temperature_c=60)
+    with pytest.raises(vex2.FileError):
+        vex2.set_run_status("open.vex", "DONE")
+    rec.close()
+    with pytest.raises(vex2.Error, match="or call vex2.set_run_status if it never will"):
+        vex2.edit("open.vex")
+    vex2.set_run_status("open.vex", "DONE")
+    with vex2.edit("open.vex") as doc:
+        assert doc.status == "DONE"
+    with pytest.raises(vex2.UsageError):
+        vex2.set_run_status("open.vex", "FINISHED")
+    assert len(vex2.open("open.vex").frames) == 1

@@ -122,3 +122,45 @@ def test_nothing_is_printed(folder, capfd):
     assert not manager.SetAcqDataWellRecord([1] * 40, 0, 1, vex2.raw.DataRAWa)
     vex2.check(b"none")
     assert capfd.readouterr() == ("", "")
+
+
+def test_file_that_is_gone_is_an_error_of_the_family(folder):
+    run = vex2.open("run.vex")
+    os.remove("run.vex")
+    for ask in (run.to_bytes, lambda: run.header, lambda: run.readings):
+        error = raised(ask)
+        assert isinstance(error, FileNotFoundError) and error.errno == errno.ENOENT
+        assert str(error) == "run.vex: No such file or directory"
+
+
+def test_advice_is_in_the_words_of_python(folder):
+    pathlib.Path("cut.vex").write_bytes(pathlib.Path("run.vex").read_bytes()[:-5000])
+    vex2.set_run_status("plate1.vex", "PROG")
+    said = [
+        str(raised(lambda: vex2.record("run.vex", 96, resume=False))),
+        str(raised(lambda: vex2.recover("run.vex", "plate2.vex"))),
+        str(raised(lambda: vex2.edit("plate1.vex"))),
+        *(found.remedy for found in vex2.check("cut.vex").list),
+        *(found.remedy for found in vex2.check("plate1.vex").list),
+    ]
+    text = "\n".join(said)
+    assert "use resume=True to continue it or replace=True to overwrite it" in text
+    assert "vex2.set_run_status" in text and "vex2.re" in text
+    for other in ("RunRecorder", "RunReader", "DocumentEditor", "SetRunStatus", "'vex ", "--"):
+        assert other not in text
+
+
+def test_arguments_of_other_types_are_usage_errors(folder):
+    run = vex2.open("run.vex")
+    for ask in (
+        lambda: run.cq(threshold="high"),
+        lambda: run.cq(method="none"),
+        lambda: run.cq(baseline=3),
+        lambda: run.melting_peaks(detector=5),
+        lambda: run.amplification.well("A1", 1),
+        lambda: run.amplification.to_frame(7),
+        lambda: run.block("RAWa").find(1.5),
+        lambda: vex2.set_run_status("run.vex", 5),
+        lambda: vex2.follow("run.vex", timeout=-1),
+    ):
+        assert isinstance(raised(ask), vex2.UsageError)

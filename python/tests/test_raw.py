@@ -291,3 +291,23 @@ def test_arguments_of_wrong_kind_raise(manager):
     ):
         with pytest.raises((TypeError, ValueError)):
             call()
+
+
+def enumerators(header: str, name: str) -> list:
+    """The names of an enumeration, in the order of their numbers."""
+    text = re.sub(r"//.*", "", (HEADER.parents[1] / header).read_text())
+    body = re.search(rf"enum (?:class )?{name}\b[^{{]*{{([^}}]*)}}", text).group(1)
+    return re.findall(r"\b([A-Za-z]\w*)\b(?: = \d+)?\s*,", body)
+
+
+@pytest.mark.parametrize(
+    "header, kind",
+    [
+        ("framework/FileError.h", raw.FileOperation),
+        ("framework/FileError.h", raw.FileErrorReason),
+        ("run/Vex2DataType.h", raw.Vex2DataType),
+    ],
+)
+def test_enumerations_are_those_of_cpp(header, kind):
+    names = enumerators(header, kind.__name__)
+    assert names == [each.name for each in sorted(kind)] and len(names) >= 5

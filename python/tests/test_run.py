@@ -225,7 +225,7 @@ def test_follow_sees_each_frame_as_it_comes(folder):
         "        time.sleep(0.1)\n"
     )
     with subprocess.Popen([sys.executable, "-c", code]) as recorder:
-        cycles = [f.cycle for f in vex2.follow("live.vex", interval=0.02, timeout=20, wait=True)]
+        cycles = [f.cycle for f in vex2.follow("live.vex", timeout=20, wait=True)]
     assert recorder.returncode == 0 and cycles == [1, 2, 3, 4, 5]
 
 
@@ -233,7 +233,7 @@ def test_follow_gives_up_after_timeout(folder):
     record_sample(pathlib.Path("cut.vex"), 3)
     with vex2.edit("cut.vex") as doc:
         doc.status = "PROG"
-    assert len(list(vex2.follow("cut.vex", interval=0.01, timeout=0.05))) == 3
+    assert len(list(vex2.follow("cut.vex", timeout=0.05))) == 3
 
 
 def test_follow_is_an_async_iterator(run):
@@ -246,3 +246,51 @@ def test_follow_is_an_async_iterator(run):
 def test_follow_of_no_file_raises(folder):
     with pytest.raises(FileNotFoundError):
         next(vex2.follow("missing.vex"))
+
+
+def test_follow_goes_on_when_the_run_is_saved_anew(folder):
+    record_sample(pathlib.Path("live.vex"), 3)
+    vex2.set_run_status("live.vex", "PROG")
+    frames = vex2.follow("live.vex", timeout=0)
+    assert [frame.cycle for frame in frames] == [1, 2, 3] and frames.run.status == "PROG"
+    vex2.set_run_status("live.vex", "DONE")
+    with vex2.edit("live.vex") as doc:
+        doc.settings["comment"] = "saved anew"
+    assert list(frames) == [] and frames.run.settings["comment"] == "saved anew"
+    assert "frame 3 next" in repr(frames)
+
+
+def test_follow_does_not_mix_two_runs(folder):
+    record_sample(pathlib.Path("live.vex"), 3)
+    vex2.set_run_status("live.vex", "PROG")
+    frames = vex2.follow("live.vex", timeout=1)
+    assert [next(frames).cycle for _ in range(3)] == [1, 2, 3]
+    with vex2.record("other.vex", 96, scale=10) as rec:
+        for cycle in range(1, 6):
+            rec.append([cycle] * 96, cycle=cycle, time_s=cycle, temperature_c=60)
+    os.replace("other.vex", "live.vex")
+    with pytest.raises(vex2.DocumentError, match="another run has taken the place"):
+        next(frames)
+
+
+def test_follow_loses_no_frame_when_its_task_is_cancelled(run):
+    async def collect():
+        found, frames = [], vex2.follow("run.vex")
+        while len(found) < 45:
+            task = asyncio.ensure_future(frames.__anext__())
+            await asyncio.sleep(0)
+            await asyncio.sleep(0)
+            task.cancel()
+            try:
+                found.append((await task).index)
+            except asyncio.CancelledError:
+                found.append((await frames.__anext__()).index)
+        return found
+
+    assert asyncio.run(collect()) == list(range(45))
+
+
+def test_path_with_a_zero_byte_is_refused(run):
+    for ask in (vex2.open, vex2.check, vex2.repair, vex2.edit, vex2.record, vex2.follow):
+        with pytest.raises(vex2.UsageError, match="a zero byte"):
+            ask("run.vex\0more")

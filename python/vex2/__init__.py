@@ -14,7 +14,7 @@ Temperatures are degrees Celsius, times are seconds since the run began.
 from typing import TYPE_CHECKING, Any
 
 from ._block import Axis, Block, Curves, Frame, Frames
-from ._checks import check, recover, repair
+from ._checks import check, recover, repair, set_run_status
 from ._edit import Editor, PlateEditor, Settings, edit
 from ._errors import (
     AccessError,
@@ -116,4 +116,5 @@ __all__ = [
     "record",
     "recover",
     "repair",
+    "set_run_status",
 ]

@@ -2,7 +2,7 @@
 
 from __future__ import annotations
 
-from typing import TYPE_CHECKING, Any, Optional, Tuple
+from typing import TYPE_CHECKING, Any, NamedTuple, Optional, Tuple
 
 from . import _vex2
 
@@ -54,27 +54,29 @@ def _table(run: Run, rows: Any, names: Tuple[str, ...]) -> pd.DataFrame:
     return table
 
 
-def _analyse(
-    run: Run, method: str, threshold: Optional[float], baseline: Range, detector: Optional[str]
-) -> Any:
+class CqOptions(NamedTuple):
+    """The arguments of `Run.cq` and `Run.standard_curves`."""
+
+    method: str
+    threshold: Optional[float]
+    baseline: Range
+    detector: Optional[str]
+
+
+def _analyse(run: Run, options: CqOptions) -> Any:
     run._require_open("the readings")
-    arguments = (run._reader, method, threshold, baseline, detector)
-    return run._source.call(_vex2.analyse_cq, *arguments)
+    return run._source.call(_vex2.analyse_cq, run._reader, *options)
 
 
-def cq_of(
-    run: Run, method: str, threshold: Optional[float], baseline: Range, detector: Optional[str]
-) -> pd.DataFrame:
+def cq_of(run: Run, options: CqOptions) -> pd.DataFrame:
     """The table of `Run.cq`."""
-    wells, _ = _analyse(run, method, threshold, baseline, detector)
+    wells, _ = _analyse(run, options)
     return _table(run, wells, _WELL + _CQ)
 
 
-def standard_curves_of(
-    run: Run, method: str, threshold: Optional[float], baseline: Range, detector: Optional[str]
-) -> pd.DataFrame:
+def standard_curves_of(run: Run, options: CqOptions) -> pd.DataFrame:
     """The table of `Run.standard_curves`."""
-    _, curves = _analyse(run, method, threshold, baseline, detector)
+    _, curves = _analyse(run, options)
     return _table(run, curves, _CURVE)
 
 

@@ -6,7 +6,8 @@ import os
 from typing import Any, Callable, Optional, Union
 
 from . import _vex2
-from ._source import source_of
+from ._errors import called
+from ._source import path_of, source_of
 from ._values import Findings, RecoverReport, RepairReport
 
 Path = Union[str, "os.PathLike[str]"]
@@ -42,7 +43,7 @@ def repair(path: Path, *, dry_run: bool = False) -> RepairReport:
     >>> vex2.repair("run.vex", dry_run=True).patches
     ()
     """
-    report: RepairReport = _vex2.repair(os.fsencode(path), dry_run)
+    report: RepairReport = called(_vex2.repair, path_of(path), dry_run)
     return report
 
 
@@ -70,5 +71,24 @@ def recover(
     >>> vex2.recover("run.vex", "whole.vex").frames
     45
     """
-    report: RecoverReport = _vex2.recover(os.fsencode(path), os.fsencode(out), replace, progress)
+    files = (path_of(path), path_of(out))
+    report: RecoverReport = called(_vex2.recover, *files, replace, progress)
     return report
+
+
+def set_run_status(path: Path, code: str) -> None:
+    """Writes how far the run has come into a document, and nothing else: the way to end a run whose
+    recorder is gone for good, which `edit` refuses to touch.
+
+    Args:
+        path: the document.
+        code: "DONE" to end the run; also "ZERO", "PROG" or any other four plain characters.
+
+    Raises:
+        UsageError: the code is none.
+        DocumentError: the file is no document.
+        FileError: it is being recorded or changed, or the system refuses.
+
+    >>> vex2.set_run_status("run.vex", "DONE")
+    """
+    called(_vex2.set_run_status, path_of(path), code)

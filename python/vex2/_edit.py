@@ -8,9 +8,10 @@ from collections.abc import Mapping, MutableMapping
 from typing import TYPE_CHECKING, Any, Dict, Iterable, Iterator, Optional, Tuple, Union
 
 from . import _vex2
-from ._errors import usage
+from ._errors import called, invalid, usage
+from ._source import path_of
 from ._values import Calibration, Detector, Plate
-from ._wells import wells_of
+from ._wells import changed_wells, listed, names_in
 
 if TYPE_CHECKING:
     import pandas as pd
@@ -73,7 +74,7 @@ class PlateEditor:
         with self._lock:
             if self._editor is None:
                 raise usage("cannot be changed: the editor is closed; open it again", self._name)
-            return getattr(self._editor, operation)(*arguments)
+            return called(getattr(self._editor, operation), *arguments, file=self._name)
 
     @property
     def plate(self) -> Plate:
@@ -83,8 +84,11 @@ class PlateEditor:
         ...     doc.plate["A1"].sample
         'control'
         """
-        rows, columns = self._size
         self._put_wells()
+        return self._plate()
+
+    def _plate(self) -> Plate:
+        rows, columns = self._size
         return Plate(rows, columns, self._call("wells"))
 
     @property
@@ -106,14 +110,18 @@ class PlateEditor:
 
     @wells.setter
     def wells(self, table: Any) -> None:
-        rows, columns = self._size
-        self._call("set_wells", wells_of(table, rows, columns))
+        self._set_wells(table)
         self._wells = None
+
+    def _set_wells(self, table: Any) -> None:
+        before = self._plate()
+        wells = changed_wells(table, before)
+        if wells != before.wells:
+            self._call("set_wells", wells)
 
     def _put_wells(self) -> None:
         if self._wells is not None:
-            rows, columns = self._size
-            self._call("set_wells", wells_of(self._wells, rows, columns))
+            self._set_wells(self._wells)
 
     @property
     def detectors(self) -> Tuple[Detector, ...]:
@@ -141,7 +149,7 @@ class PlateEditor:
 
     @required_dyes.setter
     def required_dyes(self, dyes: Iterable[str]) -> None:
-        self._call("set_required_dyes", list(dyes))
+        self._call("set_required_dyes", names_in(dyes, "required_dyes"))
 
     @property
     def calibration(self) -> Calibration:
@@ -169,7 +177,7 @@ class PlateEditor:
 
     @settings.setter
     def settings(self, settings: Mapping[str, SettingValue]) -> None:
-        for name, value in settings.items():
+        for name, value in given_settings(settings).items():
             self._call("set_setting", name, value)
 
     @property
@@ -195,7 +203,7 @@ class Editor(PlateEditor):
     """A document that is changed in place: see `edit`."""
 
     def __init__(self, path: Any, upgrade_blocks: bool, drop_unknown: bool) -> None:
-        file = os.fsencode(path)
+        file = path_of(path)
         self._document: Optional[_vex2.Editor] = _vex2.Editor(file, upgrade_blocks, drop_unknown)
         self._plates: Dict[str, PlateEditor] = {}
         self._reader = _vex2.Reader(file)
@@ -262,12 +270,25 @@ class Editor(PlateEditor):
             self.close()
 
 
+def given_settings(settings: Any) -> Mapping[str, SettingValue]:
+    if not isinstance(settings, Mapping):
+        raise invalid(f"settings are given as {type(settings).__name__}, not as a mapping")
+    return settings
+
+
 def detectors_of(given: Any) -> Tuple[Detector, ...]:
     """Detectors from `Detector`s, or from a table with their fields as columns."""
-    if not hasattr(given, "to_dict"):
-        return tuple(given)
-    records = given.to_dict("records")
-    return tuple(Detector(**{str(name): row[name] for name in row}) for row in records)
+    if hasattr(given, "to_dict"):
+        other = [name for name in given.columns if name not in Detector._fields]
+        if other or "name" not in given.columns:
+            why = f"has the column {other[0]!r}" if other else "lacks the column 'name'"
+            raise invalid(f"a table of detectors {why}")
+        return tuple(Detector(**row) for row in given.to_dict("records"))
+    detectors = listed(given, "detectors")
+    for detector in detectors:
+        if not isinstance(detector, Detector):
+            raise invalid(f"a detector is given as {type(detector).__name__}, not as vex2.Detector")
+    return tuple(detectors)
 
 
 def edit(

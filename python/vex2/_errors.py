@@ -2,7 +2,9 @@
 
 from __future__ import annotations
 
-from typing import Any, Callable, Optional, Tuple, Type
+import contextlib
+import os
+from typing import Any, Callable, Iterator, Optional, Tuple, Type
 
 from . import _vex2
 
@@ -61,6 +63,27 @@ class Error(Exception):
 
     def __str__(self) -> str:
         return self._text
+
+    def of_file(self, path: str, name: str) -> Error:
+        """The error under the name that the caller knows, where it is of the file at this path.
+
+        >>> try:
+        ...     vex2.open("missing.vex")
+        ... except vex2.Error as error:
+        ...     print(error.of_file("missing.vex", "the run"))
+        the run: No such file or directory
+        """
+        if self.file != path:
+            return self
+        return type(self)(
+            self.message,
+            code=self.code,
+            status=self.status,
+            file=name,
+            offset=self.offset,
+            errno=self.errno,
+            text=str(self).replace(path, name, 1),
+        )
 
     def __reduce__(self) -> Tuple[Callable[..., Error], Tuple[Any, ...]]:
         fields = (self.message, self.code, self.status, self.file, self.offset, self.errno)
@@ -194,3 +217,35 @@ def _again(
 def usage(what: str, file: Optional[str] = None, code: str = "usage") -> Error:
     """The error for a call that is wrong."""
     return _class_of(code)(what, code=code, file=file)
+
+
+def invalid(what: str) -> Error:
+    """The error for a value that cannot be taken."""
+    return usage(what, code="invalid-value")
+
+
+def called(work: Callable[..., Any], *arguments: Any, file: Optional[str] = None) -> Any:
+    """What `work`, an operation of the compiled part, returns. That it takes no arguments of these
+    types is an error of the family."""
+    try:
+        return work(*arguments)
+    except TypeError as error:
+        if "incompatible" not in str(error):
+            raise
+        name = getattr(work, "__name__", "the operation").replace("_", " ")
+        given = ", ".join(repr(each)[:60] for each in arguments)
+        raise usage(f"{name}: a value of another type is needed than in ({given})", file) from None
+
+
+@contextlib.contextmanager
+def system_errors(file: str) -> Iterator[None]:
+    """Makes errors of the system errors of the family, which name this file."""
+    try:
+        yield
+    except Error:
+        raise
+    except OSError as error:
+        number = error.errno or 0
+    else:
+        return
+    _vex2.raise_system_error(os.fsencode(file), number)

@@ -3,76 +3,103 @@
 from __future__ import annotations
 
 import os
+import threading
 import time
-from typing import AsyncIterator, Iterator, Optional, Tuple, Union
+from typing import TYPE_CHECKING, AsyncIterator, Iterator, Optional, Union
 
+from . import _vex2
 from ._block import Frame
-from ._errors import MissingFileError
-from ._run import RAW, Run, open as open_run
+from ._errors import called, invalid
+from ._run import Run
+from ._source import Source, path_of
 
-_Stamp = Tuple[int, int, int, int]
+if TYPE_CHECKING:
+    import asyncio
+
+# Signals such as Ctrl-C are seen between two waits.
+_WAIT = 0.1
 
 
 class Follow(Iterator[Frame], AsyncIterator[Frame]):
     """The frames of a run, the recorded ones first and each new one once it is committed: see
     `follow`."""
 
-    def __init__(self, path: str, interval: float, timeout: Optional[float], wait: bool) -> None:
-        self._path = path
-        self._interval = interval
+    def __init__(self, path: str, timeout: Optional[float], wait: bool) -> None:
+        self._source = Source(path, path_of(path))
+        self._follower = _vex2.Follower(self._source.path)
         self._timeout = timeout
         self._wait = wait
-        self._stamp: Optional[_Stamp] = None
-        self._run: Optional[Run] = None
-        self._index = 0
         self._last = time.monotonic()
+        self._lock = threading.Lock()
+        self._coming: Optional[asyncio.Future[Optional[Frame]]] = None
 
     @property
     def run(self) -> Optional[Run]:
-        """The document as it was last read; None before.
+        """What else the document says, as it was when it was met; None before, and a new run once
+        the document was saved anew.
 
         >>> frames = vex2.follow("run.vex")
         >>> next(frames).index, frames.run.status
         (0, 'DONE')
         """
-        return self._run
+        with self._lock:
+            reader = self._follower.run()
+        return None if reader is None else Run(self._source, reader)
 
-    def _look(self) -> None:
-        try:
-            found = os.stat(self._path)
-            stamp = (found.st_dev, found.st_ino, found.st_size, found.st_mtime_ns)
-            if stamp != self._stamp:
-                self._run = open_run(self._path)
-                self._stamp = stamp
-        except (FileNotFoundError, MissingFileError):
-            if not self._wait:
-                raise
+    @property
+    def frame_count(self) -> int:
+        """The frames that were committed when the document was last looked at.
 
-    def _step(self) -> Optional[Frame]:
-        """The next frame; None without one yet. `StopIteration` at the end."""
-        if self._run is None or self._index >= len(self._run.frames):
-            self._look()
-        run = self._run
-        if run is not None and self._index < len(run.frames):
-            frame = run.frames[self._index]
-            self._index += 1
+        >>> frames = vex2.follow("run.vex")
+        >>> next(frames).index, frames.frame_count
+        (0, 45)
+        """
+        with self._lock:
+            return int(self._follower.frame_count())
+
+    @property
+    def planned_frames(self) -> Optional[int]:
+        """The frames that the whole run has, where the document says so.
+
+        >>> frames = vex2.follow("run.vex")
+        >>> next(frames).index, frames.planned_frames
+        (0, 45)
+        """
+        with self._lock:
+            planned: Optional[int] = self._follower.planned_frames()
+        return planned
+
+    def _step(self, wait: float) -> Optional[Frame]:
+        """The next frame; None without one in that time. `EOFError` at the end."""
+        with self._lock:
+            found = called(self._follower.next, wait, not self._wait, file=self._source.name)
+            is_done = self._follower.is_done()
+        if found is not None:
             self._last = time.monotonic()
-            return frame
-        if run is not None and run.status == "DONE":
-            raise StopIteration
-        if self._timeout is not None and time.monotonic() - self._last >= self._timeout:
-            raise StopIteration
+            return Frame(*found)
+        if is_done or (
+            self._timeout is not None and time.monotonic() - self._last >= self._timeout
+        ):
+            raise EOFError
         return None
+
+    def _pause(self) -> float:
+        if self._timeout is None:
+            return _WAIT
+        left = self._timeout - (time.monotonic() - self._last)
+        return min(max(left, 0.0), _WAIT)
 
     def __iter__(self) -> Follow:
         return self
 
     def __next__(self) -> Frame:
-        frame = self._step()
-        while frame is None:
-            time.sleep(self._interval)
-            frame = self._step()
-        return frame
+        try:
+            while True:
+                frame = self._step(self._pause())
+                if frame is not None:
+                    return frame
+        except EOFError:
+            raise StopIteration from None
 
     def __aiter__(self) -> Follow:
         return self
@@ -81,46 +108,53 @@ class Follow(Iterator[Frame], AsyncIterator[Frame]):
         import asyncio
 
         while True:
+            # A frame that comes after the task was cancelled waits for the next call.
+            if self._coming is None:
+                work = asyncio.to_thread(self._step, self._pause())
+                self._coming = asyncio.ensure_future(work)
             try:
-                frame = await asyncio.to_thread(self._step_or_end)
+                frame = await asyncio.shield(self._coming)
+            except asyncio.CancelledError:
+                raise
             except EOFError:
+                self._coming = None
                 raise StopAsyncIteration from None
+            except BaseException:
+                self._coming = None
+                raise
+            self._coming = None
             if frame is not None:
                 return frame
-            await asyncio.sleep(self._interval)
-
-    def _step_or_end(self) -> Optional[Frame]:
-        # A StopIteration cannot pass through a future.
-        try:
-            return self._step()
-        except StopIteration:
-            raise EOFError from None
 
     def __repr__(self) -> str:
-        return f"<vex2.Follow {self._path}: frame {self._index} next>"
+        with self._lock:
+            return f"<vex2.Follow {self._source.name}: frame {self._follower.next_frame()} next>"
 
 
 def follow(
     path: Union[str, os.PathLike[str]],
     *,
-    interval: float = 0.2,
     timeout: Optional[float] = None,
     wait: bool = False,
 ) -> Follow:
     """Follows a run while it is recorded: yields the frames that are there, then each new one once
     it is committed, and ends with the run. Use it with `for` or with `async for`.
 
+    It looks at the file ten times a second, without a lock, so the recorder never waits. It goes on
+    when the recorder stops and resumes, and when a save replaces the document.
+
     Args:
         path: the document.
-        interval: seconds between looks at the file.
         timeout: end after so many seconds without a new frame; without it, wait for the run's end.
         wait: wait for a document that does not exist yet.
 
     Raises:
         MissingFileError: there is no document, and `wait` is not set.
-        DocumentError: the file is no document, or was replaced by another run.
+        DocumentError: the file is no document, or another run has taken the place of this one.
 
     >>> sum(1 for frame in vex2.follow("run.vex"))
     45
     """
-    return Follow(os.fsdecode(path), interval, timeout, wait)
+    if timeout is not None and not timeout >= 0:
+        raise invalid(f"timeout is {timeout!r}, not a number of seconds")
+    return Follow(os.fsdecode(path), timeout, wait)

@@ -3,12 +3,13 @@
 from __future__ import annotations
 
 import os
-from typing import TYPE_CHECKING, Any, Dict, Iterable, List, Tuple, Union
+from typing import TYPE_CHECKING, Any, Dict, Iterable, List, Optional, Tuple, Union
 
 from . import _vex2
-from ._errors import usage
+from ._errors import Error, called, invalid, system_errors
 from ._record import MELTING, plate_of, record
 from ._run import Run, open as open_run
+from ._source import path_of
 from ._values import Plate
 from ._wells import well_number
 
@@ -16,29 +17,32 @@ if TYPE_CHECKING:
     import pandas as pd
 
 
-def _frames_of(table: pd.DataFrame, channels: List[str]) -> Iterable[Tuple[Any, pd.DataFrame]]:
-    keys = ["stage", "cycle"]
-    for name in ("well", *keys, "time_s", "temperature_c", "fluorescence"):
-        if name not in table:
-            raise usage(f"the table has no column '{name}'", code="invalid-value")
-    cells = table.groupby([*keys, "well", "channel"]).size() if channels else None
-    if cells is None:
-        cells = table.groupby([*keys, "well"]).size()
-    if (cells > 1).any():
-        stage, cycle, well = cells.idxmax()[:3]
-        what = f"the table has several readings of well {well} in {stage} cycle {cycle}"
-        raise usage(what, code="invalid-value")
-    order = table.groupby(keys, sort=False)["time_s"].min()
-    parts = dict(iter(table.groupby(keys, sort=False)))
+_NEEDED = ("well", "stage", "cycle", "time_s", "temperature_c", "fluorescence")
+_KEYS = ["stage", "cycle"]
+
+
+def _require_one_reading_each(table: pd.DataFrame, channels: List[str]) -> None:
+    cell = [*_KEYS, "well", *(["channel"] if channels else [])]
+    again = table.duplicated(cell)
+    if again.any():
+        stage, cycle, well = table.loc[again, cell].iloc[0][:3]
+        raise invalid(f"the table has several readings of well {well} in {stage} cycle {cycle}")
+
+
+def _frames_of(table: pd.DataFrame) -> Iterable[Tuple[Any, pd.DataFrame]]:
+    """((stage, cycle), rows) of each frame, the melting last, in the order of their times."""
+    groups = table.groupby(_KEYS, sort=False)
+    order = groups["time_s"].min()
+    parts = dict(iter(groups))
     ranked = sorted(order.items(), key=lambda item: (item[0][0] in MELTING, item[0][1]))
     return ((key, parts[key]) for key, _ in ranked)
 
 
-def _plate_in(table: pd.DataFrame, plate: Any) -> Plate:
+def _plate_in(table: pd.DataFrame, plate: Any, size: Optional[int]) -> Plate:
     if plate is not None:
-        return plate_of(plate)
+        return plate_of(plate, size)
     columns = [name for name in ("well", "sample", "target") if name in table]
-    return plate_of(table[columns].drop_duplicates())
+    return plate_of(table[columns].drop_duplicates(), size)
 
 
 def _frame_in(part: pd.DataFrame, order: List[str], channels: List[str], name: str) -> Any:
@@ -52,28 +56,67 @@ def _frame_in(part: pd.DataFrame, order: List[str], channels: List[str], name: s
     place = part.set_index("well")[["time_s", "temperature_c"]].reindex(order)
     missing = place.index[place.isna().any(axis=1)]
     if len(missing):
-        raise usage(f"well {missing[0]} has no row for {name}", code="invalid-value")
+        raise invalid(f"well {missing[0]} has no row for {name}")
     columns = {column: place[column].to_numpy() for column in place}
     return values.reindex(order).to_numpy(), columns
 
 
-def _write(path: Any, table: pd.DataFrame, plate: Any, options: Dict[str, Any]) -> None:
+def _numbers_in(table: pd.DataFrame) -> pd.DataFrame:
+    import pandas
+
+    for name in _NEEDED:
+        if name not in table:
+            raise invalid(f"the table has no column '{name}'")
+    numbers = {}
+    for name in _NEEDED[3:]:
+        try:
+            numbers[name] = pandas.to_numeric(table[name]).astype("float64")
+        except (TypeError, ValueError):
+            raise invalid(f"the column '{name}' must have numbers") from None
+    return table.assign(**numbers)
+
+
+def _write(
+    path: str, name: str, table: pd.DataFrame, plate: Any, options: Dict[str, Any]
+) -> None:
+    """Makes the document at a path that is not the caller's, whose errors have its name."""
+    table = _numbers_in(table)
     channels = list(dict.fromkeys(table["channel"])) if "channel" in table else []
-    parts = list(_frames_of(table, channels))
+    _require_one_reading_each(table, channels)
     if options.get("scale") is None:
         readings = table["fluorescence"].dropna().to_list()
+        options = {**options}
         options["scale"], options["offset"] = _vex2.choose_scale(readings)
-    setup = _plate_in(table, plate)
+    setup = _plate_in(table, plate, options.pop("plate_size", None))
     wells = dict.fromkeys(table["well"])
     order = sorted(wells, key=lambda name: well_number(name, setup.rows, setup.columns))
-    # All of them before the first is recorded: a table that is no run leaves no document.
+    # All of them before the first is recorded: a table that is no run is told at once.
     frames = [
-        (stage, int(cycle), *_frame_in(part, order, channels, f"{stage} cycle {cycle}"))
-        for (stage, cycle), part in parts
+        (stage, cycle, *_frame_in(part, order, channels, f"{stage} cycle {cycle}"))
+        for (stage, cycle), part in _frames_of(table)
     ]
-    with record(path, setup, wells=order, channels=channels, resume=False, **options) as rec:
-        for stage, cycle, values, place in frames:
-            rec.append(values, stage=stage, cycle=cycle, **place)
+    try:
+        with record(
+            path, setup, wells=order, channels=channels, resume=False, **options
+        ) as rec:
+            for stage, cycle, values, place in frames:
+                rec.append(values, stage=stage, cycle=cycle, **place)
+    except Error as error:
+        raise error.of_file(path, name) from None
+
+
+def _replace(path: Any, replace: bool, table: pd.DataFrame, plate: Any, options: Any) -> None:
+    """Makes the document beside its place, so that one that is there stays whole until then."""
+    import tempfile
+
+    name = os.fsdecode(path)
+    new = called(_vex2.Replacement, path_of(path), replace, file=name)
+    with system_errors(name), tempfile.TemporaryDirectory(
+        prefix=".vex2-", dir=os.fsdecode(new.folder())
+    ) as folder:
+        made = os.path.join(folder, "new.vex")
+        _write(made, name, table, plate, options)
+        new.commit(os.fsencode(made))
 
 
 def from_frame(
@@ -81,6 +124,7 @@ def from_frame(
     path: Union[None, str, os.PathLike[str]] = None,
     *,
     plate: Union[None, Plate, int, pd.DataFrame] = None,
+    replace: bool = False,
     **options: Any,
 ) -> Run:
     """Makes a document of a long table, as `Run.tidy` returns it, and opens it.
@@ -94,10 +138,11 @@ def from_frame(
         path: where to save the document; without it, the document is only in memory: see
             `Run.to_bytes`.
         plate: the plate setup, as `record` takes it; without it samples and targets of the table.
+        replace: overwrite a document at `path`, which stays whole until the new one is complete.
         options: other arguments of `record`. Without a scale, the one that loses least is chosen.
 
     Raises:
-        UsageError: the table is no run.
+        UsageError: the table is no run, or a reading does not fit.
         FileThereError: there is a file at `path`; use `replace=True` to overwrite it.
 
     >>> run = vex2.from_frame(vex2.open("run.vex").tidy())
@@ -105,12 +150,12 @@ def from_frame(
     (45, 96, 32)
     """
     if path is not None:
-        _write(path, table, plate, options)
+        _replace(path, replace, table, plate, options)
         return open_run(path)
     import tempfile
 
     with tempfile.TemporaryDirectory() as folder:
         target = os.path.join(folder, "table.vex")
-        _write(target, table, plate, options)
+        _write(target, "<table>", table, plate, options)
         with open_run(target) as run:
             return open_run(run.to_bytes())

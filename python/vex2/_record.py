@@ -4,17 +4,20 @@ from __future__ import annotations
 
 import os
 import threading
-from typing import TYPE_CHECKING, Any, Dict, Iterable, Mapping, Optional, Sequence, Tuple, Union
+from typing import TYPE_CHECKING, Any, Dict, Iterable, List, Mapping, Optional, Sequence, Tuple
+from typing import Union
 
 import numpy as np
 
 from . import _vex2
 from ._block import Frame
-from ._edit import SettingValue, detectors_of
-from ._errors import usage
+from ._edit import SettingValue, detectors_of, given_settings
+from ._errors import Error, NotFoundError, UsageError, called, invalid, usage
+from ._given import FrameShape, one_for_each, readings_in, words_in
 from ._run import Run
+from ._source import path_of
 from ._values import Calibration, Detector, Plate
-from ._wells import well_number, wells_of
+from ._wells import listed, names_in, well_name, well_number, wells_of, whole
 
 if TYPE_CHECKING:
     import pandas as pd
@@ -23,6 +26,8 @@ if TYPE_CHECKING:
 _SIZES = {96: (8, 12), 384: (16, 24)}
 MELTING = ("melt", "melting")
 _STAGES = ("amplification", *MELTING)
+# What documents count in 16 bits.
+_MOST_CYCLES = _MOST_WELLS = 65535
 
 
 class Recorder:
@@ -32,15 +37,18 @@ class Recorder:
         self._path = os.fsdecode(path)
         self._lock = threading.Lock()
         self._is_measured = plan["scale"] is not None
-        self._channels = max(len(plan["channels"]), 1)
-        self._recorder: Optional[Any] = _vex2.Recorder(os.fsencode(path), plan, resume, replace)
+        plate, wells, channels = plan["plate"], plan["wells"], plan["channels"]
+        self._shape = FrameShape(plate.rows, plate.columns, tuple(wells), tuple(channels))
+        ordered = {**plan, "wells": sorted(wells)}
+        arguments = (path_of(path), ordered, resume, replace)
+        self._recorder: Optional[Any] = called(_vex2.Recorder, *arguments, file=self._path)
 
     def _call(self, operation: str, *arguments: Any) -> Any:
         # Operations let other threads run while they write, so each has the recorder to itself.
         with self._lock:
             if self._recorder is None:
                 raise usage("cannot be recorded: the recorder is closed", self._path)
-            return getattr(self._recorder, operation)(*arguments)
+            return called(getattr(self._recorder, operation), *arguments, file=self._path)
 
     @property
     def recorded_frames(self) -> int:
@@ -74,13 +82,13 @@ class Recorder:
 
     @property
     def wells(self) -> NDArray[np.uint16]:
-        """The numbers of the wells that each frame has readings of, ascending: uint16 array.
+        """The numbers of the wells that each frame has readings of, in the order of a frame, which
+        is that of the argument `wells`: uint16 array.
 
-        >>> vex2.record("new.vex", 96, wells=["A1", "B1"]).wells.tolist()
-        [1, 13]
+        >>> vex2.record("new.vex", 96, wells=["B1", "A1"]).wells.tolist()
+        [13, 1]
         """
-        wells: NDArray[np.uint16] = self._call("wells")
-        return wells
+        return np.array(self._shape.wells, dtype=np.uint16)
 
     def append(
         self,
@@ -96,13 +104,14 @@ class Recorder:
 
         Args:
             frame: for a recorder with a scale the readings in real units, (wells,) or (wells,
-                channels), NaN where one is missing; else the stored readings, uint16 (wells, up to
-                32), or a `Frame` as another run has it. Wells are in the order of `wells`.
+                channels), NaN or masked where one is missing; else the stored readings, uint16
+                (wells, up to 32). Wells are in the order of `wells`; of a Series or DataFrame whose
+                index names wells, and of a `Frame` of another run, they are told by name.
             leading: without a scale, the values stored in front of the readings: uint16 (wells, 8).
                 The first must not be 0, which marks an empty record. Without this, each record
                 has 1 there.
             stage: with a scale, "amplification" or "melt".
-            cycle: with a scale, the cycle within the stage, from 1.
+            cycle: with a scale, the cycle within the stage, from 1, above those recorded.
             time_s: with a scale, seconds since the run began, one number or one for each well.
             temperature_c: with a scale, degrees Celsius, one number or one for each well.
 
@@ -115,24 +124,29 @@ class Recorder:
         >>> with vex2.record("new.vex", 96, wells=["A1", "A2"], scale=1000) as rec:
         ...     rec.append([1.5, 1.25], cycle=1, time_s=30.0, temperature_c=60.0)
         """
-        wells = len(self.wells)
-        if not self._is_measured:
-            if isinstance(frame, Frame):
-                leading = frame.leading
-            readings = frame.readings if isinstance(frame, Frame) else frame
-            self._call("append_raw", _leading(leading, wells), _stored(readings, wells))
-            return
+        shape = self._shape
+        given: Any = frame
         if isinstance(frame, Frame):
+            places = shape.places([int(number) for number in frame.wells], "the frame")
             stage, cycle, time_s = frame.stage, frame.cycle, frame.time_s
-            temperature_c, frame = frame.temperature_c, frame.fluorescence
+            temperature_c, leading = frame.temperature_c, frame.leading[places]
+            values: Any = frame.fluorescence if self._is_measured else frame.readings
+            given = values[places]
+        if not self._is_measured:
+            words, front = words_in(given, leading, shape)
+            self._call("append_raw", self.wells, front, words)
+            return
         if stage not in _STAGES:
             raise usage(f"stage is {stage!r}, not 'amplification' or 'melt'", self._path)
         if cycle is None or time_s is None or temperature_c is None:
             raise usage("a frame in real units needs cycle, time_s and temperature_c", self._path)
-        values = _measured(frame, wells, self._channels)
-        times, temperatures = _each(time_s, wells), _each(temperature_c, wells)
-        where = (stage in MELTING, cycle, times, temperatures)
-        self._call("append_measured", *where, values)
+        number = whole(cycle, "cycle")
+        if not 1 <= number <= _MOST_CYCLES:
+            raise usage(f"cycle is {number}, not a number from 1 to {_MOST_CYCLES}", self._path)
+        times = one_for_each(time_s, shape, "time_s")
+        temperatures = one_for_each(temperature_c, shape, "temperature_c")
+        where = (stage in MELTING, number, times, temperatures)
+        self._call("append_measured", self.wells, *where, readings_in(given, shape))
 
     def finish(self) -> None:
         """Ends the run: writes the end time and the status "DONE". Nothing for a finished run.
@@ -172,66 +186,60 @@ class Recorder:
         return f"<vex2.Recorder {self._path}: {self.frame_count} frames>"
 
 
-def _words(array: ArrayLike, what: str) -> NDArray[np.uint16]:
-    given = np.asarray(array)
-    words = given.astype(np.uint16)
-    if not np.array_equal(words, given):
-        raise usage(f"{what} must be whole numbers from 0 to 65535", code="invalid-value")
-    return np.ascontiguousarray(words)
-
-
-def _leading(leading: Optional[ArrayLike], wells: int) -> NDArray[np.uint16]:
-    words = _words(np.ones((wells, 8)) if leading is None else leading, "leading values")
-    if words.shape != (wells, 8):
-        raise usage(f"leading has the shape {words.shape}, not ({wells}, 8)", code="invalid-value")
-    return words
-
-
-def _stored(readings: ArrayLike, wells: int) -> NDArray[np.uint16]:
-    words = _words(readings, "readings")
-    if words.ndim != 2 or words.shape[0] != wells or words.shape[1] > 32:
-        shape = f"({wells}, up to 32)"
-        raise usage(f"the frame has the shape {words.shape}, not {shape}", code="invalid-value")
-    full = np.zeros((wells, 32), dtype=np.uint16)
-    full[:, : words.shape[1]] = words
-    return full
-
-
-def _measured(values: ArrayLike, wells: int, channels: int) -> NDArray[np.float64]:
-    numbers = np.asarray(values, dtype=np.float64)
-    if numbers.ndim == 1 and channels == 1:
-        numbers = numbers.reshape(-1, 1)
-    if numbers.shape != (wells, channels):
-        shape = f"({wells}, {channels})"
-        raise usage(f"the frame has the shape {numbers.shape}, not {shape}", code="invalid-value")
-    return numbers
-
-
-def _each(value: ArrayLike, wells: int) -> NDArray[np.float64]:
-    numbers = np.asarray(value, dtype=np.float64)
-    if numbers.shape not in ((), (wells,)):
-        raise usage(f"one number, or one for each of {wells} wells, is needed, not {numbers.shape}")
-    return np.ascontiguousarray(np.broadcast_to(numbers, (wells,)))
-
-
-def plate_of(plate: Any) -> Plate:
-    if isinstance(plate, Plate):
-        return plate
+def plate_of(plate: Any, size: Optional[int] = None) -> Plate:
+    """The plate that `record` is to take, of the given number of wells where the caller says so."""
     if isinstance(plate, Run):
-        return plate.plate
-    if isinstance(plate, int):
-        if plate not in _SIZES:
-            raise usage(f"a plate has 96 or 384 wells, not {plate}", code="invalid-value")
-        return Plate(*_SIZES[plate])
-    names = [str(name) for name in plate["well"]] if hasattr(plate, "keys") else []
-    for rows, columns in _SIZES.values():
+        plate = plate.plate
+    if isinstance(plate, Plate):
+        if size is not None and plate.rows * plate.columns != size:
+            wells = plate.rows * plate.columns
+            raise invalid(f"plate_size is {size}, but the plate has {wells} wells")
+        if not 0 < plate.rows * plate.columns <= _MOST_WELLS:
+            given = f"{plate.rows} x {plate.columns} wells"
+            raise invalid(f"a plate of {given} cannot be recorded")
+        return plate._replace(wells=wells_of(plate, plate.rows, plate.columns))
+    if hasattr(plate, "__index__"):
+        rows, columns = _shape_of(plate, "plate")
+        if size not in (None, plate):
+            raise invalid(f"plate_size is {size}, but the plate has {plate} wells")
+        return Plate(rows, columns)
+    if size is not None:
+        shape = _shape_of(size, "plate_size")
+        return Plate(*shape, wells_of(plate, *shape))
+    failure: Optional[Error] = None
+    for shape in _SIZES.values():
         try:
-            for name in names:
-                well_number(name, rows, columns)
-        except LookupError:
-            continue
-        return Plate(rows, columns, wells_of(plate, rows, columns))
-    raise usage("the table names wells that no plate of 384 wells has", code="no-such-well")
+            return Plate(*shape, wells_of(plate, *shape))
+        except NotFoundError:
+            why = "the table names wells that no plate of 384 wells has"
+            failure = usage(why, code="no-such-well")
+        except UsageError as error:
+            failure = error
+    assert failure is not None
+    raise failure
+
+
+def _shape_of(size: int, what: str) -> Tuple[int, int]:
+    if size not in _SIZES:
+        raise invalid(f"{what} is {size}; a plate has 96 or 384 wells")
+    return _SIZES[size]
+
+
+def _wells_to_read(wells: Any, plate: Plate) -> List[int]:
+    """The numbers of the wells that are read, in the order in which they are given."""
+    numbers = [well_number(well, plate.rows, plate.columns) for well in listed(wells, "wells")]
+    for index, number in enumerate(numbers):
+        if number in numbers[:index]:
+            raise invalid(f"well {well_name(number, plate.columns)} is given twice in wells")
+    every = range(1, plate.rows * plate.columns + 1)
+    return numbers or [well.number for well in plate.wells] or list(every)
+
+
+def _count(frames: Any) -> int:
+    count = whole(frames, "frame_count")
+    if count < 0:
+        raise invalid(f"frame_count is {count}, which is below 0")
+    return count
 
 
 def _scale_of(scale: Any, offset: Union[int, float, str]) -> Optional[Tuple[str, str]]:
@@ -255,6 +263,7 @@ def record(
     offset: Union[int, float, str] = 0,
     channels: Sequence[str] = (),
     frame_count: Optional[int] = None,
+    plate_size: Optional[int] = None,
     resume: bool = True,
     replace: bool = False,
 ) -> Recorder:
@@ -268,8 +277,8 @@ def record(
         path: the document.
         plate: the plate and its wells: a `Plate`, a table with the columns of `Run.wells`, another
             run, or 96 or 384 for an empty plate.
-        wells: the wells that each frame has readings of, by name or number; without them the wells
-            of the plate, or all.
+        wells: the wells that each frame has readings of, by name or number, in the order of the
+            frames that are appended; without them the wells of the plate, or all.
         detectors: details of detectors; those that wells name are in the document in any case.
         required_dyes: besides the reporters of the wells' targets.
         settings: by the names of `vex set --help`.
@@ -284,6 +293,8 @@ def record(
         offset: see `scale`.
         channels: names; without them a well has one reading in a frame.
         frame_count: how many frames the run will have; without it `Recorder.finish` tells.
+        plate_size: 96 or 384, for a table; without it the smaller plate on which the table's wells
+            have their names and, where it has them, their numbers.
         resume: continue a document that holds the beginning of this run; one that holds something
             else is refused.
         replace: overwrite a document that exists, instead.
@@ -302,22 +313,22 @@ def record(
     >>> vex2.open("water.vex").fluorescence[:, 0, 0].tolist()
     [0.5, 0.5, 0.5]
     """
-    setup = plate_of(plate)
-    size = setup.rows * setup.columns
-    numbers = sorted(well_number(well, setup.rows, setup.columns) for well in wells)
+    if isinstance(program, str):
+        raise invalid("the program is str, not bytes")
+    setup = plate_of(plate, plate_size)
     plan = {
         "plate": setup,
-        "wells": numbers or [well.number for well in setup.wells] or list(range(1, size + 1)),
+        "wells": _wells_to_read(wells, setup),
         "detectors": detectors_of(detectors),
-        "required_dyes": list(required_dyes),
-        "settings": dict(settings or {}),
-        "program": program,
+        "required_dyes": names_in(required_dyes, "required_dyes"),
+        "settings": dict(given_settings(settings or {})),
+        "program": bytes(program),
         "comment": comment,
         "calibration": calibration,
         "assay": assay,
         "started": started,
         "scale": _scale_of(scale, offset),
-        "channels": list(channels),
-        "frame_count": frame_count,
+        "channels": names_in(channels, "channels"),
+        "frame_count": None if frame_count is None else _count(frame_count),
     }
     return Recorder(path, plan, resume and not replace, replace)

@@ -173,9 +173,9 @@ class Run(Document):
         >>> table.loc[0, "well"], table.loc[0, "target"], round(float(table.loc[0, "cq"]), 1)
         ('A1', 'GENE', 19.7)
         """
-        from ._analysis import cq_of
+        from ._analysis import CqOptions, cq_of
 
-        return cq_of(self, method, threshold, baseline, detector)
+        return cq_of(self, CqOptions(method, threshold, baseline, detector))
 
     def standard_curves(
         self,
@@ -195,9 +195,9 @@ class Run(Document):
         >>> vex2.open("run.vex").standard_curves()["wells"].tolist()
         [24]
         """
-        from ._analysis import standard_curves_of
+        from ._analysis import CqOptions, standard_curves_of
 
-        return standard_curves_of(self, method, threshold, baseline, detector)
+        return standard_curves_of(self, CqOptions(method, threshold, baseline, detector))
 
     def melting_peaks(self, *, detector: Optional[str] = None) -> pd.DataFrame:
         """The melting peaks of each well and target, as `vex melt` finds them: a row for each.

@@ -6,7 +6,7 @@ import os
 import stat
 from typing import Any, Callable, Optional, Tuple
 
-from ._errors import Error, usage
+from ._errors import Error, called, system_errors, usage
 
 
 class Source:
@@ -24,28 +24,17 @@ class Source:
 
     def content(self) -> bytes:
         """All bytes of the document."""
-        with open(self.path, "rb") as file:
+        with system_errors(self.name), open(self.path, "rb") as file:
             return file.read()
 
     def named(self, error: Error) -> Error:
         """The error under the name that the caller knows."""
-        path = os.fsdecode(self.path)
-        if self.has_path or error.file != path:
-            return error
-        return type(error)(
-            error.message,
-            code=error.code,
-            status=error.status,
-            file=self.name,
-            offset=error.offset,
-            errno=error.errno,
-            text=str(error).replace(path, self.name, 1),
-        )
+        return error if self.has_path else error.of_file(os.fsdecode(self.path), self.name)
 
     def call(self, work: Callable[..., Any], *arguments: Any) -> Any:
         """What `work` returns; its errors name this source."""
         try:
-            return work(*arguments)
+            return called(work, *arguments, file=self.name)
         except Error as error:
             named = self.named(error)
             if named is error:
@@ -67,7 +56,17 @@ def _of_descriptor(name: str, descriptor: int) -> Source:
     return Source(name, b"/proc/self/fd/%d" % descriptor, descriptor)
 
 
+def path_of(path: Any) -> bytes:
+    """A path as the system has it."""
+    given = os.fsencode(path)
+    if b"\0" in given:
+        raise usage(f"a path cannot hold a zero byte, as {path!r} does")
+    return given
+
+
 def _of_bytes(name: str, content: Any) -> Source:
+    if not isinstance(content, (bytes, bytearray, memoryview)):
+        raise usage(f"reading gives {type(content).__name__}, not bytes", name)
     descriptor = os.memfd_create("vex2", os.MFD_CLOEXEC)
     try:
         with open(descriptor, "wb", closefd=False) as file:
@@ -83,15 +82,16 @@ def _of_file(file: Any) -> Source:
     name = os.fsdecode(name) if isinstance(name, (str, bytes)) else "<file>"
     if hasattr(file, "encoding"):
         raise usage("the file was opened as text; open it with mode 'rb'", name)
-    try:
-        descriptor = file.fileno()
-    except (AttributeError, OSError):
-        return _of_bytes(name, file.read())
-    if not stat.S_ISREG(os.fstat(descriptor).st_mode):
-        return _of_bytes(name, file.read())
-    if getattr(file, "writable", bool)():
-        file.flush()
-    return _of_descriptor(name, os.dup(descriptor))
+    with system_errors(name):
+        try:
+            descriptor = file.fileno()
+        except (AttributeError, OSError):
+            return _of_bytes(name, file.read())
+        if not stat.S_ISREG(os.fstat(descriptor).st_mode):
+            return _of_bytes(name, file.read())
+        if getattr(file, "writable", bool)():
+            file.flush()
+        return _of_descriptor(name, os.dup(descriptor))
 
 
 def source_of(given: Any) -> Source:
@@ -103,4 +103,4 @@ def source_of(given: Any) -> Source:
     if hasattr(given, "read"):
         return _of_file(given)
     path = os.fspath(given)
-    return Source(os.fsdecode(path), os.fsencode(path))
+    return Source(os.fsdecode(path), path_of(path))

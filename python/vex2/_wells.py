@@ -2,9 +2,10 @@
 
 from __future__ import annotations
 
+import operator
 from typing import TYPE_CHECKING, Any, Dict, Iterable, List, Tuple, Union
 
-from ._errors import usage
+from ._errors import invalid, usage
 from ._values import Plate, Target, Well
 
 if TYPE_CHECKING:
@@ -31,16 +32,51 @@ def well_name(number: int, columns: int) -> str:
     return f"{row_name(row)}{column + 1}"
 
 
+_LONGEST_NAME = 16
+
+
+def whole(value: Any, what: str) -> int:
+    """A whole number of any type; also of floating point, as tables with gaps have them."""
+    if not isinstance(value, (bool, str)):
+        try:
+            return operator.index(value)
+        except TypeError:
+            pass
+        if isinstance(value, float) and value.is_integer():
+            return int(value)
+    raise invalid(f"{what} is {value!r}, not a whole number")
+
+
+def listed(given: Any, what: str) -> List[Any]:
+    """The items of a list; a text, whose items are its letters, is refused."""
+    if isinstance(given, (str, bytes)):
+        raise invalid(f"{what} is {given!r}, not a list; use [{given!r}]")
+    try:
+        return list(given)
+    except TypeError:
+        raise invalid(f"{what} is {given!r}, not a list") from None
+
+
+def names_in(given: Any, what: str) -> List[str]:
+    """The texts of a list."""
+    names = listed(given, what)
+    for name in names:
+        if not isinstance(name, str):
+            raise invalid(f"{what} has {name!r}, which is not a name")
+    return names
+
+
 def well_number(well: Union[str, int], rows: int, columns: int) -> int:
     """The number, from 1, of a well that is given by its name or number."""
     if not isinstance(well, str):
-        if 1 <= well <= rows * columns:
-            return int(well)
+        number = whole(well, "a well number")
+        if 1 <= number <= rows * columns:
+            return number
         raise usage(f"the plate has no well {well}; it has {rows * columns}", code="no-such-well")
     name = well.strip().upper()
     letters = name.rstrip("0123456789")
     digits = name[len(letters) :]
-    if letters.isascii() and letters.isalpha() and digits:
+    if letters.isascii() and letters.isalpha() and digits and len(name) <= _LONGEST_NAME:
         row = 0
         for letter in letters:
             row = row * 26 + ord(letter) - ord("A") + 1
@@ -78,7 +114,9 @@ def _text(value: Any) -> str:
 def _columns_of(table: Any) -> Dict[str, List[Any]]:
     columns = {str(name): list(table[name]) for name in table.keys()}
     if "well" not in columns and "number" not in columns:
-        raise usage("a table of wells needs the column 'well' or 'number'", code="invalid-value")
+        raise invalid("a table of wells needs the column 'well' or 'number'")
+    if len({len(column) for column in columns.values()}) > 1:
+        raise invalid("the columns of the table differ in length")
     return columns
 
 
@@ -89,21 +127,31 @@ def wells_of(table: Any, rows: int, columns: int) -> Tuple[Well, ...]:
     they must name the same sample.
     """
     if isinstance(table, Plate):
-        return table.wells
+        if (table.rows, table.columns) != (rows, columns):
+            given = f"{table.rows} x {table.columns} wells"
+            raise invalid(f"the plate has {rows} x {columns} wells, but one of {given} was given")
+        return _checked(table.wells, rows, columns)
     if not hasattr(table, "keys"):
         return _checked(table, rows, columns)
+    return wells_in(table, rows, columns)
+
+
+def wells_in(table: Any, rows: int, columns: int) -> Tuple[Well, ...]:
+    """Wells from a DataFrame or a mapping."""
     data = _columns_of(table)
     size = len(data.get("well") or data.get("number") or ())
     blank: List[Any] = [None] * size
     wells: Dict[int, Tuple[str, List[Target]]] = {}
     for index in range(size):
-        key = data["well"][index] if "well" in data else int(data["number"][index])
+        key = data["well" if "well" in data else "number"][index]
         number = well_number(key, rows, columns)
+        if "number" in data and number != data["number"][index]:
+            two = f"{data['number'][index]}, but on a plate of {rows * columns} wells {number}"
+            raise invalid(f"well {key} has the number {two}")
         sample = _text(data.get("sample", blank)[index])
         known, targets = wells.setdefault(number, (sample, []))
         if known != sample:
-            two = f"{known!r} and {sample!r}"
-            raise usage(f"well {key} has two samples, {two}", code="invalid-value")
+            raise invalid(f"well {key} has two samples, {known!r} and {sample!r}")
         target = _target(*(data.get(name, blank)[index] for name in COLUMNS[4:]))
         if target:
             targets.append(target)
@@ -115,20 +163,46 @@ def wells_of(table: Any, rows: int, columns: int) -> Tuple[Well, ...]:
 
 def _target(name: Any, task: Any, quantity: Any, reporter: Any) -> Union[Target, None]:
     detector = _text(name)
-    if not detector:
+    # A document can have a target without a name; its task tells it from an empty cell.
+    if not detector and (name is None or name != name or not _text(task)):
         return None
     known = quantity is not None and quantity == quantity and quantity != ""
-    given = float(quantity) if known else None
+    try:
+        given = float(quantity) if known else None
+    except (TypeError, ValueError):
+        raise invalid(f"the quantity of {detector} is {quantity!r}, not a number") from None
     return Target(detector, _text(task) or "UNKN", given, _text(reporter))
 
 
 def _checked(wells: Iterable[Any], rows: int, columns: int) -> Tuple[Well, ...]:
     found: Dict[int, Well] = {}
-    for well in wells:
+    for well in listed(wells, "wells"):
         if not isinstance(well, Well):
-            raise usage(f"a well is given as {type(well).__name__}, not as vex2.Well")
+            raise invalid(f"a well is given as {type(well).__name__}, not as vex2.Well")
         number = well_number(well.number, rows, columns)
+        name = well_name(number, columns)
+        if well.name and well_number(well.name, rows, columns) != number:
+            raise invalid(f"well {number} is {name} on this plate, not {well.name}")
         if number in found:
-            raise usage(f"well {well_name(number, columns)} is given twice", code="invalid-value")
+            raise invalid(f"well {name} is given twice")
         found[number] = well
     return tuple(well for _, well in sorted(found.items()))
+
+
+def changed_wells(table: Any, before: Plate) -> Tuple[Well, ...]:
+    """Wells from what `wells_of` takes. A table cannot say all that a document can, such as an
+    empty task, so what is in it as the table of `before` has it stays as it is."""
+    after = wells_of(table, before.rows, before.columns)
+    if isinstance(table, Plate) or not hasattr(table, "keys"):
+        return after
+    shown = wells_in(frame_of(before), before.rows, before.columns)
+    pairs = {one.number: (one, other) for one, other in zip(shown, before.wells)}
+    return tuple(_kept(well, *pairs.get(well.number, (well, well))) for well in after)
+
+
+def _kept(well: Well, shown: Well, before: Well) -> Well:
+    """The well, with what is the same in it as in `shown`, the table's way to say `before`."""
+    if well == shown:
+        return before
+    same = dict(zip(shown.targets, before.targets))
+    return well._replace(targets=tuple(same.get(target, target) for target in well.targets))

@@ -29,17 +29,20 @@ from enum import IntEnum
 from typing import Dict, List, Optional, Tuple
 
 from ._errors import DocumentError, Error, FileError
-from ._vex2 import Vex2FileManager
+from ._vex2 import Vex2FileManager, raw_numbers
+
+# The numbers of the enumerations are those of C++.
+_TYPES, _OPERATIONS, _REASONS = raw_numbers()
 
 
 class Vex2DataType(IntEnum):
     """Selects a data block."""
 
-    DataRAWa = 34
-    DataREPr = 42
-    DataREPn = 43
-    DataREPd = 44
-    DataREPt = 45
+    DataRAWa = _TYPES["DataRAWa"]
+    DataREPr = _TYPES["DataREPr"]
+    DataREPn = _TYPES["DataREPn"]
+    DataREPd = _TYPES["DataREPd"]
+    DataREPt = _TYPES["DataREPt"]
 
 
 DataRAWa = Vex2DataType.DataRAWa
@@ -52,29 +55,29 @@ DataREPt = Vex2DataType.DataREPt
 class FileOperation(IntEnum):
     """An operation on a file."""
 
-    kNone = 0
-    kOpen = 1
-    kLock = 2
-    kCreate = 3
-    kRead = 4
-    kSeek = 5
-    kWrite = 6
-    kResize = 7
-    kSync = 8
-    kRename = 9
+    kNone = _OPERATIONS["kNone"]
+    kOpen = _OPERATIONS["kOpen"]
+    kLock = _OPERATIONS["kLock"]
+    kCreate = _OPERATIONS["kCreate"]
+    kRead = _OPERATIONS["kRead"]
+    kSeek = _OPERATIONS["kSeek"]
+    kWrite = _OPERATIONS["kWrite"]
+    kResize = _OPERATIONS["kResize"]
+    kSync = _OPERATIONS["kSync"]
+    kRename = _OPERATIONS["kRename"]
 
 
 class FileErrorReason(IntEnum):
     """Why an operation on a file failed."""
 
-    kNone = 0
-    kSystem = 1
-    kLocked = 2
-    kNotADocument = 3
-    kNotOpen = 4
-    kNoPath = 5
-    kNoMemory = 6
-    kFailedSyncBefore = 7
+    kNone = _REASONS["kNone"]
+    kSystem = _REASONS["kSystem"]
+    kLocked = _REASONS["kLocked"]
+    kNotADocument = _REASONS["kNotADocument"]
+    kNotOpen = _REASONS["kNotOpen"]
+    kNoPath = _REASONS["kNoPath"]
+    kNoMemory = _REASONS["kNoMemory"]
+    kFailedSyncBefore = _REASONS["kFailedSyncBefore"]
 
 
 @dataclass
@@ -182,14 +185,18 @@ class Vex2Detector:
 
 
 @dataclass
-class Vex2DyeSpectrum:
-    """The spectrum of one pure dye; values are numbers of 32 bits, stored unchanged."""
-
+class _Spectrum:
     key1: int = 0
     key2: int = 0
     dyeIndex: int = 0
     name: str = ""
     values: List[int] = field(default_factory=list)
+
+
+@dataclass
+class Vex2DyeSpectrum(_Spectrum):
+    """The spectrum of one pure dye; values are numbers of 32 bits, stored unchanged."""
+
     byte1: int = 0
     byte2: int = 0
     param1: int = 0
@@ -198,40 +205,33 @@ class Vex2DyeSpectrum:
 
 
 @dataclass
-class Vex2BackgroundSpectrum:
+class Vex2BackgroundSpectrum(_Spectrum):
     """One spectrum of the background; values are numbers of 32 bits, stored unchanged."""
 
-    key1: int = 0
-    key2: int = 0
-    dyeIndex: int = 0
-    name: str = ""
-    values: List[int] = field(default_factory=list)
     limit: int = 189
 
 
 @dataclass
-class Vex2PureDye:
-    """The spectra of the pure dyes that an instrument was calibrated with."""
-
+class _CalibrationHead:
     code: bytes = b"\0\0\0\0"
     setting: int = 10
     option: int = 0
     value: int = 0
     extra1: bytes = b"\0\0\0\0"
     extra2: bytes = b"\0\0\0\0"
+
+
+@dataclass
+class Vex2PureDye(_CalibrationHead):
+    """The spectra of the pure dyes that an instrument was calibrated with."""
+
     entries: List[Vex2DyeSpectrum] = field(default_factory=list)
 
 
 @dataclass
-class Vex2BGC:
+class Vex2BGC(_CalibrationHead):
     """The background of an instrument."""
 
-    code: bytes = b"\0\0\0\0"
-    setting: int = 10
-    option: int = 0
-    value: int = 0
-    extra1: bytes = b"\0\0\0\0"
-    extra2: bytes = b"\0\0\0\0"
     entries: List[Vex2BackgroundSpectrum] = field(default_factory=list)
 
 
@@ -311,16 +311,16 @@ NO_CT = -999.1
 """What `GetCtAt` returns where there is no threshold cycle, in the precision of the document."""
 
 
-_WHY = (
-    "the document does not allow it",
-    "the system refused",
-    "another program or manager holds the file's lock",
-    "the file is not a plate document",
-    "no file is open",
-    "there is no path",
-    "memory ran out",
-    "an earlier sync of this file failed",
-)
+_WHY = {
+    FileErrorReason.kNone: "the document does not allow it",
+    FileErrorReason.kSystem: "the system refused",
+    FileErrorReason.kLocked: "another program or manager holds the file's lock",
+    FileErrorReason.kNotADocument: "the file is not a plate document",
+    FileErrorReason.kNotOpen: "no file is open",
+    FileErrorReason.kNoPath: "there is no path",
+    FileErrorReason.kNoMemory: "memory ran out",
+    FileErrorReason.kFailedSyncBefore: "an earlier sync of this file failed",
+}
 
 
 def require(manager: Vex2FileManager, status: int) -> None:

@@ -216,6 +216,7 @@ void BindHeader(ManagerClass& manager) {
 }
 
 void BindRaw(py::module_& module) {
+  BindNumbers(module);
   ManagerClass manager(module, "Vex2FileManager",
                        "One plate document in memory, with the operations that read it from a "
                        "file, change it and bring it to the disk: see vex2.raw.");

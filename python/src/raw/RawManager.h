@@ -30,6 +30,8 @@ class Manager final : private HostMap, public Vex2FileManager {
 
 using ManagerClass = py::class_<Manager>;
 
+void BindNumbers(py::module_& module);
+
 // The parts of the class, each in a source of its own.
 void BindLife(ManagerClass& manager);
 void BindHeader(ManagerClass& manager);
