@@ -134,3 +134,89 @@ def test_check_finds_what_the_command_finds(folder, vex):
         each["problem"] for each in said["findings"]
     ]
     assert findings
+
+
+@pytest.fixture
+def analysed(folder, vex):
+    """Documents with standards, samples and controls: simulated, of this module, and a study."""
+    vex("simulate", "one.vex", "--melt", 40)
+    vex("simulate", "two.vex", "--seed", 2, "--melt", 30, "--wells", 384)
+    return ["run.vex", "one.vex", "two.vex", "study.vex"]
+
+
+CQ_KEYS = {"target": "detector", "baseline_start": "baselineStart", "baseline_end": "baselineEnd"}
+CQ_OPTIONS = (
+    {},
+    {"method": "sdm"},
+    {"threshold": 0.5},
+    {"baseline": (3, 12)},
+    {"detector": "target A"},
+)
+
+
+def same_number(found, said) -> bool:
+    """Equal to the six decimals that JSON has of a number."""
+    if said is None:
+        return found is None or not numpy.isfinite(found)
+    return abs(found - said) <= max(5.1e-7, 1e-12 * abs(said))
+
+
+def same_row(row, said) -> bool:
+    values = {name: said[CQ_KEYS.get(name, name)] for name in row.index if name != "number"}
+    texts = {name for name in values if isinstance(row[name], str) or isinstance(values[name], str)}
+    texts |= {"reason"} & values.keys()
+    return all(
+        row[name] == values[name] if name in texts else same_number(row[name], values[name])
+        for name in values
+    )
+
+
+def flat(well: dict) -> dict:
+    """A well of the JSON with the columns of the table."""
+    estimate = well.pop("estimate") or {"quantity": None, "low": None, "high": None}
+    ends = {f"estimate_{end}": estimate[end] for end in ("low", "high")}
+    return {**well, "estimate": estimate["quantity"], **ends}
+
+
+@pytest.mark.parametrize("options", CQ_OPTIONS, ids=str)
+def test_cq_is_that_of_the_command(analysed, vex, command, options):
+    arguments = []
+    for name, value in options.items():
+        text = "-".join(map(str, value)) if isinstance(value, tuple) else value
+        arguments += [f"--{name}", text]
+    compared = 0
+    for path in analysed:
+        run = vex2.open(path)
+        try:
+            table = run.cq(**options)
+        except vex2.Error as error:
+            call = [command, "cq", path, "--format", "json", *map(str, arguments)]
+            done = subprocess.run(call, capture_output=True, text=True)
+            assert done.returncode == error.status, done.stderr
+            assert json.loads(done.stderr)["error"]["code"] == error.code
+            continue
+        said = json.loads(vex("cq", path, "--format", "json", *arguments))
+        assert len(table) == len(said["wells"]) > 0
+        rows = zip((row for _, row in table.iterrows()), map(flat, said["wells"]))
+        assert all(same_row(row, well) for row, well in rows)
+        curves = run.standard_curves(**options)
+        named = [each for each in said["detectors"] if each["standardCurve"]]
+        assert curves["target"].tolist() == [each["name"] for each in named]
+        for (_, curve), each in zip(curves.iterrows(), named):
+            for name in curve.index[1:]:
+                head, *rest = name.split("_")
+                key = head + "".join(part.title() for part in rest)
+                assert same_number(curve[name], each["standardCurve"][key]), name
+        compared += len(table)
+    assert compared > 30
+
+
+def test_melting_peaks_are_those_of_the_command(analysed, vex):
+    for path in ("one.vex", "two.vex"):
+        said = json.loads(vex("melt", path, "--format", "json"))
+        peaks = vex2.open(path).melting_peaks()
+        expected = [(well, peak) for well in said["wells"] for peak in well["peaks"]]
+        assert len(peaks) == len(expected) > 60
+        for (_, row), (well, peak) in zip(peaks.iterrows(), expected):
+            assert (row["well"], row["target"]) == (well["well"], well["detector"])
+            assert all(same_number(row[name], value) for name, value in peak.items())
