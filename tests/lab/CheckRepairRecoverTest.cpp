@@ -7,6 +7,7 @@
 #include "lab/Error.h"
 #include "lab/check/Check.h"
 #include "lab/check/Repair.h"
+#include "lab/check/RepairSteps.h"
 #include "lab/record/RunRecorder.h"
 #include "lab/recover/Recover.h"
 #include "tests/lab/ErrorOf.h"
@@ -33,9 +34,9 @@ class CheckRepairRecover : public TempFolderTest {
   }
 
   // What a commit that was cut off leaves behind.
-  void leaveUncommittedBytes() {
+  void leaveUncommittedBytes(std::size_t count = 20) {
     Bytes bytes = ReadBytes(path_);
-    bytes.insert(bytes.end(), 20, 0);
+    bytes.insert(bytes.end(), count, 0);
     WriteBytes(path_, bytes);
   }
 
@@ -83,6 +84,32 @@ TEST_F(CheckRepairRecover, RepairRefusesWhileRecorded) {
   const lab::RunRecorder recorder(path_, plan, {.resume = true});
   EXPECT_THAT(ErrorOf([&] { lab::Repair(path_); }).what(),
               testing::HasSubstr("is being recorded already"));
+}
+
+TEST_F(CheckRepairRecover, RepairRefusesPlanOfAnotherContent) {
+  leaveUncommittedBytes();
+  Bytes changed;
+  const auto change = [&](const lab::RepairPlan&) {
+    leaveUncommittedBytes(5);
+    changed = ReadBytes(path_);
+    return true;
+  };
+  EXPECT_THAT(ErrorOf([&] { lab::Repair(path_, {.confirm = change}); }).what(),
+              testing::HasSubstr("another program changed it meanwhile; it is left alone"));
+  EXPECT_EQ(ReadBytes(path_), changed);
+}
+
+TEST_F(CheckRepairRecover, RepairRefusesDocumentChangedSinceBackup) {
+  leaveUncommittedBytes();
+  const lab::RepairPlan plan = lab::PlanRepair(path_);
+  const std::string backup = lab::BackUp(path_);
+  Bytes changed = ReadBytes(path_);
+  changed[300] ^= 1;
+  WriteBytes(path_, changed);
+  EXPECT_THAT(
+      ErrorOf([&] { lab::ApplyRepair(plan, backup, path_); }).what(),
+      testing::HasSubstr("another program has changed it meanwhile, and it was left alone"));
+  EXPECT_EQ(ReadBytes(path_), changed);
 }
 
 TEST_F(CheckRepairRecover, RecoverKeepsWhatIsWhole) {

@@ -2,8 +2,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "lab/model/Document.h"
 #include "lab/model/DocumentEditor.h"
+#include "lab/model/DocumentFile.h"
 #include "lab/record/RunRecorder.h"
 #include "tests/lab/ErrorOf.h"
 #include "tests/lab/RunDocuments.h"
@@ -78,6 +81,30 @@ TEST_F(DocumentEditorTest, SaveRefusesDocumentThatHasChanged) {
   const lab::Error error = ErrorOf([&] { editor.Save(); });
   EXPECT_EQ(error.Code(), ErrorCode::kDocument);
   EXPECT_THAT(error.what(), HasSubstr("another program has changed it meanwhile"));
+  EXPECT_EQ(ReadBytes(path_), other);
+}
+
+// Such a file cannot be replaced by another, so that a save empties it and writes into it.
+TEST_F(DocumentEditorTest, SaveRefusesChangedDocumentWithHardLinks) {
+  std::filesystem::create_hard_link(path_, folder_ / "other.vex");
+  DocumentEditor editor(path_);
+  editor.Well("A1").sample = "mine";
+  Bytes other = ReadBytes(path_);
+  other[300] ^= 1;
+  WriteBytes(path_, other);
+  EXPECT_THAT(ErrorOf([&] { editor.Save(); }).what(),
+              HasSubstr("another program has changed it meanwhile"));
+  EXPECT_EQ(ReadBytes(path_), other);
+}
+
+TEST_F(DocumentEditorTest, SaveComparesDocumentUnderItsLock) {
+  lab::DocumentFile file;
+  file.ExpectUnchanged(path_);
+  ASSERT_EQ(file.ReadFromFile(path_.c_str()), kSuccess);
+  Bytes other = ReadBytes(path_);
+  other[300] ^= 1;
+  WriteBytes(path_, other);
+  EXPECT_EQ(file.SaveToFile(path_.c_str()), kWriteFailed);
   EXPECT_EQ(ReadBytes(path_), other);
 }
 
@@ -267,6 +294,24 @@ TEST_F(DocumentEditorTest, UnknownRecordIsDroppedOnlyWhenAllowed) {
   EXPECT_THAT(ErrorOf([&] { DocumentEditor{path_}; }).what(),
               HasSubstr("set dropUnknown to accept that"));
   EXPECT_NO_THROW(DocumentEditor(path_, {.dropUnknown = true}));
+}
+
+TEST_F(DocumentEditorTest, RefusesDocumentReadInPart) {
+  const Bytes whole = ReadBytes(path_);
+  const auto refusal = [&](std::size_t size) -> std::string {
+    WriteBytes(path_, Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)));
+    return ErrorOf([&] { DocumentEditor{path_}; }).what();
+  };
+  EXPECT_THAT(refusal(whole.size() - 10), HasSubstr("it cannot be read whole, so it is not saved"));
+  EXPECT_THAT(refusal(500), HasSubstr("the header is cut short: 500 of 1024 bytes are there"));
+}
+
+TEST_F(DocumentEditorTest, RefusesHeaderThatCannotBeSaved) {
+  constexpr int kRows = 300;  // more than end within the header
+  WriteBytes(path_, StoredHeader(0, kRows));
+  EXPECT_TRUE(RunReader(path_).IsWhole());
+  EXPECT_THAT(ErrorOf([&] { DocumentEditor{path_}; }).what(),
+              HasSubstr("a plate of 300 rows does not fit into a header that is saved"));
 }
 
 class StudyEditorTest : public DocumentEditorTest {

@@ -137,5 +137,16 @@ TEST_F(OverviewTest, RecordValuesHaveTheTypeOfTheirLayout) {
   EXPECT_TRUE(std::holds_alternative<std::monostate>(reader.values[8]));
 }
 
+TEST_F(OverviewTest, RecordValueEndsWithTheFile) {
+  const std::string path = folder_ / "cut.vex";
+  WriteBytes(path, DocumentOf(RecordDeclaring("COMM", 1000, "text")));
+  lab::DocumentFile file;
+  file.OpenDocument(path);
+  ValueReader reader;
+  static_cast<void>(lab::WalkRecords(file, reader));
+  ASSERT_EQ(reader.values.size(), 1U);
+  EXPECT_EQ(std::get<std::string>(reader.values[0]), "text");
+}
+
 }  // namespace
 }  // namespace vex2::test

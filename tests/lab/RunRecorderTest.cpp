@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "lab/Error.h"
+#include "lab/model/OutputFiles.h"
 #include "lab/record/RunRecorder.h"
 #include "tests/lab/ErrorOf.h"
 #include "tests/reliability/ForkedProcess.h"
@@ -27,6 +28,8 @@ using lab::RunRecorder;
 
 constexpr std::size_t kFrames = 6;
 constexpr std::uint16_t kSecondWell = 14;
+constexpr std::size_t kRawDataOffsetAt = 68;  // in the header
+constexpr std::size_t kBlockHead = 8 + 18;    // before the numbers of its wells
 
 RecordingPlan rawPlan() {
   RecordingPlan plan;
@@ -334,6 +337,38 @@ TEST_F(RunRecorderTest, RefusesToResumeAnotherRun) {
   EXPECT_EQ(ReadBytes(path()), bytes);
 }
 
+TEST_F(RunRecorderTest, NoOutputReplacesRunInProgress) {
+  record(1);
+  lab::OutputFiles files(true, "");
+  files.Write(path(), lab::OutputFiles::Kind::kDocument);
+  EXPECT_THAT(messageOf([&] { files.Claim(); }), testing::HasSubstr("its run is in progress"));
+}
+
+TEST_F(RunRecorderTest, RefusesToResumeDamagedDocument) {
+  record(1);
+  const Bytes whole = ReadBytes(path());
+  const std::size_t block = LongAt(whole, kRawDataOffsetAt);
+  const auto cutTo = [&](std::size_t size) { return Slice(whole, 0, size); };
+  const auto refusalOf = [&](const Bytes& document) {
+    WriteBytes(path(), document);
+    const std::string why = messageOf([&] { recorder({.resume = true}); });
+    EXPECT_EQ(FirstDifference(ReadBytes(path()), document), "");
+    return why;
+  };
+  EXPECT_THAT(refusalOf(cutTo(500)), testing::HasSubstr("the header is cut short"));
+  EXPECT_THAT(refusalOf(cutTo(block + kBlockHead + 2)),
+              testing::HasSubstr("the data block is cut off before its first frame"));
+  const std::string more = "more bytes follow than an interrupted commit leaves behind";
+  const Bytes record = ByteString().Text("CALR").Long(2).Text("a").Byte(0);
+  EXPECT_THAT(refusalOf(Join({whole, record})), testing::HasSubstr(more));
+  // Before its first commit: a record that the file cuts off, and more than a commit leaves.
+  Bytes unread = cutTo(block);
+  SetLongAt(unread, kRawDataOffsetAt, 0);
+  const Bytes cut = ByteString().Text("CALR").Long(9).Text("a");
+  EXPECT_THAT(refusalOf(Join({unread, cut})), testing::HasSubstr(more));
+  EXPECT_THAT(refusalOf(Join({unread, Bytes(kBlockHead + 96 * 82 + 1)})), testing::HasSubstr(more));
+}
+
 TEST_F(RunRecorderTest, FailedCommitCanBeTriedAgain) {
   FaultyFileSystem files;
   RunRecorder made = recorder();
@@ -434,7 +469,6 @@ TEST_F(RunRecorderTest, FailedSyncIsFinalUntilResumed) {
 TEST_F(RunRecorderTest, ResumeSyncsEachRepairBeforeTheNext) {
   record(2);
   Bytes document = ReadBytes(path());
-  constexpr std::size_t kRawDataOffsetAt = 68;
   SetLongAt(document, kRawDataOffsetAt, LongAt(document, kRawDataOffsetAt) + 1);
   document.resize(document.size() - 10);  // within the second frame
   WriteBytes(path(), document);

@@ -247,6 +247,20 @@ TEST_F(Header, ATableThatTheFileCannotFillKeepsItsDefaults) {
   EXPECT_EQ(manager_.GetHeaderData().usage[65534], 4095U);
 }
 
+TEST_F(Header, FieldsThatTheFileCutsOffKeepTheirValues) {
+  const std::string bytes = HeaderBytes().replace(4, 8, "\1\2\3\4RelQ"s);
+  open(bytes.substr(0, 7));
+  Vex2HeaderData header;
+  ASSERT_EQ(manager_.ReadHeaderData(header, nullptr), 0);
+  EXPECT_EQ(header.formatA, 0x102);
+  EXPECT_EQ(header.formatB, 2) << "a number is read whole or not at all";
+  EXPECT_EQ(text(header.assayCode), "AbsQ");
+  open(bytes.substr(0, 10));
+  ASSERT_EQ(manager_.ReadHeaderData(header, nullptr), 0);
+  EXPECT_EQ(header.formatB, 0x304);
+  EXPECT_EQ(text(header.assayCode), "ResQ") << "a text is read as far as it goes";
+}
+
 TEST_F(Header, IsReadIntoTheCallersRecordToo) {
   open(HeaderBytes(16));
   Vex2HeaderData header;
