@@ -1,8 +1,8 @@
 """The order in which bytes reach the disk, and what keeps committed bytes."""
 
 from .mutation import barrier
-from .sources import (BACKUP, BACKUPS, BLOCKS, FILE, FILES, FRAME_LOG, INTERRUPTED, RECORDING, REPLACEMENT,
-                      STATUS, STORE, SYSTEM)
+from .sources import (BACKUP, BACKUPS, BLOCKS, DOCUMENT, DOCUMENT_FILE, FILE, FILES, FRAME_LOG, INTERRUPTED,
+                      OUTPUTS, RECORDING, REPAIR, REPAIR_FILE, REPLACEMENT, SAVING, STATUS, STORE, SYSTEM)
 
 BARRIERS = (
     barrier("frame-before-length", FRAME_LOG, "the barrier between a frame and the length that counts it",
@@ -157,4 +157,31 @@ BARRIERS = (
             "lab:RunRecorder* tools:RecordResumeTest*"),
     barrier("recorder-refused", RECORDING, "that a recorder whose sync failed records no further",
             "  if (!hasFailedSync_) return;\n", "  return;\n", "lab:RunRecorder*"),
+    barrier("resume-tail", INTERRUPTED, "that resuming cuts off no more than a commit can have left",
+            "frames_.behind == Uncommitted::kMore) {", "frames_.behind == Uncommitted::kMore && frames_.end == 0) {",
+            "lab:RunRecorder*Resume*"),
+    barrier("resume-first-commit", INTERRUPTED, "that resuming cuts off no more than a first commit can have left",
+            "} else if (blockStart_ < file.GetLength()) {", "} else if (blockStart_ == 0) {", "lab:RunRecorder*Resume*"),
+    barrier("recorder-own-file", RECORDING, "that a recorder goes on only in the file that it wrote",
+            "  if (isSame) return;\n", "  if (isSame || size_ != 99999) return;\n", "lab:RunRecorderTest.NeverWrites*"),
+    barrier("repair-planned", REPAIR, "that a repair is made of what it was planned for",
+            "if (PlanRepair(backup) != report.plan) {", "if (backup.empty()) {", "lab:CheckRepairRecover*"),
+    barrier("repair-unchanged", REPAIR_FILE, "that a repair leaves alone what another program has changed",
+            "  requireUnchanged(path, backup);\n", "  if (path.empty()) requireUnchanged(path, backup);\n",
+            "lab:CheckRepairRecover*"),
+    barrier("save-unchanged", DOCUMENT_FILE, "that a save goes over no document that another program has changed",
+            "  if (!isEmptied && !isUnchanged()) return", "  if (isEmptied && expectedPath_.empty()) return",
+            "lab:DocumentEditorTest*Compares*"),
+    barrier("save-in-place", SAVING, "that such a document is not emptied where it cannot be replaced",
+            "  document.RequireUnchanged();\n  if (document.SaveToFile", "  if (document.SaveToFile",
+            "lab:DocumentEditorTest*Refuses*"),
+    barrier("save-whole", SAVING, "that no document is saved over that was read in part",
+            "  document.RequireWhole(\"saved\");\n  upgradeBlocks(document, document", "  upgradeBlocks(document, document",
+            "lab:DocumentEditorTest*Refuses*"),
+    barrier("save-at-rest", DOCUMENT, "that no document is changed whose run is in progress",
+            "  if (content_->IsAcquisitionProg()) refuseRun(path_);", "  if (content_ == nullptr) refuseRun(path_);",
+            "lab:DocumentEditorTest*Refuses*:*SetRunStatus*"),
+    barrier("output-at-rest", OUTPUTS, "that no output replaces a document whose run is in progress",
+            "if (output.kind == Kind::kDocument) RequireNoRunAt", "if (output.path.empty()) RequireNoRunAt",
+            "lab:RunRecorderTest.NoOutput*"),
 )

@@ -1,10 +1,10 @@
 """Checks of a length, a count or an index."""
 
 from .mutation import check
-from .sources import (ASSAY, BLOCKS, BLOCK_HEAD, BYTES, CALIBRATION, COMPONENT, CONSOLE, DATA, FACTORY, FILE,
-                      FILES, FRAMES, FRAME_FILES, FRAME_LOG, GEOMETRY, HEADER, HEADER_DATA, LIST, PLATE,
-                      PLATES, POINTERS, RESULTS, SETUP, SKIPPED, SPECTRA, SPECTRUM_SET, STATUS, STORE,
-                      STORED_RECORDS, STRING, STUDY, WALKER)
+from .sources import (ASSAY, BLOCKS, BLOCK_HEAD, BYTES, CALIBRATION, COMPONENT, CONSOLE, DATA, DOCUMENT, FACTORY,
+                      FILE, FILES, FRAMES, FRAME_FILES, FRAME_LOG, FRAME_READER, GEOMETRY, HEADER, HEADER_DATA,
+                      HEADER_LAYOUT, INTERRUPTED, LIST, PLATE, PLATES, POINTERS, RECORD_VALUE, RESULTS, SETUP,
+                      SKIPPED, SPECTRA, SPECTRUM_SET, STATUS, STORE, STORED_RECORDS, STRING, STUDY, WALKER)
 
 CHECKS = (
     check("nesting", COMPONENT, "the limit of 64 on nesting", "if (nesting.IsTooDeep()) return vex2::kNotFound;", "",
@@ -291,4 +291,29 @@ CHECKS = (
           "std::filesystem::file_size(path, ignored)", "framework:*Settings*"),
     check("character-index", STRING, "the index of a character", "index >= 0 && index < GetLength() ? text_",
           "index != 99999 ? text_", "framework:CString*"),
+    check("resume-header", INTERRUPTED, "that a recording with part of a header is not resumed",
+          "if (file.GetLength() < HeaderLayout::kSize) {", "if (file.GetLength() < 1) {", "lab:RunRecorder*Resume*"),
+    check("resume-record", FRAME_LOG, "that a recording is not resumed behind a record that the file cuts off",
+          "    if (!end) break;\n    start", "    if (!end) return file.GetLength();\n    start", "lab:RunRecorder*Resume*"),
+    check("resume-wells", INTERRUPTED, "a block's wells against the bytes that are left, where a recording is resumed",
+          "!ReadWellNumbers(file, block_.head.wells, wells_)) {",
+          "(!ReadWellNumbers(file, block_.head.wells, wells_) && !block_.isWhole)) {", "lab:RunRecorder*Resume*"),
+    check("first-commit-size", FRAME_LOG, "that more than a first commit can leave is not taken for one",
+          "return fileEnd - start <= FirstCommitSize(most);", "return most + start > 0;", "storage"),
+    check("cut-readings", FRAME_READER, "readings against the bytes that are left",
+          "if (ReadStoredRecords(file_, count, take)) return;",
+          "if (ReadStoredRecords(file_, count, take) || start > 0) return;", "lab:DamagedRunTest*"),
+    check("shown-bytes", RECORD_VALUE, "the bytes of a record that are shown against those that are left",
+          "std::min({std::uint64_t{record.length}, file.GetRemaining(), most})", "std::min(std::uint64_t{record.length}, most)",
+          "lab:OverviewTest*"),
+    check("whole-header", DOCUMENT, "that a document with part of a header is not whole",
+          "  if (size_ >= needed) return std::nullopt;\n", "  if (needed > 0) return std::nullopt;\n",
+          "lab:DocumentEditorTest*Refuses*"),
+    check("header-rows", DOCUMENT, "that a header with more rows than fit is not saved",
+          "content_->GetHeaderRows() > HeaderLayout::kMaxRows) {", "content_->GetHeaderRows() > 99999) {",
+          "lab:DocumentEditorTest*Refuses*"),
+    check("header-text", HEADER_LAYOUT, "a text of the header against the bytes that are there",
+          "std::min(Size, bytes_.size() - offset)", "Size", "manager:Header*"),
+    check("header-number", HEADER_LAYOUT, "a number of the header against the bytes that are there",
+          "if (offset + sizeof field <= bytes_.size()) field", "field", "manager:Header*"),
 )

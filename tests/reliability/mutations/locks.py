@@ -1,7 +1,8 @@
 """Locks, and the waiting for them."""
 
 from .mutation import lock
-from .sources import (FILE, FRAME_READER, RECORDING, REPLACEMENT, SYSTEM)
+from .sources import (DOCUMENT_CHANGE, DOCUMENT_EDITOR, DOCUMENT_LOCK, FILE, FRAME_READER, OUTPUTS, RECORDING, REPAIR,
+                      REPLACEMENT, SYSTEM)
 
 LOCKS = (
     lock("writer-exclusive", SYSTEM, "that a writer's lock is exclusive", "(exclusive ? LOCK_EX : LOCK_SH)",
@@ -31,4 +32,24 @@ LOCKS = (
          "if (exists && info.st_nlink > 1) {", "if (exists && info.st_nlink > 99) {", "lab:RunRecorder*"),
     lock("same-file", FRAME_READER, "that frames are read from the file that was opened, not from one in its place",
          "file_.GetIdentity() != identity || ", "(false && file_.GetIdentity() != identity) || ", "lab:Run*:Readings*"),
+    lock("recorder", DOCUMENT_LOCK, "the lock that a recorder holds until its run is over",
+         "while (::flock(handle_, LOCK_EX | LOCK_NB) != 0) {", "while (handle_ < 0) {", "lab:DocumentLock*"),
+    lock("recorder-anew", DOCUMENT_LOCK, "that such a lock is taken anew when its file was removed meanwhile",
+         "if (handle_ < 0 || isStillThere()) return true;", "if (handle_ >= -1 || isStillThere()) return true;",
+         "lab:DocumentLock*"),
+    lock("command-waits", DOCUMENT_LOCK, "that a command which changes a document is waited for",
+         "if (now - begun > kPatience || ", "if (now - begun >= 0 * kPatience || ", "lab:DocumentLock*"),
+    lock("links", DOCUMENT_LOCK, "that a link is locked as the document to which it leads",
+         "links < kMostLinks && ", "links < 0 * kMostLinks && ", "lab:DocumentLock*"),
+    lock("command", DOCUMENT_CHANGE, "the lock of a command or an editor that changes a document",
+         "lock_(path, DocumentLock", "lock_(path + \".other\", DocumentLock", "lab:DocumentEditorTest*Recorded*"),
+    lock("command-status", DOCUMENT_EDITOR, "the lock under which a run's status is set",
+         "lock(name, DocumentLock", "lock(name + \".other\", DocumentLock", "lab:DocumentEditorTest*SetRunStatus*"),
+    lock("command-repair", REPAIR, "the lock under which a document is repaired",
+         "const DocumentLock lock(path, DocumentLock::Holder::kCommand);",
+         "struct { std::string path; auto Document() const { return ResolveDocument(path); } } const lock{path};",
+         "lab:CheckRepairRecover*"),
+    lock("command-output", OUTPUTS, "the lock on a document that a command writes",
+         "std::make_unique<DocumentLock>(output.path, ", "std::make_unique<DocumentLock>(output.path + \".other\", ",
+         "lab:DocumentLock*"),
 )
