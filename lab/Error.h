@@ -62,9 +62,9 @@ VEX2_API std::span<const ErrorKind> ErrorKinds();
 /// The kind of this code.
 VEX2_API const ErrorKind& ErrorKindOf(ErrorCode code);
 
-/// What the caller can do so that the operation succeeds. The message of an error says it in the
-/// terms of this library; a program that offers it under names of its own, as options or buttons,
-/// shows its own words behind `Error::Problem`.
+/// What the caller can do so that the operation succeeds. The error's message describes it in the
+/// terms of this library. A host that offers it under other names, as options or buttons, can
+/// append its own words to `Error::Problem` instead.
 enum class ErrorRemedy {
   kNone,              ///< what to do is plain, or part of the problem's sentence
   kExtractPlate,      ///< take the plate out of its study
@@ -93,7 +93,7 @@ enum class ErrorRemedy {
 class VEX2_API Error : public std::runtime_error {
  public:
   /// `what` says what is wrong and, where that is not plain, what to do; with a `remedy`, that says
-  /// what to do. Control characters of a hostile name or content do not reach the terminal.
+  /// what to do. Control characters of a malicious name or content do not reach the terminal.
   /// `systemError` is a number of `errno`, or 0.
   Error(ErrorCode code, std::string_view file, std::string_view what,
         std::optional<std::uint64_t> offset = std::nullopt, ErrorRemedy remedy = ErrorRemedy::kNone,

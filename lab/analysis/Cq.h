@@ -122,7 +122,8 @@ struct CqAnalysis {
 /// Throws as `AmplificationCurvesOf` does, and `Error` of class `kUsage` for a detector that the
 /// run does not have, a threshold that is not above 0, and a baseline of fewer than three cycles.
 VEX2_API CqAnalysis AnalyseCq(const RunReader& run, const CqOptions& options = {});
-/// The same of one plate whose readings were read before: `readings` are those of `run`.
+/// Finds the quantification cycles of one plate from `readings`, the readings of `run`, which the
+/// caller has read already. Rules and errors are those of `AnalyseCq(run, options)`.
 VEX2_API CqAnalysis AnalyseCq(const RunReader& run, const Readings& readings,
                               const CqOptions& options = {});
 /// The same of any curves. `detectors` say what baselines and thresholds somebody has set.

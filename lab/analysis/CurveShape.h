@@ -41,7 +41,8 @@ std::optional<CurveShape> ShapeOf(const AmplificationCurve& curve,
 void UseWholeBaseline(CurveShape& shape);
 
 /// Where the corrected curve passes `threshold` upwards for the last time before its top, in
-/// cycles. Nothing where it does not, because it is below or above from begin to top.
+/// cycles. Returns nothing if the curve does not cross it: its top is below the threshold, or no
+/// reading up to the top is.
 std::optional<double> CrossingOf(const CurveShape& shape, double threshold);
 
 /// The number of cycles that are in the range.

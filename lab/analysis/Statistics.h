@@ -24,7 +24,8 @@ struct LineFit {
   double sumOfSquares = 0;  ///< of the distances of x from their mean
 };
 
-/// The line through points (x[i], y[i]). Nothing with fewer than two different x.
+/// The line through points (x[i], y[i]). Returns nothing if there are fewer than two different x
+/// values.
 std::optional<LineFit> FitLine(std::span<const double> x, std::span<const double> y);
 
 /// Of at least one value.

@@ -21,7 +21,7 @@ std::string shown(std::string_view tag) {
   return Escaped(ToUtf8(tag));
 }
 
-// Of kinds that declare something else on purpose.
+// Records of these kinds may declare a length that differs from what they hold.
 bool isFreeInLength(BodyLayout layout) {
   return layout == BodyLayout::kPlate || layout == BodyLayout::kData;
 }
@@ -157,7 +157,8 @@ void RecordCheck::Finish(const WalkEnd& end) {
                              records.back().tag == TagOf(Kind::kRawData) &&
                              records.back().offset == end.fault->offset;
   isWalked_ = !end.fault || isInLastBlock || end.fault->offset >= document_.RecordsEnd();
-  // Where bytes between records are none, a length may be right and what follows wrong.
+  // If there are bytes between records that are not records, a length may be right and the bytes
+  // after it wrong.
   const char* remedy = CanRepairLengths() ? "{repair} sets the length to what the record holds"
                                           : "{recover} takes what is whole into a new document";
   for (Finding& finding : lengths_) {

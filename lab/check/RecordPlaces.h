@@ -5,16 +5,17 @@
 
 namespace vex2::lab {
 
-/// Whether writers put records with this tag right into a list with the tag `list`; into a document
-/// or a plate itself for an empty `list`. Readers take every tag everywhere.
+/// Whether writers put records with this tag directly into a list with the tag `list`, or, if
+/// `list` is empty, into a document or plate itself. Readers take every tag everywhere.
 bool StandsIn(std::string_view list, std::string_view tag);
 
-/// The lists that writers put the tag right into, the usual one first; an empty one for the
-/// document itself. None for tags that no writer uses.
+/// The lists into which writers put the tag directly, the usual one first; an empty name stands for
+/// the document itself. Returns none for tags that no writer uses.
 std::vector<std::string_view> HomesOf(std::string_view tag);
 
-/// The one of them that `near` is, stands in, or holds: a list that is open, or the record behind.
-/// Else the first; empty where there is none.
+/// The list from `HomesOf(tag)` that fits `near`, the tag of an open list or of the next record:
+/// the list is `near`, can hold `near`, or can be in `near`. Otherwise the first list; empty if
+/// there is none.
 std::string_view HomeOf(std::string_view tag, std::string_view near = {});
 
 }  // namespace vex2::lab

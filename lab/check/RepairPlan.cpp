@@ -66,7 +66,7 @@ class Planner {
         document_.Fault() ? isFirstCommitAt(from) : EndsInFirstCommit(file_, document_, header_);
     if (isFirstCommit) return cutAt(from, "of a first commit that was interrupted");
     if (document_.Fault() || plan_.size - from >= kRecordHeadSize) return;
-    cutAt(from, "behind the last record, too few for another");
+    cutAt(from, "after the last record, too few for another record");
   }
 
   bool isFirstCommitAt(std::uint64_t offset) {
@@ -85,7 +85,8 @@ class Planner {
       return cutAt(block.record.offset, "of a first commit that was interrupted");
     }
     const std::uint64_t end = head.firstFrame + frames * head.frameSize;
-    // A commit leaves no more than a frame. What else stands there is not to be cut off unseen.
+    // An interrupted commit leaves at most one frame of uncommitted bytes. More bytes than that may
+    // be something else, so they are not cut off.
     if (UncommittedBehind(range, end) == Uncommitted::kMore) return;
     patch(block.record.offset + kLengthAt, block.record.length,
           end - block.record.offset - kRecordHeadSize,
@@ -124,8 +125,8 @@ class Planner {
           "the header's position of TPro, for its tag");
   }
 
-  // Where a record ends once the lengths are repaired: a position that led past the old end does no
-  // more.
+  // The end of a record after the lengths are repaired. An offset that led just past the old end no
+  // longer does.
   std::uint64_t endOf(const Document::Record& record) const {
     std::uint64_t length = record.length;
     for (const RepairPlan::Patch& patch : plan_.patches) {

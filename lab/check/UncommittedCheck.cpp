@@ -68,27 +68,31 @@ void checkBehindBlock(const LastBlock& block, const Document& document, const He
   const bool isOfACommit =
       UncommittedBehind(block.Range(document.Size()), from) == Uncommitted::kCommit;
   if (header.IsUnfinished() && isOfACommit) {
-    findings.Add({Severity::kWarning, std::string(kBlock), from,
-                  whole == 1 ? "a whole frame follows the block's length: a commit was interrupted"
-                             : fmt::format("{} follow the block's length: a commit was interrupted",
-                                           partText),
-                  kNotCommitted,
-                  whole == 1 ? "{repair} counts it when each well has a reading in it; "
-                               "{resume} cuts it off and records it again"
-                             : kResume});
+    findings.Add(
+        {Severity::kWarning, std::string(kBlock), from,
+         whole == 1
+             ? "a whole frame follows the end that the block's length declares: a commit was "
+               "interrupted"
+             : fmt::format(
+                   "{} follow the end that the block's length declares: a commit was interrupted",
+                   partText),
+         kNotCommitted,
+         whole == 1 ? "{repair} counts it when each well has a reading in it; "
+                      "{resume} cuts it off and records it again"
+                    : kResume});
     return;
   }
   if (whole == 0) {
     findings.Add({Severity::kError, std::string(kBlock), from,
-                  fmt::format("{} follow the block's length", partText),
+                  fmt::format("{} follow the end that the block's length declares", partText),
                   "they are not read, and a save drops them", "{repair} cuts them off"});
     return;
   }
   findings.Add({Severity::kError, std::string(kBlock), from,
                 rest > 0
-                    ? fmt::format("{} and {} follow the block's length",
+                    ? fmt::format("{} and {} follow the end that the block's length declares",
                                   Counted(whole, "whole frame"), partText)
-                    : fmt::format("{} the block's length",
+                    : fmt::format("{} the end that the block's length declares",
                                   Counted(whole, "whole frame follows", "whole frames follow")),
                 fmt::format("the block is read with {}, and a save drops the others",
                             Counted(block.head.frameCount, "frame")),

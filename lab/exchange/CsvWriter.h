@@ -13,11 +13,11 @@ std::string CsvField(const std::string& text);
 /// quoted where they need to be.
 class CsvWriter {
  public:
-  /// Where the table is of several plates, each row has a field in front that tells which. `out`
+  /// If the table is of several plates, each row has a field in front that names the plate. `out`
   /// must outlive the writer.
   CsvWriter(std::ostream& out, bool hasPlates) : out_(out), hasPlates_(hasPlates) {}
 
-  /// Writes a row of UTF-8; `plate` only where the table is of several.
+  /// Writes one row of UTF-8 fields, with `plate` in front if the table is of several plates.
   void Row(const std::string& plate, const std::vector<std::string>& fields);
 
  private:

@@ -81,7 +81,7 @@ RdmlSource::RdmlSource(std::string_view bytes, std::string name)
   xml_ = findXml();
 }
 
-// Some programs call the member otherwise: the first one that begins as RDML is taken.
+// Some programs give the member another name: then the first member that begins as RDML is taken.
 std::size_t RdmlSource::findXml() const {
   if (const auto found = zip_->Find(rdml::kMember)) return *found;
   const auto& members = zip_->Members();

@@ -32,7 +32,8 @@ class RdmlSource {
 
   /// Reads the list of the archive in the file at `path`. `name` is what errors call it.
   RdmlSource(std::string path, std::string name);
-  /// The same of bytes in memory, which must outlive the object.
+  /// Reads the list of the archive in `bytes`, which must outlive the object. `name` is what errors
+  /// call it.
   RdmlSource(std::string_view bytes, std::string name);
 
   Embedded HasDocument() const;

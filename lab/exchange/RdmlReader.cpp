@@ -411,7 +411,7 @@ void RdmlReader::endPoint(bool isMelting) {
     return addPoint(data().melting, 0);
   }
   if (!cycle_) return lose("readings of an amplification without a cycle");
-  if (*cycle_ != std::floor(*cycle_)) return lose("readings of a part of a cycle");
+  if (*cycle_ != std::floor(*cycle_)) return lose("readings whose cycle is not a whole number");
   if (!(*cycle_ >= 1 && *cycle_ <= kMostCycle)) {
     return lose("readings of cycles that are not from 1 to 65535");
   }

@@ -134,7 +134,7 @@ class Converter {
     if (references.size() == 1) {
       result_.plan.settings.push_back({std::string(kReferenceSetting), references[0]});
     } else if (!references.empty()) {
-      losses_.Add("reference targets, of which a document has one", references[0],
+      losses_.Add("reference targets (a document can hold only one)", references[0],
                   references.size());
     }
   }
@@ -224,7 +224,7 @@ class Converter {
     log_.reset();
     if (most < 2) return;
     for (std::size_t i = kMostChannels; i < needed.size(); ++i) {
-      losses_.Add("channels, of which a document has 16", needed[i]);
+      losses_.Add("channels (a document can hold only 16)", needed[i]);
     }
     if (needed.size() > kMostChannels) needed.resize(kMostChannels);
     result_.plan.channels = std::move(needed);
@@ -243,7 +243,7 @@ class Converter {
     return true;
   }
 
-  // For each data of the well its channel's name; empty for those without readings.
+  // The channel name for each data element of the well; empty for one without readings.
   std::vector<std::string> channelNames(const ReadReact& react) {
     std::map<std::string, int> turns;
     std::vector<std::string> names;
@@ -338,7 +338,7 @@ class Converter {
   void takeCalibrator() {
     if (hasOwnSettings_ || calibrators_.empty()) return;
     if (calibrators_.size() > 1) {
-      losses_.Add("calibrator samples, of which a document has one", *calibrators_.begin(),
+      losses_.Add("calibrator samples (a document can hold only one)", *calibrators_.begin(),
                   calibrators_.size());
       return;
     }

@@ -65,7 +65,8 @@ std::string latin1(const CsvRow& row, Column column) {
   return *text;
 }
 
-// On the largest plate, since the rows that tell the size are still to come.
+// Reads the well name as on a 384-well plate, because the rows that decide the plate's size may
+// still follow.
 WellRow rowOf(const CsvRow& row, FloatReader& quantities) {
   WellRow result;
   const auto well = kPlate384.FindAsWritten(row.Text(kWell));

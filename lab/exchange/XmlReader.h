@@ -31,7 +31,7 @@ class XmlHandler {
 /// Reads XML in pieces: in UTF-8, UTF-16, Latin-1 or ASCII, with any prefixes for the one namespace
 /// that is asked for, or without. Elements of other namespaces have a "~" before their names.
 ///
-/// Nothing in the XML is believed: documents that declare entities are refused, so that none can
+/// Nothing in the XML is trusted: documents that declare entities are refused, so that none can
 /// grow without end or lead to another file; so are those whose elements nest more than
 /// `kMostDepth` deep, and those with a tag or a text of more than `kMostToken` bytes. Errors name
 /// the line and the element.

@@ -12,11 +12,11 @@ namespace vex2::lab {
 /// run code and the tasks of detectors, have no meaning that is known outside their application.
 enum class CodeField { kAssay, kPlateType, kKind, kStatus };
 
-/// What `code` means in `field`, with or without the blanks behind it. Empty when that is not
+/// What `code` means in `field`, with or without trailing blanks. Empty if the meaning is not
 /// known.
 std::string CodeMeaning(CodeField field, std::string_view code);
 
-/// A header's field of fixed length as UTF-8, without the blanks behind it.
+/// A header's field of fixed length as UTF-8, without trailing blanks.
 template <std::size_t size>
 std::string CodeText(const char (&field)[size]) {
   std::string text = ToUtf8({field, size});

@@ -37,8 +37,9 @@ std::optional<StoredBlock> ReadStoredBlock(CFile& file, const FileRecord& record
 /// The block of that tag, which is one of a block.
 Vex2DataType BlockType(std::string_view tag);
 
-/// A time stamp as the recorder writes it: year in its century, month, day, hour, minute, second.
-/// Its six numbers when they are no such time, nothing when they are all 0.
+/// The text of a time stamp as the recorder writes it, as "2026-11-22T08:00:00": year 0 to 99
+/// (after 2000), month, day, hour, minute, second. If the fields are not such a time, the text is
+/// the six numbers; if all are 0, returns nothing.
 std::optional<std::string> TimeText(const TimeStamp& time);
 
 }  // namespace vex2::lab

@@ -96,8 +96,8 @@ void FrameReader::readRecords(std::size_t count, Take take) {
   throw Error(ErrorCode::kDocument, path_, "the readings are cut short", start);
 }
 
-// The first reading that the recorder wrote: a record may have been changed since, or be that of a
-// well without one.
+// The position from the first record in the frame that is as the recorder wrote it: another program
+// may have changed a record since, and a well may have no reading.
 FramePosition FrameReader::readPosition(std::uint64_t index) {
   seekFrame(index);
   for (std::size_t well = 0; well < block_.wells.size(); ++well) {

@@ -33,7 +33,8 @@ std::optional<std::int64_t> shifted(std::int64_t value, int power) {
   return value;
 }
 
-// The whole number that `number` is times 10 to the `power`.
+// `number` times 10 to the `power`, which must be a whole number; nothing if a double cannot hold
+// it exactly.
 std::optional<std::int64_t> scaledBy(const DecimalNumber& number, int power) {
   return shifted(number.mantissa, number.exponent + power);
 }

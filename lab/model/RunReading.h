@@ -7,7 +7,7 @@
 
 #include "vex2/run/Vex2WellRecord.h"
 
-/// How a reading of a run lies in a document. The recorder writes it so, the export undoes it.
+/// How a document stores a reading of a run: the recorder encodes it, and the export decodes it.
 namespace vex2::lab {
 
 /// The channels that a well can have in a document: each of them takes a data value of the record,
@@ -36,7 +36,8 @@ struct RunReading {
 /// The record of a reading. `beginsMelting` puts the marker of the first frame of a melting stage
 /// into it; no other record looks as if it had one.
 Vex2WellRecord EncodeReading(const RunReading& reading, bool beginsMelting);
-/// The reading in a record; of any record that no recorder made, whatever stands in the places.
+/// Decodes the reading in a record. The result has a meaning only for a record that a recorder
+/// wrote: nothing is checked.
 RunReading DecodeReading(const Vex2WellRecord& record);
 
 /// The shortest text that stands for `value` divided by `divisor`, which is not 0: what is read

@@ -10,14 +10,14 @@
 #include "lab/model/RunLog.h"
 #include "lab/model/RunReading.h"
 
-/// What a document in memory says, as the values of Run.h.
+/// Converts the content of a document in memory to the types in Run.h.
 namespace vex2::lab {
 
 std::vector<Detector> DetectorValuesOf(const Vex2FileManager& document);
 std::vector<std::string> RequiredDyeNamesOf(const Vex2FileManager& document);
 /// The settings that the document has, but for those that its header holds.
 std::vector<SettingValue> SettingValuesOf(const Vex2FileManager& document);
-/// Nothing where the document has no program.
+/// Returns nothing if the document has no program.
 std::optional<Program> ProgramOf(const Vex2FileManager& document);
 RunState RunStateOf(std::string_view status);
 /// The data blocks in their order, with their places in the file.

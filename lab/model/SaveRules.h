@@ -15,9 +15,9 @@ struct SaveRules {
   /// Receives what a save elsewhere leaves out: a sentence for each record, the first ones singly,
   /// and one for a run in progress.
   std::function<void(const std::string& sentence)> onLoss = [](const std::string&) {};
-  /// What the caller can do when blocks are not upgraded: the end of the error's sentence.
+  /// What the caller can do when blocks are not upgraded; it is appended to the error message.
   std::string upgradeHint = "set upgradeBlocks to make it version 2";
-  /// What the caller can do when records would be lost: the end of the error's sentence.
+  /// What the caller can do when records would be lost; it is appended to the error message.
   std::string dropHint = "set dropUnknown to accept that";
 };
 

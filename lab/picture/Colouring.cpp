@@ -24,7 +24,7 @@ std::string titleOf(ColourBy colourBy) {
   return "Cq";
 }
 
-// Numbers within names by their value, so that "A 5x" stands before "A 25x".
+// Sorts numbers within names by their value, so that "A 5x" comes before "A 25x".
 std::string sortKey(const std::string& name) {
   constexpr std::size_t kDigits = 12;
   std::string key;

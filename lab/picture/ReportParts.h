@@ -5,7 +5,7 @@
 
 #include "lab/model/RunReader.h"
 
-/// The parts of the data of a report. Each answers a value of the JSON that docs/report.md
+/// Functions that make the data of a report. Each returns one value of the JSON that docs/report.md
 /// describes.
 namespace vex2::lab {
 

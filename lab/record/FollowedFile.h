@@ -8,8 +8,8 @@
 
 namespace vex2::lab {
 
-/// A file that another program appends to, read without a lock, so that the other never waits. Only
-/// what is not written again may be read, or what is read twice and compared.
+/// A file that another program appends to, read without a lock, so that the other never waits. Read
+/// only bytes that the other program does not overwrite, or read them twice and compare.
 class FollowedFile {
  public:
   /// No file.

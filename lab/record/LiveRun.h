@@ -29,9 +29,9 @@ class LiveRun {
   LiveRun(const MeasuredRunFiles& files, LiveOptions live, RecordOptions options,
           std::function<void(const RecordState&)> report);
 
-  /// Records until the input, the run or `wait` ends it. Throws an error, and then the document
-  /// holds every frame that was reported and can be gone on with; so also when the input ends
-  /// within a frame, or before the number of frames that was given.
+  /// Records until the input, the run or `wait` ends it. If it throws, the document holds every
+  /// frame that was reported, and the run can be resumed. It also throws if the input ends within a
+  /// frame or before the given number of frames.
   Recorder::Outcome Record();
 
   /// As far as it is known by now.

@@ -34,8 +34,8 @@ struct MeasuredRun {
 /// channel in every frame, else an error names what is missing or wrong and its row.
 MeasuredRun LoadMeasuredRun(const MeasuredRunFiles& files);
 
-/// The same without readings, which are still to come, and without their scale. `quantities`
-/// becomes what was rounded of those in the wells.
+/// The plan of the run that the files hold, without the readings, which are still to come, and
+/// without their scale. Sets `quantities` to what was rounded of the quantities in the wells.
 RunPlan PlanMeasuredRun(const MeasuredRunFiles& files, RoundedNumbers& quantities);
 
 /// Brings the plan's frames into the order of their first readings' times; frames of the same time

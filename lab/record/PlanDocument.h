@@ -5,8 +5,8 @@
 
 namespace vex2::lab {
 
-/// Puts into the document all that the plan says but the readings: header, settings, program, what
-/// the wells hold, and the calibration.
+/// Stores in the document everything in the plan except the readings: header, settings, program,
+/// the content of the wells, and the calibration.
 void StorePlan(Vex2FileManager& document, const RunPlan& plan);
 
 /// Puts into the document what is known of a live run only at its end: the number of frames, in

@@ -44,8 +44,10 @@ std::vector<std::string> storedChannels(const RecordingPlan& plan) {
     const bool isTwice = std::find(channels.begin(), channels.end(), name) != channels.end();
     // The log keeps the names in one line, with commas between them.
     if (name.empty() || isTwice || name.find_first_of(",\n\r") != std::string::npos) {
-      refuse(fmt::format("the channel '{}' needs a name of its own without comma or line end",
-                         channel));
+      refuse(
+          fmt::format("the channel name '{}' must be unique and not empty, and must not contain a "
+                      "comma or line end",
+                      channel));
     }
     channels.push_back(name);
   }

@@ -65,7 +65,7 @@ std::size_t channelOf(const CsvRow& row, RunPlan& plan, bool findsChannels) {
   const auto found = std::find(names.begin(), names.end(), name);
   if (found == names.end()) {
     if (!findsChannels && names.empty()) {
-      row.RefuseField(kChannel, "is not known before it comes", ErrorRemedy::kNameChannels);
+      row.RefuseField(kChannel, "was not named before the recording", ErrorRemedy::kNameChannels);
     }
     if (!findsChannels) row.RefuseField(kChannel, "is not one of the run's channels");
     if (names.size() == kMostChannels) {

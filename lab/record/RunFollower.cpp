@@ -40,7 +40,7 @@ struct Sight {
   friend bool operator==(const Sight&, const Sight&) = default;
 };
 
-// The file at `path`; nothing where there is none, or one that nobody has written to yet.
+// The state of the file at `path`; nothing if the file is missing or still empty.
 std::optional<Sight> sightOf(const std::string& path) {
   struct stat info {};
   if (::stat(path.c_str(), &info) != 0) {

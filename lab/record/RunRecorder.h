@@ -52,15 +52,15 @@ class VEX2_API RunRecorder {
 
   /// Appends a frame; it is on the disk when this returns. For a plan with a scale. Throws `Error`
   /// and keeps the document as it was
-  /// - when the frame does not have one reading of each well, a reading that does not fit, its
-  /// cycle
+  /// - when the frame does not have one reading of each well, a reading does not fit, its cycle
   ///   is 0 or not above the last recorded one of its stage, or the run is finished (class
   ///   `kUsage`), or
   /// - when the system refuses (class `kSystem`): the same frame can be appended again. After the
   ///   disk failed to store what was written, every further call fails: its content is uncertain
   ///   until the document is resumed by a new recorder.
   void Append(const MeasuredFrame& frame);
-  /// The same for a plan without a scale: a record of each of the wells, in any order.
+  /// Appends a frame of a run whose plan has no scale: one record for each well, in any order. The
+  /// frame is on the disk when this returns. Throws as `Append(const MeasuredFrame&)` does.
   void Append(std::span<const RawRecord> frame);
 
   /// Ends the run: writes end time and status "DONE". Does nothing for a run that is finished.

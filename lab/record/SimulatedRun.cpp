@@ -41,9 +41,9 @@ constexpr std::array<Parameter, 4> kParameters = {
      {"melt=", &SimulationParameters::meltSteps, kMostSteps},
      {"seed=", &SimulationParameters::seed, std::numeric_limits<std::uint32_t>::max()}}};
 
-// Random numbers that are the same everywhere: integer arithmetic, and floating-point arithmetic
-// of the kinds that have but one right result. Neither the standard's distributions nor its
-// logarithms have.
+// Random numbers that are the same everywhere. They use integer arithmetic and only those
+// floating-point operations that have exactly one correct result, which the distributions and
+// logarithms of the standard library do not have.
 class Random {
  public:
   Random(std::uint32_t seed, std::uint32_t stream) : state_(std::uint64_t{seed} << 32U | stream) {

@@ -26,7 +26,8 @@ struct SimulationParameters {
 /// A melting stage shows each product come apart around a temperature of its own.
 RunPlan SimulateRun(const SimulationParameters& parameters);
 
-/// Takes over what a simulated run's log names, and leaves what it does not or what cannot be.
+/// Sets the parameters that the log of a simulated run names. A parameter stays unchanged if the
+/// log does not name it, or if its value is not a number or is too large.
 void ReadParameters(std::string_view log, SimulationParameters& parameters);
 
 /// Writes the run's readings as the table that `vex record` takes.

@@ -69,9 +69,9 @@ std::optional<RecoverBlock> byNumbers(RecoverSource& source, const BlockSearch& 
   return std::nullopt;
 }
 
-// How many records before `to` hold the same at the place where a recorder keeps the time of a
-// frame: as many as a frame has, when others follow that hold another. 0 when that
-// says nothing.
+// The number of wells in a frame, found from the times: how many records just before `to` have the
+// same time, if the record before them has another one. 0 if the times do not show the number of
+// wells.
 std::uint16_t wellsByTimes(RecoverSource& source, std::uint64_t from, std::uint64_t to) {
   constexpr std::uint64_t kTimeAt = 10;
   std::optional<std::uint32_t> time;
@@ -93,8 +93,8 @@ bool isTorn(RecoverSource& source, const RecoverBlock& block) {
   return marker && MarkerOf(source, block.End() - block.FrameSize(), block.wells) == marker;
 }
 
-// How well a block of so many wells at the begin of the search fits what is there. `byTimes`: as
-// many wells as its frames' times tell, 0 when they do not.
+// Scores how well `block`, which starts where the search starts, fits the bytes; 0 if it does not.
+// `byTimes` is the well count that the times of its frames show; 0 if they show none.
 int fitness(RecoverSource& source, const BlockSearch& search, const RecoverBlock& block,
             std::uint16_t byTimes) {
   if (block.firstFrame > search.to || block.frames == 0) return 0;

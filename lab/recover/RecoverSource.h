@@ -55,23 +55,24 @@ struct RecoverHead {
 /// The head at `offset`, when the library knows its tag and what it takes is in the file. The
 /// declared length of a value of fixed size need not be that size: readers ignore it.
 std::optional<RecoverHead> HeadAt(RecoverSource& source, std::uint64_t offset);
-/// The same for a tag that nobody knows: printable, and followed by a head, the file's end or that
-/// of the list it is in.
+/// The head at `offset` of a record whose tag the library does not know. The tag must be printable,
+/// and the declared length must lead to another head, to the end of the file, or to `listEnd`, the
+/// end of the list around the record.
 std::optional<RecoverHead> UnknownHeadAt(RecoverSource& source, std::uint64_t offset,
                                          std::uint64_t listEnd = 0);
 
-/// How many characters of the tag stand at their places at `offset`.
+/// How many characters of `tag` the bytes at `offset` have in the same places.
 int Likeness(RecoverSource& source, std::uint64_t offset, std::string_view tag);
 
 /// Whether a record may end at `offset`: the file does, but for a few bytes, or a head follows.
 bool IsBoundary(RecoverSource& source, std::uint64_t offset);
 
-/// Whether the head at `offset` is believed although what stands before it is damaged: others
-/// follow it, one at the end of the other, until the file ends or past `mustCross`, or so many that
-/// payload is unlikely to look like it.
+/// Whether the head at `offset` can be trusted although the bytes before it are damaged: heads
+/// follow it, each at the end of the record before, up to the end of the file or past `mustCross`,
+/// or so many that readings are unlikely to look like them.
 bool IsBelieved(RecoverSource& source, std::uint64_t offset, std::uint64_t mustCross = 0);
 
-/// The first believed head from `from` on and before `before`; nothing when there is none.
+/// The first head from `from` on and before `before` that can be trusted; nothing if there is none.
 std::optional<std::uint64_t> FindHead(RecoverSource& source, std::uint64_t from,
                                       std::uint64_t before, std::uint64_t mustCross = 0);
 

@@ -28,22 +28,24 @@ class RecoverTree {
   /// Overwrites what was written at `at`.
   void Patch(std::uint64_t at, std::span<const std::uint8_t> bytes);
 
-  /// Closes the lists that end before a record with this tag at `offset` of the damaged file; with
-  /// an empty tag, before what is no record. `afterLoss`: bytes before it were lost.
+  /// Closes the lists that end before `offset` of the damaged file, where a record with this tag
+  /// begins; an empty tag means that no record begins there. `afterLoss`: bytes before it were
+  /// lost.
   void Settle(std::uint64_t offset, std::string_view tag, bool afterLoss);
   /// Opens lists around a record whose own was lost.
   void Wrap(std::uint64_t offset, std::string_view tag);
   /// Opens the list with this head, whose first `bytes` were written already, under `tag`.
   void Open(const RecoverHead& head, std::string_view tag, std::uint64_t bytes, bool isTrusted);
-  /// Empty cells in the open plate setup, in the place of so many that were lost.
+  /// Writes `count` empty cells into the open plate setup, in place of the same number of lost
+  /// cells.
   void AddEmptyCells(std::uint64_t offset, std::uint64_t count);
-  /// How many columns a plate has, for cells that are made; 0 when nobody knows.
+  /// Sets the number of columns of a plate, for the cells that are made; 0 if it is not known.
   void SetColumns(std::uint16_t columns) { columns_ = columns; }
   /// Writes the open list's tag anew where the damaged file has another.
   void RightTag(const RecoverHead& head);
   /// Counts a record in the list that is open.
   void Count(std::string_view tag);
-  /// Closes the plate that is open, which has its end.
+  /// Closes the open plate, which already has its end record.
   void ClosePlate();
   void CloseAll();
 

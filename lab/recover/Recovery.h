@@ -19,8 +19,8 @@ using RecoverProgress = std::function<void(std::uint64_t done)>;
 /// One recovery. It goes through the damaged file from front to back, once, but for looking ahead.
 class Recovery {
  public:
-  /// Of the damaged document `in`, open for reading, to the empty file `out`, open for writing. All
-  /// three must outlive the recovery.
+  /// Recovers the damaged document `in`, open for reading, into the empty file `out`, open for
+  /// writing. `in`, `out` and `progress` must outlive the recovery.
   Recovery(CFile& in, CFile& out, const RecoverProgress& progress)
       : source_(in), tree_(source_, out, report_), progress_(progress) {}
 

@@ -7,8 +7,9 @@
 
 namespace vex2::lab {
 
-/// One character for each value, from the lowest to the highest block between 0, or the least value
-/// where that is below, and the most. Values that are no numbers are blanks.
+/// One block character for each value. The lowest block stands for 0, or for the least value if
+/// that is below 0; the highest block stands for the largest value. Values that are not numbers are
+/// blanks.
 std::string Sparkline(const std::vector<double>& values, const TextForm& form);
 
 /// A bar for each value, `height` lines high, with the scale to the left and the values' numbers,

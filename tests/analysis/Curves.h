@@ -72,7 +72,7 @@ inline lab::AmplificationCurve Measured(const Growth& growth, std::uint16_t numb
   return CurveOf(std::move(readings), number);
 }
 
-/// The result of the only curve.
+/// Analyses `curve` alone and returns its result.
 inline lab::CqResult ResultOf(const lab::AmplificationCurve& curve,
                               const lab::CqOptions& options = {},
                               const std::vector<lab::Detector>& detectors = {}) {

@@ -26,7 +26,7 @@ using vex2::test::WriteBytes;
 
 constexpr unsigned kCreate = CFile::modeWrite | CFile::modeCreate;
 
-// Time passes only while someone waits.
+// Files with a clock that advances only in `Pause`.
 struct QuickFiles : FaultyFileSystem {
   std::int64_t now = 1000;
   int pauses = 0;

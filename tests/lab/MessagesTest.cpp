@@ -44,7 +44,8 @@ TEST_F(LabMessages, PlanSaysWhichWellOrNameCannotBe) {
   EXPECT_EQ(refusal([](auto& plan) { plan.plate.rows = 0; }),
             "a plate has 1 to 238 rows and 1 to 32 columns, not 0 and 12");
   EXPECT_EQ(refusal([](auto& plan) { plan.channels = {"a,b"}; }),
-            "the channel 'a,b' needs a name of its own without comma or line end");
+            "the channel name 'a,b' must be unique and not empty, and must not contain a comma or "
+            "line end");
   EXPECT_EQ(refusal([](auto& plan) {
               for (char name = 'a'; name <= 'q'; ++name) plan.channels.emplace_back(1, name);
             }),

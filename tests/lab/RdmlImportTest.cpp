@@ -144,7 +144,7 @@ TEST_F(RdmlImport, EveryElementThatADocumentCannotHoldIsListed) {
   EXPECT_EQ(CountOf(report.losses, "elements sample/cdnaSynthesisMethod/enzyme"), 1U);
   EXPECT_EQ(CountOf(report.losses, "elements sample/quantity/unit"), 1U);
   EXPECT_EQ(CountOf(report.losses, "samples that are in no well"), 3U);
-  EXPECT_EQ(CountOf(report.losses, "readings of a part of a cycle"), 1U);
+  EXPECT_EQ(CountOf(report.losses, "readings whose cycle is not a whole number"), 1U);
   EXPECT_EQ(CountOf(report.losses, "readings beyond 1e12"), 1U);
 }
 

@@ -384,7 +384,8 @@ TEST_F(RunRecorderTest, FailedCommitCanBeTriedAgain) {
   expectFrames(kFrames);
 }
 
-// The only well of a frame: that it is set a second time must not count the frame twice.
+// The frame has only one well: setting this well again after a failed commit must not count the
+// frame twice.
 TEST_F(RunRecorderTest, FailedCommitOfOneWellCountsOnce) {
   RecordingPlan plan = rawPlan();
   plan.plate.wells.resize(1);

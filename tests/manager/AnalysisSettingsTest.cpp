@@ -1,5 +1,5 @@
 // With what detectors are analysed, and their threshold cycles: whose settings are used, and who
-// destroys them when. Leaks are the sanitizer's to find.
+// destroys them when. The sanitizer finds leaks, so these tests do not look for them.
 #include <gtest/gtest.h>
 
 #include <cstring>

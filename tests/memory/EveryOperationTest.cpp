@@ -1,5 +1,6 @@
-// Memory runs out at each allocation of each public operation: no exception leaves it, nothing
-// leaks, no file stays open, the header keeps its usage table, and the operation can be repeated.
+// Memory runs out at each allocation of each public operation: no exception leaves the operation,
+// nothing leaks, no file stays open, the header keeps its usage table, and the operation can be
+// repeated.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -104,7 +104,8 @@ Text DrawDocument(Draw& draw) {
   if (draw.OneIn(6)) bytes.replace(8, 4, "RQSt");
   for (int left = draw.Below(7); left > 0; --left) bytes += drawRecord(draw);
   if (draw.OneIn(2)) {
-    // Where the partial writers say that the data are, where a save says so, or nowhere.
+    // The header's offset of the block: its end, as a save stores it; its start, as the partial
+    // writers store it; or 0.
     const std::size_t start = bytes.size();
     bytes += block(draw, "RAWa");
     const int how = draw.Below(5);

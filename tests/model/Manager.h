@@ -104,8 +104,9 @@ class Manager {
   Text readFrame(const char* at, std::int64_t index, const Text& tag);
   Text frameCount(const char* at, const Text& tag);
   std::uint32_t findInFile(const Text& bytes, const Text& tag) const;
-  /// Whether the header, or the walk, leads to a block there or to nothing: the rules for reading
-  /// single frames suppose it.
+  /// Whether the header's offset of RAWa is 0 or leads to that tag; true for other blocks, and for
+  /// a file that is missing or shorter than 72 bytes. The rules for reading single frames assume
+  /// this.
   bool leadsToBlock(const char* at, const Text& tag) const;
   /// Whether lengths lead from record to record to the file's very end.
   bool hasPlainRecords(const char* at) const;

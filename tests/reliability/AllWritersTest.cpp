@@ -1,5 +1,5 @@
-// Everything that writes to files, for a memory checker that follows each byte to the system: what
-// was never set must not get into a document. Without the checker it shows that all of it works.
+// Runs every operation that writes to files, so that a memory checker can find uninitialised bytes
+// that would get into a document. Without the checker it shows that all of it works.
 #include <gtest/gtest.h>
 
 #include "tests/reliability/FilledDocuments.h"

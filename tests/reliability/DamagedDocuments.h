@@ -19,8 +19,8 @@ std::vector<std::filesystem::path> SampleDocuments();
 /// For the names of tests that are made for each of them.
 std::string SampleName(const testing::TestParamInfo<std::filesystem::path>& info);
 
-/// For sweeps of a sample document that is damaged, again and again: reads it from memory, and
-/// holds the library to what it promises for all of them.
+/// Base of the tests that damage a sample document in many ways: reads each damaged copy from
+/// memory, and checks the promises that hold for every damaged document.
 class DamagedDocument : public testing::TestWithParam<std::filesystem::path> {
  protected:
   static constexpr const char* kPath = "/damaged.vex";

@@ -20,7 +20,8 @@ constexpr const char* kDiskFull = "the disk is full, a write is cut short or int
 class DiskFull : public RunOnDisk {
  protected:
   static SweepResult resultOf(const char* sweep) { return {.promise = kDiskFull, .sweep = sweep}; }
-  // Commits frames from this one on until one is refused; the number that is committed then.
+  // Appends frames from index `frames` on until a commit fails; returns the number of frames that
+  // are then committed.
   int recordUntilRefused(OpenedManager& manager, int frames) {
     int status = kSuccess;
     while ((status = append(manager, frames)) == kSuccess && frames < 1000) ++frames;

@@ -20,8 +20,9 @@ void PrintTo(const Staged& staged, std::ostream* out) {
 class FailedCommit : public RunOnDisk, public testing::WithParamInterface<Staged> {
  protected:
   int committed() const { return GetParam().committed; }
-  // A manager with that much committed, and then the commit of one frame more with these calls
-  // failing. Its status; false when there were not as many calls.
+  // Commits `committed()` frames with `manager`, then one more frame while `count` of its file
+  // calls fail, beginning with call `call`. Sets `status` to the status of that commit. Returns
+  // false if the commit made no more than `call` calls, so that none failed.
   bool fail(OpenedManager& manager, int call, int count, int& status) {
     files_.Restart();
     files_.SkipSyncs();

@@ -61,7 +61,7 @@ class KilledAtEachCall : public RunOnDisk, public testing::WithParamInterface<st
     return difference.empty();
   }
 
-  // A document with this many frames, cut from the longest.
+  // A document with this many frames, cut from the longest document.
   Bytes expected(int frames) const {
     Bytes bytes = whole_;
     const std::size_t body = 18 + 82UL * wells_ + 80UL * wells_ * static_cast<unsigned>(frames - 1);

@@ -37,8 +37,8 @@ class PoweredRun {
 
   const std::vector<DiskStep>& Log() const { return disk_.Log(); }
 
-  /// Why this content breaks the promise, or nothing. One operation that returned is the saving of
-  /// the document without frames.
+  /// Why this content breaks the promise, or nothing. `returned` counts the operations that
+  /// returned: the first is the save of the document without frames, the others are commits.
   std::string FaultOf(const std::optional<Bytes>& content, int returned) {
     if (!content) return returned == 0 ? "" : "there is no document";
     disk_.Put(kState, *content);
@@ -62,7 +62,7 @@ class PoweredRun {
     return std::to_string(count) + " frames where " + std::to_string(committed) + " were committed";
   }
 
-  // The same without loading the document.
+  // Why the frame count or the last frame, read without loading the document, breaks the promise.
   std::string faultOfFrameFile(int committed, int shown) {
     Vex2FileManager reader;
     int count = 0;
@@ -70,7 +70,7 @@ class PoweredRun {
       return "the file's frames are not counted";
     }
     if (std::string fault = faultOfCount(count, committed); !fault.empty()) return fault;
-    // Who goes on with such a run would lose what he commits.
+    // A recorder that resumed such a run would lose the frames that it commits.
     if (count > shown) return "the header leads to frames that the document does not show";
     if (count == 0) return {};
     Vex2FrameData frame;

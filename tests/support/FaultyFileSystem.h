@@ -85,7 +85,7 @@ class FaultyFileSystem : public FileSystem {
   /// The calls that change a file or order its changes, without interrupted ones, one letter each:
   /// (L)ock, (W)rite, (T)runcate, (D)ata sync, whole (S)ync, (R)ename.
   std::string Changes() const;
-  /// The number of calls so far, without closes.
+  /// The number of calls so far, not counting closes.
   int CallCount() const { return calls_; }
   /// Whether a call of this kind was refused; an interruption is not a refusal.
   bool WasRefused(FileCall kind) const;

@@ -48,7 +48,7 @@ struct Stream {
   bool Take(std::size_t count, Text& out);
 };
 
-/// Whether a record of the tag is kept at the top of a document.
+/// Whether the tag is known: a document keeps only top-level records with known tags.
 bool IsKnown(const Text& tag);
 bool IsBlock(const Text& tag);
 

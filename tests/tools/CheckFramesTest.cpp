@@ -22,36 +22,43 @@ TEST_F(CheckFrames, PartOfAFrameBehindARunInProgressIsWhatAnInterruptedCommitLea
   MakeRun("PROG");
   AppendFrameBytes(100);
   ExpectWarning(
-      "RAWa at 1872: 100 of the 240 bytes of a frame follow the block's length: a commit was "
+      "RAWa at 1872: 100 of the 240 bytes of a frame follow the end that the block's length "
+      "declares: a commit was "
       "interrupted");
 }
 
 TEST_F(CheckFrames, PartOfAFrameBehindAFinishedRunIsAnError) {
   MakeRun("DONE");
   AppendFrameBytes(100);
-  ExpectError("RAWa at 1872: 100 of the 240 bytes of a frame follow the block's length");
+  ExpectError(
+      "RAWa at 1872: 100 of the 240 bytes of a frame follow the end that the block's length "
+      "declares");
 }
 
 TEST_F(CheckFrames, OneWholeFrameBehindARunInProgressIsWhatAnInterruptedCommitLeaves) {
   MakeRun("PROG");
   AppendFrameBytes(kFrame);
-  ExpectWarning("RAWa at 1872: a whole frame follows the block's length: a commit was interrupted");
+  ExpectWarning(
+      "RAWa at 1872: a whole frame follows the end that the block's length declares: a commit was "
+      "interrupted");
 }
 
 TEST_F(CheckFrames, MoreThanOneWholeFrameBehindTheBlockIsAnError) {
   MakeRun("PROG");
   AppendFrameBytes(2 * kFrame);
-  ExpectError("RAWa at 1872: 2 whole frames follow the block's length");
+  ExpectError("RAWa at 1872: 2 whole frames follow the end that the block's length declares");
   AppendFrameBytes(7);
   ExpectError(
-      "RAWa at 1872: 2 whole frames and 7 of the 240 bytes of a frame follow the block's length");
+      "RAWa at 1872: 2 whole frames and 7 of the 240 bytes of a frame follow the end that the "
+      "block's length declares");
 }
 
 TEST_F(CheckFrames, OneByteMoreThanAFrameIsMoreThanACommitLeaves) {
   MakeRun("PROG");
   AppendFrameBytes(kFrame + 1);
   ExpectError(
-      "RAWa at 1872: 1 whole frame and 1 of the 240 bytes of a frame follow the block's length");
+      "RAWa at 1872: 1 whole frame and 1 of the 240 bytes of a frame follow the end that the "
+      "block's length declares");
 }
 
 TEST_F(CheckFrames, ALengthThatCountsMoreFramesThanThereAreIsAnError) {

@@ -22,14 +22,15 @@ TEST_F(CheckCommandLine, AnErrorIsToldWithPlaceConsequenceAndRemedyAndIsExitCode
   const CommandResult result = RunVex({"check", path_});
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_EQ(result.errors, "");
-  EXPECT_EQ(result.output, path_ +
-                               ": 1 error\n"
-                               "  error  RAWa, byte 1872\n"
-                               "    2 whole frames follow the block's length\n"
-                               "    effect: the block is read with 3 frames, and a save drops the "
-                               "others\n"
-                               "    fix: 'vex repair' counts those in which each well has a "
-                               "reading\n");
+  EXPECT_EQ(result.output,
+            path_ +
+                ": 1 error\n"
+                "  error  RAWa, byte 1872\n"
+                "    2 whole frames follow the end that the block's length declares\n"
+                "    effect: the block is read with 3 frames, and a save drops the "
+                "others\n"
+                "    fix: 'vex repair' counts those in which each well has a "
+                "reading\n");
 }
 
 TEST_F(CheckCommandLine, WarningsAreFindingsOnlyWhenStrict) {

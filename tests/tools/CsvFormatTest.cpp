@@ -53,7 +53,7 @@ class CsvFormatTest : public TempFolderTest {
     return "nothing";
   }
 
-  /// ASCII as UTF-16 without a mark.
+  /// ASCII as UTF-16 without a byte order mark.
   static std::string Utf16(std::string_view text, bool bigEndian) {
     std::string bytes;
     for (const char character : text) {

@@ -48,10 +48,9 @@ TEST_F(Info, GoesOnAfterADocumentThatIsNone) {
   EXPECT_EQ(error["code"], "no-document");
   EXPECT_EQ(error["file"], other);
   EXPECT_EQ(error["offset"], 0);
-  EXPECT_EQ(
-      error["message"],
-      "this is not a plate document: it is a text; CSV goes into documents with 'vex record', "
-      "'vex wells --from' and 'vex calibration --import'");
+  EXPECT_EQ(error["message"],
+            "this is not a plate document: it is a text; import CSV with 'vex record', "
+            "'vex wells --from' or 'vex calibration --import'");
 }
 
 TEST_F(Info, ShowsWhatIsLeftOfADocumentThatIsCutShort) {

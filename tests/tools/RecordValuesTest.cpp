@@ -37,7 +37,7 @@ class RecordValuesTest : public RecordTest {
     return RunVex(arguments);
   }
 
-  /// The rows of such a run: two cycles whose readings are these, of A1 and then of A2.
+  /// The rows of such a run: `readings` are those of two cycles of A1, then of two cycles of A2.
   static std::string Rows(const std::array<std::string, 4>& readings) {
     return "A1,amplification,1,20,60," + readings[0] + "\nA1,amplification,2,59.5,60," +
            readings[1] + "\nA2,amplification,1,20,60," + readings[2] +

@@ -42,7 +42,8 @@ TEST(SimulateRun, DilutionsByTenRiseOneAfterTheOtherAndControlsNever) {
         for (std::size_t i = 1; i < replicates; ++i) {
           EXPECT_NEAR(static_cast<double>(rise(plan, first + i, 40)), static_cast<double>(at), 1);
         }
-        // A tenth of the copies is 3.3 to 3.8 cycles later with such efficiencies.
+        // With the simulated efficiencies, a well with a tenth of the copies rises 3.3 to 3.8
+        // cycles later.
         if (level > 0) {
           EXPECT_NEAR(static_cast<double>(at - before), 3.5, 1.6);
         }

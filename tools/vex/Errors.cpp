@@ -37,8 +37,7 @@ std::string_view textOf(ErrorRemedy remedy) {
     case ErrorRemedy::kEndRun:
       return "let the recorder finish, or set the status with 'vex status' if it never will";
     case ErrorRemedy::kImport:
-      return "CSV goes into documents with 'vex record', 'vex wells --from' and 'vex calibration "
-             "--import'";
+      return "import CSV with 'vex record', 'vex wells --from' or 'vex calibration --import'";
     case ErrorRemedy::kExport:
       return "'vex export', 'vex wells --csv' and 'vex calibration --export' make CSV files of one";
     case ErrorRemedy::kGiveDelimiter:

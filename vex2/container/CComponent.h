@@ -28,11 +28,13 @@ class VEX2_API CComponent : public CObject {
   virtual CComponent& Assign(const CComponent& source);
 
   /// Reads the record at the file position: tag, length and body. Adds the size of the record, as
-  /// the component holds it afterwards, to `counter`, also if the body failed. Returns -100 for a
+  /// the component holds it afterwards, to `counter`, even if the body failed. Returns -100 for a
   /// null file, -300 if tag and length cannot be read or the record is nested too deep, otherwise
   /// the status of the body. After a failure the component is partly filled and must not be used.
   virtual int Read(CFile* file, std::uint32_t& counter);
-  /// Reads the record at the file position; the statuses are those of the operation with a counter.
+  /// Reads the record at the file position: tag, length and body. Returns -100 for a null file,
+  /// -300 if tag and length cannot be read or the record is nested too deep, otherwise the status
+  /// of the body. After a failure the component is partly filled and must not be used.
   virtual int Read(CFile* file);
 
   /// Writes the record at the file position. Returns 0, or -200 for a null file; ignores the status

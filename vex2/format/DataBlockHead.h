@@ -58,8 +58,8 @@ enum class TimeBlock : std::uint8_t {
   kAsStated,   ///< as many bytes as it says, in every version: as single frames are found
 };
 
-/// Reads the head at the file's position, which is left at the well numbers. False when the file
-/// ends before; the fields that were read whole then hold what was read.
+/// Reads the head at the file's position, which is left at the well numbers. Returns false if the
+/// file ends before the well numbers; the fields that were read completely by then are set.
 [[nodiscard]] bool ReadDataBlockHead(CFile& file, TimeBlock rule, DataBlockHead& head);
 
 /// Reads `count` well numbers at the file's position. False when the file ends before, and then

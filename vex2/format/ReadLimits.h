@@ -4,7 +4,7 @@
 
 #include "vex2/framework/CFile.h"
 
-/// The limits for content that may be hostile. Each names the attack that it stops.
+/// The limits for content that may be malicious. Each names the attack that it stops.
 namespace vex2 {
 
 /// Records nest this deep and no deeper; a top-level record is at depth 1. Stops a file of lists

@@ -147,7 +147,7 @@ class VEX2_API CFile : public CObject {
   Identity CloseReplacement();
 
   /// The identity of the file that was opened last; in a replacement, of the file that is being
-  /// replaced. Both numbers are 0 if there is none.
+  /// replaced. Both numbers are 0 if no file was opened.
   const Identity& GetIdentity() const { return identity_; }
 
  private:

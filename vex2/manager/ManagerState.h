@@ -126,7 +126,7 @@ class DetectorSettings {
 }  // namespace vex2
 
 /// All that a manager holds beside its header, and those operations that need more of it than one
-/// of the classes above. `manager` is the one whose state this is.
+/// of the classes above. `manager` is the manager that owns this state.
 struct Vex2FileManager::State {
   explicit State(Vex2FileManager& manager) : store(manager) {}
 

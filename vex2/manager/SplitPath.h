@@ -3,9 +3,10 @@
 #include "vex2/framework/CString.h"
 #include "vex2/framework/Export.h"
 
-/// Takes a path apart where plates get their names: `title` is the file's name without its
-/// extension. All three are emptied first. A name counts only behind a folder: without a
-/// separator, or with none but the path's first character, all stay empty. A name without an
-/// extension, and one that begins with its only dot, gives no title. False without such a
-/// separator.
+/// Splits the path of a plate's file, which gives the plate its name: `folder` has no separator at
+/// its end, `title` is the file's name without its extension, and `extension` has no dot. Empties
+/// `folder`, `title` and `extension` first. Returns false, and all three stay empty, if the path
+/// has no separator or only its first character is one. If the name has no extension, or its only
+/// dot is its first character, `title` and `extension` stay empty. Sic: `folder` also stays empty
+/// for a folder of one character, as in "a/x.vex".
 VEX2_API bool SplitPath(const CString& path, CString& folder, CString& title, CString& extension);

@@ -27,7 +27,8 @@ Vex2FileManager::Vex2FileManager(const Vex2FileManager& other) : Vex2FileManager
 }
 
 Vex2FileManager& Vex2FileManager::operator=(const Vex2FileManager& other) {
-  // Deliberately without a test for self-assignment: hosts rely on an empty document.
+  // Deliberately no test for self-assignment: hosts rely on `document = document` to empty the
+  // document.
   Reset();
   ownAnalysis_.reset();
   copyOrStayEmpty(other);

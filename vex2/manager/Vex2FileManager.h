@@ -132,13 +132,14 @@ class VEX2_API Vex2FileManager : public CFile {
   /// Reads the document at `path`, or one that the user chooses if `path` is null or `dialog` is
   /// true. The file is closed afterwards.
   /// @return 0, also for a document of which only a part could be read: ask `IsWhole`. -50 if the
-  /// user cancelled; -100 if the file cannot be opened. Header and components stay unchanged for
-  /// both.
+  /// user cancelled; -100 if the file cannot be opened. Header and components stay unchanged in
+  /// both cases of failure.
   [[nodiscard]] int ReadFromFile(const char* path, bool dialog = false);
   /// Saves the whole document to `path`, or to a path that the user chooses if `path` is null or
   /// `dialog` is true. The file at the path is replaced when the new document is complete and on
   /// the disk. The file is closed afterwards.
-  /// @return 0; -50 if the user cancelled; -200 on failure. The old file stays unchanged for both.
+  /// @return 0; -50 if the user cancelled; -200 on failure. The old file stays unchanged in both
+  /// cases of failure.
   [[nodiscard]] int SaveToFile(const char* path, bool dialog = false);
   /// Makes `header` the document's header, and saves it to `path` without any component. The file
   /// at the path is replaced when the new one is complete and on the disk.
@@ -336,7 +337,7 @@ class VEX2_API Vex2FileManager : public CFile {
   /// Saves the header, the program and the plate setup, without other components, to `path`. The
   /// file at the path is replaced when the new one is complete and on the disk.
   /// @return 0; -300 if the document lacks program or plate setup; -200 on failure. The old file
-  /// stays unchanged for both.
+  /// stays unchanged in both cases of failure.
   [[nodiscard]] int SaveSetupInfo(const char* path);
   /// The number of wells of the plate type that the header names: 96 or 384; 0 for another type.
   int GetPlateSize() const;
@@ -380,7 +381,7 @@ class VEX2_API Vex2FileManager : public CFile {
   /// Releases `list` with `delete[]` and sets it to a new array of all detectors, which the caller
   /// releases with `delete[]`. An empty list of detectors leaves `list` unchanged.
   /// @return 0; -300 if the document has no list of detectors; -100 if memory runs out. `list` is
-  /// unchanged for both.
+  /// unchanged in both cases of failure.
   [[nodiscard]] int GetDetectorListInfo(Vex2Detector*& list) const;
 
   /// @}
@@ -429,8 +430,8 @@ class VEX2_API Vex2FileManager : public CFile {
   int GetPureDyeCount() const;
   /// Saves the header and the calibration, without other components, to `path`. The file at the
   /// path is replaced when the new one is complete and on the disk.
-  /// @return 0; -300 if there is no calibration; -200 on failure. The old file stays unchanged for
-  /// both.
+  /// @return 0; -300 if there is no calibration; -200 on failure. The old file stays unchanged in
+  /// both cases of failure.
   [[nodiscard]] int SaveCalibrationInfo(const char* path);
 
   /// @}
@@ -457,7 +458,7 @@ class VEX2_API Vex2FileManager : public CFile {
   /// Releases `dyes` with `delete[]` and sets it to a new array of all names, which the caller
   /// releases with `delete[]`. An empty list of dyes leaves `dyes` unchanged.
   /// @return 0; -300 if the document has no such list; -100 if memory runs out. `dyes` is unchanged
-  /// for both.
+  /// in both cases of failure.
   [[nodiscard]] int GetRequiredDyeListInfo(CString*& dyes) const;
 
   /// @}
@@ -671,12 +672,12 @@ class VEX2_API Vex2FileManager : public CFile {
   /// @return Whether there is a result.
   bool GetMCDataAt(IDAMCMatrix*& matrix, int well) const;
   /// Sets `matrix` to the result of the plate for the well, null if there is none; for a null name
-  /// to the document's own. Without storage of that name `matrix` is unchanged. The document keeps
-  /// ownership.
+  /// to the document's own. If there is no storage under `plateName`, `matrix` is unchanged. The
+  /// document keeps ownership.
   /// @return Sic: always false. Look at `matrix`, or pass the name as a `CString`.
   bool GetMCDataAt(const char* plateName, IDAMCMatrix*& matrix, int well) const;
-  /// Sets `matrix` to the result of the plate for the well, null if there is none. Without storage
-  /// of that name `matrix` is unchanged. The document keeps ownership.
+  /// Sets `matrix` to the result of the plate for the well, null if there is none. If there is no
+  /// storage under `plateName`, `matrix` is unchanged. The document keeps ownership.
   /// @return Whether there is a result.
   bool GetMCDataAt(const CString& plateName, IDAMCMatrix*& matrix, int well) const;
   /// Stores `matrix`, which may be null, as the document's own result for the well, and takes
@@ -706,12 +707,12 @@ class VEX2_API Vex2FileManager : public CFile {
   /// @return Whether there is a result.
   bool GetReporterAt(IDAClippedMatrix*& matrix, int well, bool second) const;
   /// Sets `matrix` to the result of the plate for the well, null if there is none; for a null name
-  /// to the document's own. Without storage of that name `matrix` is unchanged. The document keeps
-  /// ownership.
+  /// to the document's own. If there is no storage under `plateName`, `matrix` is unchanged. The
+  /// document keeps ownership.
   /// @return Sic: always false. Look at `matrix`, or pass the name as a `CString`.
   bool GetReporterAt(const char* plateName, IDAClippedMatrix*& matrix, int well, bool second) const;
-  /// Sets `matrix` to the result of the plate for the well, null if there is none. Without storage
-  /// of that name `matrix` is unchanged. The document keeps ownership.
+  /// Sets `matrix` to the result of the plate for the well, null if there is none. If there is no
+  /// storage under `plateName`, `matrix` is unchanged. The document keeps ownership.
   /// @return Whether there is a result.
   bool GetReporterAt(const CString& plateName, IDAClippedMatrix*& matrix, int well,
                      bool second) const;
@@ -771,9 +772,10 @@ class VEX2_API Vex2FileManager : public CFile {
   /// ownership of the settings, and of the map unless a host added it.
   CAnalysisSettingsMap* GetAnalysisSettingsMap(const char* plateName) const;
   /// Uses `map`, which may be null, as the plate's settings, and takes ownership of the settings in
-  /// it. A plate's map is destroyed with them; the map of the document itself stays the caller's.
-  /// If this replaces a map that a host added before, the host owns that map and its settings
-  /// again. Copies into the document's own settings those of detectors that only the plates have.
+  /// it. `Reset` and the destructor destroy these settings. They also destroy a plate's map, but
+  /// not the document's own map: the caller keeps that one. If this replaces a map that a host
+  /// added before, the host owns that map and its settings again. Copies into the document's own
+  /// settings those of detectors that only the plates have.
   void AddAnalysisSettingsMap(const char* plateName, CAnalysisSettingsMap* map);
   /// Adds settings with the parameters of `probe` under its name.
   /// @return False, and nothing is changed, if `probe` has no name, the plate has no settings, the
@@ -845,8 +847,8 @@ class VEX2_API Vex2FileManager : public CFile {
   /// Sets the values of `spectrum` to the readings of its well number in its frame, from the plate
   /// of this name, or from the document if there is none. Extra values become 0. In a background
   /// document, values 24 to 27, from 0, become the rates of the four groups of readings.
-  /// @return False for null. False also if the well record does not exist: `failed` is then 1 and
-  /// the values are unchanged.
+  /// @return False for null. False also if the well record does not exist: `spectrum->failed` is
+  /// then 1 and the values are unchanged.
   bool LoadSpectrum(KestorSpectrum* spectrum, const char* plateName) const;
 
   /// @}

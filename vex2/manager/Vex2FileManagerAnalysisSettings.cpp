@@ -143,7 +143,7 @@ CAnalysisSettingsDetectorMap* DetectorSettings::Find(const char* plate) const {
 
 CAnalysisSettingsDetectorMap& DetectorSettings::FindOrMake(const char* plate) {
   if (plate == nullptr) return *own_;
-  // Before its place is made: a place without a map must not stay where memory runs out.
+  // Make the map before the entry: if memory runs out, no entry without a map may remain.
   auto made = std::make_unique<CAnalysisSettingsDetectorMap>();
   auto& detectors = ofPlates_[plate];
   if (detectors == nullptr) detectors = std::move(made);

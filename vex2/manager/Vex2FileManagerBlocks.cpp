@@ -204,7 +204,7 @@ long Vex2FileManager::findReporterCompOffset(Vex2DataType type) {
   bool isWhole = true;
   while (isWhole) {
     isWhole = records.Next();
-    // Sic: a tag that the file ends behind is found as well.
+    // Sic: this also finds a tag if the file ends within the length field after it.
     if (!isWhole && !records.EndsInHead()) return 0;
     const int row = vex2::FindTagIndex(records.Record().Tag());
     if (row >= 0 && row == static_cast<int>(type))

@@ -88,9 +88,9 @@ int findBackground(Vex2FileManager& file, std::uint32_t length, std::uint64_t& o
       offset = record.offset;
       return record.length == length ? kSuccess : vex2::kSizeDiffers;
     }
-    // What was appended behind a record that the document does not hold whole would be lost in it.
-    // A file without a header holds no records there, and lengths do not lead behind the plates of
-    // a study: what they lead to there is of no known kind.
+    // Bytes appended after an incomplete record would be read as part of it. This does not apply to
+    // a file without a header, whose bytes here are not records, nor to unknown tags: the lengths
+    // of a study's plates lead to bytes that are not a known record.
     if (isDocument && vex2::IsKnownTag(record.Tag()) && !vex2::HasBytesLeft(file, record.length)) {
       return kNotFound;
     }

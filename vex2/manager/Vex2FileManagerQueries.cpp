@@ -14,7 +14,8 @@ using vex2::OrNothing;
 
 namespace {
 
-// A first reading that no well gives: it marks the first frame of a melting stage.
+// Whether a first reading is one of the two markers, 0 and 65000, of the first frame of a melting
+// stage. No well gives these readings.
 bool isMeltingMark(std::uint16_t reading) {
   return reading == 0 || reading == 65000;
 }
@@ -41,7 +42,8 @@ std::vector<const Vex2FileManager*> platesToAsk(const Vex2FileManager& document,
     const auto* list = document.IsRQS()
                            ? components.Find<CMultiPlateComp>(vex2::TagOf(vex2::Kind::kPlates))
                            : nullptr;
-    // Plates are known by name: one whose name an earlier one has gives way to that.
+    // Plates are found by name: if an earlier plate has the same name, the earlier one is used in
+    // place of this one.
     std::map<CString, const Vex2FileManager*> byName;
     for (int index = 0; list != nullptr && index < list->GetChildCount(); ++index) {
       const CRQPlateComp* plate = list->GetPlateAt(index);

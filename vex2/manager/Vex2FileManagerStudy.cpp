@@ -19,7 +19,7 @@ using vex2::TagOf;
 
 namespace {
 
-// Other programs read these texts into buffers of one byte more.
+// Other programs read these texts into buffers of 1024 bytes, one more than this.
 constexpr int kMaxPlateText = 1023;
 
 CMultiPlateComp* findPlates(const vex2::ComponentList& components) {

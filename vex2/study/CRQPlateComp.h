@@ -9,15 +9,15 @@
 class Vex2FileManager;
 class Vex2FileManagerComponent;
 
-/// One plate of a study, "RQPl": a whole plate document behind an empty list of components. Owns
-/// the document. The length of the record covers only the list, so the end of the record can be
-/// found only by reading the document.
+/// One plate of a study, "RQPl": in the file an empty list of components, followed by a whole plate
+/// document. Owns the document. The length of the record covers only the list, so the end of the
+/// record can be found only by reading the document.
 class VEX2_API CRQPlateComp final : public CContainerComp {
  public:
   CRQPlateComp();
   ~CRQPlateComp() override;
 
-  /// Makes a copy of `plate`, with `name` and `date` added as its last records, the embedded plate.
+  /// Makes the embedded plate: a copy of `plate` with `name` and `date` added as its last records.
   /// Throws if memory runs out, and leaves the component unchanged.
   void SetPlate(const CString& name, const Vex2FileManager& plate, const CString& date);
 

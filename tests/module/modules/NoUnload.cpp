@@ -1,4 +1,5 @@
-// A module that could never be unloaded. Loading it would be seen: its entry point ends the test.
+// A module that could never be unloaded. If the loader loaded it, the test would fail: its entry
+// point aborts.
 #include <cstdlib>
 
 extern "C" bool vex2ModuleLoad() {

@@ -12,8 +12,8 @@
 
 namespace vex2::tool {
 
-/// The words KEY=VALUE of a command that sets fields of something in the document `file`, and the
-/// errors about them. `call` is what the user typed: "vex set".
+/// Parses the KEY=VALUE arguments of a command that sets fields in the document `file`, and reports
+/// errors in them. `call` is what the user typed: "vex set".
 class Assignments {
  public:
   Assignments(std::string file, std::string call)

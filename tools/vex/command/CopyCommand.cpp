@@ -28,7 +28,8 @@ class CopyCommand final : public Command {
     Document document(source_);
     OutputFiles files(force_);
     files.Read(source_).Write(target_, OutputFiles::Kind::kDocument).Claim();
-    // Who ends the command here gets the new document or the old one, and no temporary file.
+    // If the user interrupts the command from here on, the path holds the new document or the old
+    // one, and no temporary file remains.
     const Interrupts interrupts;
     if (plate_.IsGiven()) {
       ExtractPlate(document, plate_.One(document), target_, rewriting_.Rules());

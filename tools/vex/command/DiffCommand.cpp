@@ -46,7 +46,7 @@ class DiffCommand final : public Command {
       }
       return differences.empty() ? ExitCode::kDone : ExitCode::kDocument;
     } catch (const Error& error) {
-      // 1 says that the documents were compared and differ.
+      // Exit code 1 means that the documents were compared and differ, so an error returns 2.
       if (error.Class() == ErrorClass::kInterrupted) throw;
       PrintError(error);
       return ExitCode::kUsage;

@@ -16,8 +16,9 @@ class Exactness {
   void AddOption(Options& options);
   bool IsExact() const { return isExact_; }
 
-  /// Tells on standard error what was rounded of the numbers from `source`; nothing when nothing
-  /// was. `one` and `many` are what the numbers are called.
+  /// Reports on standard error how many numbers from `source` were rounded; prints nothing if none
+  /// was. `one` and `many` name the rounded numbers in the message, as in "quantity" and
+  /// "quantities".
   static void Tell(const std::string& source, const lab::RoundedNumbers& rounded,
                    std::string_view one, std::string_view many);
 

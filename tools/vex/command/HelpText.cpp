@@ -40,7 +40,8 @@ std::string folded(const std::string& line, std::size_t width) {
 
 std::string HelpText(const CLI::App& app, const std::string& call) {
   const std::size_t width = Terminal::Out().TextWidth();
-  // Not app.help(), which is the help of the command that was typed: for 'vex help' that is help.
+  // Do not use app.help(): it returns the help of the command that was typed, and for 'vex help'
+  // that would be the help of the command `help`.
   std::istringstream lines(app.get_formatter()->make_help(&app, call, CLI::AppFormatMode::Normal));
   std::string text;
   for (std::string line; std::getline(lines, line);) text += folded(line, width) + '\n';

@@ -44,7 +44,8 @@ class RecoverCommand final : public Command {
   }
 
   ExitCode Run() override {
-    // Who ends the command gets the new document or none, and no temporary file.
+    // If the user interrupts the command from here on, the path holds the new document or none, and
+    // no temporary file remains.
     Interrupts interrupts;
     const std::string replaced = ReplacedText(target_, force_);
     const std::string running = NoteOnRunAt(source_, "the new document");

@@ -35,8 +35,8 @@ class RepairCommand final : public Command {
   }
 
   ExitCode Run() override {
-    // Who ends the command from here on gets the repaired document or the old one, and no temporary
-    // file.
+    // If the user interrupts the command from here on, the path holds the repaired document or the
+    // old one, and no temporary file remains.
     std::optional<Interrupts> interrupts;
     const RepairReport report =
         Repair(file_, {.dryRun = dryRun_, .confirm = [&](const RepairPlan& /*plan*/) {

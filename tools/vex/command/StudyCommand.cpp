@@ -194,7 +194,8 @@ class ExtractAction final : public Command {
     if (plate == nullptr) RefusePlateName(document, name_);
     OutputFiles files(force_);
     files.Read(study_).Write(target_, OutputFiles::Kind::kDocument).Claim();
-    // Who ends the command here gets the new document or the old one, and no temporary file.
+    // If the user interrupts the command from here on, OUT is either the new document or the old
+    // one, and no temporary file remains.
     const Interrupts interrupts;
     ExtractPlate(document, *plate, target_, rewriting_.Rules());
     files.TellReplaced();

@@ -12,7 +12,8 @@ void Changing::AddOptions(Options& options) {
 
 std::string Changing::Finish(const std::string& report, const std::function<void()>& save) const {
   if (isDryRun_) return report + kDryRun;
-  // Who ends the command here gets the new document or the old one, and no temporary file.
+  // If the user interrupts the command from here on, the path holds the new document or the old
+  // one, and no temporary file remains.
   const Interrupts interrupts;
   save();
   return report;

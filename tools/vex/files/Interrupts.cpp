@@ -11,7 +11,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// What the one who started us had ignored stays ignored, as in a job in the background.
+// A signal that the parent process ignored stays ignored, as in a background job.
 bool isIgnored(int signal) {
   struct sigaction action {};
   return ::sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
@@ -38,7 +38,8 @@ Interrupts::Interrupts() {
 }
 
 Interrupts::~Interrupts() {
-  // Who asks a second time is not to cut off the answer to the first, which is all that is left.
+  // A second request must not cut off the answer to the first: printing that answer is all that is
+  // left to do.
   if (asked_) return;
   const timespec now{};
   while (::sigtimedwait(&awaited_, nullptr, &now) > 0) continue;

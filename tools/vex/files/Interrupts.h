@@ -5,8 +5,9 @@
 namespace vex2::tool {
 
 /// While it lives, Ctrl-C and a request to end are not obeyed at once but when asked for, so that
-/// what is under way is finished first. Made on the only thread. Who asks again gets no answer,
-/// also after its end: by then the program says how it went.
+/// what is under way is finished first. Create it while there is only one thread. After the first
+/// request that was noticed, later ones are ignored, even after the object is destroyed: by then
+/// the command reports its result.
 class Interrupts {
  public:
   Interrupts();
@@ -14,9 +15,9 @@ class Interrupts {
   Interrupts(const Interrupts&) = delete;
   Interrupts& operator=(const Interrupts&) = delete;
 
-  /// Waits for that many seconds, or until asked to end. True when asked to end, also before.
+  /// Waits for `seconds`, or until asked to end. Returns true if asked to end, then or before.
   bool Wait(double seconds);
-  /// The same without waiting.
+  /// Whether the command was asked to end. Does not wait.
   bool Pending() { return Wait(0); }
 
  private:

@@ -64,7 +64,8 @@ void FinishStream(std::ostream& stream, const std::string& name) {
 
 void Output::replaceFile() {
   const std::string text = text_.str();
-  // Who ends the command here gets the whole file, or the old one, and no temporary file.
+  // If the user interrupts the command from here on, the path holds the whole new file or the old
+  // one, and no temporary file remains.
   const Interrupts interrupts;
   NewFile file(path_);
   file.Write(text.data(), text.size());

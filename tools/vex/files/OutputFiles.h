@@ -18,7 +18,8 @@ std::string ReplacedText(const std::string& path, bool force);
 /// input and output.
 class OutputFiles : public lab::OutputFiles {
  public:
-  /// `force` is whether existing files may be replaced, `remedy` what is said when not.
+  /// `force` allows existing files to be replaced. If it is false, `remedy` is the advice in the
+  /// error.
   explicit OutputFiles(bool force, std::string remedy = "use --force to overwrite it")
       : lab::OutputFiles(force, std::move(remedy)), force_(force) {}
 
