@@ -2,7 +2,7 @@
 
 from .mutation import lock
 from .sources import (DOCUMENT_CHANGE, DOCUMENT_EDITOR, DOCUMENT_LOCK, FILE, FRAME_READER, OUTPUTS, RECORDING, REPAIR,
-                      REPLACEMENT, SYSTEM)
+                      REPLACEMENT, STATUS_COMMAND, SYSTEM)
 
 LOCKS = (
     lock("writer-exclusive", SYSTEM, "that a writer's lock is exclusive", "(exclusive ? LOCK_EX : LOCK_SH)",
@@ -45,6 +45,8 @@ LOCKS = (
          "lock_(path, DocumentLock", "lock_(path + \".other\", DocumentLock", "lab:DocumentEditorTest*Recorded*"),
     lock("command-status", DOCUMENT_EDITOR, "the lock under which a run's status is set",
          "lock(name, DocumentLock", "lock(name + \".other\", DocumentLock", "lab:DocumentEditorTest*SetRunStatus*"),
+    lock("command-code", STATUS_COMMAND, "the lock under which `vex status` sets a code",
+         "lock(file_, DocumentLock", "lock(file_ + \".other\", DocumentLock", "tools:Change.IsRefused*"),
     lock("command-repair", REPAIR, "the lock under which a document is repaired",
          "const DocumentLock lock(path, DocumentLock::Holder::kCommand);",
          "struct { std::string path; auto Document() const { return ResolveDocument(path); } } const lock{path};",
