@@ -176,17 +176,17 @@ def resume(first: int, last: int, stage: str = "amplification") -> None:
     with vex2.record("again.vex", 96, wells=["A1"], scale=10, frame_count=9) as rec:
         for cycle in range(first, last + 1):
             rec.append([cycle], stage=stage, cycle=cycle, time_s=cycle, temperature_c=60)
-        raise KeyboardInterrupt
+        raise InterruptedError
 
 
 def test_cycle_that_is_recorded_is_refused(folder):
-    with pytest.raises(KeyboardInterrupt):
+    with pytest.raises(InterruptedError):
         resume(1, 3)
     what = "again.vex: cannot append frame 3 as amplification cycle 1: cycle 3 of that stage is"
     with pytest.raises(vex2.UsageError, match=f"{what} recorded already; continue with cycle 4"):
         resume(1, 3)
     for stage, first, last in (("melt", 1, 2), ("amplification", 4, 4)):
-        with pytest.raises(KeyboardInterrupt):
+        with pytest.raises(InterruptedError):
             resume(first, last, stage)
     with pytest.raises(vex2.UsageError, match="as melt cycle 2"):
         resume(2, 2, "melt")
