@@ -24,8 +24,13 @@ bool isSame(const Look& one, const Look& other) {
 }  // namespace
 
 char LetterOf(const Look& look) {
-  if (look.group) return static_cast<char>('a' + *look.group % 26);
-  return '*';
+  constexpr std::size_t kAlphabet = 26;
+  static_assert(kMostLetters == 2 * kAlphabet);
+  if (look.share)
+    return static_cast<char>('0' + std::lround(std::clamp(*look.share, 0.0, 1.0) * 9));
+  if (!look.group || *look.group >= kMostLetters) return '*';
+  const auto place = static_cast<char>(*look.group % kAlphabet);
+  return static_cast<char>((*look.group < kAlphabet ? 'a' : 'A') + place);
 }
 
 void CellCanvas::dot(double x, double y, const Look& look) {
@@ -61,7 +66,8 @@ void CellCanvas::Rule(double y) {
 }
 
 std::string CellCanvas::textOf(const Cell& cell) const {
-  if (cell.dots != 0) return isAscii_ ? std::string(1, LetterOf(cell.look)) : brailleOf(cell.dots);
+  if (cell.dots != 0)
+    return hasLetters_ ? std::string(1, LetterOf(cell.look)) : brailleOf(cell.dots);
   if (cell.isRule) return isAscii_ ? "-" : "╌";
   return " ";
 }

@@ -2,16 +2,23 @@
 
 #include "lab/picture/CellCanvas.h"
 #include "lab/picture/CellPicture.h"
+#include "lab/picture/Shortened.h"
 
 namespace vex2::lab {
 
 namespace {
 
-// Columns of a text: its characters.
+double oneColumn(std::string_view /*character*/) {
+  return 1;
+}
+
 std::size_t widthOf(const std::string& text) {
-  return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char character) {
-    return (static_cast<unsigned char>(character) & 0xC0U) != 0x80;
-  }));
+  return static_cast<std::size_t>(WidthOfText(text, oneColumn));
+}
+
+// None where `part` is more than there is.
+std::size_t rest(std::size_t whole, std::size_t part) {
+  return whole - std::min(whole, part);
 }
 
 std::string padded(const std::string& text, std::size_t width) {
@@ -55,6 +62,14 @@ class Picture {
     lines_.push_back({{plain(std::move(text), size_.isAscii), {}, true}});
   }
 
+  // Colours alone do not tell more groups apart than there are colours.
+  bool hasLetters() const {
+    const std::size_t groups = scene_.legend.groups.size();
+    const bool isScale = !scene_.legend.low.empty();
+    return size_.isAscii || (groups > 1 && groups > size_.colours) ||
+           (isScale && size_.colours == 0);
+  }
+
   std::size_t legendLines() const { return scene_.legend.groups.empty() ? 2 : groupLines().size(); }
 
   void drawChart() {
@@ -65,7 +80,7 @@ class Picture {
     const std::size_t others = legendLines() + 5;
     const std::size_t lines =
         std::clamp<std::size_t>(size_.height > others ? size_.height - others : 0, 8, 60);
-    CellCanvas canvas(columns, lines, size_.isAscii);
+    CellCanvas canvas(columns, lines, size_.isAscii, hasLetters());
     for (const SceneRule& rule : scene_.rules) canvas.Rule(scene_.y.ShareOf(rule.y));
     for (const SceneSeries& series : scene_.series) drawSeries(canvas, series);
     addSoft(scene_.y.label);
@@ -166,42 +181,71 @@ class Picture {
     return {padded(std::string(1, LetterOf(well->look)), width), well->look, false};
   }
 
-  // The groups, as many on a line as there is room for.
+  // The groups, as many on a line as there is room for, and how many there was no room for.
   std::vector<std::vector<CellRun>> groupLines() const {
-    std::vector<std::vector<CellRun>> lines;
+    const std::vector<std::string>& groups = scene_.legend.groups;
+    const std::size_t mostLines = std::max<std::size_t>(size_.height / 3, 1);
+    const std::size_t told = hasLetters() ? std::min(groups.size(), kMostLetters) : groups.size();
+    std::vector<std::vector<CellRun>> lines(1);
     std::size_t used = 0;
-    for (std::size_t i = 0; i < scene_.legend.groups.size(); ++i) {
-      const Look look{.group = i, .share = {}};
-      const std::string name = plain(scene_.legend.groups[i], size_.isAscii);
-      const std::size_t width = 2 + widthOf(name);
-      constexpr std::size_t kGap = 2;
-      if (lines.empty() || used + kGap + width > size_.width) {
+    std::size_t next = 0;
+    while (next < told) {
+      const std::string name = nameOf(groups[next]);
+      const bool needsMore = lines.size() == mostLines && next + 1 < groups.size();
+      const std::size_t gap = used > 0 ? kGap : 0;
+      const std::size_t end = used + gap + 2 + widthOf(name);
+      if (end <= rest(size_.width, needsMore ? kMoreWidth : 0)) {
+        addGroup(lines.back(), gap, next++, name);
+        used = end;
+      } else if (lines.size() < mostLines) {
         lines.emplace_back();
         used = 0;
       } else {
-        lines.back().push_back({std::string(kGap, ' '), {}, true});
-        used += kGap;
+        break;
       }
-      lines.back().push_back({markOf(look), look, false});
-      lines.back().push_back({" " + name, {}, true});
-      used += width;
+    }
+    if (next < groups.size()) {
+      const std::string more = "and " + std::to_string(groups.size() - next) + " more";
+      lines.back().push_back({std::string(used > 0 ? kGap : 0, ' ') + more, {}, true});
     }
     return lines;
   }
 
+  void addGroup(std::vector<CellRun>& line, std::size_t gap, std::size_t group,
+                const std::string& name) const {
+    const Look look{.group = group, .share = {}};
+    if (gap > 0) line.push_back({std::string(gap, ' '), {}, true});
+    line.push_back({markOf(look), look, false});
+    line.push_back({" " + name, {}, true});
+  }
+
+  // A name of the legend as far as a line has room for it.
+  std::string nameOf(const std::string& group) const {
+    constexpr std::size_t kMost = 40;
+    const std::size_t room = std::min(kMost, rest(size_.width, kMoreWidth + 2));
+    return Shortened(plain(group, size_.isAscii), static_cast<double>(room), oneColumn,
+                     size_.isAscii ? "..." : "…");
+  }
+
+  static constexpr std::size_t kGap = 2;
+  static constexpr std::size_t kMoreWidth = 16;  // "  and 65535 more"
+
   std::string markOf(const Look& look) const {
-    if (size_.isAscii || !scene_.plates.empty()) return {LetterOf(look)};
+    if (hasLetters() || !scene_.plates.empty()) return {LetterOf(look)};
     return "●";
   }
 
   void drawLegend() {
-    for (auto& line : groupLines()) lines_.push_back(std::move(line));
-    if (!scene_.legend.groups.empty() || scene_.legend.low.empty()) return;
+    if (!scene_.legend.groups.empty()) {
+      for (auto& line : groupLines()) lines_.push_back(std::move(line));
+      return;
+    }
+    if (scene_.legend.low.empty()) return;
     std::vector<CellRun> line = {{scene_.legend.title + " " + scene_.legend.low + " ", {}, true}};
-    constexpr int kSteps = 12;
+    constexpr int kSteps = 10;
     for (int i = 0; i < kSteps; ++i) {
-      line.push_back(
-          {size_.isAscii ? "#" : "█", {.group = {}, .share = (i + 0.5) / kSteps}, false});
+      const Look look{.group = {}, .share = i / (kSteps - 1.0)};
+      line.push_back({hasLetters() ? std::string(1, LetterOf(look)) : "█", look, false});
     }
     line.push_back({" " + scene_.legend.high, {}, true});
     lines_.push_back(std::move(line));

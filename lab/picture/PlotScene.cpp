@@ -1,9 +1,7 @@
 #include "lab/picture/PlotScene.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <cstdio>
 #include <limits>
 #include <map>
 #include <set>
@@ -12,6 +10,7 @@
 #include "lab/Text.h"
 #include "lab/analysis/Cq.h"
 #include "lab/analysis/Melt.h"
+#include "lab/analysis/NumberText.h"
 #include "lab/picture/Colouring.h"
 #include "lab/picture/WellSelection.h"
 
@@ -33,7 +32,7 @@ class Builder {
   }
 
   Scene Build() {
-    scene_.title = Escaped(run_.Path().filename().string());
+    scene_.title = run_.Path().filename().string();
     switch (options_.kind) {
       case PlotKind::kAmplification:
         addAmplification();
@@ -51,10 +50,18 @@ class Builder {
         addStandards();
         break;
     }
+    escapeTexts();
     return std::move(scene_);
   }
 
  private:
+  // Names come from the document: a terminal must not obey them.
+  void escapeTexts() {
+    scene_.title = Escaped(scene_.title);
+    for (std::string& name : scene_.legend.groups) name = Escaped(name);
+    for (ScenePlate& plate : scene_.plates) plate.name = Escaped(plate.name);
+  }
+
   struct PlateEntry {
     RunReader reader;
     std::string name;
@@ -130,14 +137,8 @@ class Builder {
       return valueOf(result->curve.well, result->cq);
     };
     const Colouring colouring = colouringOf(shown, value);
-    double most = 0;
-    for (const CqResult* result : shown) {
-      for (const double reading : result->corrected) {
-        if (std::isfinite(reading)) most = std::max(most, reading);
-      }
-    }
-    const double least =
-        options_.isLog ? most * kLogDepth : -std::numeric_limits<double>::infinity();
+    const double least = leastOf(
+        shown, [](const CqResult* result) -> auto& { return result->corrected; });
     for (const CqResult* result : shown) {
       addCurve(colouring.Of(value(result)), result->curve.cycles, result->corrected, least);
     }
@@ -149,18 +150,33 @@ class Builder {
     fitAxes(0, 0.05);
   }
 
-  // Adds the parts of a curve that are readings and not below `least`.
+  // Below this a curve is not drawn; `values` gives the values of a curve.
+  template <typename Curves, typename Values>
+  double leastOf(const Curves& curves, const Values& values) const {
+    if (!options_.isLog) return -std::numeric_limits<double>::infinity();
+    double most = 0;
+    for (const auto& curve : curves) {
+      for (const double value : values(curve)) {
+        if (std::isfinite(value)) most = std::max(most, value);
+      }
+    }
+    return most > 0 ? most * kLogDepth : std::numeric_limits<double>::min();
+  }
+
+  // Adds the parts of a curve that are readings and not below `least`. On a logarithmic axis a
+  // reading between two that are below is noise.
   void addCurve(const Look& look, const std::vector<double>& x, const std::vector<double>& y,
                 double least) {
-    bool isOpen = false;
+    const auto isDrawn = [&](std::size_t i) {
+      return i < y.size() && std::isfinite(y[i]) && y[i] >= least;
+    };
     for (std::size_t i = 0; i < y.size(); ++i) {
-      if (!std::isfinite(y[i]) || y[i] < least) {
-        isOpen = false;
-        continue;
+      if (!isDrawn(i)) continue;
+      SceneSeries part{.look = look, .isDots = false, .points = {}};
+      for (; isDrawn(i); ++i) part.points.push_back({x[i], y[i]});
+      if (part.points.size() > 1 || !options_.isLog || y.size() == 1) {
+        scene_.series.push_back(std::move(part));
       }
-      if (!isOpen) scene_.series.push_back({.look = look, .isDots = false, .points = {}});
-      isOpen = true;
-      scene_.series.back().points.push_back({x[i], y[i]});
     }
   }
 
@@ -173,9 +189,7 @@ class Builder {
       if (detector != nullptr && detector->threshold) thresholds.insert(*detector->threshold);
     }
     if (thresholds.size() != 1) return;
-    std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "threshold %.3g", *thresholds.begin());
-    scene_.rules.push_back({*thresholds.begin(), text.data()});
+    scene_.rules.push_back({*thresholds.begin(), "threshold " + NumberText(*thresholds.begin())});
   }
 
   void addMelting() {
@@ -194,8 +208,8 @@ class Builder {
       return valueOf(curve->well, cq != cqs.end() ? cq->second : std::nullopt);
     };
     const Colouring colouring = colouringOf(shown, value);
-    const double least = options_.isLog ? std::numeric_limits<double>::min()
-                                        : -std::numeric_limits<double>::infinity();
+    const double least = leastOf(
+        shown, [](const MeltCurve* curve) -> auto& { return curve->derivative; });
     for (const MeltCurve* curve : shown) {
       addCurve(colouring.Of(value(curve)), curve->temperatures, curve->derivative, least);
     }

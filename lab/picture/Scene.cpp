@@ -1,9 +1,9 @@
 #include "lab/picture/Scene.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <cstdio>
 #include <limits>
 
 #include "lab/model/PlateLayout.h"
@@ -14,12 +14,6 @@ namespace {
 
 constexpr double kMostTicks = 8;
 
-std::string tickText(double value) {
-  std::array<char, 32> text{};
-  std::snprintf(text.data(), text.size(), "%.8g", std::abs(value) < 1e-12 ? 0.0 : value);
-  return text.data();
-}
-
 void setTicks(SceneAxis& axis) {
   const double raw = (axis.high - axis.low) / kMostTicks;
   const double power = std::pow(10, std::floor(std::log10(raw)));
@@ -28,7 +22,7 @@ void setTicks(SceneAxis& axis) {
     if (factor * power >= raw) step = factor * power;
   }
   for (double i = std::ceil(axis.low / step - 1e-9); i * step <= axis.high + step * 1e-9; ++i) {
-    axis.ticks.emplace_back(i * step, tickText(i * step));
+    axis.ticks.emplace_back(i * step, TickText(i * step));
   }
 }
 
@@ -40,7 +34,7 @@ void setLogTicks(SceneAxis& axis) {
       const double tick = factor * std::pow(10, power);
       const bool isShown = factor == 1 || decades < 3;
       if (isShown && tick >= axis.low * 0.999 && tick <= axis.high * 1.001) {
-        axis.ticks.emplace_back(tick, tickText(tick));
+        axis.ticks.emplace_back(tick, TickText(tick));
       }
     }
   }
@@ -75,6 +69,18 @@ void FitAxis(SceneAxis& axis, const std::vector<double>& values, double room) {
   axis.low = least - space;
   axis.high = most + space;
   setTicks(axis);
+}
+
+std::string TickText(double value) {
+  if (value == 0) return "0";  // not "-0"
+  const double size = std::abs(value);
+  if (size >= 1e-4 && size < 1e6) return fmt::format("{:.8g}", value);
+  std::string text = fmt::format("{:.7e}", value);
+  const std::size_t end = text.find('e');
+  const int power = std::stoi(text.substr(end + 1));
+  text.erase(text.find_last_not_of('0', end - 1) + 1);
+  if (text.back() == '.') text.pop_back();
+  return text + "e" + std::to_string(power);
 }
 
 std::string RowName(unsigned row) {

@@ -8,7 +8,8 @@
 #include <vector>
 
 /// What a picture shows, before anything is drawn: axes, curves, plates and their legend. The
-/// renderers draw it as SVG or in the cells of a terminal. Texts are UTF-8.
+/// renderers draw it as SVG or in the cells of a terminal. Texts are UTF-8 without control
+/// characters.
 namespace vex2::lab {
 
 /// How something is coloured: as a member of a group, or by its place on a scale. Neither is for
@@ -82,6 +83,9 @@ struct Scene {
 
 /// Makes the axis hold all of `values`, with some room, and sets its ticks.
 void FitAxis(SceneAxis& axis, const std::vector<double>& values, double room);
+
+/// A number as axes show it: "0.002", "250", "2.5e6".
+std::string TickText(double value);
 
 /// "A1" is the row and column of a well as pictures write them; rows past Z are AA, AB and so on.
 std::string RowName(unsigned row);

@@ -5,6 +5,7 @@
 
 #include "lab/picture/Palette.h"
 #include "lab/picture/PlotScene.h"
+#include "lab/picture/Shortened.h"
 
 namespace vex2::lab {
 
@@ -12,8 +13,11 @@ namespace {
 
 constexpr double kWidth = 960;
 constexpr double kHeight = 600;
-constexpr double kLegendWidth = 190;
+constexpr double kLegendWidth = 210;
 constexpr double kTop = 48;
+constexpr double kLetters = 13;  // the size of the letters, in the head of the SVG too
+constexpr double kTitle = 17;
+constexpr double kBold = 1.1;  // how much wider bold letters are
 constexpr std::string_view kInk = "#1a2027";
 constexpr std::string_view kSoft = "#55606c";
 constexpr std::string_view kGrid = "#e3e7eb";
@@ -83,6 +87,22 @@ std::string colourOf(const Look& look, std::string_view none) {
   return mixed(scale[index], scale[index + 1], place - static_cast<double>(index));
 }
 
+// In shares of the size of the letters, of the widest typeface that a picture may be drawn in.
+double widthOf(std::string_view character) {
+  constexpr std::string_view kNarrow = "ijl.,:;|'!It()[]f /";
+  constexpr std::string_view kWide = "mwMW@%";
+  if (character.size() > 2) return 1;
+  if (kNarrow.find(character) != std::string_view::npos) return 0.42;
+  if (kWide.find(character) != std::string_view::npos) return 1;
+  const bool isCapital = character[0] >= 'A' && character[0] <= 'Z';
+  return isCapital || character.size() > 1 ? 0.74 : 0.64;
+}
+
+// `words` as far as `room` holds them, for letters of that size.
+std::string cut(const std::string& words, double room, double size) {
+  return Shortened(words, room / size, widthOf, "…");
+}
+
 // Groups beyond the colours repeat them with another mark and other dashes.
 std::size_t roundOf(const Look& look) {
   return look.group.value_or(0) / Palette::kLight.size() % kDashes.size();
@@ -98,7 +118,8 @@ class Drawing {
         "viewBox=\"0 0 960 600\" font-family=\"Helvetica, Arial, 'DejaVu Sans', sans-serif\" "
         "font-size=\"13\">\n<title>" +
         escaped(scene_.title) + "</title>\n<rect width=\"960\" height=\"600\" fill=\"#ffffff\"/>\n";
-    text(24, 28, scene_.title, kInk, "start", "font-size=\"17\" font-weight=\"bold\"");
+    text(24, 28, cut(scene_.title, kWidth - 48, kTitle * kBold), kInk, "start",
+         "font-size=\"" + number(kTitle) + "\" font-weight=\"bold\"");
     const bool hasLegend = !scene_.legend.groups.empty() || !scene_.legend.low.empty();
     const double right = kWidth - (hasLegend ? kLegendWidth : 24);
     if (scene_.plates.empty()) {
@@ -187,11 +208,8 @@ class Drawing {
     }
     out_ += "<polyline fill=\"none\" stroke-linejoin=\"round\" stroke-width=\"" +
             std::string(scene_.series.size() > 150 ? "1\" stroke-opacity=\"0.8" : "1.6") +
-            "\" stroke=\"" + colourOf(series.look, kNone) + "\"";
-    if (roundOf(series.look) > 0) {
-      out_.append(" stroke-dasharray=\"").append(kDashes[roundOf(series.look)]).append("\"");
-    }
-    out_ += " points=\"";
+            "\" stroke=\"" + colourOf(series.look, kNone) + "\"" + dashesOf(series.look) +
+            " points=\"";
     for (const ScenePoint& point : series.points) {
       out_ += number(x(point.x)) + "," + number(y(point.y)) + " ";
     }
@@ -214,7 +232,8 @@ class Drawing {
 
   void drawPlate(const ScenePlate& plate, Box box) {
     if (!plate.name.empty()) {
-      text(box.left, box.top + 4, plate.name, kInk, "start", "font-weight=\"bold\"");
+      text(box.left, box.top + 4, cut(plate.name, box.right - box.left, kLetters * kBold), kInk,
+           "start", "font-weight=\"bold\"");
       box.top += 16;
     }
     const double pitch = std::min((box.right - box.left) / (plate.columns + 1.2),
@@ -262,10 +281,17 @@ class Drawing {
     constexpr std::size_t kMost = 26;
     constexpr double kLine = 19.5;
     const std::size_t shown = legend.groups.size() > kMost ? kMost - 1 : legend.groups.size();
+    const bool isOfCurves = hasCurves();
+    const double name = left + (isOfCurves ? 36 : 19);
     double y = kTop + 24;
     for (std::size_t i = 0; i < shown; ++i, y += kLine) {
-      mark(left + 6, y, 5.5, {.group = i, .share = {}});
-      text(left + 19, y + 4.5, cut(legend.groups[i]), kInk, "start");
+      const Look look{.group = i, .share = {}};
+      if (isOfCurves) {
+        line(left, y, left + 28, y, colourOf(look, kNone), "stroke-width=\"2.4\"" + dashesOf(look));
+      } else {
+        mark(left + 6, y, 5.5, look);
+      }
+      text(name, y + 4.5, cut(legend.groups[i], kWidth - 6 - name, kLetters), kInk, "start");
     }
     if (shown < legend.groups.size()) {
       text(left, y + 4.5, "and " + std::to_string(legend.groups.size() - shown) + " more", kSoft,
@@ -273,15 +299,17 @@ class Drawing {
     }
   }
 
-  // A name of the legend as far as there is room for it.
-  static std::string cut(const std::string& name) {
-    constexpr std::size_t kMost = 22;
-    std::size_t characters = 0;
-    for (std::size_t i = 0; i < name.size(); ++i) {
-      const bool begins = (static_cast<unsigned char>(name[i]) & 0xC0U) != 0x80;
-      if (begins && ++characters > kMost) return name.substr(0, i) + "…";
-    }
-    return name;
+  // Whether groups are seen as lines; standards are dots beside their line.
+  bool hasCurves() const {
+    const auto isDots = [](const SceneSeries& series) { return series.isDots; };
+    return !scene_.series.empty() &&
+           std::none_of(scene_.series.begin(), scene_.series.end(), isDots);
+  }
+
+  // The attribute that sets the dashes of a line.
+  static std::string dashesOf(const Look& look) {
+    if (roundOf(look) == 0) return "";
+    return " stroke-dasharray=\"" + std::string(kDashes[roundOf(look)]) + "\"";
   }
 
   void drawScale(double left) {

@@ -33,6 +33,7 @@ class TextForm {
   std::size_t PlateWidth() const;
   /// Whether other characters than ASCII are shown as \uNNNN.
   bool IsAscii() const { return layout_.isAscii; }
+  bool HasColors() const { return layout_.hasColors; }
 
   /// `text` in that style; as it is where there are no colors.
   std::string Styled(std::string_view text, Style style) const;

@@ -3,10 +3,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
 
 #include "lab/model/DocumentEditor.h"
 #include "lab/picture/CellPicture.h"
 #include "lab/picture/PlotScene.h"
+#include "lab/picture/Shortened.h"
 #include "lab/picture/WellSelection.h"
 #include "tests/lab/RunDocuments.h"
 
@@ -60,6 +62,130 @@ TEST(SceneAxis, OfOneValueOrNoneStillHasALength) {
       EXPECT_TRUE(std::isfinite(axis.ShareOf(5)));
     }
   }
+}
+
+TEST(SceneAxis, WritesNumbersWithoutNeedlessSigns) {
+  for (const auto& [value, text] : std::vector<std::pair<double, std::string>>{{0, "0"},
+                                                                               {-0.0, "0"},
+                                                                               {250, "250"},
+                                                                               {0.002, "0.002"},
+                                                                               {100000, "100000"},
+                                                                               {1e6, "1e6"},
+                                                                               {-2.5e7, "-2.5e7"},
+                                                                               {1e-13, "1e-13"},
+                                                                               {5e-5, "5e-5"}}) {
+    EXPECT_EQ(TickText(value), text);
+  }
+}
+
+TEST(SceneAxis, OfTinyReadingsHasTicksThatDiffer) {
+  SceneAxis axis;
+  FitAxis(axis, {1e-14, 9e-14}, 0);
+  std::set<std::string> texts;
+  for (const auto& [value, text] : axis.ticks) texts.insert(text);
+  EXPECT_EQ(texts.size(), axis.ticks.size());
+}
+
+double oneColumn(std::string_view /*character*/) {
+  return 1;
+}
+
+TEST(Shortened, KeepsBothEndsOfANameThatIsTooLong) {
+  EXPECT_EQ(Shortened("patient A", 9, oneColumn, "…"), "patient A");
+  EXPECT_EQ(Shortened("patient 2026 A", 9, oneColumn, "…"), "pati…26 A");
+  EXPECT_EQ(Shortened("äöüäöüäöü", 4, oneColumn, "…"), "äö…ü");
+  EXPECT_EQ(Shortened("name", 0, oneColumn, "…"), "…");
+}
+
+std::string textOf(const std::vector<CellRun>& line) {
+  std::string text;
+  for (const CellRun& part : line) text += part.text;
+  return text;
+}
+
+std::string textOf(const CellPicture& picture) {
+  std::string text;
+  for (const auto& line : picture) text += textOf(line) + "\n";
+  return text;
+}
+
+// A curve for each group.
+Scene sceneOfGroups(std::size_t groups) {
+  Scene scene;
+  scene.legend.title = "sample";
+  for (std::size_t i = 0; i < groups; ++i) {
+    scene.legend.groups.push_back("sample " + std::to_string(i));
+    const auto y = static_cast<double>(i);
+    scene.series.push_back(
+        {.look = {.group = i, .share = {}}, .isDots = false, .points = {{0, y}, {10, y}}});
+  }
+  FitAxis(scene.x, {0, 10}, 0);
+  FitAxis(scene.y, {0, static_cast<double>(groups)}, 0.05);
+  return scene;
+}
+
+TEST(CellPicture, DrawsLettersWhereColoursDoNotTellGroupsApart) {
+  EXPECT_THAT(textOf(CellsOf(sceneOfGroups(8), {})), HasSubstr("● sample 7"));
+  EXPECT_THAT(textOf(CellsOf(sceneOfGroups(1), {.colours = 0})), HasSubstr("● sample 0"));
+  for (const auto& [groups, colours] : {std::pair<std::size_t, std::size_t>{9, 8}, {2, 0}}) {
+    const std::string text = textOf(CellsOf(sceneOfGroups(groups), {.colours = colours}));
+    EXPECT_THAT(text, HasSubstr("b sample 1"));
+    EXPECT_THAT(text, HasSubstr("bbbbbbbb"));
+    EXPECT_THAT(text, Not(HasSubstr("●")));
+  }
+}
+
+TEST(CellPicture, GivesEachGroupALetterOfItsOwnAndCountsTheRest) {
+  const CellSize size{.width = 200, .height = 60};
+  const std::string text = textOf(CellsOf(sceneOfGroups(60), size));
+  for (const char* entry : {"a sample 0 ", "z sample 25 ", "A sample 26 ", "Z sample 51 "}) {
+    EXPECT_THAT(text, HasSubstr(entry));
+  }
+  EXPECT_THAT(text, HasSubstr("and 8 more"));
+  EXPECT_THAT(text, Not(HasSubstr("sample 52")));
+}
+
+TEST(CellPicture, LegendLeavesRoomForTheChart) {
+  for (const std::size_t width : {40U, 80U}) {
+    Scene scene = sceneOfGroups(200);
+    scene.legend.groups[3] = std::string(300, 'x');
+    const CellPicture picture = CellsOf(scene, {.width = width, .height = 23});
+    EXPECT_LE(picture.size(), 23U);
+    for (const auto& line : picture) {
+      EXPECT_LE(WidthOfText(textOf(line), oneColumn), static_cast<double>(width)) << textOf(line);
+    }
+    EXPECT_THAT(textOf(picture), HasSubstr(" more"));
+  }
+}
+
+TEST(CellPicture, DrawsAScaleInDigitsWithoutColours) {
+  Scene scene = sceneOfGroups(2);
+  scene.legend = {.title = "Cq", .groups = {}, .low = "15.0", .high = "30.0"};
+  scene.series[0].look = {.group = {}, .share = 0};
+  scene.series[1].look = {.group = {}, .share = 1};
+  const std::string text = textOf(CellsOf(scene, {.colours = 0}));
+  EXPECT_THAT(text, HasSubstr("Cq 15.0 0123456789 30.0"));
+  EXPECT_THAT(text, HasSubstr("99999"));
+  EXPECT_THAT(text, HasSubstr("00000"));
+}
+
+TEST(Svg, LegendOfCurvesShowsTheirDashes) {
+  const std::string svg = SvgOf(sceneOfGroups(12));
+  const std::size_t legend = svg.find(">sample<");
+  ASSERT_NE(legend, std::string::npos);
+  EXPECT_THAT(svg.substr(legend), HasSubstr("stroke-dasharray=\"7 4\""));
+  EXPECT_THAT(svg.substr(legend), Not(HasSubstr("<circle")));
+}
+
+TEST(Svg, CutsNamesToTheRoomThatTheyHave) {
+  Scene scene = sceneOfGroups(2);
+  scene.title = std::string(400, 'W') + ".vex";
+  scene.legend.groups[0] = std::string(40, 'W') + "1";
+  scene.legend.groups[1] = std::string(40, 'i') + "2";
+  const std::string svg = SvgOf(scene);
+  EXPECT_THAT(svg, HasSubstr("WWWWW…WWWW1<"));
+  EXPECT_THAT(svg, Not(HasSubstr(">WWWWWW…")));
+  EXPECT_THAT(svg, HasSubstr("iiiiiiiiiiii…iiiiiiiiiii2<"));
 }
 
 class PlotTest : public TempFolderTest {
@@ -122,6 +248,32 @@ TEST_F(PlotTest, EveryKindIsDrawnAsSvgAndInATerminal) {
         }
       }
     }
+  }
+}
+
+TEST_F(PlotTest, LogarithmsHaveNoDotsOfNoise) {
+  for (const PlotKind kind : {PlotKind::kAmplification, PlotKind::kMelt}) {
+    const Scene scene = sceneOf({.kind = kind, .wells = {}, .isLog = true});
+    double most = 0;
+    for (const SceneSeries& series : scene.series) {
+      EXPECT_GT(series.points.size(), 1U);
+      for (const ScenePoint& point : series.points) most = std::max(most, point.y);
+    }
+    EXPECT_GE(scene.y.low, most / 1001);
+    EXPECT_GE(scene.y.ticks.size(), 3U);
+  }
+}
+
+TEST_F(PlotTest, TextsOfADocumentDoNotReachATerminalAsControls) {
+  DocumentEditor editor(path_);
+  editor.Well("A1").sample = "red\x1b[31m";
+  editor.Well("A2").sample = "bell\x07\n";
+  editor.Save();
+  for (const PlotKind kind : {PlotKind::kPlate, PlotKind::kAmplification}) {
+    const Scene scene =
+        sceneOf({.kind = kind, .wells = "A1:A2", .isLog = false, .colourBy = ColourBy::kSample});
+    EXPECT_THAT(scene.legend.groups,
+                testing::UnorderedElementsAre("red\\x1b[31m", "bell\\x07\\x0a"));
   }
 }
 

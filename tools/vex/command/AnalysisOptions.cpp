@@ -24,4 +24,11 @@ void RequireWhole(const RunReader& run) {
   throw Error(ErrorCode::kDocument, run.Path().string(), fault.what, fault.offset);
 }
 
+Error WithDamage(const RunReader& run, const Error& error) {
+  if (run.IsWhole() || error.Code() != ErrorCode::kDocument) return error;
+  const FileFault& fault = run.Faults().front();
+  return {ErrorCode::kDocument, run.Path().string(),
+          error.Message() + "; part of it was not read: " + fault.what, fault.offset};
+}
+
 }  // namespace vex2::tool

@@ -25,4 +25,17 @@ struct AnalysisOptions {
 /// called when the rest was shown.
 void RequireWhole(const RunReader& run);
 
+/// The error of work on the run, and what could not be read of the document, when that may be why.
+Error WithDamage(const RunReader& run, const Error& error);
+
+/// What `work` answers, which analyses the run. Its errors say what could not be read as well.
+template <typename Work>
+auto OrDamage(const RunReader& run, const Work& work) {
+  try {
+    return work();
+  } catch (const Error& error) {
+    throw WithDamage(run, error);
+  }
+}
+
 }  // namespace vex2::tool

@@ -44,7 +44,8 @@ class CqCommand final : public Command {
     hasSeveral_ = files.size() > 1;
     return files_.ForEach(files, [&](const std::string& file) -> ManyFiles::Shown {
       const RunReader run = shared_.Open(file);
-      return [this, file, run, analysis = AnalyseCq(run, options_)] {
+      const CqAnalysis analysis = OrDamage(run, [&] { return AnalyseCq(run, options_); });
+      return [this, file, run, analysis] {
         print(file, run, analysis);
         RequireWhole(run);
         return ExitCode::kDone;

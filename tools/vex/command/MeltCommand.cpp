@@ -29,7 +29,8 @@ class MeltCommand final : public Command {
 
   ExitCode Run() override {
     const RunReader run = shared_.Open(file_);
-    const std::vector<MeltCurve> curves = AnalyseMelt(run, shared_.detector);
+    const std::vector<MeltCurve> curves =
+        OrDamage(run, [&] { return AnalyseMelt(run, shared_.detector); });
     if (shared_.format == "json") {
       PrintJson(std::cout, DescribeMelt(curves, file_));
     } else if (shared_.format == "csv") {

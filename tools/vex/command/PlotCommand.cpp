@@ -1,31 +1,17 @@
 #include "tools/vex/command/PlotCommand.h"
 
-#include <sys/ioctl.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <array>
 #include <iostream>
 
-#include "lab/picture/CellPicture.h"
 #include "lab/picture/PlotScene.h"
 #include "tools/vex/Lab.h"
+#include "tools/vex/command/AnalysisOptions.h"
 #include "tools/vex/files/OutputFiles.h"
-#include "tools/vex/text/Terminal.h"
+#include "tools/vex/show/SceneLines.h"
 
 namespace vex2::tool {
 
 namespace {
-
-using Style = Terminal::Style;
-
-// Lines of the terminal; 24 where nothing says otherwise.
-std::size_t terminalHeight() {
-  constexpr std::size_t kUsual = 24;
-  winsize size{};
-  if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_row == 0) return kUsual;
-  return size.ws_row;
-}
 
 template <typename Value>
 using Names = std::vector<std::pair<std::string, Value>>;
@@ -60,20 +46,6 @@ Value valueOf(const Names<Value>& names, const std::string& word) {
   return std::find_if(names.begin(), names.end(), isWord)->second;
 }
 
-// The nearest that a terminal of eight colours has to the palette of the pictures.
-Style styleOf(const CellRun& run) {
-  constexpr std::array<Style, 8> kGroups = {Style::kBlue,    Style::kRed,    Style::kGreen,
-                                            Style::kMagenta, Style::kYellow, Style::kCyan,
-                                            Style::kBold,    Style::kPlain};
-  constexpr std::array<Style, 4> kScale = {Style::kBlue, Style::kCyan, Style::kGreen,
-                                           Style::kYellow};
-  if (run.isSoft) return Style::kDim;
-  if (run.look.group) return kGroups[*run.look.group % kGroups.size()];
-  if (!run.look.share) return Style::kPlain;
-  const double place = std::clamp(*run.look.share, 0.0, 1.0) * kScale.size();
-  return kScale[std::min(static_cast<std::size_t>(place), kScale.size() - 1)];
-}
-
 class PlotCommand final : public Command {
  public:
   PlotCommand()
@@ -100,11 +72,7 @@ class PlotCommand final : public Command {
     plot_.colourBy = valueOf(colourings(), colour_);
     const std::string format = formatOfTarget();
     const RunReader run(file_);
-    if (target_.empty()) {
-      draw(run);
-    } else {
-      save(run, format);
-    }
+    OrDamage(run, [&] { target_.empty() ? draw(run) : save(run, format); });
     if (run.IsWhole()) return ExitCode::kDone;
     const FileFault& fault = run.Faults().front();
     throw Error(ErrorCode::kDocument, file_, "is shown in part: " + fault.what, fault.offset);
@@ -121,15 +89,8 @@ class PlotCommand final : public Command {
   }
 
   void draw(const RunReader& run) const {
-    const Terminal& terminal = Terminal::Out();
-    // The last line of a screen is the shell's.
-    const CellSize size{
-        .width = terminal.Width(), .height = terminalHeight() - 1, .isAscii = terminal.IsAscii()};
-    for (const auto& line : CellsOf(SceneOf(run, plot_), size)) {
-      std::string text;
-      for (const CellRun& part : line) text += terminal.Styled(part.text, styleOf(part));
-      std::cout << text << '\n';
-    }
+    const Scene scene = SceneOf(run, plot_);
+    for (const std::string& line : LinesOf(scene, ScreenSize())) std::cout << line << '\n';
   }
 
   void save(const RunReader& run, const std::string& format) const {
