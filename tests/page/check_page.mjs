@@ -5,7 +5,7 @@
 // from using the page. Exits with 77 where the browser or axe-core is missing.
 import assert from 'node:assert/strict';
 import {execFileSync, spawnSync} from 'node:child_process';
-import {existsSync, mkdtempSync, readFileSync, rmSync, statSync, writeFileSync} from 'node:fs';
+import {existsSync, mkdirSync, mkdtempSync, readFileSync, rmSync, statSync, writeFileSync} from 'node:fs';
 import {tmpdir} from 'node:os';
 import {dirname, join, resolve} from 'node:path';
 import {fileURLToPath, pathToFileURL} from 'node:url';
@@ -35,9 +35,20 @@ function makeDocuments() {
   run('simulate', 'two.vex', '--seed', '2', '--melt', '30');
   run('study', 'new', 'study.vex', 'one.vex', 'two.vex');
   run('simulate', 'short.vex', '--cycles', '1');
+  mkdirSync(join(folder, 'one'));
+  mkdirSync(join(folder, 'two'));
+  run('simulate', 'one/run.vex', '--seed', '3', '--cycles', '40', '--melt', '30');
+  run('simulate', 'two/run.vex', '--seed', '4', '--cycles', '30', '--wells', '384');
   writeFileSync(join(folder, 'wells.csv'), `${kWells}A1,"${kHostile.replaceAll('"', '""')}",T,UNKN,,FAM\n`);
   writeFileSync(join(folder, 'readings.csv'),
     'well,stage,cycle,time_s,temperature_c,fluorescence\nA1,amplification,1,0,60,1\n');
+  run('simulate', 'names.vex', '--melt', '20', '--readings-out', 'long-readings.csv', '--wells-out', 'names.csv');
+  const long = 'patient_2026_11_22_of_the_north_wing_sample_number_00000000';
+  const [head, ...wells] = readFileSync(join(folder, 'names.csv'), 'utf8').trim().split('\n');
+  const names = wells.map(line => line.split(',')).map(([well, sample, target, ...rest]) =>
+    [well, sample && `${long}_${sample}`, target && `${target}_${long}`, ...rest].join(','));
+  writeFileSync(join(folder, 'long.csv'), [head, ...names, ''].join('\n'));
+  run('record', 'long.vex', '--readings', 'long-readings.csv', '--wells', 'long.csv');
   run('record', 'hostile.vex', '--readings', 'readings.csv', '--wells', 'wells.csv');
   const bytes = readFileSync(join(folder, 'one.vex'));
   writeFileSync(join(folder, 'damaged.vex'), bytes.subarray(0, bytes.length - 1000));
@@ -50,8 +61,7 @@ const tests = {
       const page = await browser.open(urlOf('large.html'), view);
       assert.deepEqual(page.messages, []);
       assert.deepEqual(page.requests.filter(url => !url.startsWith('file:') && !url.startsWith('data:')), []);
-      const [content, window] = await page.run('[document.documentElement.scrollWidth, innerWidth]');
-      assert.ok(content <= window, `the page is ${content} wide in a window of ${window}`);
+      await fits(page, view);
       await page.close();
     }
   },
@@ -137,14 +147,14 @@ const tests = {
   // The rule of the page and that of the library are two programs.
   async 'CqOfThePageIsThatOfTheLibrary'(page) {
     const differences = await page.run(`Vex.model.traces.filter(trace => trace.result).map(trace => {
-      const {cq, reason} = Vex.cqAt(trace, Vex.thresholdOf(trace.detector));
+      const {cq, reason} = Vex.cqAt(trace, Vex.thresholdOf(trace.assay));
       return [trace.well, cq, trace.result.cq ?? null, reason, trace.result.reason || ''];
     }).filter(([, one, other, why, reason]) => (one === null) !== (other === null) ||
       Math.abs(one - other) > 1e-9 || (other === null && why !== reason))`);
     assert.deepEqual(differences, []);
     assert.ok(await page.run('Vex.model.traces.filter(trace => trace.result.cq).length') > 200);
     const lines = await page.run(`Vex.model.documents[0].data.detectorResults.map(each => {
-      const line = Vex.standardLine(each.name);
+      const line = Vex.standardLine(Vex.assayKey(Vex.model.documents[0], each.name));
       return [line.slope - each.curve.slope, line.intercept - each.curve.intercept, line.rSquared - each.curve.rSquared];
     })`);
     assert.ok(lines.length > 0);
@@ -247,6 +257,96 @@ const tests = {
     await page.close();
   },
 
+  // Each document was analysed alone, and detectors of two documents may have the same name.
+  async 'DocumentsKeepThresholdsAndStandardsApart'() {
+    const page = await browser.open(urlOf('both.html'));
+    const differences = await page.run(`Vex.model.documents.flatMap((of, i) => of.data.detectorResults.map(each => {
+      const key = Vex.assayKey(of, each.name);
+      const line = Vex.standardLine(key);
+      return [Vex.thresholdOf(key) - each.threshold, line.slope - each.curve.slope, line.count - each.curve.wells];
+    }))`);
+    assert.ok(differences.length > 8, 'both documents have standards');
+    for (const difference of differences.flat()) assert.ok(Math.abs(difference) < 1e-9, `${differences}`);
+    const thresholds = await page.run('[0, 1].map(i => Vex.thresholdOf(Vex.model.documents[i].plates[0] && ' +
+      'Vex.model.traces.find(trace => trace.plate.index === i && trace.detector).assay))');
+    assert.notEqual(thresholds[0], thresholds[1]);
+    assert.match(await page.run('document.querySelector("#standard-table").textContent'), /Document/);
+    await page.close();
+  },
+
+  async 'FindingsPickWellsOfTheirOwnDocument'() {
+    const page = await browser.open(urlOf('both.html'));
+    const picked = await page.run(`(() => {
+      const data = JSON.parse(document.querySelector('#data').textContent);
+      data.documents.forEach(each => { each.quality = []; });
+      data.documents[1].quality = [{problem: 'saturated', plate: '', wells: ['A3'], detector: '', text: 'A3 is saturated'}];
+      vexReport.update(data);
+      document.querySelector('#quality-list button').click();
+      return [...Vex.state.picked];
+    })()`);
+    assert.deepEqual(picked, ['1:3']);
+    assert.match(await page.run('document.querySelector("#quality-list").textContent'), /two\/run\.vex: A3/);
+    await page.close();
+  },
+
+  async 'DocumentsOfTheSameNameAreToldApart'() {
+    const page = await browser.open(urlOf('both.html'));
+    assert.deepEqual(await page.run('Vex.model.plates.map(plate => plate.name)'), ['one/run.vex', 'two/run.vex']);
+    assert.match(await page.run('document.title'), /^one\/run\.vex and two\/run\.vex/);
+    const chips = await page.run('[...document.querySelectorAll("#summary .chip")].map(chip => chip.textContent)');
+    assert.deepEqual(chips, ['2 documents', '2 plates', 'complete', '96 to 384 wells', '30 to 70 frames',
+      'one/run.vex: check: no errors', 'two/run.vex: check: no errors']);
+    await page.close();
+  },
+
+  async 'DamagedRunIsNotCalledCompleteOrNotStarted'() {
+    const page = await browser.open(urlOf('damaged.html'));
+    assert.equal(await page.run('document.querySelector("#summary .chip").textContent'), 'shown in part');
+    assert.doesNotMatch(await page.run('document.body.innerText'), /no frames yet/);
+    await page.close();
+  },
+
+  async 'CopiedTextsAreNoFormulas'(page) {
+    const texts = {'-1+cmd|x': "'-1+cmd|x", '=1': "'=1", ' =1': "' =1", '@SUM(A1)': "'@SUM(A1)", '+A1': "'+A1",
+      '-1': '-1', '-1.5': '-1.5', 'a\tb\n': 'a b ', '"a': '"""a"', 'plain - text': 'plain - text'};
+    assert.deepEqual(await page.run(`${JSON.stringify(Object.keys(texts))}.map(Vex.cellText)`), Object.values(texts));
+  },
+
+  async 'AxesWritePowersWithoutAPlus'(page) {
+    assert.deepEqual(await page.run('[1e6, 2.5e7, 1e-5, 1e5].map(value => Vex.number(value))'), ['1e6', '2.5e7', '1e-5', '100000']);
+  },
+
+  // A name of 60 letters, without a space to break it at.
+  async 'LongNamesKeepThePageWithinItsWindow'() {
+    for (const view of [{}, {width: 390, height: 844, mobile: true}]) {
+      const page = await browser.open(urlOf('long.html'), view);
+      const window = await fits(page, view);
+      const cell = await page.run('Math.max(...[...document.querySelectorAll(".wells td")].map(each => each.offsetWidth))');
+      const wide = await page.run('[...document.querySelectorAll("section > *, .card-head > *, .controls > *")].filter(each => each.offsetParent && each.getBoundingClientRect().right > innerWidth).map(each => each.id || each.className)');
+      assert.deepEqual(wide, [], 'parts that leave the window');
+      assert.ok(cell <= 360, `a cell is ${cell} wide`);
+      const select = await page.run('Math.max(...[...document.querySelectorAll("select")].map(each => each.offsetWidth))');
+      assert.ok(select < window, `a field is ${select} wide`);
+      await page.close();
+    }
+  },
+
+  async 'PrintedPageFitsThePaper'() {
+    for (const name of ['large', 'study', 'long']) {
+      const page = await browser.open(urlOf(`${name}.html`));
+      await page.send('Emulation.setEmulatedMedia', {media: 'print'});
+      await page.run('dispatchEvent(new Event("beforeprint"))');
+      // A4 less its margins is 186 mm wide.
+      await page.send('Emulation.setDeviceMetricsOverride', {width: 703, height: 1000, deviceScaleFactor: 1, mobile: false});
+      await page.settle();
+      const content = await page.run('document.documentElement.scrollWidth');
+      assert.ok(content <= 703, `${name} is ${content} wide on paper of 703`);
+      const widest = await page.run('Math.max(...[...document.querySelectorAll("table, .uplot")].filter(each => each.offsetParent).map(each => each.getBoundingClientRect().right))');
+      assert.ok(widest <= 704, `${name} reaches to ${widest} on paper of 703`);
+      await page.close();
+    }
+  },
+
   async 'RunOfOneFrameIsShown'() {
     const page = await browser.open(urlOf('short.html'));
     assert.equal(await page.run('Vex.amplification.shown.length'), 96);
@@ -298,6 +398,13 @@ const tests = {
   },
 };
 
+// The browser of a phone makes its window as wide as the page.
+async function fits(page, {width = 1280}) {
+  const content = await page.run('document.documentElement.scrollWidth');
+  assert.ok(content <= width, `the page is ${content} wide in a window of ${width}`);
+  return width;
+}
+
 // Where the curve of a well is, in the window.
 function placeOnCurve(page, key, share) {
   return page.run(`(() => {
@@ -316,6 +423,8 @@ async function main() {
   assert.equal(report('large.html', 'large.vex').status, 0);
   assert.equal(report('one.html', 'one.vex').status, 0);
   assert.equal(report('study.html', 'study.vex').status, 0);
+  assert.equal(report('both.html', 'one/run.vex', 'two/run.vex').status, 0);
+  assert.equal(report('long.html', 'long.vex').status, 0);
   assert.equal(report('hostile.html', 'hostile.vex').status, 0);
   assert.equal(report('short.html', 'short.vex').status, 0);
   assert.equal(report('damaged.html', 'damaged.vex').status, 1);

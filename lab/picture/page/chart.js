@@ -6,6 +6,7 @@
   const kMostCurves = 1600;
   const kPickDistance = 24;  // pixels from the pointer to a curve
   const kFaint = 0.13;
+  const kPaper = 660;  // what fits on A4 and on letter paper, in pixels
 
   const css = name => getComputedStyle(document.documentElement).getPropertyValue(name).trim();
 
@@ -55,7 +56,8 @@
     }
 
     size() {
-      const width = Math.max(this.place.clientWidth, 200);
+      // Of a page that is printed the browser tells the width only when it is too late.
+      const width = Vex.isPrinting ? Math.min(this.place.clientWidth, kPaper) : Math.max(this.place.clientWidth, 200);
       const isTall = this.place.classList.contains('tall');
       return {width, height: Math.round(Math.min(Math.max(width * (isTall ? 0.66 : 0.6), 230), isTall ? 480 : 330))};
     }
@@ -165,7 +167,7 @@
       if (high === 0) return [0.1, 1];
       let low = high / 1000;
       for (const {trace} of this.shown) {
-        const threshold = Vex.thresholdOf(trace.detector);
+        const threshold = Vex.thresholdOf(trace.assay);
         if (threshold > 0) low = Math.min(low, threshold / 10);
       }
       return [10 ** Math.floor(Math.log10(Math.max(low, high / 1e5))), 10 ** (Math.log10(high) + 0.08)];

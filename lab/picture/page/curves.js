@@ -32,12 +32,21 @@
     return h('label', {class: 'field'}, 'Stored ', select);
   }
 
+  let isWaiting = false;  // for results
+
   function controls() {
     const hasResults = Vex.model.traces.some(trace => trace.result && trace.result.line);
-    if (!hasResults && Vex.state.values !== 'raw') Vex.state.values = 'raw';
+    // A run that has just begun has none yet; what the reader wants comes back with them.
+    if (!hasResults && Vex.state.values === 'corrected') [Vex.state.values, isWaiting] = ['raw', true];
+    else if (hasResults && isWaiting) [Vex.state.values, isWaiting] = ['corrected', false];
     const reset = h('button', {type: 'button', id: 'reset-thresholds', class: 'tool',
       onclick: () => Vex.set({thresholds: new Map()})}, 'Reset thresholds');
     const place = Vex.byId('amplification-controls');
+    const {model} = Vex;
+    const shape = JSON.stringify([hasResults, model.detectors,
+      model.plates.filter(plate => !plate.readings.known).map(plate => plate.readings.channels)]);
+    if (place.shape === shape) return;  // a list that is open would close
+    place.shape = shape;
     place.replaceChildren();
     for (const part of [detectorField(), channelField(),
       choice('scale', 'Axis', [['linear', 'Linear'], ['log', 'Log']]),

@@ -48,7 +48,7 @@
   function plateOf(data, documentOf, index) {
     const readings = data.readings;
     const plate = {
-      index, data, document: documentOf, name: data.name, rows: data.rows, columns: data.columns,
+      index, data, document: documentOf, name: '', rows: data.rows, columns: data.columns,
       readings, wells: new Map(data.wells.map(well => [well.number, well])),
       cycles: stageOf(readings, 'a', readings.cycles),
       melt: stageOf(readings, 'm', readings.temperatures), curves: new Map(),
@@ -95,6 +95,7 @@
       task: target ? target.task : '', quantity: target ? target.quantity : undefined,
       reporter: target && target.reporter || '', result: null, peaks: [], meltX: null,
     };
+    trace.assay = trace.detector && Vex.assayKey(plate.document, trace.detector);
     const curve = plate.curves.get(`${number}/${channel}`);
     if (!curve) return trace;
     // Decoded when first drawn, so that a page opens at once.
@@ -127,10 +128,10 @@
 
   function addResults(documentOf, traces) {
     const find = new Map(traces.map(trace =>
-      [`${trace.plate.name}/${trace.number}/${trace.detector}`, trace]));
+      [`${trace.plate.data.name}/${trace.number}/${trace.detector}`, trace]));
     const isStudy = documentOf.data.study;
     const traceOfEntry = entry => find.get(
-      `${isStudy ? entry.plate : documentOf.plates[0].name}/${entry.well}/${entry.detector}`);
+      `${isStudy ? entry.plate : documentOf.plates[0].data.name}/${entry.well}/${entry.detector}`);
     for (const result of documentOf.data.results || []) {
       const trace = traceOfEntry(result);
       if (trace) trace.result = result;
@@ -146,13 +147,59 @@
     }
   }
 
+  // Detectors of different documents are different assays, whatever they are called: each document
+  // was analysed alone, with thresholds of its own.
+  Vex.assayKey = (documentOf, detector) => `${documentOf.index}/${detector}`;
+
+  function assaysOf(model) {
+    const assays = new Map();
+    for (const trace of model.traces) {
+      if (!trace.detector || assays.has(trace.assay)) continue;
+      assays.set(trace.assay, {key: trace.assay, detector: trace.detector, document: trace.plate.document});
+    }
+    return assays;
+  }
+
+  // The same name twice gets a number.
+  function numbered(names) {
+    const seen = new Map();
+    return names.map(name => {
+      seen.set(name, (seen.get(name) || 0) + 1);
+      return seen.get(name) > 1 ? `${name} (${seen.get(name)})` : name;
+    });
+  }
+
+  // What documents are called: the name of the file, behind as many of its folders as it takes to
+  // tell it from the others.
+  function namesOf(documents) {
+    const paths = documents.map(each => each.data.path.split('/'));
+    const tail = (path, count) => path.slice(-count).join('/');
+    return numbered(paths.map(path => {
+      let count = 1;
+      const isShared = () => paths.some(other =>
+        other.join('/') !== path.join('/') && tail(other, count) === tail(path, count));
+      while (count < path.length && isShared()) ++count;
+      return tail(path, count);
+    }));
+  }
+
+  function nameAll(model) {
+    namesOf(model.documents).forEach((name, i) => { model.documents[i].name = name; });
+    const isTaken = plate => model.plates.some(other => other !== plate && other.data.name === plate.data.name);
+    const names = model.plates.map(plate => {
+      if (!isTaken(plate)) return plate.data.name;
+      return plate.document.data.study ? `${plate.data.name}, ${plate.document.name}` : plate.document.name;
+    });
+    numbered(names).forEach((name, i) => { model.plates[i].name = name; });
+  }
+
   // The largest plate that is drawn well by well.
   Vex.kMostDrawn = 6144;
 
   Vex.decode = data => {
     const model = {data, documents: [], plates: [], traces: []};
     for (const entry of data.documents) {
-      const documentOf = {data: entry, plates: []};
+      const documentOf = {data: entry, plates: [], index: model.documents.length};
       for (const plate of entry.plates || []) {
         documentOf.plates.push(plateOf(plate, documentOf, model.plates.length));
         model.plates.push(documentOf.plates[documentOf.plates.length - 1]);
@@ -162,6 +209,8 @@
       model.documents.push(documentOf);
       for (const trace of traces) model.traces.push(trace);
     }
+    nameAll(model);
+    model.assays = assaysOf(model);
     model.byKey = new Map();
     for (const trace of model.traces) {
       if (!model.byKey.has(trace.key)) model.byKey.set(trace.key, []);

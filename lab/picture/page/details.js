@@ -118,14 +118,17 @@
   }
 
   function quality() {
-    const findings = Vex.model.documents.flatMap(each => each.data.quality || []);
+    const {documents} = Vex.model;
+    const findings = documents.flatMap(of => (of.data.quality || []).map(finding => ({...finding, of})));
     Vex.byId('quality').hidden = findings.length === 0;
-    const plateNamed = name => Vex.model.plates.find(plate => plate.name === name) || Vex.model.plates[0];
+    const plateOf = ({of, plate: name}) =>
+      (of.data.study ? of.plates.find(plate => plate.data.name === name) : of.plates[0]);
     const item = finding => {
-      const plate = plateNamed(finding.plate);
+      const plate = plateOf(finding);
       const keys = Vex.model.traces.filter(trace => trace.plate === plate && finding.wells.includes(trace.well))
         .map(trace => trace.key);
-      return h('li', {}, `${finding.text} `, keys.length ? showButton(finding, keys) : null);
+      const of = documents.length > 1 ? `${finding.of.name}: ` : '';
+      return h('li', {}, `${of}${finding.text} `, keys.length ? showButton(finding, keys) : null);
     };
     const kinds = [...new Set(findings.map(finding => finding.problem))];
     Vex.byId('quality-list').replaceChildren(...kinds.map((kind, i) => {

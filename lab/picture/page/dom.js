@@ -34,7 +34,7 @@ const Vex = {};
   Vex.number = (value, digits = 4) => {
     if (value === null || value === undefined || !Number.isFinite(value)) return '';
     const size = Math.abs(value);
-    if (size !== 0 && (size < 1e-3 || size >= 1e6)) return trim(value.toExponential(digits - 1));
+    if (size !== 0 && (size < 1e-3 || size >= 1e6)) return trim(value.toExponential(digits - 1)).replace('e+', 'e');
     return trim(value.toPrecision(Math.max(digits, size < 1 ? digits : Math.ceil(Math.log10(size + 1)))));
   };
   const trim = text => text.includes('.') ? text.replace(/\.?0+(e|$)/, '$1') : text;

@@ -6,7 +6,7 @@
   const kStates = {ZERO: 'not started', PROG: 'in progress', DONE: 'complete'};
 
   function title(model) {
-    const names = model.documents.map(each => each.data.name);
+    const names = model.documents.map(each => each.name);
     const text = names.length > 2 ? `${names[0]} and ${names.length - 1} more` : names.join(' and ') || 'Run report';
     byId('title').textContent = text;
     document.title = `${text} - run report`;
@@ -14,45 +14,69 @@
 
   function chip(text, kind) { return h('span', {class: `chip ${kind || ''}`}, text); }
 
+  // "96 wells", or "96 to 384 wells" of plates that differ.
+  function span(numbers, noun) {
+    const [low, high] = [Math.min(...numbers), Math.max(...numbers)];
+    const each = numbers.length > 1 && low === high ? ' each' : '';
+    return `${low === high ? '' : `${low.toLocaleString('en')} to `}${Vex.counted(high, noun)}${each}`;
+  }
+
+  // What a plate's status says is true of the run, not of a file that was cut off since.
+  function statusOf(plate) {
+    if ((plate.document.data.faults || []).length > 0) return {text: 'shown in part', kind: 'bad'};
+    const code = plate.data.status.trim();
+    return {text: kStates[code] || code, kind: {DONE: 'good', PROG: 'busy'}[code] || ''};
+  }
+
+  function checkChip({data, name}, isOnly) {
+    const of = isOnly ? '' : `${name}: `;
+    if (data.error) return chip(`${of || `${name}: `}not read`, 'bad');
+    if (!data.findings) return null;
+    const {errors, warnings} = data.findings;
+    const text = errors ? Vex.counted(errors, 'error') : warnings ? Vex.counted(warnings, 'warning') : 'no errors';
+    return chip(`${of}check: ${text}`, errors ? 'bad' : warnings ? 'busy' : 'good');
+  }
+
   function summary(model) {
+    const {documents, plates} = model;
     const chips = [];
-    if (model.plates.length > 1) chips.push(chip(Vex.counted(model.plates.length, 'plate')));
-    if (model.plates.length) {
-      const {data} = model.plates[0];
-      const states = [...new Set(model.plates.map(plate => plate.data.status.trim()))];
-      chips.push(chip(states.map(state => kStates[state] || state).join(', '),
-        states.join() === 'DONE' ? 'good' : states.includes('PROG') ? 'busy' : ''));
-      chips.push(chip(`${data.rows * data.columns} wells`));
-      chips.push(chip(Vex.counted(model.plates.reduce((most, plate) => Math.max(most, plate.readings.frames), 0), 'frame')));
+    if (documents.length > 1) chips.push(chip(Vex.counted(documents.length, 'document')));
+    if (plates.length > 1) chips.push(chip(Vex.counted(plates.length, 'plate')));
+    if (plates.length) {
+      const states = plates.map(statusOf);
+      const texts = [...new Set(states.map(state => state.text))];
+      const worst = ['bad', 'busy', ''].find(kind => states.some(state => state.kind === kind)) ?? 'good';
+      chips.push(chip(texts.join(', '), worst),
+        chip(span(plates.map(plate => plate.rows * plate.columns), 'well')),
+        chip(span(plates.map(plate => plate.readings.frames), 'frame')));
     }
-    for (const {data} of model.documents) {
-      if (data.error) chips.push(chip(`${data.name}: not read`, 'bad'));
-      if (!data.findings) continue;
-      const {errors, warnings} = data.findings;
-      const text = errors ? Vex.counted(errors, 'error') : warnings ? Vex.counted(warnings, 'warning') : 'no errors';
-      chips.push(chip(`check: ${text}`, errors ? 'bad' : warnings ? 'busy' : 'good'));
-    }
+    chips.push(...documents.map(each => checkChip(each, documents.length === 1)).filter(Boolean));
     byId('summary').replaceChildren(...chips);
   }
 
   function messages(model) {
     const list = [];
-    for (const {data, plates} of model.documents) {
+    for (const {data, name, plates} of model.documents) {
       if (data.error) list.push(h('p', {class: 'message bad'}, data.error));
       for (const fault of (data.faults || []).slice(0, 5)) {
-        list.push(h('p', {class: 'message bad'}, `${data.name} is shown in part. Byte ${fault.offset}: ${fault.what}`));
+        list.push(h('p', {class: 'message bad'}, `${name} is shown in part. Byte ${fault.offset}: ${fault.what}`));
       }
       for (const plate of plates) list.push(...plateMessages(plate));
-      if (data.analysisError) list.push(h('p', {class: 'message'}, `${data.name} has no Cq: ${data.analysisError}`));
+      if (data.analysisError) list.push(h('p', {class: 'message'}, `${name} has no Cq: ${data.analysisError}`));
     }
-    if (model.documents.length === 0) list.push(h('p', {class: 'message bad'}, 'The report has no documents.'));
+    const {note} = model.data;
+    if (note) list.unshift(h('p', {class: 'message'}, note));
+    else if (model.documents.length === 0) list.push(h('p', {class: 'message bad'}, 'The report has no documents.'));
     byId('messages').replaceChildren(...list);
   }
 
   function plateMessages(plate) {
     const words = [];
-    if (plate.readings.frames === 0) words.push('has no frames yet, so there are no curves');
-    else if (!plate.readings.known) words.push('was not recorded by this program, so the page shows the stored values, whose meaning it does not know');
+    const isDamaged = (plate.document.data.faults || []).length > 0;
+    if (plate.readings.frames === 0) {
+      words.push(`has no frames ${isDamaged ? 'that can be read' : 'yet'}, so there are no curves`);
+    }
+    if (plate.readings.frames > 0 && !plate.readings.known) words.push('was not recorded by this program, so the page shows the stored values, whose meaning it does not know');
     if (plate.data.wells.length === 0) words.push('has no plate setup: samples and detectors are not known');
     return words.map(text => h('p', {class: 'message'}, `${plate.name} ${text}.`));
   }
@@ -70,16 +94,19 @@
       const best = model.detectors.length > 1 ? 'detector' : 'sample';
       Vex.state.colourBy = (modes.find(mode => mode.name === best) || modes[0] || {name: 'detector'}).name;
     }
-    select.replaceChildren(...modes.map(mode => h('option', {value: mode.name}, mode.label)));
+    // A list that is open would close.
+    const shape = modes.map(mode => mode.name).join();
+    if (select.shape !== shape) select.replaceChildren(...modes.map(mode => h('option', {value: mode.name}, mode.label)));
+    select.shape = shape;
     select.value = Vex.state.colourBy;
     select.disabled = modes.length === 0;
   }
 
   function thresholdsOf(model) {
     const thresholds = new Map();
-    for (const {data} of model.documents) {
-      for (const each of data.detectorResults || []) {
-        if (each.threshold !== undefined && !thresholds.has(each.name)) thresholds.set(each.name, each.threshold);
+    for (const of of model.documents) {
+      for (const each of of.data.detectorResults || []) {
+        if (each.threshold !== undefined) thresholds.set(Vex.assayKey(of, each.name), each.threshold);
       }
     }
     return thresholds;
@@ -149,15 +176,32 @@
     byId('print').addEventListener('click', () => window.print());
   }
 
-  // A server of the page sends the data of a run that goes on.
+  // A server of the page sends the data of a run that goes on. A browser has few connections to a
+  // server, so a page that nobody sees gives its own back.
   function listen(path) {
     if (!path) return;
     const live = byId('live');
     const tell = (text, kind) => { live.hidden = false; live.textContent = text; live.className = `chip ${kind}`; };
-    const source = new EventSource(path);
-    source.onopen = () => tell('live', 'good');
-    source.onmessage = event => { tell('live', 'good'); update(JSON.parse(event.data)); };
-    source.onerror = () => tell('connection lost, trying again', 'bad');
+    const url = new URL(path, location.href);
+    let source = null;
+    const close = () => { if (source) source.close(); source = null; };
+    const open = () => {
+      close();
+      if (document.hidden) return;
+      const opened = source = new EventSource(url);
+      opened.onopen = () => tell('live', 'good');
+      opened.onmessage = event => {
+        url.searchParams.set('seen', event.lastEventId);
+        tell('live', 'good');
+        update(JSON.parse(event.data));
+      };
+      opened.onerror = () => {
+        tell('connection lost, trying again', 'bad');
+        if (opened.readyState === EventSource.CLOSED) setTimeout(() => opened === source && open(), 3000);
+      };
+    };
+    document.addEventListener('visibilitychange', open);
+    open();
   }
 
   startTheme();

@@ -4,10 +4,10 @@
 (() => {
   const {h} = Vex;
 
-  function pointsOf(detector) {
+  function pointsOf(assay) {
     const points = [];
     for (const trace of Vex.model.traces) {
-      if (trace.detector !== detector || trace.task.trim() !== 'STND' || !(trace.quantity > 0)) continue;
+      if (trace.assay !== assay || trace.task.trim() !== 'STND' || !(trace.quantity > 0)) continue;
       if (!Vex.isShown(trace)) continue;
       const {cq} = Vex.cqOf(trace);
       if (cq !== null) points.push({x: Math.log10(trace.quantity), y: cq, trace});
@@ -16,27 +16,29 @@
   }
 
   // The line at the thresholds of the moment.
-  let lines = {of: null, known: new Map()};
-  Vex.standardLine = detector => {
-    if (lines.of !== Vex.state.thresholds) lines = {of: Vex.state.thresholds, known: new Map()};
-    if (!lines.known.has(detector)) lines.known.set(detector, Vex.fitLine(pointsOf(detector)));
-    return lines.known.get(detector);
+  let lines = {of: [], known: new Map()};
+  Vex.standardLine = assay => {
+    const {thresholds, plate, detector} = Vex.state;
+    const of = [Vex.model, thresholds, plate, detector];
+    if (of.some((each, i) => each !== lines.of[i])) lines = {of, known: new Map()};
+    if (!lines.known.has(assay)) lines.known.set(assay, Vex.fitLine(pointsOf(assay)));
+    return lines.known.get(assay);
   };
 
   // Of the analysis, where nothing was moved: it also has the limits and the interval.
-  function analysed(detector) {
-    for (const {data} of Vex.model.documents) {
-      const found = (data.detectorResults || []).find(each => each.name === detector);
-      if (found && found.curve) return found.curve;
-    }
-    return null;
+  function analysed({detector, document: of}) {
+    const found = (of.data.detectorResults || []).find(each => each.name === detector);
+    return found && found.curve || null;
   }
 
+  const hasSeveral = () => Vex.model.documents.length > 1;
+
   function curves() {
-    const names = Vex.state.detector ? [Vex.state.detector] : Vex.model.detectors;
-    return names.map(name => {
-      const points = pointsOf(name);
-      return {name, points, line: Vex.fitLine(points), analysed: analysed(name)};
+    const assays = [...Vex.model.assays.values()]
+      .filter(assay => !Vex.state.detector || assay.detector === Vex.state.detector);
+    return assays.map(assay => {
+      const points = pointsOf(assay.key);
+      return {assay, points, line: Vex.fitLine(points), analysed: analysed(assay)};
     }).filter(curve => curve.points.length > 0);
   }
 
@@ -59,7 +61,7 @@
         colour: byDetector && look.colour || 'var(--ink-soft)', dash: look.dash});
     }
     Vex.drawSvgChart(Vex.byId('standard-chart'), {
-      label: `Cq against quantity of ${Vex.counted(found.length, 'detector')}; the table has the numbers`,
+      label: `Cq against quantity of ${Vex.counted(found.length, 'assay')}; the table has the numbers`,
       height: 360, xTicks: ticksOf(marks), xLabel: 'quantity (logarithmic)', yLabel: 'Cq, cycles', lines, marks, xText: tick => Vex.number(10 ** tick, 3),
     });
   }
@@ -80,24 +82,26 @@
     return h('span', {class: 'flag', title: 'outside 90 to 110 %'}, line.efficiency < 0.9 ? ' low' : ' high');
   }
 
-  function row({name, points, line, analysed: stated}) {
-    const moved = Vex.state.thresholds.has(name);
+  function row({assay, points, line, analysed: stated}) {
+    const moved = Vex.state.thresholds.has(assay.key);
     const extra = moved || !stated ? null : stated;
     const interval = extra && extra.efficiencyLow !== undefined
       ? `95 %: ${percent(extra.efficiencyLow)} to ${percent(extra.efficiencyHigh)}` : null;
-    if (!line) return h('tr', {}, h('th', {scope: 'row'}, name), h('td', {colspan: 7}, 'too few standards have a Cq'));
-    return h('tr', {}, h('th', {scope: 'row'}, name),
+    const head = [h('th', {scope: 'row'}, assay.detector), hasSeveral() ? h('td', {}, assay.document.name) : null];
+    if (!line) return h('tr', {}, head, h('td', {colspan: 7}, 'too few standards have a Cq'));
+    return h('tr', {}, head,
       h('td', {class: 'number'}, Vex.fixed(line.slope, 3)), h('td', {class: 'number'}, Vex.fixed(line.intercept, 2)),
       h('td', {class: 'number', title: interval}, percent(line.efficiency), judged(line)),
       h('td', {class: 'number'}, Vex.fixed(line.rSquared, 4)),
       h('td', {class: 'number'}, extra && extra.limitOfDetection !== undefined ? Vex.number(extra.limitOfDetection) : ''),
-      h('td', {class: 'number'}, points.length), h('td', {class: 'number'}, Vex.number(Vex.thresholdOf(name), 3)));
+      h('td', {class: 'number'}, points.length), h('td', {class: 'number'}, Vex.number(Vex.thresholdOf(assay.key), 3)));
   }
 
   function table(found) {
-    const heads = ['Detector', 'Slope', 'Intercept', 'Efficiency', 'r²', 'Limit of detection', 'Wells', 'Threshold'];
+    const words = hasSeveral() ? ['Detector', 'Document'] : ['Detector'];
+    const heads = [...words, 'Slope', 'Intercept', 'Efficiency', 'r²', 'Limit of detection', 'Wells', 'Threshold'];
     Vex.byId('standard-table').replaceChildren(h('table', {},
-      h('thead', {}, h('tr', {}, heads.map((head, i) => h('th', {scope: 'col', class: i ? 'number' : null}, head)))),
+      h('thead', {}, h('tr', {}, heads.map((head, i) => h('th', {scope: 'col', class: i >= words.length ? 'number' : null}, head)))),
       h('tbody', {}, found.map(row))));
   }
 
@@ -110,14 +114,16 @@
   }
 
   function relative() {
-    const rows = Vex.model.documents.flatMap(each => each.data.relative || []);
+    const rows = Vex.model.documents.flatMap(of => (of.data.relative || []).map(each => ({...each, of})));
     Vex.byId('relative').hidden = rows.length === 0;
     if (rows.length === 0) return;
-    const heads = ['Sample', 'Detector', 'ΔCq', '± SD', 'ΔΔCq', 'Ratio', 'from', 'to', 'Corrected for efficiency'];
+    const words = hasSeveral() ? ['Sample', 'Detector', 'Document'] : ['Sample', 'Detector'];
+    const heads = [...words, 'ΔCq', '± SD', 'ΔΔCq', 'Ratio', 'from', 'to', 'Corrected for efficiency'];
     const cell = text => h('td', {class: 'number'}, text);
     Vex.byId('relative-table').replaceChildren(h('table', {},
-      h('thead', {}, h('tr', {}, heads.map((head, i) => h('th', {scope: 'col', class: i > 1 ? 'number' : null}, head)))),
+      h('thead', {}, h('tr', {}, heads.map((head, i) => h('th', {scope: 'col', class: i >= words.length ? 'number' : null}, head)))),
       h('tbody', {}, rows.map(each => h('tr', {}, h('th', {scope: 'row'}, each.sample), h('td', {}, each.detector),
+        hasSeveral() ? h('td', {}, each.of.name) : null,
         cell(Vex.fixed(each.deltaCq, 2)), cell(Vex.fixed(each.deviation, 2)), cell(Vex.fixed(each.deltaDeltaCq, 2)),
         cell(Vex.number(each.ratio)), cell(Vex.number(each.ratioLow)), cell(Vex.number(each.ratioHigh)),
         cell(Vex.number(each.correctedRatio)))))));

@@ -9,7 +9,7 @@
     channel: 0,             // of readings whose meaning is not known
     scale: 'linear',        // or 'log'
     values: 'corrected',    // or 'raw'
-    thresholds: new Map(),  // by detector, where the reader has moved it
+    thresholds: new Map(),  // by assay, where the reader has moved it
     plate: -1,              // the one plate that is shown; -1 is all
     theme: 'auto',          // or 'light' or 'dark'
   };
@@ -40,10 +40,10 @@
     Vex.set({picked: next});
   };
 
-  // The threshold of a detector: where the reader has put it, else that of the analysis.
-  Vex.thresholdOf = detector => {
-    if (state.thresholds.has(detector)) return state.thresholds.get(detector);
-    const found = Vex.model.thresholds.get(detector);
+  // The threshold of an assay: where the reader has put it, else that of the analysis.
+  Vex.thresholdOf = assay => {
+    if (state.thresholds.has(assay)) return state.thresholds.get(assay);
+    const found = Vex.model.thresholds.get(assay);
     return found === undefined ? null : found;
   };
 
@@ -56,8 +56,8 @@
 
   // The results of a trace at the thresholds of the moment.
   Vex.cqOf = trace => {
-    const threshold = Vex.thresholdOf(trace.detector);
-    const moved = state.thresholds.has(trace.detector);
+    const threshold = Vex.thresholdOf(trace.assay);
+    const moved = state.thresholds.has(trace.assay);
     if (!moved && trace.result) return {cq: trace.result.cq ?? null, reason: trace.result.reason || ''};
     if (trace.cqAt !== threshold || !trace.cqNow) {
       trace.cqNow = Vex.cqAt(trace, threshold);

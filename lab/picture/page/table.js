@@ -21,7 +21,7 @@
     {id: 'sdm', head: 'Cq, 2nd derivative', number: trace => trace.result?.sdm, digits: value => Vex.fixed(value, 2),
       when: any(trace => trace.result && trace.result.sdm !== undefined)},
     {id: 'estimate', head: 'Found quantity', number: estimate, digits: value => Vex.number(value),
-      title: trace => trace.result?.estimate && !Vex.state.thresholds.has(trace.detector)
+      title: trace => trace.result?.estimate && !Vex.state.thresholds.has(trace.assay)
         ? `95 %: ${Vex.number(trace.result.estimate.low)} to ${Vex.number(trace.result.estimate.high)}` : null,
       when: any(trace => trace.result && trace.result.estimate), moves: true},
     {id: 'tm', head: 'Tm, °C', number: trace => Vex.mainPeak(trace)?.temperature, digits: value => Vex.fixed(value, 1),
@@ -36,16 +36,16 @@
   // From the line through the standards: it follows a threshold that was moved.
   function estimate(trace) {
     const found = trace.result?.estimate;
-    if (!found || !Vex.state.thresholds.has(trace.detector)) return found?.quantity;
+    if (!found || !Vex.state.thresholds.has(trace.assay)) return found?.quantity;
     const {cq} = Vex.cqOf(trace);
-    const line = Vex.standardLine(trace.detector);
+    const line = Vex.standardLine(trace.assay);
     return cq === null || !line ? undefined : 10 ** ((cq - line.intercept) / line.slope);
   }
 
   function note(trace) {
     if (!trace.isMeasured) return 'not measured';
     const {reason} = Vex.cqOf(trace);
-    if (Vex.state.thresholds.has(trace.detector)) return reason;
+    if (Vex.state.thresholds.has(trace.assay)) return reason;
     return trace.result ? trace.result.note || reason : '';
   }
 
@@ -109,7 +109,7 @@
         onchange: () => Vex.pick([trace.key], {toggle: true})})),
       list.map((column, i) => h(i ? 'td' : 'th', {
         class: column.number ? 'number' : null, scope: i ? null : 'row',
-        title: column.title ? column.title(trace) : null,
+        title: column.title ? column.title(trace) : column.number || column.moves ? null : textOf(column, trace),
       }, textOf(column, trace))));
     row.trace = trace;
     row.addEventListener('pointerenter', () => Vex.set({hover: trace.key}));
@@ -178,12 +178,20 @@
     for (const row of hovered) row.classList.add('hovered');
   }
 
+  // A text as a cell that a spreadsheet neither runs nor splits. "-1+cmd|x" is a formula, "-1" is not.
+  Vex.cellText = text => {
+    const line = text.replace(/[\t\r\n\v\f\u0085\u2028\u2029]+/g, ' ');
+    const isFormula = /^\s*[=+@\-]/.test(line) && !/^\s*[+-]?\d+([.,]\d+)?\s*$/.test(line);
+    if (line.startsWith('"')) return `"${line.replaceAll('"', '""')}"`;
+    return isFormula ? `'${line}` : line;
+  };
+
   // The table as tab-separated text: the picked wells, or all that are listed.
   Vex.tableText = () => {
     const list = columns();
     const picked = shown.filter(trace => Vex.state.picked.has(trace.key));
-    const plain = text => text.replace(/[\t\r\n]+/g, ' ').replace(/^(?=[=+@]|-(?!\d))/, "'");
-    const rows = (picked.length ? picked : shown).map(trace => list.map(column => plain(textOf(column, trace))));
+    const cell = (column, trace) => (column.number ? textOf(column, trace) : Vex.cellText(textOf(column, trace)));
+    const rows = (picked.length ? picked : shown).map(trace => list.map(column => cell(column, trace)));
     return {count: rows.length,
       text: [list.map(column => column.head), ...rows].map(row => row.join('\t')).join('\n') + '\n'};
   };

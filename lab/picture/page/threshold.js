@@ -8,11 +8,13 @@
   let slider = null;
   let chart = null;
 
-  // The detectors whose threshold the line is.
-  function detectors() {
-    const {state, model} = Vex;
-    const shown = state.detector ? [state.detector] : model.detectors;
-    return shown.filter(name => Vex.thresholdOf(name) !== null);
+  // The assays whose threshold the line is.
+  function assays() {
+    const isShown = ({detector, document: of}) =>
+      (!Vex.state.detector || detector === Vex.state.detector) &&
+      (Vex.state.plate < 0 || Vex.model.plates[Vex.state.plate].document === of);
+    return [...Vex.model.assays.values()].filter(isShown).map(assay => assay.key)
+      .filter(key => Vex.thresholdOf(key) !== null);
   }
 
   function median(values) {
@@ -21,14 +23,14 @@
   }
 
   function current() {
-    const names = detectors();
-    return names.length === 0 ? null : median(names.map(Vex.thresholdOf));
+    const keys = assays();
+    return keys.length === 0 ? null : median(keys.map(Vex.thresholdOf));
   }
 
   function move(value) {
     if (!(value > 0)) return;
     const thresholds = new Map(Vex.state.thresholds);
-    for (const name of detectors()) thresholds.set(name, value);
+    for (const key of assays()) thresholds.set(key, value);
     Vex.set({thresholds});
   }
 
@@ -82,9 +84,9 @@
     slider.style.left = `${over.offsetLeft}px`;
     slider.style.width = `${over.offsetWidth}px`;
     slider.style.top = `${over.offsetTop + Math.min(Math.max(top, 0), over.offsetHeight)}px`;
-    const names = detectors();
-    const differ = new Set(names.map(Vex.thresholdOf)).size > 1;
-    const who = names.length === 1 ? '' : differ ? ', median of all' : ', all detectors';
+    const keys = assays();
+    const differ = new Set(keys.map(Vex.thresholdOf)).size > 1;
+    const who = keys.length === 1 ? '' : differ ? ', median of all' : ', all detectors';
     slider.firstChild.textContent = `Threshold ${Vex.number(value, 3)}${who}`;
     slider.setAttribute('aria-valuenow', value);
     slider.setAttribute('aria-valuemin', 0);
