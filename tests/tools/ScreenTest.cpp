@@ -17,7 +17,7 @@ namespace {
 
 constexpr const char* kComment = "second dilution series of the liver samples, measured again";
 
-bool isAscii(const std::string& text) {
+bool isAsciiText(const std::string& text) {
   return std::all_of(text.begin(), text.end(), [](char c) { return (c & '\x80') == 0; });
 }
 
@@ -123,7 +123,7 @@ TEST_F(ScreenTest, PlainLocaleGetsNothingButAscii) {
   for (const auto& call : calls()) {
     const CommandResult result = RunVexOn({.environment = {{"LC_ALL", "C"}}}, call);
     EXPECT_EQ(result.exitCode, 0) << call.front();
-    EXPECT_TRUE(isAscii(result.output)) << call.front() << "\n" << result.output;
+    EXPECT_TRUE(isAsciiText(result.output)) << call.front() << "\n" << result.output;
   }
   const CommandResult detectors =
       RunVexOn({.environment = {{"LC_ALL", "C"}}}, {"detectors", path_});
@@ -135,7 +135,7 @@ TEST_F(ScreenTest, PlainLocaleGetsNothingButAscii) {
 
 TEST_F(ScreenTest, LocaleIsTheFirstVariableThatIsSet) {
   const auto ascii = [&](const std::map<std::string, std::string>& environment) {
-    return isAscii(RunVexOn({.environment = environment}, {"detectors", path_}).output);
+    return isAsciiText(RunVexOn({.environment = environment}, {"detectors", path_}).output);
   };
   EXPECT_FALSE(ascii({{"LC_ALL", "de_DE.utf8"}}));
   EXPECT_FALSE(ascii({{"LC_ALL", ""}, {"LC_CTYPE", "xx_XX.UTF-8"}, {"LANG", "C"}}));
@@ -160,7 +160,7 @@ TEST_F(ScreenTest, DumbTerminalGetsNoControlSequences) {
     const CommandResult result = RunVexOn({.environment = {{"TERM", "dumb"}}, .columns = 80}, call);
     EXPECT_EQ(result.exitCode, 0) << call.front();
     EXPECT_EQ(result.output.find_first_of("\x1b\r"), std::string::npos) << result.output;
-    EXPECT_TRUE(isAscii(result.output)) << result.output;
+    EXPECT_TRUE(isAsciiText(result.output)) << result.output;
   }
 }
 
@@ -201,6 +201,25 @@ TEST(Table, WideColumnsStandBelowOthersBehindTheFirst) {
 TEST(Folded, BreaksAtBlanksAndKeepsWordsWhole) {
   EXPECT_EQ(tool::Folded("aa bb cc", 2, 7), "aa bb\n  cc");
   EXPECT_EQ(tool::Folded("a wide-word-of-its-own b", 2, 8), "a\n  wide-word-of-its-own\n  b");
+}
+
+// What a terminal shows after all that was written to it: lines that are written again count once.
+TEST_F(ScreenTest, FollowDrawsCurvesThatItCanWriteAgain) {
+  for (const bool isAscii : {false, true}) {
+    const CommandResult result = RunVexOn(
+        {.environment = {{"NO_COLOR", "1"}, {"LC_ALL", isAscii ? "C" : "C.UTF-8"}}, .columns = 80},
+        {"follow", path_});
+    EXPECT_EQ(result.exitCode, 0);
+    EXPECT_THAT(result.output, HasSubstr("fluorescence"));
+    EXPECT_THAT(result.output, HasSubstr("2/2 frames"));
+    EXPECT_THAT(result.output, HasSubstr(": the run is complete, 2 frames\n"));
+    EXPECT_EQ(isAsciiText(result.output), isAscii) << result.output;
+    for (const std::string& line : LinesOf(result.output)) {
+      // The progress and what follows it share a line, which the carriage return begins anew.
+      const std::string last = line.substr(line.rfind('\r') + 1);
+      EXPECT_LE(tool::Columns(last.substr(0, last.find('\x1b'))), 80U) << line;
+    }
+  }
 }
 
 }  // namespace vex2::test

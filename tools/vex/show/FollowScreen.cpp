@@ -1,11 +1,13 @@
 #include "tools/vex/show/FollowScreen.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <iostream>
 
 #include "tools/vex/Errors.h"
 #include "tools/vex/files/Output.h"
+#include "tools/vex/show/SceneLines.h"
 #include "tools/vex/text/Terminal.h"
 #include "tools/vex/text/Text.h"
 
@@ -28,11 +30,22 @@ std::string placeText(const FramePosition& position) {
   return text;
 }
 
+bool isScreen() {
+  return Terminal::Error().IsTerminal() && Terminal::Out().IsTerminal();
+}
+
+constexpr auto kLeastPause = std::chrono::milliseconds(200);  // between two pictures
+constexpr const char* kEraseToEnd = "\x1b[K";
+constexpr const char* kEraseAll = "\x1b[H\x1b[2J";
+
 }  // namespace
 
 void FollowScreen::Show(const Frame& frame, const RunFollower& follower) {
-  if (Terminal::Error().IsTerminal() && Terminal::Out().IsTerminal()) {
-    progress_.Show(
+  if (isScreen()) {
+    curves_.Add(frame);
+    isStale_ = true;
+    if (Clock::now() - drawn_ >= kLeastPause) draw(follower);
+    progress_->Show(
         {.framesDone = frame.index + 1, .framesTotal = follower.PlannedFrames(), .lastCommit = {}});
     return;
   }
@@ -40,7 +53,39 @@ void FollowScreen::Show(const Frame& frame, const RunFollower& follower) {
   if (!std::cout) FinishStream(std::cout, "standard output");
 }
 
-void FollowScreen::End(const RunFollower& follower) const {
+// The line below, of the progress, stays as it is.
+void FollowScreen::draw(const RunFollower& follower) {
+  drawn_ = Clock::now();
+  isStale_ = false;
+  if (!Terminal::Out().CanRewriteLines() || !follower.Run()) return;
+  CellSize size = ScreenSize();
+  const Scene scene = curves_.Build(*follower.Run(), follower.Channels());
+  const std::vector<std::string> picture =
+      scene.series.empty() ? std::vector<std::string>() : LinesOf(scene, size);
+  // On a screen that is too small lines would leave it above, where they cannot be written again.
+  if (picture.empty() || picture.size() > size.height) return;
+  const bool isOther = width_ != size.width || height_ != size.height;
+  if (isOther && lines_ > 0) {
+    std::cout << kEraseAll;
+    lines_ = 0;
+  }
+  std::cout << '\r';
+  if (lines_ > 0) std::cout << "\x1b[" << lines_ << 'A';
+  for (const std::string& line : picture) std::cout << line << kEraseToEnd << '\n';
+  for (std::size_t i = picture.size(); i < lines_; ++i) std::cout << kEraseToEnd << '\n';
+  std::cout << std::flush;
+  lines_ = std::max(lines_, picture.size());
+  width_ = size.width;
+  height_ = size.height;
+}
+
+void FollowScreen::CatchUp(const RunFollower& follower) {
+  if (isStale_) draw(follower);
+}
+
+void FollowScreen::End(const RunFollower& follower) {
+  CatchUp(follower);
+  Leave();
   std::cout << Printable(file_) << ": the run is complete, "
             << Counted(follower.CommittedFrames(), "frame") << '\n';
 }
