@@ -151,21 +151,31 @@ std::string scriptText(std::string_view json) {
 
 std::string ReportData(std::span<const std::filesystem::path> paths,
                        const ReportSettings& settings) {
-  ordered_json documents = ordered_json::array();
-  for (const std::filesystem::path& path : paths) {
-    if (settings.onDocument) settings.onDocument(path);
-    documents.push_back(DocumentEntry(path, settings).Take());
-  }
-  const ordered_json data = {{"version", kDataVersion},
-                             {"program", settings.program},
-                             {"made", settings.made},
-                             {"palette",
-                              {{"light", Palette::kLight},
-                               {"dark", Palette::kDark},
-                               {"scaleLight", Palette::kScaleLight},
-                               {"scaleDark", Palette::kScaleDark}}},
-                             {"documents", std::move(documents)}};
-  return textOf(data);
+  std::vector<std::string> entries;
+  for (const std::filesystem::path& path : paths) entries.push_back(ReportEntry(path, settings));
+  return ReportDataOf(entries, settings);
+}
+
+std::string ReportEntry(const std::filesystem::path& path, const ReportSettings& settings) {
+  if (settings.onDocument) settings.onDocument(path);
+  return textOf(DocumentEntry(path, settings).Take());
+}
+
+std::string ReportDataOf(std::span<const std::string> entries, const ReportSettings& settings) {
+  ordered_json head = {{"version", kDataVersion},
+                       {"program", settings.program},
+                       {"made", settings.made},
+                       {"palette",
+                        {{"light", Palette::kLight},
+                         {"dark", Palette::kDark},
+                         {"scaleLight", Palette::kScaleLight},
+                         {"scaleDark", Palette::kScaleDark}}}};
+  if (!settings.note.empty()) head["note"] = settings.note;
+  std::string data = textOf(head);
+  data.pop_back();  // the bracket that ends the object
+  data += ",\"documents\":[";
+  for (std::size_t i = 0; i < entries.size(); ++i) data.append(i > 0 ? "," : "").append(entries[i]);
+  return data + "]}";
 }
 
 std::string ReportPage(std::string_view data, std::string_view events) {

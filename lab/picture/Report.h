@@ -16,6 +16,7 @@ namespace vex2::lab {
 struct ReportSettings {
   std::string program;  ///< that makes the report, with its version, as "vex 1.2.0"; UTF-8
   std::string made;     ///< when, as "2026-11-22T08:00:00Z"; empty says nothing
+  std::string note;     ///< a sentence that the page shows above all; UTF-8, may be empty
   /// Whether the file's records, its check and its SHA-256 are in it, which read the whole file.
   bool withFile = true;
   /// Is told of each document before it is read; may be empty.
@@ -31,6 +32,15 @@ struct ReportSettings {
 /// Throws `Error` only when memory runs out.
 VEX2_API std::string ReportData(std::span<const std::filesystem::path> paths,
                                 const ReportSettings& settings);
+
+/// What `ReportData` says of the document at `path`, for programs that read documents side by side.
+/// Throws `Error` only when memory runs out.
+VEX2_API std::string ReportEntry(const std::filesystem::path& path, const ReportSettings& settings);
+
+/// The data of a report on the documents of these entries, in their order, as `ReportData` answers
+/// them.
+VEX2_API std::string ReportDataOf(std::span<const std::string> entries,
+                                  const ReportSettings& settings);
 
 /// The page for what `ReportData` answered, as HTML: one file that needs no other and no network.
 /// A script in the page can show newer data of the same documents with `vexReport.update(data)`.

@@ -123,6 +123,20 @@ TEST_F(ReportTest, HasSeveralDocumentsInTheirOrder) {
   EXPECT_EQ(documents[1]["plates"][0]["readings"]["frames"], 5);
 }
 
+TEST_F(ReportTest, DataOfEntriesAreThoseOfTheDocuments) {
+  Record(SmallRun(), folder_ / "one.vex");
+  Record(SmallRun(4), folder_ / "two.vex");
+  const std::vector<std::filesystem::path> paths = {folder_ / "one.vex", folder_ / "two.vex"};
+  ReportSettings settings;
+  settings.note = "a \"note\"";
+  std::vector<std::string> entries;
+  for (const auto& path : paths) entries.push_back(ReportEntry(path, settings));
+  const std::string data = ReportDataOf(entries, settings);
+  EXPECT_EQ(data, ReportData(paths, settings));
+  EXPECT_EQ(json::parse(data)["note"], settings.note);
+  EXPECT_TRUE(json::parse(ReportDataOf({}, settings))["documents"].empty());
+}
+
 TEST_F(ReportTest, TellsWhyADocumentCannotBeRead) {
   const json document = dataOf({folder_ / "none.vex"})["documents"][0];
   EXPECT_THAT(document["error"].get<std::string>(), HasSubstr("No such file"));

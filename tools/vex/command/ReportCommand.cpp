@@ -1,37 +1,25 @@
 #include <algorithm>
-#include <array>
-#include <chrono>
-#include <ctime>
-#include <filesystem>
 
 #include "lab/picture/Report.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
+#include "tools/vex/files/ManyFiles.h"
 #include "tools/vex/files/OutputFiles.h"
+#include "tools/vex/serve/ReportHead.h"
 
 namespace vex2::tool {
 
 namespace {
-
-// Of now, in UTC: a report is read where the clock may be another.
-std::string nowText() {
-  const auto now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
-  std::tm utc{};
-  gmtime_r(&now, &utc);
-  std::array<char, 32> text{};
-  std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &utc);
-  return text.data();
-}
 
 class ReportCommand final : public Command {
  public:
   ReportCommand()
       : Command({"report", "Write a page that shows documents in any browser.",
                  "vex report run.vex -o run.html\nvex report study.vex -o study.html\n"
-                 "vex report monday.vex tuesday.vex -o week.html --force"}) {}
+                 "vex report -j 4 week/*.vex -o week.html --force"}) {}
 
   void AddOptions(Options& options) override {
-    options.Add("FILE", files_, "The documents").Require().Show("");
+    files_.AddTo(options);
     options.Add("-o,--output", target_, "The page to write; standard output for -")
         .Require()
         .Show("FILE.html");
@@ -39,31 +27,38 @@ class ReportCommand final : public Command {
   }
 
   ExitCode Run() override {
+    const std::vector<std::string> files = files_.List();
     OutputFiles outputs(force_);
-    for (const std::string& file : files_) outputs.Read(file);
+    for (const std::string& file : files) outputs.Read(file);
     outputs.Write(target_, OutputFiles::Kind::kTable).Claim();
-    const std::vector<std::filesystem::path> paths(files_.begin(), files_.end());
-    ExitCode worst = ExitCode::kDone;
+    std::vector<std::string> entries;
     std::size_t failed = 0;
-    ReportSettings settings;
-    settings.program = std::string("vex ") + VEX2_VERSION;
-    settings.made = nowText();
-    settings.onError = [&](const Error& error) {
-      PrintError(error);
-      worst = std::max(worst, ExitCodeOf(error));
-      // A document that leads nowhere is no document to report on.
-      if (error.Class() != ErrorClass::kDocument) ++failed;
-    };
-    const std::string data = ReportData(paths, settings);
-    if (failed == files_.size()) return worst;
+    const ExitCode worst = files_.ForEach(files, [&](const std::string& file) -> ManyFiles::Shown {
+      std::vector<Error> errors;
+      ReportSettings settings;
+      settings.onError = [&](const Error& error) { errors.push_back(error); };
+      std::string entry = ReportEntry(file, settings);
+      return [&, entry = std::move(entry), errors = std::move(errors)] {
+        entries.push_back(entry);
+        ExitCode code = ExitCode::kDone;
+        for (const Error& error : errors) {
+          PrintError(error);
+          code = std::max(code, ExitCodeOf(error));
+          // A document that leads nowhere is no document to report on.
+          if (error.Class() != ErrorClass::kDocument) ++failed;
+        }
+        return code;
+      };
+    });
+    if (failed >= files.size()) return worst;
     Output output(target_);
-    output.Stream() << ReportPage(data);
+    output.Stream() << ReportPage(ReportDataOf(entries, ReportHead()));
     output.Finish();
     return worst;
   }
 
  private:
-  std::vector<std::string> files_;
+  ManyFiles files_;
   std::string target_;
   bool force_ = false;
 };

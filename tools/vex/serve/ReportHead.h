@@ -1,0 +1,11 @@
+#pragma once
+
+#include "lab/picture/Report.h"
+#include "tools/vex/Lab.h"
+
+namespace vex2::tool {
+
+/// The settings of a report that this command makes now.
+ReportSettings ReportHead();
+
+}  // namespace vex2::tool
