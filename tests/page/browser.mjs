@@ -15,7 +15,7 @@ export class Browser {
     browser.profile = mkdtempSync(join(tmpdir(), 'vex-page-'));
     browser.process = spawn(browserPath(), ['--headless=new', '--no-sandbox', '--remote-debugging-pipe',
       '--disable-gpu', '--hide-scrollbars', '--force-color-profile=srgb', `--user-data-dir=${browser.profile}`,
-      '--no-first-run', '--disable-extensions', '--host-resolver-rules=MAP * ~NOTFOUND', 'about:blank'],
+      '--no-first-run', '--disable-extensions', '--host-resolver-rules=MAP * ~NOTFOUND, EXCLUDE 127.0.0.1', 'about:blank'],
     {stdio: ['ignore', 'ignore', 'ignore', 'pipe', 'pipe']});
     browser.pending = new Map();
     browser.listeners = [];
@@ -46,11 +46,11 @@ export class Browser {
     });
   }
 
-  async open(url, {width = 1280, height = 800, scale = 1, dark = false, mobile = false} = {}) {
+  async open(url, {width = 1280, height = 800, scale = 1, dark = false, mobile = false, isOnline = false} = {}) {
     const {targetId} = await this.send('Target.createTarget', {url: 'about:blank'});
     const {sessionId} = await this.send('Target.attachToTarget', {targetId, flatten: true});
     const page = new Page(this, sessionId, targetId);
-    await page.start({width, height, scale, dark, mobile});
+    await page.start({width, height, scale, dark, mobile, isOnline});
     await page.go(url);
     return page;
   }
@@ -85,10 +85,12 @@ class Page {
     }
   }
 
-  async start({width, height, scale, dark, mobile}) {
+  async start({width, height, scale, dark, mobile, isOnline}) {
     for (const domain of ['Page', 'Runtime', 'Log', 'Network']) await this.send(`${domain}.enable`);
-    await this.send('Network.emulateNetworkConditions',
-      {offline: true, latency: 0, downloadThroughput: 0, uploadThroughput: 0});
+    if (!isOnline) {
+      await this.send('Network.emulateNetworkConditions',
+        {offline: true, latency: 0, downloadThroughput: 0, uploadThroughput: 0});
+    }
     await this.send('Emulation.setDeviceMetricsOverride', {width, height, deviceScaleFactor: scale, mobile});
     if (mobile) await this.send('Emulation.setTouchEmulationEnabled', {enabled: true});
     await this.send('Emulation.setEmulatedMedia',

@@ -22,6 +22,11 @@ Option& Option::Require() {
   return *this;
 }
 
+Option& Option::MayBeAlone() {
+  option_->expected(0, 1);
+  return *this;
+}
+
 Option& Option::TakeSeveral() {
   option_->expected(1, -1);
   return *this;

@@ -23,6 +23,8 @@ class Option {
   /// The heading of the help under which it stands.
   Option& Group(const std::string& heading);
   Option& Require();
+  /// It may stand without a value, and then is an empty text.
+  Option& MayBeAlone();
   /// It takes one value or more.
   Option& TakeSeveral();
   Option& Exclude(const Option& other);

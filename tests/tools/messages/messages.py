@@ -5,8 +5,8 @@ usage: messages.py [--list | --self-test] ROOT
 
 A sentence is a string literal of three words or more in lab/ or tools/vex/, other than help: what
 errors, notes, findings and reports say. Adjacent literals are one, and {} stands for what is filled
-in. Each must be expected by a test: by a table of slips, or by a string in a C++ test. UNMET.txt
-beside this program names those that no test can bring about, each with the reason; a line of it
+in. Each must be expected by a test: by a table of slips, or by a string in a C++ test or in
+tests/tools/serve.py. UNMET.txt beside this program names those that no test can bring about, each with the reason; a line of it
 that is not needed any more is an error, too. --list prints all sentences with their places, to be
 proofread.
 """
@@ -91,6 +91,7 @@ def expectations(root):
         texts += [line[3:] for line in path.read_text().splitlines() if line[:2] in ("2>", "1>")]
         texts += [re.sub(r"\\(.)", r"\1", line[3:]) for line in path.read_text().splitlines()
                   if line[:2] in ("2~", "1~")]
+    texts += [text for text, _, _ in literals((root / "tests/tools/serve.py").read_text())]
     for folder in ("tools", "lab", "reliability", "memory"):
         for path in (root / "tests" / folder).rglob("*.cpp"):
             texts += [text for text, _, _ in literals(path.read_text()) if len(text) >= LEAST]

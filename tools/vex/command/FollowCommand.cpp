@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
+#include "lab/Text.h"
 #include "lab/exchange/DocumentJson.h"
 #include "lab/exchange/JsonOutput.h"
 #include "lab/record/RunFollower.h"
@@ -11,6 +12,7 @@
 #include "tools/vex/command/Command.h"
 #include "tools/vex/files/Interrupts.h"
 #include "tools/vex/files/Output.h"
+#include "tools/vex/serve/LivePage.h"
 #include "tools/vex/show/FollowScreen.h"
 
 namespace vex2::tool {
@@ -21,23 +23,31 @@ class FollowCommand final : public Command {
  public:
   FollowCommand()
       : Command({"follow", "Show a run while it is being recorded.",
-                 "vex follow run.vex\nvex follow run.vex --ndjson | my-program"}) {}
+                 "vex follow run.vex\nvex follow run.vex --ndjson | my-program\n"
+                 "vex follow run.vex --serve 8080"}) {}
 
   void AddOptions(Options& options) override {
     options.Add("FILE", file_, "The document; it need not exist yet").Require().Show("");
-    options.AddFlag("--ndjson", ndjson_, "For programs: an object a line for each frame");
-    options.Add("--from", first_, "Begin with this frame; the default is 0")
-        .Show("N")
-        .AllowRange(0U, std::numeric_limits<std::uint32_t>::max());
+    const Option ndjson =
+        options.AddFlag("--ndjson", ndjson_, "For programs: an object a line for each frame");
+    Option from = options.Add("--from", first_, "Begin with this frame; the default is 0");
+    from.Show("N").AllowRange(0U, std::numeric_limits<std::uint32_t>::max());
+    options.Add("--serve", port_, "Show the report page, live, at a free port if none")
+        .Show("[PORT]")
+        .MayBeAlone()
+        .Exclude(ndjson)
+        .Exclude(from);
     options.PutLast(
         "Prints each committed frame once, in order, and ends when the run is complete.\n"
         "It only reads: the recorder never waits for it. A run that is interrupted and\n"
-        "resumed is followed on.");
+        "resumed is followed on. With --serve any browser on this machine, and no other,\n"
+        "shows the run at the address that is printed, until Ctrl-C.");
   }
 
   ExitCode Run() override {
     Interrupts interrupts;
     RunFollower follower(file_, first_.value_or(0));
+    if (port_) return serve(follower, interrupts);
     FollowScreen screen(file_);
     bool saidThatItWaits = false;
     while (!interrupts.Pending()) {
@@ -45,6 +55,7 @@ class FollowCommand final : public Command {
         show(*frame, follower, screen);
         continue;
       }
+      if (!ndjson_) screen.CatchUp(follower);
       if (follower.State() == FollowState::kDone) {
         if (!ndjson_) screen.End(follower);
         return ExitCode::kDone;
@@ -54,14 +65,51 @@ class FollowCommand final : public Command {
         saidThatItWaits = true;
       }
     }
-    PrintLine(Printable(file_) + ": no longer followed; the next frame is " +
-              std::to_string(follower.NextFrame()));
-    return ExitCode::kInterrupted;
+    screen.Leave();
+    return stop(follower);
   }
 
  private:
   // How soon an interrupt is noticed.
   static constexpr std::chrono::milliseconds kPatience{250};
+
+  ExitCode stop(const RunFollower& follower) const {
+    PrintLine(Printable(file_) + ": no longer followed; the next frame is " +
+              std::to_string(follower.NextFrame()));
+    return ExitCode::kInterrupted;
+  }
+
+  std::uint16_t portNumber() const {
+    if (port_->empty()) return 0;  // any that is free
+    const auto port = NumberIn<std::uint16_t>(*port_);
+    if (port && *port != 0) return *port;
+    throw Error(ErrorCode::kInvalidValue, "--serve",
+                "'" + *port_ + "' is no port; write a number from 1 to 65535, or none, after FILE");
+  }
+
+  // The page stays when the run is complete: someone may still be looking.
+  ExitCode serve(RunFollower& follower, Interrupts& interrupts) const {
+    LivePage page(file_, portNumber());
+    say("shown at " + page.Address() + " until Ctrl-C");
+    bool saidThatItIsDone = false;
+    while (!interrupts.Pending()) {
+      const auto end = std::chrono::steady_clock::now() + kPatience;
+      while (std::chrono::steady_clock::now() < end && follower.Next(kPatience)) continue;
+      page.Refresh(follower);
+      if (follower.State() != FollowState::kDone) continue;
+      if (!saidThatItIsDone) {
+        say("the run is complete, " + Counted(follower.CommittedFrames(), "frame"));
+      }
+      saidThatItIsDone = true;
+      interrupts.Wait(std::chrono::duration<double>(kPatience).count());
+    }
+    return saidThatItIsDone ? ExitCode::kDone : stop(follower);
+  }
+
+  void say(const std::string& words) const {
+    std::cout << Printable(file_) << ": " << words << '\n' << std::flush;
+    if (!std::cout) FinishStream(std::cout, "standard output");
+  }
 
   void show(const Frame& frame, const RunFollower& follower, FollowScreen& screen) const {
     if (!ndjson_) return screen.Show(frame, follower);
@@ -72,6 +120,7 @@ class FollowCommand final : public Command {
 
   std::string file_;
   std::optional<std::uint32_t> first_;
+  std::optional<std::string> port_;
   bool ndjson_ = false;
 };
 

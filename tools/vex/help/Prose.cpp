@@ -41,7 +41,9 @@ constexpr std::array kProse = {
         "Shows a run live, without a part in it: the recorder never waits for a follower, and any "
         "number of them can follow the same run. Each frame that is on the disk is printed once, "
         "in order, also when the recorder is interrupted and resumes, and when a save replaces "
-        "the document. With --ndjson, each frame is an object with the readings of all wells."},
+        "the document. With --ndjson, each frame is an object with the readings of all wells. On "
+        "a terminal the curves grow instead. With --serve, the page of 'vex report' is shown to "
+        "browsers on this machine and follows the run until Ctrl-C."},
     Prose{"vex info",
           "Of one document, prints a screen with its kind, plate, settings, data blocks and "
           "problems. Of several documents, prints one line each."},
@@ -96,7 +98,8 @@ constexpr std::array kProse = {
         "exported only with --raw."},
     Prose{"vex plot",
           "Without -o, draws in the terminal, with dots of Braille or, where only ASCII can be "
-          "shown, with letters. With -o, writes SVG, PNG or PDF by the name of the file. Curves "
+          "shown, or colours cannot tell the groups apart, with letters. With -o, writes SVG, PNG "
+          "or PDF by the name of the file. Curves "
           "of amplification are corrected for the baseline; those of melting are the negative "
           "derivative. A threshold is drawn where all wells that are shown have the same one."},
     Prose{"vex report",

@@ -1,0 +1,78 @@
+#include "tools/vex/serve/LivePage.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <array>
+
+#include "lab/SystemError.h"
+#include "lab/picture/Report.h"
+#include "tools/vex/serve/ReportHead.h"
+
+namespace vex2::tool {
+
+namespace {
+
+// A page that is read anew takes this share of the time at most, or once in a second.
+constexpr int kRest = 5;
+constexpr std::chrono::seconds kLeastRest(1);
+
+std::string pageOf(std::string_view data, std::string_view events) {
+  return ReportPage(data, events);
+}
+
+// Before there is a document.
+std::string waitingData(const std::filesystem::path& path) {
+  ReportSettings settings = ReportHead();
+  settings.note = Escaped(path.filename().string()) +
+                  " does not exist yet. The page shows the run as soon as it begins.";
+  return ReportData({}, settings);
+}
+
+}  // namespace
+
+LivePage::LivePage(std::filesystem::path path, std::uint16_t port)
+    : path_(std::move(path)), server_(StartLiveServer(port, waitingData(path_), pageOf)) {}
+
+std::string LivePage::Address() const {
+  return "http://127.0.0.1:" + std::to_string(server_->Port()) + "/";
+}
+
+std::optional<LivePage::Sight> LivePage::look() const {
+  struct stat info {};
+  if (::stat(path_.c_str(), &info) != 0) return std::nullopt;
+  return Sight{info.st_ino, static_cast<std::uintmax_t>(info.st_size),
+               info.st_mtim.tv_sec * 1'000'000'000 + info.st_mtim.tv_nsec};
+}
+
+void LivePage::Refresh(const RunFollower& follower) {
+  const bool isDone = follower.State() == FollowState::kDone;
+  if (follower.State() == FollowState::kWaiting || Clock::now() < next_) return;
+  const auto sight = look();
+  const bool isShown = sight == shown_ && isDone == isWholeShown_;
+  // The first data are for the page of the first browser.
+  if (!sight || isShown || (shown_ && !server_->HasViewers())) return;
+  const auto begun = Clock::now();
+  if (auto data = read(follower.State())) {
+    server_->Show(std::move(*data));
+    shown_ = sight;
+    isWholeShown_ = isDone;
+  }
+  const auto end = Clock::now();
+  next_ = end + std::max<Clock::duration>(kRest * (end - begun), kLeastRest);
+}
+
+// Nothing where the document cannot be read at this moment, as while it is replaced.
+std::optional<std::string> LivePage::read(FollowState state) const {
+  bool isRead = true;
+  ReportSettings settings = ReportHead();
+  // The check and the digest read the whole file, and belong to a document that is complete.
+  settings.withFile = state == FollowState::kDone;
+  settings.onError = [&](const Error& error) {
+    if (error.Class() != ErrorClass::kDocument) isRead = false;
+  };
+  std::string data = ReportData(std::array{path_}, settings);
+  return isRead ? std::optional(std::move(data)) : std::nullopt;
+}
+
+}  // namespace vex2::tool

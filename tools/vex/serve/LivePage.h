@@ -1,0 +1,49 @@
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "lab/record/RunFollower.h"
+#include "tools/vex/Lab.h"
+#include "tools/vex/serve/LiveServer.h"
+
+namespace vex2::tool {
+
+/// The report page of a run that goes on, in the browsers of this machine. The document is read
+/// again only while a browser looks, and at most once in a second.
+class LivePage {
+ public:
+  /// Serves the page of the document at `path`, which need not exist yet. Throws as
+  /// `StartLiveServer` does.
+  LivePage(std::filesystem::path path, std::uint16_t port);
+
+  std::string Address() const;
+  /// Shows what has changed since the last time; to be called again and again.
+  void Refresh(const RunFollower& follower);
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  /// What tells that the file was changed.
+  struct Sight {
+    std::uintmax_t file = 0;
+    std::uintmax_t size = 0;
+    std::int64_t changed = 0;  // in nanoseconds
+
+    friend bool operator==(const Sight&, const Sight&) = default;
+  };
+
+  std::optional<Sight> look() const;
+  std::optional<std::string> read(FollowState state) const;
+
+  std::filesystem::path path_;
+  std::unique_ptr<LiveServer> server_;
+  std::optional<Sight> shown_;
+  bool isWholeShown_ = false;
+  Clock::time_point next_;  // no sooner is it read again
+};
+
+}  // namespace vex2::tool
