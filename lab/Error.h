@@ -113,7 +113,7 @@ class VEX2_API Error : public std::runtime_error {
   std::string_view Problem() const { return std::string_view(message_).substr(0, problemSize_); }
   /// What the caller can do.
   ErrorRemedy Remedy() const { return remedy_; }
-  /// The offset in the file, in bytes, at which the operation failed; nothing where there is none.
+  /// The offset in the file, in bytes, at which the operation failed; nothing if there is none.
   std::optional<std::uint64_t> Offset() const { return offset_; }
   /// The number of the system's error, as in `errno`; 0 where the system refused nothing.
   int SystemErrorNumber() const { return systemError_; }

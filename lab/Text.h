@@ -11,7 +11,7 @@ namespace vex2::lab {
 /// Documents hold texts of single bytes, each a character of Latin-1; the command line, terminals
 /// and JSON speak UTF-8.
 std::string ToUtf8(std::string_view latin1);
-/// Nothing for what is no UTF-8, or has a character that a document's text cannot hold.
+/// Returns nothing if `utf8` is not UTF-8, or has a character that a document's text cannot hold.
 std::optional<std::string> ToLatin1(std::string_view utf8);
 
 /// "1 frame", "2 frames".
@@ -19,7 +19,7 @@ std::string Counted(unsigned long long count, std::string_view noun);
 /// For nouns whose plural is no mere "s".
 std::string Counted(unsigned long long count, std::string_view one, std::string_view many);
 
-/// The number that the whole of `text` stands for, nothing when it stands for none that fits. `how`
+/// The number that the whole of `text` stands for, nothing if it stands for none that fits. `how`
 /// is a base, or a form, as std::from_chars takes it.
 template <typename Number, typename... How>
 std::optional<Number> NumberIn(std::string_view text, How... how) {

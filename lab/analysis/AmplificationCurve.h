@@ -21,7 +21,7 @@ struct AnalysedWell {
   /// empty where the channel has none.
   std::string detector;
   std::string task;  ///< a code, as "UNKN", "STND" or "NTC"; empty where none is given
-  std::optional<double> quantity;  ///< as the document gives it; nothing where it does not
+  std::optional<double> quantity;  ///< as the document gives it; nothing if it does not
 
   /// Whether all fields are equal.
   friend bool operator==(const AnalysedWell&, const AnalysedWell&) = default;
@@ -49,7 +49,8 @@ struct AmplificationCurve {
 /// known: without frames, or where this library did not record the run; and as
 /// `RunReader::Readings` does.
 VEX2_API std::vector<AmplificationCurve> AmplificationCurvesOf(const RunReader& run);
-/// The same of one plate whose readings were read before: `readings` are those of `run`.
+/// The curves of one plate from `readings`, the readings of `run`, which the caller has read
+/// already. Rules and errors are those of `AmplificationCurvesOf(run)`.
 VEX2_API std::vector<AmplificationCurve> AmplificationCurvesOf(const RunReader& run,
                                                                const Readings& readings);
 

@@ -65,14 +65,14 @@ struct CqResult {
   std::optional<double> cq;            ///< the quantification cycle
   std::optional<NoCq> reason;          ///< why there is none
   std::string note;                    ///< for people: the reason, or what to know of `cq`
-  std::optional<double> threshold;     ///< of the detector; nothing where no curve of it rises
+  std::optional<double> threshold;     ///< of the detector; nothing if no curve of it rises
   std::optional<CycleRange> baseline;  ///< the cycles of the baseline
   double baselineIntercept = 0;        ///< the baseline at cycle 0
   double baselineSlope = 0;            ///< per cycle
   double noise = 0;                    ///< standard deviation of the readings about the baseline
   double amplitude = 0;                ///< the largest corrected reading once the curve rises
-  /// The maximum of the second derivative, in cycles, also where `method` is another; nothing where
-  /// there is no rise or the maximum is at the end of the run.
+  /// The maximum of the second derivative, in cycles, even if `method` is another; nothing if there
+  /// is no rise or the maximum is at the end of the run.
   std::optional<double> secondDerivativeCq;
   /// From the standard curve of the detector, of a well that is no standard and no control.
   std::optional<QuantityEstimate> estimate;
@@ -102,18 +102,18 @@ struct CqAnalysis {
 /// Finds the quantification cycle of every curve of `run`, and what follows from them. In a study
 /// the plates are analysed together: a detector has one threshold on all of them.
 ///
-/// Baseline: a straight line fitted by least squares to the cycles that the detector gives, where
-/// somebody has set them and it is not automatic. Otherwise found for each curve: from the third
-/// cycle to eight before the maximum of the second derivative, and from the third to the last where
-/// the curve does not rise. With fewer than `kFewestForLine` cycles it is level, at their mean.
+/// Baseline: a straight line fitted by least squares to the cycles that are set for the detector,
+/// if its baseline is not automatic. Otherwise found for each curve: from the third cycle to eight
+/// before the maximum of the second derivative, and from the third to the last where the curve does
+/// not rise. With fewer than `kFewestForLine` cycles it is level, at their mean.
 ///
 /// Smoothing: a parabola fitted to five neighbouring cycles (Savitzky and Golay 1964, "Smoothing
 /// and Differentiation of Data by Simplified Least Squares Procedures", Anal. Chem. 36:1627).
 /// Missing readings are filled on a straight line between their neighbours.
 ///
-/// Threshold: that of the detector, where somebody has set one and it is not automatic. Otherwise
-/// the median, over the curves of the detector that rise, of the corrected fluorescence at the
-/// maximum of the second derivative; no-template controls count only where nothing else rises.
+/// Threshold: that of the detector, if one is set and it is not automatic. Otherwise the median,
+/// over the curves of the detector that rise, of the corrected fluorescence at the maximum of the
+/// second derivative; no-template controls count only where nothing else rises.
 ///
 /// A curve rises when its corrected readings reach 10 times the noise of its baseline and 5 % of
 /// the highest curve of the channel: of its level at the end of the run, the median of
@@ -126,7 +126,8 @@ VEX2_API CqAnalysis AnalyseCq(const RunReader& run, const CqOptions& options = {
 /// caller has read already. Rules and errors are those of `AnalyseCq(run, options)`.
 VEX2_API CqAnalysis AnalyseCq(const RunReader& run, const Readings& readings,
                               const CqOptions& options = {});
-/// The same of any curves. `detectors` say what baselines and thresholds somebody has set.
+/// Finds the quantification cycles of any `curves`, by the rules of `AnalyseCq(run, options)`.
+/// `detectors` hold the baselines and thresholds that are set.
 VEX2_API CqAnalysis AnalyseCurves(std::vector<AmplificationCurve> curves,
                                   const std::vector<Detector>& detectors,
                                   const CqOptions& options = {});

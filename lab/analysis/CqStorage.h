@@ -20,8 +20,8 @@ namespace vex2::lab {
 /// without a quantification cycle is set to `CCtEntry::kNoCt`.
 VEX2_API void StoreCq(const CqAnalysis& analysis, Vex2FileManager& document);
 
-/// The quantification cycle that is stored for a well; nothing where there is none. With the
-/// precision in which documents keep it, 32 bits.
+/// The quantification cycle that is stored for a well; nothing if there is none. With the precision
+/// in which documents keep it, 32 bits.
 VEX2_API std::optional<double> StoredCq(const Vex2FileManager& document, const AnalysedWell& well);
 
 }  // namespace vex2::lab

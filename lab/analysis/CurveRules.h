@@ -21,8 +21,8 @@ struct CurveCase {
   bool Rises() const { return shape && !reason; }
 };
 
-/// What somebody has set for a detector. A document does not tell the values of a new detector from
-/// the same values that somebody chose, so those count as not set.
+/// What is set for a detector. A document does not distinguish the values of a new detector from
+/// the same values that a user chose, so those count as not set.
 std::optional<CycleRange> SetBaselineOf(const Detector& detector);
 /// As for the baseline; a threshold that is not above 0 is not used.
 std::optional<double> SetThresholdOf(const Detector& detector);

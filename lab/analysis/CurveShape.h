@@ -18,7 +18,7 @@ struct CurveShape {
   std::size_t filled = 0;         ///< how many readings were missing in between
 
   double takeOff = 0;          ///< the maximum of the second derivative, as an index
-  bool isStillRising = false;  ///< that maximum is the last value, so it may lie behind the run
+  bool isStillRising = false;  ///< that maximum is the last value, so it may lie after the run
 
   CycleRange baselineCycles;
   Line baseline;
@@ -32,8 +32,8 @@ struct CurveShape {
   double CorrectedAt(double index) const;
 };
 
-/// Nothing for a curve with too few cycles. `baseline` is what somebody has set; it is not used
-/// where fewer than three cycles of the curve are in it.
+/// Returns nothing for a curve with too few cycles. `baseline` is the one that is set for the
+/// detector; it is not used if it holds fewer than three cycles of the curve.
 std::optional<CurveShape> ShapeOf(const AmplificationCurve& curve,
                                   const std::optional<CycleRange>& baseline);
 /// Takes the baseline of a curve that does not rise: from the third cycle to the last. Noise and

@@ -55,7 +55,8 @@ inline constexpr double kMeltWindow = 1.0;
 /// `RunReader::Readings` does.
 VEX2_API std::vector<MeltCurve> AnalyseMelt(const RunReader& run,
                                             const std::optional<std::string>& detector = {});
-/// The same of one plate whose readings were read before: `readings` are those of `run`.
+/// Finds the melting peaks of one plate from `readings`, the readings of `run`, which the caller
+/// has read already. Rules and errors are those of `AnalyseMelt(run, detector)`.
 VEX2_API std::vector<MeltCurve> AnalyseMelt(const RunReader& run, const Readings& readings,
                                             const std::optional<std::string>& detector = {});
 

@@ -7,7 +7,7 @@ namespace vex2::lab {
 /// The number with three digits, without exponent, for sentences: "0.0123", "25.4", "1230".
 std::string NumberText(double number);
 
-/// The number with so many decimals at most, without zeros behind them and without exponent.
+/// The number with at most `decimals` decimals, without trailing zeros and without exponent.
 std::string DecimalsText(double number, int decimals);
 
 }  // namespace vex2::lab

@@ -24,8 +24,8 @@ StageReadings StageReadingsOf(const std::string& path, const Readings& readings,
 struct AnalysedSource {
   AnalysedWell well;
   std::string reporter;
-  std::optional<std::size_t> index;    ///< of the well in the readings; nothing where it has none
-  std::optional<std::size_t> channel;  ///< nothing where none is the detector's
+  std::optional<std::size_t> index;    ///< of the well in the readings; nothing if it has none
+  std::optional<std::size_t> channel;  ///< nothing if none is the detector's
 };
 
 /// What is to be analysed in the wells of a plate, by wells.

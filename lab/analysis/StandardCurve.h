@@ -18,7 +18,7 @@ inline constexpr double kConfidence = 0.95;
 struct StandardPoint {
   AnalysedWell well;         ///< of task STND
   double quantity = 0;       ///< above 0
-  std::optional<double> cq;  ///< nothing where the well has none; then it is no part of the fit
+  std::optional<double> cq;  ///< nothing if the well has none; then it is no part of the fit
   double residual = 0;       ///< cycles by which `cq` lies above the line
 };
 
@@ -43,7 +43,7 @@ struct StandardCurve {
   double rSquaredOfMeans = 0;
   double residualDeviation = 0;  ///< of the wells about the line, cycles
   /// The smallest quantity from which on, upwards, at least 95 % of the standards have a threshold
-  /// cycle. Nothing where not even the largest has. It is no smaller than the smallest standard.
+  /// cycle. Nothing if not even the largest has. It is no smaller than the smallest standard.
   std::optional<double> limitOfDetection;
   std::vector<StandardPoint> points;  ///< all standards, in the order of the wells
 
@@ -62,13 +62,13 @@ struct QuantityEstimate {
   friend bool operator==(const QuantityEstimate&, const QuantityEstimate&) = default;
 };
 
-/// The curve through `points`, which are of one detector. Nothing with fewer than three wells that
-/// have a threshold cycle, or with fewer than two different quantities among them.
+/// The curve through `points`, which are of one detector. Returns nothing if fewer than three wells
+/// have a threshold cycle, or if these have fewer than two different quantities.
 VEX2_API std::optional<StandardCurve> FitStandardCurve(const std::string& detector,
                                                        std::vector<StandardPoint> points);
 
 /// The quantity at the mean threshold cycle `cq` of `replicates` wells. Its interval holds what is
-/// uncertain of the line and of the wells. Nothing for a line that does not fall.
+/// uncertain of the line and of the wells. Returns nothing for a line that does not fall.
 VEX2_API std::optional<QuantityEstimate> EstimateQuantity(const StandardCurve& curve, double cq,
                                                           std::size_t replicates = 1);
 

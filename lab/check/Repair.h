@@ -11,8 +11,8 @@
 
 namespace vex2::lab {
 
-/// What can be repaired of a document in place without touching what it holds: words that lengths
-/// and positions are, and the bytes behind what counts.
+/// What can be repaired in place without touching what the document holds: 32-bit words that are
+/// lengths and offsets, and the uncommitted bytes at the end.
 struct RepairPlan {
   /// A word of the document that a repair overwrites.
   struct Patch {
@@ -51,7 +51,7 @@ struct RepairReport {
 };
 
 /// Repairs the document at `path`, after a copy was put beside it: "PATH.backup", or with a number
-/// behind that where there is one. What is wrong and cannot be repaired stays; `Check` finds it.
+/// after that if it exists already. What is wrong and cannot be repaired stays; `Check` finds it.
 ///
 /// Throws `Error` when the document cannot be read or is none, when it is being recorded or
 /// changed, when another program changes it meanwhile, or when the system refuses. The document is

@@ -11,7 +11,7 @@ namespace vex2::lab {
 RepairPlan PlanRepair(const std::string& path);
 
 /// Copies the document at `path` to a file of its own beside it, durably: "PATH.backup", or with a
-/// number behind it where there is one already. Returns its path. Throws an error, and then there
+/// number after it if that file exists already. Returns its path. Throws an error, and then there
 /// is no such file.
 std::string BackUp(const std::string& path);
 

@@ -16,14 +16,14 @@ struct LastBlock {
   FileRecord record;
   StoredBlock head;
 
-  /// Where its frames stand in a file of this length.
+  /// Where its frames are in a file of this length.
   FrameRange Range(std::uint64_t fileEnd) const {
     return {head.firstFrame, head.frameSize, record.DeclaredEnd(), fileEnd};
   }
 };
 
-/// That of the open document; nothing when another record is the last one, or the block has no
-/// wells or ends before its frames.
+/// That of the open document; nothing if another record is the last one, or the block has no wells
+/// or ends before its frames.
 std::optional<LastBlock> FindLastBlock(CFile& file, const Document& document);
 
 /// Whether what follows the last record is a first commit that was interrupted: the document has no
@@ -31,7 +31,7 @@ std::optional<LastBlock> FindLastBlock(CFile& file, const Document& document);
 bool EndsInFirstCommit(CFile& file, const Document& document, const HeaderFields& header);
 
 /// Adds what is wrong with the end of a document: where the reader gives up before it, and bytes
-/// behind the last record. What an interrupted commit leaves there is a warning: nothing that was
+/// after the last record. What an interrupted commit leaves there is a warning: nothing that was
 /// committed is lost.
 void CheckEnd(CFile& file, const Document& document, const HeaderFields& header,
               const RecordCheck& records, Findings& findings);

@@ -21,7 +21,7 @@ class CsvHeader {
 
   const std::vector<std::string_view>& Columns() const { return columns_; }
 
-  /// Finds the columns. Answers why they cannot be found, or nothing.
+  /// Finds the columns. Returns why they cannot be found, or nothing.
   std::optional<std::string> Find(const CsvSplitter::Row& names);
   /// The names of columns that were not asked for, in the file's order; those without a name are
   /// left out.
@@ -32,7 +32,7 @@ class CsvHeader {
   std::vector<std::string_view> FieldsOf(const CsvSplitter::Row& row) const;
 
   /// The delimiter of a file with this first line: the one under which most of the columns are
-  /// found. Nothing where it can be more than one.
+  /// found. Returns nothing if it can be more than one.
   std::optional<char> DelimiterOf(std::string_view line) const;
 
  private:

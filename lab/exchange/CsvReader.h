@@ -31,7 +31,7 @@ struct CsvFormat {
 
 /// What a reader of CSV may ask for besides the columns that it needs.
 struct CsvWishes {
-  /// Columns that the file may lack; they are counted behind the needed ones.
+  /// Columns that the file may lack; they are counted after the needed ones.
   std::vector<std::string_view> optionalColumns = {};
   /// Asked again and again while a pipe has nothing to read; false ends the reading.
   std::function<bool()> keepsWaiting = {};

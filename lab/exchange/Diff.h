@@ -25,7 +25,7 @@ struct Difference {
   std::string plate;    ///< of a study, by name; empty otherwise
   std::string section;  ///< "header", "wells", "readings" and so on
   std::string what;     ///< the field, as "sample"; empty where the whole place is concerned
-  std::optional<std::string> one;    ///< in the first document; nothing where it has none
+  std::optional<std::string> one;    ///< in the first document; nothing if it has none
   std::optional<std::string> other;  ///< in the second one
   std::uint64_t count = 0;           ///< of places
   std::vector<std::string> places;   ///< the first ones, as "A1"; none where there is only one
@@ -35,7 +35,7 @@ struct Difference {
   friend bool operator==(const Difference&, const Difference&) = default;
 };
 
-/// Compares two documents, studies plate by plate. Answers what differs, and nothing else; equal
+/// Compares two documents, studies plate by plate. Returns what differs, and nothing else; equal
 /// differences of the same field are one.
 ///
 /// Throws `Error` when a document cannot be read whole.

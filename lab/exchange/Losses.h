@@ -23,7 +23,7 @@ struct Loss {
 };
 
 /// What an export or an import could not bring over, by kind, in the order in which it was met.
-/// Nothing is dropped without standing here.
+/// Nothing is dropped without being listed here.
 struct VEX2_API Losses {
   std::vector<Loss> losses;  ///< every kind with its count and example
 
@@ -33,7 +33,7 @@ struct VEX2_API Losses {
   /// Counts values of the kind `what` that come over in another form.
   void AddChanged(std::string_view what, const std::string& example, std::uint64_t count = 1);
 
-  /// The same, to be read.
+  /// Every kind of loss, with its count and example.
   const std::vector<Loss>& List() const { return losses; }
   /// Whether everything came over as it was.
   bool IsEmpty() const { return losses.empty(); }

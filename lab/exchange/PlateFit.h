@@ -14,7 +14,7 @@ namespace vex2::lab {
 class PlateFit {
  public:
   /// A plate of that many rows and columns; 0 for a size that the file does not give, so that
-  /// `mostNumber`, its largest number of a well, decides. Nothing when no document has room.
+  /// `mostNumber`, its largest number of a well, decides. Returns nothing if no document has room.
   static std::optional<PlateFit> Find(std::uint32_t rows, std::uint32_t columns,
                                       std::uint32_t mostNumber);
 

@@ -22,13 +22,13 @@ struct PlateSource {
   std::vector<SettingValue> settings;  ///< without comment and log
   std::string comment;
   std::string log;
-  std::string assay;  ///< without blanks behind it
+  std::string assay;  ///< without trailing blanks
   std::optional<Program> program;
   const AcquisitionDataComp* raw = nullptr;  ///< null where there are no raw readings
   std::optional<RecordedReadings> recorded;
   std::optional<std::string> start;  ///< with its zone, or nothing
 
-  /// What the log states; nothing where the meaning of the readings is not known.
+  /// What the log states; nothing if the meaning of the readings is not known.
   const RunLog* Log() const;
   /// The place, from 0, of the well among those of each frame, the first one.
   std::optional<std::size_t> FindPosition(std::uint16_t well) const;

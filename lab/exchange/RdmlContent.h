@@ -9,7 +9,7 @@
 
 #include "lab/exchange/ProgramSteps.h"
 
-/// What an RDML file says, with its references as they stand in the file.
+/// What an RDML file says, with its references as they are in the file.
 namespace vex2::lab::rdml {
 
 /// The readings of one target in one stage.

@@ -26,7 +26,7 @@ struct RdmlOptions {
 /// Writes the document at `path` to `out` as an RDML archive of version 1.3: experiment, samples
 /// with types and quantities, targets, dyes, thermal cycling conditions where the program's text is
 /// one of steps, the run with its plate, and the readings of which this library knows the meaning,
-/// by wells. The same document makes the same bytes. Answers what RDML cannot hold, also where the
+/// by wells. The same document makes the same bytes. Returns what RDML cannot hold, even if the
 /// document is embedded.
 ///
 /// Throws `Error` when the document cannot be read, `kNoSuchPlate` for a plate that it does not

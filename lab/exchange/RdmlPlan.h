@@ -45,7 +45,7 @@ struct Sample {
 /// The readings of one target in a well.
 struct Data {
   std::size_t target = 0;
-  std::optional<std::size_t> channel;  ///< nothing where the target has no readings
+  std::optional<std::size_t> channel;  ///< nothing if the target has no readings
   const CqResult* cq = nullptr;        ///< null where none was looked for
 };
 

@@ -45,7 +45,7 @@ inline constexpr std::array kForeignTasks = {TaskCode{"NAC", "nac"}, TaskCode{"N
                                              TaskCode{"NRT", "nrt"}, TaskCode{"POS", "pos"},
                                              TaskCode{"OPT", "opt"}};
 
-/// The type for a task; nothing where the formats have none.
+/// The type for a task; nothing if the formats have none.
 constexpr std::optional<std::string_view> TypeOf(std::string_view task) {
   for (const TaskCode& code : kTasks) {
     if (code.task == task) return code.type;

@@ -12,7 +12,7 @@
 namespace vex2::lab {
 
 /// Writes readings as rows, in the columns that `vex record` reads, and those that are added to
-/// them: of several plates the plate's name in front, and behind the well the frame, from 0, where
+/// them: of several plates the plate's name in front, and after the well the frame, from 0, where
 /// nothing else may tell when a reading was taken, and the channel where a well has several.
 class ReadingsWriter {
  public:

@@ -9,7 +9,7 @@
 namespace vex2::lab {
 
 /// Turns the bytes of a text file into UTF-8 as they arrive. A byte order mark says which encoding
-/// the file has, and is left out; so do the zero bytes of UTF-16 in front of or behind the first
+/// the file has, and is left out; so do the zero bytes of UTF-16 in front of or after the first
 /// character. A file without either is in the encoding that was named.
 class TextDecoder {
  public:

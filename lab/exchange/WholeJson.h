@@ -12,7 +12,7 @@ namespace vex2::lab {
 
 /// Writes all values of a document as one JSON object, the plates of a study within it; readings
 /// are arrays by block, frame and well, of 40 stored values each. With `asLines` the readings stand
-/// behind the object, a frame a line, so that a reader needs to hold one line at a time. Lists what
+/// after the object, a frame a line, so that a reader needs to hold one line at a time. Lists what
 /// the object does not hold: records of kinds that have no values.
 Losses WriteWholeJson(std::ostream& out, const Document& document, bool asLines);
 

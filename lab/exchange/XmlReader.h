@@ -23,8 +23,8 @@ class XmlHandler {
  public:
   virtual ~XmlHandler() = default;
   virtual void Begin(const std::string& path, const std::vector<XmlAttribute>& attributes) = 0;
-  /// `text` is what stands directly in the element, behind the last other element in it. `isLeaf`
-  /// is whether there is no other element.
+  /// `text` is what stands directly in the element, after the last other element in it. `isLeaf` is
+  /// whether there is no other element.
   virtual void End(const std::string& path, std::string_view text, bool isLeaf) = 0;
 };
 

@@ -8,8 +8,8 @@ namespace vex2::lab {
 /// `text`, which is UTF-8, without the characters that XML cannot hold: each becomes U+FFFD.
 std::string XmlText(std::string_view text);
 
-/// Writes XML behind what a text holds: an element a line, indented. Texts must be such as
-/// `XmlText` answers; what is special in XML is escaped here.
+/// Writes XML after what a text holds: an element a line, indented. Texts must be such as `XmlText`
+/// returns; what is special in XML is escaped here.
 class XmlWriter {
  public:
   /// `out` must outlive the writer. `depth` is that of the next element.

@@ -59,16 +59,17 @@ class ZipReader {
   /// Reads the list of the archive in the file at `path`. Throws an error that names `name` when it
   /// is none.
   ZipReader(const std::string& path, const std::string& name);
-  /// The same of an archive in memory, which must outlive the reader.
+  /// Reads the list of the archive in `bytes`, which must outlive the reader. Throws an error that
+  /// names `name` when it is none.
   ZipReader(std::string_view bytes, const std::string& name);
   ~ZipReader();
   ZipReader(const ZipReader&) = delete;
   ZipReader& operator=(const ZipReader&) = delete;
 
   const std::vector<ZipMember>& Members() const;
-  /// The place of the member of that name; nothing when there is none.
+  /// The place of the member of that name; nothing if there is none.
   std::optional<std::size_t> Find(std::string_view name) const;
-  /// Hands `take` the member's bytes, piece by piece, until it answers false. Throws an error when
+  /// Hands `take` the member's bytes, piece by piece, until it returns false. Throws an error when
   /// the member is damaged, packed in a way that is not supported, or refused.
   void Read(std::size_t member, const std::function<bool(std::string_view piece)>& take) const;
 
@@ -80,7 +81,7 @@ class ZipReader {
   std::unique_ptr<Archive> archive_;
 };
 
-/// The checksum that archives keep of their members, of `bytes` behind those of which it was `crc`.
+/// The checksum that archives keep of their members, of `bytes` after those of which it was `crc`.
 std::uint32_t ZipChecksum(std::uint32_t crc, std::string_view bytes);
 
 }  // namespace vex2::lab

@@ -18,7 +18,7 @@ inline constexpr std::array kDataBlockTags = {
     TagOf(Kind::kRawData), TagOf(Kind::kReportingDataR), TagOf(Kind::kReportingDataN),
     TagOf(Kind::kReportingDataD), TagOf(Kind::kReportingDataT)};
 
-/// The part of a data block before its frames, as it stands in a file.
+/// The part of a data block before its frames, as it is in a file.
 struct StoredBlock {
   std::uint16_t version = 2;
   std::uint16_t timeBlockSize = 0;
@@ -30,8 +30,8 @@ struct StoredBlock {
   std::uint64_t firstFrame = 0;      ///< its place, from the file's begin
 };
 
-/// Reads the head of the block whose record begins at `record.offset`. Nothing where the file ends
-/// before it does.
+/// Reads the head of the block whose record begins at `record.offset`. Returns nothing if the file
+/// ends before it does.
 std::optional<StoredBlock> ReadStoredBlock(CFile& file, const FileRecord& record);
 
 /// The block of that tag, which is one of a block.

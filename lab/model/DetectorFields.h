@@ -21,8 +21,8 @@ struct DetectorField {
 /// All of them, the name first.
 const std::vector<DetectorField>& DetectorFields();
 
-/// The fields of baseline and threshold that have the value of a new detector: nobody is known to
-/// have set them. A document does not tell such a value from the same value that somebody set.
+/// The fields of baseline and threshold that have the value of a new detector, so that they may not
+/// have been set. A document does not distinguish such a value from the same value that a user set.
 std::vector<std::string_view> DefaultedFields(const Vex2Detector& detector);
 
 }  // namespace vex2::lab

@@ -15,7 +15,7 @@ namespace vex2::lab {
 /// A document that was read for a command: what the reader kept of it, and what it did not.
 class Document {
  public:
-  /// A record of the document itself, as it stands in the file.
+  /// A record of the document itself, as it is in the file.
   struct Record {
     std::string tag;
     std::uint64_t offset = 0;
@@ -29,7 +29,7 @@ class Document {
     std::string date;                    ///< when the plate's own file was last changed
     Vex2FileManager* content = nullptr;  ///< owned by the document
     std::uint64_t offset = 0;            ///< in the file: of the plate's record, or 0
-    std::uint64_t end = 0;               ///< in the file: behind it
+    std::uint64_t end = 0;               ///< in the file: after it
     std::vector<Record> records;         ///< its own
   };
   enum class Purpose {
@@ -64,7 +64,7 @@ class Document {
   CTime Modified() const { return modified_; }
   /// Where the bytes begin that are no records any more; the file's size when there are none.
   std::uint64_t RecordsEnd() const { return recordsEnd_; }
-  /// Why the document could not be read whole; nothing when it was.
+  /// Why the document could not be read whole; nothing if it was.
   const std::optional<FileFault>& Fault() const { return fault_; }
   /// What a save would drop or empty although the document was read whole, in the file's order.
   const std::vector<Loss>& Losses() const { return losses_; }

@@ -24,14 +24,14 @@ class VEX2_API PlateEditor {
   PlateEditor(const PlateEditor&) = delete;             ///< Editors are not copied.
   PlateEditor& operator=(const PlateEditor&) = delete;  ///< Editors are not copied.
 
-  /// The wells that the plate setup has; none where there is no setup. A well is told by its
+  /// The wells that the plate setup has; none where there is no setup. A well is found by its
   /// number, from 1; its name is not used. A well that is removed becomes empty. A target without a
   /// reporter gets that of its detector in `Detectors`.
   std::vector<lab::Well>& Wells();
   /// The well of this name, such as "A1"; added to `Wells` when it is not there, and valid until
   /// `Wells` changes. Throws `kNoSuchWell` when the plate has no such well.
   lab::Well& Well(std::string_view name);
-  /// Detectors are told by their names. Their order is the document's, new ones at the end.
+  /// Detectors are found by their names. Their order is the document's, new ones at the end.
   std::vector<Detector>& Detectors();
   /// The names of the dyes that the run requires.
   std::vector<std::string>& RequiredDyes();

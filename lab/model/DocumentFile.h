@@ -46,7 +46,7 @@ class DocumentFile : public Vex2FileManager {
     if (wasLast && !hasRawDataLast()) moveToEnd(includesComponent(TagOf(Kind::kRawData)));
   }
 
-  /// Reads one frame of the block whose record begins at `blockOffset` of the open file. Answers
+  /// Reads one frame of the block whose record begins at `blockOffset` of the open file. Returns
   /// the library's status; `frame` keeps what it held when there is no such frame.
   int ReadFrameAt(int index, Vex2FrameData& frame, std::uint64_t blockOffset);
 

@@ -11,7 +11,7 @@
 namespace vex2::lab {
 
 /// What one plate's worth of a document holds: the document itself, or a plate of a study. Texts
-/// are UTF-8, and codes are without the blanks behind them.
+/// are UTF-8, and codes are without trailing blanks.
 struct PlateOverview {
   bool isEmbedded = false;  ///< in a study; `name` and `modified` are empty elsewhere
   std::string name;
@@ -36,7 +36,7 @@ struct PlateOverview {
   /// The settings that the document has, but for those of the header.
   std::vector<SettingValue> settings;
   std::optional<std::uint32_t> programSize;  ///< bytes of the thermal cycling program
-  std::optional<std::string> programText;    ///< nothing where the program is no text
+  std::optional<std::string> programText;    ///< nothing if the program is no text
   std::vector<Document::Record> records;     ///< their tags are UTF-8, too
 };
 

@@ -16,7 +16,7 @@ namespace vex2::lab {
 /// `text`, which is UTF-8, as documents store it. `what` names it in the error.
 std::string StoredText(std::string_view text, const std::string& what);
 
-/// What stands in the wells of `plate`, ascending by wells. A target without a reporter has that of
+/// The content of the wells of `plate`, ascending by wells. A target without a reporter has that of
 /// its detector in `detectors`.
 PlateContents StoredContents(const Plate& plate, std::span<const Detector> detectors);
 

@@ -16,7 +16,7 @@ struct FileContent {
   friend bool operator==(const FileContent&, const FileContent&) = default;
 };
 
-/// Reads the file at `path`, whoever has it locked; nothing when it cannot be read.
+/// Reads the file at `path`, whoever has it locked; nothing if it cannot be read.
 std::optional<FileContent> ContentOf(const std::string& path);
 
 /// What a file was like at one moment, to tell later whether it has changed. Costs no reading of

@@ -26,8 +26,8 @@ class FrameReader {
   FrameReader(std::string path, const FileIdentity& identity, const BlockInfo& block,
               std::string_view log);
 
-  /// Where each frame stands in the run. Reads one record of each frame; more only where the first
-  /// ones are not the recorder's.
+  /// The position of each frame in the run. Reads one record of each frame; more only where the
+  /// first ones are not the recorder's.
   std::vector<FramePosition> ReadAxis();
   /// `index` must be below the frame count.
   Frame ReadFrame(std::uint64_t index);
@@ -54,7 +54,7 @@ class FrameReader {
   std::uint64_t frameSize_ = 0;
 };
 
-/// What the log states of the readings; nothing when they are not this library's.
+/// What the log states of the readings; nothing if they are not this library's.
 std::optional<ReadingMeaning> MeaningOf(const std::optional<RunLog>& log);
 
 }  // namespace vex2::lab

@@ -10,7 +10,7 @@
 
 namespace vex2::lab {
 
-/// The fields of a header that can be wrong, as they stand in a file.
+/// The fields of a header that can be wrong, as they are in a file.
 struct HeaderFields {
   std::string assay;
   std::string plateType;
@@ -24,7 +24,7 @@ struct HeaderFields {
   std::uint32_t Wells() const { return std::uint32_t{rows} * columns; }
   /// Whether a recorder may be at work, or have been cut off: frames are still to come.
   bool IsUnfinished() const { return IsRunning() || status == RunStatus::kNotStarted; }
-  /// Whether the header leads to no data block yet, so that the bytes behind the records may be an
+  /// Whether the header leads to no data block yet, so that the bytes after the records may be an
   /// interrupted first commit.
   bool AwaitsFirstCommit() const { return IsUnfinished() && rawDataPosition == 0; }
   bool IsRunning() const { return status == RunStatus::kInProgress; }

@@ -53,7 +53,7 @@ class OutputFiles {
   struct File {
     std::string path;
     std::filesystem::path resolved;    ///< of outputs
-    std::optional<Identity> identity;  ///< nothing when it does not exist, or is no regular file
+    std::optional<Identity> identity;  ///< nothing if it does not exist, or is no regular file
     Kind kind = Kind::kTable;
     bool isSame = false;  ///< it exists with the content that it is to have
   };

@@ -51,7 +51,7 @@ PlateLayout LayoutOf(const Vex2FileManager& document);
 /// when they are those of different wells, and its position otherwise.
 PlateContents ContentsOf(const Vex2FileManager& document);
 
-/// The same as values for programs, with every well of the setup.
+/// The content of the plate as values for programs, with every well of the setup.
 Plate PlateOf(const Vex2FileManager& document);
 
 /// Makes the contents the document's plate setup, a cell for every well of the plate, and adds

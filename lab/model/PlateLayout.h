@@ -30,8 +30,8 @@ std::string WellName(std::uint32_t number, std::uint32_t columns);
 /// A well's name as people and other programs write it, "a1" or "A01", without the difference:
 /// "A1".
 std::string PlainWellName(std::string_view wellName);
-/// The number of the well with this name, on a plate of so many rows and columns. Nothing for what
-/// is no name of a well there.
+/// The number of the well with this name, on a plate with these rows and columns. Returns nothing
+/// if it is not the name of a well there.
 std::optional<std::uint32_t> WellNumber(std::string_view name, std::uint32_t rows,
                                         std::uint32_t columns);
 

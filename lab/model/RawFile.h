@@ -26,8 +26,8 @@ struct NoDocument {
   ErrorRemedy remedy = ErrorRemedy::kNone;
 };
 
-/// Why the open file is not a plate document, going by its first bytes. Nothing when it begins as
-/// one.
+/// Why the open file is not a plate document, going by its first bytes. Returns nothing if it
+/// begins as one.
 std::optional<NoDocument> WhyNoDocument(CFile& file);
 
 /// Takes the place of the file at a path once it is complete and on the disk; until then that is

@@ -18,7 +18,7 @@ struct DecimalNumber {
   VEX2_API double Value() const;
 };
 
-/// The shortest decimal number that stands for `value`; nothing when it has more than 15 digits, of
+/// The shortest decimal number that stands for `value`; nothing if it has more than 15 digits, of
 /// which no text is sure to come back from a double.
 VEX2_API std::optional<DecimalNumber> ShortestDecimal(double value);
 
@@ -40,7 +40,7 @@ class VEX2_API ReadingScale {
   /// The scale that `text` stands for, as "1000", "0.5" or "1000/3"; nothing for any other text and
   /// for parts that are too large.
   static std::optional<ReadingScale> Parse(std::string_view text, DecimalNumber offset = {});
-  /// The offset that `text` stands for; nothing when it is no number of at most 15 digits, or is
+  /// The offset that `text` stands for; nothing if it is no number of at most 15 digits, or is
   /// beyond what a reading can be.
   static std::optional<DecimalNumber> ParseOffset(std::string_view text);
 

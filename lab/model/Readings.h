@@ -18,7 +18,7 @@ namespace vex2::lab {
 /// How many values a document stores of a well in a frame.
 inline constexpr std::size_t kReadingValues = 32;
 
-/// What the stored values of readings stand for, where this library recorded them.
+/// The meaning of the stored values of readings that this library recorded.
 struct ReadingMeaning {
   ReadingScale scale;  ///< how readings became stored numbers
   /// The names of the channels, of which each well has a reading in every frame: channel c is value
@@ -32,7 +32,7 @@ struct ReadingMeaning {
 /// The readings of a data block: one contiguous matrix of 16-bit values, by frame (from 0), well
 /// index (from 0, in the order of `Wells`) and value (from 0), with its axes.
 ///
-/// A value: copies share the matrix, which nobody changes. Spans that are handed out are valid as
+/// A value: copies share the matrix, which never changes. Spans that are handed out are valid as
 /// long as any copy lives. Different threads can use the same object and its copies.
 ///
 /// Operations throw `Error` with `kNoSuchFrame`, `kNoSuchWell` or `kNoSuchValue` for an index that
@@ -56,7 +56,7 @@ class VEX2_API Readings {
   const std::vector<std::uint16_t>& Wells() const;
   /// The well index of a well number, the first one; nothing for a well without readings.
   std::optional<std::size_t> FindWell(std::uint16_t number) const;
-  /// Where each frame stands in the run.
+  /// The position of each frame in the run.
   const std::vector<FramePosition>& Axis() const;
 
   /// The whole matrix, `FrameCount` times `WellCount` times 32 values.
@@ -68,11 +68,11 @@ class VEX2_API Readings {
   /// The stored value `value`, from 0, of the well at the index `well`, from 0, in a frame, from 0.
   std::uint16_t At(std::size_t frame, std::size_t well, std::size_t value) const;
 
-  /// Nothing where the log does not say that this library recorded the readings.
+  /// The meaning of the values; nothing if the log does not say that this library recorded them.
   const std::optional<ReadingMeaning>& Meaning() const;
   /// 0 where the meaning is not known.
   std::size_t ChannelCount() const;
-  /// The reading in real units. Nothing where it is missing, and where the record holds anything
+  /// The reading in real units. Returns nothing if it is missing, or if the record holds anything
   /// that this library would not have written.
   std::optional<double> Fluorescence(std::size_t frame, std::size_t well,
                                      std::size_t channel = 0) const;
@@ -91,7 +91,7 @@ class VEX2_API Readings {
 /// What a document stores of one well in one frame.
 struct WellReading {
   std::uint16_t well = 0;  ///< number, from 1
-  /// What stands before the values; the meaning is the instrument's.
+  /// The fields before the values; their meaning depends on the instrument.
   std::array<std::uint16_t, 8> leading{};
   std::array<std::uint16_t, kReadingValues> values{};  ///< the stored readings
   /// The readings of the channels in real units, NaN where one is missing; empty where the meaning
@@ -102,7 +102,7 @@ struct WellReading {
 /// One frame of a data block.
 struct Frame {
   std::uint64_t index = 0;         ///< from 0
-  FramePosition position;          ///< where the frame stands in the run
+  FramePosition position;          ///< the position of the frame in the run
   std::vector<WellReading> wells;  ///< in the order of the block
 };
 

@@ -40,7 +40,7 @@ RecordFields ReadRecordFields(CFile& file, const FileRecord& record);
 
 /// Up to `most` bytes of the body, as many as the file has.
 std::string ReadRecordBytes(CFile& file, const FileRecord& record, std::uint64_t most);
-/// How many records a list says that it holds; nothing where the file ends before.
+/// How many records a list says that it holds; nothing if the file ends before.
 std::optional<std::uint16_t> ReadListCount(CFile& file, const FileRecord& record);
 /// A body that is a text, as Latin-1; at most `most` bytes of it are read.
 std::string ReadRecordText(CFile& file, const FileRecord& record, std::uint64_t most);

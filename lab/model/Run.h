@@ -19,7 +19,7 @@ namespace vex2::lab {
 struct Target {
   std::string detector;           ///< the detector's name
   std::string task;               ///< a code, such as "UNKN" or "STND"
-  std::optional<float> quantity;  ///< nothing where none was given
+  std::optional<float> quantity;  ///< nothing if none was given
   std::string reporter;           ///< the detector's reporter dye; empty for an unknown detector
 
   /// Whether all fields are equal.
@@ -41,7 +41,7 @@ struct Well {
 struct Plate {
   std::uint32_t rows = 0;     ///< the number of rows
   std::uint32_t columns = 0;  ///< the number of columns
-  std::string type;           ///< a code without the blanks behind it, such as "p9C"
+  std::string type;           ///< a code without trailing blanks, such as "p9C"
   /// The wells that the plate setup has, ascending by number; none without a setup. A setup that
   /// this library wrote has every well of the plate, so that `wells[0]` is A1.
   std::vector<Well> wells;
@@ -121,10 +121,10 @@ struct BlockInfo {
   /// their times, temperatures and scale are.
   bool isRecorded = false;
   /// When the first and the last frame were read, as "2026-11-22T08:00:00" with "Z" or "+01:00"
-  /// where the zone is known. Nothing where the block is not `isRecorded`, or has no time.
+  /// where the zone is known. Nothing if the block is not `isRecorded`, or has no time.
   std::optional<std::string> start;
-  /// When the last frame was read, as `start`; nothing where the block is not `isRecorded`, or has
-  /// no time.
+  /// When the last frame was read, as `start`; nothing if the block is not `isRecorded`, or has no
+  /// time.
   std::optional<std::string> end;
   std::array<std::uint8_t, 6> storedStart{};  ///< the bytes in the block, uninterpreted
   std::array<std::uint8_t, 6> storedEnd{};    ///< the bytes in the block, uninterpreted
@@ -136,7 +136,7 @@ struct BlockInfo {
 /// The part of a run that a frame belongs to.
 enum class Stage { kAmplification, kMelting };
 
-/// Where a frame stands in the run. All of it is unknown where the log does not say that this
+/// The position of a frame in the run. All of it is unknown if the log does not say that this
 /// library recorded the readings.
 struct FramePosition {
   std::optional<Stage> stage;          ///< amplification or melting

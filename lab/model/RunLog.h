@@ -30,7 +30,7 @@ struct RunLog {
 
   /// The lines that state this, but for the source.
   std::string Text() const;
-  /// Nothing for a log in which the recorder states nothing.
+  /// Returns nothing for a log in which the recorder states nothing.
   static std::optional<RunLog> Find(std::string_view log);
 };
 
@@ -44,14 +44,14 @@ class RecordedReadings {
  public:
   /// The block of `plate` with this tag. The recorder writes raw data ("RAWa") alone.
   RecordedReadings(const Vex2FileManager& plate, std::string_view blockTag);
-  /// The same of a document with this log.
+  /// The block with this tag of a document with this log.
   RecordedReadings(std::string_view log, std::string_view blockTag);
 
-  /// What the log states; nothing when no reading of the block is the recorder's.
+  /// What the log states; nothing if no reading of the block is the recorder's.
   const std::optional<RunLog>& Log() const { return log_; }
-  /// The reading in `record`, which frame `frame` (from 0) holds. Nothing for a record that holds
-  /// anything but what the recorder would have written, and for frames behind the run's last one,
-  /// which only others can have added.
+  /// The reading in `record`, which frame `frame` (from 0) holds. Returns nothing for a record that
+  /// holds anything but what the recorder would have written, and for frames after the run's last
+  /// one, which only others can have added.
   std::optional<RunReading> Read(const Vex2WellRecord& record, std::uint64_t frame) const;
 
  private:

@@ -26,9 +26,9 @@ namespace vex2::lab {
 ///
 /// The constructor reads all but the frames, so that it costs the same however long the run was.
 /// `Axis`, `Frame` and `Readings` open the file again and read what they need. No operation keeps
-/// the file open, so a recorder may go on: the reader answers with the frames that were committed
-/// when it was made, and a new reader sees those that came since. A document that has been
-/// replaced since refuses to give frames.
+/// the file open, so a recorder may continue: the reader returns the frames that were committed
+/// when it was made, and a new reader sees those that came since. If the document has been replaced
+/// since, operations that read frames throw.
 ///
 /// The texts and values that are handed out by reference live as long as any copy of the reader.
 /// Copies are cheap and share what was read, which never changes: different threads can use the
@@ -45,7 +45,7 @@ class VEX2_API RunReader {
 
   /// As it was given.
   const std::filesystem::path& Path() const;
-  /// Whether all that stands in the file was read: the same as `Faults` being empty.
+  /// Whether everything in the file was read, so that `Faults` is empty.
   bool IsWhole() const;
   /// What could not be read or was left out, where and why, by offset. Of a plate in a study what
   /// concerns the plate.
@@ -53,7 +53,7 @@ class VEX2_API RunReader {
 
   /// How far the run has come.
   RunState State() const;
-  // The header's codes, without the blanks behind them.
+  // The header's codes, without trailing blanks.
   const std::string& StatusCode() const;  ///< "ZERO", "PROG" or "DONE"
   const std::string& AssayCode() const;   ///< such as "AbsQ"
   const std::string& KindCode() const;    ///< such as "Kest"
@@ -68,22 +68,22 @@ class VEX2_API RunReader {
   const lab::Calibration& Calibration() const;
   /// The run-wide settings that the document has, in the order in which people are shown them.
   const std::vector<SettingValue>& Settings() const;
-  /// Nothing where the document has no program.
+  /// Returns nothing if the document has no program.
   const std::optional<lab::Program>& Program() const;
   /// The data blocks in the order of the document.
   const std::vector<BlockInfo>& Blocks() const;
 
   // --- Readings ---
   //
-  // Of the first data block with the tag `block`, the raw readings unless told otherwise. Without
-  // such a block there are no frames and no wells.
+  // Of the first data block with the tag `block`; by default the raw readings. Without such a block
+  // there are no frames and no wells.
 
   /// The number of committed frames.
   std::uint64_t FrameCount(std::string_view block = kRawReadings) const;
   /// The well numbers, from 1, in the order of each frame.
   const std::vector<std::uint16_t>& Wells(std::string_view block = kRawReadings) const;
-  /// Where each frame stands in the run. Reads one record of a frame, and nothing at all where the
-  /// log does not say that this library recorded the run: then all is unknown.
+  /// The position of each frame in the run. Reads one record of a frame. If the log does not say
+  /// that this library recorded the run, reads nothing, and all positions are unknown.
   std::vector<FramePosition> Axis(std::string_view block = kRawReadings) const;
   /// Reads one frame, from 0. Throws `kNoSuchFrame` for an index that is not below the count.
   lab::Frame Frame(std::uint64_t index, std::string_view block = kRawReadings) const;
@@ -96,7 +96,7 @@ class VEX2_API RunReader {
   bool IsStudy() const;
   /// The names of the plates in the document, in their order; none of a document without plates.
   std::vector<std::string> PlateNames() const;
-  /// The first plate of this name, which answers the same questions. Throws `kNoSuchPlate`.
+  /// A reader of the first plate of this name. Throws `kNoSuchPlate` if there is none.
   RunReader Plate(std::string_view name) const;
 
  private:

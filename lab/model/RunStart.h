@@ -15,9 +15,9 @@ namespace vex2::lab {
 class RunStart {
  public:
   /// The start that `text` stands for, as "2026-11-22T08:00:00Z" or with "+01:00" for the "Z".
-  /// Nothing for any other text, also for one without a zone.
+  /// Returns nothing for any other text, such as one without a zone.
   static std::optional<RunStart> Parse(std::string_view text);
-  /// The present time in UTC, as the host tells it.
+  /// The present time in UTC, from the host's clock.
   static RunStart Now();
 
   /// As `Parse` takes it.
@@ -25,7 +25,7 @@ class RunStart {
   /// "Z", or "+01:00".
   std::string_view Zone() const;
   TimeStamp Stamp() const { return StampAfter(0); }
-  /// The time of day in the same zone, so many milliseconds later; parts of a second are cut off.
+  /// The time of day in the same zone, `milliseconds` later; parts of a second are cut off.
   TimeStamp StampAfter(std::uint32_t milliseconds) const;
 
   friend bool operator==(const RunStart&, const RunStart&) = default;

@@ -12,7 +12,8 @@ namespace vex2::lab {
 /// itself and would lose what cannot be kept. Upgrades the blocks otherwise.
 void PrepareToSave(Document& document, const std::string& target, const SaveRules& rules);
 
-/// The same for one of the document's plates, which is saved alone, to another file.
+/// Throws an error when one of the document's plates cannot be saved alone, to another file,
+/// without harm.
 void PreparePlateToSave(const Document& document, const Document::Plate& plate,
                         const std::string& target, const SaveRules& rules);
 

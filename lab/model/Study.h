@@ -10,8 +10,8 @@
 
 namespace vex2::lab {
 
-/// Brings the documents at `paths` into `study` as plates, one after the other, and answers a line
-/// about each; `onPlate` is told the path of the next one. An empty document becomes a study for
+/// Brings the documents at `paths` into `study` as plates, one after the other, and returns a line
+/// about each; `onPlate` gets the path of the next one. An empty document becomes a study for
 /// plates like the first. Throws an error that says why a plate cannot be added; the study is then
 /// of no use any more.
 std::string AddPlates(Vex2FileManager& study, const std::string& studyPath,
@@ -30,7 +30,7 @@ void ExtractPlate(const Document& study, const Document::Plate& plate, const std
                   const SaveRules& rules);
 
 /// When a plate's own file was last changed, as "2003-03-05T14:07" in local time, given what the
-/// study stores, "Mar 05, 2003 02:07 PM". Any other text is answered as it is.
+/// study stores, "Mar 05, 2003 02:07 PM". Any other text is returned unchanged.
 std::string PlateDateText(const std::string& stored);
 
 /// Throws an error unless `document` is a study.

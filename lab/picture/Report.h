@@ -19,9 +19,9 @@ struct ReportSettings {
   std::string note;     ///< a sentence that the page shows above all; UTF-8, may be empty
   /// Whether the file's records, its check and its SHA-256 are in it, which read the whole file.
   bool withFile = true;
-  /// Is told of each document before it is read; may be empty.
+  /// Called with each document before it is read; may be empty.
   std::function<void(const std::filesystem::path&)> onDocument;
-  /// Is told of each document that could not be read, or not as a whole; may be empty.
+  /// Called for each document that could not be read, or not as a whole; may be empty.
   std::function<void(const Error&)> onError;
 };
 
@@ -33,16 +33,16 @@ struct ReportSettings {
 VEX2_API std::string ReportData(std::span<const std::filesystem::path> paths,
                                 const ReportSettings& settings);
 
-/// What `ReportData` says of the document at `path`, for programs that read documents side by side.
-/// Throws `Error` only when memory runs out.
+/// The entry of `ReportData` for the document at `path`, for programs that read documents side by
+/// side. Throws `Error` only when memory runs out.
 VEX2_API std::string ReportEntry(const std::filesystem::path& path, const ReportSettings& settings);
 
-/// The data of a report on the documents of these entries, in their order, as `ReportData` answers
+/// The data of a report on the documents of these entries, in their order, as `ReportData` returns
 /// them.
 VEX2_API std::string ReportDataOf(std::span<const std::string> entries,
                                   const ReportSettings& settings);
 
-/// The page for what `ReportData` answered, as HTML: one file that needs no other and no network.
+/// The page for what `ReportData` returned, as HTML: one file that needs no other and no network.
 /// A script in the page can show newer data of the same documents with `vexReport.update(data)`.
 /// With `events`, the path of server-sent events on the server of the page, it listens to them
 /// and shows the data of each message.

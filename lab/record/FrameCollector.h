@@ -39,8 +39,8 @@ class FrameCollector {
   /// `plan`, whose wells and channels are known by now, must outlive the collector.
   FrameCollector(const RunPlan& plan, std::string file);
 
-  /// Adds a row to its frame, and answers the frame. Throws an error when the frame has another
-  /// row of the well and channel, or when the well's channels differ in time or temperature.
+  /// Adds a row to its frame, and returns the frame. Throws an error when the frame has another row
+  /// of the well and channel, or when the well's channels differ in time or temperature.
   CollectedFrame& Add(const ReadingRow& row);
   /// Forgets a frame that was dealt with.
   void Remove(FrameKey key) { frames_.erase(key); }

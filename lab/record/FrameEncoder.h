@@ -33,7 +33,7 @@ class FrameEncoder {
   /// reading that does not fit or, if exact, would be rounded.
   std::vector<RunReading> Encode(const CollectedFrame& frame);
 
-  /// Why the reading does not fit into a document, naming its row; nothing where it does.
+  /// Why the reading does not fit into a document, naming its row; nothing if it does.
   std::optional<std::string> WhyUnfit(const ReadingRow& row) const;
 
   const Rounding& Rounded() const { return rounding_; }

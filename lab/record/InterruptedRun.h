@@ -19,12 +19,13 @@ std::string RecordedLog(const std::string& path);
 std::string RecordedAssay(const std::string& path);
 
 /// Whether a recorder's document is at `path` with at least this many frames, so that the run can
-/// be gone on with.
+/// be resumed.
 bool HoldsFrames(const std::string& path, std::size_t frames);
 
-/// What a recorder has left of its document, whether it was cut off or had finished. Found behind
-/// its records, as the header's position of the data block may be wrong and the file may go on
-/// behind it. Where committed data end is FrameLog's answer; here it is compared with the plan.
+/// What a recorder has left of its document, whether it was cut off or had finished. Found by
+/// walking its records, as the header's offset of the data block may be wrong and the file may
+/// continue after the block. FrameLog finds where committed data end; this class compares that with
+/// the plan.
 class InterruptedRun {
  public:
   /// Looks at the document without changing it. Throws an error when it is none that a recorder
@@ -41,8 +42,8 @@ class InterruptedRun {
   /// `plan`, or all of it where the recorder had finished. The frames of a live plan are not
   /// compared: they are still to come.
   void Check(const RunPlan& plan) const;
-  /// Cuts off what a commit has left unfinished, so that the document can be gone on with. A
-  /// repair that is cut off itself leaves a document that can be repaired again.
+  /// Cuts off what a commit has left unfinished, so that the document can be resumed. A repair that
+  /// is cut off itself leaves a document that can be repaired again.
   void Repair() const;
 
  private:

@@ -22,8 +22,8 @@ struct LiveOptions {
 
 /// Records readings as they arrive, each frame as soon as its last reading has. The frames must
 /// become complete in the order in which they began, and in that of their times; the rows of one
-/// may come in any order. A run that is gone on with may send the frames that the document holds
-/// again, which are compared, or leave them out.
+/// may come in any order. A run that is resumed may send the frames that the document holds again,
+/// which are compared, or leave them out.
 class LiveRun {
  public:
   LiveRun(const MeasuredRunFiles& files, LiveOptions live, RecordOptions options,

@@ -42,7 +42,7 @@ RunPlan PlanMeasuredRun(const MeasuredRunFiles& files, RoundedNumbers& quantitie
 /// stay as they are.
 void SortFrames(RunPlan& plan);
 
-/// The scale that was asked for; nothing when none was.
+/// The scale that was asked for; nothing if none was.
 std::optional<ReadingScale> GivenScale(const MeasuredRunFiles& files);
 
 }  // namespace vex2::lab

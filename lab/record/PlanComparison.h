@@ -16,7 +16,7 @@ struct PlanDifference {
 };
 
 /// The first difference of wells, detectors, dyes, calibration, settings and program, in this
-/// order; nothing when the document says what the plan does. Log and readings are not compared.
+/// order; nothing if the document says what the plan does. Log and readings are not compared.
 std::optional<PlanDifference> FindDifference(const Vex2FileManager& document, const RunPlan& plan);
 
 }  // namespace vex2::lab

@@ -22,7 +22,7 @@ struct ReadingRow {
   std::uint16_t cycle = 0;
   double seconds = 0;
   double temperature = 0;              ///< degrees Celsius
-  std::optional<double> fluorescence;  ///< nothing where the reading is missing
+  std::optional<double> fluorescence;  ///< nothing if the reading is missing
 };
 
 /// "amplification cycle 7".

@@ -8,7 +8,7 @@
 
 namespace vex2::lab {
 
-/// Waits for that many seconds, and answers whether the caller wants the work to end; then it may
+/// Waits for the given seconds, and returns whether the caller wants the work to end; then it may
 /// return earlier. 0 asks without waiting.
 using WaitOrEnd = std::function<bool(double seconds)>;
 
@@ -27,7 +27,7 @@ struct RecordOptions {
 /// How far a recording has come.
 struct RecordState {
   std::size_t framesDone = 0;
-  std::optional<std::size_t> framesTotal;  ///< nothing while nobody knows
+  std::optional<std::size_t> framesTotal;  ///< nothing while it is not known
   std::optional<double> lastCommit;        ///< seconds that it took; nothing for who looks on
 };
 
@@ -46,11 +46,11 @@ class Recorder {
   /// was changed then. `Run` and `Begin` do so themselves where it was not called.
   void Claim() { document_.Claim(plan_); }
   /// Records the plan's frames until the run or `wait` ends it. Throws an error, and then the
-  /// document holds every frame that was reported and can be gone on with.
+  /// document holds every frame that was reported and can be resumed.
   Outcome Run();
 
-  /// The same in steps, for frames that come while they are recorded. Makes the document, or goes
-  /// on with one. False when nothing is left to do.
+  /// Begins a recording in steps, for frames that come while they are recorded. Makes the document,
+  /// or resumes one. Returns false when nothing is left to do.
   bool Begin();
   /// Appends the plan's next frame to the document; it is on the disk when this returns.
   void Append();

@@ -28,7 +28,7 @@ enum class FollowState {
 ///       if (const auto frame = follower.Next(std::chrono::seconds(1))) show(*frame);
 ///     }
 ///
-/// The document need not exist yet. The follower goes on when the recorder stops and resumes, and
+/// The document need not exist yet. The follower continues when the recorder stops and resumes, and
 /// when a save replaces the document. It only reads, and costs the recorder nothing: it looks at
 /// the file ten times a second, without a lock. A short lock is taken only to read the document's
 /// other records, when the document is first met and when it was replaced.
@@ -46,7 +46,7 @@ class VEX2_API RunFollower {
   /// Takes the place of the other, which may then only be assigned to or destroyed.
   RunFollower& operator=(RunFollower&&) noexcept;
 
-  /// The next committed frame of the raw readings. Waits for it no longer than `wait`; nothing when
+  /// The next committed frame of the raw readings. Waits for it no longer than `wait`; nothing if
   /// none was committed in that time, and at once when the run is complete.
   ///
   /// Throws `Error` when the file is not a plate document, is a study, is damaged in front of its

@@ -18,7 +18,7 @@ namespace vex2::lab {
 /// live run's frames.
 struct RunPlan {
   PlateLayout plate;
-  PlateContents contents;  ///< what stands in the wells
+  PlateContents contents;  ///< the content of the wells
   Calibration calibration;
   std::vector<unsigned short> wells;            ///< the wells in use, from 1, ascending
   std::vector<std::vector<RunReading>> frames;  ///< in time order; in each a reading per well
@@ -28,10 +28,10 @@ struct RunPlan {
   std::string assay;  ///< a code of four characters; empty is that of a new document
   /// The readings come while they are recorded: `frames` are those that have come.
   bool isLive = false;
-  /// How many frames a live run will have had; nothing while nobody knows.
+  /// How many frames a live run will have had; nothing while it is not known.
   std::optional<std::size_t> liveFrames;
   std::string comment;
-  /// Lines of key=value that tell where the readings come from; they go into the document's log.
+  /// Lines of key=value that say where the readings come from; they go into the document's log.
   std::string origin;
   /// Whether the frames hold readings of this library's making, and the log says so.
   bool statesReadings = true;
@@ -42,7 +42,7 @@ struct RunPlan {
   std::vector<std::uint8_t> program;  ///< empty: described from the frames
 };
 
-/// How many frames the run will have had at its end; nothing while nobody knows.
+/// How many frames the run will have had at its end; nothing while it is not known.
 std::optional<std::size_t> FrameTotal(const RunPlan& plan);
 
 /// How many readings a well has in a frame.
@@ -57,8 +57,8 @@ std::size_t FirstMelting(const RunPlan& plan);
 /// The records of the frame `index`, from 0, in the order of the wells.
 std::vector<Vex2WellRecord> FrameRecords(const RunPlan& plan, std::size_t index);
 
-/// The document's log, lines of key=value: a recording can be gone on with only by a run that has
-/// the same.
+/// The document's log, lines of key=value: a recording can be resumed only by a run that has the
+/// same.
 std::string LogText(const RunPlan& plan);
 
 /// What was run, for a reader's eyes, as the thermal cycling program.

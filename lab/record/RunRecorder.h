@@ -25,8 +25,8 @@ struct RecorderOptions {
 /// editor or command can change the document. Use a recorder from one thread at a time.
 class VEX2_API RunRecorder {
  public:
-  /// Makes the document at `path` with all that `plan` says, or resumes it: what an interrupted
-  /// commit left behind is cut off, and all that the document says is compared with `plan`.
+  /// Makes the document at `path` from `plan`, or resumes it: uncommitted bytes of an interrupted
+  /// commit are cut off, and the whole content of the document is compared with `plan`.
   ///
   /// Throws `Error` when the document exists and `options` do not say what to do with it, when it
   /// is being recorded, has further hard links, or differs from `plan`; then it is unchanged.
@@ -40,8 +40,8 @@ class VEX2_API RunRecorder {
   /// only be assigned to or destroyed.
   RunRecorder& operator=(RunRecorder&&) noexcept;
 
-  /// The frames that the document held when it was resumed, 0 for a new one. Go on with the frame
-  /// of this index.
+  /// The frames that the document held when it was resumed, 0 for a new one. Continue with the
+  /// frame of this index.
   std::size_t RecordedFrames() const;
   /// The frames that are in the document now. Also the index of the next frame, from 0.
   std::size_t FrameCount() const;

@@ -28,34 +28,35 @@ struct RecoverBlock {
 
   std::uint64_t FrameSize() const { return kStoredRecordSize * wells; }
   std::uint64_t End() const { return firstFrame + frames * FrameSize(); }
-  /// Where its frames stand in a file of this length.
+  /// Where its frames are in a file of this length.
   FrameRange Range(std::uint64_t fileEnd) const {
     return {firstFrame, FrameSize(), End(), fileEnd};
   }
 };
 
-/// The block whose tag stands at `offset`, whatever that tag is. Numbers of wells are not read.
+/// The block whose tag is at `offset`, whatever that tag is. Numbers of wells are not read.
 std::optional<RecoverBlock> BlockAt(RecoverSource& source, std::uint64_t offset);
 
-/// The numbers of the block's wells as the file has them; nothing when they cannot be such.
+/// The numbers of the block's wells as the file has them; nothing if they cannot be such.
 std::vector<std::uint16_t> ReadWellNumbers(RecoverSource& source, std::uint64_t offset,
                                            std::uint16_t wells);
 
 /// Where a block is looked for whose head cannot be read.
 struct BlockSearch {
   std::uint64_t from = 0;
-  std::uint64_t to = 0;                   ///< behind its last frame, or the file's end
+  std::uint64_t to = 0;                   ///< after its last frame, or the file's end
   bool beginsAtFrom = false;              ///< its tag is, or was, at `from`
   std::vector<std::uint16_t> wellCounts;  ///< of other blocks and of the plate, the likeliest first
 };
 
 /// Finds the frames of a block by what is left of its head: its version and size of times, its
 /// numbers of wells, its length; else by how many records of wells, of 80 bytes each, fill the
-/// bytes up to `to`. The tag is empty when it cannot be read. Nothing when there is not one frame.
+/// bytes up to `to`. The tag is empty when it cannot be read. Returns nothing if there is not one
+/// frame.
 std::optional<RecoverBlock> FindLostBlock(RecoverSource& source, const BlockSearch& search);
 
-/// What every record of that frame that was filled begins with; nothing when they differ, or none
-/// was filled.
+/// What every record of that frame that was filled begins with; nothing if they differ, or none was
+/// filled.
 std::optional<std::uint16_t> MarkerOf(RecoverSource& source, std::uint64_t frame,
                                       std::uint16_t wells);
 

@@ -18,7 +18,7 @@ struct RecoverNote {
 
 /// What a recovery found of a damaged file, and what it did not.
 struct RecoverReport {
-  /// So many places are told one by one; all are counted.
+  /// At most this many places are listed; all are counted.
   static constexpr std::size_t kMostNotes = 1000;
 
   std::uint64_t size = 0;     ///< of the damaged file

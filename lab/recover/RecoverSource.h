@@ -25,7 +25,7 @@ class RecoverSource {
   /// The bytes from `offset` on: at least `count` of them but where the file ends before. Valid
   /// until the next call.
   std::span<const std::uint8_t> View(std::uint64_t offset, std::size_t count);
-  /// Big-endian; nothing where the file ends before.
+  /// Big-endian; nothing if the file ends before.
   std::optional<std::uint16_t> Short(std::uint64_t offset);
   std::optional<std::uint32_t> Long(std::uint64_t offset);
 
@@ -40,10 +40,10 @@ class RecoverSource {
 struct RecoverHead {
   std::uint64_t offset = 0;  ///< of the tag
   std::array<char, 4> tagBytes{};
-  const RecordKind* kind = nullptr;  ///< of unknown layout for a tag that nobody knows
+  const RecordKind* kind = nullptr;  ///< of unknown layout for an unknown tag
   std::uint32_t length = 0;          ///< as declared
   std::uint16_t count = 0;           ///< of a list or cell
-  std::uint64_t next = 0;            ///< where the next head is: the first one in it, or behind it
+  std::uint64_t next = 0;            ///< where the next head is: the first one in it, or after it
   bool exact = false;                ///< its numbers agree with each other and with the file's size
 
   std::string_view Tag() const { return {tagBytes.data(), tagBytes.size()}; }

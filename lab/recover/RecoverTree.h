@@ -57,7 +57,7 @@ class RecoverTree {
   const std::set<std::string>& TagsAtTop() const;
   /// Whether the list that ends at `offset` is one that is open, by its declared length.
   bool EndsAt(std::uint64_t offset) const;
-  /// Whether `offset` is behind the end of a list that is open.
+  /// Whether `offset` is after the end of a list that is open.
   bool IsPastEnd(std::uint64_t offset) const;
   /// The tag of the list that is open; empty in the document itself.
   std::string_view OpenTag() const {

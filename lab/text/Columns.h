@@ -11,7 +11,7 @@ namespace vex2::lab {
 std::size_t Columns(std::string_view utf8);
 /// `utf8` cut to `width` columns, with `ellipsis` at the end then.
 std::string CutTo(std::string_view utf8, std::size_t width, std::string_view ellipsis);
-/// `text` with blanks behind it, or before it, up to `width` columns.
+/// `text` with blanks after it, or before it, up to `width` columns.
 std::string PadRight(std::string text, std::size_t width);
 std::string PadLeft(std::string text, std::size_t width);
 

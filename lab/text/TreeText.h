@@ -17,7 +17,7 @@ class TreeText final : public RecordVisitor {
       : out_(out), form_(form), end_(end) {}
 
   void Begin(const FileRecord& record, CFile& file) override;
-  /// Writes what there is behind the last record, up to `size`.
+  /// Writes what there is after the last record, up to `size`.
   void Finish(std::uint64_t size);
 
  private:

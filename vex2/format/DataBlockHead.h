@@ -23,7 +23,7 @@ constexpr std::size_t kStoredDataValues = 32;
 constexpr std::size_t kStoredRecordSize =
     (kStoredLeadingValues + kStoredDataValues) * sizeof(std::uint16_t);
 
-/// Bytes of a frame of so many wells.
+/// Bytes of a frame of `wells` wells.
 constexpr std::uint64_t FrameSize(std::uint16_t wells) {
   return kStoredRecordSize * std::uint64_t{wells};
 }
@@ -38,7 +38,7 @@ constexpr std::uint64_t FrameCount(std::uint32_t length, std::uint16_t wells) {
   if (wells == 0 || length < kBlockFixedSize) return 0;
   return (length - kBlockFixedSize) / FrameSize(wells);
 }
-/// The frames that fit behind the well numbers in a body of this length.
+/// The frames that fit after the well numbers in a body of this length.
 constexpr std::uint64_t WholeFrames(std::uint32_t length, std::uint16_t wells) {
   if (wells == 0 || length < FramesOffset(wells)) return 0;
   return (length - FramesOffset(wells)) / FrameSize(wells);
@@ -52,7 +52,7 @@ struct DataBlockHead {
   std::uint16_t wells = 0;
 };
 
-/// How a reader finds the well count behind the times.
+/// How a reader finds the well count after the times.
 enum class TimeBlock : std::uint8_t {
   kAsWritten,  ///< twelve bytes, none before version 2: as components read a body
   kAsStated,   ///< as many bytes as it says, in every version: as single frames are found

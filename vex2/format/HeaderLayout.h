@@ -11,7 +11,7 @@
 #include "vex2/format/Encoding.h"
 
 /// The header of a document, and of each plate in a study: where its fields are and which codes
-/// stand in them. See docs/format.md.
+/// they hold. See docs/format.md.
 namespace vex2 {
 
 /// Offsets and sizes in bytes, from the start of the header.

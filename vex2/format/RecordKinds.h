@@ -109,9 +109,9 @@ enum class BodyLayout : std::uint8_t {
   kPureDyes,    ///< a head and entries that state their own length
   kBackground,  ///< the same with smaller entries
   kColor,       ///< three bytes
-  kList,        ///< a 16-bit count and that many records
-  kCell,        ///< a list with five bytes of its own behind the count
-  kPlate,       ///< a document within the document, behind a count that is 0
+  kList,        ///< a 16-bit count and as many records
+  kCell,        ///< a list with five bytes of its own after the count
+  kPlate,       ///< a document within the document, after a count that is 0
   kData,        ///< a data block
 };
 
@@ -138,7 +138,7 @@ struct RecordKind {
   std::string_view tag;
   BodyLayout layout;
   std::uint16_t homes;       ///< bits of `RecordHome`
-  std::string_view meaning;  ///< a few words for people; empty where nobody knows
+  std::string_view meaning;  ///< a few words for people; empty where it is not known
 };
 
 namespace detail {
@@ -245,7 +245,8 @@ inline constexpr auto kTagTable = [] {
 inline constexpr std::string_view kUncommittedTag("\0\0\0\0", kTagLength);
 
 /// The row of `tag`, or -1 for a tag that is not in the table. Exactly four characters count, case
-/// included. A tag that stands twice has the later row: "DESC" is 51. Safe from any thread.
+/// included. A tag that is in the table twice has the later row: "DESC" is 51. Safe from any
+/// thread.
 VEX2_API int FindTagIndex(std::string_view tag) noexcept;
 
 /// The tag in row `index`; empty for an index outside the table.

@@ -32,9 +32,9 @@ struct FileRecord {
 /// Whether these characters could be a tag, known or not: four printable ones.
 bool IsPrintableTag(std::string_view tag);
 
-/// Is told of each record of a file, also of a damaged one: what the records declare (`length`) and
-/// where the reader goes on behind them (`end`) are two things, and a record that begins and does
-/// not end is where the walk gave up. No operation need keep the file's position.
+/// Called for each record of a file, even of a damaged one. What a record declares (`length`) and
+/// where the reader continues after it (`end`) may differ. A record that begins and does not end is
+/// where the walk gave up. No operation need keep the file's position.
 class RecordVisitor {
  public:
   virtual ~RecordVisitor() = default;
@@ -72,16 +72,17 @@ struct RecordWalk {
   std::optional<WalkFault> fault;
 };
 
-/// Walks over the records of the document in the open `file`, from behind its header on, and over
-/// those in them, to the same places as the document's reader: past the bytes that a body's layout
-/// has, whatever length the record declares. Neither allocates nor recurses on the word of a file.
+/// Walks over the records of the document in the open `file`, from the end of its header on, and
+/// over those in them, to the same offsets as the document's reader: past the bytes that a body's
+/// layout has, whatever length the record declares. Neither allocates nor recurses on the word of a
+/// file.
 RecordWalk WalkRecordsOf(CFile& file, RecordVisitor& visitor);
 
 /// Where the record at `offset` ends, by what it holds; nothing for one that cannot be walked over.
 std::optional<std::uint64_t> EndOfRecordAt(CFile& file, std::uint64_t offset);
 
 /// Where the body at `body` of pure dyes or a background ends, by what its entries state: readers
-/// go by that. Behind the file's end when the file ends before.
+/// go by that. After the file's end when the file ends before.
 std::uint64_t SpectraEnd(CFile& file, BodyLayout layout, std::uint64_t body);
 
 /// Steps over records by the lengths that they declare, as an instrument looks for a record.

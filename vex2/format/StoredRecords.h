@@ -9,7 +9,7 @@
 #include "vex2/format/Encoding.h"
 #include "vex2/framework/CFile.h"
 
-/// Well records as they stand in a file, read in bulk.
+/// Well records as they are in a file, read in bulk.
 namespace vex2 {
 
 // The host's byte order is little-endian wherever the library runs.

@@ -16,7 +16,7 @@ struct LocatedFile {
   std::uint64_t number = 0;  ///< the inode: the same for all hard links to the file
 };
 
-/// Returns the file that `path` leads to. Throws `CFileException` if the system cannot tell.
+/// Returns the file that `path` leads to. Throws `CFileException` if the system returns an error.
 VEX2_API LocatedFile LocateFile(const std::string& path);
 
 /// Copies the file at `path` to a new file beside it, which is on the disk when this returns. The

@@ -96,7 +96,7 @@ class VEX2_API CFile : public CObject {
   /// The whole path with which the file was opened.
   virtual CString GetFilePath() const;
 
-  /// Fills `status`. Returns false if no file is open or the system cannot tell.
+  /// Fills `status`. Returns false if no file is open or the system returns an error.
   [[nodiscard]] bool GetStatus(CFileStatus& status) const;
   /// Whether a file is open.
   bool IsOpen() const { return handle_ >= 0; }
@@ -124,7 +124,7 @@ class VEX2_API CFile : public CObject {
   /// is called. Without that call, the file at `path` stays unchanged. Where a rename does not work
   /// (several hard links, not a regular file, a folder in which no file can be created), `path`
   /// itself is opened and truncated. Permissions and symbolic links are kept. Returns false on
-  /// failure, also if `path` could not have been opened for writing.
+  /// failure, even if `path` could not have been opened for writing.
   [[nodiscard]] bool OpenReplacement(const char* path, CFileException* error = nullptr);
 
   /// Starts a replacement of the file that is open for reading and writing: this object becomes the
@@ -178,7 +178,7 @@ class VEX2_API CFile : public CObject {
   std::string path_;
   Identity identity_;
   std::uint64_t position_ = 0;
-  std::uint64_t length_ = 0;  // in the system; bytes still in the buffer may lie behind it
+  std::uint64_t length_ = 0;  // in the system; bytes still in the buffer may lie after it
 
   // One buffer for reading and writing. It holds the bytes from the offset bufferStart_ on: read
   // from the file or, if dirty_, not yet written to it.

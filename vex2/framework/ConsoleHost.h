@@ -16,11 +16,11 @@
 ///     Blue LED Array Illumination = 1
 ///     Colour = 0xFF8800
 ///     Folder = "C:\data"
-/// A value, behind the first equals sign, is a number if it is a decimal number, or a hexadecimal
+/// A value, after the first equals sign, is a number if it is a decimal number, or a hexadecimal
 /// one with 0x, of up to 32 bits; otherwise it is a text. A text in double quotes is never a
 /// number, and keeps its spaces. Spaces around keys, names and values are ignored, and so is the
 /// case of ASCII letters in keys and names. The first matching line counts. All other lines are
-/// skipped, and so are lines behind the first `kSettingsFileLimit` bytes of a file.
+/// skipped, and so are lines after the first `kSettingsFileLimit` bytes of a file.
 namespace vex2 {
 
 /// Bytes at the start of a settings file that are read. Settings files are small; a larger file is

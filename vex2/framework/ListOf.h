@@ -64,14 +64,14 @@ class ListOf {
   /// The position of the last entry; null if the list is empty.
   POSITION GetTailPosition() const { return toPosition(last_); }
 
-  /// Returns the value at `position`, and moves `position` to the next entry, or to null behind the
+  /// Returns the value at `position`, and moves `position` to the next entry, or to null after the
   /// last.
   Value GetNext(POSITION& position) const {
     const Value value = GetAt(position);
     if (position != nullptr) position = toPosition(toNode(position)->next);
     return value;
   }
-  /// Returns the value at `position`, and moves `position` to the previous entry, or to null behind
+  /// Returns the value at `position`, and moves `position` to the previous entry, or to null after
   /// the first.
   Value GetPrev(POSITION& position) const {
     const Value value = GetAt(position);
@@ -88,7 +88,7 @@ class ListOf {
     if (position != nullptr) toNode(position)->value = value;
   }
 
-  /// The position of the first entry with this value; if `after` is not null, of the first behind
+  /// The position of the first entry with this value; if `after` is not null, of the first after
   /// it.
   POSITION Find(const Value& value, POSITION after = nullptr) const {
     Node* node = after != nullptr ? toNode(after)->next : first_;

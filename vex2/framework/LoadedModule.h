@@ -31,7 +31,7 @@ class VEX2_API LoadedModule {
 
   /// Unloads the module that this object holds, opens the library at `path` and calls its entry
   /// point, which registers it. The system's linker searches for a path without a slash. Returns
-  /// false on failure, also if the registration is refused because the module is already loaded:
+  /// false on failure, even if the registration is refused because the module is already loaded:
   /// then the library is closed, nothing stays registered, and `error` is one line that says why.
   [[nodiscard]] bool Load(const std::string& path, std::string& error);
 

@@ -7,7 +7,7 @@
 /// Lets the user choose a document with the host's file-open dialog, which serves saving as well.
 ///
 /// `path` is emptied first. On success it receives the whole path, and `folder`, when the chosen
-/// file's title occurs in the path behind its first character, everything before it with the
+/// file's title occurs in the path after its first character, everything before it with the
 /// trailing separator. `filter` is pairs of description and pattern, each text ended by a zero
 /// byte, the whole by one more. `initialName` (of which the first 260 characters count) and
 /// `initialFolder` may be null. `flag` is not used. False when the user cancelled, and

@@ -30,7 +30,8 @@ class ComponentList {
 
   /// The first component with this tag, or null.
   CComponent* Find(std::string_view tag) const;
-  /// The same with the class; null also when another class stands under the tag.
+  /// The first component with this tag as its class; null if there is none, or if it is of another
+  /// class.
   template <typename Component>
   Component* Find(std::string_view tag) const {
     return dynamic_cast<Component*>(Find(tag));
@@ -83,7 +84,7 @@ class PlateResults {
  public:
   VexAnalysis* Find(const CString& plate) const;
   bool Has(const CString& plate) const { return results_.count(plate) != 0; }
-  /// Makes storage for a plate when `add` has answered true. False when it did not.
+  /// Makes storage for a plate when `add` has returned true. False when it did not.
   bool Add(const CString& plate, int wells, FunctionRef<bool()> add);
   bool Remove(const CString& plate) { return results_.erase(plate) != 0; }
   /// Makes storage for each of these plates that has none, and destroys all other.
@@ -130,7 +131,7 @@ class DetectorSettings {
 struct Vex2FileManager::State {
   explicit State(Vex2FileManager& manager) : store(manager) {}
 
-  /// Reads the records behind the header of `file` up to its end. 0, or the status of the record
+  /// Reads the records after the header of `file` up to its end. 0, or the status of the record
   /// that ended the reading. Throws `CFileException`.
   int ReadRecords(CFile& file);
   /// Takes over the first fault of the plates that were read in part.

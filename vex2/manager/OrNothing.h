@@ -5,8 +5,8 @@
 /// Internal.
 namespace vex2 {
 
-/// What `ask` answers; null, 0 or false where memory runs out on the way. For operations that have
-/// no status to tell it with.
+/// Returns what `ask` returns; null, 0 or false if memory runs out on the way. For operations that
+/// have no status to report that with.
 template <class Ask>
 auto OrNothing(Ask ask) -> decltype(ask()) {
   try {

@@ -2,14 +2,14 @@
 
 #include "vex2/framework/CTime.h"
 
-/// Times a long operation and tells the diagnostic trace when it ends. Internal.
+/// Times a long operation and writes to the diagnostic trace when it ends. Internal.
 namespace vex2 {
 
 class TracedTime {
  public:
   /// `what` completes "Total time needed for ...".
   explicit TracedTime(const char* what);
-  /// Tells nothing when memory runs out.
+  /// Writes nothing if memory runs out.
   ~TracedTime();
   TracedTime(const TracedTime&) = delete;
   TracedTime& operator=(const TracedTime&) = delete;

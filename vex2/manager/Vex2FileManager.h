@@ -45,7 +45,7 @@ class Vex2FileManagerComponent;
 /// comment says otherwise. Nothing throws except the constructors, which throw `std::bad_alloc` if
 /// memory runs out. An operation without a status then changes nothing and returns what it returns
 /// for a missing component; a getter with a status returns -100, every other operation -200.
-/// `GetLastFileError` tells why an operation on a file failed.
+/// `GetLastFileError` returns why an operation on a file failed.
 ///
 /// **Where changes go.** An operation without a path works on the document in memory only.
 /// Operations named "Replace", "Set" or "Update" move the component that they change to the end of
@@ -89,7 +89,7 @@ class VEX2_API Vex2FileManager : public CFile {
 
   /// Writes the header to the manager's own open file and all components to the end of `file`; null
   /// means the manager's own. Of a study, writes eight kinds of components only, and an "EOF "
-  /// record behind them. A host saves with `SaveToFile`, which keeps the old file on failure.
+  /// record after them. A host saves with `SaveToFile`, which keeps the old file on failure.
   /// @return 0, or -200 if the manager's file is not open or a write failed; the file is then
   /// partly written.
   [[nodiscard]] virtual int WriteComponentFile(CFile* file);
@@ -104,11 +104,11 @@ class VEX2_API Vex2FileManager : public CFile {
   virtual void UpdateHeaderOffsets(const CComponent& component);
 
  public:
-  /// Reads the header at offset 0 of `file` into this document, and leaves the file position behind
+  /// Reads the header at offset 0 of `file` into this document, and leaves the file position after
   /// it. Null means the manager's own open file.
   /// @return 0, or -100 if the manager's file is not open or is not a "Vex2" document.
   [[nodiscard]] virtual int ReadHeaderData(CFile* file);
-  /// Reads the header at offset 0 of `file` into `header`, and leaves the file position behind it.
+  /// Reads the header at offset 0 of `file` into `header`, and leaves the file position after it.
   /// Null means the manager's own open file. The document in memory stays unchanged.
   /// @return 0, or -100 if the manager's file is not open or is not a "Vex2" document.
   [[nodiscard]] virtual int ReadHeaderData(Vex2HeaderData& header, CFile* file);
@@ -131,7 +131,7 @@ class VEX2_API Vex2FileManager : public CFile {
 
   /// Reads the document at `path`, or one that the user chooses if `path` is null or `dialog` is
   /// true. The file is closed afterwards.
-  /// @return 0, also for a document of which only a part could be read: ask `IsWhole`. -50 if the
+  /// @return 0, even for a document of which only a part could be read: ask `IsWhole`. -50 if the
   /// user cancelled; -100 if the file cannot be opened. Header and components stay unchanged in
   /// both cases of failure.
   [[nodiscard]] int ReadFromFile(const char* path, bool dialog = false);
@@ -165,7 +165,7 @@ class VEX2_API Vex2FileManager : public CFile {
   /// `vex2::FileErrorReason::kNone`; operations in memory leave it unchanged. A copy of the manager
   /// starts without an error. An operation that succeeds in spite of a failure sets it too, as
   /// `ReadFromFile` of a document that is partly readable. The statuses -250, -260 and -300, which
-  /// tell what a document holds, come without an error. Valid until the next operation.
+  /// describe the content of a document, come without an error. Valid until the next operation.
   const vex2::FileError& GetLastFileError() const;
 
   /// The number of components of the document.
@@ -241,7 +241,7 @@ class VEX2_API Vex2FileManager : public CFile {
   /// Appends a `Vex2DyeInfo` to `list` for each pure dye of the calibration. Leaves out dyes
   /// without a name and those named "<NONE>" or "(NONE)". The owner of the list deletes the
   /// elements.
-  /// @return True, also for a calibration without pure dyes; false if `list` is null or the
+  /// @return True, even for a calibration without pure dyes; false if `list` is null or the
   /// document has no calibration, and `list` is then unchanged.
   bool LoadDyeList(CObList* list) const;
   /// Appends the pure dyes of the study's plate `plateName`, as `LoadDyeList` does; for a null name
@@ -418,11 +418,11 @@ class VEX2_API Vex2FileManager : public CFile {
   /// keeps the component.
   [[nodiscard]] int AppendBackground(const char* path, const Vex2BGC* record);
   /// Removes the chosen parts; both flags together remove the calibration itself.
-  /// @return 0, also if no part is chosen; -300 if there is no calibration, or not the part.
+  /// @return 0, even if no part is chosen; -300 if there is no calibration, or not the part.
   [[nodiscard]] int RemoveCalibComponents(bool pureDye, bool background);
   /// Copies each part into its record, which is made with `new` for the caller if it is null. Sets
   /// the part's flag, which may be null, to 1 if the part exists, else to 0.
-  /// @return 0, also if a part is missing; -300 if there is no calibration; -100 if memory runs
+  /// @return 0, even if a part is missing; -300 if there is no calibration; -100 if memory runs
   /// out.
   [[nodiscard]] int GetCalibrationInfo(Vex2PureDye*& pureDye, int* hasPureDye, Vex2BGC*& background,
                                        int* hasBackground) const;
@@ -471,12 +471,12 @@ class VEX2_API Vex2FileManager : public CFile {
   /// @return Always 0.
   int RemoveAcquisitionDataBlock(Vex2DataType type);
   /// Replaces the data block in memory and in the file at `path` by a copy of `data`; null makes an
-  /// empty block. Raw readings must be the last record of the file: everything behind them is cut
+  /// empty block. Raw readings must be the last record of the file: everything after them is cut
   /// off. Reporting blocks are rewritten together, from the first of them on. The file is replaced
   /// when the new one is complete and on the disk.
   ///
   /// Do not use this for the raw readings of a file that was saved as a whole. Its header holds the
-  /// offset just behind the block, so this would write there and keep the old block. Use
+  /// offset just after the block, so this would write there and keep the old block. Use
   /// `SaveToFile` instead.
   /// @return 0; -100 if the file is not a readable document; -200 if it cannot be written; -300,
   /// and nothing is changed, if there is no such type.
@@ -496,7 +496,7 @@ class VEX2_API Vex2FileManager : public CFile {
   /// `frame` appends nothing.
   ///
   /// Do not use this after the document was saved as a whole: the header then holds the offset just
-  /// behind the data block, and a commit that trusts it damages the file although it returns 0.
+  /// after the data block, and a commit that trusts it damages the file although it returns 0.
   /// Append to a file that only commits have written since the block was made, or save what
   /// precedes the run before the first frame.
   /// @return The statuses of `CommitAcqDataFrame`; -200 also if the block cannot hold the frame.
@@ -511,7 +511,7 @@ class VEX2_API Vex2FileManager : public CFile {
   ///   them later does not change the file.
   /// - Do not commit a frame of a document that was saved as a whole after its data block was made,
   ///   nor after `RemoveAcquisitionDataBlock` and a save. The header then holds the offset just
-  ///   behind the block, so the commit damages the file although it returns 0.
+  ///   after the block, so the commit damages the file although it returns 0.
   /// @return 0; -300 if the document has no such block; -100 if the file is not a readable
   /// document; -200 if it cannot be written; -260 if the block has no such frame. On failure the
   /// file keeps its length, and the caller can commit the frame again. An exception: if the disk
@@ -574,7 +574,7 @@ class VEX2_API Vex2FileManager : public CFile {
   /// Reads frame `frameIndex`, from 0, of the data block in the file at `path` into `frame`, which
   /// may be null. Reads the header, the head of the block and the frame only; the document in
   /// memory stays unchanged, except for its path.
-  /// @return 0, also without such a block or frame, and `frame` is then unchanged; -100 if the file
+  /// @return 0, even without such a block or frame, and `frame` is then unchanged; -100 if the file
   /// cannot be opened, is not a document, or ends within the frame.
   [[nodiscard]] int ReadDataFrame(const char* path, int frameIndex, Vex2FrameData* frame,
                                   Vex2DataType type);
@@ -938,7 +938,7 @@ class VEX2_API Vex2FileManager : public CFile {
   /// The offset of the block's tag in the open file; 0 if there is no such block.
   long findReporterCompOffset(Vex2DataType type);
   /// Reads frame `frameIndex` of the block at `blockOffset` in the open file into `frame`, which
-  /// may be null. 0, also without such a frame; -100 if the file ends within it.
+  /// may be null. 0, even without such a frame; -100 if the file ends within it.
   [[nodiscard]] int readAFrame(int frameIndex, Vex2FrameData* frame, long blockOffset);
 
   /// Whether a save writes the component: always, except for most kinds in a study.

@@ -76,7 +76,7 @@ class VEX2_API AcquisitionDataComp final : public CComponent {
   [[nodiscard]] int WriteFrame(CFile& file, int index) const;
 
   /// Whether the well records at the file position equal those of frame `index`. Values that are
-  /// not stored in files are not compared. Moves the file position behind the records.
+  /// not stored in files are not compared. Moves the file position after the records.
   bool IsStoredFrame(CFile& file, int index) const;
 
   /// Converts a block of version 1, which has no times, to version 2 with the true length. Does

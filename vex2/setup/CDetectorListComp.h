@@ -13,7 +13,7 @@ class VEX2_API CDetectorListComp final : public CContainerComp {
   /// detector without a name is not added, and the host shows a message.
   void Add(const Vex2Detector& detector, bool replacing);
   /// The index, from 0, of the first detector with this name; -1 if there is none. The comparison
-  /// is case-sensitive and ignores characters behind a zero byte. The empty name finds no detector.
+  /// is case-sensitive and ignores characters after a zero byte. The empty name finds no detector.
   int Find(const CString& name) const;
   /// Copies the detector at `index`, from 0, into `detector`, which is cleared if there is none.
   void CopyTo(int index, Vex2Detector& detector) const;

@@ -4,7 +4,7 @@
 
 namespace vex2 {
 
-/// Sets a text that a record owns. `buffer`, made with new[], always has a zero byte behind its
+/// Sets a text that a record owns. `buffer`, made with new[], always has a zero byte after its
 /// `held` characters. A longer text than before gets a new buffer; any other text uses the old one,
 /// so an empty text in a new record needs no buffer. If `text` is null, only the length is set, and
 /// a new buffer holds zeros. A negative `length` changes no characters and is stored in `held`.

@@ -13,8 +13,8 @@ namespace vex2 {
 
 /// Keeps the document in a file whole when a disk or a process fails: opens the file, appends to
 /// it, changes it in place or replaces it as a whole, and knows which files' syncs have failed.
-/// Works on one `CFile`, which must live as long. Operations that return int answer 0 or a
-/// negative `Status` and throw nothing; the others throw `CFileException` and `std::bad_alloc`.
+/// Works on one `CFile`, which must live as long. Operations that return int return 0 or a negative
+/// `Status` and throw nothing; the others throw `CFileException` and `std::bad_alloc`.
 class DocumentStore {
  public:
   explicit DocumentStore(CFile& file) : file_(file) {}
@@ -35,14 +35,14 @@ class DocumentStore {
   /// Runs an operation. Refusals of the system and memory that runs out become `failure`, and the
   /// last error.
   int Attempt(int failure, FunctionRef<int()> operation);
-  /// The same with the file that is open, which is closed afterwards.
+  /// Runs an operation on the open file as `Attempt` does, and closes the file afterwards.
   int AttemptAndClose(int failure, FunctionRef<int()> operation);
 
   /// Opens `path` and keeps it. False on failure, and then the file is closed.
   bool Open(const char* path, unsigned flags);
   /// Runs `write` with the position at the open file's end; when it fails, that is where it was.
   int WriteAtEnd(FunctionRef<int()> write);
-  /// Cuts the file to this length, also when something half written is still buffered.
+  /// Cuts the file to this length, even if something half written is still buffered.
   void RestoreLength(std::uint64_t length);
   /// Changes the open file with `write`, as a whole: what it is given has the first `kept` bytes of
   /// the file at least, and takes its place when all is written. Where that cannot serve it is the

@@ -7,8 +7,8 @@
 namespace vex2 {
 
 /// The files of which the disk failed to store a change. The system may have dropped what it could
-/// not store, and a later sync would not tell, so nothing more is written into such a file until it
-/// is replaced as a whole.
+/// not store, and a later sync would not report it, so nothing more is written into such a file
+/// until it is replaced as a whole.
 class FailedSyncs {
  public:
   /// Device and number of a file.

@@ -9,13 +9,13 @@
 #include "vex2/framework/CFile.h"
 #include "vex2/storage/DocumentStore.h"
 
-/// The one answer to the question where the committed data of a document end. A process that dies
-/// within a commit leaves bytes behind them that no length counts, and so does a failed commit
-/// where the system would not even cut them off. Readers do not see such bytes, but a frame that is
-/// appended behind them would be looked for in front of them.
+/// The one place that decides where the committed data of a document end. A process that dies
+/// within a commit leaves bytes after them that no length counts, and so does a failed commit if
+/// the system cannot even cut them off. Readers do not see such bytes, but a frame that is appended
+/// after them would be looked for in front of them.
 namespace vex2 {
 
-/// Where the frames of a data block stand in a file.
+/// Where the frames of a data block are in a file.
 struct FrameRange {
   std::uint64_t firstFrame = 0;  ///< offset of it
   std::uint64_t frameSize = 0;   ///< bytes; 0 without wells
@@ -23,7 +23,7 @@ struct FrameRange {
   std::uint64_t fileEnd = 0;     ///< the file's length
 };
 
-/// What stands between the committed data of a document and the end of its file.
+/// What is between the committed data of a document and the end of its file.
 enum class Uncommitted : std::uint8_t {
   kNothing,
   kCommit,  ///< no more than one interrupted commit leaves: a frame or a part of it
@@ -33,21 +33,23 @@ enum class Uncommitted : std::uint8_t {
 struct CommittedFrames {
   std::uint64_t count = 0;   ///< frames that the length counts and the file holds whole
   std::uint64_t inFile = 0;  ///< frames that the file holds whole, counted or not
-  std::uint64_t end = 0;     ///< the offset behind the last of the `count`
+  std::uint64_t end = 0;     ///< the offset after the last of the `count`
   Uncommitted behind = Uncommitted::kNothing;
 };
 
 /// The committed frames of a block that is the last record of its document. Needs no file, so that
-/// it answers for damaged ones too; a block without wells has no frames.
+/// it works for damaged ones too; a block without wells has no frames.
 CommittedFrames FindCommittedFrames(const FrameRange& range);
 
-/// The same for a block in the open `file`: records that follow the frames are no commit's.
+/// The committed frames of a block in the open `file`, where records may follow the frames: no
+/// commit wrote those.
 CommittedFrames FindCommittedFrames(CFile& file, const FrameRange& range);
 
-/// What stands behind such a block when its frames end at `end`.
+/// What follows the frames of such a block if they end at `end`.
 Uncommitted UncommittedBehind(const FrameRange& range, std::uint64_t end);
 
-/// The most bytes that an interrupted first commit leaves: a block of so many wells with one frame.
+/// The most bytes that an interrupted first commit leaves: a block of this number of wells with one
+/// frame.
 constexpr std::uint64_t FirstCommitSize(std::uint64_t wells) {
   return kRecordHeadSize + kBlockFixedSize + (sizeof(std::uint16_t) + kStoredRecordSize) * wells;
 }
@@ -65,19 +67,20 @@ struct CommittedBlock {
   bool isWhole = false;          ///< else the file ends within the head, or its times are no times
   std::uint64_t firstFrame = 0;  ///< known when it is whole
 
-  /// Where its frames stand in a file of this length.
+  /// Where its frames are in a file of this length.
   FrameRange Range(std::uint64_t fileEnd) const {
     return {firstFrame, FrameSize(head.wells), record.DeclaredEnd(), fileEnd};
   }
 };
 
-/// The block whose tag stands at `offset` of the open `file`. The position is left at its well
-/// numbers when it is whole.
+/// The block whose tag is at `offset` of the open `file`. The position is left at its well numbers
+/// when it is whole.
 CommittedBlock ReadCommittedBlock(CFile& file, std::uint64_t offset);
 
-/// Where the raw readings of the document in the open `file` stand, or would: behind its other
-/// records, which are found by what they hold. At the first bytes that are no whole record where
-/// those are damaged or the file ends in them. Moves the position.
+/// The offset at which the raw readings of the document in the open `file` are, or would be
+/// written: after its other records, which are found by what they hold. If these are damaged or the
+/// file ends in them, the offset of the first bytes that are not a whole record. Moves the
+/// position.
 std::uint64_t FindBlockOffset(CFile& file);
 
 /// The data block that a writer holds in memory and commits from.
@@ -92,7 +95,7 @@ class HeldBlock {
   virtual std::uint64_t Frames() const = 0;
 
   /// Whether the records at the file's position, one for each well, are those of the held frame.
-  /// Moves the position behind them. Called with frames below `Frames`, from 0 on.
+  /// Moves the position after them. Called with frames below `Frames`, from 0 on.
   virtual bool IsFrame(CFile& file, std::uint64_t frame) const = 0;
   /// Writes the frame's records at the file's position; -260 when there is no such frame.
   virtual int WriteFrame(CFile& file, int frame) const = 0;
@@ -116,7 +119,7 @@ class FrameLog {
   FrameLog(DocumentStore& store, const HeldBlock& held)
       : store_(store), file_(store.File()), held_(held) {}
 
-  /// Commits a frame behind the committed data. `blockOffset` is the header's offset of the block's
+  /// Commits a frame after the committed data. `blockOffset` is the header's offset of the block's
   /// tag; at 0 the block is committed as it is held, with all its frames, and `blockOffset` becomes
   /// its offset. 0, -260 when there is no such frame, or -200, and then the file has the length
   /// that it had.

@@ -6,7 +6,7 @@
 /// The conversion of background readings. Internal.
 namespace vex2 {
 
-/// The conversion reads 24 values and writes the 4 behind them.
+/// The conversion reads 24 values and writes the 4 after them.
 constexpr std::size_t kBackgroundValues = 28;
 
 /// Computes the four rates of a background document. `values` holds twelve readings in groups of
