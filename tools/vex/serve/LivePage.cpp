@@ -21,9 +21,12 @@ std::string pageOf(std::string_view data, std::string_view events) {
   return ReportPage(data, events);
 }
 
-// Before there is a document.
-std::string waitingData(const std::filesystem::path& path) {
+// What there is to show before the run was looked at for the first time.
+std::string firstData(const std::filesystem::path& path) {
   ReportSettings settings = ReportHead();
+  settings.withFile = false;
+  std::error_code error;
+  if (std::filesystem::exists(path, error)) return ReportData(std::array{path}, settings);
   settings.note = Escaped(path.filename().string()) +
                   " does not exist yet. The page shows the run as soon as it begins.";
   return ReportData({}, settings);
@@ -32,7 +35,7 @@ std::string waitingData(const std::filesystem::path& path) {
 }  // namespace
 
 LivePage::LivePage(std::filesystem::path path, std::uint16_t port)
-    : path_(std::move(path)), server_(StartLiveServer(port, waitingData(path_), pageOf)) {}
+    : path_(std::move(path)), server_(StartLiveServer(port, firstData(path_), pageOf)) {}
 
 std::string LivePage::Address() const {
   return "http://127.0.0.1:" + std::to_string(server_->Port()) + "/";
