@@ -19,42 +19,41 @@ CBlockValueComp::CBlockValueComp(std::string_view tag, const CString& text)
     : CBlockValueComp(tag, static_cast<std::uint32_t>(text.GetLength()), text.GetString()) {}
 
 void CBlockValueComp::copyFrom(const void* bytes) {
-  data_.reset();
-  if (GetLength() == 0 || bytes == nullptr) return;
-  data_.reset(new std::uint8_t[GetLength()]);
-  std::memcpy(data_.get(), bytes, GetLength());
+  data_.Allocate(bytes != nullptr ? GetLength() : 0);
+  if (data_.Get() != nullptr) std::memcpy(data_.Get(), bytes, GetLength());
 }
 
 CComponent& CBlockValueComp::Assign(const CComponent& source) {
   const auto* same = dynamic_cast<const CBlockValueComp*>(&source);
   if (same != nullptr && same != this && source.GetTag() == GetTag()) {
     CComponent::Assign(source);
-    copyFrom(same->data_.get());
+    copyFrom(same->data_.Get());
   }
   return *this;
 }
 
 void CBlockValueComp::AllocateBody() {
-  data_ = GetLength() != 0 ? std::make_unique<std::uint8_t[]>(GetLength()) : nullptr;
+  data_.Allocate(GetLength());
+  if (data_.Get() != nullptr) std::memset(data_.Get(), 0, GetLength());
 }
 
 void CBlockValueComp::FreeBody() {
-  data_.reset();
+  data_.Clear();
 }
 
 bool CBlockValueComp::endsInZero() const {
-  return data_ != nullptr && GetLength() != 0 && data_[GetLength() - 1] == 0;
+  return data_.Get() != nullptr && GetLength() != 0 && data_.Get()[GetLength() - 1] == 0;
 }
 
 CString CBlockValueComp::GetValueString() {
   if (endsInZero()) setLength(GetLength() - 1);
-  if (data_ == nullptr) return {};
-  return CString(std::string_view(reinterpret_cast<const char*>(data_.get()), GetLength()));
+  if (data_.Get() == nullptr) return {};
+  return CString(std::string_view(reinterpret_cast<const char*>(data_.Get()), GetLength()));
 }
 
 int CBlockValueComp::WriteBody(CFile* file) {
   if (file == nullptr) return vex2::kWriteFailed;
-  if (data_ != nullptr) file->Write(data_.get(), GetLength());
+  if (data_.Get() != nullptr) file->Write(data_.Get(), GetLength());
   return vex2::kSuccess;
 }
 
@@ -64,8 +63,8 @@ int CBlockValueComp::readBlock(CFile* file) {
     static_cast<void>(vex2::ShortRead(*file));
     return vex2::kReadFailed;
   }
-  data_.reset(GetLength() != 0 ? new std::uint8_t[GetLength()] : nullptr);
-  return vex2::ReadExactly(*file, data_.get(), GetLength()) ? vex2::kSuccess : vex2::kReadFailed;
+  data_.Allocate(GetLength());
+  return vex2::ReadExactly(*file, data_.Get(), GetLength()) ? vex2::kSuccess : vex2::kReadFailed;
 }
 
 int CBlockValueComp::ReadBody(CFile* file) {

@@ -1,10 +1,10 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <string_view>
 
 #include "vex2/container/CComponent.h"
+#include "vex2/container/SmallBytes.h"
 
 /// A component that holds bytes, most often the characters of a text. Other programs end a text
 /// with a zero byte. When a body is read, its last byte is dropped if it is zero; one byte and no
@@ -20,10 +20,10 @@ class VEX2_API CBlockValueComp : public CComponent {
 
   /// The `GetLength()` bytes; null if there are none. The component owns them; they are valid until
   /// it changes.
-  const std::uint8_t* GetData() const { return data_.get(); }
+  const std::uint8_t* GetData() const { return data_.Get(); }
   /// The `GetLength()` bytes, which the caller may change; null if there are none. The component
   /// owns them; they are valid until it changes.
-  std::uint8_t* GetData() { return data_.get(); }
+  std::uint8_t* GetData() { return data_.Get(); }
 
   CComponent& Assign(const CComponent& source) override;
   /// Replaces the bytes by `GetLength()` zero bytes; by none if the length is 0.
@@ -43,5 +43,5 @@ class VEX2_API CBlockValueComp : public CComponent {
   void copyFrom(const void* bytes);
   bool endsInZero() const;
 
-  std::unique_ptr<std::uint8_t[]> data_;
+  vex2::SmallBytes data_;
 };

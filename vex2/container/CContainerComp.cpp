@@ -103,10 +103,6 @@ bool CContainerComp::ReplaceChild(int index, std::unique_ptr<CComponent> child) 
   return true;
 }
 
-void CContainerComp::keepChild(std::unique_ptr<CComponent> child) {
-  children_.Append(std::move(child));
-}
-
 CComponent& CContainerComp::Assign(const CComponent& source) {
   const auto* same = dynamic_cast<const CContainerComp*>(&source);
   if (same == nullptr || same == this || source.GetTag() != GetTag()) return *this;

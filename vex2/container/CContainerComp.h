@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <string_view>
+#include <utility>
 
 #include "vex2/container/CComponent.h"
 #include "vex2/container/ComponentArray.h"
@@ -54,7 +55,7 @@ class VEX2_API CContainerComp : public CComponent {
   CContainerComp(std::string_view tag, std::uint16_t fixedLength);
 
   /// Adds a child that was read, without changing count and length.
-  void keepChild(std::unique_ptr<CComponent> child);
+  void keepChild(std::unique_ptr<CComponent> child) { children_.Append(std::move(child)); }
   /// Reserves memory for `count` children.
   void reserveChildren(std::size_t count);
   /// Sets the count that `GetCount` returns.

@@ -31,7 +31,7 @@ constexpr void StoreBig(Value value, std::uint8_t* bytes) noexcept {
 
 /// Reads exactly `count` bytes. False when the file has fewer, and then all of them are consumed.
 [[nodiscard]] inline bool ReadExactly(CFile& file, void* bytes, std::size_t count) {
-  return file.Read(bytes, count) == count;
+  return file.ReadBuffered(bytes, count) || file.Read(bytes, count) == count;
 }
 
 /// Reads one big-endian value. False when the file ends before, and then `value` is unchanged.

@@ -21,18 +21,20 @@ inline bool HasBytesLeft(const CFile& file, std::uint64_t count) {
 /// because managers on different threads are independent.
 class NestingGuard {
  public:
-  NestingGuard() noexcept { ++depth(); }
-  ~NestingGuard() { --depth(); }
+  NestingGuard() noexcept : depth_(depthOfThread()) { ++depth_; }
+  ~NestingGuard() { --depth_; }
   NestingGuard(const NestingGuard&) = delete;
   NestingGuard& operator=(const NestingGuard&) = delete;
 
-  bool IsTooDeep() const noexcept { return depth() > kMaxNesting; }
+  bool IsTooDeep() const noexcept { return depth_ > kMaxNesting; }
 
  private:
-  static int& depth() noexcept {
+  static int& depthOfThread() noexcept {
     thread_local int value = 0;
     return value;
   }
+
+  int& depth_;  // to look it up takes as long as to read a short record
 };
 
 }  // namespace vex2

@@ -175,14 +175,8 @@ void CFile::releaseHandle() noexcept {
 }
 
 std::size_t CFile::Read(void* buffer, std::size_t count) {
+  if (ReadBuffered(buffer, count)) return count;
   auto* out = static_cast<std::uint8_t*>(buffer);
-  // Fast path: most reads are fields of a few bytes that are in the buffer.
-  const std::uint64_t skip = position_ - bufferStart_;
-  if (!dirty_ && position_ >= bufferStart_ && skip <= bufferUsed_ && count <= bufferUsed_ - skip) {
-    if (count != 0) std::memcpy(out, buffer_.get() + skip, count);
-    position_ += count;
-    return count;
-  }
   std::size_t done = 0;
   while (done < count) {
     const std::size_t left = count - done;

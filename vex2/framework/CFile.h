@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <span>
 #include <string>
@@ -109,6 +110,16 @@ class VEX2_API CFile : public CObject {
   /// only at the end of the file. `atLeast` is at most `kBufferSize`. The file owns the bytes; they
   /// are valid until its next operation. Throws `CFileException`.
   std::span<const std::uint8_t> Peek(std::size_t atLeast);
+
+  /// Reads `count` bytes as `Read` does if all of them are in the buffer; otherwise returns false
+  /// and does nothing. For the fields of a few bytes of which documents consist.
+  [[nodiscard]] bool ReadBuffered(void* bytes, std::size_t count) noexcept {
+    const std::uint64_t skip = position_ - bufferStart_;  // wraps to a large number before the buffer
+    if (dirty_ || skip > bufferUsed_ || count > bufferUsed_ - skip) return false;
+    if (count != 0) std::memcpy(bytes, buffer_.get() + skip, count);
+    position_ += count;
+    return true;
+  }
 
   /// Drops the buffer, including bytes that were not yet written to the system.
   void DiscardBuffer() noexcept { forgetBuffer(); }

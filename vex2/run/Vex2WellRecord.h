@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 #include <type_traits>
 
 #include "vex2/framework/Export.h"
@@ -14,7 +15,10 @@ struct VEX2_API Vex2WellRecord {
   std::uint16_t data[36] = {};  ///< the readings; documents store the first 32
 
   /// Whether all 44 values are equal.
-  friend bool operator==(const Vex2WellRecord&, const Vex2WellRecord&) = default;
+  friend bool operator==(const Vex2WellRecord& one, const Vex2WellRecord& other) {
+    // No bytes lie between the values, and tables are compared record by record.
+    return std::memcmp(&one, &other, sizeof one) == 0;
+  }
 };
 
 static_assert(sizeof(Vex2WellRecord) == 88 && std::is_trivially_copyable_v<Vex2WellRecord>);

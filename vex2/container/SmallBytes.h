@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace vex2 {
+
+/// The bytes that a component owns. Most are short texts, which stand within the object, so that
+/// they take no allocation of their own.
+class SmallBytes {
+ public:
+  SmallBytes() = default;
+  ~SmallBytes() { Clear(); }
+  SmallBytes(const SmallBytes&) = delete;
+  SmallBytes& operator=(const SmallBytes&) = delete;
+
+  /// The first byte; null without bytes.
+  std::uint8_t* Get() { return bytes_; }
+  const std::uint8_t* Get() const { return bytes_; }
+
+  /// Replaces the bytes by `count` bytes of any value; by none if `count` is 0. Throws
+  /// `std::bad_alloc`; then there are none.
+  void Allocate(std::size_t count) {
+    Clear();
+    if (count != 0) bytes_ = count <= sizeof within_ ? within_ : new std::uint8_t[count];
+  }
+  /// Releases the bytes.
+  void Clear() noexcept {
+    if (bytes_ != within_) delete[] bytes_;
+    bytes_ = nullptr;
+  }
+
+ private:
+  std::uint8_t* bytes_ = nullptr;
+  std::uint8_t within_[16];
+};
+
+}  // namespace vex2
