@@ -1,6 +1,7 @@
 #include "lab/exchange/ReadingsExport.h"
 
 #include <algorithm>
+#include <array>
 
 #include "lab/Text.h"
 #include "lab/exchange/ReadingsWriter.h"
@@ -32,16 +33,58 @@ void forEachRecord(const ExportedBlock& block, const Take& take) {
   }
 }
 
+// Calls `take` with each record of the wells from `first` to `last`, a position past the last one,
+// in the order in which they lie in memory.
+template <typename Take>
+void forEachInMemory(const ExportedBlock& block, std::size_t first, std::size_t last,
+                     const Take& take) {
+  static const Vex2WellRecord kEmpty;
+  const int frames = block.records->GetFrameCount();
+  for (int frame = 0; frame < frames; ++frame) {
+    const Vex2WellRecord* records = block.records->GetFrame(frame);
+    for (std::size_t position = first; position < last; ++position) {
+      take(position, static_cast<std::uint64_t>(frame),
+           records != nullptr ? records[position] : kEmpty);
+    }
+  }
+}
+
 ExportCounts countRecords(const std::vector<ExportedBlock>& blocks) {
   ExportCounts counts;
   for (const ExportedBlock& block : blocks) {
-    forEachRecord(block, [&](const StoredRecord& stored) {
-      ++counts.all;
-      const bool isEmpty = stored.record == Vex2WellRecord();
-      if (!isEmpty && !block.readings.Read(stored.record, stored.frame)) ++counts.unknown;
-    });
+    forEachInMemory(block, 0, block.records->GetWellNumbers().size(),
+                    [&](std::size_t, std::uint64_t frame, const Vex2WellRecord& record) {
+                      ++counts.all;
+                      const bool isEmpty = record == Vex2WellRecord();
+                      if (!isEmpty && !block.readings.Read(record, frame)) ++counts.unknown;
+                    });
   }
   return counts;
+}
+
+// The table goes well by well, the records lie frame by frame. To step through all frames for one
+// well alone would wait for the memory at every record, so that some wells are made side by side.
+void writeBlock(ReadingsWriter& writer, const ExportedBlock& block, bool isKnown) {
+  constexpr std::size_t kWellsAtOnce = 16;
+  const auto columns = static_cast<std::uint32_t>(block.plate.content->GetHeaderCols());
+  std::vector<std::string> names;
+  for (const std::uint16_t number : block.records->GetWellNumbers()) {
+    names.push_back(WellName(number, columns));
+  }
+  std::array<std::string, kWellsAtOnce> rows;
+  for (std::size_t first = 0; first < names.size(); first += kWellsAtOnce) {
+    const std::size_t last = std::min(first + kWellsAtOnce, names.size());
+    forEachInMemory(block, first, last,
+                    [&](std::size_t position, std::uint64_t frame, const Vex2WellRecord& record) {
+                      writer.Append(rows[position - first], names[position], frame,
+                                    isKnown ? RecordedReadings::ReadKnown(record)
+                                            : block.readings.Read(record, frame));
+                    });
+    for (std::string& ofWell : rows) {
+      writer.WriteRows(ofWell);
+      ofWell.clear();
+    }
+  }
 }
 
 bool haveChannels(const std::vector<ExportedBlock>& blocks) {
@@ -60,9 +103,7 @@ ExportCounts WriteReadings(std::ostream& out, const std::vector<ExportedBlock>& 
   for (const ExportedBlock& block : blocks) {
     const RunLog log = block.readings.Log().value_or(RunLog());
     writer.BeginPlate(ToUtf8(block.plate.name), log.scale, log.channels);
-    forEachRecord(block, [&](const StoredRecord& stored) {
-      writer.Write(stored.well, stored.frame, block.readings.Read(stored.record, stored.frame));
-    });
+    writeBlock(writer, block, counts.unknown == 0);
   }
   return counts;
 }

@@ -132,14 +132,23 @@ std::optional<RunReading> RecordedReadings::Read(const Vex2WellRecord& record,
   if (!log_ || (log_->frames && frame >= *log_->frames)) return std::nullopt;
   const RunReading reading = DecodeReading(record);
   const std::size_t channels = std::max<std::size_t>(log_->channels.size(), 1);
-  for (std::size_t channel = 0; channel < kMostChannels; ++channel) {
-    const bool isUsed = channel < channels && !reading.IsMissing(channel);
-    const bool isUnknown = channel >= channels && reading.IsMissing(channel);
-    if (isUnknown || (!isUsed && reading.values[channel] != 0)) return std::nullopt;
+  if (reading.missing >> channels != 0) return std::nullopt;
+  unsigned unused = 0;  // what stands where nothing was read
+  for (std::size_t channel = channels; channel < kMostChannels; ++channel) {
+    unused |= reading.values[channel];
   }
+  for (std::size_t channel = 0; channel < channels && reading.missing != 0; ++channel) {
+    if (reading.IsMissing(channel)) unused |= reading.values[channel];
+  }
+  if (unused != 0) return std::nullopt;
   if (record == EncodeReading(reading, false)) return reading;
   if (reading.melting && record == EncodeReading(reading, true)) return reading;
   return std::nullopt;
+}
+
+std::optional<RunReading> RecordedReadings::ReadKnown(const Vex2WellRecord& record) {
+  if (record == Vex2WellRecord()) return std::nullopt;
+  return DecodeReading(record);
 }
 
 }  // namespace vex2::lab

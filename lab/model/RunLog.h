@@ -53,6 +53,8 @@ class RecordedReadings {
   /// holds anything but what the recorder would have written, and for frames after the run's last
   /// one, which only others can have added.
   std::optional<RunReading> Read(const Vex2WellRecord& record, std::uint64_t frame) const;
+  /// The same, faster, of a record that is the recorder's or empty, as `Read` has told before.
+  static std::optional<RunReading> ReadKnown(const Vex2WellRecord& record);
 
  private:
   std::optional<RunLog> log_;

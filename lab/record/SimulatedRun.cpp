@@ -222,11 +222,14 @@ void ReadParameters(std::string_view log, SimulationParameters& parameters) {
 void WriteReadings(const RunPlan& plan, std::ostream& out) {
   ReadingsWriter writer(out, {});
   writer.BeginPlate({}, plan.scale, plan.channels);
+  std::string rows;
   for (std::size_t i = 0; i < plan.wells.size(); ++i) {
     const std::string well = plan.plate.NameOf(plan.wells[i]);
     for (std::size_t frame = 0; frame < plan.frames.size(); ++frame) {
-      writer.Write(well, frame, plan.frames[frame][i]);
+      writer.Append(rows, well, frame, plan.frames[frame][i]);
     }
+    writer.WriteRows(rows);
+    rows.clear();
   }
 }
 
