@@ -4,9 +4,12 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <exception>
 #include <iostream>
 #include <new>
+#include <string_view>
+#include <vector>
 
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/HelpText.h"
@@ -36,6 +39,7 @@ std::vector<std::unique_ptr<Command>> MakeCommands() {
 
 namespace {
 
+constexpr std::string_view kHelpCommand = "help";  // which tells of all
 constexpr const char* kSummary = "Plate documents of a real-time PCR instrument.";
 constexpr const char* kFooter =
     "Exit codes: 0 success, 1 problem in a document, 2 usage error, 3 system error,\n"
@@ -91,10 +95,12 @@ ScreenOptions& screenOptions() {
   return options;
 }
 
-// Makes a command a part of `app`'s command line, with its help.
-void addCommand(CLI::App& app, Command& command) {
+// Makes a command a part of `app`'s command line, with its help. One that cannot be meant is known
+// by its name alone: the options of all commands take longer than to show a document.
+void addCommand(CLI::App& app, Command& command, bool canBeMeant = true) {
   const auto& [name, summary, examples] = command.Describe();
   CLI::App* part = app.add_subcommand(name, summary);
+  if (!canBeMeant) return;
   part->footer(exampleText(examples));
   part->formatter(withColumn(26));
   Options options(*part);
@@ -142,7 +148,13 @@ ExitCode run(int argumentCount, const char* const* arguments) {
   Options options(app);
   screenOptions().AddTo(options);
   const auto commands = MakeCommands();
-  for (const auto& command : commands) addCommand(app, *command);
+  const std::vector<std::string_view> words(arguments, arguments + argumentCount);
+  const auto isAmong = [&](std::string_view word) {
+    return std::find(words.begin(), words.end(), word) != words.end();
+  };
+  for (const auto& command : commands) {
+    addCommand(app, *command, isAmong(command->Describe().name) || isAmong(kHelpCommand));
+  }
   try {
     parse(app, argumentCount, arguments);
   } catch (const CLI::Success& success) {
