@@ -12,7 +12,6 @@
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/PlateOption.h"
 #include "tools/vex/text/Terminal.h"
-#include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
 

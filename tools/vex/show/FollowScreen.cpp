@@ -9,7 +9,6 @@
 #include "tools/vex/files/Output.h"
 #include "tools/vex/show/SceneLines.h"
 #include "tools/vex/text/Terminal.h"
-#include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
 

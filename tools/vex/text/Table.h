@@ -1,4 +1,0 @@
-#pragma once
-
-#include "lab/text/Table.h"
-#include "tools/vex/Lab.h"
