@@ -11,6 +11,7 @@
 #include "lab/check/HeaderCheck.h"
 #include "lab/check/MeaningCheck.h"
 #include "lab/check/RecordCheck.h"
+#include "lab/check/RepairSteps.h"
 #include "lab/check/UncommittedCheck.h"
 #include "lab/model/Document.h"
 #include "lab/model/RawFile.h"
@@ -110,6 +111,20 @@ std::string named(std::string text, const OperationNames& names) {
   return text;
 }
 
+// Each check advises a repair of what it sees. Where damage elsewhere leaves nothing that a repair
+// would dare to touch, that advice leads nowhere, and what is whole can only be taken elsewhere.
+void requireRepairs(const std::string& path, Findings& findings) {
+  const auto asksToRepair = [](const Finding& finding) {
+    return finding.remedy.find("{repair}") != std::string::npos &&
+           finding.remedy.find("{resume}") == std::string::npos;
+  };
+  if (std::none_of(findings.list.begin(), findings.list.end(), asksToRepair)) return;
+  if (!PlanRepair(path).IsEmpty()) return;
+  for (Finding& finding : findings.list) {
+    if (asksToRepair(finding)) finding.remedy = kRecoverWhole;
+  }
+}
+
 Findings checkDocument(const std::string& path) {
   Findings findings;
   if (const auto why = whyNoDocument(path)) {
@@ -131,6 +146,7 @@ Findings checkDocument(const std::string& path) {
   checkPlates(document, findings);
   checkStudy(document, findings);
   CheckMeaning(document, header, findings);
+  requireRepairs(path, findings);
   return findings;
 }
 

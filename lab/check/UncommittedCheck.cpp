@@ -13,7 +13,6 @@ namespace vex2::lab {
 namespace {
 
 constexpr std::string_view kBlock = TagOf(Kind::kRawData);
-constexpr const char* kRecover = "{recover} takes what is whole into a new document";
 constexpr const char* kNotCommitted =
     "no committed frame is lost, but an instrument that appends here without a check would damage "
     "its frames";
@@ -36,7 +35,7 @@ void checkCutBlock(CFile& file, const Document& document, const HeaderFields& he
   findings.Add(
       {Severity::kError, std::string(kBlock), fault.offset, fault.what,
        "no frame of the block is read, not even the whole ones",
-       canRepair ? "{repair} sets the length to the whole frames that are there" : kRecover});
+       canRepair ? "{repair} sets the length to the whole frames that are there" : kRecoverWhole});
 }
 
 void checkFault(CFile& file, const Document& document, const HeaderFields& header,
@@ -54,7 +53,7 @@ void checkFault(CFile& file, const Document& document, const HeaderFields& heade
                                         Counted(document.Size(), "byte")),
                 records.CanRepairLengths()
                     ? "{repair} sets the lengths of records; check the document again then"
-                    : kRecover});
+                    : kRecoverWhole});
 }
 
 void checkBehindBlock(const LastBlock& block, const Document& document, const HeaderFields& header,

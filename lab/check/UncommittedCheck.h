@@ -11,6 +11,9 @@
 
 namespace vex2::lab {
 
+/// What is left to do about damage that no repair touches.
+inline constexpr const char* kRecoverWhole = "{recover} takes what is whole into a new document";
+
 /// The block that frames are appended to, where a document ends with it.
 struct LastBlock {
   FileRecord record;

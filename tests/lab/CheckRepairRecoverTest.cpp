@@ -57,6 +57,32 @@ TEST_F(CheckRepairRecover, CheckThrowsForMissingFile) {
   EXPECT_EQ(ErrorOf([&] { lab::Check(folder_ / "none.vex"); }).Code(), ErrorCode::kNoSuchFile);
 }
 
+// Every eleventh byte of the document, in turn, is the one that is damaged.
+TEST_F(CheckRepairRecover, CheckAdvisesNoRepairThatWouldFindNothingToDo) {
+  const Bytes sound = ReadBytes(path_);
+  int advised = 0;
+  int others = 0;
+  for (std::size_t at = 0; at < sound.size(); at += 11) {
+    for (const int value : {0, 1, 255}) {
+      Bytes bytes = sound;
+      bytes[at] = static_cast<std::uint8_t>(value);
+      WriteBytes(path_, bytes);
+      const lab::Findings findings = lab::Check(path_, {.repair = "R!", .resume = "S!"});
+      bool isAdvised = false;
+      for (const lab::Finding& finding : findings.list) {
+        const bool resumes = finding.remedy.find("S!") != std::string::npos;
+        isAdvised = isAdvised || (!resumes && finding.remedy.find("R!") != std::string::npos);
+      }
+      ++(isAdvised ? advised : others);
+      if (!isAdvised) continue;
+      EXPECT_FALSE(lab::Repair(path_, {.dryRun = true}).plan.IsEmpty())
+          << "byte " << at << " is " << value;
+    }
+  }
+  EXPECT_GT(advised, 0);
+  EXPECT_GT(others, 0);
+}
+
 TEST_F(CheckRepairRecover, DryRunOfRepairChangesNothing) {
   leaveUncommittedBytes();
   const Bytes before = ReadBytes(path_);
