@@ -348,10 +348,12 @@ TEST_F(StudyEditorTest, PlateIsChangedInItsStudy) {
 
 TEST_F(StudyEditorTest, StudyItselfHoldsNoWells) {
   DocumentEditor editor(study_);
-  EXPECT_EQ(ErrorOf([&] { editor.Set("comment", std::string("x")); }).Code(),
-            ErrorCode::kInvalidValue);
+  const lab::Error error = ErrorOf([&] { editor.Set("comment", std::string("x")); });
+  EXPECT_EQ(error.Code(), ErrorCode::kInvalidValue);
+  EXPECT_THAT(error.what(), HasSubstr("a study keeps no comment of its own; set it in a plate"));
   editor.RequiredDyes() = {"VIC"};
-  EXPECT_THAT(ErrorOf([&] { editor.Save(); }).what(), HasSubstr("it is a study"));
+  EXPECT_THAT(ErrorOf([&] { editor.Save(); }).what(),
+              HasSubstr("it is a study: what it holds is changed in its plates"));
 }
 
 }  // namespace

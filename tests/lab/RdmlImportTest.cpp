@@ -334,7 +334,8 @@ TEST_F(RdmlImport, ErrorsNameLineAndElement) {
   EXPECT_THAT(refusalOf(changed("</rdml>", "")).Message(), HasSubstr("no well-formed XML"));
   EXPECT_THAT(refusalOf(changed("version=\"1.2\"", "version=\"2.0\"")).Message(),
               HasSubstr("its version is '2.0'"));
-  EXPECT_THAT(refusalOf("<?xml version=\"1.0\"?><html/>").Message(), HasSubstr("this is no RDML"));
+  EXPECT_THAT(refusalOf("<?xml version=\"1.0\"?><html/>").Message(),
+              HasSubstr("this is no RDML: its root is not the element rdml"));
   EXPECT_THAT(refusalOf("well;sample\n").Message(), HasSubstr("in none of the formats"));
 }
 

@@ -235,7 +235,14 @@ TEST_F(RunRecorderTest, RejectsReadingBeyondScale) {
   frame.wells[1].values = {};
   EXPECT_THAT(messageOf([&] { made.Append(frame); }),
               testing::HasSubstr("0 readings, but the run has 1 channel"));
-  EXPECT_THAT(messageOf([&] { made.Append(rawFrame(0)); }), testing::HasSubstr("in real units"));
+  EXPECT_THAT(
+      messageOf([&] { made.Append(rawFrame(0)); }),
+      testing::HasSubstr(
+          "cannot append frame 0: the plan has a scale, so frames are given in real units"));
+  frame.wells[0].values = {1.0};
+  frame.wells[0].time = -1;
+  EXPECT_THAT(messageOf([&] { made.Append(frame); }),
+              testing::HasSubstr(": the time -1 does not fit into a document"));
   EXPECT_EQ(made.FrameCount(), 0U);
 }
 
@@ -267,7 +274,8 @@ TEST_F(RunRecorderTest, RejectsCycleNotAboveLastOfItsStage) {
 
 TEST_F(RunRecorderTest, RejectsFrameAfterLastAndAfterFinish) {
   RunRecorder made = recorder();
-  EXPECT_THAT(messageOf([&] { made.Finish(); }), testing::HasSubstr("0 of 6 frames are recorded"));
+  EXPECT_THAT(messageOf([&] { made.Finish(); }),
+              testing::HasSubstr("cannot finish: 0 of 6 frames are recorded"));
   for (std::size_t i = 0; i < kFrames; ++i) made.Append(rawFrame(i));
   EXPECT_THAT(messageOf([&] { made.Append(rawFrame(kFrames)); }),
               testing::HasSubstr("the plan has 6 frames"));
@@ -444,8 +452,10 @@ TEST_F(RunRecorderTest, NeverWritesToAnotherFileInItsPlace) {
       std::filesystem::copy_file(other, folder_ / "copy.vex");
       std::filesystem::rename(folder_ / "copy.vex", path());
     }
-    EXPECT_THAT(messageOf([&] { made.Append(rawFrame(1)); }),
-                testing::HasSubstr("another program has changed or replaced the file"));
+    EXPECT_THAT(
+        messageOf([&] { made.Append(rawFrame(1)); }),
+        testing::HasSubstr("another program has changed or replaced the file since the last "
+                           "frame; look at it, and record or resume anew"));
     EXPECT_EQ(FirstDifference(ReadBytes(path()), bytes), "");
   }
 }
@@ -458,8 +468,10 @@ TEST_F(RunRecorderTest, FailedSyncIsFinalUntilResumed) {
     files.FailKind(FileCall::syncData, EIO);
     EXPECT_EQ(ErrorOf([&] { made.Append(rawFrame(1)); }).Class(), lab::ErrorClass::kSystem);
     files.Heal(FileCall::syncData);
-    EXPECT_THAT(messageOf([&] { made.Append(rawFrame(1)); }),
-                testing::HasSubstr("failed to store an earlier change"));
+    EXPECT_THAT(
+        messageOf([&] { made.Append(rawFrame(1)); }),
+        testing::HasSubstr("the disk failed to store an earlier change, so what the file holds is "
+                           "uncertain; check the disk and resume with a new recorder"));
     EXPECT_THAT(messageOf([&] { made.Finish(); }),
                 testing::HasSubstr("failed to store an earlier change"));
   }

@@ -84,7 +84,7 @@ TEST_F(Study, ARefusedPlateSaysWhyAndMakesNoStudy) {
     expectStudyRefuses({"study", "new", study_, plate1_, odd}, odd, 1, text);
   };
   makePlate(odd, "", "p9C ", "Blue");
-  refused("its kind is 'Blue'");
+  refused("its kind is 'Blue'; the plates of a study are of kind 'Kest'");
   makePlate(odd, "", "p3C ");
   refused("a plate of 384 wells cannot be in a study of plates of 96 wells");
   std::filesystem::remove(odd);
@@ -101,7 +101,9 @@ TEST_F(Study, ARefusedPlateSaysWhyAndMakesNoStudy) {
 TEST_F(Study, APlateNeedsAFileNameThatNamesIt) {
   const std::string bare = folder_ / "plate";
   std::filesystem::copy_file(plate1_, bare);
-  expectStudyRefuses({"study", "new", study_, bare}, bare, 1, "needs an extension");
+  expectStudyRefuses(
+      {"study", "new", study_, bare}, bare, 1,
+      "a plate is named after its file, whose name needs an extension, as in plate1.vex");
 }
 
 TEST_F(Study, RelativePathsNamePlates) {
