@@ -125,7 +125,7 @@ class ServeTest(unittest.TestCase):
     def test_viewers_see_a_run_that_is_killed_resumed_and_saved(self):
         with Server(self.document) as server:
             data, _ = server.page_data()
-            self.assertIn("does not exist yet", data["note"])
+            self.assertIn("does not exist yet. The page shows the run as soon as it begins", data["note"])
             viewer = Viewer(server.port)
             recorder = self.recorder("--pace", "0.4")
             while not any(viewer.frames):
