@@ -114,7 +114,7 @@ class VEX2_API CFile : public CObject {
   /// Reads `count` bytes as `Read` does if all of them are in the buffer; otherwise returns false
   /// and does nothing. For the fields of a few bytes of which documents consist.
   [[nodiscard]] bool ReadBuffered(void* bytes, std::size_t count) noexcept {
-    const std::uint64_t skip = position_ - bufferStart_;  // wraps to a large number before the buffer
+    const std::uint64_t skip = position_ - bufferStart_;  // wraps round before the buffer
     if (dirty_ || skip > bufferUsed_ || count > bufferUsed_ - skip) return false;
     if (count != 0) std::memcpy(bytes, buffer_.get() + skip, count);
     position_ += count;

@@ -252,7 +252,7 @@ CHECKS = (
     check("skipped-seek", SKIPPED, "that the largest position is the end of an unknown record",
           "  } catch (const CFileException&) {", "  } catch (const int&) {", "container manager:Hostile*"),
     check("text-empty", BYTES, "that an empty text has no last byte",
-          "data_ != nullptr && GetLength() != 0 && data_", "data_ != nullptr && data_", "container"),
+          "data_.Get() != nullptr && GetLength() != 0 && ", "data_.Get() != nullptr && ", "container"),
     check("well-overflow", DATA, "that a block's length fits 32 bits where a well is filled",
           "position >= GetWellCount() || !canGrow() || ", "position >= GetWellCount() || ", "run manager"),
     check("reporting-tag", BLOCKS, "that the file's end is the end of the reporting blocks",

@@ -1,11 +1,11 @@
 #include <iostream>
 
+#include "lab/Text.h"
 #include "lab/exchange/Import.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/files/LossOutput.h"
 #include "tools/vex/files/OutputFiles.h"
-#include "tools/vex/text/Text.h"
 
 namespace vex2::tool {
 
