@@ -1,14 +1,16 @@
 // Input: a byte that chooses a format, and a file of that format: an RDML archive, RDML as XML
-// alone, an RDES table, or JSON. Invariant: whatever can be read becomes a document that reads back
-// whole, with as many frames as were stored.
+// alone, an RDES table, JSON, or a CSV file of readings. Invariant: whatever can be read becomes a
+// document that reads back whole, with as many frames as were stored.
 
 #include <unistd.h>
 
 #include <filesystem>
+#include <fstream>
 #include <string>
 
 #include "fuzz/Require.h"
 #include "lab/Error.h"
+#include "lab/exchange/CsvRun.h"
 #include "lab/exchange/Import.h"
 #include "lab/exchange/Rdes.h"
 #include "lab/exchange/RdmlFile.h"
@@ -54,6 +56,13 @@ void readRdml(std::string_view content, Losses& losses) {
   storeAll(source.ReadRuns(losses, true, [](const std::string&, const std::string&) {}), losses);
 }
 
+void readCsv(std::string_view content, Losses& losses) {
+  std::ofstream(documentPath(), std::ios::binary) << content;
+  std::vector<ExchangedRun> runs;
+  runs.push_back(ReadCsvRun(documentPath(), "input"));
+  storeAll(std::move(runs), losses);
+}
+
 void readJson(std::string_view content) {
   DocumentFile document;
   ReadWholeJson(content, "input", document);
@@ -76,6 +85,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       std::vector<vex2::lab::ExchangedRun> runs;
       runs.push_back(vex2::lab::ReadRdes(content, "input", losses));
       storeAll(std::move(runs), losses);
+    } else if (data[0] == 'c') {
+      readCsv(content, losses);
     } else if (data[0] == 'j') {
       readJson(content);
     } else {

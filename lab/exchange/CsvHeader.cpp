@@ -55,10 +55,12 @@ std::string CsvHeader::whyMissing(std::string_view column, const CsvSplitter::Ro
     had += (i == 0 ? "" : ", ") + Quoted(names[i]);
   }
   if (names.size() > kMostShown) had += ", ...";
-  return fmt::format(
-      "has no column {} (it has {}); the first row must name the columns, and '{} {}=NAME' tells "
-      "another name",
-      Quoted(isGiven ? given->second : column), had, format_.namesOption, column);
+  const std::string other =
+      format_.namesOption.empty()
+          ? std::string()
+          : fmt::format(", and '{} {}=NAME' tells another name", format_.namesOption, column);
+  return fmt::format("has no column {} (it has {}); the first row must name the columns{}",
+                     Quoted(isGiven ? given->second : column), had, other);
 }
 
 std::optional<std::string> CsvHeader::Find(const CsvSplitter::Row& names) {

@@ -41,7 +41,9 @@ ExchangedRun ReadCsvRun(const std::string& path, const std::string& file) {
   std::iota(plan.wells.begin(), plan.wells.end(), static_cast<unsigned short>(1));
   ExchangedRun run;
   std::map<std::tuple<std::uint16_t, std::size_t, bool>, std::size_t> places;
-  ReadReadingRows({.path = path, .format = {}, .findsChannels = true, .keepsWaiting = {}}, plan,
+  CsvFormat format;
+  format.namesOption.clear();  // an import has no such option
+  ReadReadingRows({.path = path, .format = format, .findsChannels = true, .keepsWaiting = {}}, plan,
                   [&](const ReadingRow& row) {
                     const auto [entry, isNew] = places.emplace(
                         std::tuple(row.well, row.channel, row.melting), run.curves.size());

@@ -26,6 +26,9 @@ struct ExchangedRun {
   std::string name;  ///< as the source calls the run; may be empty
   RecordingPlan plan;
   std::vector<Curve> curves;
+  std::optional<std::string> log;  ///< of the document that was exported, in Latin-1
+  bool hasSettings = true;         ///< otherwise that document had none
+  bool hasSetup = true;            ///< otherwise that document had no plate setup
 };
 
 }  // namespace vex2::lab

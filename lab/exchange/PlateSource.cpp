@@ -1,6 +1,7 @@
 #include "lab/exchange/PlateSource.h"
 
 #include <algorithm>
+#include <set>
 
 #include "lab/Text.h"
 #include "lab/exchange/WellDetails.h"
@@ -30,13 +31,15 @@ std::string quoted(const std::string& text) {
 }
 
 void listRecords(const Document::Plate& plate, Losses& losses) {
+  std::set<std::string> seen;
   for (const Document::Record& record : plate.records) {
+    const bool isFirst = seen.insert(record.tag).second;
     const bool isTabled = std::any_of(kTabledKinds.begin(), kTabledKinds.end(),
                                       [&](Kind kind) { return TagOf(kind) == record.tag; });
     const bool isBlock =
         std::find(kDataBlockTags.begin(), kDataBlockTags.end(), record.tag) != kDataBlockTags.end();
-    if (isTabled || isBlock) continue;
-    losses.Add("records of other kinds",
+    if ((isTabled && isFirst) || isBlock) continue;
+    losses.Add(isTabled ? "records of a kind that stands twice" : "records of other kinds",
                quoted(record.tag) + " at byte " + std::to_string(record.offset));
   }
 }
@@ -44,9 +47,27 @@ void listRecords(const Document::Plate& plate, Losses& losses) {
 void listBlocks(const Document::Plate& plate, const PlateSource& source, Losses& losses) {
   for (int i = 0; i < plate.content->GetAllComponentCount(); ++i) {
     const auto* block = dynamic_cast<const AcquisitionDataComp*>(plate.content->GetComponent(i));
-    if (block == nullptr || block == source.raw) continue;
+    if (block == nullptr) continue;
+    const bool isEmpty = block->GetFrameCount() == 0;
+    if (isEmpty) losses.Add("data blocks without frames", std::string(block->GetTag()));
+    if (isEmpty || block == source.raw) continue;
     const auto count = static_cast<std::uint64_t>(block->GetFrameCount()) * block->GetWellCount();
     losses.Add("records of further data blocks", "block " + std::string(block->GetTag()), count);
+  }
+}
+
+// The head of the block of readings, where an import would make another one.
+void listBlockHead(const PlateSource& source, Losses& losses) {
+  if (source.Log() == nullptr) return;
+  const auto isSet = [](const TimeStamp& time) {
+    return std::any_of(std::begin(time.fields), std::end(time.fields),
+                       [](auto field) { return field != 0; });
+  };
+  if (!source.start && (isSet(source.raw->GetStartTime()) || isSet(source.raw->GetEndTime()))) {
+    losses.Add("starts and ends of data blocks without a time zone", "block RAWa");
+  }
+  if (source.raw->GetVersion() != kBlockVersion) {
+    losses.Add("versions of data blocks", std::to_string(source.raw->GetVersion()));
   }
 }
 
@@ -87,14 +108,53 @@ void listHeader(const Vex2FileManager& document, Losses& losses) {
   list("run code", header.runCode, fresh.runCode);
   list("text", header.text, fresh.text);
   list("kind", header.kindMarker, fresh.kindMarker);
+  const PlateLayout layout = LayoutOf(document);
+  const std::string_view type = layout.TypeCode();
+  if (std::string_view(header.plateTypeCode, sizeof header.plateTypeCode) != type) {
+    losses.Add("fields of headers",
+               "plate type " + quoted(ToUtf8({header.plateTypeCode, sizeof header.plateTypeCode})));
+  }
+  if (header.rows != layout.rows || header.columns != layout.columns) {
+    losses.Add("fields of headers", std::to_string(header.rows) + " rows and " +
+                                        std::to_string(header.columns) + " columns");
+  }
   const bool hasUsualNumbers = header.formatA == fresh.formatA && header.formatB == fresh.formatB &&
                                header.flagG == fresh.flagG;
   if (!hasUsualNumbers) losses.Add("fields of headers", "format or flag");
 }
 
+// The header marks wells as used. An import marks those with readings, or those that are set up, or
+// all.
+void listWellsInUse(const Vex2FileManager& document, const PlateSource& source, Losses& losses) {
+  const Vex2HeaderData& header = document.GetHeaderData();
+  std::set<std::uint32_t> used;
+  if (source.Log() != nullptr && source.raw->GetFrameCount() > 0) {
+    for (const std::uint16_t well : source.raw->GetWellNumbers()) used.insert(well);
+  } else {
+    for (const Well& well : source.plate.wells) {
+      if (!well.sample.empty() || !well.targets.empty()) used.insert(well.number);
+    }
+  }
+  const std::uint32_t columns = std::min<std::uint32_t>(header.columns, 32);
+  for (std::uint32_t row = 0; row < header.GetMaskCount(); ++row) {
+    for (std::uint32_t column = 0; column < columns; ++column) {
+      const std::uint32_t well = row * header.columns + column + 1;
+      const bool isMarked = (header.usage[row] >> column & 1U) != 0;
+      if (isMarked == (used.empty() || used.contains(well))) continue;
+      losses.Add("marks of wells in use",
+                 WellName(well, header.columns) + (isMarked ? " is marked" : " is not marked"));
+    }
+  }
+}
+
 // Descriptions and flags of wells, which the values of a plate do not have.
-void listWells(const Vex2FileManager& document, Losses& losses) {
-  for (const WellDetails& well : WellDetailsOf(document)) {
+void listWells(const Vex2FileManager& document, const PlateSource& source, Losses& losses) {
+  const std::vector<WellDetails> wells = WellDetailsOf(document);
+  if (source.hasSetup && wells.size() != LayoutOf(document).WellCount()) {
+    losses.AddChanged("plate setups of other wells than the plate has",
+                      Counted(wells.size(), "well"));
+  }
+  for (const WellDetails& well : wells) {
     if (!well.description.empty()) {
       losses.Add("descriptions of wells", well.name + " " + quoted(well.description));
     }
@@ -135,6 +195,7 @@ PlateSource SourceOf(const Document::Plate& plate) {
   PlateSource source;
   source.name = ToUtf8(plate.name);
   source.plate = PlateOf(content);
+  source.hasSetup = content.GetPlateSetupComp() != nullptr;
   source.detectors = DetectorValuesOf(content);
   source.dyes = RequiredDyeNamesOf(content);
   for (SettingValue& setting : SettingValuesOf(content)) {
@@ -165,11 +226,36 @@ void ListUntabled(const Document::Plate& plate, const PlateSource& source, Losse
   listBlocks(plate, source, losses);
   listDetectors(*plate.content, losses);
   listCalibration(*plate.content, losses);
-  listWells(*plate.content, losses);
+  listBlockHead(source, losses);
+  listWells(*plate.content, source, losses);
+  listWellsInUse(*plate.content, source, losses);
   const std::string status = ToUtf8(plate.content->GetAcquisitionStatus().View());
-  const bool hasFrames = source.raw != nullptr && source.raw->GetFrameCount() > 0;
+  const bool hasFrames = source.Log() != nullptr && source.raw->GetFrameCount() > 0;
   const std::string_view expected = hasFrames ? RunStatus::kDone : RunStatus::kNotStarted;
   if (status != expected) losses.Add("statuses of runs", quoted(status));
+}
+
+void ListBesidePlates(const Document& document, Losses& losses) {
+  losses.Add("uncommitted bytes", "behind byte " + std::to_string(document.RecordsEnd()),
+             document.Size() - document.RecordsEnd());
+  if (!document.IsStudy()) {
+    for (const Document::Plate& plate : document.Plates()) {
+      losses.Add("plates in a document that is no study", quoted(ToUtf8(plate.name)));
+    }
+    return;
+  }
+  const Document::Plate study = document.Itself();
+  listHeader(*study.content, losses);
+  listRecords(study, losses);
+  listDetectors(*study.content, losses);
+  listCalibration(*study.content, losses);
+  for (const SettingValue& setting : SettingValuesOf(*study.content)) {
+    losses.Add("settings of studies", setting.name + " " + ValueText(setting.value));
+  }
+  const PlateSource source = SourceOf(study);
+  const std::size_t values =
+      source.plate.wells.size() + source.detectors.size() + source.dyes.size();
+  losses.Add("wells, detectors and dyes of studies", document.Path(), values);
 }
 
 std::string ReadingName(const PlateSource& source, std::uint16_t well, const RunReading& reading) {

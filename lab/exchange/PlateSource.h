@@ -17,6 +17,7 @@ namespace vex2::lab {
 struct PlateSource {
   std::string name;  ///< of a plate in a study; empty otherwise
   Plate plate;
+  bool hasSetup = false;  ///< whether there is a plate setup, even one without wells
   std::vector<Detector> detectors;
   std::vector<std::string> dyes;
   std::vector<SettingValue> settings;  ///< without comment and log
@@ -62,6 +63,9 @@ void ForEachReading(const PlateSource& source, std::size_t position, const Take&
 /// The values of the plate that no table of samples, targets and readings holds: records of other
 /// kinds, further data blocks, details of detectors and wells.
 void ListUntabled(const Document::Plate& plate, const PlateSource& source, Losses& losses);
+
+/// What a study holds beside its plates, and what stands behind the records of any document.
+void ListBesidePlates(const Document& document, Losses& losses);
 
 /// "A1 amplification cycle 7".
 std::string ReadingName(const PlateSource& source, std::uint16_t well, const RunReading& reading);

@@ -130,7 +130,7 @@ class RdesWriter {
 void listRest(const PlateSource& source, Losses& losses) {
   const rdml::Plan plan = rdml::PlanOf({&source}, losses);
   for (const rdml::Documentation& one : plan.documentation) {
-    losses.Add("settings, logs and programs", "'" + one.id + "'");
+    if (!one.text.empty()) losses.Add("settings, logs and programs", "'" + one.id + "'");
   }
   for (const std::string& program : plan.conditions) {
     losses.Add("settings, logs and programs", program);

@@ -51,6 +51,7 @@ Losses WriteRdml(std::ostream& out, const Document& document,
     sources.push_back(SourceOf(plate));
     ListUntabled(plate, sources.back(), losses);
   }
+  ListBesidePlates(document, losses);
   std::vector<const PlateSource*> places;
   for (const PlateSource& source : sources) places.push_back(&source);
   const rdml::Plan plan = rdml::PlanOf(places, losses, analysis);

@@ -6,6 +6,7 @@
 
 #include "lab/Text.h"
 #include "lab/exchange/ProgramSteps.h"
+#include "lab/exchange/RdmlSettings.h"
 #include "lab/exchange/RdmlTerms.h"
 #include "lab/exchange/RdmlText.h"
 #include "lab/exchange/XmlWriter.h"
@@ -51,9 +52,10 @@ class Planner {
     run_.id = runs_.Take(clean(source.name, "names of plates"), "run");
     run_.source = &source;
     run_.cqMethod = cqMethod_;
-    addDocumentation();
-    for (const std::string& dye : source.dyes) dyeOf(dye);
+    kept_ = KeptSettings();
+    for (const std::string& dye : source.dyes) kept_.dyes.push_back(dyeOf(dye));
     for (const Detector& detector : source.detectors) addDetector(detector);
+    addDocumentation();
     std::set<std::uint16_t> wells;
     for (const Well& well : source.plate.wells) wells.insert(well.number);
     if (source.raw != nullptr) {
@@ -95,24 +97,23 @@ class Planner {
   }
 
   void addText(std::string_view id, const std::string& text) {
-    if (text.empty()) return;
+    if (text.empty() && id != kSettings) return;
     const std::string unique = documents_.Take(std::string(id), id);
     plan_.documentation.push_back({unique, clean(text, id)});
     run_.documentation.push_back(unique);
   }
 
   void addDocumentation() {
-    std::string settings;
     for (const SettingValue& setting : source_->settings) {
-      const std::string text = ValueText(setting.value);
-      if (text.find_first_of("\r\n") != std::string::npos) {
+      if (ValueText(setting.value).find_first_of("\r\n") != std::string::npos) {
         losses_.Add("settings of several lines", setting.name);
-        continue;
+      } else {
+        kept_.settings.push_back(setting);
       }
-      settings += setting.name + "=" + text + "\n";
     }
-    if (source_->assay != kPlainAssay) settings += "assay=" + source_->assay + "\n";
-    addText(kSettings, settings);
+    if (source_->assay != kPlainAssay) kept_.assay = source_->assay;
+    kept_.hasSetup = source_->hasSetup;
+    addText(kSettings, kept_.Text());
     addText(kLog, source_->log);
     if (!source_->program) return;
     if (!source_->program->text) {
@@ -121,6 +122,7 @@ class Planner {
       return;
     }
     const std::string& text = *source_->program->text;
+    if (text.empty()) losses_.Add("thermal cycling programs without content", source_->name);
     if (!addConditions(text)) addText(kProgram, text);
   }
 
@@ -154,8 +156,11 @@ class Planner {
       losses_.Add("detectors whose name another one has", detector.name);
       return;
     }
-    detectors_[{source_, detector.name}] =
+    const std::size_t target =
         targetOf({detector.name, detector.reporterDye, detector.description});
+    detectors_[{source_, detector.name}] = target;
+    kept_.targets.push_back(plan_.targets[target].id);
+    listDye(detector.reporterDye);
   }
 
   std::size_t targetOf(const TargetKey& key) {
@@ -172,11 +177,22 @@ class Planner {
     return entry->second;
   }
 
+  void listDye(const std::string& dye) {
+    const auto& known = source_->dyes;
+    if (dye.empty() || std::find(known.begin(), known.end(), dye) != known.end()) return;
+    if (!addedDyes_.emplace(source_, dye).second) return;
+    losses_.AddChanged("dyes that the list of required dyes lacks, added to it", dye);
+  }
+
   // The target of a well, which may have another reporter than the list of detectors says.
   std::size_t targetOf(const Target& target) {
     const auto found = detectors_.find({source_, target.detector});
     if (found != detectors_.end()) return found->second;
-    return targetOf(TargetKey{target.detector, target.reporter, ""});
+    const std::size_t index = targetOf(TargetKey{target.detector, target.reporter, ""});
+    losses_.AddChanged("targets that the list of detectors lacks, added to it", target.detector);
+    detectors_.emplace(std::pair(source_, target.detector), index);
+    listDye(target.reporter);
+    return index;
   }
 
   // What stands for the readings of a channel in wells where no target was named for them.
@@ -288,15 +304,25 @@ class Planner {
     std::set<std::uint16_t> seen;
     Tally repeated;
     Tally timed;
+    Tally unordered;
+    Tally empty;
     for (std::size_t position = 0; position < wells.size(); ++position) {
       if (!seen.insert(wells[position]).second) continue;
       filter_.Begin();
+      std::pair<bool, std::uint16_t> last;
       ForEachReading(*source_, position, [&](const SourceReading& one) {
         ++known;
+        const std::pair key(one.reading.melting, one.reading.cycle);
+        if (key <= last) unordered.Count(wells[position], one.reading);
+        last = key;
+        if (isEmpty(one.reading)) return empty.Count(wells[position], one.reading);
         if (!filter_.Takes(one.reading)) repeated.Count(wells[position], one.reading);
         if (one.reading.time != 0) timed.Count(wells[position], one.reading);
       });
     }
+    losses_.AddChanged("readings in another order than that of their cycles", exampleOf(unordered),
+                       unordered.count);
+    losses_.Add("records without a reading", exampleOf(empty), empty.count);
     losses_.Add("readings of a cycle or temperature that the curve has already",
                 exampleOf(repeated), repeated.count);
     losses_.Add("times of readings",
@@ -308,12 +334,21 @@ class Planner {
                 all - known);
   }
 
+  bool isEmpty(const RunReading& reading) const {
+    for (std::size_t channel = 0; channel < source_->Channels().size(); ++channel) {
+      if (!reading.IsMissing(channel)) return false;
+    }
+    return true;
+  }
+
   std::string exampleOf(const Tally& tally) const {
     return ReadingName(*source_, tally.well, tally.first);
   }
 
   Losses& losses_;
   std::string_view cqMethod_;
+  KeptSettings kept_;
+  std::set<std::pair<const PlateSource*, std::string>> addedDyes_;
   std::map<CurveKey, const CqResult*> cycles_;
   const PlateSource* source_ = nullptr;
   CurveFilter filter_;

@@ -6,6 +6,7 @@
 #include "lab/Error.h"
 #include "lab/Text.h"
 #include "lab/exchange/PlateFit.h"
+#include "lab/exchange/RdmlSettings.h"
 #include "lab/exchange/RdmlTerms.h"
 #include "lab/exchange/StorableTexts.h"
 #include "lab/model/RunLog.h"
@@ -73,9 +74,9 @@ class Converter {
     result_.plan.comment = text(run_.description, "descriptions of runs");
     result_.plan.started = startOf(run_.date, losses_);
     fitPlate();
+    takeDocumentation();
     takeDetectors();
     takeDyes();
-    takeDocumentation();
     takeProgram();
     chooseChannels();
     for (const ReadReact& react : run_.reacts) takeReact(react);
@@ -132,16 +133,19 @@ class Converter {
       if (target.isReference) references.push_back(result_.plan.detectors.back().name);
     }
     if (references.size() == 1) {
-      result_.plan.settings.push_back({std::string(kReferenceSetting), references[0]});
-    } else if (!references.empty()) {
+      if (!kept_) {
+        result_.plan.settings.push_back({std::string(kReferenceSetting), references[0]});
+      }
+    } else if (!references.empty() && !kept_) {
       losses_.Add("reference targets (a document can hold only one)", references[0],
                   references.size());
     }
   }
 
   // In a file of several runs each document gets the targets of its own run, and those of none.
+  // An own export says which stand in the list of detectors.
   bool isOfRun(const std::string& target) {
-    if (content_.runs.size() < 2) return true;
+    if (content_.runs.size() < 2 && !kept_) return true;
     const auto names = [&](const ReadRun& run) {
       for (const ReadReact& react : run.reacts) {
         for (const ReadData& data : react.data) {
@@ -150,10 +154,18 @@ class Converter {
       }
       return false;
     };
+    if (kept_) {
+      const auto& listed = kept_->targets;
+      return std::find(listed.begin(), listed.end(), target) != listed.end() || names(run_);
+    }
     return names(run_) || std::none_of(content_.runs.begin(), content_.runs.end(), names);
   }
 
   void takeDyes() {
+    if (kept_) {
+      for (const std::string& id : kept_->dyes) result_.plan.requiredDyes.push_back(dyeName(id));
+      return;
+    }
     std::set<std::string> used;
     for (const std::string& id : content_.targetOrder) {
       if (isOfRun(id)) used.insert(content_.targets.at(id).dye);
@@ -173,7 +185,9 @@ class Converter {
       if (isNamed(id, kSettings)) {
         takeSettings(text);
       } else if (isNamed(id, kLog)) {
-        if (const auto log = ToLatin1(text)) log_ = RunLog::Find(*log);
+        result_.log = ToLatin1(text);
+        if (!result_.log) losses_.Add("logs of runs", text);
+        if (result_.log) log_ = RunLog::Find(*result_.log);
       } else if (isNamed(id, kProgram)) {
         result_.plan.program.assign(text.begin(), text.end());
       }
@@ -182,21 +196,11 @@ class Converter {
 
   // An own export has all settings there; what other programs read of them is derived.
   void takeSettings(std::string_view lines) {
-    result_.plan.settings.clear();
-    hasOwnSettings_ = true;
-    while (!lines.empty()) {
-      const std::string_view line = lines.substr(0, lines.find('\n'));
-      lines.remove_prefix(std::min(line.size() + 1, lines.size()));
-      const std::size_t equals = line.find('=');
-      if (equals == std::string_view::npos) continue;
-      const std::string name(line.substr(0, equals));
-      const std::string value(line.substr(equals + 1));
-      if (name == "assay") {
-        result_.plan.assay = value;
-      } else if (name != "log" && name != "comment") {
-        result_.plan.settings.push_back({name, value});
-      }
-    }
+    kept_ = KeptSettings::Parse(lines, losses_);
+    result_.plan.settings = kept_->settings;
+    result_.plan.assay = kept_->assay;
+    result_.hasSettings = kept_->HasSettings();
+    result_.hasSetup = kept_->hasSetup;
   }
 
   void takeProgram() {
@@ -336,7 +340,7 @@ class Converter {
   }
 
   void takeCalibrator() {
-    if (hasOwnSettings_ || calibrators_.empty()) return;
+    if (kept_ || calibrators_.empty()) return;
     if (calibrators_.size() > 1) {
       losses_.Add("calibrator samples (a document can hold only one)", *calibrators_.begin(),
                   calibrators_.size());
@@ -354,7 +358,7 @@ class Converter {
   std::optional<PlateFit> plate_;
   std::optional<RunLog> log_;
   std::set<std::string> calibrators_;
-  bool hasOwnSettings_ = false;
+  std::optional<KeptSettings> kept_;  ///< of the document that was exported
 };
 
 // What stands in the file, but in none of its runs.

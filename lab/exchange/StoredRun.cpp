@@ -5,6 +5,7 @@
 #include <limits>
 #include <numeric>
 #include <set>
+#include <utility>
 
 #include "lab/Error.h"
 #include "lab/Text.h"
@@ -214,6 +215,19 @@ void listRounding(const Rounding& rounding, const ReadingScale& scale, Losses& l
   list(rounding.times, "times, rounded", "0.001");
 }
 
+// A log says first where the readings come from, and then what they mean, which must be what it is
+// now.
+void keepOrigin(const std::string& log, RunPlan& plan, Losses& losses) {
+  const std::string imported = std::exchange(plan.origin, {});
+  const std::string meaning = LogText(plan);
+  if (log.ends_with(meaning)) {
+    plan.origin = log.substr(0, log.size() - meaning.size());
+  } else {
+    plan.origin = imported;
+    losses.Add("logs of runs", ToUtf8(log));
+  }
+}
+
 }  // namespace
 
 void StoreRun(ExchangedRun run, const std::string& file, Losses& losses, DocumentFile& document) {
@@ -223,6 +237,8 @@ void StoreRun(ExchangedRun run, const std::string& file, Losses& losses, Documen
   plan.isLive = false;
   plan.statesReadings = !run.curves.empty();
   if (run.curves.empty()) plan.origin.clear();
+  plan.hasSettings = run.hasSettings;
+  plan.hasSetup = run.hasSetup;
   for (Curve& curve : run.curves) {
     if (!curve.cycles.empty()) sortCycles(curve, plan.plate.NameOf(curve.well), losses);
   }
@@ -234,6 +250,7 @@ void StoreRun(ExchangedRun run, const std::string& file, Losses& losses, Documen
   listRounding(encoder.Rounded(), plan.scale, losses);
   run.curves.clear();
   run.curves.shrink_to_fit();
+  if (run.log) keepOrigin(*run.log, plan, losses);
   StoreWholeRun(document, plan);
 }
 

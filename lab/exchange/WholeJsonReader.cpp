@@ -7,7 +7,7 @@
 
 #include "lab/Error.h"
 #include "lab/Text.h"
-#include "lab/exchange/Json.h"
+#include "lab/exchange/JsonNode.h"
 #include "lab/exchange/WholeJson.h"
 #include "lab/model/DataBlock.h"
 #include "lab/model/DetectorFields.h"
@@ -29,97 +29,11 @@ constexpr std::size_t kMostCells = 65535;
 // A frame that stands alone makes those before it: what a line says must not fill the memory.
 constexpr std::int32_t kMostGap = 16;
 
-/// A value in the JSON, and its path for errors.
-class Node {
- public:
-  Node(const ordered_json& value, std::string path, const std::string& file)
-      : value_(&value), path_(std::move(path)), file_(&file) {}
-
-  [[noreturn]] void Refuse(const std::string& why) const {
-    throw Error(ErrorCode::kDocument, *file_, (path_.empty() ? "the object" : path_) + ": " + why);
-  }
-
-  bool Has(const char* key) const { return value_->is_object() && value_->contains(key); }
-  bool IsNull() const { return value_->is_null(); }
-  const ordered_json& Json() const { return *value_; }
-
-  Node operator[](const char* key) const {
-    if (!Has(key)) Refuse(std::string("it has no \"") + key + "\"");
-    return {(*value_)[key], path_.empty() ? key : path_ + "." + key, *file_};
-  }
-
-  template <typename Take>
-  void ForEach(const Take& take) const {
-    if (!value_->is_array()) Refuse("is no array");
-    std::size_t index = 0;
-    for (const ordered_json& one : *value_) {
-      take(Node(one, path_ + "[" + std::to_string(index++) + "]", *file_));
-    }
-  }
-
-  template <typename Number>
-  Number As() const {
-    if (value_->is_boolean()) return value_->get<bool>() ? Number{1} : Number{0};
-    if (value_->is_number_integer()) {
-      const auto number = value_->get<std::int64_t>();
-      if (number >= std::int64_t{std::numeric_limits<Number>::min()} &&
-          number <= static_cast<std::int64_t>(std::numeric_limits<Number>::max())) {
-        return static_cast<Number>(number);
-      }
-    }
-    Refuse("is no whole number that a document can hold");
-  }
-
-  std::string Text() const {
-    if (!value_->is_string()) Refuse("is no text");
-    return value_->get<std::string>();
-  }
-
-  /// The text in Latin-1, as documents keep it.
-  std::string Stored() const {
-    const auto text = ToLatin1(Text());
-    if (!text) Refuse("has a character that documents cannot hold (Latin-1 only)");
-    return *text;
-  }
-
-  template <std::size_t size>
-  void CopyTo(char (&to)[size]) const {
-    const std::string text = Stored();
-    if (text.size() != size) Refuse("does not have " + Counted(size, "character"));
-    std::copy(text.begin(), text.end(), to);
-  }
-
-  template <typename Array>
-  void NumbersTo(Array&& to, std::size_t count) const {
-    if (!value_->is_array() || value_->size() != count) {
-      Refuse("is no array of " + Counted(count, "number"));
-    }
-    std::size_t index = 0;
-    ForEach([&](const Node& one) { to[index++] = one.As<std::remove_cvref_t<decltype(to[0])>>(); });
-  }
-
-  std::vector<std::uint8_t> Bytes() const {
-    const std::string text = Text();
-    std::vector<std::uint8_t> bytes;
-    for (std::size_t i = 0; i < text.size(); i += 2) {
-      const auto byte = NumberIn<std::uint8_t>(std::string_view(text).substr(i, 2), 16);
-      if (!byte || i + 1 == text.size()) Refuse("is not in hexadecimal digits");
-      bytes.push_back(*byte);
-    }
-    return bytes;
-  }
-
- private:
-  const ordered_json* value_;
-  std::string path_;
-  const std::string* file_;
-};
-
 void require(int status) {
   if (status != kSuccess) throw std::bad_alloc();
 }
 
-void readHeader(const Node& from, Vex2FileManager& document) {
+void readHeader(const JsonNode& from, Vex2FileManager& document) {
   Vex2HeaderData header;
   header.formatA = from["formatA"].As<std::uint16_t>();
   header.formatB = from["formatB"].As<std::uint16_t>();
@@ -136,14 +50,14 @@ void readHeader(const Node& from, Vex2FileManager& document) {
   document.SetHeaderData(header);
 }
 
-void readSettings(const Node& from, Vex2FileManager& document) {
+void readSettings(const JsonNode& from, Vex2FileManager& document) {
   if (!from.Json().is_object()) from.Refuse("is no object");
   for (const auto& [key, value] : from.Json().items()) {
     const auto& known = Settings();
     const std::string name = key;
     const auto setting = std::find_if(known.begin(), known.end(),
                                       [&](const Setting& one) { return one.key == name; });
-    const Node node = from[name.c_str()];
+    const JsonNode node = from[name.c_str()];
     if (setting == known.end()) node.Refuse("is no setting");
     if (node.IsNull()) continue;
     if (!setting->set(document, JsonText(value))) {
@@ -152,8 +66,8 @@ void readSettings(const Node& from, Vex2FileManager& document) {
   }
 }
 
-void readDetectors(const Node& from, Vex2FileManager& document) {
-  from.ForEach([&](const Node& one) {
+void readDetectors(const JsonNode& from, Vex2FileManager& document) {
+  from.ForEach([&](const JsonNode& one) {
     Vex2Detector detector;
     for (const DetectorField& field : DetectorFields()) {
       const std::string key(field.key);
@@ -166,7 +80,7 @@ void readDetectors(const Node& from, Vex2FileManager& document) {
   });
 }
 
-float quantityOf(const Node& from) {
+float quantityOf(const JsonNode& from) {
   if (from.Json().is_number()) return from.Json().get<float>();
   const std::string text = from.Text();
   if (text == "NaN") return std::numeric_limits<float>::quiet_NaN();
@@ -179,7 +93,7 @@ std::int32_t lengthOf(const std::string& text) {
   return static_cast<std::int32_t>(text.size());
 }
 
-void readCell(const Node& from, Vex2WellSetup& cell) {
+void readCell(const JsonNode& from, Vex2WellSetup& cell) {
   cell.coord1 = from["row"].As<std::uint16_t>();
   cell.coord2 = from["column"].As<std::uint16_t>();
   cell.flag = from["flag"].As<int>() != 0;
@@ -187,7 +101,7 @@ void readCell(const Node& from, Vex2WellSetup& cell) {
   cell.SetName(name.data(), lengthOf(name));
   const std::string description = from["description"].Stored();
   cell.SetDescription(description.data(), lengthOf(description));
-  from["detectors"].ForEach([&](const Node& one) {
+  from["detectors"].ForEach([&](const JsonNode& one) {
     auto detector = std::make_unique<Vex2WellDetector>();
     const std::string target = one["name"].Stored();
     const std::string task = one["task"].Stored();
@@ -200,17 +114,17 @@ void readCell(const Node& from, Vex2WellSetup& cell) {
   });
 }
 
-void readCells(const Node& from, Vex2FileManager& document) {
+void readCells(const JsonNode& from, Vex2FileManager& document) {
   if (from.IsNull()) return;
   if (from.Json().size() > kMostCells) from.Refuse("has more cells than a document can hold");
   Vex2PlateSetup setup;
   setup.Resize(static_cast<std::uint16_t>(from.Json().size()));
   std::size_t index = 0;
-  from.ForEach([&](const Node& one) { readCell(one, setup.cells[index++]); });
+  from.ForEach([&](const JsonNode& one) { readCell(one, setup.cells[index++]); });
   require(document.ReplacePlateSetup(&setup));
 }
 
-std::optional<CalibrationPart> readPart(const Node& from, bool isDyes) {
+std::optional<CalibrationPart> readPart(const JsonNode& from, bool isDyes) {
   if (from.IsNull()) return std::nullopt;
   CalibrationPart part;
   const auto bytesTo = [&](const char* key, std::array<std::uint8_t, 4>& to) {
@@ -224,7 +138,7 @@ std::optional<CalibrationPart> readPart(const Node& from, bool isDyes) {
   part.head.setting = from["setting"].As<std::uint32_t>();
   part.head.option = from["option"].As<std::uint16_t>();
   part.head.value = from["value"].As<std::uint32_t>();
-  from["spectra"].ForEach([&](const Node& one) {
+  from["spectra"].ForEach([&](const JsonNode& one) {
     CalibrationEntry& entry = part.entries.emplace_back();
     entry.name = one["name"].Text();
     entry.dyeIndex = one["dyeIndex"].As<std::uint16_t>();
@@ -236,7 +150,7 @@ std::optional<CalibrationPart> readPart(const Node& from, bool isDyes) {
     } else {
       entry.limit = one["limit"].As<std::uint16_t>();
     }
-    one["values"].ForEach([&](const Node& value) {
+    one["values"].ForEach([&](const JsonNode& value) {
       const float number = value.Json().is_number() ? value.Json().get<float>()
                                                     : std::numeric_limits<float>::quiet_NaN();
       entry.values.push_back(std::bit_cast<std::uint32_t>(number));
@@ -248,18 +162,18 @@ std::optional<CalibrationPart> readPart(const Node& from, bool isDyes) {
 /// The blocks of a plate while their frames come.
 class Blocks {
  public:
-  Blocks(const Node& from, Vex2FileManager& document) : document_(document) {
-    from.ForEach([&](const Node& one) { add(one); });
+  Blocks(const JsonNode& from, Vex2FileManager& document) : document_(document) {
+    from.ForEach([&](const JsonNode& one) { add(one); });
   }
 
-  void Fill(std::size_t index, int frame, const Node& wells) {
+  void Fill(std::size_t index, int frame, const JsonNode& wells) {
     if (index >= tags_.size()) wells.Refuse("there is no such block");
     const auto& numbers = wells_[index];
     if (!wells.Json().is_array() || wells.Json().size() != numbers.size()) {
       wells.Refuse("is no array of " + Counted(numbers.size(), "well"));
     }
     std::size_t place = 0;
-    wells.ForEach([&](const Node& values) {
+    wells.ForEach([&](const JsonNode& values) {
       std::array<std::uint16_t, kRecordValues> stored{};
       values.NumbersTo(stored, stored.size());
       Vex2WellRecord record;
@@ -273,7 +187,7 @@ class Blocks {
   }
 
  private:
-  void add(const Node& one) {
+  void add(const JsonNode& one) {
     const std::string tag = one["tag"].Text();
     if (std::find(kDataBlockTags.begin(), kDataBlockTags.end(), tag) == kDataBlockTags.end() ||
         std::find(tags_.begin(), tags_.end(), tag) != tags_.end()) {
@@ -298,7 +212,7 @@ class Blocks {
     if (!one.Has("frames")) return;
     int frame = 0;
     one["frames"].ForEach(
-        [&](const Node& wellsOfFrame) { Fill(tags_.size() - 1, frame++, wellsOfFrame); });
+        [&](const JsonNode& wellsOfFrame) { Fill(tags_.size() - 1, frame++, wellsOfFrame); });
   }
 
   Vex2FileManager& document_;
@@ -334,12 +248,12 @@ class Reader {
         text.substr(end + 1).find_first_not_of(" \t\r\n") != std::string_view::npos &&
         text.substr(end + 1).starts_with("{\"plate\":");
     object_ = parsed(isLines ? text.substr(0, end) : text, file_, 1);
-    const Node root(object_, "", file_);
+    const JsonNode root(object_, "", file_);
     if (root["version"].As<int>() != 1) root["version"].Refuse("is not 1");
     readPlate(root, document_);
     std::vector<std::string> names;
     if (root.Has("plates")) {
-      root["plates"].ForEach([&](const Node& plate) {
+      root["plates"].ForEach([&](const JsonNode& plate) {
         plates_.push_back(std::make_unique<DocumentFile>());
         readPlate(plate, *plates_.back());
       });
@@ -347,22 +261,22 @@ class Reader {
     if (isLines) readLines(text.substr(end + 1));
     std::size_t index = 0;
     if (!root.Has("plates")) return;
-    root["plates"].ForEach([&](const Node& plate) {
+    root["plates"].ForEach([&](const JsonNode& plate) {
       AddMadePlate(document_, *plates_[index++], plate["name"].Text(), plate["modified"].Stored());
     });
   }
 
  private:
-  void readPlate(const Node& from, DocumentFile& document) {
+  void readPlate(const JsonNode& from, DocumentFile& document) {
     readHeader(from["header"], document);
     readSettings(from["settings"], document);
     if (from.Has("program")) StoreProgram(document, from["program"].Bytes());
     readDetectors(from["detectors"], document);
-    from["requiredDyes"].ForEach([&](const Node& dye) {
+    from["requiredDyes"].ForEach([&](const JsonNode& dye) {
       document.AppendRequiredDyenfo(CString(std::string_view(dye.Stored())));
     });
     readCells(from["cells"], document);
-    const Node calibration = from["calibration"];
+    const JsonNode calibration = from["calibration"];
     StoreCalibration(document, {.pureDyes = readPart(calibration["pureDyes"], true),
                                 .background = readPart(calibration["background"], false)});
     blocks_.push_back(std::make_unique<Blocks>(from["blocks"], document));
@@ -375,7 +289,7 @@ class Reader {
       if (line.empty()) continue;
       const ordered_json object = parsed(line, file_, number);
       const std::string name = file_ + ", line " + std::to_string(number);
-      const Node node(object, "", name);
+      const JsonNode node(object, "", name);
       const std::size_t plate =
           node["plate"].IsNull() ? 0 : std::size_t{node["plate"].As<std::uint32_t>()} + 1;
       if (plate >= blocks_.size()) node["plate"].Refuse("there is no such plate");

@@ -57,12 +57,12 @@ void setDetectors(Vex2FileManager& document, const RunPlan& plan) {
 
 void StorePlan(Vex2FileManager& document, const RunPlan& plan) {
   document.SetHeaderData(headerFor(plan));
-  setSettings(document, plan);
+  if (plan.hasSettings || !LogText(plan).empty()) setSettings(document, plan);
   for (const SettingValue& setting : plan.settings) StoreSetting(document, setting);
   if (!plan.isLive || !plan.program.empty()) setProgram(document, plan);
   // First, so that what the wells say of a detector finds its details.
   setDetectors(document, plan);
-  StoreContents(document, plan.contents);
+  if (plan.hasSetup || !plan.contents.rows.empty()) StoreContents(document, plan.contents);
   for (const std::string& dye : plan.requiredDyes) {
     document.AppendRequiredDyenfo(CString(dye));
   }

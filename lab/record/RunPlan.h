@@ -39,6 +39,8 @@ struct RunPlan {
   std::vector<Vex2Detector> detectors;    ///< besides what the contents say of them
   std::vector<std::string> requiredDyes;  ///< besides the contents' reporters; Latin-1
   std::vector<SettingValue> settings;
+  bool hasSettings = true;  ///< otherwise the document gets none that `settings` do not name
+  bool hasSetup = true;     ///< otherwise it gets no plate setup, if the contents are empty
   std::vector<std::uint8_t> program;  ///< empty: described from the frames
 };
 

@@ -176,6 +176,31 @@ TEST_F(ExchangeLosses, ReadingsWithoutAPlaceAreListed) {
                                              " in steps of 0\\.[0-9]+"));
 }
 
+TEST_F(ExchangeLosses, CyclesInAnotherOrderAreListed) {
+  RecordingPlan plan;
+  plan.scale = ReadingScale(1000);
+  plan.wells = {1};
+  record(run_, plan,
+         {{.cycle = 2, .wells = {{.well = 1, .values = {1.5}}}},
+          {.cycle = 1, .wells = {{.well = 1, .values = {2.5}}}}});
+  EXPECT_THAT(exported(), HasSubstr("changed: 1 readings in another order than that of their "
+                                    "cycles, as A1 amplification cycle 1"));
+}
+
+TEST_F(ExchangeLosses, SettingsThatNoDocumentHasAreListed) {
+  ForeignRdml rdml;
+  rdml.dyes =
+      "<documentation id=\"vex settings\"><text>colour=red\nsample-volume=25\nx\n"
+      "</text></documentation>" +
+      rdml.dyes;
+  rdml.format = "<documentation id=\"vex settings\"/>" + rdml.format;
+  const ImportReport report = imported(rdml.Text());
+  EXPECT_THAT(TextOf(report.losses),
+              HasSubstr("left out: 1 settings that no document has, as 'colour'"));
+  EXPECT_THAT(RunReader(run_).Settings(),
+              testing::Contains(SettingValue{"sample-volume", std::int64_t{25}}));
+}
+
 TEST_F(ExchangeLosses, NotesSayWhichRunsBecameOne) {
   ForeignRdml rdml;
   rdml.runs = rdml.Run("fam", rdml.React(1, "S1", rdml.Data("MYC", 10))) +

@@ -61,6 +61,8 @@ TEST_F(ExchangeRefusals, OfJsonNameTheKey) {
       {{"\"assay\":\"AbsQ\"", "\"assay\":7", "header.assay: is no text"},
        {"\"assay\":\"AbsQ\"", "\"assay\":\"A\"", "header.assay: does not have 4 characters"},
        {"\"usage\":[4095", "\"usage\":[4095,1", "header.usage: is no array of 8 numbers"},
+       {"\"rows\":8", "\"rows\":18446744073709551615",
+        "header.rows: is no whole number that a document can hold"},
        {"\"settings\":{", "\"settings\":[],\"x\":{", "settings: is no object"},
        {"\"pre-flag\":0", "\"pre-flags\":0", "settings.pre-flags: is no setting"},
        {"\"program\":\"61", "\"program\":\"6\",\"x\":\"", "program: is not in hexadecimal digits"},

@@ -1,10 +1,17 @@
+#include <stdlib.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
 #include <iostream>
+#include <sstream>
 
 #include "lab/Text.h"
 #include "lab/exchange/Import.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/files/LossOutput.h"
+#include "tools/vex/files/Output.h"
 #include "tools/vex/files/OutputFiles.h"
 
 namespace vex2::tool {
@@ -20,6 +27,27 @@ constexpr const char* kMeaning =
     "  and counted. Readings are stored in 16 bits, with the scale that loses least.\n\n"
     "  A reading without a temperature or a time has 0 in its place.";
 
+// A folder for a document on its way to standard output.
+class PassingFolder {
+ public:
+  PassingFolder() {
+    std::string name = (std::filesystem::temp_directory_path() / "vex-import-XXXXXX").string();
+    if (::mkdtemp(name.data()) == nullptr) throw SystemError(name, errno);
+    path_ = name;
+  }
+  ~PassingFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+  }
+  PassingFolder(const PassingFolder&) = delete;
+  PassingFolder& operator=(const PassingFolder&) = delete;
+
+  std::filesystem::path DocumentPath() const { return path_ / "document.vex"; }
+
+ private:
+  std::filesystem::path path_;
+};
+
 class ImportCommand final : public Command {
  public:
   ImportCommand()
@@ -30,7 +58,9 @@ class ImportCommand final : public Command {
 
   void AddOptions(Options& options) override {
     options.Add("IN", source_, "The file to read; - is standard input").Require().Show("");
-    options.Add("-o,--output", target_, "The document to write").Require().Show("OUT");
+    options.Add("-o,--output", target_, "The document to write; - is standard output")
+        .Require()
+        .Show("OUT");
     options.Add("--from", format_, "rdml, rdes, json or csv; as the file tells if none")
         .AllowOnly({"rdml", "rdes", "json", "csv"})
         .Show("FORMAT");
@@ -54,16 +84,35 @@ class ImportCommand final : public Command {
     files.Read(source_);
     losses_.Claim(files);
     files.Claim();
+    if (target_ == "-") return passOn();
     const std::string replaced = ReplacedText(target_, import_.replace);
     const ImportReport report = Import(source_, target_, import_);
     PrintIfAny(replaced);
-    const std::string about = source_ == "-" ? "standard input" : source_;
-    for (const std::string& note : report.notes) PrintLine(Printable(about) + ": " + note);
+    for (const std::string& note : report.notes) PrintLine(Printable(about()) + ": " + note);
     for (const ImportedDocument& made : report.documents) tell(made);
-    return losses_.Tell(report.losses, about, source_, target_);
+    return losses_.Tell(report.losses, about(), source_, target_);
   }
 
  private:
+  std::string about() const { return source_ == "-" ? "standard input" : source_; }
+
+  ExitCode passOn() const {
+    const PassingFolder folder;
+    const ImportReport report = Import(source_, folder.DocumentPath(), import_);
+    const std::size_t count = report.documents.size();
+    if (count > 1 && !import_.study) {
+      throw Error(ErrorCode::kUsage,
+                  about() + ": holds " + std::to_string(count) +
+                      " runs, and standard output takes one document; make one of them with "
+                      "--study, or name a file with -o");
+    }
+    for (const std::string& note : report.notes) PrintLine(Printable(about()) + ": " + note);
+    Output output("-");
+    output.Stream() << std::ifstream(folder.DocumentPath(), std::ios::binary).rdbuf();
+    output.Finish();
+    return losses_.Tell(report.losses, about(), source_, target_);
+  }
+
   void tell(const ImportedDocument& made) const {
     std::cout << Printable(made.path.string());
     if (!made.run.empty()) std::cout << ": run '" << Printable(made.run) << "'";
