@@ -181,8 +181,17 @@ TEST_F(ExchangeLosses, CyclesInAnotherOrderAreListed) {
   plan.scale = ReadingScale(1000);
   plan.wells = {1};
   record(run_, plan,
-         {{.cycle = 2, .wells = {{.well = 1, .values = {1.5}}}},
-          {.cycle = 1, .wells = {{.well = 1, .values = {2.5}}}}});
+         {{.cycle = 1, .wells = {{.well = 1, .values = {1.5}}}},
+          {.cycle = 2, .wells = {{.well = 1, .values = {2.5}}}}});
+  DocumentFile document;
+  ASSERT_EQ(document.ReadFromFile(run_.c_str()), 0);
+  Vex2WellRecord first;
+  Vex2WellRecord second;
+  ASSERT_TRUE(document.GetAcqDataWellRecord(&first, 0, 1, DataRAWa));
+  ASSERT_TRUE(document.GetAcqDataWellRecord(&second, 1, 1, DataRAWa));
+  ASSERT_TRUE(document.SetAcqDataWellRecord(&second, 0, 1, DataRAWa));
+  ASSERT_TRUE(document.SetAcqDataWellRecord(&first, 1, 1, DataRAWa));
+  ASSERT_EQ(document.SaveToFile(run_.c_str()), 0);
   EXPECT_THAT(exported(), HasSubstr("changed: 1 readings in another order than that of their "
                                     "cycles, as A1 amplification cycle 1"));
 }
