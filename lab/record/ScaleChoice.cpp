@@ -11,6 +11,7 @@ namespace vex2::lab {
 namespace {
 
 constexpr double kMostStored = 65535;
+constexpr std::uint16_t kLargest = 65535;
 constexpr std::array<int, 19> kPowers = {3,  2,  1,  0, -1, -2, -3, -4, -5, -6,
                                          -7, -8, -9, 4, 5,  6,  7,  8,  9};
 constexpr double kHeadroom = 16;
@@ -128,11 +129,12 @@ class Choice {
     return whole;
   }
 
-  // The smallest step of six digits with which the highest reading fits.
+  // The smallest step of six digits with which the highest reading stays below the largest number:
+  // there it would look as if it had been cut off.
   std::optional<ReadingScale> finestStep(DecimalNumber offset) const {
     const double range = readings_.back() - offset.Value();
     if (!(range > 0)) return std::nullopt;
-    const double step = range / kMostStored;
+    const double step = range / (kMostStored - 1);
     int exponent = static_cast<int>(std::floor(std::log10(step))) - kStepDigits + 1;
     exponent = std::max(exponent, -12);
     const double unit = exponent < 0 ? 1 / static_cast<double>(wholePower(-exponent))
@@ -140,7 +142,7 @@ class Choice {
     auto mantissa = static_cast<std::uint64_t>(std::ceil(step / unit));
     for (int tries = 0; tries < 3; ++tries, ++mantissa) {
       const auto scale = scaleOfStep(mantissa, exponent, offset);
-      if (scale && scale->Store(readings_.back())) return scale;
+      if (scale && scale->Store(readings_.back()).value_or(kLargest) < kLargest) return scale;
     }
     return std::nullopt;
   }

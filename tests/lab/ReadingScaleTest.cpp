@@ -122,6 +122,16 @@ TEST(ScaleChoice, OtherReadingsLoseAsLittleAsTheirRangeAllows) {
   EXPECT_EQ(scale.ScaleText(), ChooseScale(readings, {}).ScaleText());
 }
 
+TEST(ScaleChoice, TheFinestStepLeavesTheLargestNumberFree) {
+  for (const double range : {1.2, 12.0, 65.536, 0.0314159}) {
+    std::vector<double> readings;
+    for (int i = 0; i <= 1000; ++i) readings.push_back(range * std::sqrt(i / 1000.0));
+    const auto stored = ChooseScale(readings, {}).Store(readings.back());
+    EXPECT_LE(stored, 65534) << range;
+    EXPECT_GE(stored, 65530) << range;
+  }
+}
+
 TEST(ScaleChoice, OneNoisyReadingDoesNotCostTheOthersTheirs) {
   const std::vector<double> readings = {0.1 + 0.2, 0.313, 12.5};
   const ReadingScale scale = ChooseScale(readings, {});
