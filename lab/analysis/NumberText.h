@@ -7,6 +7,10 @@ namespace vex2::lab {
 /// The number with three digits, without exponent, for sentences: "0.0123", "25.4", "1230".
 std::string NumberText(double number);
 
+/// The number with six decimals, or with six digits where these are more, without
+/// trailing zeros and without exponent, for programs: small numbers must not become 0.
+std::string MeasuredText(double number);
+
 /// The number with at most `decimals` decimals, without trailing zeros and without exponent.
 std::string DecimalsText(double number, int decimals);
 

@@ -53,8 +53,8 @@ std::optional<double> limitOfDetection(const std::map<double, Level>& levels) {
 }
 
 void addEfficiencyInterval(StandardCurve& curve) {
-  const double margin = StudentLimit(kConfidence, curve.wells - 2) * curve.residualDeviation /
-                        std::sqrt(curve.sumOfSquares);
+  const double margin =
+      curve.studentLimit * curve.residualDeviation / std::sqrt(curve.sumOfSquares);
   // A slope nearer to 0 stands for a higher efficiency.
   curve.efficiencyLow = efficiencyOf(curve.slope - margin);
   curve.efficiencyHigh = efficiencyOf(curve.slope + margin);
@@ -83,6 +83,7 @@ std::optional<StandardCurve> FitStandardCurve(const std::string& detector,
   curve.wells = logs.size();
   curve.meanLogQuantity = fit->meanX;
   curve.sumOfSquares = fit->sumOfSquares;
+  curve.studentLimit = StudentLimit(kConfidence, curve.wells - 2);
   addEfficiencyInterval(curve);
   const auto levels = levelsOf(points);
   curve.rSquaredOfMeans = rSquaredOfMeans(levels);
@@ -103,7 +104,7 @@ std::optional<QuantityEstimate> EstimateQuantity(const StandardCurve& curve, dou
       curve.residualDeviation / -curve.slope *
       std::sqrt(1 / static_cast<double>(replicates) + 1 / static_cast<double>(curve.wells) +
                 distance * distance / curve.sumOfSquares);
-  const double margin = StudentLimit(kConfidence, curve.wells - 2) * deviation;
+  const double margin = curve.studentLimit * deviation;
   return QuantityEstimate{.quantity = std::pow(10, log),
                           .low = std::pow(10, log - margin),
                           .high = std::pow(10, log + margin)};

@@ -50,6 +50,7 @@ struct StandardCurve {
   std::size_t wells = 0;       ///< in the fit
   double meanLogQuantity = 0;  ///< of the wells in the fit, base 10
   double sumOfSquares = 0;     ///< of the distances of log10(quantity) from their mean
+  double studentLimit = 0;     ///< t of `kConfidence` at `wells` - 2 degrees of freedom
 };
 
 /// A quantity that was read off a standard curve.

@@ -26,10 +26,15 @@ double probabilityWithin(double angle, std::size_t degrees) {
   return isOdd ? 2 / std::numbers::pi * (angle + within) : within;
 }
 
+bool areEqual(std::span<const double> values) {
+  return std::all_of(values.begin(), values.end(), [&](double each) { return each == values[0]; });
+}
+
 }  // namespace
 
 std::optional<LineFit> FitLine(std::span<const double> x, std::span<const double> y) {
-  if (x.size() < 2) return std::nullopt;
+  // Compared by value: the mean of equal numbers can differ from them in the last digit.
+  if (x.size() < 2 || areEqual(x)) return std::nullopt;
   const double meanY = Mean(y);
   LineFit fit;
   fit.meanX = Mean(x);
@@ -50,7 +55,7 @@ std::optional<LineFit> FitLine(std::span<const double> x, std::span<const double
     const double residual = y[i] - fit.line.At(x[i]);
     squares += residual * residual;
   }
-  fit.rSquared = total > 0 ? 1 - squares / total : 1;
+  fit.rSquared = total > 0 && !areEqual(y) ? 1 - squares / total : 1;
   if (x.size() > 2) {
     fit.residualDeviation = std::sqrt(squares / static_cast<double>(x.size() - 2));
   }

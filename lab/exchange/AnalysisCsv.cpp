@@ -7,14 +7,13 @@ namespace vex2::lab {
 namespace {
 
 constexpr int kCqDecimals = 4;
-constexpr int kReadingDecimals = 6;
 
-std::string textOf(const std::optional<double>& number, int decimals) {
-  return number ? DecimalsText(*number, decimals) : "";
+std::string measured(const std::optional<double>& number) {
+  return number ? MeasuredText(*number) : "";
 }
 
 std::string quantityOf(const CqResult& result) {
-  if (result.curve.well.quantity) return textOf(result.curve.well.quantity, kReadingDecimals);
+  if (result.curve.well.quantity) return measured(result.curve.well.quantity);
   return result.estimate ? NumberText(result.estimate->quantity) : "";
 }
 
@@ -45,9 +44,9 @@ std::vector<std::string> CqFields(const CqResult& result, CqMethod method) {
           well.detector,
           well.task,
           quantityOf(result),
-          textOf(result.cq, kCqDecimals),
+          result.cq ? DecimalsText(*result.cq, kCqDecimals) : "",
           std::string(NameOf(method)),
-          textOf(result.threshold, kReadingDecimals),
+          measured(result.threshold),
           cycleText(result.baseline, &CycleRange::first),
           cycleText(result.baseline, &CycleRange::last),
           noteOf(result)};
@@ -64,7 +63,7 @@ std::vector<std::vector<std::string>> MeltFields(const MeltCurve& curve) {
   for (std::size_t i = 0; i < curve.peaks.size(); ++i) {
     const MeltPeak& peak = curve.peaks[i];
     rows.push_back({well.name, well.sample, well.detector, std::to_string(i + 1),
-                    DecimalsText(peak.temperature, 3), DecimalsText(peak.height, kReadingDecimals),
+                    DecimalsText(peak.temperature, 3), MeasuredText(peak.height),
                     DecimalsText(peak.width, 3)});
   }
   return rows;

@@ -11,10 +11,8 @@ namespace {
 
 using nlohmann::ordered_json;
 
-// With six decimals of what is below 1000, as many digits as anybody can measure.
 ordered_json number(double value) {
-  constexpr int kDecimals = 6;
-  return std::isfinite(value) ? NumberJson(DecimalsText(value, kDecimals)) : ordered_json(nullptr);
+  return std::isfinite(value) ? NumberJson(MeasuredText(value)) : ordered_json(nullptr);
 }
 
 ordered_json number(const std::optional<double>& value) {

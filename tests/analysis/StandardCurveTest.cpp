@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "lab/analysis/Comparison.h"
+#include "lab/analysis/NumberText.h"
 #include "lab/analysis/StandardCurve.h"
 #include "lab/analysis/Statistics.h"
 #include "tests/analysis/Curves.h"
@@ -93,6 +94,30 @@ TEST(StandardCurve, NeedsThreeWellsAndTwoQuantities) {
   EXPECT_FALSE(FitStandardCurve("MYC", {standardOf(1, 30), standardOf(1, 30), standardOf(1, 31)}));
   EXPECT_FALSE(
       FitStandardCurve("MYC", {standardOf(1, 30), standardOf(10, 27), standardOf(100, {})}));
+}
+
+TEST(StandardCurve, OfOneQuantityIsNone) {
+  for (int quantity = 1; quantity < 100; ++quantity) {
+    std::vector<StandardPoint> points;
+    for (int well = 0; well < 60; ++well) {
+      points.push_back(standardOf(quantity, 20 + 0.01 * well));
+      EXPECT_FALSE(FitStandardCurve("MYC", points)) << quantity << ", wells " << well + 1;
+    }
+  }
+}
+
+TEST(MeasuredText, KeepsSmallNumbers) {
+  EXPECT_EQ(lab::MeasuredText(1e-7), "0.0000001");
+  EXPECT_EQ(lab::MeasuredText(0.0000000366123456), "0.0000000366123");
+  EXPECT_EQ(lab::MeasuredText(0.1761234567), "0.176123");
+  EXPECT_EQ(lab::MeasuredText(1234.5), "1234.5");
+  EXPECT_EQ(lab::MeasuredText(0), "0");
+}
+
+TEST(LineFit, ThroughEqualValuesHasNoScatter) {
+  const std::vector<double> x = {1, 2, 3};
+  const std::vector<double> y(3, 0.1 + 0.2);
+  EXPECT_EQ(lab::FitLine(x, y)->rSquared, 1);
 }
 
 TEST(StandardCurve, ThatDoesNotFallHasNoEfficiencyAndNoQuantities) {
