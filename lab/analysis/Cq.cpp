@@ -165,11 +165,12 @@ const DetectorResult* CqAnalysis::Find(std::string_view detector) const {
 CqAnalysis AnalyseCurves(std::vector<AmplificationCurve> curves,
                          const std::vector<Detector>& detectors, const CqOptions& options) {
   requireThreshold(options);
-  KeepDetector(curves, options.detector,
-               [](const AmplificationCurve& curve) { return curve.well; });
   requireBaseline(options, curves);
   const DetectorsByName known = byName(detectors);
   std::vector<CurveCase> cases = casesOf(std::move(curves), known, options);
+  // Only now: a rise is judged by all the curves of its channel.
+  KeepDetector(cases, options.detector,
+               [](const CurveCase& each) -> const AnalysedWell& { return each.curve.well; });
   CqAnalysis analysis;
   analysis.method = options.method;
   analysis.detectors = thresholdsOf(cases, known, options);

@@ -34,7 +34,7 @@ enum class NoCq {
   kTooFewCycles,  ///< fewer than `kFewestCycles`
   kNoRise,        ///< it does not rise, or by less than 5 % of the highest curve
   kNoisy,         ///< it rises by less than 10 times the noise of its baseline
-  kEarly,         ///< it is above the threshold from the first cycle on
+  kEarly,         ///< it rises, or is above the threshold, from the first cycles on
   kLate,          ///< it rises, but not as far as the threshold within the run
 };
 
@@ -69,10 +69,13 @@ struct CqResult {
   std::optional<CycleRange> baseline;  ///< the cycles of the baseline
   double baselineIntercept = 0;        ///< the baseline at cycle 0
   double baselineSlope = 0;            ///< per cycle
-  double noise = 0;                    ///< standard deviation of the readings about the baseline
-  double amplitude = 0;                ///< the largest corrected reading once the curve rises
-  /// The maximum of the second derivative, in cycles, even if `method` is another; nothing if there
-  /// is no rise or the maximum is at the end of the run.
+  /// Standard deviation of the readings about the baseline; about one of fewer than
+  /// `kFewestForLine` cycles at least that of the readings of the whole curve.
+  double noise = 0;
+  double amplitude = 0;      ///< the largest corrected reading once the curve rises
+  std::size_t outliers = 0;  ///< how many readings were left out
+  /// The maximum of the second derivative, in cycles, even if `method` is another; nothing if
+  /// there is no rise or the maximum is at the begin or end of the run.
   std::optional<double> secondDerivativeCq;
   /// From the standard curve of the detector, of a well that is no standard and no control.
   std::optional<QuantityEstimate> estimate;
@@ -109,15 +112,25 @@ struct CqAnalysis {
 ///
 /// Smoothing: a parabola fitted to five neighbouring cycles (Savitzky and Golay 1964, "Smoothing
 /// and Differentiation of Data by Simplified Least Squares Procedures", Anal. Chem. 36:1627).
-/// Missing readings are filled on a straight line between their neighbours.
+/// Missing readings are filled on a straight line between their neighbours; so are cycles without a
+/// frame. A curve of which more cycles have none than have one is not analysed.
+///
+/// Outliers are left out and filled like missing readings. A reading is one that lies outside of at
+/// least three of its four neighbours (two before and two after it), all above or all below,
+/// farther than these three differ, than 10 times the noise of a reading and than 5 % of the range
+/// of the curve. The last but one and the second reading, with three neighbours at one side, can
+/// only be below. The noise of a reading is 1.4826 / root 6 times the median of the second
+/// differences' sizes.
 ///
 /// Threshold: that of the detector, if one is set and it is not automatic. Otherwise the median,
 /// over the curves of the detector that rise, of the corrected fluorescence at the maximum of the
 /// second derivative; no-template controls count only where nothing else rises.
 ///
-/// A curve rises when its corrected readings reach 10 times the noise of its baseline and 5 % of
-/// the highest curve of the channel: of its level at the end of the run, the median of
-/// three cycles.
+/// A curve rises when two consecutive corrected readings from its take-off on reach 10 times the
+/// noise of its baseline and 5 % of the highest curve of the channel: of its level at the end of
+/// the run, the median of three cycles. It is early where this, or the maximum of the second
+/// derivative, cannot be found because half of the rise from the third cycle on is over by the
+/// tenth.
 ///
 /// Throws as `AmplificationCurvesOf` does, and `Error` of class `kUsage` for a detector that the
 /// run does not have, a threshold that is not above 0, and a baseline of fewer than three cycles.

@@ -14,6 +14,7 @@ namespace {
 
 constexpr double kLeastRise = 0.05;  // of the highest curve of the channel
 constexpr double kLeastRiseInNoise = 10;
+constexpr std::size_t kFirstSettled = 2;  // the third cycle
 
 // A level that no single reading decides.
 double finalLevel(const CurveShape& shape) {
@@ -21,9 +22,37 @@ double finalLevel(const CurveShape& shape) {
   return Median({shape.corrected.end() - kCycles, shape.corrected.end()});
 }
 
+// Whether a baseline that was found is so early that it may hold product.
+bool overlapsRise(const CurveShape& shape) {
+  constexpr double kLastOverlapping = 10;  // an index: take-off before the eleventh cycle
+  return !shape.isBaselineSet && shape.takeOff < kLastOverlapping;
+}
+
+// Whether somebody has set a baseline that holds the take-off.
+bool isBaselineInRise(const CurveShape& shape) {
+  return shape.isBaselineSet && shape.baselineCycles.last >= shape.CycleAt(shape.takeOff);
+}
+
+// How far the readings rise from the third cycle to the level at the end.
+double riseOf(const CurveShape& shape) {
+  return Median({shape.readings.end() - 3, shape.readings.end()}) - shape.readings[kFirstSettled];
+}
+
+bool isRise(const CurveShape& shape, double rise, double leastRise) {
+  return rise > 0 && rise >= leastRise && rise >= kLeastRiseInNoise * shape.readingNoise;
+}
+
+// Whether the curve has risen for the most part before a baseline can be found.
+bool risesAtOnce(const CurveShape& shape, double leastRise) {
+  constexpr std::size_t kHalfRisen = 9;  // the tenth cycle
+  const double rise = riseOf(shape);
+  return !shape.isBaselineSet && isRise(shape, rise, leastRise) &&
+         shape.readings[kHalfRisen] - shape.readings[kFirstSettled] >= rise / 2;
+}
+
 // What the second derivative says, where it says anything.
 std::optional<double> takeOffCycle(const CurveShape& shape) {
-  if (shape.isStillRising) return std::nullopt;
+  if (shape.isStillRising || shape.isRisingFirst) return std::nullopt;
   return shape.CycleAt(shape.takeOff);
 }
 
@@ -34,19 +63,61 @@ std::string noReadingsNote(const AmplificationCurve& curve) {
   return "no readings";
 }
 
+std::string tooFewNote(const AmplificationCurve& curve) {
+  if (MissingCycles(curve.cycles) > curve.cycles.size()) {
+    return "too few cycles: most of the cycles from " + NumberText(curve.cycles.front()) + " to " +
+           NumberText(curve.cycles.back()) + " are missing";
+  }
+  return "too few cycles: at least " + std::to_string(kFewestCycles) + " are needed";
+}
+
+std::string baselineInRiseText(const CurveShape& shape) {
+  return "the set baseline " + NumberText(shape.baselineCycles.first) + "-" +
+         NumberText(shape.baselineCycles.last) + " reaches into the rise";
+}
+
+// A level curve takes off anywhere, so that its baseline does not matter.
+std::string setBaselineNote(const CurveCase& found) {
+  const CurveShape& shape = *found.shape;
+  const bool isAtFault = isBaselineInRise(shape) && isRise(shape, riseOf(shape), found.leastRise);
+  return isAtFault ? "; " + baselineInRiseText(shape) : "";
+}
+
 // Why a curve that did not rise, or was not long enough, has none.
 std::string noRiseNote(const CurveCase& found) {
   switch (*found.reason) {
     case NoCq::kNoReadings:
       return noReadingsNote(found.curve);
     case NoCq::kTooFewCycles:
-      return "too few cycles: at least " + std::to_string(kFewestCycles) + " are needed";
+      return tooFewNote(found.curve);
+    case NoCq::kEarly:
+      return "early: most of the rise is before a baseline can be found";
     case NoCq::kNoisy:
-      return "noisy: rises by " + NumberText(found.shape->amplitude) +
-             ", less than 10 times the noise of the baseline, " + NumberText(found.shape->noise);
+      return "noisy: rises by " + NumberText(found.shape->lasting) +
+             ", less than 10 times the noise of the baseline, " + NumberText(found.shape->noise) +
+             setBaselineNote(found);
     default:
-      return "no rise: by " + NumberText(std::max(found.shape->amplitude, 0.0)) + " only; " +
-             NumberText(found.leastRise) + " is needed";
+      return "no rise: by " + NumberText(std::max(found.shape->lasting, 0.0)) + " only; " +
+             NumberText(found.leastRise) + " is needed" + setBaselineNote(found);
+  }
+}
+
+void addNote(CqResult& result, const std::string& note) {
+  result.note += (result.note.empty() ? "" : "; ") + note;
+}
+
+// What to know of a quantification cycle that was found.
+void addWarnings(const CurveShape& shape, CqMethod method, CqResult& result) {
+  if (shape.filled > 0) addNote(result, Counted(shape.filled, "missing reading") + " filled in");
+  if (shape.outliers > 0) addNote(result, Counted(shape.outliers, "outlier") + " left out");
+  if (shape.isFilledAtTakeOff) {
+    addNote(result, "the cycle is uncertain: readings are missing where the curve takes off");
+  }
+  if (method == CqMethod::kSecondDerivative) return;
+  if (overlapsRise(shape)) {
+    addNote(result, "the cycle may be late: the curve rises before a baseline can be found");
+  } else if (isBaselineInRise(shape)) {
+    addNote(result, baselineInRiseText(shape));
   }
 }
 
@@ -70,8 +141,23 @@ void findCrossing(const CurveShape& shape, double threshold, CqResult& result) {
 void findTakeOff(const CurveShape& shape, CqResult& result) {
   result.cq = takeOffCycle(shape);
   if (result.cq) return;
+  if (shape.isRisingFirst) {
+    return setNone(result, NoCq::kEarly, "early: accelerates most in the first cycles or before");
+  }
   setNone(result, NoCq::kLate,
           "late: still accelerating at the end, cycle " + NumberText(shape.cycles.back()));
+}
+
+// Judged by a level that lasts for two cycles, so that no single reading decides.
+std::optional<NoCq> whyNoRise(const CurveShape& shape, double leastRise) {
+  std::optional<NoCq> reason;
+  if (!(shape.lasting > 0) || shape.lasting < leastRise) {
+    reason = NoCq::kNoRise;
+  } else if (shape.lasting < kLeastRiseInNoise * shape.noise) {
+    reason = NoCq::kNoisy;
+  }
+  const bool isDoubtful = reason || shape.isRisingFirst;
+  return isDoubtful && risesAtOnce(shape, leastRise) ? NoCq::kEarly : reason;
 }
 
 std::vector<double> correctedReadings(const AmplificationCurve& curve, const Line& baseline) {
@@ -89,6 +175,7 @@ void describeShape(const CurveShape& shape, CqResult& result) {
   result.baselineSlope = shape.baseline.slope;
   result.noise = shape.noise;
   result.amplitude = shape.amplitude;
+  result.outliers = shape.outliers;
 }
 
 }  // namespace
@@ -124,12 +211,7 @@ void JudgeRises(std::vector<CurveCase>& cases) {
       continue;
     }
     each.leastRise = kLeastRise * highest[each.curve.channel];
-    const double amplitude = each.shape->amplitude;
-    if (!(amplitude > 0) || amplitude < each.leastRise) {
-      each.reason = NoCq::kNoRise;
-    } else if (amplitude < kLeastRiseInNoise * each.shape->noise) {
-      each.reason = NoCq::kNoisy;
-    }
+    each.reason = whyNoRise(*each.shape, each.leastRise);
   }
 }
 
@@ -137,7 +219,7 @@ std::map<std::string, double> AutomaticThresholds(const std::vector<CurveCase>& 
   std::map<std::string, std::vector<double>> levels;
   std::map<std::string, std::vector<double>> controlLevels;
   for (const CurveCase& each : cases) {
-    if (!each.Rises() || each.shape->isStillRising) continue;
+    if (!each.Rises() || !takeOffCycle(*each.shape)) continue;
     const double level = each.shape->CorrectedAt(each.shape->takeOff);
     if (!(level > 0)) continue;
     auto& kind = IsControl(each.curve.well) ? controlLevels : levels;
@@ -153,7 +235,8 @@ CqResult ResultOf(CurveCase&& found, CqMethod method, const std::optional<double
   CqResult result;
   result.threshold = threshold;
   if (found.reason) setNone(result, *found.reason, noRiseNote(found));
-  if (found.shape && found.reason) UseWholeBaseline(*found.shape);
+  const bool isLevel = found.reason && *found.reason != NoCq::kEarly;
+  if (found.shape && isLevel && !found.shape->isBaselineSet) UseWholeBaseline(*found.shape);
   result.curve = std::move(found.curve);
   if (!found.shape) return result;
   describeShape(*found.shape, result);
@@ -166,9 +249,7 @@ CqResult ResultOf(CurveCase&& found, CqMethod method, const std::optional<double
   } else {
     setNone(result, NoCq::kLate, "late: no curve of the detector takes off within the run");
   }
-  if (result.cq && found.shape->filled > 0) {
-    result.note = Counted(found.shape->filled, "missing reading") + " filled in";
-  }
+  if (result.cq) addWarnings(*found.shape, method, result);
   return result;
 }
 

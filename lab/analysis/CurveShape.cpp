@@ -1,7 +1,9 @@
 #include "lab/analysis/CurveShape.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <limits>
 #include <span>
 
 namespace vex2::lab {
@@ -13,28 +15,104 @@ constexpr std::size_t kFirstTakeOff = 4;      // the fifth cycle; those before s
 constexpr std::size_t kBaselineBegin = 2;     // the third cycle
 constexpr std::size_t kCyclesBeforeRise = 8;  // left out between baseline and take-off
 constexpr std::size_t kFewestInBaseline = 3;
+constexpr double kOutlierInNoise = 10;
+constexpr double kOutlier = 0.05;  // of the range of the readings
 
-// Drops readings that are missing at either end, and fills those between on straight lines.
-void fill(const AmplificationCurve& curve, CurveShape& shape) {
-  std::size_t pending = 0;
+// How far cycles lie apart: 1, or 2 where only every other cycle is read.
+double usualStep(const std::vector<double>& cycles) {
+  std::vector<double> steps;
+  for (std::size_t i = 1; i < cycles.size(); ++i) steps.push_back(cycles[i] - cycles[i - 1]);
+  return Median(std::move(steps));
+}
+
+std::size_t cyclesBetween(double before, double after, double step) {
+  constexpr double kMost = 1e6;  // more than the cycles that a document can number
+  const double steps = std::round((after - before) / step);
+  return steps > 1 ? static_cast<std::size_t>(std::min(steps, kMost)) - 1 : 0;
+}
+
+std::vector<std::size_t> measuredIn(const AmplificationCurve& curve) {
+  std::vector<std::size_t> measured;
   for (std::size_t i = 0; i < curve.readings.size(); ++i) {
-    const double reading = curve.readings[i];
-    if (!std::isfinite(reading)) {
-      if (!shape.readings.empty()) ++pending;
-      continue;
-    }
-    const double before = shape.readings.empty() ? reading : shape.readings.back();
-    const double from = shape.cycles.empty() ? 0 : shape.cycles.back();
-    for (std::size_t k = i - pending; k < i; ++k) {
-      const double part = (curve.cycles[k] - from) / (curve.cycles[i] - from);
-      shape.cycles.push_back(curve.cycles[k]);
-      shape.readings.push_back(before + part * (reading - before));
-    }
-    shape.filled += pending;
-    pending = 0;
-    shape.cycles.push_back(curve.cycles[i]);
-    shape.readings.push_back(reading);
+    if (std::isfinite(curve.readings[i])) measured.push_back(i);
   }
+  return measured;
+}
+
+// From second differences, which neither a slope nor a bend nor a few outliers change much. Their
+// variance is six times that of a reading; 1.4826 times the median is the deviation.
+double noiseOf(std::span<const double> y) {
+  std::vector<double> bends;
+  for (std::size_t i = 2; i < y.size(); ++i) {
+    bends.push_back(std::fabs(y[i - 2] - 2 * y[i - 1] + y[i]));
+  }
+  return bends.empty() ? 0 : 1.4826 / std::sqrt(6.0) * Median(std::move(bends));
+}
+
+// Whether the reading lies outside of at least three of its four neighbours, by more than `limit`
+// and than these differ. Readings that only rise or only fall never do.
+bool isOutlier(std::span<const double> y, std::size_t i, double limit) {
+  constexpr std::size_t kWindow = 5;
+  const std::size_t first = std::min(i - std::min<std::size_t>(i, 2), y.size() - kWindow);
+  std::array<double, kWindow - 1> beside{};
+  for (std::size_t k = 0, next = 0; k < kWindow; ++k) {
+    if (first + k != i) beside[next++] = y[first + k];
+  }
+  std::sort(beside.begin(), beside.end());
+  const bool isInMiddle = first + 2 == i;
+  const double above = y[i] - beside[2];
+  const double below = beside[1] - y[i];
+  // At an end a rise looks like a reading that is too high, but not like one that is too low.
+  return (isInMiddle && above > limit && above > beside[2] - beside[0]) ||
+         (below > limit && below > beside[3] - beside[1]);
+}
+
+// Takes the outliers out of `measured`.
+void dropOutliers(const AmplificationCurve& curve, std::vector<std::size_t>& measured,
+                  CurveShape& shape) {
+  std::vector<double> y;
+  for (const std::size_t index : measured) y.push_back(curve.readings[index]);
+  shape.readingNoise = noiseOf(y);
+  if (y.size() < kFewestCycles) return;
+  const auto [low, high] = std::minmax_element(y.begin(), y.end());
+  const double limit = std::max(kOutlierInNoise * shape.readingNoise, kOutlier * (*high - *low));
+  std::vector<std::size_t> kept;
+  for (std::size_t i = 0; i < y.size(); ++i) {
+    const bool isEnd = i == 0 || i + 1 == y.size();
+    if (isEnd || !isOutlier(y, i, limit)) kept.push_back(measured[i]);
+  }
+  shape.outliers = measured.size() - kept.size();
+  measured = std::move(kept);
+}
+
+// Puts the readings on an axis without gaps. Those that are missing at either end are left out, and
+// those between others lie on straight lines. Marks in the result what was filled in.
+std::vector<bool> fill(const AmplificationCurve& curve, CurveShape& shape) {
+  std::vector<std::size_t> measured = measuredIn(curve);
+  dropOutliers(curve, measured, shape);
+  const double step = curve.cycles.size() > 1 ? usualStep(curve.cycles) : 1;
+  std::vector<bool> isFilled;
+  for (const std::size_t index : measured) {
+    const double cycle = curve.cycles[index];
+    const double reading = curve.readings[index];
+    if (!shape.cycles.empty()) {
+      const double from = shape.cycles.back();
+      const double before = shape.readings.back();
+      const std::size_t between = cyclesBetween(from, cycle, step);
+      for (std::size_t k = 1; k <= between; ++k) {
+        const double part = static_cast<double>(k) / static_cast<double>(between + 1);
+        shape.cycles.push_back(from + part * (cycle - from));
+        shape.readings.push_back(before + part * (reading - before));
+      }
+      shape.filled += between;
+    }
+    isFilled.resize(shape.cycles.size(), true);
+    shape.cycles.push_back(cycle);
+    shape.readings.push_back(reading);
+    isFilled.push_back(false);
+  }
+  shape.filled -= std::min(shape.filled, shape.outliers);
+  return isFilled;
 }
 
 // The second derivative of the parabola through five readings: Savitzky and Golay's weights.
@@ -51,6 +129,7 @@ void findTakeOff(CurveShape& shape) {
   }
   shape.takeOff = static_cast<double>(best);
   shape.isStillRising = best == last;
+  shape.isRisingFirst = best == kFirstTakeOff;
   if (shape.isStillRising) return;
   const double before = secondDerivative(y, best - 1);
   const double after = secondDerivative(y, best + 1);
@@ -65,7 +144,9 @@ void fitBaseline(CurveShape& shape, std::size_t first, std::size_t end) {
   shape.baselineCycles = {x.front(), x.back()};
   const auto fit = x.size() >= kFewestForLine ? FitLine(x, y) : std::nullopt;
   shape.baseline = fit ? fit->line : Line{.intercept = Mean(y), .slope = 0};
-  shape.noise = fit ? fit->residualDeviation : Deviation(y).value_or(0);
+  // A few readings can lie close together by chance.
+  shape.noise =
+      fit ? fit->residualDeviation : std::max(Deviation(y).value_or(0), shape.readingNoise);
   shape.corrected.resize(shape.readings.size());
   for (std::size_t i = 0; i < shape.readings.size(); ++i) {
     shape.corrected[i] = shape.readings[i] - shape.baseline.At(shape.cycles[i]);
@@ -74,6 +155,20 @@ void fitBaseline(CurveShape& shape, std::size_t first, std::size_t end) {
   const auto top = std::max_element(from, shape.corrected.end());
   shape.top = static_cast<std::size_t>(top - shape.corrected.begin());
   shape.amplitude = *top;
+  shape.lasting = -std::numeric_limits<double>::infinity();
+  for (auto each = from; each + 1 != shape.corrected.end(); ++each) {
+    shape.lasting = std::max(shape.lasting, std::min(*each, *(each + 1)));
+  }
+}
+
+bool isFilledAround(const std::vector<bool>& isFilled, double takeOff) {
+  const auto center = static_cast<std::size_t>(takeOff + 0.5);
+  const std::size_t first = center - std::min(center, kHalfWindow + 1);
+  const std::size_t end = std::min(center + kHalfWindow + 2, isFilled.size());
+  const auto begin = isFilled.begin();
+  return std::find(begin + static_cast<std::ptrdiff_t>(first),
+                   begin + static_cast<std::ptrdiff_t>(end),
+                   true) != begin + static_cast<std::ptrdiff_t>(end);
 }
 
 void fitOwnBaseline(CurveShape& shape) {
@@ -112,13 +207,27 @@ std::size_t CyclesWithin(const std::vector<double>& cycles, const CycleRange& ra
   }));
 }
 
+std::size_t MissingCycles(const std::vector<double>& cycles) {
+  if (cycles.size() < 2) return 0;
+  const double step = usualStep(cycles);
+  std::size_t missing = 0;
+  for (std::size_t i = 1; i < cycles.size(); ++i) {
+    missing += cyclesBetween(cycles[i - 1], cycles[i], step);
+  }
+  return missing;
+}
+
 std::optional<CurveShape> ShapeOf(const AmplificationCurve& curve,
                                   const std::optional<CycleRange>& baseline) {
+  // A damaged or hostile document can leave out any number of cycles.
+  if (MissingCycles(curve.cycles) > curve.cycles.size()) return std::nullopt;
   CurveShape shape;
-  fill(curve, shape);
+  const std::vector<bool> isFilled = fill(curve, shape);
   if (shape.cycles.size() < kFewestCycles) return std::nullopt;
   findTakeOff(shape);
+  shape.isFilledAtTakeOff = isFilledAround(isFilled, shape.takeOff);
   if (baseline && CyclesWithin(shape.cycles, *baseline) >= kFewestInBaseline) {
+    shape.isBaselineSet = true;
     fitGivenBaseline(shape, *baseline);
   } else {
     fitOwnBaseline(shape);
@@ -129,7 +238,9 @@ std::optional<CurveShape> ShapeOf(const AmplificationCurve& curve,
 void UseWholeBaseline(CurveShape& shape) {
   const double noise = shape.noise;
   const double amplitude = shape.amplitude;
+  const double lasting = shape.lasting;
   fitBaseline(shape, kBaselineBegin, shape.cycles.size());
+  shape.lasting = lasting;
   shape.noise = noise;
   shape.amplitude = amplitude;
 }

@@ -62,7 +62,6 @@ void addPlate(const RunReader& run, const Readings& readings, const std::string&
 
 std::vector<MeltCurve> analyse(const std::string& path, std::vector<MeltCase> cases,
                                const std::optional<std::string>& detector) {
-  KeepDetector(cases, detector, [](const MeltCase& melt) { return melt.curve.well; });
   if (std::none_of(cases.begin(), cases.end(), [](const MeltCase& melt) {
         return melt.curve.temperatures.size() >= kFewestTemperatures;
       })) {
@@ -75,6 +74,9 @@ std::vector<MeltCurve> analyse(const std::string& path, std::vector<MeltCase> ca
     findPeaks(melt);
     largest[melt.curve.channel] = std::max(largest[melt.curve.channel], melt.largest);
   }
+  // Only now: a peak is judged by all the curves of its channel.
+  KeepDetector(cases, detector,
+               [](const MeltCase& melt) -> const AnalysedWell& { return melt.curve.well; });
   std::vector<MeltCurve> curves;
   for (MeltCase& melt : cases) {
     const double limit =

@@ -19,6 +19,7 @@ namespace {
 constexpr double kReplicateLimit = 0.5;  // cycles
 constexpr double kDriftLimit = 0.2;      // of the amplitude
 constexpr std::size_t kLevelReadings = 3;
+constexpr std::size_t kMostListed = 8;
 
 std::string cqText(double cycles) {
   return DecimalsText(cycles, 2);
@@ -36,42 +37,51 @@ QualityFinding findingAt(QualityProblem problem, const AnalysedWell& well, std::
           .text = placeOf(well) + ": " + std::move(text)};
 }
 
-// "A1", "A1, A2 and 7 more".
-std::string listOf(const std::vector<std::string>& names) {
-  constexpr std::size_t kMost = 8;
+// "A1", "A1, A2 and 7 more": the first of `count` names.
+std::string listOf(const std::vector<std::string>& names, std::size_t count) {
   std::string list;
-  for (std::size_t i = 0; i < std::min(names.size(), kMost); ++i) {
-    list += (i > 0 ? ", " : "") + names[i];
-  }
-  return names.size() > kMost ? list + " and " + std::to_string(names.size() - kMost) + " more"
-                              : list;
+  const std::size_t shown = std::min(names.size(), kMostListed);
+  for (std::size_t i = 0; i < shown; ++i) list += (i > 0 ? ", " : "") + names[i];
+  return count > shown ? list + " and " + std::to_string(count - shown) + " more" : list;
 }
 
 // --- Replicates ---
 
+// The replicates of a well that have a Cq: "its replicate A1", "its replicates A1, A3".
 std::string othersOf(const ReplicateGroup& group, const std::vector<CqResult>& wells,
                      std::size_t except) {
   std::vector<std::string> names;
   for (const std::size_t index : group.wells) {
-    if (index != except) names.push_back(placeOf(wells[index].curve.well));
+    if (names.size() == kMostListed) break;
+    if (index != except && wells[index].cq) names.push_back(placeOf(wells[index].curve.well));
   }
-  return listOf(names);
+  const std::size_t count = group.withCq - (wells[except].cq ? 1 : 0);
+  return (count == 1 ? "its replicate " : "its replicates ") + listOf(names, count);
+}
+
+// The median of `sorted` without the value at `index`, of at least two.
+double medianWithout(const std::vector<double>& sorted, std::size_t index) {
+  const auto at = [&](std::size_t i) { return sorted[i < index ? i : i + 1]; };
+  const std::size_t count = sorted.size() - 1;
+  return count % 2 == 1 ? at(count / 2) : (at(count / 2 - 1) + at(count / 2)) / 2;
 }
 
 // The well that lies farthest from the median of the others; of two, the later one.
 void findDifference(const ReplicateGroup& group, const std::vector<CqResult>& wells,
                     std::vector<QualityFinding>& findings) {
+  std::vector<double> sorted;
+  for (const std::size_t index : group.wells) {
+    if (wells[index].cq) sorted.push_back(*wells[index].cq);
+  }
+  if (sorted.size() < 2) return;
+  std::sort(sorted.begin(), sorted.end());
   double farthest = kReplicateLimit;
   std::size_t worst = wells.size();
   double others = 0;
   for (const std::size_t index : group.wells) {
     if (!wells[index].cq) continue;
-    std::vector<double> rest;
-    for (const std::size_t other : group.wells) {
-      if (other != index && wells[other].cq) rest.push_back(*wells[other].cq);
-    }
-    if (rest.empty()) return;
-    const double middle = Median(std::move(rest));
+    const auto own = std::lower_bound(sorted.begin(), sorted.end(), *wells[index].cq);
+    const double middle = medianWithout(sorted, static_cast<std::size_t>(own - sorted.begin()));
     const double distance = std::fabs(*wells[index].cq - middle);
     if (distance < farthest || distance <= kReplicateLimit) continue;
     farthest = distance;
@@ -82,9 +92,8 @@ void findDifference(const ReplicateGroup& group, const std::vector<CqResult>& we
   const CqResult& well = wells[worst];
   findings.push_back(findingAt(QualityProblem::kReplicateDiffers, well.curve.well,
                                "Cq " + cqText(*well.cq) + " differs by " + cqText(farthest) +
-                                   " cycles from its replicate" +
-                                   (group.wells.size() > 2 ? "s " : " ") +
-                                   othersOf(group, wells, worst) + ", Cq " + cqText(others)));
+                                   " cycles from " + othersOf(group, wells, worst) + ", Cq " +
+                                   cqText(others)));
 }
 
 void findLostReplicates(const ReplicateGroup& group, const std::vector<CqResult>& wells,
@@ -93,8 +102,9 @@ void findLostReplicates(const ReplicateGroup& group, const std::vector<CqResult>
   for (const std::size_t index : group.wells) {
     if (wells[index].cq) continue;
     findings.push_back(findingAt(QualityProblem::kReplicateDiffers, wells[index].curve.well,
-                                 "has no Cq (" + wells[index].note + "), but its replicates " +
-                                     othersOf(group, wells, index) + " have"));
+                                 "has no Cq (" + wells[index].note + "), but " +
+                                     othersOf(group, wells, index) +
+                                     (group.withCq == 1 ? " has" : " have")));
   }
 }
 
@@ -191,14 +201,27 @@ void findDrift(const std::vector<CqResult>& wells, std::vector<QualityFinding>& 
 
 void findGaps(const std::vector<CqResult>& wells, std::vector<QualityFinding>& findings) {
   for (const CqResult& each : wells) {
-    const auto missing = static_cast<std::size_t>(
-        std::count_if(each.curve.readings.begin(), each.curve.readings.end(),
-                      [](double reading) { return std::isnan(reading); }));
+    const std::size_t skipped = MissingCycles(each.curve.cycles);
+    const std::size_t missing =
+        skipped + static_cast<std::size_t>(
+                      std::count_if(each.curve.readings.begin(), each.curve.readings.end(),
+                                    [](double reading) { return std::isnan(reading); }));
     if (missing == 0) continue;
-    findings.push_back(findingAt(
-        QualityProblem::kMissingReadings, each.curve.well,
-        std::to_string(missing) + " of " +
-            Counted(each.curve.readings.size(), "reading is missing", "readings are missing")));
+    findings.push_back(findingAt(QualityProblem::kMissingReadings, each.curve.well,
+                                 std::to_string(missing) + " of " +
+                                     Counted(each.curve.readings.size() + skipped,
+                                             "reading is missing", "readings are missing")));
+  }
+}
+
+void findOutliers(const std::vector<CqResult>& wells, std::vector<QualityFinding>& findings) {
+  for (const CqResult& each : wells) {
+    if (each.outliers == 0) continue;
+    findings.push_back(
+        findingAt(QualityProblem::kOutlier, each.curve.well,
+                  Counted(each.outliers, "reading lies", "readings lie") +
+                      " far beside the cycles before and after, and was left out: look at the "
+                      "curve for bubbles or dust"));
   }
 }
 
@@ -216,6 +239,7 @@ std::vector<QualityFinding> FindProblems(const CqAnalysis& analysis) {
   findSaturation(analysis.wells, findings);
   findDrift(analysis.wells, findings);
   findGaps(analysis.wells, findings);
+  findOutliers(analysis.wells, findings);
   return findings;
 }
 
@@ -237,7 +261,7 @@ std::vector<QualityFinding> FindMissingParts(const RunReader& run, const std::st
     if (!well.targets.empty() && !measured.contains(well.number)) missing.push_back(well.name);
   }
   if (!missing.empty()) {
-    const std::string list = listOf(missing);
+    const std::string list = listOf(missing, missing.size());
     const std::string count =
         Counted(missing.size(), "well of the setup was", "wells of the setup were");
     add(std::move(missing), count + " not measured: " + list);
@@ -257,6 +281,8 @@ std::string_view NameOf(QualityProblem problem) {
       return "drifting baseline";
     case QualityProblem::kMissingReadings:
       return "missing readings";
+    case QualityProblem::kOutlier:
+      return "outlier reading";
     case QualityProblem::kIncompletePlate:
       break;
   }

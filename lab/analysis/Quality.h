@@ -16,6 +16,7 @@ enum class QualityProblem {
   kDriftingBaseline,  ///< the baseline rises or falls by a large part of the curve
   kMissingReadings,   ///< readings of a well are missing
   kIncompletePlate,   ///< wells of the setup were not measured, or the run is not complete
+  kOutlier,           ///< readings far beside their neighbours were left out
 };
 
 /// A finding, and the wells that it is about.
@@ -27,8 +28,8 @@ struct QualityFinding {
   std::string text;                ///< one sentence for people, with the numbers
 };
 
-/// "replicate differs", "control rises", "saturated", "drifting baseline", "missing readings" or
-/// "incomplete plate".
+/// "replicate differs", "control rises", "saturated", "drifting baseline", "missing readings",
+/// "incomplete plate" or "outlier reading".
 VEX2_API std::string_view NameOf(QualityProblem problem);
 
 }  // namespace vex2::lab

@@ -167,7 +167,8 @@ TEST(Baseline, RemovesALine) {
 
 TEST(Baseline, OfFewerThanEightCyclesIsLevel) {
   AmplificationCurve curve = doubling();
-  curve.readings[4] = 4;
+  curve.readings[3] = curve.readings[4] = 2.5;  // two cycles, so that neither is an outlier
+  curve.readings[5] = 2.5;
   const CqResult result = ResultOf(curve, {.baseline = CycleRange{3, 5}});
   EXPECT_EQ(result.baselineSlope, 0);
   EXPECT_NEAR(result.baselineIntercept, 2, 1e-9);
@@ -230,6 +231,145 @@ TEST(MissingReadings, AreFilledOnALine) {
   EXPECT_TRUE(std::isnan(result.corrected[8]));
 }
 
+void leaveOut(AmplificationCurve& curve, std::size_t first, std::size_t count) {
+  const auto from = static_cast<std::ptrdiff_t>(first);
+  const auto end = static_cast<std::ptrdiff_t>(first + count);
+  curve.cycles.erase(curve.cycles.begin() + from, curve.cycles.begin() + end);
+  curve.readings.erase(curve.readings.begin() + from, curve.readings.begin() + end);
+}
+
+TEST(MissingCycles, AreFilledLikeMissingReadings) {
+  for (std::size_t first = 10; first < 30; ++first) {
+    for (const std::size_t count : {1U, 2U}) {
+      AmplificationCurve marked = Measured({});
+      AmplificationCurve shorter = marked;
+      for (std::size_t i = first; i < first + count; ++i) marked.readings[i] = kNaN;
+      leaveOut(shorter, first, count);
+      for (const CqMethod method : {CqMethod::kThreshold, CqMethod::kSecondDerivative}) {
+        const CqResult wanted = ResultOf(marked, {.method = method});
+        const CqResult found = ResultOf(shorter, {.method = method});
+        ASSERT_TRUE(found.cq && wanted.cq) << first;
+        EXPECT_NEAR(*found.cq, *wanted.cq, 1e-9) << first;
+        EXPECT_EQ(found.note, wanted.note);
+        EXPECT_THAT(found.note, HasSubstr("filled in"));
+      }
+    }
+  }
+}
+
+TEST(MissingCycles, WhereTheCurveTakesOffMakeTheCqUncertain) {
+  AmplificationCurve curve = Measured({});
+  const auto takeOff = static_cast<std::size_t>(*ResultOf(curve).secondDerivativeCq);
+  AmplificationCurve before = curve;
+  leaveOut(curve, takeOff, 1);
+  EXPECT_THAT(ResultOf(curve).note, HasSubstr("uncertain"));
+  leaveOut(before, 8, 1);
+  EXPECT_EQ(ResultOf(before).note, "1 missing reading filled in");
+}
+
+TEST(MissingCycles, OfEveryOtherCycleAreNone) {
+  std::vector<AmplificationCurve> curves = {Measured({})};
+  for (std::size_t i = 1; i < curves[0].cycles.size(); ++i) leaveOut(curves[0], i, 1);
+  EXPECT_EQ(ResultOf(curves[0]).note, "");
+}
+
+TEST(MissingCycles, ThatAreMostOfThemGiveNoCq) {
+  AmplificationCurve curve = doubling();
+  curve.cycles.back() = 65535;
+  EXPECT_EQ(ResultOf(curve).reason, NoCq::kTooFewCycles);
+  EXPECT_EQ(ResultOf(curve).note, "too few cycles: most of the cycles from 1 to 65535 are missing");
+}
+
+TEST(Outlier, GivesAControlNoCq) {
+  for (const double height : {0.3, 1.0, 8.0}) {
+    for (const std::size_t bubbles : {1U, 2U}) {
+      AmplificationCurve control = Measured({.copies = 0});
+      for (std::size_t i = 0; i < bubbles; ++i) control.readings[20 + i] += height;
+      for (const CqMethod method : {CqMethod::kThreshold, CqMethod::kSecondDerivative}) {
+        EXPECT_EQ(ResultOf(control, {.method = method}).cq, std::nullopt) << height;
+      }
+    }
+  }
+}
+
+TEST(Outlier, AtTheEndIsNoRise) {
+  AmplificationCurve control = Measured({.copies = 0});
+  control.readings.back() += 2;
+  const CqAnalysis analysis = AnalyseCurves({Measured({}, 2), control}, {});
+  EXPECT_EQ(analysis.wells[1].reason, NoCq::kNoRise);
+}
+
+TEST(Outlier, DoesNotMoveTheCq) {
+  const AmplificationCurve curve = Measured({});
+  for (const CqMethod method : {CqMethod::kThreshold, CqMethod::kSecondDerivative}) {
+    const double cq = *ResultOf(curve, {.method = method}).cq;
+    const std::vector<std::pair<std::size_t, double>> changes = {{8, -2}, {8, -0.8},  {8, 2.5},
+                                                                 {8, 4},  {36, -2.5}, {38, -2.5}};
+    for (const auto& [cycle, change] : changes) {
+      AmplificationCurve spoilt = curve;
+      spoilt.readings[cycle] += change;
+      const CqResult result = ResultOf(spoilt, {.method = method});
+      ASSERT_TRUE(result.cq) << cycle << " " << change << " " << result.note;
+      EXPECT_NEAR(*result.cq, cq, 0.1) << cycle << " " << change;
+      EXPECT_EQ(result.note, "1 outlier left out");
+    }
+  }
+}
+
+TEST(Outlier, IsNoReadingOfAGoodCurve) {
+  for (std::uint16_t number = 1; number <= 200; ++number) {
+    const double copies = std::pow(10, number % 8);
+    const CqResult result = ResultOf(Measured({.copies = copies}, number));
+    EXPECT_EQ(result.outliers, 0U) << number;
+  }
+}
+
+// Three readings lie close together in one of twenty wells.
+TEST(Noise, OfAShortBaselineIsAtLeastThatOfTheReadings) {
+  std::vector<AmplificationCurve> controls;
+  for (std::uint16_t number = 1; number <= 2000; ++number) {
+    controls.push_back(Measured({.copies = 0, .drift = 0}, number));
+  }
+  for (const CqMethod method : {CqMethod::kThreshold, CqMethod::kSecondDerivative}) {
+    std::size_t risen = 0;
+    for (const CqResult& result : AnalyseCurves(controls, {}, {.method = method}).wells) {
+      const bool isShort = result.baseline->last - result.baseline->first + 1 < lab::kFewestForLine;
+      risen += result.cq && isShort;
+    }
+    EXPECT_EQ(risen, 0U) << lab::NameOf(method);
+  }
+}
+
+TEST(EarlyCurve, SaysThatItIsEarlyOrMayBeLate) {
+  for (const double copies : {1e10, 5e9, 3e9}) {
+    const CqResult result = ResultOf(Measured({.copies = copies}));
+    EXPECT_EQ(result.reason, NoCq::kEarly) << copies << " " << result.note;
+    EXPECT_THAT(result.note, HasSubstr("early: ")) << copies;
+  }
+  const CqResult late = ResultOf(Measured({.copies = 1e8}));
+  ASSERT_TRUE(late.cq) << late.note;
+  EXPECT_THAT(late.note, HasSubstr("the cycle may be late"));
+}
+
+TEST(EarlyCurve, HasNoSdmCycleAtTheEdgeOfTheSearch) {
+  std::vector<double> readings;
+  for (int cycle = 1; cycle <= 40; ++cycle) {
+    readings.push_back(1 + 10 / (1 + std::exp(-0.7 * (cycle - 5.5))));
+  }
+  const CqResult result = ResultOf(
+      CurveOf(readings), {.method = CqMethod::kSecondDerivative, .baseline = CycleRange{1, 3}});
+  EXPECT_EQ(result.reason, NoCq::kEarly) << result.cq.value_or(0);
+}
+
+TEST(Baseline, ThatIsSetIntoTheRiseIsSaid) {
+  const CqResult result = ResultOf(Measured({}), {.baseline = CycleRange{5, 34}});
+  EXPECT_EQ(result.cq, std::nullopt);
+  EXPECT_EQ(result.baseline, (CycleRange{5, 34}));
+  EXPECT_THAT(result.note, HasSubstr("the set baseline 5-34 reaches into the rise"));
+  const CqResult level = ResultOf(Measured({.copies = 0}), {.baseline = CycleRange{5, 34}});
+  EXPECT_THAT(level.note, testing::Not(HasSubstr("reaches into")));
+}
+
 TEST(CqOptions, ThatCannotBeAreRefused) {
   const auto messageOf = [](const CqOptions& options) {
     const lab::Error error = ErrorOf([&] { AnalyseCurves({doubling()}, {}, options); });
@@ -249,6 +389,16 @@ TEST(CqOptions, OfADetectorLeaveOutTheOthers) {
   const CqAnalysis analysis = AnalyseCurves({doubling(), other}, {}, {.detector = "ACT"});
   ASSERT_EQ(analysis.wells.size(), 1U);
   EXPECT_EQ(analysis.wells[0].curve.well.detector, "ACT");
+}
+
+TEST(CqOptions, OfADetectorDoNotChangeItsResults) {
+  AmplificationCurve faint = Measured({.brightness = 0.3}, 2);
+  faint.well.detector = "ACT";
+  const CqAnalysis both = AnalyseCurves({Measured({}), faint}, {});
+  const CqAnalysis one = AnalyseCurves({Measured({}), faint}, {}, {.detector = "ACT"});
+  EXPECT_EQ(both.wells[1].reason, NoCq::kNoRise);
+  EXPECT_EQ(one.wells[0].reason, NoCq::kNoRise);
+  EXPECT_EQ(one.wells[0].note, both.wells[1].note);
 }
 
 // Eight wells at each of five quantities, ten times apart.

@@ -2,6 +2,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
+
 #include "tests/analysis/Curves.h"
 
 namespace vex2::test {
@@ -48,6 +50,45 @@ TEST(Quality, NamesTheReplicateWithoutACq) {
   EXPECT_THAT(findingsOf({sampleCurve({}, 1), sampleCurve({.copies = 0}, 2)},
                          QualityProblem::kReplicateDiffers),
               ElementsAre(HasSubstr("A2: has no Cq (no rise")));
+}
+
+TEST(Quality, NamesOnlyReplicatesWithACq) {
+  const auto lost = [](std::uint16_t number) { return sampleCurve({.copies = 0}, number); };
+  EXPECT_THAT(findingsOf({sampleCurve({}, 1), lost(2), lost(3)}, QualityProblem::kReplicateDiffers),
+              ElementsAre(testing::EndsWith("but its replicate A1 has"),
+                          testing::EndsWith("but its replicate A1 has")));
+  EXPECT_THAT(findingsOf({sampleCurve({}, 1), lost(2), sampleCurve({}, 3)},
+                         QualityProblem::kReplicateDiffers),
+              ElementsAre(testing::EndsWith("but its replicates A1, A3 have")));
+  EXPECT_THAT(findingsOf({sampleCurve({}, 1), sampleCurve({.copies = 20}, 2), lost(3)},
+                         QualityProblem::kReplicateDiffers),
+              testing::Contains(testing::ContainsRegex("A2: .* from its replicate A1, Cq")));
+}
+
+TEST(Quality, OfManyReplicatesTakesNoLongerThanTheirNumberAsksFor) {
+  std::vector<AmplificationCurve> curves(60000, sampleCurve({}, 1));
+  const AmplificationCurve level = CurveOf(std::vector<double>(40, 1));
+  for (std::size_t i = 0; i < curves.size(); i += 2) curves[i].readings = level.readings;
+  const auto begun = std::chrono::steady_clock::now();
+  const auto texts = findingsOf(curves, QualityProblem::kReplicateDiffers);
+  EXPECT_LT(std::chrono::steady_clock::now() - begun, std::chrono::seconds(60));
+  ASSERT_EQ(texts.size(), curves.size() / 2);
+  EXPECT_THAT(texts[0], testing::EndsWith(" and 29992 more have"));
+}
+
+TEST(Quality, NamesOutlierReadings) {
+  AmplificationCurve curve = sampleCurve({}, 1);
+  curve.readings[8] += 3;
+  EXPECT_THAT(findingsOf({curve}, QualityProblem::kOutlier),
+              ElementsAre(HasSubstr("A1: 1 reading lies far beside")));
+}
+
+TEST(Quality, CountsCyclesWithoutAFrameAsMissing) {
+  AmplificationCurve curve = sampleCurve({}, 1);
+  curve.readings.erase(curve.readings.begin() + 12);
+  curve.cycles.erase(curve.cycles.begin() + 12);
+  EXPECT_THAT(findingsOf({curve}, QualityProblem::kMissingReadings),
+              ElementsAre("A1: 1 of 40 readings are missing"));
 }
 
 TEST(Quality, NamesAControlThatRises) {

@@ -30,15 +30,36 @@ def line(xs, ys):
     return mean_y - slope * mean_x, slope
 
 
-def without_gaps(points):
+def reading_noise(values):
+    """The deviation of a reading, by the median size of the second differences."""
+    bends = [abs(a - 2 * b + c) for a, b, c in zip(values, values[1:], values[2:])]
+    return 1.4826 / math.sqrt(6) * statistics.median(bends) if bends else 0.0
+
+
+def without_outliers(known):
+    """The readings but those far outside of three of their four neighbours."""
+    values = [value for _, value in known]
+    if len(values) < FEWEST:
+        return known
+    limit = max(10 * reading_noise(values), 0.05 * (max(values) - min(values)))
+    kept = []
+    for i, value in enumerate(values):
+        first = min(max(i - 2, 0), len(values) - 5)
+        beside = sorted(values[first:i] + values[i + 1:first + 5])
+        above, below = value - beside[2], beside[1] - value
+        is_high = above > max(limit, beside[2] - beside[0]) and first + 2 == i
+        is_low = below > max(limit, beside[3] - beside[1])
+        if i in (0, len(values) - 1) or not (is_high or is_low):
+            kept.append(known[i])
+    return kept
+
+
+def without_gaps(known):
     """Readings at consecutive cycles, those missing between others on straight lines."""
-    known = [(cycle, value) for cycle, value in points if value is not None]
     filled = []
-    for cycle, value in points:
+    for cycle in range(int(known[0][0]), int(known[-1][0]) + 1) if known else ():
         before = [point for point in known if point[0] <= cycle]
         after = [point for point in known if point[0] >= cycle]
-        if not before or not after:
-            continue
         (x0, y0), (x1, y1) = before[-1], after[0]
         filled.append((cycle, y0 if x0 == x1 else y0 + (y1 - y0) * (cycle - x0) / (x1 - x0)))
     return filled
@@ -56,7 +77,9 @@ def second_derivative(y, i):
 class Curve:
     def __init__(self, well, points):
         self.well = well
-        points = without_gaps(points)
+        known = [(cycle, value) for cycle, value in points if value is not None]
+        self.reading_noise = reading_noise([value for _, value in known])
+        points = without_gaps(without_outliers(known))
         self.cycles = [cycle for cycle, _ in points]
         self.y = [value for _, value in points]
         self.usable = len(points) >= FEWEST
@@ -69,6 +92,7 @@ class Curve:
         places = range(4, len(self.y) - 2)  # from the fifth cycle to the last but two
         best = max(places, key=lambda i: (second_derivative(self.y, i), -i))
         self.ends_rising = best == places[-1]
+        self.begins_rising = best == places[0]
         self.take_off = float(best)
         if not self.ends_rising:
             left, top, right = (second_derivative(self.y, best + k) for k in (-1, 0, 1))
@@ -83,14 +107,25 @@ class Curve:
         intercept, slope = line(xs, ys) if len(xs) >= 8 else (statistics.fmean(ys), 0.0)
         rest = sum((y - intercept - slope * x) ** 2 for x, y in zip(xs, ys))
         self.noise = math.sqrt(rest / (len(xs) - (2 if len(xs) >= 8 else 1)))
+        if len(xs) < 8:
+            self.noise = max(self.noise, self.reading_noise)
         self.corrected = [y - intercept - slope * x for x, y in zip(self.cycles, self.y)]
         top = max(range(int(self.take_off), len(self.y)), key=lambda i: (self.corrected[i], -i))
         self.top, self.amplitude = top, self.corrected[top]
+        begin = int(self.take_off)
+        self.lasting = max(min(pair) for pair in zip(self.corrected[begin:],
+                                                     self.corrected[begin + 1:]))
 
     def find_baseline(self):
         third = 2
         eight_before = math.floor(self.take_off) - 8
         self.fit(third, max(eight_before, third + 2))
+
+    def is_early(self, least):
+        """Whether cycles 3 to 10 hold half of the rise, which is at least `least`."""
+        rise = statistics.median(self.y[-3:]) - self.y[2]
+        return (rise > 0 and rise >= max(least, 10 * self.reading_noise)
+                and self.y[9] - self.y[2] >= rise / 2)
 
     def between(self, values, place):
         low = math.floor(place)
@@ -117,12 +152,13 @@ def analyse(curves):
     """The values of each curve by method: cq, threshold, begin and end of the baseline."""
     usable = [curve for curve in curves if curve.usable]
     highest = max(statistics.median(curve.corrected[-3:]) for curve in usable)
-    rising = [curve for curve in usable if curve.amplitude > 0
-              and curve.amplitude >= 10 * curve.noise and curve.amplitude >= 0.05 * highest]
+    rising = [curve for curve in usable if curve.lasting > 0
+              and curve.lasting >= 10 * curve.noise and curve.lasting >= 0.05 * highest
+              and not (curve.begins_rising and curve.is_early(0.05 * highest))]
     levels = {}
     for curve in rising:
         level = curve.between(curve.corrected, curve.take_off)
-        if not curve.ends_rising and level > 0:
+        if not curve.ends_rising and not curve.begins_rising and level > 0:
             kinds = levels.setdefault(curve.well["target"], ([], []))
             kinds[curve.well["task"] == "NTC"].append(level)
     thresholds = {name: statistics.median(kinds[0] or kinds[1]) for name, kinds in levels.items()}
@@ -132,9 +168,9 @@ def analyse(curves):
         crossing = take_off = None
         if curve in rising:
             crossing = curve.crossing(threshold) if threshold else None
-            if not curve.ends_rising:
+            if not curve.ends_rising and not curve.begins_rising:
                 take_off = curve.between(curve.cycles, curve.take_off)
-        elif curve.usable:
+        elif curve.usable and not curve.is_early(0.05 * highest):
             curve.fit(2, len(curve.y) - 1)
         begin, end = curve.baseline if curve.usable else (None, None)
         found["threshold"].append((crossing, threshold, begin, end))
@@ -249,6 +285,22 @@ def with_gaps(path):
     return copy
 
 
+def with_faults(path):
+    """A copy of a table of readings without two of the cycles, and with outliers."""
+    rows = list(csv.reader(path.open(encoding="utf-8")))
+    cycle, light = rows[0].index("cycle"), rows[0].index("fluorescence")
+    amplification = [row for row in rows[1:] if row[rows[0].index("stage")] == "amplification"]
+    brightest = max(float(row[light]) for row in amplification)
+    for row in amplification[5::43]:
+        row[light] = f"{min(float(row[light]) + 0.5 * brightest, brightest):.3f}"
+    for row in amplification[9::61]:
+        row[light] = f"{0.6 * float(row[light]):.3f}"
+    copy = path.with_name("faults.csv")
+    with copy.open("w", encoding="utf-8", newline="") as file:
+        csv.writer(file).writerows(row for row in rows if row[cycle] not in ("12", "27"))
+    return copy
+
+
 def make_runs(vex, folder, real):
     runs = []
     for seed, wells in ((1, 96), (2, 384)):
@@ -258,6 +310,9 @@ def make_runs(vex, folder, real):
             "--force")
     runs.append(folder / "gaps.vex")
     run(vex, "record", runs[-1], "--readings", with_gaps(folder / "readings2.csv"),
+        "--wells", folder / "wells.csv")
+    runs.append(folder / "faults.vex")
+    run(vex, "record", runs[-1], "--readings", with_faults(folder / "readings2.csv"),
         "--wells", folder / "wells.csv")
     for readings in sorted(real.glob("*-readings.csv")):
         runs.append(folder / readings.name.replace("-readings.csv", ".vex"))
