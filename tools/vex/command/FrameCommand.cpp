@@ -2,6 +2,7 @@
 
 #include <iostream>
 
+#include "lab/Text.h"
 #include "lab/exchange/DocumentJson.h"
 #include "lab/exchange/Json.h"
 #include "lab/exchange/JsonOutput.h"

@@ -4,6 +4,7 @@
 #include <iostream>
 #include <limits>
 
+#include "lab/Text.h"
 #include "lab/exchange/CsvWriter.h"
 #include "lab/exchange/DocumentJson.h"
 #include "lab/exchange/Json.h"

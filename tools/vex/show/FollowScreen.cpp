@@ -5,7 +5,9 @@
 #include <cstdio>
 #include <iostream>
 
+#include "lab/Text.h"
 #include "tools/vex/Errors.h"
+#include "tools/vex/Lab.h"
 #include "tools/vex/files/Output.h"
 #include "tools/vex/show/SceneLines.h"
 #include "tools/vex/text/Terminal.h"
