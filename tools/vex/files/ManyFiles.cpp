@@ -8,6 +8,8 @@
 #include <fstream>
 #include <iostream>
 #include <mutex>
+#include <string_view>
+#include <system_error>
 #include <thread>
 
 #include "lab/Text.h"
@@ -23,7 +25,10 @@ constexpr std::uint32_t kMostJobs = 64;
 constexpr std::chrono::seconds kPatience{1};
 
 void addPaths(std::istream& list, std::vector<std::string>& files) {
-  for (std::string line; std::getline(list, line);) {
+  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";  // Windows begins lists with it
+  bool isFirst = true;
+  for (std::string line; std::getline(list, line); isFirst = false) {
+    if (isFirst && line.starts_with(kByteOrderMark)) line.erase(0, kByteOrderMark.size());
     if (line.ends_with('\r')) line.pop_back();
     if (!line.empty()) files.push_back(line);
   }
@@ -84,7 +89,12 @@ class SideBySide {
   SideBySide(const std::vector<std::string>& files,
              const std::function<ManyFiles::Shown(const std::string&)>& work, std::size_t jobs)
       : files_(files), work_(work), jobs_(jobs), outcomes_(files.size()) {
-    for (std::size_t i = 0; i < jobs; ++i) threads_.emplace_back([this] { run(); });
+    threads_.reserve(jobs);
+    try {
+      for (std::size_t i = 0; i < jobs; ++i) threads_.emplace_back([this] { run(); });
+    } catch (const std::system_error&) {
+      // The system has no room for so many threads: those that it started do the work.
+    }
   }
 
   ~SideBySide() {
@@ -101,6 +111,7 @@ class SideBySide {
 
   /// The outcome of the file at `index`; asked for in the order of the files.
   Outcome Wait(std::size_t index) {
+    if (threads_.empty()) return outcomeOf(work_, files_[index]);
     std::unique_lock lock(mutex_);
     shown_ = index;
     changed_.notify_all();
