@@ -1,6 +1,7 @@
 // A program that uses only the installed library for laboratories: records a run, resumes it, reads
 // it, edits it, checks, repairs and recovers it.
 #include <cstdio>
+#include <fstream>
 #include <string>
 
 #include "lab/Error.h"

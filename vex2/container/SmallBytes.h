@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "vex2/framework/Language.h"
+
 namespace vex2 {
 
 /// The bytes that a component owns. Most are short texts, which stand within the object, so that
@@ -16,6 +18,7 @@ class SmallBytes {
 
   /// The first byte; null without bytes.
   std::uint8_t* Get() { return bytes_; }
+  /// The first byte; null without bytes.
   const std::uint8_t* Get() const { return bytes_; }
 
   /// Replaces the bytes by `count` bytes of any value; by none if `count` is 0. Throws
