@@ -51,7 +51,7 @@ int main(int count, char** arguments) {
   {
     lab::RunRecorder recorder(arguments[1], plan, {.resume = true});
     try {
-      recorder.Append(lab::MeasuredFrame{});
+      recorder.Append(lab::MeasuredFrame{.cycle = 2, .wells = {}});  // has no reading
     } catch (const lab::Error& error) {  // its type is known across the library's border
       std::printf("%zu frame; %s\n", recorder.RecordedFrames(), error.what());
       recorder.Finish();
