@@ -233,6 +233,9 @@ ordered_json parsed(std::string_view text, const std::string& file, std::size_t 
     throw Error(ErrorCode::kDocument, file,
                 "line " + std::to_string(line) + ", byte " + std::to_string(error.byte) +
                     ": is no JSON" + what.substr(std::min(what.rfind(": "), what.size())));
+  } catch (const ordered_json::out_of_range&) {
+    throw Error(ErrorCode::kDocument, file,
+                "line " + std::to_string(line) + ": a number is too large to be read");
   }
 }
 

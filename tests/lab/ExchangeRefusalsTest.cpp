@@ -92,6 +92,9 @@ TEST_F(ExchangeRefusals, OfJsonLinesNameTheLine) {
   WriteText(source_, text + "{\"plate\":");
   const Error error = ErrorOf([&] { Import(source_, target_); });
   EXPECT_THAT(error.Message(), HasSubstr("line 4, byte 10: is no JSON"));
+  WriteText(source_, text + "{\"plate\":11e308}");
+  EXPECT_THAT(ErrorOf([&] { Import(source_, target_); }).Message(),
+              HasSubstr("line 4: a number is too large to be read"));
 }
 
 TEST_F(ExchangeRefusals, OfRdesNameRowAndColumn) {
