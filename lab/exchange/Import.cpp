@@ -191,7 +191,8 @@ class Importer {
     bool isFirst = true;
     source.ReadDocument([&](std::string_view piece) {
       if (isFirst && !piece.starts_with(kMagic)) {
-        throw Error(ErrorCode::kDocument, name_, "what is embedded in it is no plate document");
+        throw Error(ErrorCode::kDocument, name_,
+                    "the document embedded in it is not a plate document");
       }
       isFirst = false;
       file.Write(piece.data(), piece.size());

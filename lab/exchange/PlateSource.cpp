@@ -240,7 +240,7 @@ void ListBesidePlates(const Document& document, Losses& losses) {
              document.Size() - document.RecordsEnd());
   if (!document.IsStudy()) {
     for (const Document::Plate& plate : document.Plates()) {
-      losses.Add("plates in a document that is no study", quoted(ToUtf8(plate.name)));
+      losses.Add("plates in a document that is not a study", quoted(ToUtf8(plate.name)));
     }
     return;
   }

@@ -40,7 +40,7 @@ struct PlateSource {
 /// The plate as it is exported.
 PlateSource SourceOf(const Document::Plate& plate);
 
-/// A reading of one channel, with what stands beside it.
+/// A reading of one channel, with the frame that it is from.
 struct SourceReading {
   std::uint64_t frame = 0;  ///< from 0
   RunReading reading;
@@ -64,7 +64,8 @@ void ForEachReading(const PlateSource& source, std::size_t position, const Take&
 /// kinds, further data blocks, details of detectors and wells.
 void ListUntabled(const Document::Plate& plate, const PlateSource& source, Losses& losses);
 
-/// What a study holds beside its plates, and what stands behind the records of any document.
+/// Lists as lost what a study holds besides its plates, and the bytes after the last record of any
+/// document.
 void ListBesidePlates(const Document& document, Losses& losses);
 
 /// "A1 amplification cycle 7".

@@ -8,8 +8,8 @@ namespace vex2::lab::rdml {
 
 class RdmlReader;
 
-/// What to do at the beginning and at the end of an element; `text` is what stands in it, and empty
-/// at its beginning.
+/// What to do at the beginning and at the end of an element. `text` is the text of the element at
+/// its end, and empty at its beginning.
 struct RdmlElement {
   using Work = void (*)(RdmlReader& reader, std::string_view text);
 

@@ -195,7 +195,8 @@ class Planner {
     return index;
   }
 
-  // What stands for the readings of a channel in wells where no target was named for them.
+  // The index of a target that is made for a channel, for wells that have readings of it but no
+  // target.
   std::size_t placeholderOf(const std::string& channel) {
     const auto [entry, isNew] = placeholders_.emplace(channel, plan_.targets.size());
     if (!isNew) return entry->second;
@@ -296,7 +297,8 @@ class Planner {
     return plan_.samples.size() - 1;
   }
 
-  // Readings that nobody knows the meaning of, and what stands beside those that are written.
+  // Lists what RDML cannot hold of the readings: those of unknown meaning, without a value or given
+  // twice, their times, and their order.
   void listReadings() {
     if (source_->raw == nullptr) return;
     const auto wells = source_->raw->GetWellNumbers();

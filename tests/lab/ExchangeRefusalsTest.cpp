@@ -176,7 +176,7 @@ TEST_F(ExchangeRefusals, OfEmbeddedDocuments) {
   WriteZip(source_, {{"rdml_data.xml", ForeignRdml().Text()}, {"vex/document.vex", "hello"}});
   const ImportOptions always{.embedded = ImportOptions::Embedded::kAlways};
   EXPECT_EQ(ErrorOf([&] { Import(source_, target_, always); }).Message(),
-            "what is embedded in it is no plate document");
+            "the document embedded in it is not a plate document");
   EXPECT_FALSE(std::filesystem::exists(target_));
 }
 
