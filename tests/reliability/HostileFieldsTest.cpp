@@ -49,7 +49,7 @@ TEST_P(HostileFields, AreOnlyBelievedAsFarAsThereAreBytes) {
       if (!countState()) break;
     }
   }
-  report("lengths, counts and nesting lie",
+  report("lengths, counts and nesting are wrong",
          FullSweeps() ? "nine values in every length and count field of every sample document"
                       : "each 23rd of nine values in every length and count field");
 }
@@ -90,7 +90,7 @@ TEST_P(Nesting, EndsAt64OnASmallStack) {
       countState();
     }
   }
-  report("lengths, counts and nesting lie",
+  report("lengths, counts and nesting are wrong",
          "depth 63, 64, 65 and 1,000,000 of each kind of list, on a stack of 256 KiB");
 }
 
