@@ -64,7 +64,7 @@ constexpr bool areInOrder() {
 }
 static_assert(areInOrder());
 
-// In the terms of this library.
+// The advice in the terms of this library: its operations and options.
 std::string_view textOf(ErrorRemedy remedy) {
   switch (remedy) {
     case ErrorRemedy::kNone:
@@ -156,7 +156,8 @@ bool isContinuation(char character) {
   return (static_cast<unsigned char>(character) & 0xC0U) == 0x80U;
 }
 
-// The bytes of the UTF-8 character at the start of `text`, 0 where there is none.
+// The length in bytes of the UTF-8 character at the start of `text`; 0 if it is not valid UTF-8 or
+// is a control character.
 std::size_t characterLength(std::string_view text) {
   const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
   const std::size_t length = byte(0) < 0x80   ? 1U
@@ -193,7 +194,8 @@ std::string Escaped(std::string_view text) {
       text.remove_prefix(length);
       continue;
     }
-    // Of the second range of control characters it is the second byte that says which.
+    // The control characters U+0080 to U+009F have two bytes in UTF-8. Show only the second, since
+    // the first is C2 in all of them.
     if (text.size() > 1 && text[0] == '\xC2' && isContinuation(text[1])) text.remove_prefix(1);
     const auto byte = static_cast<unsigned char>(text.front());
     result.append("\\x").append({kDigits[byte >> 4U], kDigits[byte & 0xFU]});

@@ -15,8 +15,8 @@
 
 namespace vex2::lab {
 
-/// Calls `work`, which works on the document at `path`. Whatever it throws leaves as an
-/// `Error` that names a file.
+/// Calls `work`, which works on the document at `path`, and returns its result. Turns whatever it
+/// throws into an `Error` that names a file.
 template <typename Work>
 auto Guarded(const std::string& path, Work&& work) -> decltype(std::forward<Work>(work)()) {
   try {
@@ -26,7 +26,7 @@ auto Guarded(const std::string& path, Work&& work) -> decltype(std::forward<Work
     throw Error(error.Code(), path, error.Problem(), error.Offset(), error.Remedy(),
                 error.SystemErrorNumber());
   } catch (const CFileException& failure) {
-    // Where a write failed is a place in a file that is not there any more.
+    // The offset of a failed write is in a new file that has already been removed, so leave it out.
     const bool hasOffset = failure.GetOperation() == FileOperation::kRead;
     throw SystemError(failure.GetPath().empty() ? path : failure.GetPath(), failure.GetError(),
                       hasOffset ? std::optional(failure.GetOffset()) : std::nullopt);

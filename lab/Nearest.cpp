@@ -10,7 +10,8 @@ namespace vex2::lab {
 
 namespace {
 
-constexpr std::size_t kLongestWord = 40;  // no name is as long; keeps hostile words cheap
+// Longer than every name; limits the work for malicious words.
+constexpr std::size_t kLongestWord = 40;
 
 std::string lower(std::string_view text) {
   std::string result(text);
@@ -20,7 +21,7 @@ std::string lower(std::string_view text) {
   return result;
 }
 
-// The edits from one word to the other; swapping two neighbours is one.
+// The number of edits that turn one word into the other; swapping two neighbours counts as one.
 std::size_t distance(const std::string& from, const std::string& to) {
   std::vector<std::vector<std::size_t>> edits(from.size() + 1,
                                               std::vector<std::size_t>(to.size() + 1));
@@ -63,7 +64,7 @@ std::optional<std::string> NearestName(std::string_view word, std::span<const st
   for (const std::string& name : names) {
     if (name == word) continue;
     const std::size_t edits = distance(typed, lower(name));
-    // With as many edits as letters any word becomes any other.
+    // With as many edits as it has letters, a word can become any other word.
     if (edits >= least || edits >= typed.size()) continue;
     least = edits;
     nearest = name;

@@ -7,12 +7,13 @@
 
 namespace vex2::lab {
 
-/// The one of `names` that a person who typed `word` most likely meant: the one that is the fewest
-/// letters away, where a letter is missing, surplus, another, or two are swapped, or the only one
-/// that begins with the word. Returns nothing if none is near. Never returns `word` itself.
+/// The one of `names` that a user who typed `word` most likely meant. It is the name that is the
+/// fewest edits away; an edit is a missing, surplus or different letter, or two swapped letters. If
+/// no name is near enough, it is the only name that begins with `word`; nothing if there is none.
+/// Never returns `word` itself.
 std::optional<std::string> NearestName(std::string_view word, std::span<const std::string> names);
 
-/// "; did you mean 'info'?", or nothing if no name is near.
+/// "; did you mean 'info'?" for the nearest name; empty if no name is near.
 std::string DidYouMean(std::string_view word, std::span<const std::string> names);
 
 }  // namespace vex2::lab

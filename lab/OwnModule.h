@@ -4,18 +4,19 @@
 
 namespace vex2::lab {
 
-/// A module that is loaded when it is first needed, because its own libraries take longer to load
-/// than most commands run. It lies beside the program or library that this code is part of, or
-/// where the libraries are installed, and stays loaded.
+/// A module that is loaded only when it is needed, because its libraries take longer to load than
+/// most commands run. It is in the folder of the program or library that contains this code, or in
+/// the folder where the libraries are installed, and stays loaded.
 class OwnModule {
  public:
-  /// Loads the module of that file name, without a folder.
+  /// Loads the module with this file name; `file` has no folder.
   explicit OwnModule(const char* file);
 
   bool IsLoaded() const { return handle_ != nullptr; }
-  /// Why the module, which is there, could not be loaded; empty where there is none.
+  /// Why the module could not be loaded although its file exists; empty if the file does not exist
+  /// or the module was loaded.
   const std::string& Problem() const { return problem_; }
-  /// What the module calls `name`; null where it has nothing of that name.
+  /// The function `name` of the module; null if the module is not loaded or has no such function.
   template <typename Function>
   Function* Find(const char* name) const {
     return reinterpret_cast<Function*>(find(name));

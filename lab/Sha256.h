@@ -7,13 +7,13 @@
 
 namespace vex2::lab {
 
-/// The SHA-256 of bytes that come in parts (FIPS 180-4).
+/// Computes the SHA-256 digest (FIPS 180-4) of bytes that are added in parts.
 class Sha256 {
  public:
   using Digest = std::array<std::uint8_t, 32>;
 
   void Add(std::string_view bytes);
-  /// Of all that was added. Nothing may be added afterwards.
+  /// The digest of all bytes that were added. Nothing may be added afterwards.
   Digest Finish();
 
  private:
@@ -27,7 +27,7 @@ class Sha256 {
   std::uint64_t size_ = 0;
 };
 
-/// The digest of the file at `path`, in hexadecimal. Throws an error with the system's reason when
+/// The digest of the file at `path`, in hexadecimal. Throws an error with the system's reason if
 /// the file cannot be read.
 std::string Sha256OfFile(const std::string& path);
 

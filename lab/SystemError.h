@@ -9,14 +9,14 @@
 
 namespace vex2::lab {
 
-/// What the system refused to do with `file`: the call is at fault when the path leads nowhere or
-/// to what may not be touched, the system for all else. `error` is a number of `errno`, `offset` is
-/// where a transfer failed.
+/// The error for `error`, a number of `errno` with which the system refused an operation on `file`.
+/// Its class is `kUsage` if the path does not exist or may not be accessed, otherwise `kSystem`.
+/// `offset` is the offset in bytes at which a transfer failed, if it is known.
 Error SystemError(std::string_view file, int error,
                   std::optional<std::uint64_t> offset = std::nullopt);
 
-/// `text` for a line of a message: what a terminal would obey, and what is no character, is shown
-/// as `\xNN`.
+/// `text` as a message can show it: control characters, and bytes that are not valid UTF-8, are
+/// replaced by `\xNN`.
 std::string Escaped(std::string_view text);
 
 }  // namespace vex2::lab

@@ -35,7 +35,7 @@ std::optional<std::string> ToLatin1(std::string_view utf8) {
       text += utf8[i];
       continue;
     }
-    // Latin-1 ends with the characters that begin with C3.
+    // In UTF-8, the characters of Latin-1 begin with a byte up to C3.
     if ((byte != 0xC2U && byte != 0xC3U) || i + 1 == utf8.size()) return std::nullopt;
     const unsigned next = byteOf(utf8[++i]);
     if ((next & 0xC0U) != 0x80U) return std::nullopt;

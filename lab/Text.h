@@ -8,19 +8,20 @@
 
 namespace vex2::lab {
 
-/// Documents hold texts of single bytes, each a character of Latin-1; the command line, terminals
-/// and JSON speak UTF-8.
+/// Converts a text of a document to UTF-8. Documents store each character in one byte (Latin-1);
+/// the command line, terminals and JSON use UTF-8.
 std::string ToUtf8(std::string_view latin1);
-/// Returns nothing if `utf8` is not UTF-8, or has a character that a document's text cannot hold.
+/// Converts UTF-8 to a text of a document. Returns nothing if `utf8` is not valid UTF-8, or has a
+/// character that is not in Latin-1.
 std::optional<std::string> ToLatin1(std::string_view utf8);
 
-/// "1 frame", "2 frames".
+/// The count with its noun: "1 frame", "2 frames".
 std::string Counted(unsigned long long count, std::string_view noun);
-/// For nouns whose plural is no mere "s".
+/// The count with its noun, for nouns whose plural is not formed by an "s".
 std::string Counted(unsigned long long count, std::string_view one, std::string_view many);
 
-/// The number that the whole of `text` stands for, nothing if it stands for none that fits. `how`
-/// is a base, or a form, as std::from_chars takes it.
+/// The number that the whole of `text` represents; nothing if `text` is not a number, or if the
+/// number does not fit into `Number`. `how` is a base or a format, as for std::from_chars.
 template <typename Number, typename... How>
 std::optional<Number> NumberIn(std::string_view text, How... how) {
   Number number{};
@@ -30,7 +31,7 @@ std::optional<Number> NumberIn(std::string_view text, How... how) {
   return number;
 }
 
-/// Whether each character is one of printable ASCII, as in tags and codes that programs write.
+/// Whether each character is printable ASCII, as in the tags and codes that programs write.
 bool IsPlain(std::string_view text);
 
 /// The bytes in hexadecimal, two digits each.

@@ -35,12 +35,12 @@ void summarise(ReplicateGroup& group, const std::vector<CqResult>& wells,
   }
 }
 
-/// The threshold cycles of a sample and detector.
+/// The quantification cycles by sample and detector.
 using CqsBySample = std::map<std::pair<std::string, std::string>, std::vector<double>>;
 
 struct SampleOrder {
   CqsBySample cqs;
-  std::vector<std::pair<std::string, std::string>> order;  // sample, detector
+  std::vector<std::pair<std::string, std::string>> order;  // pairs of sample and detector
 };
 
 SampleOrder collectSamples(const std::vector<CqResult>& wells) {
@@ -78,7 +78,8 @@ std::optional<double> efficiencyOf(const std::vector<DetectorResult>& detectors,
   return detector != nullptr && detector->curve ? detector->curve->efficiency : std::nullopt;
 }
 
-// Pfaffl's ratio: the target's change by its efficiency over the control's by its own.
+// The ratio by Pfaffl: the change of the target, calculated with its efficiency, divided by the
+// change of the control, calculated with its efficiency.
 std::optional<double> correctedRatio(const std::vector<DetectorResult>& detectors,
                                      const Reference& reference, const RelativeQuantity& sample,
                                      const RelativeQuantity& calibrator) {

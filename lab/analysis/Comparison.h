@@ -5,22 +5,22 @@
 
 #include "lab/analysis/Cq.h"
 
-/// What is compared between wells: replicates, and samples with each other.
+/// Comparisons between wells: replicates, and samples with each other.
 namespace vex2::lab {
 
-/// The replicate groups of all wells that have a sample, in the order of their first wells.
-/// `detectors` have the standard curves.
+/// The replicate groups of all wells with a sample, in the order of their first wells. `detectors`
+/// have the standard curves.
 std::vector<ReplicateGroup> ReplicatesOf(const std::vector<CqResult>& wells,
                                          const std::vector<DetectorResult>& detectors);
 
-/// The samples that relative quantities refer to, as the document names them.
+/// The names of the sample and the detector to which relative quantities refer.
 struct Reference {
-  std::string calibrator;         ///< a sample
-  std::string endogenousControl;  ///< a detector
+  std::string calibrator;         ///< name of a sample
+  std::string endogenousControl;  ///< name of a detector
 };
 
-/// The relative quantities of all targets but the control. Nothing without a control; without
-/// the calibrator there are ΔCq alone.
+/// The relative quantities of all targets except the control. Empty if there is no control. Without
+/// a calibrator, each has only its ΔCq.
 std::vector<RelativeQuantity> RelativeQuantitiesOf(const std::vector<CqResult>& wells,
                                                    const std::vector<DetectorResult>& detectors,
                                                    const Reference& reference);

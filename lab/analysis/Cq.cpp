@@ -168,7 +168,8 @@ CqAnalysis AnalyseCurves(std::vector<AmplificationCurve> curves,
   requireBaseline(options, curves);
   const DetectorsByName known = byName(detectors);
   std::vector<CurveCase> cases = casesOf(std::move(curves), known, options);
-  // Only now: a rise is judged by all the curves of its channel.
+  // Keep the other detectors until here, since a rise is judged by the highest curve of its
+  // channel.
   KeepDetector(cases, options.detector,
                [](const CurveCase& each) -> const AnalysedWell& { return each.curve.well; });
   CqAnalysis analysis;

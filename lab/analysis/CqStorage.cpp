@@ -16,7 +16,7 @@ std::string stored(const std::string& text) {
   return ToLatin1(text).value_or(text);
 }
 
-// The plate's name as the manager takes it: null for the document itself.
+// The plate's name as the manager expects it: null for the document itself.
 const char* orNull(const std::string& plate) {
   return plate.empty() ? nullptr : plate.c_str();
 }

@@ -12,28 +12,28 @@ namespace vex2::lab {
 
 namespace {
 
-constexpr double kLeastRise = 0.05;  // of the highest curve of the channel
+constexpr double kLeastRise = 0.05;  // fraction of the highest curve of the channel
 constexpr double kLeastRiseInNoise = 10;
-constexpr std::size_t kFirstSettled = 2;  // the third cycle
+constexpr std::size_t kFirstSettled = 2;  // index of the third cycle
 
-// A level that no single reading decides.
+// The level at the end of the curve. It is a median, so that a single reading does not decide.
 double finalLevel(const CurveShape& shape) {
   constexpr std::ptrdiff_t kCycles = 3;
   return Median({shape.corrected.end() - kCycles, shape.corrected.end()});
 }
 
-// Whether a baseline that was found is so early that it may hold product.
+// Whether the baseline was found automatically and is so early that it may contain product.
 bool overlapsRise(const CurveShape& shape) {
   constexpr double kLastOverlapping = 10;  // an index: take-off before the eleventh cycle
   return !shape.isBaselineSet && shape.takeOff < kLastOverlapping;
 }
 
-// Whether somebody has set a baseline that holds the take-off.
+// Whether a baseline was set that contains the take-off.
 bool isBaselineInRise(const CurveShape& shape) {
   return shape.isBaselineSet && shape.baselineCycles.last >= shape.CycleAt(shape.takeOff);
 }
 
-// How far the readings rise from the third cycle to the level at the end.
+// The rise of the readings from the third cycle to the level at the end.
 double riseOf(const CurveShape& shape) {
   return Median({shape.readings.end() - 3, shape.readings.end()}) - shape.readings[kFirstSettled];
 }
@@ -42,15 +42,15 @@ bool isRise(const CurveShape& shape, double rise, double leastRise) {
   return rise > 0 && rise >= leastRise && rise >= kLeastRiseInNoise * shape.readingNoise;
 }
 
-// Whether the curve has risen for the most part before a baseline can be found.
+// Whether most of the rise is over before a baseline can be found.
 bool risesAtOnce(const CurveShape& shape, double leastRise) {
-  constexpr std::size_t kHalfRisen = 9;  // the tenth cycle
+  constexpr std::size_t kHalfRisen = 9;  // index of the tenth cycle
   const double rise = riseOf(shape);
   return !shape.isBaselineSet && isRise(shape, rise, leastRise) &&
          shape.readings[kHalfRisen] - shape.readings[kFirstSettled] >= rise / 2;
 }
 
-// What the second derivative says, where it says anything.
+// The maximum of the second derivative in cycles; nothing if it is at an end of the curve.
 std::optional<double> takeOffCycle(const CurveShape& shape) {
   if (shape.isStillRising || shape.isRisingFirst) return std::nullopt;
   return shape.CycleAt(shape.takeOff);
@@ -76,14 +76,14 @@ std::string baselineInRiseText(const CurveShape& shape) {
          NumberText(shape.baselineCycles.last) + " reaches into the rise";
 }
 
-// A level curve takes off anywhere, so that its baseline does not matter.
+// A curve that does not rise can have its take-off in any cycle, so its baseline gets no note.
 std::string setBaselineNote(const CurveCase& found) {
   const CurveShape& shape = *found.shape;
   const bool isAtFault = isBaselineInRise(shape) && isRise(shape, riseOf(shape), found.leastRise);
   return isAtFault ? "; " + baselineInRiseText(shape) : "";
 }
 
-// Why a curve that did not rise, or was not long enough, has none.
+// The note about a curve that has no quantification cycle because it does not rise or is too short.
 std::string noRiseNote(const CurveCase& found) {
   switch (*found.reason) {
     case NoCq::kNoReadings:
@@ -106,7 +106,7 @@ void addNote(CqResult& result, const std::string& note) {
   result.note += (result.note.empty() ? "" : "; ") + note;
 }
 
-// What to know of a quantification cycle that was found.
+// Adds the warnings about a quantification cycle that was found.
 void addWarnings(const CurveShape& shape, CqMethod method, CqResult& result) {
   if (shape.filled > 0) addNote(result, Counted(shape.filled, "missing reading") + " filled in");
   if (shape.outliers > 0) addNote(result, Counted(shape.outliers, "outlier") + " left out");
@@ -148,7 +148,8 @@ void findTakeOff(const CurveShape& shape, CqResult& result) {
           "late: still accelerating at the end, cycle " + NumberText(shape.cycles.back()));
 }
 
-// Judged by a level that lasts for two cycles, so that no single reading decides.
+// Why the curve does not rise; nothing if it does. The level must be reached in two consecutive
+// cycles, so that a single reading does not decide.
 std::optional<NoCq> whyNoRise(const CurveShape& shape, double leastRise) {
   std::optional<NoCq> reason;
   if (!(shape.lasting > 0) || shape.lasting < leastRise) {
@@ -199,7 +200,7 @@ std::optional<double> SetThresholdOf(const Detector& detector) {
 }
 
 void JudgeRises(std::vector<CurveCase>& cases) {
-  std::map<std::string, double> highest;  // of each channel
+  std::map<std::string, double> highest;  // by channel
   for (const CurveCase& each : cases) {
     if (!each.shape) continue;
     double& level = highest[each.curve.channel];
@@ -225,7 +226,7 @@ std::map<std::string, double> AutomaticThresholds(const std::vector<CurveCase>& 
     auto& kind = IsControl(each.curve.well) ? controlLevels : levels;
     kind[each.curve.well.detector].push_back(level);
   }
-  levels.merge(controlLevels);  // adds those of detectors that have no others
+  levels.merge(controlLevels);  // add the detectors that only controls have
   std::map<std::string, double> thresholds;
   for (auto& [detector, values] : levels) thresholds[detector] = Median(std::move(values));
   return thresholds;

@@ -11,30 +11,32 @@
 
 namespace vex2::lab {
 
-/// A curve in the course of its analysis.
+/// A curve during its analysis.
 struct CurveCase {
   AmplificationCurve curve;
-  std::optional<CurveShape> shape;  ///< nothing with too few cycles
+  std::optional<CurveShape> shape;  ///< nothing if there are too few cycles
   std::optional<NoCq> reason;       ///< why the curve does not rise
-  double leastRise = 0;             ///< the amplitude that it would have needed, where it is known
+  double leastRise = 0;             ///< the amplitude that would count as a rise, if it is known
 
   bool Rises() const { return shape && !reason; }
 };
 
-/// What is set for a detector. A document does not distinguish the values of a new detector from
-/// the same values that a user chose, so those count as not set.
+/// The baseline that is set for a detector; nothing if none is set. If the values are those of a
+/// new detector, they count as not set: a document does not show whether a user set the same
+/// values.
 std::optional<CycleRange> SetBaselineOf(const Detector& detector);
-/// As for the baseline; a threshold that is not above 0 is not used.
+/// The threshold that is set for a detector; nothing if none is set, or if it is not above 0. The
+/// value of a new detector counts as not set.
 std::optional<double> SetThresholdOf(const Detector& detector);
 
-/// Sets `reason` of each curve that does not rise; all of them together, because a rise is judged
-/// by the highest curve of its channel.
+/// Sets `reason` for each curve that does not rise. It needs all curves at once, because a rise is
+/// judged by the highest curve of its channel.
 void JudgeRises(std::vector<CurveCase>& cases);
 
-/// The automatic threshold of each detector that has a curve which rises.
+/// The automatic threshold of each detector that has a rising curve.
 std::map<std::string, double> AutomaticThresholds(const std::vector<CurveCase>& cases);
 
-/// What is found of the curve. `threshold` is its detector's.
+/// The result for a curve. `threshold` is that of its detector.
 CqResult ResultOf(CurveCase&& found, CqMethod method, const std::optional<double>& threshold);
 
 }  // namespace vex2::lab

@@ -10,15 +10,16 @@ namespace vex2::lab {
 
 namespace {
 
-constexpr std::size_t kHalfWindow = 2;        // of the smoothing: five readings
-constexpr std::size_t kFirstTakeOff = 4;      // the fifth cycle; those before settle
-constexpr std::size_t kBaselineBegin = 2;     // the third cycle
-constexpr std::size_t kCyclesBeforeRise = 8;  // left out between baseline and take-off
+constexpr std::size_t kHalfWindow = 2;  // the smoothing uses five readings
+// Index of the fifth cycle; earlier readings may still settle.
+constexpr std::size_t kFirstTakeOff = 4;
+constexpr std::size_t kBaselineBegin = 2;     // index of the third cycle
+constexpr std::size_t kCyclesBeforeRise = 8;  // cycles left out between baseline and take-off
 constexpr std::size_t kFewestInBaseline = 3;
 constexpr double kOutlierInNoise = 10;
-constexpr double kOutlier = 0.05;  // of the range of the readings
+constexpr double kOutlier = 0.05;  // fraction of the range of the readings
 
-// How far cycles lie apart: 1, or 2 where only every other cycle is read.
+// The distance of adjacent cycles: 1, or 2 if only every other cycle is read.
 double usualStep(const std::vector<double>& cycles) {
   std::vector<double> steps;
   for (std::size_t i = 1; i < cycles.size(); ++i) steps.push_back(cycles[i] - cycles[i - 1]);
@@ -26,7 +27,7 @@ double usualStep(const std::vector<double>& cycles) {
 }
 
 std::size_t cyclesBetween(double before, double after, double step) {
-  constexpr double kMost = 1e6;  // more than the cycles that a document can number
+  constexpr double kMost = 1e6;  // more than the number of cycles that a document can hold
   const double steps = std::round((after - before) / step);
   return steps > 1 ? static_cast<std::size_t>(std::min(steps, kMost)) - 1 : 0;
 }
@@ -39,8 +40,9 @@ std::vector<std::size_t> measuredIn(const AmplificationCurve& curve) {
   return measured;
 }
 
-// From second differences, which neither a slope nor a bend nor a few outliers change much. Their
-// variance is six times that of a reading; 1.4826 times the median is the deviation.
+// The noise of a reading, estimated from the second differences of the readings. A slope, a bend or
+// a few outliers hardly change these. The variance of a second difference is six times that of a
+// reading, and 1.4826 times the median size is the standard deviation.
 double noiseOf(std::span<const double> y) {
   std::vector<double> bends;
   for (std::size_t i = 2; i < y.size(); ++i) {
@@ -49,8 +51,9 @@ double noiseOf(std::span<const double> y) {
   return bends.empty() ? 0 : 1.4826 / std::sqrt(6.0) * Median(std::move(bends));
 }
 
-// Whether the reading lies outside of at least three of its four neighbours, by more than `limit`
-// and than these differ. Readings that only rise or only fall never do.
+// Whether the reading is above or below at least three of its four neighbours by more than `limit`,
+// and by more than these three differ. If readings only rise or only fall, none of them is an
+// outlier.
 bool isOutlier(std::span<const double> y, std::size_t i, double limit) {
   constexpr std::size_t kWindow = 5;
   const std::size_t first = std::min(i - std::min<std::size_t>(i, 2), y.size() - kWindow);
@@ -62,12 +65,13 @@ bool isOutlier(std::span<const double> y, std::size_t i, double limit) {
   const bool isInMiddle = first + 2 == i;
   const double above = y[i] - beside[2];
   const double below = beside[1] - y[i];
-  // At an end a rise looks like a reading that is too high, but not like one that is too low.
+  // Near an end, the beginning or end of a rise may look like a reading that is too high, but not
+  // like one that is too low.
   return (isInMiddle && above > limit && above > beside[2] - beside[0]) ||
          (below > limit && below > beside[3] - beside[1]);
 }
 
-// Takes the outliers out of `measured`.
+// Removes the outliers from `measured`.
 void dropOutliers(const AmplificationCurve& curve, std::vector<std::size_t>& measured,
                   CurveShape& shape) {
   std::vector<double> y;
@@ -85,8 +89,8 @@ void dropOutliers(const AmplificationCurve& curve, std::vector<std::size_t>& mea
   measured = std::move(kept);
 }
 
-// Puts the readings on an axis without gaps. Those that are missing at either end are left out, and
-// those between others lie on straight lines. Marks in the result what was filled in.
+// Puts the readings on an axis without gaps. Leaves out missing readings at either end, and fills
+// in those between others on straight lines. Returns which ones were filled in.
 std::vector<bool> fill(const AmplificationCurve& curve, CurveShape& shape) {
   std::vector<std::size_t> measured = measuredIn(curve);
   dropOutliers(curve, measured, shape);
@@ -115,7 +119,8 @@ std::vector<bool> fill(const AmplificationCurve& curve, CurveShape& shape) {
   return isFilled;
 }
 
-// The second derivative of the parabola through five readings: Savitzky and Golay's weights.
+// The second derivative of the parabola through five readings, with the weights of Savitzky and
+// Golay.
 double secondDerivative(std::span<const double> y, std::size_t i) {
   return (2 * y[i - 2] - y[i - 1] - 2 * y[i] - y[i + 1] + 2 * y[i + 2]) / 7;
 }
@@ -137,14 +142,14 @@ void findTakeOff(CurveShape& shape) {
   if (bend < 0) shape.takeOff += std::clamp((before - after) / (2 * bend), -0.5, 0.5);
 }
 
-// Fits the baseline to the readings from index `first` to before `end`.
+// Fits the baseline to the readings with the indexes from `first` to below `end`.
 void fitBaseline(CurveShape& shape, std::size_t first, std::size_t end) {
   const auto x = std::span(shape.cycles).subspan(first, end - first);
   const auto y = std::span(shape.readings).subspan(first, end - first);
   shape.baselineCycles = {x.front(), x.back()};
   const auto fit = x.size() >= kFewestForLine ? FitLine(x, y) : std::nullopt;
   shape.baseline = fit ? fit->line : Line{.intercept = Mean(y), .slope = 0};
-  // A few readings can lie close together by chance.
+  // A few readings can be close together by chance, so take at least the noise of the whole curve.
   shape.noise =
       fit ? fit->residualDeviation : std::max(Deviation(y).value_or(0), shape.readingNoise);
   shape.corrected.resize(shape.readings.size());
@@ -219,7 +224,7 @@ std::size_t MissingCycles(const std::vector<double>& cycles) {
 
 std::optional<CurveShape> ShapeOf(const AmplificationCurve& curve,
                                   const std::optional<CycleRange>& baseline) {
-  // A damaged or hostile document can leave out any number of cycles.
+  // In a damaged or malicious document, any number of cycles can be missing.
   if (MissingCycles(curve.cycles) > curve.cycles.size()) return std::nullopt;
   CurveShape shape;
   const std::vector<bool> isFilled = fill(curve, shape);
@@ -252,7 +257,8 @@ std::optional<double> CrossingOf(const CurveShape& shape, double threshold) {
   if (after == 0) return std::nullopt;
   const double low = shape.corrected[after - 1];
   const double high = shape.corrected[after];
-  // Where noise takes the reading before to 0 or below, there is no logarithm of it.
+  // Noise may make the earlier reading 0 or negative. Then it has no logarithm, so interpolate
+  // linearly.
   const double part =
       low > 0 ? std::log(threshold / low) / std::log(high / low) : (threshold - low) / (high - low);
   return shape.CycleAt(static_cast<double>(after - 1) + part);

@@ -14,18 +14,19 @@ namespace vex2::lab {
 namespace {
 
 constexpr std::size_t kFewestTemperatures = 5;
-constexpr double kLeastOfWell = 0.1;      // of the largest prominence in the well
-constexpr double kLeastOfChannel = 0.05;  // of the largest in the channel
+constexpr double kLeastOfWell = 0.1;      // fraction of the largest prominence in the well
+constexpr double kLeastOfChannel = 0.05;  // fraction of the largest prominence in the channel
 constexpr double kLeastInNoise = 5;
 
-/// A curve, and what its peaks are measured by.
+/// A curve, and the values by which its peaks are judged.
 struct MeltCase {
   MeltCurve curve;
   double noise = 0;
-  double largest = 0;  ///< prominence
+  double largest = 0;  ///< largest prominence
 };
 
-// Adds the readings in the order of their temperatures; those at one temperature as their mean.
+// Adds the readings sorted by temperature. Several readings at one temperature are replaced by
+// their mean.
 void addReadings(const std::vector<double>& temperatures, const std::vector<double>& readings,
                  MeltCurve& curve) {
   std::map<double, std::vector<double>> sorted;
@@ -69,12 +70,12 @@ std::vector<MeltCurve> analyse(const std::string& path, std::vector<MeltCase> ca
                 "cannot determine melting curves: the melting stage has fewer than five "
                 "temperatures with readings");
   }
-  std::map<std::string, double> largest;  // of each channel
+  std::map<std::string, double> largest;  // by channel
   for (MeltCase& melt : cases) {
     findPeaks(melt);
     largest[melt.curve.channel] = std::max(largest[melt.curve.channel], melt.largest);
   }
-  // Only now: a peak is judged by all the curves of its channel.
+  // Keep the other detectors until here, since a peak is judged by the largest peak of its channel.
   KeepDetector(cases, detector,
                [](const MeltCase& melt) -> const AnalysedWell& { return melt.curve.well; });
   std::vector<MeltCurve> curves;

@@ -12,12 +12,13 @@
 
 namespace vex2::lab {
 
-/// A product that comes apart around one temperature.
+/// A product that melts around one temperature.
 struct MeltPeak {
-  double temperature = 0;  ///< of the maximum of -dF/dT, degrees Celsius
-  double height = 0;       ///< -dF/dT there, fluorescence per degree
-  /// The full width at half the prominence, degrees. The prominence is the height above the higher
-  /// of the lowest points on both sides, each up to the next higher peak.
+  double temperature = 0;  ///< temperature of the maximum of -dF/dT, degrees Celsius
+  double height = 0;       ///< -dF/dT at the maximum, fluorescence per degree
+  /// The full width at half the prominence, in degrees. The prominence is the height above a base.
+  /// On each side of the peak, take the lowest value before the next higher peak; the base is the
+  /// higher one of these two.
   double width = 0;
   double prominence = 0;  ///< fluorescence per degree
 
@@ -27,32 +28,32 @@ struct MeltPeak {
 
 /// The melting stage of one well and detector.
 struct MeltCurve {
-  AnalysedWell well;                 ///< whose readings these are
-  std::string channel;               ///< that was read; empty for the one without a name
+  AnalysedWell well;    ///< the well with these readings
+  std::string channel;  ///< name of the channel; empty for a single channel without a name
   std::vector<double> temperatures;  ///< ascending, degrees Celsius
   std::vector<double> readings;      ///< one for each temperature, in real units
   std::vector<double> derivative;    ///< -dF/dT of the smoothed readings, per degree
-  std::vector<MeltPeak> peaks;       ///< ascending by temperature; none where nothing melts
+  std::vector<MeltPeak> peaks;       ///< ascending by temperature; empty if nothing melts
 };
 
-/// How far around a temperature the smoothing looks to each side, degrees.
+/// The smoothing uses the readings up to this distance on both sides of a temperature, in degrees.
 inline constexpr double kMeltWindow = 1.0;
 
 /// The melting curves of `run` and their peaks, in the order of `AmplificationCurvesOf`; in a study
 /// plate by plate.
 ///
-/// The derivative at a temperature is the slope of a parabola fitted by least squares to the
-/// readings within `kMeltWindow` degrees, or to the nearest five where those are fewer (Savitzky
-/// and Golay 1964, Anal. Chem. 36:1627, for any distances). A peak is a local maximum whose
-/// prominence is at least 10 % of the largest in the well, 5 % of the largest in the channel,
+/// The derivative at a temperature is the slope of a parabola that is fitted by least squares to
+/// the readings within `kMeltWindow` degrees, or to the nearest five readings if these are fewer
+/// (Savitzky and Golay 1964, Anal. Chem. 36:1627, for any distances). A peak is a local maximum
+/// whose prominence is at least 10 % of the largest in the well, 5 % of the largest in the channel,
 /// and 5 times the noise of the derivative. (Ririe, Rasmussen and Wittwer 1997, "Product
 /// differentiation by analysis of DNA melting curves during the polymerase chain reaction", Anal.
 /// Biochem. 245:154.)
 ///
-/// `detector` is the only one to be analysed; all where it is nothing. Throws `Error` of class
-/// `kDocument` when there is no melting stage with at least five temperatures whose readings'
-/// meaning is known, of class `kUsage` for a detector that the run does not have, and as
-/// `RunReader::Readings` does.
+/// If `detector` is given, only its curves are returned. Throws `Error` of class `kDocument` if
+/// there is no melting stage with at least five temperatures whose readings have a known meaning,
+/// and of class `kUsage` for a detector that the run does not have. Also throws the errors of
+/// `RunReader::Readings`.
 VEX2_API std::vector<MeltCurve> AnalyseMelt(const RunReader& run,
                                             const std::optional<std::string>& detector = {});
 /// Finds the melting peaks of one plate from `readings`, the readings of `run`, which the caller

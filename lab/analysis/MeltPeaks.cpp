@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::size_t kFewestInWindow = 5;
 
-/// Neighbouring readings: indexes from `first` to before `end`.
+/// Adjacent readings, with the indexes from `first` to below `end`.
 struct Window {
   std::size_t first = 0;
   std::size_t end = 0;
@@ -40,7 +40,7 @@ Window windowAround(std::span<const double> temperatures, std::size_t center) {
   }
 }
 
-/// A parabola through readings, about the middle of the window.
+/// A parabola that is fitted to readings; its origin is the middle of the window.
 struct Parabola {
   double level = 0;
   double slope = 0;
@@ -89,8 +89,8 @@ Parabola fitParabola(std::span<const double> temperatures, std::span<const doubl
   return parabola;
 }
 
-// How far the derivative falls from the peak before it is higher again, on one side: the lowest
-// value on the way. `step` is 1 or -1.
+// The lowest value of the derivative on one side of the peak, up to where it is higher than the
+// peak again. `step` is 1 or -1.
 double lowestBeside(std::span<const double> values, std::size_t peak, int step) {
   double lowest = values[peak];
   for (auto i = static_cast<std::ptrdiff_t>(peak) + step;
@@ -102,7 +102,7 @@ double lowestBeside(std::span<const double> values, std::size_t peak, int step) 
   return lowest;
 }
 
-// The temperature beside the peak at which the derivative has fallen to `level`.
+// The temperature on one side of the peak at which the derivative has fallen to `level`.
 double fallTo(std::span<const double> temperatures, std::span<const double> values,
               std::size_t peak, double level, int step) {
   std::size_t above = peak;
@@ -118,7 +118,7 @@ double fallTo(std::span<const double> temperatures, std::span<const double> valu
   }
 }
 
-// Puts the peak at the top of the parabola through its largest value and both neighbours.
+// Moves the peak to the top of the parabola through its largest value and both neighbours.
 void placeTop(std::span<const double> temperatures, std::span<const double> values,
               std::size_t index, MeltPeak& peak) {
   const double left = temperatures[index - 1] - temperatures[index];

@@ -7,13 +7,13 @@
 
 namespace vex2::lab {
 
-/// -dF/dT of readings at ascending temperatures, and how far it is from certain.
+/// The derivative -dF/dT of readings at ascending temperatures, and its uncertainty.
 struct MeltDerivative {
   std::vector<double> values;  ///< one for each temperature
-  double noise = 0;            ///< standard error of a value, from the scatter of the readings
+  double noise = 0;            ///< standard error of a value, from the deviation of the readings
 };
 
-/// At least five different temperatures.
+/// The derivative of the readings. There must be at least five temperatures, all different.
 MeltDerivative DerivativeOf(std::span<const double> temperatures, std::span<const double> readings);
 
 /// All local maxima, whatever their prominence, ascending by temperature.

@@ -21,7 +21,7 @@ std::string DecimalsText(double number, int decimals) {
 
 std::string MeasuredText(double number) {
   constexpr int kDigits = 6;
-  constexpr int kMostDecimals = 330;  // of the smallest number above 0
+  constexpr int kMostDecimals = 330;  // enough for the smallest number above 0
   if (number == 0 || !std::isfinite(number)) return DecimalsText(number, 0);
   const int magnitude = static_cast<int>(std::floor(std::log10(std::fabs(number))));
   return DecimalsText(number, std::clamp(kDigits - 1 - magnitude, kDigits, kMostDecimals));

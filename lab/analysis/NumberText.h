@@ -7,8 +7,8 @@ namespace vex2::lab {
 /// The number with three digits, without exponent, for sentences: "0.0123", "25.4", "1230".
 std::string NumberText(double number);
 
-/// The number with six decimals, or with six digits where these are more, without
-/// trailing zeros and without exponent, for programs: small numbers must not become 0.
+/// The number for output that programs read, without trailing zeros and without exponent. It has
+/// six decimals, and small numbers have more, so that they keep six digits and do not become 0.
 std::string MeasuredText(double number);
 
 /// The number with at most `decimals` decimals, without trailing zeros and without exponent.

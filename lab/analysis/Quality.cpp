@@ -16,8 +16,8 @@ namespace vex2::lab {
 
 namespace {
 
-constexpr double kReplicateLimit = 0.5;  // cycles
-constexpr double kDriftLimit = 0.2;      // of the amplitude
+constexpr double kReplicateLimit = 0.5;  // in cycles
+constexpr double kDriftLimit = 0.2;      // fraction of the amplitude
 constexpr std::size_t kLevelReadings = 3;
 constexpr std::size_t kMostListed = 8;
 
@@ -37,7 +37,7 @@ QualityFinding findingAt(QualityProblem problem, const AnalysedWell& well, std::
           .text = placeOf(well) + ": " + std::move(text)};
 }
 
-// "A1", "A1, A2 and 7 more": the first of `count` names.
+// The first of `count` names as a list: "A1", "A1, A2 and 7 more".
 std::string listOf(const std::vector<std::string>& names, std::size_t count) {
   std::string list;
   const std::size_t shown = std::min(names.size(), kMostListed);
@@ -47,7 +47,7 @@ std::string listOf(const std::vector<std::string>& names, std::size_t count) {
 
 // --- Replicates ---
 
-// The replicates of a well that have a Cq: "its replicate A1", "its replicates A1, A3".
+// The replicates of a well that have a Cq, as text: "its replicate A1", "its replicates A1, A3".
 std::string othersOf(const ReplicateGroup& group, const std::vector<CqResult>& wells,
                      std::size_t except) {
   std::vector<std::string> names;
@@ -59,14 +59,15 @@ std::string othersOf(const ReplicateGroup& group, const std::vector<CqResult>& w
   return (count == 1 ? "its replicate " : "its replicates ") + listOf(names, count);
 }
 
-// The median of `sorted` without the value at `index`, of at least two.
+// The median of `sorted` without the value at `index`. `sorted` must have at least two values.
 double medianWithout(const std::vector<double>& sorted, std::size_t index) {
   const auto at = [&](std::size_t i) { return sorted[i < index ? i : i + 1]; };
   const std::size_t count = sorted.size() - 1;
   return count % 2 == 1 ? at(count / 2) : (at(count / 2 - 1) + at(count / 2)) / 2;
 }
 
-// The well that lies farthest from the median of the others; of two, the later one.
+// Adds a finding about the well that is farthest from the median of the others. If two are equally
+// far, about the later one.
 void findDifference(const ReplicateGroup& group, const std::vector<CqResult>& wells,
                     std::vector<QualityFinding>& findings) {
   std::vector<double> sorted;
@@ -120,7 +121,7 @@ void findReplicateProblems(const CqAnalysis& analysis, std::vector<QualityFindin
 
 // --- Controls ---
 
-// The latest Cq of the detector in wells with template.
+// The latest Cq of each detector in wells with a template.
 std::map<std::string, double> latestSamples(const std::vector<CqResult>& wells) {
   std::map<std::string, double> latest;
   for (const CqResult& each : wells) {
@@ -148,7 +149,8 @@ void findRisingControls(const std::vector<CqResult>& wells, std::vector<QualityF
 
 // --- Readings ---
 
-// Whether the curve stays at its largest reading, which is also the channel's.
+// Whether some consecutive readings of the curve are all equal to `limit`, the largest reading of
+// the channel.
 bool isLevelAt(const AmplificationCurve& curve, double limit) {
   std::size_t level = 0;
   for (const double reading : curve.readings) {

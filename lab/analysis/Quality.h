@@ -8,28 +8,28 @@
 
 namespace vex2::lab {
 
-/// What a person should look at before using the results.
+/// The kinds of problems that the user should look at before using the results.
 enum class QualityProblem {
-  kReplicateDiffers,  ///< a well lies more than half a cycle beside its replicates
+  kReplicateDiffers,  ///< a well differs from its replicates by more than half a cycle
   kControlRises,      ///< a no-template control has a quantification cycle
   kSaturated,         ///< readings are at a limit of the document or of the instrument
-  kDriftingBaseline,  ///< the baseline rises or falls by a large part of the curve
+  kDriftingBaseline,  ///< over the run, the baseline rises or falls by a large part of the curve
   kMissingReadings,   ///< readings of a well are missing
   kIncompletePlate,   ///< wells of the setup were not measured, or the run is not complete
-  kOutlier,           ///< readings far beside their neighbours were left out
+  kOutlier,           ///< readings that differ much from their neighbours were left out
 };
 
-/// A finding, and the wells that it is about.
+/// A problem, and the wells with it.
 struct QualityFinding {
-  QualityProblem problem = QualityProblem::kReplicateDiffers;  ///< what kind it is
-  std::string plate;                                           ///< in a study
-  std::vector<std::string> wells;  ///< names; empty where it is about the whole plate
-  std::string detector;            ///< empty where it is about all of them
-  std::string text;                ///< one sentence for people, with the numbers
+  QualityProblem problem = QualityProblem::kReplicateDiffers;  ///< the kind of problem
+  std::string plate;                                           ///< name of the plate in a study
+  std::vector<std::string> wells;  ///< names of the wells; empty for the whole plate
+  std::string detector;            ///< empty for all detectors
+  std::string text;                ///< one sentence for the user, with the numbers
 };
 
-/// "replicate differs", "control rises", "saturated", "drifting baseline", "missing readings",
-/// "incomplete plate" or "outlier reading".
+/// The name of a problem: "replicate differs", "control rises", "saturated", "drifting baseline",
+/// "missing readings", "incomplete plate" or "outlier reading".
 VEX2_API std::string_view NameOf(QualityProblem problem);
 
 }  // namespace vex2::lab

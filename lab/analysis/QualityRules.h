@@ -7,10 +7,10 @@
 
 namespace vex2::lab {
 
-/// What is to be looked at in the results, by kinds of problems.
+/// The problems in the results of an analysis, sorted by kind.
 std::vector<QualityFinding> FindProblems(const CqAnalysis& analysis);
 
-/// What was not measured of a plate, which is called `name` in a study.
+/// Findings about what was not measured of a plate; `name` is its name in a study.
 std::vector<QualityFinding> FindMissingParts(const RunReader& run, const std::string& name);
 
 }  // namespace vex2::lab

@@ -10,38 +10,42 @@
 
 namespace vex2::lab {
 
-/// Wells with the same sample, detector, task and quantity; in a study also those of other plates.
+/// Wells with the same sample, detector, task and quantity. In a study, these may be wells of
+/// different plates.
 struct ReplicateGroup {
-  std::string sample;               ///< of all its wells; not empty
-  std::string detector;             ///< of all its wells
-  std::string task;                 ///< of all its wells
-  std::optional<double> quantity;   ///< as the document gives it
-  std::vector<std::size_t> wells;   ///< indexes in `CqAnalysis::wells`, from 0
-  std::size_t withCq = 0;           ///< how many of them have a quantification cycle
-  std::optional<double> meanCq;     ///< of those
-  std::optional<double> deviation;  ///< standard deviation of those, of at least two
-  /// From the standard curve and the mean, of wells that are no standards and no controls.
+  std::string sample;              ///< sample of all its wells; not empty
+  std::string detector;            ///< detector of all its wells
+  std::string task;                ///< task of all its wells
+  std::optional<double> quantity;  ///< quantity in the document
+  std::vector<std::size_t> wells;  ///< indexes in `CqAnalysis::wells`, from 0
+  std::size_t withCq = 0;          ///< number of the wells with a quantification cycle
+  std::optional<double> meanCq;    ///< mean of these cycles
+  /// Standard deviation of these cycles; nothing for fewer than two.
+  std::optional<double> deviation;
+  /// The quantity for the mean cycle by the standard curve; nothing for standards and controls.
   std::optional<QuantityEstimate> estimate;
 };
 
-/// How much of a target a sample holds, compared with the calibrator: both in proportion to the
-/// endogenous control in the same sample.
+/// The amount of a target in a sample relative to the calibrator. Both amounts are divided by that
+/// of the endogenous control in the same sample.
 ///
 /// References: Livak and Schmittgen 2001, "Analysis of relative gene expression data using
 /// real-time quantitative PCR and the 2^(-ΔΔCT) method", Methods 25:402; Pfaffl 2001, "A new
 /// mathematical model for relative quantification in real-time RT-PCR", Nucleic Acids Res. 29:e45.
 struct RelativeQuantity {
-  std::string sample;                  ///< compared with the calibrator
-  std::string detector;                ///< of the target
-  double meanCq = 0;                   ///< of the target in the sample
-  double controlCq = 0;                ///< mean of the endogenous control in the sample
-  double deltaCq = 0;                  ///< `meanCq` less `controlCq`
-  std::optional<double> deviation;     ///< of `deltaCq`, from those of both means' wells
-  std::optional<double> deltaDeltaCq;  ///< `deltaCq` less that of the calibrator
+  std::string sample;    ///< the sample that is compared with the calibrator
+  std::string detector;  ///< detector of the target
+  double meanCq = 0;     ///< mean of the target in the sample
+  double controlCq = 0;  ///< mean of the endogenous control in the sample
+  double deltaCq = 0;    ///< `meanCq` minus `controlCq`
+  /// Standard deviation of `deltaCq`, from those of the cycles of the target and the control.
+  std::optional<double> deviation;
+  std::optional<double> deltaDeltaCq;  ///< `deltaCq` minus the one of the calibrator
   std::optional<double> ratio;         ///< 2^(-ΔΔCq)
   std::optional<double> ratioLow;      ///< 2^(-(ΔΔCq + deviation))
   std::optional<double> ratioHigh;     ///< 2^(-(ΔΔCq - deviation))
-  /// With the efficiencies of both detectors in place of 2, where both have a standard curve.
+  /// The ratio, calculated with the efficiencies of both detectors in place of 2; nothing unless
+  /// both have a standard curve.
   std::optional<double> correctedRatio;
 };
 

@@ -16,7 +16,7 @@ namespace {
   throw Error(ErrorCode::kDocument, path, "cannot determine " + what + ": " + why);
 }
 
-// What a frame of the stage stands for; NaN where nobody says.
+// The cycle or the temperature of a frame; NaN if it is not known.
 double axisValue(const FramePosition& position) {
   if (position.stage == Stage::kMelting) {
     return position.temperature.value_or(std::numeric_limits<double>::quiet_NaN());
@@ -24,7 +24,8 @@ double axisValue(const FramePosition& position) {
   return position.cycle.value_or(0);
 }
 
-// A program may repeat its stage, so that its cycles begin anew; then frames are counted.
+// Replaces the cycles by counting frames if they are not ascending: a program that repeats its
+// amplification stage begins its cycles again.
 void countCycles(std::vector<double>& cycles) {
   if (std::is_sorted(cycles.begin(), cycles.end(), std::less_equal<>())) return;
   std::iota(cycles.begin(), cycles.end(), 1.0);
@@ -56,7 +57,7 @@ AnalysedSource sourceOf(const Well& well, const Target& target) {
   return source;
 }
 
-// Every well with readings, through every channel.
+// One source for every well with readings and every channel.
 std::vector<AnalysedSource> sourcesWithoutSetup(const RunReader& run, const Readings& readings,
                                                 const std::vector<std::string>& channels) {
   std::vector<AnalysedSource> sources;
@@ -76,7 +77,7 @@ std::vector<AnalysedSource> sourcesWithoutSetup(const RunReader& run, const Read
   return sources;
 }
 
-// The well index of each well number.
+// The well index for each well number.
 std::vector<std::optional<std::size_t>> indexesOf(const Readings& readings) {
   std::vector<std::optional<std::size_t>> indexes(std::numeric_limits<std::uint16_t>::max() + 1U);
   for (std::size_t i = readings.WellCount(); i-- > 0;) indexes[readings.Wells()[i]] = i;

@@ -14,7 +14,7 @@ std::optional<double> efficiencyOf(double slope) {
   return std::pow(10, -1 / slope) - 1;
 }
 
-/// The standards of one quantity.
+/// The standards with the same quantity.
 struct Level {
   std::size_t wells = 0;
   std::vector<double> cqs;
@@ -55,7 +55,7 @@ std::optional<double> limitOfDetection(const std::map<double, Level>& levels) {
 void addEfficiencyInterval(StandardCurve& curve) {
   const double margin =
       curve.studentLimit * curve.residualDeviation / std::sqrt(curve.sumOfSquares);
-  // A slope nearer to 0 stands for a higher efficiency.
+  // A slope nearer to 0 means a higher efficiency.
   curve.efficiencyLow = efficiencyOf(curve.slope - margin);
   curve.efficiencyHigh = efficiencyOf(curve.slope + margin);
 }

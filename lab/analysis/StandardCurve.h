@@ -11,15 +11,15 @@
 
 namespace vex2::lab {
 
-/// The confidence of all intervals of an analysis.
+/// The confidence level of all intervals in an analysis.
 inline constexpr double kConfidence = 0.95;
 
-/// A well of a known quantity, and where its threshold cycle lies beside the line.
+/// A well with a known quantity, and the distance of its quantification cycle from the line.
 struct StandardPoint {
-  AnalysedWell well;         ///< of task STND
+  AnalysedWell well;         ///< a well with the task STND
   double quantity = 0;       ///< above 0
-  std::optional<double> cq;  ///< nothing if the well has none; then it is no part of the fit
-  double residual = 0;       ///< cycles by which `cq` lies above the line
+  std::optional<double> cq;  ///< nothing if the well has none; it is then not part of the fit
+  double residual = 0;       ///< `cq` minus the cycle on the line
 };
 
 /// The line Cq = intercept + slope x log10(quantity) through the standards of a detector, fitted by
@@ -31,45 +31,47 @@ struct StandardPoint {
 /// Analysis", chapter on inverse regression.
 struct StandardCurve {
   std::string detector;  ///< the detector's name
-  double slope = 0;      ///< cycles for ten times the quantity; -3.32 where each cycle doubles
-  double intercept = 0;  ///< the threshold cycle of the quantity 1
-  /// 10^(-1/slope) - 1: 1 where each cycle doubles. Nothing for a line that does not fall.
+  double slope = 0;  ///< cycles for ten times the quantity; -3.32 if each cycle doubles the copies
+  double intercept = 0;  ///< the quantification cycle of the quantity 1
+  /// 10^(-1/slope) - 1, which is 1 if each cycle doubles the copies. Nothing if the line does not
+  /// fall.
   std::optional<double> efficiency;
-  std::optional<double> efficiencyLow;   ///< of the interval of confidence, from that of the slope
-  std::optional<double> efficiencyHigh;  ///< of the same interval
-  double rSquared = 0;                   ///< of the single wells
-  /// Of the line through the mean threshold cycle of each quantity. The single wells also hold what
-  /// differs between samples and replicates.
+  /// Lower end of the confidence interval of the efficiency, calculated from that of the slope.
+  std::optional<double> efficiencyLow;
+  std::optional<double> efficiencyHigh;  ///< upper end of the same interval
+  double rSquared = 0;                   ///< R² of the single wells
+  /// R² of the line through the mean quantification cycles of the quantities. Differences between
+  /// replicates do not affect it.
   double rSquaredOfMeans = 0;
-  double residualDeviation = 0;  ///< of the wells about the line, cycles
-  /// The smallest quantity from which on, upwards, at least 95 % of the standards have a threshold
-  /// cycle. Nothing if not even the largest has. It is no smaller than the smallest standard.
+  double residualDeviation = 0;  ///< standard deviation of the wells from the line, in cycles
+  /// The smallest quantity for which, as for all larger ones, at least 95 % of the standards have a
+  /// quantification cycle. Nothing if there is none.
   std::optional<double> limitOfDetection;
   std::vector<StandardPoint> points;  ///< all standards, in the order of the wells
 
-  std::size_t wells = 0;       ///< in the fit
-  double meanLogQuantity = 0;  ///< of the wells in the fit, base 10
-  double sumOfSquares = 0;     ///< of the distances of log10(quantity) from their mean
+  std::size_t wells = 0;       ///< number of wells in the fit
+  double meanLogQuantity = 0;  ///< mean log10(quantity) of the wells in the fit
+  double sumOfSquares = 0;     ///< sum of the squared distances of log10(quantity) from its mean
   double studentLimit = 0;     ///< t of `kConfidence` at `wells` - 2 degrees of freedom
 };
 
-/// A quantity that was read off a standard curve.
+/// A quantity that was calculated from a standard curve.
 struct QuantityEstimate {
   double quantity = 0;  ///< in the unit of the standards
-  double low = 0;       ///< of the interval of confidence
-  double high = 0;      ///< of the interval of confidence
+  double low = 0;       ///< lower end of the confidence interval
+  double high = 0;      ///< upper end of the confidence interval
 
   /// Whether all fields are equal.
   friend bool operator==(const QuantityEstimate&, const QuantityEstimate&) = default;
 };
 
-/// The curve through `points`, which are of one detector. Returns nothing if fewer than three wells
-/// have a threshold cycle, or if these have fewer than two different quantities.
+/// Fits the curve to `points`, which must be of one detector. Returns nothing if fewer than three
+/// wells have a quantification cycle, or if these have fewer than two different quantities.
 VEX2_API std::optional<StandardCurve> FitStandardCurve(const std::string& detector,
                                                        std::vector<StandardPoint> points);
 
-/// The quantity at the mean threshold cycle `cq` of `replicates` wells. Its interval holds what is
-/// uncertain of the line and of the wells. Returns nothing for a line that does not fall.
+/// The quantity for the mean quantification cycle `cq` of `replicates` wells. Its interval includes
+/// the uncertainty of the line and of the wells. Returns nothing if the line does not fall.
 VEX2_API std::optional<QuantityEstimate> EstimateQuantity(const StandardCurve& curve, double cq,
                                                           std::size_t replicates = 1);
 

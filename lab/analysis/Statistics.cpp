@@ -33,7 +33,8 @@ bool areEqual(std::span<const double> values) {
 }  // namespace
 
 std::optional<LineFit> FitLine(std::span<const double> x, std::span<const double> y) {
-  // Compared by value: the mean of equal numbers can differ from them in the last digit.
+  // Compare the values themselves: the mean of equal numbers can differ from them in the last
+  // digit.
   if (x.size() < 2 || areEqual(x)) return std::nullopt;
   const double meanY = Mean(y);
   LineFit fit;
@@ -83,7 +84,7 @@ double Median(std::vector<double> values) {
 }
 
 double StudentLimit(double probability, std::size_t degreesOfFreedom) {
-  // Beyond this the limit changes by less than any use of it shows.
+  // With more degrees of freedom the limit hardly changes.
   const std::size_t degrees = std::clamp<std::size_t>(degreesOfFreedom, 1, 10'000);
   double low = 0;
   double high = std::numbers::pi / 2;

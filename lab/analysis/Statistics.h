@@ -7,7 +7,7 @@
 
 namespace vex2::lab {
 
-/// y = intercept + slope x.
+/// The line y = intercept + slope x.
 struct Line {
   double intercept = 0;
   double slope = 0;
@@ -15,27 +15,27 @@ struct Line {
   double At(double x) const { return intercept + slope * x; }
 };
 
-/// A line fitted by least squares, and how well.
+/// A line that was fitted by least squares, and the quality of the fit.
 struct LineFit {
   Line line;
-  double rSquared = 0;           ///< 1 where all y are equal
+  double rSquared = 0;           ///< 1 if all y are equal
   double residualDeviation = 0;  ///< with count - 2 degrees of freedom; 0 for two points
   double meanX = 0;
-  double sumOfSquares = 0;  ///< of the distances of x from their mean
+  double sumOfSquares = 0;  ///< sum of the squared distances of x from its mean
 };
 
 /// The line through points (x[i], y[i]). Returns nothing if there are fewer than two different x
 /// values.
 std::optional<LineFit> FitLine(std::span<const double> x, std::span<const double> y);
 
-/// Of at least one value.
+/// The mean of at least one value.
 double Mean(std::span<const double> values);
-/// With count - 1 degrees of freedom; nothing for fewer than two values.
+/// The standard deviation, with count - 1 degrees of freedom; nothing for fewer than two values.
 std::optional<double> Deviation(std::span<const double> values);
-/// The middle one, or the mean of the two in the middle. Of at least one value.
+/// The middle value, or the mean of the two middle values. There must be at least one value.
 double Median(std::vector<double> values);
 
-/// The t that Student's distribution stays within, on both sides of 0, with this probability.
+/// The limit for which |t| of Student's distribution is below it with this probability.
 double StudentLimit(double probability, std::size_t degreesOfFreedom);
 
 }  // namespace vex2::lab

@@ -21,7 +21,7 @@ namespace vex2::lab {
 
 namespace {
 
-// Of these a document has one, and all who look for it take the first.
+// A document has at most one record of each of these kinds, and readers take the first.
 constexpr std::array<std::string_view, 11> kSingle = {
     TagOf(Kind::kGlobal),         TagOf(Kind::kProgram),        TagOf(Kind::kPlateSetup),
     TagOf(Kind::kCalibration),    TagOf(Kind::kRequiredDyes),   TagOf(Kind::kPlates),
@@ -92,7 +92,8 @@ void checkStudy(const Document& document, Findings& findings) {
   }
 }
 
-// Neither consequences nor remedies hold texts of the document, which could look like such a word.
+// Replaces the placeholders by names. Use it only for consequences and remedies: they contain no
+// text of the document, which could look like a placeholder.
 std::string named(std::string text, const OperationNames& names) {
   const std::array<std::pair<std::string_view, const std::string&>, 7> words = {{
       {"{repair}", names.repair},
@@ -111,8 +112,8 @@ std::string named(std::string text, const OperationNames& names) {
   return text;
 }
 
-// Each check advises a repair of what it sees. Where damage elsewhere leaves nothing that a repair
-// would dare to touch, that advice leads nowhere, and what is whole can only be taken elsewhere.
+// Each check advises a repair of the damage that it sees. If PlanRepair finds nothing that can be
+// changed safely because of other damage, replaces this advice by recovering.
 void requireRepairs(const std::string& path, Findings& findings) {
   const auto asksToRepair = [](const Finding& finding) {
     return finding.remedy.find("{repair}") != std::string::npos &&

@@ -11,7 +11,7 @@ std::string_view NameOf(Severity severity) {
   return kNames[static_cast<std::size_t>(severity)];
 }
 
-// A thousand notes do not leave an error out: it goes before them, and the last note goes.
+// If the list is full, drops its last finding, so that notes never displace an error.
 void Findings::Add(Finding finding) {
   ++counts[static_cast<std::size_t>(finding.severity)];
   const auto isBefore = [](const Finding& one, const Finding& other) {

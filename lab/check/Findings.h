@@ -11,44 +11,45 @@
 
 namespace vex2::lab {
 
-/// How much a finding matters, the gravest first.
+/// How much a finding matters, the most severe first.
 enum class Severity : std::uint8_t {
-  kError,    ///< content is lost to readers, or the next write would do harm
-  kWarning,  ///< out of the ordinary, but all of the content is read
-  kNote,     ///< as it should be, and good to know
+  kError,    ///< readers lose content, or the next write would do damage
+  kWarning,  ///< unusual, but readers get the whole content
+  kNote,     ///< in order, and useful to know
 };
 /// The number of severities.
 inline constexpr std::size_t kSeverities = 3;
 
-/// "error", "warning", "note".
+/// The name of a severity: "error", "warning" or "note".
 VEX2_API std::string_view NameOf(Severity severity);
 
-/// Something about a document that its owner should know. Texts are UTF-8.
+/// A fact about a document that its owner should know. Texts are UTF-8.
 struct Finding {
   Severity severity = Severity::kError;  ///< how much it matters
-  std::string record;  ///< tags from the outermost in, "GLBL/VERS"; "header"; "" for no record
+  /// Tags from the outermost list inwards, as "GLBL/VERS"; "header"; "" for no record.
+  std::string record;
   std::uint64_t offset = 0;  ///< bytes from the start of the file
   std::string problem;       ///< what is wrong
   std::string consequence;   ///< what it causes
-  std::string remedy;        ///< empty where there is nothing to do
+  std::string remedy;        ///< what to do; empty if nothing needs to be done
 };
 
-/// What was found in one document. Keeps no more than a person can go through: a file that is all
-/// damage would otherwise need more memory for its findings than for itself.
+/// The findings in one document. Keeps only as many as a person can go through: all findings about
+/// a file that is damaged throughout would take more memory than the file.
 struct Findings {
-  /// The most findings that are kept.
+  /// The largest number of findings that are kept.
   static constexpr std::size_t kMost = 1000;
 
-  /// The first `kMost`: errors, then warnings, then notes, each by offset.
+  /// At most `kMost` findings: errors, then warnings, then notes, each sorted by offset.
   std::vector<Finding> list;
-  /// How many there were of each severity, in the list or not.
+  /// The number of findings of each severity, whether they are in the list or not.
   std::array<std::size_t, kSeverities> counts{};
 
-  /// Counts `finding`, and keeps it unless `kMost` graver or earlier ones are kept.
+  /// Counts `finding`. Keeps it unless the list already has `kMost` findings that sort before it.
   VEX2_API void Add(Finding finding);
-  /// How many there were of a severity, in the list or not.
+  /// The number of findings of a severity, whether they are in the list or not.
   VEX2_API std::size_t Count(Severity severity) const;
-  /// How many are not in the list.
+  /// The number of findings that are not in the list.
   VEX2_API std::size_t LeftOut() const;
 };
 

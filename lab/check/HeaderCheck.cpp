@@ -64,11 +64,12 @@ std::string leadsTo(std::uint32_t position, std::string_view tag) {
   return fmt::format("the header's position of {} is {}", tag, position);
 }
 
-/// Where a position leads, and what stands there.
+/// The records to which an offset in the header leads.
 struct Aim {
   bool isTag = false;
   bool isEnd = false;
-  const PositionedRecord* first = nullptr;  ///< of the kind; null when there is none
+  /// The first record with the tag; null if there is none.
+  const PositionedRecord* first = nullptr;
 };
 
 Aim aimOf(std::uint32_t position, std::string_view tag,
@@ -83,7 +84,8 @@ Aim aimOf(std::uint32_t position, std::string_view tag,
   return aim;
 }
 
-// What a program does that appends to a run, going by a position that is not the tag's.
+// The damage that an instrument would do if it continued the run at this offset, which is not that
+// of the block's tag.
 std::string harmToRun(std::uint32_t position) {
   return position == 0
              ? "an instrument that continues would write a second block, which nothing reads"
@@ -117,7 +119,8 @@ void checkRunningPosition(const HeaderFields& header, const Aim& aim, Findings& 
   const std::uint32_t position = header.rawDataPosition;
   const std::string what = leadsTo(position, TagOf(Kind::kRawData));
   const std::string block = std::to_string(aim.first->offset);
-  // A first commit that was interrupted, or a save of the whole document, leaves it so.
+  // Both offsets are usual: an interrupted first commit leaves 0, and a save of the whole document
+  // stores the end of the block.
   const bool isUsual = position == 0 || aim.isEnd;
   findings.Add(
       {isUsual ? Severity::kWarning : Severity::kError, "header", HeaderLayout::kRawDataOffsetAt,
@@ -129,7 +132,7 @@ void checkRunningPosition(const HeaderFields& header, const Aim& aim, Findings& 
        harmToRun(position), "{repair} makes it lead to the block; {resume} does so, too"});
 }
 
-// Whether bytes behind the last record may be a block that is only not read.
+// Whether the bytes after the last record may be a block that the reader did not recognise.
 bool mayHideBlock(const Document& document) {
   return document.RecordsEnd() + kRecordHeadSize <= document.Size();
 }
@@ -173,7 +176,8 @@ void checkRawData(const HeaderFields& header, const Aim& aim, const Document& do
        kRepairPosition});
 }
 
-// Frames are appended to the file, so that what stands behind the block would part it from them.
+// A commit appends its frame to the end of the file, so records after the block would separate the
+// frame from the block.
 void checkLast(const HeaderFields& header, const Document& document, Findings& findings) {
   const auto& records = document.Records();
   if (!header.IsRunning() || document.IsStudy() || records.empty()) return;
@@ -200,7 +204,7 @@ void CheckHeader(const HeaderFields& header, const std::string& name, std::uint6
 void CheckPositions(const HeaderFields& header, const std::vector<PositionedRecord>& records,
                     const Document& document, Findings& findings) {
   checkProgram(header, aimOf(header.programPosition, TagOf(Kind::kProgram), records), findings);
-  // A block that could not be read to its end is where a position may well lead.
+  // If the reader could not read a block to its end, the offset may lead to that block.
   if (!document.Fault()) {
     checkRawData(header, aimOf(header.rawDataPosition, TagOf(Kind::kRawData), records), document,
                  findings);

@@ -10,12 +10,14 @@
 
 namespace vex2::lab {
 
-/// Adds what is wrong with a header at `offset` but for its positions: the plate and its wells.
+/// Adds what is wrong with the plate and its wells in the header at `offset`. Does not check the
+/// offsets in the header.
 void CheckHeader(const HeaderFields& header, const std::string& name, std::uint64_t offset,
                  Findings& findings);
 
-/// Adds what is wrong with the header's positions, given the records that they can lead to. The
-/// header of a plate in a study has none that mean anything.
+/// Adds what is wrong with the offsets in the document's header. `records` are the records to which
+/// they can lead. Do not call it for the header of a plate in a study, whose offsets have no
+/// meaning.
 void CheckPositions(const HeaderFields& header, const std::vector<PositionedRecord>& records,
                     const Document& document, Findings& findings);
 

@@ -27,14 +27,15 @@ constexpr std::array<std::string_view, 7> kTasks = {"UNKN", "STND", "NTC", "IPC"
                                                     "IPC+", "ENDO", "TRGT"};
 constexpr std::string_view kBlock = TagOf(Kind::kRawData);
 constexpr std::string_view kSetup = TagOf(Kind::kPlateSetup);
-constexpr std::uint16_t kHottest = 12000;  // hundredths of a degree: above, water has boiled off
+// Hundredths of a degree Celsius; water boils off below this.
+constexpr std::uint16_t kHottest = 12000;
 constexpr const char* kSetWells = "{setWells} replaces the setup of the wells";
 
 std::string shown(std::string_view text) {
   return fmt::format("'{}'", Escaped(ToUtf8(text)));
 }
 
-/// Wells that have something in common, to be named in a finding.
+/// Wells that have the same fault, for the text of a finding.
 class WellList {
  public:
   void Add(unsigned well) { wells_.insert(well); }
@@ -56,7 +57,8 @@ class WellList {
   std::set<unsigned> wells_;
 };
 
-/// A kind of fault that a frame may have: how often it was met, and where first.
+/// A fault that frames can have: the number of faulty frames or readings, and the index of the
+/// first faulty frame.
 struct FrameFault {
   std::uint64_t count = 0;
   int first = 0;
@@ -147,7 +149,7 @@ class PlateCheck {
     std::size_t position = 0;
     for (const std::uint16_t well : block_->GetWellNumbers()) {
       const Vex2WellRecord& record = records[position++];
-      if (record == Vex2WellRecord()) continue;  // the well gave nothing
+      if (record == Vex2WellRecord()) continue;  // the well has no reading
       const auto reading = readings.Read(record, static_cast<std::uint64_t>(frame));
       if (!reading) {
         foreign_.Note(frame);

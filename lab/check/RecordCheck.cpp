@@ -31,7 +31,8 @@ bool isFreeInLength(BodyLayout layout) {
 RecordCheck::RecordCheck(const Document& document, const HeaderFields& header, Findings& findings)
     : document_(document), findings_(findings), plate_(header) {}
 
-// A frame that was not committed may look like records.
+// Whether the record begins after the last record of the document. There the walk may take the
+// bytes of an uncommitted frame for records.
 bool RecordCheck::isBehindRecords(const FileRecord& record) const {
   return record.offset >= document_.RecordsEnd();
 }
@@ -92,7 +93,8 @@ std::string RecordCheck::NameAt(std::uint64_t offset) const {
   for (std::size_t i = 0; i < levels_.size(); ++i) {
     if (levels_[i].record.offset == offset) return path(i + 1);
   }
-  // The reader may give up before a record that could be walked over.
+  // The reader may have stopped at a record that the walk passed, so look among the records of the
+  // document too.
   for (const Document::Record& record : document_.Records()) {
     if (record.offset == offset) return shown(record.tag);
   }
@@ -132,7 +134,8 @@ void RecordCheck::checkUnknown(const FileRecord& record) {
       "nothing, unless another program needs the record: then do not save the document here");
 }
 
-// Within a list, each eight bytes of a damaged stretch are taken for a record: the first is told.
+// Within a list, the walk takes each eight bytes of a damaged stretch for a record. Report only the
+// first.
 void RecordCheck::checkNoRecord(const FileRecord& record) {
   hasGaps_ = true;
   const bool goesOn = garbageEnd_ == record.offset;
@@ -157,8 +160,8 @@ void RecordCheck::Finish(const WalkEnd& end) {
                              records.back().tag == TagOf(Kind::kRawData) &&
                              records.back().offset == end.fault->offset;
   isWalked_ = !end.fault || isInLastBlock || end.fault->offset >= document_.RecordsEnd();
-  // If there are bytes between records that are not records, a length may be right and the bytes
-  // after it wrong.
+  // If the document has bytes that are not records, a length may be right, and the bytes after it
+  // wrong.
   const char* remedy = CanRepairLengths() ? "{repair} sets the length to what the record holds"
                                           : "{recover} takes what is whole into a new document";
   for (Finding& finding : lengths_) {
@@ -188,8 +191,8 @@ void RecordCheck::checkLength(const Level& level) {
                 "this library reads it by its content, but programs that go by lengths take the "
                 "rest for the next record; replacing a reporting block does so");
   }
-  // A text that ends in a zero byte loses it when it is read; the lists around it keep their
-  // length.
+  // A text that ends in a zero byte loses that byte when it is read, but the lists around the text
+  // keep their declared length.
   const bool isUsual =
       record.length - held <= level.texts &&
       (record.kind->layout == BodyLayout::kList || record.kind->layout == BodyLayout::kCell);
@@ -215,7 +218,7 @@ void RecordCheck::checkCells(const FileRecord& record, CFile& file) {
 
 void RecordCheck::checkBlock(const FileRecord& record, CFile& file) {
   const auto head = ReadStoredBlock(file, record);
-  if (!head) return;  // the walk ends here, and says so
+  if (!head) return;  // the walk stops at this record too, and CheckEnd reports that
   if (head->version < kFirstVersionThatReadsBack) {
     add(Severity::kWarning, fmt::format("a data block of version {}", head->version),
         "it is read, but would not read back once it was saved",
@@ -238,7 +241,8 @@ void RecordCheck::checkBlock(const FileRecord& record, CFile& file) {
   const std::uint64_t counted = isShort ? 0 : record.DeclaredEnd() - head->firstFrame;
   const std::uint64_t part = head->frameSize == 0 ? 0 : counted % head->frameSize;
   if (!isShort && part == 0) return;
-  // That its well numbers were counted as frames is seen by who reads it, as too few frames.
+  // A length that is wrong by a number of whole frames cannot be found here: the reader just gets
+  // another number of frames.
   add(Severity::kError,
       isShort ? "its length ends before its first frame"
               : fmt::format("its length counts {} and {} of the {} bytes of another",

@@ -10,15 +10,15 @@
 
 namespace vex2::lab {
 
-/// A record of the document itself to which the header has a position.
+/// A top-level record to which an offset in the header can lead.
 struct PositionedRecord {
   std::string tag;
   std::uint64_t offset = 0;
-  std::uint64_t end = 0;          ///< where the reader goes on
-  std::uint64_t declaredEnd = 0;  ///< where its length says that it ends
+  std::uint64_t end = 0;          ///< the offset at which the reader continues
+  std::uint64_t declaredEnd = 0;  ///< the offset at which the record ends by its declared length
 };
 
-/// A record whose length is not what it holds.
+/// A record whose declared length differs from the bytes that it holds.
 struct WrongLength {
   std::string name;
   std::uint64_t offset = 0;
@@ -26,34 +26,36 @@ struct WrongLength {
   std::uint64_t held = 0;
 };
 
-/// Adds what is wrong with each record of a document, as the walk over them meets it.
+/// Adds what is wrong with each record of a document, in the order of the walk.
 class RecordCheck final : public RecordVisitor {
  public:
-  /// All three must stay as long as this does.
+  /// `document`, `header` and `findings` must outlive the check.
   RecordCheck(const Document& document, const HeaderFields& header, Findings& findings);
 
   void Begin(const FileRecord& record, CFile& file) override;
   void End(const FileRecord& record) override;
   void Pass(std::uint64_t offset) override;
-  /// After the walk: adds the lengths that are wrong, since only now it is known what to do.
+  /// Adds the findings about wrong lengths, whose advice depends on the whole walk. Call it after
+  /// the walk.
   void Finish(const WalkEnd& end);
 
-  /// The programs and raw data that were walked over.
+  /// The records `TPro` and `RAWa` in the document itself.
   const std::vector<PositionedRecord>& Positioned() const { return positioned_; }
   const std::vector<WrongLength>& WrongLengths() const { return wrongLengths_; }
-  /// Whether there are bytes between the document's records that are none, so that the walk may
-  /// have taken for records what is none.
+  /// Whether there are bytes among the document's records that are not records. The walk may then
+  /// also have taken bytes for records that are not records.
   bool HasGaps() const { return hasGaps_; }
-  /// Whether there are wrong lengths, and a repair sets them right. Valid after `Finish`.
+  /// Whether a repair can correct the wrong lengths. False if there are none. Valid after `Finish`.
   bool CanRepairLengths() const { return isWalked_ && !hasGaps_ && !wrongLengths_.empty(); }
-  /// The tags that lead to the record at `offset`, where the walk or the reader gave up.
+  /// The tags from the outermost list to the record at `offset`, as "GLBL/VERS". `offset` is where
+  /// the walk or the reader stopped.
   std::string NameAt(std::uint64_t offset) const;
 
  private:
   struct Level {
     FileRecord record;
-    unsigned texts = 0;   ///< in it, at any depth
-    unsigned plates = 0;  ///< directly in it
+    unsigned texts = 0;   ///< texts in it, at any depth
+    unsigned plates = 0;  ///< plates directly in it
     bool holdsPlates = false;
     bool known = true;
   };
@@ -71,15 +73,15 @@ class RecordCheck final : public RecordVisitor {
 
   const Document& document_;
   Findings& findings_;
-  HeaderFields plate_;         ///< the header that the records belong to
-  std::vector<Level> levels_;  ///< the record that was begun last, and those that it is in
+  HeaderFields plate_;         ///< the header to which the current records belong
+  std::vector<Level> levels_;  ///< the current record, last, and the lists around it
   std::vector<PositionedRecord> positioned_;
   std::vector<WrongLength> wrongLengths_;
-  std::vector<Finding> lengths_;  ///< of them, but for what to do
+  std::vector<Finding> lengths_;  ///< findings about wrong lengths, whose advice is not known yet
   bool hasGaps_ = false;
-  bool isWalked_ = false;         ///< to the end, or to a last block that is cut short
-  std::uint64_t passedEnd_ = 0;   ///< of the bytes of a plate that were passed over last
-  std::uint64_t garbageEnd_ = 0;  ///< of the last record that is none
+  bool isWalked_ = false;         ///< the walk got to the end, or to a last block that is cut off
+  std::uint64_t passedEnd_ = 0;   ///< end of the bytes that the walk skipped last in a plate
+  std::uint64_t garbageEnd_ = 0;  ///< end of the last bytes that are not a record
 };
 
 }  // namespace vex2::lab

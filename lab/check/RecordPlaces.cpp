@@ -11,7 +11,7 @@ namespace {
 
 struct HomeList {
   RecordHome home;
-  std::string_view tag;  ///< of the list; empty for the document itself
+  std::string_view tag;  ///< tag of the list; empty for the document itself
 };
 
 constexpr auto kLists = std::to_array<HomeList>({
@@ -29,7 +29,7 @@ constexpr auto kLists = std::to_array<HomeList>({
     {kInSpectrum, TagOf(Kind::kSpectrum)},
 });
 
-// A tag that stands in the table twice has the homes of both rows.
+// If a tag is in two rows of the table, it has the homes of both rows.
 unsigned homesOf(std::string_view tag) {
   unsigned homes = 0;
   for (const RecordKind& kind : kRecordKinds) {

@@ -5,17 +5,18 @@
 
 namespace vex2::lab {
 
-/// Whether writers put records with this tag directly into a list with the tag `list`, or, if
-/// `list` is empty, into a document or plate itself. Readers take every tag everywhere.
+/// Whether writers put records with this tag directly into a list with the tag `list`. If `list` is
+/// empty: whether they put them directly into a document or plate. Readers accept every tag
+/// everywhere.
 bool StandsIn(std::string_view list, std::string_view tag);
 
-/// The lists into which writers put the tag directly, the usual one first; an empty name stands for
-/// the document itself. Returns none for tags that no writer uses.
+/// The tags of the lists into which writers put records with this tag directly, the usual list
+/// first. An empty tag stands for the document itself. Empty if no writer uses `tag`.
 std::vector<std::string_view> HomesOf(std::string_view tag);
 
-/// The list from `HomesOf(tag)` that fits `near`, the tag of an open list or of the next record:
-/// the list is `near`, can hold `near`, or can be in `near`. Otherwise the first list; empty if
-/// there is none.
+/// The list from `HomesOf(tag)` that best fits `near`, the tag of an open list or of the next
+/// record: the first one that is `near`, can hold `near`, or can be in `near`. If none fits, the
+/// first list; empty if `HomesOf(tag)` is empty.
 std::string_view HomeOf(std::string_view tag, std::string_view near = {});
 
 }  // namespace vex2::lab

@@ -1,4 +1,4 @@
-// The writing part of a repair.
+// Carries out a repair.
 
 #include <algorithm>
 #include <vector>
@@ -19,8 +19,9 @@ namespace {
 constexpr std::size_t kChunk = CFile::kBufferSize;
 constexpr std::uint64_t kWordSize = 4;
 
-// Called while the document is locked, so that the library changes it no more. Where a rename
-// cannot serve, it has been emptied by now.
+// Throws an error if another program has changed the document since the backup. The document is
+// locked here, so no user of the library can change it any more. An empty document is accepted: if
+// the system cannot rename a file over the document, NewFile has emptied it.
 void requireUnchanged(const std::string& path, const std::string& backup) {
   const auto now = ContentOf(path);
   if (now && (now->size == 0 || now == ContentOf(backup))) return;

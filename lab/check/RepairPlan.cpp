@@ -79,7 +79,7 @@ class Planner {
     const FrameRange range = block.Range(plan_.size);
     const CommittedFrames committed = FindCommittedFrames(range);
     std::uint64_t frames = committed.count;
-    // Beyond what was counted, a frame is one only when the instrument filled it.
+    // Also count the frames after the declared end in which each well has a reading.
     while (frames < committed.inFile && isFilled(head, frames)) ++frames;
     if (frames == 0 && isFirstCommitAt(block.record.offset)) {
       return cutAt(block.record.offset, "of a first commit that was interrupted");
@@ -125,8 +125,8 @@ class Planner {
           "the header's position of TPro, for its tag");
   }
 
-  // The end of a record after the lengths are repaired. An offset that led just past the old end no
-  // longer does.
+  // The end of a record after its length is repaired. An offset in the header that led to the old
+  // end then leads elsewhere.
   std::uint64_t endOf(const Document::Record& record) const {
     std::uint64_t length = record.length;
     for (const RepairPlan::Patch& patch : plan_.patches) {
@@ -142,7 +142,7 @@ class Planner {
     const auto isBlock = [](const auto& record) { return record.tag == TagOf(Kind::kRawData); };
     const auto block = std::find_if(records.begin(), records.end(), isBlock);
     if (block == records.end() || block->offset >= plan_.newSize.value_or(plan_.size)) {
-      // The bytes behind the last record may be the block, with a damaged head.
+      // The bytes after the last record may be the block, with a damaged head.
       if (document_.RecordsEnd() + kRecordHeadSize <= plan_.newSize.value_or(plan_.size)) return;
       return patch(HeaderLayout::kRawDataOffsetAt, position, 0,
                    "the header's position of RAWa, for there is none");
@@ -150,7 +150,8 @@ class Planner {
     const auto leads = [&](const auto& record) {
       return record.offset == position || endOf(record) == position;
     };
-    // What a save of the whole document leaves is in order unless a run goes on.
+    // An offset of 0, or that of the end of the block after a save of the whole document, is in
+    // order unless the run is in progress.
     const bool isFine =
         !header_.IsRunning() &&
         (position == 0 || std::any_of(records.begin(), records.end(), [&](const auto& record) {

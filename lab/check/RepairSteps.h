@@ -6,17 +6,18 @@
 
 namespace vex2::lab {
 
-/// What there is to repair of the document at `path`. Throws an error when it cannot be read or is
-/// none.
+/// Plans the repair of the document at `path`. Throws an error if it cannot be read or is not a
+/// document.
 RepairPlan PlanRepair(const std::string& path);
 
-/// Copies the document at `path` to a file of its own beside it, durably: "PATH.backup", or with a
-/// number after it if that file exists already. Returns its path. Throws an error, and then there
-/// is no such file.
+/// Copies the document at `path` durably to a new file beside it: "PATH.backup", or that name with
+/// a number if it exists already. Returns the path of the copy. If it throws an error, there is no
+/// such file.
 std::string BackUp(const std::string& path);
 
-/// Puts what `plan` makes of `backup` in the place of the document at `path`. Throws an error, and
-/// then the document is as it was; it is the old or the new one at every moment.
+/// Replaces the document at `path` by a copy of `backup` to which the changes in `plan` are
+/// applied. If it throws an error, the document is unchanged. At every moment the path holds either
+/// the old document or the new one.
 void ApplyRepair(const RepairPlan& plan, const std::string& backup, const std::string& path);
 
 }  // namespace vex2::lab

@@ -18,7 +18,7 @@ constexpr const char* kNotCommitted =
     "its frames";
 constexpr const char* kResume = "{resume} and {repair} cut it off";
 
-// The file ends before the block does.
+// Adds the finding about a block that the end of the file cuts off.
 void checkCutBlock(CFile& file, const Document& document, const HeaderFields& header,
                    const FileFault& fault, Findings& findings) {
   const auto block = FindLastBlock(file, document);

@@ -11,31 +11,31 @@
 
 namespace vex2::lab {
 
-/// What is left to do about damage that no repair touches.
+/// The advice for damage that a repair cannot correct.
 inline constexpr const char* kRecoverWhole = "{recover} takes what is whole into a new document";
 
-/// The block that frames are appended to, where a document ends with it.
+/// The data block at the end of the document, to which a recorder appends frames.
 struct LastBlock {
   FileRecord record;
   StoredBlock head;
 
-  /// Where its frames are in a file of this length.
+  /// The range of its frames in a file of this length.
   FrameRange Range(std::uint64_t fileEnd) const {
     return {head.firstFrame, head.frameSize, record.DeclaredEnd(), fileEnd};
   }
 };
 
-/// That of the open document; nothing if another record is the last one, or the block has no wells
-/// or ends before its frames.
+/// Finds the last block of the open document `file`. Returns nothing if another record is the last
+/// one, or if the block has no wells or ends before its first frame.
 std::optional<LastBlock> FindLastBlock(CFile& file, const Document& document);
 
-/// Whether what follows the last record is a first commit that was interrupted: the document has no
-/// block yet, and no header leads to one.
+/// Whether the bytes after the last record are those of an interrupted first commit: the document
+/// has no data block yet, and the header leads to none.
 bool EndsInFirstCommit(CFile& file, const Document& document, const HeaderFields& header);
 
-/// Adds what is wrong with the end of a document: where the reader gives up before it, and bytes
-/// after the last record. What an interrupted commit leaves there is a warning: nothing that was
-/// committed is lost.
+/// Adds what is wrong with the end of a document: a record at which the reader stops, and bytes
+/// after the last record. The uncommitted bytes of an interrupted commit are only a warning, since
+/// no committed frame is lost.
 void CheckEnd(CFile& file, const Document& document, const HeaderFields& header,
               const RecordCheck& records, Findings& findings);
 

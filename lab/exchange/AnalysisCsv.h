@@ -6,19 +6,20 @@
 #include "lab/analysis/Cq.h"
 #include "lab/analysis/Melt.h"
 
-/// Results of an analysis as rows of a table. Numbers have a decimal point.
+/// Converts results of an analysis to rows of a table. Numbers have a decimal point.
 namespace vex2::lab {
 
-/// The names of the fields that `CqFields` gives.
+/// The names of the fields that `CqFields` returns.
 std::vector<std::string> CqColumns();
-/// One curve: what the well holds, its quantification cycle, empty where there is none, and how it
-/// was found. The quantity is the document's, or else the one read off the standard curve; the note
-/// says so.
+/// The row of one curve: the content of the well, its quantification cycle (empty if there is
+/// none), and how the cycle was found. The quantity is that of the document, or was calculated from
+/// the standard curve; the note says which.
 std::vector<std::string> CqFields(const CqResult& result, CqMethod method);
 
-/// The names of the fields that `MeltFields` gives.
+/// The names of the fields that `MeltFields` returns.
 std::vector<std::string> MeltColumns();
-/// One row for each peak, counted from 1. A well without peaks has one row in which they are empty.
+/// The rows of one well: one for each peak. Peaks are numbered from 1. A well without peaks has one
+/// row, in which the fields of the peak are empty.
 std::vector<std::vector<std::string>> MeltFields(const MeltCurve& curve);
 
 }  // namespace vex2::lab

@@ -19,7 +19,7 @@ ordered_json number(const std::optional<double>& value) {
   return value ? number(*value) : ordered_json(nullptr);
 }
 
-// Quantities can be of any size.
+// Quantities can be of any size, so they are not rounded to a fixed number of decimals.
 ordered_json quantity(const std::optional<double>& value) {
   return value && std::isfinite(*value) ? ordered_json(*value) : ordered_json(nullptr);
 }

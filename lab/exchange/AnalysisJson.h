@@ -7,10 +7,10 @@
 #include "lab/analysis/Cq.h"
 #include "lab/analysis/Melt.h"
 
-/// Results of an analysis as JSON objects, without the curves. `PrintJson` adds the version.
+/// Results of an analysis as JSON objects, without the curves. `PrintJson` adds the key "version".
 namespace vex2::lab {
 
-/// The analysis of the document at `path`.
+/// The quantification cycles of the document at `path`.
 nlohmann::ordered_json DescribeCq(const CqAnalysis& analysis, const std::string& path);
 
 /// The melting peaks of the document at `path`.

@@ -37,7 +37,8 @@ constexpr std::string_view kBackground = "background";
 constexpr unsigned kMostShort = 65535;
 constexpr unsigned kMostByte = 255;
 
-// What is no finite number is written as its four bytes, so that nothing is lost.
+// A value that is not a finite number becomes the hexadecimal digits of its four bytes, so that it
+// is not lost.
 std::string valueText(std::uint32_t value) {
   const float number = NumberOf(value);
   if (std::isfinite(number)) return DecimalText(number);

@@ -12,13 +12,15 @@ namespace vex2::lab {
 /// The columns of the table of spectra.
 const std::vector<std::string_view>& CalibrationColumns();
 
-/// Writes the row of column names, or a row for each spectrum, to a table that is begun. The heads
-/// are not in it.
+/// These write a table of spectra: the row of column names, and one row for each spectrum, with
+/// `plate` in front if the table is of several plates. The heads of the two parts are not in the
+/// table.
 void WriteCalibrationColumns(CsvWriter& csv);
 void WriteCalibration(const Calibration& calibration, CsvWriter& csv, const std::string& plate);
 
-/// Reads such a table from the file at `path`, "-" for standard input. A part without rows is
-/// nothing. `values` keeps count of those that are rounded. Throws an error that names the row.
+/// Reads a table of spectra from the file at `path`, or from standard input for "-". If there are
+/// no rows for a part, the result does not have that part. `values` counts the numbers that are
+/// rounded. Throws an error that names the row.
 Calibration LoadCalibration(const std::string& path, FloatReader& values,
                             const CsvFormat& format = {});
 

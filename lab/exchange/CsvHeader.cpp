@@ -30,8 +30,9 @@ CsvSplitter::Row namesIn(std::string_view line, char delimiter) {
 
 }  // namespace
 
-// A name that was given stands for the column as it is written, if it is there so; else, and
-// without one, upper and lower case are the same.
+// The indexes of the columns with the name `column`, or with the name that the caller gave for it.
+// A given name is first compared with case. If that finds no column, or if no name was given, case
+// is ignored.
 std::vector<std::size_t> CsvHeader::placesOf(std::string_view column,
                                              const CsvSplitter::Row& names) const {
   const auto given = given_.find(column);

@@ -11,28 +11,28 @@
 
 namespace vex2::lab {
 
-/// Where the columns that are asked for stand in a file, by the row of its column names.
+/// Finds the requested columns of a file by the row of its column names.
 class CsvHeader {
  public:
-  /// The first `needed` of the columns must be in the file. `format` says what the file calls them,
-  /// and must outlive the header.
+  /// The first `needed` of `columns` must be in the file; the others are optional. `format` has the
+  /// names that the file uses for columns, and must outlive the header.
   CsvHeader(std::vector<std::string_view> columns, std::size_t needed, const CsvFormat& format)
       : columns_(std::move(columns)), needed_(needed), format_(format), given_(format.names) {}
 
   const std::vector<std::string_view>& Columns() const { return columns_; }
 
-  /// Finds the columns. Returns why they cannot be found, or nothing.
+  /// Finds the columns. Returns why they cannot be found; nothing if they were found.
   std::optional<std::string> Find(const CsvSplitter::Row& names);
-  /// The names of columns that were not asked for, in the file's order; those without a name are
-  /// left out.
+  /// The names of columns that were not requested, in the order of the file, except empty names.
   std::vector<std::string> Unused(const CsvSplitter::Row& names) const;
-  /// How many fields each row has.
+  /// The number of fields in each row.
   std::size_t Width() const { return width_; }
-  /// The fields of the columns, without data for an optional one that the file lacks.
+  /// The fields of the requested columns. If the file lacks an optional column, the view of its
+  /// field has no data.
   std::vector<std::string_view> FieldsOf(const CsvSplitter::Row& row) const;
 
-  /// The delimiter of a file with this first line: the one under which most of the columns are
-  /// found. Returns nothing if it can be more than one.
+  /// The delimiter of a file with this first line: the one with which most of the columns are
+  /// found. Returns nothing if several delimiters find equally many.
   std::optional<char> DelimiterOf(std::string_view line) const;
 
  private:

@@ -17,7 +17,7 @@ bool isSameName(std::string_view one, std::string_view other) {
   });
 }
 
-// What the file is said to call one column cannot be another, too: the other would be read from it.
+// No two columns may have the same name in the file, or one would be read in place of the other.
 void requireDistinct(const std::vector<std::string_view>& columns, const CsvNames& names,
                      const std::string& option) {
   const auto refuse = [&](const std::string& name, std::string_view one, std::string_view other) {

@@ -22,10 +22,11 @@ namespace vex2::lab {
 
 namespace {
 
-// A row of readings or of a well is some fifty characters. A file that is no CSV may have no line
-// end at all, and must not be taken into memory in the search for one.
+// The longest row that is accepted; a row of readings or of a well has about fifty characters.
+// Without a limit, a file that is not CSV could be read into memory as one row.
 constexpr std::size_t kLongestRow = std::size_t{64} * 1024;
-constexpr int kMostWait = 100;  // milliseconds until a waiting reader asks whether to go on
+// Milliseconds after which a waiting reader calls `keepsWaiting` again.
+constexpr int kMostWait = 100;
 
 class InputFile {
  public:
@@ -38,17 +39,18 @@ class InputFile {
   InputFile(const InputFile&) = delete;
   InputFile& operator=(const InputFile&) = delete;
 
-  /// Waits until there is something to read, or the end. False when `keepsWaiting` says no first.
+  /// Waits until there is something to read or the input ends. Returns false if `keepsWaiting` ends
+  /// the wait.
   bool Await(const std::function<bool()>& keepsWaiting) const {
     pollfd waited{handle_, POLLIN, 0};
     while (keepsWaiting()) {
       const int ready = ::poll(&waited, 1, kMostWait);
-      if (ready > 0 || (ready < 0 && errno != EINTR)) return true;  // what is wrong, Read will meet
+      if (ready > 0 || (ready < 0 && errno != EINTR)) return true;  // Read() reports what is wrong
     }
     return false;
   }
 
-  /// What is there, at most the buffer's size; empty at the end.
+  /// Returns the bytes that are available, at most the size of the buffer; empty at the end.
   std::string_view Read() {
     for (;;) {
       const ssize_t count = ::read(handle_, buffer_.data(), buffer_.size());
@@ -65,7 +67,8 @@ class InputFile {
   std::array<char, 16384> buffer_;
 };
 
-// What people hand over in place of a CSV file, by its first bytes.
+// Refuses other kinds of files that users may give in place of a CSV file. Their first bytes show
+// the kind.
 void refuseOtherKinds(std::string_view begin, const std::string& name) {
   const auto refuse = [&](const char* why, ErrorRemedy remedy = ErrorRemedy::kNone) {
     throw Error(ErrorCode::kDocument, name, why, 0, remedy);
@@ -82,7 +85,7 @@ void refuseOtherKinds(std::string_view begin, const std::string& name) {
   }
 }
 
-// The text of a file becomes rows.
+// Turns the text of a file into rows.
 class Reader {
  public:
   Reader(std::string name, std::vector<std::string_view> columns, const CsvWishes& wishes,
@@ -93,7 +96,7 @@ class Reader {
         header_(allOf(columns, wishes.optionalColumns), columns.size(), wishes.format),
         mark_(wishes.format.decimalMark) {}
 
-  /// Takes further text, or with `isEnd` the last.
+  /// Takes the next part of the text. `isEnd`: it is the last part.
   void Add(std::string_view text, bool isEnd) {
     head_ += text;
     if (!splitter_ && !begin(isEnd)) return;
@@ -122,7 +125,8 @@ class Reader {
     return needed;
   }
 
-  // Gathers text until there is a line to tell the delimiter by. False while there is none.
+  // Collects text until the first line is complete, and finds the delimiter in it. Returns false if
+  // more text is needed.
   bool begin(bool isEnd) {
     head_.erase(0, std::min(head_.find_first_not_of("\r\n"), head_.size()));
     const std::size_t end = endOfLine();
@@ -146,7 +150,7 @@ class Reader {
     return true;
   }
 
-  // Where the first line ends, which may have line ends within quotes.
+  // The end of the first line; line ends within quotes do not count.
   std::size_t endOfLine() const {
     bool isQuoted = false;
     for (std::size_t i = 0; i < head_.size(); ++i) {
@@ -156,7 +160,8 @@ class Reader {
     return std::string::npos;
   }
 
-  // Spreadsheets put "sep=;" in front of the names.
+  // The delimiter in the line "sep=;" that spreadsheets put before the column names; 0 if `line` is
+  // not such a line.
   static char statedDelimiter(std::string_view line) {
     constexpr std::string_view kStated = "sep=";
     const bool isStated = line.size() == kStated.size() + 1 && line.starts_with(kStated);
@@ -171,7 +176,8 @@ class Reader {
       if (!unused.empty() && format_.onUnused) format_.onUnused(name_, unused);
       return;
     }
-    // Spreadsheets leave rows of nothing but delimiters where cells were emptied.
+    // Skip rows that consist only of delimiters. Spreadsheets write them for rows whose cells were
+    // emptied.
     const auto isEmpty = [](const std::string& field) { return field.empty(); };
     if (row.size() > 1 && std::all_of(row.begin(), row.end(), isEmpty)) {
       ++number_;
@@ -227,7 +233,7 @@ bool ReadCsv(const std::string& path, const std::vector<std::string_view>& colum
     const std::string_view more = file.Read();
     atEnd = more.empty();
     bytes += more;
-    // The first few bytes tell what the file is, and a pipe may hand them out one by one.
+    // The first bytes show the kind of file, and a pipe may return them one by one.
     if (!hasBegun && bytes.size() < TextDecoder::kBeginSize && !atEnd) continue;
     if (!std::exchange(hasBegun, true)) refuseOtherKinds(bytes, CsvName(path));
     std::string text = decoder.Decode(std::exchange(bytes, {}));

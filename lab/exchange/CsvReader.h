@@ -10,45 +10,53 @@
 
 namespace vex2::lab {
 
-/// What a file calls its columns, by the names that are asked for.
+/// The names of columns in a file. The keys are the usual names.
 using CsvNames = std::map<std::string, std::string, std::less<>>;
 
-/// The names in a text like "well=Pos,task=Type", which `option` gave, for a file of these columns.
-/// Throws an error of the call when it names another column, one twice, or two alike.
+/// Parses a text like "well=Pos,task=Type", the value of `option`, for a file with these columns.
+/// Throws an error of class `kUsage` if a column is unknown or is given twice, or if two columns
+/// get the same name.
 CsvNames ParseColumnNames(std::string_view names, const std::vector<std::string_view>& columns,
                           const std::string& option);
 
-/// How a CSV file is written, where it does not say so itself.
+/// The format of a CSV file, as far as it cannot be found from the file itself.
 struct CsvFormat {
-  std::string encoding;  ///< of a file without a byte order mark; empty is UTF-8
-  char delimiter = 0;    ///< 0: comma, semicolon or tab, whichever parts the names of the columns
-  char decimalMark = 0;  ///< 0: the point where commas part fields, else as the numbers tell
-  CsvNames names;        ///< of columns that are not called as they are asked for
-  std::string namesOption = "names";  ///< what gives such names, for error messages
-  /// Called once with the file's name and the columns that were not asked for, where there are any.
+  std::string encoding;  ///< encoding of a file without a byte order mark; if empty, UTF-8
+  /// If it is 0, a comma, semicolon or tab, whichever separates the names of the columns.
+  char delimiter = 0;
+  /// If it is 0, a point if commas separate the fields; otherwise the mark is found from the
+  /// numbers.
+  char decimalMark = 0;
+  CsvNames names;                     ///< names of columns that differ from the usual ones
+  std::string namesOption = "names";  ///< the option that sets `names`, for error messages
+  /// Called once with the name of the file and its columns that are not used, if there are any.
   std::function<void(const std::string& file, const std::vector<std::string>& columns)> onUnused;
 };
 
-/// What a reader of CSV may ask for besides the columns that it needs.
+/// Further options for reading CSV.
 struct CsvWishes {
-  /// Columns that the file may lack; they are counted after the needed ones.
+  /// Columns that the file may lack. They are counted after the needed ones.
   std::vector<std::string_view> optionalColumns = {};
-  /// Asked again and again while a pipe has nothing to read; false ends the reading.
+  /// Called repeatedly while a pipe has nothing to read. If it returns false, reading ends.
   std::function<bool()> keepsWaiting = {};
   CsvFormat format = {};
 };
 
-/// Reads the CSV file at `path`, or standard input for "-": fields parted by comma, semicolon or
-/// tab, quoted as RFC 4180 has it, lines ended in any way, in UTF-8, UTF-16 or what `wishes` name.
-/// The first row names the columns, in any case of letters; `columns` must be among them, each
-/// once, in any order, and others are passed over, which `wishes` are told. Rows without any
-/// content are passed over, too. Calls `take` for each further row; a pipe's row is handed on as
-/// soon as its line has ended. Throws an error that names the file, and the row where there is one;
-/// also what `take` throws. False when the reading was ended by `wishes`.
+/// Reads the CSV file at `path`, or standard input for "-", and calls `take` for each row after the
+/// column names.
+///
+/// Fields are separated by comma, semicolon or tab, and quoted as in RFC 4180. Lines may end in any
+/// way. The encoding is UTF-8, UTF-16 or that in `wishes`. The first row has the names of the
+/// columns, in upper or lower case. Each of `columns` must be among them once, in any order. Other
+/// columns and empty rows are skipped; `wishes.format.onUnused` is called with the names of skipped
+/// columns. A row from a pipe is passed on as soon as its line ends.
+///
+/// Returns false if `wishes.keepsWaiting` ended the reading. Throws an error that names the file;
+/// if one row is at fault, it also names the row. Passes on the exceptions of `take`.
 bool ReadCsv(const std::string& path, const std::vector<std::string_view>& columns,
              const std::function<void(const CsvRow&)>& take, const CsvWishes& wishes = {});
 
-/// What an error message calls a CSV file.
+/// The name of a CSV file in error messages: `path`, or "standard input" for "-".
 std::string CsvName(const std::string& path);
 
 }  // namespace vex2::lab

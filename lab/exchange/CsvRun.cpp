@@ -13,7 +13,8 @@ namespace vex2::lab {
 
 namespace {
 
-// Where the well of a plate of 384 lies on one of 96; nothing when it is not there.
+// Converts a well number of a 384-well plate to that of the well with the same name on a 96-well
+// plate. Returns nothing if the smaller plate has no such well.
 std::optional<std::uint16_t> wellOf96(std::uint16_t well) {
   const unsigned row = (well - 1U) / kPlate384.columns;
   const unsigned column = (well - 1U) % kPlate384.columns;
@@ -42,7 +43,7 @@ ExchangedRun ReadCsvRun(const std::string& path, const std::string& file) {
   ExchangedRun run;
   std::map<std::tuple<std::uint16_t, std::size_t, bool>, std::size_t> places;
   CsvFormat format;
-  format.namesOption.clear();  // an import has no such option
+  format.namesOption.clear();  // an import has no option for column names
   ReadReadingRows({.path = path, .format = format, .findsChannels = true, .keepsWaiting = {}}, plan,
                   [&](const ReadingRow& row) {
                     const auto [entry, isNew] = places.emplace(

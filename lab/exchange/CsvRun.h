@@ -6,8 +6,8 @@
 
 namespace vex2::lab {
 
-/// The run in a CSV file of readings, as `ReadingsFileColumns` names its columns: nothing is known
-/// of the wells but their names. Errors name the file and the row.
+/// Reads the run in a CSV file of readings with the columns `ReadingsFileColumns`. The file has
+/// only the names of the wells, not their content. Errors name the file and the row.
 ExchangedRun ReadCsvRun(const std::string& path, const std::string& file);
 
 }  // namespace vex2::lab

@@ -45,7 +45,8 @@ void CsvSplitter::onRow(int /*end*/, void* self) noexcept {
   splitter.rowBytes_ = 0;
 }
 
-// Nothing may be thrown through the parser, which is C.
+// Catches the exceptions of `operation`: the parser is written in C, and no exception may pass
+// through it.
 template <typename Operation>
 void CsvSplitter::guarded(Operation operation) noexcept {
   try {

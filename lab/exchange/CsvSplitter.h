@@ -9,7 +9,8 @@
 
 namespace vex2::lab {
 
-/// Turns text into rows of fields as it arrives. Lines end in any way; empty ones are no rows.
+/// Splits text into rows of fields as it arrives. Lines may end in any way; empty lines are
+/// skipped.
 class CsvSplitter {
  public:
   using Row = std::vector<std::string>;
@@ -19,9 +20,10 @@ class CsvSplitter {
   CsvSplitter(const CsvSplitter&) = delete;
   CsvSplitter& operator=(const CsvSplitter&) = delete;
 
-  /// Takes further text. False when it is no CSV; the rows before the mistake are there also then.
+  /// Takes the next part of the text. Returns false if it is not CSV; the rows before the error are
+  /// still available.
   bool Feed(std::string_view text);
-  /// Takes the end of the text, which may end in the midst of a row. False when it is no CSV.
+  /// Takes the end of the text, which may be within a row. Returns false if the text is not CSV.
   bool Finish();
 
   /// The rows that were completed since the last call.

@@ -8,7 +8,7 @@ namespace {
 
 bool needsQuotes(std::string_view field) {
   constexpr std::string_view kBlanks = " \t";
-  // Blanks at either end are kept by quotes alone: many readers cut them off.
+  // Without quotes, many readers remove blanks at the ends of a field.
   const bool hasBlankEnd =
       !field.empty() && (kBlanks.find(field.front()) != std::string_view::npos ||
                          kBlanks.find(field.back()) != std::string_view::npos);

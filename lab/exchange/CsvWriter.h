@@ -6,15 +6,15 @@
 
 namespace vex2::lab {
 
-/// A text as a field of CSV: in quotes where it needs them.
+/// A text as a field of CSV: in quotes if it needs them.
 std::string CsvField(const std::string& text);
 
-/// Writes rows of comma-separated fields as RFC 4180 has them, but with bare line ends: fields are
-/// quoted where they need to be.
+/// Writes rows of comma-separated fields as in RFC 4180, but with bare line ends. Fields that need
+/// quotes get them.
 class CsvWriter {
  public:
-  /// If the table is of several plates, each row has a field in front that names the plate. `out`
-  /// must outlive the writer.
+  /// If `hasPlates`, the table is of several plates, and each row begins with a field that names
+  /// the plate. `out` must outlive the writer.
   CsvWriter(std::ostream& out, bool hasPlates) : out_(out), hasPlates_(hasPlates) {}
 
   /// Writes one row of UTF-8 fields, with `plate` in front if the table is of several plates.

@@ -19,8 +19,8 @@ bool isNumber(std::string_view text) {
          text.find_first_of(kDigits) != std::string_view::npos;
 }
 
-// Whether the mark may as well part thousands: up to three digits, the first no zero, and then
-// three.
+// Whether the mark may also separate thousands. It may if one to three digits are before it, the
+// first of them not 0, and exactly three digits are after it.
 bool mayPartThousands(std::string_view text, std::size_t markAt) {
   constexpr std::size_t kGroup = 3;
   std::string_view before = text.substr(0, markAt);
@@ -33,7 +33,7 @@ bool mayPartThousands(std::string_view text, std::size_t markAt) {
          behind.size() == kGroup && isDigits(behind);
 }
 
-// The mark that this number tells; 0 where it tells none.
+// The decimal mark, if this number shows which one it is; otherwise 0.
 char toldBy(std::string_view text) {
   if (!isNumber(text) || countOf(text, '.') + countOf(text, ',') != 1) return 0;
   const std::size_t at = text.find_first_of(".,");

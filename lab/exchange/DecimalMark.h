@@ -9,22 +9,24 @@
 
 namespace vex2::lab {
 
-/// How a text file marks decimals. Where nobody said so, the file's numbers tell: "59,82" has a
-/// decimal comma, but "12,345" may be twelve thousand, and is refused until another number has
-/// told. Once it is known, a number with the other mark is refused: no number is ever guessed.
+/// Finds the decimal mark of a text file from its numbers, unless the caller has given it: "59,82"
+/// has a decimal comma, but "12,345" may be twelve thousand. Such a number is refused until another
+/// number shows the mark. Once the mark is known, a number with the other mark is refused: the
+/// value of a number is never guessed.
 class DecimalMark {
  public:
-  /// '.' or ',' where it is known, 0 where the numbers are to tell.
+  /// '.' or ',' if the mark is known; 0 to find it from the numbers.
   explicit DecimalMark(char mark) : mark_(mark) {}
 
-  /// What a number is with a point as its mark, or why it cannot be said, to follow the number.
+  /// A number with a point as its decimal mark. If the mark is not clear, `why` is the reason, as a
+  /// text that follows the number in an error.
   struct Plain {
     std::string text;
-    std::string why;  ///< empty where `text` holds
+    std::string why;  ///< empty if `text` is valid
     ErrorRemedy remedy = ErrorRemedy::kNone;
   };
-  /// Of the number `text`. `beside` are fields of the same row, of which one may tell the mark. A
-  /// text that is no number stays one that is none.
+  /// Converts the number `text`. `beside` has other fields of the same row, which may show the
+  /// decimal mark. A text that is not a number stays unchanged.
   Plain Read(std::string_view text, std::span<const std::string_view> beside);
 
  private:

@@ -8,9 +8,9 @@
 
 namespace vex2::lab {
 
-/// Writes the row of column names of a table of detectors: the fields of `DetectorFields`.
+/// Writes the column names of a table of detectors: the fields of `DetectorFields`.
 void WriteDetectorColumns(CsvWriter& csv);
-/// Writes a row for each detector; `plate` only where the table is of several.
+/// Writes a row for each detector, with `plate` in front if the table is of several plates.
 void WriteDetectors(const std::vector<Vex2Detector>& detectors, CsvWriter& csv,
                     const std::string& plate);
 

@@ -24,7 +24,7 @@ constexpr std::size_t kLongestValue = 60;
 
 using Value = std::optional<std::string>;
 
-/// Puts equal differences of one plate together, in the order in which they are met.
+/// Joins equal differences of one plate, in the order in which they are found.
 class Groups {
  public:
   void Add(const std::string& section, const std::string& what, const Value& one,
@@ -88,8 +88,8 @@ bool isBlock(const std::string& tag) {
   return std::find(kDataBlockTags.begin(), kDataBlockTags.end(), tag) != kDataBlockTags.end();
 }
 
-// The bytes of the bodies of a plate's own records, by tag and turn, but for those of data blocks
-// and of plates, which are compared by themselves.
+// The bodies of a plate's top-level records by tag; further records with the same tag are numbered.
+// Without data blocks and plates, which are compared separately.
 std::map<std::string, std::string> bodiesOf(const Document& document,
                                             const Document::Plate& plate) {
   std::map<std::string, std::string> bodies;
@@ -119,7 +119,8 @@ std::string bytesText(const std::string& body) {
   return Counted(body.size(), "byte");
 }
 
-// Where two bodies differ, though no value that is known does.
+// Compares the bodies of records. Skips records of sections in which a difference was already
+// found.
 void compareBodies(const std::map<std::string, std::string>& one,
                    const std::map<std::string, std::string>& other, Groups& groups) {
   for (const auto& [name, body] : one) {
@@ -248,7 +249,7 @@ std::string TextOf(const Difference& difference) {
     text += ": " + std::to_string(difference.count) + " differ";
     if (isOfReadings) text += ", by up to " + PlainText(difference.largest);
   }
-  // Examples of readings hold their values themselves.
+  // The examples of differing readings contain their values already.
   if (difference.places.empty() || difference.section != "readings") {
     text += ": " + shownValue(difference.one) + " -> " + shownValue(difference.other);
   }

@@ -10,43 +10,46 @@
 
 namespace vex2::lab {
 
-/// The parts of documents that are compared.
+/// The parts of documents to compare.
 struct DiffOptions {
-  /// Readings that differ by no more than this are equal: in real units where this library recorded
-  /// both, as stored numbers otherwise. Not negative.
+  /// Readings are equal if they differ by no more than this. It is in real units if this library
+  /// recorded both readings; otherwise it applies to the stored numbers. Must not be negative.
   double tolerance = 0;
   bool setup = true;     ///< header, settings, program, wells, detectors, dyes, calibration
   bool readings = true;  ///< the data blocks
-  bool records = true;   ///< records of other kinds, and bytes that hold no known value
+  bool records = true;   ///< records of other kinds, and bytes that are not part of a known value
 };
 
-/// Equal differences between two documents, in one or more places. Texts are UTF-8.
+/// Equal differences between two documents, in one or more places, such as wells. Texts are UTF-8.
 struct Difference {
-  std::string plate;    ///< of a study, by name; empty otherwise
+  std::string plate;    ///< name of the plate in a study; empty otherwise
   std::string section;  ///< "header", "wells", "readings" and so on
-  std::string what;     ///< the field, as "sample"; empty where the whole place is concerned
-  std::optional<std::string> one;    ///< in the first document; nothing if it has none
-  std::optional<std::string> other;  ///< in the second one
-  std::uint64_t count = 0;           ///< of places
-  std::vector<std::string> places;   ///< the first ones, as "A1"; none where there is only one
-  double largest = 0;                ///< of readings: the largest difference
+  std::string what;     ///< the field, as "sample"; empty if one document lacks the whole entry
+  std::optional<std::string> one;    ///< value in the first document; nothing if it has none
+  std::optional<std::string> other;  ///< value in the second document; nothing if it has none
+  std::uint64_t count = 0;           ///< number of places with this difference
+  /// The first places with this difference, as "A1"; empty if the section has only one place.
+  std::vector<std::string> places;
+  double largest = 0;  ///< only for readings: the largest difference
 
   /// Whether all fields are equal.
   friend bool operator==(const Difference&, const Difference&) = default;
 };
 
-/// Compares two documents, studies plate by plate. Returns what differs, and nothing else; equal
-/// differences of the same field are one.
+/// Compares two documents; compares studies plate by plate. Returns the differences; equal
+/// differences of the same field become one.
 ///
-/// Throws `Error` when a document cannot be read whole.
+/// Throws `Error` if a document cannot be read completely.
 VEX2_API std::vector<Difference> Diff(const std::filesystem::path& one,
                                       const std::filesystem::path& other,
                                       const DiffOptions& options = {});
 
-/// The difference as a line for people: "wells: sample: 'a' -> 'b' in 12 places: A1, A2, A3, ...".
+/// The difference as a line of text for users: "wells: sample: 'a' -> 'b' in 12 places: A1, A2, A3,
+/// ...".
 VEX2_API std::string TextOf(const Difference& difference);
 
-/// The differences as a JSON object with the key "version"; `one` and `other` are the paths.
+/// The differences as a JSON object with the key "version". `one` and `other` are the paths of the
+/// documents.
 VEX2_API std::string DiffJson(const std::vector<Difference>& differences, const std::string& one,
                               const std::string& other);
 

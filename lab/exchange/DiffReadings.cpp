@@ -19,7 +19,7 @@ constexpr const char* kSection = "readings";
 
 using Blocks = std::map<std::string, const AcquisitionDataComp*>;
 
-// The data blocks by tag and turn.
+// The data blocks of a plate. The key is the tag, and the number among blocks with that tag.
 Blocks blocksOf(const Document::Plate& plate) {
   Blocks blocks;
   for (int i = 0; i < plate.content->GetAllComponentCount(); ++i) {

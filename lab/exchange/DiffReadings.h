@@ -8,7 +8,8 @@
 
 namespace vex2::lab {
 
-/// Compares the data blocks of two plates, those of a tag by their turn, and adds what differs.
+/// Compares the data blocks of two plates and adds the differences. If a plate has several blocks
+/// with the same tag, they are compared in their order.
 void DiffReadings(const Document::Plate& one, const Document::Plate& other, double tolerance,
                   std::vector<Difference>& differences);
 

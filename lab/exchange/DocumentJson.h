@@ -13,12 +13,12 @@
 #include "lab/model/Study.h"
 #include "lab/model/WellSpectrum.h"
 
-/// Documents, and what is known of them, as JSON objects. `PrintJson` adds the version.
+/// Converts documents and their content to JSON objects. `PrintJson` adds the key "version".
 namespace vex2::lab {
 
 class RunFollower;
 
-/// What is known of a document, or of a plate in it, at a glance.
+/// A summary of a document, or of a plate in it.
 nlohmann::ordered_json ToJson(const DocumentOverview& overview);
 
 /// The plate's rows and columns, and in "wells" the sample and detectors of each well in the setup.
@@ -30,28 +30,29 @@ nlohmann::ordered_json DescribeDetectors(const Vex2FileManager& plate);
 /// A list of the names of the dyes that the plate requires.
 nlohmann::ordered_json DescribeDyes(const Vex2FileManager& plate);
 
-/// Both parts of a calibration with their heads and spectra, null for one that is lacking.
+/// Both parts of a calibration with their heads and spectra; null for a missing part.
 nlohmann::ordered_json ToJson(const Calibration& calibration);
 
 /// A list of the plates of a study.
 nlohmann::ordered_json ToJson(const std::vector<StudyPlate>& plates);
 
-/// A frame of the document at `path`: of each well what is stored, and what it was read as where
-/// vex recorded it.
+/// A frame of the document at `path`: the stored values of each well. If vex recorded the run, also
+/// the readings.
 nlohmann::ordered_json DescribeFrame(const FrameView& view, const std::string& path,
                                      const std::string& block);
 
-/// A frame that `follower` handed out, whole: what it was read as, or what is stored where the
-/// meaning is not known.
+/// A whole frame that `follower` returned: its readings. If their meaning is not known, the stored
+/// values instead.
 nlohmann::ordered_json DescribeFollowed(const Frame& frame, const RunFollower& follower);
 
-/// The readings of one well in frame `frame`, from 0, of the document at `path`, and the rates of a
-/// background.
+/// The readings of one well in frame `frame`, from 0, of the document at `path`. For a background,
+/// also the rates.
 nlohmann::ordered_json DescribeSpectrum(const WellSpectrum& spectrum, const std::string& path,
                                         const std::string& well, std::int64_t frame);
 
-/// What `describe` says of the plates: an object, and when they are `all` of a study an object for
-/// each in the list "plates", with its name.
+/// Describes plates by calling `describe` for each. For a single plate, returns the object of that
+/// call. If they are `all` plates of a study, returns an object with the list "plates", which has
+/// such an object with the plate's name for each.
 nlohmann::ordered_json DescribePlates(
     const std::vector<Document::Plate>& plates, bool all,
     const std::function<nlohmann::ordered_json(const Vex2FileManager&)>& describe);

@@ -9,8 +9,8 @@ namespace vex2::lab {
 
 float FloatReader::Keep(const CsvRow& row, std::string_view what, const std::string& text,
                         double number) {
-  // Straight from the text, as a double between would round twice; but what is too small for a
-  // float is zero.
+  // Convert the text directly: going through a double would round twice. A number that is too small
+  // for a float becomes zero.
   const float kept = NumberIn<float>(text).value_or(static_cast<float>(number));
   const double change = ChangeOf(text, kept);
   if (change == 0) return kept;

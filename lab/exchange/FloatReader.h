@@ -8,16 +8,16 @@
 
 namespace vex2::lab {
 
-/// Brings numbers of a CSV file to the 32 bits that documents keep of them, and counts those that
-/// are rounded.
+/// Rounds numbers of a CSV file to the 32 bits in which documents store them, and counts those that
+/// change.
 class FloatReader {
  public:
-  /// An exact one refuses what it would have to round.
+  /// If `isExact`, a number that would have to be rounded is refused.
   explicit FloatReader(bool isExact) : isExact_(isExact) {}
 
-  /// The number of `row` that `text`, with a point as its decimal mark, stands for: `number`, which
-  /// the 32 bits must have room for. `what` is what an error calls it. Throws an error that names
-  /// the row when it is exact and the number would be rounded.
+  /// Rounds `number` of `row` to 32 bits. The number must be in the range of 32-bit numbers. `text`
+  /// is the number with a point as decimal mark, and errors call it `what`. Throws an error that
+  /// names the row if the reader is exact and the number would be rounded.
   float Keep(const CsvRow& row, std::string_view what, const std::string& text, double number);
 
   const RoundedNumbers& Rounded() const { return rounded_; }

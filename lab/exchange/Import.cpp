@@ -31,7 +31,7 @@ namespace vex2::lab {
 namespace {
 
 constexpr std::uint64_t kMostPiped = 1ULL << 32U;  // bytes of standard input, kept on the disk
-constexpr std::uint64_t kMostText = 256U << 20U;   // bytes of a table, which is kept in memory
+constexpr std::uint64_t kMostText = 256U << 20U;   // bytes of a table, kept in memory
 constexpr std::size_t kPart = 1U << 16U;
 
 constexpr std::array<std::pair<std::string_view, ImportFormat>, 4> kFormats = {
@@ -40,7 +40,7 @@ constexpr std::array<std::pair<std::string_view, ImportFormat>, 4> kFormats = {
      {"json", ImportFormat::kJson},
      {"csv", ImportFormat::kCsv}}};
 
-/// Standard input as a file, which is gone when nobody has it open any more.
+/// Standard input, copied to a file that is removed when it is closed.
 class PipedFile {
  public:
   PipedFile() : file_(std::tmpfile(), std::fclose) {
@@ -132,7 +132,7 @@ class Importer {
     std::string text(4096, '\0');
     text.resize(file.Read(text.data(), text.size()));
     if (IsZip(text)) return ImportFormat::kRdml;
-    std::erase(text, '\0');  // of UTF-16
+    std::erase(text, '\0');  // zero bytes of UTF-16
     if (text.find("<?xml") != std::string::npos || text.find("<rdml") != std::string::npos ||
         text.find(":rdml") != std::string::npos) {
       return ImportFormat::kRdml;
@@ -211,7 +211,7 @@ class Importer {
     document.wells = block->GetWellCount();
   }
 
-  // "run.vex" becomes "run-2.vex".
+  // The path of a document: "run.vex" becomes "run-2.vex".
   std::string pathOf(std::size_t index, std::size_t count) const {
     if (count == 1) return target_;
     const std::filesystem::path path(target_);
@@ -275,9 +275,9 @@ class Importer {
   std::string source_;
   std::string target_;
   ImportOptions options_;
-  std::string name_;  ///< of the source, for errors
+  std::string name_;  ///< name of the source in errors
   std::unique_ptr<PipedFile> piped_;
-  std::string path_;  ///< of the file that is read
+  std::string path_;  ///< path of the file that is read
   ImportReport report_;
 };
 

@@ -12,65 +12,66 @@
 
 namespace vex2::lab {
 
-/// A format that documents are imported from.
+/// A format from which documents are imported.
 enum class ImportFormat {
   kRdml,  ///< the Real-time PCR Data Markup Language, as an archive or as XML alone
   kRdes,  ///< the Real-time PCR Data Essential Spreadsheet, a table of one stage
   kJson,  ///< a document as `vex export` writes it, as one object or as lines
-  kCsv,   ///< readings as `vex export` and `vex record` have them, a row for each
+  kCsv,   ///< readings as `vex export` and `vex record` use them, one row for each
 };
 
-/// The format of this name, in lower case, as "rdml"; nothing for any other text.
+/// The format with this name, in lower case, as "rdml"; nothing for any other text.
 VEX2_API std::optional<ImportFormat> ImportFormatOf(std::string_view name);
 /// The name of the format, in lower case.
 VEX2_API std::string_view NameOf(ImportFormat format);
 
 /// How a file is imported.
 struct ImportOptions {
-  std::optional<ImportFormat> format = {};  ///< nothing: as the file's content tells
-  bool replace = false;                     ///< overwrite documents that exist
-  /// Follows "already exists; " in the message when `replace` is not set.
+  std::optional<ImportFormat> format = {};  ///< nothing: found from the content of the file
+  bool replace = false;                     ///< overwrite existing documents
+  /// The advice that the error gives after "already exists; " if `replace` is not set.
   std::string existsHint = "set replace to overwrite it";
   /// Make one document, a study of all runs, instead of one document for each run.
   bool study = false;
-  /// Keep runs apart that look like parts of one plate: the same samples, of different dyes or
+  /// Do not join runs that look like parts of one plate: the same samples with different dyes or
   /// stages.
   bool separate = false;
-  /// What to do with the document that an RDML archive of this library holds.
+  /// What to do with the document that an RDML archive of this library contains.
   enum class Embedded {
-    kIfCurrent,  ///< take it unless another program has changed the RDML since
-    kAlways,     ///< take it; an error where there is none
-    kNever,      ///< read the RDML
+    kIfCurrent,  ///< take it, unless another program has changed the RDML since it was written
+    kAlways,     ///< always take it; an error if there is none
+    kNever,      ///< ignore it, and read the RDML
   };
-  Embedded embedded = Embedded::kIfCurrent;  ///< only of RDML
+  Embedded embedded = Embedded::kIfCurrent;  ///< only for RDML
 };
 
-/// A document that an import has made.
+/// A document that an import made.
 struct ImportedDocument {
   std::filesystem::path path;  ///< of the document
-  std::string run;             ///< what the file calls the run; may be empty
-  std::size_t wells = 0;       ///< with readings in each frame
-  std::size_t frames = 0;      ///< of the raw readings
+  std::string run;             ///< the name of the run in the file; may be empty
+  std::size_t wells = 0;       ///< number of wells with readings
+  std::size_t frames = 0;      ///< number of frames of the raw readings
 };
 
 /// What an import did.
 struct ImportReport {
-  ImportFormat format = ImportFormat::kRdml;  ///< of the file
-  std::vector<ImportedDocument> documents;    ///< in the order of the file's runs
-  Losses losses;                              ///< what the documents do not hold as the file does
-  /// Sentences about what the import decided, for people.
+  ImportFormat format = ImportFormat::kRdml;  ///< the format of the file
+  std::vector<ImportedDocument> documents;    ///< in the order of the runs in the file
+  Losses losses;  ///< what the documents lack, or hold in another form than the file
+  /// Sentences for the user about what the import decided.
   std::vector<std::string> notes;
-  bool isEmbedded = false;  ///< the document was in the file, and has the bytes that it had
+  bool isEmbedded = false;  ///< the document was in the archive, and was copied byte for byte
 };
 
-/// Makes documents of the runs in the file at `source`, or on standard input for "-". One run
-/// becomes the document `target`; several become `target` with "-1", "-2" and so on before the
-/// extension, or one study. Readings take the way of a recording, with the scale that loses least.
+/// Makes documents from the runs in the file at `source`, or on standard input for "-". A single
+/// run becomes the document `target`. Several runs become one study, or documents with "-1", "-2"
+/// and so on before the extension of `target`. Readings are stored as a recording stores them, with
+/// the scale that loses least.
 ///
-/// Each document is written as a whole or not at all, and all are made before the first is written.
-/// Throws `Error` that names the file, and the line and element where there are any, when the file
-/// is none of the formats, is damaged or refused, and when a document exists and `replace` is not
-/// set; nothing was written then.
+/// All documents are made before the first is written, and each is written completely or not at
+/// all. Throws `Error` if the file has none of the formats, is damaged or is refused, or if a
+/// document exists and `replace` is not set. The error names the file, and the line and the element
+/// if there are any. Nothing was written then.
 VEX2_API ImportReport Import(const std::filesystem::path& source,
                              const std::filesystem::path& target,
                              const ImportOptions& options = {});

@@ -10,8 +10,8 @@
 
 namespace vex2::lab {
 
-/// A value in JSON that is read, and its path for errors, as "blocks[0].tag". Whatever is not as it
-/// is asked for throws an error that names the file and the path. The value and the name of the
+/// A JSON value to be read, and its path for errors, as "blocks[0].tag". If the value is not of the
+/// requested kind, throws an error that names the file and the path. The value and the name of the
 /// file must outlive the node.
 class JsonNode {
  public:
@@ -23,10 +23,10 @@ class JsonNode {
   bool Has(const char* key) const { return value_->is_object() && value_->contains(key); }
   bool IsNull() const { return value_->is_null(); }
   const nlohmann::ordered_json& Json() const { return *value_; }
-  /// The value of a key, which must be there.
+  /// The value of a key, which must exist.
   JsonNode operator[](const char* key) const;
 
-  /// Hands `take` each value of an array.
+  /// Calls `take` for each value of an array.
   template <typename Take>
   void ForEach(const Take& take) const {
     if (!value_->is_array()) Refuse("is no array");
@@ -36,7 +36,7 @@ class JsonNode {
     }
   }
 
-  /// A whole number that fits; true is 1.
+  /// A whole number that fits into `Number`; true is read as 1.
   template <typename Number>
   Number As() const {
     if (value_->is_boolean()) return value_->get<bool>() ? Number{1} : Number{0};
@@ -53,12 +53,12 @@ class JsonNode {
   }
 
   std::string Text() const;
-  /// The text in Latin-1, as documents keep it.
+  /// A text, converted to Latin-1, as documents store it.
   std::string Stored() const;
-  /// The bytes of a text in hexadecimal digits.
+  /// The bytes that a text of hexadecimal digits represents.
   std::vector<std::uint8_t> Bytes() const;
 
-  /// A text of so many characters.
+  /// Copies a text that must have exactly `size` characters.
   template <std::size_t size>
   void CopyTo(char (&to)[size]) const {
     const std::string text = Stored();
@@ -66,7 +66,7 @@ class JsonNode {
     text.copy(to, size);
   }
 
-  /// An array of so many whole numbers.
+  /// Copies an array that must have exactly `count` whole numbers.
   template <typename Array>
   void NumbersTo(Array&& to, std::size_t count) const {
     if (!value_->is_array() || value_->size() != count) refuseCount(count);

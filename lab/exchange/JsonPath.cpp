@@ -16,7 +16,7 @@ namespace {
 
 using nlohmann::ordered_json;
 
-// By what people call the entries of a list, in the order of preference.
+// The keys that name the entries of a list, in the order of preference.
 constexpr const char* kEntryNames[] = {"well", "name", "tag"};
 
 std::string normalized(std::string_view name) {
@@ -37,7 +37,7 @@ std::optional<std::string> entryName(const ordered_json& entry) {
   return std::nullopt;
 }
 
-/// One step of a path: a name, or what stands in brackets.
+/// One step of a path: a name, or the text in brackets.
 struct Step {
   std::string text;
   bool isEntry = false;
@@ -82,7 +82,8 @@ const ordered_json* entryOf(const ordered_json& value, const std::string& name) 
   if (const auto index = NumberIn<std::size_t>(name)) {
     return *index < value.size() ? &value[*index] : nullptr;
   }
-  // Names are data: where two are alike, neither is taken for the other.
+  // Names are data. If several entries match only when case and signs are ignored, take none of
+  // them.
   const ordered_json* alike = nullptr;
   for (const auto& entry : value) {
     const auto own = entryName(entry);
@@ -132,7 +133,7 @@ std::string WhyNoValue(const ValueAt& found, const std::string& path,
   constexpr std::size_t kMostNamed = 12;
   std::vector<std::string> paths = PathsFrom(found.reached, *found.last);
   if (found.reached.empty()) paths.insert(paths.end(), others.begin(), others.end());
-  // The last name alone: what it shares with all others would make any of them near.
+  // Compare only the last names, since all paths have the same beginning.
   std::vector<std::string> names;
   const std::string prefix = found.reached.empty() ? "" : found.reached + ".";
   if (!found.last->is_array()) {

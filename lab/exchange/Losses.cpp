@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t kLongestExample = 120;
 
-// A text of any length must not fill the screen. What is cut is never half a character.
+// Shortens a long text so that it does not fill the screen. Does not cut characters in half.
 std::string shortened(const std::string& text) {
   if (text.size() <= kLongestExample) return text;
   std::size_t end = kLongestExample;

@@ -9,40 +9,42 @@
 
 namespace vex2::lab {
 
-/// Values of one kind that did not come through an export or an import as they were.
+/// Values of one kind that an export or an import left out or changed.
 struct Loss {
   std::string what;         ///< the kind of value, as "times of readings"
-  std::uint64_t count = 0;  ///< how many values
-  std::string example;      ///< the first of them, with the place where it stands
-  /// Whether the values are there in another form: rounded, renamed or put elsewhere. Otherwise
-  /// they are left out.
+  std::uint64_t count = 0;  ///< number of values
+  std::string example;      ///< the first of them, with its place
+  /// Whether the values were kept in another form: rounded, renamed or moved. Otherwise they were
+  /// left out.
   bool isChanged = false;
 
   /// Whether all fields are equal.
   friend bool operator==(const Loss&, const Loss&) = default;
 };
 
-/// What an export or an import could not bring over, by kind, in the order in which it was met.
-/// Nothing is dropped without being listed here.
+/// Everything that an export or an import left out or changed, by kind, in the order in which it
+/// was found. Everything that is dropped is listed here.
 struct VEX2_API Losses {
   std::vector<Loss> losses;  ///< every kind with its count and example
 
-  /// Counts values of the kind `what` that are left out. Of the calls with the same kind the first
-  /// gives the example.
+  /// Counts `count` values of the kind `what` that are left out. The first call for a kind sets the
+  /// example.
   void Add(std::string_view what, const std::string& example, std::uint64_t count = 1);
-  /// Counts values of the kind `what` that come over in another form.
+  /// Counts `count` values of the kind `what` that are kept in another form. The first call for a
+  /// kind sets the example.
   void AddChanged(std::string_view what, const std::string& example, std::uint64_t count = 1);
 
   /// Every kind of loss, with its count and example.
   const std::vector<Loss>& List() const { return losses; }
-  /// Whether everything came over as it was.
+  /// Whether everything was kept unchanged.
   bool IsEmpty() const { return losses.empty(); }
 };
 
-/// A line about the loss for people: "left out: 12 times of readings, as A1 amplification cycle 1".
+/// The loss as a line of text for users: "left out: 12 times of readings, as A1 amplification cycle
+/// 1".
 VEX2_API std::string TextOf(const Loss& loss);
 
-/// The report of all losses as a JSON object on several lines, with the key "version"; `source` and
+/// The report of all losses as a JSON object on several lines, with the key "version". `source` and
 /// `target` are the paths of the files.
 VEX2_API std::string LossReportJson(const Losses& losses, const std::string& source,
                                     const std::string& target);

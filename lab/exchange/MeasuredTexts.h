@@ -9,17 +9,17 @@
 
 namespace vex2::lab {
 
-/// The texts of readings that were stored with one scale. A stored number is one of 65,536 and
-/// comes again and again, so that its text is made once.
+/// The texts of readings that were stored with one scale. Each of the 65,536 stored numbers occurs
+/// many times, so its text is made only once.
 class MeasuredTexts {
  public:
   explicit MeasuredTexts(const ReadingScale& scale);
 
-  /// Appends the text of the reading that `stored` stands for, see `ReadingScale::MeasuredText`.
+  /// Appends the text of the reading that `stored` represents, see `ReadingScale::MeasuredText`.
   void AppendTo(std::string& out, std::uint16_t stored);
 
  private:
-  /// A text of at most 15 characters; not made yet while it has none.
+  /// A text of at most 15 characters; empty until it is made.
   struct Text {
     std::array<char, 15> characters;
     std::uint8_t length;

@@ -17,7 +17,7 @@ namespace vex2::lab {
 
 namespace {
 
-// Things of the same name are told apart by their turn.
+// Gives entries with the same name different names, by their order.
 class Turns {
  public:
   std::string Name(const std::string& name) {
@@ -79,7 +79,7 @@ void addWells(const Vex2FileManager& document, PlateFacts& facts) {
     facts[{"wells", well.name}]["sample"] = well.sample;
     Turns turns;
     for (const Target& target : well.targets) {
-      // Its reporter is the detector's own, which is compared there.
+      // The reporter is not compared here, since it belongs to the detector.
       FactFields& fields = facts[{"wells", well.name + " " + turns.Name(target.detector)}];
       fields["task"] = target.task;
       fields["quantity"] = target.quantity ? ValueText(Value(*target.quantity)) : "none";
@@ -91,7 +91,7 @@ void addWells(const Vex2FileManager& document, PlateFacts& facts) {
     fields["flag"] = well.flag ? "set" : "not set";
     std::string flags;
     for (const bool isUsed : well.detectorFlags) flags += isUsed ? '1' : '0';
-    // How many detectors there are is told by themselves.
+    // Different numbers of detectors are found when the detectors are compared.
     if (flags.find('0') != std::string::npos) fields["flags of detectors"] = flags;
   }
 }

@@ -7,25 +7,24 @@
 
 namespace vex2::lab {
 
-/// The values of one thing in a plate, by their names.
+/// The values of one entry of a plate. The keys are the names of the fields.
 using FactFields = std::map<std::string, std::string>;
 
-/// A thing in a plate that is compared with the one of the same name in another.
+/// An entry of a plate, which is compared with the entry of the same name in another plate.
 struct FactPlace {
   std::string section;  ///< as "wells"
-  std::string place;    ///< as "A1"; empty where a section has one thing
+  std::string place;    ///< as "A1"; empty if the section has only one entry
 
   friend auto operator<=>(const FactPlace&, const FactPlace&) = default;
 };
 
-/// All that stands in a plate but its readings, in UTF-8.
+/// The whole content of a plate except its readings, in UTF-8.
 using PlateFacts = std::map<FactPlace, FactFields>;
 
 /// The plate's header, settings, program, wells, detectors, dyes and calibration.
 PlateFacts FactsOf(const Document::Plate& plate);
 
-/// The section in which the values of a top-level record of this tag stand; empty for a kind of
-/// record that no section covers.
+/// The section for the values of a top-level record with this tag; empty if no section has them.
 std::string SectionOf(std::string_view tag);
 
 }  // namespace vex2::lab

@@ -8,22 +8,24 @@
 
 namespace vex2::lab {
 
-/// Where the wells of a foreign plate go on a plate of 96 or 384 wells, the sizes that documents
-/// have. Wells keep their row and column where the plate is large enough in both directions;
-/// otherwise, as those of a ring of 72 tubes, they keep their number.
+/// Maps the wells of another program's plate to a plate of 96 or 384 wells, the sizes that
+/// documents have. Wells keep their row and column if the document's plate has at least as many
+/// rows and columns. Otherwise they keep their number, like those of a ring of 72 tubes.
 class PlateFit {
  public:
-  /// A plate of that many rows and columns; 0 for a size that the file does not give, so that
-  /// `mostNumber`, its largest number of a well, decides. Returns nothing if no document has room.
+  /// Finds the plate for a file with these rows and columns. If the file does not give them, both
+  /// are 0, and `mostNumber`, the largest well number in the file, decides. Returns nothing if no
+  /// document has room.
   static std::optional<PlateFit> Find(std::uint32_t rows, std::uint32_t columns,
                                       std::uint32_t mostNumber);
 
   const PlateLayout& Plate() const { return plate_; }
-  /// Whether the document's plate is the file's.
+  /// Whether the plate in the document has the same size as the plate in the file.
   bool IsSame() const { return plate_.rows == rows_ && plate_.columns == columns_; }
-  /// The well of this number in the file, from 1; nothing for one that is not on the plate.
+  /// The well in the document for this well number in the file, both from 1; nothing if the number
+  /// is not on the plate.
   std::optional<std::uint16_t> WellOf(std::uint32_t number) const;
-  /// "6 rows and 8 columns are 8 and 12".
+  /// The two sizes as a text: "6 rows and 8 columns are 8 and 12".
   std::string Text() const;
 
  private:

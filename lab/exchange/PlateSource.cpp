@@ -19,7 +19,8 @@ namespace vex2::lab {
 
 namespace {
 
-// What the tables of samples, targets and readings take from a document, or what is listed below.
+// Kinds of records that the tables of samples, targets and readings hold, or that the functions
+// below list.
 constexpr std::array kTabledKinds = {
     Kind::kGlobal,       Kind::kProgram,     Kind::kPlateSetup,   Kind::kRawData,
     Kind::kDetectorList, Kind::kCalibration, Kind::kRequiredDyes, Kind::kConfidence,
@@ -56,7 +57,7 @@ void listBlocks(const Document::Plate& plate, const PlateSource& source, Losses&
   }
 }
 
-// The head of the block of readings, where an import would make another one.
+// Lists the fields in the head of the data block that an import would set to other values.
 void listBlockHead(const PlateSource& source, Losses& losses) {
   if (source.Log() == nullptr) return;
   const auto isSet = [](const TimeStamp& time) {
@@ -96,7 +97,7 @@ void listCalibration(const Vex2FileManager& document, Losses& losses) {
   }
 }
 
-// The header's fields that tables do not have, where they are not those of a new document.
+// Lists the header's fields that tables do not have, if they differ from those of a new document.
 void listHeader(const Vex2FileManager& document, Losses& losses) {
   const Vex2HeaderData& header = document.GetHeaderData();
   const Vex2HeaderData fresh;
@@ -123,8 +124,9 @@ void listHeader(const Vex2FileManager& document, Losses& losses) {
   if (!hasUsualNumbers) losses.Add("fields of headers", "format or flag");
 }
 
-// The header marks wells as used. An import marks those with readings, or those that are set up, or
-// all.
+// Lists the wells that the header marks as used but an import would not, and the reverse. An import
+// marks the wells with readings; if there are none, the wells in the setup; if there are none
+// either, all wells.
 void listWellsInUse(const Vex2FileManager& document, const PlateSource& source, Losses& losses) {
   const Vex2HeaderData& header = document.GetHeaderData();
   std::set<std::uint32_t> used;
@@ -147,7 +149,7 @@ void listWellsInUse(const Vex2FileManager& document, const PlateSource& source, 
   }
 }
 
-// Descriptions and flags of wells, which the values of a plate do not have.
+// Lists descriptions and flags of wells, which the type Plate does not have.
 void listWells(const Vex2FileManager& document, const PlateSource& source, Losses& losses) {
   const std::vector<WellDetails> wells = WellDetailsOf(document);
   if (source.hasSetup && wells.size() != LayoutOf(document).WellCount()) {

@@ -12,10 +12,10 @@
 
 namespace vex2::lab {
 
-/// One plate of a document as it is exported: what exchange formats ask for, in UTF-8. Valid as
-/// long as the document.
+/// One plate of a document to be exported: the values that exchange formats need, in UTF-8. Valid
+/// as long as the document.
 struct PlateSource {
-  std::string name;  ///< of a plate in a study; empty otherwise
+  std::string name;  ///< name of a plate in a study; empty otherwise
   Plate plate;
   bool hasSetup = false;  ///< whether there is a plate setup, even one without wells
   std::vector<Detector> detectors;
@@ -25,28 +25,29 @@ struct PlateSource {
   std::string log;
   std::string assay;  ///< without trailing blanks
   std::optional<Program> program;
-  const AcquisitionDataComp* raw = nullptr;  ///< null where there are no raw readings
+  const AcquisitionDataComp* raw = nullptr;  ///< null if there are no raw readings
   std::optional<RecordedReadings> recorded;
-  std::optional<std::string> start;  ///< with its zone, or nothing
+  std::optional<std::string> start;  ///< start of the run with its zone; nothing if it is not known
 
-  /// What the log states; nothing if the meaning of the readings is not known.
+  /// What the log states; null if the meaning of the readings is not known.
   const RunLog* Log() const;
-  /// The place, from 0, of the well among those of each frame, the first one.
+  /// The index, from 0, of the first record of this well in each frame; nothing if there is none.
   std::optional<std::size_t> FindPosition(std::uint16_t well) const;
-  /// Names of channels; one empty name where they have none.
+  /// The names of the channels; one empty name if there is a single channel without a name.
   std::vector<std::string> Channels() const;
 };
 
-/// The plate as it is exported.
+/// Collects the values of the plate.
 PlateSource SourceOf(const Document::Plate& plate);
 
-/// A reading of one channel, with the frame that it is from.
+/// A reading of one well with the frame that it is from.
 struct SourceReading {
   std::uint64_t frame = 0;  ///< from 0
   RunReading reading;
 };
 
-/// Calls `take` with each filled and known record of the well at `position`, by frames.
+/// Calls `take` for each reading with a known meaning, in the order of the frames. `position` is
+/// the index of the well.
 template <typename Take>
 void ForEachReading(const PlateSource& source, std::size_t position, const Take& take) {
   if (source.Log() == nullptr) return;
@@ -60,15 +61,15 @@ void ForEachReading(const PlateSource& source, std::size_t position, const Take&
   }
 }
 
-/// The values of the plate that no table of samples, targets and readings holds: records of other
-/// kinds, further data blocks, details of detectors and wells.
+/// Lists as lost the values of the plate that are in no table of samples, targets or readings:
+/// records of other kinds, further data blocks, details of detectors and wells.
 void ListUntabled(const Document::Plate& plate, const PlateSource& source, Losses& losses);
 
-/// Lists as lost what a study holds besides its plates, and the bytes after the last record of any
-/// document.
+/// Lists as lost what a study holds besides its plates. For any document, also lists the bytes
+/// after the last record.
 void ListBesidePlates(const Document& document, Losses& losses);
 
-/// "A1 amplification cycle 7".
+/// The name of a reading: "A1 amplification cycle 7".
 std::string ReadingName(const PlateSource& source, std::uint16_t well, const RunReading& reading);
 
 }  // namespace vex2::lab

@@ -11,7 +11,7 @@ namespace vex2::lab {
 namespace {
 
 constexpr std::string_view kDescription = "description";
-// In the order in which they are written.
+// The fields of a step, in the order in which they are written.
 constexpr std::array<std::string_view, 11> kFields = {
     "temperature", "high", "low",    "seconds", "temperature-change", "seconds-change", "measure",
     "ramp",        "goto", "repeat", "pause"};
@@ -36,7 +36,7 @@ bool isOptionalNumber(const ProgramStep& step, std::string_view field) {
   return step.Field(field).empty() || isNumber(step.Field(field));
 }
 
-// Whether the fields are those of one kind of step.
+// Whether the step has the fields of exactly one kind of step, with valid values.
 bool isValid(const ProgramStep& step) {
   const auto has = [&](std::string_view field) { return step.fields.contains(field); };
   const int kinds = (has("temperature") ? 1 : 0) + (has("high") ? 1 : 0) + (has("goto") ? 1 : 0) +
@@ -121,7 +121,7 @@ std::optional<SteppedProgram> ParseProgram(std::string_view text) {
       return std::nullopt;
     }
   }
-  // Another text may mean the same, and would not come back as it was.
+  // A text in another form could mean the same program, but would not be restored exactly.
   if (program.steps.empty() || program.name.empty() || ProgramText(program) != text) {
     return std::nullopt;
   }

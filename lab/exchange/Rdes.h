@@ -12,18 +12,18 @@
 namespace vex2::lab {
 
 /// Writes the readings of one stage of a plate as an RDES table, and lists in `losses` what the
-/// table cannot hold: of all that stands beside the readings where `listsRest` is set. A table of
-/// an amplification has the cycles of `analysis`, which may be null.
+/// table cannot hold. If `listsRest`, also lists everything in the plate besides the readings. A
+/// table of an amplification has the quantification cycles of `analysis`, which may be null.
 void WriteRdes(std::ostream& out, const PlateSource& source, bool melting, bool listsRest,
                Losses& losses, const CqAnalysis* analysis = nullptr);
 
-/// Whether the plate has known readings of that stage.
+/// Whether the plate has readings with a known meaning in this stage.
 bool HasStage(const PlateSource& source, bool melting);
 
-/// Whether the text begins as an RDES table.
+/// Whether the text begins like an RDES table.
 bool IsRdes(std::string_view text);
 
-/// The run in an RDES table, which `text` is. Errors name `file`, and the row and the column.
+/// Reads the run in the RDES table `text`. Errors name `file`, the row and the column.
 ExchangedRun ReadRdes(std::string_view text, const std::string& file, Losses& losses);
 
 }  // namespace vex2::lab

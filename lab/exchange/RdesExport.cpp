@@ -13,7 +13,7 @@ namespace vex2::lab {
 
 namespace {
 
-// Cells have no tabs and no line ends.
+// The text without tabs and line ends, which a cell cannot hold.
 std::string cellOf(const std::string& text, Losses& losses) {
   std::string cell = text;
   std::replace_if(
@@ -45,7 +45,7 @@ class RdesWriter {
   }
 
  private:
-  // What the plan of an RDML file loses is listed once for both tables of a plate.
+  // Does not list the losses of the plan, since they are listed once for both tables of a plate.
   rdml::Plan planOf(const CqAnalysis* analysis) const {
     Losses ignored;
     return rdml::PlanOf({&source_}, ignored, melting_ ? nullptr : analysis);
@@ -76,7 +76,7 @@ class RdesWriter {
     columns_.assign(columns.begin(), columns.end());
   }
 
-  // A sample has one type for all its targets.
+  // A sample has the same type for all its targets.
   std::string typeOf(const rdml::Sample& sample) {
     std::string type = "unkn";
     bool isFirst = true;

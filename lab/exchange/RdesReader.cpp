@@ -37,7 +37,7 @@ std::vector<std::string_view> cellsOf(std::string_view line) {
   }
 }
 
-/// Reads a table, row by row.
+/// Reads a table row by row.
 class RdesReader {
  public:
   RdesReader(std::string_view text, std::string file, Losses& losses)
@@ -107,7 +107,8 @@ class RdesReader {
     columns_.push_back(*value);
   }
 
-  // A name as "A1", or the number of a tube with or without an A.
+  // Row and column of a well name such as "A1", or of a tube number with or without an "A" in
+  // front; 0 and 0 for any other text.
   static std::pair<std::uint32_t, std::uint32_t> placeOf(std::string_view name) {
     const std::string plain = PlainWellName(name);
     const std::size_t digits = std::min(plain.find_first_of("0123456789"), plain.size());
@@ -146,7 +147,7 @@ class RdesReader {
     return plate_->WellOf((line - 1) * columnsOfFile_ + column).value_or(1);
   }
 
-  // A well with several rows has a channel for each, called after its dye.
+  // If a well has several rows, each is a channel with the name of its dye.
   void chooseChannels() {
     std::map<std::uint16_t, std::map<std::string, int>> turns;
     bool isSeveral = false;
@@ -255,7 +256,7 @@ class RdesReader {
   bool melting_ = false;
   std::vector<double> columns_;
   std::vector<Row> rows_;
-  std::vector<std::string> channels_;  ///< of each row
+  std::vector<std::string> channels_;  ///< channel name of each row
   std::uint32_t columnsOfFile_ = 0;
   std::optional<PlateFit> plate_;
   std::map<std::string, bool> references_;

@@ -9,14 +9,14 @@
 
 #include "lab/exchange/ProgramSteps.h"
 
-/// What an RDML file says, with its references as they are in the file.
+/// The content of an RDML file, with its references as they are in the file.
 namespace vex2::lab::rdml {
 
 /// The readings of one target in one stage.
 struct Points {
-  std::vector<std::uint16_t> cycles;  ///< of amplification
-  std::vector<float> temperatures;    ///< NaN where none is given
-  std::vector<double> readings;       ///< NaN where one is missing
+  std::vector<std::uint16_t> cycles;  ///< only for amplification
+  std::vector<float> temperatures;    ///< NaN if none is given
+  std::vector<double> readings;       ///< NaN for a missing reading
 };
 
 struct ReadData {
@@ -26,7 +26,7 @@ struct ReadData {
 };
 
 struct ReadReact {
-  std::uint32_t number = 0;  ///< from 1, by rows
+  std::uint32_t number = 0;  ///< well number from 1, counted along the rows
   std::string sample;
   std::vector<ReadData> data;
 };
@@ -37,27 +37,27 @@ struct ReadRun {
   std::string description;
   std::vector<std::string> documentation;
   std::string conditions;
-  std::uint32_t rows = 0;  ///< 0: not given
+  std::uint32_t rows = 0;  ///< 0 if not given
   std::uint32_t columns = 0;
   std::string date;
   std::vector<ReadReact> reacts;
   std::uint64_t line = 0;
 };
 
-/// Values of a sample by targets; the key "" is for all others.
+/// Values of a sample by target; the key "" is for all other targets.
 template <typename Value>
 using ByTarget = std::map<std::string, Value>;
 
 struct ReadSample {
   std::optional<std::string> name;
   ByTarget<std::string> types;
-  ByTarget<std::string> tasks;  ///< as an export of this library keeps them
+  ByTarget<std::string> tasks;  ///< the tasks that an export of this library keeps
   ByTarget<float> quantities;
   bool isCalibrator = false;
 };
 
 struct ReadTarget {
-  std::string name;  ///< empty: the identifier
+  std::string name;  ///< if empty, the identifier
   bool isDetector = true;
   std::string description;
   std::string dye;
@@ -67,7 +67,7 @@ struct ReadTarget {
 struct Content {
   std::string version;
   std::map<std::string, std::string> documentation;
-  std::vector<std::string> dyes;  ///< identifiers in the file's order
+  std::vector<std::string> dyes;  ///< identifiers in the order of the file
   std::set<std::string> unnamedDyes;
   std::map<std::string, ReadSample> samples;
   std::vector<std::string> targetOrder;

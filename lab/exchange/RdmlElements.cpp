@@ -10,13 +10,14 @@ namespace vex2::lab::rdml {
 
 namespace {
 
-// Steps of programs become lines of printable ASCII.
+// Documents store the steps of programs as lines of printable ASCII, so replace all other
+// characters.
 std::string plainText(std::string_view text, Losses& losses) {
   std::string plain;
   bool isSame = true;
   for (const char c : text) {
     const auto code = static_cast<unsigned char>(c);
-    if ((code & 0xC0U) == 0x80U) continue;  // the rest of a character
+    if ((code & 0xC0U) == 0x80U) continue;  // further byte of a character
     const bool isPlain = code >= 0x20U && code < 0x7FU;
     isSame = isSame && isPlain;
     plain += isPlain ? c : code < 0x80U ? ' ' : '?';
@@ -27,7 +28,7 @@ std::string plainText(std::string_view text, Losses& losses) {
 
 }  // namespace
 
-/// The elements of each part of a file.
+/// The functions for each element of a file.
 struct RdmlElements {
   using Table = std::unordered_map<std::string, RdmlElement>;
 
@@ -145,7 +146,7 @@ struct RdmlElements {
 
   static SteppedProgram& program(RdmlReader& r) { return r.content_.conditions[r.id_]; }
 
-  // A field of the last step.
+  // Sets a field of the last step.
   template <char const* name>
   static void takeField(RdmlReader& r, std::string_view text) {
     if (text.empty()) return;

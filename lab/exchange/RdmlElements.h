@@ -8,8 +8,8 @@ namespace vex2::lab::rdml {
 
 class RdmlReader;
 
-/// What to do at the beginning and at the end of an element. `text` is the text of the element at
-/// its end, and empty at its beginning.
+/// The functions to call at the beginning and at the end of an element. `text` is the text of the
+/// element at its end, and empty at its beginning.
 struct RdmlElement {
   using Work = void (*)(RdmlReader& reader, std::string_view text);
 
@@ -17,8 +17,8 @@ struct RdmlElement {
   Work end = nullptr;
 };
 
-/// The element at this path, as "rdml/sample/type"; null for one of which no document holds
-/// anything.
+/// The functions for the element at this path, as "rdml/sample/type"; null if documents store
+/// nothing of such elements.
 const RdmlElement* FindElement(const std::string& path);
 
 }  // namespace vex2::lab::rdml

@@ -11,26 +11,27 @@
 
 namespace vex2::lab {
 
-/// What an RDML file of a document is to hold.
+/// What to write to the RDML file of a document.
 struct RdmlOptions {
-  /// The name of the one plate of a study that is written, without the study; nothing: all plates,
-  /// each as a run.
+  /// The name of a plate of a study. Only that plate is written, as a single run. If it is not
+  /// given, all plates are written, each as a run.
   std::optional<std::string> plate = {};
-  /// Whether the document is in the archive, too, so that an import gives back its very bytes.
+  /// Whether the archive also contains the document itself, so that an import restores it byte for
+  /// byte.
   bool embedsDocument = true;
-  /// Quantification cycles are found in this way, as `AnalyseCq` does, and written with their
-  /// method, baselines and thresholds; nothing: none are written.
+  /// The method of finding quantification cycles, see `AnalyseCq`. The cycles are written with
+  /// their baselines and thresholds. If it is not given, no cycles are written.
   std::optional<CqMethod> cq = {};
 };
 
 /// Writes the document at `path` to `out` as an RDML archive of version 1.3: experiment, samples
-/// with types and quantities, targets, dyes, thermal cycling conditions where the program's text is
-/// one of steps, the run with its plate, and the readings of which this library knows the meaning,
-/// by wells. The same document makes the same bytes. Returns what RDML cannot hold, even if the
-/// document is embedded.
+/// with types and quantities, targets, dyes, thermal cycling conditions if the program's text has
+/// steps, the run with its plate, and the readings of each well whose meaning is known. The same
+/// document always gives the same bytes. Returns what RDML cannot hold, even if the document is
+/// embedded.
 ///
-/// Throws `Error` when the document cannot be read, `kNoSuchPlate` for a plate that it does not
-/// have, and as `AnalyseCq` does. What was written to `out` is of no use then.
+/// Throws `Error` if the document cannot be read, `kNoSuchPlate` for a plate that it does not have,
+/// and the errors of `AnalyseCq`. The bytes in `out` are not usable then.
 VEX2_API Losses ExportRdml(const std::filesystem::path& path, std::ostream& out,
                            const RdmlOptions& options = {});
 

@@ -17,8 +17,8 @@ namespace {
 
 constexpr std::size_t kPart = 1U << 16U;
 
-// Stands beside the document in an archive, so that an import knows whether another program has
-// changed the XML since.
+// The comment on the embedded document in an archive, from which an import finds out whether
+// another program has changed the XML since.
 std::string checksumComment(std::uint32_t checksum) {
   return std::string(rdml::kMember) + " " + std::to_string(checksum);
 }
@@ -82,7 +82,8 @@ RdmlSource::RdmlSource(std::string_view bytes, std::string name)
   xml_ = findXml();
 }
 
-// Some programs give the member another name: then the first member that begins as RDML is taken.
+// Finds the XML. Some programs give it another name; then it is the first member that begins like
+// RDML.
 std::size_t RdmlSource::findXml() const {
   if (const auto found = zip_->Find(rdml::kMember)) return *found;
   const auto& members = zip_->Members();

@@ -14,34 +14,34 @@
 namespace vex2::lab {
 
 /// Writes the plates of a document as an RDML archive of version 1.3 and lists what RDML cannot
-/// hold. With `embeds` the document is in the archive, too, as it is in its file. `analysis`, of
-/// the whole document, may be null.
+/// hold. If `embeds`, the archive also contains the document's file. `analysis` is that of the
+/// whole document, and may be null.
 Losses WriteRdml(std::ostream& out, const Document& document,
                  const std::vector<Document::Plate>& plates, bool embeds,
                  const CqAnalysis* analysis = nullptr);
 
-/// An RDML file: the archive, or the XML alone.
+/// An RDML file: an archive, or XML alone.
 class RdmlSource {
  public:
-  /// What is known of the document in an archive.
+  /// The state of the document in an archive.
   enum class Embedded {
     kNone,
-    kCurrent,   ///< the XML is the one that was made of it
+    kCurrent,   ///< the XML was made from it
     kOutdated,  ///< another program has changed the XML since
   };
 
-  /// Reads the list of the archive in the file at `path`. `name` is what errors call it.
+  /// Reads the list of the archive in the file at `path`. Errors call the file `name`.
   RdmlSource(std::string path, std::string name);
-  /// Reads the list of the archive in `bytes`, which must outlive the object. `name` is what errors
-  /// call it.
+  /// Reads the list of the archive in `bytes`, which must outlive the object. Errors call the file
+  /// `name`.
   RdmlSource(std::string_view bytes, std::string name);
 
   Embedded HasDocument() const;
-  /// Hands `take` the bytes of the document in the archive.
+  /// Calls `take` with the bytes of the document in the archive, piece by piece.
   void ReadDocument(const std::function<void(std::string_view)>& take) const;
 
-  /// The runs in the XML. Lists what no document can hold; with `merges`, runs that are parts of
-  /// one plate become one, and `onMerged` is told their names.
+  /// Reads the runs in the XML, and lists what no document can hold. If `merges`, runs that are
+  /// parts of one plate are joined, and `onMerged` is called with their names.
   std::vector<ExchangedRun> ReadRuns(
       Losses& losses, bool merges,
       const std::function<void(const std::string&, const std::string&)>& onMerged) const;
@@ -52,14 +52,14 @@ class RdmlSource {
   void readXml(const std::function<bool(std::string_view)>& take) const;
   void listMembers(Losses& losses) const;
 
-  std::string path_;  ///< of XML alone
+  std::string path_;  ///< empty if the file is in memory
   std::string_view bytes_;
   std::string name_;
   std::unique_ptr<ZipReader> zip_;  ///< null for XML alone
-  std::size_t xml_ = 0;             ///< place of the member
+  std::size_t xml_ = 0;             ///< index of the XML in the archive
 };
 
-/// Whether the bytes begin as an archive.
+/// Whether the bytes begin like a ZIP archive.
 bool IsZip(std::string_view bytes);
 
 }  // namespace vex2::lab

@@ -27,7 +27,7 @@ Reacts reactsOf(const ReadRun& run) {
   return reacts;
 }
 
-// Whether the data of a well could stand in one file side by side.
+// Whether the data of two wells can be joined in one well.
 bool fit(const Content& content, const ReadReact& one, const ReadReact& other) {
   for (const ReadData& left : one.data) {
     for (const ReadData& right : other.data) {

@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::string_view kPlainAssay = Assay::kAbsolute.code;
 
-// Identifiers must not be empty, and stand once.
+// Makes identifiers that are not empty and are all different.
 class Identifiers {
  public:
   std::string Take(const std::string& wanted, std::string_view otherwise) {
@@ -69,7 +69,7 @@ class Planner {
   Plan Take() { return std::move(plan_); }
 
  private:
-  // How many readings have something in common, and the first of them.
+  // Counts readings of one kind, and keeps the first of them as an example.
   struct Tally {
     std::uint64_t count = 0;
     std::uint16_t well = 0;
@@ -83,7 +83,8 @@ class Planner {
   };
 
   using TargetKey = std::array<std::string, 3>;  ///< name, dye and description
-  using CurveKey = std::tuple<std::string, std::uint16_t, std::string>;  ///< by plate and detector
+  /// Plate, well and detector.
+  using CurveKey = std::tuple<std::string, std::uint16_t, std::string>;
 
   const CqResult* cyclesOf(const Well& well, const std::string& detector) const {
     const auto found = cycles_.find(CurveKey(source_->name, well.number, detector));
@@ -126,8 +127,8 @@ class Planner {
     if (!addConditions(text)) addText(kProgram, text);
   }
 
-  // Plates of a study may have the same program. False for a text that is not one of steps, and for
-  // another program of the same name.
+  // Adds the program of a plate, unless another plate of the study has the same one. Returns false
+  // if the text does not consist of steps, or if another program has the same name.
   bool addConditions(const std::string& text) {
     const auto program = ParseProgram(text);
     if (!program) return false;
@@ -184,7 +185,7 @@ class Planner {
     losses_.AddChanged("dyes that the list of required dyes lacks, added to it", dye);
   }
 
-  // The target of a well, which may have another reporter than the list of detectors says.
+  // The target of a well. If the list of detectors lacks it, it is added with the well's reporter.
   std::size_t targetOf(const Target& target) {
     const auto found = detectors_.find({source_, target.detector});
     if (found != detectors_.end()) return found->second;
@@ -195,8 +196,8 @@ class Planner {
     return index;
   }
 
-  // The index of a target that is made for a channel, for wells that have readings of it but no
-  // target.
+  // The index of a target that stands for a channel. It is for wells that have readings of the
+  // channel but no target.
   std::size_t placeholderOf(const std::string& channel) {
     const auto [entry, isNew] = placeholders_.emplace(channel, plan_.targets.size());
     if (!isNew) return entry->second;
@@ -249,8 +250,8 @@ class Planner {
     }
   }
 
-  // A channel belongs to the target whose reporter it is called after; a run's only channel, which
-  // has no name, to the first.
+  // Assigns each channel to the target whose reporter has the channel's name. If the run has only
+  // one channel, without a name, it belongs to the first target.
   void assignChannels(const Well& well, React& react) {
     const std::vector<std::string> channels = source_->Channels();
     for (std::size_t channel = 0; channel < channels.size(); ++channel) {
@@ -262,7 +263,7 @@ class Planner {
       if (found != react.data.end()) {
         found->channel = channel;
       } else {
-        // Where wells name no detector, an analysis calls the curves after their channels.
+        // If wells name no detector, an analysis names the curves by their channels.
         react.data.push_back(
             {placeholderOf(channels[channel]), channel, cyclesOf(well, channels[channel])});
       }
@@ -273,7 +274,7 @@ class Planner {
     }
   }
 
-  // The first sample of that name that is nothing else for the same targets.
+  // The first sample with this name whose uses agree for all targets that they have in common.
   std::size_t sampleOf(const Well& well, const std::map<std::size_t, SampleUse>& uses) {
     const std::string key = well.sample.empty() ? "\n" + well.name : well.sample;
     for (const std::size_t index : samples_[key]) {
@@ -297,8 +298,8 @@ class Planner {
     return plan_.samples.size() - 1;
   }
 
-  // Lists what RDML cannot hold of the readings: those of unknown meaning, without a value or given
-  // twice, their times, and their order.
+  // Lists what RDML cannot hold of the readings: those whose meaning is not known, records without
+  // a reading, repeated readings, the times, and the order.
   void listReadings() {
     if (source_->raw == nullptr) return;
     const auto wells = source_->raw->GetWellNumbers();

@@ -10,7 +10,8 @@
 #include "lab/analysis/Cq.h"
 #include "lab/exchange/PlateSource.h"
 
-/// What an RDML file is to hold, before it is written. All texts are such as XML can hold.
+/// The content of an RDML file before it is written. All texts have only characters that XML can
+/// hold.
 namespace vex2::lab::rdml {
 
 struct Dye {
@@ -20,14 +21,14 @@ struct Dye {
 
 struct TargetEntry {
   std::string id;
-  std::string detector;    ///< its name where that is not the identifier
-  bool isDetector = true;  ///< otherwise it stands for readings that no target was named for
+  std::string detector;    ///< name of the detector if it differs from the identifier
+  bool isDetector = true;  ///< if false, it stands for readings without a target
   std::string description;
-  std::string dye;  ///< identifier
+  std::string dye;  ///< identifier of the dye
   bool isReference = false;
 };
 
-/// What a sample is for one target.
+/// The task and the quantity of a sample for one target.
 struct SampleUse {
   std::string task;
   std::optional<float> quantity;
@@ -37,8 +38,8 @@ struct SampleUse {
 
 struct Sample {
   std::string id;
-  std::optional<std::string> name;        ///< where that is not the identifier
-  std::map<std::size_t, SampleUse> uses;  ///< by targets
+  std::optional<std::string> name;        ///< the name if it differs from the identifier
+  std::map<std::size_t, SampleUse> uses;  ///< by target
   bool isCalibrator = false;
 };
 
@@ -46,14 +47,14 @@ struct Sample {
 struct Data {
   std::size_t target = 0;
   std::optional<std::size_t> channel;  ///< nothing if the target has no readings
-  const CqResult* cq = nullptr;        ///< null where none was looked for
+  const CqResult* cq = nullptr;        ///< null if quantification cycles were not analysed
 };
 
 struct React {
-  std::uint16_t well = 0;  ///< from 1
+  std::uint16_t well = 0;  ///< well number, from 1
   std::size_t sample = 0;
   std::vector<Data> data;
-  std::optional<std::size_t> position;  ///< of the well in each frame
+  std::optional<std::size_t> position;  ///< index of the well in each frame
 };
 
 struct Documentation {
@@ -65,9 +66,9 @@ struct Run {
   std::string id;
   const PlateSource* source = nullptr;
   std::vector<std::string> documentation;  ///< identifiers
-  std::string_view cqMethod;               ///< empty where no cycles were looked for
-  std::optional<std::size_t> conditions;   ///< of `Plan::conditions`
-  std::vector<React> reacts;               ///< ascending by wells
+  std::string_view cqMethod;               ///< empty if quantification cycles were not analysed
+  std::optional<std::size_t> conditions;   ///< index in `Plan::conditions`
+  std::vector<React> reacts;               ///< ascending by well
 };
 
 struct Plan {
@@ -79,8 +80,8 @@ struct Plan {
   std::vector<Run> runs;
 };
 
-/// Arranges the plates as an RDML file, and lists what it cannot hold. `analysis`, of all the
-/// plates, may be null. The sources and the analysis must outlive the plan.
+/// Arranges the plates as an RDML file, and lists what such a file cannot hold. `analysis` is that
+/// of all plates, and may be null. The sources and the analysis must outlive the plan.
 Plan PlanOf(const std::vector<const PlateSource*>& sources, Losses& losses,
             const CqAnalysis* analysis = nullptr);
 

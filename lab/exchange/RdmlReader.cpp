@@ -24,7 +24,8 @@ std::string_view trimmed(std::string_view text) {
   return text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin);
 }
 
-// Texts in which an export keeps what a document holds, with every blank.
+// Whether the element at this path holds a text of the exported document, in which every blank
+// counts.
 bool isVerbatim(const std::string& path) {
   return path == "rdml/documentation/text" || path == "rdml/experiment/run/description" ||
          path == "rdml/sample/annotation/value" || path == "rdml/target/xRef/id";
@@ -128,7 +129,7 @@ void RdmlReader::endReact() {
   if (const auto value = NumberIn<std::uint32_t>(react_)) {
     done.number = *value;
   } else if (run().columns > 0) {
-    // Some programs write names of wells.
+    // Some programs write the name of the well instead of its number.
     done.number = WellNumber(PlainWellName(react_), run().rows, run().columns).value_or(0);
   }
   if (done.number > 0) return;

@@ -9,16 +9,16 @@
 
 namespace vex2::lab::rdml {
 
-/// Reads the XML of an RDML file of version 1.0 to 1.3, in pieces, whatever the order of its
-/// elements and whichever of them are missing or empty. What a document cannot hold is listed.
-/// Errors name the line and the element.
+/// Reads the XML of an RDML file of version 1.0 to 1.3, piece by piece. Elements may be in any
+/// order, missing or empty. Lists what a document cannot hold. Errors name the line and the
+/// element.
 class RdmlReader final : public XmlHandler {
  public:
   /// `losses` must outlive the reader.
   RdmlReader(std::string name, Losses& losses);
 
   void Feed(std::string_view bytes) { xml_.Feed(bytes); }
-  /// What was read, once all of it was fed.
+  /// The content, after all pieces were fed.
   Content Finish();
 
   void Begin(const std::string& path, const std::vector<XmlAttribute>& attributes) override;
@@ -40,10 +40,11 @@ class RdmlReader final : public XmlHandler {
 
   Losses& losses_;
   Content content_;
-  // What is known of the element that is being read.
-  std::string id_;  ///< of the entry at the second level
+  // The state of the element that is being read.
+  std::string id_;  ///< identifier of the enclosing element at the second level
   std::string experiment_;
-  std::string attribute_;  ///< "id" or "targetId" of the innermost element, or its first one
+  /// Attribute "id" or "targetId" of the innermost element, or its first attribute.
+  std::string attribute_;
   std::string property_;
   std::string reference_;
   std::string quantity_;

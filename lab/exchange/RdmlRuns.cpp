@@ -19,7 +19,7 @@ constexpr std::string_view kPlainTask = "UNKN";
 constexpr std::string_view kReferenceSetting = "endogenous-control";
 constexpr std::string_view kCalibratorSetting = "calibrator";
 
-// Whether an identifier is `base`, or one of several of that name.
+// Whether an identifier is `base`, or `base` followed by a number in brackets.
 bool isNamed(std::string_view id, std::string_view base) {
   return id.starts_with(base) && (id.size() == base.size() || id.substr(base.size(), 2) == " (");
 }
@@ -35,7 +35,7 @@ const Value* valueFor(const ByTarget<Value>& values, const std::string& target) 
   return found != values.end() ? &found->second : nullptr;
 }
 
-// The date and time with its zone; parts of a second are cut off.
+// The date and time with its zone; fractions of a second are cut off.
 std::optional<std::string> startOf(const std::string& date, Losses& losses) {
   if (date.empty()) return std::nullopt;
   std::string whole = date;
@@ -50,7 +50,7 @@ std::optional<std::string> startOf(const std::string& date, Losses& losses) {
   return whole;
 }
 
-/// The names of the file as its documents have them.
+/// The names in the file, converted to names in its documents.
 struct Names {
   explicit Names(Losses& losses)
       : samples("names of samples", losses),
@@ -62,7 +62,7 @@ struct Names {
   StorableNames dyes;
 };
 
-/// Makes one run of the file a run for a document.
+/// Converts one run of the file to a run for a document.
 class Converter {
  public:
   Converter(const Content& content, const ReadRun& run, std::string file, Names& names,
@@ -142,8 +142,9 @@ class Converter {
     }
   }
 
-  // In a file of several runs each document gets the targets of its own run, and those of none.
-  // An own export says which stand in the list of detectors.
+  // Whether the document of this run gets the target. If the file has several runs, a document gets
+  // the targets of its run and those of no run. If this library exported the file, the file says
+  // which targets are in the list of detectors.
   bool isOfRun(const std::string& target) {
     if (content_.runs.size() < 2 && !kept_) return true;
     const auto names = [&](const ReadRun& run) {
@@ -194,7 +195,8 @@ class Converter {
     }
   }
 
-  // An own export has all settings there; what other programs read of them is derived.
+  // Takes the settings of a file that this library exported. They are complete, so values for other
+  // programs, which are derived from them, are not read.
   void takeSettings(std::string_view lines) {
     kept_ = KeptSettings::Parse(lines, losses_);
     result_.plan.settings = kept_->settings;
@@ -210,8 +212,9 @@ class Converter {
     result_.plan.program.assign(text.begin(), text.end());
   }
 
-  // A well with one reading in each frame needs no names of channels. Otherwise they are called
-  // after the dyes; a second target of the same dye has a channel of its own.
+  // Chooses the channels. A well with one reading in each frame needs no channel names. Otherwise
+  // the channels have the names of the dyes, and a second target with the same dye gets a separate
+  // channel.
   void chooseChannels() {
     std::vector<std::string> needed;
     std::size_t most = 0;
@@ -234,7 +237,8 @@ class Converter {
     result_.plan.channels = std::move(needed);
   }
 
-  // Whether the channels of the run that was exported are those of this one.
+  // Takes the channels from the log of the exported run, unless this run has other channels.
+  // Returns whether it took them.
   bool takeLoggedChannels(const std::vector<std::string>& needed, std::size_t most) {
     std::vector<std::string> channels;
     for (const std::string& channel : log_->channels) channels.push_back(ToUtf8(channel));
@@ -247,7 +251,7 @@ class Converter {
     return true;
   }
 
-  // The channel name for each data element of the well; empty for one without readings.
+  // The channel name for each data element of the well; empty for an element without readings.
   std::vector<std::string> channelNames(const ReadReact& react) {
     std::map<std::string, int> turns;
     std::vector<std::string> names;
@@ -257,7 +261,7 @@ class Converter {
       const ReadTarget* target = targetOf(data.target);
       name = target != nullptr ? dyeName(target->dye) : std::string();
       if (name.empty()) name = "unnamed";
-      // The log of a document keeps the names in one line, with commas between them.
+      // The log of a document stores the names in one line, separated by commas.
       std::replace_if(
           name.begin(), name.end(), [](char c) { return c == ',' || c == '\n' || c == '\r'; }, ' ');
       const int turn = ++turns[name];
@@ -358,10 +362,10 @@ class Converter {
   std::optional<PlateFit> plate_;
   std::optional<RunLog> log_;
   std::set<std::string> calibrators_;
-  std::optional<KeptSettings> kept_;  ///< of the document that was exported
+  std::optional<KeptSettings> kept_;  ///< the settings of the exported document
 };
 
-// What stands in the file, but in none of its runs.
+// Lists what is in the file, but in none of its runs.
 void listUnused(const Content& content, Losses& losses) {
   std::set<std::string> used;
   for (const ReadRun& run : content.runs) {

@@ -13,7 +13,7 @@ constexpr std::string_view kDye = "dye";
 constexpr std::string_view kAssay = "assay";
 constexpr std::string_view kSetup = "plate-setup";
 constexpr std::string_view kNone = "none";
-// Every record of settings has it.
+// Every settings record has this setting.
 constexpr std::string_view kPlainSetting = "version";
 
 bool isSetting(std::string_view name) {

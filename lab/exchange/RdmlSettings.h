@@ -9,22 +9,22 @@
 
 namespace vex2::lab::rdml {
 
-/// What an export keeps of a document that RDML has no element for, in a documentation element of
-/// lines NAME=VALUE: the settings, and what the lists of detectors and of required dyes hold.
+/// The values of a document for which RDML has no element: the settings, and the lists of detectors
+/// and required dyes. An export keeps them in a documentation element with lines NAME=VALUE.
 struct KeptSettings {
-  std::vector<SettingValue> settings;  ///< of one line each; read as texts
-  std::string assay;                   ///< empty: the usual one
+  std::vector<SettingValue> settings;  ///< each on one line; parsed as texts
+  std::string assay;                   ///< if empty, absolute quantification
   bool hasSetup = true;                ///< whether there is a plate setup, even an empty one
-  std::vector<std::string> targets;    ///< of the list of detectors, by their identifiers
-  std::vector<std::string> dyes;       ///< of the list of required dyes, by their identifiers
+  std::vector<std::string> targets;    ///< identifiers of the targets in the list of detectors
+  std::vector<std::string> dyes;       ///< identifiers of the dyes in the list of required dyes
 
-  /// Whether the document has a record of settings.
+  /// Whether the document has a settings record.
   bool HasSettings() const;
 
-  /// The lines. Identifiers of several lines, which are rare, do not come back.
+  /// The values as lines. Identifiers that contain line ends, which are rare, cannot be restored
+  /// from them.
   std::string Text() const;
-  /// What the lines say; lines that say nothing are passed over, and settings that no document has
-  /// are listed.
+  /// Parses the lines. Skips lines without "=", and lists settings that no document has.
   static KeptSettings Parse(std::string_view lines, Losses& losses);
 };
 

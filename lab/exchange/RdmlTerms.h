@@ -7,8 +7,8 @@
 
 #include "lab/analysis/Cq.h"
 
-/// The words that RDML and documents have for the same things, and those under which an export
-/// keeps what RDML has no element for.
+/// The terms of RDML and of documents for the same things, and the names under which an export
+/// keeps values for which RDML has no element.
 namespace vex2::lab::rdml {
 
 inline constexpr std::string_view kMember = "rdml_data.xml";
@@ -22,30 +22,32 @@ inline constexpr std::string_view kProgram = "vex thermal cycling program";
 
 /// Properties in annotations of samples.
 inline constexpr std::string_view kSampleName = "vex sample name";
-inline constexpr std::string_view kTask = "vex task of ";  ///< and the target's identifier
+/// The beginning of such a property; the identifier of the target follows.
+inline constexpr std::string_view kTask = "vex task of ";
 
-/// Names of references in targets: the detector's own name, or that there is no detector.
+/// Names of references in targets: the first for the detector's name, the second for a target that
+/// is not a detector.
 inline constexpr std::string_view kDetectorName = "vex detector name";
 inline constexpr std::string_view kNoDetector = "vex no detector";
 
-/// The description of the dye that stands where a detector names none.
+/// The description of a dye for detectors that have none.
 inline constexpr std::string_view kNoDye = "vex: no dye was named";
 
 struct TaskCode {
-  std::string_view task;  ///< in a document
-  std::string_view type;  ///< of a sample in RDML and RDES
+  std::string_view task;  ///< the task in a document
+  std::string_view type;  ///< the type of a sample in RDML and RDES
 };
 
-/// The first row of a type is that which an import takes.
+/// If a type is in several rows, an import uses the task in the first of them.
 inline constexpr std::array kTasks = {TaskCode{"UNKN", "unkn"}, TaskCode{"STND", "std"},
                                       TaskCode{"NTC", "ntc"}, TaskCode{"", "unkn"}};
 
-/// Types that documents have no task for: they are stored as these codes.
+/// Types for which documents have no task; they are stored as these codes.
 inline constexpr std::array kForeignTasks = {TaskCode{"NAC", "nac"}, TaskCode{"NTP", "ntp"},
                                              TaskCode{"NRT", "nrt"}, TaskCode{"POS", "pos"},
                                              TaskCode{"OPT", "opt"}};
 
-/// The type for a task; nothing if the formats have none.
+/// The type for a task; nothing if RDML and RDES have none.
 constexpr std::optional<std::string_view> TypeOf(std::string_view task) {
   for (const TaskCode& code : kTasks) {
     if (code.task == task) return code.type;
@@ -56,7 +58,7 @@ constexpr std::optional<std::string_view> TypeOf(std::string_view task) {
   return std::nullopt;
 }
 
-/// The task for a type; nothing for a type that the formats do not have.
+/// The task for a type; nothing for a type that RDML and RDES do not have.
 constexpr std::optional<std::string_view> TaskOf(std::string_view type) {
   for (const TaskCode& code : kTasks) {
     if (code.type == type) return code.task;
@@ -67,7 +69,7 @@ constexpr std::optional<std::string_view> TaskOf(std::string_view type) {
   return std::nullopt;
 }
 
-/// What RDML calls the way in which the quantification cycles were found.
+/// The name in RDML of the method that found the quantification cycles.
 inline std::string_view CqMethodName(const CqAnalysis& analysis) {
   if (analysis.method == CqMethod::kSecondDerivative) return "second derivative maximum";
   const auto automatic = static_cast<std::size_t>(
@@ -77,7 +79,7 @@ inline std::string_view CqMethodName(const CqAnalysis& analysis) {
   return automatic == 0 ? "manual threshold and baseline settings" : "other";
 }
 
-/// The quantification cycle of a curve that has none.
+/// What RDML stores as the quantification cycle of a curve without one.
 inline constexpr std::string_view kNoCq = "-1.0";
 
 }  // namespace vex2::lab::rdml

@@ -126,7 +126,7 @@ void writeCq(XmlWriter& xml, const CqResult& result) {
   leafIfAny(xml, "note", XmlText(result.note));
 }
 
-// The line to which the baseline was fitted, and the threshold above it.
+// Writes the line that was fitted as the baseline, and the threshold above it.
 void writeBaseline(XmlWriter& xml, const CqResult& result) {
   if (result.baseline) {
     xml.Leaf("bgFluor", floatText(static_cast<float>(result.baselineIntercept)));
@@ -140,7 +140,7 @@ void appendPoint(std::string& piece, const RunReading& reading, const std::strin
   if (!reading.melting) {
     piece.append("<cyc>").append(std::to_string(reading.cycle)).append("</cyc>");
   }
-  // 0 is what a document holds where no temperature was given.
+  // A document stores 0 if no temperature was given.
   if (reading.melting || reading.temperature != 0) {
     piece.append("<tmp>")
         .append(ShortestQuotient(reading.temperature, kTemperatureSteps))

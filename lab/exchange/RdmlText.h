@@ -8,13 +8,13 @@
 
 namespace vex2::lab::rdml {
 
-/// Which readings of a curve an RDML file can hold: each cycle of the amplification once, each
-/// temperature of the melting once.
+/// Selects the readings of a curve that an RDML file can hold: one for each cycle of the
+/// amplification, and one for each temperature of the melting.
 class CurveFilter {
  public:
-  /// Before the readings of the next curve.
+  /// Begins the next curve.
   void Begin();
-  /// Whether the reading, the next one of the curve, can be written.
+  /// Whether the next reading of the curve can be written.
   bool Takes(const RunReading& reading);
 
  private:
@@ -22,14 +22,14 @@ class CurveFilter {
   std::vector<bool> temperatures_;
 };
 
-/// The XML of an RDML file of version 1.3, in pieces: one for what stands before the runs, one for
-/// each well, so that a file of any size takes little memory.
+/// The XML of an RDML file of version 1.3 in pieces: one piece for everything before the runs, and
+/// one for each well. So a file of any size takes little memory.
 class RdmlText {
  public:
-  /// `plan` must outlive it.
+  /// `plan` must outlive the object.
   explicit RdmlText(const Plan& plan) : plan_(plan) {}
 
-  /// Makes `piece` the next piece; false when there is none left.
+  /// Sets `piece` to the next piece. Returns false if there is none left.
   bool Next(std::string& piece);
 
  private:

@@ -13,7 +13,8 @@ namespace vex2::lab {
 
 namespace {
 
-// Calls `take` with each record of the block: well by well, in each by frames.
+// Calls `take` for each record of the block: well by well, and for each well in the order of the
+// frames.
 template <typename Take>
 void forEachRecord(const ExportedBlock& block, const Take& take) {
   const auto columns = static_cast<std::uint32_t>(block.plate.content->GetHeaderCols());
@@ -33,8 +34,8 @@ void forEachRecord(const ExportedBlock& block, const Take& take) {
   }
 }
 
-// Calls `take` with each record of the wells from `first` to `last`, a position past the last one,
-// in the order in which they lie in memory.
+// Calls `take` for each record of the wells with the indexes from `first` to below `last`, in the
+// order in which the records are in memory.
 template <typename Take>
 void forEachInMemory(const ExportedBlock& block, std::size_t first, std::size_t last,
                      const Take& take) {
@@ -62,8 +63,8 @@ ExportCounts countRecords(const std::vector<ExportedBlock>& blocks) {
   return counts;
 }
 
-// The table goes well by well, the records lie frame by frame. To step through all frames for one
-// well alone would wait for the memory at every record, so that some wells are made side by side.
+// Writes several wells at the same time. The table is sorted by well, but the records are in memory
+// by frame, and going through all frames for each well would be slow.
 void writeBlock(ReadingsWriter& writer, const ExportedBlock& block, bool isKnown) {
   constexpr std::size_t kWellsAtOnce = 16;
   const auto columns = static_cast<std::uint32_t>(block.plate.content->GetHeaderCols());

@@ -42,7 +42,7 @@ ordered_json describePart(const std::optional<CalibrationPart>& part, bool isDye
   return info;
 }
 
-// All fields but the stage are numbers, or missing.
+// All fields except the stage are numbers, or are missing.
 ordered_json readingInfo(const FrameView& view, std::size_t position) {
   const auto reading = view.ReadingOf(position);
   if (!reading) return nullptr;

@@ -14,9 +14,9 @@
 
 namespace vex2::lab {
 
-/// Writes readings as rows, in the columns that `vex record` reads, and those that are added to
-/// them: of several plates the plate's name in front, and after the well the frame, from 0, where
-/// nothing else may tell when a reading was taken, and the channel where a well has several.
+/// Writes readings as rows with the columns that `vex record` reads. Adds further columns if
+/// `Columns` asks for them: the name of the plate before the well; the index of the frame, from 0,
+/// and the channel after it.
 class ReadingsWriter {
  public:
   struct Columns {
@@ -28,20 +28,21 @@ class ReadingsWriter {
   /// Writes the row of column names. `out` must outlive the writer.
   explicit ReadingsWriter(std::ostream& out, Columns columns);
 
-  /// What follows is of the plate with this name, UTF-8, whose readings were stored with `scale`.
-  /// `channels` are the names of those that a well has, Latin-1; none where it has one reading.
+  /// Begins the rows of the plate with this name, in UTF-8, whose readings were stored with
+  /// `scale`. `channels` are the names of a well's channels in Latin-1; empty if a well has one
+  /// reading.
   void BeginPlate(const std::string& name, const ReadingScale& scale,
                   std::vector<std::string> channels);
-  /// Appends the row of a well in a frame to `rows`, or a row for each channel; a reading that is
-  /// missing is "NA", no reading, or one that is not known, is empty fields.
+  /// Appends rows to `rows`: one for each channel of a well in a frame. A missing reading is "NA".
+  /// The fields are empty if there is no reading, or if its meaning is not known.
   void Append(std::string& rows, const std::string& well, std::uint64_t frame,
               const std::optional<RunReading>& reading);
-  /// Writes rows that were appended.
+  /// Writes rows that `Append` made.
   void WriteRows(std::string_view rows);
 
  private:
-  /// Stage, cycle, time and temperature as text. All wells of a frame were read at one moment, so
-  /// that the text is made once for all of them.
+  /// The stage, cycle, time and temperature as a text. All wells of a frame usually have the same,
+  /// so the text is made only once.
   struct Moment {
     bool isMade = false;
     bool melting = false;
@@ -50,7 +51,8 @@ class ReadingsWriter {
     std::uint32_t time = 0;
     std::string text;
   };
-  static constexpr std::size_t kMoments = 4096;  ///< that are kept, by the frame's number
+  /// The number of moments that are kept; the frame index selects one.
+  static constexpr std::size_t kMoments = 4096;
 
   const std::string& momentOf(const RunReading& reading, std::uint64_t frame);
 

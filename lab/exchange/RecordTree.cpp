@@ -70,7 +70,7 @@ class RecordList final : public RecordVisitor {
   }
 
   ordered_json Finish() {
-    // A record that could not be followed to its end left its lists open.
+    // If the walk stopped within lists, they are still open.
     while (!open_.empty()) close();
     return std::move(records_);
   }
@@ -87,7 +87,7 @@ class RecordList final : public RecordVisitor {
   }
 
   ordered_json records_ = ordered_json::array();
-  std::vector<ordered_json> open_;  // each in the one before it
+  std::vector<ordered_json> open_;  // each object is in the one before it
 };
 
 }  // namespace
@@ -113,7 +113,7 @@ void JsonTree::End(const FileRecord& record) {
 
 void JsonTree::Finish() {
   begin();
-  // A record that could not be followed to its end left its lists open.
+  // If the walk stopped within lists, they are still open.
   while (open_ > 0) close(open_);
   out_ << "\n]}\n";
 }
@@ -122,7 +122,8 @@ bool JsonTree::holdsRecords(const FileRecord& record) const {
   return record.depth < depth_ && canHoldRecords(record);
 }
 
-// With the first record, so that an error before it is all that is written.
+// Writes the beginning of the object. Called with the first record, so that nothing is written if
+// an error occurs before it.
 void JsonTree::begin() {
   if (!hasBegun_) out_ << "{\"version\":" << kJsonVersion << ",\"records\":[";
   hasBegun_ = true;

@@ -7,17 +7,17 @@
 
 namespace vex2::lab {
 
-/// An object with a list of objects, "records", of everything that the document's reader would take
-/// for a record. It is written as the records are met, so that a large document costs no more than
-/// a small one.
+/// Writes a JSON object with a list "records" of all records that the document's reader would read.
+/// Writes each record when the walk reaches it, so that the memory does not depend on the size of
+/// the document.
 class JsonTree final : public RecordVisitor {
  public:
-  /// Records at `depth` are without the records in them.
+  /// Records at `depth` are written without the records in them.
   JsonTree(std::ostream& out, int depth);
 
   void Begin(const FileRecord& record, CFile& file) override;
   void End(const FileRecord& record) override;
-  /// To be called at the end.
+  /// Call it at the end of the walk.
   void Finish();
 
  private:
@@ -32,7 +32,7 @@ class JsonTree final : public RecordVisitor {
   int open_ = 0;
 };
 
-/// The same list in memory, of all records of the plate in the open `file`.
+/// Makes the list of all records of the plate in the open `file`, in memory.
 nlohmann::ordered_json RecordsJson(CFile& file, const Document::Plate& plate);
 
 }  // namespace vex2::lab

@@ -8,10 +8,10 @@
 
 namespace vex2::lab {
 
-/// What was found in the document at `path`, as an object.
+/// The findings in the document at `path`, as an object.
 nlohmann::ordered_json FindingsJson(const std::string& path, const Findings& findings);
 
-/// What became of the damaged document at `source`, now at `target`, as an object.
+/// The report of the recovery from the document at `source` to `target`, as an object.
 nlohmann::ordered_json RecoverJson(const RecoverReport& report, const std::string& source,
                                    const std::string& target);
 

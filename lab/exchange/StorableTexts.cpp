@@ -15,7 +15,8 @@ constexpr std::array<std::string_view, 25> kGreek = {
 constexpr std::uint32_t kAlpha = 0x3B1;
 constexpr std::uint32_t kCapitalAlpha = 0x391;
 
-// One character of UTF-8, which is taken from the text; U+FFFD for bytes that are none.
+// Removes the first UTF-8 character from the text and returns it. Returns U+FFFD for bytes that are
+// not UTF-8.
 std::uint32_t takeCharacter(std::string_view& text) {
   const auto first = static_cast<unsigned char>(text.front());
   text.remove_prefix(1);
@@ -31,7 +32,7 @@ std::uint32_t takeCharacter(std::string_view& text) {
 }
 
 std::string storable(std::uint32_t code) {
-  if (code == 0x3BC) return "\xC2\xB5";  // the Greek letter for the sign in Latin-1
+  if (code == 0x3BC) return "\xC2\xB5";  // Latin-1 has the micro sign for this Greek letter
   if (code >= kAlpha && code < kAlpha + kGreek.size()) return std::string(kGreek[code - kAlpha]);
   if (code >= kCapitalAlpha && code < kCapitalAlpha + kGreek.size()) {
     std::string name(kGreek[code - kCapitalAlpha]);

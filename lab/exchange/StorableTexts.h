@@ -9,17 +9,19 @@
 
 namespace vex2::lab {
 
-/// Makes texts of foreign files such as documents can hold: of characters of Latin-1. Greek letters
-/// are spelled out, all others become "?".
+/// Converts a text of another program's file to the characters of Latin-1, which documents can
+/// hold. Greek letters are spelled out; all others become "?".
 std::string StorableText(std::string_view text);
 
-/// Names of one kind, such as samples: names that differ in the file differ in the document, too.
+/// Converts names of one kind, such as those of samples. Names that differ in the file also differ
+/// in the document.
 class StorableNames {
  public:
-  /// `what` is the kind of name in the report, as "names of samples". `losses` must outlive it.
+  /// `what` is the kind of names in the report, as "names of samples". `losses` must outlive the
+  /// object.
   StorableNames(std::string what, Losses& losses) : what_(std::move(what)), losses_(losses) {}
 
-  /// The name as the document is to hold it.
+  /// The name to store in the document.
   const std::string& Take(const std::string& name);
 
  private:

@@ -22,12 +22,12 @@ namespace {
 
 constexpr double kMostTemperature = 655.35;
 
-// A number of 32 bits stands for the shortest decimal number that becomes it.
+// The shortest decimal number that becomes this 32-bit number.
 double decimalOf(float number) {
   return NumberIn<double>(ValueText(Value(number))).value_or(number);
 }
 
-// Brings the points of a curve into the order of `order`, of which each is the place of a point.
+// Puts the values of a curve's points into a new order. `order` has the old index of each point.
 template <typename Value>
 void arrange(std::vector<Value>& values, const std::vector<std::size_t>& order) {
   if (values.empty()) return;
@@ -37,7 +37,8 @@ void arrange(std::vector<Value>& values, const std::vector<std::size_t>& order) 
   values = std::move(arranged);
 }
 
-// Sorts the points of an amplification by cycles, of which each stands once.
+// Sorts the points of an amplification by cycle. If a cycle is repeated, keeps only its first
+// point.
 void sortCycles(Curve& curve, const std::string& well, Losses& losses) {
   const auto& cycles = curve.cycles;
   if (std::adjacent_find(cycles.begin(), cycles.end(), std::greater_equal<>()) == cycles.end()) {
@@ -59,8 +60,8 @@ void sortCycles(Curve& curve, const std::string& well, Losses& losses) {
   arrange(curve.cycles, order);
 }
 
-// Meltings have no numbers of frames. A curve that lacks points of the longest one is laid beside
-// it by its temperatures.
+// Numbers the points of a melting curve. If the curve has fewer points than the longest one, the
+// temperatures decide which numbers are skipped.
 void numberMelting(Curve& curve, const std::vector<float>& longest) {
   const auto& own = curve.temperatures;
   curve.cycles.resize(own.size());
@@ -90,7 +91,7 @@ void numberMeltings(std::vector<Curve>& curves, const std::string& file) {
   }
 }
 
-/// Makes frames of curves, one after the other.
+/// Makes frames from curves, one after the other.
 class FrameMaker {
  public:
   FrameMaker(const RunPlan& plan, const std::vector<Curve>& curves, Losses& losses)
@@ -105,7 +106,7 @@ class FrameMaker {
 
   const std::set<FrameKey>& Keys() const { return keys_; }
 
-  /// The next frame; to be asked for in the order of the keys.
+  /// Makes the frame with this key. Must be called in the order of the keys.
   CollectedFrame Make(FrameKey key) {
     const std::size_t channels = ChannelCount(plan_);
     std::vector<ReadingRow> rows(plan_.wells.size() * channels);
@@ -133,7 +134,8 @@ class FrameMaker {
   }
 
  private:
-  // `rows` are those of the well, by channels, which share temperature and time.
+  // Copies one point of a curve into the rows of its well. `rows` has one row for each channel;
+  // they share temperature and time.
   void fill(const Curve& curve, std::size_t at, ReadingRow* rows,
             std::vector<bool>::reference hasTemperature) {
     ReadingRow& row = rows[curve.channel];
@@ -144,7 +146,7 @@ class FrameMaker {
       rows[channel].seconds = row.seconds;
     }
     if (curve.temperatures.empty() || std::isnan(curve.temperatures[at])) return;
-    // The shortest text of 32 bits is what the file says.
+    // The shortest text of the 32-bit number is the text in the file.
     const double temperature = decimalOf(curve.temperatures[at]);
     const std::string where = plan_.plate.NameOf(curve.well);
     if (!(temperature >= 0 && temperature <= kMostTemperature)) {
@@ -165,11 +167,11 @@ class FrameMaker {
   const std::vector<Curve>& curves_;
   Losses& losses_;
   std::set<FrameKey> keys_;
-  std::vector<std::size_t> places_;  ///< of each curve's well
-  std::vector<std::size_t> used_;    ///< how many points of each curve stand in frames
+  std::vector<std::size_t> places_;  ///< index of each curve's well in the plan
+  std::vector<std::size_t> used_;    ///< number of points of each curve that are in frames already
 };
 
-// The scale of the run that was exported, where it still holds all readings.
+// The scale of the exported run if it still keeps all readings exactly; otherwise a new one.
 ReadingScale scaleFor(const ExchangedRun& run) {
   std::vector<double> readings;
   for (const Curve& curve : run.curves) {
@@ -188,7 +190,8 @@ ReadingScale scaleFor(const ExchangedRun& run) {
   return ChooseScale(std::move(readings), std::nullopt);
 }
 
-// The wells with readings; of a run without any those that are set up, and of an empty plate all.
+// The wells with readings. If there are none, the wells in the setup; if that is empty too, all
+// wells of the plate.
 std::vector<std::uint16_t> wellsOf(const ExchangedRun& run) {
   std::set<std::uint16_t> wells;
   for (const Curve& curve : run.curves) wells.insert(curve.well);
@@ -215,8 +218,8 @@ void listRounding(const Rounding& rounding, const ReadingScale& scale, Losses& l
   list(rounding.times, "times, rounded", "0.001");
 }
 
-// A log says first where the readings come from, and then what they mean, which must be what it is
-// now.
+// A log states the source of the readings first, and then their meaning. Keeps the source of the
+// exported log if the meaning is still the same.
 void keepOrigin(const std::string& log, RunPlan& plan, Losses& losses) {
   const std::string imported = std::exchange(plan.origin, {});
   const std::string meaning = LogText(plan);

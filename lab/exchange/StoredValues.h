@@ -8,22 +8,22 @@
 
 namespace vex2::lab {
 
-/// The data values of a well record that documents keep; the others live in memory alone.
+/// The number of data values of a well record that documents store; a record in memory has more.
 inline constexpr std::size_t kStoredData = 32;
 
-/// Writes the column names of a table of well records as they are stored: well, its number, frame,
-/// leading_0 to leading_7, data_0 to data_31.
+/// Writes the column names of a table of stored well records: well, its number, frame, leading_0 to
+/// leading_7, data_0 to data_31.
 void WriteStoredColumns(CsvWriter& csv);
 
-/// A record and where it is.
+/// A record with its well and frame.
 struct StoredRecord {
   std::string well;
-  std::uint16_t number = 0;  ///< of the well, from 1
-  std::uint64_t frame = 0;   ///< from 0
+  std::uint16_t number = 0;  ///< well number, from 1
+  std::uint64_t frame = 0;   ///< index from 0
   Vex2WellRecord record;
 };
 
-/// Writes the row of a record; `plate` only where the table is of several.
+/// Writes the row of a record, with `plate` in front if the table is of several plates.
 void WriteStoredRecord(CsvWriter& csv, const std::string& plate, const StoredRecord& stored);
 
 }  // namespace vex2::lab

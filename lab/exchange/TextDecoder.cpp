@@ -19,7 +19,7 @@ struct Mark {
   std::string_view bytes;
   const char* encoding;
 };
-// UTF-32 before UTF-16, whose mark it begins with.
+// UTF-32 comes before UTF-16, since its mark begins with the mark of UTF-16.
 constexpr std::array<Mark, 5> kMarks = {{{"\xEF\xBB\xBF", kUtf8},
                                          {{"\xFF\xFE\0\0", 4}, "UTF-32LE"},
                                          {{"\0\0\xFE\xFF", 4}, "UTF-32BE"},
@@ -28,7 +28,7 @@ constexpr std::array<Mark, 5> kMarks = {{{"\xEF\xBB\xBF", kUtf8},
 
 }  // namespace
 
-// The system's converter. Its state is of no use once it was refused a byte.
+// The system's converter. After it has refused a byte, it cannot be used any more.
 class TextDecoder::Converter {
  public:
   explicit Converter(const std::string& encoding) : handle_(::iconv_open(kUtf8, encoding.c_str())) {
@@ -47,10 +47,10 @@ class TextDecoder::Converter {
 
   enum class Stop : std::uint8_t { kEnd, kIncomplete, kNoCharacter };
 
-  /// Appends the text of `bytes`, and takes from their front what was converted.
+  /// Appends the converted text of `bytes` to `text`, and removes the converted bytes from `bytes`.
   Stop Convert(std::string_view& bytes, std::string& text) {
     std::array<char, 4096> buffer;
-    // The system's signature has no const; it does not write there.
+    // iconv takes a pointer to char that is not const, but does not write there.
     char* in = const_cast<char*>(bytes.data());
     std::size_t left = bytes.size();
     for (;;) {

@@ -8,30 +8,31 @@
 
 namespace vex2::lab {
 
-/// Turns the bytes of a text file into UTF-8 as they arrive. A byte order mark says which encoding
-/// the file has, and is left out; so do the zero bytes of UTF-16 in front of or after the first
-/// character. A file without either is in the encoding that was named.
+/// Converts the bytes of a text file to UTF-8 as they arrive. A byte order mark shows the encoding,
+/// and is left out. Without such a mark, zero bytes next to the first character show that it is
+/// UTF-16. Otherwise the file has the encoding that the caller named.
 class TextDecoder {
  public:
-  /// The bytes that a file's first call of `Decode` must have, unless the file has fewer.
+  /// The number of bytes that the first call of `Decode` must get, unless the file has fewer.
   static constexpr std::size_t kBeginSize = 4;
 
-  /// `encoding` is what the system knows it by, in any case; empty is UTF-8. Throws an error of the
-  /// call when the system does not know it.
+  /// `encoding` is a name that the system knows, in upper or lower case; if empty, UTF-8. Throws an
+  /// error of class `kUsage` if the system does not know it.
   explicit TextDecoder(std::string encoding);
   ~TextDecoder();
   TextDecoder(const TextDecoder&) = delete;
   TextDecoder& operator=(const TextDecoder&) = delete;
 
-  /// The text of further bytes, as far as they are complete characters. Ends before the first byte
-  /// that is no character, and is empty from then on.
+  /// Converts further bytes, as far as they are complete characters. Stops before the first byte
+  /// that is not part of a valid character, and then returns only empty texts.
   std::string Decode(std::string_view bytes);
-  /// The same at the file's end, where a character that is not complete is none.
+  /// Converts the rest at the end of the file, where an incomplete character is an error.
   std::string Finish();
 
-  /// The file's offset of the first byte that is no character; nothing while all are some.
+  /// The offset in the file of the first byte that is not part of a valid character; nothing if all
+  /// are valid.
   std::optional<std::uint64_t> FaultOffset() const { return fault_; }
-  /// The encoding that is read.
+  /// The encoding of the file.
   const std::string& Encoding() const { return encoding_; }
 
  private:
@@ -43,8 +44,8 @@ class TextDecoder {
   std::string encoding_;
   std::unique_ptr<Converter> converter_;
   bool hasBegun_ = false;
-  std::string rest_;          ///< bytes of a character that is not complete
-  std::uint64_t restAt_ = 0;  ///< its offset in the file
+  std::string rest_;          ///< bytes of an incomplete character
+  std::uint64_t restAt_ = 0;  ///< offset of `rest_` in the file
   std::optional<std::uint64_t> fault_;
 };
 

@@ -22,7 +22,7 @@ std::vector<WellDetails> WellDetailsOf(const Vex2FileManager& document) {
     for (POSITION at = well.detectors.GetHeadPosition(); at != nullptr;) {
       one.detectorFlags.push_back(well.detectors.GetNext(at)->used);
     }
-    // The library does not give a description back, so it is taken from the record itself.
+    // The library has no operation that returns a description, so read it from the record itself.
     const auto* cell = dynamic_cast<CContainerComp*>(component->GetChild(static_cast<int>(index)));
     auto* text = cell != nullptr ? cell->FindChild(TagOf(Kind::kCellDescription)) : nullptr;
     if (text != nullptr) one.description = ToUtf8(text->GetValueString().View());

@@ -7,13 +7,13 @@
 
 namespace vex2::lab {
 
-/// What a plate setup says of a well beside its sample and its detectors. Texts are UTF-8.
+/// What a plate setup holds of a well besides its sample and detectors. Texts are UTF-8.
 struct WellDetails {
   std::string name;         ///< as "A1"
-  std::string description;  ///< empty where there is none
+  std::string description;  ///< empty if there is none
   bool flag = false;
   bool isSetUp = false;             ///< the well has a sample or a detector
-  std::vector<bool> detectorFlags;  ///< of its detectors, in their order
+  std::vector<bool> detectorFlags;  ///< flags of its detectors, in their order
 };
 
 /// The details of all wells of the setup, in its order.

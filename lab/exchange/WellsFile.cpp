@@ -20,7 +20,7 @@ enum Column : std::size_t { kWell, kSample, kTarget, kTask, kQuantity, kReporter
 const std::vector<std::string_view> kColumns = {"well", "sample",   "target",
                                                 "task", "quantity", "reporter"};
 
-// Refuses what contradicts the rows before: each tells something of its well and of its detector.
+// Refuses rows that contradict earlier rows about the same well or detector.
 class Agreement {
  public:
   explicit Agreement(const PlateContents& before) {
@@ -50,7 +50,7 @@ class Agreement {
   }
 
  private:
-  using Detector = std::pair<std::string, std::string>;  ///< the names of well and target
+  using Detector = std::pair<std::string, std::string>;  ///< names of well and target
 
   std::map<unsigned short, std::string> samples_;
   std::map<Detector, std::size_t> counts_;
@@ -130,7 +130,7 @@ void WriteWells(const PlateContents& contents, CsvWriter& csv, const std::string
 }
 
 std::string DecimalText(float number) {
-  // The longest are the smallest ones, with 45 places.
+  // The longest texts are those of the smallest numbers, with 45 decimals.
   std::array<char, 128> text{};
   const auto result =
       std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed);

@@ -13,22 +13,23 @@ namespace vex2::lab {
 /// The columns of the wells file.
 const std::vector<std::string_view>& WellsFileColumns();
 
-/// Reads the CSV file at `path`, or standard input for "-", in the columns
-/// well,sample,target,task,quantity,reporter. A well may have several rows, one for each detector,
-/// all with one sample; two of one detector are a slip, unless the well of `before` has as many.
-/// The plate is the smallest that has the wells. `quantities` keeps count of those that are
-/// rounded. Throws an error that names the row.
+/// Reads the CSV file at `path`, or standard input for "-", with the columns well, sample, target,
+/// task, quantity and reporter. A well may have several rows, one for each detector, all with the
+/// same sample. Two rows for the same detector are an error, unless the well has as many in
+/// `before`. The plate is the smallest that has all the wells. `quantities` counts the quantities
+/// that are rounded. Throws an error that names the row.
 PlateContents LoadWells(const std::string& path, FloatReader& quantities,
                         const CsvFormat& format = {}, const PlateContents& before = {});
 
-/// Writes the rows in these columns. What was loaded comes out again as it was, but for the order
-/// of the wells and ways to write a number.
+/// Writes the rows with the columns of the wells file. If the contents were loaded from such a
+/// file, the result equals the file, except for the order of the wells and the form of numbers.
 void WriteWells(const PlateContents& contents, std::ostream& out);
-/// Writes the row of column names, or the plate's rows, to a table that is begun.
+/// These write a table of wells: the row of column names, and the rows of a plate, with `plate` in
+/// front if the table is of several plates.
 void WriteWellColumns(CsvWriter& csv);
 void WriteWells(const PlateContents& contents, CsvWriter& csv, const std::string& plate);
 
-/// A number with as few digits as tell it from every other, without exponent.
+/// The number with the fewest digits from which the same number is read, without exponent.
 std::string DecimalText(float number);
 
 }  // namespace vex2::lab

@@ -55,7 +55,7 @@ std::string textOf(const char* characters, std::int32_t length) {
   return ToUtf8({characters, static_cast<std::size_t>(length)});
 }
 
-// The setup of the plate as it is stored, a cell for each of its wells.
+// The plate setup as it is stored, with each of its cells.
 ordered_json cellsJson(const Vex2FileManager& document) {
   Vex2PlateSetup setup;
   if (document.GetPlateSetupComp() == nullptr || document.GetPlateSetupInfo(&setup) != kSuccess) {

@@ -23,10 +23,11 @@ namespace {
 
 using nlohmann::ordered_json;
 
-constexpr int kMostDepth = 32;  // the object nests nine deep
+constexpr int kMostDepth = 32;  // the object nests nine levels deep
 constexpr std::size_t kRecordValues = 40;
 constexpr std::size_t kMostCells = 65535;
-// A frame that stands alone makes those before it: what a line says must not fill the memory.
+// The number of frames that may be missing before a frame. A frame with a large index makes all
+// frames before it, and must not fill the memory.
 constexpr std::int32_t kMostGap = 16;
 
 void require(int status) {
@@ -159,7 +160,7 @@ std::optional<CalibrationPart> readPart(const JsonNode& from, bool isDyes) {
   return part;
 }
 
-/// The blocks of a plate while their frames come.
+/// The data blocks of a plate, to which frames are added as they are read.
 class Blocks {
  public:
   Blocks(const JsonNode& from, Vex2FileManager& document) : document_(document) {
@@ -239,7 +240,7 @@ ordered_json parsed(std::string_view text, const std::string& file, std::size_t 
   }
 }
 
-/// Reads a document, plate by plate.
+/// Reads a document plate by plate.
 class Reader {
  public:
   Reader(const std::string& file, DocumentFile& document) : file_(file), document_(document) {}

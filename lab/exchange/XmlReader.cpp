@@ -20,8 +20,8 @@ struct XmlReader::Parser {
   std::string ownNamespace;
   XML_Parser expat = nullptr;
   std::string path;
-  std::vector<std::size_t> lengths;  ///< of the path before each open element
-  std::string text;                  ///< of the innermost element, as far as no element followed
+  std::vector<std::size_t> lengths;  ///< length of the path before each open element
+  std::string text;  ///< text of the innermost element, after the last element in it
   bool isLeaf = false;
   std::vector<XmlAttribute> attributes;
   std::exception_ptr failure;
@@ -33,7 +33,8 @@ struct XmlReader::Parser {
     if (expat != nullptr) XML_ParserFree(expat);
   }
 
-  // Exceptions must not pass through a library in C: they wait until it has returned.
+  // The parser is a C library, and no exception may pass through it. So this keeps the exception
+  // until the parser has returned.
   template <typename Work>
   void guarded(const Work& work) {
     if (failure) return;
@@ -136,7 +137,7 @@ void XmlReader::Feed(std::string_view bytes) {
                   XML_ErrorString(XML_GetErrorCode(parser.expat)));
   }
   parser.fed += bytes.size();
-  // The parser keeps a tag until all of it has come.
+  // The parser holds a tag in memory until the tag is complete.
   const auto done = std::max<XML_Index>(XML_GetCurrentByteIndex(parser.expat), 0);
   if (parser.fed - static_cast<std::uint64_t>(done) > kMostToken) {
     throw Failure("a tag or an attribute is too long");

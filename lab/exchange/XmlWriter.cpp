@@ -6,7 +6,8 @@ namespace {
 
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 
-// Line ends and tabs would be changed in attributes, and carriage returns anywhere.
+// Escapes the text. In attributes also escapes line ends and tabs, which a reader would change;
+// carriage returns are escaped everywhere.
 void appendEscaped(std::string& out, std::string_view text, bool isAttribute) {
   for (const char c : text) {
     if (c == '&') {

@@ -5,25 +5,25 @@
 
 namespace vex2::lab {
 
-/// `text`, which is UTF-8, without the characters that XML cannot hold: each becomes U+FFFD.
+/// `text`, in UTF-8, with U+FFFD for each character that XML cannot hold.
 std::string XmlText(std::string_view text);
 
-/// Writes XML after what a text holds: an element a line, indented. Texts must be such as `XmlText`
-/// returns; what is special in XML is escaped here.
+/// Appends XML to a text: one element per line, indented. All texts must be results of `XmlText`;
+/// the writer escapes the special characters of XML.
 class XmlWriter {
  public:
-  /// `out` must outlive the writer. `depth` is that of the next element.
+  /// `out` must outlive the writer. `depth` is the level of the first element.
   explicit XmlWriter(std::string& out, int depth = 0) : out_(out), depth_(depth) {}
 
-  /// Begins an element; `attributes` is empty, or " name=\"value\"" as `Attribute` makes it.
+  /// Begins an element. `attributes` is empty, or consists of results of `Attribute`.
   void Open(std::string_view name, std::string_view attributes = {});
   void Close(std::string_view name);
-  /// An element with a text and nothing else.
+  /// Writes an element that contains only a text.
   void Leaf(std::string_view name, std::string_view text, std::string_view attributes = {});
-  /// An element without content.
+  /// Writes an element without content.
   void Empty(std::string_view name, std::string_view attributes = {});
 
-  /// " name=\"value\"", escaped.
+  /// The attribute with escaped value, as " name=\"value\"".
   static std::string Attribute(std::string_view name, std::string_view value);
 
  private:

@@ -15,8 +15,8 @@ namespace vex2::lab {
 
 namespace {
 
-constexpr std::uint16_t kFirstDay = (0U << 9U) | (1U << 5U) | 1U;  // 1980-01-01, the first there is
-constexpr zip_uint32_t kPackingLevel = 6;                          // the usual one
+constexpr std::uint16_t kFirstDay = (0U << 9U) | (1U << 5U) | 1U;  // 1980-01-01, the earliest date
+constexpr zip_uint32_t kPackingLevel = 6;                          // the usual level
 
 std::string reasonOf(zip_error_t* error) {
   const std::string reason = zip_error_strerror(error);
@@ -24,7 +24,7 @@ std::string reasonOf(zip_error_t* error) {
   return reason;
 }
 
-// A member that is made while it is packed.
+// A member whose content is made while it is packed.
 struct Source {
   ZipWriter::NextPiece next;
   std::string piece;
@@ -115,7 +115,8 @@ void ZipWriter::Add(const std::string& name, NextPiece next, const std::string& 
     throw std::bad_alloc();
   }
   const auto member = static_cast<zip_uint64_t>(index);
-  // Left to itself, the library packs as well as it can, in several times the time for a percent.
+  // By default the library packs as well as it can. That takes several times as long, and saves one
+  // percent.
   zip_set_file_compression(archive_->zip, member, ZIP_CM_DEFLATE, kPackingLevel);
   zip_file_set_dostime(archive_->zip, member, 0, kFirstDay, 0);
   if (comment.empty()) return;
@@ -224,7 +225,7 @@ void ZipReader::Read(std::size_t member, const std::function<bool(std::string_vi
     refuse(std::string("cannot be read: ") + zip_error_strerror(zip_get_error(archive_->zip)));
   }
   const std::unique_ptr<zip_file_t, int (*)(zip_file_t*)> owner(file, zip_fclose);
-  // What the list says of sizes is not believed: what comes out is counted.
+  // Do not trust the sizes in the list: count the bytes that are unpacked.
   const std::uint64_t most =
       std::min(kMostSize, std::max(kSmall, info.packedSize > kMostSize / kMostRatio
                                                ? kMostSize

@@ -6,13 +6,13 @@
 
 namespace vex2::lab {
 
-/// The code of four characters of a plate's assay that `text` is, with or without blanks at its
-/// end; nothing for any other text, even for the code of studies.
+/// The four-character code of a plate's assay for `text`, which may lack the trailing blanks.
+/// Returns nothing for any other text, including the code of studies.
 std::optional<std::string> PlateAssayCode(std::string_view text);
 
-/// "AbsQ (absolute quantification), ...": the codes that a plate can have, for errors.
+/// The codes that a plate can have, as "AbsQ (absolute quantification), ...", for errors.
 std::string PlateAssayList();
-/// The same for help, a line each.
+/// The codes that a plate can have with their meanings, one per line, for help.
 std::string PlateAssayTable();
 
 }  // namespace vex2::lab

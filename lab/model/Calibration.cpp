@@ -8,7 +8,8 @@ namespace {
 
 constexpr int kFilters = 12;
 
-// A peak around `centre` without an exponential, which is not the same on every machine.
+// A peak around `centre`. Not computed by an exponential function, whose results differ between
+// machines.
 std::vector<std::uint32_t> peak(double height, double centre, double width, double floor) {
   std::vector<std::uint32_t> values;
   for (int filter = 0; filter < kFilters; ++filter) {

@@ -10,23 +10,24 @@
 
 namespace vex2::lab {
 
-/// One spectrum of a calibration: a pure dye, or a trace of the background. The numbers of the
-/// other part are 0.
+/// One spectrum of a calibration: a pure dye, or a trace of the background. Fields that only the
+/// other kind of spectrum has are 0.
 struct CalibrationEntry {
   std::string name;                       ///< UTF-8
   std::uint16_t key1 = 0;                 ///< stored unchanged
   std::uint16_t key2 = 0;                 ///< stored unchanged
   std::uint16_t dyeIndex = 0;             ///< stored unchanged
-  std::array<std::uint8_t, 2> bytes{};    ///< of a pure dye
-  std::array<std::uint16_t, 3> params{};  ///< of a pure dye
-  std::uint16_t limit = 0;                ///< of the background
-  std::vector<std::uint32_t> values;  ///< numbers of four bytes as they are stored, a filter each
+  std::array<std::uint8_t, 2> bytes{};    ///< only for a pure dye
+  std::array<std::uint16_t, 3> params{};  ///< only for a pure dye
+  std::uint16_t limit = 0;                ///< only for the background
+  std::vector<std::uint32_t> values;  ///< one stored 32-bit value for each filter, see `NumberOf`
 
   /// Whether all fields are equal.
   friend bool operator==(const CalibrationEntry&, const CalibrationEntry&) = default;
 };
 
-/// What the head of both parts holds; the meaning is the instrument's.
+/// The values at the start of either part of a calibration. Their meaning depends on the
+/// instrument.
 struct CalibrationHead {
   std::array<std::uint8_t, 4> code{};    ///< stored unchanged
   std::uint32_t setting = 10;            ///< stored unchanged
@@ -39,7 +40,7 @@ struct CalibrationHead {
   friend bool operator==(const CalibrationHead&, const CalibrationHead&) = default;
 };
 
-/// The pure dyes or the background.
+/// One part of a calibration: the pure dyes or the background.
 struct CalibrationPart {
   CalibrationHead head;                   ///< the values before the spectra
   std::vector<CalibrationEntry> entries;  ///< the spectra in the order of the document
@@ -48,7 +49,7 @@ struct CalibrationPart {
   friend bool operator==(const CalibrationPart&, const CalibrationPart&) = default;
 };
 
-/// A document's calibration. A part that it lacks is nothing.
+/// The calibration in a document. A part that the document lacks is empty.
 struct Calibration {
   std::optional<CalibrationPart> pureDyes;    ///< the spectra of the pure dyes
   std::optional<CalibrationPart> background;  ///< the traces of the background
@@ -60,10 +61,10 @@ struct Calibration {
   friend bool operator==(const Calibration&, const Calibration&) = default;
 };
 
-/// Four dyes and a background, as an instrument with twelve filters might have them.
+/// A calibration with four dyes and a background, like one of an instrument with twelve filters.
 VEX2_API Calibration SimulatedCalibration();
 
-/// A stored value as the number that it is.
+/// Converts a stored value to the floating-point number that it encodes.
 VEX2_API float NumberOf(std::uint32_t value);
 
 }  // namespace vex2::lab

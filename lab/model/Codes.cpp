@@ -15,7 +15,7 @@ struct Code {
   std::string_view meaning;
 };
 
-// Plate types are not here: their meaning is their number of wells.
+// Plate types are not in this table: their meaning is their number of wells.
 constexpr auto kCodes = std::to_array<Code>({
     {CodeField::kAssay, Assay::kBackground.code, "background"},
     {CodeField::kAssay, Assay::kPureSpectra.code, "spectra of pure dyes"},
@@ -44,7 +44,7 @@ std::string CodeMeaning(CodeField field, std::string_view code) {
     const auto wells = WellsOfPlateType(filledUp(code));
     return wells != 0 ? Counted(wells, "well") : "";
   }
-  // A code may come without the spaces that fill it up.
+  // The code may lack its trailing spaces.
   const std::string whole = filledUp(code);
   for (const Code& known : kCodes) {
     if (known.field == field && known.code == whole) return std::string(known.meaning);

@@ -18,23 +18,23 @@ inline constexpr std::array kDataBlockTags = {
     TagOf(Kind::kRawData), TagOf(Kind::kReportingDataR), TagOf(Kind::kReportingDataN),
     TagOf(Kind::kReportingDataD), TagOf(Kind::kReportingDataT)};
 
-/// The part of a data block before its frames, as it is in a file.
+/// The head of a data block in a file: all of it before the frames.
 struct StoredBlock {
   std::uint16_t version = 2;
   std::uint16_t timeBlockSize = 0;
   TimeStamp start;
   TimeStamp end;
   std::vector<std::uint16_t> wells;  ///< well numbers, in the order of the records in a frame
-  std::uint64_t frameSize = 0;       ///< bytes
-  std::uint64_t frameCount = 0;      ///< as the block's length has it
-  std::uint64_t firstFrame = 0;      ///< its place, from the file's begin
+  std::uint64_t frameSize = 0;       ///< size of a frame in bytes
+  std::uint64_t frameCount = 0;      ///< number of frames, calculated from the length of the block
+  std::uint64_t firstFrame = 0;      ///< offset of the first frame in the file
 };
 
 /// Reads the head of the block whose record begins at `record.offset`. Returns nothing if the file
-/// ends before it does.
+/// ends within the head.
 std::optional<StoredBlock> ReadStoredBlock(CFile& file, const FileRecord& record);
 
-/// The block of that tag, which is one of a block.
+/// The library's type for `tag`, which must be the tag of a data block.
 Vex2DataType BlockType(std::string_view tag);
 
 /// The text of a time stamp as the recorder writes it, as "2026-11-22T08:00:00": year 0 to 99

@@ -45,7 +45,8 @@ std::unique_ptr<DocumentFile> fileFor(Document::Purpose purpose) {
 
 }  // namespace
 
-// Notes the document's own records and those of its plates, and what the library does not know.
+// Collects the records of the document and of its plates, and the bytes that a save would lose
+// because the library does not know them.
 struct Document::Surveyor final : RecordVisitor {
   explicit Surveyor(Document& survey) : document(survey) {}
 
@@ -84,7 +85,7 @@ struct Document::Surveyor final : RecordVisitor {
 
   void beginOwn(const Record& record) {
     topKnown = record.known;
-    // The library has one place for plates: the first.
+    // The library keeps only the first list of plates.
     isPlates = record.tag == kPlates && !hadPlates;
     hadPlates = hadPlates || isPlates;
     document.records_.push_back(record);
@@ -97,7 +98,7 @@ struct Document::Surveyor final : RecordVisitor {
   Document& document;
   bool topKnown = false;
   bool hadPlates = false;
-  bool isPlates = false;  // the walk is within the record of the plates
+  bool isPlates = false;  // the walk is within the list of plates
   std::uint64_t passedEnd = 0;
 };
 
@@ -127,7 +128,7 @@ void Document::survey() {
   noteStudyLosses();
 }
 
-// What the system refuses is no fault of the document.
+// If the system refused to read, the document is not at fault.
 void Document::requireReadable() const {
   const FileError& error = content_->GetLastFileError();
   if (error.reason == FileErrorReason::kSystem || error.reason == FileErrorReason::kNoMemory) {
@@ -143,7 +144,7 @@ std::optional<FileFault> Document::headerFault() const {
                                       Counted(needed, "byte"))};
 }
 
-// What an interrupted commit leaves behind looks like a record without end.
+// The uncommitted bytes of an interrupted commit look like a record without an end.
 bool Document::beginsUncommittedBytes(std::uint64_t offset) const {
   if (records_.empty()) return false;
   const Record& last = records_.back();
@@ -152,7 +153,8 @@ bool Document::beginsUncommittedBytes(std::uint64_t offset) const {
 
 std::optional<FileFault> Document::recordFault(int status, const WalkEnd& end) const {
   if (end.fault && !beginsUncommittedBytes(end.fault->offset)) return end.fault;
-  // The reader kept known records in order, so that the first one it lacks is where it gave up.
+  // The reader keeps the known records in order. So it stopped at the first known record that it
+  // does not have.
   int kept = content_->GetAllComponentCount();
   for (const Record& record : records_) {
     if (!record.known || kept-- > 0) continue;
@@ -164,7 +166,7 @@ std::optional<FileFault> Document::recordFault(int status, const WalkEnd& end) c
   return FileFault{end.offset, "the document could not be read any further"};
 }
 
-// A frame that was not committed is no record, but its bytes may look like some.
+// An uncommitted frame is not a record, but its bytes may look like records.
 void Document::findRecordsEnd(std::uint64_t walkEnd) {
   recordsEnd_ = walkEnd;
   const auto lastKnown =
@@ -183,7 +185,8 @@ void Document::findRecordsEnd(std::uint64_t walkEnd) {
                                                  : " at the end that are no record")});
 }
 
-// What the walk found of the plates, and what the reader kept: as many, unless it gave up in one.
+// Joins the plates that the walk found with those that the reader kept. The reader has fewer only
+// if it stopped within a plate.
 void Document::linkPlates() {
   const CMultiPlateComp* kept = nullptr;
   for (int i = 0; i < content_->GetAllComponentCount() && kept == nullptr; ++i) {
@@ -197,7 +200,7 @@ void Document::linkPlates() {
     plates_[i].date = plate->GetLastModifiedDate().View();
     plates_[i].content = plate->GetPlate();
   }
-  // A record without a body holds no plate.
+  // A plate's record without a body has no content.
   std::erase_if(plates_, [](const Plate& plate) { return plate.content == nullptr; });
 }
 
@@ -215,7 +218,7 @@ void Document::noteStudyLosses() {
     if (!record.known) continue;
     const CComponent* component = content_->GetComponent(index++);
     if (component == nullptr || content_->IsWritten(*component)) continue;
-    // A study that is saved ends with one of its own.
+    // A saved study gets a new end record.
     if (record.tag == TagOf(Kind::kEndOfFile)) continue;
     losses_.push_back(
         {record.offset,

@@ -12,7 +12,8 @@
 
 namespace vex2::lab {
 
-/// A document that was read for a command: what the reader kept of it, and what it did not.
+/// A document that was read for an operation: its content in memory, and what could not be read or
+/// kept.
 class Document {
  public:
   /// A record of the document itself, as it is in the file.
@@ -20,59 +21,63 @@ class Document {
     std::string tag;
     std::uint64_t offset = 0;
     std::uint32_t length = 0;
-    bool known = false;  ///< to the library, which drops others
+    bool known = false;  ///< the library knows the tag; it drops other records
   };
-  /// One plate's worth of a document: the document itself, or a plate that a study holds.
+  /// One plate: the document itself, or a plate in a study.
   struct Plate {
-    bool isEmbedded = false;             ///< in a study, which knows it by name and date
-    std::string name;                    ///< characters of Latin-1, as is the date
-    std::string date;                    ///< when the plate's own file was last changed
+    bool isEmbedded = false;  ///< it is a plate in a study, which stores its name and date
+    std::string name;         ///< Latin-1, as the date
+    std::string date;         ///< when the plate's own file was last changed
     Vex2FileManager* content = nullptr;  ///< owned by the document
-    std::uint64_t offset = 0;            ///< in the file: of the plate's record, or 0
-    std::uint64_t end = 0;               ///< in the file: after it
-    std::vector<Record> records;         ///< its own
+    /// Offset of the plate's record in the file; 0 for the document itself.
+    std::uint64_t offset = 0;
+    std::uint64_t end = 0;        ///< offset of its end in the file
+    std::vector<Record> records;  ///< top-level records of the plate
   };
   enum class Purpose {
     kRead,
-    kReadHeads,  ///< all but the frames of data blocks, so that the run's length costs nothing
-    kChange,     ///< a save refuses when another program has changed the document since it was read
+    kReadHeads,  ///< read all but the frames of data blocks, so that the time does not depend on
+                 ///< the length of the run
+    kChange,  ///< read to change the document: a save fails if another program has changed it since
   };
-  /// What saving the document would not bring back.
+  /// Content that a saved copy of the document would lack.
   struct Loss {
     std::uint64_t offset = 0;
     std::string what;
-    bool wasRead = false;  ///< the document in memory has it
+    bool wasRead = false;  ///< the document in memory still has this content
   };
 
-  /// Reads the document at `path`. Throws an error when it cannot be opened or is none; a document
-  /// that could be read in part is no error yet.
+  /// Reads the document at `path`. Throws an error if it cannot be opened or is not a document. If
+  /// it can be read only in part, does not throw: see `Fault`.
   explicit Document(std::string path, Purpose purpose = Purpose::kRead);
 
   const std::string& Path() const { return path_; }
   DocumentFile& Content() { return *content_; }
   const DocumentFile& Content() const { return *content_; }
   std::uint64_t Size() const { return size_; }
-  /// The records in the file, in their order, as far as they could be followed.
+  /// The top-level records in the file, in their order, as far as they could be read.
   const std::vector<Record>& Records() const { return records_; }
-  /// The document itself as a plate. Valid as long as the document is.
+  /// The document itself as a plate. Valid as long as this object.
   Plate Itself() const;
-  /// The plates in it, in their order; none where it is no study.
+  /// The plates in the document, in their order; empty if it holds no plates.
   const std::vector<Plate>& Plates() const { return plates_; }
-  /// Whether it is a document for the sake of the plates in it.
+  /// Whether the document is a study.
   bool IsStudy() const { return content_->IsRQS(); }
-  /// When the file was last changed.
+  /// The time at which the file was last changed.
   CTime Modified() const { return modified_; }
-  /// Where the bytes begin that are no records any more; the file's size when there are none.
+  /// The offset at which the records end. Other bytes may follow; if none do, it is the size of the
+  /// file.
   std::uint64_t RecordsEnd() const { return recordsEnd_; }
-  /// Why the document could not be read whole; nothing if it was.
+  /// Why the document could not be read completely; nothing if it could.
   const std::optional<FileFault>& Fault() const { return fault_; }
-  /// What a save would drop or empty although the document was read whole, in the file's order.
+  /// Content that a save would drop or replace by zeros, sorted by offset. Collected only for a
+  /// document that could be read completely.
   const std::vector<Loss>& Losses() const { return losses_; }
 
-  /// Throws an error that says what was lost, unless the document was read whole. `purpose`
-  /// completes "..., so it is not ", and nothing is said when it is empty.
+  /// Throws an error that says what was lost, unless the document was read completely. `purpose`
+  /// completes "..., so it is not " in the message; if it is empty, the message lacks that part.
   void RequireWhole(std::string_view purpose) const;
-  /// Throws an error when a run is being recorded into it.
+  /// Throws an error if the document's run is in progress.
   void RequireAtRest() const;
 
  private:
@@ -98,14 +103,14 @@ class Document {
   std::optional<FileFault> fault_;
 };
 
-/// Throws an error when the file at `path` is a document whose run is being recorded. A path that
-/// leads to no document passes.
+/// Throws an error if the file at `path` is a document whose run is in progress. Does nothing if
+/// there is no document at `path`.
 void RequireNoRunAt(const std::string& path);
 
-/// The note that `what` was made of the document at `path` while its run is in progress.
+/// A note for the user: `what` was made from the document at `path` while its run was in progress.
 std::string RunInProgressText(const std::string& path, std::string_view what);
-/// That note, or an empty text when the file at `path` is not a document or its run is not in
-/// progress.
+/// The note `RunInProgressText(path, what)` if the file at `path` is a document whose run is in
+/// progress; otherwise empty.
 std::string NoteOnRunAt(const std::string& path, std::string_view what);
 
 }  // namespace vex2::lab

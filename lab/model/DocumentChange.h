@@ -8,24 +8,24 @@
 
 namespace vex2::lab {
 
-/// A document that is changed in place: read, changed in memory, and saved as a whole or not at
-/// all. No recorder, editor or command changes it while this lives.
+/// A document that is changed in place: it is read, changed in memory, and saved completely or not
+/// at all. No recorder, editor or command can change it during the lifetime of this object.
 class DocumentChange {
  public:
-  /// Locks and reads the document at `path`. Throws an error when it is being recorded, was not
-  /// read whole, or cannot be saved without a loss that `rules` do not allow.
+  /// Locks and reads the document at `path`. Throws an error if it is being recorded, could not be
+  /// read completely, or cannot be saved without a loss that `rules` do not allow.
   DocumentChange(const std::string& path, const SaveRules& rules);
 
   const Document& Read() const { return document_; }
-  /// Calls `work` with the document, to change what it holds in memory. Raw readings that are its
-  /// last record stay the last one, as frames are appended to them.
+  /// Calls `work` with the document, to change its content in memory. If the raw readings are the
+  /// last record, they remain the last one, so that frames can be appended to them.
   template <typename Work>
   void Change(const Work& work) {
     document_.Content().KeepingRawDataLast([&] { work(document_); });
   }
 
-  /// Saves the document. Throws an error when that fails, or another program has changed the file
-  /// since it was read; the file is then as it was.
+  /// Saves the document. Throws an error if that fails, or if another program has changed the file
+  /// since it was read; the file is then unchanged.
   void Save();
 
  private:

@@ -24,7 +24,7 @@ namespace vex2::lab {
 
 namespace {
 
-// What an editor hands out.
+// The values to which an editor returns references.
 struct PlateValues {
   lab::Plate plate;
   std::vector<Detector> detectors;
@@ -38,7 +38,7 @@ struct PlateValues {
   friend bool operator==(const PlateValues&, const PlateValues&) = default;
 };
 
-// A number of a document that is none is not equal to itself, but no change.
+// Replaces NaN by a number, since NaN is not equal to itself and would look like a change.
 Detector comparable(Detector detector) {
   if (std::isnan(detector.threshold)) detector.threshold = std::numeric_limits<float>::lowest();
   return detector;
@@ -104,7 +104,7 @@ void storeDyes(Vex2FileManager& document, const std::vector<std::string>& before
       document.RemoveRequiredDyeInfo(CString(std::string_view(StoredText(dye, "dye"))));
     }
   }
-  // One that is there stays.
+  // Appending a dye that the document has already does nothing.
   for (const std::string& dye : after) document.AppendRequiredDyenfo(storedName(dye, "dye"));
 }
 
@@ -152,7 +152,8 @@ class PlateEditor::Impl {
     refuse(fmt::format("a study keeps no {} of its own; set it in a plate", setting.key));
   }
 
-  // Wells first: they bring detectors and dyes that the lists may take away again.
+  // Store the wells first: this adds detectors and dyes, which the lists of detectors and dyes may
+  // remove again.
   void Store() {
     const PlateValues before = comparable(before_);
     const PlateValues values = comparable(values_);
@@ -168,7 +169,7 @@ class PlateEditor::Impl {
     storeCalibration(content_, before_.calibration, values_.calibration);
   }
 
-  // After a save, what was given is what the document holds.
+  // Reads the values from the document again. After a save they are those that the caller set.
   void TakeStored() {
     before_ = PlateValues::Of(content_);
     values_ = before_;
@@ -178,8 +179,8 @@ class PlateEditor::Impl {
   std::string path_;
   DocumentChange& change_;
   Vex2FileManager& content_;
-  PlateValues before_;  // as the document has them
-  PlateValues values_;  // as the caller wants them
+  PlateValues before_;  // the values in the document
+  PlateValues values_;  // the values that the caller wants
 };
 
 PlateEditor::PlateEditor(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
@@ -241,7 +242,7 @@ void PlateEditor::SetStatus(std::string_view code) {
   });
 }
 
-/// The document, and the plates of a study that were asked for.
+/// The document, and the editors of the plates that the caller asked for.
 class DocumentEditor::Document {
  public:
   struct PlateOfStudy final : PlateEditor {

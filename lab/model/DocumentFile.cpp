@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::string_view kRawData = TagOf(Kind::kRawData);
 
-// What a study adds to a plate: name and date.
+// Whether the component is the name or the date that a study adds to a plate.
 bool isPlateText(const CComponent& component) {
   return component.GetTag() == TagOf(Kind::kPlateName) ||
          component.GetTag() == TagOf(Kind::kPlateDate);
@@ -55,7 +55,8 @@ void DocumentFile::RequireUnchanged() const {
 }
 
 int DocumentFile::WriteComponentFile(CFile* file) {
-  // Where a rename cannot serve, the library has emptied the file by now. It was looked at before.
+  // SaveDocument has compared the file before. If the system cannot rename a file over the
+  // document, the library has emptied it since, and there is nothing to compare.
   struct stat now {};
   const bool isEmptied =
       !expectedPath_.empty() && ::stat(expectedPath_.c_str(), &now) == 0 && now.st_size == 0;

@@ -11,34 +11,36 @@
 
 namespace vex2::lab {
 
-/// The manager as the tools need it: with the system's reasons, and with what a manager keeps to
-/// those who derive from it.
+/// A manager whose errors have the system's reasons. It also makes some operations public that a
+/// manager offers only to derived classes.
 class DocumentFile : public Vex2FileManager {
  public:
   DocumentFile() = default;
-  /// A document of its own of a plate from a study, record for record; raw data that were the last
-  /// ones, before the plate was given its name and date, are that again.
+  /// Makes a separate document from a plate of a study, record for record. If the raw readings were
+  /// the last record before the study added the plate's name and date, they become the last one
+  /// again.
   explicit DocumentFile(const Vex2FileManager& plate);
 
   using Vex2FileManager::GetIdentity;
 
-  /// Opens the document at `path` for reading. Throws an error when the system refuses, or when it
-  /// is no document.
+  /// Opens the document at `path` for reading. Throws an error if the system refuses, or if it is
+  /// not a document.
   void OpenDocument(const std::string& path);
 
-  /// Notes what the document at `path`, which is to be changed, holds now. From here on a save to
-  /// a file that holds something else fails.
+  /// Notes the state of the document at `path`, which is to be changed. After this, a save fails if
+  /// the file has changed.
   void ExpectUnchanged(const std::string& path);
-  /// Throws an error when that file holds something else now.
+  /// Throws an error if the file that `ExpectUnchanged` noted has changed.
   void RequireUnchanged() const;
-  /// Fails where the file to replace is not as it was noted. Its lock is held here, so that no
-  /// other program that uses the library changes it before it is replaced.
+  /// Fails if the file to replace has changed since `ExpectUnchanged`. The library holds the file's
+  /// lock during this call, so no other program that uses the library can change the file before it
+  /// is replaced.
   int WriteComponentFile(CFile* file) override;
 
-  /// Whether saving the document would write the component: a study leaves most of its own out.
+  /// Whether a save writes the component: a study leaves out most of its own components.
   bool IsWritten(const CComponent& component) const { return isWritten(component); }
-  /// Moves the component at the end of the document to the end again after `change` has appended
-  /// others, where it is the data block that frames are appended to.
+  /// Calls `change`, which may append components. If the raw readings were the last component
+  /// before, they become the last one again, so that frames can be appended to them.
   template <typename Change>
   void KeepingRawDataLast(const Change& change) {
     const bool wasLast = hasRawDataLast();
@@ -46,8 +48,8 @@ class DocumentFile : public Vex2FileManager {
     if (wasLast && !hasRawDataLast()) moveToEnd(includesComponent(TagOf(Kind::kRawData)));
   }
 
-  /// Reads one frame of the block whose record begins at `blockOffset` of the open file. Returns
-  /// the library's status; `frame` keeps what it held when there is no such frame.
+  /// Reads frame `index`, from 0, of the block whose record begins at `blockOffset` of the open
+  /// file. Returns the library's status; if there is no such frame, `frame` is unchanged.
   int ReadFrameAt(int index, Vex2FrameData& frame, std::uint64_t blockOffset);
 
  private:
@@ -55,11 +57,11 @@ class DocumentFile : public Vex2FileManager {
   void moveToEnd(CComponent* component);
   bool isUnchanged() const;
 
-  std::string expectedPath_;  ///< empty when no file is expected to be unchanged
+  std::string expectedPath_;  ///< empty if no file is expected to be unchanged
   FileState expected_;
 };
 
-/// A document that is read without its frames, see `SkipsFrames`. It refuses to be saved.
+/// A document that is read without its frames, see `SkipsFrames`. It cannot be saved.
 class HeadsFile final : public DocumentFile, public SkipsFrames {
  public:
   int WriteComponentFile(CFile* file) override;

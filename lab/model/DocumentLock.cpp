@@ -22,17 +22,19 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int kMostLinks = 40;             // as many as the system itself follows
-constexpr std::size_t kLongestName = 200;  // the lock's own name must fit where the document's does
+constexpr int kMostLinks = 40;  // the number of links that the system itself follows
+// Shortens the name so that the lock file's name is not too long.
+constexpr std::size_t kLongestName = 200;
 
-// What the holder writes into the lock's file, so that others know whether to wait.
+// The holder writes one of these notes into the lock file, so that others know whether to wait.
 constexpr std::string_view kCommandNote = "command";
 constexpr std::string_view kRecorderNote = "recorder";
 
 constexpr auto kPause = std::chrono::milliseconds(5);
-// A command holds the lock while it reads and saves one document.
+// How long to wait. A command holds the lock while it reads and saves one document.
 constexpr auto kPatience = std::chrono::seconds(10);
-// The note may be that of a killed recorder until the holder has written its own.
+// How long to wait without the note of a command: until a new holder has written its note, the file
+// may still have that of a killed recorder.
 constexpr auto kNotePatience = std::chrono::milliseconds(200);
 
 fs::path lockBeside(const fs::path& document) {
@@ -68,14 +70,14 @@ DocumentLock::DocumentLock(const std::string& path, Holder holder)
   auto commandSeen = begun;
   while (!tryToLock(holder)) {
     const auto now = std::chrono::steady_clock::now();
-    // Each of several commands in turn has a moment without a note.
+    // If several commands wait, there is a moment without a note each time that one takes the lock.
     if (holderNote() == kCommandNote) commandSeen = now;
     if (now - begun > kPatience || now - commandSeen > kNotePatience) refuse();
     std::this_thread::sleep_for(kPause);
   }
   if (handle_ < 0) return;
   const std::string_view note = holder == Holder::kCommand ? kCommandNote : kRecorderNote;
-  // Without the note others take the holder for a recorder, and do not wait.
+  // If writing the note fails, others take the holder for a recorder and do not wait.
   if (::ftruncate(handle_, 0) == 0) {
     [[maybe_unused]] const auto written = ::pwrite(handle_, note.data(), note.size(), 0);
   }
@@ -83,14 +85,15 @@ DocumentLock::DocumentLock(const std::string& path, Holder holder)
 
 DocumentLock::~DocumentLock() {
   if (handle_ < 0) return;
-  ::unlink(path_.c_str());  // while it is locked: afterwards it might be the next holder's
+  // Remove it while it is locked: later it might belong to the next holder.
+  ::unlink(path_.c_str());
   ::close(handle_);
 }
 
-// False when another has the lock.
+// Returns false if another process has the lock.
 bool DocumentLock::tryToLock(Holder holder) {
-  // The holder may have removed its file between our opening and our locking it: then the lock is
-  // on nothing, and the next try makes a file of its own.
+  // The holder may have removed its file after we opened it and before we locked it. Then our lock
+  // protects nothing, and the next attempt creates a new file.
   while (open(holder)) {
     if (handle_ < 0 || isStillThere()) return true;
     ::close(handle_);
@@ -103,14 +106,14 @@ bool DocumentLock::open(Holder holder) {
   handle_ = ::open(path_.c_str(), O_RDWR | O_CREAT | kFlags, 0666);
   if (handle_ < 0 && holder == Holder::kCommand) {
     const int error = errno;
-    // Another user's lock can be waited for all the same.
+    // A lock file of another user can be opened for reading, which is enough to wait for the lock.
     handle_ = ::open(path_.c_str(), O_RDONLY | kFlags);
     if (handle_ < 0 && (error == EACCES || error == EPERM || error == EROFS)) return true;
   }
   if (handle_ < 0) refuseFolder(errno);
   while (::flock(handle_, LOCK_EX | LOCK_NB) != 0) {
     if (errno == EINTR) continue;
-    if (errno != EWOULDBLOCK) break;  // a file system without locks is used without
+    if (errno != EWOULDBLOCK) break;  // the file system has no locks; work without
     ::close(handle_);
     handle_ = -1;
     return false;
@@ -137,7 +140,8 @@ bool DocumentLock::isStillThere() const {
 std::string DocumentLock::holderNote() const {
   std::array<char, 16> note{};
   const int file = ::open(path_.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
-  if (file < 0) return std::string(kCommandNote);  // the holder is done
+  // The holder has removed the file, as a command does when it is done.
+  if (file < 0) return std::string(kCommandNote);
   const auto length = ::read(file, note.data(), note.size());
   ::close(file);
   return {note.data(), length > 0 ? static_cast<std::size_t>(length) : 0};

@@ -5,28 +5,29 @@
 
 namespace vex2::lab {
 
-/// The one path of the document that `path` leads to, whatever links and detours it goes through,
-/// and whether or not the document exists yet. Throws an error when its folder does not.
+/// The absolute path of the document at `path`, without symbolic links, "." and "..". The document
+/// need not exist. Throws an error if its folder does not exist.
 std::filesystem::path ResolveDocument(const std::string& path);
 
-/// Keeps recorders and commands that change a document apart, for as long as it lives. A document's
-/// own lock is free between two frames, so this lock is on a file beside it, `.NAME.recording`. Its
-/// holder removes that file at the end; a killed holder leaves the file, but not the lock.
+/// Locks a document against recorders and commands that change it, for the lifetime of this object.
+/// The document's own lock is free between two frames, so this lock is on a file beside it,
+/// `.NAME.recording`. The holder removes that file at the end. A killed holder leaves the file but
+/// loses the lock.
 class DocumentLock {
  public:
   enum class Holder { kRecorder, kCommand };
 
-  /// Locks the document that `path` leads to; it need not exist yet. Throws an error when a
-  /// recorder has it. Waits for a command that has it, and throws when that takes too long.
+  /// Locks the document at `path`, which need not exist yet. If a recorder holds the lock, throws
+  /// an error. If a command holds it, waits, and throws an error if that takes too long.
   ///
-  /// A recorder without the lock is an error. A command does without where the folder takes no new
-  /// file: no recorder can hold a lock there, either.
+  /// A recorder that cannot create the lock file gets an error. In a folder where it may not create
+  /// files, a command works without the lock, since no recorder can hold a lock there either.
   DocumentLock(const std::string& path, Holder holder);
   ~DocumentLock();
   DocumentLock(const DocumentLock&) = delete;
   DocumentLock& operator=(const DocumentLock&) = delete;
 
-  /// The one path that the given one leads to.
+  /// The path of the locked document, see `ResolveDocument`.
   const std::filesystem::path& Document() const { return document_; }
 
  private:

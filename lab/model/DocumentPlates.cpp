@@ -30,7 +30,8 @@ std::string whyNoPlate(const Document& document, std::string_view name) {
 }  // namespace
 
 bool IsPlateCalled(std::string_view stored, std::string_view name) {
-  // A name that is no Latin-1 stands in the document as the bytes that its file's name had.
+  // The name of a plate comes from its file. If the file's name was not Latin-1, the document
+  // stores its bytes unchanged.
   return ToUtf8(stored) == name || stored == name;
 }
 

@@ -16,7 +16,7 @@ namespace vex2::lab {
 namespace {
 
 constexpr std::uint32_t kMostRows = HeaderLayout::kMaxRows;
-constexpr std::uint32_t kMostColumns = 32;  // the bits of such a mask
+constexpr std::uint32_t kMostColumns = 32;  // the number of bits in the mask of a row
 
 [[noreturn]] void refuse(const std::string& why) {
   throw Error(ErrorCode::kInvalidValue, why);

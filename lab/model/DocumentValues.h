@@ -9,23 +9,23 @@
 #include "lab/model/Run.h"
 #include "vex2/manager/Vex2FileManager.h"
 
-/// Values of the interface for programs as documents store them. All throw an error that says which
-/// value it is when a document cannot hold it.
+/// Converts values of the public types in Run.h to those in a document. All functions throw an
+/// error that names the value if a document cannot hold it.
 namespace vex2::lab {
 
-/// `text`, which is UTF-8, as documents store it. `what` names it in the error.
+/// Converts `text` from UTF-8 to Latin-1. `what` names the value in the error.
 std::string StoredText(std::string_view text, const std::string& what);
 
-/// The content of the wells of `plate`, ascending by wells. A target without a reporter has that of
-/// its detector in `detectors`.
+/// Converts the content of the wells of `plate`; the rows are sorted by well number. A target
+/// without a reporter gets the reporter of its detector in `detectors`.
 PlateContents StoredContents(const Plate& plate, std::span<const Detector> detectors);
 
 Vex2Detector StoredDetector(const Detector& detector);
 
-/// Makes the setting the document's.
+/// Stores the setting in the document.
 void StoreSetting(Vex2FileManager& document, const SettingValue& setting);
 
-/// Makes the bytes the document's thermal cycling program.
+/// Stores the bytes as the document's thermal cycling program.
 void StoreProgram(Vex2FileManager& document, std::span<const std::uint8_t> program);
 
 }  // namespace vex2::lab

@@ -16,7 +16,7 @@ constexpr std::size_t kChunk = std::size_t{256} * 1024;
 constexpr std::uint64_t kHashStart = 0xCBF29CE484222325U;
 constexpr std::uint64_t kHashFactor = 0x100000001B3U;
 
-// Longer than a tick of the clock that systems take the times of files from.
+// Longer than the interval at which the clock for file times advances.
 constexpr std::chrono::milliseconds kTick{20};
 
 std::optional<struct stat> infoOf(const std::string& path) {
@@ -28,8 +28,8 @@ bool isSameTime(const timespec& one, const timespec& other) {
   return one.tv_sec == other.tv_sec && one.tv_nsec == other.tv_nsec;
 }
 
-// Whether any later change gets a later time. A time in whole seconds is that of a file system that
-// knows no finer ones.
+// Whether every later change of the file will get a later time. If the time is in whole seconds,
+// the file system may not have finer times, and this is not certain.
 bool isSettled(const struct stat& info) {
   if (info.st_ctim.tv_nsec == 0) return false;
   const auto changed =

@@ -8,7 +8,7 @@
 
 namespace vex2::lab {
 
-/// What tells the content of one file from that of another: it is compared, not kept.
+/// Size and hash of a file's content, to compare it with that of another file.
 struct FileContent {
   std::uint64_t size = 0;
   std::uint64_t hash = 0;
@@ -16,19 +16,19 @@ struct FileContent {
   friend bool operator==(const FileContent&, const FileContent&) = default;
 };
 
-/// Reads the file at `path`, whoever has it locked; nothing if it cannot be read.
+/// Reads the file at `path`, even if it is locked; nothing if it cannot be read.
 std::optional<FileContent> ContentOf(const std::string& path);
 
-/// What a file was like at one moment, to tell later whether it has changed. Costs no reading of
-/// the file: the system's times of its last change tell. Only where they may be too coarse for that
-/// is the content noted, too.
+/// The state of a file at one moment, to find out later whether the file has changed. It consists
+/// of the times that the system keeps, so that the file need not be read. If these times may be too
+/// coarse, it also includes the content.
 class FileState {
  public:
-  /// Notes the file at `path`; one that is not there is noted as such. Waits a moment for a file
-  /// that changed just now, because a second change could carry the same time.
+  /// Notes the state of the file at `path`, or that there is no file. If the file changed just now,
+  /// waits a moment, because a second change could get the same time.
   static FileState Note(const std::string& path);
 
-  /// Whether the file at `path` is as it was.
+  /// Whether the file at `path` has not changed since `Note`.
   bool IsStillAt(const std::string& path) const;
 
  private:

@@ -7,10 +7,11 @@
 
 namespace vex2::lab {
 
-/// What is wrong at a place in a file.
+/// What is wrong with a file, and where.
 struct FileFault {
   std::uint64_t offset = 0;  ///< bytes from the start of the file
-  std::string what;          ///< for people: "the record "RAWa" is cut short: 3 of 4 frames ..."
+  /// As a text for the user: "the record "RAWa" is cut short: 3 of 4 frames ...".
+  std::string what;
 
   /// Whether both fields are equal.
   friend bool operator==(const FileFault&, const FileFault&) = default;

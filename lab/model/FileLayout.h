@@ -12,7 +12,8 @@
 
 namespace vex2::lab {
 
-/// The 16 or 32 bits at `at`, big-endian as everything in a document but single floats.
+/// The number in the 16 or 32 bits at `at`. All numbers in a document are big-endian, except 32-bit
+/// floating-point numbers.
 inline std::uint16_t ShortAt(std::span<const std::uint8_t> bytes, std::size_t at = 0) {
   return LoadBig<std::uint16_t>(bytes.data() + at);
 }

@@ -13,15 +13,15 @@
 
 namespace vex2::lab {
 
-/// Makes a frame of `block` from its stored records, well by well.
+/// Makes a `Frame` from the stored records of its wells.
 class FrameFiller {
  public:
-  /// `block` and `recorded` must live as long as the filler.
+  /// `block` and `recorded` must outlive the filler.
   FrameFiller(const BlockInfo& block, const RecordedReadings& recorded, std::uint64_t index);
 
-  /// Takes the next well's record, as it is stored.
+  /// Takes the stored record of the next well.
   void Take(const std::uint8_t* bytes);
-  /// The frame of the records that were taken.
+  /// The frame made of the records that were taken.
   Frame Done() { return std::move(frame_); }
 
  private:
@@ -31,7 +31,7 @@ class FrameFiller {
   Frame frame_;
 };
 
-/// What a reader knows of its file beside what it says of the run.
+/// What a reader knows of its file that is not part of its public interface.
 struct ReaderFile {
   FileIdentity identity;
   std::string_view log;  ///< as the document stores it; valid as long as the reader

@@ -25,7 +25,7 @@ bool isUnknown(const FramePosition& position) {
 
 }  // namespace
 
-/// Fills the matrix and its axes record by record.
+/// Fills the matrix and its axes from one record after the other.
 class ReadingsFiller {
  public:
   ReadingsFiller(const BlockInfo& block, const RecordedReadings& recorded)
@@ -96,8 +96,8 @@ void FrameReader::readRecords(std::size_t count, Take take) {
   throw Error(ErrorCode::kDocument, path_, "the readings are cut short", start);
 }
 
-// The position from the first record in the frame that is as the recorder wrote it: another program
-// may have changed a record since, and a well may have no reading.
+// The position in the first record of the frame that is as the recorder wrote it. Other records may
+// be changed by another program, or have no reading.
 FramePosition FrameReader::readPosition(std::uint64_t index) {
   seekFrame(index);
   for (std::size_t well = 0; well < block_.wells.size(); ++well) {

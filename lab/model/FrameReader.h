@@ -13,25 +13,25 @@
 
 namespace vex2::lab {
 
-/// Device and number of a file: what tells one file from another at the same path.
+/// Device and number of a file, which show whether the file at a path was replaced.
 using FileIdentity = std::pair<std::uint64_t, std::uint64_t>;
 
-/// Reads frames of one data block straight from its file, which is open as long as the reader
-/// lives; of a block without frames nothing is opened. Throws `Error` or `CFileException`.
+/// Reads frames of one data block directly from its file, which stays open during the lifetime of
+/// the reader. For a block without frames it opens no file. Throws `Error` or `CFileException`.
 class FrameReader {
  public:
-  /// Throws an error when the document was replaced, or the block changed, since `block` was read
-  /// from the file of that identity. Frames that were appended since are no change. `log` is the
-  /// log of the block's document.
+  /// Opens the file. `block` is from an earlier reading of the file with this identity. Throws an
+  /// error if the file was replaced or the block was changed since; frames that were appended are
+  /// not a change. `log` is the log of the block's document.
   FrameReader(std::string path, const FileIdentity& identity, const BlockInfo& block,
               std::string_view log);
 
-  /// The position of each frame in the run. Reads one record of each frame; more only where the
-  /// first ones are not the recorder's.
+  /// Reads the position of each frame in the run. Reads one record per frame, and more only if the
+  /// first one is not as the recorder wrote it.
   std::vector<FramePosition> ReadAxis();
-  /// `index` must be below the frame count.
+  /// Reads frame `index`, which must be below the frame count.
   Frame ReadFrame(std::uint64_t index);
-  /// All of them, in one pass.
+  /// Reads all frames in one pass.
   Readings ReadAll();
 
  private:
@@ -54,7 +54,7 @@ class FrameReader {
   std::uint64_t frameSize_ = 0;
 };
 
-/// What the log states of the readings; nothing if they are not this library's.
+/// The meaning of readings in a run with this log; nothing if this library did not record them.
 std::optional<ReadingMeaning> MeaningOf(const std::optional<RunLog>& log);
 
 }  // namespace vex2::lab

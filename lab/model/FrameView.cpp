@@ -41,7 +41,7 @@ std::string logOf(DocumentFile& file) {
   return finder.log;
 }
 
-/// The first record of the document itself with a tag.
+/// Finds the first top-level record with a tag.
 struct Finder final : RecordVisitor {
   explicit Finder(std::string_view wanted) : tag(wanted) {}
   void Begin(const FileRecord& record, CFile& /*file*/) override {
@@ -51,7 +51,8 @@ struct Finder final : RecordVisitor {
   std::optional<FileRecord> found;
 };
 
-// The header says where the raw data are, but a document that was saved whole says it wrongly.
+// Uses the header's offset of the raw readings if it leads to them. After a save of the whole
+// document it does not.
 std::optional<FileRecord> recordAt(CFile& file, std::uint64_t offset, std::string_view tag) {
   if (offset == 0) return std::nullopt;
   FileRecord record;
@@ -170,7 +171,7 @@ void FrameQuery::refuseBlock() const {
 
 void FrameQuery::readRecords(DocumentFile& file, const FileRecord& record, const StoredBlock& head,
                              FrameView& view) const {
-  // A block that is laid out differently is for the document's reader alone.
+  // Other layouts can be read only with the whole document.
   const int index = static_cast<int>(index_);
   const bool isUsual = head.version >= 2 && head.timeBlockSize == kTimeBlockSize;
   int status = kSuccess;

@@ -12,41 +12,42 @@
 
 namespace vex2::lab {
 
-/// One frame of a data block, with what is needed to show it.
+/// One frame of a data block, with all that is needed to show it.
 struct FrameView {
-  std::string plate;        ///< its name in a study, UTF-8
-  bool isEmbedded = false;  ///< in a study
-  std::uint32_t rows = 0;   ///< of the plate
+  std::string plate;        ///< name of the plate in a study, UTF-8
+  bool isEmbedded = false;  ///< it is from a plate of a study
+  std::uint32_t rows = 0;   ///< number of rows of the plate
   std::uint32_t columns = 0;
   std::vector<std::uint16_t> wells;  ///< well numbers, in the order of the frame's records
-  std::uint64_t frameCount = 0;      ///< of the block
+  std::uint64_t frameCount = 0;      ///< number of frames of the block
   Vex2FrameData frame;
   RecordedReadings recorded;
-  std::uint64_t index = 0;  ///< of the frame, from 0
+  std::uint64_t index = 0;  ///< index of the frame, from 0
 
-  /// The name of the well at `position` among `wells`, from 0.
+  /// The name of the well with this index, from 0, in `wells`.
   std::string NameOf(std::size_t position) const;
-  /// What that well gave, as far as it is known.
+  /// The reading of the well with this index in `wells`; nothing if it has none, or if the meaning
+  /// is not known.
   std::optional<RunReading> ReadingOf(std::size_t position) const;
-  /// Whether the meaning of all that stands in the frame is known.
+  /// Whether the meaning of all readings in the frame is known.
   bool IsKnown() const;
-  /// How many data values there are up to the last that is not 0 in all wells, at least 1.
+  /// The number of data values to show: up to the last one that is not 0 in any well, at least 1.
   std::size_t DataColumns() const;
 };
 
-/// Finds one frame, from 0, of the data blocks with one tag in the document at `path`.
+/// Finds one frame, by its index from 0, in the data blocks with one tag in the document at `path`.
 class FrameQuery {
  public:
   FrameQuery(std::string path, std::string block, std::int64_t index)
       : path_(std::move(path)), block_(std::move(block)), index_(index) {}
 
-  /// Those of the plates that have the frame. Throws an error when none has.
+  /// Returns those of `plates` that have the frame. Throws an error if none has it.
   std::vector<Document::Plate> PlatesWithFrame(const Document& document,
                                                std::vector<Document::Plate> plates) const;
   /// The frame of a plate that has it.
   FrameView ViewOf(const Document::Plate& plate) const;
-  /// The frame of the document itself, straight from `file`, which is open and whose header was
-  /// read. Throws an error when there is no such frame, or it is cut short.
+  /// Reads the frame of the document itself directly from `file`, which must be open with its
+  /// header already read. Throws an error if there is no such frame, or if it is cut off.
   FrameView Read(DocumentFile& file) const;
 
  private:

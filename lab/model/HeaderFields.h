@@ -10,7 +10,7 @@
 
 namespace vex2::lab {
 
-/// The fields of a header that can be wrong, as they are in a file.
+/// The fields of a header that can be wrong, as stored in the file.
 struct HeaderFields {
   std::string assay;
   std::string plateType;
@@ -19,10 +19,10 @@ struct HeaderFields {
   std::uint32_t programPosition = 0;
   std::string status;
   std::uint32_t rawDataPosition = 0;
-  std::vector<std::uint32_t> usage;  ///< a mask for each row
+  std::vector<std::uint32_t> usage;  ///< for each row, a mask of the wells in use
 
   std::uint32_t Wells() const { return std::uint32_t{rows} * columns; }
-  /// Whether a recorder may be at work, or have been cut off: frames are still to come.
+  /// Whether further frames may come: the run is in progress or has not started.
   bool IsUnfinished() const { return IsRunning() || status == RunStatus::kNotStarted; }
   /// Whether the header leads to no data block yet, so that the bytes after the records may be an
   /// interrupted first commit.
@@ -30,8 +30,7 @@ struct HeaderFields {
   bool IsRunning() const { return status == RunStatus::kInProgress; }
 };
 
-/// Reads the header that begins at `offset` of the open file. Fields that the file ends before are
-/// 0 or empty.
+/// Reads the header at `offset` of the open file. Fields after the end of the file are 0 or empty.
 HeaderFields ReadHeaderFields(CFile& file, std::uint64_t offset);
 
 }  // namespace vex2::lab

@@ -27,7 +27,8 @@ bool isNamedAsDocument(const fs::path& path) {
   return ::strcasecmp(path.extension().c_str(), kDocumentName) == 0;
 }
 
-// A document whose begin is damaged is one by its name: it may be all that is left of a run.
+// A file named .vex counts as a document even if its first bytes are damaged: it may be all that is
+// left of a run.
 bool isPlateDocument(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   std::array<char, kMagic.size()> begin{};
@@ -104,7 +105,7 @@ void OutputFiles::checkDistinct() const {
   }
 }
 
-// Looks at the file as it is now, under the lock.
+// Looks at the file again, now that it is locked.
 void OutputFiles::checkExisting(const File& output) const {
   struct stat info {};
   if (output.isSame || ::lstat(output.resolved.c_str(), &info) != 0) return;

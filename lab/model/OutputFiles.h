@@ -14,48 +14,50 @@
 
 namespace vex2::lab {
 
-/// The files that one piece of work reads and writes, and the rule for what it may replace:
+/// The files that an operation reads and writes, and the rules for replacing existing files:
 ///
-/// - an existing file only when that was asked for;
-/// - never one that the work reads, or another one that it writes, whatever the names;
-/// - never a plate document by something else, nor one that is being recorded;
-/// - never by a plate document a file that holds something else: a table whose name was given where
-///   the document's belongs would be lost. Empty files pass, as scripts make them with mktemp, and
-///   so do files named .vex, which may be damaged documents;
-/// - never a file with several names (hard links), which cannot be exchanged in one step.
+/// - An existing file is replaced only if the caller allows it.
+/// - A file that the operation reads is never an output, and no two outputs are the same file,
+///   whatever their names are.
+/// - A plate document is never replaced by anything but a document, nor while it is being recorded.
+/// - A plate document never replaces a file that holds something else: a table would be lost if its
+///   name was given in place of the document's. Empty files may be replaced, since scripts create
+///   them with mktemp, and so may files named .vex, which may be damaged documents.
+/// - A file with several names (hard links) is never replaced, because that cannot be done in one
+///   step.
 ///
-/// Pipes and devices are written to as they are and pass.
+/// The rules do not apply to pipes and devices, which are written to directly.
 class OutputFiles {
  public:
   enum class Kind {
     kDocument,   ///< a plate document
     kTable,      ///< anything else
-    kRecording,  ///< a document whose recorder checks and locks it itself
+    kRecording,  ///< a document that its recorder checks and locks itself
   };
 
-  /// `mayReplace` is whether existing files may be replaced, `remedy` what the caller can do when
-  /// one is in the way, for the message.
+  /// `mayReplace` allows existing files to be replaced. If it is false, `remedy` is the advice in
+  /// the error about an existing file.
   OutputFiles(bool mayReplace, std::string remedy)
       : mayReplace_(mayReplace), remedy_(std::move(remedy)) {}
 
   OutputFiles& Read(const std::string& path);
   OutputFiles& Write(const std::string& path, Kind kind);
-  /// Whether an output that was added holds this very content already. Such a one passes: it need
-  /// not be written.
+  /// Whether the output at `path` exists with exactly this content. If so, the rules do not apply
+  /// to it, since it need not be written.
   bool IsThere(const std::string& path, const std::string& content);
 
-  /// Applies the rule to all files, and locks the outputs until the end of this object. Throws an
-  /// error that names the file; nothing has been opened for writing then.
+  /// Applies the rules to all files, and locks the outputs for the lifetime of this object. Throws
+  /// an error that names the file. Does not open any file for writing.
   void Claim();
 
  private:
   using Identity = std::pair<dev_t, ino_t>;
   struct File {
     std::string path;
-    std::filesystem::path resolved;    ///< of outputs
-    std::optional<Identity> identity;  ///< nothing if it does not exist, or is no regular file
+    std::filesystem::path resolved;    ///< only for outputs
+    std::optional<Identity> identity;  ///< nothing if it does not exist, or is not a regular file
     Kind kind = Kind::kTable;
-    bool isSame = false;  ///< it exists with the content that it is to have
+    bool isSame = false;  ///< it exists with the content that would be written
   };
 
   static bool isSameFile(const File& one, const File& other);

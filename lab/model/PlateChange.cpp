@@ -38,7 +38,7 @@ PlateContents PlacedOn(PlateLayout plate, PlateContents contents, const std::str
 std::vector<unsigned short> ChangedWells(const PlateContents& before, const PlateContents& after) {
   RowsByWell old = rowsByWell(before);
   RowsByWell now = rowsByWell(after);
-  // A well without rows on one side is one whose rows are none there.
+  // Wells that lost all their rows have changed too.
   for (const auto& [well, rows] : old) now.try_emplace(well);
   std::vector<unsigned short> wells;
   for (const auto& [well, rows] : now) {

@@ -7,11 +7,12 @@
 
 namespace vex2::lab {
 
-/// `contents` on a plate of another size: each row stays in the well of its name. Throws an error
-/// about the file `source`, where the contents are from, when the plate has no such well.
+/// Moves `contents` to a plate of another size: each row goes to the well with the same name. If
+/// the plate has no such well, throws an error about the file `source`, from which the contents
+/// are.
 PlateContents PlacedOn(PlateLayout plate, PlateContents contents, const std::string& source);
 
-/// The wells whose rows differ between the two, ascending.
+/// The numbers of the wells whose rows differ between the two, ascending.
 std::vector<unsigned short> ChangedWells(const PlateContents& before, const PlateContents& after);
 
 }  // namespace vex2::lab

@@ -30,7 +30,7 @@ std::int32_t lengthOf(const std::string& text) {
   return static_cast<std::int32_t>(text.size());
 }
 
-// What the cell holds for each of its detectors.
+// One row for each detector of the cell.
 std::vector<WellRow> rowsOf(const Vex2WellSetup& cell, const WellRow& common,
                             const std::map<std::string, std::string>& reporters) {
   std::vector<WellRow> rows;
@@ -46,8 +46,8 @@ std::vector<WellRow> rowsOf(const Vex2WellSetup& cell, const WellRow& common,
   return rows;
 }
 
-// The wells that the cells' coordinates, rows and columns from 0, stand for. Nothing when they are
-// not those of different wells: not every host sets them.
+// The wells of the cells, by their coordinates, which are row and column from 0. Returns nothing if
+// the coordinates are not those of different wells on the plate: some hosts do not set them.
 std::vector<unsigned short> wellsByCoordinates(const Vex2PlateSetup& setup, PlateLayout plate) {
   std::vector<unsigned short> wells;
   std::set<unsigned> seen;
@@ -61,8 +61,8 @@ std::vector<unsigned short> wellsByCoordinates(const Vex2PlateSetup& setup, Plat
   return wells;
 }
 
-// Calls `take` with the cells of the document's plate setup and their wells, ascending by well, and
-// with the wells' detectors, if any, each a row.
+// Calls `take` for each cell of the document's plate setup, ascending by well. Passes a row with
+// the well and its sample, and one row for each detector of the well.
 template <typename Take>
 void forEachCell(const Vex2FileManager& document, PlateLayout plate, const Take& take) {
   Vex2PlateSetup setup;
@@ -102,7 +102,8 @@ void require(int status) {
   }
 }
 
-// A detector that a well has more than once is told apart by its turn.
+// Copies the `used` flags of the detectors. If a well has a detector several times, its entries are
+// matched in their order.
 void keepUses(const Vex2WellSetup& from, Vex2WellSetup& to) {
   std::map<std::string, std::vector<const Vex2WellDetector*>> known;
   for (POSITION at = from.detectors.GetHeadPosition(); at != nullptr;) {
@@ -119,8 +120,8 @@ void keepUses(const Vex2WellSetup& from, Vex2WellSetup& to) {
   }
 }
 
-// What a table of wells does not show, and so must not take away: the wells' descriptions, and the
-// flags of wells and of detectors that stay.
+// Keeps what a table of wells does not show and therefore must not remove: the descriptions of
+// wells, and the flags of wells and detectors that stay.
 void keepUnshown(const Vex2FileManager& document, const PlateContents& contents,
                  Vex2PlateSetup& setup) {
   const CPlateSetupComp* component = document.GetPlateSetupComp();
@@ -135,7 +136,7 @@ void keepUnshown(const Vex2FileManager& document, const PlateContents& contents,
     const bool wasSetUp = from.nameLength > 0 || !from.detectors.IsEmpty();
     if (to.flag && wasSetUp) to.flag = from.flag;
     keepUses(from, to);
-    // The library does not give a description back, so it is taken from the record itself.
+    // The library has no operation that returns a description, so read it from the record itself.
     const auto* cell = dynamic_cast<CContainerComp*>(component->GetChild(static_cast<int>(index)));
     auto* description = cell != nullptr ? cell->FindChild(TagOf(Kind::kCellDescription)) : nullptr;
     if (description == nullptr) continue;
@@ -173,7 +174,8 @@ void storeDetectors(Vex2FileManager& document, const PlateContents& contents,
   }
   for (const WellRow& row : contents.rows) {
     if (row.target.empty()) continue;
-    // A table that is given back must not bring detectors that the document never had.
+    // A table that was exported and comes back unchanged must not add detectors that the document
+    // never had.
     const bool stays = row.reporter.empty() && named.contains(row.target);
     if (stays && !known.contains(row.target)) continue;
     const auto [entry, isNew] = known.emplace(row.target, Vex2Detector());

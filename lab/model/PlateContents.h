@@ -11,59 +11,61 @@
 
 namespace vex2::lab {
 
-/// What a well holds for one detector, or that it holds none: a row of the wells file. Texts are
-/// Latin-1, as documents keep them.
+/// A row of the wells file: one detector in a well, or a well without detectors. Texts are Latin-1,
+/// as in documents.
 struct WellRow {
-  unsigned short well = 0;  ///< from 1, counted by rows of the plate
+  unsigned short well = 0;  ///< well number from 1, counted by rows of the plate
   std::string sample;
-  std::string target;      ///< the detector's name
-  std::string task;        ///< of the detector in this well, e.g. "STND"
-  float quantity = -0.0F;  ///< see `HasQuantity`
-  std::string reporter;    ///< the detector's reporter dye
+  std::string target;      ///< name of the detector
+  std::string task;        ///< task of the detector in this well, e.g. "STND"
+  float quantity = -0.0F;  ///< minus zero if none was given, see `HasQuantity`
+  std::string reporter;    ///< reporter dye of the detector
 
-  /// Whether a quantity was given. None is kept as minus zero, which is no quantity that anyone
-  /// gives and reads as zero where nobody asks.
+  /// Whether a quantity was given. Minus zero means that no quantity was given: users never give
+  /// minus zero, and code that does not call this reads it as zero.
   bool HasQuantity() const;
-  /// Whether there is anything of a detector.
+  /// Whether the row has a target, a task or a quantity.
   bool HasDetector() const;
 
   friend bool operator==(const WellRow&, const WellRow&) = default;
 };
 
-/// What the wells of a plate hold, by wells; in a well with several detectors in their order.
+/// The content of the wells of a plate. Rows are sorted by well; several detectors in a well keep
+/// their order.
 struct PlateContents {
   PlateLayout plate;
   std::vector<WellRow> rows;
 
-  /// The wells that have rows, ascending.
+  /// The numbers of the wells that have rows, ascending.
   std::vector<unsigned short> Wells() const;
-  /// The wells that have the detector with that name, Latin-1.
+  /// The numbers of the wells that have the detector with this name, in Latin-1.
   std::set<unsigned short> WellsOf(std::string_view target) const;
-  /// The names of the detectors in any well.
+  /// The names of all detectors in the wells.
   std::set<std::string> Targets() const;
 };
 
-/// The plate that the document's header describes; a plate type that is neither of 96 nor of 384
-/// wells has the header's rows and columns.
+/// The plate that the document's header describes. If the plate type is not one of 96 or 384 wells,
+/// uses the header's rows and columns.
 PlateLayout LayoutOf(const Vex2FileManager& document);
 
-/// What the document's plate setup and detector list say. Where a cell lies, its coordinates tell
-/// when they are those of different wells, and its position otherwise.
+/// The content of the document's plate setup and list of detectors. The coordinates of the cells
+/// determine their wells. If these are not the coordinates of different wells, the order of the
+/// cells determines them.
 PlateContents ContentsOf(const Vex2FileManager& document);
 
-/// The content of the plate as values for programs, with every well of the setup.
+/// The content of the plate in the types of Run.h, with every well of the setup.
 Plate PlateOf(const Vex2FileManager& document);
 
-/// Makes the contents the document's plate setup, a cell for every well of the plate, and adds
-/// their targets to the detectors and their reporters to the required dyes; those that are there
-/// stay. A target that a well had before without a detector gets none unless a reporter is given,
-/// and a setup that says the same already stays as it is. Which wells the header counts as used is
-/// left alone.
+/// Stores the contents as the document's plate setup, with a cell for every well of the plate. Adds
+/// missing targets to the detectors and missing reporters to the required dyes. A target that was
+/// in a well before without being a detector becomes one only if a reporter is given. If the setup
+/// already has the same rows, nothing is changed. Does not change which wells the header marks as
+/// used.
 void StoreContents(Vex2FileManager& document, const PlateContents& contents);
 
 /// The detectors of the document, in its order.
 std::vector<Vex2Detector> DetectorsOf(const Vex2FileManager& document);
-/// The dyes that its run requires.
+/// The dyes that the document's run requires.
 std::vector<std::string> RequiredDyesOf(const Vex2FileManager& document);
 
 }  // namespace vex2::lab

@@ -14,7 +14,7 @@ namespace vex2::lab {
 
 namespace {
 
-// Bytes of text have no control characters but those that part lines and fields.
+// A text has no control characters except those that separate lines and fields.
 bool isText(std::string_view bytes) {
   return !bytes.empty() && std::all_of(bytes.begin(), bytes.end(), [](char character) {
     const auto byte = static_cast<unsigned char>(character);
@@ -84,7 +84,7 @@ NewFile::NewFile(const std::string& path) : path_(path) {
   if (!OpenReplacement(path.c_str(), &reason)) throw SystemError(path, reason.GetError());
 }
 
-// What cannot be written is the new file's fault, whatever it is called until it is complete.
+// Errors name the path of the final file, not that of the temporary one.
 void NewFile::PutInPlace() {
   try {
     CloseReplacement();

@@ -9,29 +9,30 @@
 
 namespace vex2::lab {
 
-/// Throws an error when `path` cannot be read as a document is: it is empty, leads to a folder, or
-/// to a pipe, which can be read only once. A path that leads nowhere passes.
+/// Throws an error if the file at `path` cannot be read like a document: if `path` is empty, a
+/// folder, or a pipe or device, which cannot be read twice. Does nothing if the file does not
+/// exist.
 void RequireReadable(const std::string& path);
 
-/// Opens the file at `path`, whatever is in it. Throws an error with the system's reason.
+/// Opens the file at `path`, whatever its content. Throws an error with the system's reason.
 void OpenToRead(CFile& file, const std::string& path);
 
-/// Why an operation of the library on the file at `path` failed, for `error` as its manager keeps
-/// it.
+/// The error that explains why an operation of the library on the file at `path` failed. `error` is
+/// the error that the manager keeps.
 Error FileFailure(const std::string& path, const FileError& error);
 
-/// Why a file is not a plate document, to follow that it is none.
+/// Why a file is not a plate document; the text follows "this is not a plate document: ".
 struct NoDocument {
   std::string text;
   ErrorRemedy remedy = ErrorRemedy::kNone;
 };
 
-/// Why the open file is not a plate document, going by its first bytes. Returns nothing if it
-/// begins as one.
+/// Why the open file is not a plate document, judged by its first bytes. Returns nothing if it
+/// begins like one.
 std::optional<NoDocument> WhyNoDocument(CFile& file);
 
-/// Takes the place of the file at a path once it is complete and on the disk; until then that is
-/// untouched. Open for writing, and throws errors with the system's reason.
+/// A new file that replaces the file at a path once it is complete and on the disk; until then the
+/// old file is unchanged. It is open for writing, and throws errors with the system's reason.
 class NewFile final : public CFile {
  public:
   explicit NewFile(const std::string& path);

@@ -9,14 +9,14 @@
 
 namespace vex2::lab {
 
-/// What a `Readings` and its copies share. Nobody changes it once it is filled.
+/// The matrix that copies of a `Readings` share. It never changes once it is filled.
 struct Readings::Matrix {
   std::vector<std::uint16_t> wells;
   std::vector<FramePosition> axis;
-  std::shared_ptr<std::uint16_t[]> values;  ///< frames x wells x 32
+  std::shared_ptr<std::uint16_t[]> values;  ///< frames x wells x 32 values
   std::optional<ReadingMeaning> meaning;
-  /// A word for each frame and well where the meaning is known: bit c for a channel without
-  /// reading.
+  /// One word for each frame and well: bit c is set if channel c has no reading. Null if the
+  /// meaning is not known.
   std::shared_ptr<std::uint16_t[]> missing;
 };
 

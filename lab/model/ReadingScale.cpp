@@ -12,19 +12,20 @@ namespace vex2::lab {
 
 namespace {
 
-constexpr int kMostDigits = 15;                  // that a double keeps of any decimal number
-constexpr std::int64_t kMostExact = 1LL << 53U;  // whole numbers up to it are doubles
-constexpr int kMostDecimals = 22;                // 10 to the power of it is a double
+constexpr int kMostDigits = 15;  // a double keeps this many digits of any decimal number
+constexpr std::int64_t kMostExact = 1LL << 53U;  // every whole number up to this is a double
+constexpr int kMostDecimals = 22;                // 10 to this power is exactly a double
 constexpr double kMostStored = 65535;
 constexpr std::int64_t kMostSteps = 65535;
 
 double powerOfTen(int exponent) {
   double power = 1;
-  for (int i = 0; i < exponent; ++i) power *= 10;  // exact as far as it is a double
+  // Exact as long as the result is a double, see kMostDecimals.
+  for (int i = 0; i < exponent; ++i) power *= 10;
   return power;
 }
 
-// `value` times 10 to the `power`; nothing when that is beyond what a double holds exactly.
+// `value` times 10 to the `power`; nothing if a double cannot hold the result exactly.
 std::optional<std::int64_t> shifted(std::int64_t value, int power) {
   for (int i = 0; i < power && value != 0; ++i) {
     if (value > kMostExact / 10 || value < -kMostExact / 10) return std::nullopt;
@@ -51,7 +52,7 @@ std::optional<DecimalNumber> ShortestDecimal(double value) {
   const auto end =
       std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::scientific)
           .ptr;
-  // As "-d.ddde-dd".
+  // The text has the form "-d.ddde-dd".
   std::string digits;
   DecimalNumber result;
   for (const char* at = text.data(); at != end; ++at) {
@@ -80,7 +81,7 @@ ReadingScale::ReadingScale(std::uint64_t numerator, std::uint64_t denominator, D
   findSteps();
 }
 
-// A step is a decimal number when the scale's numerator has no other factors than 2 and 5.
+// The step is a decimal number if the scale's numerator has no other prime factors than 2 and 5.
 void ReadingScale::findSteps() {
   std::uint64_t rest = numerator_;
   int twos = 0;
@@ -145,7 +146,7 @@ std::optional<std::uint16_t> ReadingScale::Store(double reading) const {
   const double rounded = std::round(exact);
   if (!(moved >= 0 && rounded <= kMostStored)) return std::nullopt;
   const auto stored = static_cast<std::uint16_t>(rounded);
-  // The arithmetic of doubles may have missed a number that stands for the reading itself.
+  // Because of rounding, an adjacent number may represent the reading exactly.
   if (Measured(stored) == reading) return stored;
   for (const double other : {rounded - 1, rounded + 1}) {
     if (other < 0 || other > kMostStored) continue;
@@ -183,8 +184,8 @@ std::string ReadingScale::OffsetText() const {
 }
 
 std::string PlainText(double number) {
-  // Readings have 13 digits before the point at most; doubles of no size that they can have need
-  // more than 60 behind it.
+  // A reading has at most 13 digits before the point, and the shortest text of a double of that
+  // size has at most 60 digits after it. That is less than 400.
   std::array<char, 400> text{};
   const auto end =
       std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed).ptr;

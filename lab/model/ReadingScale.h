@@ -11,58 +11,61 @@ namespace vex2::lab {
 
 /// A decimal number, mantissa times 10 to the exponent.
 struct DecimalNumber {
-  std::int64_t mantissa = 0;  ///< the digits, with the sign
-  int exponent = 0;           ///< the power of 10
+  std::int64_t mantissa = 0;  ///< digits and sign
+  int exponent = 0;           ///< power of 10
 
   /// The number, rounded to the nearest double.
   VEX2_API double Value() const;
 };
 
-/// The shortest decimal number that stands for `value`; nothing if it has more than 15 digits, of
-/// which no text is sure to come back from a double.
+/// The shortest decimal number that represents `value`. Returns nothing if it has more than 15
+/// digits: a double does not preserve every decimal number with so many digits.
 VEX2_API std::optional<DecimalNumber> ShortestDecimal(double value);
 
-/// How readings become the 16-bit numbers of a document: a reading, less the offset, times the
-/// scale, rounded. The scale is a fraction of whole numbers above 0.
+/// Converts readings to the 16-bit numbers of a document: subtracts the offset, multiplies by the
+/// scale and rounds. The scale is a fraction of whole numbers above 0.
 class VEX2_API ReadingScale {
  public:
-  static constexpr std::uint64_t kLargestPart = 1'000'000'000'000;  ///< of the fraction
-  static constexpr double kLargestReading = 1e12;                   ///< in both directions
+  /// The largest numerator or denominator.
+  static constexpr std::uint64_t kLargestPart = 1'000'000'000'000;
+  static constexpr double kLargestReading = 1e12;  ///< in both directions
 
-  /// Scale 1, offset 0.
+  /// Makes scale 1 with offset 0.
   ReadingScale() : ReadingScale(1) {}
-  /// The scale is a whole number, from 1 to `kLargestPart`.
+  /// Makes a scale that is a whole number, from 1 to `kLargestPart`.
   explicit ReadingScale(std::uint64_t scale, DecimalNumber offset = {})
       : ReadingScale(scale, 1, offset) {}
-  /// Both parts are from 1 to `kLargestPart`.
+  /// Makes a scale that is a fraction. Numerator and denominator are from 1 to `kLargestPart`.
   ReadingScale(std::uint64_t numerator, std::uint64_t denominator, DecimalNumber offset);
 
-  /// The scale that `text` stands for, as "1000", "0.5" or "1000/3"; nothing for any other text and
-  /// for parts that are too large.
+  /// Parses a scale such as "1000", "0.5" or "1000/3". Returns nothing for any other text, or if
+  /// numerator or denominator is too large.
   static std::optional<ReadingScale> Parse(std::string_view text, DecimalNumber offset = {});
-  /// The offset that `text` stands for; nothing if it is no number of at most 15 digits, or is
-  /// beyond what a reading can be.
+  /// Parses an offset. Returns nothing if `text` is not a number of at most 15 digits, or is larger
+  /// than any reading.
   static std::optional<DecimalNumber> ParseOffset(std::string_view text);
 
   /// The same scale with this offset.
   ReadingScale WithOffset(DecimalNumber offset) const { return {numerator_, denominator_, offset}; }
 
-  /// The number that stands for `reading`; nothing for one below the offset or above 65535.
+  /// The number that the document stores for `reading`; nothing if the reading is below the offset,
+  /// or if the number would be above 65535.
   std::optional<std::uint16_t> Store(double reading) const;
-  /// The reading that `stored` stands for.
+  /// The reading that `stored` represents.
   double Measured(std::uint16_t stored) const;
-  /// The shortest text of that reading, without exponent: the same number is read back from it.
+  /// The shortest text of the reading that `stored` represents, without exponent. Parsing it gives
+  /// the same number.
   std::string MeasuredText(std::uint16_t stored) const;
 
-  /// From one stored number to the next.
+  /// The difference between the readings of two adjacent stored numbers.
   double Step() const;
-  /// As "1000" or "1000/3".
+  /// The scale as a text: "1000" or "1000/3".
   std::string ScaleText() const;
-  /// As "-12.5"; "0" when there is none.
+  /// The offset as a text: "-12.5", or "0" if there is none.
   std::string OffsetText() const;
   /// Whether the offset is not 0.
   bool HasOffset() const { return offset_.mantissa != 0; }
-  /// What is taken from a reading before it is scaled.
+  /// The number that is subtracted from a reading before it is scaled.
   DecimalNumber Offset() const { return offset_; }
 
   /// Whether scale and offset are equal.
@@ -77,14 +80,15 @@ class VEX2_API ReadingScale {
   std::uint64_t numerator_;
   std::uint64_t denominator_;
   DecimalNumber offset_;
-  // The same in whole steps of 10 to the minus `decimals_`, when it can be said so without loss.
+  // Step and offset as whole multiples of 10 to the power of -`decimals_`: `step_` and `base_`.
+  // Only if `isDecimal_`, that is if this is exact.
   bool isDecimal_ = false;
   int decimals_ = 0;
   std::int64_t step_ = 0;
   std::int64_t base_ = 0;
 };
 
-/// `number` without exponent, in as few digits as tell it from every other.
+/// `number` without exponent, in the fewest digits from which the same number is read.
 VEX2_API std::string PlainText(double number);
 
 }  // namespace vex2::lab

@@ -15,36 +15,37 @@
 
 namespace vex2::lab {
 
-/// How many values a document stores of a well in a frame.
+/// The number of values that a document stores of each well in a frame.
 inline constexpr std::size_t kReadingValues = 32;
 
-/// The meaning of the stored values of readings that this library recorded.
+/// The meaning of the stored values, for readings that this library recorded.
 struct ReadingMeaning {
-  ReadingScale scale;  ///< how readings became stored numbers
-  /// The names of the channels, of which each well has a reading in every frame: channel c is value
-  /// c. Empty where there is one channel without a name.
+  ReadingScale scale;  ///< how readings became stored values
+  /// The names of the channels: value c of a well is the reading of channel c. Empty if there is
+  /// only one channel, without a name.
   std::vector<std::string> channels;
 
-  /// The number of channels; 1 where there is one without a name.
+  /// The number of channels; 1 if there is only one, without a name.
   std::size_t ChannelCount() const { return channels.empty() ? 1 : channels.size(); }
 };
 
 /// The readings of a data block: one contiguous matrix of 16-bit values, by frame (from 0), well
 /// index (from 0, in the order of `Wells`) and value (from 0), with its axes.
 ///
-/// A value: copies share the matrix, which never changes. Spans that are handed out are valid as
-/// long as any copy lives. Different threads can use the same object and its copies.
+/// Copies share the matrix, which never changes. Spans that are returned are valid as long as any
+/// copy lives. Different threads can use the same object and its copies.
 ///
 /// Operations throw `Error` with `kNoSuchFrame`, `kNoSuchWell` or `kNoSuchValue` for an index that
 /// is not below the count.
 class VEX2_API Readings {
  public:
-  /// No frames and no wells.
+  /// Makes an object without frames and wells.
   Readings();
-  // No moves, which would leave an object without a matrix: a copy costs as little.
-  /// Shares the matrix of the other.
+  // There are no move operations: they would leave an object without a matrix, and copying is as
+  // cheap.
+  /// Shares the matrix of the other object.
   Readings(const Readings&) = default;
-  /// Shares the matrix of the other.
+  /// Shares the matrix of the other object.
   Readings& operator=(const Readings&) = default;
   ~Readings() = default;
 
@@ -54,29 +55,31 @@ class VEX2_API Readings {
   std::size_t WellCount() const;
   /// The well numbers, from 1, in the order of the matrix.
   const std::vector<std::uint16_t>& Wells() const;
-  /// The well index of a well number, the first one; nothing for a well without readings.
+  /// The index of the first well with this number; nothing if the block has no such well.
   std::optional<std::size_t> FindWell(std::uint16_t number) const;
   /// The position of each frame in the run.
   const std::vector<FramePosition>& Axis() const;
 
   /// The whole matrix, `FrameCount` times `WellCount` times 32 values.
   std::span<const std::uint16_t> Values() const;
-  /// Of one frame, `WellCount` times 32 values.
+  /// The values of one frame, `WellCount` times 32.
   std::span<const std::uint16_t> Values(std::size_t frame) const;
-  /// Of one well in one frame, 32 values.
+  /// The 32 values of one well in one frame.
   std::span<const std::uint16_t> Values(std::size_t frame, std::size_t well) const;
-  /// The stored value `value`, from 0, of the well at the index `well`, from 0, in a frame, from 0.
+  /// The stored value with the index `value`, of the well with the index `well`, in the frame with
+  /// the index `frame`. All indexes count from 0.
   std::uint16_t At(std::size_t frame, std::size_t well, std::size_t value) const;
 
   /// The meaning of the values; nothing if the log does not say that this library recorded them.
   const std::optional<ReadingMeaning>& Meaning() const;
-  /// 0 where the meaning is not known.
+  /// The number of channels; 0 if the meaning is not known.
   std::size_t ChannelCount() const;
-  /// The reading in real units. Returns nothing if it is missing, or if the record holds anything
-  /// that this library would not have written.
+  /// The reading in real units. Returns nothing if the reading is missing, or if the record
+  /// contains something that this library would not have written.
   std::optional<double> Fluorescence(std::size_t frame, std::size_t well,
                                      std::size_t channel = 0) const;
-  /// All readings of a channel, `FrameCount` times `WellCount`; NaN for nothing.
+  /// All readings of a channel in real units, `FrameCount` times `WellCount`. NaN in place of
+  /// readings for which `Fluorescence` returns nothing.
   std::vector<double> FluorescenceOf(std::size_t channel = 0) const;
 
  private:
@@ -90,20 +93,20 @@ class VEX2_API Readings {
 
 /// What a document stores of one well in one frame.
 struct WellReading {
-  std::uint16_t well = 0;  ///< number, from 1
-  /// The fields before the values; their meaning depends on the instrument.
+  std::uint16_t well = 0;  ///< well number, from 1
+  /// The leading values; their meaning depends on the instrument.
   std::array<std::uint16_t, 8> leading{};
-  std::array<std::uint16_t, kReadingValues> values{};  ///< the stored readings
-  /// The readings of the channels in real units, NaN where one is missing; empty where the meaning
-  /// is not known.
+  std::array<std::uint16_t, kReadingValues> values{};  ///< the data values
+  /// The readings of the channels in real units, NaN for a missing one. Empty if the meaning is not
+  /// known.
   std::vector<double> fluorescence;
 };
 
 /// One frame of a data block.
 struct Frame {
-  std::uint64_t index = 0;         ///< from 0
-  FramePosition position;          ///< the position of the frame in the run
-  std::vector<WellReading> wells;  ///< in the order of the block
+  std::uint64_t index = 0;         ///< index in the block, from 0
+  FramePosition position;          ///< position in the run
+  std::vector<WellReading> wells;  ///< in the order of the block's wells
 };
 
 }  // namespace vex2::lab

@@ -24,7 +24,7 @@ std::optional<std::uint8_t> readByte(CFile& file) {
   return file.Read(&byte, 1) == 1 ? std::optional(byte) : std::nullopt;
 }
 
-// Floats alone are little-endian in documents.
+// Only floats are little-endian in documents.
 RecordValue readFloat(CFile& file) {
   const auto bits = ReadLong(file);
   if (!bits) return {};

@@ -15,17 +15,18 @@ namespace vex2::lab {
 
 /// How a walk ended.
 struct WalkEnd {
-  std::uint64_t offset = 0;        ///< where; the file's length when all of it was records
-  std::optional<FileFault> fault;  ///< of the record that could not be walked over
+  /// Offset at which the walk ended; the length of the file if all of it was records.
+  std::uint64_t offset = 0;
+  std::optional<FileFault> fault;  ///< why the walk could not pass the record at which it ended
 };
 
-/// Walks over the records of the document in the open `file`, from the end of its header on, and
-/// over those in them, to the same places as the document's reader: past the bytes that a body's
-/// layout has, whatever length the record declares. Neither allocates nor recurses on the word of a
-/// file.
+/// Walks over the records of the document in the open `file`, beginning after its header, and over
+/// the records in lists. Finds each record at the same offset as the document's reader: after the
+/// bytes that the layout of the previous body has, whatever length that record declares. A number
+/// in the file can neither make it allocate memory nor recurse.
 WalkEnd WalkRecords(CFile& file, RecordVisitor& visitor);
 
-/// The next 16 or 32 bits, big-endian; nothing if the file ends before.
+/// Reads the next 16 or 32 bits, big-endian. Returns nothing if the file ends before them.
 std::optional<std::uint16_t> ReadShort(CFile& file);
 std::optional<std::uint32_t> ReadLong(CFile& file);
 

@@ -5,17 +5,17 @@
 
 namespace vex2::lab {
 
-/// How many numbers a document could not hold as they were, and what that changed.
+/// The number of values that had to be rounded to fit into a document, and the largest change.
 struct RoundedNumbers {
   std::size_t count = 0;
   double largestChange = 0;
 
-  /// Counts a number that was changed by so much.
+  /// Counts a number that was changed by `change`.
   void Add(double change);
 };
 
-/// By how much the decimal number `text` was changed when it became `kept`, a number of 32 bits.
-/// 0 when it comes back from the document: it is the shortest text of `kept`, or the same number.
+/// The change when the decimal number `text` is stored as the 32-bit number `kept`. It is 0 if the
+/// text of `kept` gives the same number again.
 double ChangeOf(std::string_view text, float kept);
 
 }  // namespace vex2::lab

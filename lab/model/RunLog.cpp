@@ -26,14 +26,14 @@ bool isKey(std::string_view text) {
   });
 }
 
-// The line at the start of `rest`, which then holds what follows it.
+// Returns the first line of `rest` and removes it from `rest`.
 std::string_view takeLine(std::string_view& rest) {
   const std::string_view line = rest.substr(0, rest.find('\n'));
   rest.remove_prefix(std::min(line.size() + 1, rest.size()));
   return line;
 }
 
-// What stands behind KEY= in the first line of that key; nothing when there is none.
+// The value in the first line KEY=VALUE with this key; nothing if there is no such line.
 std::optional<std::string_view> valueOf(std::string_view lines, std::string_view key) {
   while (!lines.empty()) {
     const std::string_view line = takeLine(lines);
@@ -42,7 +42,8 @@ std::optional<std::string_view> valueOf(std::string_view lines, std::string_view
   return std::nullopt;
 }
 
-// The names between the commas. Nothing for more than a record can hold, and for an empty one.
+// The names between the commas. Returns nothing if a name is empty, or if there are more names than
+// a record has channels.
 std::optional<std::vector<std::string>> channelsIn(std::string_view text) {
   std::vector<std::string> names;
   while (!text.empty()) {
@@ -54,8 +55,8 @@ std::optional<std::vector<std::string>> channelsIn(std::string_view text) {
   return names;
 }
 
-// What `section`, which begins with a source, states. Nothing unless each line has a key of its
-// own.
+// Parses `section`, which begins with the line that names the source. Returns nothing if a line is
+// not KEY=VALUE, or if two lines have the same key.
 std::optional<RunLog> read(std::string_view section) {
   std::set<std::string_view> keys;
   for (std::string_view rest = section; !rest.empty();) {
@@ -79,7 +80,7 @@ std::optional<RunLog> read(std::string_view section) {
   return log;
 }
 
-// Where the last line that names a source begins; the length of the log when there is none.
+// The offset of the last line that names a source; the length of the log if there is none.
 std::size_t sectionStart(std::string_view log) {
   std::size_t start = log.size();
   for (std::string_view rest = log; !rest.empty();) {
@@ -133,7 +134,7 @@ std::optional<RunReading> RecordedReadings::Read(const Vex2WellRecord& record,
   const RunReading reading = DecodeReading(record);
   const std::size_t channels = std::max<std::size_t>(log_->channels.size(), 1);
   if (reading.missing >> channels != 0) return std::nullopt;
-  unsigned unused = 0;  // what stands where nothing was read
+  unsigned unused = 0;  // values that must be 0 because nothing was read there
   for (std::size_t channel = channels; channel < kMostChannels; ++channel) {
     unused |= reading.values[channel];
   }

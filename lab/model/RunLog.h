@@ -13,47 +13,51 @@
 
 namespace vex2::lab {
 
-/// The line with which the recorder's statement in a log begins, by where the readings come from.
+/// The first line of the recorder's statement in a log: the source of the readings.
 inline constexpr std::string_view kMeasuredSource = "source=readings";
 inline constexpr std::string_view kSimulatedSource = "source=simulation";
 
-/// What the recorder states in the log of a document whose readings it wrote: the log's last lines,
-/// each KEY=VALUE, from the one that names the source on, with "frames" and "scale" once each among
-/// them ("frames=unknown" while that is so), and where they are needed "offset", "channels" and
-/// "started". A log without such an end is another program's, whatever its lines say.
+/// What the recorder states in the log of a document that it recorded. The statement is the end of
+/// the log: lines KEY=VALUE, from the last line that names the source on. Among them are "frames"
+/// and "scale" once each ("frames=unknown" as long as the number is not known), and "offset",
+/// "channels" and "started" where they are needed. A log that does not end like this is another
+/// program's.
 struct RunLog {
-  /// Of the whole run; nothing while a live run goes on whose number of frames nobody has given.
+  /// The number of frames of the whole run; nothing during a live run whose number of frames was
+  /// not given.
   std::optional<std::uint64_t> frames;
-  ReadingScale scale;                 ///< of the readings
-  std::vector<std::string> channels;  ///< their names, Latin-1; none where a well has one reading
-  std::optional<RunStart> started;    ///< when the run began, if anyone has said
+  ReadingScale scale;  ///< scale of the readings
+  /// Names of the channels, Latin-1; empty if each well has one reading.
+  std::vector<std::string> channels;
+  std::optional<RunStart> started;  ///< when the run began, if that is known
 
-  /// The lines that state this, but for the source.
+  /// The lines of the statement, without the source.
   std::string Text() const;
-  /// Returns nothing for a log in which the recorder states nothing.
+  /// Finds the statement in `log`. Returns nothing if there is none.
   static std::optional<RunLog> Find(std::string_view log);
 };
 
-/// `text` as a new log in place of `log`, which keeps what the recorder states there. `text` alone
-/// when it has a statement of its own, or `log` has none.
+/// The log that results if a user sets `text` in place of `log`: `text`, followed by the recorder's
+/// statement in `log`. If `text` has a statement itself, or `log` has none, returns `text`.
 std::string LogKeepingRun(std::string_view text, std::string_view log);
 
-/// Tells which readings of a data block the recorder wrote, so that they can be interpreted. The
-/// meaning of all others is their own program's, and not known.
+/// Distinguishes the readings of a data block that the recorder wrote from all others, whose
+/// meaning is not known.
 class RecordedReadings {
  public:
-  /// The block of `plate` with this tag. The recorder writes raw data ("RAWa") alone.
+  /// For the block of `plate` with this tag. The recorder writes only raw readings ("RAWa").
   RecordedReadings(const Vex2FileManager& plate, std::string_view blockTag);
-  /// The block with this tag of a document with this log.
+  /// For the block with this tag of a document with this log.
   RecordedReadings(std::string_view log, std::string_view blockTag);
 
-  /// What the log states; nothing if no reading of the block is the recorder's.
+  /// The recorder's statement in the log; nothing if the recorder wrote no reading of the block.
   const std::optional<RunLog>& Log() const { return log_; }
-  /// The reading in `record`, which frame `frame` (from 0) holds. Returns nothing for a record that
-  /// holds anything but what the recorder would have written, and for frames after the run's last
-  /// one, which only others can have added.
+  /// Decodes `record` of frame `frame` (from 0). Returns nothing if the record differs from what
+  /// the recorder would have written, or if the frame comes after the last one of the run, so that
+  /// another program added it.
   std::optional<RunReading> Read(const Vex2WellRecord& record, std::uint64_t frame) const;
-  /// The same, faster, of a record that is the recorder's or empty, as `Read` has told before.
+  /// Decodes a record that `Read` accepted before, or an empty one, for which it returns nothing.
+  /// It is faster than `Read`.
   static std::optional<RunReading> ReadKnown(const Vex2WellRecord& record);
 
  private:

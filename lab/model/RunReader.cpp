@@ -20,7 +20,7 @@ namespace vex2::lab {
 
 namespace {
 
-// What was not read of the document, by offset.
+// What was not read of the document, sorted by offset.
 std::vector<FileFault> faultsOf(const Document& document) {
   std::vector<FileFault> faults;
   if (const auto& fault = document.Fault()) faults.push_back(*fault);
@@ -32,7 +32,7 @@ std::vector<FileFault> faultsOf(const Document& document) {
   return faults;
 }
 
-// What of that is within the plate.
+// The faults within the plate.
 std::vector<FileFault> faultsWithin(const std::vector<FileFault>& faults,
                                     const Document::Plate& plate) {
   std::vector<FileFault> within;
@@ -64,10 +64,10 @@ struct RunReader::Content {
   lab::Calibration calibration;
   std::vector<SettingValue> settings;
   std::optional<lab::Program> program;
-  std::string log;  // as the document stores it
+  std::string log;  // Latin-1, as the document stores it
   std::vector<BlockInfo> blocks;
 
-  /// A plate in the document, and its name as the document stores it.
+  /// A plate in the document. `name` is as the document stores it.
   struct Embedded {
     std::string name;
     std::shared_ptr<const Content> content;
@@ -190,7 +190,8 @@ const std::vector<std::uint16_t>& RunReader::Wells(std::string_view block) const
   return found != nullptr ? found->wells : none;
 }
 
-// What `work` reads of the block; an empty result without one.
+// Calls `work` with a reader of the block, and returns its result; an empty result if there is no
+// such block.
 template <typename Result, typename Work>
 Result RunReader::withFrames(std::string_view block, const Work& work) const {
   const BlockInfo* found = findBlock(block);

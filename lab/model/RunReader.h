@@ -17,41 +17,41 @@
 
 namespace vex2::lab {
 
-/// What a plate document says, and its readings on demand.
+/// The content of a plate document, and its readings on demand.
 ///
 ///     vex2::lab::RunReader run("run.vex");
 ///     if (!run.IsWhole()) std::cerr << run.Faults().front().what << '\n';
 ///     std::cout << run.Plate().wells[0].sample << ": " << run.FrameCount() << " frames\n";
 ///     const vex2::lab::Readings readings = run.Readings();
 ///
-/// The constructor reads all but the frames, so that it costs the same however long the run was.
-/// `Axis`, `Frame` and `Readings` open the file again and read what they need. No operation keeps
-/// the file open, so a recorder may continue: the reader returns the frames that were committed
-/// when it was made, and a new reader sees those that came since. If the document has been replaced
-/// since, operations that read frames throw.
+/// The constructor reads everything except the frames, so its time does not depend on the length of
+/// the run. `Axis`, `Frame` and `Readings` open the file again and read what they need. No
+/// operation keeps the file open, so a recorder may continue: this reader returns the frames that
+/// were committed when it was made, and a new reader also returns later ones. If the document has
+/// been replaced since, operations that read frames throw.
 ///
-/// The texts and values that are handed out by reference live as long as any copy of the reader.
+/// The texts and values that are returned by reference are valid as long as any copy of the reader.
 /// Copies are cheap and share what was read, which never changes: different threads can use the
 /// same reader and its copies. A reader that was moved from may only be assigned to or destroyed.
 ///
-/// Every operation that can fail throws `Error`, with the path, and with the offset and the
-/// system's error where there are any, and nothing else; the reader stays as it was.
+/// Every operation that can fail throws `Error` and nothing else. The error has the path, and the
+/// offset and the system's error number if there are any. The reader stays unchanged.
 class VEX2_API RunReader {
  public:
-  /// Reads the document at `path`. Throws when it cannot be opened or read, is used by another
-  /// program for more than two seconds, or is not a plate document. A document that is damaged is
-  /// read as far as possible: ask `IsWhole`.
+  /// Reads the document at `path`. Throws if it cannot be opened or read, if another program uses
+  /// it for more than two seconds, or if it is not a plate document. A damaged document is read as
+  /// far as possible; check `IsWhole`.
   explicit RunReader(const std::filesystem::path& path);
 
-  /// As it was given.
+  /// The path as the caller gave it.
   const std::filesystem::path& Path() const;
-  /// Whether everything in the file was read, so that `Faults` is empty.
+  /// Whether everything in the file was read. If not, see `Faults`.
   bool IsWhole() const;
-  /// What could not be read or was left out, where and why, by offset. Of a plate in a study what
-  /// concerns the plate.
+  /// What could not be read or was left out, and why, sorted by offset. For a plate in a study,
+  /// only the faults in that plate.
   const std::vector<FileFault>& Faults() const;
 
-  /// How far the run has come.
+  /// The state of the run.
   RunState State() const;
   // The header's codes, without trailing blanks.
   const std::string& StatusCode() const;  ///< "ZERO", "PROG" or "DONE"
@@ -64,39 +64,40 @@ class VEX2_API RunReader {
   const std::vector<Detector>& Detectors() const;
   /// The names of the dyes that the run requires.
   const std::vector<std::string>& RequiredDyes() const;
-  /// The calibration; empty where the document has none.
+  /// The calibration; empty if the document has none.
   const lab::Calibration& Calibration() const;
-  /// The run-wide settings that the document has, in the order in which people are shown them.
+  /// The run-wide settings that the document has, in the order in which they are shown to users.
   const std::vector<SettingValue>& Settings() const;
-  /// Returns nothing if the document has no program.
+  /// The thermal cycling program; nothing if the document has none.
   const std::optional<lab::Program>& Program() const;
   /// The data blocks in the order of the document.
   const std::vector<BlockInfo>& Blocks() const;
 
   // --- Readings ---
   //
-  // Of the first data block with the tag `block`; by default the raw readings. Without such a block
-  // there are no frames and no wells.
+  // The argument `block` is the tag of a data block; by default that of the raw readings. If there
+  // are several such blocks, the first is read. If there is none, there are no frames and no wells.
 
   /// The number of committed frames.
   std::uint64_t FrameCount(std::string_view block = kRawReadings) const;
   /// The well numbers, from 1, in the order of each frame.
   const std::vector<std::uint16_t>& Wells(std::string_view block = kRawReadings) const;
-  /// The position of each frame in the run. Reads one record of a frame. If the log does not say
-  /// that this library recorded the run, reads nothing, and all positions are unknown.
+  /// Reads the position of each frame in the run, from one record of each frame. If the log does
+  /// not say that this library recorded the run, reads nothing, and all positions are unknown.
   std::vector<FramePosition> Axis(std::string_view block = kRawReadings) const;
-  /// Reads one frame, from 0. Throws `kNoSuchFrame` for an index that is not below the count.
+  /// Reads the frame with this index, from 0. Throws `kNoSuchFrame` if the index is not below the
+  /// frame count.
   lab::Frame Frame(std::uint64_t index, std::string_view block = kRawReadings) const;
-  /// Reads all frames, in one pass. Each call reads the file: keep the result.
+  /// Reads all frames in one pass. Each call reads the file again, so keep the result.
   lab::Readings Readings(std::string_view block = kRawReadings) const;
 
   // --- Studies ---
 
-  /// Whether the document holds plates to be compared.
+  /// Whether the document is a study.
   bool IsStudy() const;
-  /// The names of the plates in the document, in their order; none of a document without plates.
+  /// The names of the plates in the document, in their order; empty if it holds no plates.
   std::vector<std::string> PlateNames() const;
-  /// A reader of the first plate of this name. Throws `kNoSuchPlate` if there is none.
+  /// A reader of the first plate with this name. Throws `kNoSuchPlate` if there is none.
   RunReader Plate(std::string_view name) const;
 
  private:

@@ -54,7 +54,8 @@ RunReading DecodeReading(const Vex2WellRecord& record) {
 }
 
 std::string ShortestQuotient(std::uint32_t value, std::uint32_t divisor) {
-  // Fixed notation is as short as 9 digits before the point and 9 behind it at most.
+  // In fixed notation, the quotient has at most 10 digits before the point, and its shortest text
+  // always fits.
   std::array<char, 64> text{};
   const double quotient = static_cast<double>(value) / static_cast<double>(divisor);
   const auto end =

@@ -14,11 +14,11 @@ namespace {
 
 using namespace std::chrono;
 
-constexpr std::size_t kTimeLength = 19;  // of "2026-11-22T08:00:00"
+constexpr std::size_t kTimeLength = 19;  // length of "2026-11-22T08:00:00"
 constexpr int kFirstYear = 2000;
 constexpr int kLastYear = 2099;
 
-// The number at `at` of `text`, of as many digits as `count`.
+// The number in the `count` digits at `at` of `text`; nothing if they are not all digits.
 std::optional<unsigned> digits(std::string_view text, std::size_t at, std::size_t count) {
   const std::string_view part = text.substr(at, count);
   const bool plain = std::all_of(part.begin(), part.end(), [](char character) {

@@ -95,7 +95,7 @@ RunState RunStateOf(std::string_view status) {
 
 std::vector<BlockInfo> BlocksOf(const Document::Plate& plate) {
   std::vector<BlockInfo> blocks;
-  std::map<std::string_view, std::size_t> found;  // how many of a kind
+  std::map<std::string_view, std::size_t> found;  // number of blocks by tag
   for (int i = 0; i < plate.content->GetAllComponentCount(); ++i) {
     const auto* block = dynamic_cast<const AcquisitionDataComp*>(plate.content->GetComponent(i));
     if (block == nullptr) continue;

@@ -15,15 +15,15 @@ namespace vex2::lab {
 
 std::vector<Detector> DetectorValuesOf(const Vex2FileManager& document);
 std::vector<std::string> RequiredDyeNamesOf(const Vex2FileManager& document);
-/// The settings that the document has, but for those that its header holds.
+/// The settings that the document has, without those in its header.
 std::vector<SettingValue> SettingValuesOf(const Vex2FileManager& document);
-/// Returns nothing if the document has no program.
+/// The thermal cycling program; nothing if the document has none.
 std::optional<Program> ProgramOf(const Vex2FileManager& document);
 RunState RunStateOf(std::string_view status);
-/// The data blocks in their order, with their places in the file.
+/// The data blocks in their order, with their offsets in the file.
 std::vector<BlockInfo> BlocksOf(const Document::Plate& plate);
-/// The time as people read it, with the zone that the log states. Nothing without a log: nobody
-/// else says what the bytes of a time mean.
+/// The time as a text for users, with the zone that the log states. Returns nothing without a log:
+/// then the meaning of the bytes is not known.
 std::optional<std::string> TimeText(const TimeStamp& time, const std::optional<RunLog>& log);
 FramePosition PositionOf(const RunReading& reading);
 

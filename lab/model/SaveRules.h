@@ -7,17 +7,17 @@
 
 namespace vex2::lab {
 
-/// What a save of a document that was read may lose or change.
+/// What a save of a document may lose or change.
 struct SaveRules {
   bool upgradeBlocks =
-      false;                 ///< data blocks of version 1, which do not read back, become version 2
-  bool dropUnknown = false;  ///< records that cannot be kept may be lost by a save in place
-  /// Receives what a save elsewhere leaves out: a sentence for each record, the first ones singly,
-  /// and one for a run in progress.
+      false;  ///< data blocks of version 1, which could not be read back, become version 2
+  bool dropUnknown = false;  ///< a save in place may lose the records that the library cannot keep
+  /// Called with sentences about what a save to another file leaves out, and about a run in
+  /// progress. The first records get one sentence each, and all others one together.
   std::function<void(const std::string& sentence)> onLoss = [](const std::string&) {};
-  /// What the caller can do when blocks are not upgraded; it is appended to the error message.
+  /// The advice in the error about blocks of version 1, if `upgradeBlocks` is false.
   std::string upgradeHint = "set upgradeBlocks to make it version 2";
-  /// What the caller can do when records would be lost; it is appended to the error message.
+  /// The advice in the error about records that would be lost, if `dropUnknown` is false.
   std::string dropHint = "set dropUnknown to accept that";
 };
 

@@ -7,18 +7,19 @@
 
 namespace vex2::lab {
 
-/// Throws an error when `document` cannot be saved to `target` without harm: it was not read whole,
-/// or holds data blocks of the old version that `rules` does not upgrade; or it is saved over
-/// itself and would lose what cannot be kept. Upgrades the blocks otherwise.
+/// Throws an error if a save of `document` to `target` would do damage. That is so if the document
+/// was not read completely; if it holds data blocks of version 1, and `rules` do not allow
+/// upgrading them; or if the save would replace the document itself and lose records. Otherwise
+/// upgrades the blocks.
 void PrepareToSave(Document& document, const std::string& target, const SaveRules& rules);
 
-/// Throws an error when one of the document's plates cannot be saved alone, to another file,
-/// without harm.
+/// Throws an error if saving one plate of the document to another file would do damage; see
+/// `PrepareToSave`.
 void PreparePlateToSave(const Document& document, const Document::Plate& plate,
                         const std::string& target, const SaveRules& rules);
 
-/// Saves `document` to `target`. Throws an error when that fails, or when the document was read to
-/// be changed and another program has changed it since; the file at `target` is then as it was.
+/// Saves `document` to `target`. Throws an error if that fails, or if the document was read to be
+/// changed and another program has changed it since. The file at `target` is then unchanged.
 void SaveDocument(DocumentFile& document, const std::string& target);
 
 /// Whether both paths lead to the same existing file.

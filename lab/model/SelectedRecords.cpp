@@ -24,7 +24,7 @@ void SelectedRecords::End(const FileRecord& record) {
 std::optional<FileRecord> SelectedRecords::selected(FileRecord record) const {
   if (plate_.isEmbedded) {
     if (record.offset <= plate_.offset || record.offset >= plate_.end) return std::nullopt;
-    // A plate is a record in the record of all plates.
+    // A plate's record is in the list of plates, which is at depth 1.
     constexpr int kDepthOfPlate = 2;
     if (!selection_.tag) record.depth -= kDepthOfPlate;
   }

@@ -10,18 +10,19 @@
 
 namespace vex2::lab {
 
-/// Which records of a document or plate are meant.
+/// A selection of the records of a document or plate.
 struct TreeSelection {
-  /// How deep records are nested, 1 for those of the document itself.
+  /// The greatest depth of the selected records. Top-level records have depth 1.
   int depth = std::numeric_limits<int>::max();
-  /// Only those with this tag, with what is in them; each is then at depth 1.
+  /// If set, selects only records with this tag and the records in them. These records then have
+  /// depth 1.
   std::optional<std::string> tag;
 };
 
-/// Passes on the records of one plate, or of the document, that were selected.
+/// Passes on the selected records of one plate, or of the document, to another visitor.
 class SelectedRecords final : public RecordVisitor {
  public:
-  /// All of what is handed over must live as long as the visitor does.
+  /// All arguments must outlive the visitor.
   SelectedRecords(const Document::Plate& plate, const TreeSelection& selection, RecordVisitor& next)
       : plate_(plate), selection_(selection), next_(next) {}
 
@@ -30,7 +31,7 @@ class SelectedRecords final : public RecordVisitor {
 
   /// Whether any record was selected.
   bool HasAny() const { return hasAny_; }
-  /// The tags of all records that were met, as UTF-8.
+  /// The tags of all records that were visited, as UTF-8.
   const std::set<std::string>& Tags() const { return tags_; }
 
  private:
@@ -39,7 +40,7 @@ class SelectedRecords final : public RecordVisitor {
   const Document::Plate& plate_;
   const TreeSelection& selection_;
   RecordVisitor& next_;
-  std::optional<int> within_;  // the depth of the record with the tag that was asked for
+  std::optional<int> within_;  // the depth of the current record with the selected tag
   bool hasAny_ = false;
   std::set<std::string> tags_;
 };

@@ -13,7 +13,8 @@ namespace vex2::lab {
 
 namespace {
 
-// Settings that travel together: `member` of the record, as long as what fits is a `Stored`.
+// Settings that are stored in one common record. `member` is the field, and `Stored` is the type
+// with the range of its values.
 
 template <auto member>
 Value getNumber(const Vex2FileManager& document) {
@@ -32,7 +33,7 @@ bool setNumber(Vex2FileManager& document, std::string_view text) {
   return document.ReplaceGlobalComplexComp(&settings) == kSuccess;
 }
 
-// A byte has no from_chars of its own, which would take it for a character.
+// std::from_chars reads a single-byte type as a character, so read an int.
 template <auto member>
 bool setByte(Vex2FileManager& document, std::string_view text) {
   const auto value = NumberIn<int>(text);
@@ -65,18 +66,18 @@ bool setBlock(Vex2FileManager& document, std::string_view text) {
   return document.ReplaceGlobalComplexComp(&settings) == kSuccess;
 }
 
-// The setter has a second form for texts, which the address alone would not tell from this.
+// Selects one of the setter's two overloads.
 constexpr auto kSetPassiveReference =
     static_cast<void (Vex2GlobalComplex::*)(const void*, std::uint32_t)>(
         &Vex2GlobalComplex::SetPassiveReference);
 
-// Without what the recorder states there, nothing could be said of the readings any more.
+// Keeps the recorder's statement in the log: without it the meaning of the readings would be lost.
 bool setLog(Vex2FileManager& document, std::string_view text) {
   return setBlock<&Vex2GlobalComplex::SetLog>(document,
                                               LogKeepingRun(text, ToUtf8(LogText(document))));
 }
 
-// Settings in components of their own.
+// Settings in separate components.
 
 template <auto getter>
 Value getName(const Vex2FileManager& document) {

@@ -9,22 +9,23 @@
 
 namespace vex2::lab {
 
-/// A run-wide setting under the name by which people call it.
+/// A run-wide setting, and the name that users know it by.
 struct Setting {
   std::string_view key;
-  std::string_view takes;  ///< what values there are, for people
-  /// The value; none when the document does not say.
+  std::string_view takes;  ///< the values that it takes, as a text for users
+  /// Returns the value; no value if the document does not have the setting.
   Value (*get)(const Vex2FileManager& document);
-  /// Sets the value that `text` stands for. False when it stands for none.
+  /// Sets the value that `text` represents. Returns false if the setting does not take it.
   bool (*set)(Vex2FileManager& document, std::string_view text);
-  bool isOfStudies = false;  ///< it says how a study compares its plates
-  bool isInHeader = false;   ///< it is shown with the header's fields, not among the others
+  bool isOfStudies = false;  ///< it describes how a study compares its plates
+  /// It is shown with the fields of the header, not with the other settings.
+  bool isInHeader = false;
 };
 
-/// All of them, in the order in which they are shown.
+/// All settings, in the order in which they are shown.
 const std::vector<Setting>& Settings();
 
-/// The log of the run, as bytes.
+/// The log of the run, as the document stores it.
 std::string LogText(const Vex2FileManager& document);
 
 }  // namespace vex2::lab

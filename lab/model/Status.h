@@ -7,17 +7,17 @@
 
 namespace vex2::lab {
 
-/// Throws an error unless `code` can be a run's status: four plain characters, and not one that is
-/// meant to be a known one. `path` is the document's, for the error.
+/// Throws an error unless `code` can be an acquisition status: four printable ASCII characters that
+/// do not look like a misspelled known status. `path` is that of the document, for the error.
 void RequireStatusCode(std::string_view code, const std::string& path);
 
-/// Makes `code` the status of the document in memory.
+/// Sets the acquisition status of the document in memory to `code`.
 void StoreStatus(Vex2FileManager& document, std::string_view code);
 
-/// Writes the status into the header of the document at `path`, and changes nothing else. Works
-/// on a document whose run is in progress, too: it is the remedy for one whose recorder is gone.
-/// The caller holds the document's lock. Throws an error with the reason. `SetRunStatus` does the
-/// same for programs, and takes the lock.
+/// Writes the acquisition status into the header of the document at `path`, and changes nothing
+/// else. The run may be in progress, so that a run can be ended whose recorder was killed. The
+/// caller must hold the document's lock. Throws an error with the reason. `SetRunStatus` is the
+/// public operation, which takes the lock.
 void WriteStatus(const std::string& path, const std::string& code);
 
 }  // namespace vex2::lab

@@ -14,7 +14,7 @@ namespace vex2::lab {
 
 namespace {
 
-// What both kinds of spectrum have, and what each has of its own.
+// Copies of the fields: first those of both kinds of spectrum, then those of one kind.
 
 void copyOwn(const Vex2DyeSpectrum& from, CalibrationEntry& to) {
   to.bytes = {from.byte1, from.byte2};
@@ -103,7 +103,8 @@ Component* findPart(const Vex2FileManager& document) {
   return nullptr;
 }
 
-// Callers' records lack the reserved words of a part, which must outlive its replacement.
+// Calls `replace`, which replaces a part by the record of a caller. Then restores the reserved
+// words of the part, which such a record does not have.
 template <typename Component, typename Replace>
 void replacePart(const Vex2FileManager& document, const Replace& replace) {
   std::optional<std::array<std::uint8_t, 48>> reserved;

@@ -5,15 +5,15 @@
 
 namespace vex2::lab {
 
-/// What the document's calibration container says.
+/// The content of the document's calibration record.
 Calibration CalibrationOf(const Vex2FileManager& document);
 
-/// Makes the parts that there are the document's, and keeps the reserved words of those that they
-/// replace; parts that there are not stay as they are. Throws an error when the document cannot
-/// hold them, or a name is not Latin-1.
+/// Stores the parts that `calibration` has. Keeps the reserved words of replaced parts, and the
+/// parts that `calibration` does not have. Throws an error if the document cannot hold a part, or
+/// if a name is not Latin-1.
 void StoreCalibration(Vex2FileManager& document, const Calibration& calibration);
 
-/// The values of a spectrum as numbers, a filter each.
+/// The values of a spectrum as floating-point numbers, one for each filter.
 std::vector<double> NumbersOf(const CalibrationEntry& entry);
 
 }  // namespace vex2::lab

@@ -20,7 +20,7 @@ namespace {
 
 constexpr std::string_view kStudyCode = Assay::kRelativeStudy.code;
 constexpr std::string_view kPlateKind = KindMarker::kKestor;
-// See `PlateDateText`, which reads it.
+// The date format of studies, which `PlateDateText` parses.
 constexpr const char* kDateForm = "%b %d, %Y %I:%M %p";
 
 [[noreturn]] void refuse(const Document& plate, const std::string& why,
@@ -28,7 +28,7 @@ constexpr const char* kDateForm = "%b %d, %Y %I:%M %p";
   throw Error(ErrorCode::kDocument, plate.Path(), why, std::nullopt, remedy);
 }
 
-// A plate is named after its file, which is told from its folder in a whole path only.
+// A plate is named after its file. SplitPath finds the name of the file only in an absolute path.
 CString wholePath(const std::string& path) {
   const std::string whole = std::filesystem::absolute(path).lexically_normal().string();
   const auto latin1 = ToLatin1(whole);
@@ -58,7 +58,7 @@ void requirePlate(const Document& plate) {
   }
 }
 
-// A study has its plates' type, and no run of its own.
+// The study takes the type of its first plate, but has no run of its own.
 void beginStudy(Vex2FileManager& study, const Vex2HeaderData& plate) {
   Vex2HeaderData header(plate);
   kStudyCode.copy(header.assayCode, sizeof header.assayCode);
@@ -83,7 +83,8 @@ bool hasName(const Vex2FileManager& study, const CString& name) {
   return false;
 }
 
-// The name of a file: what parts folders in a path is none of its characters.
+// The path of a file with this name. Separators in the name are replaced, since they would begin a
+// folder.
 CString fileName(std::string name) {
   std::replace_if(
       name.begin(), name.end(), [](char c) { return c == '/' || c == '\\'; }, '-');
@@ -115,7 +116,8 @@ std::string AddPlates(Vex2FileManager& study, const std::string& studyPath,
                       const std::vector<std::string>& paths, const SaveRules& rules,
                       const std::function<void(const std::string& path)>& onPlate) {
   const bool isNew = !study.IsRQS();
-  // A study that was read knows its plates, but not yet that their names are taken.
+  // Registers the names of the plates. Without this, a study that was just read would accept a
+  // plate with a name that it already has.
   study.SyncPlatesWithAnalysisStorageMap();
   std::string report;
   for (const std::string& path : paths) {

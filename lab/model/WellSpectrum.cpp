@@ -18,7 +18,7 @@ namespace vex2::lab {
 namespace {
 
 constexpr std::size_t kRateCount = 4;
-constexpr std::size_t kFirstRate = 24;  // their places in a converted spectrum
+constexpr std::size_t kFirstRate = 24;  // index of the first rate in a converted spectrum
 
 std::vector<std::uint32_t> ratesOf(const Vex2FileManager& content, std::uint32_t well,
                                    std::int64_t frame) {

@@ -13,7 +13,7 @@ namespace {
 
 using nlohmann::ordered_json;
 
-// Sets the key when there is a value: a page of 384 wells needs no thousand nulls.
+// Sets the key only if there is a value: a page of 384 wells does not need a thousand nulls.
 template <typename Content>
 void setIfAny(ordered_json& object, const char* key, const std::optional<Content>& content) {
   if (content) object[key] = *content;
@@ -90,7 +90,7 @@ ordered_json qualityJson(const QualityFinding& finding) {
           {"text", finding.text}};
 }
 
-// Numbers of 32 bits, the least significant byte first.
+// The numbers as 32-bit floats in Base64, the least significant byte first.
 std::string packed(const std::vector<double>& numbers) {
   std::vector<std::uint8_t> bytes;
   bytes.reserve(4 * numbers.size());
@@ -103,7 +103,8 @@ std::string packed(const std::vector<double>& numbers) {
   return Base64(bytes);
 }
 
-// The curves of a plate share their temperatures, which are kept once.
+// The melting curves. The temperatures are stored only once for consecutive curves that have the
+// same.
 class MeltList {
  public:
   void Add(const MeltCurve& curve) {
@@ -168,8 +169,8 @@ void addMelting(const RunReader& run, ordered_json& object) {
 
 ordered_json AnalysisJson(const RunReader& run) {
   ordered_json object = ordered_json::object();
-  // A run without readings, or of readings whose meaning is not known, has no results; the page
-  // says why.
+  // If a run has no readings, or the meaning of its readings is not known, it has no results, and
+  // the page gives the reason.
   for (const auto& add : {addCqs, addMelting}) {
     try {
       add(run, object);

@@ -8,12 +8,12 @@ namespace vex2::lab {
 
 namespace {
 
-// Of a cell of two columns and four lines of dots: Unicode, chapter 21.2.
+// The bits of the dots in a Braille cell of two columns and four lines: Unicode, chapter 21.2.
 constexpr std::array<std::array<std::uint8_t, 2>, 4> kDots = {
     {{0x01, 0x08}, {0x02, 0x10}, {0x04, 0x20}, {0x40, 0x80}}};
 
 std::string brailleOf(std::uint8_t dots) {
-  // U+2800 and up, in UTF-8.
+  // The characters from U+2800 on, in UTF-8.
   return {'\xe2', static_cast<char>(0xa0U | dots >> 6U), static_cast<char>(0x80U | (dots & 0x3fU))};
 }
 
@@ -47,7 +47,7 @@ void CellCanvas::dot(double x, double y, const Look& look) {
 void CellCanvas::Line(double x1, double y1, double x2, double y2, const Look& look) {
   const double across = std::abs(x2 - x1) * static_cast<double>(2 * columns_);
   const double down = std::abs(y2 - y1) * static_cast<double>(4 * lines_);
-  // Twice as many steps as dots, so that none is left out.
+  // Take twice as many steps as dots, so that no dot is left out.
   const double longest = std::min(std::max(across, down), 1e5);
   const int steps = std::max(1, static_cast<int>(longest * 2));
   for (int i = 0; i <= steps; ++i) {

@@ -8,10 +8,10 @@
 
 namespace vex2::lab {
 
-/// Lines and dots in the cells of a terminal.
+/// Draws lines and dots in the cells of a terminal.
 class CellCanvas {
  public:
-  /// With `hasLetters` curves are drawn in the letters of their looks, else in dots.
+  /// If `hasLetters`, curves are drawn with the letters of their looks, otherwise with dots.
   CellCanvas(std::size_t columns, std::size_t lines, bool isAscii, bool hasLetters)
       : columns_(columns),
         lines_(lines),
@@ -19,9 +19,10 @@ class CellCanvas {
         hasLetters_(hasLetters),
         cells_(columns * lines) {}
 
-  /// A line between two places, in shares of the canvas from its lower left corner.
+  /// Draws a line between two points, whose coordinates are fractions of the canvas from its lower
+  /// left corner.
   void Line(double x1, double y1, double x2, double y2, const Look& look);
-  /// A line of dashes from side to side, below what was drawn.
+  /// Draws a dashed line across the whole width, behind the curves.
   void Rule(double y);
   std::vector<CellRun> LineAt(std::size_t line) const;
 
@@ -42,11 +43,11 @@ class CellCanvas {
   std::vector<Cell> cells_;
 };
 
-/// How many groups have a letter of their own.
+/// The number of groups with a separate letter.
 inline constexpr std::size_t kMostLetters = 52;
 
-/// A letter for a group, a to z and A to Z, or a digit for a place on a scale; "*" for groups
-/// beyond the letters, and for what has no value.
+/// The letter of a group, a to z and A to Z, or the digit of a value on a scale. "*" for further
+/// groups, and for a look without a value.
 char LetterOf(const Look& look);
 
 }  // namespace vex2::lab

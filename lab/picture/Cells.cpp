@@ -16,7 +16,7 @@ std::size_t widthOf(const std::string& text) {
   return static_cast<std::size_t>(WidthOfText(text, oneColumn));
 }
 
-// None where `part` is more than there is.
+// `whole` minus `part`, but not less than 0.
 std::size_t rest(std::size_t whole, std::size_t part) {
   return whole - std::min(whole, part);
 }
@@ -26,7 +26,7 @@ std::string padded(const std::string& text, std::size_t width) {
   return std::string(width - std::min(width, used), ' ') + text;
 }
 
-// What has no place in ASCII.
+// If `isAscii`, replaces the characters that ASCII does not have.
 std::string plain(std::string text, bool isAscii) {
   if (!isAscii) return text;
   for (const auto& [from, to] : {std::pair<std::string, std::string>{"°", " deg "}, {"−", "-"}}) {
@@ -62,7 +62,8 @@ class Picture {
     lines_.push_back({{plain(std::move(text), size_.isAscii), {}, true}});
   }
 
-  // Colours alone do not tell more groups apart than there are colours.
+  // Whether curves are drawn with letters: the terminal has only ASCII, or too few colours to
+  // distinguish the groups.
   bool hasLetters() const {
     const std::size_t groups = scene_.legend.groups.size();
     const bool isScale = !scene_.legend.low.empty();
@@ -104,7 +105,7 @@ class Picture {
     }
   }
 
-  // The text to the left of each line.
+  // The labels to the left of the lines.
   std::vector<std::string> labelsOf(std::size_t lines) const {
     std::vector<std::string> labels(lines);
     for (const auto& [value, words] : scene_.y.ticks) {
@@ -181,7 +182,8 @@ class Picture {
     return {padded(std::string(1, LetterOf(well->look)), width), well->look, false};
   }
 
-  // The groups, as many on a line as there is room for, and how many there was no room for.
+  // The lines of the legend. They have as many groups as there is room for, and the number of the
+  // other groups.
   std::vector<std::vector<CellRun>> groupLines() const {
     const std::vector<std::string>& groups = scene_.legend.groups;
     const std::size_t mostLines = std::max<std::size_t>(size_.height / 3, 1);
@@ -219,7 +221,7 @@ class Picture {
     line.push_back({" " + name, {}, true});
   }
 
-  // A name of the legend as far as a line has room for it.
+  // The name of a group, shortened if it is too long for a line.
   std::string nameOf(const std::string& group) const {
     constexpr std::size_t kMost = 40;
     const std::size_t room = std::min(kMost, rest(size_.width, kMoreWidth + 2));
@@ -228,7 +230,7 @@ class Picture {
   }
 
   static constexpr std::size_t kGap = 2;
-  static constexpr std::size_t kMoreWidth = 16;  // "  and 65535 more"
+  static constexpr std::size_t kMoreWidth = 16;  // room for " and 65535 more"
 
   std::string markOf(const Look& look) const {
     if (hasLetters() || !scene_.plates.empty()) return {LetterOf(look)};

@@ -24,7 +24,8 @@ std::string titleOf(ColourBy colourBy) {
   return "Cq";
 }
 
-// Sorts numbers within names by their value, so that "A 5x" comes before "A 25x".
+// The key by which a name is sorted. Numbers in it sort by value, so that "A 5x" comes before "A
+// 25x".
 std::string sortKey(const std::string& name) {
   constexpr std::size_t kDigits = 12;
   std::string key;

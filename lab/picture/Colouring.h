@@ -10,13 +10,13 @@
 
 namespace vex2::lab {
 
-/// What a well is coloured by.
+/// The value that determines the colour of a well.
 struct ColourValue {
   std::string group;
-  std::optional<double> number;  ///< for a scale
+  std::optional<double> number;  ///< value on a scale
 };
 
-/// The looks of wells: groups in the order of their names, or places on a scale.
+/// Assigns looks to wells: groups, sorted by name, or values on a scale.
 class Colouring {
  public:
   /// `values` are those of all wells that are shown.

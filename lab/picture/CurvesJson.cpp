@@ -11,12 +11,12 @@ namespace {
 
 using nlohmann::ordered_json;
 
-// Of the packed readings of a plate, in 16-bit numbers. A page of more is of no use to a browser;
-// 16 million are 40 plates of 384 wells with 1,000 frames each.
+// The largest number of packed readings of a plate, as a browser cannot handle a larger page. These
+// 16 million readings are 40 plates of 384 wells with 1,000 frames each.
 constexpr std::size_t kMostReadings = std::size_t{1} << 24U;
 
-// How many values of a well are in use: the channels or, where nobody says what the values are,
-// those up to the last that is not 0 anywhere.
+// The number of values of a well that are in use: that of the channels. If the meaning of the
+// values is not known: all up to the last one that is not 0 in any well.
 std::size_t valuesInUse(const Readings& readings) {
   if (readings.Meaning()) return readings.ChannelCount();
   std::size_t used = 1;

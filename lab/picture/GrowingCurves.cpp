@@ -12,13 +12,13 @@ namespace vex2::lab {
 
 namespace {
 
-// More curves than those of a large plate are a blot.
+// More curves than those of a large plate could not be distinguished.
 constexpr std::size_t kMostWells = 1536;
-// The axis grows by so many cycles, so that the curves do not shrink with each frame.
+// The axis grows by this many cycles at a time, so that the curves do not shrink with each frame.
 constexpr double kStep = 10;
 constexpr double kLeastCycles = 40;
 
-// A curve, and what it is coloured by.
+// A curve, and the value that determines its colour.
 struct Curve {
   std::size_t well = 0;
   std::size_t channel = 0;
@@ -33,7 +33,8 @@ std::optional<std::size_t> channelOf(const Target& target,
   return static_cast<std::size_t>(found - channels.begin());
 }
 
-// A well with detectors has a curve for each; on a plate without any, for each channel.
+// A well with detectors has a curve for each of them. If no well of the plate has any, each well
+// has a curve for each channel.
 std::vector<Curve> curvesOf(const Plate& plate, const std::vector<std::uint16_t>& wells,
                             const std::vector<std::string>& channels, std::size_t channelCount) {
   const bool hasTargets = std::any_of(plate.wells.begin(), plate.wells.end(),

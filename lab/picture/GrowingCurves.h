@@ -10,15 +10,15 @@
 
 namespace vex2::lab {
 
-/// The curves of a run while it is recorded, drawn from its frames alone: what the instrument read,
-/// by cycles or by temperatures of melting.
+/// The curves of a run while it is recorded. They are drawn from its frames only: the readings by
+/// cycle, or by temperature of the melting.
 class GrowingCurves {
  public:
-  /// Takes the next frame.
+  /// Adds the next frame.
   void Add(const Frame& frame);
-  /// The curves so far of the stage that the last frame belongs to, coloured by detector. `run`
-  /// says what is in the wells, `channels` what the readings of a well are called. Without a series
-  /// as long as there are no readings.
+  /// The curves of the stage to which the last frame belongs, coloured by detector. `run` has the
+  /// content of the wells, and `channels` the names of the channels. The scene has no series as
+  /// long as there are no readings.
   Scene Build(const RunReader& run, const std::vector<std::string>& channels) const;
 
  private:
@@ -26,8 +26,8 @@ class GrowingCurves {
 
   Scene axes() const;
 
-  std::vector<std::uint16_t> wells_;         // numbers, in the order of the frames
-  std::vector<std::vector<Points>> curves_;  // of each well, then of each channel
+  std::vector<std::uint16_t> wells_;         // well numbers in the order of the frames
+  std::vector<std::vector<Points>> curves_;  // by well and channel
   FramePosition last_;
   bool isKnown_ = false;  // whether readings are in real units
 };

@@ -13,7 +13,7 @@ namespace {
 
 using nlohmann::ordered_json;
 
-// Counts wells and texts of a plate, for the sentences of the list.
+// Counts wells and texts of a plate, for the sentences of the MIQE list.
 class Tally {
  public:
   explicit Tally(const RunReader& plate) : plate_(plate) {
@@ -47,7 +47,7 @@ class Tally {
     if (repeated == 0) return "";
     return Counted(repeated, "sample") + " in two wells or more for the same detector";
   }
-  // The detectors for which `textOf` has a text.
+  // The detectors for which `hasIt` is true, as text.
   std::string Detectors(const std::function<bool(const Detector&)>& hasIt,
                         const std::string& what) const {
     const auto& all = plate_.Detectors();
@@ -102,7 +102,7 @@ std::string meltingOf(const RunReader& plate) {
 
 class Checklist {
  public:
-  // What the plate says of an item, or that it says nothing.
+  // Adds an item with what the plate says about it. If `value` is empty, the plate says nothing.
   void Add(const char* section, const char* item, bool isEssential, const std::string& value) {
     list_.push_back({{"section", section},
                      {"item", item},
@@ -110,7 +110,7 @@ class Checklist {
                      {"state", value.empty() ? "missing" : "given"},
                      {"value", value}});
   }
-  // What no plate document holds, so that the reader looks for it elsewhere.
+  // Adds an item that no plate document holds, so that the reader knows to look for it elsewhere.
   void AddOutside(const char* section, const char* item, bool isEssential) {
     list_.push_back({{"section", section},
                      {"item", item},

@@ -13,11 +13,11 @@ namespace {
 
 using nlohmann::ordered_json;
 
-// More of them nobody reads in a page.
+// A page with more records would be too long to read.
 constexpr std::size_t kMostRecords = 20'000;
 constexpr std::size_t kMostText = 200;
 
-// What a record holds, in a few words.
+// The value of a record as a short text.
 struct Words {
   std::string operator()(std::monostate /*none*/) const { return ""; }
   std::string operator()(std::uint32_t number) const { return std::to_string(number); }
@@ -63,8 +63,8 @@ class Outline final : public RecordVisitor {
   }
 
  private:
-  // A record ends where the next one of its depth or above begins, whether it was read whole or
-  // not.
+  // Closes the open records that are deeper than `depth`. A record ends where the next one at the
+  // same or a higher level begins, even if it could not be read completely.
   void closeTo(int depth) {
     while (open_.size() > static_cast<std::size_t>(std::max(depth, 0))) {
       ordered_json object = std::move(open_.back());
@@ -74,7 +74,7 @@ class Outline final : public RecordVisitor {
   }
 
   ordered_json records_ = ordered_json::array();
-  std::vector<ordered_json> open_;  // each in the one before it
+  std::vector<ordered_json> open_;  // each object is in the one before it
   std::size_t count_ = 0;
 };
 

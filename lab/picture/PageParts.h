@@ -2,13 +2,14 @@
 
 #include <string_view>
 
-/// The files of page/ and the library that draws the curves, as they are when the library is built.
+/// The files in page/ and the library that draws the curves, as they were when the library was
+/// built.
 namespace vex2::lab::page {
 
-extern const std::string_view kHtml;  ///< with {{names}} where the other parts belong
+extern const std::string_view kHtml;  ///< contains {{names}} in place of the other parts
 extern const std::string_view kStyle;
 extern const std::string_view
     kScripts;                         ///< all scripts, in the order in which they need each other
-extern const std::string_view kIcon;  ///< of the browser's tab, SVG
+extern const std::string_view kIcon;  ///< SVG icon of the browser tab
 
 }  // namespace vex2::lab::page

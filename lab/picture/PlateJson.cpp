@@ -11,7 +11,7 @@ namespace {
 
 using nlohmann::ordered_json;
 
-// JSON has no infinity and no NaN: such numbers of a document are shown as texts.
+// JSON has no infinity and no NaN, so such numbers of a document are shown as texts.
 ordered_json floatJson(float number) {
   if (std::isfinite(number)) return ToJson(Value(number));
   return std::isnan(number) ? "NaN" : number > 0 ? "infinity" : "-infinity";

@@ -13,14 +13,14 @@ namespace vex2::lab {
 
 /// What a picture shows.
 enum class PlotKind {
-  kAmplification,  ///< the readings above the baseline, by cycles
+  kAmplification,  ///< the readings minus the baseline, by cycle
   kMelt,           ///< the negative derivative of the melting curves, by temperature
-  kSpectrum,       ///< the calibration spectra, by filters
+  kSpectrum,       ///< the calibration spectra, by filter
   kPlate,          ///< the wells of the plate
   kStandard,       ///< the quantification cycles of the standards, by quantity
 };
 
-/// What wells and curves are coloured by.
+/// The value that determines the colours of wells and curves.
 enum class ColourBy {
   kDetector,  ///< the detector
   kSample,    ///< the sample
@@ -28,29 +28,30 @@ enum class ColourBy {
   kCq,        ///< the quantification cycle, on a scale
 };
 
-/// What a picture is to show of a run.
+/// What a picture shows of a run.
 struct PlotOptions {
-  PlotKind kind = PlotKind::kAmplification;  ///< what it shows
-  /// Wells and rectangles of wells, as "A1:C6,D4"; all where it is empty.
+  PlotKind kind = PlotKind::kAmplification;  ///< the kind of picture
+  /// Wells and rectangles of wells, as "A1:C6,D4"; if empty, all wells.
   std::string wells;
   bool isLog = false;                       ///< whether the axis of readings is logarithmic
-  ColourBy colourBy = ColourBy::kDetector;  ///< what the colours mean
+  ColourBy colourBy = ColourBy::kDetector;  ///< the value that determines the colours
 };
 
-/// The picture of `run` as SVG, 960 by 600 units. A study's plates are in one picture. Throws
-/// `Error` of class `kDocument` when the document has nothing of the kind to show, of class
-/// `kUsage` for wells that the plate does not have, and as `RunReader::Readings` does.
+/// Draws the picture of `run` as SVG, 960 by 600 units. The plates of a study are in one picture.
+/// Throws `Error` of class `kDocument` if the document has nothing of this kind to show, and of
+/// class `kUsage` for wells that the plate does not have. Also throws the errors of
+/// `RunReader::Readings`.
 VEX2_API std::string PlotSvg(const RunReader& run, const PlotOptions& options);
 
 /// The formats of `ImageOf`.
 enum class ImageFormat {
   kPng,  ///< pixels, two for each unit of the SVG
-  kPdf,  ///< a page of the size of the SVG, a unit being 1/96 inch
+  kPdf,  ///< a page of the size of the SVG, with 1/96 inch per unit
 };
 
-/// The bytes of an SVG of `PlotSvg` in another format. The drawing is done by a module that is
-/// loaded when it is first needed. Throws `Error` of class `kSystem` that says what to install when
-/// the module, or a library that it needs, is missing.
+/// Converts an SVG of `PlotSvg` to another format, and returns its bytes. A module does the
+/// drawing; it is loaded when it is first needed. If the module or a library that it needs is
+/// missing, throws `Error` of class `kSystem` that says what to install.
 VEX2_API std::string ImageOf(std::string_view svg, ImageFormat format);
 
 }  // namespace vex2::lab

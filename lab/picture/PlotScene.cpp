@@ -18,10 +18,11 @@ namespace vex2::lab {
 
 namespace {
 
-// Of axes of readings: a reading that falls below a thousandth of the largest is noise.
+// The part of a logarithmic axis that is shown: readings below a thousandth of the largest are
+// noise.
 constexpr double kLogDepth = 1e-3;
 
-/// Builds the scene of one kind. Each operation is about the same run.
+/// Builds the scene of one kind from one run.
 class Builder {
  public:
   Builder(const RunReader& run, const PlotOptions& options) : run_(run), options_(options) {
@@ -55,7 +56,7 @@ class Builder {
   }
 
  private:
-  // Names come from the document: a terminal must not obey them.
+  // Names come from the document, and may contain control characters.
   void escapeTexts() {
     scene_.title = Escaped(scene_.title);
     for (std::string& name : scene_.legend.groups) name = Escaped(name);
@@ -65,7 +66,7 @@ class Builder {
   struct PlateEntry {
     RunReader reader;
     std::string name;
-    std::set<std::uint32_t> wells;  // empty for all
+    std::set<std::uint32_t> wells;  // empty for all wells
   };
   using WellKey = std::pair<std::string, std::uint16_t>;
 
@@ -150,7 +151,7 @@ class Builder {
     fitAxes(0, 0.05);
   }
 
-  // Below this a curve is not drawn; `values` gives the values of a curve.
+  // The value below which nothing of a curve is drawn. `values` returns the values of a curve.
   template <typename Curves, typename Values>
   double leastOf(const Curves& curves, const Values& values) const {
     if (!options_.isLog) return -std::numeric_limits<double>::infinity();
@@ -163,8 +164,8 @@ class Builder {
     return most > 0 ? most * kLogDepth : std::numeric_limits<double>::min();
   }
 
-  // Adds the parts of a curve that are readings and not below `least`. On a logarithmic axis a
-  // reading between two that are below is noise.
+  // Adds those parts of a curve that are readings and not below `least`. On a logarithmic axis, a
+  // single reading between two lower ones is noise and is left out.
   void addCurve(const Look& look, const std::vector<double>& x, const std::vector<double>& y,
                 double least) {
     const auto isDrawn = [&](std::size_t i) {
@@ -180,8 +181,8 @@ class Builder {
     }
   }
 
-  // One line where the detectors that are shown have the same threshold; more would hide the
-  // curves.
+  // Adds one line if all detectors that are shown have the same threshold. Several lines would hide
+  // the curves.
   void addThresholds(const CqAnalysis& analysis, const std::vector<const CqResult*>& shown) {
     std::set<double> thresholds;
     for (const CqResult* result : shown) {
@@ -241,7 +242,8 @@ class Builder {
         scene_.series.push_back(std::move(series));
         scene_.legend.groups.push_back(entry.name);
       }
-      // The background is in other units than the dyes, and would hide them.
+      // Draw the background only if there are no dyes. It has other units than the dyes, and would
+      // hide them.
       if (!scene_.series.empty()) break;
     }
     if (scene_.series.empty()) refuse("it has no calibration spectra");
@@ -292,7 +294,8 @@ class Builder {
     scene_.x.low /= 1.25;
   }
 
-  // Without readings a plate still has samples, detectors and tasks.
+  // The Cq of each well. If a plate has no readings, its wells have none; it can still be coloured
+  // by sample, detector or task.
   std::map<WellKey, double> cqsOfPlates() const {
     std::map<WellKey, double> cqs;
     if (options_.colourBy != ColourBy::kCq) return cqs;

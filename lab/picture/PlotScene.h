@@ -5,10 +5,10 @@
 
 namespace vex2::lab {
 
-/// What the picture of `run` shows. Throws as `PlotSvg` does.
+/// The content of the picture of `run`. Throws the errors of `PlotSvg`.
 Scene SceneOf(const RunReader& run, const PlotOptions& options);
 
-/// The scene as SVG.
+/// Draws the scene as SVG.
 std::string SvgOf(const Scene& scene);
 
 }  // namespace vex2::lab

@@ -21,7 +21,8 @@ using nlohmann::ordered_json;
 
 constexpr int kDataVersion = 1;
 
-// A plate document's text that is no UTF-8, such as a path, must not end a report.
+// The JSON as text. Bytes that are not UTF-8, as in a path, are replaced, so that they do not end
+// the report with an error.
 std::string textOf(const ordered_json& json) {
   return json.dump(-1, ' ', false, ordered_json::error_handler_t::replace);
 }
@@ -58,7 +59,7 @@ class DocumentEntry {
   }
 
  private:
-  // What fails leaves the rest of the entry as it is.
+  // Calls `work`. If it fails, adds its error to the entry, which is then built further.
   template <typename Work>
   void attempt(const Work& work) {
     try {
@@ -113,7 +114,8 @@ class DocumentEntry {
   ordered_json entry_;
 };
 
-// `text` with the parts in place of their {{names}}. What a part holds is not searched.
+// Replaces {{names}} in `text` by the content of the parts with these names. Does not search the
+// content of the parts.
 std::string filled(std::string_view text,
                    const std::vector<std::pair<std::string_view, std::string_view>>& parts) {
   std::string page;
@@ -130,14 +132,15 @@ std::string filled(std::string_view text,
   }
 }
 
-// What a policy of the page knows a script by: others do not run, wherever they come from.
+// The hash by which the page's security policy allows this script. The browser runs no other
+// script.
 std::string hashOf(std::string_view script) {
   Sha256 sum;
   sum.Add(script);
   return "'sha256-" + Base64(sum.Finish()) + "'";
 }
 
-// JSON in HTML: "<" could begin the end of the script that it stands in.
+// Escapes JSON for a script in HTML: "<" could begin the end tag of the script.
 std::string scriptText(std::string_view json) {
   std::string text;
   text.reserve(json.size());
@@ -172,7 +175,7 @@ std::string ReportDataOf(std::span<const std::string> entries, const ReportSetti
                          {"scaleDark", Palette::kScaleDark}}}};
   if (!settings.note.empty()) head["note"] = settings.note;
   std::string data = textOf(head);
-  data.pop_back();  // the bracket that ends the object
+  data.pop_back();  // removes the bracket that ends the object
   data += ",\"documents\":[";
   for (std::size_t i = 0; i < entries.size(); ++i) data.append(i > 0 ? "," : "").append(entries[i]);
   return data + "]}";

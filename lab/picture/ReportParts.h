@@ -9,16 +9,17 @@
 /// describes.
 namespace vex2::lab {
 
-/// Of a plate: the readings, packed, with the axis.
+/// For a plate: its packed readings with their axis.
 nlohmann::ordered_json PackedReadingsJson(const RunReader& plate);
-/// Of a plate: what it holds, but for the readings.
+/// For a plate: its content except the readings.
 nlohmann::ordered_json PlateJson(const RunReader& plate);
-/// Of a plate: what the MIQE guidelines ask for, and what of it the plate says.
+/// For a plate: the items of the MIQE guidelines, and what the plate says about them.
 nlohmann::ordered_json MiqeJson(const RunReader& plate);
-/// Of the document at `path`: its records, nested as in the file. Throws an error when the file
+/// For the document at `path`: its records, nested as in the file. Throws an error if the file
 /// cannot be read.
 nlohmann::ordered_json OutlineJson(const std::string& path);
-/// Of a document, or of all plates of a study: what the analysis finds, as the keys of an object.
+/// For a document, or for all plates of a study: the results of the analysis, as the keys of an
+/// object.
 nlohmann::ordered_json AnalysisJson(const RunReader& run);
 
 }  // namespace vex2::lab

@@ -26,7 +26,7 @@ void setTicks(SceneAxis& axis) {
   }
 }
 
-// 1, 2 and 5 in each decade, or the decades alone where there are many.
+// Sets ticks at 1, 2 and 5 in each decade; if there are many decades, only at 1.
 void setLogTicks(SceneAxis& axis) {
   const double decades = std::log10(axis.high / axis.low);
   for (double power = std::floor(std::log10(axis.low)); power <= std::log10(axis.high); ++power) {
@@ -72,7 +72,7 @@ void FitAxis(SceneAxis& axis, const std::vector<double>& values, double room) {
 }
 
 std::string TickText(double value) {
-  if (value == 0) return "0";  // not "-0"
+  if (value == 0) return "0";  // no "-0"
   const double size = std::abs(value);
   if (size >= 1e-4 && size < 1e6) return fmt::format("{:.8g}", value);
   std::string text = fmt::format("{:.7e}", value);
@@ -85,7 +85,7 @@ std::string TickText(double value) {
 
 std::string RowName(unsigned row) {
   std::string name = WellName(row + 1, 1);
-  name.pop_back();  // the column, which is 1
+  name.pop_back();  // removes the column, which is 1
   return name;
 }
 

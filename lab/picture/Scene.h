@@ -7,16 +7,16 @@
 #include <utility>
 #include <vector>
 
-/// What a picture shows, before anything is drawn: axes, curves, plates and their legend. The
+/// The content of a picture before it is drawn: axes, curves, plates and their legend. The
 /// renderers draw it as SVG or in the cells of a terminal. Texts are UTF-8 without control
 /// characters.
 namespace vex2::lab {
 
-/// How something is coloured: as a member of a group, or by its place on a scale. Neither is for
-/// what has no value.
+/// The colour of something: that of a group, or that of a value on a scale. Both fields are empty
+/// if there is no value.
 struct Look {
   std::optional<std::size_t> group;  ///< index of the group, from 0
-  std::optional<double> share;       ///< of the scale, 0 to 1
+  std::optional<double> share;       ///< value on the scale, 0 to 1
 };
 
 struct ScenePoint {
@@ -28,31 +28,31 @@ struct ScenePoint {
 struct SceneSeries {
   Look look;
   bool isDots = false;
-  std::vector<ScenePoint> points;  ///< finite; a curve goes through them in their order
+  std::vector<ScenePoint> points;  ///< finite; a curve connects them in this order
 };
 
 struct SceneAxis {
-  std::string label;  ///< with the unit
+  std::string label;  ///< label with the unit
   double low = 0;
   double high = 1;
   bool isLog = false;
-  std::vector<std::pair<double, std::string>> ticks;  ///< places and what is written there
+  std::vector<std::pair<double, std::string>> ticks;  ///< values and their labels
 
-  /// Where the value is, 0 at the low end and 1 at the high one.
+  /// The value as a fraction of the axis: 0 at the low end, 1 at the high end.
   double ShareOf(double value) const;
 };
 
-/// A line across the chart.
+/// A horizontal line across the chart.
 struct SceneRule {
   double y = 0;
   std::string label;
 };
 
-/// What the colours mean: groups with their names, or a scale.
+/// What the colours mean: the names of the groups, or the ends of a scale.
 struct SceneLegend {
   std::string title;
-  std::vector<std::string> groups;  ///< by index; empty for a scale
-  std::string low;                  ///< the ends of a scale
+  std::vector<std::string> groups;  ///< by group index; empty for a scale
+  std::string low;                  ///< text at the low end of a scale
   std::string high;
 };
 
@@ -64,13 +64,13 @@ struct SceneWell {
 };
 
 struct ScenePlate {
-  std::string name;  ///< in a study
+  std::string name;  ///< name of the plate in a study; otherwise empty
   unsigned rows = 0;
   unsigned columns = 0;
-  std::vector<SceneWell> wells;  ///< those in use
+  std::vector<SceneWell> wells;  ///< the wells in use
 };
 
-/// Plates, or a chart where there are none.
+/// The content of a picture: plates, or a chart if there are none.
 struct Scene {
   std::string title;
   std::vector<ScenePlate> plates;
@@ -81,13 +81,13 @@ struct Scene {
   SceneLegend legend;
 };
 
-/// Makes the axis hold all of `values`, with some room, and sets its ticks.
+/// Makes the axis contain all of `values`, with some room at the ends, and sets its ticks.
 void FitAxis(SceneAxis& axis, const std::vector<double>& values, double room);
 
-/// A number as axes show it: "0.002", "250", "2.5e6".
+/// A number as axis labels show it: "0.002", "250", "2.5e6".
 std::string TickText(double value);
 
-/// "A1" is the row and column of a well as pictures write them; rows past Z are AA, AB and so on.
+/// The name of a row of wells: A to Z, then AA, AB and so on.
 std::string RowName(unsigned row);
 
 }  // namespace vex2::lab

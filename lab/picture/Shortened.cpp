@@ -35,7 +35,7 @@ std::string Shortened(std::string_view text, double room, WidthOfCharacter* widt
   double left = room - WidthOfText(ellipsis, widthOf);
   std::size_t first = 0;
   std::size_t last = characters.size();
-  // In turn from the front and from the back.
+  // Take characters from the front and from the back in turn.
   for (bool isFront = true; first < last; isFront = !isFront) {
     const std::string_view next = isFront ? characters[first++] : characters[--last];
     left -= widthOf(next);

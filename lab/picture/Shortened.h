@@ -5,14 +5,14 @@
 
 namespace vex2::lab {
 
-/// How wide a character is, in any unit; the character is UTF-8.
+/// A function that returns the width of a UTF-8 character, in any unit.
 using WidthOfCharacter = double(std::string_view character);
 
-/// The sum of the widths of the characters of `text`, which is UTF-8.
+/// The sum of the widths of the characters of `text`, in UTF-8.
 double WidthOfText(std::string_view text, WidthOfCharacter* widthOf);
 
-/// `text` as it is where it is no wider than `room`, else with `ellipsis` in place of its middle:
-/// names of a series differ at their ends.
+/// Shortens `text` if it is wider than `room`: `ellipsis` replaces its middle, since names of a
+/// series differ at their ends.
 std::string Shortened(std::string_view text, double room, WidthOfCharacter* widthOf,
                       std::string_view ellipsis);
 

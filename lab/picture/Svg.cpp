@@ -15,9 +15,9 @@ constexpr double kWidth = 960;
 constexpr double kHeight = 600;
 constexpr double kLegendWidth = 210;
 constexpr double kTop = 48;
-constexpr double kLetters = 13;  // the size of the letters, in the head of the SVG too
+constexpr double kLetters = 13;  // font size; the head of the SVG has it too
 constexpr double kTitle = 17;
-constexpr double kBold = 1.1;  // how much wider bold letters are
+constexpr double kBold = 1.1;  // width of bold letters relative to normal ones
 constexpr std::string_view kInk = "#1a2027";
 constexpr std::string_view kSoft = "#55606c";
 constexpr std::string_view kGrid = "#e3e7eb";
@@ -40,7 +40,7 @@ std::string number(double value) {
   return shown == "-0" ? "0" : shown;
 }
 
-// A text of a document in XML: none of its characters ends the text, and none is forbidden.
+// Escapes a text of a document for XML, and replaces characters that XML does not allow.
 std::string escaped(std::string_view text) {
   std::string shown;
   for (const char character : text) {
@@ -87,7 +87,7 @@ std::string colourOf(const Look& look, std::string_view none) {
   return mixed(scale[index], scale[index + 1], place - static_cast<double>(index));
 }
 
-// In shares of the size of the letters, of the widest typeface that a picture may be drawn in.
+// The width of a character as a fraction of the font size, in the widest typeface that may be used.
 double widthOf(std::string_view character) {
   constexpr std::string_view kNarrow = "ijl.,:;|'!It()[]f /";
   constexpr std::string_view kWide = "mwMW@%";
@@ -98,12 +98,13 @@ double widthOf(std::string_view character) {
   return isCapital || character.size() > 1 ? 0.74 : 0.64;
 }
 
-// `words` as far as `room` holds them, for letters of that size.
+// `words` shortened to the width `room` at the font size `size`.
 std::string cut(const std::string& words, double room, double size) {
   return Shortened(words, room / size, widthOf, "…");
 }
 
-// Groups beyond the colours repeat them with another mark and other dashes.
+// The colours repeat if there are more groups than colours. Returns which repetition the group is
+// in; each has other marks and dashes.
 std::size_t roundOf(const Look& look) {
   return look.group.value_or(0) / Palette::kLight.size() % kDashes.size();
 }
@@ -146,7 +147,7 @@ class Drawing {
     out_.append(colour).append("\" ").append(more).append("/>\n");
   }
 
-  // A mark of a well, a dot or the legend.
+  // Draws the mark of a well, of a dot or in the legend.
   void mark(double x, double y, double radius, const Look& look) {
     const std::string colour = colourOf(look, kNone);
     const std::string circle = "<circle cx=\"" + number(x) + "\" cy=\"" + number(y) + "\" r=\"";
@@ -299,7 +300,7 @@ class Drawing {
     }
   }
 
-  // Whether groups are seen as lines; standards are dots beside their line.
+  // Whether groups are shown as lines. Standards are dots beside their line.
   bool hasCurves() const {
     const auto isDots = [](const SceneSeries& series) { return series.isDots; };
     return !scene_.series.empty() &&

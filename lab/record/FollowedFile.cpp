@@ -22,7 +22,7 @@ struct stat statusOf(const std::string& path, int handle) {
 
 }  // namespace
 
-// Without O_NONBLOCK, opening a pipe in the place of a document would block.
+// O_NONBLOCK: opening must not block if there is a pipe at the path instead of a document.
 FollowedFile::FollowedFile(const std::string& path)
     : path_(path), handle_(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
   if (handle_ < 0) throw SystemError(path, errno);

@@ -8,11 +8,12 @@
 
 namespace vex2::lab {
 
-/// A file that another program appends to, read without a lock, so that the other never waits. Read
-/// only bytes that the other program does not overwrite, or read them twice and compare.
+/// A file to which another program appends, read without a lock, so that the other program never
+/// waits. Read only bytes that the other program does not overwrite, or read them twice and
+/// compare.
 class FollowedFile {
  public:
-  /// No file.
+  /// Makes an object without a file.
   FollowedFile() = default;
   /// Opens the file at `path`. Throws an error with the system's reason.
   explicit FollowedFile(const std::string& path);
@@ -22,9 +23,9 @@ class FollowedFile {
 
   bool IsOpen() const { return handle_ >= 0; }
   FileIdentity Identity() const;
-  /// The file's length now.
+  /// The current length of the file.
   std::uint64_t Length() const;
-  /// Reads all of `bytes` from `offset` on. False when the file ends before.
+  /// Reads all of `bytes` from `offset` on. Returns false if the file ends before them.
   [[nodiscard]] bool Read(std::uint64_t offset, std::span<std::uint8_t> bytes) const;
 
  private:

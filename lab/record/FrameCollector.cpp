@@ -40,7 +40,8 @@ CollectedFrame& FrameCollector::Add(const ReadingRow& row) {
   return frame;
 }
 
-// A record has one time and one temperature for all channels of the well.
+// Throws an error if the channels of the well differ in time or temperature, since a record stores
+// only one of each.
 void FrameCollector::checkShared(const CollectedFrame& frame, std::size_t firstCell,
                                  const ReadingRow& row) const {
   for (std::size_t channel = 0; channel < ChannelCount(plan_); ++channel) {

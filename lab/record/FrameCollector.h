@@ -10,10 +10,11 @@
 
 namespace vex2::lab {
 
-/// What a frame is known by: its stage, amplification first, and the cycle in it.
+/// Identifies a frame: whether it is in the melting stage, and its cycle there. Frames of the
+/// amplification sort first.
 using FrameKey = std::pair<bool, std::uint16_t>;
 
-/// The rows of one frame: a cell for each well and channel, by wells.
+/// The rows of one frame: a cell for each well and channel, sorted by well.
 class CollectedFrame {
  public:
   CollectedFrame(FrameKey key, std::size_t cells) : key_(key), cells_(cells) {}
@@ -21,35 +22,37 @@ class CollectedFrame {
   FrameKey Key() const { return key_; }
   bool IsComplete() const { return filled_ == cells_.size(); }
   const std::vector<ReadingRow>& Cells() const { return cells_; }
-  /// Puts the row in its cell; the row that is there already, if one is, stays and is returned.
+  /// Puts the row into its cell. If the cell already has a row, keeps and returns that row;
+  /// otherwise returns null.
   const ReadingRow* Put(std::size_t cell, const ReadingRow& row);
-  /// The first cell without a row; the number of cells when there is none.
+  /// The index of the first cell without a row; the number of cells if all have one.
   std::size_t FirstMissing() const;
 
  private:
   FrameKey key_;
-  std::vector<ReadingRow> cells_;  ///< the number of a row that has not come is 0
+  std::vector<ReadingRow> cells_;  ///< a cell that has no row has the row number 0
   std::size_t filled_ = 0;
 };
 
-/// Puts rows, in whatever order they come, together to the frames of a run. All its errors name
-/// the file and, where there is one, the row.
+/// Collects rows and puts them together to frames. The rows may come in any order. All errors name
+/// the file; if one row is at fault, they also name the row.
 class FrameCollector {
  public:
-  /// `plan`, whose wells and channels are known by now, must outlive the collector.
+  /// The wells and channels of `plan` must already be known. `plan` must outlive the collector.
   FrameCollector(const RunPlan& plan, std::string file);
 
-  /// Adds a row to its frame, and returns the frame. Throws an error when the frame has another row
-  /// of the well and channel, or when the well's channels differ in time or temperature.
+  /// Adds a row to its frame, and returns the frame. Throws an error if the frame already has a row
+  /// of this well and channel, or if the channels of the well differ in time or temperature.
   CollectedFrame& Add(const ReadingRow& row);
-  /// Forgets a frame that was dealt with.
+  /// Removes a frame that is not needed any more.
   void Remove(FrameKey key) { frames_.erase(key); }
 
-  /// The frames that are there, amplification first, by their cycles.
+  /// The collected frames, amplification first, each stage sorted by cycle.
   const std::map<FrameKey, CollectedFrame>& Frames() const { return frames_; }
-  /// "well A1 has no reading in amplification cycle 7", for a frame that is not complete.
+  /// A text about the first missing reading of an incomplete frame: "well A1 has no reading in
+  /// amplification cycle 7".
   std::string MissingText(const CollectedFrame& frame) const;
-  /// Throws an error with that text.
+  /// Throws an error with `MissingText(frame)`.
   [[noreturn]] void RefuseIncomplete(const CollectedFrame& frame) const;
 
  private:

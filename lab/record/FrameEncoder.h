@@ -10,30 +10,31 @@
 
 namespace vex2::lab {
 
-/// What the frames of a run lost when they were brought to the document's numbers.
+/// The numbers of a run that were rounded to fit into a document.
 struct Rounding {
   RoundedNumbers readings;
-  RoundedNumbers times;         ///< seconds, to the millisecond
-  RoundedNumbers temperatures;  ///< degrees, to the hundredth
+  RoundedNumbers times;         ///< seconds, rounded to 0.001
+  RoundedNumbers temperatures;  ///< degrees Celsius, rounded to 0.01
 
   bool IsExact() const {
     return readings.count == 0 && times.count == 0 && temperatures.count == 0;
   }
 };
 
-/// Brings collected frames to what a document holds, and counts what is rounded.
+/// Encodes collected frames as a document stores them, and counts the numbers that it rounds.
 class FrameEncoder {
  public:
-  /// `plan`, whose scale is known by now, must outlive the encoder. An exact one refuses what it
-  /// would have to round.
+  /// The scale of `plan` must already be known. `plan` must outlive the encoder. If `isExact`,
+  /// numbers that would have to be rounded are refused.
   FrameEncoder(const RunPlan& plan, std::string file, bool isExact)
       : plan_(plan), file_(std::move(file)), isExact_(isExact) {}
 
-  /// The readings of a complete frame, one of each well. Throws an error that names the row of a
-  /// reading that does not fit or, if exact, would be rounded.
+  /// Encodes a complete frame: one reading for each well. Throws an error that names the row if a
+  /// reading does not fit, or if the encoder is exact and a number would be rounded.
   std::vector<RunReading> Encode(const CollectedFrame& frame);
 
-  /// Why the reading does not fit into a document, naming its row; nothing if it does.
+  /// The reason why the reading of the row does not fit into a document, as a text that names the
+  /// row; nothing if it fits.
   std::optional<std::string> WhyUnfit(const ReadingRow& row) const;
 
   const Rounding& Rounded() const { return rounding_; }

@@ -40,7 +40,7 @@ std::vector<std::uint8_t> storedBytes(const std::vector<Vex2WellRecord>& records
   return bytes;
 }
 
-// The line of `log` that has the key of `line`; empty when there is none.
+// The line of `log` with the same key as `line`; empty if there is none.
 std::string_view sameKey(std::string_view log, std::string_view line) {
   const std::string_view key = line.substr(0, line.find('='));
   while (!log.empty()) {
@@ -51,7 +51,7 @@ std::string_view sameKey(std::string_view log, std::string_view line) {
   return {};
 }
 
-// How a run with the log `recorded` was recorded otherwise than one with the log `given`.
+// Describes the first difference between the log `recorded` and the log `given`.
 std::string logDifference(std::string_view recorded, std::string_view given) {
   for (std::string_view rest = given; !rest.empty();) {
     const std::string_view line = rest.substr(0, rest.find('\n'));
@@ -140,14 +140,14 @@ void InterruptedRun::readBlock(CFile& file) {
 
 void InterruptedRun::Check(const RunPlan& plan) const {
   checkSettings(plan);
-  // What no commit can have left is somebody's, and not to be cut off. Nothing is cut off a run
-  // that is complete.
+  // If there are more bytes than an interrupted commit can leave, they may belong to something
+  // else, and must not be cut off. From a complete run nothing is cut off.
   if (!IsDone() && frames_.behind == Uncommitted::kMore) {
     refuseAt(frames_.end, "more bytes follow than an interrupted commit leaves behind");
   }
   if (HasBlock() && wells_ != plan.wells) refuse("was recorded from other wells");
   checkContents(plan);
-  if (plan.isLive) return;  // its frames are compared when they come
+  if (plan.isLive) return;  // the frames of a live run are compared as they arrive
   if (IsDone() && frames_.count < plan.frames.size()) {
     refuse(fmt::format("is complete with {}, but the run that is given has {}",
                        Counted(frames_.count, "frame"), plan.frames.size()));

@@ -12,38 +12,38 @@
 
 namespace vex2::lab {
 
-/// The log of the document at `path`; empty when there is none.
+/// The log of the document at `path`; empty if there is none.
 std::string RecordedLog(const std::string& path);
 
-/// The code of its assay. Throws an error when it cannot be read.
+/// The assay code of the document at `path`. Throws an error if it cannot be read.
 std::string RecordedAssay(const std::string& path);
 
-/// Whether a recorder's document is at `path` with at least this many frames, so that the run can
-/// be resumed.
+/// Whether a document that a recorder wrote is at `path` and has at least `frames` frames, so that
+/// the run can be resumed.
 bool HoldsFrames(const std::string& path, std::size_t frames);
 
-/// What a recorder has left of its document, whether it was cut off or had finished. Found by
-/// walking its records, as the header's offset of the data block may be wrong and the file may
-/// continue after the block. FrameLog finds where committed data end; this class compares that with
-/// the plan.
+/// A document that a recorder left behind, interrupted or complete. This class finds the data block
+/// by walking the records, since the header's offset of the block may be wrong and the file may
+/// continue after the block. FrameLog finds the end of the committed data. This class then compares
+/// the data with the plan.
 class InterruptedRun {
  public:
-  /// Looks at the document without changing it. Throws an error when it is none that a recorder
-  /// can have been writing.
+  /// Reads the document without changing it. Throws an error if a recorder cannot have written it.
   explicit InterruptedRun(const std::string& path);
 
-  /// The recorder had finished, and there is nothing to go on with.
+  /// Whether the run is complete, so that no further frames follow.
   bool IsDone() const { return status_ == RunStatus::kDone; }
   bool HasBlock() const { return !wells_.empty(); }
-  /// Frames that are in the document for good.
+  /// The number of committed frames.
   std::size_t FrameCount() const { return frames_.count; }
 
-  /// Throws an error that tells the first difference, unless the document holds the beginning of
-  /// `plan`, or all of it where the recorder had finished. The frames of a live plan are not
-  /// compared: they are still to come.
+  /// Compares the document with `plan`. Throws an error that describes the first difference, unless
+  /// the document holds the beginning of the planned run, or all of it if the run is complete. The
+  /// frames of a live plan are not compared, since they are still to come.
   void Check(const RunPlan& plan) const;
-  /// Cuts off what a commit has left unfinished, so that the document can be resumed. A repair that
-  /// is cut off itself leaves a document that can be repaired again.
+  /// Cuts off the uncommitted bytes of an interrupted commit, and corrects the length of the block
+  /// and the header's offset of it, so that the run can be resumed. If this is interrupted itself,
+  /// it can be called again.
   void Repair() const;
 
  private:
@@ -58,9 +58,10 @@ class InterruptedRun {
   std::string status_;
   std::uint16_t rows_ = 0;
   std::uint16_t columns_ = 0;
-  std::uint32_t headerPosition_ = 0;  ///< of the block, as the header has it
-  std::uint64_t blockStart_ = 0;      ///< its tag's position, or where it is to stand
-  CommittedBlock block_;              ///< what stands there, when the header leads to a block
+  std::uint32_t headerPosition_ = 0;  ///< the header's offset of the block
+  /// Offset of the block's tag, or of the end of the records if there is no block.
+  std::uint64_t blockStart_ = 0;
+  CommittedBlock block_;  ///< the block, if the header leads to one
   std::vector<unsigned short> wells_;
   CommittedFrames frames_;
 };

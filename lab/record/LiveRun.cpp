@@ -58,8 +58,8 @@ Recorder::Outcome LiveRun::Record() {
   return outcome();
 }
 
-// Whether the input may end here. A run that was complete may send nothing again, but not the begin
-// alone: that would be another run.
+// Whether the input may end here. If the run was already complete, the input may repeat all of its
+// frames or none. If it repeats only the first ones, it belongs to another run.
 bool LiveRun::isWhole() const {
   if (!recorder_.WasDone()) return !live_.frames || isFull();
   return received_.empty() ||
@@ -94,7 +94,9 @@ void LiveRun::take(const ReadingRow& row) {
   if (isFull() && isLast(key) && pending_.empty()) finish();
 }
 
-// A frame that waits behind one that never becomes complete would be in memory alone.
+// Throws an error unless the frame is the first one that is not yet recorded: frames must become
+// complete in the order in which they began. Otherwise a complete frame would have to wait in
+// memory for one that may never become complete.
 void LiveRun::requireInOrder(const CollectedFrame& frame) const {
   if (pending_.front() == frame.Key()) return;
   const CollectedFrame& first = collector_.Frames().at(pending_.front());
@@ -106,7 +108,7 @@ void LiveRun::requireInOrder(const CollectedFrame& frame) const {
                   FrameName(first.Key().first, first.Key().second), collector_.MissingText(first)));
 }
 
-// The scale is to be known before the document is made.
+// Chooses the scale, which must be known before the document is made.
 void LiveRun::begin(const CollectedFrame& first) {
   if (!files_.scale) {
     std::vector<double> readings;
@@ -116,13 +118,14 @@ void LiveRun::begin(const CollectedFrame& first) {
     plan_.scale = ChooseScaleAhead(readings, files_.offset);
   }
   encoder_.emplace(plan_, input_, files_.isExact);
-  // Nothing is made for a frame that cannot be recorded.
+  // Check the frame first: no document is made for a frame that cannot be recorded.
   if (recorder_.IsNew())
     static_cast<void>(FrameEncoder(plan_, input_, files_.isExact).Encode(first));
   goOn();
 }
 
-// A run that is complete is not begun again, but its frames are there to compare others with.
+// Makes or resumes the document, and reads the frames that it already has. If the run is complete,
+// the frames are only for comparison.
 void LiveRun::goOn() {
   static_cast<void>(recorder_.Begin());
   for (std::size_t i = 0; i < recorder_.FramesDone(); ++i) {
@@ -158,7 +161,8 @@ void LiveRun::record(const CollectedFrame& frame) {
   recorder_.Append();
 }
 
-// Scale and offset are in the document, and every frame before has them.
+// Throws an error if a reading of the frame does not fit with the scale and offset of the document,
+// which cannot change any more.
 void LiveRun::requireRoom(const CollectedFrame& frame) const {
   if (plan_.frames.empty() || isRecorded(frame.Key())) return;
   for (const ReadingRow& row : frame.Cells()) {

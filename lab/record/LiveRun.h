@@ -13,31 +13,32 @@
 
 namespace vex2::lab {
 
-/// How a live run is brought to its document.
+/// How a live run is recorded.
 struct LiveOptions {
-  std::optional<std::size_t> frames;  ///< of the whole run; nothing: it ends when its input does
-  /// Called when something is rounded for the first time.
+  /// The number of frames of the whole run. If it is not given, the run ends with its input.
+  std::optional<std::size_t> frames;
+  /// Called when a number is rounded for the first time.
   std::function<void(const Rounding&, const ReadingScale&)> onRounded;
 };
 
-/// Records readings as they arrive, each frame as soon as its last reading has. The frames must
-/// become complete in the order in which they began, and in that of their times; the rows of one
-/// may come in any order. A run that is resumed may send the frames that the document holds again,
-/// which are compared, or leave them out.
+/// Records readings as they arrive, each frame as soon as its last reading has arrived. Frames must
+/// become complete in the order in which they began, which must also be the order of their times.
+/// The rows of one frame may arrive in any order. After a resume, the input may repeat frames that
+/// are in the document; these are then compared. It may also leave them out.
 class LiveRun {
  public:
   LiveRun(const MeasuredRunFiles& files, LiveOptions live, RecordOptions options,
           std::function<void(const RecordState&)> report);
 
-  /// Records until the input, the run or `wait` ends it. If it throws, the document holds every
-  /// frame that was reported, and the run can be resumed. It also throws if the input ends within a
-  /// frame or before the given number of frames.
+  /// Records until the run is complete, the input ends, or `wait` ends the work. If it throws, the
+  /// document holds every frame that was reported, and the run can be resumed. It also throws if
+  /// the input ends within a frame or before the given number of frames.
   Recorder::Outcome Record();
 
-  /// As far as it is known by now.
+  /// The plan, as far as it is known yet.
   const RunPlan& Plan() const { return plan_; }
   const Rounding& Rounded() const { return encoder_->Rounded(); }
-  /// What was rounded of the quantities in the wells.
+  /// How many quantities in the wells were rounded.
   const RoundedNumbers& RoundedQuantities() const { return quantities_; }
   bool HasBegun() const { return encoder_.has_value(); }
 
@@ -60,16 +61,16 @@ class LiveRun {
   MeasuredRunFiles files_;
   LiveOptions live_;
   std::string document_;
-  std::string input_;  ///< what messages call it
+  std::string input_;  ///< the name of the input in messages
   WaitOrEnd wait_;
   RoundedNumbers quantities_;
   RunPlan plan_;
   Recorder recorder_;
   FrameCollector collector_;
-  std::optional<FrameEncoder> encoder_;       ///< once the scale is known
-  std::deque<FrameKey> pending_;              ///< frames that have begun, in this order
-  std::map<FrameKey, std::size_t> recorded_;  ///< by their indexes in the document
-  std::set<FrameKey> received_;               ///< recorded frames whose rows have come
+  std::optional<FrameEncoder> encoder_;  ///< nothing until the scale is known
+  std::deque<FrameKey> pending_;  ///< frames that have begun, in the order of their first rows
+  std::map<FrameKey, std::size_t> recorded_;  ///< the index of each recorded frame in the document
+  std::set<FrameKey> received_;               ///< recorded frames that were also in the input
   bool isDone_ = false;
 };
 

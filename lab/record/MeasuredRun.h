@@ -10,39 +10,42 @@
 
 namespace vex2::lab {
 
-/// Where a measured run's readings are, and how to store them.
+/// The files of a measured run, and how to store its readings.
 struct MeasuredRunFiles {
   std::string readings;  ///< CSV: well,stage,cycle,time_s,temperature_c,fluorescence and a channel
   std::string wells;     ///< CSV: well,sample,target,task,quantity,reporter
-  std::optional<ReadingScale> scale;    ///< without offset; nothing is the one that loses least
-  std::optional<DecimalNumber> offset;  ///< nothing is none, or what goes with a chosen scale
-  std::vector<std::string> channels;    ///< Latin-1; none: those that the readings name
-  std::optional<RunStart> started;      ///< when the run began
-  std::string assay;                    ///< a code of four characters, or empty
-  CsvFormat readingsFormat = {};        ///< how the readings file is written
-  CsvFormat wellsFormat = {};           ///< how the wells file is written
-  bool isExact = false;                 ///< what would have to be rounded is refused
+  /// The scale, without offset. If it is not given, the scale that loses least is chosen.
+  std::optional<ReadingScale> scale;
+  /// If not given, 0, or the one that is chosen with the scale.
+  std::optional<DecimalNumber> offset;
+  std::vector<std::string> channels;  ///< Latin-1; if empty, those that the readings name
+  std::optional<RunStart> started;    ///< when the run began
+  std::string assay;                  ///< four-character code, or empty
+  CsvFormat readingsFormat = {};      ///< format of the readings file
+  CsvFormat wellsFormat = {};         ///< format of the wells file
+  bool isExact = false;               ///< refuse numbers that would have to be rounded
 };
 
 struct MeasuredRun {
   RunPlan plan;
-  Rounding rounding;          ///< what the document does not hold as it was measured
-  RoundedNumbers quantities;  ///< what it does not hold as the wells file has it
+  Rounding rounding;          ///< the measured numbers that were rounded
+  RoundedNumbers quantities;  ///< the quantities in the wells file that were rounded
 };
 
-/// The run that the files hold. Every well of the wells file has exactly one reading of each
-/// channel in every frame, else an error names what is missing or wrong and its row.
+/// Loads the run in the files. Every well of the wells file must have exactly one reading of each
+/// channel in every frame. If not, throws an error that says what is missing or wrong, and in which
+/// row.
 MeasuredRun LoadMeasuredRun(const MeasuredRunFiles& files);
 
-/// The plan of the run that the files hold, without the readings, which are still to come, and
-/// without their scale. Sets `quantities` to what was rounded of the quantities in the wells.
+/// The plan of the run in the files, still without readings and their scale. Sets `quantities` to
+/// what was rounded of the quantities in the wells.
 RunPlan PlanMeasuredRun(const MeasuredRunFiles& files, RoundedNumbers& quantities);
 
-/// Brings the plan's frames into the order of their first readings' times; frames of the same time
-/// stay as they are.
+/// Sorts the frames of the plan by time: each frame by its earliest reading. Frames with the same
+/// time keep their order.
 void SortFrames(RunPlan& plan);
 
-/// The scale that was asked for; nothing if none was.
+/// The scale that the caller gave, with its offset; nothing if none was given.
 std::optional<ReadingScale> GivenScale(const MeasuredRunFiles& files);
 
 }  // namespace vex2::lab

@@ -55,7 +55,8 @@ Difference compareWells(const Vex2FileManager& document, const Vex2FileManager& 
     if (one.well != other.well) break;
     if (auto difference = compareRow(one, other, given.plate)) return difference;
   }
-  // A well that only one of them has, or has oftener.
+  // The setups differ in their wells: a well is only in one of them, or has more rows in one of
+  // them.
   const auto wellAt = [&](const PlateContents& contents, std::size_t i) {
     return i < contents.rows.size() ? given.plate.NameOf(contents.rows[i].well) : std::string();
   };

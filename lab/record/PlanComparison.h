@@ -8,15 +8,15 @@
 
 namespace vex2::lab {
 
-/// Where a document says something else than the plan.
+/// A difference between a document and a plan.
 struct PlanDifference {
   std::string what;      ///< as "sample of well A1"
-  std::string recorded;  ///< what the document says, UTF-8; empty for nothing
-  std::string given;     ///< what the plan says
+  std::string recorded;  ///< the value in the document, UTF-8; empty if there is none
+  std::string given;     ///< the value in the plan, UTF-8; empty if there is none
 };
 
-/// The first difference of wells, detectors, dyes, calibration, settings and program, in this
-/// order; nothing if the document says what the plan does. Log and readings are not compared.
+/// The first difference in wells, detectors, dyes, calibration, settings or program, in this order;
+/// nothing if there is none. Does not compare the log and the readings.
 std::optional<PlanDifference> FindDifference(const Vex2FileManager& document, const RunPlan& plan);
 
 }  // namespace vex2::lab

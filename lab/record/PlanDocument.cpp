@@ -26,7 +26,7 @@ Vex2HeaderData headerFor(const RunPlan& plan) {
   return header;
 }
 
-// What is put into a document in memory fails where memory runs out, and there alone.
+// These operations on a document in memory fail only if memory runs out.
 void require(int status) {
   if (status != kSuccess) throw std::bad_alloc();
 }
@@ -42,7 +42,7 @@ void setSettings(Vex2FileManager& document, const RunPlan& plan) {
 void setProgram(Vex2FileManager& document, const RunPlan& plan) {
   const std::string text = ProgramText(plan);
   const std::vector<std::uint8_t> described(text.begin(), text.end());
-  // A run without frames has nothing to describe.
+  // Without frames there is nothing from which to describe a program.
   if (plan.program.empty() && described.empty()) return;
   StoreProgram(document, plan.program.empty() ? described : plan.program);
 }
@@ -60,7 +60,8 @@ void StorePlan(Vex2FileManager& document, const RunPlan& plan) {
   if (plan.hasSettings || !LogText(plan).empty()) setSettings(document, plan);
   for (const SettingValue& setting : plan.settings) StoreSetting(document, setting);
   if (!plan.isLive || !plan.program.empty()) setProgram(document, plan);
-  // First, so that what the wells say of a detector finds its details.
+  // Store the detectors before the wells, since storing the wells adds the detectors that are
+  // missing, without details.
   setDetectors(document, plan);
   if (plan.hasSetup || !plan.contents.rows.empty()) StoreContents(document, plan.contents);
   for (const std::string& dye : plan.requiredDyes) {

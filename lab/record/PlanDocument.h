@@ -9,13 +9,13 @@ namespace vex2::lab {
 /// the content of the wells, and the calibration.
 void StorePlan(Vex2FileManager& document, const RunPlan& plan);
 
-/// Puts into the document what is known of a live run only at its end: the number of frames, in
-/// the log, and the program.
+/// Stores in the document what is known of a live run only at its end: the program, and the number
+/// of frames, which the log states.
 void StoreWhatIsKnownLast(Vex2FileManager& document, const RunPlan& plan);
 
-/// Puts a whole run into the document, which must be empty: what a recorder would have brought to
-/// its file. Takes the frames from `plan` one by one, so that they need no memory twice. A plan
-/// without frames makes a document whose run was not started.
+/// Stores a whole run in the document, which must be empty. The result equals that of a finished
+/// recording. To save memory, frees each frame in `plan` after storing it. If the plan has no
+/// frames, the run in the document has not started.
 void StoreWholeRun(Vex2FileManager& document, RunPlan& plan);
 
 }  // namespace vex2::lab

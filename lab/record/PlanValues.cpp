@@ -42,7 +42,7 @@ std::vector<std::string> storedChannels(const RecordingPlan& plan) {
   for (const std::string& channel : plan.channels) {
     const std::string name = StoredText(channel, "channel");
     const bool isTwice = std::find(channels.begin(), channels.end(), name) != channels.end();
-    // The log keeps the names in one line, with commas between them.
+    // The log stores the names in one line, separated by commas.
     if (name.empty() || isTwice || name.find_first_of(",\n\r") != std::string::npos) {
       refuse(
           fmt::format("the channel name '{}' must be unique and not empty, and must not contain a "
@@ -75,13 +75,14 @@ std::string assayOf(const RecordingPlan& plan) {
 
 std::vector<SettingValue> settingsOf(const RecordingPlan& plan) {
   for (const SettingValue& setting : plan.settings) {
-    // It belongs to the recorder, which compares it when a run is resumed.
+    // The recorder writes the log and compares it when a run is resumed.
     if (setting.name == "log") refuse("the setting log cannot be planned: the recorder writes it");
   }
   return plan.settings;
 }
 
-// Hands `take` the place of each well among the plan's. Every well must come once.
+// Calls `take` with each well of the frame and its index in the plan. Each of the plan's wells must
+// be in the frame exactly once.
 template <typename Frame, typename Take>
 void takeByWell(const RunPlan& plan, const Frame& frame, const std::string& name,
                 const Take& take) {
@@ -187,7 +188,7 @@ std::vector<Vex2WellRecord> OrderedRecords(const RunPlan& plan, std::span<const 
                                            const std::string& name) {
   std::vector<Vex2WellRecord> records(plan.wells.size());
   takeByWell(plan, frame, name, [&](std::size_t place, const RawRecord& from) {
-    // The manager does not count such a record, so that the frame would not be saved.
+    // The manager would not count such a record as filled, and would not save the frame.
     if (from.leading[0] == 0) {
       refuse(fmt::format(
           "{} is incomplete: the record of well {} is not filled (its first value is 0)", name,

@@ -7,18 +7,18 @@
 #include "lab/record/RecordingPlan.h"
 #include "lab/record/RunPlan.h"
 
-/// What programs hand to a recorder, in the terms of a document. All throw an error that says what
-/// a document cannot hold.
+/// Converts the public types of a recording to those of a document. If a document cannot hold a
+/// value, the functions throw an error that names it.
 namespace vex2::lab {
 
 /// The plan of a run whose frames are still to come.
 RunPlan InternalPlan(const RecordingPlan& plan);
 
-/// The readings of a frame, in the order of the plan's wells. `name` is the frame's in errors.
+/// The encoded readings of a frame, in the order of the plan's wells. Errors call the frame `name`.
 std::vector<RunReading> EncodedFrame(const RunPlan& plan, const MeasuredFrame& frame,
                                      const std::string& name);
 
-/// The records of a frame, in the order of the plan's wells.
+/// The records of a frame, in the order of the plan's wells. Errors call the frame `name`.
 std::vector<Vex2WellRecord> OrderedRecords(const RunPlan& plan, std::span<const RawRecord> frame,
                                            const std::string& name);
 

@@ -16,8 +16,8 @@ namespace {
 enum Column : std::size_t { kWell, kStage, kCycle, kTime, kTemperature, kFluorescence, kChannel };
 
 constexpr unsigned kMostCycles = 65535;
-constexpr double kMostSeconds = 4294967;     // 32 bits of milliseconds, some fifty days
-constexpr double kMostTemperature = 655.35;  // 16 bits of hundredths
+constexpr double kMostSeconds = 4294967;     // 32 bits of milliseconds, 49 days
+constexpr double kMostTemperature = 655.35;  // 16 bits of hundredths of a degree
 
 bool isMelting(const CsvRow& row) {
   const std::string_view stage = row.Text(kStage);
@@ -42,7 +42,7 @@ std::optional<double> fluorescenceOf(const CsvRow& row) {
   if (std::abs(value) > ReadingScale::kLargestReading) {
     row.RefuseField(kFluorescence, "does not fit: readings go from -1e12 to 1e12");
   }
-  return value == 0 ? 0 : value;  // no minus zero
+  return value == 0 ? 0 : value;  // change minus zero to zero
 }
 
 std::string channelName(const CsvRow& row) {

@@ -13,11 +13,11 @@
 
 namespace vex2::lab {
 
-/// A row of a readings file: what one well gave in one channel at one time, as measured.
+/// A row of a readings file: a measured reading of one well and channel.
 struct ReadingRow {
-  std::size_t number = 0;  ///< of the row in the file
+  std::size_t number = 0;  ///< number of the row in the file
   unsigned short well = 0;
-  std::size_t channel = 0;  ///< index of its name
+  std::size_t channel = 0;  ///< index of the channel's name in the plan
   bool melting = false;
   std::uint16_t cycle = 0;
   double seconds = 0;
@@ -25,25 +25,25 @@ struct ReadingRow {
   std::optional<double> fluorescence;  ///< nothing if the reading is missing
 };
 
-/// "amplification cycle 7".
+/// The name of a frame in messages: "amplification cycle 7" or "melt cycle 7".
 std::string FrameName(bool melting, unsigned cycle);
 
 /// How a readings file is read.
 struct ReadingsSource {
   std::string path;       ///< "-" is standard input
-  CsvFormat format = {};  ///< how it is written
-  /// Channels beyond those that the plan names are added to it as they come; else refused.
+  CsvFormat format = {};  ///< format of the file
+  /// Whether channels that are not in the plan are added to it. If not, they are refused.
   bool findsChannels = true;
-  /// Asked again and again while a pipe has nothing to read; false ends the reading.
+  /// Called repeatedly while a pipe has nothing to read. If it returns false, reading ends.
   std::function<bool()> keepsWaiting;
 };
 
 /// The columns that a readings file may have, the optional ones last.
 const std::vector<std::string_view>& ReadingsFileColumns();
 
-/// Calls `take` with each row of the file, whose wells must be the plan's. An empty field, or "NA",
-/// is a missing reading. Throws an error that names the row. False when the reading was ended
-/// before the file was.
+/// Reads the file and calls `take` with each row. Every well must be in the plan. An empty reading
+/// or "NA" is a missing reading. Throws an error that names the row. Returns false if
+/// `keepsWaiting` ended the reading before the end of the file.
 bool ReadReadingRows(const ReadingsSource& source, RunPlan& plan,
                      const std::function<void(const ReadingRow&)>& take);
 

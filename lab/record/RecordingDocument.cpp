@@ -18,7 +18,7 @@ void RecordingDocument::Claim(const RunPlan& plan) {
   auto lock = std::make_unique<DocumentLock>(options_.path, DocumentLock::Holder::kRecorder);
   struct stat info {};
   const bool exists = ::stat(document_.c_str(), &info) == 0;
-  // Under another name the file could be recorded to by someone who sees another lock.
+  // Under another of its names the file has another lock, so two recorders could write to it.
   if (exists && info.st_nlink > 1) {
     throw Error(
         ErrorCode::kUsage, options_.path,
@@ -45,7 +45,7 @@ bool RecordingDocument::Begin(const RunPlan& plan) {
   if (!WasDone()) interrupted_->Repair();
   check(manager_.ReadFromFile(document_.c_str()));
   frameCount_ = interrupted_->FrameCount();
-  // The frames of a complete run are read so that others can be compared with them.
+  // A complete run is read too, so that its frames can be compared with others.
   if (WasDone()) return false;
   check(manager_.SetAcquisitionStatus(document_.c_str(), RunStatus::kInProgress.data()));
   if (!interrupted_->HasBlock()) openBlock(plan);
@@ -53,12 +53,13 @@ bool RecordingDocument::Begin(const RunPlan& plan) {
   return true;
 }
 
-// The document is complete but for its data block, which is to be its last record: after a save of
-// the whole document with a block, the header does not hold the offset that a commit needs.
+// Makes the document without a data block; the first commit appends the block as the last record.
+// If the block were in the document when it is saved, the header would not have the offset that a
+// commit needs.
 void RecordingDocument::make(const RunPlan& plan) {
   StorePlan(manager_, plan);
-  // In the same save: a status that is patched in place could be cut off between two of its
-  // letters.
+  // Store the status in the same save. If it were patched in place, an interruption could leave
+  // half of it.
   check(manager_.SetAcquisitionStatus(RunStatus::kInProgress.data()));
   check(manager_.SaveToFile(document_.c_str()));
   openBlock(plan);
@@ -78,12 +79,12 @@ void RecordingDocument::Commit(const RunPlan& plan, std::span<const Vex2WellReco
   readAnew(plan);
   const auto index = static_cast<int>(frameCount_);
   if (manager_.GetDataFrameCount(DataRAWa) > index) {
-    // The frame of the failed commit counts, because it could not be taken back.
+    // The failed commit could not undo what it wrote, so its frame is in the document and counts.
     if (!holdsFrame(index, plan, records)) refuseOtherFrames();
     ++frameCount_;
     return;
   }
-  hasFailedCommit_ = true;  // until it has succeeded
+  hasFailedCommit_ = true;  // until the commit has succeeded
   for (std::size_t i = 0; i < records.size(); ++i) {
     if (!manager_.SetAcqDataWellRecord(&records[i], index, plan.wells[i], DataRAWa)) {
       throw Error(ErrorCode::kSystem, options_.path, "the data block cannot grow further");
@@ -91,7 +92,8 @@ void RecordingDocument::Commit(const RunPlan& plan, std::span<const Vex2WellReco
   }
   const int status = manager_.CommitAcqDataFrame(document_.c_str(), index, DataRAWa);
   const FileError& failure = manager_.GetLastFileError();
-  // What the system could not store it may have dropped, so that no later sync would tell.
+  // The system may have dropped the bytes that it could not store, and a later sync may succeed
+  // although they are lost.
   hasFailedSync_ =
       hasFailedSync_ || (status != kSuccess && failure.operation == FileOperation::kSync);
   check(status);
@@ -107,8 +109,9 @@ void RecordingDocument::noteFile() {
   size_ = static_cast<std::uint64_t>(info.st_size);
 }
 
-// A failed commit can leave bytes behind that it could not cut off. A file that is gone is left to
-// the operation, which knows the system's reason.
+// Throws an error if another program has replaced or changed the file since the last commit. After
+// a failed commit the size is not checked, since the commit may have left bytes that it could not
+// cut off. If the file is missing, the next operation on it fails with the system's reason.
 void RecordingDocument::requireOwnFile() const {
   struct stat info {};
   if (::stat(document_.c_str(), &info) != 0) return;
@@ -120,8 +123,9 @@ void RecordingDocument::requireOwnFile() const {
               "last frame; look at it, and record or resume anew");
 }
 
-// What the manager holds of a frame whose commit failed must not reach the file by another way, and
-// to set the only well of a frame a second time would count the frame twice.
+// After a failed commit, reads the document again, because the manager still holds the frame of
+// that commit. Another save must not write the frame, and setting the only well of a frame again
+// would count the frame twice.
 void RecordingDocument::readAnew(const RunPlan& plan) {
   if (!hasFailedCommit_) return;
   check(manager_.ReadFromFile(document_.c_str()));

@@ -18,14 +18,14 @@
 
 namespace vex2::lab {
 
-/// A document while a run is recorded to it: made or resumed, grown frame by frame, finished. The
-/// one place that knows in which order the manager's operations keep every committed frame: the
-/// document is saved whole before it has a data block and after its last frame, and in between only
-/// frames are committed.
+/// A document to which a run is recorded. It is made or resumed, grows frame by frame, and is
+/// finished. Only this class knows the order of the manager's operations in which no committed
+/// frame can be lost: the whole document is saved before it has a data block and after its last
+/// frame; in between, only frames are committed.
 ///
 /// Every operation throws an error that names the document. After a failed commit the document
-/// holds the frames before, and the same frame may be tried again. A file that another program has
-/// put in the document's place, or changed, is never written to.
+/// holds the earlier frames, and the same frame can be committed again. If another program has
+/// replaced or changed the file, nothing is written to it.
 class RecordingDocument {
  public:
   struct Options {
@@ -36,29 +36,31 @@ class RecordingDocument {
 
   explicit RecordingDocument(Options options);
 
-  /// Locks the document and checks that `plan` can be recorded to it. Throws an error if not;
-  /// nothing was changed then.
+  /// Locks the document and checks that `plan` can be recorded to it. If not, throws an error and
+  /// changes nothing.
   void Claim(const RunPlan& plan);
   bool IsClaimed() const { return lock_ != nullptr; }
 
-  /// Makes the document, or brings the one that is resumed to where the next frame is committed.
-  /// False when the run was complete.
+  /// Makes the document, or repairs and reads the one to resume. After this, the next frame can be
+  /// committed. Returns false if the run is already complete.
   bool Begin(const RunPlan& plan);
-  /// Appends a frame, a record for each of the plan's wells; it is on the disk when this returns.
+  /// Appends a frame: a record for each of the plan's wells. The frame is on the disk when this
+  /// returns.
   void Commit(const RunPlan& plan, std::span<const Vex2WellRecord> records);
-  /// Gives the document what is known only at the end of the run, and the status of a finished run.
+  /// Stores what is known only at the end of the run, and the status of a finished run.
   void Finish(const RunPlan& plan);
 
-  /// Whether there is no document to resume, once it is claimed.
+  /// Whether the run starts with a new document. Valid after `Claim`.
   bool IsNew() const { return !interrupted_; }
-  /// Whether the run of the document to resume was complete.
+  /// Whether the run to resume was already complete.
   bool WasDone() const { return interrupted_ && interrupted_->IsDone(); }
-  /// The frames that are on the disk, once the run was begun.
+  /// The number of frames on the disk. Valid after `Begin`.
   std::size_t FrameCount() const { return frameCount_; }
-  /// The readings of one of them, of these wells.
+  /// The readings of `wells` in the frame with this index, from 0.
   std::vector<RunReading> RecordedFrame(std::size_t index,
                                         std::span<const unsigned short> wells) const;
-  /// Throws an error once the disk has failed to store a frame: nothing is recorded from then on.
+  /// Throws an error if the disk has failed to store a frame. After such a failure nothing more is
+  /// recorded.
   void RequireSynced() const;
   const std::string& Path() const { return options_.path; }
 
@@ -73,13 +75,13 @@ class RecordingDocument {
   void check(int status) const;
 
   Options options_;
-  std::filesystem::path document_;  ///< the one path that the given one leads to
+  std::filesystem::path document_;  ///< resolved path, see `ResolveDocument`
   std::unique_ptr<DocumentLock> lock_;
-  std::optional<InterruptedRun> interrupted_;  ///< what to resume; nothing: a new document
+  std::optional<InterruptedRun> interrupted_;  ///< the run to resume; nothing for a new document
   DocumentFile manager_;
   std::size_t frameCount_ = 0;
-  FileIdentity identity_;         ///< of the file that this recorded to last
-  std::uint64_t size_ = 0;        ///< that it had then
+  FileIdentity identity_;         ///< identity of the file after the last commit
+  std::uint64_t size_ = 0;        ///< size of the file after the last commit
   bool hasFailedCommit_ = false;  ///< the manager may hold a frame that the file does not
   bool hasFailedSync_ = false;    ///< the disk failed to store a frame
 };

@@ -28,9 +28,9 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::milliseconds kPause(100);  // between two looks at the file
+constexpr std::chrono::milliseconds kPause(100);  // between two checks of the file
 
-/// What tells that a file was changed or replaced.
+/// Identity, size and time of a file. They show whether the file was changed or replaced.
 struct Sight {
   FileIdentity identity;
   std::int64_t size = 0;
@@ -53,7 +53,7 @@ std::optional<Sight> sightOf(const std::string& path) {
   return Sight{{info.st_dev, info.st_ino}, info.st_size, info.st_mtim.tv_sec, info.st_mtim.tv_nsec};
 }
 
-/// Opened with the lock of a reader, for the time that it lives.
+/// Holds a reader's lock on the file as long as it lives.
 class LockedFile final : public CFile {
  public:
   explicit LockedFile(const std::string& path) { OpenToRead(*this, path); }
@@ -99,14 +99,14 @@ class RunFollower::Impl {
   const std::optional<RunReader>& Run() const { return known_.run; }
 
  private:
-  /// The document at the path, as it was when it was met.
+  /// The document at the path, as it was when it was last read.
   struct Known {
     std::optional<RunReader> run;
     std::optional<RecordedReadings> recorded;
-    const BlockInfo* block = nullptr;  ///< null while it has none
+    const BlockInfo* block = nullptr;  ///< null if there is no block yet
     CommittedBlock stored;
     FollowedFile file;
-    Sight sight;  ///< before it was read
+    Sight sight;  ///< state of the file just before it was read
   };
 
   // Finds out how many frames are committed, and whether the run is complete.
@@ -121,13 +121,13 @@ class RunFollower::Impl {
       requireSameRun(met);
       known_ = std::move(met);
     }
-    // The status comes first: after it nothing is appended.
+    // Read the status first: after "DONE" no frame is appended.
     const bool isDone = readStatus(known_.file) == RunStatus::kDone;
     committed_ = countFrames(known_);
     isDone_ = isDone;
   }
 
-  // Reads all but the frames. Nothing when the document is replaced in the meantime.
+  // Reads all but the frames. If the document is replaced during this, the result has no `run`.
   Known meet(const Sight& sight) const {
     Known met;
     met.sight = sight;
@@ -153,11 +153,12 @@ class RunFollower::Impl {
                   "it has no readings that can be followed: " + fault.what, fault.offset);
     }
     met.recorded.emplace(log, kRawReadings);
-    met.run = std::move(run);  // shares what the pointer to the block leads to
+    met.run = std::move(run);  // moving keeps `block` valid
     return met;
   }
 
-  // A save keeps all frames; what does not hold the frame that was handed out last is another run.
+  // Throws an error if the document holds another run. A save keeps all frames, so a document
+  // without the frame that was returned last is that of another run.
   void requireSameRun(const Known& met) const {
     if (last_.empty()) return;
     std::vector<std::uint8_t> there(last_.size());
@@ -176,7 +177,8 @@ class RunFollower::Impl {
     return {status.begin(), status.end()};
   }
 
-  // Where a save cannot rename, it writes into the file itself, and the block can move.
+  // Whether the block is still at its offset. If a save cannot rename a file over the document, it
+  // writes into the document itself, and the block may move.
   static bool hasBlockInPlace(const Known& known) {
     if (known.block == nullptr) return true;
     std::array<std::uint8_t, kTagLength> tag{};
@@ -184,7 +186,8 @@ class RunFollower::Impl {
            std::equal(tag.begin(), tag.end(), known.stored.record.tagBytes.begin());
   }
 
-  // A commit rewrites the length of the block in place, so it is read until it stays the same.
+  // Counts the committed frames. A commit overwrites the length of the block in place, so this
+  // reads the length until it gets the same value twice.
   static std::uint64_t countFrames(const Known& known) {
     if (known.block == nullptr) return 0;
     CommittedBlock stored = known.stored;
@@ -226,7 +229,7 @@ class RunFollower::Impl {
   std::uint64_t next_ = 0;
   std::uint64_t committed_ = 0;
   bool isDone_ = false;
-  std::vector<std::uint8_t> last_;  // the stored records of the frame that was handed out last
+  std::vector<std::uint8_t> last_;  // stored records of the frame that was returned last
 };
 
 RunFollower::RunFollower(const std::filesystem::path& path, std::uint64_t firstFrame) {

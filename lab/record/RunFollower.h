@@ -14,14 +14,14 @@
 
 namespace vex2::lab {
 
-/// How far a run that is followed has come.
+/// The state of a run that is followed.
 enum class FollowState {
   kWaiting,  ///< no document exists at the path yet
-  kRunning,  ///< its run goes on, or was interrupted and may be resumed
-  kDone,     ///< its run is complete, and every frame was handed out
+  kRunning,  ///< its run is in progress, or was interrupted and can be resumed
+  kDone,     ///< its run is complete, and every frame was returned
 };
 
-/// Follows a run while another program records it: hands out each committed frame once, in order.
+/// Follows a run while another program records it: returns each committed frame once, in order.
 ///
 ///     vex2::lab::RunFollower follower("run.vex");
 ///     while (follower.State() != vex2::lab::FollowState::kDone) {
@@ -29,46 +29,47 @@ enum class FollowState {
 ///     }
 ///
 /// The document need not exist yet. The follower continues when the recorder stops and resumes, and
-/// when a save replaces the document. It only reads, and costs the recorder nothing: it looks at
-/// the file ten times a second, without a lock. A short lock is taken only to read the document's
-/// other records, when the document is first met and when it was replaced.
+/// when a save replaces the document. It only reads, and does not delay the recorder: it checks the
+/// file ten times a second, without a lock. Only to read the other records it takes a lock for a
+/// short time: when it first finds the document, and when the document was replaced.
 ///
 /// All operations throw `Error` and nothing else. Use a follower from one thread at a time; any
 /// number of followers can follow the same run.
 class VEX2_API RunFollower {
  public:
-  /// Follows the run of the document at `path` from frame `firstFrame` (from 0) on. Touches no
-  /// file.
+  /// Follows the run of the document at `path`, beginning with frame `firstFrame` (from 0). Does
+  /// not open the file yet.
   explicit RunFollower(const std::filesystem::path& path, std::uint64_t firstFrame = 0);
   ~RunFollower();
-  /// Takes the place of the other, which may then only be assigned to or destroyed.
+  /// Takes over the state of the other follower, which may then only be assigned to or destroyed.
   RunFollower(RunFollower&&) noexcept;
-  /// Takes the place of the other, which may then only be assigned to or destroyed.
+  /// Takes over the state of the other follower, which may then only be assigned to or destroyed.
   RunFollower& operator=(RunFollower&&) noexcept;
 
-  /// The next committed frame of the raw readings. Waits for it no longer than `wait`; nothing if
-  /// none was committed in that time, and at once when the run is complete.
+  /// The next committed frame of the raw readings. Waits for the frame, at most for the time
+  /// `wait`. Returns nothing if no frame was committed in that time. Returns nothing immediately if
+  /// the run is complete.
   ///
-  /// Throws `Error` when the file is not a plate document, is a study, is damaged in front of its
-  /// readings, or cannot be read, and when another run has taken its place: one that does not hold
-  /// the frames that were handed out. The follower then stays as it was.
+  /// Throws `Error` if the file is not a plate document, is a study, is damaged before its
+  /// readings, or cannot be read. Also throws if the document now holds another run, without the
+  /// frames that were returned. The follower then stays unchanged.
   std::optional<Frame> Next(std::chrono::milliseconds wait);
 
-  /// As it was given.
+  /// The path as the caller gave it.
   const std::filesystem::path& Path() const;
-  /// As the last call of `Next` found it.
+  /// The state that the last call of `Next` found.
   FollowState State() const;
-  /// The index of the frame that comes next, from 0.
+  /// The index of the frame that `Next` returns next, from 0.
   std::uint64_t NextFrame() const;
-  /// The frames that the document held when `Next` last looked.
+  /// The number of frames that the document held when `Next` last checked it.
   std::uint64_t CommittedFrames() const;
-  /// The frames that the whole run has, where the log says so.
+  /// The number of frames of the whole run; nothing if the log does not state it.
   std::optional<std::uint64_t> PlannedFrames() const;
-  /// The names of the channels; none where each well has one channel without a name, and where the
+  /// The names of the channels. Empty if each well has one channel without a name, or if the
   /// meaning of the readings is not known.
   std::vector<std::string> Channels() const;
-  /// What else the document says, as it was last read; nothing while there is none. Valid until
-  /// `Next` is called.
+  /// The other content of the document, as it was last read; nothing if there is no document yet.
+  /// Valid until `Next` is called.
   const std::optional<RunReader>& Run() const;
 
  private:

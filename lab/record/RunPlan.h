@@ -14,40 +14,44 @@
 
 namespace vex2::lab {
 
-/// Everything that a run's document will hold once the run is over, known beforehand but for a
-/// live run's frames.
+/// Everything that a document will hold at the end of a run. It is known before the run, except for
+/// the frames of a live run.
 struct RunPlan {
   PlateLayout plate;
   PlateContents contents;  ///< the content of the wells
   Calibration calibration;
   std::vector<unsigned short> wells;            ///< the wells in use, from 1, ascending
-  std::vector<std::vector<RunReading>> frames;  ///< in time order; in each a reading per well
-  ReadingScale scale;                           ///< of the readings' values
-  std::vector<std::string> channels;  ///< Latin-1; none where a well has one reading in a frame
-  std::optional<RunStart> started;    ///< when the run began, if anyone has said
-  std::string assay;  ///< a code of four characters; empty is that of a new document
-  /// The readings come while they are recorded: `frames` are those that have come.
+  std::vector<std::vector<RunReading>> frames;  ///< in time order; each has one reading per well
+  ReadingScale scale;                           ///< scale of the readings
+  /// Channel names, Latin-1; empty if each well has one reading in a frame.
+  std::vector<std::string> channels;
+  std::optional<RunStart> started;  ///< when the run began, if that is known
+  std::string assay;                ///< four-character code; if empty, that of a new document
+  /// Whether the readings arrive during the recording. `frames` then holds those that have arrived.
   bool isLive = false;
-  /// How many frames a live run will have had; nothing while it is not known.
+  /// The number of frames of a live run; nothing while it is not known.
   std::optional<std::size_t> liveFrames;
   std::string comment;
-  /// Lines of key=value that say where the readings come from; they go into the document's log.
+  /// Lines of key=value that name the source of the readings. They become part of the document's
+  /// log.
   std::string origin;
-  /// Whether the frames hold readings of this library's making, and the log says so.
+  /// Whether the frames hold readings that this library encoded, so that the log states their
+  /// meaning.
   bool statesReadings = true;
 
-  std::vector<Vex2Detector> detectors;    ///< besides what the contents say of them
-  std::vector<std::string> requiredDyes;  ///< besides the contents' reporters; Latin-1
+  /// Detectors with details, in addition to those that `contents` names.
+  std::vector<Vex2Detector> detectors;
+  std::vector<std::string> requiredDyes;  ///< in addition to the reporters in `contents`; Latin-1
   std::vector<SettingValue> settings;
-  bool hasSettings = true;  ///< otherwise the document gets none that `settings` do not name
-  bool hasSetup = true;     ///< otherwise it gets no plate setup, if the contents are empty
-  std::vector<std::uint8_t> program;  ///< empty: described from the frames
+  bool hasSettings = true;  ///< if false, the document gets only the settings that `settings` names
+  bool hasSetup = true;  ///< if false, the document gets no plate setup unless `contents` has rows
+  std::vector<std::uint8_t> program;  ///< if empty, a description is made from the frames
 };
 
-/// How many frames the run will have had at its end; nothing while it is not known.
+/// The number of frames of the whole run; nothing while it is not known.
 std::optional<std::size_t> FrameTotal(const RunPlan& plan);
 
-/// How many readings a well has in a frame.
+/// The number of readings of a well in a frame.
 std::size_t ChannelCount(const RunPlan& plan);
 
 /// The time of the last reading, in milliseconds.
@@ -59,11 +63,11 @@ std::size_t FirstMelting(const RunPlan& plan);
 /// The records of the frame `index`, from 0, in the order of the wells.
 std::vector<Vex2WellRecord> FrameRecords(const RunPlan& plan, std::size_t index);
 
-/// The document's log, lines of key=value: a recording can be resumed only by a run that has the
-/// same.
+/// The document's log, lines of key=value. A recording can be resumed only by a plan with the same
+/// log.
 std::string LogText(const RunPlan& plan);
 
-/// What was run, for a reader's eyes, as the thermal cycling program.
+/// A description of the run for users, which is stored as the thermal cycling program.
 std::string ProgramText(const RunPlan& plan);
 
 }  // namespace vex2::lab

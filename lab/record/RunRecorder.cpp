@@ -78,7 +78,8 @@ class RunRecorder::Impl {
   }
 
  private:
-  // What the run's end is described from.
+  // Adds the frames in the document to the plan, since end time and program are made from all
+  // frames.
   void takeRecordedFrames() {
     for (std::size_t i = 0; i < recorded_; ++i) {
       plan_.frames.push_back(document_.RecordedFrame(i, plan_.wells));
@@ -90,8 +91,8 @@ class RunRecorder::Impl {
 
   std::uint16_t& lastCycleOf(bool isMelting) { return lastCycles_.at(isMelting ? 1 : 0); }
 
-  // A program that was interrupted and begins at the first cycle again would append frames that the
-  // document has.
+  // A program that was interrupted and starts again at the first cycle must not append frames that
+  // the document already has.
   void requireNewCycle(const MeasuredFrame& frame) {
     const bool isMelting = frame.stage == Stage::kMelting;
     const unsigned last = lastCycleOf(isMelting);
@@ -131,7 +132,8 @@ class RunRecorder::Impl {
   }
 
   RunPlan plan_;
-  std::array<std::uint16_t, 2> lastCycles_{};  // of the amplification and of the melting; 0 is none
+  // Last cycles of amplification and melting; 0 if none is recorded.
+  std::array<std::uint16_t, 2> lastCycles_{};
   bool isMeasured_;
   RecordingDocument document_;
   std::size_t recorded_ = 0;

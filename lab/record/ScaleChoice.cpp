@@ -28,7 +28,8 @@ ReadingScale powerScale(int exponent, DecimalNumber offset) {
                        : ReadingScale(1, wholePower(-exponent), offset);
 }
 
-// The scale with this step; nothing when its parts are too large.
+// The scale whose step is `mantissa` times 10 to the `exponent`; nothing if its numerator or
+// denominator is too large.
 std::optional<ReadingScale> scaleOfStep(std::uint64_t mantissa, int exponent,
                                         DecimalNumber offset) {
   if (mantissa == 0 || exponent < -12 || exponent > 12) return std::nullopt;
@@ -38,7 +39,7 @@ std::optional<ReadingScale> scaleOfStep(std::uint64_t mantissa, int exponent,
   return ReadingScale(numerator, denominator * mantissa, offset);
 }
 
-// The readings to choose for: sorted, each once, and what to count from.
+// Chooses a scale, and possibly an offset. Keeps the readings sorted and without duplicates.
 class Choice {
  public:
   Choice(std::vector<double> readings, std::optional<DecimalNumber> offset)
@@ -78,7 +79,8 @@ class Choice {
     return best;
   }
 
-  // Infinite when not all fit, or when it is not below `enough`.
+  // The largest change that the scale makes to a reading. Infinite if a reading does not fit, or if
+  // the change is not below `enough`.
   double largestChange(const ReadingScale& scale, double enough) const {
     double largest = 0;
     for (const double reading : {readings_.front(), readings_.back()}) {
@@ -94,11 +96,13 @@ class Choice {
   std::optional<DecimalNumber> lowestAsOffset() const {
     const auto lowest = ShortestDecimal(readings_.front());
     if (lowest) return lowest;
-    // More digits than an offset can have: the whole number below.
+    // The lowest reading has more digits than an offset can have, so take the next lower whole
+    // number.
     return ShortestDecimal(std::floor(readings_.front()));
   }
 
-  // The greatest number of which all readings are multiples, counted from `offset`.
+  // The scale whose step is the greatest common divisor of the distances of all readings from
+  // `offset`.
   std::optional<ReadingScale> commonStep(DecimalNumber offset) const {
     int exponent = offset.mantissa == 0 ? 0 : offset.exponent;
     std::vector<DecimalNumber> numbers;
@@ -129,8 +133,8 @@ class Choice {
     return whole;
   }
 
-  // The smallest step of six digits with which the highest reading stays below the largest number:
-  // there it would look as if it had been cut off.
+  // The scale with the smallest step of six digits for which the highest reading is stored below
+  // 65535. At 65535 the reading would look as if it had been cut off.
   std::optional<ReadingScale> finestStep(DecimalNumber offset) const {
     const double range = readings_.back() - offset.Value();
     if (!(range > 0)) return std::nullopt;

@@ -7,20 +7,22 @@
 
 namespace vex2::lab {
 
-/// The scale and offset that lose least of these readings, the same for the same readings:
-/// - a power of ten that keeps them exactly, of those from 1000 down the largest, else the smallest
-///   above;
-/// - else their largest common step, from 0 or from the lowest reading, when that keeps them;
-/// - else, of the powers of ten and the finest step to which they fit, what changes the reading
-/// that
-///   it changes most least.
-/// An offset is chosen only where a reading is negative, where only with it all are kept exactly or
-/// fit, and where it at least halves the largest change. `offset` is one that is given.
+/// Chooses the scale and offset that lose least of these readings. The same readings always give
+/// the same result. It tries in this order:
+/// - a power of ten that keeps all readings exactly: 1000 or the largest below it, otherwise the
+///   smallest above it;
+/// - the largest common step of the readings, counted from 0 or from the lowest reading, if it
+///   keeps them exactly;
+/// - the power of ten, or the finest step that fits, for which the largest change of a reading is
+///   smallest.
+///
+/// If no `offset` is given, one is chosen only if a reading is negative, if the readings fit or are
+/// kept exactly only with an offset, or if it at least halves the largest change.
 ReadingScale ChooseScale(std::vector<double> readings, std::optional<DecimalNumber> offset);
 
-/// For readings that still come, of which only those of the first frame are known: the largest
-/// power of ten up to 1000 that has room for sixteen times the largest of them; in both directions
-/// when one of them is negative.
+/// Chooses a scale when only the readings of the first frame are known: the largest power of ten up
+/// to 1000 with which sixteen times the largest of them still fits. If one of them is negative and
+/// no `offset` is given, chooses an offset so that this also holds for negative readings.
 ReadingScale ChooseScaleAhead(const std::vector<double>& firstFrame,
                               std::optional<DecimalNumber> offset);
 

@@ -17,17 +17,17 @@ namespace vex2::lab {
 namespace {
 
 constexpr std::uint32_t kScale = 1000;
-constexpr unsigned kLevels = 6;  // five dilutions and the control
+constexpr unsigned kLevels = 6;  // five dilutions and the control without template
 constexpr double kMostCopies = 1e6;
 constexpr double kPlateauCopies = 3e11;
-constexpr double kReadingsTop = 65.535;  // what fits with the scale
+constexpr double kReadingsTop = 65.535;  // the highest reading that fits with the scale
 
 constexpr const char* kReporter = "green";
 
-constexpr std::uint32_t kFirstCycleAt = 20'000;  // milliseconds
+constexpr std::uint32_t kFirstCycleAt = 20'000;  // in milliseconds
 constexpr std::uint32_t kCycleTime = 39'500;
 constexpr std::uint32_t kMeltStepTime = 1'350;
-constexpr std::uint16_t kReadingTemperature = 6000;  // hundredths of a degree
+constexpr std::uint16_t kReadingTemperature = 6000;  // in hundredths of a degree Celsius
 constexpr std::uint32_t kMeltRange = 3500;
 
 struct Parameter {
@@ -41,18 +41,18 @@ constexpr std::array<Parameter, 4> kParameters = {
      {"melt=", &SimulationParameters::meltSteps, kMostSteps},
      {"seed=", &SimulationParameters::seed, std::numeric_limits<std::uint32_t>::max()}}};
 
-// Random numbers that are the same everywhere. They use integer arithmetic and only those
-// floating-point operations that have exactly one correct result, which the distributions and
-// logarithms of the standard library do not have.
+// Random numbers that are the same on every machine. They use integer arithmetic, and only
+// floating-point operations with exactly one correct result. The distributions and logarithms of
+// the standard library do not have that property.
 class Random {
  public:
   Random(std::uint32_t seed, std::uint32_t stream) : state_(std::uint64_t{seed} << 32U | stream) {
     Next();
   }
 
-  /// From 0 to below 1.
+  /// A number from 0 to below 1.
   double Uniform() { return static_cast<double>(Next() >> 11U) * 0x1p-53; }
-  /// Around 0, with the deviation 1: near enough to normal, and never beyond 6.
+  /// A number around 0 with standard deviation 1: nearly normal, and never beyond 6.
   double Noise() {
     double sum = -6;
     for (int i = 0; i < 12; ++i) sum += Uniform();
@@ -71,7 +71,7 @@ class Random {
   std::uint64_t state_;
 };
 
-// What all wells of a row share.
+// The properties of a target, which all wells of a row share.
 struct SimulatedTarget {
   double efficiency;
   double brightness;
@@ -96,7 +96,7 @@ double copiesAt(unsigned level) {
   return copies;
 }
 
-// One well in the course of the run.
+// The state of one well during the run.
 class SimulatedWell {
  public:
   SimulatedWell(const SimulatedTarget& target, double copies, Random random)
@@ -113,7 +113,8 @@ class SimulatedWell {
   }
 
   std::uint16_t Melt(double temperature) {
-    // A step without an exponential, which is not the same everywhere.
+    // A step function. It does not use the exponential function, whose results differ between
+    // machines.
     const double distance = (temperature - target_.meltsAt) / 1.2;
     const double bound = 0.5 * (1 - distance / std::sqrt(1 + distance * distance));
     const double dimmed = 1 - 0.004 * (temperature - 60);

@@ -12,22 +12,23 @@ namespace vex2::lab {
 
 /// How a damaged document is recovered.
 struct RecoverOptions {
-  bool replace = false;  ///< replace a file at the target
-  /// Follows "already exists; " in the error: what the caller can do.
+  bool replace = false;  ///< replace an existing file at the target
+  /// The advice that the error gives after "already exists; ".
   std::string existsHint = "set replace to overwrite it";
-  /// Called often with the bytes of the damaged file that are done, and all of them. False cancels
-  /// the work: `Recover` throws an error of class `kInterrupted`, and nothing was saved.
+  /// Called often, with the number of bytes of the damaged file that are processed, and the size of
+  /// that file. If it returns false, the work is cancelled: `Recover` throws an error of class
+  /// `kInterrupted`, and saves nothing.
   std::function<bool(std::uint64_t done, std::uint64_t size)> progress = {};
 };
 
-/// Puts together at `target` what is whole in the document at `damaged`, which is never written to.
-/// The report says what was lost and what was put right. Takes time in proportion to the file and
-/// little memory.
+/// Writes all that can be read of the document at `damaged` to a new document at `target`. Never
+/// writes to `damaged`. The report lists what was lost and what was corrected. Takes time in
+/// proportion to the size of the file, and little memory.
 ///
-/// Throws `Error`, and leaves what is at `target` as it was, when `target` exists and is not to be
-/// replaced, when it holds something other than a document, is the damaged file itself, has other
-/// names (hard links), or is being recorded or changed, when nothing of a document was found, or
-/// when the system refuses.
+/// Throws `Error`, and leaves `target` unchanged, in these cases: `target` exists and may not be
+/// replaced, holds something other than a document, is the damaged file itself, has further hard
+/// links, or is being recorded or changed; `damaged` contains nothing of a document; the system
+/// refuses.
 VEX2_API RecoverReport Recover(const std::filesystem::path& damaged,
                                const std::filesystem::path& target,
                                const RecoverOptions& options = {});

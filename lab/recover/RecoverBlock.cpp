@@ -12,11 +12,11 @@ namespace vex2::lab {
 
 namespace {
 
-constexpr std::uint64_t kOldBlockFixedSize = 4;  // the same before there were times
+constexpr std::uint64_t kOldBlockFixedSize = 4;  // the same size in version 1, which has no times
 constexpr std::uint16_t kVersion = 2;
 constexpr std::uint16_t kMostWells = 1536;
 constexpr std::uint16_t kLeastWellsToTell = 4;
-constexpr std::uint16_t kPadding = 0xFFFF;  // of a plate's header
+constexpr std::uint16_t kPadding = 0xFFFF;  // fills the unused part of a plate's header
 
 std::string dataTagAt(RecoverSource& source, std::uint64_t offset) {
   const auto bytes = source.View(offset, kTagLength);
@@ -32,7 +32,8 @@ void readTimes(RecoverSource& source, std::uint64_t body, RecoverBlock& block) {
   }
 }
 
-// The body at `body` as a writer makes it, but for what the search does not rely on.
+// Makes a block whose body begins at `body`, with `wells` wells and the whole frames up to `to`.
+// Reads only the well numbers and the tag from the file.
 RecoverBlock blockWith(RecoverSource& source, std::uint64_t body, std::uint16_t wells,
                        std::uint64_t to, std::uint64_t fixed = kBlockFixedSize) {
   RecoverBlock block;
@@ -49,12 +50,13 @@ bool fits(const RecoverBlock& block, std::uint64_t to) {
   return block.firstFrame <= to && (to - block.firstFrame) % block.FrameSize() == 0;
 }
 
-// By the number of wells and their numbers, when whole frames follow up to the end.
+// Looks for a number of wells, followed by as many well numbers and then by whole frames up to the
+// end of the search.
 std::optional<RecoverBlock> byNumbers(RecoverSource& source, const BlockSearch& search) {
   for (std::uint64_t at = std::max(search.from, kBlockFixedSize); at + 2 <= search.to; ++at) {
     const std::uint16_t wells = source.Short(at).value_or(0);
     if (wells < kLeastWellsToTell || wells > kMostWells) continue;
-    // In the midst of numbers that ascend, each may look like a count of those behind it.
+    // Among ascending well numbers, each number may look like a count of the numbers after it.
     if (source.Short(at - 2) == wells - 1) continue;
     const std::uint64_t first = at + 2 + 2 * std::uint64_t{wells};
     if (first >= search.to || (search.to - first) % (kStoredRecordSize * wells) != 0) continue;
@@ -69,9 +71,9 @@ std::optional<RecoverBlock> byNumbers(RecoverSource& source, const BlockSearch& 
   return std::nullopt;
 }
 
-// The number of wells in a frame, found from the times: how many records just before `to` have the
-// same time, if the record before them has another one. 0 if the times do not show the number of
-// wells.
+// The number of wells in a frame, found from the times: the number of records just before `to` that
+// have the same time, if the record before them has another time. 0 if the times do not show the
+// number of wells.
 std::uint16_t wellsByTimes(RecoverSource& source, std::uint64_t from, std::uint64_t to) {
   constexpr std::uint64_t kTimeAt = 10;
   std::optional<std::uint32_t> time;
@@ -85,16 +87,16 @@ std::uint16_t wellsByTimes(RecoverSource& source, std::uint64_t from, std::uint6
   return 0;
 }
 
-// Whether part of a frame may follow the whole ones: its wells have numbers, and the first of its
-// frames and the last of the whole ones begin as frames of one run do.
+// Whether part of a frame may follow the block's whole frames. That is so if its well numbers are
+// valid, and its first frame and its last whole frame begin with the same marker.
 bool isTorn(RecoverSource& source, const RecoverBlock& block) {
   if (block.numbers.empty() || block.frames == 0) return false;
   const auto marker = MarkerOf(source, block.firstFrame, block.wells);
   return marker && MarkerOf(source, block.End() - block.FrameSize(), block.wells) == marker;
 }
 
-// Scores how well `block`, which starts where the search starts, fits the bytes; 0 if it does not.
-// `byTimes` is the well count that the times of its frames show; 0 if they show none.
+// Scores how well `block`, which begins where the search begins, fits the bytes; 0 if it does not
+// fit. `byTimes` is the number of wells that `wellsByTimes` found, or 0.
 int fitness(RecoverSource& source, const BlockSearch& search, const RecoverBlock& block,
             std::uint16_t byTimes) {
   if (block.firstFrame > search.to || block.frames == 0) return 0;
@@ -104,21 +106,21 @@ int fitness(RecoverSource& source, const BlockSearch& search, const RecoverBlock
   if (byTimes != 0 && byTimes != block.wells) return 0;
   int points = 3;
   if (isKnown) points += 2;
-  // A single number may be anything.
+  // A single well number can match by accident.
   if (!block.numbers.empty()) points += block.wells < kLeastWellsToTell ? 2 : 3;
-  // The first frame may be damaged as the head is, the last one is not.
+  // The damage to the head may extend to the first frame, so check the last one.
   if (MarkerOf(source, block.End() - block.FrameSize(), block.wells)) points += 3;
   return points;
 }
 
-// From where the block begins: by the counts of wells that others have, or that fill the bytes to
-// the end, or that make the declared length, with whole frames.
+// Finds a block that begins where the search begins. Tries the numbers of wells of other blocks,
+// and those with which whole frames end at the end of the search or at the declared end.
 std::optional<RecoverBlock> byGrid(RecoverSource& source, const BlockSearch& search) {
   constexpr int kConvincing = 5;
   std::vector<std::uint16_t> counts = search.wellCounts;
   const auto addSolutions = [&](std::uint64_t bodyLength, std::uint64_t fixed) {
     if (bodyLength < fixed) return;
-    // The rest is 2 bytes of number and 80 of each frame a well.
+    // Each well takes 2 bytes for its number, and 80 bytes in each frame.
     const std::uint64_t half = (bodyLength - fixed) / 2;
     for (std::uint16_t wells = 1; wells <= kMostWells; ++wells) {
       if (half % wells == 0 && (half / wells) % 40 == 1 && half > wells) counts.push_back(wells);
@@ -146,7 +148,8 @@ std::optional<RecoverBlock> byGrid(RecoverSource& source, const BlockSearch& sea
   return best;
 }
 
-// By the grid up to the end, or up to the end that the block declares: part of a frame may follow.
+// Finds a block whose whole frames end where the search ends. If there is none, tries the declared
+// end, since part of a frame may follow it.
 std::optional<RecoverBlock> byPlace(RecoverSource& source, const BlockSearch& search) {
   if (auto block = byGrid(source, search)) return block;
   BlockSearch declared = search;
@@ -155,8 +158,8 @@ std::optional<RecoverBlock> byPlace(RecoverSource& source, const BlockSearch& se
   return byGrid(source, declared);
 }
 
-// From where the block begins, and nothing else: by any count of wells that puts frames as
-// recorders write them behind numbers of wells.
+// Finds a block that begins where the search begins. Tries every number of wells, and takes the
+// first for which valid well numbers are followed by frames as recorders write them.
 std::optional<RecoverBlock> byFrames(RecoverSource& source, const BlockSearch& search) {
   constexpr std::uint16_t kFilled = 1;
   const std::uint64_t body = search.from + kRecordHeadSize;
@@ -169,8 +172,8 @@ std::optional<RecoverBlock> byFrames(RecoverSource& source, const BlockSearch& s
   return std::nullopt;
 }
 
-// The block whose body begins with version and size of times: by its number of wells, unless that
-// is what is damaged.
+// Finds the block with the body at `body`, which begins with version and size of times. Uses its
+// stored number of wells, unless that is damaged.
 std::optional<RecoverBlock> behindVersion(RecoverSource& source, const BlockSearch& search,
                                           std::uint64_t body) {
   const std::uint16_t wells = source.Short(body + 16).value_or(0);
@@ -185,7 +188,7 @@ std::optional<RecoverBlock> behindVersion(RecoverSource& source, const BlockSear
   return std::nullopt;
 }
 
-// By version and size of times, which do not stand side by side elsewhere.
+// Looks for version and size of times: these two numbers are adjacent only in the head of a block.
 std::optional<RecoverBlock> byVersion(RecoverSource& source, const BlockSearch& search) {
   for (std::uint64_t body = search.from; body + kBlockFixedSize <= search.to; ++body) {
     if (source.Long(body) != (std::uint32_t{kVersion} << 16U | kTimeBlockSize)) continue;
@@ -197,7 +200,8 @@ std::optional<RecoverBlock> byVersion(RecoverSource& source, const BlockSearch& 
   return std::nullopt;
 }
 
-// Nothing of the head is left: whole frames up to the end, as long as they look like some.
+// Finds a block whose head is completely lost. Goes back from the end of the search by whole
+// frames, as long as the bytes look like frames.
 std::optional<RecoverBlock> backwards(RecoverSource& source, const BlockSearch& search) {
   std::vector<std::uint16_t> counts = search.wellCounts;
   const std::uint16_t byTimes = wellsByTimes(source, search.from, search.to);

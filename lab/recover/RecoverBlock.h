@@ -12,56 +12,58 @@
 
 namespace vex2::lab {
 
-/// A data block in a damaged file: what stands there, and what was put in for what does not.
+/// A data block in a damaged file. Damaged parts are replaced by guesses.
 struct RecoverBlock {
   std::string tag;
-  std::uint64_t offset = 0;  ///< of its tag, or where that would be
-  std::uint32_t length = 0;  ///< as declared
+  std::uint64_t offset = 0;  ///< offset of its tag; if the tag is lost, where it would be
+  std::uint32_t length = 0;  ///< the declared length
   std::uint16_t version = 2;
   std::array<std::uint8_t, kTimeBlockSize> times{};
   std::uint16_t wells = 0;
-  std::vector<std::uint16_t> numbers;  ///< of its wells
+  std::vector<std::uint16_t> numbers;  ///< well numbers
   std::uint64_t firstFrame = 0;
-  std::uint64_t frames = 0;          ///< by the declared length, or found
-  bool lengthAgrees = false;         ///< the declared length is what wells and whole frames take
-  std::vector<std::string> guesses;  ///< what was put in, for people
+  std::uint64_t frames = 0;   ///< number of frames, by the declared length or by a search
+  bool lengthAgrees = false;  ///< the declared length equals the size of the wells and whole frames
+  std::vector<std::string> guesses;  ///< what was guessed, as texts for the user
 
   std::uint64_t FrameSize() const { return kStoredRecordSize * wells; }
   std::uint64_t End() const { return firstFrame + frames * FrameSize(); }
-  /// Where its frames are in a file of this length.
+  /// The range of its frames in a file of this length.
   FrameRange Range(std::uint64_t fileEnd) const {
     return {firstFrame, FrameSize(), End(), fileEnd};
   }
 };
 
-/// The block whose tag is at `offset`, whatever that tag is. Numbers of wells are not read.
+/// Reads the head of the block at `offset`, which may have any tag. Does not read the well numbers.
 std::optional<RecoverBlock> BlockAt(RecoverSource& source, std::uint64_t offset);
 
-/// The numbers of the block's wells as the file has them; nothing if they cannot be such.
+/// The well numbers of the block in the file; empty if they are not valid.
 std::vector<std::uint16_t> ReadWellNumbers(RecoverSource& source, std::uint64_t offset,
                                            std::uint16_t wells);
 
-/// Where a block is looked for whose head cannot be read.
+/// A search for a block whose head cannot be read.
 struct BlockSearch {
   std::uint64_t from = 0;
-  std::uint64_t to = 0;                   ///< after its last frame, or the file's end
+  std::uint64_t to = 0;                   ///< end of its last frame, or of the file
   bool beginsAtFrom = false;              ///< its tag is, or was, at `from`
-  std::vector<std::uint16_t> wellCounts;  ///< of other blocks and of the plate, the likeliest first
+  std::vector<std::uint16_t> wellCounts;  ///< likely numbers of wells, the likeliest first: those
+                                          ///< of other blocks and of the plate
 };
 
-/// Finds the frames of a block by what is left of its head: its version and size of times, its
-/// numbers of wells, its length; else by how many records of wells, of 80 bytes each, fill the
-/// bytes up to `to`. The tag is empty when it cannot be read. Returns nothing if there is not one
-/// frame.
+/// Finds the frames of a block by what is left of its head: its version and size of times, its well
+/// numbers, or its length. If nothing is left, finds a number of wells for which whole frames, with
+/// 80 bytes for each well, fill the bytes up to `to`. The block's tag is empty if it cannot be
+/// read. Returns nothing if there is not even one whole frame.
 std::optional<RecoverBlock> FindLostBlock(RecoverSource& source, const BlockSearch& search);
 
-/// What every record of that frame that was filled begins with; nothing if they differ, or none was
-/// filled.
+/// The first value of the well records in the frame that have a reading. Returns nothing if these
+/// records differ in that value, or if no record has a reading.
 std::optional<std::uint16_t> MarkerOf(RecoverSource& source, std::uint64_t frame,
                                       std::uint16_t wells);
 
-/// How many of the frames from `offset` on, at most `most`, look like frames: at least half of
-/// their records begin with `marker`, or with anything but 0 where there is none.
+/// Counts how many frames from `offset` on look like frames; stops at `most`. In such a frame, at
+/// least half of the well records begin with `marker`, or, if there is no `marker`, with any value
+/// but 0.
 std::uint64_t CountPlausibleFrames(RecoverSource& source, std::uint64_t offset, std::uint16_t wells,
                                    std::uint64_t most, std::optional<std::uint16_t> marker);
 

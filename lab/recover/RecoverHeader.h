@@ -7,31 +7,35 @@
 
 namespace vex2::lab {
 
-/// What the records say of the plate whose header is to be made again.
+/// The facts about a plate from which a damaged header can be made again. They are found from the
+/// plate's records.
 struct PlateFacts {
   bool isStudy = false;
   bool hasFrames = false;
-  std::uint16_t wells = 0;  ///< the most that a data block has; 0 when there is none
+  std::uint16_t wells = 0;  ///< the largest number of wells of a data block; 0 if there is none
 };
 
-/// Whether a header is damaged where it can be told: what it begins with, its number of rows, codes
-/// that are no text. A plate's header in a study begins as a document's does.
+/// Whether a header is undamaged, as far as that can be checked: by its first bytes, its number of
+/// rows, and its codes, which must be text. Also for the header of a plate in a study, which begins
+/// like that of a document.
 bool IsHeaderWhole(std::span<const std::uint8_t> header);
 
-/// `header` with what cannot be right made anew, and what that was, for people.
+/// `header` with new values in place of invalid ones. Appends to `guesses` what was replaced, as
+/// texts for the user.
 std::vector<std::uint8_t> CorrectedHeader(std::span<const std::uint8_t> header,
                                           const PlateFacts& facts, bool isEmbedded,
                                           std::vector<std::string>& guesses);
 
-/// "; guessed: this, that" for people; empty when there are no guesses.
+/// The guesses as the end of a message, "; guessed: this, that"; empty if there are no guesses.
 std::string GuessText(const std::vector<std::string>& guesses);
 
-/// A header made of nothing but the facts.
+/// A new header, made only from the facts.
 std::vector<std::uint8_t> MadeHeader(const PlateFacts& facts, bool isEmbedded);
 
-/// The numbers of the wells that the header says are used, from 1; empty when it does not say.
+/// The numbers of the wells that the header marks as used, from 1; empty if that part of the header
+/// is damaged.
 std::vector<std::uint16_t> UsedWells(std::span<const std::uint8_t> header);
-/// How many wells the header's rows and columns make; 0 when they cannot be right.
+/// The number of wells by the header's rows and columns; 0 if these are not valid.
 std::uint16_t WellsByShape(std::span<const std::uint8_t> header);
 
 }  // namespace vex2::lab

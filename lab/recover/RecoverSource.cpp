@@ -14,11 +14,12 @@ namespace vex2::lab {
 namespace {
 
 constexpr std::size_t kWindow = 16 * 1024;
-// So many heads in a row are no accident; looking at more would only take time.
+// The number of heads in a row after which they cannot be an accident.
 constexpr int kEnoughHeads = 48;
 constexpr int kFewHeads = 2;
 
-// Most bytes begin no tag: asked for each byte of a damaged file.
+// The pairs of bytes with which tags begin. They allow a fast test, since most bytes of a damaged
+// file begin no tag.
 const std::bitset<65536>& firstTwoOfTags() {
   static const auto set = [] {
     std::bitset<65536> begins;
@@ -30,7 +31,8 @@ const std::bitset<65536>& firstTwoOfTags() {
   return set;
 }
 
-// Fills in where the next head is. False when what it takes is not there.
+// Sets the fields of `head` that depend on its body. Returns false if the body does not fit into
+// the file, or if its numbers contradict each other.
 bool measure(RecoverSource& source, RecoverHead& head) {
   const std::uint64_t body = head.offset + kRecordHeadSize;
   const BodyLayout layout = head.kind->layout;
@@ -74,7 +76,7 @@ std::optional<RecoverHead> rawHead(RecoverSource& source, std::uint64_t offset) 
   return head;
 }
 
-// Fewer bytes than a record has.
+// Whether too few bytes for a record remain at `offset`.
 bool isNearEnd(const RecoverSource& source, std::uint64_t offset) {
   return offset <= source.Size() && source.Size() - offset < kRecordHeadSize;
 }
@@ -126,7 +128,7 @@ std::optional<RecoverHead> UnknownHeadAt(RecoverSource& source, std::uint64_t of
     return std::nullopt;
   }
   head->next = head->DeclaredEnd();
-  // Others of unknown kinds may stand before the next that is known.
+  // Other unknown records may come before the next known record.
   constexpr int kMostUnknown = 16;
   std::uint64_t next = head->next;
   for (int i = 0; i < kMostUnknown; ++i) {
@@ -158,12 +160,13 @@ bool IsBelieved(RecoverSource& source, std::uint64_t offset, std::uint64_t mustC
     auto head = HeadAt(source, offset);
     if (!head && i > 0) head = UnknownHeadAt(source, offset);
     if (!head) {
-      // A tag at the right place counts, whatever became of its record.
+      // A known tag at the expected offset counts, even if its record is damaged.
       const auto cut = rawHead(source, offset);
       if (cut && cut->kind->layout != BodyLayout::kUnknown) ++exact;
       return i > 0 && exact >= kFewHeads && offset > mustCross;
     }
-    // A data block's numbers alone say more than a few small records do.
+    // The numbers in the head of a data block are stronger evidence than those of a few small
+    // records.
     const bool isBlock = head->kind->layout == BodyLayout::kData && head->length > 0;
     exact += isBlock ? kFewHeads : head->exact ? 1 : 0;
     offset = head->next;

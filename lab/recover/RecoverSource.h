@@ -13,19 +13,19 @@
 
 namespace vex2::lab {
 
-/// A damaged file to look into anywhere. Holds a small part of it at a time.
+/// Reads a damaged file at any offset. Keeps a small part of it in memory.
 class RecoverSource {
  public:
-  /// `file` is open for reading, and outlives this.
+  /// `file` must be open for reading and outlive this object.
   explicit RecoverSource(CFile& file) : file_(file), size_(file.GetLength()) {}
 
   std::uint64_t Size() const { return size_; }
-  /// The file itself; its position is of no importance.
+  /// The file itself. Its file position may be changed.
   CFile& File() { return file_; }
-  /// The bytes from `offset` on: at least `count` of them but where the file ends before. Valid
-  /// until the next call.
+  /// At least `count` bytes from `offset` on; fewer only at the end of the file. Valid until the
+  /// next call.
   std::span<const std::uint8_t> View(std::uint64_t offset, std::size_t count);
-  /// Big-endian; nothing if the file ends before.
+  /// The big-endian number at `offset`; nothing if the file ends before its end.
   std::optional<std::uint16_t> Short(std::uint64_t offset);
   std::optional<std::uint32_t> Long(std::uint64_t offset);
 
@@ -36,24 +36,28 @@ class RecoverSource {
   std::vector<std::uint8_t> window_;
 };
 
-/// What looks like the beginning of a record.
+/// Bytes that look like the head of a record.
 struct RecoverHead {
-  std::uint64_t offset = 0;  ///< of the tag
+  std::uint64_t offset = 0;  ///< offset of the tag
   std::array<char, 4> tagBytes{};
-  const RecordKind* kind = nullptr;  ///< of unknown layout for an unknown tag
-  std::uint32_t length = 0;          ///< as declared
-  std::uint16_t count = 0;           ///< of a list or cell
-  std::uint64_t next = 0;            ///< where the next head is: the first one in it, or after it
-  bool exact = false;                ///< its numbers agree with each other and with the file's size
+  /// Kind of the record; for an unknown tag, the kind with unknown layout.
+  const RecordKind* kind = nullptr;
+  std::uint32_t length = 0;  ///< declared length
+  std::uint16_t count = 0;   ///< declared number of records in a list or cell
+  std::uint64_t next = 0;    ///< offset of the next head: that of the first record in the list, or
+                             ///< that after the record
+  /// The numbers in the head agree with each other and with the size of the file.
+  bool exact = false;
 
   std::string_view Tag() const { return {tagBytes.data(), tagBytes.size()}; }
   std::uint64_t DeclaredEnd() const { return offset + kRecordHeadSize + length; }
-  /// Whether it is open: records follow that are in it.
+  /// Whether it is a list with a body, so that the records in it follow.
   bool HoldsRecords() const;
 };
 
-/// The head at `offset`, when the library knows its tag and what it takes is in the file. The
-/// declared length of a value of fixed size need not be that size: readers ignore it.
+/// The head at `offset`. Returns nothing if the library does not know its tag, or if the body does
+/// not fit into the file. If the size of the value is fixed, the declared length may differ from
+/// it: readers ignore that length.
 std::optional<RecoverHead> HeadAt(RecoverSource& source, std::uint64_t offset);
 /// The head at `offset` of a record whose tag the library does not know. The tag must be printable,
 /// and the declared length must lead to another head, to the end of the file, or to `listEnd`, the
@@ -61,18 +65,20 @@ std::optional<RecoverHead> HeadAt(RecoverSource& source, std::uint64_t offset);
 std::optional<RecoverHead> UnknownHeadAt(RecoverSource& source, std::uint64_t offset,
                                          std::uint64_t listEnd = 0);
 
-/// How many characters of `tag` the bytes at `offset` have in the same places.
+/// The number of characters in which the bytes at `offset` agree with `tag`.
 int Likeness(RecoverSource& source, std::uint64_t offset, std::string_view tag);
 
-/// Whether a record may end at `offset`: the file does, but for a few bytes, or a head follows.
+/// Whether a record may end at `offset`: another head begins there, or the file ends there or a few
+/// bytes later.
 bool IsBoundary(RecoverSource& source, std::uint64_t offset);
 
-/// Whether the head at `offset` can be trusted although the bytes before it are damaged: heads
-/// follow it, each at the end of the record before, up to the end of the file or past `mustCross`,
-/// or so many that readings are unlikely to look like them.
+/// Whether the head at `offset` can be trusted although the bytes before it are damaged. It can if
+/// further heads follow, each at the end of the record before, up to the end of the file, past
+/// `mustCross`, or so many that readings are unlikely to look like them.
 bool IsBelieved(RecoverSource& source, std::uint64_t offset, std::uint64_t mustCross = 0);
 
-/// The first head from `from` on and before `before` that can be trusted; nothing if there is none.
+/// Looks for a head that can be trusted, at the offsets from `from` to below `before`. Returns the
+/// first one; nothing if there is none.
 std::optional<std::uint64_t> FindHead(RecoverSource& source, std::uint64_t from,
                                       std::uint64_t before, std::uint64_t mustCross = 0);
 

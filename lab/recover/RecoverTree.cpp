@@ -74,8 +74,9 @@ bool RecoverTree::isComplete(const List& list, std::uint64_t offset, std::string
   return isCounted(list, offset, tag, afterLoss);
 }
 
-// A declared end that whole records speak against: one that the list lacks comes behind it, or one
-// that does not belong there before it.
+// Whether the next record agrees with the declared end of the list. It does not if the list still
+// lacks records and this one belongs into it, or if the list is full and this one belongs only into
+// the list around it.
 bool RecoverTree::isEndPlausible(const List& list, std::string_view tag) const {
   if (tag.empty()) return true;
   const bool isAtHome = StandsIn(list.tag, tag);
@@ -83,7 +84,8 @@ bool RecoverTree::isEndPlausible(const List& list, std::string_view tag) const {
   return list.seen < list.count ? !isAtHome || isAtHomeAround : isAtHome || !isAtHomeAround;
 }
 
-// Its own end record is the only one that a plate has.
+// Whether the plate has ended before a record with this tag. The end record of the plate is always
+// part of it.
 bool RecoverTree::isPlateOver(const List& plate, std::string_view tag, bool afterLoss) const {
   if (tag.empty() || tag == TagOf(Kind::kEndOfPlate)) return false;
   if (tag == TagOf(Kind::kPlate) || tag == TagOf(Kind::kEndOfFile) || tag == TagOf(Kind::kPlates))
@@ -91,28 +93,30 @@ bool RecoverTree::isPlateOver(const List& plate, std::string_view tag, bool afte
   if (!afterLoss) return false;
   const auto has = [&](std::string_view other) { return plate.tags.count(std::string(other)) > 0; };
   if (has(TagOf(Kind::kPlateDate)) || has(tag)) return true;
-  // Behind the last plate come the study's own.
+  // After the last plate, a study has records of its own.
   const auto index = static_cast<std::size_t>(&plate - open_.data());
   const bool isLast = index > 0 && open_[index - 1].seen >= open_[index - 1].count;
   return isLast && (tag == TagOf(Kind::kCalibrator) || tag == TagOf(Kind::kEndoControl) ||
                     tag == TagOf(Kind::kAnalysisType) || tag == TagOf(Kind::kConfidence));
 }
 
-// Whether it stands in one of those that the list is in, or in the document itself.
+// Whether a record with this tag belongs into one of the lists around `list`, or into the document
+// itself.
 bool RecoverTree::isAtHomeOutside(const List& list, std::string_view tag) const {
   return StandsIn("", tag) || std::any_of(open_.data(), &list, [&](const List& outer) {
            return StandsIn(outer.tag, tag);
          });
 }
 
-// Of a list whose declared length leads nowhere.
+// Whether a list whose declared end cannot be trusted is complete, judged by its declared number of
+// records.
 bool RecoverTree::isCounted(const List& list, std::uint64_t offset, std::string_view tag,
                             bool afterLoss) const {
   const bool isFull = list.seen >= list.count;
   const bool isAtHome = StandsIn(list.tag, tag);
   const bool isAtHomeAround = StandsIn(tagAround(list), tag);
   if (isFull) return tag.empty() || !isAtHome || isAtHomeAround;
-  // So many do not fit into the file.
+  // The file has no room for this many records.
   const bool isCountWrong = list.offset + kRecordHeadSize * list.count > source_.Size();
   if (!afterLoss && !isCountWrong && offset < list.end) return false;
   const bool isOthers = !isAtHome && isAtHomeOutside(list, tag);
@@ -121,13 +125,14 @@ bool RecoverTree::isCounted(const List& list, std::uint64_t offset, std::string_
 
 void RecoverTree::Wrap(std::uint64_t offset, std::string_view tag) {
   constexpr int kMostMade = 4;
-  // In the list of plates, everything else stands in a plate.
+  // In the list of plates, every other record belongs into a plate.
   if (OpenTag() == TagOf(Kind::kPlates) && tag != TagOf(Kind::kPlate))
     openMade(offset, TagOf(Kind::kPlate));
   const std::string here(OpenTag());
   if (StandsIn(here, tag)) return;
   std::vector<std::string_view> needed;
-  // What is open tells most of a record that stands in several lists, then what follows.
+  // If a record can be in several lists, choose by the open list; at the top, by the record that
+  // follows.
   const auto head = HeadAt(source_, offset);
   const auto behind = head ? HeadAt(source_, head->next) : std::nullopt;
   std::string_view home = HomeOf(tag, !IsAtTop() || !behind ? here : behind->Tag());
@@ -140,7 +145,8 @@ void RecoverTree::Wrap(std::uint64_t offset, std::string_view tag) {
                 [&](std::string_view list) { openMade(offset, list); });
 }
 
-// Cells stand in the order of their wells, and mostly say so.
+// Row, column and flag of the next cell. Cells are stored in the order of their wells, and most
+// also store their row and column.
 std::vector<std::uint8_t> RecoverTree::cellFields() const {
   const std::uint64_t index = open_.empty() || open_.back().seen == 0 ? 0 : open_.back().seen - 1;
   if (columns_ == 0) return {0, 0, 0, 0, 1};
@@ -234,7 +240,7 @@ void RecoverTree::Count(std::string_view tag) {
 std::uint32_t RecoverTree::rightLength(const List& list) const {
   const std::uint64_t held = position_ - list.written - kRecordHeadSize;
   if (list.tag == TagOf(Kind::kPlates)) {
-    // 10 for each plate, each time that it was read and saved.
+    // The length grows by 10 for each plate, each time that a document is read and saved.
     const std::uint64_t least = 2 + 10 * list.seen;
     const bool isPlausible = list.length % 10 == 2 && list.length >= least && list.length <= held;
     return isPlausible ? list.length : static_cast<std::uint32_t>(least);
@@ -268,7 +274,7 @@ void RecoverTree::CloseAll() {
   while (!open_.empty()) closeOrEnd();
 }
 
-// A plate whose own end was not there gets one.
+// Closes the innermost list. Adds an end record to a plate that has none.
 void RecoverTree::closeOrEnd() {
   if (open_.back().isPlate) {
     std::vector<std::uint8_t> end = {'E', 'O', 'P', 'l', 0, 0, 0, 4, 0, 0, 0, 0};

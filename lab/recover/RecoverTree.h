@@ -11,78 +11,79 @@
 
 namespace vex2::lab {
 
-/// A tag for people.
+/// A tag in quotes, as a text for the user.
 std::string InQuotes(std::string_view tag);
 
-/// The document that is being put together: bytes copied from the damaged file and made ones, in
-/// lists that are given the counts and lengths of what they came to hold.
+/// Writes the new document: bytes that are copied from the damaged file, and new ones. Finally sets
+/// the count and the length of each list to what the list holds.
 class RecoverTree {
  public:
-  /// `out` is empty and open for writing; what is written begins at its begin.
+  /// `out` must be empty and open for writing.
   RecoverTree(RecoverSource& source, CFile& out, RecoverReport& report)
       : source_(source), out_(out), report_(report) {}
 
   std::uint64_t Position() const { return position_; }
   void Copy(std::uint64_t from, std::uint64_t to);
   void Append(const std::vector<std::uint8_t>& bytes);
-  /// Overwrites what was written at `at`.
+  /// Overwrites bytes that were already written, at offset `at` of the new document.
   void Patch(std::uint64_t at, std::span<const std::uint8_t> bytes);
 
-  /// Closes the lists that end before `offset` of the damaged file, where a record with this tag
-  /// begins; an empty tag means that no record begins there. `afterLoss`: bytes before it were
-  /// lost.
+  /// Closes the lists that end before `offset` of the damaged file. `tag` is the tag of the record
+  /// that begins there, or empty if no record does. `afterLoss`: bytes before `offset` were lost.
   void Settle(std::uint64_t offset, std::string_view tag, bool afterLoss);
-  /// Opens lists around a record whose own was lost.
+  /// Opens lists for a record with this tag, in place of the lists around it that were lost.
   void Wrap(std::uint64_t offset, std::string_view tag);
-  /// Opens the list with this head, whose first `bytes` were written already, under `tag`.
+  /// Opens the list with this head under `tag`. The first `bytes` bytes of the list are already
+  /// written.
   void Open(const RecoverHead& head, std::string_view tag, std::uint64_t bytes, bool isTrusted);
   /// Writes `count` empty cells into the open plate setup, in place of the same number of lost
   /// cells.
   void AddEmptyCells(std::uint64_t offset, std::uint64_t count);
-  /// Sets the number of columns of a plate, for the cells that are made; 0 if it is not known.
+  /// Sets the number of columns of the plate, for new cells; 0 if it is not known.
   void SetColumns(std::uint16_t columns) { columns_ = columns; }
-  /// Writes the open list's tag anew where the damaged file has another.
+  /// Corrects the tag of the open list in the new document, if the tag is damaged in the file.
   void RightTag(const RecoverHead& head);
-  /// Counts a record in the list that is open.
+  /// Counts a record in the open list.
   void Count(std::string_view tag);
-  /// Closes the open plate, which already has its end record.
+  /// Closes the open plate, whose end record is already written.
   void ClosePlate();
   void CloseAll();
 
   bool IsInPlate() const;
   std::size_t Depth() const { return open_.size(); }
-  /// Whether data blocks may stand here: right in the document or in a plate.
+  /// Whether data blocks may be here: directly in the document or in a plate.
   bool IsAtTop() const { return open_.empty() || open_.back().isPlate; }
-  /// Tags that stand right in the document or the plate that is open.
+  /// The tags of the records directly in the document, or in the plate if one is open.
   const std::set<std::string>& TagsAtTop() const;
-  /// Whether the list that ends at `offset` is one that is open, by its declared length.
+  /// Whether an open list ends at `offset` by its declared length.
   bool EndsAt(std::uint64_t offset) const;
-  /// Whether `offset` is after the end of a list that is open.
+  /// Whether `offset` is after the declared end of an open list.
   bool IsPastEnd(std::uint64_t offset) const;
-  /// The tag of the list that is open; empty in the document itself.
+  /// The tag of the open list; empty if no list is open.
   std::string_view OpenTag() const {
     return open_.empty() ? "" : std::string_view(open_.back().tag);
   }
-  /// Records that the open list declares and that have not come; 0 when its end is not known.
+  /// The number of records that the open list still lacks; 0 if its declared end cannot be trusted.
   std::uint64_t Missing() const;
   std::uint64_t OpenEnd() const { return open_.empty() ? 0 : open_.back().end; }
-  /// The declared end of the outermost open list in the document or the plate; 0 when none is sure.
+  /// The declared end of the outermost open list in the document or in the plate; 0 if none can be
+  /// trusted.
   std::uint64_t OutermostEnd() const;
 
  private:
   struct List {
     std::string tag;
     std::uint64_t offset = 0;   // in the damaged file
-    std::uint64_t written = 0;  // where its head is in the new one
-    std::uint64_t end = 0;      // in the damaged file, as declared
-    std::uint32_t length = 0;   // as written
-    std::uint16_t count = 0;    // as written
+    std::uint64_t written = 0;  // offset of its head in the new document
+    std::uint64_t end = 0;      // declared end, in the damaged file
+    std::uint32_t length = 0;   // length that was written
+    std::uint16_t count = 0;    // count that was written
     std::uint64_t seen = 0;
-    bool isTrusted = false;  // its declared end is one
-    bool isMade = false;     // not in the damaged file
+    bool isTrusted = false;  // its declared end can be trusted
+    bool isMade = false;     // it is not in the damaged file
     bool isPlate = false;
     bool hasPlates = false;
-    std::set<std::string> tags;  // in a plate
+    std::set<std::string> tags;  // tags of the records in a plate
   };
 
   bool isComplete(const List& list, std::uint64_t offset, std::string_view tag,
@@ -105,7 +106,7 @@ class RecoverTree {
   std::uint64_t position_ = 0;
   std::uint16_t columns_ = 0;
   std::vector<List> open_;
-  std::set<std::string> tags_;  // in the document itself
+  std::set<std::string> tags_;  // tags of the records directly in the document
 };
 
 }  // namespace vex2::lab

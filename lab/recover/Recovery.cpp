@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::uint64_t kListFields = 2;
 constexpr std::uint64_t kCellFields = 7;
-// As deep as readers go: a record within so many lists is not read.
+// The depth limit of readers: they do not read a record that is nested deeper.
 constexpr std::size_t kDeepest = 63;
 
 bool isPlateHeader(RecoverSource& source, const RecoverHead& plate) {
@@ -56,7 +56,8 @@ RecoverReport Recovery::Run() {
   return report_;
 }
 
-// Behind the header, unless that is gone, bytes and all.
+// The offset of the first record: that of the end of the header, unless the bytes of the header are
+// missing from the file.
 std::uint64_t Recovery::firstRecord() {
   if (source_.Size() == HeaderLayout::kSize || HeadAt(source_, HeaderLayout::kSize))
     return HeaderLayout::kSize;
@@ -84,9 +85,10 @@ std::uint64_t Recovery::step(std::uint64_t offset) {
   return passGap(offset);
 }
 
-// A record that what follows it does not confirm is kept when its own numbers do: then it is what
-// follows that is damaged. A length that may be any is only wrong when whole records lie in it and
-// across its end, or when that is past the list's.
+// Whether to keep the record with this head. If its own numbers agree, the record is kept even if
+// no record follows: then the bytes after it are damaged. If its length can be any number, the
+// length is wrong only if whole records begin in the body and lead across its end, or if it leads
+// past the end of an open list.
 bool Recovery::isCredible(const RecoverHead& head) {
   if (tree_.Depth() > kDeepest) return false;
   if (head.HoldsRecords()) return isCredibleList(head);
@@ -103,7 +105,8 @@ bool Recovery::isCredibleList(const RecoverHead& head) {
   return (head.exact && head.DeclaredEnd() <= source_.Size()) || IsBoundary(source_, head.next);
 }
 
-// The numbers of a list lead to a record that stands in one: only its tag is damaged.
+// Finds a list of which only the tag is damaged: its numbers lead to a record that belongs into a
+// list. Sets `tag` to the tag that the list most likely had.
 std::optional<RecoverHead> Recovery::listWithoutTag(std::uint64_t offset, std::string& tag) {
   const auto length = source_.Long(offset + 4);
   if (!length || *length < kListFields) return std::nullopt;
@@ -133,8 +136,9 @@ std::optional<RecoverHead> Recovery::listWithoutTag(std::uint64_t offset, std::s
   return std::nullopt;
 }
 
-// The list that the record at the place of a list's first one stands in, the one whose tag is the
-// most like what is there; nothing when there is no such record, or another program's list.
+// The tag of a list into which its first record belongs. If there are several such tags, returns
+// the one that is most like the damaged tag. Returns nothing if there is no first record, or if the
+// list may be another program's.
 std::string_view Recovery::listAround(std::uint64_t offset, std::uint64_t fields) {
   const auto first = HeadAt(source_, offset + kRecordHeadSize + fields);
   if (!first || !first->exact) return {};
@@ -151,7 +155,7 @@ std::string_view Recovery::listAround(std::uint64_t offset, std::uint64_t fields
   return best;
 }
 
-// The end of the plate that is open, but for its tag.
+// Whether the end record of the open plate is at `offset`, with a damaged tag.
 bool Recovery::isPlateEnd(std::uint64_t offset) {
   constexpr std::uint32_t kEndLength = 4;
   return tree_.OpenTag() == TagOf(Kind::kPlate) &&
@@ -160,7 +164,8 @@ bool Recovery::isPlateEnd(std::uint64_t offset) {
          Likeness(source_, offset, TagOf(Kind::kEndOfPlate)) > 0;
 }
 
-// Only half of its length and its value are left, and what follows stands in no plate, or in any.
+// Whether only the second half of the length and the value are left of a plate's end record at
+// `offset`, and the next record belongs into the document or begins a plate.
 bool Recovery::isRestOfPlateEnd(std::uint64_t offset) {
   constexpr std::uint32_t kEndLength = 4;
   const std::uint64_t value = offset + kRecordHeadSize;
@@ -183,14 +188,14 @@ std::uint64_t Recovery::keepPlateEnd(std::uint64_t offset) {
   return offset + kRecordHeadSize + kValueSize;
 }
 
-// By its header, where that can be believed.
+// Whether the header is whole and says that the document is no study.
 bool Recovery::isNoStudy() const {
   constexpr std::string_view kStudy = Assay::kRelativeStudy.code;
   return IsHeaderWhole(header_) &&
          !std::equal(kStudy.begin(), kStudy.end(), header_.begin() + HeaderLayout::kAssayCodeAt);
 }
 
-// Whether an end of a plate comes before the begin of another.
+// Whether an end record of a plate follows `offset` before another plate begins.
 bool Recovery::endsInPlate(std::uint64_t offset) {
   constexpr int kMostHeads = 4096;
   for (int i = 0; i < kMostHeads; ++i) {
@@ -203,11 +208,12 @@ bool Recovery::endsInPlate(std::uint64_t offset) {
   return false;
 }
 
-// In the lists that were lost, and in a plate whose begin was.
+// Opens lists for a record with this tag, in place of those that were lost around it: also a plate
+// whose beginning was lost.
 void Recovery::wrap(std::uint64_t offset, std::string_view tag) {
   const bool isOutside = tree_.Depth() == 0;
   const bool isPlates = HomeOf(tag) == TagOf(Kind::kPlate);
-  // Where there should be no plates, their records may stand alone.
+  // If the document should have no plates, records that belong into plates may be directly in it.
   if (isOutside && (isPlates || !isNoStudy()) && endsInPlate(offset)) {
     tree_.Wrap(offset, TagOf(Kind::kPlateName));
   } else if (isOutside && isPlates && isNoStudy()) {
@@ -216,7 +222,7 @@ void Recovery::wrap(std::uint64_t offset, std::string_view tag) {
   tree_.Wrap(offset, tag);
 }
 
-// Brings the tree to where a record with that tag goes.
+// Closes and opens lists so that a record with this tag can be written.
 void Recovery::makeRoom(std::uint64_t offset, std::string_view tag) {
   tree_.Settle(offset, tag, afterLoss_);
   if (afterLoss_) wrap(offset, tag);
@@ -252,8 +258,8 @@ std::uint64_t Recovery::keepValue(const RecoverHead& head) {
   return head.next;
 }
 
-// A reader skips it, and what follows is found as before. In a plate, readers go through it four
-// bytes at a time, so that it stays only where they come out right.
+// Keeps a record with an unknown tag: a reader skips it and finds the next record. In a plate,
+// readers skip it four bytes at a time, so keep it only if they find the next record that way.
 std::uint64_t Recovery::keepUnknown(const RecoverHead& head) {
   if (head.next > source_.Size() || hidesRecords(head)) return passGap(head.offset);
   tree_.Settle(head.offset, "", false);
@@ -275,7 +281,8 @@ std::uint64_t Recovery::keepUnknown(const RecoverHead& head) {
   return head.next;
 }
 
-// Whether whole records lie in it that are not its own: it may be a list of another program's.
+// Whether whole records begin in the body that do not fill it exactly. If they fill it exactly, the
+// record may be a list that another program wrote.
 bool Recovery::hidesRecords(const RecoverHead& head) {
   const std::uint64_t body = head.offset + kRecordHeadSize;
   if (!FindHead(source_, head.offset + 1, head.next, head.next)) return false;

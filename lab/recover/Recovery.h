@@ -13,26 +13,28 @@
 
 namespace vex2::lab {
 
-/// Is told how many bytes of the damaged file are done.
+/// Called with the number of bytes of the damaged file that are processed.
 using RecoverProgress = std::function<void(std::uint64_t done)>;
 
-/// One recovery. It goes through the damaged file from front to back, once, but for looking ahead.
+/// One recovery. Goes through the damaged file once from front to back, and looks ahead where
+/// needed.
 class Recovery {
  public:
-  /// Recovers the damaged document `in`, open for reading, into the empty file `out`, open for
-  /// writing. `in`, `out` and `progress` must outlive the recovery.
+  /// `in` is the damaged document, open for reading. `out` must be empty and open for writing.
+  /// `in`, `out` and `progress` must outlive the recovery.
   Recovery(CFile& in, CFile& out, const RecoverProgress& progress)
       : source_(in), tree_(source_, out, report_), progress_(progress) {}
 
-  /// Puts together what is whole. What can be followed from record to record is copied byte for
-  /// byte; after what cannot, records are found again by their tags, and frames by the structure of
-  /// their block. Lists are given the counts and lengths of what is left in them, and what is left
-  /// of a list, plate or header that is gone is put in a new one. Takes time in proportion to the
-  /// file and little memory. Throws what the files throw.
+  /// Writes all that can be read to the new document. Copies records byte for byte as long as each
+  /// leads to the next. After damage, finds records by their tags, and frames by the structure of
+  /// their block. Gives lists the counts and lengths of what is left in them, and puts the rest of
+  /// a lost list, plate or header into a new one. Takes time in proportion to the size of the file,
+  /// and little memory. Passes on what `in`, `out` and `progress` throw.
   RecoverReport Run();
 
  private:
-  // A record to which the header holds the position.
+  // The offsets of a record, in the damaged file and in the new document. The header stores offsets
+  // of some records.
   struct Position {
     std::uint64_t begin = 0;
     std::uint64_t end = 0;
@@ -62,7 +64,7 @@ class Recovery {
   bool isRestOfPlateEnd(std::uint64_t offset);
   std::uint64_t keepPlateEnd(std::uint64_t offset);
 
-  // Bytes that are no record, and data blocks (RecoveryGaps.cpp)
+  // Data blocks, and bytes that are not records (RecoveryGaps.cpp)
   std::uint64_t passGap(std::uint64_t offset);
   std::uint64_t keepFound(RecoverBlock block, std::uint64_t from, std::uint64_t to);
   std::uint64_t keepBlock(RecoverBlock block);
@@ -83,10 +85,11 @@ class Recovery {
   RecoverSource source_;
   RecoverTree tree_;
   const RecoverProgress& progress_;
-  std::vector<std::uint8_t> header_;       // of the document, as it stands there
-  std::vector<std::uint8_t> plateHeader_;  // of the plate that is open, as written
+  std::vector<std::uint8_t> header_;       // header of the document in the damaged file
+  std::vector<std::uint8_t> plateHeader_;  // header of the open plate in the new document
   std::map<std::string, Position, std::less<>> positions_;
-  std::map<std::uint16_t, std::vector<std::uint16_t>> numbers_;  // of wells, by how many
+  // Well numbers of a block, by their count.
+  std::map<std::uint16_t, std::vector<std::uint16_t>> numbers_;
   bool afterLoss_ = false;
 };
 

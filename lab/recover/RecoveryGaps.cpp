@@ -34,11 +34,12 @@ void Recovery::lose(std::uint64_t from, std::uint64_t to, const std::string& wha
   if (from < to) report_.Lose(from, to - from, what);
 }
 
-// From a byte at which no record begins, to the next one that does.
+// Handles the bytes from `offset`, where no record begins, to the next record. Returns the offset
+// of that record.
 std::uint64_t Recovery::passGap(std::uint64_t offset) {
   tree_.Settle(offset, "", false);
   const std::uint64_t next = FindHead(source_, offset + 1, source_.Size()).value_or(source_.Size());
-  // A data block begins behind the lists, when their end is known.
+  // If the end of the open lists is known, a data block can begin only after that end.
   const std::uint64_t end = tree_.OutermostEnd();
   const std::uint64_t from = end > offset && end < next ? end : offset;
   afterLoss_ = true;
@@ -65,7 +66,8 @@ std::uint64_t Recovery::passGap(std::uint64_t offset) {
   return next;
 }
 
-// Cells stand for wells by their order: the ones behind a lost one keep their places.
+// Adds empty cells for lost ones. Cells belong to wells by their order, so the cells after the lost
+// ones would otherwise belong to other wells.
 void Recovery::fillCells(std::uint64_t offset, bool isCell) {
   const std::uint64_t missing = tree_.Missing();
   if (tree_.OpenTag() != TagOf(Kind::kPlateSetup) || missing == 0) return;
@@ -121,8 +123,8 @@ std::uint64_t Recovery::keepFound(RecoverBlock block, std::uint64_t from, std::u
   return to;
 }
 
-// A block whose numbers agree: all of its frames that are there, and whole ones behind them that a
-// recorder wrote and did not get to count.
+// Copies a block whose numbers agree: all of its frames in the file, and whole frames after its
+// declared end that a recorder wrote.
 std::uint64_t Recovery::keepBlock(RecoverBlock block) {
   makeRoom(block.offset, block.tag);
   const CommittedFrames committed = FindCommittedFrames(block.Range(source_.Size()));
@@ -178,7 +180,8 @@ void Recovery::note(const RecoverBlock& block) {
   numbers_[block.wells] = block.numbers;
 }
 
-// Of blocks before and behind, and as many wells as the plate has.
+// Likely numbers of wells for a lost block: those of the blocks before and after it, and of the
+// plate.
 std::vector<std::uint16_t> Recovery::likelyWellCounts(std::uint64_t from) {
   constexpr int kLookedAt = 48;
   std::vector<std::uint16_t> counts;
@@ -216,7 +219,8 @@ std::vector<std::uint16_t> Recovery::likelyNumbers(std::uint16_t wells) const {
   return used;
 }
 
-// Raw readings, unless there are some: then the reporting block whose tag is the most alike.
+// The likely tag of a block whose tag is lost: that of the raw readings, unless there is such a
+// block already. Otherwise the tag of a reporting block that is most like the damaged bytes.
 std::string Recovery::likelyTag(const RecoverBlock& block, std::uint64_t from) {
   std::string best(kDataBlockTags.front());
   int most = -1;

@@ -10,7 +10,8 @@
 
 namespace vex2::lab {
 
-// Last of all: what its records are says what a header lacks, and where they came to stand.
+// Completes the header. Called last, because it needs all records, and the offsets at which they
+// were written.
 void Recovery::finishHeader() {
   const bool isWhole = IsHeaderWhole(header_);
   report_.hasHeader = isWhole;
@@ -34,7 +35,8 @@ void Recovery::finishHeader() {
   tree_.Patch(0, header);
 }
 
-// A position is that of the tag while a run is recorded, and behind the record after a save.
+// The offset that the header should store for the record with this tag: that of the tag while a run
+// is recorded, and that of the end of the record after a save.
 std::uint32_t Recovery::rightPosition(std::uint32_t stored, std::string_view tag) {
   const auto found = positions_.find(tag);
   if (found == positions_.end()) return 0;

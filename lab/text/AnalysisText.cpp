@@ -29,7 +29,7 @@ std::string cycles(const std::optional<CycleRange>& range) {
   return range ? NumberText(range->first) + "-" + NumberText(range->last) : "";
 }
 
-// The reason in a word: the sentence with its numbers is in the other formats.
+// The reason in one word; the other formats have the sentence with its numbers.
 std::string shortNote(const CqResult& result) {
   if (result.reason == NoCq::kNoReadings) return result.note;
   if (result.reason) return std::string(NameOf(*result.reason));

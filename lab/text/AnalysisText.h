@@ -9,10 +9,10 @@
 
 namespace vex2::lab {
 
-/// Wells, detectors, relative quantities and findings of an analysis, for people.
+/// Wells, detectors, relative quantities and findings of an analysis, as text for users.
 std::string CqText(const CqAnalysis& analysis, const TextForm& form);
 
-/// The melting peaks, a line for each.
+/// The melting peaks, one line for each.
 std::string MeltText(const std::vector<MeltCurve>& curves, const TextForm& form);
 
 }  // namespace vex2::lab

@@ -11,10 +11,10 @@ namespace vex2::lab {
 
 namespace {
 
-// From nothing to a full block.
+// The blocks, from empty to full.
 constexpr std::array<const char*, 9> kBlocks = {" ", "▁", "▂", "▃", "▄", "▅", "▆", "▇", "█"};
 constexpr std::array<const char*, 9> kAsciiBlocks = {" ", "_", ".", "-", ":", "=", "+", "*", "#"};
-constexpr int kSteps = 8;  // of a block
+constexpr int kSteps = 8;  // a full block has this many steps
 constexpr std::size_t kWidestBar = 4;
 
 struct Range {
@@ -32,7 +32,8 @@ Range rangeOf(const std::vector<double>& values) {
   return range;
 }
 
-// How many of `steps` the value reaches; what is there at all reaches one.
+// The number of steps, out of `steps`, that the value reaches. A value above the least one reaches
+// at least one step.
 int levelOf(double value, const Range& range, int steps) {
   if (!std::isfinite(value) || range.most <= range.least) return 0;
   const double share = (value - range.least) / (range.most - range.least);
@@ -44,20 +45,20 @@ const char* block(int level, const TextForm& form) {
   return (form.IsAscii() ? kAsciiBlocks : kBlocks).at(static_cast<std::size_t>(level));
 }
 
-// Whole numbers that are not too long are shown as they are.
+// Whole numbers below a million are shown unchanged.
 std::string scaleNumber(double number) {
   constexpr double kLongest = 1e6;
   const bool isShort = number == std::floor(number) && std::abs(number) < kLongest;
   return isShort ? std::to_string(static_cast<long>(number)) : ShortNumber(number);
 }
 
-// What the bars of one chart have in common.
+// What all bars of one chart have in common.
 struct Bars {
   Range range;
   int height = 0;
   std::string top;
   std::string bottom;
-  std::size_t scale = 0;  // the columns to the left of the bars
+  std::size_t scale = 0;  // the number of columns to the left of the bars
   std::size_t bar = 1;
   std::size_t gap = 0;
 };
@@ -89,7 +90,7 @@ std::string drawn(const std::vector<double>& values, const Bars& bars, const Tex
     const std::string label = line == bars.height - 1 ? bars.top : line == 0 ? bars.bottom : "";
     chart += PadLeft(label, bars.scale - 1) + ' ' + form.Styled(row, TextForm::Style::kCyan) + '\n';
   }
-  // Numbers stand under their bars as far as there is room for them.
+  // A bar has its number below it if there is room.
   std::string numbers(bars.scale, ' ');
   for (std::size_t i = 0; i < values.size(); ++i) {
     const std::size_t at = bars.scale + i * (bars.bar + bars.gap);

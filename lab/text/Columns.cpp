@@ -30,7 +30,7 @@ std::string ToAscii(std::string_view utf8) {
       utf8.remove_prefix(1);
       continue;
     }
-    // The lead byte holds the fewer bits the more bytes there are.
+    // The more bytes follow, the fewer bits of the character are in the lead byte.
     std::uint32_t character = lead & (0x7FU >> length);
     for (std::size_t i = 1; i < length; ++i)
       character = character << 6U | (byteOf(utf8[i]) & 0x3FU);

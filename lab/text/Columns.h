@@ -6,20 +6,21 @@
 
 namespace vex2::lab {
 
-/// The columns that UTF-8 without control characters takes on a terminal; wide characters are
-/// counted as one, since there are none in Latin-1.
+/// The number of columns that UTF-8 without control characters takes on a terminal. Wide characters
+/// count as one column, since there are none in Latin-1.
 std::size_t Columns(std::string_view utf8);
-/// `utf8` cut to `width` columns, with `ellipsis` at the end then.
+/// `utf8` cut to `width` columns. If something is cut off, the result ends with `ellipsis`.
 std::string CutTo(std::string_view utf8, std::size_t width, std::string_view ellipsis);
-/// `text` with blanks after it, or before it, up to `width` columns.
+/// Fills `text` with blanks up to `width` columns: PadRight after the text, PadLeft before it.
 std::string PadRight(std::string text, std::size_t width);
 std::string PadLeft(std::string text, std::size_t width);
 
-/// `text` in lines that end within `width` columns; each but the first is `indent` columns in, and
-/// the first is taken to begin there. Words that are wider stay whole.
+/// Breaks `text` into lines of at most `width` columns. The first line continues a line that
+/// already has `indent` columns; the others are indented by as many. Words that are too wide are
+/// not broken.
 std::string Folded(std::string_view text, std::size_t indent, std::size_t width);
 
-/// `utf8` with other characters than ASCII as \uNNNN, or \UNNNNNNNN for those beyond 16 bits.
+/// `utf8` in ASCII: other characters become \uNNNN, or \UNNNNNNNN beyond 16 bits.
 std::string ToAscii(std::string_view utf8);
 
 }  // namespace vex2::lab

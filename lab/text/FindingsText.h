@@ -7,8 +7,8 @@
 
 namespace vex2::lab {
 
-/// What was found in the document at `file`, for people: a line for the document, and a paragraph
-/// for each finding. Notes are counted, and shown only `withNotes`.
+/// The findings in the document at `file`, as text for users: one line for the document, and one
+/// paragraph for each finding. Notes are always counted, but shown only if `withNotes`.
 std::string FindingsText(const std::string& file, const Findings& findings, bool withNotes,
                          const TextForm& form);
 

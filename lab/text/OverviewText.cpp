@@ -47,7 +47,8 @@ class Screen {
  private:
   static constexpr std::string_view kIndent = "  ";
   static constexpr std::size_t kLabelWidth = 20;
-  static constexpr std::size_t kNarrowIndent = 4;  // where labels are not beside the values
+  // Indent of values if the window is too narrow to have them beside the labels.
+  static constexpr std::size_t kNarrowIndent = 4;
   static constexpr std::size_t kNarrow = 60;
   static constexpr std::size_t kNoLimit = std::numeric_limits<std::size_t>::max();
 
@@ -63,7 +64,8 @@ class Screen {
              '\n';
   }
 
-  // Only what fills the screen on its own is left out, and where to have it is said.
+  // Shortens a value only if it would fill the screen by itself. Then it also says how to print the
+  // whole value.
   std::string shortened(const std::string& value) const {
     constexpr std::size_t kMostColumns = 2000;
     if (!form_.HasWidth() || Columns(value) <= kMostColumns) return value;
@@ -71,7 +73,7 @@ class Screen {
                        Counted(Columns(value), "character"), whole_.empty() ? "" : "; ", whole_);
   }
 
-  // As many lines as it takes to show the items.
+  // Writes the items on as many lines as they need.
   void lines(std::string_view label, const std::vector<std::string>& items,
              std::string_view separator = ", ", Style style = Style::kPlain) {
     const std::size_t width =
@@ -111,7 +113,7 @@ class Screen {
     if (faults.size() > kMost) line("", "and " + Counted(faults.size() - kMost, "more fault"));
   }
 
-  // "AbsQ: absolute quantification"; the code alone when its meaning is not known.
+  // "AbsQ: absolute quantification"; only the code if its meaning is not known.
   std::string explained(CodeField field, std::string_view code) const {
     const std::string meaning = CodeMeaning(field, code);
     return form_.Printable(code) + (meaning.empty() ? "" : ": " + meaning);
@@ -155,7 +157,8 @@ class Screen {
     return items;
   }
 
-  // The bytes, where nothing tells what date and time they are. All of them 0 are no time.
+  // The time as text. If its meaning is not known, the stored bytes; if these are all 0, there is
+  // no time.
   std::string timeText(const std::optional<std::string>& time,
                        const std::array<std::uint8_t, 6>& stored) const {
     if (time) return form_.Printable(*time);
@@ -165,7 +168,7 @@ class Screen {
     return shown;
   }
 
-  // A program that is text has its lines; of any other only the size is known.
+  // Prints the program if it is a text; otherwise only its size.
   void printProgram() {
     if (!plate_.programSize) return;
     if (!plate_.programText) {
@@ -178,7 +181,7 @@ class Screen {
     }
   }
 
-  // Texts have lines of their own; numbers share some.
+  // Prints each text on a separate line; numbers share lines.
   void printSettings() {
     std::vector<std::string> numbers;
     for (const auto& [key, value] : plate_.settings) {

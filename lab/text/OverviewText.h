@@ -9,18 +9,18 @@
 
 namespace vex2::lab {
 
-/// A document, or a plate of it, as a person reads it. `whole` tells where to read a value of which
-/// only the begin fits on a screen: "'vex get' prints it".
+/// A summary of a document, or of a plate in it, as text for users. `whole` tells users how to
+/// print a value that does not fit on a screen: "'vex get' prints it".
 std::string OverviewText(const DocumentOverview& overview, const TextForm& form,
                          std::string_view whole = {});
 
-/// Many documents, a line for each.
+/// A table of documents, one line for each.
 class OverviewListing {
  public:
   explicit OverviewListing(const TextForm& form) : form_(form) {}
 
   void Add(const DocumentOverview& overview);
-  /// Empty when there is none.
+  /// The table; empty if there are no documents.
   std::string Text() const;
 
  private:

@@ -16,7 +16,7 @@ constexpr std::array<Style, 6> kColours = {Style::kCyan,   Style::kGreen, Style:
                                            Style::kYellow, Style::kBlue,  Style::kRed};
 constexpr std::size_t kLeastCell = 2;
 
-// a to z, then aa, ab and so on.
+// The letters for an index, from 0: a to z, then aa, ab and so on.
 std::string letters(std::size_t index) {
   std::string text;
   for (++index; index > 0; index = (index - 1) / 26) {
@@ -25,7 +25,7 @@ std::string letters(std::size_t index) {
   return text;
 }
 
-// The different texts in the order in which they first appear.
+// The different texts, in the order in which they first appear.
 class Values {
  public:
   explicit Values(const std::vector<std::string>& texts) {
@@ -58,11 +58,11 @@ class Values {
 
 std::string rowName(unsigned row) {
   std::string name = WellName(row + 1, 1);
-  name.pop_back();  // the column, which is 1
+  name.pop_back();  // removes the column, which is 1
   return name;
 }
 
-// What the letters stand for, side by side as far as there is room.
+// The meaning of the letters, with several entries on a line if there is room.
 std::string legend(const Values& values, const TextForm& form) {
   std::vector<std::string> entries;
   std::size_t widest = 0;
@@ -89,15 +89,15 @@ std::string legend(const Values& values, const TextForm& form) {
   return text;
 }
 
-/// How the cells of a plate are drawn: what stands in them, how wide they are, and how many
-/// columns of the plate stand side by side.
+/// How a plate is drawn: letters or texts in the cells, the width of a cell, and the number of
+/// columns of the plate side by side.
 struct Cells {
   bool usesLetters = false;
   std::size_t width = kLeastCell;
   unsigned columns = 0;
 };
 
-// As many columns as fit, in groups of about the same size.
+// The number of columns side by side: as many as fit, divided into groups of about the same size.
 unsigned columnsPerGroup(unsigned columns, std::size_t room, std::size_t cell) {
   const std::size_t fitting = std::max<std::size_t>(1, room / (cell + 1));
   if (fitting >= columns) return columns;
@@ -107,7 +107,8 @@ unsigned columnsPerGroup(unsigned columns, std::size_t room, std::size_t cell) {
 
 Cells cellsOf(const PlateLayout& plate, const Values& values, std::size_t nameWidth,
               const TextForm& form) {
-  // In a file texts are better than letters, as long as some columns stand side by side.
+  // If the output has no fixed width, letters replace the texts only if fewer than this many
+  // columns fit side by side.
   constexpr unsigned kLeastColumns = 4;
   Cells cells;
   const std::size_t width = form.PlateWidth();
@@ -146,7 +147,7 @@ class Grid {
   }
 
  private:
-  // The columns from `first` up to before `end`, counted from 0.
+  // The columns from `first` to below `end`, counted from 0.
   std::string group(unsigned first, unsigned end) const {
     std::string drawn = std::string(nameWidth_, ' ');
     for (unsigned column = first; column < end; ++column) {

@@ -8,10 +8,11 @@
 
 namespace vex2::lab {
 
-/// The plate as it lies on the bench, a line for each row of wells. `texts` has one for each well,
-/// as UTF-8, empty where nothing stands. Where they are too wide, letters stand for them, and a
-/// list after the plate says what for; where those are too wide, too, some columns of the plate
-/// stand below others. Each text has a colour of its own as long as there are colours.
+/// Draws a plate with one line for each row of wells. `texts` has one UTF-8 text for each well,
+/// empty for an empty well. If the texts are too wide, letters stand for them, and a list after the
+/// plate gives their meaning. If the letters are too wide as well, the columns of the plate are
+/// divided into groups, one below the other. Each text has a different colour as long as there are
+/// enough colours.
 std::string DrawPlate(const PlateLayout& plate, const std::vector<std::string>& texts,
                       const TextForm& form);
 

@@ -32,7 +32,7 @@ std::string ReadingsTable(const FrameView& view, const TextForm& form) {
   return DrawTable(names, rows, form);
 }
 
-// What leading values 0 and 4 are is known of any document.
+// The meaning of leading values 0 and 4 is known for any document.
 std::string StoredTable(const FrameView& view, const TextForm& form) {
   const std::size_t count = view.DataColumns();
   std::vector<std::string> names = {"well", "set", "l1", "l2", "l3", "first", "l5", "l6", "l7"};
@@ -59,7 +59,7 @@ std::string ReadingsGrid(const FrameView& view, std::size_t field, const TextFor
   for (std::uint32_t row = 0; row < view.rows; ++row) {
     rows.emplace_back(names.size(), kNothing);
     rows.back().front() = WellName(row * columns + 1, columns);
-    rows.back().front().pop_back();  // the column, which is 1
+    rows.back().front().pop_back();  // removes the column, which is 1
   }
   for (std::size_t i = 0; i < view.wells.size(); ++i) {
     const std::uint32_t place = view.wells[i] - 1U;

@@ -7,8 +7,8 @@
 
 namespace vex2::lab {
 
-/// A few words about the record and what it holds, for people, read from the open `file`, in at
-/// most `width` columns.
+/// A short description of the record and its value for users, read from the open `file`, in at most
+/// `width` columns.
 std::string DescribeRecord(CFile& file, const FileRecord& record, std::size_t width,
                            const TextForm& form);
 

@@ -8,8 +8,9 @@
 
 namespace vex2::lab {
 
-/// Tells a person what became of the damaged document at `source`, now at `target`. `all` is what
-/// tells of all places where there are too many for a screen: "--json".
+/// The report of the recovery from the document at `source` to `target`, as text for users. `all`
+/// is the option that prints all losses: "--json". The text names it if there are more losses than
+/// fit on a screen.
 std::string RecoverText(const RecoverReport& report, const std::string& source,
                         const std::string& target, const TextForm& form, std::string_view all);
 

@@ -34,7 +34,7 @@ Row spectrumRow(const CalibrationEntry& entry, const std::string& part, const Te
           Sparkline(numbers, form)};
 }
 
-// What people look for first; the rest is for programs.
+// The fields that users look for first. The other formats have the rest.
 Row detectorRow(const Vex2Detector& detector, const TextForm& form) {
   const auto shown = [&](const CString& text) { return form.Printable(ToUtf8(text.View())); };
   const auto automatic = [](std::int32_t on) { return on != 0 ? "auto " : ""; };
@@ -66,7 +66,7 @@ const std::string& fieldOf(const WellRow& row, WellField field) {
   return field == WellField::kTask ? row.task : row.target;
 }
 
-// One text for each well: what its rows say, one after the other.
+// One text for each well. If a well has several rows, their texts are joined.
 std::vector<std::string> wellTexts(const PlateContents& contents, WellField field,
                                    const TextForm& form) {
   std::vector<std::string> texts(contents.plate.WellCount());

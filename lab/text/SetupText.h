@@ -10,21 +10,21 @@
 
 namespace vex2::lab {
 
-/// The spectra of a calibration, a line for each with a small drawing of it.
+/// The spectra of a calibration, one line for each, with a small drawing.
 std::string CalibrationText(const Calibration& calibration, const TextForm& form);
 
-/// What people look for first in detectors, a line for each.
+/// The fields of detectors that users look for first, one line for each detector.
 std::string DetectorsText(const std::vector<Vex2Detector>& detectors, const TextForm& form);
 
-/// What a plate shows of its wells.
+/// The field of the wells to show.
 enum class WellField { kSample, kDetector, kTask };
 
-/// The plate with what its wells hold, and a line above that counts it. Where a well has several
-/// texts, they stand one after the other. `name` is what the line calls the field.
+/// A plate with the field `field` of each well, and above it a line with the numbers of wells and
+/// detectors. If a well has several rows, their texts are joined. The line calls the field `name`.
 std::string WellsText(const PlateContents& contents, WellField field, const std::string& name,
                       const TextForm& form);
 
-/// The plates of the study at `path`, a line for each.
+/// The plates of the study at `path`, one line for each.
 std::string StudyText(const std::string& path, const std::vector<StudyPlate>& plates,
                       const TextForm& form);
 

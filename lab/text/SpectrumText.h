@@ -8,8 +8,8 @@
 
 namespace vex2::lab {
 
-/// The readings of the well `well` in the frame `frame`, from 0, of the document at `path`: a
-/// drawing, and the numbers below it.
+/// The readings of `well` in frame `frame`, from 0, of the document at `path`: a drawing with the
+/// numbers below it.
 std::string SpectrumText(const WellSpectrum& spectrum, const std::string& path,
                          const std::string& well, std::int64_t frame, const TextForm& form);
 

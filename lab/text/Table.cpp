@@ -41,7 +41,7 @@ class Table {
   }
 
  private:
-  // The columns that stand side by side, the first in each group.
+  // Divides the columns into groups that fit side by side. Each group begins with the first column.
   std::vector<std::vector<std::size_t>> grouped(std::size_t width) const {
     const std::size_t first = shown_.front();
     std::vector<std::vector<std::size_t>> groups = {{first}};
@@ -69,7 +69,7 @@ class Table {
     std::size_t used = 0;
     for (const std::size_t column : group) {
       const std::string& field = row[column];
-      // Only a column that is alone beside the first can be too wide.
+      // Only a column that is alone with the first one in its group can be too wide.
       if (used + widths_[column] > width && column != group.front()) {
         text += Folded(field, used, width);
       } else {
@@ -83,7 +83,7 @@ class Table {
     return text;
   }
 
-  // The first column as a heading, the others in lines below it.
+  // Draws each row as a heading with the first column, and the other columns in lines below it.
   std::string stacked(std::size_t width) const {
     std::string text;
     for (const Row& row : rows_) {

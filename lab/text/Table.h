@@ -8,10 +8,10 @@
 
 namespace vex2::lab {
 
-/// Rows of texts, UTF-8, as columns side by side under their names. Columns without any text are
-/// left out. Where they are too wide, some stand below others, each time after the first column,
-/// and a text that is wider by itself is folded: none is cut. `numbers` are the columns, from 0,
-/// that end under one another.
+/// Draws rows of UTF-8 texts as a table with column names. Columns without any text are left out.
+/// If the columns are too wide together, they are divided into groups, one below the other, each
+/// beginning with the first column. A text that is too wide by itself is broken into lines; none is
+/// cut. `numbers` are the indexes, from 0, of the columns that are aligned to the right.
 std::string DrawTable(const std::vector<std::string>& names,
                       const std::vector<std::vector<std::string>>& rows, const TextForm& form,
                       const std::set<std::size_t>& numbers = {});

@@ -11,7 +11,7 @@
 namespace vex2::lab {
 
 std::size_t TextForm::TextWidth() const {
-  // Leaves room for arithmetic on widths.
+  // Half of the largest number, so that sums of widths do not overflow.
   constexpr std::size_t kNoLimit = std::numeric_limits<std::size_t>::max() / 2;
   return HasWidth() ? Width() : kNoLimit;
 }
@@ -36,7 +36,7 @@ std::string TextForm::Printable(std::string_view text) const {
 }
 
 std::string TextForm::Shown(std::string_view latin1, std::size_t width) const {
-  // A hostile text may be very long: what cannot be seen is not worked on.
+  // A malicious text may be very long, so convert only the part that is visible.
   const std::string text = Printable(ToUtf8(latin1.substr(0, width)));
   constexpr std::size_t kQuotes = 2;
   if (latin1.size() <= width && Columns(text) + kQuotes <= width) return '"' + text + '"';
@@ -49,7 +49,7 @@ std::string TextForm::CutTo(std::string_view utf8, std::size_t width) const {
 
 std::string TextForm::Wrapped(std::string_view text, std::size_t indent) const {
   if (!HasWidth()) return std::string(text);
-  // Longer lines are no easier to read, whatever the window.
+  // Longer lines are not easier to read, even in a wider window.
   constexpr std::size_t kWidest = 100;
   return Folded(text, indent, std::min(Width(), kWidest));
 }

@@ -38,7 +38,8 @@ void TreeText::Finish(std::uint64_t size) {
        << form_.Styled("bytes that are no record", Style::kYellow) << '\n';
 }
 
-// Printed with the first record, so that an error without records has no heading.
+// Writes the heading with the first record, so that there is no heading if an error occurs before
+// it.
 void TreeText::writeHead() {
   if (hasHead_) return;
   hasHead_ = true;
@@ -48,11 +49,11 @@ void TreeText::writeHead() {
        << '\n';
 }
 
-// The words about the record, beside it or, where there is no room, below it.
+// The description of the record, beside it or, if there is no room, below it.
 std::string TreeText::described(const FileRecord& record, CFile& file, std::size_t taken) const {
   constexpr std::size_t kLeastRoom = 24;
   constexpr std::size_t kBelow = 4;
-  // What would fill the screen on its own is for programs.
+  // The longest description. A longer one would fill the screen, and `--json` prints it.
   constexpr std::size_t kMost = 2000;
   const std::size_t width = form_.TextWidth();
   const std::string words = DescribeRecord(file, record, std::max(width, kMost), form_);

@@ -12,12 +12,12 @@ namespace vex2::lab {
 /// Writes a line for each record that it visits, indented by its depth.
 class TreeText final : public RecordVisitor {
  public:
-  /// `end` is where the records end that can be read. All must outlive the visitor.
+  /// `end` is the offset at which the readable records end. All arguments must outlive the visitor.
   TreeText(std::ostream& out, std::uint64_t end, const TextForm& form)
       : out_(out), form_(form), end_(end) {}
 
   void Begin(const FileRecord& record, CFile& file) override;
-  /// Writes what there is after the last record, up to `size`.
+  /// Writes a line about the bytes after the last record, up to `size`.
   void Finish(std::uint64_t size);
 
  private:

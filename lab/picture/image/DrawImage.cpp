@@ -10,10 +10,10 @@ namespace {
 
 using vex2::lab::TakeBytes;
 
-constexpr double kWidth = 960;  // of the SVG
+constexpr double kWidth = 960;  // width of the SVG
 constexpr double kHeight = 600;
-constexpr int kPixels = 2;        // for each unit
-constexpr double kPoints = 0.75;  // of a unit, which is 1/96 inch
+constexpr int kPixels = 2;        // pixels per unit
+constexpr double kPoints = 0.75;  // points per unit of 1/96 inch
 
 struct Sink {
   TakeBytes* take = nullptr;
