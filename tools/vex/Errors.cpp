@@ -14,7 +14,7 @@ MessageForm& messageForm() {
   return form;
 }
 
-// One write, so that lines of several programs do not mix.
+// Writes the line in one call, so that lines of several programs do not mix.
 void writeLine(const std::string& line) {
   std::cout.flush();
   std::cerr << (line + "\n") << std::flush;
@@ -25,7 +25,7 @@ std::string oneLine(const nlohmann::ordered_json& object) {
                      nlohmann::ordered_json::error_handler_t::replace);
 }
 
-// What the user can do, by the names of commands and options.
+// The remedy, in terms of commands and options.
 std::string_view textOf(ErrorRemedy remedy) {
   switch (remedy) {
     case ErrorRemedy::kNone:
@@ -76,7 +76,7 @@ std::string_view textOf(ErrorRemedy remedy) {
   return {};
 }
 
-// The library says what to do in terms of its own.
+// The library names its own functions in a remedy; this names the options of the command instead.
 Error inTermsOfTheCommand(const Error& error) {
   if (error.Remedy() == ErrorRemedy::kNone) return error;
   const std::string message =

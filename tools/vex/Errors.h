@@ -9,40 +9,40 @@
 
 namespace vex2::tool {
 
-/// What the command answers to the shell.
+/// The exit code of the command.
 enum class ExitCode : int {
   kDone = 0,
-  kDocument = 1,       ///< a document, or another file that was read, is at fault
-  kUsage = 2,          ///< the call is at fault: arguments, or paths that lead nowhere
-  kSystem = 3,         ///< the system is at fault: disk, memory, locks
-  kInterrupted = 130,  ///< the user ended it; what shells know as the answer to Ctrl-C
+  kDocument = 1,       ///< a problem in a document or in another file that was read
+  kUsage = 2,          ///< a usage error: wrong arguments, or a path that does not exist
+  kSystem = 3,         ///< a system error: disk, memory, locks
+  kInterrupted = 130,  ///< the user interrupted it; shells use this code for Ctrl-C
 };
 
-/// What the command answers after such an error.
+/// The exit code after an error of this class.
 ExitCode ExitCodeOf(ErrorClass errorClass);
 inline ExitCode ExitCodeOf(const Error& error) {
   return ExitCodeOf(error.Class());
 }
 
-/// In which form errors and notes are written.
+/// The form in which errors and notes are written.
 enum class MessageForm { kText, kJson };
-/// Chooses the form of all further messages; text until then.
+/// Sets the form of all further messages. The form is text until this is called.
 void SetMessageForm(MessageForm form);
 
 /// Writes the error to standard error: as the line "vex: WHAT", or as an object
 /// {"error":{"code":...,"file":...,"offset":...,"message":...,"exit_code":...}}.
 void PrintError(const Error& error);
 
-/// Writes "vex: TEXT" to standard error, for what a user should know besides; as JSON it is an
-/// object {"note":{"message":...}}.
+/// Writes the note "vex: TEXT" to standard error, or as JSON the object {"note":{"message":...}}.
 void PrintLine(std::string_view text);
-/// The same, and nothing for an empty text.
+/// Writes the note "vex: TEXT" as `PrintLine` does, but nothing if the text is empty.
 void PrintIfAny(std::string_view text);
 
-/// What the user types for the operations that findings advise.
+/// The names of the commands that findings advise, as the user types them.
 OperationNames NamesOfCommands();
 
-/// `Escaped` for a screen: where that is an ASCII one, other characters are shown as \uNNNN.
+/// Returns `Escaped(text)` for a terminal. If the terminal shows only ASCII, other characters
+/// become \uNNNN.
 std::string Printable(std::string_view text);
 
 }  // namespace vex2::tool

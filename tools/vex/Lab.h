@@ -2,7 +2,7 @@
 
 namespace vex2::lab {}
 
-/// The command. It is written in the terms of the library for laboratories.
+/// The command. It uses the names of `vex2::lab` without a prefix.
 namespace vex2::tool {
 
 using namespace lab;

@@ -71,7 +71,8 @@ CLI::Validator isGiven() {
 template <typename Value>
 Option Options::Add(const std::string& name, Value& value, const std::string& help) {
   CLI::Option* option = app_->add_option(name, value, help);
-  // An empty text is a variable of a script that is not set, and must not be as no option at all.
+  // An empty value usually comes from an unset variable in a script. Reject it, so that it is not
+  // treated as if the option were absent.
   if constexpr (std::is_same_v<Value, std::string>) option->check(isGiven());
   return Option(*option);
 }

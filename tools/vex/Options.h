@@ -12,20 +12,20 @@ class Option;
 
 namespace vex2::tool {
 
-/// One option of a command, or one argument, as `Options` added it. Each operation answers the
-/// option itself.
+/// One option or argument of a command that `Options` added. Each operation returns the option, so
+/// that calls can be chained.
 class Option {
  public:
   explicit Option(CLI::Option& option) : option_(&option) {}
 
-  /// What stands for its value in the help; nothing where its name says it all.
+  /// Sets the placeholder for the value in the help; empty for no placeholder.
   Option& Show(const std::string& placeholder);
-  /// The heading of the help under which it stands.
+  /// Sets the heading under which the help lists the option.
   Option& Group(const std::string& heading);
   Option& Require();
-  /// It may stand without a value, and then is an empty text.
+  /// Allows the option without a value; the value is then an empty text.
   Option& MayBeAlone();
-  /// It takes one value or more.
+  /// Lets the option take one or more values.
   Option& TakeSeveral();
   Option& Exclude(const Option& other);
   Option& AllowOnly(const std::vector<std::string>& values);
@@ -37,20 +37,22 @@ class Option {
   CLI::Option* option_;
 };
 
-/// The command line of one command, for commands to say what they take. It keeps the library that
-/// reads command lines out of their sources, of which it would take most of the time of compiling.
+/// The command line of one command. Commands declare their options and arguments with it. They do
+/// not include the command-line library themselves, because its headers would take most of their
+/// compile time.
 class Options {
  public:
   explicit Options(CLI::App& app) : app_(&app) {}
 
-  /// `name` is "-o,--option" for an option and "ARGUMENT" for an argument. `value` keeps what it
-  /// holds when the option is not given, and must live until the command line was read. Which types
-  /// it may have is listed in Options.cpp: texts, lists of texts and numbers.
+  /// Adds an option, whose `name` is like "-o,--option", or an argument, whose `name` is like
+  /// "ARGUMENT". `value` is unchanged if the option is absent, and must exist until the command
+  /// line was parsed. Options.cpp lists the possible types: texts, lists of texts and numbers.
   template <typename Value>
   Option Add(const std::string& name, Value& value, const std::string& help);
   Option AddFlag(const std::string& name, bool& value, const std::string& help);
 
-  /// Puts paragraphs before, or behind, what else there is below the list of options.
+  /// `PutFirst` adds paragraphs directly below the list of options in the help, `PutLast` at the
+  /// end of the help.
   void PutFirst(const std::string& text);
   void PutLast(const std::string& text);
 

@@ -10,25 +10,26 @@ namespace vex2::tool {
 
 class Options;
 
-/// What all commands take that analyse runs.
+/// The options of all commands that analyse runs.
 struct AnalysisOptions {
   std::optional<std::string> detector;
   std::optional<std::string> plate;
   std::string format = "table";  ///< or "csv", "json"
 
   void AddTo(Options& options);
-  /// The document at `path`, or the plate of it that was asked for.
+  /// Opens the document at `path`, or the plate in it that --plate names.
   RunReader Open(const std::string& path) const;
 };
 
-/// Throws an error that says what could not be read of the document, when that is something; to be
-/// called when the rest was shown.
+/// Throws an error that describes what could not be read, unless the whole document was read. Call
+/// this after everything else was printed.
 void RequireWhole(const RunReader& run);
 
-/// The error of work on the run, and what could not be read of the document, when that may be why.
+/// Returns `error`, extended by what could not be read of the document if that may be the cause.
 Error WithDamage(const RunReader& run, const Error& error);
 
-/// What `work` answers, which analyses the run. Its errors say what could not be read as well.
+/// Returns the result of `work`, which analyses the run. If it throws, the error also describes
+/// what could not be read of the document.
 template <typename Work>
 auto OrDamage(const RunReader& run, const Work& work) {
   try {

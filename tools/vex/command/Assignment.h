@@ -19,8 +19,8 @@ class Assignments {
   Assignments(std::string file, std::string call)
       : file_(std::move(file)), call_(std::move(call)) {}
 
-  /// The one of `fields` that `word` names, and the value that it gives. `unknown` is the error for
-  /// a name that none has, and `sentence` says so.
+  /// Returns the field that `word` ("KEY=VALUE") names, and the value. If no field has that name,
+  /// throws an error with the code `unknown` and the text of `sentence`.
   template <typename Field, typename Sentence>
   std::pair<const Field*, std::string> Parse(const std::string& word,
                                              const std::vector<Field>& fields, ErrorCode unknown,
@@ -39,14 +39,14 @@ class Assignments {
     throw Error(unknown, file_, sentence(key) + (hint.empty() ? seeHelp() : hint));
   }
 
-  /// The error for a value that the field does not take.
+  /// Throws the error for a value that the field does not accept.
   template <typename Field>
   [[noreturn]] void RefuseValue(const Field& field, const std::string& value) const {
     Refuse(fmt::format("{} cannot be '{}': it takes {}", field.key, value,
                        field.takes == "text" ? "a text of Latin-1 characters" : field.takes));
   }
 
-  /// An error of the call that leads to the command's help.
+  /// Throws a usage error that refers to the help of the command.
   [[noreturn]] void Refuse(const std::string& why) const {
     throw Error(ErrorCode::kInvalidValue, file_, why + seeHelp());
   }
@@ -58,7 +58,7 @@ class Assignments {
   std::string call_;
 };
 
-/// The lines of a help that list the fields, in two columns.
+/// The lines in a help text that list the fields, in two columns.
 template <typename Field>
 std::string FieldLines(const std::vector<Field>& fields, int width) {
   std::string text;

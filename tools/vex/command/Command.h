@@ -9,13 +9,13 @@
 
 namespace vex2::tool {
 
-/// One of the things that `vex` can do. It lives as long as the call.
+/// One command of `vex`. It exists until the process ends.
 class Command {
  public:
   struct Description {
-    std::string name;      ///< as it is typed
-    std::string summary;   ///< a sentence
-    std::string examples;  ///< command lines, each on a line of its own
+    std::string name;      ///< as the user types it
+    std::string summary;   ///< one sentence
+    std::string examples;  ///< command lines, separated by line breaks
   };
 
   explicit Command(Description description) : description_(std::move(description)) {}
@@ -25,17 +25,17 @@ class Command {
 
   const Description& Describe() const { return description_; }
 
-  /// Adds the arguments and options to the command's own part of the command line.
+  /// Adds the arguments and options of the command to `options`.
   virtual void AddOptions(Options& options) = 0;
-  /// Does it, once the command line was parsed. Throws `Error`; answers another code than kDone
-  /// only when it went on after an error that it printed itself.
+  /// Runs the command after the command line was parsed. Throws `Error`. Returns a code other than
+  /// kDone only if the command printed an error itself and continued.
   virtual ExitCode Run() = 0;
 
  private:
   Description description_;
 };
 
-/// A command that does several things, each by a command of its own behind its name.
+/// A command with subcommands, such as 'vex study'.
 class CommandGroup final : public Command {
  public:
   CommandGroup(Description description, std::vector<std::unique_ptr<Command>> actions)

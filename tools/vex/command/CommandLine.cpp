@@ -39,7 +39,7 @@ std::vector<std::unique_ptr<Command>> MakeCommands() {
 
 namespace {
 
-constexpr std::string_view kHelpCommand = "help";  // which tells of all
+constexpr std::string_view kHelpCommand = "help";  // it needs the options of all commands
 constexpr const char* kSummary = "Plate documents of a real-time PCR instrument.";
 constexpr const char* kFooter =
     "Exit codes: 0 success, 1 problem in a document, 2 usage error, 3 system error,\n"
@@ -56,14 +56,15 @@ std::string exampleText(const std::string& examples) {
   return text;
 }
 
-// The help's left column, so wide that what is explained beside it ends within 80 columns.
+// Formats the help with a left column of `width`, such that the explanations beside it end within
+// 80 columns.
 std::shared_ptr<CLI::Formatter> withColumn(std::size_t width) {
   auto formatter = std::make_shared<CLI::Formatter>();
   formatter->column_width(width);
   return formatter;
 }
 
-// A mistake in the command line is told as JSON, too, where that was asked for.
+// Whether the command line asks for JSON, so that its own errors are printed as JSON, too.
 bool asksForJson(int argumentCount, const char* const* arguments) {
   for (int i = 1; i < argumentCount; ++i) {
     const std::string_view word = arguments[i];
@@ -84,7 +85,7 @@ void parse(CLI::App& app, int argumentCount, const char* const* arguments) {
   }
 }
 
-// Prints what was asked for in place of a command.
+// Prints the help or the version if it was asked for instead of a command.
 void answer(const CLI::App& app, const CLI::Success& success) {
   const bool isVersion = dynamic_cast<const CLI::CallForVersion*>(&success) != nullptr;
   std::cout << (isVersion ? VersionText() : HelpText(ChosenApp(app), ChosenCommand(app)));
@@ -95,8 +96,9 @@ ScreenOptions& screenOptions() {
   return options;
 }
 
-// Makes a command a part of `app`'s command line, with its help. One that cannot be meant is known
-// by its name alone: the options of all commands take longer than to show a document.
+// Adds a command to the command line of `app`, with its options and help. If the command cannot be
+// the one that was typed (`canBeMeant` is false), adds only its name: adding the options of all
+// commands takes longer than showing a document.
 void addCommand(CLI::App& app, Command& command, bool canBeMeant = true) {
   const auto& [name, summary, examples] = command.Describe();
   CLI::App* part = app.add_subcommand(name, summary);
@@ -108,7 +110,7 @@ void addCommand(CLI::App& app, Command& command, bool canBeMeant = true) {
   if (part->get_require_subcommand_min() == 0) screenOptions().AddTo(options);
 }
 
-// Runs the one of `commands` that was given to `app`.
+// Runs the command that was typed.
 ExitCode runCommand(const CLI::App& app, const std::vector<std::unique_ptr<Command>>& commands) {
   for (const auto& command : commands) {
     if (app.got_subcommand(command->Describe().name)) return command->Run();
@@ -116,8 +118,8 @@ ExitCode runCommand(const CLI::App& app, const std::vector<std::unique_ptr<Comma
   return ExitCode::kUsage;
 }
 
-// "vex ... run.vex >> run.vex": the shell has opened the document to append to it, and what the
-// command prints would stand behind the run.
+// Refuses calls like "vex ... run.vex >> run.vex": the shell has opened the document for appending,
+// and the output of the command would be written after the run.
 void requireOutputApart(int argumentCount, const char* const* arguments) {
   struct stat output {};
   if (::fstat(STDOUT_FILENO, &output) != 0 || !S_ISREG(output.st_mode) || output.st_size == 0) {

@@ -80,7 +80,7 @@ class CqCommand final : public Command {
     isFirst_ = false;
   }
 
-  // Of several documents each row has the path in front, of a study the plate.
+  // With several documents, each row begins with the path; with a study, with the plate.
   void printCsv(const std::string& file, bool isStudy, const CqAnalysis& analysis) {
     CsvWriter csv(std::cout, hasSeveral_);
     const auto row = [&](const std::string& front, const std::string& plate,

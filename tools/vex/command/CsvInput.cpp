@@ -11,8 +11,8 @@ namespace vex2::tool {
 
 namespace {
 
-// Most tables have columns that nobody asked for. That they are not in the document is told, so
-// that no one looks for a second channel there.
+// Many tables have columns that are not used. Report them, so that nobody expects, for example, a
+// second channel in the document.
 void tellUnused(const std::string& file, const std::vector<std::string>& columns) {
   constexpr std::size_t kMostNamed = 12;
   std::string names;

@@ -10,19 +10,20 @@ namespace vex2::tool {
 
 class Options;
 
-/// The options of every command that reads CSV: how its files are written where they do not say so
-/// themselves.
+/// The options of every command that reads CSV. They describe the format of the files where it
+/// cannot be recognised from the content.
 class CsvInput {
  public:
-  /// Adds --columns, --encoding, --delimiter and --decimal. They must live until the command line
-  /// was read.
+  /// Adds --columns, --encoding, --delimiter and --decimal. This object must exist until the
+  /// command line was parsed.
   void AddOptions(Options& options);
 
-  /// What was given, for a file of these columns. Throws an error of the call when --columns has
-  /// one that the file has not.
+  /// The format that the options give for a file with these columns. Throws a usage error if
+  /// --columns names a column that is not among them.
   CsvFormat Format(const std::vector<std::string_view>& columns) const;
-  /// What was given, for another file, whose columns' names `option` gave: COLUMN=NAME with commas
-  /// between. Throws an error of the call when it has one that the file has not.
+  /// The format that the options give for another file, for which `option` gave `names`:
+  /// COLUMN=NAME, separated by commas. Throws a usage error if `names` contains a column that is
+  /// not among `columns`.
   CsvFormat Format(const std::vector<std::string_view>& columns, const std::string& names,
                    const std::string& option) const;
 

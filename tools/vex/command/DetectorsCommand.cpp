@@ -59,7 +59,7 @@ class DetectorsCommand final : public ListingCommand {
       if (!stored || !plate.RemoveDetectorInfo(CString(*stored))) {
         throw Error(ErrorCode::kUsage, file_, fmt::format("it has no detector '{}'", name));
       }
-      // A well keeps the target's name, but nothing tells its reporter any more.
+      // A well keeps the name of the removed detector, but its reporter is then unknown.
       const std::size_t wells = contents.WellsOf(*stored).size();
       report += wells == 0
                     ? fmt::format("removed {}\n", Printable(name))
@@ -91,7 +91,7 @@ class DetectorsCommand final : public ListingCommand {
  private:
   using Fields = std::vector<std::pair<const DetectorField*, std::string>>;
 
-  // What was given, a list for each detector.
+  // The given fields, one list for each detector.
   std::vector<Fields> additions() const {
     std::vector<Fields> result;
     for (const std::string& word : words_) {
@@ -128,7 +128,7 @@ class DetectorsCommand final : public ListingCommand {
     return fmt::format("{} {}\n", before != known.end() ? "changed" : "added", Printable(name));
   }
 
-  // Numbers that come back from the detector otherwise than they were given.
+  // Reports the numbers that the detector stores rounded; refuses them with --exact.
   void tellRounding(const Vex2Detector& detector, const Fields& fields) const {
     for (const auto& [field, value] : fields) {
       const Value stored = field->get(detector);

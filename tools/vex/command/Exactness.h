@@ -9,8 +9,8 @@ namespace vex2::tool {
 
 class Options;
 
-/// What commands do about numbers that documents keep in 32 bits: they tell what was rounded, or
-/// with --exact refuse to round.
+/// The option --exact. Documents store some numbers in 32 bits: without the option, commands report
+/// what was rounded; with it, they refuse to round.
 class Exactness {
  public:
   void AddOption(Options& options);
@@ -26,7 +26,8 @@ class Exactness {
   bool isExact_ = false;
 };
 
-/// "2 readings rounded to 0.001, largest change 0.0004". `to` is what they were rounded to.
+/// Returns, for example, "2 readings rounded to 0.001, largest change 0.0004". `to` is the "0.001"
+/// in this text.
 std::string RoundedText(const lab::RoundedNumbers& rounded, std::string_view one,
                         std::string_view many, std::string_view to);
 

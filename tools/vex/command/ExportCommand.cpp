@@ -139,7 +139,8 @@ class ExportCommand final : public Command {
     return losses_.Tell(losses, file_, file_, target_);
   }
 
-  // A table holds one stage of one plate: a melting behind an amplification has a file of its own.
+  // A table holds one stage of one plate. If there is an amplification and a melting, the melting
+  // gets a separate file.
   ExitCode writeRdes(const Document& document, OutputFiles& files) const {
     const Document::Plate plate = plate_.One(document);
     const PlateSource source = SourceOf(plate);

@@ -70,7 +70,7 @@ class FollowCommand final : public Command {
   }
 
  private:
-  // How soon an interrupt is noticed.
+  // An interrupt is noticed within this time.
   static constexpr std::chrono::milliseconds kPatience{250};
 
   ExitCode stop(const RunFollower& follower) const {
@@ -80,14 +80,14 @@ class FollowCommand final : public Command {
   }
 
   std::uint16_t portNumber() const {
-    if (port_->empty()) return 0;  // any that is free
+    if (port_->empty()) return 0;  // any free port
     const auto port = NumberIn<std::uint16_t>(*port_);
     if (port && *port != 0) return *port;
     throw Error(ErrorCode::kInvalidValue, "--serve",
                 "'" + *port_ + "' is no port; write a number from 1 to 65535, or none, after FILE");
   }
 
-  // The page stays when the run is complete: someone may still be looking.
+  // Serves the page even after the run is complete, because a viewer may still need it.
   ExitCode serve(RunFollower& follower, Interrupts& interrupts) const {
     LivePage page(file_, portNumber());
     say("shown at " + page.Address() + " until Ctrl-C");

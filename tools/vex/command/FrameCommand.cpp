@@ -89,7 +89,7 @@ class FrameCommand final : public Command {
   }
 
   void requireKnown(const FrameView& view) const {
-    constexpr std::uint64_t kMostWells = 65535;  // they are numbered in 16 bits
+    constexpr std::uint64_t kMostWells = 65535;  // well numbers have 16 bits
     if (std::uint64_t{view.rows} * view.columns > kMostWells) {
       throw Error(ErrorCode::kDocument, file_,
                   fmt::format("its plate of {} rows and {} columns has more wells than can be "

@@ -62,14 +62,14 @@ class GetCommand final : public Command {
   }
 
  private:
-  // Paths are the keys of --json, so this is built of typed values and walked as what is printed.
+  // Builds the JSON in which the path is looked up. Its keys are those of --json.
   ordered_json describe(const Document& document, const Document::Plate& plate) const {
     ordered_json root = ToJson(OverviewOf(document, plate));
     const Vex2FileManager& content = *plate.content;
     if (content.GetPlateSetupComp() != nullptr) root["wells"] = DescribeWells(content)["wells"];
     root["detectors"] = DescribeDetectors(content);
     root["dyes"] = DescribeDyes(content);
-    // It takes another reading of the document.
+    // The tree needs the document to be read again, so it is made only if the path asks for it.
     if (path_.starts_with("tree")) {
       DocumentFile file;
       file.OpenDocument(file_);

@@ -25,7 +25,8 @@ class HelpCommand final : public Command {
   void AddOptions(Options& options) override {
     app_ = options.App().get_parent();
     options.Add("COMMAND", words_, "A command, or 'errors' for the error codes").Show("");
-    // Hidden: the build calls it to make what is installed beside the command.
+    // A hidden option: the build uses it to make the pages and completions that are installed with
+    // the command.
     options.Add("--write-pages", pagesFolder_, "").Group("");
   }
 
@@ -49,7 +50,7 @@ class HelpCommand final : public Command {
   }
 
  private:
-  // The page of the first word, which contains the commands of its own.
+  // Opens the page of the first word; it includes the subcommands.
   bool openPage() const {
     for (const CommandText& command : DescribeCommand(*app_, app_->get_name()).commands) {
       if (command.name == words_.front()) return OpenManPage(ManPageOf(command));

@@ -10,8 +10,8 @@ namespace vex2::tool {
 
 namespace {
 
-// Where the text of a line begins that explains what stands to the left of it; the line's own
-// begin when nothing is explained.
+// The index at which the explanation in the right column of a line begins. If there is none, the
+// index of the first character that is not a space.
 std::size_t explanationAt(const std::string& line) {
   const std::size_t begin = std::min(line.find_first_not_of(' '), line.size());
   const std::size_t gap = line.find("  ", begin);

@@ -8,7 +8,7 @@ class App;
 
 namespace vex2::tool {
 
-/// The help of a command, which is typed as `call`, folded at the width of the screen.
+/// The help of the command that the user types as `call`, wrapped at the width of the terminal.
 std::string HelpText(const CLI::App& app, const std::string& call);
 
 }  // namespace vex2::tool

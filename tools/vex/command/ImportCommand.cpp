@@ -27,7 +27,7 @@ constexpr const char* kMeaning =
     "  and counted. Readings are stored in 16 bits, with the scale that loses least.\n\n"
     "  A reading without a temperature or a time has 0 in its place.";
 
-// A folder for a document on its way to standard output.
+// A temporary folder for a document that is then copied to standard output.
 class PassingFolder {
  public:
   PassingFolder() {

@@ -35,7 +35,7 @@ class InfoCommand final : public Command {
     hasSeveral_ = files.size() > 1;
     const ExitCode worst = files_.ForEach(files, [&](const std::string& file) -> ManyFiles::Shown {
       const auto document = std::make_shared<const Document>(file, Document::Purpose::kReadHeads);
-      // What a study says has its plates in it.
+      // The overview of a study includes its plates.
       return [this, document, overview = OverviewOf(*document, plate_.Choose(*document).front())] {
         show(overview);
         document->RequireWhole("");

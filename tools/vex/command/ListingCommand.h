@@ -8,7 +8,7 @@
 
 namespace vex2::tool {
 
-/// A command that lists something of each plate, for people, as CSV or as JSON, or changes it.
+/// A command that lists a part of each plate, for people, as CSV or as JSON, or changes this part.
 class ListingCommand : public Command {
  public:
   using Command::Command;
@@ -17,16 +17,18 @@ class ListingCommand : public Command {
   ExitCode Run() override;
 
  protected:
-  /// Adds the options that change something.
+  /// Adds the options that change the plate.
   virtual void addChanges(Options& options) = 0;
   virtual bool hasChanges() const = 0;
-  /// Changes the plate, and answers lines that say what. Throws an error when that cannot be.
+  /// Changes the plate and returns lines that describe the changes. Throws an error if a change is
+  /// not possible.
   virtual std::string change(Vex2FileManager& plate) const = 0;
 
-  /// Whether a study keeps such things of its own, beside those of its plates.
+  /// Whether a study itself has this part, in addition to its plates.
   virtual bool studiesHaveIt() const { return false; }
   virtual nlohmann::ordered_json describe(const Vex2FileManager& plate) const = 0;
-  /// Writes the table; where it is of `all` plates of a study, with their names in front.
+  /// Writes the table. If `all` is true, the table is of all plates of a study, and each row begins
+  /// with the name of the plate.
   virtual void printCsv(const std::vector<Document::Plate>& plates, bool all) const = 0;
   virtual void print(const Vex2FileManager& plate) const = 0;
 

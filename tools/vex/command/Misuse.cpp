@@ -47,7 +47,7 @@ Error unknownOption(const CLI::App& app, const std::string& call, const std::str
           fmt::format("unknown option '{}'{}", name, hint.empty() ? seeHelp(call) : hint)};
 }
 
-// "-json" would else be told as a wrong value of "-j".
+// Finds "-json" first, because otherwise it would be reported as a wrong value of "-j".
 std::optional<std::string> longOptionWithOneDash(const CLI::App& app,
                                                  std::span<const char* const> arguments) {
   const std::vector<std::string> names = optionNames(app);
@@ -106,7 +106,8 @@ Error MisuseOf(const CLI::App& app, const CLI::ParseError& error,
   if (const auto word = longOptionWithOneDash(chosen, arguments)) {
     return unknownOption(chosen, call, *word);
   }
-  // What is missing or surplus then is most likely what was misspelt: without a command, that.
+  // If there is an unknown word, a missing or surplus argument is most likely due to a misspelling,
+  // so report the unknown word: as a command if one is required, otherwise as an option.
   const bool wantsCommand = chosen.get_require_subcommand_min() > 0;
   const auto name = std::find_if_not(unknown.begin(), unknown.end(), isOption);
   if (wantsCommand && name != unknown.end()) return UnknownCommand(chosen, call, *name);

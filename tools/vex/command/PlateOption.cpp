@@ -35,7 +35,7 @@ Document::Plate PlateOption::One(const Document& document) const {
 
 std::string PlateTitle(const Document::Plate& plate) {
   const Terminal& terminal = Terminal::Out();
-  constexpr std::size_t kLongestName = 2000;  // a longer one fills the screen with nothing else
+  constexpr std::size_t kLongestName = 2000;  // a longer name would fill the screen
   const std::string title =
       plate.isEmbedded ? "plate " + terminal.Shown(plate.name, kLongestName) : "study";
   return terminal.Styled(title, Terminal::Style::kBold);

@@ -14,33 +14,35 @@ namespace vex2::tool {
 
 class Options;
 
-/// Which plates of a document a command works on: the option "--plate" and what it means. Without
-/// it that is the document itself and, in a study, all its plates.
+/// The option "--plate", which selects the plates of a document that a command works on. Without
+/// it, the command works on the document itself and, in a study, on all its plates.
 class PlateOption {
  public:
   void AddTo(Options& options);
 
   bool IsGiven() const { return name_.has_value(); }
-  /// Whether no plate of a study was named, so that all of them are meant.
+  /// Whether the document is a study and no plate was named, so that all plates are selected.
   bool IsAll(const Document& document) const { return !IsGiven() && document.IsStudy(); }
-  /// The plates, at least one, valid as long as the document is. Throws an error when there is no
-  /// plate of the name that was given.
+  /// The selected plates, at least one, valid as long as the document. Throws an error if no plate
+  /// has the given name.
   std::vector<Document::Plate> Choose(const Document& document) const;
-  /// The same without the study itself, of what only its plates have; there may be none.
+  /// The selected plates without the study itself, for content that only plates have. Can be empty.
   std::vector<Document::Plate> ChoosePlates(const Document& document) const;
-  /// The one that is to be changed; in a study it must have been named.
+  /// The plate to change. Throws an error if the document is a study and no plate was named.
   Document::Plate One(const Document& document) const;
-  /// The place, from 0, of the plate that was given, among the document's. Throws as above.
+  /// The index, from 0, of the named plate among the plates of the document. Throws an error if no
+  /// plate has the given name.
   std::size_t FindIndex(const Document& document) const;
 
  private:
   std::optional<std::string> name_;
 };
 
-/// A line above what is shown of a plate, or of the study itself.
+/// The title line that is printed above the output for a plate, or for the study itself.
 std::string PlateTitle(const Document::Plate& plate);
 
-/// Calls `show` for each of the plates, behind a title when they are `all` of a study.
+/// Calls `show` for each plate. If the plates are `all` plates of a study, prints a title before
+/// each.
 template <typename Show>
 void ShowPlates(const std::vector<Document::Plate>& plates, bool all, std::ostream& out,
                 const Show& show) {
@@ -52,6 +54,7 @@ void ShowPlates(const std::vector<Document::Plate>& plates, bool all, std::ostre
   }
 }
 
-/// Adds "--block" to a command; `tag` holds the block's tag then, "RAWa" when it is not given.
+/// Adds "--block" to a command. After parsing, `tag` holds the tag of the block; "RAWa" without the
+/// option.
 void AddBlockOption(Options& options, std::string& tag);
 }  // namespace vex2::tool

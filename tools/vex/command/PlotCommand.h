@@ -6,7 +6,7 @@
 
 namespace vex2::tool {
 
-/// Draws a run in the terminal, or as a picture.
+/// Makes the command that draws a run in the terminal or as a picture.
 std::unique_ptr<Command> MakePlotCommand();
 
 }  // namespace vex2::tool

@@ -26,7 +26,7 @@ namespace {
 
 constexpr std::uint32_t kMostFrames = 1'000'000;
 
-// What the document does not hold as it was measured.
+// Reports the numbers that the document stores rounded.
 void tellRounding(const std::string& file, const Rounding& rounding, const ReadingScale& scale) {
   const auto tell = [&](const RoundedNumbers& rounded, std::string_view one, std::string_view many,
                         double step) {
@@ -94,7 +94,7 @@ class RecordCommand final : public RecordingCommand {
 
  private:
   void takeValues() {
-    // What was measured before has another start.
+    // Readings that were measured before did not start now.
     if (startsNow() && files_.readings != "-") {
       throw Error(ErrorCode::kUsage,
                   "--started now is for --readings - alone; give the run's own "
@@ -113,7 +113,7 @@ class RecordCommand final : public RecordingCommand {
     files_.channels = channelNames();
   }
 
-  // A run that is gone on with is the one in the document, whatever is not said again.
+  // When a run is resumed, options that are not given again take their values from the document.
   void takeRecordedValues() {
     std::error_code error;
     if (!std::filesystem::exists(options_.path, error)) return;

@@ -94,7 +94,8 @@ ExitCode RecordingCommand::tellOutcome(Recorder::Outcome outcome, std::size_t do
   return ExitCode::kInterrupted;
 }
 
-// A disk that is full within a run, for instance, loses nothing.
+// If the disk becomes full during a run, for example, no committed frame is lost; the error says
+// so.
 Recorder::Outcome RecordingCommand::tellingWhatIsSafe(
     const std::size_t& done, std::optional<std::size_t> total,
     const std::function<Recorder::Outcome()>& run) const {
@@ -107,7 +108,7 @@ Recorder::Outcome RecordingCommand::tellingWhatIsSafe(
   }
 }
 
-// The document may have been removed or emptied meanwhile, and then nothing can resume it.
+// The document may have been removed or emptied during the run; then the run cannot be resumed.
 std::string RecordingCommand::safeFrames(std::size_t done, std::optional<std::size_t> all) const {
   if (!HoldsFrames(options_.path, done)) return kFramesGone;
   return fmt::format("{} safe, and the same command with --resume goes on",

@@ -11,8 +11,8 @@
 
 namespace vex2::tool {
 
-/// What the commands that record a run have in common: where to, how fast, and what to do with a
-/// document that exists.
+/// The part that the commands that record a run share: the document, the speed, and what to do with
+/// an existing document.
 class RecordingCommand : public Command {
  public:
   using Command::Command;
@@ -22,19 +22,20 @@ class RecordingCommand : public Command {
   void addRunOptions(Options& options);
   void addRecordOptions(Options& options);
 
-  /// What --started and --assay say. Throws an error when they say nothing that can be meant.
+  /// The values of --started and --assay. `started` and `assay` throw an error if the value is
+  /// invalid.
   bool startsNow() const { return started_ == "now"; }
   std::optional<RunStart> started() const;
   std::string assay() const;
 
-  /// Records the run. `beforehand` is called when the recording can begin.
+  /// Records the run. Calls `beforehand` once the recording can begin.
   ExitCode record(
       const RunPlan& plan, const std::function<void()>& beforehand = [] {});
 
   ExitCode tellOutcome(Recorder::Outcome outcome, std::size_t done,
                        std::optional<std::size_t> total) const;
-  /// Runs `run`, which counts the frames that are on the disk in `done`. When the system refuses
-  /// within the run, the error says how many frames are safe.
+  /// Calls `run`, which counts the frames on the disk in `done`. If `run` throws a system error
+  /// after the first frame, adds to the error how many frames are safe.
   Recorder::Outcome tellingWhatIsSafe(const std::size_t& done, std::optional<std::size_t> total,
                                       const std::function<Recorder::Outcome()>& run) const;
 

@@ -62,7 +62,8 @@ class RepairCommand final : public Command {
     }
   }
 
-  // What is wrong and cannot be repaired is told in place of that nothing is to be repaired.
+  // Prints the errors that cannot be repaired or, if there are none, that there is nothing to
+  // repair.
   ExitCode tellThatNothingIsRepaired() const {
     const ExitCode code = tellWhatIsLeft();
     if (code == ExitCode::kDone) {

@@ -44,7 +44,8 @@ class ReportCommand final : public Command {
         for (const Error& error : errors) {
           PrintError(error);
           code = std::max(code, ExitCodeOf(error));
-          // A document that leads nowhere is no document to report on.
+          // A damaged document gets an entry in the report. Other errors, such as a missing file,
+          // leave nothing to report on.
           if (error.Class() != ErrorClass::kDocument) ++failed;
         }
         return code;

@@ -9,11 +9,11 @@
 
 namespace vex2::tool {
 
-/// The options that every command has: how what it prints for people looks.
+/// The options that every command has: the width and colors of output for people.
 class ScreenOptions {
  public:
   void AddTo(Options& options);
-  /// What was given, once the command line was read.
+  /// The given width and colors. Call this after the command line was parsed.
   Terminal::Wishes Wishes() const;
 
  private:

@@ -20,7 +20,7 @@ using SettingList = std::vector<Setting>;
 
 class SetCommand final : public Command {
  public:
-  /// `call` is what is typed in front of the document.
+  /// `call` is the part of the command line before the document, such as "vex set".
   SetCommand(Description description, std::string call, SettingList settings, bool ofStudy)
       : Command(std::move(description)),
         call_(std::move(call)),
@@ -73,7 +73,7 @@ class SetCommand final : public Command {
 
   Assignments words() const { return {file_, call_}; }
 
-  // The plate that was named, or what the settings belong to.
+  // The plate that was named, otherwise the document to which the settings belong.
   Vex2FileManager& targetOf(Document& document, const std::vector<Change>& changes) const {
     if (!plate_.IsAll(document)) return *plate_.One(document).content;
     for (const Change& change : changes) {

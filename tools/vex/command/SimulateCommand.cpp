@@ -51,7 +51,7 @@ class SimulateCommand final : public RecordingCommand {
     files.Write(options_.path, OutputFiles::Kind::kRecording);
     for (Table* table : {&readings, &wells}) {
       files.Write(table->path, OutputFiles::Kind::kTable);
-      // The same command with --resume goes on, and finds its tables there.
+      // With --resume, the tables of the interrupted command may already exist.
       table->isThere = options_.resume && files.IsThere(table->path, table->text);
     }
     files.Claim();
@@ -63,7 +63,7 @@ class SimulateCommand final : public RecordingCommand {
 
  private:
   struct Table {
-    std::string path;  ///< empty where none was asked for
+    std::string path;  ///< empty if the table was not asked for
     std::string text;
     bool isThere = false;
   };
@@ -94,7 +94,7 @@ class SimulateCommand final : public RecordingCommand {
     if (plan.assay.empty()) plan.assay = RecordedAssay(options_.path);
   }
 
-  // A run that is gone on with is the one in the document, whatever is not said again.
+  // When a run is resumed, options that are not given again take their values from the document.
   SimulationParameters parameters() const {
     SimulationParameters result;
     if (options_.resume) ReadParameters(RecordedLog(options_.path), result);

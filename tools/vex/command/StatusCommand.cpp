@@ -32,7 +32,8 @@ class StatusCommand final : public Command {
   ExitCode Run() override {
     if (code_) RequireStatusCode(*code_, file_);
     if (!code_ || plate_.IsGiven()) return printOrChange();
-    // A plain code is also the remedy for a run whose recorder is gone: its status does not refuse.
+    // This command can end a run whose recorder has crashed, so it does not refuse a run in
+    // progress.
     const DocumentLock lock(file_, DocumentLock::Holder::kCommand);
     return printOrChange();
   }
@@ -54,7 +55,7 @@ class StatusCommand final : public Command {
     return ExitCode::kDone;
   }
 
-  // Of a plate in a study, which is read whole, and saved whole with the plate's new status.
+  // Shows or sets the status of plates in a study. To set it, the whole study is read and saved.
   ExitCode runOnPlates() const {
     if (code_) {
       std::cout << changing_.ApplyToPlate(file_, plate_, [&](Vex2FileManager& plate) {

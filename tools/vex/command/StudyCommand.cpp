@@ -22,7 +22,7 @@ namespace vex2::tool {
 
 namespace {
 
-/// What the actions that change a study have in common.
+/// The part that the actions that change a study share.
 class StudyChange : public Command {
  public:
   using Command::Command;
@@ -40,7 +40,7 @@ class StudyChange : public Command {
     options.Add("PLATE", plates_, "The documents of the plates").Require().Show("");
   }
 
-  /// Brings the documents that were named into the study; answers what was added.
+  /// Adds the named documents to the study. Returns a report of what was added.
   std::string addPlates(Vex2FileManager& study) const {
     constexpr std::chrono::milliseconds kPatience{200};
     ProgressLine progress(kPatience, ProgressLine::AtEnd::kErase);
@@ -51,7 +51,7 @@ class StudyChange : public Command {
         });
   }
 
-  /// Changes the study with `change`, which is handed it and answers what it changed.
+  /// Calls `change` with the study and prints the report that it returns.
   template <typename Change>
   void ChangeStudy(const Change& change) const {
     std::cout << changing_.Apply(study_, [&](Document& document) {

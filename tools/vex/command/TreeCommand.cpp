@@ -35,7 +35,7 @@ class TreeCommand final : public Command {
 
   ExitCode Run() override {
     const Document document(file_, Document::Purpose::kReadHeads);
-    // The tree of a study has those of its plates in it.
+    // The tree of a study includes the trees of its plates.
     const Document::Plate plate = plate_.Choose(document).front();
     DocumentFile file;
     file.OpenDocument(file_);
@@ -57,7 +57,7 @@ class TreeCommand final : public Command {
   }
 
  private:
-  static constexpr std::uint32_t kDeepest = 64;  // deeper ones no reader follows
+  static constexpr std::uint32_t kDeepest = 64;  // readers do not follow deeper records
 
   void walk(CFile& file, const Document::Plate& plate, const TreeSelection& selection,
             RecordVisitor& tree) const {

@@ -29,7 +29,7 @@ std::string numbered(int major, int minor, int patch) {
   return fmt::format("{}.{}.{}", major, minor, patch);
 }
 
-/// What the command is made of.
+/// The versions of the command, its build, the format and the libraries.
 struct Version {
   std::string compiler = compilerName();
   std::string format = fmt::format("{}.{}", Vex2HeaderData().formatA, Vex2HeaderData().formatB);

@@ -4,8 +4,8 @@
 
 namespace vex2::tool {
 
-/// The version of the command, how it was built, the format of the documents that it makes and the
-/// libraries that it uses, in lines.
+/// Lines with the version of the command, its build, the format of the documents that it writes,
+/// and the libraries that it uses.
 std::string VersionText();
 
 }  // namespace vex2::tool

@@ -80,7 +80,7 @@ class WellsCommand final : public ListingCommand {
   }
 
  private:
-  // A header may say what it likes, but wells are numbered in 16 bits.
+  // A header can declare more wells than 16-bit well numbers can number.
   void requireNumberedWells(const Vex2FileManager& plate) const {
     const PlateLayout layout = LayoutOf(plate);
     if (std::uint64_t{layout.rows} * layout.columns <= kMostWells) return;

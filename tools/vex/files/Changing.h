@@ -12,24 +12,24 @@ namespace vex2::tool {
 
 class Options;
 
-/// What every command does that changes a document in place: the old document stays until the new
-/// one is whole on the disk.
+/// The part that all commands share that change a document in place: the old document stays until
+/// the new one is complete on the disk.
 class Changing {
  public:
-  /// Adds --dry-run and what may be lost.
+  /// Adds --dry-run, and the options that say what may be lost.
   void AddOptions(Options& options);
 
-  /// What is said behind the changes that were not made.
+  /// Printed after the changes of a dry run.
   static constexpr const char* kDryRun = "(dry run: nothing was changed)\n";
 
   bool IsDryRun() const { return isDryRun_; }
-  /// What may be lost.
+  /// The options that say what may be lost.
   const Rewriting& Losses() const { return rewriting_; }
 
-  /// Reads the document at `path`, calls `change` with it, which changes what the document holds
-  /// and answers what it changed, for people, and saves the document unless this is a dry run. No
-  /// other command and no recorder changes the document meanwhile. Throws an error, also when
-  /// another program has changed the document since it was read, and then nothing was changed.
+  /// Reads the document at `path`, calls `change` with it, and saves the document unless this is a
+  /// dry run. `change` changes the document in memory and returns a report for people. No other
+  /// command or recorder can change the document during the call. If this throws, the document is
+  /// unchanged; it also throws if another program has changed the document since it was read.
   template <typename Change>
   std::string Apply(const std::string& path, const Change& change) const {
     DocumentChange changed(path, rewriting_.Rules());
@@ -38,14 +38,14 @@ class Changing {
     return Finish(report, [&] { changed.Save(); });
   }
 
-  /// Does the same, and hands `change` the plate of the document that was chosen.
+  /// Does the same as `Apply`, but calls `change` with the plate that `plate` selects.
   template <typename Change>
   std::string ApplyToPlate(const std::string& path, const PlateOption& option,
                            const Change& change) const {
     return Apply(path, [&](Document& document) { return change(*option.One(document).content); });
   }
 
-  /// Calls `save` unless this is a dry run; answers what to report.
+  /// Calls `save` unless this is a dry run. Returns the report to print.
   std::string Finish(const std::string& report, const std::function<void()>& save) const;
 
  private:

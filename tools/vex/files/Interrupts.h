@@ -4,10 +4,10 @@
 
 namespace vex2::tool {
 
-/// While it lives, Ctrl-C and a request to end are not obeyed at once but when asked for, so that
-/// what is under way is finished first. Create it while there is only one thread. After the first
-/// request that was noticed, later ones are ignored, even after the object is destroyed: by then
-/// the command reports its result.
+/// While this object exists, SIGINT, SIGTERM and SIGHUP do not end the process. The command asks
+/// for them with `Wait` or `Pending`, so that it can finish its current step first. Create the
+/// object while there is only one thread. After the first signal was noticed, later ones are
+/// ignored, even after the object is destroyed, because the command is then reporting its result.
 class Interrupts {
  public:
   Interrupts();
@@ -15,9 +15,10 @@ class Interrupts {
   Interrupts(const Interrupts&) = delete;
   Interrupts& operator=(const Interrupts&) = delete;
 
-  /// Waits for `seconds`, or until asked to end. Returns true if asked to end, then or before.
+  /// Waits for `seconds`, or until a signal arrives. Returns true if a signal has arrived, now or
+  /// before.
   bool Wait(double seconds);
-  /// Whether the command was asked to end. Does not wait.
+  /// Whether a signal has arrived. Does not wait.
   bool Pending() { return Wait(0); }
 
  private:

@@ -9,8 +9,8 @@ namespace vex2::tool {
 
 class Options;
 
-/// How a command tells what an export or an import could not bring over: on standard error, in the
-/// file of --report, and with --strict in the exit code.
+/// Reports what an export or an import lost or changed: on standard error, in the file of --report,
+/// and with --strict in the exit code.
 class LossOutput {
  public:
   /// Adds --report and --strict.

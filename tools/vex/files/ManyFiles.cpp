@@ -25,7 +25,7 @@ constexpr std::uint32_t kMostJobs = 64;
 constexpr std::chrono::seconds kPatience{1};
 
 void addPaths(std::istream& list, std::vector<std::string>& files) {
-  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";  // Windows begins lists with it
+  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";  // some programs on Windows write it
   bool isFirst = true;
   for (std::string line; std::getline(list, line); isFirst = false) {
     if (isFirst && line.starts_with(kByteOrderMark)) line.erase(0, kByteOrderMark.size());
@@ -82,8 +82,8 @@ ExitCode show(Outcome outcome) {
   }
 }
 
-/// Works on files side by side. The results wait for their turn, and the work for the results, so
-/// that there is never more than a few of them in memory.
+/// Works on several files at once. Results are returned in the order of the files. The threads wait
+/// while too many results are unread, so that only a few results are in memory.
 class SideBySide {
  public:
   SideBySide(const std::vector<std::string>& files,
@@ -93,7 +93,7 @@ class SideBySide {
     try {
       for (std::size_t i = 0; i < jobs; ++i) threads_.emplace_back([this] { run(); });
     } catch (const std::system_error&) {
-      // The system has no room for so many threads: those that it started do the work.
+      // The system cannot start that many threads; the threads that were started do the work.
     }
   }
 
@@ -109,7 +109,7 @@ class SideBySide {
   SideBySide(const SideBySide&) = delete;
   SideBySide& operator=(const SideBySide&) = delete;
 
-  /// The outcome of the file at `index`; asked for in the order of the files.
+  /// Waits for the outcome of the file at `index`. Call it in the order of the files.
   Outcome Wait(std::size_t index) {
     if (threads_.empty()) return outcomeOf(work_, files_[index]);
     std::unique_lock lock(mutex_);
@@ -176,7 +176,7 @@ ExitCode ManyFiles::ForEach(const std::vector<std::string>& files,
   const auto begun = std::chrono::steady_clock::now();
   ExitCode worst = ExitCode::kDone;
   for (std::size_t i = 0; i < files.size(); ++i) {
-    std::optional<ProgressLine> progress;  // gone before anything is printed
+    std::optional<ProgressLine> progress;  // destroyed before anything is printed
     const bool isLong = std::chrono::steady_clock::now() - begun > kPatience;
     if (i > 0 && isLong && Terminal::Error().CanRewriteLines()) {
       progress.emplace(std::chrono::milliseconds(0), ProgressLine::AtEnd::kErase);

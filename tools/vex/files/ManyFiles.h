@@ -12,22 +12,23 @@ namespace vex2::tool {
 
 class Options;
 
-/// The documents of a command that works on any number of them, one after the other or side by
-/// side: the arguments FILE..., which can be lists of files, and the option -j.
+/// The arguments FILE... and the option -j of a command that works on any number of documents. An
+/// argument can be a list of files.
 class ManyFiles {
  public:
   void AddTo(Options& options);
 
-  /// The documents that were given, in their order: "@LIST" stands for the paths in the file LIST,
-  /// "-" for those on standard input, each a line. Throws an error when a list cannot be read, or
-  /// names no file.
+  /// The paths of the given documents, in order. "@LIST" means the paths in the file LIST, "-" the
+  /// paths on standard input, one on each line. Throws an error if a list cannot be read or is
+  /// empty.
   std::vector<std::string> List() const;
 
-  /// Shows a result. Runs on the main thread.
+  /// Prints a result. Runs on the main thread.
   using Shown = std::function<ExitCode()>;
-  /// Calls `work` with each of `files`, up to -j of them at once on threads of their own; and what
-  /// it answers in the order of the files. An error of a file is printed in its place, and the
-  /// others go on. Answers the worst exit code. `work` must not print.
+  /// Calls `work` with each of `files`, on separate threads for up to -j files at once. Then calls
+  /// the functions that `work` returned, in the order of the files. If a file causes an error,
+  /// prints the error in its turn and continues with the other files. Returns the highest exit
+  /// code. `work` must not print.
   ExitCode ForEach(const std::vector<std::string>& files,
                    const std::function<Shown(const std::string& file)>& work) const;
 

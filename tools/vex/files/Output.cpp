@@ -56,7 +56,7 @@ void Output::Finish() {
 }
 
 void FinishStream(std::ostream& stream, const std::string& name) {
-  // After a write that failed a stream writes nothing more, so the reason is still in errno.
+  // A stream writes nothing more after a failed write, so errno still holds the reason.
   if (stream) errno = 0;
   stream.flush();
   if (!stream) throw SystemError(name, errno != 0 ? errno : EIO);

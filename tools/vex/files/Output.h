@@ -7,34 +7,35 @@
 
 namespace vex2::tool {
 
-/// Where a command's result goes: a file, or standard output. A file appears, or is replaced, when
-/// the result is complete and on the disk; until then, and after a failure, it is as it was. Pipes
-/// and devices are written to as they are. A failure to write is an error that names the file, so
-/// that no result is cut short in silence.
+/// Writes the result of a command to a file or to standard output. A file appears, or is replaced,
+/// only when the result is complete and on the disk; until then, and after a failure, the old file
+/// is unchanged. Pipes and devices are written to directly. If a write fails, an error names the
+/// file, so that no result is cut off silently.
 class Output {
  public:
-  /// Standard output for an empty path and "-". `OutputFiles` says whether `path` may be written.
+  /// Opens standard output if `path` is empty or "-". `OutputFiles` decides whether `path` may be
+  /// written.
   explicit Output(const std::string& path);
 
   std::ostream& Stream() { return *stream_; }
-  /// To be called at the end: puts the file in place; throws when something was not written.
+  /// Call this at the end: it puts the file in its place. Throws if something could not be written.
   void Finish();
 
  private:
   void replaceFile();
 
   std::string path_;
-  std::ostringstream text_;  ///< what the file is to hold
+  std::ostringstream text_;  ///< the new content of the file
   std::ofstream device_;
   std::ostream* stream_;
 };
 
-/// Writes out what `stream` still buffers. Throws an error with the system's reason, also of an
-/// earlier write, when not all of it was written; `name` is what the error calls it.
+/// Flushes `stream`. If this write or an earlier one failed, throws an error with the system's
+/// reason. `name` is the name of the stream in the error.
 void FinishStream(std::ostream& stream, const std::string& name);
 
-/// Whether `path` is where standard output or standard error goes: an empty path, "-", and names
-/// like /dev/stdout.
+/// Whether `path` means standard output or standard error: an empty path, "-", or a name like
+/// /dev/stdout.
 bool IsStandardStream(const std::string& path);
 
 }  // namespace vex2::tool

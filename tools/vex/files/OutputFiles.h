@@ -10,12 +10,12 @@
 
 namespace vex2::tool {
 
-/// The line that says which run or study a new document at `path` replaces; empty when there is
-/// none, or when `force` does not allow it.
+/// A line that says which run or study a new document at `path` will replace. Empty if there is
+/// none, or if `force` is false.
 std::string ReplacedText(const std::string& path, bool force);
 
-/// The files that one command reads and writes. Paths that are empty or "-" stand for standard
-/// input and output.
+/// The files that one command reads and writes. An empty path or "-" means standard input or
+/// standard output.
 class OutputFiles : public lab::OutputFiles {
  public:
   /// `force` allows existing files to be replaced. If it is false, `remedy` is the advice in the
@@ -33,7 +33,8 @@ class OutputFiles : public lab::OutputFiles {
     if (kind == Kind::kDocument) replaced_.push_back(ReplacedText(path, force_));
     return *this;
   }
-  /// Prints which run or study the new document replaced; for the end, when that is certain.
+  /// Prints which run or study the new document replaced. Call this at the end, when the document
+  /// has been replaced.
   void TellReplaced() const {
     for (const std::string& text : replaced_) PrintIfAny(text);
   }

@@ -7,8 +7,8 @@ namespace vex2::tool {
 
 class Options;
 
-/// The options of every command that saves a document it has read. What a save elsewhere leaves out
-/// is told on standard error.
+/// The options of every command that reads a document and saves it. If a save to another file
+/// leaves something out, this is reported on standard error.
 class Rewriting {
  public:
   Rewriting();

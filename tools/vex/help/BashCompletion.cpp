@@ -5,8 +5,8 @@ namespace vex2::tool {
 
 namespace {
 
-// Finds the command that was typed so far, skipping options and their values, and offers what its
-// table holds. Uses nothing but bash itself.
+// Finds the command that was typed so far, skipping options and their values, and offers the words
+// in the table of that command. Needs only bash itself.
 constexpr const char* kHead = R"(# Completion of vex for bash. Made from the options of the command.
 
 _vex() {

@@ -8,7 +8,7 @@ namespace vex2::tool {
 
 namespace {
 
-// What the library for command lines calls numbers and texts.
+// Translates the names that the command-line library uses for numbers and texts.
 std::string readableValue(const std::string& type) {
   if (type == "UINT" || type == "INT") return "N";
   return type == "FLOAT" ? "X" : type;

@@ -9,8 +9,8 @@ namespace vex2::tool {
 
 namespace {
 
-// The characters of `text` as a man page shows them: nothing of it is a command of the formatter,
-// and quotes and hyphens can be copied into a shell.
+// Escapes `text` so that a man page shows exactly its characters: the formatter takes none of them
+// for a command, and quotes and hyphens can be copied into a shell.
 std::string escaped(const std::string& text) {
   std::string result;
   if (text.starts_with('.') || text.starts_with('\'')) result = "\\&";
@@ -59,7 +59,7 @@ std::string italic(const std::string& text) {
   return "\\fI" + escaped(text) + "\\fR";
 }
 
-// A line that begins with a font could not begin with a command, so it needs no protection.
+// The line begins with a change of font, so the formatter cannot take its text for a command.
 std::string entry(const std::string& term, const std::string& text) {
   return ".TP\n" + term + '\n' + escaped(text) + '\n';
 }
@@ -116,8 +116,8 @@ std::string paragraphs(const std::vector<std::string>& texts) {
   return result;
 }
 
-// The options under each heading, in the order in which the headings first occur. `heading` makes a
-// section of one.
+// Lists the options under their headings, in the order in which the headings first occur. `heading`
+// formats one heading as a section.
 template <typename Heading>
 std::string optionLists(const CommandText& command, const Heading& heading) {
   std::string result;
@@ -157,7 +157,8 @@ template <typename Heading>
 std::string examples(const CommandText& command, const Heading& heading) {
   if (command.examples.empty()) return "";
   std::string result = heading("Examples");
-  // Long lines may be folded between words, but never filled up with the next example.
+  // The formatter may break long lines between words, but must not join an example with the next
+  // one.
   for (const std::string& example : command.examples) {
     result += ".PP\n.nh\n.ad l\n" + escaped(example) + "\n.ad\n.hy\n";
   }
@@ -168,7 +169,7 @@ std::string section(const std::string& heading) {
   return ".SH " + upper(escaped(heading)) + '\n';
 }
 
-// A command within the page of another: a section of its own, with its lists in it.
+// A section for a subcommand in the page of its command, with the lists of its options.
 std::string innerCommand(const CommandText& command) {
   const auto heading = [](const std::string& name) { return ".PP\n" + bold(name + ":") + '\n'; };
   return ".SS " + escaped(command.call) + '\n' + synopsisOf(command) + ".PP\n" +

@@ -38,11 +38,11 @@ void WritePages(const CommandText& vex, const std::string& folder) {
 }
 
 bool OpenManPage(const std::string& page) {
-  // On a terminal that erases no line, pagers stop and ask for a key first.
+  // On a terminal that cannot erase lines, pagers first stop and wait for a key.
   if (!Terminal::Out().CanRewriteLines()) return false;
-  // The page does not wait in a pipe for a program that is not there: a shell tells by its status.
+  // Check whether man exists before the page is written to a pipe; the status of the shell says it.
   if (std::system("command -v man >/dev/null 2>&1") != 0) return false;
-  // If the user closes the pager before it read all of the page, the write must not end the
+  // If the user closes the pager before it has read the whole page, the write must not end the
   // command.
   const auto previous = std::signal(SIGPIPE, SIG_IGN);
   const std::string width = std::to_string(Terminal::Out().Width());

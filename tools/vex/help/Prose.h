@@ -14,8 +14,8 @@ struct ManEntry {
   std::string_view text;
 };
 
-/// The paragraphs of a man page that no table of options holds, for the command called as `call`:
-/// "vex" or "vex record". Empty for a command within another.
+/// The paragraphs of the man page of the command `call` ("vex" or "vex record") that are not in the
+/// table of its options. Empty for a subcommand.
 std::vector<std::string> ProseOf(std::string_view call);
 
 /// The exit codes of every command.

@@ -5,7 +5,7 @@ namespace vex2::tool {
 
 namespace {
 
-// A text within single quotes, in which `special` characters have a backslash before them.
+// Puts the text in single quotes, with a backslash before each of the `special` characters.
 std::string quoted(const std::string& text, const std::string& special) {
   std::string result;
   for (const char character : text) {
@@ -46,7 +46,8 @@ std::string functionOf(const CommandText& command) {
   return name;
 }
 
-// Offers the commands of `command`, then leaves the rest of the line to the function of one.
+// Offers the subcommands of `command`. After one of them was typed, its own function completes the
+// rest of the line.
 std::string choice(const CommandText& command) {
   std::string text =
       "    '1: :->command' '*:: :->rest' && return\n  case $state in\n    command)\n"

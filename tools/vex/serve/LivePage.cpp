@@ -13,7 +13,8 @@ namespace vex2::tool {
 
 namespace {
 
-// A page that is read anew takes this share of the time at most, or once in a second.
+// After reading the document, the page rests for at least kLeastRest and at least kRest times as
+// long as the reading took.
 constexpr int kRest = 5;
 constexpr std::chrono::seconds kLeastRest(1);
 
@@ -21,7 +22,7 @@ std::string pageOf(std::string_view data, std::string_view events) {
   return ReportPage(data, events);
 }
 
-// What there is to show before the run was looked at for the first time.
+// The data that the page shows before the run was read for the first time.
 std::string firstData(const std::filesystem::path& path) {
   ReportSettings settings = ReportHead();
   settings.withFile = false;
@@ -53,7 +54,7 @@ void LivePage::Refresh(const RunFollower& follower) {
   if (follower.State() == FollowState::kWaiting || Clock::now() < next_) return;
   const auto sight = look();
   const bool isShown = sight == shown_ && isDone == isWholeShown_;
-  // The first data are for the page of the first browser.
+  // Read the document once even without a viewer, so that the first browser finds data.
   if (!sight || isShown || (shown_ && !server_->HasViewers())) return;
   const auto begun = Clock::now();
   if (auto data = read(follower.State())) {
@@ -65,11 +66,12 @@ void LivePage::Refresh(const RunFollower& follower) {
   next_ = end + std::max<Clock::duration>(kRest * (end - begun), kLeastRest);
 }
 
-// Nothing where the document cannot be read at this moment, as while it is replaced.
+// Returns nothing if the document cannot be read at this moment, for example while it is being
+// replaced.
 std::optional<std::string> LivePage::read(FollowState state) const {
   bool isRead = true;
   ReportSettings settings = ReportHead();
-  // The check and the digest read the whole file, and belong to a document that is complete.
+  // The check and the digest need the whole file, so they are made only when the run is complete.
   settings.withFile = state == FollowState::kDone;
   settings.onError = [&](const Error& error) {
     if (error.Class() != ErrorClass::kDocument) isRead = false;

@@ -12,8 +12,8 @@
 
 namespace vex2::tool {
 
-/// The report page of a run that goes on, in the browsers of this machine. The document is read
-/// again only while a browser looks, and at most once in a second.
+/// Shows the report page of a run in progress in the browsers of this machine. Reads the document
+/// again only while a browser shows the page, and at most once per second.
 class LivePage {
  public:
   /// Serves the page of the document at `path`, which need not exist yet. Throws as
@@ -21,13 +21,13 @@ class LivePage {
   LivePage(std::filesystem::path path, std::uint16_t port);
 
   std::string Address() const;
-  /// Shows what has changed since the last time; to be called again and again.
+  /// Updates the page if the document has changed. Call this repeatedly.
   void Refresh(const RunFollower& follower);
 
  private:
   using Clock = std::chrono::steady_clock;
 
-  /// What tells that the file was changed.
+  /// The state of the file. If it differs, the file was changed.
   struct Sight {
     std::uintmax_t file = 0;
     std::uintmax_t size = 0;
@@ -43,7 +43,7 @@ class LivePage {
   std::unique_ptr<LiveServer> server_;
   std::optional<Sight> shown_;
   bool isWholeShown_ = false;
-  Clock::time_point next_;  // no sooner is it read again
+  Clock::time_point next_;  // the document is not read before this time
 };
 
 }  // namespace vex2::tool

@@ -7,15 +7,17 @@
 
 namespace vex2::tool {
 
-/// Shows a page that changes to browsers on this machine: a server of HTTP on the loopback address
-/// alone. It answers reading requests only, those that name it as this machine: a page from
-/// elsewhere whose name leads here gets nothing. Each viewer is served on a thread of its own, so
-/// that one that is slow, or went away, costs the others and the caller nothing.
+/// Serves a changing page to browsers on this machine: an HTTP server that listens only on the
+/// loopback address. It answers only requests that read and whose Host header names this machine,
+/// so a web page from another server whose name resolves to this address gets no answer. Each
+/// viewer has its own thread, so a slow or disconnected viewer delays neither the other viewers nor
+/// the caller.
 ///
-/// The destructor ends all connections, within two seconds.
+/// The destructor ends all connections within two seconds.
 class LiveServer {
  public:
-  /// Makes the page of data, which then takes newer data from the events at the path `events`.
+  /// Makes the page for `data`. The page receives newer data as server-sent events from the path
+  /// `events`.
   using PageOf = std::string(std::string_view data, std::string_view events);
 
   LiveServer() = default;
@@ -24,14 +26,14 @@ class LiveServer {
   virtual ~LiveServer() = default;
 
   virtual std::uint16_t Port() const = 0;
-  /// Whether a browser listens for newer data.
+  /// Whether a browser is waiting for newer data.
   virtual bool HasViewers() const = 0;
-  /// Viewers see `data`, a line of JSON, from now on. One that is slow gets the latest data only.
+  /// Sends `data`, a line of JSON, to all viewers. A slow viewer gets only the latest data.
   virtual void Show(std::string data) = 0;
 };
 
-/// Starts a server at that port, 0 for any that is free, which shows `data`. Throws `Error` that
-/// says why when the port cannot be used, or when the module that serves is missing.
+/// Starts a server that shows `data`, at `port` or, if that is 0, at any free port. Throws an
+/// `Error` with the reason if the port cannot be used or the server module is missing.
 std::unique_ptr<LiveServer> StartLiveServer(std::uint16_t port, std::string data,
                                             LiveServer::PageOf* pageOf);
 

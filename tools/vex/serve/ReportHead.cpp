@@ -8,7 +8,7 @@ namespace vex2::tool {
 
 namespace {
 
-// Of now, in UTC: a report is read where the clock may be another.
+// The current time in UTC, because a report may be read in another time zone.
 std::string nowText() {
   const auto now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
   std::tm utc{};

@@ -5,7 +5,7 @@
 
 namespace vex2::tool {
 
-/// The settings of a report that this command makes now.
+/// The settings of a report that the command makes: program, version and current time.
 ReportSettings ReportHead();
 
 }  // namespace vex2::tool

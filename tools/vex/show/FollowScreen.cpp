@@ -35,7 +35,7 @@ bool isScreen() {
   return Terminal::Error().IsTerminal() && Terminal::Out().IsTerminal();
 }
 
-constexpr auto kLeastPause = std::chrono::milliseconds(200);  // between two pictures
+constexpr auto kLeastPause = std::chrono::milliseconds(200);  // between two drawings
 constexpr const char* kEraseToEnd = "\x1b[K";
 constexpr const char* kEraseAll = "\x1b[H\x1b[2J";
 
@@ -54,7 +54,7 @@ void FollowScreen::Show(const Frame& frame, const RunFollower& follower) {
   if (!std::cout) FinishStream(std::cout, "standard output");
 }
 
-// The line below, of the progress, stays as it is.
+// Draws the curves above the progress line, which stays unchanged.
 void FollowScreen::draw(const RunFollower& follower) {
   drawn_ = Clock::now();
   isStale_ = false;
@@ -63,7 +63,8 @@ void FollowScreen::draw(const RunFollower& follower) {
   const Scene scene = curves_.Build(*follower.Run(), follower.Channels());
   const std::vector<std::string> picture =
       scene.series.empty() ? std::vector<std::string>() : LinesOf(scene, size);
-  // On a screen that is too small lines would leave it above, where they cannot be written again.
+  // On a screen that is too small, lines would scroll off the top, where they cannot be
+  // overwritten.
   if (picture.empty() || picture.size() > size.height) return;
   const bool isOther = width_ != size.width || height_ != size.height;
   if (isOther && lines_ > 0) {

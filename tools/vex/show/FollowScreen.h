@@ -11,18 +11,19 @@
 
 namespace vex2::tool {
 
-/// A run that is followed, for people: on a terminal its curves, which grow, above a line that says
-/// how far it is; elsewhere a line for each frame.
+/// Shows a followed run to people: on a terminal, growing curves above a progress line; in a file
+/// or pipe, one line for each frame.
 class FollowScreen {
  public:
   explicit FollowScreen(const std::string& file) : file_(file) { progress_.emplace(file); }
 
   void Show(const Frame& frame, const RunFollower& follower);
-  /// Shows what was not shown yet because frames came too fast; to be called when none comes.
+  /// Draws the frames that were not drawn because they came too fast. Call this while no frame
+  /// comes.
   void CatchUp(const RunFollower& follower);
-  /// Leaves the line of the progress as it is. Nothing may be shown any more.
+  /// Ends the display and keeps the progress line on the terminal. Do not call `Show` afterwards.
   void Leave() { progress_.reset(); }
-  /// Says that the run is complete.
+  /// Prints that the run is complete.
   void End(const RunFollower& follower);
 
  private:
@@ -34,9 +35,9 @@ class FollowScreen {
   std::optional<RecordProgress> progress_;
   GrowingCurves curves_;
   Clock::time_point drawn_;
-  bool isStale_ = false;   // a frame came since the curves were drawn
-  std::size_t lines_ = 0;  // of the picture that is above the progress
-  std::size_t width_ = 0;  // of the screen that it was drawn on
+  bool isStale_ = false;   // a frame came after the last drawing
+  std::size_t lines_ = 0;  // of the curves above the progress line
+  std::size_t width_ = 0;  // of the screen at the last drawing
   std::size_t height_ = 0;
 };
 

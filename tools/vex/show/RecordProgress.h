@@ -9,8 +9,8 @@
 
 namespace vex2::tool {
 
-/// How far a recording is, in one line on the terminal: a bar, frames, the time that is left and
-/// how long the last commit took, where that is known.
+/// Shows the progress of a recording in one line on the terminal: a bar, the frames and, if known,
+/// the remaining time and the duration of the last commit.
 class RecordProgress {
  public:
   explicit RecordProgress(std::string name);

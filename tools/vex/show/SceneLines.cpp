@@ -16,7 +16,7 @@ using Style = Terminal::Style;
 
 constexpr std::size_t kGroupStyles = 8;
 
-// Lines of the terminal; 24 where nothing says otherwise.
+// The number of lines of the terminal; 24 if it is unknown.
 std::size_t terminalHeight() {
   constexpr std::size_t kUsual = 24;
   winsize size{};
@@ -24,7 +24,7 @@ std::size_t terminalHeight() {
   return size.ws_row;
 }
 
-// The nearest that a terminal of eight colours has to the palette of the pictures.
+// The colour of a terminal with eight colours that is nearest to the palette of the plots.
 Style styleOf(const CellRun& run) {
   constexpr std::array<Style, kGroupStyles> kGroups = {
       Style::kBlue,   Style::kRed,  Style::kGreen, Style::kMagenta,

@@ -8,12 +8,12 @@
 
 namespace vex2::tool {
 
-/// What standard output can show of a picture: the screen but for its last line, which is the
-/// shell's, and 80 columns by 23 lines where it is no terminal.
+/// The space for a plot on standard output: the screen without its last line, which the shell
+/// needs; 80 columns by 23 lines if standard output is not a terminal.
 CellSize ScreenSize();
 
-/// The picture in lines for standard output, in colour where it has colours. Each ends in the plain
-/// style and has no line break.
+/// The plot as lines for standard output, with colours if it has colours. Each line ends in the
+/// plain style and has no line break.
 std::vector<std::string> LinesOf(const Scene& scene, const CellSize& size);
 
 }  // namespace vex2::tool

@@ -6,9 +6,9 @@
 
 namespace vex2::tool {
 
-/// How far long work is, in one line of the terminal that is written again and again; where the
-/// terminal cannot do that, in a line every ten seconds. Nothing where standard error is no
-/// terminal, nor before the work has taken so long that one would ask.
+/// Shows the progress of long work on standard error: in one line of the terminal that is rewritten
+/// or, if the terminal cannot rewrite lines, in a new line every ten seconds. Shows nothing if
+/// standard error is not a terminal, or before the work has taken `patience`.
 class ProgressLine {
  public:
   enum class AtEnd { kErase, kKeep };
@@ -18,9 +18,10 @@ class ProgressLine {
   ProgressLine(const ProgressLine&) = delete;
   ProgressLine& operator=(const ProgressLine&) = delete;
 
-  /// Whether `Show` would show anything; what it shows need not be made otherwise.
+  /// Whether `Show` would show anything. If not, the caller need not make the text.
   bool IsShown() const;
-  /// `text` is UTF-8 without control characters, and cut to the terminal's width.
+  /// Shows `text`, which is UTF-8 without control characters. It is cut to the width of the
+  /// terminal.
   void Show(std::string_view text);
 
  private:
@@ -31,8 +32,8 @@ class ProgressLine {
   bool onTerminal_;
   bool canRewrite_;
   bool drawn_ = false;
-  std::string last_;   // what was to be shown last, where lines cannot be written again
-  std::string shown_;  // what was
+  std::string last_;   // the latest text, if lines cannot be rewritten
+  std::string shown_;  // the last text that was printed
   std::chrono::steady_clock::time_point lastLine_;
   std::chrono::steady_clock::time_point begun_ = std::chrono::steady_clock::now();
 };

@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::size_t kUsualWidth = 80;
 
-// Wishes of the command line and the environment, in one.
+// The combined settings of the command line and the environment.
 struct Settings {
   std::optional<std::size_t> width;
   Terminal::Color color = Terminal::Color::kAuto;
@@ -38,8 +38,8 @@ bool isDumb() {
   return environment("TERM") == "dumb";
 }
 
-// Asks the environment, not the C library: that knows only the locales that are installed here,
-// and a terminal on another machine may be set to one of its own.
+// Reads the environment instead of asking the C library, which knows only the locales that are
+// installed here. A terminal on another machine may use another locale.
 bool isUtf8Locale() {
   std::string_view locale;
   for (const char* name : {"LC_ALL", "LC_CTYPE", "LANG"}) {

@@ -8,14 +8,14 @@
 
 namespace vex2::tool {
 
-/// The other end of an output: a person's terminal, or a file or another program. All that is
-/// printed for people asks here how wide it may be, which characters it may use and whether it may
-/// have colors. A file or another program gets lines as long as they come.
+/// The properties of an output, which is a terminal, a file or a pipe. Code that prints for people
+/// asks it for the width, the usable characters and whether colors are allowed. The width of a file
+/// or pipe is not limited.
 class Terminal : public TextForm {
  public:
   enum class Color { kAuto, kAlways, kNever };
 
-  /// What the user asks of all screens.
+  /// The width and colors that the user asks for.
   struct Wishes {
     std::optional<std::size_t> width;  ///< in columns
     Color color = Color::kAuto;
@@ -24,20 +24,20 @@ class Terminal : public TextForm {
   static constexpr std::size_t kLeastWidth = 40;
   static constexpr std::size_t kMostWidth = 10000;
 
-  /// Takes the wishes of the command line and, where they say nothing, those of the environment:
-  /// COLUMNS, NO_COLOR, TERM and the locale. Called before anything is printed; until then outputs
-  /// are taken for UTF-8 and as wide as the terminal.
+  /// Applies the options of the command line and, where they are absent, the environment: COLUMNS,
+  /// NO_COLOR, TERM and the locale. Call this before anything is printed. Until then outputs are
+  /// assumed to be UTF-8 and as wide as the terminal.
   static void Configure(const Wishes& wishes);
 
-  /// Of standard output.
+  /// The properties of standard output.
   static const Terminal& Out();
-  /// Of standard error.
+  /// The properties of standard error.
   static const Terminal& Error();
 
   explicit Terminal(int file);
 
   bool IsTerminal() const { return isTerminal_; }
-  /// Whether a line can be erased and written again.
+  /// Whether a line can be erased and rewritten.
   bool CanRewriteLines() const;
 
  private:

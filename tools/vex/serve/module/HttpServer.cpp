@@ -17,10 +17,11 @@ namespace {
 using vex2::tool::LiveServer;
 
 constexpr const char* kLoopback = "127.0.0.1";
-constexpr std::chrono::seconds kHeartbeat(2);  // how soon a viewer that went away is noticed
+constexpr std::chrono::seconds kHeartbeat(2);  // a disconnected viewer is noticed within this time
 constexpr std::size_t kPiece = std::size_t{64} << 10U;
 
-/// A thread for each connection: a viewer keeps its own for as long as it looks.
+/// Uses one thread for each connection, because a viewer occupies its thread as long as it is
+/// connected.
 class Threads final : public httplib::TaskQueue {
  public:
   void enqueue(std::function<void()> task) override {
@@ -30,7 +31,7 @@ class Threads final : public httplib::TaskQueue {
     try {
       threads_.emplace_back([this] { work(); });
     } catch (const std::system_error&) {
-      hasTask_.notify_one();  // the task waits for one of the threads that there are
+      hasTask_.notify_one();  // no new thread can be started: the task waits for an existing one
     }
   }
 
@@ -67,7 +68,8 @@ class Threads final : public httplib::TaskQueue {
   bool isEnding_ = false;
 };
 
-/// Data that were shown, and the number that tells them from others, also of an earlier server.
+/// Data that was shown, with a number that distinguishes it from other data, even of an earlier
+/// server.
 struct Shown {
   std::uint64_t id = 0;
   std::string data;
@@ -82,7 +84,8 @@ class HttpServer final : public LiveServer {
         Shown{static_cast<std::uint64_t>(std::chrono::nanoseconds(now).count()), std::move(data)});
     server_.new_task_queue = [] { return new Threads; };
     server_.set_address_family(AF_INET);
-    // Without SO_REUSEPORT, with which a second server could take the same port.
+    // Do not set SO_REUSEPORT, which the library sets by default: a second server could then use
+    // the same port.
     server_.set_socket_options([](socket_t socket) {
       const int yes = 1;
       ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
@@ -119,7 +122,7 @@ class HttpServer final : public LiveServer {
     listener_.join();
   }
 
-  // 0, or the number of the system's error.
+  // Returns 0, or the error number of the system.
   int Listen(std::uint16_t port) {
     errno = 0;
     const bool isBound = port != 0 ? server_.bind_to_port(kLoopback, port)
@@ -127,7 +130,7 @@ class HttpServer final : public LiveServer {
     if (!isBound) return errno != 0 ? errno : EADDRNOTAVAIL;
     if (port != 0) port_ = port;
     listener_ = std::thread([this] { server_.listen_after_bind(); });
-    // Before that it could not be stopped.
+    // The server can be stopped only once it is running.
     while (!server_.is_running()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
     return 0;
   }
@@ -148,8 +151,8 @@ class HttpServer final : public LiveServer {
   using Response = httplib::Response;
   using Handled = httplib::Server::HandlerResponse;
 
-  // A page from elsewhere can give its own name the address of this machine. Its requests come
-  // here, but bear that name.
+  // Refuses requests for another host name. A page from another server can make its own host name
+  // resolve to this machine; its requests then arrive here, but with that name.
   Handled admit(const Request& request, Response& response) const {
     const std::string port = ":" + std::to_string(port_);
     const std::string host = request.get_header_value("Host");
@@ -173,7 +176,8 @@ class HttpServer final : public LiveServer {
     const ShownPointer now = shown();
     const auto page = std::make_shared<const std::string>(
         pageOf_(now->data, "/events?seen=" + std::to_string(now->id)));
-    // Not as a text, which would be compressed, with more time than it saves on one machine.
+    // Use a content provider: a plain text would be compressed, which takes more time than it saves
+    // on one machine.
     response.set_content_provider(
         page->size(), "text/html",
         [this, page](std::size_t offset, std::size_t length, httplib::DataSink& sink) {
@@ -182,7 +186,7 @@ class HttpServer final : public LiveServer {
   }
 
   void answerEvents(const Request& request, Response& response) {
-    // A browser that connects again says what it saw last.
+    // A browser that reconnects sends the id of the last event that it received.
     std::string seen = request.get_header_value("Last-Event-ID");
     if (seen.empty()) seen = request.get_param_value("seen");
     const auto last = std::make_shared<std::string>(std::move(seen));
@@ -193,7 +197,7 @@ class HttpServer final : public LiveServer {
         [this](bool) { --viewers_; });
   }
 
-  // The next event, or a sign of life. False ends the connection.
+  // Sends the next event, or a heartbeat. Returning false ends the connection.
   bool sendNext(std::string& last, httplib::DataSink& sink) const {
     std::unique_lock lock(mutex_);
     changed_.wait_for(lock, kHeartbeat,
