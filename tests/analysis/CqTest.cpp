@@ -1,4 +1,4 @@
-// The rules by which a quantification cycle is found, on curves of which it is known.
+// Tests the rules for quantification cycles on curves whose cycle is known.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -23,7 +23,8 @@ using testing::HasSubstr;
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-// Level at 1 for 20 cycles, then twice as far above it in each cycle, up to 64.
+// A curve that is level at 1 for 20 cycles; then its distance from 1 doubles in each cycle, up to
+// 64.
 AmplificationCurve doubling() {
   std::vector<double> readings(20, 1);
   for (double light = 0.5; light <= 64; light *= 2) readings.push_back(1 + light);
@@ -40,7 +41,8 @@ Detector named(const std::string& name) {
 TEST(CqThreshold, IsInterpolatedOnTheLogarithm) {
   const CqResult result = ResultOf(doubling(), {.threshold = 2 * std::sqrt(2)});
   ASSERT_TRUE(result.cq);
-  EXPECT_NEAR(*result.cq, 23.5, 1e-9);  // half-way from 2, in cycle 23, to 4
+  EXPECT_NEAR(*result.cq, 23.5,
+              1e-9);  // on the logarithm, half-way between 2 (cycle 23) and 4 (cycle 24)
   EXPECT_NEAR(*ResultOf(doubling(), {.threshold = 4}).cq, 24, 1e-9);
 }
 
@@ -65,7 +67,7 @@ TEST(CqSdm, IsWhereALogisticCurveBendsMost) {
   }
   const CqResult result = ResultOf(CurveOf(readings), {.method = CqMethod::kSecondDerivative});
   ASSERT_TRUE(result.cq);
-  // Smoothing over five cycles moves it a third of a cycle ahead, in all curves of this rate.
+  // Smoothing over five cycles makes the cycle 0.33 earlier for all curves of this rate.
   EXPECT_NEAR(*result.cq, 24.3 - std::log(2 + std::sqrt(3)) / kRate - 0.33, 0.05);
   EXPECT_EQ(result.cq, result.secondDerivativeCq);
 }
@@ -111,7 +113,7 @@ TEST(NoCq, OfACurveBelowTheThresholdIsLate) {
 }
 
 TEST(NoCq, OfACurveAboveTheThresholdFromTheBeginIsEarly) {
-  // The baseline that was asked for lies behind the product, and below the begin.
+  // The given baseline is after the product, and below the begin of the curve.
   std::vector<double> readings(20, 10);
   for (double light = 60; light > 5; light -= 5) readings.push_back(light);
   readings.resize(40, 5);
@@ -167,7 +169,8 @@ TEST(Baseline, RemovesALine) {
 
 TEST(Baseline, OfFewerThanEightCyclesIsLevel) {
   AmplificationCurve curve = doubling();
-  curve.readings[3] = curve.readings[4] = 2.5;  // two cycles, so that neither is an outlier
+  curve.readings[3] = curve.readings[4] =
+      2.5;  // two adjacent cycles, so that neither counts as an outlier
   curve.readings[5] = 2.5;
   const CqResult result = ResultOf(curve, {.baseline = CycleRange{3, 5}});
   EXPECT_EQ(result.baselineSlope, 0);
@@ -207,7 +210,7 @@ TEST(Threshold, ThatIsAutomaticIsOneForAllWellsOfADetector) {
   const CqAnalysis analysis = AnalyseCurves(curves, {});
   ASSERT_EQ(analysis.detectors.size(), 2U);
   EXPECT_EQ(analysis.wells[0].threshold, analysis.wells[2].threshold);
-  // The median is that of the curve in the middle, at whose take-off it lies.
+  // The threshold is the median: the fluorescence at which the middle curve takes off.
   EXPECT_NEAR(*analysis.wells[1].cq, *analysis.wells[1].secondDerivativeCq, 0.1);
   EXPECT_NEAR(*analysis.Find("ACT")->threshold, *analysis.Find("MYC")->threshold, 0.02);
   EXPECT_EQ(analysis.Find("none"), nullptr);
@@ -227,7 +230,7 @@ TEST(MissingReadings, AreFilledOnALine) {
   for (const std::size_t cycle : {0U, 8U, 9U, 34U}) curve.readings[cycle] = kNaN;
   const CqResult result = ResultOf(curve, {.threshold = 8});
   EXPECT_NEAR(*result.cq, cq, 1e-9);
-  EXPECT_EQ(result.note, "2 missing readings filled in");  // those between others
+  EXPECT_EQ(result.note, "2 missing readings filled in");  // those at the ends are left out
   EXPECT_TRUE(std::isnan(result.corrected[8]));
 }
 
@@ -324,7 +327,7 @@ TEST(Outlier, IsNoReadingOfAGoodCurve) {
   }
 }
 
-// Three readings lie close together in one of twenty wells.
+// By chance, the three readings of a short baseline are close together in one of twenty wells.
 TEST(Noise, OfAShortBaselineIsAtLeastThatOfTheReadings) {
   std::vector<AmplificationCurve> controls;
   for (std::uint16_t number = 1; number <= 2000; ++number) {
@@ -401,7 +404,7 @@ TEST(CqOptions, OfADetectorDoNotChangeItsResults) {
   EXPECT_EQ(one.wells[0].note, both.wells[1].note);
 }
 
-// Eight wells at each of five quantities, ten times apart.
+// Curves of eight wells at each of five quantities; each quantity is ten times the previous one.
 std::vector<AmplificationCurve> series(double efficiency) {
   std::vector<AmplificationCurve> curves;
   std::uint16_t number = 0;
@@ -415,7 +418,7 @@ std::vector<AmplificationCurve> series(double efficiency) {
   return curves;
 }
 
-// The efficiency of the simulated growth falls as the plateau comes near, so what is known is the
+// The efficiency of the simulated growth falls near the plateau, so the tests compare with the
 // cycle at which the light without noise reaches the same threshold.
 TEST(SimulatedSeries, IsRecoveredWithinATenthOfACycle) {
   for (const double efficiency : {0.8, 0.9, 1.0}) {
@@ -443,7 +446,7 @@ TEST(SimulatedSeries, HasItsEfficiencyWithinTwoPercentByBothMethods) {
   }
 }
 
-// A tenth of a cycle is 7 % of the copies.
+// An error of a tenth of a cycle is an error of 7 % in the copies.
 TEST(SimulatedSeries, GivesTheCopiesOfUnknownsWithinTheirIntervals) {
   std::vector<AmplificationCurve> curves = series(0.9);
   std::uint16_t number = 100;

@@ -10,7 +10,8 @@
 
 namespace vex2::test {
 
-/// What a curve is made from. Copies grow by `efficiency` in each cycle, less near the plateau.
+/// The parameters of a simulated curve. Copies grow by `efficiency` in each cycle, and more slowly
+/// near the plateau.
 struct Growth {
   double copies = 1000;
   double efficiency = 0.95;
@@ -18,10 +19,10 @@ struct Growth {
   double brightness = 8;  ///< fluorescence of the plateau
   double baseline = 0.5;
   double drift = 0.002;  ///< per cycle
-  double noise = 0.008;  ///< standard deviation, and 0.3 % of the light
+  double noise = 0.008;  ///< standard deviation; 0.3 % of the light is added
 };
 
-/// The fluorescence of the product alone, without baseline and noise, by cycles from 0.
+/// The fluorescence of the product alone, without baseline and noise. Cycles count from 0.
 inline std::vector<double> LightOf(const Growth& growth, std::size_t cycles) {
   std::vector<double> light = {0};
   double copies = growth.copies;
@@ -32,7 +33,7 @@ inline std::vector<double> LightOf(const Growth& growth, std::size_t cycles) {
   return light;
 }
 
-/// The cycle at which the light alone reaches `threshold`, on the logarithm between two cycles.
+/// The cycle at which the light without noise reaches `threshold`, interpolated on the logarithm.
 inline double TrueCq(const Growth& growth, double threshold, std::size_t cycles = 60) {
   const std::vector<double> light = LightOf(growth, cycles);
   for (std::size_t cycle = 2; cycle < light.size(); ++cycle) {
@@ -43,7 +44,7 @@ inline double TrueCq(const Growth& growth, double threshold, std::size_t cycles 
   return NAN;
 }
 
-/// A curve of these readings, from cycle 1.
+/// A curve with these readings, beginning at cycle 1.
 inline lab::AmplificationCurve CurveOf(std::vector<double> readings, std::uint16_t number = 1) {
   lab::AmplificationCurve curve;
   curve.well.number = number;
@@ -57,7 +58,7 @@ inline lab::AmplificationCurve CurveOf(std::vector<double> readings, std::uint16
   return curve;
 }
 
-/// A measured curve: the light with baseline, drift and noise.
+/// A simulated measured curve: the light with baseline, drift and noise.
 inline lab::AmplificationCurve Measured(const Growth& growth, std::uint16_t number = 1,
                                         std::size_t cycles = 40) {
   std::mt19937 random(1000U + number);

@@ -1,4 +1,4 @@
-// The rules by which melting peaks are found, on curves of which they are known.
+// Tests the rules for melting peaks on curves whose peaks are known.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -13,7 +13,7 @@ using lab::AllPeaks;
 using lab::DerivativeOf;
 using lab::MeltPeak;
 
-// A product of this brightness comes apart around `at`, as a logistic curve.
+// A product of this brightness that melts around `at`; its fluorescence falls as a logistic curve.
 struct Product {
   double at;
   double brightness = 4;
@@ -42,8 +42,8 @@ std::vector<MeltPeak> peaksOf(const Melt& melt) {
   return AllPeaks(melt.temperatures, DerivativeOf(melt.temperatures, melt.readings).values);
 }
 
-// The derivative of a logistic curve is 3.5255 steepnesses wide at half its height, brightness /
-// (4 steepness). A window of 2 degrees widens the peak a little.
+// The peak in the derivative of a logistic curve has the height brightness / (4 steepness), and at
+// half of it the width 3.5255 steepness. The window of 2 degrees makes the peak slightly wider.
 TEST(MeltPeaks, HaveTheTemperatureAndWidthOfTheProduct) {
   const auto peaks = peaksOf(meltOf({{.at = 81.33, .brightness = 4, .steepness = 1}}));
   ASSERT_EQ(peaks.size(), 1U);
@@ -67,7 +67,7 @@ TEST(MeltPeaks, OnAShoulderHaveTheProminenceAboveTheValley) {
   ASSERT_EQ(peaks.size(), 2U);
   EXPECT_EQ(peaks[0].prominence, 9);  // above 1, the higher of both ends
   EXPECT_EQ(peaks[1].prominence, 2);  // above the valley of 6
-  // Half-way down, at 7: from 73.5 to 74.2.
+  // At half of the prominence, 7, the peak reaches from 73.5 to 74.2.
   EXPECT_NEAR(peaks[1].width, 0.7, 1e-9);
 }
 

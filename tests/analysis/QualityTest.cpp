@@ -1,4 +1,4 @@
-// What a person is told to look at before using results.
+// Tests the findings that a person should look at before using results.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

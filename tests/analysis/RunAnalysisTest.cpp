@@ -1,4 +1,5 @@
-// What is analysed of a document, and what is said of one that cannot be.
+// Tests which parts of a document are analysed, and the errors for documents that cannot be
+// analysed.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -28,7 +29,7 @@ using testing::HasSubstr;
 
 class RunAnalysisTest : public TempFolderTest {
  protected:
-  /// A plan of two wells, each of which has this detector.
+  /// A plan of two wells, each with a detector of this reporter.
   static RecordingPlan planOf(const std::string& reporter) {
     RecordingPlan plan;
     for (std::uint16_t number = 1; number <= 2; ++number) {
@@ -41,7 +42,8 @@ class RunAnalysisTest : public TempFolderTest {
     return plan;
   }
 
-  /// Records a simulated curve in each well; in channel c, from 0, from 10^(c + 2) copies.
+  /// Records a simulated curve in each well. The curve in channel c (from 0) starts with 10^(c + 2)
+  /// copies.
   void record(const RecordingPlan& plan, std::size_t cycles) {
     lab::RunRecorder recorder(path_, plan);
     const std::size_t channels = std::max<std::size_t>(plan.channels.size(), 1);
@@ -156,7 +158,7 @@ TEST_F(RunAnalysisTest, TakesNoNumbersThatAreNone) {
   EXPECT_TRUE(analysis.detectors[0].isThresholdAutomatic);
 }
 
-// More wells than any plate has: nobody but a hostile program makes such a document.
+// No real plate has so many wells, but a malicious document can.
 TEST_F(RunAnalysisTest, Of65535WellsIsAnalysed) {
   constexpr std::uint16_t kWells = 65535;
   Vex2FileManager document;

@@ -1,4 +1,4 @@
-// Standard curves, the quantities that are read off them, and relative quantities.
+// Tests standard curves, the quantities computed from them, and relative quantities.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -24,7 +24,7 @@ StandardPoint standardOf(double quantity, std::optional<double> cq) {
   return {.well = {}, .quantity = quantity, .cq = cq, .residual = 0};
 }
 
-// Cycles on the line 38 - 10/3 x log10(quantity), some above and below it.
+// Cycles scattered about the line 38 - 10/3 x log10(quantity).
 std::vector<StandardPoint> scattered() {
   std::vector<StandardPoint> points;
   for (const double quantity : {1e1, 1e2, 1e3, 1e4}) {
@@ -59,7 +59,7 @@ TEST(StandardCurve, OfALineHasItsSlopeAndEfficiency) {
   EXPECT_EQ(curve->limitOfDetection, 1);
 }
 
-// Worked by hand: 12 wells, residuals of 0.1, so s^2 = 8 x 0.01 / 10 and Sxx = 3 x 5.
+// Computed by hand: 12 wells, residuals of 0.1, so s^2 = 8 x 0.01 / 10 and Sxx = 3 x 5.
 TEST(StandardCurve, HasTheIntervalsOfRegression) {
   const auto curve = FitStandardCurve("MYC", scattered());
   ASSERT_TRUE(curve && curve->efficiencyLow && curve->efficiencyHigh);
@@ -167,7 +167,8 @@ std::vector<CqResult> comparedWells() {
           wellOf("kidney", "ACT", 19),  wellOf("kidney", "ACT", 19.2)};
 }
 
-// Livak: liver is the calibrator, 6 cycles behind its control, kidney 3: 2^3 times as much.
+// The method of Livak: the target is 6 cycles later than the control in liver, the calibrator, and
+// 3 cycles later in kidney. Kidney therefore has 2^3 times as much.
 TEST(RelativeQuantity, IsTwoToTheMinusDeltaDeltaCq) {
   const auto quantities = lab::RelativeQuantitiesOf(
       comparedWells(), {}, {.calibrator = "liver", .endogenousControl = "ACT"});
@@ -177,13 +178,15 @@ TEST(RelativeQuantity, IsTwoToTheMinusDeltaDeltaCq) {
   EXPECT_NEAR(quantities[1].deltaCq, 3, 1e-9);
   EXPECT_NEAR(*quantities[1].deltaDeltaCq, -3, 1e-9);
   EXPECT_NEAR(*quantities[1].ratio, 8, 1e-9);
-  EXPECT_NEAR(*quantities[1].deviation, 0.2, 1e-9);  // both means are of two, 0.2 apart
+  EXPECT_NEAR(*quantities[1].deviation, 0.2,
+              1e-9);  // each mean is of two cycles that differ by 0.2
   EXPECT_NEAR(*quantities[1].ratioLow, std::exp2(2.8), 1e-9);
   EXPECT_NEAR(*quantities[1].ratioHigh, std::exp2(3.2), 1e-9);
   EXPECT_EQ(quantities[1].correctedRatio, std::nullopt);
 }
 
-// Pfaffl: 1.9^2 for the target, 2 cycles earlier, over 1.8^-1 for the control, 1 later.
+// The method of Pfaffl: the target is 2 cycles earlier, which is 1.9^2; the control is 1 cycle
+// later, which is 1.8^-1. The ratio is the first divided by the second.
 TEST(RelativeQuantity, IsCorrectedByTheEfficiencies) {
   const auto detector = [](const std::string& name, double efficiency) {
     DetectorResult result;

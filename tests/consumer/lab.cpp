@@ -1,5 +1,5 @@
-// A program that uses only the installed library for laboratories: records a run, resumes it, reads
-// it, edits it, checks, repairs and recovers it.
+// A program that uses only the installed library `vex2::lab`: it records a run, resumes, reads,
+// edits, checks, repairs and recovers it.
 #include <cstdio>
 #include <fstream>
 #include <string>
@@ -51,8 +51,9 @@ int main(int count, char** arguments) {
   {
     lab::RunRecorder recorder(arguments[1], plan, {.resume = true});
     try {
-      recorder.Append(lab::MeasuredFrame{.cycle = 2, .wells = {}});  // has no reading
-    } catch (const lab::Error& error) {  // its type is known across the library's border
+      recorder.Append(lab::MeasuredFrame{.cycle = 2, .wells = {}});  // the frame has no readings
+    } catch (
+        const lab::Error& error) {  // the program can catch an exception that the library throws
       std::printf("%zu frame; %s\n", recorder.RecordedFrames(), error.what());
       recorder.Finish();
       const lab::RunReader run(arguments[1]);

@@ -1,4 +1,4 @@
-// A host that sees only what is installed: makes a document, saves it and reads it back.
+// A host that uses only installed files: it makes a document, saves it and reads it back.
 #include <cstdio>
 
 #include "vex2/framework/ExtensionModule.h"

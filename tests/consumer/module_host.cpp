@@ -1,4 +1,4 @@
-// A host that is linked with the library, names nothing of it, and finds its classes.
+// A host that links the library but uses no symbol of it. It must find the classes of the library.
 #include "vex2/framework/CObject.h"
 #include "vex2/framework/ExtensionModule.h"
 

@@ -21,7 +21,7 @@ using vex2::test::RecordDeclaring;
 
 class Component : public vex2::test::StreamTest {};
 
-// One of each kind that a document can hold.
+// One component of each kind that a document can hold.
 std::vector<std::unique_ptr<CComponent>> oneOfEachKind() {
   std::vector<std::unique_ptr<CComponent>> components(vex2::kTagRowCount);
   for (int row = 0; row < vex2::kTagRowCount; ++row) {
@@ -30,7 +30,8 @@ std::vector<std::unique_ptr<CComponent>> oneOfEachKind() {
   return components;
 }
 
-// A pointer to a virtual member holds the slot's distance from the start of the table, and 1.
+// Returns the slot of a virtual member function. A pointer to it holds the slot's distance in bytes
+// from the start of the table, plus 1.
 template <typename Member>
 int slotOf(Member member) {
   std::intptr_t parts[2];

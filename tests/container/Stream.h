@@ -10,17 +10,17 @@
 
 namespace vex2::test {
 
-/// For tests that bring single components to a file and back.
+/// Base of tests that write single components to a file and read them back.
 class StreamTest : public TempFolderTest {
  protected:
-  /// The file, open for reading, with these bytes.
+  /// Writes these bytes to the file and opens it for reading.
   CFile& Holding(const std::string& bytes) {
     WriteBytes(path_, ToBytes(bytes));
     EXPECT_TRUE(file_.Open(path_.c_str(), CFile::modeRead));
     return file_;
   }
 
-  /// What the component writes.
+  /// The bytes that the component writes.
   std::string Written(CComponent& component) {
     EXPECT_TRUE(file_.Open(path_.c_str(), CFile::modeWrite | CFile::modeCreate));
     EXPECT_EQ(component.Write(&file_), 0);

@@ -20,7 +20,7 @@
 
 namespace {
 
-// The tags for which the factory makes just this class.
+// The tags for which the factory makes exactly this class.
 template <typename Component>
 std::string tagsOf() {
   std::string tags;

@@ -11,7 +11,7 @@
 namespace vex2::test {
 namespace {
 
-// The rows of the tag table in docs/format.md: two kinds stand in each line.
+// The rows of the tag table in docs/format.md. Each line of the table holds two kinds.
 std::map<int, std::string> documentedTags() {
   std::ifstream document(SourcePath("docs/format.md"));
   const std::regex cell("\\| (\\d+) \\| `(.{4})` \\|");

@@ -15,8 +15,8 @@ using Reason = WalkFault::Reason;
 constexpr const char* kWalkedFile = "/walked.vex";
 constexpr std::uint64_t kFirstRecord = 1024;
 
-// Writes down what the walk tells: "(TAG" where a record begins, ")" where it ends, "-" for four
-// bytes that are passed over.
+// Notes the events of a walk: "(TAG" for the begin of a record, ")" for its end, "-" for four
+// skipped bytes.
 class Notes final : public RecordVisitor {
  public:
   void Begin(const FileRecord& record, CFile& /*file*/) override {

@@ -1,6 +1,6 @@
-// The library finds in a document what its sidecar says, and so what a reader finds that was
-// written from the format's description alone. Sidecars with a kind of record that the library does
-// not know are skipped.
+// Checks that the library finds in each document what its sidecar file says. A reader that was
+// written from docs/format.md alone finds the same. Sidecars with a kind of record that the library
+// does not know are skipped.
 
 #include <gtest/gtest.h>
 
@@ -38,7 +38,7 @@ std::string bytesOf(const CBlockValueComp& block) {
   return data != nullptr ? std::string(data, block.GetLength()) : std::string();
 }
 
-// A sidecar's characters stand for one byte each.
+// Each character in a sidecar means one byte.
 std::string latin1(const std::string& utf8) {
   std::string bytes;
   for (std::size_t i = 0; i < utf8.size(); ++i) {
@@ -190,7 +190,7 @@ void compareValue(const CComponent& component, const std::string& kind, const js
   EXPECT_EQ(isText ? found : hexOf(found), isText ? latin1(expected) : expected.get<std::string>());
 }
 
-// The bytes of a float tell also numbers that are none apart.
+// Compares bytes, because values that are not numbers (NaN) can also differ.
 void compareStoredFloat(const CComponent& component, const std::string& bytes) {
   const auto* number = dynamic_cast<const CFloatValueComp*>(&component);
   ASSERT_NE(number, nullptr);
@@ -240,7 +240,8 @@ void compare(const CComponent& component, const json& expected) {
   }
 }
 
-// Records that are not held are of tags that nobody knows, and stand where the sidecar says.
+// Checks the records that the library drops: their tags are unknown, and they are at the offsets in
+// the sidecar.
 void compareDropped(const vex2::test::Bytes& document, const json& expected) {
   for (const json& record : expected.value("dropped", json::array())) {
     const auto offset = record["offset"].get<std::size_t>();

@@ -153,7 +153,7 @@ TEST_F(FileLock, OnAFileThatWasReplacedIsTakenOnTheNewOne) {
 }
 
 TEST_F(FileLock, OnAFileThatIsReplacedAgainAndAgainIsGivenUpInTime) {
-  // Each time that the file is open, the path leads to another one.
+  // Replaces the file at the path each time after it was opened.
   struct Replacing : QuickFiles {
     int StatPath(const char* path, struct stat& info) override {
       now += 500;
@@ -227,7 +227,7 @@ TEST(FileLockOfAnotherProcess, Counts) {
   const auto start = std::chrono::steady_clock::now();
   EXPECT_FALSE(file.Open(path.c_str(), CFile::modeRead));
   EXPECT_GE(std::chrono::steady_clock::now() - start, 1900ms);
-  // The end of a process gives its lock up, however it comes.
+  // A process releases its lock when it ends, in whatever way it ends.
   std::thread ending([&] {
     std::this_thread::sleep_for(200ms);
     EXPECT_EQ(write(go[1], "g", 1), 1);

@@ -33,7 +33,7 @@ class Replacement : public vex2::test::TempFolderTest {
  protected:
   void SetUp() override { WriteBytes(path_, ToBytes("old content")); }
 
-  // 0, or the error number of what refused.
+  // Returns 0, or the error number of the call that failed.
   int save(const std::string& path, const std::string& text = "new") {
     CFileException error;
     if (!file_.OpenReplacement(path.c_str(), &error)) return error.GetError();
@@ -54,7 +54,7 @@ class Replacement : public vex2::test::TempFolderTest {
     EXPECT_EQ(::stat(path.c_str(), &info), 0);
     return info.st_ino;
   }
-  // Nothing half made is left lying about.
+  // The number of files in the folder, to check that no temporary file remains.
   int filesInFolder() const {
     int count = 0;
     for ([[maybe_unused]] const auto& entry : fs::directory_iterator(folder_.Path())) ++count;

@@ -30,7 +30,7 @@ class File : public vex2::test::TempFolderTest {
     return text;
   }
   void holds(const std::string& text) { WriteBytes(path_, ToBytes(text)); }
-  // A content in which every place can be told from every other.
+  // Content in which every offset can be recognised by the bytes around it.
   static Bytes pattern(std::size_t size) {
     Bytes bytes(size);
     for (std::size_t i = 0; i < size; ++i) {

@@ -24,7 +24,7 @@ constexpr std::array<const CRuntimeClass*, 2> kNullClasses = {&kPlotter, nullptr
 constexpr ExtensionModule kFiles{"files", kFileClasses};
 constexpr ExtensionModule kPlots{"plots", kPlotClasses};
 
-// Every test ends with nothing registered, and says so.
+// Checks after every test that no module is registered.
 class ExtensionModuleTest : public testing::Test {
  protected:
   void SetUp() override { ASSERT_TRUE(RegisterModule(kFiles)); }

@@ -1,4 +1,5 @@
-// The calls on the system itself, and what a new file takes over from the one whose place it takes.
+// Tests the real system calls, and the attributes that a new file copies from the file that it
+// replaces.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/xattr.h>
@@ -43,8 +44,8 @@ class CopiedAttributes : public TempFolderTest {
 };
 
 TEST_F(CopiedAttributes, IncludeTheAccessList) {
-  // Version 2; its owner, one other user, the group, the mask and all others, each with what they
-  // may do and a number.
+  // An access list of version 2: entries for the owner, one other user, the group, the mask and all
+  // others, each with its permissions and a number.
   const std::string list(
       "\2\0\0\0"
       "\1\0\6\0\377\377\377\377"
@@ -65,8 +66,8 @@ TEST_F(CopiedAttributes, OfFilesThatAreNotOpenAreAFailure) {
   EXPECT_EQ(files_.CopyAttributes(model_, -1), -EBADF);
 }
 
-// The disk cannot be asked whether it stored anything, but the system refuses to sync what is not
-// open: it was asked.
+// A test cannot see whether the disk stored anything. But a sync of a file that is not open fails,
+// which shows that the system was called.
 TEST(SystemFiles, AreSyncedByTheSystem) {
   FileSystem files;
   EXPECT_EQ(files.SyncData(-1), -EBADF);

@@ -1,4 +1,4 @@
-// The rules that the lists of texts, pointers and objects share.
+// Tests the rules that the lists of texts, pointers and objects share.
 #include <gtest/gtest.h>
 
 #include <string>

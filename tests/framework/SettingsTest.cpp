@@ -1,4 +1,4 @@
-// The console host's settings files.
+// Tests the settings files of the console host.
 #include <gtest/gtest.h>
 #include <stdlib.h>
 #include <sys/stat.h>
@@ -28,12 +28,12 @@ Setting text(std::string value) {
 
 class SettingsTest : public TempFolderTest {
  protected:
-  // The value of "Name" in a file with this content.
+  // Returns the value of "Name" in a file with this content.
   Setting find(const std::string& content) {
     WriteBytes(file_, ToBytes(content));
     return FindSetting({&file_, 1}, kKey, "Name");
   }
-  // The same for a line of the right section.
+  // Returns the value of "Name" in a file with this line in the right section.
   Setting findLine(const std::string& line) {
     return find("[Software\\Orbanet Scientific\\Vex2]\n" + line);
   }

@@ -1,4 +1,4 @@
-// The document library as a module of an application that is linked with it.
+// Tests the document library as a module of an application that links it.
 #include <gtest/gtest.h>
 
 #include <string>

@@ -1,4 +1,4 @@
-// Check, Repair and Recover as programs call them.
+// Tests the functions Check, Repair and Recover.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -33,7 +33,7 @@ class CheckRepairRecover : public TempFolderTest {
     }
   }
 
-  // What a commit that was cut off leaves behind.
+  // Appends uncommitted bytes, as an interrupted commit leaves them.
   void leaveUncommittedBytes(std::size_t count = 20) {
     Bytes bytes = ReadBytes(path_);
     bytes.insert(bytes.end(), count, 0);
@@ -57,7 +57,7 @@ TEST_F(CheckRepairRecover, CheckThrowsForMissingFile) {
   EXPECT_EQ(ErrorOf([&] { lab::Check(folder_ / "none.vex"); }).Code(), ErrorCode::kNoSuchFile);
 }
 
-// Every eleventh byte of the document, in turn, is the one that is damaged.
+// Damages one byte of the document at a time: each eleventh byte in turn.
 TEST_F(CheckRepairRecover, CheckAdvisesNoRepairThatWouldFindNothingToDo) {
   const Bytes sound = ReadBytes(path_);
   int advised = 0;

@@ -83,7 +83,7 @@ TEST_F(DiffTest, ReadingsAreComparedWithinTheTolerance) {
   EXPECT_THAT(Diff(one_, other_, {.readings = false}), IsEmpty());
 }
 
-// Edits of which each changes one value in one place, and what Diff must say of it.
+// Makes one edit at a time, each of one value, and checks that Diff reports exactly this edit.
 TEST_F(DiffTest, NamesExactlyTheEdits) {
   std::mt19937 random(7);
   const auto below = [&](std::size_t count) {

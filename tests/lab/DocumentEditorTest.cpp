@@ -1,4 +1,4 @@
-// DocumentEditor as programs use it.
+// Tests DocumentEditor as programs use it.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -57,7 +57,7 @@ TEST_F(DocumentEditorTest, SaveChangesSampleAndKeepsTheRest) {
 
 TEST_F(DocumentEditorTest, SaveKeepsRawReadingsLast) {
   DocumentEditor editor(path_);
-  editor.Set("calibrator", std::string("liver"));  // a record of its own, at the end
+  editor.Set("calibrator", std::string("liver"));  // stored as a separate record, at the end
   editor.Save();
   EXPECT_EQ(lab::Document(path_).Records().back().tag, "RAWa");
 }
@@ -84,7 +84,7 @@ TEST_F(DocumentEditorTest, SaveRefusesDocumentThatHasChanged) {
   EXPECT_EQ(ReadBytes(path_), other);
 }
 
-// Such a file cannot be replaced by another, so that a save empties it and writes into it.
+// A file with hard links cannot be replaced by a new file, so a save empties it and writes into it.
 TEST_F(DocumentEditorTest, SaveRefusesChangedDocumentWithHardLinks) {
   std::filesystem::create_hard_link(path_, folder_ / "other.vex");
   DocumentEditor editor(path_);
@@ -307,7 +307,7 @@ TEST_F(DocumentEditorTest, RefusesDocumentReadInPart) {
 }
 
 TEST_F(DocumentEditorTest, RefusesHeaderThatCannotBeSaved) {
-  constexpr int kRows = 300;  // more than end within the header
+  constexpr int kRows = 300;  // more rows than the header has room for
   WriteBytes(path_, StoredHeader(0, kRows));
   EXPECT_TRUE(RunReader(path_).IsWhole());
   EXPECT_THAT(ErrorOf([&] { DocumentEditor{path_}; }).what(),

@@ -1,4 +1,4 @@
-// Recorders, and commands that change a document, keep out of each other's way.
+// Tests that recorders and commands that change a document exclude each other.
 #include <gmock/gmock.h>
 #include <sys/file.h>
 #include <sys/syscall.h>
@@ -24,7 +24,7 @@ using lab::ErrorCode;
 using testing::HasSubstr;
 using Holder = DocumentLock::Holder;
 
-// What happens between the next lock's opening its file and locking it.
+// Called once, after the next lock has opened its file and before it locks the file.
 std::function<void()> beforeLock;
 
 class DocumentLockTest : public TempFolderTest {
@@ -63,14 +63,14 @@ TEST_F(DocumentLockTest, CommandIsWaitedFor) {
   std::optional<DocumentLock> first(std::in_place, path_, Holder::kCommand);
   auto second =
       std::async(std::launch::async, [&] { const DocumentLock lock(path_, Holder::kCommand); });
-  // Longer than a holder is waited for that does not call itself a command.
+  // Longer than a lock waits if the holder is not a command.
   EXPECT_EQ(second.wait_for(std::chrono::milliseconds(400)), std::future_status::timeout);
   first.reset();
   EXPECT_NO_THROW(second.get());
 }
 
-// Each holder removes the lock's file at its end, perhaps between another one's opening it and
-// locking it.
+// A holder removes the lock file when it ends, which can be after another one has opened the file
+// and before that one locks it.
 TEST_F(DocumentLockTest, RemovedFileIsNoLock) {
   beforeLock = [&] { EXPECT_TRUE(std::filesystem::remove(folder_ / ".run.vex.recording")); };
   const DocumentLock recorder(path_, Holder::kRecorder);
@@ -81,7 +81,7 @@ TEST_F(DocumentLockTest, RemovedFileIsNoLock) {
 }  // namespace
 }  // namespace vex2::test
 
-// Takes the place of the system's function in this test program.
+// Replaces the system's function in this test program.
 extern "C" int flock(int file, int operation) noexcept {
   if (vex2::test::beforeLock) std::exchange(vex2::test::beforeLock, nullptr)();
   return static_cast<int>(::syscall(SYS_flock, file, operation));

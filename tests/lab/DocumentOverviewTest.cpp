@@ -19,7 +19,7 @@ using testing::ElementsAre;
 constexpr std::uint16_t kWells = 2;
 constexpr int kFrames = 3;
 
-/// A document with a comment, and raw readings of which nobody states the meaning.
+/// A document with a comment, and raw readings whose meaning is unknown because there is no log.
 class OverviewTest : public TempFolderTest {
  protected:
   std::string Saved() const {
@@ -104,7 +104,7 @@ TEST_F(OverviewTest, SpectrumIsOfTheWellThatIsNamed) {
   EXPECT_THROW(SpectrumOf(document, document.Itself(), "A2", kFrames), lab::Error);
 }
 
-/// Keeps the values of the records of one kind each.
+/// Collects the values of the records, by kind.
 struct ValueReader final : RecordVisitor {
   void Begin(const FileRecord& record, CFile& file) override {
     values.push_back(lab::ReadRecordValue(file, record));

@@ -6,7 +6,7 @@
 
 namespace vex2::test {
 
-/// The error that `work()` throws. The test fails when it throws none.
+/// Returns the error that `work()` throws. The test fails if it throws none.
 template <typename Work>
 lab::Error ErrorOf(const Work& work) {
   try {

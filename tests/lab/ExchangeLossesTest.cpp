@@ -17,7 +17,7 @@ using namespace vex2::lab;
 using namespace vex2::test;
 using testing::HasSubstr;
 
-// What exports and imports say of values that did not come over as they were.
+// Tests what exports and imports report about values that they lose or change.
 class ExchangeLosses : public TempFolderTest {
  protected:
   static void record(const std::string& path, const RecordingPlan& plan,

@@ -13,7 +13,7 @@ using namespace vex2::lab;
 using namespace vex2::test;
 using testing::HasSubstr;
 
-// What each import says of a file that is wrong in one place.
+// Tests the error of each import for a file with one fault.
 class ExchangeRefusals : public TempFolderTest {
  protected:
   std::string messageOf(const std::string& content, const ImportOptions& options = {}) {

@@ -15,7 +15,7 @@ using namespace vex2::test;
 
 class GrowingCurvesTest : public TempFolderTest {
  protected:
-  // The curves after so many frames of the run.
+  // The curves after the first `frames` frames of the run.
   Scene after(std::size_t frames) const {
     RunFollower follower(path_);
     GrowingCurves curves;

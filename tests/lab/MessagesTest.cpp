@@ -1,4 +1,4 @@
-// What lab's errors say to programs: whole sentences, in the terms of lab's own interface.
+// Tests that the errors of `vex2::lab` are whole sentences that use the names of its own interface.
 #include <functional>
 #include <vector>
 
@@ -24,7 +24,7 @@ class LabMessages : public TempFolderTest {
     return plan;
   }
 
-  // What a recorder says to `plan` after `change`.
+  // Returns the error of a recorder for the plan after `change`.
   std::string refusal(const std::function<void(lab::RecordingPlan&)>& change) const {
     lab::RecordingPlan plan = planned();
     change(plan);

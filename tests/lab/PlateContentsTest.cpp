@@ -23,7 +23,8 @@ WellRow Row(const std::string& target, const std::string& task, float quantity) 
   return row;
 }
 
-// A document whose well A3 has one detector twice, without that detector in its list.
+// Makes a document whose well A3 has one detector twice, and whose list of detectors lacks this
+// detector.
 void FillWithRepeatedTarget(Vex2FileManager& document) {
   Vex2PlateSetup setup;
   setup.Resize(96);

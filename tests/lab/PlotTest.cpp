@@ -109,7 +109,7 @@ std::string textOf(const CellPicture& picture) {
   return text;
 }
 
-// A curve for each group.
+// A scene with `groups` groups of one curve each.
 Scene sceneOfGroups(std::size_t groups) {
   Scene scene;
   scene.legend.title = "sample";

@@ -23,7 +23,7 @@ class RdmlExport : public TempFolderTest {
   }
 };
 
-// What an import without the embedded document must bring back.
+// Checks everything that an import restores without the embedded document.
 void ExpectSameRun(const RunReader& imported, const RunReader& original) {
   EXPECT_EQ(imported.Detectors(), original.Detectors());
   EXPECT_EQ(imported.RequiredDyes(), original.RequiredDyes());

@@ -21,10 +21,10 @@
 #include "tests/support/Files.h"
 #include "tests/support/SampleData.h"
 
-/// RDML files for tests: made by hand as other programs write them, and checked by the schema.
+/// RDML files for tests: written by hand as other programs write them, and checked with the schema.
 namespace vex2::test {
 
-/// RDML as another program might write it: a plate of three wells, with one thing done otherwise.
+/// RDML as another program might write it: a plate of three wells. Each member changes one detail.
 struct ForeignRdml {
   std::string version = "1.2";
   std::string prefix;  // of the namespace
@@ -72,7 +72,7 @@ struct ForeignRdml {
     return prefix.empty() ? text : Prefixed(text);
   }
 
-  // Every element with the prefix, which stands for the namespace.
+  // Puts the prefix of the namespace before the name of every element.
   std::string Prefixed(const std::string& text) const {
     std::string result;
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -86,7 +86,7 @@ struct ForeignRdml {
   }
 };
 
-/// An archive of these members, by name and content.
+/// Writes an archive with these members, given by name and content.
 inline void WriteZip(const std::string& path,
                      const std::vector<std::pair<std::string, std::string>>& members) {
   lab::ZipWriter zip;
@@ -100,7 +100,7 @@ inline void WriteZip(const std::string& path,
   zip.Write(out, path);
 }
 
-/// The member of the archive.
+/// Returns the content of a member of the archive.
 inline std::string ReadMember(const std::string& path, const std::string& name) {
   const lab::ZipReader zip(path, path);
   std::string text;
@@ -121,20 +121,20 @@ inline std::string TextOf(const std::string& path) {
   return text.str();
 }
 
-/// Whether there is a program to check XML by a schema.
+/// Whether the program that checks XML with a schema is installed.
 inline bool HasSchemaCheck() {
   return std::system("xmllint --version >/dev/null 2>&1") == 0;  // NOLINT: a fixed command
 }
 
-/// What the schema of this version has against the XML in the file; empty when it is valid.
+/// Returns the faults that the schema of this version finds in the XML; empty if it is valid.
 inline std::string SchemaFaults(const std::string& xml, const std::string& version = "1_3") {
   const std::string schema = SourcePath("tests/data/rdml/RDML_v" + version + "_REC.xsd").string();
   const std::string command =
       "xmllint --noout --schema '" + schema + "' '" + xml + "' >'" + xml + ".faults' 2>&1";
-  return std::system(command.c_str()) == 0 ? "" : TextOf(xml + ".faults");  // NOLINT: own paths
+  return std::system(command.c_str()) == 0 ? "" : TextOf(xml + ".faults");  // NOLINT: test paths
 }
 
-/// Exports the document and answers the archive's path.
+/// Exports the document and returns the path of the archive.
 inline std::string ExportTo(const std::string& document, const std::string& path,
                             const lab::RdmlOptions& options = {}, lab::Losses* losses = nullptr) {
   std::ofstream out(path, std::ios::binary);
@@ -143,7 +143,7 @@ inline std::string ExportTo(const std::string& document, const std::string& path
   return path;
 }
 
-/// Every document that can be read whole: those of the tests, and the samples.
+/// The paths of all documents of the tests and all sample documents that can be read completely.
 inline std::vector<std::string> WholeDocuments() {
   std::vector<std::string> paths;
   for (const auto& entry : std::filesystem::directory_iterator(SourcePath("tests/data"))) {
@@ -160,7 +160,7 @@ inline std::vector<std::string> WholeDocuments() {
   return paths;
 }
 
-/// Records the measured run of the samples for a plate of "96" or "384" wells.
+/// Records the measured run from the sample data for a plate of "96" or "384" wells.
 inline void RecordReal(const std::string& plate, const std::string& path) {
   lab::MeasuredRunFiles files;
   files.readings = SampleFolder() / "real" / ("calibration-" + plate + "-readings.csv");
@@ -172,7 +172,7 @@ inline void RecordReal(const std::string& plate, const std::string& path) {
   ASSERT_EQ(document.SaveToFile(path.c_str()), 0);
 }
 
-/// The count of a loss; 0 where there is none.
+/// The count of the loss `what`; 0 if it is not listed.
 inline std::uint64_t CountOf(const lab::Losses& losses, std::string_view what) {
   for (const lab::Loss& loss : losses.List()) {
     if (loss.what == what) return loss.count;

@@ -10,8 +10,8 @@ namespace {
 using namespace vex2::lab;
 using namespace vex2::test;
 
-// Writes RDML as the schema allows it, with whatever is optional there or missing, and knows what a
-// document must hold of it.
+// Writes random RDML that the schema allows; optional elements are present or missing at random.
+// Knows which values a document must hold after the import.
 class RdmlGenerator {
  public:
   explicit RdmlGenerator(unsigned seed) : random_(seed), isNew_(seed % 2 == 0) {}
@@ -20,7 +20,7 @@ class RdmlGenerator {
     int well = 0;
     std::string dye;
     bool melting = false;
-    int cycle = 0;  // of a melting: the place of the temperature
+    int cycle = 0;  // in a melting: the index of the temperature
     int reading = 0;
   };
 
@@ -174,7 +174,7 @@ TEST_F(RdmlGenerated, FilesOfEveryShapeAreValidAndImported) {
   }
 }
 
-// What a file lacks at its end, an error tells with the line.
+// If the end of a file is missing, the error names the line.
 TEST_F(RdmlGenerated, FilesThatAreCutOffAreRefused) {
   RdmlGenerator generator(1);
   const std::string text = generator.Text();

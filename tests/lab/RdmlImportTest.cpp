@@ -311,7 +311,7 @@ TEST_F(RdmlImport, OddPlatesKeepPlacesOrNumbers) {
     return RunReader(target_).Wells().front();
   };
   EXPECT_EQ(imported(6, 8, 9), 13);    // B1
-  EXPECT_EQ(imported(72, 1, 72), 72);  // a ring of tubes
+  EXPECT_EQ(imported(72, 1, 72), 72);  // a rotor with 72 tubes
   EXPECT_EQ(imported(1, 36, 30), 30);
   EXPECT_EQ(imported(16, 24, 384), 384);
   EXPECT_THAT(ErrorOf([&] { imported(72, 72, 1); }).Message(), HasSubstr("up to 384 wells"));

@@ -13,7 +13,8 @@ namespace {
 using namespace vex2::lab;
 using namespace vex2::test;
 
-// The kind of loss that tells a difference, by its section, or by its section and field.
+// The kinds of losses that explain a difference. The key is the section of the difference, or its
+// section and field.
 const std::map<std::string, std::vector<std::string>>& explanations() {
   static const std::map<std::string, std::vector<std::string>> known = {
       {"header/assay", {"fields of headers"}},
@@ -68,7 +69,7 @@ const std::map<std::string, std::vector<std::string>>& explanations() {
   return known;
 }
 
-// Of these no loss of another kind is an excuse.
+// Differences that no loss of another kind may explain.
 constexpr std::array kNeverExcused = {
     "wells/sample",  "wells/task",           "wells/quantity",       "detectors/reporter",
     "program/bytes", "readings/RAWa values", "readings/RAWa frames", "readings/RAWa wells"};
@@ -77,7 +78,7 @@ std::string nameOf(const Difference& difference) {
   return difference.section + (difference.what.empty() ? "" : "/" + difference.what);
 }
 
-// Whether a loss of one of the kinds that may explain the difference is listed.
+// Whether `listed` contains a kind of loss that explains the difference.
 bool isListed(const Difference& difference, const std::set<std::string>& listed) {
   for (const std::string& name : {nameOf(difference), difference.section + "/*"}) {
     const auto found = explanations().find(name);
@@ -90,7 +91,8 @@ bool isListed(const Difference& difference, const std::set<std::string>& listed)
 
 class RdmlProof : public TempFolderTest {
  protected:
-  // What an export without the document and an import change without a word.
+  // Exports a document without embedding it and imports the file. Returns the differences that
+  // neither of them listed.
   std::string unlistedOf(const std::string& path) {
     Losses losses;
     const std::string archive =
@@ -105,8 +107,8 @@ class RdmlProof : public TempFolderTest {
     for (const Loss& loss : report.losses.List()) listed.insert(loss.what);
     std::string text;
     for (const Difference& difference : Diff(path, back)) {
-      // The same values in another form: what a document leaves out reads as a new one has it, and
-      // the record that ends a document says nothing.
+      // These differ only in form: settings that a document leaves out have the default values, and
+      // an end record has no value.
       if (difference.what.starts_with("bytes of GLBL")) continue;
       if (difference.what.starts_with("bytes of EOF ")) continue;
       if (!isListed(difference, listed)) text += vex2::lab::TextOf(difference) + "\n";

@@ -1,4 +1,4 @@
-// Which 16-bit numbers stand for readings, and which scale is chosen for them.
+// Tests how readings become 16-bit numbers, and which scale is chosen.
 
 #include <gtest/gtest.h>
 
@@ -11,7 +11,7 @@ using namespace vex2::lab;
 
 namespace {
 
-// The change that matters most when these readings are stored; -1 when one does not fit.
+// The largest change of a reading when it is stored; -1 if a reading does not fit.
 double largestChange(const ReadingScale& scale, const std::vector<double>& readings) {
   double largest = 0;
   for (const double reading : readings) {
@@ -140,7 +140,8 @@ TEST(ScaleChoice, OneNoisyReadingDoesNotCostTheOthersTheirs) {
 }
 
 TEST(ScaleChoice, ExactReadingsAreKeptExactly) {
-  // Whatever step up to 65535 readings lie apart, and wherever they begin.
+  // Any decimal step between the readings and any first reading, if the range is at most 65535
+  // steps.
   for (const double step : {0.001, 0.002, 0.005, 0.0003, 0.7, 3.0, 125.0, 0.00001}) {
     for (const double first : {0.0, -12.5, 60000.0, -1.0}) {
       std::vector<double> readings;

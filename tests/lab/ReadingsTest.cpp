@@ -17,7 +17,7 @@ using testing::IsEmpty;
 
 class ReadingsTest : public TempFolderTest {
  protected:
-  /// The run that these rows of a readings file make.
+  /// Records these rows of a readings file and opens the run.
   RunReader runOf(const std::string& rows) {
     std::ofstream(folder_ / "wells.csv") << "well,sample,target,task,quantity,reporter\n"
                                             "A1,one,,,,\nB2,two,,,,\n";

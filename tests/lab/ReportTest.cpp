@@ -194,7 +194,7 @@ TEST(ReportPage, KeepsDataInsideItsScript) {
   EXPECT_THAT(ReportPage("{}", "/events"), HasSubstr("connect-src 'self'"));
 }
 
-// A browser runs only the scripts whose digest the page states.
+// A browser runs only the scripts whose digest is in the page's content policy.
 TEST(ReportPage, StatesTheDigestOfItsScripts) {
   const std::string page = ReportPage("{}");
   const std::size_t begin = page.rfind("<script>") + 8;

@@ -15,22 +15,22 @@
 #include "vex2/study/CMultiPlateComp.h"
 #include "vex2/study/CRQPlateComp.h"
 
-/// Documents of runs for tests of what reads them.
+/// Documents of runs, for tests of code that reads them.
 namespace vex2::test {
 
-/// Records the plan to a new document, to its end.
+/// Records the whole plan to a new document.
 inline void Record(const lab::RunPlan& plan, const std::string& path) {
   lab::Recorder recorder(plan, {.path = path}, [](const lab::RecordState&) {});
   ASSERT_EQ(recorder.Run(), lab::Recorder::Outcome::kDone);
 }
 
-/// A small simulated run: 96 wells, so many cycles and melting steps.
+/// A small simulated run of 96 wells with the given numbers of cycles and melting steps.
 inline lab::RunPlan SmallRun(std::uint32_t cycles = 3, std::uint32_t meltSteps = 2) {
   return lab::SimulateRun({.cycles = cycles, .meltSteps = meltSteps});
 }
 
-/// A document of raw readings that no recorder of this library made: of `wells` wells, frames as
-/// `MakeFrame` makes them, each committed. The manager goes on with it.
+/// A document whose raw readings were not made by a recorder of this library. It has `wells` wells
+/// and frames from `MakeFrame`; each frame is committed. The manager can append more frames.
 class ForeignRun {
  public:
   ForeignRun(std::string path, std::uint16_t wells) : path_(std::move(path)), wells_(wells) {
@@ -75,7 +75,7 @@ inline void ExpectFrame(const lab::Frame& frame, const AcquisitionDataComp& bloc
   }
 }
 
-/// Expects that the reader gives every reading that the manager has in memory.
+/// Expects that the reader returns every reading that the manager has in memory.
 inline void ExpectReadings(const lab::RunReader& run, const Vex2FileManager& document) {
   for (const lab::BlockInfo& info : run.Blocks()) {
     const AcquisitionDataComp* block = BlockOf(document, info.tag);

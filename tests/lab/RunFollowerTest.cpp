@@ -1,5 +1,5 @@
-// What RunFollower promises: each committed frame once and in order, whatever the recorder does,
-// and a recorder that does not notice.
+// Tests the promises of RunFollower: it returns each committed frame once and in order, whatever
+// the recorder does, and never delays the recorder.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -62,7 +62,7 @@ class RunFollowerTest : public TempFolderTest {
     if (finish) made.Finish();
   }
 
-  // The indices of all frames that can be had at once; each must hold what was recorded.
+  // Takes all frames that are available now and checks their readings. Returns their indexes.
   static std::vector<std::uint64_t> take(RunFollower& follower) {
     std::vector<std::uint64_t> taken;
     while (const auto next = follower.Next(kNoWait)) {
@@ -98,7 +98,7 @@ TEST_F(RunFollowerTest, GivesEachFrameOnceWhileTheRunGoesOn) {
   }
   EXPECT_EQ(follower.PlannedFrames(), kFollowedFrames);
   recording.Finish();
-  EXPECT_EQ(follower.Next(seconds(60)), std::nullopt);  // at once
+  EXPECT_EQ(follower.Next(seconds(60)), std::nullopt);  // returns without waiting
   EXPECT_EQ(follower.State(), FollowState::kDone);
 }
 
@@ -215,8 +215,7 @@ TEST_F(RunFollowerTest, FollowsARunOfAnyHost) {
   EXPECT_EQ(follower.PlannedFrames(), std::nullopt);
 }
 
-// A recorder that waits for its file fails after two seconds, which a lock of a follower would
-// cost it.
+// If the follower held a lock, the recorder would wait for its file and fail after two seconds.
 TEST_F(RunFollowerTest, HoldsNoLockWhileItFollows) {
   auto recording = recorder();
   recording.Append(frame(0));

@@ -1,4 +1,4 @@
-// What reading costs, and what damaged documents and refusing systems make of it.
+// Tests how much reading costs, and the results for damaged documents and failing systems.
 
 #include <gmock/gmock.h>
 
@@ -19,10 +19,10 @@ using namespace vex2::test;
 
 constexpr std::uint64_t kReadAhead = CFile::kBufferSize;
 
-/// What was asked of the file system.
+/// The calls that were made to the file system.
 struct Cost {
   int calls = 0;
-  std::uint64_t bytes = 0;  ///< that were read
+  std::uint64_t bytes = 0;  ///< bytes that were read
 };
 
 Cost costOf(const FaultyFileSystem& files) {
@@ -35,7 +35,7 @@ Cost costOf(const FaultyFileSystem& files) {
   return cost;
 }
 
-/// A data block of 96 wells with so many frames, all zero.
+/// A data block of 96 wells with `frames` frames of zeros.
 Bytes emptyFrames(int frames) {
   Bytes block = StoredBlock("RAWa", 96, 0);
   const std::size_t size = 96 * 80 * static_cast<std::size_t>(frames);
@@ -46,8 +46,8 @@ Bytes emptyFrames(int frames) {
 
 class RunReaderCost : public TempFolderTest {
  protected:
-  /// The path of a document with so many frames of 96 wells, and records in front of them and
-  /// behind them.
+  /// Writes a document with `frames` frames of 96 wells and with records before and after them.
+  /// Returns its path.
   std::string documentOf(int frames) {
     const RunPlan plan = SmallRun(1, 0);
     Vex2FileManager document;
@@ -64,7 +64,7 @@ class RunReaderCost : public TempFolderTest {
                Join({ReadBytes(front), emptyFrames(frames), Slice(end, 1024, end.size() - 1024)}));
     return path;
   }
-  /// What the constructor costs for a document with so many frames.
+  /// The cost of the constructor for a document with `frames` frames.
   Cost openingOf(int frames) {
     const std::string path = documentOf(frames);
     FaultyFileSystem files;
@@ -136,7 +136,7 @@ TEST_F(RunReaderCost, OfAllReadingsIsOnePass) {
 
 class DamagedRunTest : public TempFolderTest {
  protected:
-  /// Reads all that can be read of the document. Answers whether it was whole.
+  /// Reads everything that can be read of the document. Returns whether it is whole.
   bool readAll(const std::string& path) {
     const RunReader run(path);
     for (const FileFault& fault : run.Faults()) {
@@ -251,7 +251,8 @@ TEST_F(RefusedRunTest, AReadThatFailsTellsItsOffset) {
 class SampleRunTest : public SampleDataTest {
  protected:
   void expectSame(const RunReader& run, const Vex2FileManager& document) {
-    // The manager has the head of an unknown record in a list, and holds that for the record.
+    // If the file cuts off the body of an unknown record in a list, the manager keeps only the
+    // record's head and still reports the document as whole.
     const bool lacksBody =
         std::any_of(run.Faults().begin(), run.Faults().end(), [](const FileFault& fault) {
           return fault.what.find("within another, of no known kind") != std::string::npos;

@@ -1,4 +1,5 @@
-// The values beside each sample document, which were written down without this library.
+// Compares RunReader with the sidecar file of each sample document, which was made without this
+// library.
 
 #include <gtest/gtest.h>
 
@@ -16,7 +17,7 @@ using namespace vex2::lab;
 using namespace vex2::test;
 using nlohmann::json;
 
-// The first component of that kind of tag, or null.
+// The first component with this tag, or null.
 const json* find(const json& components, const std::string& tag) {
   for (const json& each : components) {
     if (each["tag"] == tag) return &each;
@@ -43,7 +44,7 @@ class SidecarRunTest : public SampleDataTest {
     EXPECT_EQ(run.Plate().type, trimmed(header["plateTypeCode"]));
   }
 
-  // Blocks of a tag are asked by the first.
+  // RunReader returns the first data block with a tag.
   void expectBlock(const RunReader& run, const json& block) {
     const std::string tag = block["tag"];
     const auto wells = block["wellNumbers"].get<std::vector<std::uint16_t>>();

@@ -19,7 +19,7 @@ using testing::IsEmpty;
 
 class RunReaderTest : public TempFolderTest {
  protected:
-  /// What opening the path throws.
+  /// The error that opening the path throws.
   Error errorOf(const std::string& path) {
     try {
       const RunReader run(path);
@@ -138,7 +138,7 @@ TEST_F(RunReaderTest, ReadsFramesOfFinishedDocuments) {
   Record(SmallRun(), path_);
   Vex2FileManager document;
   ASSERT_EQ(document.ReadFromFile(path_.c_str()), 0);
-  // The header of a document that was saved leads past the block.
+  // After a save, the offset in the header leads just past the data block.
   ASSERT_EQ(document.SaveToFile(path_.c_str()), 0);
   ExpectReadings(RunReader(path_), document);
 }

@@ -1,5 +1,5 @@
-// What RunRecorder promises to programs: a frame is on the disk when Append returns, and no use of
-// it damages a document.
+// Tests the promises of RunRecorder: a frame is on the disk when Append returns, and no use of
+// RunRecorder damages a document.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -29,7 +29,7 @@ using lab::RunRecorder;
 constexpr std::size_t kFrames = 6;
 constexpr std::uint16_t kSecondWell = 14;
 constexpr std::size_t kRawDataOffsetAt = 68;  // in the header
-constexpr std::size_t kBlockHead = 8 + 18;    // before the numbers of its wells
+constexpr std::size_t kBlockHead = 8 + 18;    // before the well numbers
 
 RecordingPlan rawPlan() {
   RecordingPlan plan;
@@ -80,7 +80,7 @@ class RunRecorderTest : public TempFolderTest {
     for (std::size_t i = 0; i < frames; ++i) made.Append(rawFrame(i));
   }
 
-  // That the document holds frames 0 to `frames` - 1, each as it was given.
+  // Checks that the document holds exactly frames 0 to `frames` - 1, with the given readings.
   void expectFrames(std::size_t frames) const {
     Vex2FileManager document;
     ASSERT_EQ(document.ReadFromFile(path().c_str()), kSuccess);
@@ -110,7 +110,7 @@ TEST_F(RunRecorderTest, RecordsEachFrameAsGiven) {
   for (std::size_t i = 0; i < kFrames; ++i) {
     made.Append(rawFrame(i));
     EXPECT_EQ(made.FrameCount(), i + 1);
-    expectFrames(i + 1);  // while it is being recorded
+    expectFrames(i + 1);  // while the run is being recorded
   }
   EXPECT_FALSE(made.IsFinished());
   made.Finish();
@@ -254,7 +254,7 @@ TEST_F(RunRecorderTest, RejectsCycleNotAboveLastOfItsStage) {
     for (std::size_t i = 0; i < 3; ++i) made.Append(measuredFrame(i));
     made.Append(melting);
   }
-  // A program that was interrupted begins anew.
+  // The program was interrupted and begins again with the first frame.
   RunRecorder resumed(path(), measuredPlan(), {.resume = true});
   const lab::Error error = ErrorOf([&] { resumed.Append(measuredFrame(0)); });
   EXPECT_EQ(error.what(), path() +
@@ -369,7 +369,8 @@ TEST_F(RunRecorderTest, RefusesToResumeDamagedDocument) {
   const std::string more = "more bytes follow than an interrupted commit leaves behind";
   const Bytes record = ByteString().Text("CALR").Long(2).Text("a").Byte(0);
   EXPECT_THAT(refusalOf(Join({whole, record})), testing::HasSubstr(more));
-  // Before its first commit: a record that the file cuts off, and more than a commit leaves.
+  // Documents without a data block: one ends with a record that the file cuts off, one with more
+  // bytes than a first commit leaves.
   Bytes unread = cutTo(block);
   SetLongAt(unread, kRawDataOffsetAt, 0);
   const Bytes cut = ByteString().Text("CALR").Long(9).Text("a");

@@ -32,7 +32,7 @@ class WholeJson : public TempFolderTest {
     ASSERT_EQ(document.SaveToFile(back_.c_str()), 0);
   }
 
-  // What differs between a document and its way through JSON.
+  // The differences between a document and the document that is made from its JSON.
   std::string differencesOf(const std::string& path, bool asLines) {
     Losses losses;
     read(jsonOf(path, asLines, losses));

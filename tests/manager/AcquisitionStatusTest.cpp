@@ -1,4 +1,4 @@
-// How far the acquisition has got, in memory and in the file's header.
+// Tests the acquisition status in memory and in the header of a file.
 #include <gtest/gtest.h>
 
 #include "tests/support/FaultyFileSystem.h"

@@ -1,5 +1,5 @@
-// With what detectors are analysed, and their threshold cycles: whose settings are used, and who
-// destroys them when. The sanitizer finds leaks, so these tests do not look for them.
+// Tests the analysis settings and threshold cycles of detectors: which settings are used, and when
+// they are destroyed. The sanitizer finds leaks, so these tests do not look for them.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -20,7 +20,7 @@ class SettingsManager : public Vex2FileManager {
   using Vex2FileManager::LookupAnalysisDetectorMapPtr;
 };
 
-// Settings that tell when they are destroyed.
+// Settings that count how many of them exist.
 using CountedSettings = Counted<CAnalysisSettings>;
 
 TAGPROBE probeOf(const char* name, std::int32_t parameter1 = 7) {
@@ -30,7 +30,7 @@ TAGPROBE probeOf(const char* name, std::int32_t parameter1 = 7) {
   return probe;
 }
 
-// A map as a host hands it in: made with new, its settings too.
+// Makes a map as a host does: the map and its settings are allocated with new.
 CAnalysisSettingsMap* mapOf(std::initializer_list<const char*> detectors,
                             std::int32_t parameter1 = 6) {
   auto* map = new CAnalysisSettingsMap;

@@ -32,7 +32,7 @@ class AnalysisTest : public testing::Test {
     std::copy_n(code, 4, header.plateTypeCode);
     document.SetHeaderData(header);
   }
-  // One result of every kind, of the document itself and of its plate.
+  // Stores one result of every kind for the document itself and for its plate.
   void fill() {
     study_->SetMCDataAt(new Matrix, 1);
     study_->SetReporterAt(new Reporter, 2, false);

@@ -1,4 +1,5 @@
-// The calibration of a document, in memory and in files, and what is made of it.
+// Tests the calibration of a document in memory and in files, and the values that are computed from
+// it.
 #include <gtest/gtest.h>
 
 #include <bit>
@@ -28,7 +29,7 @@ class CalibrationOfADocument : public TempFolderTest {
     background_.SetEntryCount(1);
     background_.setting = 12;
   }
-  // The parts that are there, e.g. "dyes 2 background 1".
+  // Describes the parts that are present, e.g. "dyes 2 background 1".
   std::string parts(const Vex2FileManager& document) const {
     Vex2PureDye* dyes = nullptr;
     Vex2BGC* background = nullptr;
@@ -158,7 +159,7 @@ TEST_F(CalibrationOfADocument, IsReplacedAmongPlaceholdersOfItsTag) {
   EXPECT_EQ(document_.ReplaceBackground(nullptr, &background_), kReadFailed);
 }
 
-// A list that declares less than it holds reads well, and so it can be changed.
+// A list that declares less than it holds can be read, so it can also be changed.
 TEST_F(CalibrationOfADocument, PartIsReplacedInAListThatDeclaresTooLittle) {
   EXPECT_EQ(document_.ReplaceCalibComponent(&dyes_, &background_), kSuccess);
   for (const std::uint32_t declared : {2U, 3U, 60U, 84U, 100U}) {
@@ -210,7 +211,7 @@ TEST_F(CalibrationOfADocument, AloneIsSaved) {
 
 class BackgroundInAFile : public CalibrationOfADocument {
  protected:
-  // A file in which a background stands alone behind the settings.
+  // A file with a background, but no list around it, after the settings.
   Bytes fileWithBackground() {
     EXPECT_EQ(Vex2FileManager().SaveToFile(path_.c_str()), kSuccess);
     Vex2FileManager writer;

@@ -1,4 +1,4 @@
-// Frames committed to a file while a run goes on, and read back straight from it.
+// Tests commits of frames to a file during a run, and reading single frames back from the file.
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -23,7 +23,7 @@ class Commit : public TempFolderTest {
     return manager_.AppendAcquisitionDataFrame(path_.c_str(), &frame, DataRAWa);
   }
   int commit(int index) { return manager_.CommitAcqDataFrame(path_.c_str(), index, DataRAWa); }
-  // A new run with this much committed.
+  // Starts a new run of `wells` wells and commits `frames` frames.
   void run(std::uint16_t wells, int frames) {
     newRun(wells);
     for (int i = 0; i < frames; ++i) ASSERT_EQ(append(MakeFrame(wells, i)), kSuccess);
@@ -71,7 +71,7 @@ TEST_F(CommitAcqDataFrame, AppendingWithoutABlockMakesOneFromTheFrame) {
 }
 
 TEST_F(CommitAcqDataFrame, FirstOneLeavesRecordsWholeThatHoldMoreThanTheySay) {
-  // A list's count takes two bytes, whatever the length in front of it.
+  // The count of a list takes two bytes, although its length field says 1.
   const Bytes list = ByteString().Text("SPEC").Long(1).Short(0);
   WriteBytes(path_, Join({StoredHeader(), list}));
   ASSERT_EQ(manager_.ReadFromFile(path_.c_str()), kSuccess);
@@ -325,7 +325,8 @@ TEST_F(ReadFromAFile, FrameCountFollowsFromTheLengthField) {
 }
 
 TEST_F(ReadFromAFile, TimeBlockSizeLeadsToTheWellCountButNotToTheFrames) {
-  // A time block of 14 bytes, behind which a frame of one well stands two bytes late.
+  // The time block has 14 bytes, so the frame begins two bytes later than in a block with the usual
+  // 12.
   const Bytes block = ByteString()
                           .Text("RAWa")
                           .Long(20 + 80)

@@ -1,4 +1,4 @@
-// Whole data blocks: appended, replaced, removed and found in files.
+// Tests how whole data blocks are appended, replaced, removed and found in files.
 #include <gtest/gtest.h>
 
 #include "tests/support/FaultyFileSystem.h"
@@ -12,7 +12,7 @@ namespace {
 
 class DataBlocks : public TempFolderTest {
  protected:
-  // A block of the tests' own frames, as a caller hands it in.
+  // Data with frames that the tests own, as a caller passes it.
   struct Data : Vex2AcquisitionData {
     Data(std::uint16_t wells, int count) {
       for (int i = 0; i < count; ++i) owned.push_back(MakeFrame(wells, i));

@@ -1,4 +1,4 @@
-// The detectors of a document and the dyes that its run requires.
+// Tests the detectors of a document and the dyes that its run requires.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -55,7 +55,7 @@ class PlateLists : public TempFolderTest {
 
 using Detectors = PlateLists;
 
-// Both lists of a document that declares less for them than they hold.
+// Both lists can be changed even if they declare less than they hold.
 TEST_F(PlateLists, AreChangedAlsoWhereTheyDeclareTooLittle) {
   const Vex2Detector two[] = {detector("a"), detector("b")};
   const CString names[] = {"dye", "other"};

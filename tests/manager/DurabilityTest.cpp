@@ -1,4 +1,4 @@
-// What is left of a document when the system refuses a call, and in which order the bytes get to
+// Tests what is left of a document after a system call failed, and the order in which bytes reach
 // the disk.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -18,7 +18,7 @@ constexpr std::uint16_t kWells = 3;
 
 class Durability : public TempFolderTest {
  protected:
-  // A run with this many frames committed, at `path_` and in `manager`.
+  // Records a run of `frames` committed frames to `path_` with `manager`.
   void record(OpenedManager& manager, int frames) {
     WriteBytes(path_, StoredHeader());
     const auto numbers = WellNumbers(kWells);
@@ -32,7 +32,7 @@ class Durability : public TempFolderTest {
   static Bytes documentOf(int frames) {
     return Join({StoredHeader(1024), StoredBlock("RAWa", kWells, frames)});
   }
-  // Whether the file gives those frames back, read as a whole and one by one.
+  // Checks that the file holds these frames, read as a whole and one by one.
   void expectFrames(int frames) {
     Vex2FileManager reader;
     ASSERT_EQ(reader.ReadFromFile(path_.c_str()), kSuccess);
@@ -71,7 +71,7 @@ TEST_F(Durability, ShortAndInterruptedTransfersAreCarriedThrough) {
             "");
 }
 
-// What changes a file or orders such changes, as words.
+// Returns the calls that change a file or order such changes, as words.
 std::string changesIn(const std::vector<FileOperation>& log, const std::string& path) {
   std::string changes;
   for (const FileOperation& operation : log) {
@@ -126,7 +126,7 @@ TEST_F(Durability, CommitPutsTheBlockOnTheDiskBeforeItsTagAndThePositionThatLead
 TEST_F(Durability, BlockThatIsReplacedInPlaceIsOnTheDiskWhenThatReturns) {
   OpenedManager manager;
   record(manager, 1);
-  // A document with two names is not replaced as a whole.
+  // A document with a second hard link is not replaced by a new file.
   std::filesystem::create_hard_link(path_, folder_ / "link.vex");
   Vex2FrameData frame = MakeFrame(kWells, 1);
   const Vex2AcquisitionData data{&frame, 1};
@@ -140,7 +140,8 @@ TEST_F(Durability, BlockThatIsReplacedInPlaceIsOnTheDiskWhenThatReturns) {
   EXPECT_THAT(replace(DataREPr), testing::EndsWith("barrier "));
 }
 
-// The order of what matters in a save, one word a call; writes in a row count once.
+// Returns the writes, syncs and renames of a save in order, one word each. Consecutive writes are
+// one word.
 std::string saveSteps(const std::vector<FileOperation>& log, const std::string& folder) {
   std::string steps;
   for (const FileOperation& operation : log) {
@@ -160,7 +161,7 @@ std::string saveSteps(const std::vector<FileOperation>& log, const std::string& 
 TEST_F(Durability, SaveSyncsTheNewDocumentRenamesItAndSyncsTheFolder) {
   OpenedManager manager;
   manager.SetSampleVolume(1);
-  for (int round = 0; round < 2; ++round) {  // where there was no document, and over one
+  for (int round = 0; round < 2; ++round) {  // first without an old document, then over one
     FaultyFileSystem files;
     EXPECT_EQ(manager.SaveToFile(path_.c_str()), kSuccess);
     EXPECT_EQ(saveSteps(files.Log(), folder_.Path().string()), "write sync rename sync folder ");

@@ -89,7 +89,8 @@ TEST_F(EmbeddedPlate, TheEndRecordsStatusIsTheResult) {
 }
 
 TEST_F(EmbeddedPlate, AFailedRecordIsLeftOutAndReadingGoesOn) {
-  // A study's plates end where something else stands among them: that is taken up as a record.
+  // If the list of plates contains another record, the list ends there, and the record is read as
+  // one of the document.
   const std::string other = Record("CALR", "sample");
   EXPECT_EQ(read(kName + ListRecord("MPLC", 1, other) + kEnd), 0);
   EXPECT_EQ(tags(), "NAMECALR");

@@ -1,4 +1,4 @@
-// Frames and well records of blocks in memory.
+// Tests frames and well records of data blocks in memory.
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -17,7 +17,7 @@ class Frames : public testing::Test {
     const auto numbers = WellNumbers(wells);
     manager_.InitAcqDataWellNumberArray(numbers.data(), wells, type);
   }
-  // Reporting blocks take frames without a file.
+  // Appends a frame without a file. This is possible only for reporting blocks.
   void append(const Vex2FrameData& frame, Vex2DataType type = DataREPr) {
     EXPECT_EQ(manager_.AppendAcquisitionDataFrame(nullptr, &frame, type), kSuccess);
   }

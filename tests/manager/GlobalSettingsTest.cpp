@@ -1,4 +1,4 @@
-// The run-wide settings.
+// Tests the run-wide settings.
 #include <gtest/gtest.h>
 
 #include "tests/support/FaultyFileSystem.h"
@@ -44,7 +44,7 @@ Bytes defaultSettings(unsigned sampleVolume, unsigned pre = 0, unsigned post = 0
 
 class GlobalSettings : public TempFolderTest {
  protected:
-  // What a save writes behind the header.
+  // The bytes that a save writes after the header.
   Bytes saved() {
     EXPECT_EQ(manager_.SaveToFile(path_.c_str()), kSuccess);
     const Bytes all = ReadBytes(path_);

@@ -24,7 +24,7 @@ using vex2::test::ToBytes;
 using vex2::test::WriteBytes;
 using namespace std::string_literals;
 
-// Hosts are built against these.
+// Hosts are compiled with these sizes.
 static_assert(sizeof(Vex2HeaderData) == 80);
 static_assert(offsetof(Vex2HeaderData, rows) == 20);
 static_assert(offsetof(Vex2HeaderData, kindMarker) == 60);
@@ -36,7 +36,7 @@ static_assert(sizeof(Vex2FrameData) == 2 * sizeof(void*));
 static_assert(sizeof(Vex2AcquisitionData) == 2 * sizeof(void*));
 static_assert(sizeof(ThermocycleProgram) == 2 * sizeof(void*));
 
-// The manager's operations from inside, where the protected ones are.
+// Gives the tests access to the protected operations of the manager.
 struct Opened : Vex2FileManager {
   using Vex2FileManager::ReadHeaderDataHelper;
   using Vex2FileManager::UpdateHeaderOffsets;

@@ -1,4 +1,4 @@
-// Studies whose counts, lengths and records lie.
+// Tests studies with wrong counts, lengths and records.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -9,7 +9,7 @@
 namespace vex2::test {
 namespace {
 
-constexpr std::size_t kFixedHeader = 72;  // bytes before the rows
+constexpr std::size_t kFixedHeader = 72;  // bytes before the masks of the rows
 
 class HostileStudy : public StudyFileTest {
  protected:
@@ -32,14 +32,14 @@ class HostileStudy : public StudyFileTest {
   }
 };
 
-// A plate record with a header of `rows` rows, without what follows the header's fixed part.
+// A plate record whose header declares `rows` rows and ends after its fixed part.
 std::string plateHead(std::uint16_t rows) {
   std::string header = "Vex2" + std::string(kFixedHeader - 4, '\0');
   header.replace(20, 2, BigEndian(rows, 2));
   return RecordDeclaring("RQPl", 2, BigEndian(0, 2) + header);
 }
 
-// A whole head of a plate without rows.
+// The head of a plate record, with a complete header without rows.
 std::string emptyHead() {
   return plateHead(0) + std::string(kPlates - kFixedHeader, '\xFF');
 }
@@ -165,7 +165,7 @@ TEST_F(HostileStudy, StudyInAStudyReadsAndStudiesWithoutEndDoNot) {
   ASSERT_EQ(read_.GetRQPlateCount(), 1);
   EXPECT_EQ(read_.GetSinglePlatePtrByName("")->GetRQPlateCount(), 1);
 
-  // Each level takes two of the depth that records may nest; what stands too deep is dropped.
+  // Each study takes two levels of nesting, of at most 64; deeper records are dropped.
   std::string nested;
   for (int level = 0; level < 200; ++level) {
     nested = RecordDeclaring("MPLC", 12, BigEndian(1, 2) + plate(nested));

@@ -1,5 +1,5 @@
-// No file crashes or hangs the library or makes it take memory that the file cannot fill; every
-// failure has a status, and the manager is of use afterwards.
+// Tests that no file crashes or hangs the library or makes it allocate much more memory than the
+// file has bytes. Every failure returns a status, and the manager can be used afterwards.
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -258,7 +258,8 @@ TEST_F(Hostile, AFullDeviceIsAFailedWrite) {
 }
 
 TEST_F(Hostile, PositionsPast32BitsFailTheWrite) {
-  // A placeholder takes no space on the disk but moves what follows.
+  // A placeholder is written as a hole, which takes no disk space, but it increases the offset of
+  // the next record.
   vex2::test::OpenedManager document;
   document.Append(std::make_unique<CSkippedComp>("Zzzz", 0xFFFFFFFFU));
   const std::string target = folder_ / "target.vex";

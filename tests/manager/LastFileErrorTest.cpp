@@ -1,4 +1,4 @@
-// Why the last operation that touched a file failed.
+// Tests the reasons that are returned for the last failed operation on a file.
 #include <gtest/gtest.h>
 
 #include <cerrno>
@@ -203,7 +203,7 @@ TEST_F(LastFileError, OfAStudyTellsAReadThatWasRefusedInAPlate) {
   Vex2FileManager study;
   SetAssay(study, "RQSt");
   Vex2FileManager plate = PlateAt("/runs/one.vex");
-  // More than the first read of the file brings.
+  // More bytes than the first read of the file returns.
   const Bytes comment(100'000, 'x');
   Vex2GlobalComplex settings;
   settings.SetComment(comment.data(), static_cast<std::uint32_t>(comment.size()));

@@ -36,7 +36,7 @@ std::string tagsOf(const Vex2FileManager& manager) {
 class Lifecycle : public vex2::test::TempFolderTest {
  protected:
   void holds(const std::string& records) { WriteBytes(path_, DocumentOf(records)); }
-  // What the reader itself says.
+  // Returns the status of the reader itself, which ReadFromFile does not return.
   int readStatus() {
     EXPECT_EQ(manager_.SafeOpen(path_.c_str(), 0, 0), 1);
     const int status = manager_.ReadComponentFile(nullptr);

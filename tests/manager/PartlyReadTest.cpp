@@ -1,4 +1,5 @@
-// A document that was read in part: the manager says so, and what stood in its file is never lost.
+// Tests documents that were read only in part: the manager reports it, and the content of the file
+// is never lost.
 #include <gtest/gtest.h>
 
 #include <cerrno>
@@ -40,7 +41,8 @@ class PartlyRead : public TempFolderTest {
   std::size_t filesInFolder() {
     return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder_.Path()), {}));
   }
-  // Every operation that replaces the file, on a document that was read in part from `path_`.
+  // Reads a document in part from `path_` and calls `operation`, which replaces the file. Checks
+  // that a backup is made.
   template <typename Operation>
   void expectBackup(Operation operation, int expected = kSuccess) {
     const Bytes before = writeDamaged();
@@ -95,7 +97,7 @@ TEST_F(PartlyRead, FileThatIsNoDocumentOrCannotBeOpenedIsNotWhole) {
 }
 
 TEST_F(PartlyRead, LengthsThatEndBeforeTheFileAreNotWhole) {
-  // The list declares the twelve bytes of the record behind it as its own.
+  // The list declares a length that includes the twelve bytes of the next record.
   const std::string list = RecordDeclaring("CNTL", 2 + 12, std::string(2, '\0'));
   expectFault(list + Record("CALR", "last"), 1024 + 10,
               "the lengths of the records end before the file does");

@@ -1,5 +1,5 @@
-// What all operations with a path have in common: null changes nothing, and appending a record
-// needs no permission to read.
+// Tests the rules for all operations with a path: a null path changes nothing, and appending a
+// record needs no permission to read.
 #include <gtest/gtest.h>
 
 #include <cerrno>
@@ -30,7 +30,7 @@ Vex2AcquisitionData blockOf(Vex2FrameData& frame) {
   return {&frame, 1};
 }
 
-// The tests are named after the operations.
+// Names each test after its operation.
 std::string named(const testing::TestParamInfo<PathOperation>& operation) {
   return operation.param.name;
 }
@@ -140,7 +140,7 @@ const std::vector<PathOperation> kOthers = {
 
 class AnyPath : public TempFolderTest, public testing::WithParamInterface<PathOperation> {
  protected:
-  // A document with all that the operations look for.
+  // Makes a document with all records that the operations look for.
   void fill(OpenedManager& document) const {
     Vex2Detector detector;
     detector.name = "MYC";

@@ -1,4 +1,5 @@
-// What analysis applications ask of a document's raw readings, and of a study's plates.
+// Tests the queries of analysis applications about the raw readings of a document and about the
+// plates of a study.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -9,8 +10,8 @@
 namespace vex2::test {
 namespace {
 
-// A plate that lies at C:\runs\NAME.vex and has `frames` frames of its first `wells` wells. The
-// first reading of the first well is `mark` in the frame `markedFrame`.
+// A plate with the path C:\runs\NAME.vex and `frames` frames of its first `wells` wells. In the
+// frame `markedFrame`, the first reading of the first well is `mark`.
 Vex2FileManager plateOf(const char* name, std::uint16_t wells, int frames, int markedFrame = -1,
                         std::uint16_t mark = 65000) {
   Vex2FileManager plate;

@@ -1,4 +1,4 @@
-// The plate setup of a document, documents of the setup alone, and the wells in use.
+// Tests the plate setup of a document, documents with only a setup, and the wells in use.
 #include <gtest/gtest.h>
 
 #include <array>

@@ -1,4 +1,4 @@
-// A study that is written, taken apart and put together again holds the plates that it was made of.
+// Tests that a study that is saved, split into plates and built again holds the same plates.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -16,9 +16,10 @@ constexpr const char* kDate = "Mar 05, 2003 02:07 PM";
 
 class RebuiltStudy : public TempFolderTest {
  protected:
-  // Every document at hand that is no study itself and that a study can keep whole: data blocks of
-  // an old version and records that are cut short do not read back, copies leave out records of
-  // unknown kinds, and an end record in the middle of a plate ends it.
+  // The paths of all test documents that are not studies and that a study can keep completely. The
+  // others hold data blocks of version 1 or records that are cut off, which cannot be read back;
+  // unknown records, which copies leave out; or an end record in the middle of a plate, which ends
+  // the plate.
   std::vector<std::string> plateFiles() {
     std::vector<std::filesystem::path> files = SampleFiles("golden", ".vex");
     for (const auto& entry : std::filesystem::directory_iterator(SourcePath("tests/data"))) {
@@ -45,7 +46,7 @@ class RebuiltStudy : public TempFolderTest {
     EXPECT_EQ(plate.SaveToFile(path.c_str()), kSuccess);
     return ReadBytes(path);
   }
-  // Writes a study of these plates, reads it, and writes each plate as a document of its own.
+  // Makes a study of these plates, saves and reads it, and saves each plate as a separate document.
   std::vector<std::string> takenApart(const std::vector<std::string>& files,
                                       const std::string& prefix) {
     Vex2FileManager study;
@@ -54,7 +55,7 @@ class RebuiltStudy : public TempFolderTest {
     for (const std::string& file : files) {
       Vex2FileManager plate;
       EXPECT_EQ(plate.ReadFromFile(file.c_str()), kSuccess) << file;
-      // The library names a plate by the path it was read from; each needs one of its own.
+      // The library names a plate after its path, so each plate needs a different path.
       names.push_back(prefix + std::to_string(names.size()));
       plate.SetFilePath((folder_ / (names.back() + ".vex")).c_str());
       EXPECT_TRUE(study.AddRQPlate(&plate, kDate)) << file;

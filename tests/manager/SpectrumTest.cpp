@@ -1,4 +1,4 @@
-// The readings of one well in one frame, and the rates of a background document.
+// Tests the readings of one well in one frame, and the rates of a background document.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -21,14 +21,14 @@ class SpectrumTest : public testing::Test {
     std::memcpy(header.assayCode, code, sizeof header.assayCode);
     document.SetHeaderData(header);
   }
-  // The record of well 2 in frame 0: leading values 100 and up, data values `data`.
+  // Sets the record of well 2 in frame 0: leading values from 100 on, data values `data`.
   void setRecord(const std::vector<std::uint16_t>& data) {
     Vex2WellRecord record;
     std::iota(std::begin(record.leading), std::end(record.leading), std::uint16_t{100});
     std::copy(data.begin(), data.end(), record.data);
     ASSERT_TRUE(document_.SetAcqDataWellRecord(&record, 0, 2, DataRAWa));
   }
-  // Readings, factors, and something in the place of the rates.
+  // Sets readings, factors, and other values where the rates will be.
   void setBackgroundRecord() {
     std::vector<std::uint16_t> data;
     for (int group = 0; group < 4; ++group) data.insert(data.end(), {100, 200, 400});
@@ -115,8 +115,8 @@ TEST_F(SpectrumTest, OfABackgroundDocumentHasTheRatesOfItsGroups) {
   KestorSpectrum spectrum(36);
   spectrum.well = 2;
   EXPECT_TRUE(document_.LoadSpectrum(&spectrum, nullptr));
-  // With equal factors the line goes through the origin, and the rate is the factor; what rounding
-  // takes from it is cut off.
+  // With equal factors the line goes through the origin, and the rate is the factor. The fraction
+  // is cut off, so a rounding error can make the rate 1 smaller.
   const std::uint32_t factors[] = {5, 6, 7, 9};
   for (int group = 0; group < 4; ++group) {
     EXPECT_NEAR(spectrum.values[24 + group], factors[group], 1) << group;

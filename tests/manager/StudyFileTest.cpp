@@ -1,4 +1,4 @@
-// Studies in files.
+// Tests studies in files.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -129,7 +129,7 @@ TEST_F(StudyFileTest, ResetDropsThePlatesAndTheirTakenNames) {
   add("C:\\runs\\a.vex", "d");
 }
 
-// Refuses whatever would make a file longer than it allows.
+// Refuses every write that would make a file longer than the limit.
 class SmallDisk : public FileSystem {
  public:
   explicit SmallDisk(std::uint64_t room) : room_(room), before_(SetFileSystem(this)) {}

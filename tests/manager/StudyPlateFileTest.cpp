@@ -1,4 +1,4 @@
-// Plates that are read from their files to join a study.
+// Tests plates that a study reads from their files.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>

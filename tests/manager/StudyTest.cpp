@@ -1,4 +1,4 @@
-// The plates of a study in memory.
+// Tests the plates of a study in memory.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

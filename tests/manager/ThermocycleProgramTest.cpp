@@ -1,4 +1,4 @@
-// The thermal cycling program in a document and its place in the file.
+// Tests the thermal cycling program in a document and its offset in the file.
 #include <gtest/gtest.h>
 
 #include <cstring>

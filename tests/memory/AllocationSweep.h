@@ -11,15 +11,15 @@
 
 namespace vex2::test {
 
-/// Runs `prepare`, then `operation` with one allocation failing, then `check` with its status and a
-/// manager in the state that it is left in; for each allocation until none fails. Nothing may leak
-/// and no file stay open.
+/// Makes each allocation of an operation fail in turn. For each allocation, runs `prepare`, then
+/// `operation` with this allocation failing, then `check` with the manager and the status of the
+/// operation. Checks that nothing leaks and that no file stays open.
 struct AllocationSweep {
   std::function<void(OpenedManager&)> prepare;
   std::function<int(OpenedManager&)> operation;
   std::function<void(OpenedManager&, int status)> check;
 
-  /// How many allocations the operation makes.
+  /// Runs the sweep. Returns the number of allocations that the operation makes.
   int Run() const {
     std::uint64_t bad = 0;
     const int allocations = failEach(bad);
@@ -49,7 +49,8 @@ struct AllocationSweep {
         EXPECT_TRUE(failed || status == kSuccess) << status;
         check(manager, status);
       }
-      // What a failure is told with stays allocated, so only a good state can show a leak.
+      // The message of a failed expectation stays allocated, so look for leaks only if there was
+      // none.
       bool isBad = failures.Any();
       if (!isBad) {
         EXPECT_EQ(BlocksInUse(), before);

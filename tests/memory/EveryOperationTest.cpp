@@ -1,6 +1,6 @@
-// Memory runs out at each allocation of each public operation: no exception leaves the operation,
-// nothing leaks, no file stays open, the header keeps its usage table, and the operation can be
-// repeated.
+// Makes each allocation of each public operation fail. No exception may leave the operation,
+// nothing may leak, no file may stay open, the header must keep its usage table, and the operation
+// must be repeatable.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -18,7 +18,7 @@
 namespace vex2::test {
 namespace {
 
-// Its chooser answers with a path of some length.
+// A host whose file chooser returns a path that is too long for the internal buffer of a string.
 class ChoosingHost : public SilentHost {
  public:
   explicit ChoosingHost(std::string path) : path_(std::move(path)) {}
@@ -38,7 +38,7 @@ std::vector<std::string> namesOf(const std::vector<Operation>& operations) {
   return names;
 }
 
-// What a header declares, without constructors and destructor.
+// The operations that a header declares, without constructors and destructor.
 std::vector<std::string> declaredIn(const std::string& header, const std::string& className) {
   std::vector<std::string> names = PublicOperations(header);
   std::erase_if(names, [&](const std::string& name) {
@@ -50,7 +50,7 @@ std::vector<std::string> declaredIn(const std::string& header, const std::string
 class EveryOperation : public TempFolderTest {
  protected:
   EveryOperation() {
-    OpenedManager warmUp;  // what is made once and for all must not count as leaked
+    OpenedManager warmUp;  // objects that are made only once must not count as leaked
     for (const auto* operations : {&ManagerOperations(), &PlateOperations()}) {
       for (const Operation& operation : *operations) {
         materials_.Fill(warmUp);

@@ -8,7 +8,7 @@ namespace {
 
 constexpr long kNever = -1;
 
-std::atomic<long> left{kNever};  // allocations until the one that fails
+std::atomic<long> left{kNever};  // the number of allocations before the one that fails
 std::atomic<bool> failed{false};
 std::atomic<long> blocks{0};
 

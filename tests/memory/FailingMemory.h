@@ -2,8 +2,8 @@
 
 namespace vex2::test {
 
-/// While it lives, one allocation of the whole program fails: the one with this number, counted
-/// from 0 from now on. One at a time.
+/// While this object exists, one allocation of the whole program fails: the one with this index,
+/// counted from 0 from the construction on. Only one such object may exist at a time.
 class FailingMemory {
  public:
   explicit FailingMemory(long allocation);
@@ -11,11 +11,11 @@ class FailingMemory {
   FailingMemory(const FailingMemory&) = delete;
   FailingMemory& operator=(const FailingMemory&) = delete;
 
-  /// Whether that many allocations were made.
+  /// Whether the allocation that was to fail has been reached.
   static bool HasFailed();
 };
 
-/// Blocks that were allocated and not yet released.
+/// The number of allocated blocks that are not yet released.
 long BlocksInUse();
 
 }  // namespace vex2::test

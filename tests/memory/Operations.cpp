@@ -9,7 +9,7 @@
 namespace vex2::test {
 namespace {
 
-// Names that do not fit into a string object itself.
+// Names that are too long for the internal buffer of a string, so that copies allocate memory.
 const CString kPlate = "a plate with a name of some length";
 const CString kDetector = "a detector with a name of some length";
 const CString kText = "another text that is longer than most of them";

@@ -12,14 +12,15 @@
 
 namespace vex2::test {
 
-/// All that operations are tried with, made while there is memory.
+/// The arguments for all operations, made before memory runs out.
 struct Materials {
   static constexpr std::uint16_t kWells = 3;
 
-  /// The document is at `run`; `target` is a path for others.
+  /// `theRun` is the path of the document, `theTarget` a path to which operations can save.
   Materials(std::string theRun, std::string theTarget);
 
-  /// Writes the document anew and makes `document` one that holds a plate's parts and a study's.
+  /// Writes the document to its path again, and fills `document` with the records of a plate and of
+  /// a study.
   void Fill(Vex2FileManager& document) const;
 
   const std::string run;
@@ -43,20 +44,20 @@ struct Materials {
   CObList query;
   Vex2GlobalComplex settings;
   Vex2FileManagerComponent source;
-  // What operations change besides the document.
+  // Other objects that operations change.
   mutable std::unique_ptr<Vex2FileManagerComponent> part;
   mutable Vex2HeaderData scratch;
   mutable CAnalysisSettingsMap map;
 };
 
-/// An operation under its name as `PublicOperations` gives it, and a call of it.
+/// A public operation: its name as `PublicOperations` returns it, and a function that calls it.
 struct Operation {
   const char* name;
   std::function<void(OpenedManager&, const Materials&)> run;
 };
 
-/// Of `Vex2FileManager` and `Vex2FileManagerComponent`, without constructors, which throw, and
-/// destructors.
+/// The operations of `Vex2FileManager` and `Vex2FileManagerComponent`, without destructors and
+/// without constructors, which may throw.
 const std::vector<Operation>& ManagerOperations();
 const std::vector<Operation>& PlateOperations();
 

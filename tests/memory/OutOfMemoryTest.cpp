@@ -1,4 +1,5 @@
-// Memory runs out at each allocation in turn: a status, nothing leaked, the manager usable.
+// Makes each allocation fail in turn. The operation must return a status, nothing may leak, and the
+// manager must stay usable.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -17,7 +18,8 @@ constexpr std::uint16_t kWells = 3;
 class OutOfMemory : public TempFolderTest {
  protected:
   void SetUp() override {
-    // Paths and texts that do not fit into a string object itself.
+    // Paths and texts that are too long for the internal buffer of a string, so that copies
+    // allocate.
     path_ = folder_ / "a run with a name of some length.vex";
     document_ = Join({StoredHeader(), ByteString().Text("CALR").Long(41).Text(std::string(41, 'c')),
                       ByteString().Text("GLBL").Long(30).Short(1).Text("COMM").Long(20).Text(
@@ -26,7 +28,7 @@ class OutOfMemory : public TempFolderTest {
     SetLongAt(document_, 68, document_.size());
     document_ = Join({document_, StoredBlock("RAWa", kWells, 2)});
     WriteBytes(path_, document_);
-    everyCall(warmUp_);  // what is made once and for all must not count as leaked
+    everyCall(warmUp_);  // objects that are made only once must not count as leaked
   }
 
   static int sweep(const AllocationSweep& sweep) { return sweep.Run(); }

@@ -21,7 +21,7 @@ std::string textOf(const std::string& header) {
   return std::regex_replace(text, std::regex("//[^\n]*|\\s+"), " ");
 }
 
-// The class's own body, in which the bodies of functions and nested classes are empty.
+// Returns the body of the class, with the bodies of functions and nested classes removed.
 std::string classBody(const std::string& text) {
   std::string body;
   int depth = 0;

@@ -5,9 +5,10 @@
 
 namespace vex2::test {
 
-/// The public operations of the class that a header of the source tree declares, in its order: by
-/// name, and where several share one, with their parameters as they are written there, e.g.
-/// "GetPlateSize" and "ReadDataFrame(int frameIndex, Vex2FrameData* frame, Vex2DataType type)".
+/// The public operations of the class that `header`, a file in the source tree, declares, in the
+/// order of the header. An operation is given by its name; overloaded operations also have their
+/// parameters as written in the header. Examples are "GetPlateSize" and "ReadDataFrame(int
+/// frameIndex, Vex2FrameData* frame, Vex2DataType type)".
 std::vector<std::string> PublicOperations(const std::string& header);
 
 }  // namespace vex2::test

@@ -1,5 +1,5 @@
-// Memory runs out at each allocation in turn while what stands on a plate is worked on: nothing
-// escapes, nothing leaks, and what failed can be done again.
+// Makes each allocation fail in turn while the content of a plate is read or changed. No exception
+// may leave the operation, nothing may leak, and the operation must be repeatable.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -12,7 +12,7 @@
 namespace vex2::test {
 namespace {
 
-// Texts that do not fit into a string object itself.
+// Texts that are too long for the internal buffer of a string, so that copies allocate memory.
 constexpr const char* kName = "a name of some length, longer than most";
 
 class SetupOutOfMemory : public TempFolderTest {
@@ -31,7 +31,7 @@ class SetupOutOfMemory : public TempFolderTest {
     dyes_.entries[0].SetName(kName, 30);
     dyes_.entries[0].SetValues(values, 3);
     background_.SetEntryCount(1);
-    OpenedManager warmUp;  // what is made once and for all must not count as leaked
+    OpenedManager warmUp;  // objects that are made only once must not count as leaked
     fill(warmUp);
     std::ignore = warmUp.SaveToFile(path_.c_str());
   }
@@ -46,8 +46,8 @@ class SetupOutOfMemory : public TempFolderTest {
     EXPECT_EQ(document.ReplaceCalibComponent(&dyes_, &background_), kSuccess);
     document.AppendRequiredDyenfo(name_);
   }
-  // The operation answers true when nothing fails, and when it is repeated after a failure. What
-  // it works on is whole in between.
+  // Requires that `operation` returns true if no allocation fails and if it is repeated after a
+  // failure, and that the content stays complete.
   void sweep(const std::function<bool(OpenedManager&)>& operation) const {
     const AllocationSweep sweep{
         [this](OpenedManager& document) { fill(document); },

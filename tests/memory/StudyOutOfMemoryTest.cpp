@@ -1,5 +1,6 @@
-// Memory runs out at each allocation in turn while a study, its results or its settings are worked
-// on: nothing escapes, nothing leaks, nothing is left half done.
+// Makes each allocation fail in turn while a study, its results or its settings are read or
+// changed. No exception may leave the operation, nothing may leak, and no change may be left
+// incomplete.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -12,7 +13,7 @@
 namespace vex2::test {
 namespace {
 
-// Names that do not fit into a string object itself.
+// Names that are too long for the internal buffer of a string, so that copies allocate memory.
 constexpr const char* kPlate = "a plate with a name of some length";
 constexpr const char* kOther = "another plate with a name of some length";
 constexpr const char* kDetector = "a detector with a name of some length";
@@ -37,7 +38,7 @@ class StudyOutOfMemory : public TempFolderTest {
     ASSERT_TRUE(plate_.SetAcqDataWellRecord(&record, 0, 2, DataRAWa));
     ASSERT_EQ(plate_.SaveToFile(path_.c_str()), kSuccess);
     plate_.SetFilePath(pathOf(kPlate).c_str());
-    OpenedManager warmUp;  // what is made once and for all must not count as leaked
+    OpenedManager warmUp;  // objects that are made only once must not count as leaked
     makeStudy(warmUp);
     CString date;
     ASSERT_EQ(warmUp.ReadRQPFromFile(nullptr, path_.c_str(), false, date), kSuccess);
@@ -59,7 +60,8 @@ class StudyOutOfMemory : public TempFolderTest {
   std::function<void(OpenedManager&)> prepareStudy() const {
     return [this](OpenedManager& study) { makeStudy(study); };
   }
-  // The operation answers true when nothing fails, and when it is repeated after a failure.
+  // Requires that `operation` returns true if no allocation fails and if it is repeated after a
+  // failure.
   void sweep(const std::function<bool(OpenedManager&)>& operation) const {
     const auto status = [&](OpenedManager& study) { return operation(study) ? 0 : -1; };
     const AllocationSweep sweep{prepareStudy(), status, [&](OpenedManager& study, int result) {
@@ -69,7 +71,7 @@ class StudyOutOfMemory : public TempFolderTest {
     EXPECT_GE(sweep.Run(), 1);
   }
 
-  // Made beforehand: what a host makes on the way is its own affair.
+  // Made before the sweep, because allocations of the host do not belong to the operation.
   const CString kDate = "Mar 05, 2003 02:07 PM";
   const CString kOtherName = kOther;
   const CString kPlateName = kPlate;

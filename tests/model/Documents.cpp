@@ -24,7 +24,7 @@ Text detectors(Draw& draw) {
                                 record("COLR", draw.Bytes(3)), record("DASB", draw.Bytes(2))}));
   }
   Text bytes = list("DETL", all);
-  // Lists have been seen whose length counts too little.
+  // Real documents contain lists that declare too little.
   if (draw.OneIn(4)) bytes.replace(4, 4, Big(2, 4));
   return bytes;
 }
@@ -104,8 +104,8 @@ Text DrawDocument(Draw& draw) {
   if (draw.OneIn(6)) bytes.replace(8, 4, "RQSt");
   for (int left = draw.Below(7); left > 0; --left) bytes += drawRecord(draw);
   if (draw.OneIn(2)) {
-    // The header's offset of the block: its end, as a save stores it; its start, as the partial
-    // writers store it; or 0.
+    // The header's offset of the block: its end, as a save stores it; its start, as operations that
+    // change a file in place store it; or 0.
     const std::size_t start = bytes.size();
     bytes += block(draw, "RAWa");
     const int how = draw.Below(5);

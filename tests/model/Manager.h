@@ -12,25 +12,26 @@
 
 namespace vex2::test::model {
 
-/// The files that all managers work on. Paths that begin with "/sealed" cannot be written, with
-/// "/nowhere" not be opened at all, with "/drop" not be read.
+/// The files that all managers use. Paths that begin with "/sealed" cannot be written, those with
+/// "/drop" cannot be read, and those with "/nowhere" cannot be opened.
 struct Disk {
   std::map<Text, Text> files;
   std::map<Text, int> readers;
   std::map<Text, int> writers;
-  std::map<Text, int> replaced;  ///< how often a whole new file took the place of the old one
+  std::map<Text, int> replaced;  ///< how often a new file has replaced the old one
 };
 
-/// A plate document as the rules have it: a header, records in order, a file. Operations have the
-/// library's names in lower case; they answer a status, or what was asked for.
+/// A literal implementation of the rules for a plate document: a header, records in order, a file.
+/// Operations have the names of the library, in lower case, and return a status or the queried
+/// value.
 class Manager {
  public:
   explicit Manager(Disk& disk) : disk_(&disk) {}
 
-  Text header = NewHeader();  ///< 72 bytes, then four a row
+  Text header = NewHeader();  ///< 72 bytes, then four bytes for each row
   std::vector<Part> parts;
   Text path;
-  std::set<Text> analysed;     ///< plates that have storage for their analysis
+  std::set<Text> analysed;     ///< names of plates with storage for analysis results
   std::vector<Text> messages;  ///< shown to the user
 
   static Text NewHeader();
@@ -40,8 +41,8 @@ class Manager {
   int safeOpen(const char* at, int write, int append);
   void close();
   bool isOpen() const { return mode_ != Mode::closed; }
-  /// Whether the rules say what writing to the manager's file does: a failure shows only later on a
-  /// file that is open for reading.
+  /// Whether the rules define what a write to the manager's file does. They do not if the file is
+  /// open for reading, because such a write fails only later.
   bool canTryToWrite() const { return mode_ != Mode::reading; }
   bool isWriting() const { return mode_ == Mode::writing; }
   void write(const Text& bytes);
@@ -57,7 +58,8 @@ class Manager {
   bool isVex2();
   void setUsage(const std::vector<bool>& usage, int rows, int columns);
   int updateOffset(std::size_t field, std::uint32_t offset);
-  /// Whether the rules say what reading this file gives: a header cut short is left open.
+  /// Whether the rules define the result of reading this file. They do not if the header is cut
+  /// off.
   bool isSettled(const char* at) const;
 
   // --- ManagerSettings.cpp: settings and the thermal cycling program ---
@@ -108,7 +110,7 @@ class Manager {
   /// a file that is missing or shorter than 72 bytes. The rules for reading single frames assume
   /// this.
   bool leadsToBlock(const char* at, const Text& tag) const;
-  /// Whether lengths lead from record to record to the file's very end.
+  /// Whether the declared lengths lead from record to record exactly to the end of the file.
   bool hasPlainRecords(const char* at) const;
 
   // --- ManagerStudy.cpp ---
@@ -138,7 +140,7 @@ class Manager {
   int writeHeader();
   void writePart(const Part& part);
   int saveParts(const char* at, const std::function<int()>& writeThem);
-  /// Whether a file must be kept before it is replaced, and cannot, as it may not be read.
+  /// Whether the file needs a backup before it is replaced, but cannot be read to make one.
   bool lacksBackup(const char* at) const;
   int replaceRaw(const char* at, const Part& block);
   int replaceReporting(const char* at, const Part& block, const Text& tag);
@@ -152,8 +154,8 @@ class Manager {
   Mode mode_ = Mode::closed;
   Text openPath_;
   std::size_t position_ = 0;
-  Left left_;    ///< what the last commit left
-  Text unread_;  ///< the path of the file that was not read whole, where it may not be read at all
+  Left left_;    ///< the state that the last commit left
+  Text unread_;  ///< the path of a file that was read in part, if it can no longer be read
 };
 
 }  // namespace vex2::test::model

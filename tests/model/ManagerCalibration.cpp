@@ -73,7 +73,7 @@ int Manager::replaceBackground(const char* at, const Spectra* value) {
       place = offset;
       break;
     }
-    // A document that does not hold a record whole takes none behind it.
+    // If the last record of a document is cut off, nothing is appended after it.
     const bool isWhole = length <= bytes.size() - offset - 8;
     if (isDocument && !isWhole && IsKnown(bytes.substr(offset, 4))) return -300;
     offset += 8 + length;

@@ -1,5 +1,6 @@
-// Random sequences of operations on the library and on a literal model of the rules: what both
-// answer, every byte on disk, headers, components and paths must agree after each operation.
+// Runs random sequences of operations on the library and on a literal model of the rules. After
+// each operation, the returned values, every byte on disk, headers, components and paths must be
+// equal.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -47,7 +48,7 @@ Text contentOf(const MemoryFiles& files, const Text& path) {
   return {bytes.begin(), bytes.end()};
 }
 
-/// Each component's bytes, as it writes itself.
+/// The bytes that each component writes.
 std::vector<Text> componentsOf(MemoryFiles& files, const Vex2FileManager& manager) {
   constexpr const char* kScratch = "/scratch";
   std::vector<Text> components;
@@ -62,7 +63,7 @@ std::vector<Text> componentsOf(MemoryFiles& files, const Vex2FileManager& manage
   return components;
 }
 
-/// The first place where two texts differ, for bytes too many to print.
+/// Describes the first difference of two texts that are too long to print.
 Text difference(const Text& what, const Text& library, const Text& model) {
   if (library == model) return {};
   return what + ": " + FirstDifference(ToBytes(library), ToBytes(model));
@@ -87,7 +88,8 @@ Text differenceOfManagers(Sides& sides, int number) {
   return found;
 }
 
-/// What a file holds that is open for writing is known only when it is closed.
+/// Compares the files of both sides, except files that are open for writing: their content is known
+/// only when they are closed.
 Text differenceOfFiles(Sides& sides) {
   std::size_t count = 0;
   for (const auto& [path, bytes] : sides.disk.files) {
@@ -100,8 +102,8 @@ Text differenceOfFiles(Sides& sides) {
   return sides.files.FileCount() == count ? Text() : "there is a file too many";
 }
 
-/// A file that was read in part is kept before it is replaced. The model has no such files, but
-/// knows what they must hold: the bytes from before the operation. They are taken away again.
+/// Compares the backups, which the library makes of files that were read in part, with the bytes
+/// from before the operation. The model makes no backups, so they are removed again.
 Text takeBackups(Sides& sides, const std::map<Text, Text>& before) {
   for (const auto& [path, bytes] : before) {
     const Text backup = path + ".backup";
@@ -113,7 +115,7 @@ Text takeBackups(Sides& sides, const std::map<Text, Text>& before) {
   return {};
 }
 
-/// What differs after the operation, or nothing.
+/// Describes the first difference between the sides after the operation; empty if there is none.
 Text differenceAfter(Sides& sides, const Operation& operation) {
   const std::map<Text, Text> before(sides.disk.files.begin(), sides.disk.files.end());
   if (operation.onBoth) {
@@ -145,7 +147,7 @@ struct Failure {
   Text what;
 };
 
-/// The first operation after which the sides differ.
+/// Runs the sequence and returns the first operation after which the sides differ.
 std::optional<Failure> run(const std::vector<Operation>& sequence, int* operations = nullptr) {
   const auto sides = std::make_unique<Sides>();
   const Text sealed = Written(ValuePart("CALR", "sealed"));
@@ -164,7 +166,7 @@ std::optional<Failure> run(const std::vector<Operation>& sequence, int* operatio
   return std::nullopt;
 }
 
-/// The sequence without what the failure does not need, as a list.
+/// Lists the sequence without the operations that are not needed for the failure.
 Text Shrunk(std::vector<Operation> sequence, Failure failure) {
   sequence.resize(std::min(sequence.size(), failure.operation + 1));
   for (std::size_t i = sequence.size(); i-- > 0;) {

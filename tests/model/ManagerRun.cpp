@@ -23,13 +23,13 @@ std::size_t positionOf(const Part& block, int well) {
   return static_cast<std::size_t>(found - block.wells.begin());
 }
 
-/// Whether bytes behind a block's frames are somebody's record, and no uncommitted frame.
+/// Whether bytes after the frames of a block are a record, not an uncommitted frame.
 bool isRecord(const Text& bytes) {
   if (bytes.size() < 8 || NumberAt(bytes, 4, 4) > bytes.size() - 8) return false;
   return std::all_of(bytes.begin(), bytes.begin() + 4, [](char c) { return c >= 32 && c < 127; });
 }
 
-/// What reading a single frame from a file needs to know of the block at a place.
+/// The geometry of a block in a file, which is needed to read a single frame.
 struct Geometry {
   std::uint32_t wells = 0;
   std::int64_t frames = 0;
@@ -151,8 +151,8 @@ int Manager::replaceReporting(const char* at, const Part& block, const Text& tag
   return 0;
 }
 
-/// Whether the bytes at `start` are the tag as far as it was written, and zeros behind that: a
-/// first commit writes the tag last.
+/// Whether the bytes at `start` are the first part of the tag followed by zeros. A first commit
+/// writes the tag last, so it can leave only a part of it.
 bool Manager::beginsAsBlock(const Part& block, std::size_t start) {
   const Text tag = content().substr(start, 4);
   std::size_t written = 0;
@@ -160,8 +160,8 @@ bool Manager::beginsAsBlock(const Part& block, std::size_t start) {
   return tag.find_first_not_of('\0', written) == Text::npos;
 }
 
-/// A block at the file's end that holds no whole frame but those of `block`, too, is what an
-/// interrupted first commit left, however much of it: it is written over.
+/// Whether the bytes from `start` on are what an interrupted first commit left: part of a block
+/// whose whole frames, if any, are frames of `block`. Such bytes are overwritten.
 bool Manager::isLeftover(const Part& block, std::size_t start) {
   const Text rest = content().substr(start);
   if (rest.size() < 8) return true;
@@ -230,15 +230,16 @@ int Manager::appendFrame(const char* at, const Frame& frame, const Text& tag) {
     return commit(at, 0, tag);
   }
   const std::int64_t index = block->FrameCount();
-  // Wells that the frame lacks are zero; those that the block lacks are left out.
+  // Wells that are missing in the frame become zeros; wells that are missing in the block are left
+  // out.
   Text records = frame.records;
   records.resize(88 * block->wells.size());
   AddFrame(*block, records);
   return commit(at, index, tag);
 }
 
-/// Where the next frame goes: over what an interrupted commit left behind the counted frames, which
-/// is at most a frame and no record; else to the file's end.
+/// The offset of the next frame. It overwrites uncommitted bytes after the counted frames, which
+/// are at most one frame and not a record; otherwise it is appended to the file.
 std::size_t Manager::placeForFrame(const Part& block, std::uint32_t offset) {
   const Text& bytes = content();
   const std::size_t frame = kWellInFile * block.wells.size();

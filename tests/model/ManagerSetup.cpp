@@ -6,7 +6,7 @@
 namespace vex2::test::model {
 namespace {
 
-/// The bytes as they lie in the memory of the machines that write documents.
+/// The bytes of a float in little-endian order.
 Text littleEndian(float value) {
   std::uint32_t bits = 0;
   std::memcpy(&bits, &value, sizeof bits);
@@ -64,7 +64,7 @@ Text nameOf(const Part& detector) {
   return {};
 }
 
-/// The first child that matches, or the number of children.
+/// The index of the first child that matches, or the number of children.
 template <typename Matches>
 std::size_t indexOf(const Part& list, Matches matches) {
   const auto& children = list.children;

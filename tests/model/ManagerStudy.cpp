@@ -3,7 +3,7 @@
 namespace vex2::test::model {
 namespace {
 
-/// The title of the file: what stands between the last separator and the last dot.
+/// The title of the file: the text between the last separator and the last dot.
 Text titleOf(const Text& path) {
   const std::size_t slash = path.find_last_of("\\/");
   if (slash == Text::npos || slash == 0) return {};

@@ -14,37 +14,37 @@
 
 namespace vex2::test::model {
 
-/// Random choices, the same on every system for the same seed.
+/// Random choices that are the same on every system for the same seed.
 class Draw {
  public:
   explicit Draw(std::uint64_t seed) : numbers_(seed) {}
 
-  /// A number from 0 to `count` - 1.
+  /// A random number from 0 to `count` - 1.
   int Below(int count) { return static_cast<int>(numbers_() % static_cast<std::uint64_t>(count)); }
   bool OneIn(int count) { return Below(count) == 0; }
   std::uint32_t Number();
-  /// Up to `longest` characters; one in four is empty.
+  /// A random text of up to `longest` characters; one in four is empty.
   Text Letters(int longest);
   Text Bytes(int count);
   template <typename Value>
   const Value& Of(const std::vector<Value>& values) {
     return values[static_cast<std::size_t>(Below(static_cast<int>(values.size())))];
   }
-  /// A path; null is one of them.
+  /// A random path, which can be null.
   const char* Path();
 
  private:
   std::mt19937_64 numbers_;
 };
 
-/// Files in memory of which some cannot be written, read or opened, as `Disk` has it.
+/// Files in memory. Some cannot be written, read or opened, as `Disk` describes.
 class Files : public MemoryFiles {
  public:
   int Open(const char* path, int flags, mode_t mode) override;
 };
 
-/// Both sides of the comparison: two managers of the library and two of the model, which work on
-/// the same files.
+/// Both sides of the comparison: two managers of the library and two of the model, with equal
+/// files.
 struct Sides {
   Files files;
   RecordingHost host;
@@ -53,14 +53,14 @@ struct Sides {
   Manager model[2] = {Manager(disk), Manager(disk)};
 };
 
-/// One operation on a manager, on both sides. What they answer must be the same text.
+/// One operation on a manager, for both sides. Both must return the same text.
 struct Operation {
-  Text text;  ///< how a failing sequence is printed
+  Text text;  ///< shown if a sequence fails
   std::function<Text(OpenedManager&)> tested = {};
   std::function<Text(Manager&)> model = {};
-  /// Whether the rules say what the operation does there; it is left out where they do not.
+  /// Whether the rules define the result of the operation in this state. If not, it is skipped.
   std::function<bool(const Manager&)> isSettled = {};
-  /// For operations between managers and on files, in place of the three above.
+  /// Used instead of the three functions above for operations on two managers or on files.
   std::function<void(Sides&)> onBoth = {};
   int manager = 0;
 };
@@ -71,7 +71,7 @@ Operation DrawSetupOperation(Draw& draw);
 Operation DrawCalibrationOperation(Draw& draw);
 Operation DrawRunOperation(Draw& draw);
 Operation DrawStudyOperation(Draw& draw);
-/// The bytes of a file: a document of random records, whole, cut short or none at all.
+/// The bytes of a random file: a document of random records, which may be cut off, or no document.
 Text DrawDocument(Draw& draw);
 
 inline Text Shown(const char* path) {

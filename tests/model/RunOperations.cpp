@@ -13,7 +13,7 @@ struct Block {
 constexpr Block kBlocks[] = {{DataRAWa, "RAWa"}, {DataRAWa, "RAWa"}, {DataRAWa, "RAWa"},
                              {DataREPr, "REPr"}, {DataREPn, "REPn"}, {DataREPt, "REPt"}};
 
-/// 44 values, of which the first tells whether the well counts as filled.
+/// 44 values. The first is nonzero if the well counts as filled.
 Text drawAnyRecord(Draw& draw) {
   return Big(draw.OneIn(5) ? 0U : 1U + static_cast<unsigned>(draw.Below(9)), 2) + draw.Bytes(86);
 }
@@ -51,7 +51,7 @@ Text shown(const Vex2FrameData& frame) {
   return bytes;
 }
 
-/// Frames as a caller hands in a whole block; `Data` borrows them.
+/// Frames of a whole block, as a caller passes them. `Data` refers to them.
 struct Frames {
   explicit Frames(const std::vector<Frame>& from) {
     for (const Frame& frame : from) list.push_back(frameOf(frame));
@@ -70,7 +70,7 @@ Operation wholeBlockOperation(Draw& draw, const Block& block, const char* path) 
     frames.back().records.resize(88UL * frames.front().wells);
   }
   const Text how = "(" + Shown(path) + ", " + (isNull ? "null" : Shown(count) + " frames") + ")";
-  // To place the block it has to look at the file.
+  // The operation must read the file to find the offset of the block.
   const bool canBeRead = path == nullptr || Text(path) != "/drop/d.vex";
   if (block.type == DataRAWa && canBeRead && draw.OneIn(3)) {
     return {

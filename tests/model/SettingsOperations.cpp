@@ -56,7 +56,7 @@ Operation wholeOperation(Draw& draw) {
           [=](Manager& m) { return Shown(m.appendSettings(path, isNull ? nullptr : &value)); }};
 }
 
-/// One field that travels inside the settings.
+/// An operation on one field that is stored in the settings.
 Operation fieldOperation(Draw& draw) {
   const std::uint32_t number = draw.Number();
   const Text name = draw.Letters(6);

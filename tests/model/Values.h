@@ -6,8 +6,8 @@
 
 #include "tests/support/RecordModel.h"
 
-/// What callers hand to a document, as plain values from which both the library's records and the
-/// model's are made.
+/// The values that callers pass to a document, as plain structs. The arguments for the library and
+/// for the model are made from them.
 namespace vex2::test::model {
 
 struct Settings {
@@ -35,9 +35,9 @@ struct Detector {
 
 struct Spectrum {
   std::uint32_t keys[3] = {};  ///< key1, key2, dyeIndex
-  std::uint32_t bytes = 0;     ///< a dye's byte1 and byte2, a background's limit
+  std::uint32_t bytes = 0;     ///< byte 1 and byte 2 of a dye, or the limit of a background
   Text name;
-  std::uint32_t params[3] = {};  ///< of a dye
+  std::uint32_t params[3] = {};  ///< only of a dye
   Text values;                   ///< four bytes each
 };
 
@@ -67,7 +67,7 @@ struct Well {
   std::vector<WellDetector> detectors;
 };
 
-/// A frame: 44 big-endian 16-bit values a well.
+/// A frame: 44 big-endian 16-bit values for each well.
 struct Frame {
   std::uint16_t wells = 0;
   Text records;

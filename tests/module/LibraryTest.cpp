@@ -1,4 +1,4 @@
-// The document library as a module of an application that knows only the framework.
+// Tests the document library as a module of an application that links only the framework.
 #include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -29,7 +29,8 @@ class LibraryAsModule : public testing::Test {
     EXPECT_FALSE(isInMemory());
   }
 
-  // Another module of ours was there first; loading must fail and leave just that one.
+  // Expects that the library cannot be loaded after `first` was registered, and that only `first`
+  // stays registered.
   static void expectRefused(const ExtensionModule& first) {
     ASSERT_TRUE(RegisterModule(first));
     LoadedModule library;

@@ -1,4 +1,4 @@
-// The loader, on real libraries.
+// Tests the module loader with real libraries.
 #include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -30,7 +30,7 @@ class LoadedModuleTest : public TempFolderTest {
  protected:
   void TearDown() override { EXPECT_TRUE(RegisteredModules().empty()); }
 
-  // The reason why `path` cannot be loaded, with nothing left of the attempt.
+  // Returns the reason why `path` cannot be loaded. Checks that nothing stays registered.
   std::string refusal(const std::string& path) {
     LoadedModule module;
     std::string error;

@@ -1,5 +1,6 @@
 // Runs every operation that writes to files, so that a memory checker can find uninitialised bytes
-// that would get into a document. Without the checker it shows that all of it works.
+// that would get into a document. Without a memory checker it tests that all of these operations
+// work.
 #include <gtest/gtest.h>
 
 #include "tests/reliability/FilledDocuments.h"
@@ -11,7 +12,8 @@ namespace {
 
 class AllWriters : public TempFolderTest {
  protected:
-  // A document of all parts, whose records are as new wherever nothing must be set.
+  // Makes a document with all kinds of records. Fields that need not be set keep their default
+  // values.
   static void fill(Vex2FileManager& document) {
     FillProgram(document, 3);
     FillWells(document, 2);
@@ -55,7 +57,7 @@ TEST_F(AllWriters, RecordRuns) {
   document.InitAcqDataWellNumberArray(numbers.data(), 96, DataRAWa);
   Vex2WellRecord record;
   record.leading[0] = 1;
-  for (int frame = 0; frame < 3; ++frame) {  // of which one well is filled
+  for (int frame = 0; frame < 3; ++frame) {  // one well of each frame is filled
     EXPECT_TRUE(document.SetAcqDataWellRecord(&record, frame, 7, DataRAWa));
     EXPECT_EQ(document.CommitAcqDataFrame(file_, frame, DataRAWa), kSuccess);
   }
@@ -91,7 +93,7 @@ TEST_F(AllWriters, AppendAndReplaceRecords) {
   EXPECT_EQ(document.AppendAcquisitionDataBlock(file_, &data), kSuccess);
 }
 
-// What the memory checker must not let pass, to see that it looks.
+// A write of uninitialised bytes, to see that the memory checker reports it.
 TEST_F(AllWriters, DISABLED_WriteWhatWasNeverSet) {
   const std::unique_ptr<char[]> never(new char[16]);
   CFile file;

@@ -1,4 +1,4 @@
-// A file that was cut at any byte opens with what is whole, or with a status.
+// Tests that a file that is cut off at any byte opens with its whole records, or returns a status.
 
 #include "tests/reliability/DamagedDocuments.h"
 #include "tests/support/RecordModel.h"
@@ -19,8 +19,9 @@ class CutAnywhere : public DamagedDocument {
     return {bytes.begin(), bytes.end()};
   }
 
-  // Holds status and content to what a second reader of the format finds, which shares no code with
-  // the library. All but the last record were compared at shorter lengths: of them only the heads.
+  // Compares status and content with those of a second reader, which shares no code with the
+  // library. Only the last record is compared completely: the others were compared at shorter
+  // lengths, so only their heads are.
   void expectWhatIsWhole(const model::Text& bytes) {
     const model::Document expected = model::ReadDocument(bytes);
     EXPECT_EQ(status_, expected.status);
@@ -39,7 +40,7 @@ class CutAnywhere : public DamagedDocument {
 
 TEST_P(CutAnywhere, OpensWithWhatIsWholeOrAStatus) {
   const model::Text whole(whole_.begin(), whole_.end());
-  // A step that is no multiple of anything meets every kind of place.
+  // The step is a prime number, so that the cuts fall on all kinds of offsets.
   const auto step = static_cast<std::size_t>(InFullSweeps(1, 61));
   for (std::size_t length = 0; length <= std::min(whole_.size(), kLongest); length += step) {
     ++points_;

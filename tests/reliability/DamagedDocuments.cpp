@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t kMegabyte = std::size_t{1} << 20U;
 
-// Of this thread: other tests that run at the same time are not counted.
+// The processor time of this thread, so that tests that run at the same time do not count.
 double processorSeconds() {
   timespec now{};
   clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
@@ -95,7 +95,7 @@ void DamagedDocument::readAsPlate() {
 void DamagedDocument::save(std::size_t size) {
   Vex2FileManager copy(document_);
   const int status = copy.SaveToFile("/saved.vex");
-  // An unknown record can promise zeros without end.
+  // An unknown record can declare so many bytes that its zeros do not fit on the disk.
   EXPECT_TRUE(status == 0 || (status == -200 && files_.HasRefused())) << status;
   EXPECT_LE(files_.Content("/saved.vex").size(), 2 * size + kMegabyte);
 }

@@ -14,9 +14,9 @@
 
 namespace vex2::test {
 
-/// Where the small documents of the tests are and the sample documents, if there are any.
+/// The paths of the small test documents and, if they exist, of the sample documents.
 std::vector<std::filesystem::path> SampleDocuments();
-/// For the names of tests that are made for each of them.
+/// Names the tests after the sample document.
 std::string SampleName(const testing::TestParamInfo<std::filesystem::path>& info);
 
 /// Base of the tests that damage a sample document in many ways: reads each damaged copy from
@@ -25,29 +25,29 @@ class DamagedDocument : public testing::TestWithParam<std::filesystem::path> {
  protected:
   static constexpr const char* kPath = "/damaged.vex";
 
-  /// Reads `bytes` as a document, asks for its frames, reads it as a plate of a study, copies it
-  /// and saves it. Each has a status, all of it takes a second at most, and one more for each
-  /// megabyte, and reading takes no more than four times the file's size and a megabyte. What was
-  /// read is then in `document_`.
+  /// Reads `bytes` as a document into `document_`, asks for its frames, reads it as a plate of a
+  /// study, copies it and saves it. Checks that each step returns a status; that all steps together
+  /// take at most one second plus one second per megabyte; and that reading takes at most one
+  /// megabyte of memory plus four times the size of the file.
   void expectToStand(const Bytes& bytes);
 
-  /// Counts the state that was looked at, as a bad one when an expectation has failed since the
-  /// last call. False when so many were bad that the sweep is to end.
+  /// Counts one examined state. The state is bad if an expectation has failed since the last call.
+  /// Returns false if there are so many bad states that the sweep should end.
   bool countState();
 
-  /// Tells how many points, states and bad states there were.
+  /// Reports the numbers of points, states and bad states.
   void report(const std::string& promise, const std::string& sweep) const {
     ReportSweep({promise, sweep, points_, states_, bad_});
     EXPECT_GT(states_, 0U);
   }
 
-  /// The document as it was.
+  /// The undamaged document.
   const Bytes whole_ = ReadBytes(GetParam());
 
   MemoryFiles files_;
   SilentHost host_;
   Vex2FileManager document_;
-  int status_ = 0;  ///< of reading `document_`
+  int status_ = 0;  ///< the status of reading `document_`
   std::uint64_t points_ = 0;
   std::uint64_t states_ = 0;
   std::uint64_t bad_ = 0;

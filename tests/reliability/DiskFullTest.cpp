@@ -1,5 +1,6 @@
-// A disk that is full, a limit on the size of files, and transfers that are cut short and
-// interrupted: a status, every committed frame intact, and the run goes on when there is room.
+// Tests a full disk, a limit on the size of files, and transfers that are incomplete or
+// interrupted. Operations return a status, every committed frame is intact, and the run continues
+// when there is room.
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
@@ -28,13 +29,13 @@ class DiskFull : public RunOnDisk {
     EXPECT_EQ(status, kWriteFailed);
     return frames;
   }
-  // Whether a refused frame left the file as it was, and a refused save the old document.
+  // Checks that the file has `frames` frames, and that a save that fails leaves it unchanged.
   void expectIntact(OpenedManager& manager, int frames) {
     EXPECT_EQ(FirstDifference(ReadBytes(path_), documentOf(frames)), "");
     EXPECT_EQ(readableFrames(), frames);
     EXPECT_EQ(manager.SaveToFile(path_.c_str()), kWriteFailed);
     EXPECT_EQ(FirstDifference(ReadBytes(path_), documentOf(frames)), "");
-    // A save that failed has moved the position in memory alone.
+    // The failed save changed the offset only in memory, and closed the file.
     EXPECT_FALSE(manager.IsOpen());
   }
   void goOnWith(OpenedManager& manager, int frames) {
@@ -43,7 +44,7 @@ class DiskFull : public RunOnDisk {
   }
 };
 
-// The system's limit on the size of a file, as long as it lives.
+// Limits the size of files in this process while the object exists.
 class FileSizeLimit {
  public:
   explicit FileSizeLimit(rlim_t bytes) : before_(std::signal(SIGXFSZ, SIG_IGN)) {
@@ -160,13 +161,13 @@ TEST_F(DiskFull, AfterAnyPartOfAnyWriteLeavesTheFramesAndTheRunGoesOnLater) {
   ReportSweep(result);
 }
 
-// What a child that cannot have a file system of its own ends with; else it ends with the number of
-// bad states.
+// The exit code of a child process that cannot mount a file system. Otherwise the exit code is the
+// number of bad states.
 constexpr int kNoFileSystem = 77;
 
 class SmallDisk : public DiskFull {
  protected:
-  // In a process of its own: makes the folder a disk of 64 KiB that only this process sees.
+  // Mounts a disk of 64 KiB at the folder, visible only in this process.
   bool mountDisk() const {
     const std::string folder = folder_.Path().string();
     if (::unshare(CLONE_NEWNS) != 0 && ::unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) return false;

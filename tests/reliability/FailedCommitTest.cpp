@@ -1,6 +1,6 @@
-// A commit that the system refuses leaves the file as it was, and the same frame can be tried
-// again; where even taking it back is refused, every earlier frame is there and the next commit
-// repairs the rest.
+// Tests that a commit that fails leaves the file unchanged, and that the same frame can be
+// committed again. If even restoring the file fails, every earlier frame is intact and the next
+// commit repairs the file.
 #include "tests/reliability/RunOnDisk.h"
 
 namespace vex2::test {
@@ -9,7 +9,7 @@ namespace {
 constexpr const char* kCommitFails = "a commit fails";
 
 struct Staged {
-  int committed;  // frames before the one that fails
+  int committed;  // the number of frames before the one that fails
   int error;
 };
 
@@ -67,7 +67,8 @@ TEST_P(FailedCommit, AtAnyCallLeavesTheFileAndCanBeRepeated) {
     EXPECT_EQ(manager.AcquisitionDataOffset(), committed() == 0 ? 0U : 1024U);
     const bool kept = same(committed());
     const int again = manager.CommitAcqDataFrame(path_.c_str(), committed(), DataRAWa);
-    // What a failed sync means for the manager is told elsewhere; to the file it means the same.
+    // After a failed sync, this manager refuses further commits (see FailedSyncTest.cpp); another
+    // one can continue.
     EXPECT_EQ(again, syncFailed_ ? kWriteFailed : kSuccess);
     const bool repeated = syncFailed_ ? goOn() == kSuccess : again == kSuccess;
     if (!kept || !repeated || !same(committed() + 1)) ++result.bad;
@@ -92,7 +93,8 @@ TEST_P(FailedCommit, ThatCannotBeTakenBackLeavesTheEarlierFramesAndIsRepaired) {
       ++result.states;
       const int frames = readableFrames();
       EXPECT_TRUE(frames == committed() || frames == committed() + 1) << frames;
-      // Its own manager tries again where it is to and may; else another one goes on with the run.
+      // If the frame was not committed and no sync failed, the same manager commits it again.
+      // Otherwise another manager continues the run.
       const bool tries = frames == committed() && !syncFailed_;
       const bool repeated =
           (tries ? manager.CommitAcqDataFrame(path_.c_str(), committed(), DataRAWa) : goOn()) ==
@@ -169,7 +171,7 @@ TEST_F(CommitBehindLeftovers, WritesOverWhatThereIsOfAFirstBlock) {
   write(block);
   Bytes untagged = block;
   std::fill_n(untagged.begin(), 4, std::uint8_t{0});
-  // Its frame is nobody's, and another one by now.
+  // The bytes of the frame differ from the frame that is committed now.
   untagged.back() ^= 1;
   for (std::size_t left = 0; left <= untagged.size(); ++left) {
     SCOPED_TRACE(left);
@@ -200,7 +202,8 @@ TEST_F(CommitBehindLeftovers, LeavesWhatItsManagerHasCommittedThoughTheLengthDoe
   for (int i = 0; i < 3; ++i) {
     ASSERT_EQ(manager.CommitAcqDataFrame(path_.c_str(), i, DataRAWa), kSuccess);
   }
-  // The first commit wrote all of the block; each later one adds its frame once more.
+  // The first commit wrote the whole block with all frames; each later commit appended its frame
+  // again.
   EXPECT_EQ(
       FirstDifference(ReadBytes(path_), Join({documentOf(3), StoredFrame(MakeFrame(wells_, 1)),
                                               StoredFrame(MakeFrame(wells_, 2))})),

@@ -1,5 +1,5 @@
-// A read that the system refuses, or for which memory runs out, is a status, and the manager can be
-// used on; an append that is refused leaves the file as it was.
+// Tests that a read that fails, or for which memory runs out, returns a status, and that the
+// manager can still be used. An append that fails leaves the file unchanged.
 #include "tests/reliability/RunOnDisk.h"
 #include "tests/reliability/Works.h"
 
@@ -35,7 +35,7 @@ std::vector<Work> readers() {
 
 class FailedCalls : public RunOnDisk {
  protected:
-  // Documents of every kind, large enough for several reads.
+  // Writes documents of every kind, large enough for several reads. Returns their paths.
   std::vector<std::string> documents() {
     std::vector<std::string> paths;
     const auto save = [&](const char* name, auto write) {
@@ -88,7 +88,7 @@ TEST_F(FailedCalls, WhileReadingAreAStatusAndTheManagerCanBeUsedOn) {
             const bool failed = files_.HasFailed();
             files_.Restart();
             EXPECT_FALSE(manager.IsOpen());
-            // A whole document that can be read in part is a success; nothing else is.
+            // If no call failed, the reader must return the expected status.
             EXPECT_TRUE(failed || status == expected) << status;
             EXPECT_LE(status, 0);
             if (status != expected) ++refusals;

@@ -1,5 +1,5 @@
-// Once the disk failed to store a change of a file, the manager changes that file no more and says
-// so: the system may have dropped what it could not store, and would not tell a second time.
+// Tests that after a failed sync the manager refuses to change the file again. The system may have
+// dropped the data that it could not store, and a second sync would not report that.
 #include "tests/reliability/RunOnDisk.h"
 #include "tests/support/RecordingHost.h"
 
@@ -10,8 +10,9 @@ constexpr int kFrameCount = 4;
 
 class FailedSync : public RunOnDisk {
  protected:
-  // Records until a sync fails: the first after `syncs` of them, once or from then on. The number
-  // of frames whose commit returned, which is all of them when none failed.
+  // Records a run in which a sync fails after `syncs` successful ones; only that one if `once`,
+  // otherwise all later ones, too. Returns the number of frames whose commit returned; all frames
+  // if no sync failed.
   int recordUntilFailure(OpenedManager& manager, int syncs, bool once) {
     files_.Restart();
     files_.SkipSyncs();
@@ -68,7 +69,7 @@ TEST_F(FailedSync, AnywhereEndsTheCommitsToThatFileAndLeavesTheDocumentInMemory)
   EXPECT_EQ(result.bad, 0U);
 }
 
-// Every file has the number of one that is gone.
+// All files have the same number, as if a new file got the number of a removed one.
 class FilesOfOneNumber : public FaultyFileSystem {
  public:
   int Stat(int file, struct stat& info) override {

@@ -8,7 +8,7 @@
 
 #include "tests/support/RunDocument.h"
 
-/// Documents that hold as much of one thing as is asked for.
+/// Makes documents with any number of wells, detectors and other records.
 namespace vex2::test {
 
 inline void FillFrames(Vex2FileManager& document, int size) {

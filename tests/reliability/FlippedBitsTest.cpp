@@ -1,4 +1,4 @@
-// No bit of a document, flipped, is the library's undoing.
+// Tests that no flipped bit in a document causes undefined behaviour or breaks a promise.
 
 #include <numeric>
 

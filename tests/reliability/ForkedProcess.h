@@ -14,7 +14,7 @@
 
 namespace vex2::test {
 
-/// A number that a process shares with those that it forks.
+/// A number that a process shares with its child processes.
 template <typename Number>
 class SharedNumber {
  public:
@@ -32,8 +32,7 @@ class SharedNumber {
 };
 using SharedCount = SharedNumber<int>;
 
-/// Runs `work` in a process of its own and answers how that ended, as waitpid tells it: 0 when
-/// `work` answered 0.
+/// Runs `work` in a child process. Returns the status of waitpid, which is 0 if `work` returned 0.
 inline int EndOfProcess(const std::function<int()>& work) {
   const pid_t child = ::fork();
   if (child == 0) ::_exit(work());
@@ -42,8 +41,8 @@ inline int EndOfProcess(const std::function<int()>& work) {
   return status;
 }
 
-/// Whether the process of `work` was killed; it fails the test when it ended in any other way than
-/// by that or with 0, which `work` answers when all is well.
+/// Runs `work` in a child process. Returns whether the process was killed. If it was not killed and
+/// did not end with 0, the result of a successful `work`, the test fails.
 inline bool IsKilled(const std::function<int()>& work) {
   const int status = EndOfProcess(work);
   const bool killed = WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;

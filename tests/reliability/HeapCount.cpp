@@ -28,7 +28,7 @@ void release(void* memory) noexcept {
 
 }  // namespace
 
-// All of the library's memory comes through here. Arrays do, too: their operators call these.
+// All allocations of the library use these operators. The operators for arrays call them.
 void* operator new(std::size_t size) {
   if (void* memory = allocate(size)) return memory;
   throw std::bad_alloc();

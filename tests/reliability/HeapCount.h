@@ -4,13 +4,13 @@
 
 namespace vex2::test {
 
-/// How much of the heap the whole program takes while it lives, at most, beyond what was taken when
-/// it was made. One at a time.
+/// Measures the peak of the heap of the whole program, above its size when this object was made.
+/// Only one object may exist at a time.
 class HeapPeak {
  public:
   HeapPeak();
 
-  /// Bytes so far.
+  /// The peak so far, in bytes.
   std::size_t Bytes() const;
 
  private:

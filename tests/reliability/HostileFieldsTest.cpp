@@ -1,4 +1,5 @@
-// Lengths, counts and nesting that no file can keep are refused before anything is allocated.
+// Tests that lengths, counts and nesting that no file can hold are refused before memory is
+// allocated.
 
 #include <pthread.h>
 
@@ -14,7 +15,7 @@ namespace {
 
 class HostileFields : public DamagedDocument {
  protected:
-  /// What a field of this width is set to, with `left` bytes behind it.
+  /// The values that are tried in a field of this width that has `left` bytes after it.
   static std::vector<std::uint64_t> valuesFor(const Field& field, std::size_t left) {
     const std::uint64_t most = (std::uint64_t{1} << 8 * field.width) - 1;
     const std::uint64_t half = most / 2 + 1;

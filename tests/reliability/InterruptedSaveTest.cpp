@@ -1,5 +1,5 @@
-// A save that is killed or refused at any system call leaves the complete old document or the
-// complete new one.
+// Tests that a save that is killed or fails at any system call leaves the complete old document or
+// the complete new one.
 #include <algorithm>
 
 #include "tests/reliability/ForkedProcess.h"
@@ -19,7 +19,7 @@ class InterruptedSave : public RunOnDisk, public testing::WithParamInterface<Wor
     files_.SkipSyncs();
     makeOldDocument();
     FillDocument(manager_);
-    // Twice: the first one also settles the positions that the header in memory holds.
+    // Save twice, because the first save also changes the offsets in the header in memory.
     for (int i = 0; i < 2; ++i) {
       WriteBytes(path_, old_);
       files_.Restart();
@@ -32,7 +32,7 @@ class InterruptedSave : public RunOnDisk, public testing::WithParamInterface<Wor
       if (call.call != FileCall::close) calls_.push_back(call);
     }
   }
-  // A document with a run, and with what is replaced in place.
+  // Makes the old document: a run, and records that operations replace in place.
   void makeOldDocument() {
     OpenedManager writer;
     FillDocument(writer);
@@ -76,7 +76,7 @@ TEST_P(InterruptedSave, ByAKillLeavesTheOldDocumentOrTheNew) {
     for (const Moment moment : {Moment::before, Moment::halfway, Moment::after}) {
       const bool writes = calls_[static_cast<std::size_t>(call)].call == FileCall::write;
       if (moment == Moment::halfway && !writes) continue;
-      // Whatever is left out, the call that exchanges the documents and all writes are not.
+      // A sample leaves out other calls, but never a write.
       if (!writes && visited++ % step != 0) continue;
       SCOPED_TRACE("call " + std::to_string(call));
       startOver();

@@ -1,5 +1,5 @@
-// A recording process that dies at any moment, and not only at a system call, loses no frame whose
-// commit returned.
+// Tests that a recorder that is killed at any moment, not only at a system call, loses no frame
+// whose commit returned.
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/wait.h>
@@ -20,11 +20,12 @@ namespace vex2::test {
 namespace {
 
 constexpr int kMostFrames = 24;
-constexpr int kMostMicroseconds = 1500;  // some commits' time
+constexpr int kMostMicroseconds = 1500;  // the time of several commits
 
 class KilledAtAnyTime : public TempFolderTest, public testing::WithParamInterface<std::uint16_t> {
  protected:
-  // Runs in a process of its own, and tells `pipe` one byte for the document and one a frame.
+  // Records in a child process. Writes one byte to `pipe` after the document was saved and after
+  // each frame.
   [[noreturn]] void record(int pipe) {
     const auto tell = [pipe] {
       if (::write(pipe, "x", 1) != 1) ::_exit(1);
@@ -43,12 +44,12 @@ class KilledAtAnyTime : public TempFolderTest, public testing::WithParamInterfac
   }
 
   struct Ending {
-    bool isKilled = false;  // else it was done before
+    bool isKilled = false;  // false if the recorder ended first
     int told = 0;
   };
 
-  // Kills a recorder so long after it told of `count` things, which leaves the moment to chance on
-  // fast machines and slow ones.
+  // Kills a recorder `delay` after it has written `count` bytes to the pipe, so that the moment is
+  // random on fast and on slow machines.
   Ending killAfter(int count, std::chrono::microseconds delay) {
     int pipe[2];
     EXPECT_EQ(::pipe(pipe), 0);
@@ -72,9 +73,10 @@ class KilledAtAnyTime : public TempFolderTest, public testing::WithParamInterfac
     return ending;
   }
 
-  // What is wrong with the file after a recorder that told so much; empty when nothing is.
+  // Describes what is wrong with the file after a recorder wrote `told` bytes to the pipe; empty if
+  // nothing is wrong.
   std::string wrongAfter(int told) {
-    // The document is saved as a whole: until that is done there is none.
+    // The document appears only when its first save is complete.
     if (told == 0 && !std::filesystem::exists(path_)) return {};
     Vex2FileManager reader;
     if (reader.ReadFromFile(path_.c_str()) != kSuccess) return "cannot be read";
@@ -112,7 +114,7 @@ TEST_P(KilledAtAnyTime, LosesNoFrameWhoseCommitReturned) {
   SweepResult result{"the process is killed",
                      "SIGKILL at random moments of a run of 96 and 384 wells"};
   std::uint64_t cutShort = 0;
-  // A recorder that is done before its kill is no kill.
+  // A recorder that ends before it is killed does not count.
   for (std::uint64_t i = 0; i < 3 * kills && result.points < kills; ++i) {
     std::filesystem::remove(path_);
     const Ending ending = killAfter(count(random), std::chrono::microseconds(delay(random)));
@@ -126,7 +128,7 @@ TEST_P(KilledAtAnyTime, LosesNoFrameWhoseCommitReturned) {
     ADD_FAILURE() << "kill " << result.points << ": " << wrong;
   }
   EXPECT_EQ(result.points, kills);
-  EXPECT_GE(cutShort, kills / 4);  // else the moments were not those of a run
+  EXPECT_GE(cutShort, kills / 4);  // enough of the moments must be during the run
   ReportSweep(result);
 }
 

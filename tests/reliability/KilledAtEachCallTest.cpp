@@ -1,5 +1,5 @@
-// A recording process that is killed at any of its system calls loses no frame whose commit
-// returned, and another process goes on where it ended.
+// Tests that a recorder that is killed at any system call loses no frame whose commit returned, and
+// that another process can continue the run.
 #include "tests/reliability/ForkedProcess.h"
 #include "tests/reliability/RunOnDisk.h"
 
@@ -18,8 +18,8 @@ class KilledAtEachCall : public RunOnDisk, public testing::WithParamInterface<st
     whole_ = documentOf(kFrames + 1);
   }
 
-  // The run, from a document without frames. The number of frames whose commit returned is told
-  // as it grows.
+  // Records the run from a document without frames. `committed` counts the frames whose commit
+  // returned.
   int run(std::atomic<int>& committed) {
     OpenedManager manager;
     begin(manager);
@@ -29,7 +29,7 @@ class KilledAtEachCall : public RunOnDisk, public testing::WithParamInterface<st
     }
     return 0;
   }
-  // The calls of a run that nothing ends.
+  // The system calls of a run that is not killed.
   std::vector<FileOperation> callsOfARun() {
     std::atomic<int> committed = 0;
     files_.Restart();
@@ -41,7 +41,7 @@ class KilledAtEachCall : public RunOnDisk, public testing::WithParamInterface<st
     }
     return calls;
   }
-  // Whether a run that is killed there leaves what it should.
+  // Whether a run that is killed at this call keeps the committed frames and can be continued.
   bool keepsWhatWasCommitted(int call, Moment moment) {
     SharedCount committed;
     const bool killed = IsKilled([&] {
@@ -85,13 +85,13 @@ TEST_P(KilledAtEachCall, LeavesEveryCommittedFrameAndCanBeGoneOnWith) {
   for (int call = 0; call < static_cast<int>(calls.size()); ++call) {
     const FileOperation& operation = calls[static_cast<std::size_t>(call)];
     points.push_back({call, Moment::before});
-    // A word is written whole or not at all by a system that is not to lose power.
+    // Without a power cut, the system writes four bytes completely or not at all.
     if (operation.call == FileCall::write && operation.count > kWord) {
       points.push_back({call, Moment::halfway});
     }
     points.push_back({call, Moment::after});
   }
-  // An odd step meets every kind of call.
+  // The step is odd, so that the sample includes every kind of call.
   const std::size_t step = FullSweeps() ? 1 : points.size() / 16 | 1U;
   SweepResult result{.promise = "the process is killed",
                      .sweep = "SIGKILL before, within and after each system call of a run of " +

@@ -1,4 +1,4 @@
-// Reading and writing take time in proportion to the size, whatever it is that makes a document
+// Tests that the time of reading and writing is proportional to the size, whatever makes a document
 // large.
 #include <gtest/gtest.h>
 #include <malloc.h>
@@ -18,19 +18,19 @@
 namespace vex2::test {
 namespace {
 
-constexpr double kMostGrowth = 2.3;      // for twice the size
-constexpr double kEnoughSeconds = 0.05;  // of measuring, where the growth is no more than it may be
+constexpr double kMostGrowth = 2.3;      // the most that the time may grow when the size doubles
+constexpr double kEnoughSeconds = 0.05;  // the measurement may end then if the growth is allowed
 constexpr std::size_t kFewestPairs = 3;
 constexpr std::size_t kMostPairs = 41;
 
-// The processor's time of this process: what others do on the machine hardly counts.
+// The processor time of this process, so that other programs on the machine hardly matter.
 double processorSeconds() {
   timespec now{};
   ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
   return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
 }
 
-/// The system's files without waiting for the disk, which is not what is measured.
+/// Files without syncs, because the time of the disk is not to be measured.
 class UnsyncedFiles : public FileSystem {
  public:
   UnsyncedFiles() : before_(SetFileSystem(this)) {}
@@ -45,12 +45,12 @@ class UnsyncedFiles : public FileSystem {
   FileSystem* before_;
 };
 
-/// What makes a document large, and how to make one.
+/// A kind of content that makes a document large, and how to make such a document.
 struct Dimension {
   const char* name;
   int smallest;
   std::function<void(Vex2FileManager& document, int size)> fill = {};
-  std::function<std::string(int size)> records = {};  ///< instead: the bytes behind the header
+  std::function<std::string(int size)> records = {};  ///< used instead: the bytes after the header
 };
 
 void PrintTo(const Dimension& dimension, std::ostream* out) {
@@ -83,10 +83,10 @@ std::string wideList(int size) {
   return ListRecord("CELS", size, repeated(ListRecord("CELL", 0, ""), size));
 }
 
-/// Does something with so many documents of one size, and says how many seconds it took.
+/// Does the measured work with `documents` documents of `size`. Returns the time in seconds.
 using Timed = std::function<double(int size, int documents)>;
 
-// With all that the heap has to do: what it puts off, it does from some size on in one go.
+// Includes the work that the heap defers, because from some size on it does this work in one step.
 double secondsOf(const std::function<void()>& operation) {
   const double begun = processorSeconds();
   operation();
@@ -100,8 +100,8 @@ double middleOf(std::vector<double> values) {
   return *middle;
 }
 
-// In a process of its own, whose heap nothing has been in: memory that was used before lies
-// scattered, and what is put there takes up to twice as long.
+// Runs `work` in a child process with an unused heap. In a fragmented heap the work takes up to
+// twice as long.
 void inItsOwnProcess(const std::function<void()>& work) {
   const auto run = [&] {
     work();
@@ -116,10 +116,11 @@ double secondsInItsOwnProcess(const Timed& timed, int size, int documents) {
   return *seconds;
 }
 
-// How many times as long as for half the size it takes for this one. Each document is compared with
-// two of half its size, which need as much memory, and so gain as much from the processor's caches.
-// They take turns, so that both meet the same load of the machine, and what counts is the middle
-// of the pairs: one by itself tells little on a machine that is busy.
+// Returns the time for `size` divided by the time for half of it. One document is compared with two
+// documents of half its size: both need the same memory, so they profit equally from the
+// processor's caches. They are measured in turn, so that the load of the machine affects both
+// equally. The result is the median of the pairs, because a single pair is not reliable on a busy
+// machine.
 double growthTo(int size, const Timed& timed) {
   std::vector<double> growths;
   double spent = 0;
@@ -135,7 +136,7 @@ double growthTo(int size, const Timed& timed) {
   return growth;
 }
 
-// Doubles the size so many times; the steps at which time grew by more than it may.
+// Doubles the size `doublings` times. Returns the number of steps at which the time grew too much.
 std::uint64_t countBadSteps(int smallest, int doublings, const Timed& read, const Timed& write) {
   std::uint64_t bad = 0;
   for (int step = 1; step <= doublings; ++step) {
@@ -223,7 +224,7 @@ class LongRun : public LargeDocument {
     }
   }
 
-  // Each of them alone.
+  // Reads each frame separately from the file.
   static void readFrames(const std::string& path, int frames) {
     Vex2FileManager manager;
     Vex2FrameData frame;

@@ -1,4 +1,4 @@
-// What is left when the power goes: every state that a disk may be in, at every point of a run.
+// Tests every state in which a power cut can leave the disk, at every point of a run.
 #include <gtest/gtest.h>
 
 #include "tests/support/MemoryDisk.h"
@@ -14,7 +14,8 @@ const std::string kPath = "/no-such-folder/run.vex";
 constexpr int kVolume = 25;
 constexpr const char* kPowerLost = "power is lost";
 
-/// Records a run on a disk in memory and judges what the disk may hold afterwards.
+/// Records a run on a disk in memory and checks the contents that the disk may have after a power
+/// cut.
 class PoweredRun {
  public:
   PoweredRun(int wells, int frames, int commentLength = 0)
@@ -94,12 +95,12 @@ class PoweredRun {
   std::vector<Vex2FrameData> made_;
 };
 
-/// What a visit to all states has found.
+/// The result of a visit to all states.
 struct Verdict {
   std::uint64_t points = 0;
   std::uint64_t states = 0;
   std::uint64_t bad = 0;
-  std::string first;  ///< the first fault and where it was
+  std::string first;  ///< the first fault and its point
 
   void Add(const Verdict& other) {
     points += other.points;
@@ -126,7 +127,7 @@ Verdict Judge(PowerCuts& cuts,
   return verdict;
 }
 
-/// A run, and how its states are visited.
+/// The parameters of a run and of the visit to its states.
 struct RunPlan {
   int wells;
   int frames;
@@ -151,7 +152,8 @@ TEST(PowerLoss, InARunLeavesTheFramesWhoseCommitReturned) {
     const auto most = static_cast<std::uint64_t>(lots);
     verdict.Add(JudgeRun({.wells = wells, .frames = frames, .mostStates = most}));
   };
-  // Frames of few sectors in all states; of more, in as many as can be had.
+  // Small frames have few sectors, so all states can be visited; of larger frames only a part of
+  // the states.
   for (const int wells : {1, 5, 12, 24}) visit(wells, InFullSweeps(45, 5), InFullSweeps(1000, 60));
   for (const int wells : {32, 40, 48}) visit(wells, InFullSweeps(18, 3), InFullSweeps(1000, 60));
   for (const int wells : {96, 384}) visit(wells, InFullSweeps(20, 3), 3);
@@ -162,7 +164,7 @@ TEST(PowerLoss, InARunLeavesTheFramesWhoseCommitReturned) {
                verdict.points, verdict.states, verdict.bad});
 }
 
-// The operations are the saving of the document, number 0, and the commits of its frames.
+// Operation 0 is the save of the document; the others are the commits of its frames.
 class MissingBarrier : public testing::TestWithParam<std::pair<int, int>> {};
 
 TEST_P(MissingBarrier, OfACommitLosesOrSpoilsFrames) {
@@ -180,7 +182,8 @@ INSTANTIATE_TEST_SUITE_P(InTheFirstCommit, MissingBarrier,
 INSTANTIATE_TEST_SUITE_P(InALaterCommit, MissingBarrier,
                          testing::Values(std::pair{0, 2}, std::pair{1, 2}));
 
-/// Saves whole documents over each other in all ways, with what the file held after each.
+/// Saves whole documents over each other in all ways, and keeps the content of the file after each
+/// save.
 class PoweredSaves {
  public:
   PoweredSaves() {

@@ -11,16 +11,16 @@
 
 namespace vex2::test {
 
-/// A run that is recorded to `path_`, and what can be read of it afterwards.
+/// Base of tests that record a run to `path_` and then read it.
 class RunOnDisk : public TempFolderTest {
  protected:
-  /// A document without frames at `path_`, and a manager that is to record to it.
+  /// Makes a document without frames at `path_` and prepares `manager` to record to it.
   void begin(OpenedManager& manager) const {
     WriteBytes(path_, StoredHeader());
     const auto numbers = WellNumbers(wells_);
     manager.InitAcqDataWellNumberArray(numbers.data(), wells_, DataRAWa);
   }
-  /// The same with this many frames committed.
+  /// Makes a document at `path_` and commits `frames` frames to it with `manager`.
   void record(OpenedManager& manager, int frames) const {
     begin(manager);
     for (int i = 0; i < frames; ++i) ASSERT_EQ(append(manager, i), kSuccess);
@@ -29,13 +29,13 @@ class RunOnDisk : public TempFolderTest {
     const Vex2FrameData frame = MakeFrame(wells_, index);
     return manager.AppendAcquisitionDataFrame(path_.c_str(), &frame, DataRAWa);
   }
-  /// The bytes of a document with this many frames committed.
+  /// The bytes of a document with `frames` committed frames.
   Bytes documentOf(int frames) const {
     if (frames == 0) return StoredHeader();
     return Join({StoredHeader(1024), StoredBlock("RAWa", wells_, frames)});
   }
-  /// How many frames the file gives back, read as a whole and one by one; -1 when one of them is
-  /// not what was recorded, or the two ways differ.
+  /// The number of frames in the file. Reads the document as a whole and the frames one by one.
+  /// Returns -1 if a frame differs from the recorded one or the two ways differ.
   int readableFrames() const {
     Vex2FileManager reader;
     int inFile = -1;
@@ -58,11 +58,12 @@ class RunOnDisk : public TempFolderTest {
         return -1;
       }
     }
-    // A block that the header does not yet lead to is found by reading the whole alone.
+    // If the header does not yet hold the offset of the block, only reading the whole document
+    // finds the first frame.
     return inFile == frames || (inFile == 0 && frames <= 1) ? frames : -1;
   }
-  /// Reads the file as a program does that goes on with the run, and commits the frame that
-  /// follows. The status.
+  /// Reads the file with a new manager and commits the next frame, as a recorder does that
+  /// continues the run. Returns the status of the commit.
   int goOn() const {
     OpenedManager manager;
     EXPECT_EQ(manager.ReadFromFile(path_.c_str()), kSuccess);

@@ -18,7 +18,7 @@ constexpr std::array<std::string_view, 12> kLists = {
     "GLBL", "SPEC", "CNTL", "CPLT", "CPNM", "DETT", "CALI", "DETL", "DETX", "RqDy", "CELS", "MPLC"};
 constexpr std::array<std::string_view, 5> kBlocks = {"RAWa", "REPr", "REPn", "REPd", "REPt"};
 
-// A walk that ends, for good, where the document does.
+// A walk over the bytes of a document. After it reached the end, every read fails.
 class Walk {
  public:
   explicit Walk(const Bytes& bytes) : bytes_(bytes) {}

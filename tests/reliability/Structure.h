@@ -8,22 +8,22 @@
 
 namespace vex2::test {
 
-/// A field that says how much of something follows: a length, or a count.
+/// A field that holds a length or a count of what follows.
 struct Field {
   std::size_t offset = 0;
   std::size_t width = 0;  ///< bytes, big-endian
-  std::string what;       ///< for messages: the record's tag and what is counted
+  std::string what;       ///< for messages: the tag of the record and what the field counts
 };
 
-/// Where the parts of a document lie that say where others lie.
+/// The offsets of the bytes that determine the structure of a document.
 struct Structure {
   std::vector<Field> fields;
-  /// Bytes of headers, tags, lengths and counts, ascending.
+  /// The offsets of all bytes of headers, tags, lengths and counts, ascending.
   std::vector<std::size_t> bytes;
 };
 
-/// Finds them by walking the records as the format has them, without the library. What does not
-/// fit into the document is left out, with all that follows it.
+/// Finds the structure by walking the records as docs/format.md describes, without the library. A
+/// part that the document cuts off is left out, and so is everything after it.
 Structure StructureOf(const Bytes& document);
 
 }  // namespace vex2::test

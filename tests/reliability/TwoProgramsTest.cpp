@@ -1,4 +1,4 @@
-// Several programs, and several threads, at one document.
+// Tests several programs and several threads that use one document.
 #include <gtest/gtest.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
@@ -30,11 +30,11 @@ bool commit(Vex2FileManager& manager, const std::string& path, int index) {
   return manager.AppendAcquisitionDataFrame(path.c_str(), &frame, DataRAWa) == kSuccess;
 }
 
-/// What the programs tell each other, in memory that they share.
+/// Numbers in shared memory with which the programs report to each other.
 struct Notes {
   std::atomic<bool> isOver{false};
   std::atomic<int> reads{0};
-  std::atomic<int> refused{0};  ///< readers that did not get the document
+  std::atomic<int> refused{0};  ///< the number of reads that were refused
   std::atomic<int> bad{0};
 };
 
@@ -56,8 +56,8 @@ bool isFrame(const Vex2FrameData& frame, int index) {
   return SameFrame(frame, MakeFrame(kWells, index));
 }
 
-/// Reads one document over and over, as a whole and its last frame alone, and looks for whole
-/// frames, never fewer than it has seen before.
+/// Reads one document again and again, sometimes as a whole and sometimes only its last frame.
+/// Checks that all frames are whole and that their number never falls.
 class PrefixReader {
  public:
   PrefixReader(std::string path, SharedNotes& notes) : path_(std::move(path)), notes_(notes) {}
@@ -165,8 +165,8 @@ TEST_F(TwoPrograms, ReadersSeeWholeFramesAndMakeNoCommitFail) {
                static_cast<std::uint64_t>(bad)});
 }
 
-/// Holds a save back, when all is written and only the exchange is missing, until somebody has
-/// asked for the lock of the old file.
+/// Delays the rename at the end of a save until another program has asked for the lock of the old
+/// file.
 class HeldBackRename : public FileSystem {
  public:
   HeldBackRename() : before_(SetFileSystem(this)) {}
@@ -223,7 +223,7 @@ TEST_F(TwoPrograms, AWriterWhoWaitedForASaveWritesToTheNewFile) {
                static_cast<std::uint64_t>(bad)});
 }
 
-// What one thread does for itself: a run, read back and saved.
+// The work of one thread: records a run, reads it back and saves it.
 bool recordsARun(const std::string& path, int frames) {
   Vex2FileManager manager;
   manager.SetSampleVolume(25);

@@ -11,7 +11,7 @@
 
 namespace vex2::test {
 
-/// Something that a manager does with a file, and how it is called.
+/// An operation of a manager on a file, with its name.
 struct Work {
   std::string name;
   std::function<int(Vex2FileManager&, const char* path)> run;
@@ -35,7 +35,7 @@ struct SomeDyes : Vex2PureDye {
   }
 };
 
-/// Gives the document something of every kind, but for a run.
+/// Fills the document with records of every kind except data blocks.
 inline void FillDocument(Vex2FileManager& document) {
   document.SetSampleVolume(25);
   EXPECT_EQ(document.SetCalibrator("calibrator"), kSuccess);
@@ -57,7 +57,7 @@ inline void FillDocument(Vex2FileManager& document) {
   EXPECT_EQ(document.ReplaceCalibComponent(&dyes, &background), kSuccess);
 }
 
-/// A study with a plate that has something of every kind.
+/// Makes a study with a plate that has records of every kind.
 inline void MakeStudy(Vex2FileManager& study) {
   Vex2FileManager plate;
   FillDocument(plate);
@@ -75,7 +75,8 @@ inline int ReplaceBlock(Vex2FileManager& document, const char* path, Vex2DataTyp
   return document.ReplaceAcquisitionDataBlock(path, &data, type);
 }
 
-/// What writes a whole document, or a part of one that must not be half there.
+/// The operations that write a whole document, or a part that must be written completely or not at
+/// all.
 inline std::vector<Work> WholeWriters() {
   return {{"SaveToFile", [](auto& it, const char* path) { return it.SaveToFile(path); }},
           {"SaveToFile of a study",
@@ -99,7 +100,7 @@ inline std::vector<Work> WholeWriters() {
            }}};
 }
 
-/// What appends to a document.
+/// The operations that append to a document.
 inline std::vector<Work> Appenders() {
   return {{"AppendPureDye",
            [](auto& it, const char* path) {

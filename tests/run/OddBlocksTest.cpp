@@ -1,5 +1,5 @@
-// Data blocks whose parts do not agree: lengths without frames, frames without records, files that
-// end while they are read.
+// Tests data blocks whose parts contradict each other: lengths without frames, frames without well
+// records, files that become shorter while they are read.
 #include <gtest/gtest.h>
 
 #include <limits>

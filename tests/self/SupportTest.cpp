@@ -1,4 +1,4 @@
-// The helpers that other tests rely on.
+// Tests the helpers that other tests use.
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -51,7 +51,7 @@ TEST(Files, NamesTheFirstDifference) {
             "at byte 1 (of 1, expected 2): 01 [end] in place of 01 [09] ");
 }
 
-// In a process of its own, where expectations may fail.
+// Runs in a separate process, in which expectations may fail.
 TEST(NewFailures, CountsTheBadStatesOfASweepAlone) {
   const pid_t child = ::fork();
   if (child == 0) {

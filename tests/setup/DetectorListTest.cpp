@@ -1,4 +1,4 @@
-// The detectors and the required dyes as they lie in a document.
+// Tests how documents store detectors and required dyes.
 #include <gtest/gtest.h>
 
 #include "tests/container/Stream.h"

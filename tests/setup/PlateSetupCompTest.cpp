@@ -1,4 +1,4 @@
-// The plate setup as it lies in a document.
+// Tests how documents store the plate setup.
 #include <gtest/gtest.h>
 
 #include "tests/container/Stream.h"
@@ -121,7 +121,7 @@ TEST_F(PlateSetup, LeavesOutTextsThatAreEmpty) {
   Vex2PlateSetup setup;
   setup.Resize(4);
   setup.cells[1].SetName("", 0);
-  setup.cells[2].SetName("\0x", 2);  // the first character says that it is empty
+  setup.cells[2].SetName("\0x", 2);  // a first character of 0 makes the text empty
   setup.cells[3].SetName("x", 1);
   setup.cells[3].SetName("", -1);
   CPlateSetupComp component(setup);

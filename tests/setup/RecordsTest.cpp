@@ -1,4 +1,5 @@
-// The records that callers exchange: defaults, ownership, and how texts and arrays are set.
+// Tests the records that callers pass to the library: defaults, ownership, and how texts and arrays
+// are set.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -13,7 +14,7 @@
 
 namespace {
 
-// What owns is not copied by accident; what is copied is copied deep.
+// Records that own arrays cannot be copied by accident; records that can be copied are copied deep.
 static_assert(!std::is_copy_constructible_v<Vex2PlateSetup>);
 static_assert(!std::is_copy_assignable_v<Vex2PlateSetup>);
 static_assert(!std::is_copy_constructible_v<Vex2WellSetup>);

@@ -1,5 +1,5 @@
-// Sample documents are saved byte for byte as they should be, and documents whose records went
-// through hosts' hands lose nothing.
+// Checks that sample documents are saved with the expected bytes, and that nothing is lost if a
+// host reads every record and replaces it with what it read.
 #include <gtest/gtest.h>
 
 #include "tests/support/RunDocument.h"
@@ -34,7 +34,7 @@ TEST_F(RoundTrip, GivesTheExpectedBytes) {
     ASSERT_EQ(manager.ReadFromFile(documentOf(name).c_str()), kSuccess);
     const Bytes expected = ReadBytes(file.string());
     EXPECT_EQ(FirstDifference(saved(manager), expected), "") << name;
-    if (name == "11-unknown-records") continue;  // a copy leaves those in lists out
+    if (name == "11-unknown-records") continue;  // a copy leaves out unknown records in lists
     Vex2FileManager copy(manager);
     EXPECT_EQ(FirstDifference(saved(copy), expected), "") << name;
   }

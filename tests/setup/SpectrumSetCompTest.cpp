@@ -1,4 +1,4 @@
-// Pure dyes and background as they lie in a document.
+// Tests how documents store pure dyes and background.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// Which frames of a block are committed, and what stands behind them.
+// Tests which frames of a block count as committed, and how the bytes after them are recognised.
 #include <gtest/gtest.h>
 
 #include <ostream>

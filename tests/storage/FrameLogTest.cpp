@@ -1,5 +1,4 @@
-// The next commit overwrites what an interrupted one left behind the committed data, and nothing
-// else.
+// Tests that a commit overwrites the uncommitted bytes of an interrupted commit, and nothing else.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -19,7 +18,7 @@ constexpr std::size_t kFrame = 160;  // of two wells
 
 class FrameLog : public testing::Test {
  protected:
-  // A run of two wells with one frame in memory.
+  // Makes a run of two wells with one frame in memory.
   void SetUp() override {
     const auto numbers = WellNumbers(2);
     manager_.InitAcqDataWellNumberArray(numbers.data(), 2, DataRAWa);
@@ -28,7 +27,7 @@ class FrameLog : public testing::Test {
       ASSERT_TRUE(manager_.SetAcqDataWellRecord(&record, 0, position + 1, DataRAWa));
     }
   }
-  // As a new file: the manager knows those that it committed to.
+  // Writes a new file, because the manager remembers files to which it committed.
   void put(const Bytes& document) {
     files_.Clear();
     files_.Put(kPath, document);
@@ -36,7 +35,7 @@ class FrameLog : public testing::Test {
   int commit() { return manager_.CommitAcqDataFrame(kPath, 0, DataRAWa); }
   const Bytes& file() const { return files_.Content(kPath); }
 
-  // Commits into the document; where the new block was put.
+  // Commits to a document with these records. Returns the offset of the new block.
   std::size_t placeBehind(const std::vector<Bytes>& records) {
     put(Join({StoredHeader(), Join(records)}));
     EXPECT_EQ(commit(), kSuccess);
@@ -45,7 +44,8 @@ class FrameLog : public testing::Test {
     return place;
   }
   std::size_t lengthOf(const std::vector<Bytes>& records) { return kHeader + Join(records).size(); }
-  // Commits the frame behind the block and those bytes; whether they are still there.
+  // Commits a frame to a document with `block` followed by `left`. Returns whether the commit kept
+  // the bytes of `left`.
   bool staysBehind(const Bytes& block, const Bytes& left) {
     const Bytes before = Join({StoredHeader(kHeader), block, left});
     put(before);
@@ -56,7 +56,8 @@ class FrameLog : public testing::Test {
     return stays;
   }
 
-  // Whether these bytes behind a header are an interrupted first commit of a plate of two wells.
+  // Whether these bytes after a header count as an interrupted first commit for a plate of two
+  // wells.
   bool isFirstCommit(const Bytes& left) {
     put(Join({StoredHeader(), left}));
     CFile opened;
@@ -78,7 +79,7 @@ Bytes changed(Bytes bytes, std::size_t at, std::uint8_t value) {
   return bytes;
 }
 
-// The block with two more bytes of times, which its length counts.
+// The block with two more bytes in its times; its length counts them.
 Bytes withLongerTimes(Bytes block) {
   block = changed(changed(std::move(block), 7, 24), 11, 14);
   block.insert(block.begin() + 12, {0, 0});
@@ -130,7 +131,7 @@ TEST_F(FrameLog, FirstCommitOverwritesABlockWithoutTagCutAnywhere) {
   }
 }
 
-// The write of the tag may be interrupted, too.
+// The write of the tag can also be interrupted.
 TEST_F(FrameLog, FirstCommitOverwritesABlockWithPartOfItsTag) {
   for (std::size_t written = 1; written < 4; ++written) {
     Bytes begun = noTag_;

@@ -1,5 +1,5 @@
-// The records that analysis applications exchange with a document: what copies share, and what is
-// destroyed with what.
+// Tests the values that analysis applications store in a document: what copies share, and which
+// objects are destroyed together.
 #include <gtest/gtest.h>
 
 #include <functional>

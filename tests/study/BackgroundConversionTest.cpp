@@ -1,4 +1,4 @@
-// The rates of a background document against a fit by another route, and its corner cases.
+// Compares the rates of a background document with a fit by another method, and tests corner cases.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -13,7 +13,7 @@ namespace {
 
 using Values = std::array<float, kBackgroundValues>;
 
-// The values of a group's line at `k`: readings from 0, factors from 12.
+// Sets the values of a group: its readings (from index 0) and its factors (from index 12).
 void setGroup(Values& values, std::size_t group, std::array<float, 3> readings,
               std::array<float, 3> factors) {
   for (std::size_t k = 0; k < 3; ++k) {
@@ -22,7 +22,7 @@ void setGroup(Values& values, std::size_t group, std::array<float, 3> readings,
   }
 }
 
-// The rate by way of the normal equations, solved by Cramer's rule in extended precision.
+// Computes the rate from the normal equations, solved by Cramer's rule in extended precision.
 long double rateByNormalEquations(const Values& values, std::size_t group, long double scale) {
   std::array<long double, 3> x{};
   std::array<long double, 3> y{};
@@ -56,11 +56,11 @@ TEST(BackgroundConversion, AgreesWithAnotherLeastSquaresFit) {
     for (std::size_t group = 0; group < 4; ++group) {
       const long double expected = rateByNormalEquations(before, group, scale);
       const auto found = static_cast<long double>(values.at(24 + group));
-      // Where the readings nearly agree neither route has the digits to compare.
+      // If the readings are nearly equal, neither method has enough digits for a comparison.
       const auto [low, high] =
           std::minmax({before.at(3 * group), before.at(3 * group + 1), before.at(3 * group + 2)});
       if (high - low < 100) continue;
-      // A rate that all but cancels out has fewer digits.
+      // A rate that is nearly 0 because its terms cancel has fewer digits.
       const long double tolerance = 1e-6L * std::max(expected, 1e-3L);
       EXPECT_LE(std::abs(found - expected), tolerance) << "round " << round << ", group " << group;
       ++compared;
@@ -71,7 +71,7 @@ TEST(BackgroundConversion, AgreesWithAnotherLeastSquaresFit) {
 }
 
 TEST(BackgroundConversion, IsTheFactorWhereAllFactorsAgree) {
-  // On a line through the origin nothing stands under the readings.
+  // The line goes through the origin, so its intercept is 0.
   Values values{};
   for (std::size_t group = 0; group < 4; ++group) {
     const auto factor = static_cast<float>(group + 2);

@@ -1,4 +1,4 @@
-// The list of a study's plates as it lies in a document.
+// Tests how documents store the list of plates of a study.
 #include <gtest/gtest.h>
 
 #include <limits>

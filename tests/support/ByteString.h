@@ -8,10 +8,10 @@
 
 #include "tests/support/Files.h"
 
-/// Bytes put together one by one, without the library under test.
+/// Builds bytes one by one, without the library under test.
 namespace vex2::test {
 
-/// Bytes of a document under construction; numbers are big-endian.
+/// Builds the bytes of a document; numbers are big-endian.
 class ByteString {
  public:
   ByteString& Text(std::string_view text) {
@@ -56,7 +56,7 @@ inline Bytes Slice(const Bytes& bytes, std::size_t from, std::size_t count) {
   return {first, first + static_cast<std::ptrdiff_t>(count)};
 }
 
-/// Those bytes one after the other.
+/// Joins the parts.
 inline Bytes Join(const std::vector<Bytes>& parts) {
   ByteString bytes;
   for (const Bytes& part : parts) bytes.Raw(part);

@@ -6,16 +6,16 @@
 
 #include "tests/support/ByteString.h"
 
-/// Documents put together byte by byte, without the library under test.
+/// Builds documents byte by byte, without the library under test.
 namespace vex2::test {
 
-/// `value` in `count` bytes, the most significant first.
+/// `value` as `count` bytes, the most significant byte first.
 inline std::string BigEndian(std::uint64_t value, int count) {
   const Bytes bytes = ByteString().Number(value, count);
   return {bytes.begin(), bytes.end()};
 }
 
-/// A record whose length field says `declared`, whatever the body is.
+/// A record whose length field is `declared`, even if the body has another length.
 inline std::string RecordDeclaring(std::string_view tag, std::uint32_t declared,
                                    const std::string& body) {
   return std::string(tag) + BigEndian(declared, 4) + body;
@@ -25,12 +25,12 @@ inline std::string Record(std::string_view tag, const std::string& body) {
   return RecordDeclaring(tag, static_cast<std::uint32_t>(body.size()), body);
 }
 
-/// The record of a list: a count and that many records.
+/// The record of a list: the count and the records.
 inline std::string ListRecord(std::string_view tag, int count, const std::string& records) {
   return Record(tag, BigEndian(static_cast<std::uint64_t>(count), 2) + records);
 }
 
-/// `depth` lists, one in the other; the innermost is empty.
+/// `depth` nested lists; the innermost is empty.
 inline std::string NestedLists(std::string_view tag, int depth) {
   std::string bytes;
   for (int level = 1; level <= depth; ++level) {
@@ -40,8 +40,8 @@ inline std::string NestedLists(std::string_view tag, int depth) {
   return bytes;
 }
 
-/// The 1024 bytes that a new document of `rows` rows and 12 columns begins with, with the given
-/// position of the raw data.
+/// The 1024 bytes of the header of a new document with `rows` rows and 12 columns, with the given
+/// offset of the raw readings.
 inline Bytes StoredHeader(std::uint32_t acquisitionDataOffset = 0, int rows = 8,
                           char padding = '\0') {
   constexpr std::size_t kSize = 1024;
@@ -55,7 +55,7 @@ inline Bytes StoredHeader(std::uint32_t acquisitionDataOffset = 0, int rows = 8,
   return bytes;
 }
 
-/// The same as a text.
+/// The header of a new document as a text, with `rows` rows and filled up with `padding`.
 inline std::string HeaderBytes(int rows = 8, char padding = '\0') {
   const Bytes bytes = StoredHeader(0, rows, padding);
   return {bytes.begin(), bytes.end()};

@@ -20,7 +20,7 @@ enum class FileCall {
   syncData,
   syncAll,
   lock,
-  gate,  ///< entering or leaving it
+  gate,  ///< entering or leaving the gate
   stat,
   statPath,
   rename,
@@ -39,9 +39,9 @@ struct FileOperation {
   std::vector<std::uint8_t> bytes = {};  ///< bytes written, if `KeepBytes` was called
 };
 
-/// A layer over the system's files that logs every call and injects faults. Installed while it
-/// lives. Calls of all kinds are counted together, from 0. Closing is logged, but neither counted
-/// nor refused, so that no file descriptor leaks.
+/// A layer over the system's files that logs every call and injects faults. It is installed while
+/// it exists. Calls of all kinds are counted together, from 0. Closing is logged, but neither
+/// counted nor refused, so that no file descriptor leaks.
 class FaultyFileSystem : public FileSystem {
  public:
   FaultyFileSystem();
@@ -49,12 +49,14 @@ class FaultyFileSystem : public FileSystem {
   FaultyFileSystem(const FaultyFileSystem&) = delete;
   FaultyFileSystem& operator=(const FaultyFileSystem&) = delete;
 
-  /// Injected in place of an error number: memory runs out.
+  /// Injected instead of an error number: memory runs out.
   static constexpr int kNoMemory = -1;
 
-  /// Makes call `number`, from 0, fail with `error`; with `fromThenOn`, all later calls as well.
+  /// Makes the call with the index `number` (from 0) fail with `error`; with `fromThenOn`, all
+  /// later calls as well.
   void FailCall(int number, int error, bool fromThenOn = false);
-  /// Makes `count` calls fail with `error`, beginning with call `number`, from 0.
+  /// Makes `count` calls fail with `error`, beginning with the call with the index `number` (from
+  /// 0).
   void FailCalls(int number, int count, int error);
   /// Makes calls of this kind fail after the first `after` of them; with `once`, only the next one.
   void FailKind(FileCall kind, int error, int after = 0, bool once = false);
@@ -69,8 +71,8 @@ class FaultyFileSystem : public FileSystem {
   void Shorten(std::size_t bytes, bool interrupt);
 
   enum class Moment { before, halfway, after };
-  /// Kills the process with SIGKILL at call `number`, from 0: before the call takes effect, after
-  /// it, or, for a write, with half of its bytes written.
+  /// Kills the process with SIGKILL at the call with the index `number` (from 0): before the call
+  /// takes effect, after it or, for a write, with half of its bytes written.
   void KillAt(int number, Moment moment);
   /// Counts and logs syncs without doing them, which saves time. The bytes that a killed process
   /// leaves to the system do not depend on syncs.
@@ -78,7 +80,7 @@ class FaultyFileSystem : public FileSystem {
   /// Keeps written bytes in the log.
   void KeepBytes() { keepsBytes_ = true; }
 
-  /// Ends all faults, clears the log and counts calls from 0 again.
+  /// Removes all faults, clears the log and counts calls from 0 again.
   void Restart();
 
   const std::vector<FileOperation>& Log() const { return log_; }

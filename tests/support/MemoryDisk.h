@@ -9,15 +9,15 @@
 
 namespace vex2::test {
 
-/// One change of a disk, or a barrier between changes, in the order in which they were asked for.
+/// One change of the disk, or a barrier between changes.
 struct DiskStep {
   enum Kind {
     write,       ///< `bytes` at `offset` of the file `node`
-    resize,      ///< of the file `node` to `offset` bytes
-    sync,        ///< of the file `node`
-    name,        ///< `path` leads to the file `node` from now on; 0 when it is removed
-    syncFolder,  ///< of what the names lead to
-    mark,        ///< the test's: one more of its operations has returned
+    resize,      ///< the file `node` gets the length `offset`
+    sync,        ///< the content of the file `node` is on the disk
+    name,        ///< `path` now names the file `node`; 0 if the name is removed
+    syncFolder,  ///< the names are on the disk
+    mark,        ///< one more operation of the test has returned
   };
   Kind kind;
   int node = 0;
@@ -30,7 +30,7 @@ struct DiskStep {
 /// when they are renamed.
 class MemoryDisk : public MemoryFiles {
  public:
-  /// Tells the log that an operation of the test has returned.
+  /// Notes in the log that an operation of the test has returned.
   void Mark() { log_.push_back({DiskStep::mark}); }
   const std::vector<DiskStep>& Log() const { return log_; }
 

@@ -18,12 +18,13 @@
 
 namespace vex2::test {
 
-/// Files in memory, in place of the system's while it lives. For tests that read or save hundreds
-/// of thousands of documents (sweeps of damaged ones, the fuzz targets): nothing here is slow, and
-/// nothing fails but what is asked to. Whoever stages faults of the disk takes `FaultyFileSystem`.
+/// Files in memory, used instead of the system's files while this object exists. It is for tests
+/// that read or save hundreds of thousands of documents, such as sweeps of damaged documents and
+/// the fuzz targets. It is fast, and nothing fails unless a limit is set. To inject other faults of
+/// the disk, use `FaultyFileSystem`.
 ///
-/// Names are what they are: there are no folders and no links, and every path has room for a file.
-/// Time stands still but for pauses, so that waiting for a lock takes none.
+/// There are no folders and no links: every path can name a file. The clock advances only in
+/// pauses, so waiting for a lock takes no real time.
 class MemoryFiles : public FileSystem {
  public:
   MemoryFiles() : before_(SetFileSystem(this)) {}
@@ -31,13 +32,13 @@ class MemoryFiles : public FileSystem {
   MemoryFiles(const MemoryFiles&) = delete;
   MemoryFiles& operator=(const MemoryFiles&) = delete;
 
-  /// Makes `path` hold just these bytes.
+  /// Sets the content of `path` to these bytes.
   void Put(const std::string& path, const std::uint8_t* bytes, std::size_t count) {
     nodeAt(path)->bytes.assign(bytes, bytes + count);
   }
   void Put(const std::string& path, const Bytes& bytes) { Put(path, bytes.data(), bytes.size()); }
   bool Has(const std::string& path) const { return names_.count(path) != 0; }
-  /// The content, empty where there is no such file; valid until the file changes.
+  /// The content of the file; empty if it does not exist. Valid until the file changes.
   const Bytes& Content(const std::string& path) const {
     static const Bytes kNothing;
     const auto found = names_.find(path);
@@ -53,7 +54,8 @@ class MemoryFiles : public FileSystem {
         std::count_if(handles_.begin(), handles_.end(), [](const Handle& h) { return h.isOpen; }));
   }
 
-  /// A file that would grow past `bytes` is refused with EFBIG. Nothing here is sparse.
+  /// Makes writes that would make a file longer than `bytes` fail with EFBIG. Holes in files take
+  /// memory, too.
   void SetLargestFile(std::size_t bytes) { largest_ = bytes; }
   bool HasRefused() const { return refused_; }
 
@@ -138,8 +140,8 @@ class MemoryFiles : public FileSystem {
  protected:
   static constexpr int kFolder = -1;  ///< the number of the one folder
 
-  /// The number of the file that is open, or that `path` leads to: from 1, and the same after it is
-  /// renamed.
+  /// The number of an open file, or of the file that `path` names. Numbers count from 1 and do not
+  /// change when a file is renamed.
   int NumberOf(int file) {
     const auto& node = at(file).node;
     return node != nullptr ? static_cast<int>(node->number) : kFolder;

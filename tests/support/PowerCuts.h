@@ -15,7 +15,7 @@ namespace vex2::test {
 
 /// The contents that a file may have on the disk after a power cut, at every point of a log.
 /// Everything that was synced is on the disk. Of the rest, any part may be: each 512-byte sector of
-/// a write, each change of the length, each name. A sector behind the synced length may also be
+/// a write, each change of the length, each name. A sector after the synced length may also hold
 /// zeros or random bytes, and the length may end within a sector. Assumptions: a sector before the
 /// synced length is written completely or not at all, and a sync that returned is effective.
 class PowerCuts {
@@ -29,8 +29,8 @@ class PowerCuts {
 
   /// If a point has more states than this for one length, visits this many random ones.
   void SetMostStates(std::uint64_t count) { mostStates_ = count; }
-  /// Makes the disk ignore barrier `number`, from 0, of each operation, beginning with operation
-  /// `operation`. Syncs of the folder count as barriers.
+  /// Makes the disk ignore the barrier with the index `number` (from 0) of each operation,
+  /// beginning with operation `operation`. Syncs of the folder count as barriers.
   void IgnoreBarrier(int number, int operation) {
     ignored_ = number;
     ignoredFrom_ = operation;
@@ -50,7 +50,7 @@ class PowerCuts {
     std::uint64_t offset;
     std::uint64_t count;
     const std::uint8_t* bytes;
-    bool isNew;  ///< behind the synced length
+    bool isNew;  ///< after the synced length
   };
 
   void apply(const DiskStep& step);
@@ -75,7 +75,7 @@ class PowerCuts {
   int syncedName_ = 0;
   std::vector<int> unsyncedNames_;
   int returned_ = 0;
-  int barriers_ = 0;  // since an operation returned
+  int barriers_ = 0;  // since the last operation returned
   const Visitor* visitor_ = nullptr;
   std::mt19937_64 random_{1};
   std::uint64_t points_ = 0;

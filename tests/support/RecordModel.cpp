@@ -14,7 +14,7 @@ enum class Kind { unknown, fixed, text, raw, list, cell, cells, spectra, block, 
 
 struct Family {
   Kind kind;
-  std::size_t width;  // bytes of a fixed value
+  std::size_t width;  // bytes of a value of fixed size
   const char* tags;   // one after the other
 };
 
@@ -61,7 +61,7 @@ int readRecords(Stream& stream, std::uint32_t count, Part& list) {
     Part child;
     std::uint64_t counted = 0;
     if (const int status = ReadRecord(stream, child, counted); status != 0) return status;
-    // A list keeps no more of an unknown record than the file has of it.
+    // A list keeps at most as many bytes of an unknown record as the file holds.
     const std::size_t held = stream.at - std::min(stream.at, start + 8);
     if (child.isUnknown) child.length = std::min(child.length, static_cast<std::uint32_t>(held));
     // A plate that is read increases the length as if it were added.

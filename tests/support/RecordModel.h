@@ -23,9 +23,9 @@ struct Part {
   Text value;                ///< a value, a text, a program, spectra; a cell's five fixed bytes
   /// The count that a list declares; above the number of children if the file ends within the list.
   std::uint32_t count = 0;
-  std::vector<Part> children;  ///< of lists and cells; of a study's plate, its records
+  std::vector<Part> children;  ///< of lists and cells, and the records of a plate of a study
   bool isUnknown = false;      ///< an unknown record in a list
-  Text header;                 ///< of a study's plate
+  Text header;                 ///< only of a plate of a study
 
   // Data blocks only.
   std::uint32_t version = 2;
@@ -69,7 +69,7 @@ Document ReadDocument(const Text& bytes);
 /// The record in a copy of a document: without the unknown records in its lists.
 Part Copied(const Part& part);
 
-/// Building.
+/// Functions that build records.
 Part ValuePart(const Text& tag, const Text& value);
 Part ListPart(const Text& tag, const std::vector<Part>& children = {});
 void Add(Part& list, Part child);

@@ -31,8 +31,8 @@ class OpenedManager : public Vex2FileManager {
   }
 };
 
-/// A filled record whose every stored value tells frame, position and place apart. The values that
-/// live in memory alone are 0, so that it reads back equal.
+/// A filled well record whose stored values depend on the frame, the well and the index of the
+/// value. The values that exist only in memory are 0, so the record reads back equal.
 inline Vex2WellRecord MakeRecord(int frame, int position) {
   Vex2WellRecord record;
   const auto value = [&](int place) {
@@ -56,7 +56,7 @@ inline bool SameFrame(const Vex2FrameData& a, const Vex2FrameData& b) {
   return a.wellCount == b.wellCount && std::equal(a.records, a.records + a.wellCount, b.records);
 }
 
-/// How the record lies in a document.
+/// The bytes of the record in a document.
 inline Bytes StoredRecord(const Vex2WellRecord& record) {
   ByteString bytes;
   for (const std::uint16_t value : record.leading) bytes.Short(value);

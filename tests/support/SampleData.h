@@ -9,7 +9,7 @@
 namespace vex2::test {
 
 /// The folder of sample documents and readings: the value of the environment variable
-/// VEX2_SHARED_DATA, otherwise ../shared/data beside the source tree. The path is empty if the
+/// VEX2_SHARED_DATA, otherwise ../shared/data next to the source tree. The path is empty if the
 /// folder does not exist; the samples are too large for the source tree.
 std::filesystem::path SampleFolder();
 

@@ -6,7 +6,8 @@
 
 namespace vex2::test {
 
-/// A host that shows nothing, knows no settings and cancels choosers. Installed while it lives.
+/// A host that shows nothing, has no settings and cancels choosers. It is installed while it
+/// exists.
 class SilentHost : public Host {
  public:
   SilentHost() : before_(SetHost(this)) {}

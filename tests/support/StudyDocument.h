@@ -23,7 +23,7 @@ inline std::vector<std::string> TextsOf(const CStringList& list) {
   return texts;
 }
 
-/// The names of the study's plates, in their order.
+/// The names of the plates of the study, in order.
 inline std::vector<std::string> PlateNames(const Vex2FileManager& study) {
   CStringList names;
   CStringList dates;

@@ -38,7 +38,7 @@ void ReportSweep(const SweepResult& result) {
        << ", \"points\": " << result.points << ", \"states\": " << result.states
        << ", \"bad\": " << result.bad << ", \"leftOut\": " << result.leftOut
        << ", \"full\": " << (FullSweeps() ? "true" : "false") << "}\n";
-  // One appending write, because tests report in parallel.
+  // Append with a single write, because tests report in parallel.
   std::ofstream(path, std::ios::app) << line.str() << std::flush;
 }
 

@@ -30,8 +30,8 @@ struct SweepResult {
 /// counts; the expectations of the test decide whether it passes.
 void ReportSweep(const SweepResult& result);
 
-/// Tells which states of a sweep fail an expectation. `HasFailure` stays true after the first
-/// failure and would count all later states.
+/// Reports whether a state of a sweep fails an expectation. `HasFailure` cannot be used, because it
+/// stays true after the first failure.
 class NewFailures {
  public:
   /// Whether an expectation of the current test failed since the construction or the last call.

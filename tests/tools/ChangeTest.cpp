@@ -1,4 +1,4 @@
-// Commands that change a document beside other commands, recorders and programs.
+// Tests commands that change a document while other commands, recorders and programs use it.
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -21,8 +21,8 @@ using lab::DocumentLock;
 
 constexpr const char* kWellsTable = "well,sample,target,task,quantity,reporter\nA1,liver,,,,\n";
 
-/// Feeds a command through a named pipe, so that it waits half-way: it opens the pipe once it has
-/// read the document, and goes on when it has read the pipe to its end.
+/// Makes a command wait half-way: the command reads its input from this named pipe after it has
+/// read the document, and continues when the pipe is closed.
 class Pipe {
  public:
   explicit Pipe(std::string path) : path_(std::move(path)) { ::mkfifo(path_.c_str(), 0600); }
@@ -99,7 +99,8 @@ TEST_F(Change, IsRefusedWhenTheDocumentWasPatchedInPlace) {
   VexProcess command({"wells", path_, "--from", pipe_});
   ASSERT_TRUE(wells.WaitForReader());
   Vex2FileManager other;
-  ASSERT_EQ(other.SetAcquisitionStatus(path_.c_str(), "ZERO"), 0);  // neither size nor file changes
+  ASSERT_EQ(other.SetAcquisitionStatus(path_.c_str(), "ZERO"),
+            0);  // keeps the size and the file number
   wells.Send(kWellsTable);
   EXPECT_EQ(command.Wait().exitCode, 1);
   EXPECT_EQ(Output({"status", path_}), "ZERO\n");

@@ -1,5 +1,5 @@
-// What `vex check` advises must be worth doing: 'vex recover' makes another document, so it is not
-// advised where 'vex repair' makes the document itself sound.
+// Tests the advice of `vex check`. 'vex recover' makes a new document, so it must not be advised if
+// 'vex repair' makes the document itself sound.
 
 #include <filesystem>
 
@@ -11,7 +11,7 @@ namespace {
 
 class CheckAdvice : public DamageTest {
  protected:
-  /// Makes the document these bytes, and repairs it where check advises to recover it.
+  /// Writes these bytes to the document. If check advises to recover it, tries to repair it.
   void Try(const Bytes& bytes) {
     WriteBytes(path_, bytes);
     const std::vector<lab::Finding> before = Advising();

@@ -8,10 +8,10 @@
 
 namespace vex2::test {
 
-/// Documents that have something wrong with them, made on purpose, and what is found.
+/// Base of tests that damage documents and check what `vex check` finds.
 class DamageTest : public DocumentTest {
  protected:
-  // Of the run that `MakeRun` makes: settings, then the block.
+  // The offsets in the run that `MakeRun` makes: settings, then the data block.
   static constexpr std::size_t kBlock = 1120;
   static constexpr std::size_t kFrame = 80 * kWells;
   static constexpr std::size_t kFrames = 3;
@@ -34,7 +34,7 @@ class DamageTest : public DocumentTest {
     Change(
         [=](Bytes& bytes) { std::copy(status.begin(), status.end(), bytes.begin() + kStatusAt); });
   }
-  /// Appends what `count` bytes of further frames would be.
+  /// Appends `count` bytes of further frames.
   void AppendFrameBytes(std::size_t count) const {
     Change([=](Bytes& bytes) {
       const Bytes frame = Slice(bytes, kFirstFrame, kFrame);
@@ -62,7 +62,8 @@ class DamageTest : public DocumentTest {
   std::string Warnings() const { return Told(Found(lab::Severity::kWarning)); }
   std::string Notes() const { return Told(Found(lab::Severity::kNote)); }
 
-  /// Expects this one error and no warning, or the other way round; each with what it means.
+  /// Expects exactly this error and no warning, or exactly this warning and no error, each with its
+  /// effect.
   void ExpectError(const std::string& told) const {
     EXPECT_EQ(Errors(), told + "\n");
     EXPECT_EQ(Warnings(), "");

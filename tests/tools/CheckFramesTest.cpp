@@ -1,5 +1,5 @@
-// What `vex check` finds wrong with data blocks and with the positions that lead to them, and not
-// with their neighbours that are right.
+// Tests that `vex check` finds damaged data blocks and wrong offsets of them, and reports nothing
+// for similar correct ones.
 
 #include "tests/support/DocumentBytes.h"
 #include "tests/tools/CheckFixture.h"
@@ -93,7 +93,7 @@ TEST_F(CheckFrames, AFirstCommitThatWasInterruptedIsAWarning) {
       "interrupted");
 }
 
-// --resume and repair keep such a block, so it is no first commit that they would cut off.
+// --resume and repair keep such a block, so check must not call it an interrupted first commit.
 TEST_F(CheckFrames, ABlockOfSeveralFramesIsNoFirstCommit) {
   MakeRun("PROG");
   SetLong(kPositionAt, 0);

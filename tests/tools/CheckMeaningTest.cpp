@@ -1,4 +1,4 @@
-// What check finds in documents whose bytes are in order, and whose content is not.
+// Tests what check finds in documents whose structure is correct but whose content is not.
 
 #include <random>
 
@@ -12,16 +12,16 @@ using testing::HasSubstr;
 
 class CheckMeaning : public DamageTest {
  protected:
-  /// A recorded run of 96 wells and two frames, whose block is the last record.
+  /// Makes a recorded run of 96 wells and two frames, whose data block is the last record.
   void Simulate() const { ASSERT_EQ(RunVex({"simulate", path_, "--cycles", "2"}).exitCode, 0); }
   static constexpr std::size_t kRecord = 80;
   static constexpr std::size_t kRunFrame = 96 * kRecord;
 
-  /// Calls `change` with the stored records of the run, frame by frame.
+  /// Calls `change` with the stored well records of each frame.
   void ChangeReadings(const std::function<void(std::uint8_t*)>& change) const {
     Change([&](Bytes& bytes) { change(bytes.data() + bytes.size() - 2 * kRunFrame); });
   }
-  /// Sets the leading value `index` of each record of a frame.
+  /// Sets the leading value `index` in each well record of a frame.
   static void SetLeading(std::uint8_t* frame, std::size_t index, unsigned value) {
     for (std::size_t well = 0; well < 96; ++well) {
       frame[well * kRecord + 2 * index] = static_cast<std::uint8_t>(value >> 8U);

@@ -1,5 +1,5 @@
-// What `vex check` finds wrong with headers and records, and not with their neighbours that are
-// right.
+// Tests that `vex check` finds damaged headers and records, and reports nothing for similar correct
+// ones.
 
 #include "tests/support/DocumentBytes.h"
 #include "tests/tools/CheckFixture.h"
@@ -168,7 +168,7 @@ TEST_F(CheckRecords, ASecondOneOfAKindOfWhichTheFirstIsUsedIsAWarning) {
 }
 
 TEST_F(CheckRecords, WhatTheReaderNeverReachesByItsCountIsAnError) {
-  // The list counts for more bytes than it has, so that the reader is done before the text.
+  // The list declares more bytes than it holds, so the reader stops before the text.
   Bytes records = ByteString().Text("SPEC").Long(40).Short(0);
   AppendRecord(records, "COMM", ToBytes("text"));
   MakeDocument(records);

@@ -1,4 +1,4 @@
-// How `vex check` tells what it finds.
+// Tests how `vex check` prints its findings.
 
 #include "tests/support/DocumentBytes.h"
 #include "tests/tools/CheckFixture.h"
@@ -78,7 +78,8 @@ TEST_F(CheckOfSamples, AllAreSoundButForTheBlockOfTheOldVersionThatWasSaved) {
   EXPECT_EQ(files.size(), 28U);
   for (const auto& path : files) {
     const lab::Findings findings = lab::Check(path);
-    // Saved, the old block got a time block and kept its length: it cannot be read back.
+    // A save gave the block of version 1 a time block but kept its length, so it cannot be read
+    // back.
     const bool isSound = path.filename() != "05-reporting-blocks.roundtrip.vex";
     EXPECT_EQ(findings.Count(lab::Severity::kError), isSound ? 0U : 2U) << path;
   }

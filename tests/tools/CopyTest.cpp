@@ -56,7 +56,7 @@ TEST_F(Copy, RefusesADocumentThatCannotBeReadWhole) {
 TEST_F(Copy, RefusesADocumentWhoseListHidesWhatFollows) {
   Bytes records;
   AppendRecord(records, "GLBL", {0, 0});
-  records[7] = 200;  // more than the file has: the reader believes that nothing follows
+  records[7] = 200;  // more bytes than the file has, so the reader stops after this record
   AppendRecord(records, "COMM", ToBytes("lost"));
   MakeDocument(records);
   ExpectRefused({"copy", path_, copy_}, 1, "at byte 1034: the record \"COMM\" could not be read");
@@ -109,7 +109,8 @@ TEST_F(Copy, TargetThatCannotBeWrittenIsNamed) {
 
 class CopyOfSamples : public SampleDataTest {
  protected:
-  /// Whether the library knows all kinds in the document, and all its blocks read back once saved.
+  /// Whether the document has no unknown records, and all its data blocks can be read back after a
+  /// save.
   static bool canBeSaved(const nlohmann::json& component) {
     if (component["kind"] == "data" && component["version"] < 2) return false;
     if (component["kind"] != "unknown" && !vex2::IsKnownTag(component["tag"].get<std::string>())) {

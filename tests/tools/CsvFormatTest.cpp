@@ -1,4 +1,4 @@
-// CSV files as people have them: other delimiters, decimal marks, encodings and names of columns.
+// Tests CSV files with other delimiters, decimal marks, encodings and names of columns.
 
 #include <gmock/gmock.h>
 
@@ -25,7 +25,7 @@ class CsvFormatTest : public TempFolderTest {
   };
   using Rows = std::vector<Row>;
 
-  /// What is assumed of a file, but for one thing.
+  /// The default format of a file with one member changed.
   template <typename Member, typename Value>
   static lab::CsvFormat With(Member lab::CsvFormat::*member, Value value) {
     lab::CsvFormat format;
@@ -153,7 +153,7 @@ TEST_F(CsvFormatTest, ColumnsMayBeCalledOtherwise) {
       Refusal("Pos;Wert\nx;1\n"),
       EndsWith("row 1: has no column 'name' (it has 'Pos', 'Wert'); the first row must name "
                "the columns, and 'names name=NAME' tells another name"));
-  // The name that was given is the only one.
+  // If a name is given for a column, the usual name is not accepted.
   EXPECT_THAT(
       Refusal("name,value\nx,1\n", With(&lab::CsvFormat::names, lab::CsvNames{{"value", "RFU"}})),
       HasSubstr("has no column 'RFU'"));

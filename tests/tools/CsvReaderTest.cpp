@@ -1,4 +1,4 @@
-// How CSV files are read, and what hostile ones come to.
+// Tests how CSV files are read, and the errors for malicious files.
 
 #include <gmock/gmock.h>
 
@@ -18,7 +18,7 @@ class ReadCsvTest : public TempFolderTest {
  protected:
   using Rows = std::vector<std::vector<std::string>>;
 
-  /// The columns a and b of the rows of a file with this content.
+  /// Reads the columns a and b of a file with this content.
   Rows Read(std::string_view content) {
     WriteBytes(folder_ / "some.csv", ToBytes(content));
     Rows rows;
@@ -28,7 +28,7 @@ class ReadCsvTest : public TempFolderTest {
     return rows;
   }
 
-  /// The error that reading it ends with.
+  /// The error of reading this content.
   std::string Refusal(std::string_view content) {
     try {
       Read(content);

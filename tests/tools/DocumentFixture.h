@@ -26,15 +26,15 @@ inline void AppendRecord(Bytes& bytes, std::string_view tag, const Bytes& body) 
   bytes.insert(bytes.end(), body.begin(), body.end());
 }
 
-/// Documents to try the commands on, made with the library, and what the commands say of them.
+/// Base of tests that make documents with the library and run commands on them.
 class DocumentTest : public TempFolderTest {
  protected:
   static constexpr std::uint16_t kWells = 3;
-  /// What the recorder states in the log of a run of three frames.
+  /// The lines of the recorder in the log of a run of three frames.
   static constexpr const char* kRunLog = "source=readings\nframes=3\nscale=100\n";
   const std::string path_ = folder_ / "run.vex";
 
-  /// A run of wells A1 to A3: two frames of amplification and one of melting.
+  /// Makes a run of wells A1 to A3 with two amplification frames and one melting frame.
   void MakeRun(const char* status = "DONE", const std::string& log = "scale=100\n") const {
     Vex2FileManager run;
     EXPECT_EQ(run.SetAcquisitionStatus(status), kSuccess);
@@ -61,10 +61,11 @@ class DocumentTest : public TempFolderTest {
     }
   }
 
-  /// The same, as the recorder makes it: its readings can be interpreted.
+  /// Makes the run of `MakeRun` with the log of the recorder, so that its readings can be
+  /// interpreted.
   void MakeRecordedRun(const char* status = "DONE") const { MakeRun(status, kRunLog); }
 
-  /// A document of these bytes behind an empty document's header.
+  /// Makes a document from the header of an empty document and these bytes.
   void MakeDocument(const Bytes& records) const {
     Vex2FileManager empty;
     ASSERT_EQ(empty.SaveToFile(path_.c_str()), 0);
@@ -73,8 +74,8 @@ class DocumentTest : public TempFolderTest {
     WriteBytes(path_, bytes);
   }
 
-  /// Expects that the command ends so, with one line on standard error that begins with "vex: "
-  /// and the document's path, and holds `text`.
+  /// Expects this exit code and one line on standard error that begins with "vex: " and the path of
+  /// the document and contains `text`.
   void ExpectRefused(const VexProcess::Arguments& arguments, int exitCode,
                      const std::string& text) const {
     const CommandResult result = RunVex(arguments);
@@ -84,7 +85,7 @@ class DocumentTest : public TempFolderTest {
     EXPECT_EQ(std::count(result.errors.begin(), result.errors.end(), '\n'), 1) << result.errors;
   }
 
-  /// What the command prints; it must be done without a word on standard error.
+  /// Returns what the command prints. Expects success and nothing on standard error.
   static std::string Output(const VexProcess::Arguments& arguments) {
     const CommandResult result = RunVex(arguments);
     EXPECT_EQ(result.exitCode, 0) << result.errors;
@@ -95,7 +96,7 @@ class DocumentTest : public TempFolderTest {
   static nlohmann::json JsonOutput(const VexProcess::Arguments& arguments) {
     return nlohmann::json::parse(Output(arguments));
   }
-  /// The records that `vex tree --json` lists.
+  /// Returns the records that `vex tree --json` lists.
   static nlohmann::json TreeOutput(VexProcess::Arguments arguments) {
     arguments.insert(arguments.begin(), {"tree", "--json"});
     nlohmann::json output = JsonOutput(arguments);

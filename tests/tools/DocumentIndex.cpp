@@ -57,7 +57,7 @@ class Indexer final : public vex2::RecordVisitor {
     return bytes;
   }
 
-  // The fields of a record that holds others.
+  // Takes the fields of a record that holds other records.
   void take(const FileRecord& record) {
     constexpr std::uint64_t kCount = 2;
     constexpr std::uint64_t kCellFields = 7;
@@ -107,7 +107,7 @@ DocumentIndex IndexDocument(CFile& file) {
   DocumentIndex index;
   Indexer indexer(file, index);
   const lab::WalkEnd end = lab::WalkRecords(file, indexer);
-  // What could not be followed to its end is no part.
+  // Leave out the records whose end was not reached.
   std::erase_if(index.parts, [](const DocumentIndex::Part& part) { return part.end == 0; });
   index.end = end.offset;
   if (end.fault) index.fault = end.fault->what;

@@ -58,7 +58,8 @@ TEST_F(Export, FramesThatOthersAppendedToARunAreLeftEmpty) {
 }
 
 TEST_F(Export, ReadingsThatOthersChangedAreLeftEmpty) {
-  for (const std::size_t fromEnd : {79U, 73U, 71U, 65U, 61U, 1U}) {  // of the last record
+  for (const std::size_t fromEnd :
+       {79U, 73U, 71U, 65U, 61U, 1U}) {  // before the end of the last record
     MakeRecordedRun();
     Bytes bytes = ReadBytes(path_);
     bytes[bytes.size() - fromEnd] = 9;
@@ -130,7 +131,7 @@ TEST_F(Export, ABlockThatIsLostIsSaidToBe) {
   ExpectRefused({"export", path_}, 1, "2 of 3 frames are there");
 }
 
-/// A document with a block of wells A1 and B2, of which B2 alone has a reading.
+/// Makes a document with a block of wells A1 and B2, of which only B2 has a reading.
 void makeBlock(const std::string& path, Vex2DataType type) {
   Vex2FileManager document;
   const std::string log = "source=readings\nframes=1\nscale=1\n";

@@ -9,7 +9,7 @@ namespace vex2::test {
 
 class Frame : public DocumentTest {};
 
-/// `text` without blanks that only bring its columns below one another.
+/// `text` with one space between columns, instead of the spaces that align them.
 std::string squeezed(const std::string& text) {
   return std::regex_replace(text, std::regex(" +"), " ");
 }

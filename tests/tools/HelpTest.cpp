@@ -17,7 +17,7 @@ namespace vex2::test {
 
 namespace {
 
-// A terminal on which the program man is this script; without one where `script` is empty.
+// A terminal on which the program man is this script; if `script` is empty, man is missing.
 Screen terminalWithMan(const TempFolder& folder, const std::string& script) {
   if (!script.empty()) {
     const std::string path = folder / "man";

@@ -2,7 +2,7 @@
 
 namespace vex2::test {
 
-/// Files that mean harm: each command ends, with an exit code of its own and no crash.
+/// Runs each command on malicious files. Each must end with one of its exit codes and not crash.
 class Hostile : public DocumentTest {
  protected:
   void expectEveryCommandEnds() const {
@@ -44,7 +44,7 @@ TEST_F(Hostile, DocumentsCutAtEveryPlace) {
 TEST_F(Hostile, BytesThatAreNotWhatTheyWere) {
   MakeRun();
   const Bytes whole = ReadBytes(path_);
-  // In the header, in the head of the settings, and in that of the data block.
+  // Offsets in the header, in the head of the settings and in the head of the data block.
   const std::size_t places[] = {0,    20,   22,   68,   71,   1024, 1028, 1031, 1032, 1033,
                                 1038, 1120, 1124, 1127, 1128, 1130, 1131, 1144, 1145};
   for (const std::size_t place : places) {

@@ -11,7 +11,7 @@ namespace vex2::test {
 
 class JsonError : public DocumentTest {
  protected:
-  // The error that the command ends with, which must be the only line of standard error.
+  // The error of the command, which must be the only line on standard error.
   static nlohmann::json ErrorOf(const VexProcess::Arguments& arguments) {
     const CommandResult result = RunVex(arguments);
     EXPECT_EQ(LinesOf(result.errors).size(), 1U) << result.errors;

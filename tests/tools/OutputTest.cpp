@@ -1,4 +1,4 @@
-// What becomes of the files that commands write.
+// Tests what happens to the files that commands write.
 
 #include <unistd.h>
 
@@ -30,7 +30,7 @@ class Outputs : public DocumentTest {
     });
   }
 
-  /// The message of the refusal; empty when the files are claimed.
+  /// The error of claiming the files; empty on success.
   static std::string refusal(OutputFiles& files) {
     try {
       files.Claim();

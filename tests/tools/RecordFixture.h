@@ -19,7 +19,7 @@
 
 namespace vex2::test {
 
-/// The fields of a readings file's row but for the well's name, as the numbers that they are.
+/// The numbers in one row of a readings file, without the name of the well.
 struct CsvReading {
   bool melting = false;
   int cycle = 0;
@@ -30,7 +30,7 @@ struct CsvReading {
   friend auto operator<=>(const CsvReading&, const CsvReading&) = default;
 };
 
-/// By well, stage and cycle. Read without the reader under test.
+/// Readings by well, stage and cycle. They are read without the reader under test.
 using Readings = std::map<std::tuple<std::string, bool, int>, CsvReading>;
 
 inline Readings ReadReadings(std::istream& in) {
@@ -58,7 +58,7 @@ inline Readings ReadReadingsFile(const std::filesystem::path& path) {
   return ReadReadings(in);
 }
 
-/// What a document holds, read by the library.
+/// The readings in a document, read with the library.
 inline Readings RecordedReadings(const std::string& path) {
   Vex2FileManager document;
   Readings readings;
@@ -83,7 +83,8 @@ inline Readings RecordedReadings(const std::string& path) {
   return readings;
 }
 
-/// 0 also while the recorder has not made the document: tests wait for frames.
+/// The number of frames in the document; 0 while the document does not exist, because tests wait
+/// for frames.
 inline int RecordedFrames(const std::string& path) {
   Vex2FileManager document;
   if (document.ReadFromFile(path.c_str()) != kSuccess) return 0;
@@ -96,8 +97,8 @@ inline std::string RecordedStatus(const std::string& path) {
   return document.GetAcquisitionStatus().GetString();
 }
 
-/// Tests that record the small run in the source tree: 8 wells of a 96-well plate, 40 cycles and 8
-/// melting readings.
+/// Base of tests that record the small run in the source tree: 8 wells of a 96-well plate, 40
+/// cycles and 8 melting readings.
 class RecordTest : public TempFolderTest {
  protected:
   static constexpr int kFrames = 48;
@@ -108,7 +109,7 @@ class RecordTest : public TempFolderTest {
   std::string Wells() const { return SourcePath("tests/data/run-wells.csv").string(); }
   std::string Run() const { return folder_ / "run.vex"; }
 
-  /// The arguments of a recording with these readings and further arguments.
+  /// The arguments of a recording of the small run, followed by `more`.
   VexProcess::Arguments Record(const VexProcess::Arguments& more = {}) const {
     return RecordFrom(Readings(), more);
   }
@@ -119,12 +120,12 @@ class RecordTest : public TempFolderTest {
     return arguments;
   }
 
-  /// A file of the test's own with this content.
+  /// Writes a file with this content. Returns its path.
   std::string File(const std::string& name, const std::string& content) const {
     WriteBytes(folder_ / name, ToBytes(content));
     return folder_ / name;
   }
-  /// The readings file's text with the first `from` turned into `to`.
+  /// The text of the readings file with the first `from` replaced by `to`.
   std::string ReadingsWith(const std::string& from, const std::string& to) const {
     std::string text = TextOf(Readings());
     const auto place = text.find(from);
@@ -141,7 +142,7 @@ class RecordTest : public TempFolderTest {
     EXPECT_EQ(RecordedReadings(Run()), ReadReadingsFile(Readings()));
   }
 
-  /// Waits until the document holds a frame more than `frames`; false when that never comes.
+  /// Waits until the document holds more than `frames` frames. Returns false after a time limit.
   bool WaitForFrames(int frames) const {
     for (int tries = 0; tries < 2000; ++tries) {
       if (RecordedFrames(Run()) > frames) return true;

@@ -1,5 +1,4 @@
-// Readings that arrive while they are recorded: each frame is on the disk as soon as its last
-// reading has come.
+// Tests recording from a pipe: each frame is on the disk as soon as its last reading has arrived.
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -36,7 +35,7 @@ class RecordLiveTest : public RecordTest {
     return arguments;
   }
 
-  /// Starts a recorder at the end of a pipe.
+  /// Starts a recorder that reads from a pipe.
   void Start(const VexProcess::Arguments& more = {}) {
     const std::string pipe = folder_ / "pipe";
     ::unlink(pipe.c_str());
@@ -65,7 +64,7 @@ class RecordLiveTest : public RecordTest {
     return rows;
   }
 
-  /// What `vex record` says to this input, all at once.
+  /// Runs `vex record` with these rows as standard input.
   CommandResult RecordLive(const std::string& rows, const VexProcess::Arguments& more = {}) const {
     return RunVex(Live(more), {.input = kColumns + rows});
   }

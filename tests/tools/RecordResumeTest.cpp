@@ -1,4 +1,4 @@
-// Recordings that end early, and how they are gone on with.
+// Tests recordings that end early, and how they are resumed.
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -17,11 +17,11 @@ namespace {
 namespace fs = std::filesystem;
 using testing::HasSubstr;
 
-constexpr std::size_t kPositionAt = 68;  // of the data block, in the header
+constexpr std::size_t kPositionAt = 68;  // the header's offset of the data block
 
 class RecordResumeTest : public RecordTest {
  protected:
-  /// Records at a pace and kills the recorder when there are more than `frames` frames.
+  /// Records slowly and kills the recorder when the document has more than `frames` frames.
   void RecordAndKill(int frames = 10) {
     VexProcess recorder(Record({"--pace", "0.01"}));
     ASSERT_TRUE(WaitForFrames(frames));
@@ -32,7 +32,8 @@ class RecordResumeTest : public RecordTest {
     CutTornFrame();
   }
 
-  /// What the kill may have left of a frame goes, so that a test knows what is there.
+  /// Cuts off the uncommitted bytes that the kill may have left, so that tests know the end of the
+  /// document.
   void CutTornFrame() const {
     const std::size_t block = BlockPosition();
     const std::size_t length = WordAt(block + 4);
@@ -47,7 +48,7 @@ class RecordResumeTest : public RecordTest {
     ExpectWhole();
   }
 
-  /// Expects that --resume refuses the document with such an error, and leaves it as it is.
+  /// Expects that the command refuses the document with this error and leaves it unchanged.
   void ExpectRefused(const VexProcess::Arguments& arguments, const std::string& error) {
     const Bytes before = ReadBytes(Run());
     const CommandResult result = RunVex(arguments);
@@ -71,8 +72,7 @@ class RecordResumeTest : public RecordTest {
     WriteBytes(Run(), bytes);
   }
 
-  /// Cuts the document to what it was before its first commit returned, keeping `rest` bytes of
-  /// what that commit was writing.
+  /// Cuts the document to its state during the first commit, which has written `rest` bytes.
   void CutToFirstCommit(std::size_t rest) const {
     const std::uint32_t block = BlockPosition();
     Change([&](Bytes& bytes) {
@@ -260,7 +260,7 @@ TEST_F(RecordResumeTest, OtherSettingsAreRefused) {
                 "cannot resume: the assay is 'AbsQ' in the document, but 'AllD' in");
   ExpectRefused(Record({"--resume", "--started", "2026-11-22T08:00:00Z"}),
                 "was recorded without 'started=2026-11-22T08:00:00Z'");
-  // What somebody else has written over in the document.
+  // Overwrites bytes of the document, as another program could.
   const auto edit = [&](const std::string& from, const std::string& to) {
     Change([&](Bytes& bytes) {
       const auto found = std::search(bytes.begin(), bytes.end(), from.begin(), from.end());
@@ -315,7 +315,8 @@ TEST_F(RecordResumeTest, RecordBehindTheDataBlockIsNotCutOff) {
   ExpectRefused(Record({"--resume"}), "more bytes follow than an interrupted commit leaves behind");
 }
 
-// A first commit begins with its tag or with zeros: what else is cut short there is somebody's.
+// An interrupted first commit begins with its tag or with zeros. Other bytes that are cut off may
+// be a record.
 TEST_F(RecordResumeTest, RecordThatIsCutShortBehindTheOthersIsNotCutOff) {
   RecordAndKill();
   CutToFirstCommit(0);
@@ -439,7 +440,7 @@ TEST_F(RecordSampleTest, MeasuredPlateOf384WellsKilledHalfWayIsWholeInTheEnd) {
   recorder.Signal(SIGKILL);
   ASSERT_EQ(recorder.Wait().endSignal, SIGKILL);
   ASSERT_LT(RecordedFrames(Run()), 216);
-  // As if the kill had come in the middle of a frame's write.
+  // Leaves part of a frame, as if the recorder had been killed during a write.
   CutTornFrame();
   Change([](Bytes& bytes) {
     const Bytes torn(bytes.end() - 384 * 80, bytes.end() - 1000);

@@ -1,4 +1,4 @@
-// What a recording puts into its document, and what it refuses to record.
+// Tests what a recording stores in its document, and what it refuses to record.
 
 #include <gmock/gmock.h>
 

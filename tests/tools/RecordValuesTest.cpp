@@ -1,5 +1,5 @@
-// What becomes of the values that are recorded: what is rounded is told, and what was never a
-// plain number from 0 to 65535 comes back as it was.
+// Tests the recorded values: rounding is reported, and readings that are not whole numbers from 0
+// to 65535 are exported unchanged.
 
 #include <gmock/gmock.h>
 
@@ -20,7 +20,7 @@ constexpr const char* kWithChannels =
 
 class RecordValuesTest : public RecordTest {
  protected:
-  /// Records these rows, below the row of names, as the whole run of wells A1 and A2.
+  /// Records a run of wells A1 and A2 with these rows and a first row of column names.
   CommandResult RecordRows(const std::string& rows, const VexProcess::Arguments& more = {},
                            const char* columns = kReadingColumns) const {
     VexProcess::Arguments arguments = {
@@ -51,7 +51,7 @@ class RecordValuesTest : public RecordTest {
     return result.output;
   }
 
-  /// Expects that nothing of these readings is lost, nor told to be.
+  /// Expects that these readings are kept exactly, and that no rounding is reported.
   void ExpectKept(const std::array<std::string, 4>& readings) const {
     std::filesystem::remove(Run());
     const CommandResult result = RecordRows(Rows(readings), {"--exact"});
@@ -205,7 +205,7 @@ TEST_F(RecordValuesTest, ScalesAndOffsetsThatAreNoneAreRefused) {
 }
 
 TEST_F(RecordValuesTest, DocumentsOfEarlierVersionsReadTheSame) {
-  // What the log of such a document says, and where its readings stand.
+  // Checks the log of such a document and the values that hold its readings.
   ASSERT_EQ(RecordRows(Rows({"0.313", "0.25", "1", "65.535"})).exitCode, 0);
   EXPECT_THAT(TextOf(Run()), HasSubstr("source=readings\nframes=2\nscale=1000\n"));
   EXPECT_THAT(TextOf(Run()), testing::Not(HasSubstr("offset=")));

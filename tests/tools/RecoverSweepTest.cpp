@@ -20,7 +20,7 @@ namespace {
 
 using Part = DocumentIndex::Part;
 
-// One damage: bytes from `begin` on, before `end`, are not what they were.
+// One damage: bytes from `begin` to before `end` may have changed.
 struct Damage {
   const char* kind;
   std::uint64_t begin;
@@ -31,7 +31,7 @@ std::ostream& operator<<(std::ostream& out, const Damage& damage) {
   return out << damage.kind << " from byte " << damage.begin << " to " << damage.end;
 }
 
-// What lies between the first and the last byte that is another one; of files of one length.
+// The range from the first to the last different byte of two files of the same length.
 Damage differenceOf(const Bytes& whole, const Bytes& damaged) {
   const auto first = std::mismatch(whole.begin(), whole.end(), damaged.begin(), damaged.end());
   const auto last = std::mismatch(whole.rbegin(), whole.rend(), damaged.rbegin(), damaged.rend());
@@ -39,7 +39,7 @@ Damage differenceOf(const Bytes& whole, const Bytes& damaged) {
           static_cast<std::uint64_t>(whole.rend() - last.first)};
 }
 
-// Damages a document in one of four ways, half of them behind its header.
+// Damages a document in one of four ways, mostly after its header.
 class Damager {
  public:
   explicit Damager(std::uint64_t seed) : random_(seed) {}
@@ -97,7 +97,8 @@ class Damager {
   std::mt19937_64 random_;
 };
 
-// Parts with how often they are there, by what they say, and by what they stand in.
+// Counts the parts of a document by their content, and by their content together with the list that
+// they are in.
 class Contents {
  public:
   explicit Contents(const std::vector<Part>& parts) {
@@ -107,7 +108,7 @@ class Contents {
     }
   }
 
-  // Takes one such part out; false when there is none.
+  // Removes one such part. Returns false if there is none.
   bool Take(const Part& part) {
     if (IsBound(part) && !takeFrom(inPlace_, inPlace(part))) return false;
     return takeFrom(anywhere_, anywhere(part));
@@ -116,8 +117,8 @@ class Contents {
  private:
   using Counts = std::unordered_map<std::size_t, int>;
 
-  // Whether it must stand in the list that it stood in. Where writers do not put it, another place
-  // is as good, and calibration stands in a list or right in the document.
+  // Whether the part must be in the same list as before. A part in a list in which no writer stores
+  // it may move, and calibration may be in a list or at the top level.
   static bool IsBound(const Part& part) {
     return lab::StandsIn(part.around, part.tag) && part.tag != "PDYE" && part.tag != "BKGD";
   }
@@ -125,8 +126,8 @@ class Contents {
     return part.content * 2 + (part.isFrame ? 1 : 0);
   }
   static std::size_t inPlace(const Part& part) {
-    // Between a plate's end and a block's head that are both gone, nobody knows whose the frames
-    // are; but they must be where readers find them.
+    // If the end of a plate and the head of the next block are both lost, nothing shows to which
+    // plate the frames belong; but readers must find them in some plate.
     const bool isPlates = part.isFrame && part.around == "RQPl";
     return anywhere(part) * 31 + std::hash<std::string>()(isPlates ? "" : part.around);
   }
@@ -141,7 +142,7 @@ class Contents {
   Counts inPlace_;
 };
 
-// A part is touched when any of its own bytes is, those of what it holds included.
+// A part is touched if the damage includes any of its bytes, including those of the records in it.
 bool isTouched(const Part& part, const Damage& damage) {
   return part.begin < damage.end && damage.begin < part.end;
 }
@@ -151,9 +152,9 @@ std::string describe(const Part& part) {
          "\" from byte " + std::to_string(part.begin) + " to " + std::to_string(part.end);
 }
 
-// Whether nothing is left that tells how many wells the frame is of: it is no usual plate's, no
-// other block is like it, and the damage goes from the head of the record before its block, so that
-// its place is not known, into the block's own.
+// Whether nothing shows the number of wells in the frame. That is so if the number is not 96 or
+// 384, no other block has frames of this size, and the damage reaches from the head of the record
+// before the block, which shows the offset of the block, into the block's own head.
 bool isUndecidable(const std::vector<Part>& parts, std::size_t frame, const Damage& damage) {
   const std::uint64_t wells = (parts[frame].end - parts[frame].begin) / 80;
   if (wells == 96 || wells == 384) return false;
@@ -169,10 +170,10 @@ bool isUndecidable(const std::vector<Part>& parts, std::size_t frame, const Dama
   return damage.begin < before + kHead && damage.end > parts[block].begin;
 }
 
-// What the damage did not touch and is not in `found`.
+// The parts that the damage did not touch and that are not in `found`.
 struct Losses {
-  std::string first;            // of what was promised; empty for none
-  std::uint64_t undecided = 0;  // frames that are not promised, and are not there
+  std::string first;            // the first part that is lost despite the promise; empty for none
+  std::uint64_t undecided = 0;  // lost frames that the promise does not cover
 };
 
 Losses missing(const DocumentIndex& whole, const Damage& damage, const DocumentIndex& found) {
@@ -190,7 +191,7 @@ Losses missing(const DocumentIndex& whole, const Damage& damage, const DocumentI
   return losses;
 }
 
-// What is wrong with the document at `path` for the library; empty when nothing is.
+// Describes why the library cannot read the document at `path` completely; empty if it can.
 std::string readersComplaint(const std::string& path, const DocumentIndex& index,
                              std::uint64_t size) {
   if (!index.fault.empty()) return index.fault;
@@ -227,11 +228,11 @@ class RecoverSweep : public TempFolderTest {
   }
 
   struct Verdict {
-    std::string wrong;            // why it is not what was promised; empty when it is
-    std::uint64_t undecided = 0;  // frames
+    std::string wrong;            // how the promise was broken; empty if it was kept
+    std::uint64_t undecided = 0;  // lost frames that the promise does not cover
   };
 
-  // Judges the recovery of `bytes`, damaged so.
+  // Recovers the damaged `bytes` and checks the result.
   Verdict verdict(const DocumentIndex& whole, const Bytes& bytes, const Damage& damage) const {
     WriteBytes(damaged_, bytes);
     const lab::RecoverReport report = recover();
@@ -243,9 +244,9 @@ class RecoverSweep : public TempFolderTest {
     return {readersComplaint(recovered_, found, report.written), losses.undecided};
   }
 
-  // Damages the document so often, and counts what came of it.
+  // Damages and recovers the document `damages` times, and counts the results.
   void Sweep(const std::filesystem::path& path, std::uint64_t damages, SweepResult& result) const {
-    // Others than those that are known to be survived.
+    // With VEX2_FIRST_DAMAGE, uses other damages than the usual ones.
     const char* const other = std::getenv("VEX2_FIRST_DAMAGE");
     const std::uint64_t first = other != nullptr ? std::stoull(other) : 0;
     const Bytes bytes = ReadBytes(path);
@@ -311,8 +312,9 @@ TEST_F(RecoverSweep, WhatDamageDidNotTouchOfARealRunIsRecovered) {
   SweepAll({run}, "a real run");
 }
 
-// What recovery once lost: the only frame of a block whose number of wells or tag was damaged,
-// small runs that end in part of a frame, and what follows a plate of whose end half is left.
+// Damages for which recovery used to lose content: the only frame of a block whose number of wells
+// or tag was damaged, small runs that end with part of a frame, and the records after a plate whose
+// end record is half lost.
 TEST_F(RecoverSweep, DamagesThatWereNotSurvivedOnceAre) {
   const std::pair<const char*, const char*> damages[] = {
       {"torn-frame", "recover/torn-frame.block-head-overwritten"},
@@ -332,8 +334,7 @@ TEST_F(RecoverSweep, DamagesThatWereNotSurvivedOnceAre) {
   }
 }
 
-// The oracle itself: it tells of what is gone, of what says something else and of what stands in
-// another list.
+// Tests the sweep itself: it must notice parts that are missing, changed or in another list.
 TEST_F(RecoverSweep, TheSweepNoticesWhatIsNotThere) {
   const auto path = SourcePath("tests/data/setup.vex");
   const DocumentIndex whole = indexOf(path);

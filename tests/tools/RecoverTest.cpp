@@ -1,5 +1,5 @@
-// What `vex recover` tells, and that neither its input nor what stands in its output's place is
-// ever lost by it.
+// Tests the report of `vex recover`, and that it never destroys its input or an existing file at
+// the output path.
 
 #include <algorithm>
 #include <filesystem>
@@ -22,7 +22,7 @@ class Recover : public DamageTest {
     arguments.insert(arguments.end(), more.begin(), more.end());
     return RunVex(arguments, surroundings);
   }
-  /// Expects that it refuses, and that the folder holds what it held.
+  /// Expects that the command refuses and that the files in the folder are unchanged.
   void ExpectNothingDone(const VexProcess::Arguments& arguments, int exitCode,
                          const std::string& text,
                          const VexProcess::Surroundings& surroundings = {}) const {
@@ -155,7 +155,7 @@ TEST_F(Recover, WithoutRoomTheOldOutputStays) {
                     {.input = "", .fileSize = 1000});
 }
 
-/// One damage at a time to documents of a few records; what comes out is known to the byte.
+/// Tests that damage documents of a few records in one place and compare every byte of the result.
 class RecoverRecords : public Recover {
  protected:
   void ExpectRecovered(const Bytes& expected) const {
@@ -212,7 +212,8 @@ TEST_F(RecoverRecords, FramesWithoutTheirHeadAreFoundByTheirTimes) {
   const auto block = std::search(whole.begin(), whole.end(), tag.begin(), tag.end());
   const auto head = block - whole.begin();
   constexpr std::ptrdiff_t kHead = 26 + 2 * 8;
-  // Nothing of the head is left, nor of what is before it and would tell where it began.
+  // Overwrites the head of the block and the record before it, which would show where the block
+  // begins.
   Change([=](Bytes& bytes) {
     std::fill(bytes.begin() + head - 30, bytes.begin() + head + kHead, std::uint8_t{0});
   });

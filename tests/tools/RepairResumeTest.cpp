@@ -1,4 +1,4 @@
-// A recording that was cut off and spoilt goes on after a repair.
+// Tests that an interrupted and damaged recording can be resumed after a repair.
 
 #include <csignal>
 
@@ -21,7 +21,8 @@ TEST_F(RepairResume, ARunGoesOnThatWasTornAndWhosePositionWasLost) {
   const int frames = RecordedFrames(Run());
   Bytes bytes = ReadBytes(Run());
   const std::uint32_t block = LongAt(bytes, 68);
-  // Two frames that the length does not count, part of another, and a position beside the tag.
+  // Two frames that the length does not count, part of another frame, and an offset that is not
+  // that of the tag.
   SetLongAt(bytes, block + 4, 18 + 2 * kWells + kFrameBytes * static_cast<std::size_t>(frames - 2));
   bytes.resize(block + 26 + 2 * kWells + kFrameBytes * static_cast<std::size_t>(frames));
   bytes.insert(bytes.end(), 100, 0);
@@ -41,8 +42,8 @@ TEST_F(RepairResume, ARunGoesOnThatWasTornAndWhosePositionWasLost) {
   ExpectWhole();
 }
 
-// A block gets its tag when the rest of its first frame is on the disk: cut off before that, it
-// begins with zeros.
+// A first commit writes the tag after the rest of the block, so a commit that was interrupted
+// before that leaves zeros in place of the tag.
 TEST_F(RepairResume, ARunWhoseFirstCommitWasCutOffBeforeTheTagGoesOnWithAndWithoutARepair) {
   {
     VexProcess recorder(Record({"--pace", "0.01"}));

@@ -1,5 +1,5 @@
-// What `vex repair` repairs in place, what it leaves alone, and that a document is never lost by
-// it.
+// Tests what `vex repair` repairs in place and what it leaves unchanged, and that it never loses a
+// document.
 
 #include <unistd.h>
 
@@ -18,8 +18,7 @@ using testing::HasSubstr;
 
 class Repair : public DamageTest {
  protected:
-  /// Repairs what `MakeRun` made and a change spoilt, expects it to be clean then, and as
-  /// `repaired`.
+  /// Repairs the damaged document. Expects that it is then sound and has the bytes `repaired`.
   void ExpectRepaired(const Bytes& repaired) const {
     const Bytes before = ReadBytes(path_);
     const CommandResult result = RunVex({"repair", path_});
@@ -148,7 +147,7 @@ TEST_F(Repair, CutsOffAFirstCommitThatWasInterrupted) {
     Change([=](Bytes& bytes) { bytes.resize(kBlock + rest); });
     const Bytes torn = ReadBytes(path_);
     ExpectRepaired(begun);
-    // A block gets its tag last.
+    // A first commit writes the tag last, so zeros in place of the tag are repaired, too.
     WriteBytes(path_, torn);
     Change([](Bytes& bytes) { std::fill_n(bytes.begin() + kBlock, 3, std::uint8_t{0}); });
     if (rest > 3) Change([](Bytes& bytes) { bytes[kBlock + 3] = 0; });

@@ -15,7 +15,7 @@ namespace vex2::test {
 
 namespace {
 
-/// Sets variables of the environment for as long as it lives.
+/// Sets environment variables while this object exists.
 class Environment {
  public:
   explicit Environment(const std::map<std::string, std::string>& variables) {
@@ -54,7 +54,7 @@ CommandResult runOnTerminal(unsigned short columns, VexProcess::Arguments argume
   }
   CommandResult result;
   char buffer[4096];
-  // The end of the last program on a terminal is an error of the read.
+  // When the last program on a terminal ends, the read fails.
   for (ssize_t count = 0; (count = ::read(terminal, buffer, sizeof buffer)) > 0;) {
     result.output.append(buffer, static_cast<std::size_t>(count));
   }

@@ -8,14 +8,14 @@
 
 namespace vex2::test {
 
-/// Where a command prints to: what the environment says, and how wide the terminal is.
+/// The environment variables and the width of the terminal on which a command runs.
 struct Screen {
   std::map<std::string, std::string> environment;
-  unsigned short columns = 0;  ///< of a terminal; 0 for a file
+  unsigned short columns = 0;  ///< the width of the terminal; 0 for output to a file
 };
 
-/// Runs the command on such a screen. On a terminal standard error is in the output, and its line
-/// ends are those of a file.
+/// Runs the command on this screen. On a terminal, the output includes standard error, and its line
+/// ends are converted to "\n".
 CommandResult RunVexOn(const Screen& screen, const VexProcess::Arguments& arguments);
 
 /// The lines of a text.

@@ -29,7 +29,7 @@ std::size_t widest(const std::string& text) {
 
 }  // namespace
 
-/// A simulated run of 384 wells with all that commands print.
+/// Makes a simulated run of 384 wells with content for all commands.
 class ScreenTest : public DocumentTest {
  protected:
   void SetUp() override {
@@ -63,7 +63,7 @@ TEST_F(ScreenTest, FortyColumnsFoldWhatEveryCommandPrints) {
     EXPECT_EQ(result.exitCode, 0) << call.front();
     for (const std::string& line : LinesOf(result.output)) {
       if (tool::Columns(line) <= 40) continue;
-      // Only a word that is wider by itself stands in a longer line.
+      // Only a single word that is too wide may make a line longer.
       const std::string words = line.substr(line.find_first_not_of(' '));
       EXPECT_TRUE(words.find(' ') == std::string::npos || words.find(path_) != std::string::npos ||
                   words.find(folder_ / "recovered.vex") != std::string::npos)
@@ -203,7 +203,7 @@ TEST(Folded, BreaksAtBlanksAndKeepsWordsWhole) {
   EXPECT_EQ(tool::Folded("a wide-word-of-its-own b", 2, 8), "a\n  wide-word-of-its-own\n  b");
 }
 
-// What a terminal shows after all that was written to it: lines that are written again count once.
+// Checks the lines that a terminal shows at the end; a rewritten line counts only once.
 TEST_F(ScreenTest, FollowDrawsCurvesThatItCanWriteAgain) {
   for (const bool isAscii : {false, true}) {
     const CommandResult result = RunVexOn(
@@ -215,7 +215,8 @@ TEST_F(ScreenTest, FollowDrawsCurvesThatItCanWriteAgain) {
     EXPECT_THAT(result.output, HasSubstr(": the run is complete, 2 frames\n"));
     EXPECT_EQ(isAsciiText(result.output), isAscii) << result.output;
     for (const std::string& line : LinesOf(result.output)) {
-      // The progress and what follows it share a line, which the carriage return begins anew.
+      // A carriage return begins the progress line again, so only the text after the last one is
+      // shown.
       const std::string last = line.substr(line.rfind('\r') + 1);
       EXPECT_LE(tool::Columns(last.substr(0, last.find('\x1b'))), 80U) << line;
     }

@@ -1,4 +1,4 @@
-// Simulated runs.
+// Tests simulated runs.
 
 #include <gmock/gmock.h>
 
@@ -21,7 +21,8 @@ double value(const RunPlan& plan, std::size_t frame, std::size_t well) {
   return plan.scale.Measured(plan.frames[frame][well].values[0]);
 }
 
-// The cycle, from 0, in which a well passes 2; the number of cycles when it never does.
+// The index, from 0, of the first cycle in which the well is above 2; the number of cycles if there
+// is none.
 std::size_t rise(const RunPlan& plan, std::size_t well, std::size_t cycles) {
   std::size_t cycle = 0;
   while (cycle < cycles && value(plan, cycle, well) < 2) ++cycle;
@@ -78,7 +79,8 @@ TEST(SimulateRun, MeltsMostSteeplyAroundATemperatureOfTheTargets) {
   }
 }
 
-// Values of one machine. They hold on all others, or a document could not be gone on with there.
+// The expected values were made on one machine. They must be the same on all others, so that a run
+// can be resumed on another machine.
 TEST(SimulateRun, IsTheSameEverywhere) {
   const RunPlan plan = SimulateRun({.meltSteps = 10, .seed = 42});
   std::uint64_t sum = 14695981039346656037U;

@@ -8,7 +8,7 @@ namespace vex2::test {
 
 using nlohmann::json;
 
-/// Two plates, and what becomes of them in a study.
+/// Base of tests with two plates and a study.
 class StudyTest : public DocumentTest {
  protected:
   void SetUp() override {
@@ -38,7 +38,7 @@ class StudyTest : public DocumentTest {
 
   json plates() { return JsonOutput({"study", "list", "--json", study_})["plates"]; }
 
-  /// Expects the refusal of `file`, and that the study is as it was.
+  /// Expects that the command refuses `file` and leaves the study unchanged.
   void expectStudyRefuses(const VexProcess::Arguments& arguments, const std::string& file,
                           int exitCode, const std::string& text) {
     const bool isThere = std::filesystem::exists(study_);
@@ -54,8 +54,8 @@ class StudyTest : public DocumentTest {
     }
   }
 
-  /// The records of a document or a plate of it, without what says where they stand and without a
-  /// plate's name and date.
+  /// The records of a document or of a plate, without their offsets and without the name, date and
+  /// end of a plate.
   static json content(json records) {
     json kept = json::array();
     for (json& record : records) {

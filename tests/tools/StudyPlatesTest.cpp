@@ -5,7 +5,7 @@ using testing::HasSubstr;
 
 namespace vex2::test {
 
-/// What the commands that show a document show of a study.
+/// Tests what the commands that show documents print for a study.
 class StudyPlates : public StudyTest {
  protected:
   void SetUp() override {
@@ -130,7 +130,7 @@ TEST_F(StudyPlates, StatusOfAPlainDocumentIsNotSetInADryRun) {
 
 class SpectrumCommand : public StudyTest {
  protected:
-  // A frame whose well A1 gave readings of which the fourth group has a slope below that of a line
+  // Makes a frame in which the fourth group of readings of well A1 has a smaller slope than a line
   // through 0.
   void makeBackground(const char* assay) const {
     Vex2FileManager plate;

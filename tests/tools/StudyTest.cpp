@@ -206,7 +206,7 @@ TEST_F(Study, ItsEndRecordIsNoFault) {
 TEST_F(Study, BytesInAPlateThatAreNoRecordAreNotLostInSilence) {
   makeStudy();
   Bytes bytes = ReadBytes(study_);
-  const auto end = static_cast<std::ptrdiff_t>(bytes.size() - 24);  // of the last plate
+  const auto end = static_cast<std::ptrdiff_t>(bytes.size() - 24);  // the end of the last plate
   const Bytes odd = ToBytes("odd!more");
   bytes.insert(bytes.begin() + end, odd.begin(), odd.end());
   WriteBytes(study_, bytes);
@@ -220,7 +220,7 @@ TEST_F(Study, OldDataBlocksInPlatesAreUpgradedOnRequestOnly) {
   const Bytes tag = ToBytes("RAWa");
   const auto block = std::search(bytes.begin(), bytes.end(), tag.begin(), tag.end());
   ASSERT_NE(block, bytes.end());
-  block[9] = 1;  // the version, in which there are no times
+  block[9] = 1;  // version 1, which has no times
   bytes.erase(block + 10, block + 10 + 14);
   WriteBytes(plate2_, bytes);
   expectStudyRefuses({"study", "new", study_, plate2_}, plate2_, 1, "of version 1");

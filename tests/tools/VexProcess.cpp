@@ -19,7 +19,7 @@ namespace vex2::test {
 
 namespace {
 
-/// What the user has set for screens must not reach the tests.
+/// Removes the variables for screens, so that the settings of the user do not affect the tests.
 class PlainEnvironment : public testing::Environment {
  public:
   void SetUp() override {
@@ -42,7 +42,7 @@ void redirect(int target, const std::string& path, int flags) {
   if (file < 0 || ::dup2(file, target) < 0) ::_exit(126);
 }
 
-// The permissions of files bind the command as they bind users, also when root runs the tests.
+// Makes file permissions apply to the command even if root runs the tests.
 void obeyPermissions() {
   for (const int right : {CAP_DAC_OVERRIDE, CAP_DAC_READ_SEARCH}) {
     ::prctl(PR_CAPBSET_DROP, right, 0, 0, 0);

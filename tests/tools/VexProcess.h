@@ -9,23 +9,23 @@
 
 namespace vex2::test {
 
-/// What a finished command left behind.
+/// The result of a finished command.
 struct CommandResult {
-  int exitCode = -1;   ///< -1 when a signal ended it
+  int exitCode = -1;   ///< -1 if a signal ended the command
   int endSignal = 0;   ///< that signal, or 0
   std::string output;  ///< what it wrote to standard output
-  std::string errors;  ///< and to standard error
+  std::string errors;  ///< what it wrote to standard error
 };
 
-/// A `vex` of its own, running beside the test. Killed when it is still there at the end.
+/// A `vex` process that runs beside the test. The destructor kills it if it is still running.
 class VexProcess {
  public:
   using Arguments = std::vector<std::string>;
 
   struct Surroundings {
-    std::string input;           ///< what it finds on standard input
-    std::string inputPath = {};  ///< or the file, as a named pipe, that stands there
-    unsigned long fileSize = 0;  ///< bytes that a file can have; 0 is no limit
+    std::string input;           ///< the content of standard input
+    std::string inputPath = {};  ///< instead of `input`, the path of a file or named pipe
+    unsigned long fileSize = 0;  ///< largest size of a file in bytes; 0 for no limit
   };
 
   explicit VexProcess(const Arguments& arguments) : VexProcess(arguments, Surroundings()) {}
@@ -36,7 +36,7 @@ class VexProcess {
 
   void Signal(int signal) const;
   bool IsRunning();
-  /// Waits for its end.
+  /// Waits for the end of the command.
   CommandResult Wait();
 
  private:
@@ -45,7 +45,7 @@ class VexProcess {
   int status_ = 0;
 };
 
-/// Runs the command to its end.
+/// Runs the command and waits for its end.
 CommandResult RunVex(const VexProcess::Arguments& arguments,
                      const VexProcess::Surroundings& surroundings = {});
 

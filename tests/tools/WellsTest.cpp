@@ -1,4 +1,4 @@
-// What stands in the wells, the detectors, the dyes and the calibration, on the command line.
+// Tests the commands wells, detectors, dyes and calibration.
 #include "lab/text/Chart.h"
 #include "lab/text/PlateGrid.h"
 #include "tests/tools/DocumentFixture.h"
@@ -27,7 +27,7 @@ std::string textOf(const std::filesystem::path& path) {
 
 class PlateCommands : public DocumentTest {
  protected:
-  // A simulated run of few cycles, and the wells file that it was made from.
+  // Makes a simulated run of two cycles and its wells file.
   void Simulate() { Output({"simulate", path_, "--cycles", "2", "--wells-out", wells_}); }
   void WriteWellsFile(const std::string& rows) { WriteBytes(wells_, ToBytes(kColumns + rows)); }
   std::string Raw() const { return Output({"export", path_, "--raw"}); }
@@ -107,7 +107,7 @@ TEST_F(Wells, OfARunInProgressStay) {
   ExpectRefused({"wells", path_, "--from", wells_}, 1, "its run is in progress");
 }
 
-// Gives the document's header another plate: no known type, and so many rows and columns.
+// Changes the plate in the header: an unknown type with this number of rows and columns.
 void SetPlate(const std::string& path, std::uint8_t rows, std::uint16_t columns) {
   constexpr std::size_t kTypeAt = 16;
   constexpr std::size_t kRowsAt = 20;
@@ -140,14 +140,14 @@ TEST_F(Wells, ReplacedByATableKeepWhatTheTableDoesNotShow) {
   const auto& children = after[0]["children"];
   EXPECT_EQ(children[0]["flag"], before[0]["children"][0]["flag"]);
   EXPECT_THAT(children[0].dump(), HasSubstr("repeat"));
-  // All but the offsets, which move with the record.
+  // Only the last record of the cell, because offsets of the records change.
   const auto first = [](const nlohmann::json& cell) { return cell["children"].back()["children"]; };
   EXPECT_EQ(first(children[1]).back()["value"], 0) << first(children[1]).dump();
 }
 
 TEST_F(Wells, OfMoreThanASetupHoldsAreRefused) {
   Simulate();
-  SetPlate(path_, 200, 328);  // 64 wells and a full count of 16 bits
+  SetPlate(path_, 200, 328);  // 65600 wells, 64 more than 65536
   const Bytes before = ReadBytes(path_);
   const std::string why = "its plate of 200 rows and 328 columns has more wells than a setup holds";
   ExpectRefused({"wells", path_}, 1, why);
@@ -192,7 +192,7 @@ TEST_F(Wells, PipedGridHasNoColoursAndWholeTexts) {
   EXPECT_EQ(std::count(grid.begin(), grid.end(), '\n'), 10);
 }
 
-// Of the width and colours of a terminal that nobody sees.
+// Uses a fixed width and colours instead of those of a terminal.
 TEST(PlateGrid, ShowsNothingForEmptyWells) {
   std::vector<std::string> texts(96);
   texts[13] = "x";
@@ -299,7 +299,8 @@ TEST_F(CalibrationTest, OfSampleDocumentsComesBackByteForByte) {
   const auto samples = SampleFiles("golden", ".vex");
   if (samples.empty()) GTEST_SKIP() << "needs the sample documents";
   for (const char* name : {"08-calibration.vex", "13-whole-document.vex"}) {
-    // A copy of the file would have its permissions, and samples may be for reading only.
+    // Writes the bytes instead of copying the file, because the copy of a read-only sample would be
+    // read-only, too.
     WriteBytes(path_, ReadBytes(SampleFolder() / "golden" / name));
     Vex2FileManager before;
     EXPECT_EQ(before.ReadFromFile(path_.c_str()), kSuccess);

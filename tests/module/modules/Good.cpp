@@ -1,4 +1,4 @@
-// A module as an application's author would write one.
+// A module as the author of an application would write it.
 #include <array>
 
 #include "vex2/framework/CWnd.h"

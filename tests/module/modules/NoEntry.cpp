@@ -1,4 +1,4 @@
-// A library that is no module.
+// A library that is not a module.
 extern "C" int addOne(int value) {
   return value + 1;
 }

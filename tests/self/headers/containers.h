@@ -1,5 +1,5 @@
-// A wrong sample for the check of private containers: it must find the marked lines, and these
-// alone. Not compiled.
+// A faulty sample for the check of private containers, which must find exactly the marked lines.
+// This file is not compiled.
 #pragma once
 
 #include <vector>  // not a member: std::vector
