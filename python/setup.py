@@ -1,10 +1,11 @@
-"""Builds the package vex2, whose compiled part CMake builds from the tree that this folder is in.
+"""Builds the package vex2. CMake builds its compiled module from the source tree around this
+folder.
 
     pip install --no-build-isolation --no-index python/
     pip wheel --no-build-isolation --no-index --no-deps python/
 
-Needs no network. The environment variable VEX2_BUILD names a build folder to use, one that was
-configured with -DVEX2_PYTHON=ON; without it, one is made.
+Needs no network. The environment variable VEX2_BUILD names a build folder to use, which was
+configured with -DVEX2_PYTHON=ON; without it, a new one is made.
 """
 
 import os

@@ -1,8 +1,8 @@
-"""Measures the figures for Python in docs/performance.md, and fails where one is above its limit.
+"""Measures the figures for Python in docs/performance.md, and fails if one is above its limit.
 
     PYTHONPATH=BUILD/python /usr/bin/python3 python/bench/measure.py [BENCH_READ]
 
-BENCH_READ is the program python_read_matrix of the build, the C++ read to compare with.
+BENCH_READ is the program python_read_matrix of the build, which reads the same in C++.
 """
 
 import csv
@@ -24,8 +24,9 @@ failures = []
 
 
 def seconds(work, times: int = 25) -> float:
-    """The least time of the processor in several runs, after one that warms the caches: what else
-    the machine does only adds to it. The files are in the system's cache."""
+    """The least processor time of several runs, after one that fills the caches. Other work on the
+    machine can only increase a time, so the least one is the best. The files are in the system's
+    cache."""
     work()
     taken = []
     for _ in range(times):
@@ -59,10 +60,10 @@ def make(path: pathlib.Path, frames: int) -> numpy.ndarray:
 
 
 def import_time(module: str, folder: pathlib.Path) -> float:
-    # As installed: with its bytecode.
+    # Import with bytecode, as after an installation.
     environment = {**os.environ, "PYTHONPYCACHEPREFIX": str(folder)}
     environment.pop("PYTHONDONTWRITEBYTECODE", None)
-    # Of the processor: what else the machine does counts as little as it can.
+    # Processor time, which other programs on the machine affect little.
     code = f"import time; t = time.process_time(); import {module}; print(time.process_time() - t)"
 
     def once() -> float:
@@ -74,8 +75,8 @@ def import_time(module: str, folder: pathlib.Path) -> float:
 
 
 def say_floor(path: pathlib.Path, numbers: numpy.ndarray, read: float) -> None:
-    """What NumPy alone needs for the same bytes, whose place it is told: reading them, and bringing
-    them to the order of the machine."""
+    """Prints what NumPy alone needs for the same bytes at a known offset: reading them, and
+    converting them to the byte order of the machine."""
     start = path.stat().st_size - FRAMES * WELLS * RECORD * 2
 
     def stored() -> numpy.ndarray:
@@ -94,7 +95,7 @@ def compare_readers(folder: pathlib.Path, path: pathlib.Path, numbers: numpy.nda
     read = seconds(lambda: vex2.open(path).readings)
     with h5py.File(folder / "run.h5", "w") as file:
         file["at once"] = numbers.astype(">u2")
-        # As a run comes: a frame at a time, with room for more.
+        # Write the dataset as a run grows: frame by frame, with chunks for more.
         frames = file.create_dataset(
             "by frames", (0, WELLS, 32), ">u2", maxshape=(None, WELLS, 32), chunks=(1, WELLS, 32)
         )
@@ -112,7 +113,7 @@ def compare_readers(folder: pathlib.Path, path: pathlib.Path, numbers: numpy.nda
     for name in ("at once", "by frames"):
         assert numpy.array_equal(from_h5(name), vex2.open(path).readings)
         taken = seconds(lambda: from_h5(name))
-        # No limit: both are bound by how fast memory is copied.
+        # No limit: the speed of memory limits both.
         print(f"     h5py reading big-endian numbers written {name}: {taken / read:.2f} x vex2")
     say_floor(path, numbers, read)
     say("pandas reading the CSV, to vex2", from_csv / read, 50, True)

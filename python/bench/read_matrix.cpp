@@ -1,5 +1,5 @@
-// Prints how many seconds of the processor it takes to open a document and read all its readings:
-// the least of 25 times, after one that warms the caches.
+// Prints the processor time, in seconds, of opening a document and reading all its readings: the
+// least of 25 runs, after one that fills the caches.
 #include <algorithm>
 #include <array>
 #include <cstdio>

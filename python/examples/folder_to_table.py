@@ -13,7 +13,7 @@ import vex2
 
 
 def last_cycle(path: pathlib.Path) -> pandas.DataFrame:
-    """The fluorescence of each well in the last cycle, and the name of the plate."""
+    """Returns the fluorescence of each well in the last cycle, with the name of the plate."""
     table = vex2.open(path).tidy()
     amplification = table[table["stage"] == "amplification"]
     last = amplification[amplification["cycle"] == amplification["cycle"].max()]

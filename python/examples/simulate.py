@@ -17,7 +17,7 @@ SAMPLES = {"kidney": 2.5e4, "liver": 4e3}
 
 
 def wells(factor: float) -> tuple[list[vex2.Well], NDArray[np.float64]]:
-    """The plate setup, and how many copies each well begins with."""
+    """Returns the plate setup, and the number of copies with which each well begins."""
     setup: list[vex2.Well] = []
     copies: list[float] = []
 

@@ -1,4 +1,4 @@
-"""Draws the standard curves with their standards, and the samples on them.
+"""Draws the standard curves with the standards and the samples.
 
     standard_curve.py RUN.vex PICTURE.png
 """

@@ -22,7 +22,7 @@ lab::CqMethod methodOf(const std::string& name) {
                    "method is '" + name + "', not 'threshold' or 'sdm'");
 }
 
-// (plate, well, number, sample, target, task, quantity)
+// Returns (plate, well, number, sample, target, task, quantity).
 py::tuple fromWell(const lab::AnalysedWell& well) {
   return py::make_tuple(Text(well.plate), Text(well.name), well.number, Text(well.sample),
                         Text(well.detector), Text(well.task), OrNone(well.quantity));
@@ -50,7 +50,7 @@ py::tuple fromCurve(const lab::StandardCurve& curve) {
                         curve.residualDeviation, OrNone(curve.limitOfDetection));
 }
 
-// (a tuple for each well, a tuple for each standard curve)
+// Returns (a tuple for each well, a tuple for each standard curve).
 py::tuple analyseCq(const lab::RunReader& run, const std::string& method,
                     const std::optional<double>& threshold, const Range& baseline,
                     const std::optional<std::string>& detector) {
@@ -72,7 +72,7 @@ py::tuple analyseCq(const lab::RunReader& run, const std::string& method,
   return py::make_tuple(TupleOf(analysis.wells, fromResult), py::tuple(curves));
 }
 
-// A tuple for each peak.
+// Returns a tuple for each peak.
 py::tuple analyseMelt(const lab::RunReader& run, const std::optional<std::string>& detector) {
   std::vector<lab::MeltCurve> curves;
   {

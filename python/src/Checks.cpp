@@ -51,7 +51,8 @@ py::object repair(const std::string& path, bool dryRun) {
               backup.empty() ? py::object(py::none()) : py::object(PathText(backup)));
 }
 
-// Python's answer to how far the work is; an exception in it ends the work and is raised.
+// Calls the progress function of the caller. An exception in that function cancels the work and is
+// raised again.
 class Progress {
  public:
   explicit Progress(py::object call) : call_(std::move(call)) {}

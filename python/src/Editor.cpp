@@ -29,7 +29,7 @@ std::unique_ptr<DocumentEditor> open(const std::string& path, bool upgradeBlocks
 }
 
 void bindPlateEditor(py::module_& module) {
-  // A plate's editor belongs to the document's, which alone is made and destroyed.
+  // The editor of a plate belongs to the editor of the document, so Python never destroys it.
   py::class_<PlateEditor, std::unique_ptr<PlateEditor, py::nodelete>>(
       module, "PlateEditor", "What a document says of a plate, to be changed.")
       .def("wells", [](PlateEditor& self) { return TupleOf(self.Wells(), FromWell); })

@@ -11,14 +11,14 @@ namespace vex2::python {
 
 namespace {
 
-/// A module writes nothing to the terminal of the program that imports it: what the library has to
-/// say is in statuses and exceptions.
+/// A module must not write to the terminal of the program that imports it; statuses and exceptions
+/// report everything.
 class SilentHost final : public Host {
  public:
   void ShowMessage(const std::string& /*text*/) override {}
 };
 
-// What the caller can do, by the names of the module.
+// The remedy, in terms of the Python module.
 std::string_view textOf(lab::ErrorRemedy remedy) {
   using lab::ErrorRemedy;
   switch (remedy) {
@@ -60,7 +60,7 @@ std::string_view textOf(lab::ErrorRemedy remedy) {
   return {};
 }
 
-// The library says what to do in terms of its own.
+// The library names its own functions in a remedy; this names those of the Python module instead.
 lab::Error inTermsOfPython(const lab::Error& error) {
   if (error.Remedy() == lab::ErrorRemedy::kNone) return error;
   const std::string message =
@@ -74,7 +74,7 @@ lab::Error inTermsOfPython(const lab::Error& error) {
           error.SystemErrorNumber()};
 }
 
-// Errors of lab/ become those of vex2/_errors.py, which chooses the class.
+// Raises an error of lab/ as an exception. vex2/_errors.py chooses the class of the exception.
 void raise(const lab::Error& raised) {
   const lab::Error error = inTermsOfPython(raised);
   const lab::ErrorKind& kind = lab::ErrorKindOf(error.Code());

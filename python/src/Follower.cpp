@@ -14,14 +14,14 @@ namespace {
 using lab::FollowState;
 using lab::RunFollower;
 
-// The next frame, or None when none comes in so many seconds.
+// The next frame, or None if no frame arrives within `wait` seconds.
 py::object next(RunFollower& follower, double wait, bool mustExist) {
   std::optional<lab::Frame> frame;
   {
     const py::gil_scoped_release unlocked;
     const std::chrono::duration<double> seconds(wait);
     frame = follower.Next(std::chrono::duration_cast<std::chrono::milliseconds>(seconds));
-    // The reader says why there is none.
+    // The document does not exist; the reader throws the error that says why.
     if (mustExist && follower.State() == FollowState::kWaiting) {
       static_cast<void>(lab::RunReader(follower.Path()));
     }

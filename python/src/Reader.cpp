@@ -14,7 +14,7 @@ namespace {
 using lab::Readings;
 using lab::RunReader;
 
-// File work lets other threads of the interpreter run.
+// Releases the interpreter's lock during file work, so that other Python threads can run.
 template <typename Work>
 auto Unlocked(const Work& work) {
   const py::gil_scoped_release unlocked;
@@ -39,7 +39,8 @@ py::tuple textsOf(const std::vector<std::string>& texts) {
   return TupleOf(texts, [](const std::string& text) { return Text(text); });
 }
 
-// An array of the readings themselves, which live as long as the array does and never change.
+// An array of the readings without a copy. The readings never change, and exist as long as the
+// array.
 py::array valuesOf(const Readings& readings) {
   const std::span<const std::uint16_t> values = readings.Values();
   const py::capsule owner(new Readings(readings),
@@ -50,7 +51,8 @@ py::array valuesOf(const Readings& readings) {
   return array;
 }
 
-// (frames, wells, channels); no channels where the meaning is not known.
+// Returns an array (frames, wells, channels), without channels if the meaning of the readings is
+// not known.
 py::array_t<double> fluorescenceOf(const Readings& readings) {
   const std::size_t channels = readings.ChannelCount();
   const std::size_t cells = readings.FrameCount() * readings.WellCount();
@@ -64,7 +66,7 @@ py::array_t<double> fluorescenceOf(const Readings& readings) {
   return array;
 }
 
-// (scale, offset, channel names), or None.
+// Returns (scale, offset, channel names), or None if these are not known.
 py::object meaningOf(const Readings& readings) {
   const auto& meaning = readings.Meaning();
   if (!meaning) return py::none();

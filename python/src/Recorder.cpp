@@ -21,7 +21,7 @@ using Words = py::array_t<std::uint16_t, py::array::c_style>;
   throw lab::Error(lab::ErrorCode::kInvalidValue, what);
 }
 
-// As the parts of a plan are given: (scale, offset), both texts.
+// `given` is (scale, offset), both texts, or None.
 std::optional<lab::ReadingScale> scaleOf(const py::object& given) {
   if (given.is_none()) return std::nullopt;
   const auto [scaleText, offsetText] = py::cast<std::pair<std::string, std::string>>(given);
@@ -40,7 +40,7 @@ std::vector<lab::SettingValue> settingsOf(const py::dict& settings) {
   return values;
 }
 
-// `given` has the fields of vex2.record under their own names.
+// `given` holds the arguments of vex2.record by name.
 lab::RecordingPlan planOf(const py::dict& given) {
   lab::RecordingPlan plan;
   const py::object plate = given["plate"];
@@ -71,7 +71,7 @@ std::unique_ptr<RunRecorder> open(const std::string& path, const py::dict& given
                                        lab::RecorderOptions{.resume = resume, .replace = replace});
 }
 
-// `leading` is (wells, 8), `readings` (wells, 32), both in the order of `wells`.
+// `leading` has the shape (wells, 8) and `readings` (wells, 32), both in the order of `wells`.
 void appendRaw(RunRecorder& recorder, const Words& wells, const Words& leading,
                const Words& readings) {
   std::vector<lab::RawRecord> frame(static_cast<std::size_t>(wells.size()));
@@ -85,8 +85,8 @@ void appendRaw(RunRecorder& recorder, const Words& wells, const Words& leading,
   recorder.Append(frame);
 }
 
-// `values` is (wells, channels), NaN for a reading that is missing; times and temperatures are of
-// each well, all in the order of `wells`.
+// `values` has the shape (wells, channels), with NaN for a missing reading. There is a time and a
+// temperature for each well. All are in the order of `wells`.
 void appendMeasured(RunRecorder& recorder, const Words& wells, bool isMelting, std::uint16_t cycle,
                     const Numbers& times, const Numbers& temperatures, const Numbers& values) {
   lab::MeasuredFrame frame{.stage = isMelting ? lab::Stage::kMelting : lab::Stage::kAmplification,

@@ -52,7 +52,7 @@ bool canHoldRecords(const FileRecord& record) {
   return layout == BodyLayout::kList || layout == BodyLayout::kCell || layout == BodyLayout::kPlate;
 }
 
-/// A record as it was met, with those within it.
+/// A record with the records in it.
 struct Node {
   std::string tag;
   std::uint64_t offset = 0;
@@ -63,7 +63,8 @@ struct Node {
   std::vector<Node> children;
 };
 
-/// Keeps the records, without a Python object: the walk is file work.
+/// Collects the records without Python objects, because the walk runs without the interpreter's
+/// lock.
 class Collector final : public RecordVisitor {
  public:
   void Begin(const FileRecord& record, CFile& file) override {
@@ -81,7 +82,7 @@ class Collector final : public RecordVisitor {
     if (canHoldRecords(record)) close();
   }
   std::vector<Node> Take() {
-    // A record that could not be followed to its end left its lists open.
+    // If the end of a record was not reached, its lists are still open.
     while (!open_.empty()) close();
     return std::move(records_);
   }
@@ -97,7 +98,7 @@ class Collector final : public RecordVisitor {
   }
 
   std::vector<Node> records_;
-  std::vector<Node> open_;  // each in the one before it
+  std::vector<Node> open_;  // each record is in the one before it
 };
 
 py::object fromNode(const Node& node) {
@@ -106,7 +107,7 @@ py::object fromNode(const Node& node) {
               TupleOf(node.children, fromNode));
 }
 
-// `plate` is the index of a plate in a study; nothing: the document itself.
+// `plate` is the index of a plate in a study; without it, the document itself is meant.
 Document::Plate plateOf(const Document& document, std::optional<std::size_t> plate) {
   if (!plate) return document.Itself();
   if (*plate < document.Plates().size()) return document.Plates()[*plate];
@@ -146,7 +147,7 @@ py::object fromHeader(const Vex2HeaderData& header) {
               header.acquisitionDataOffset, MasksOf(header));
 }
 
-// (header, log) of the document or of one of its plates.
+// Returns (header, log) of the document or of one of its plates.
 py::tuple headOf(const std::string& path, std::optional<std::size_t> plate) {
   Vex2HeaderData header;
   std::string log;
@@ -169,7 +170,7 @@ Vex2WellRecord recordOf(const lab::WellReading& well) {
   return record;
 }
 
-/// What each well gave in each frame, and when: the axes differ by well in the end.
+/// Stage, cycle, time and temperature of each well in each frame, because they can differ by well.
 struct Cells {
   Cells(std::size_t frames, std::size_t wells)
       : stages({frames, wells}),
@@ -204,7 +205,7 @@ std::span<Number> spanOf(py::array_t<Number>& array) {
   return {array.mutable_data(), static_cast<std::size_t>(array.size())};
 }
 
-// (stages, cycles, times, temperatures), each (frames, wells).
+// Returns (stages, cycles, times, temperatures), each (frames, wells).
 py::tuple cellsOf(const lab::RunReader& reader, const std::string& block, const std::string& log) {
   const std::size_t frames = reader.FrameCount(block);
   const std::size_t wells = reader.Wells(block).size();

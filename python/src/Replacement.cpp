@@ -15,8 +15,8 @@ namespace vex2::python {
 
 namespace {
 
-/// A document that is to take its place as a whole. While it lives, no recorder, editor or command
-/// can change the one that is there.
+/// Replaces a document as a whole. While this object exists, no recorder, editor or command can
+/// change the existing document.
 class Replacement {
  public:
   Replacement(const std::string& path, bool mayReplace)
@@ -27,10 +27,10 @@ class Replacement {
     });
   }
 
-  /// Beside the document, where a file can be renamed to it.
+  /// The folder of the document, in which a new file can be renamed to the document.
   std::string Folder() const { return std::filesystem::path(document_).parent_path().string(); }
 
-  /// Puts the document at `made`, which is on the disk, in its place.
+  /// Replaces the document with the one at `made`, which is on the disk.
   void Commit(const std::string& made) {
     struct stat info {};
     if (::stat(document_.c_str(), &info) == 0) {

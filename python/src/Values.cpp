@@ -54,7 +54,7 @@ lab::Target toTarget(const py::handle& target) {
           .reporter = textIn(target, "reporter")};
 }
 
-// A filter each: four bytes of which the library says nothing, mostly numbers in floating point.
+// One number for each filter. The library stores four bytes for each, which are usually a float.
 py::array spectrumOf(const std::vector<std::uint32_t>& values) {
   return ArrayOf<std::uint32_t>(values).attr("view")("float32");
 }
@@ -145,7 +145,7 @@ lab::Value ToValue(const py::handle& value) {
 }
 
 py::tuple MasksOf(const Vex2HeaderData& header) {
-  // Counting walks the table, so it is done once.
+  // GetMaskCount walks the table, so call it only once.
   const std::span masks(header.usage, header.GetMaskCount());
   return TupleOf(masks, [](std::uint32_t mask) { return py::int_(mask); });
 }

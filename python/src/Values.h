@@ -16,28 +16,28 @@
 #include "lab/model/Value.h"
 #include "vex2/manager/Vex2HeaderData.h"
 
-/// The values of lab/ as Python knows them: the named tuples of vex2/_values.py, made and read.
+/// Converts between the values of lab/ and the named tuples of vex2/_values.py.
 namespace vex2::python {
 
 namespace py = pybind11;
 
-/// A call of the class `name` in vex2/_values.py.
+/// Calls the class `name` in vex2/_values.py.
 template <typename... Arguments>
 py::object Make(const char* name, Arguments&&... arguments) {
   return py::module_::import("vex2._values").attr(name)(std::forward<Arguments>(arguments)...);
 }
 
-/// A text of a document, UTF-8 except where a file is damaged.
+/// A text of a document. It is UTF-8 unless the file is damaged.
 py::str Text(std::string_view utf8);
-/// A path as the system has it.
+/// A path in the encoding of the system.
 py::str PathText(const std::string& path);
-/// Each character stands for one byte.
+/// A text in which each character is one byte.
 py::str Latin1(std::string_view bytes);
 
-/// Throws the error for a value that is not of the type that is needed.
+/// Throws the error for a value of the wrong type.
 [[noreturn]] void RefuseValue(const py::handle& value, std::string_view name);
 
-/// What Python gives for `name`.
+/// Converts the Python value of the argument `name`.
 template <typename Value>
 Value Given(const py::handle& value, std::string_view name) {
   try {
@@ -47,13 +47,13 @@ Value Given(const py::handle& value, std::string_view name) {
   }
 }
 
-/// None for nothing.
+/// Converts an optional; None if it is empty.
 template <typename Content>
 py::object OrNone(const std::optional<Content>& content) {
   return content ? py::cast(*content) : py::none();
 }
 
-/// A tuple of what `convert` makes of each item.
+/// A tuple of the items, converted with `convert`.
 template <typename Items, typename Convert>
 py::tuple TupleOf(const Items& items, const Convert& convert) {
   py::tuple tuple(std::size(items));
@@ -62,7 +62,7 @@ py::tuple TupleOf(const Items& items, const Convert& convert) {
   return tuple;
 }
 
-/// What `convert` makes of each item of a Python iterable.
+/// The items of a Python iterable, converted with `convert`.
 template <typename Convert>
 auto VectorOf(const py::handle& items, const Convert& convert) {
   std::vector<decltype(convert(py::object()))> values;
@@ -72,7 +72,7 @@ auto VectorOf(const py::handle& items, const Convert& convert) {
   return values;
 }
 
-/// A NumPy array of its own of these numbers.
+/// A new NumPy array with a copy of these numbers.
 template <typename Number>
 py::array_t<Number> ArrayOf(std::span<const Number> numbers) {
   return py::array_t<Number>(static_cast<py::ssize_t>(numbers.size()), numbers.data());
@@ -81,7 +81,7 @@ py::array_t<Number> ArrayOf(std::span<const Number> numbers) {
 py::object FromValue(const lab::Value& value);
 lab::Value ToValue(const py::handle& value);
 
-/// The masks of the rows that a header's usage table holds.
+/// The masks of the rows in the header's table of used wells.
 py::tuple MasksOf(const Vex2HeaderData& header);
 
 py::object FromWell(const lab::Well& well);
@@ -93,11 +93,12 @@ py::object FromCalibration(const lab::Calibration& calibration);
 lab::Calibration ToCalibration(const py::handle& calibration);
 py::object FromProgram(const std::optional<lab::Program>& program);
 py::object FromBlock(const lab::BlockInfo& block);
-/// (stage, cycle, time_s, temperature_c), each None where it is not known.
+/// Returns (stage, cycle, time_s, temperature_c), each None if it is not known.
 py::tuple FromPosition(const lab::FramePosition& position);
-/// (index, position, well numbers, leading values, stored readings, fluorescence)
+/// Returns (index, position, well numbers, leading values, stored readings, fluorescence).
 py::tuple FromFrame(const lab::Frame& frame);
-/// (stages, cycles, times, temperatures) as arrays: 0 no stage, 1 amplification, 2 melting.
+/// Returns the arrays (stages, cycles, times, temperatures). A stage is 0 for none, 1 for
+/// amplification, 2 for melting.
 py::tuple FromAxis(const std::vector<lab::FramePosition>& axis);
 
 }  // namespace vex2::python

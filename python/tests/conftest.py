@@ -13,8 +13,8 @@ import vex2
 SOURCE = pathlib.Path(__file__).resolve().parents[2]
 SHARED = pathlib.Path(os.environ.get("VEX2_SHARED_DATA", SOURCE.parent / "shared" / "data"))
 GOLDEN = SHARED / "golden"
-# An answer that needs more than any document can hold fails the test, and not the machine. The
-# address sanitizer, which has a limit of its own, reserves more than that.
+# Limit the memory, so that a result that is too large fails the test instead of the machine. The
+# address sanitizer reserves more than this limit and has its own.
 LARGEST_MEMORY = 6 << 30
 if "asan" not in os.environ.get("LD_PRELOAD", ""):
     _, most = resource.getrlimit(resource.RLIMIT_AS)
@@ -26,7 +26,7 @@ STANDARDS = (1000.0, 100.0, 10.0)
 
 
 def sample_plate() -> vex2.Plate:
-    """A control, a sample and standards in turn, all of one detector."""
+    """A plate with a control, a sample and standards in turn, all with one detector."""
     wells = []
     for number in range(1, 97):
         kind = (number - 1) % 4
@@ -42,7 +42,7 @@ def curve(well: int, cycle: int) -> float:
 
 
 def record_sample(path: pathlib.Path, frames: int = 45) -> None:
-    """40 cycles of amplification and 5 steps of melting, or the first of them."""
+    """Records 40 amplification cycles and 5 melting steps, or only the first frames of them."""
     with vex2.record(path, sample_plate(), scale=1000, comment="a sample run") as rec:
         for index in range(frames):
             is_melting = index >= 40
@@ -57,7 +57,7 @@ def record_sample(path: pathlib.Path, frames: int = 45) -> None:
 
 
 def make_study(folder: pathlib.Path, names: list) -> None:
-    """A study of new plates with one frame each."""
+    """Makes a study of new plates with one frame each."""
     study = vex2.raw.Vex2FileManager()
     study.SetHeaderData(vex2.raw.Vex2HeaderData(assayCode="RQSt"))
     assert study.InitMultiplate()
@@ -73,7 +73,7 @@ def make_study(folder: pathlib.Path, names: list) -> None:
 
 @pytest.fixture(scope="session")
 def samples(tmp_path_factory):
-    """A folder with run.vex, and study.vex with two plates."""
+    """A folder with run.vex, and with study.vex, which has two plates."""
     folder = tmp_path_factory.mktemp("samples")
     record_sample(folder / "run.vex")
     make_study(folder, ["plate1", "plate2"])

@@ -1,4 +1,4 @@
-"""What the module says of a document is what the command says."""
+"""Compares what the module and the command return for the same document."""
 
 import csv
 import io
@@ -48,7 +48,7 @@ def plain(records):
 
 
 def close(one, other) -> bool:
-    """Equal, but for what JSON rounds of a number of 32 bits."""
+    """Whether two values are equal, except for the rounding of 32-bit numbers in JSON."""
     if isinstance(one, float) and isinstance(other, float):
         return numpy.float32(one) == numpy.float32(other)
     if isinstance(one, dict):
@@ -70,7 +70,7 @@ def test_info_is_that_of_the_command(name, vex):
     path = GOLDEN / f"{name}.vex"
     info = json.loads(vex("info", path, "--json"))
     run = vex2.open(path)
-    # A record of an unknown kind was left out, but does not make the document damaged.
+    # An unknown record was left out, which does not make the document damaged.
     assert run.is_whole <= info["whole"] and run.status == info["status"]
     assert (run.kind, run.assay) == (info["kind"], info["assay"])
     assert [(b.tag, b.frame_count, len(b.wells)) for b in run.blocks] == [
@@ -138,7 +138,8 @@ def test_check_finds_what_the_command_finds(folder, vex):
 
 @pytest.fixture
 def analysed(folder, vex):
-    """Documents with standards, samples and controls: simulated, of this module, and a study."""
+    """Documents with standards, samples and controls: a simulated one, one of this module, and a
+    study."""
     vex("simulate", "one.vex", "--melt", 40)
     vex("simulate", "two.vex", "--seed", 2, "--melt", 30, "--wells", 384)
     return ["run.vex", "one.vex", "two.vex", "study.vex"]
@@ -155,7 +156,7 @@ CQ_OPTIONS = (
 
 
 def same_number(found, said) -> bool:
-    """Equal to the six decimals that JSON has of a number."""
+    """Whether two numbers are equal to the six decimals that JSON has."""
     if said is None:
         return found is None or not numpy.isfinite(found)
     return abs(found - said) <= max(5.1e-7, 1e-12 * abs(said))
@@ -172,7 +173,7 @@ def same_row(row, said) -> bool:
 
 
 def flat(well: dict) -> dict:
-    """A well of the JSON with the columns of the table."""
+    """Converts a well of the JSON to the columns of the table."""
     estimate = well.pop("estimate") or {"quantity": None, "low": None, "high": None}
     ends = {f"estimate_{end}": estimate[end] for end in ("low", "high")}
     return {**well, "estimate": estimate["quantity"], **ends}

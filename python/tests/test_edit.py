@@ -1,4 +1,4 @@
-"""Editing: as a whole or not at all."""
+"""Tests editing: a document is saved as a whole or not at all."""
 
 import pathlib
 
@@ -117,7 +117,8 @@ def test_plates_of_a_study_are_edited(folder):
 
 
 def odd_wells(path: str) -> tuple:
-    """Makes wells that a table cannot tell from others: no task, and a target without a name."""
+    """Makes wells that a table cannot distinguish from others: one without a task, and one with a
+    target without a name."""
     manager = vex2.raw.Vex2FileManager()
     assert manager.ReadFromFile(path) == 0
     setup = [vex2.raw.Vex2WellSetup(i // 12, i % 12, True, "sample") for i in range(96)]

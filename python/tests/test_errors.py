@@ -1,4 +1,5 @@
-"""Errors: one family, with what a program needs to act on them; nothing is printed."""
+"""Tests that all errors are `vex2.Error`s with everything that a program needs, and that nothing is
+printed."""
 
 import copy
 import errno

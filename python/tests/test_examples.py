@@ -1,4 +1,4 @@
-"""The examples run, and draw what they say."""
+"""Runs the examples and checks what they draw."""
 
 import importlib.util
 import os
@@ -64,7 +64,7 @@ def test_example_draws_a_picture(example, plates, tmp_path):
     needs("matplotlib")
     import matplotlib.image
 
-    # Kept for people to look at where VEX2_PICTURES names a folder.
+    # If VEX2_PICTURES names a folder, the pictures are kept there.
     folder = pathlib.Path(os.environ.get("VEX2_PICTURES", tmp_path))
     picture = folder / example.replace(".py", ".png")
     run(example, plates / PICTURES[example], picture)

@@ -1,4 +1,4 @@
-"""Every public name has an example in its docstring, and every example runs."""
+"""Tests that every public name has an example in its docstring, and that every example runs."""
 
 import doctest
 import inspect
@@ -28,7 +28,7 @@ def documented():
 
 
 DOCUMENTED = dict(documented(), raw=vex2.raw, require=vex2.raw.require)
-# An example of these would show nothing that their class's does not.
+# An example of these would repeat the example of their class.
 WITHOUT_EXAMPLE = {"Recorder", "Editor", "PlateEditor", "Follow"}
 
 

@@ -1,4 +1,4 @@
-"""Every value of every sample document against the JSON that was made with it."""
+"""Compares every value of every sample document with the JSON file of the sample."""
 
 import json
 import pathlib
@@ -49,7 +49,8 @@ def check_header(header: vex2.Header, expected) -> None:
 
 
 def check_value(record: vex2.Record, expected, body: bytes) -> None:
-    """`body` is the record's in the file; values are those of the component in memory."""
+    """`body` is the body of the record in the file; the values are those of the component in
+    memory."""
     kind = expected["kind"]
     if expected["declared"] == 0:
         assert record.value is None and record.children == ()
@@ -112,7 +113,7 @@ def test_records_and_header_match_json(name):
 
 
 def of_kind(components, kind):
-    """The components of this kind, those within others as well, but not those of plates."""
+    """The components of this kind, including components in lists, but not those of plates."""
     for component in components:
         if component["kind"] == kind:
             yield component

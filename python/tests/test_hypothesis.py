@@ -1,4 +1,5 @@
-"""Random documents: what is saved is read again; damage raises, and never crashes."""
+"""Tests random documents: saved values are read back, and damaged documents raise exceptions and
+never crash."""
 
 import os
 import pathlib
@@ -16,7 +17,7 @@ from hypothesis import strategies as some  # noqa: E402
 import vex2  # noqa: E402
 from conftest import GOLDEN, sample_plate  # noqa: E402
 
-# The same examples in each run. VEX2_RANDOM_EXAMPLES=2000 asks for that many others.
+# Each run uses the same examples. With VEX2_RANDOM_EXAMPLES=2000 it uses 2000 other ones.
 RANDOM = int(os.environ.get("VEX2_RANDOM_EXAMPLES", "0"))
 SLOW = settings(
     max_examples=RANDOM or 40,
@@ -56,7 +57,7 @@ def plates(draw):
 
 
 def meant(plate: vex2.Plate):
-    """What the wells say, without names and without empty wells."""
+    """The contents of the wells, without well names and without empty wells."""
     return {
         well.number: (well.sample, well.targets)
         for well in plate.wells
@@ -101,7 +102,7 @@ def test_random_edits_are_saved(before, after, changes):
 
 
 def look_at(content: bytes) -> None:
-    """Everything that a document answers; errors must be of the family."""
+    """Calls every property of a document. Errors must be `vex2.Error`s."""
     try:
         run = vex2.open(content)
         for one in (run, *run.plates.values()):
@@ -130,7 +131,7 @@ SAMPLES = sorted(GOLDEN.glob("*[a-z0-9].vex"))
 
 
 def with_plate_of(rows: int, columns: int) -> bytes:
-    """The sample run, its header claiming a plate of no known type and of this size."""
+    """The sample run with a header that declares a plate of unknown type and of this size."""
     content = pathlib.Path("run.vex").read_bytes()
     size = struct.pack(">4sHH", b"p9C ", 8, 12)
     assert content.count(size) == 1

@@ -1,4 +1,5 @@
-"""Nothing leaks: what is opened 10,000 times leaves memory, files and objects as they were."""
+"""Tests for leaks: after a document was opened 10,000 times, memory, open files and objects are as
+before."""
 
 import ctypes
 import gc
@@ -14,7 +15,7 @@ import vex2
 
 
 class Allocated(ctypes.Structure):
-    """What the C library says of its heap: the result of mallinfo2."""
+    """The result of mallinfo2, the heap statistics of the C library."""
 
     _fields_ = [
         (name, ctypes.c_size_t)
@@ -25,8 +26,8 @@ class Allocated(ctypes.Structure):
 
 
 def in_use() -> int:
-    """Bytes that C++ and Python have allocated. The resident memory says less: the system may take
-    pages that are not used, and gives them back when they are."""
+    """The bytes that C++ and Python have allocated. The resident memory is less reliable, because
+    the system may take pages that are not used and return them later."""
     library = ctypes.CDLL(None)
     library.mallinfo2.restype = Allocated
     heap = library.mallinfo2()
@@ -75,7 +76,7 @@ def open_bytes(path: str) -> bytes:
 
 
 def growth(case: str, path: str) -> int:
-    """Bytes of memory that the case takes for good, once the first fifth has run."""
+    """The bytes of memory that the case keeps, measured after the first fifth of the runs."""
     work, times, source = CASES[case]
     given = source(path)
     for _ in range(times // 5):
@@ -93,9 +94,9 @@ def growth(case: str, path: str) -> int:
 def test_memory_and_files_stay_flat(small, case):
     if "libasan" in os.environ.get("LD_PRELOAD", ""):
         pytest.skip("the address sanitizer keeps what is freed")
-    # In an interpreter of its own, which nothing else makes grow.
+    # Run in a separate interpreter, in which nothing else allocates memory.
     context = multiprocessing.get_context("spawn")
     with ProcessPoolExecutor(1, mp_context=context) as worker:
         grown = worker.submit(growth, case, os.path.abspath(small)).result()
-    # Less than 10 bytes each time, besides what grows once.
+    # Less than 10 bytes for each run, apart from memory that is allocated only once.
     assert grown < 30_000 + 10 * CASES[case][1]

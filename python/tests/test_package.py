@@ -1,4 +1,5 @@
-"""The package installs without network, and a reader of the README gets to a plot."""
+"""Tests that the package can be installed without network, and that the example in the README draws
+a plot."""
 
 import os
 import pathlib
@@ -22,11 +23,12 @@ def run(*call: object, **options) -> str:
 
 @pytest.fixture(scope="module")
 def environment(tmp_path_factory):
-    """The interpreter of a new virtual environment with the package, from its wheel."""
+    """The interpreter of a new virtual environment, in which the wheel of the package is
+    installed."""
     if "VEX2_BUILD" not in os.environ:
         pytest.skip("VEX2_BUILD does not name a build folder")
     folder = tmp_path_factory.mktemp("package")
-    # In a copy, since setuptools writes beside what it builds.
+    # Build a copy, because setuptools writes files to the source folder.
     shutil.copytree(SOURCE / "python", folder / "tree" / "python")
     shutil.copy(SOURCE / "CMakeLists.txt", folder / "tree")
     pip = (sys.executable, "-m", "pip", "--disable-pip-version-check")

@@ -1,4 +1,4 @@
-"""The raw interface: every operation under its own name, with its own statuses."""
+"""Tests the raw interface: every operation has its C++ name and returns the same status."""
 
 import copy
 import gc
@@ -19,7 +19,7 @@ TIME = bytes([26, 11, 22, 8, 0, 0])
 
 
 def public_operations():
-    """The names of the operations that the class shows to hosts."""
+    """The names of the public operations of the class."""
     text = re.sub(r"//.*", "", HEADER.read_text())
     body = text[text.index("class VEX2_API Vex2FileManager") :]
     public = "".join(re.findall(r" public:(.*?)(?= protected:| private:)", body, re.S))
@@ -47,7 +47,7 @@ def frame(value: int, wells: int = 2):
 
 
 def committed(path: str, frames: int) -> Vex2FileManager:
-    """A document whose frames were committed one by one, as hosts record."""
+    """A document whose frames were committed one by one, as a host does."""
     manager = Vex2FileManager()
     assert manager.SaveToFile(path) == 0
     for index in range(frames):
@@ -72,7 +72,8 @@ def test_records_are_set_and_committed(folder):
     manager = Vex2FileManager()
     manager.InitAcqDataWellNumberArray([5, 9], DataRAWa)
     assert manager.SaveToFile("host.vex") == 0
-    # The header of a whole save leads past the block, so hosts save before they make it.
+    # After a save of the whole document, the header's offset is past the block, so hosts save
+    # before they make the block.
     manager = Vex2FileManager()
     assert manager.SaveToFile("host.vex") == 0
     manager.InitAcqDataWellNumberArray([5, 9], DataRAWa)
@@ -200,7 +201,7 @@ def test_study_holds_plates(manager):
 
 
 class Result:
-    """Something that an analysis keeps in a document."""
+    """A result that an analysis stores in a document."""
 
 
 def test_results_are_kept_and_given_back(manager):
@@ -212,7 +213,7 @@ def test_results_are_kept_and_given_back(manager):
     assert manager.SetReporterAt(results[2], 2, True)
     assert manager.GetReporterAt(2, True) == (True, results[2])
     assert manager.GetReporterAt(2, False) == (False, None)
-    # Sic: for a pointer to a name the answer is always false; the result is stored.
+    # Sic: the overload for a pointer to a name always returns false, but stores the result.
     assert manager.SetMeltingDataAt(results[2], 3) and manager.RemoveMeltingDataAt(3)
     assert manager.SetMCDataAt(None, results[2], 4) is False
     assert manager.GetMCDataAt(None, 4) == (False, results[2])

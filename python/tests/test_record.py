@@ -1,4 +1,4 @@
-"""Recording: frames are on the disk, runs resume, and tables become documents."""
+"""Tests recording: frames are on the disk, runs can be resumed, and tables become documents."""
 
 import os
 import pathlib

@@ -1,4 +1,4 @@
-"""Reading runs: sources, laziness, objects, threads and processes."""
+"""Tests reading runs: sources, reading on demand, objects, threads and processes."""
 
 import asyncio
 import copy
@@ -94,7 +94,7 @@ def test_frames_match_readings(run):
 
 
 def test_read_frame_reads_only_its_frame(run):
-    # Damage behind the frame is not seen.
+    # Damage after the frame is not noticed.
     content = bytearray(run.to_bytes())
     path = pathlib.Path("cut.vex")
     path.write_bytes(content)

@@ -1,5 +1,5 @@
-"""The types hold: mypy --strict on the package and on the examples, and the stubs of the compiled
-part against what it has."""
+"""Checks the types with mypy --strict in the package and the examples, and compares the stubs of
+the compiled module with the module."""
 
 import importlib.util
 import os
@@ -18,7 +18,7 @@ CONFIG = PYTHON / "pyproject.toml"
 
 @pytest.fixture(scope="module", autouse=True)
 def cache(tmp_path_factory):
-    """What mypy knows of NumPy serves all tests: finding it out takes most of the time."""
+    """A cache of mypy that all tests use, because analysing NumPy takes most of the time."""
     if importlib.util.find_spec("mypy") is None:
         pytest.skip("mypy is missing")
     with pytest.MonkeyPatch.context() as patch:

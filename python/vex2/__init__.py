@@ -4,11 +4,11 @@
 
     run = vex2.open("run.vex")
     run.readings        # the stored readings: NumPy uint16 (frames, wells, 32)
-    run.wells           # what the wells hold: a pandas DataFrame
+    run.wells           # the contents of the wells: a pandas DataFrame
     run.tidy()          # a long table: well, stage, cycle, time_s, temperature_c, fluorescence, ...
 
-Wells are numbered from 1, by rows of the plate, and named as on it: "A1". Frames count from 0.
-Temperatures are degrees Celsius, times are seconds since the run began.
+Wells are numbered from 1, row by row, and have the names that are printed on the plate: "A1".
+Frames count from 0. Temperatures are degrees Celsius, times are seconds since the run began.
 """
 
 from typing import TYPE_CHECKING, Any
@@ -59,7 +59,7 @@ if TYPE_CHECKING:
 
 
 def __getattr__(name: str) -> Any:
-    """The module `raw`, which few programs need, when it is first asked for."""
+    """Imports the module `raw` when it is first used, because few programs need it."""
     if name == "raw":
         import importlib
 

@@ -1,4 +1,4 @@
-"""What an analysis finds, as tables."""
+"""The results of analyses as tables."""
 
 from __future__ import annotations
 

@@ -20,10 +20,11 @@ STAGES = ("", "amplification", "melt")
 
 
 class Axis(NamedTuple):
-    """Where each frame stands in the run, an array with an entry for each frame.
+    """Stage, cycle, time and temperature of the frames, each an array with one entry for each
+    frame.
 
-    `stage` holds "amplification", "melt" or, where it is not known, ""; `cycle` counts from 1
-    within its stage, 0 where it is not known; times and temperatures are NaN where they are not.
+    `stage` holds "amplification", "melt", or "" if the stage is not known. `cycle` counts from 1
+    within its stage and is 0 if it is not known. Unknown times and temperatures are NaN.
 
     >>> axis = vex2.open("run.vex").axis
     >>> axis.stage[0], axis.cycle[0], axis.time_s[0]
@@ -53,16 +54,16 @@ class Frame:
     (3, 'amplification', 4, (96, 32))
 
     Attributes:
-        index: of the frame in its block, from 0.
-        stage: "amplification", "melt", or "" where it is not known.
-        cycle: within the stage, from 1; None where it is not known.
-        time_s: seconds since the run began, of the first well; None where it is not known.
-        temperature_c: degrees Celsius, of the first well; None where it is not known.
+        index: the index of the frame in its block, from 0.
+        stage: "amplification", "melt", or "" if it is not known.
+        cycle: the cycle within the stage, from 1; None if it is not known.
+        time_s: seconds since the run began, for the first well; None if not known.
+        temperature_c: degrees Celsius, for the first well; None if not known.
         wells: uint16 array (wells,): the well numbers, from 1.
-        leading: uint16 array (wells, 8): the values stored in front of the readings.
+        leading: uint16 array (wells, 8): the values that are stored before the readings.
         readings: uint16 array (wells, 32): the readings as stored.
-        fluorescence: float64 array (wells, channels), NaN where a reading is missing; no channels
-            where the meaning of the readings is not known.
+        fluorescence: float64 array (wells, channels), NaN for a missing reading; without channels
+            if the meaning of the readings is not known.
     """
 
     __slots__ = (
@@ -117,7 +118,7 @@ class Frame:
 
 
 class Frames(Sequence[Frame]):
-    """The frames of a block, read from the file one by one as they are asked for.
+    """The frames of a block. Each frame is read from the file when it is accessed.
 
     >>> frames = vex2.open("run.vex").frames
     >>> len(frames), frames[-1].stage, [frame.cycle for frame in frames[:3]]
@@ -162,11 +163,12 @@ class Curves:
     Attributes:
         stage: "amplification" or "melt".
         wells: the names of the wells, in the order of the second axis.
-        channels: the names of the channels, in the order of the third axis; one "" without names.
+        channels: the names of the channels, in the order of the third axis; a single channel can
+            have the name "".
         cycle: uint16 array (frames,), from 1 within the stage.
         time_s: float64 array (frames,), seconds since the run began.
         temperature_c: float64 array (frames,), degrees Celsius.
-        fluorescence: float64 array (frames, wells, channels); NaN where a reading is missing.
+        fluorescence: float64 array (frames, wells, channels); NaN for a missing reading.
     """
 
     def __init__(self, stage: str, block: Block) -> None:
@@ -202,11 +204,11 @@ class Curves:
         return curves
 
     def to_frame(self, channel: int = 0) -> pd.DataFrame:
-        """A DataFrame with a column for each well; its index is the cycle of an amplification and
-        the temperature of a melting.
+        """Returns a DataFrame with a column for each well. The index is the cycle for an
+        amplification and the temperature for a melting.
 
         Raises:
-            NotFoundError: there is no such channel.
+            NotFoundError: the channel does not exist.
 
         >>> vex2.open("run.vex").melting.to_frame().index.name
         'temperature_c'
@@ -231,8 +233,8 @@ class Curves:
 
 
 class Block:
-    """A data block of a document. Frames and readings are read from the file when they are asked
-    for, and the readings are kept.
+    """A data block of a document. Frames and readings are read from the file when they are
+    accessed; the readings are then kept in memory.
 
     >>> block = vex2.open("run.vex").block("RAWa")
     >>> block.readings.dtype, block.readings.shape
@@ -251,7 +253,7 @@ class Block:
         return Frame(*self._read("frame", "a frame", index, self.info.tag))
 
     def _all(self) -> Tuple[Any, Any]:
-        # Another thread may close the run meanwhile.
+        # Another thread may close the run at the same time.
         content = self._content
         if content is None:
             readings = self._read("readings", "the readings", self.info.tag)
@@ -262,7 +264,7 @@ class Block:
     def readings(self) -> NDArray[np.uint16]:
         """The readings as stored: uint16 array (frames, wells, 32), read-only.
 
-        The array is the memory that the file was read into; nothing is copied.
+        The array is the memory into which the file was read; nothing is copied.
 
         >>> vex2.open("run.vex").block("RAWa").readings.flags.writeable
         False
@@ -290,7 +292,8 @@ class Block:
 
     @property
     def axis(self) -> Axis:
-        """Where each frame stands in the run. Reads one record of a frame.
+        """Stage, cycle, time and temperature of each frame. Reads only one well record of each
+        frame.
 
         >>> vex2.open("run.vex").block("RAWa").axis.cycle.shape
         (45,)
@@ -302,7 +305,7 @@ class Block:
 
     @property
     def channels(self) -> Tuple[str, ...]:
-        """The names of the channels; one "" where there is one without a name, and none where the
+        """The names of the channels. A single channel can have the name "". Without channels if the
         meaning of the readings is not known.
 
         >>> vex2.open("run.vex").block("RAWa").channels
@@ -313,8 +316,8 @@ class Block:
 
     @property
     def scale(self) -> Optional[Tuple[str, str]]:
-        """How readings became stored numbers: (scale, offset) as texts; a reading less the offset,
-        times the scale, was rounded. None where it is not known.
+        """How readings became stored numbers: (scale, offset) as texts. A stored number is (reading
+        - offset) * scale, rounded. None if this is not known.
 
         >>> vex2.open("run.vex").block("RAWa").scale
         ('1000', '0')
@@ -324,8 +327,8 @@ class Block:
 
     @property
     def fluorescence(self) -> NDArray[np.float64]:
-        """The readings in real units: float64 array (frames, wells, channels), NaN where one is
-        missing. No channels where their meaning is not known.
+        """The readings in real units: float64 array (frames, wells, channels), NaN for a missing
+        reading. Without channels if the meaning of the readings is not known.
 
         >>> vex2.open("run.vex").block("RAWa").fluorescence.shape
         (45, 96, 1)
@@ -335,7 +338,7 @@ class Block:
 
     @property
     def frames(self) -> Frames:
-        """The frames, from 0, each read when it is asked for.
+        """The frames, counted from 0. Each frame is read when it is accessed.
 
         >>> vex2.open("run.vex").block("RAWa").frames[44].index
         44
@@ -343,7 +346,7 @@ class Block:
         return Frames(self)
 
     def find(self, well: Union[str, int]) -> int:
-        """The index of a well, given by name or number, in each frame.
+        """The index in each frame of the well with this name or number.
 
         Raises:
             NotFoundError: the block has no readings of the well.

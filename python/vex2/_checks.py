@@ -14,8 +14,9 @@ Path = Union[str, "os.PathLike[str]"]
 
 
 def check(document: Any) -> Findings:
-    """Looks for everything that can be wrong with a document, without changing it. It takes
-    what `open` takes. For a file that is not a document it returns a finding and does not raise.
+    """Checks a document and returns everything that is wrong with it. The document is not changed.
+    The argument is the same as for `open`. A file that is not a document gives a finding, not an
+    exception.
 
     Raises:
         FileError: the file cannot be read.
@@ -29,16 +30,16 @@ def check(document: Any) -> Findings:
 
 
 def repair(path: Path, *, dry_run: bool = False) -> RepairReport:
-    """Repairs a document in place, after a copy was put beside it: "PATH.backup".
+    """Repairs a document in place, after making a backup in the same folder: "PATH.backup".
 
     Args:
         path: the document.
-        dry_run: only say what would be repaired.
+        dry_run: return what would be repaired, and change nothing.
 
     Raises:
-        DocumentError: the file is no document, or another program changed it meanwhile.
-        FileError: it is being recorded or changed, or the system refuses. The document is then as
-            it was.
+        DocumentError: the file is not a document, or another program changed it during the repair.
+        FileError: the document is being recorded or changed, or a system call failed. The document
+            is then unchanged.
 
     >>> vex2.repair("run.vex", dry_run=True).patches
     ()
@@ -54,18 +55,20 @@ def recover(
     replace: bool = False,
     progress: Optional[Callable[[int, int], Optional[bool]]] = None,
 ) -> RecoverReport:
-    """Puts together at `out` what is whole in a damaged document, which is never written to.
+    """Writes the undamaged content of a damaged document to a new document at `out`. The damaged
+    document is never changed.
 
     Args:
         path: the damaged document.
         out: the new document.
-        replace: overwrite a document at `out`.
-        progress: called often with the bytes that are done, and all of them; False ends the work.
+        replace: overwrite an existing document at `out`.
+        progress: called often with the number of bytes that are done and the number of all bytes;
+            if it returns False, the recovery is cancelled.
 
     Raises:
-        DocumentError: nothing of a document was found.
-        FileThereError: there is a file at `out`.
-        CancelledError: `progress` ended the work; nothing was saved.
+        DocumentError: no part of a document was found.
+        FileThereError: `out` exists already.
+        CancelledError: `progress` cancelled the recovery; nothing was saved.
         FileError: the system refuses.
 
     >>> vex2.recover("run.vex", "whole.vex").frames
@@ -77,15 +80,15 @@ def recover(
 
 
 def set_run_status(path: Path, code: str) -> None:
-    """Writes how far the run has come into a document, and nothing else: the way to end a run whose
-    recorder is gone for good, which `edit` refuses to touch.
+    """Sets the acquisition status of a document and changes nothing else. Use it to end a run whose
+    recorder will not continue it: `edit` refuses such a run.
 
     Args:
         path: the document.
-        code: "DONE" to end the run; also "ZERO", "PROG" or any other four plain characters.
+        code: "DONE" to end the run; also "ZERO", "PROG" or any other four ASCII characters.
 
     Raises:
-        UsageError: the code is none.
+        UsageError: the code is not valid.
         DocumentError: the file is no document.
         FileError: it is being recorded or changed, or the system refuses.
 

@@ -1,4 +1,4 @@
-"""What a plate document says, besides its readings."""
+"""The content of a plate document without its readings."""
 
 from __future__ import annotations
 
@@ -14,7 +14,7 @@ if TYPE_CHECKING:
 
 
 class Document:
-    """A document that was read but for its frames; `Run` adds these."""
+    """A document that was read without its frames. `Run` adds the frames."""
 
     def __init__(
         self,
@@ -32,7 +32,7 @@ class Document:
 
     @property
     def path(self) -> str:
-        """As it was given; the name of a file object, or "<bytes>".
+        """The path as it was given; for a file object its name, for bytes "<bytes>".
 
         >>> vex2.open("run.vex").path
         'run.vex'
@@ -40,9 +40,10 @@ class Document:
         return self._source.name
 
     def close(self) -> None:
-        """Lets go of the readings. What was read at opening stays; frames can be read no more.
+        """Releases the readings. What was read at opening stays available, but frames can no longer
+        be read.
 
-        Arrays that were handed out stay valid. Closing again does nothing.
+        Arrays that were returned before stay valid. Closing again does nothing.
 
         >>> run = vex2.open("run.vex")
         >>> run.close()
@@ -53,7 +54,7 @@ class Document:
         self._let_go()
 
     def _let_go(self) -> None:
-        """Forgets what can be read again."""
+        """Releases what can be read again."""
 
     @property
     def closed(self) -> bool:
@@ -87,7 +88,7 @@ class Document:
 
     @property
     def is_whole(self) -> bool:
-        """Whether all that stands in the file was read.
+        """Whether the whole file could be read.
 
         >>> vex2.open("run.vex").is_whole
         True
@@ -97,7 +98,7 @@ class Document:
 
     @property
     def faults(self) -> Tuple[Fault, ...]:
-        """What could not be read or was left out, by offset.
+        """What could not be read or was left out, in the order of the offsets.
 
         >>> vex2.open("run.vex").faults
         ()
@@ -107,7 +108,7 @@ class Document:
 
     @property
     def status(self) -> str:
-        """How far the run has come: "ZERO", "PROG", "DONE", or another program's code.
+        """The acquisition status: "ZERO", "PROG", "DONE", or a code of another program.
 
         >>> vex2.open("run.vex").status
         'DONE'
@@ -116,7 +117,7 @@ class Document:
 
     @property
     def assay(self) -> str:
-        """The code of the kind of run, as "AbsQ".
+        """The assay code, such as "AbsQ".
 
         >>> vex2.open("run.vex").assay
         'AbsQ'
@@ -125,7 +126,7 @@ class Document:
 
     @property
     def kind(self) -> str:
-        """The kind marker, as "Kest".
+        """The kind marker, such as "Kest".
 
         >>> vex2.open("run.vex").kind
         'Kest'
@@ -134,7 +135,7 @@ class Document:
 
     @property
     def header(self) -> Header:
-        """All fields of the header, read from the file when they are first asked for.
+        """All fields of the header. They are read from the file on the first access.
 
         >>> vex2.open("run.vex").header.columns
         12
@@ -155,7 +156,7 @@ class Document:
 
     @property
     def plate(self) -> Plate:
-        """The plate and what its wells hold, without pandas.
+        """The plate and the contents of its wells, without pandas.
 
         >>> [target.detector for target in vex2.open("run.vex").plate["A3"].targets]
         ['GENE']
@@ -165,11 +166,12 @@ class Document:
 
     @property
     def wells(self) -> pd.DataFrame:
-        """The plate setup as a DataFrame, a row for each target and for each well without one.
+        """The plate setup as a DataFrame, with one row for each target and for each well without a
+        target.
 
         The columns are well (its name), number (from 1), row, column (from 1), sample, target,
         task, quantity and reporter. Target, task and reporter are None in a well without a target;
-        a quantity that was not given is NaN.
+        a quantity that is not set is NaN.
 
         >>> vex2.open("run.vex").wells.loc[2, ["well", "sample", "target", "quantity"]].tolist()
         ['A3', 'standard', 'GENE', 1000.0]
@@ -178,7 +180,7 @@ class Document:
 
     @property
     def settings(self) -> Dict[str, Union[int, float, str]]:
-        """The run-wide settings that the document has, under the names of `vex set --help`.
+        """The run-wide settings in the document, under the names that `vex set --help` lists.
 
         >>> vex2.open("run.vex").settings["comment"]
         'a sample run'
@@ -188,7 +190,7 @@ class Document:
 
     @property
     def program(self) -> Optional[Program]:
-        """The thermal cycling program; None where the document has none.
+        """The thermal cycling program; None if the document has none.
 
         >>> type(vex2.open("run.vex").program.data)
         <class 'bytes'>

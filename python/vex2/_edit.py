@@ -20,10 +20,11 @@ SettingValue = Union[int, float, str]
 
 
 class Settings(MutableMapping[str, SettingValue]):
-    """The run-wide settings of a document that is edited, under the names of `vex set --help`.
+    """The run-wide settings of a document that is being edited, under the names that `vex set
+    --help` lists.
 
-    Setting one changes the document at once, and the file when it is saved. Deleting one empties a
-    text; numbers cannot be taken away.
+    A new value changes the document in memory at once, and the file when the document is saved.
+    Deleting a text setting makes it empty; numbers cannot be deleted.
 
     >>> with vex2.edit("run.vex") as doc:
     ...     doc.settings["comment"] = "second dilution series"
@@ -56,10 +57,10 @@ class Settings(MutableMapping[str, SettingValue]):
 
 
 class PlateEditor:
-    """What a document says of its plate, or a study of one plate, to be changed.
+    """The content of a document, or of one plate of a study, that can be changed.
 
-    What is handed out is written back when the document is saved: a table of wells that was changed
-    in place counts as well as one that was assigned.
+    Values that were returned are written back when the document is saved. A table of wells can
+    therefore be changed in place or assigned.
     """
 
     def __init__(self, name: str, core: Any, plate: Plate, lock: Any) -> None:
@@ -70,7 +71,7 @@ class PlateEditor:
         self._wells: Optional[Any] = None
 
     def _call(self, operation: str, *arguments: Any) -> Any:
-        # Saving lets other threads run, so each operation has the document to itself.
+        # Other threads can run during a save, so a lock makes each operation exclusive.
         with self._lock:
             if self._editor is None:
                 raise usage("cannot be changed: the editor is closed; open it again", self._name)
@@ -78,7 +79,7 @@ class PlateEditor:
 
     @property
     def plate(self) -> Plate:
-        """The wells of the plate setup as they will be saved, without pandas.
+        """The plate setup as it will be saved, without pandas.
 
         >>> with vex2.edit("run.vex") as doc:
         ...     doc.plate["A1"].sample
@@ -99,7 +100,7 @@ class PlateEditor:
         in place. Wells that are left out become empty.
 
         Raises:
-            UsageError: when assigned or saved, for what is no plate setup.
+            UsageError: the assigned or saved value is not a plate setup.
 
         >>> with vex2.edit("run.vex") as doc:
         ...     doc.wells.loc[doc.wells.well == "A1", "sample"] = "control"
@@ -153,7 +154,7 @@ class PlateEditor:
 
     @property
     def calibration(self) -> Calibration:
-        """The calibration; a part can be replaced, but not taken away.
+        """The calibration. A part can be replaced, but not removed.
 
         >>> with vex2.edit("run.vex") as doc:
         ...     doc.calibration.pure_dyes is None
@@ -182,7 +183,7 @@ class PlateEditor:
 
     @property
     def status(self) -> str:
-        """How far the run has come; assign four characters, such as "DONE".
+        """The acquisition status; assign four characters, such as "DONE".
 
         >>> with vex2.edit("run.vex") as doc:
         ...     doc.status
@@ -200,7 +201,7 @@ class PlateEditor:
 
 
 class Editor(PlateEditor):
-    """A document that is changed in place: see `edit`."""
+    """A document that is changed in place; see `edit`."""
 
     def __init__(self, path: Any, upgrade_blocks: bool, drop_unknown: bool) -> None:
         file = path_of(path)
@@ -212,7 +213,7 @@ class Editor(PlateEditor):
 
     @property
     def plates(self) -> Mapping[str, PlateEditor]:
-        """The plates of a study, by name; none of another document.
+        """The plates of a study, by name; empty for other documents.
 
         >>> with vex2.edit("study.vex") as study:
         ...     study.plates["plate1"].settings["comment"] = "the first"
@@ -227,14 +228,15 @@ class Editor(PlateEditor):
         return self._plates
 
     def save(self) -> None:
-        """Saves what was changed; it is on the disk when this returns.
+        """Saves the changes. They are on the disk when this returns.
 
-        The document is saved as a whole or not at all. The editor keeps the changes when it fails.
+        The document is saved as a whole or not at all. If saving fails, the editor keeps the
+        changes.
 
         Raises:
             UsageError: a value cannot be stored.
             DocumentError: another program has changed the file since it was read.
-            FileError: the system refuses.
+            FileError: a system call failed.
 
         >>> doc = vex2.edit("run.vex")
         >>> doc.settings["comment"] = "a sample run"
@@ -249,7 +251,7 @@ class Editor(PlateEditor):
             self._document.save()
 
     def close(self) -> None:
-        """Drops what was not saved, and lets others change the document.
+        """Discards changes that were not saved, and allows other programs to change the document.
 
         >>> vex2.edit("run.vex").close()
         """
@@ -277,7 +279,7 @@ def given_settings(settings: Any) -> Mapping[str, SettingValue]:
 
 
 def detectors_of(given: Any) -> Tuple[Detector, ...]:
-    """Detectors from `Detector`s, or from a table with their fields as columns."""
+    """Makes detectors from a sequence of `Detector`, or from a table with the fields as columns."""
     if hasattr(given, "to_dict"):
         other = [name for name in given.columns if name not in Detector._fields]
         if other or "name" not in given.columns:
@@ -294,19 +296,21 @@ def detectors_of(given: Any) -> Tuple[Detector, ...]:
 def edit(
     path: Union[str, os.PathLike[str]], *, upgrade_blocks: bool = False, drop_unknown: bool = False
 ) -> Editor:
-    """Opens a document to change it in place. At the end of the `with` block it is saved as a
-    whole, or, after an exception, not at all.
+    """Opens a document to change it in place. It is saved as a whole at the end of the `with`
+    block; after an exception it is not saved.
 
     While the editor is open, no recorder, other editor or command can change the document.
 
     Args:
         path: the document.
-        upgrade_blocks: data blocks of version 1, which do not read back, become version 2.
-        drop_unknown: records that cannot be kept may be lost.
+        upgrade_blocks: convert data blocks of version 1, which could not be read back, to version
+            2.
+        drop_unknown: save even if unknown records are lost.
 
     Raises:
-        DocumentError: the file is no document, was not read whole, or would lose what is in it.
-        FileError: the document is being recorded or changed, or the system refuses.
+        DocumentError: the file is not a document, could not be read completely, or would lose
+            content.
+        FileError: the document is being recorded or changed, or a system call failed.
 
     >>> with vex2.edit("run.vex") as doc:
     ...     table = doc.wells

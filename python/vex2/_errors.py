@@ -8,7 +8,7 @@ from typing import Any, Callable, Iterator, Optional, Tuple, Type
 
 from . import _vex2
 
-# What the command would end with, by class of error: document, usage, system, interrupted.
+# The exit code of the command for each class of error: document, usage, system, interrupted.
 _STATUSES = (1, 2, 3, 130)
 _CLASSES = {name: _STATUSES[of] for name, of, _ in _vex2.error_kinds()}
 
@@ -16,7 +16,7 @@ _CLASSES = {name: _STATUSES[of] for name, of, _ in _vex2.error_kinds()}
 class Error(Exception):
     """An operation failed; `str(error)` is one sentence that names the file.
 
-    Every exception that vex2 raises by itself is one of this family.
+    All exceptions that vex2 raises are of this class or derived from it.
 
     >>> try:
     ...     vex2.open("missing.vex")
@@ -25,12 +25,12 @@ class Error(Exception):
     no-such-file 2 missing.vex None
 
     Attributes:
-        code: the stable name of what went wrong, as `vex --json` prints it.
-        status: what the command would exit with: 1 a problem in a document, 2 a problem in the
-            call, 3 the system refused, 130 cancelled. From the raw interface its negative status.
-        file: the file as it was given; None for an error about the call as a whole.
-        offset: bytes from the start of the file; None where none applies.
-        errno: the number of the system's error; None where the system refused nothing.
+        code: the stable name of the error, as `vex --json` prints it.
+        status: the exit code that the command would have: 1 problem in a document, 2 usage error, 3
+            system error, 130 cancelled. For errors of the raw interface, the negative status.
+        file: the file as it was given; None if the error concerns no file.
+        offset: bytes from the start of the file; None if there is no offset.
+        errno: the error number of the system; None if no system call failed.
         message: what is wrong, without the file.
     """
 
@@ -65,7 +65,7 @@ class Error(Exception):
         return self._text
 
     def of_file(self, path: str, name: str) -> Error:
-        """The error under the name that the caller knows, where it is of the file at this path.
+        """Returns the error with `name` instead of the path, if it concerns the file at this path.
 
         >>> try:
         ...     vex2.open("missing.vex")
@@ -91,7 +91,7 @@ class Error(Exception):
 
 
 class DocumentError(Error):
-    """A document is damaged, is none, or does not hold what was asked for.
+    """A document is damaged, is not a document, or does not hold what was requested.
 
     >>> try:
     ...     vex2.open(b"no document")
@@ -102,7 +102,7 @@ class DocumentError(Error):
 
 
 class UsageError(Error, ValueError):
-    """The call is wrong: an argument, or the state of what it was called on.
+    """A usage error: an argument is wrong, or the object does not allow the call in its state.
 
     >>> run = vex2.open("run.vex")
     >>> run.close()
@@ -115,7 +115,7 @@ class UsageError(Error, ValueError):
 
 
 class NotFoundError(UsageError, KeyError, IndexError):
-    """There is no plate, frame, well or value of this name or index.
+    """No plate, frame, well or value has this name or index.
 
     >>> try:
     ...     vex2.read_frame("run.vex", 99)
@@ -126,7 +126,7 @@ class NotFoundError(UsageError, KeyError, IndexError):
 
 
 class FileError(Error, OSError):
-    """The system refused: disk, memory or a lock; or the path leads nowhere.
+    """A system error: disk, memory or a lock; or the path does not exist.
 
     >>> issubclass(vex2.MissingFileError, vex2.FileError)
     True
@@ -134,7 +134,7 @@ class FileError(Error, OSError):
 
 
 class MissingFileError(FileError, FileNotFoundError):
-    """There is no such file.
+    """The file does not exist.
 
     >>> try:
     ...     vex2.open("missing.vex")
@@ -145,7 +145,7 @@ class MissingFileError(FileError, FileNotFoundError):
 
 
 class FileThereError(FileError, FileExistsError):
-    """The file exists, and nothing said to replace it.
+    """The file exists already, and the call did not allow it to be replaced.
 
     >>> try:
     ...     vex2.record("run.vex", 96, resume=False)
@@ -156,7 +156,7 @@ class FileThereError(FileError, FileExistsError):
 
 
 class AccessError(FileError, PermissionError):
-    """The system does not permit it.
+    """The permission is missing.
 
     >>> issubclass(vex2.AccessError, PermissionError)
     True
@@ -164,7 +164,7 @@ class AccessError(FileError, PermissionError):
 
 
 class CancelledError(Error):
-    """The caller ended the work; nothing was changed.
+    """The caller cancelled the operation; nothing was changed.
 
     >>> try:
     ...     vex2.recover("run.vex", "copy.vex", progress=lambda done, size: False)
@@ -193,7 +193,7 @@ def _class_of(code: str) -> Type[Error]:
 def _make(
     code: str, file: str, message: str, text: str, offset: Optional[int], errno: int
 ) -> Error:
-    """The exception for an error of the compiled part, which calls this."""
+    """Makes the exception for an error of the compiled module, which calls this function."""
     return _class_of(code)(
         message, code=code, file=file, offset=offset, errno=errno, text=text
     )
@@ -215,18 +215,18 @@ def _again(
 
 
 def usage(what: str, file: Optional[str] = None, code: str = "usage") -> Error:
-    """The error for a call that is wrong."""
+    """Makes the error for a wrong call."""
     return _class_of(code)(what, code=code, file=file)
 
 
 def invalid(what: str) -> Error:
-    """The error for a value that cannot be taken."""
+    """Makes the error for a value that is not accepted."""
     return usage(what, code="invalid-value")
 
 
 def called(work: Callable[..., Any], *arguments: Any, file: Optional[str] = None) -> Any:
-    """What `work`, an operation of the compiled part, returns. That it takes no arguments of these
-    types is an error of the family."""
+    """Returns the result of `work`, an operation of the compiled module. If the types of the
+    arguments are wrong, raises a `vex2.Error`."""
     try:
         return work(*arguments)
     except TypeError as error:
@@ -239,7 +239,7 @@ def called(work: Callable[..., Any], *arguments: Any, file: Optional[str] = None
 
 @contextlib.contextmanager
 def system_errors(file: str) -> Iterator[None]:
-    """Makes errors of the system errors of the family, which name this file."""
+    """Converts system errors to `vex2.Error`s that name this file."""
     try:
         yield
     except Error:

@@ -1,4 +1,4 @@
-"""Following a run while it is recorded."""
+"""Following a run while it is being recorded."""
 
 from __future__ import annotations
 
@@ -16,13 +16,13 @@ from ._source import Source, path_of
 if TYPE_CHECKING:
     import asyncio
 
-# Signals such as Ctrl-C are seen between two waits.
+# Signals such as Ctrl-C are handled between two waits.
 _WAIT = 0.1
 
 
 class Follow(Iterator[Frame], AsyncIterator[Frame]):
-    """The frames of a run, the recorded ones first and each new one once it is committed: see
-    `follow`."""
+    """The frames of a run: first the recorded frames, then each new frame as soon as it is
+    committed. See `follow`."""
 
     def __init__(self, path: str, timeout: Optional[float], wait: bool) -> None:
         self._source = Source(path, path_of(path))
@@ -35,8 +35,8 @@ class Follow(Iterator[Frame], AsyncIterator[Frame]):
 
     @property
     def run(self) -> Optional[Run]:
-        """What else the document says, as it was when it was met; None before, and a new run once
-        the document was saved anew.
+        """The rest of the document, as it was when it was found; None before that. After a save has
+        replaced the document, this is a new `Run`.
 
         >>> frames = vex2.follow("run.vex")
         >>> next(frames).index, frames.run.status
@@ -48,7 +48,7 @@ class Follow(Iterator[Frame], AsyncIterator[Frame]):
 
     @property
     def frame_count(self) -> int:
-        """The frames that were committed when the document was last looked at.
+        """The number of committed frames when the document was last examined.
 
         >>> frames = vex2.follow("run.vex")
         >>> next(frames).index, frames.frame_count
@@ -59,7 +59,7 @@ class Follow(Iterator[Frame], AsyncIterator[Frame]):
 
     @property
     def planned_frames(self) -> Optional[int]:
-        """The frames that the whole run has, where the document says so.
+        """The number of frames of the whole run; None if the document does not say it.
 
         >>> frames = vex2.follow("run.vex")
         >>> next(frames).index, frames.planned_frames
@@ -70,7 +70,8 @@ class Follow(Iterator[Frame], AsyncIterator[Frame]):
         return planned
 
     def _step(self, wait: float) -> Optional[Frame]:
-        """The next frame; None without one in that time. `EOFError` at the end."""
+        """Returns the next frame, or None if there is none in this time. Raises `EOFError` at the
+        end."""
         with self._lock:
             found = called(self._follower.next, wait, not self._wait, file=self._source.name)
             is_done = self._follower.is_done()
@@ -108,7 +109,7 @@ class Follow(Iterator[Frame], AsyncIterator[Frame]):
         import asyncio
 
         while True:
-            # A frame that comes after the task was cancelled waits for the next call.
+            # A frame that arrives after the task was cancelled is kept for the next call.
             if self._coming is None:
                 work = asyncio.to_thread(self._step, self._pause())
                 self._coming = asyncio.ensure_future(work)
@@ -137,20 +138,21 @@ def follow(
     timeout: Optional[float] = None,
     wait: bool = False,
 ) -> Follow:
-    """Follows a run while it is recorded: yields the frames that are there, then each new one once
-    it is committed, and ends with the run. Use it with `for` or with `async for`.
+    """Follows a run while it is being recorded. Yields the frames in the document, then each new
+    frame as soon as it is committed, and ends with the run. Use it with `for` or `async for`.
 
-    It looks at the file ten times a second, without a lock, so the recorder never waits. It goes on
-    when the recorder stops and resumes, and when a save replaces the document.
+    The file is examined ten times a second without a lock, so the recorder never waits. Following
+    continues if the recorder stops and the run is resumed, or if a save replaces the document.
 
     Args:
         path: the document.
-        timeout: end after so many seconds without a new frame; without it, wait for the run's end.
+        timeout: end after this number of seconds without a new frame; without it, wait for the end
+            of the run.
         wait: wait for a document that does not exist yet.
 
     Raises:
-        MissingFileError: there is no document, and `wait` is not set.
-        DocumentError: the file is no document, or another run has taken the place of this one.
+        MissingFileError: the document does not exist, and `wait` is not set.
+        DocumentError: the file is not a document, or the document was replaced by another run.
 
     >>> sum(1 for frame in vex2.follow("run.vex"))
     45

@@ -1,4 +1,4 @@
-"""Documents from long tables."""
+"""Makes documents from long tables."""
 
 from __future__ import annotations
 
@@ -30,7 +30,8 @@ def _require_one_reading_each(table: pd.DataFrame, channels: List[str]) -> None:
 
 
 def _frames_of(table: pd.DataFrame) -> Iterable[Tuple[Any, pd.DataFrame]]:
-    """((stage, cycle), rows) of each frame, the melting last, in the order of their times."""
+    """Returns ((stage, cycle), rows) for each frame, in the order of the times, with the melting
+    last."""
     groups = table.groupby(_KEYS, sort=False)
     order = groups["time_s"].min()
     parts = dict(iter(groups))
@@ -46,7 +47,8 @@ def _plate_in(table: pd.DataFrame, plate: Any, size: Optional[int]) -> Plate:
 
 
 def _frame_in(part: pd.DataFrame, order: List[str], channels: List[str], name: str) -> Any:
-    """The readings of a frame, and where it stands, for `Recorder.append`."""
+    """The readings of a frame with its stage, cycle, time and temperature, for
+    `Recorder.append`."""
     if channels:
         values = part.pivot(index="well", columns="channel", values="fluorescence")
         values = values.reindex(columns=channels)
@@ -79,7 +81,7 @@ def _numbers_in(table: pd.DataFrame) -> pd.DataFrame:
 def _write(
     path: str, name: str, table: pd.DataFrame, plate: Any, options: Dict[str, Any]
 ) -> None:
-    """Makes the document at a path that is not the caller's, whose errors have its name."""
+    """Makes the document at a temporary path. Errors name the path of the caller."""
     table = _numbers_in(table)
     channels = list(dict.fromkeys(table["channel"])) if "channel" in table else []
     _require_one_reading_each(table, channels)
@@ -90,7 +92,8 @@ def _write(
     setup = _plate_in(table, plate, options.pop("plate_size", None))
     wells = dict.fromkeys(table["well"])
     order = sorted(wells, key=lambda name: well_number(name, setup.rows, setup.columns))
-    # All of them before the first is recorded: a table that is no run is told at once.
+    # Collect all frames before the first one is recorded, so that a table that is not a run is
+    # refused before anything is written.
     frames = [
         (stage, cycle, *_frame_in(part, order, channels, f"{stage} cycle {cycle}"))
         for (stage, cycle), part in _frames_of(table)
@@ -106,7 +109,8 @@ def _write(
 
 
 def _replace(path: Any, replace: bool, table: pd.DataFrame, plate: Any, options: Any) -> None:
-    """Makes the document beside its place, so that one that is there stays whole until then."""
+    """Makes the document in the same folder and then replaces an existing one, which stays complete
+    until then."""
     import tempfile
 
     name = os.fsdecode(path)
@@ -127,23 +131,24 @@ def from_frame(
     replace: bool = False,
     **options: Any,
 ) -> Run:
-    """Makes a document of a long table, as `Run.tidy` returns it, and opens it.
+    """Makes a document from a long table, as `Run.tidy` returns it, and opens it.
 
-    The columns well, stage, cycle, time_s, temperature_c and fluorescence are needed; sample,
-    target and channel are used where they are there. Every well needs a row for each frame; a
-    reading that is missing is NaN.
+    The columns well, stage, cycle, time_s, temperature_c and fluorescence are required; sample,
+    target and channel are used if they exist. Every well needs a row for each frame; a missing
+    reading is NaN.
 
     Args:
         table: the readings.
-        path: where to save the document; without it, the document is only in memory: see
-            `Run.to_bytes`.
-        plate: the plate setup, as `record` takes it; without it samples and targets of the table.
-        replace: overwrite a document at `path`, which stays whole until the new one is complete.
-        options: other arguments of `record`. Without a scale, the one that loses least is chosen.
+        path: the path of the document; without it, the document is only in memory (see
+            `Run.to_bytes`).
+        plate: the plate setup, as for `record`; without it, the samples and targets of the table
+            are used.
+        replace: overwrite an existing document at `path`, but only after the new one is complete.
+        options: other arguments of `record`. Without a scale, the scale that loses least is chosen.
 
     Raises:
-        UsageError: the table is no run, or a reading does not fit.
-        FileThereError: there is a file at `path`; use `replace=True` to overwrite it.
+        UsageError: the table does not describe a run, or a reading cannot be stored.
+        FileThereError: `path` exists already; use `replace=True` to overwrite it.
 
     >>> run = vex2.from_frame(vex2.open("run.vex").tidy())
     >>> run.readings.shape

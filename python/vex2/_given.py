@@ -1,4 +1,4 @@
-"""Frames as callers give them, as arrays in the order of a recorder's wells."""
+"""Converts the frames of callers to arrays in the order of a recorder's wells."""
 
 from __future__ import annotations
 
@@ -16,8 +16,8 @@ _READINGS, _LEADING = 32, 8
 
 
 class FrameShape(NamedTuple):
-    """What a recorder's frames have: the numbers of the wells in the caller's order, and the names
-    of the channels."""
+    """The shape of a recorder's frames: the well numbers in the caller's order, and the names of
+    the channels."""
 
     rows: int
     columns: int
@@ -28,7 +28,7 @@ class FrameShape(NamedTuple):
         return well_name(number, self.columns)
 
     def places(self, numbers: List[int], what: str) -> List[int]:
-        """The place of each well in what holds these. It must hold the same wells."""
+        """The index of each well in `held`, which must hold the same wells."""
         place = {number: index for index, number in enumerate(numbers)}
         missing = [number for number in self.wells if number not in place]
         if missing:
@@ -42,12 +42,13 @@ class FrameShape(NamedTuple):
 
 
 def _is_counted(labels: List[Any]) -> bool:
-    """Whether they are no labels of anyone's, but 0, 1, 2 ..."""
+    """Whether the labels are only the default ones: 0, 1, 2 ..."""
     return labels == list(range(len(labels)))
 
 
 def _by_well(given: Any, shape: FrameShape, what: str) -> Any:
-    """What pandas labels with wells, in their order; anything else as it is."""
+    """Sorts a pandas object whose labels are wells in the order of the wells. Returns anything else
+    unchanged."""
     if not hasattr(given, "iloc") or _is_counted(list(given.index)):
         return given
     numbers = [well_number(label, shape.rows, shape.columns) for label in given.index]
@@ -55,7 +56,7 @@ def _by_well(given: Any, shape: FrameShape, what: str) -> Any:
 
 
 def _by_channel(given: Any, shape: FrameShape) -> Any:
-    """A table whose columns are named as the channels are, in their order."""
+    """Sorts a table whose columns have the names of the channels in the order of the channels."""
     labels = list(getattr(given, "columns", ()))
     if not shape.channels or not labels or _is_counted(labels):
         return given
@@ -66,7 +67,7 @@ def _by_channel(given: Any, shape: FrameShape) -> Any:
 
 
 def _numbers(given: Any, what: str) -> NDArray[np.float64]:
-    """Numbers of any kind, NaN where one is masked or missing."""
+    """Numbers of any type as floats; NaN for a masked or missing number."""
     try:
         if hasattr(given, "iloc"):
             return np.asarray(given.to_numpy(dtype=np.float64, na_value=np.nan))
@@ -81,7 +82,7 @@ def _numbers(given: Any, what: str) -> NDArray[np.float64]:
 
 
 def readings_in(given: ArrayLike, shape: FrameShape) -> NDArray[np.float64]:
-    """Readings in real units: (wells, channels), NaN where one is missing."""
+    """Readings in real units: (wells, channels), NaN for a missing reading."""
     numbers = _numbers(_by_channel(_by_well(given, shape, "the frame"), shape), "readings")
     channels = max(len(shape.channels), 1)
     if numbers.ndim == 1 and channels == 1:
@@ -115,7 +116,7 @@ def _words(given: Any, what: str) -> NDArray[np.uint16]:
 def words_in(
     readings: ArrayLike, leading: Any, shape: FrameShape
 ) -> Tuple[NDArray[np.uint16], NDArray[np.uint16]]:
-    """Stored readings, (wells, 32), and the values in front of them, (wells, 8)."""
+    """Stored readings, (wells, 32), and the values that are stored before them, (wells, 8)."""
     count = len(shape.wells)
     words = _words(_by_well(readings, shape, "the frame"), "readings")
     if words.ndim != 2 or words.shape[0] != count or words.shape[1] > _READINGS:

@@ -14,13 +14,13 @@ if TYPE_CHECKING:
     from ._run import Run
     from ._values import Plate, Well
 
-# Colours that people with any colour vision tell apart, light enough for black text.
+# Colours that people with any colour vision can distinguish, light enough for black text.
 _FILLS = ("#cfe8fa", "#fbe3c0", "#d3f0e2", "#f7d4e6", "#fbf6c4", "#dcd8f2", "#e4e4e4")
 _LINES = ("#0072b2", "#d55e00", "#009e73", "#cc79a7", "#b8860b", "#6a5acd", "#555555")
 _WIDTH, _HEIGHT, _LEFT, _BOTTOM = 480, 220, 56, 34
 _MOST_LINES = 96
-# The largest plate that is made has as many; the header of a damaged document can say thousands of
-# millions.
+# The number of wells of the largest existing plate. The header of a damaged document can declare
+# thousands of millions of wells.
 _MOST_WELLS = 1536
 
 
@@ -33,8 +33,8 @@ def _well_title(well: Well) -> str:
 
 
 def plate_html(plate: Plate) -> str:
-    """The plate as it lies on the bench, a cell for each well, coloured by sample; of a plate that
-    is too large for a picture, how many wells its setup has."""
+    """The plate as a grid with a cell for each well, coloured by sample. For a plate that is too
+    large for a picture, the number of wells in its setup."""
     if plate.rows * plate.columns > _MOST_WELLS:
         setup = f"{len(plate.wells)} in its setup"
         return f"<p>a plate of {plate.rows} x {plate.columns} wells, {setup}</p>"
@@ -59,7 +59,7 @@ def plate_html(plate: Plate) -> str:
 
 
 def _ticks(low: float, high: float) -> List[float]:
-    """Four to eight round numbers between the two."""
+    """Four to eight round numbers between the limits."""
     span = high - low
     step = 10 ** np.floor(np.log10(span / 4))
     step *= max(factor for factor in (1, 2, 5) if span / (step * factor) >= 4)
@@ -73,7 +73,8 @@ def _range(values: np.ndarray) -> Tuple[float, float]:  # type: ignore[type-arg]
 
 
 def curves_html(curves: Curves) -> str:
-    """The curves as a small picture with axes; of many wells every so many."""
+    """The curves as a small picture with axes. If there are many wells, only a part of the curves
+    is drawn."""
     is_melting = curves.stage == "melt"
     across = curves.temperature_c if is_melting else curves.cycle.astype(float)
     values = curves.fluorescence[:, :, :1]
@@ -117,7 +118,7 @@ def curves_html(curves: Curves) -> str:
 
 
 def run_html(run: Run) -> str:
-    """What the document is, its plate, and its amplification in small."""
+    """A summary of the document, its plate, and a small picture of its amplification."""
     block = run.block("RAWa").info
     facts = [("document", run.path), ("status", run.status), ("assay", run.assay)]
     if run.is_study:

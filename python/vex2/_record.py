@@ -26,12 +26,12 @@ if TYPE_CHECKING:
 _SIZES = {96: (8, 12), 384: (16, 24)}
 MELTING = ("melt", "melting")
 _STAGES = ("amplification", *MELTING)
-# What documents count in 16 bits.
+# The largest number that documents store in 16 bits.
 _MOST_CYCLES = _MOST_WELLS = 65535
 
 
 class Recorder:
-    """A run that is recorded to a document: see `record`."""
+    """A run that is being recorded to a document; see `record`."""
 
     def __init__(self, path: Any, plan: Dict[str, Any], resume: bool, replace: bool) -> None:
         self._path = os.fsdecode(path)
@@ -44,7 +44,7 @@ class Recorder:
         self._recorder: Optional[Any] = called(_vex2.Recorder, *arguments, file=self._path)
 
     def _call(self, operation: str, *arguments: Any) -> Any:
-        # Operations let other threads run while they write, so each has the recorder to itself.
+        # Other threads can run while an operation writes, so a lock makes each operation exclusive.
         with self._lock:
             if self._recorder is None:
                 raise usage("cannot be recorded: the recorder is closed", self._path)
@@ -52,8 +52,8 @@ class Recorder:
 
     @property
     def recorded_frames(self) -> int:
-        """The frames that the document held when it was resumed; go on with the frame of this
-        index. 0 for a new document.
+        """The number of frames that the document held when the run was resumed; 0 for a new
+        document. Continue with the frame of this index.
 
         >>> with vex2.record("new.vex", 96, wells=["A1"]) as rec:
         ...     rec.recorded_frames
@@ -63,7 +63,7 @@ class Recorder:
 
     @property
     def frame_count(self) -> int:
-        """The frames that are in the document now.
+        """The number of frames that are in the document now.
 
         >>> with vex2.record("new.vex", 96, wells=["A1"]) as rec:
         ...     rec.frame_count
@@ -82,8 +82,8 @@ class Recorder:
 
     @property
     def wells(self) -> NDArray[np.uint16]:
-        """The numbers of the wells that each frame has readings of, in the order of a frame, which
-        is that of the argument `wells`: uint16 array.
+        """The numbers of the wells that are read in each frame, in the order of the argument
+        `wells`: uint16 array.
 
         >>> vex2.record("new.vex", 96, wells=["B1", "A1"]).wells.tolist()
         [13, 1]
@@ -103,22 +103,24 @@ class Recorder:
         """Appends a frame; it is on the disk when this returns.
 
         Args:
-            frame: for a recorder with a scale the readings in real units, (wells,) or (wells,
-                channels), NaN or masked where one is missing; else the stored readings, uint16
-                (wells, up to 32). Wells are in the order of `wells`; of a Series or DataFrame whose
-                index names wells, and of a `Frame` of another run, they are told by name.
-            leading: without a scale, the values stored in front of the readings: uint16 (wells, 8).
-                The first must not be 0, which marks an empty record. Without this, each record
-                has 1 there.
+            frame: for a recorder with a scale, the readings in real units, (wells,) or (wells,
+                channels), NaN or masked for a missing reading; otherwise the stored readings,
+                uint16 (wells, up to 32). The wells are in the order of `wells`. A Series or
+                DataFrame whose index names the wells, or a `Frame` of another run, can be in any
+                order.
+            leading: without a scale, the values that are stored before the readings: uint16 (wells,
+                8). The first value must not be 0, which marks an empty record. Without this
+                argument, the first value of each record is 1.
             stage: with a scale, "amplification" or "melt".
-            cycle: with a scale, the cycle within the stage, from 1, above those recorded.
+            cycle: with a scale, the cycle within the stage, from 1; it must be above the recorded
+                cycles.
             time_s: with a scale, seconds since the run began, one number or one for each well.
             temperature_c: with a scale, degrees Celsius, one number or one for each well.
 
         Raises:
             UsageError: the frame does not fit the plan, or the run is finished; the document is
                 unchanged.
-            FileError: the system refuses; the same frame can be appended again.
+            FileError: a system call failed; the same frame can be appended again.
 
         >>> import numpy as np
         >>> with vex2.record("new.vex", 96, wells=["A1", "A2"], scale=1000) as rec:
@@ -149,11 +151,12 @@ class Recorder:
         self._call("append_measured", self.wells, *where, readings_in(given, shape))
 
     def finish(self) -> None:
-        """Ends the run: writes the end time and the status "DONE". Nothing for a finished run.
+        """Ends the run: writes the end time and the status "DONE". Does nothing if the run is
+        finished.
 
         Raises:
-            UsageError: the number of frames that was planned is not reached.
-            FileError: the system refuses; this can be tried again.
+            UsageError: the planned number of frames is not reached.
+            FileError: a system call failed; `finish` can be called again.
 
         >>> rec = vex2.record("new.vex", 96, wells=["A1"])
         >>> rec.finish()
@@ -187,7 +190,7 @@ class Recorder:
 
 
 def plate_of(plate: Any, size: Optional[int] = None) -> Plate:
-    """The plate that `record` is to take, of the given number of wells where the caller says so."""
+    """The plate for `record`, with the number of wells that the caller gives, if any."""
     if isinstance(plate, Run):
         plate = plate.plate
     if isinstance(plate, Plate):
@@ -226,7 +229,7 @@ def _shape_of(size: int, what: str) -> Tuple[int, int]:
 
 
 def _wells_to_read(wells: Any, plate: Plate) -> List[int]:
-    """The numbers of the wells that are read, in the order in which they are given."""
+    """The numbers of the wells that are read, in the given order."""
     numbers = [well_number(well, plate.rows, plate.columns) for well in listed(wells, "wells")]
     for index, number in enumerate(numbers):
         if number in numbers[:index]:
@@ -267,43 +270,44 @@ def record(
     resume: bool = True,
     replace: bool = False,
 ) -> Recorder:
-    """Records a run to a document. A frame is on the disk when `Recorder.append` returns, whatever
-    happens to the program, the system or the power afterwards.
+    """Records a run to a document. A frame is on the disk when `Recorder.append` returns. It stays
+    there even if the program or the system crashes or the power fails.
 
-    At the end of the `with` block the run is finished; after an exception it is not, and the same
-    call resumes it: go on with the frame of the index `Recorder.recorded_frames`.
+    At the end of the `with` block the run is finished. After an exception it is not finished, and
+    the same call resumes it: continue with the frame of the index `Recorder.recorded_frames`.
 
     Args:
         path: the document.
         plate: the plate and its wells: a `Plate`, a table with the columns of `Run.wells`, another
             run, or 96 or 384 for an empty plate.
-        wells: the wells that each frame has readings of, by name or number, in the order of the
-            frames that are appended; without them the wells of the plate, or all.
-        detectors: details of detectors; those that wells name are in the document in any case.
-        required_dyes: besides the reporters of the wells' targets.
-        settings: by the names of `vex set --help`.
-        program: the thermal cycling program; without it the document describes the frames.
-        comment: of the run.
-        calibration: of the instrument.
-        assay: a code of four characters; "AbsQ" without it.
-        started: when the run began, as "2026-11-22T08:00:00Z".
-        scale: for frames in real units: a reading less the offset, times the scale, is stored as a
-            whole number from 0 to 65535; 1000, "0.5" or "1000/3". Without it frames are stored
+        wells: the wells that are read in each frame, by name or number, in the order of the
+            readings; without them, the wells of the plate setup, or all wells.
+        detectors: details of detectors; the detectors in the wells are stored even without them.
+        required_dyes: required dyes, in addition to the reporters of the targets.
+        settings: run-wide settings, under the names that `vex set --help` lists.
+        program: the thermal cycling program; without it, the program describes the frames.
+        comment: the comment of the run.
+        calibration: the calibration of the instrument.
+        assay: the assay code of four characters; "AbsQ" by default.
+        started: when the run began, such as "2026-11-22T08:00:00Z".
+        scale: for frames in real units, such as 1000, "0.5" or "1000/3": (reading - offset) * scale
+            is stored as a whole number from 0 to 65535. Without a scale, frames hold stored
             readings.
         offset: see `scale`.
-        channels: names; without them a well has one reading in a frame.
-        frame_count: how many frames the run will have; without it `Recorder.finish` tells.
-        plate_size: 96 or 384, for a table; without it the smaller plate on which the table's wells
-            have their names and, where it has them, their numbers.
-        resume: continue a document that holds the beginning of this run; one that holds something
-            else is refused.
-        replace: overwrite a document that exists, instead.
+        channels: the names of the channels; without them, a well has one reading in a frame.
+        frame_count: the number of frames that the run will have; without it, the number is known
+            when `Recorder.finish` is called.
+        plate_size: 96 or 384, for a table; without it, the smaller plate that has all wells of the
+            table with the same names and, if the table has numbers, the same numbers.
+        resume: continue a document that holds the beginning of this run; a document that holds
+            something else is refused.
+        replace: overwrite an existing document instead of resuming it.
 
     Raises:
         UsageError: the plan cannot be stored.
-        DocumentError: the document that exists is of another run.
-        FileThereError: it exists and is neither to be resumed nor replaced.
-        FileError: it is being recorded or changed, or the system refuses.
+        DocumentError: the existing document holds another run.
+        FileThereError: the document exists, and neither `resume` nor `replace` is set.
+        FileError: the document is being recorded or changed, or a system call failed.
 
     >>> import numpy as np
     >>> plate = vex2.Plate(wells=(vex2.Well(1, sample="water"),))

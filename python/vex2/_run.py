@@ -1,4 +1,4 @@
-"""A plate document that is read."""
+"""Reading a plate document."""
 
 from __future__ import annotations
 
@@ -21,12 +21,13 @@ RAW = "RAWa"
 
 
 class Run(Document):
-    """What a plate document says, and its readings on demand: see `open`.
+    """The content of a plate document, and its readings on demand; see `open`.
 
-    Opening reads all but the frames. Each later access to frames opens the file, reads and closes
-    it, so a recorder may go on; a new run sees the frames that came since. A document that was
-    replaced since refuses to give frames. Runs can be used from several threads, copied, pickled
-    (by path, or with their bytes where they have none) and used after a fork.
+    Opening reads everything except the frames. Each later access to frames opens the file, reads it
+    and closes it, so a recorder can continue. A new `Run` sees the frames that were committed in
+    the meantime. If the document was replaced, frames cannot be read any more. Runs can be used
+    from several threads, copied, used after a fork, and pickled (by path, or with their bytes if
+    they have no path).
 
     >>> run = vex2.open("run.vex")
     >>> run
@@ -40,12 +41,12 @@ class Run(Document):
     # --- Readings ---
 
     def block(self, tag: str) -> Block:
-        """The first data block of this tag: "RAWa", "REPr", "REPn", "REPd" or "REPt".
+        """The first data block with this tag: "RAWa", "REPr", "REPn", "REPd" or "REPt".
 
-        A run without raw readings has an empty block of them.
+        A run without raw readings has an empty block "RAWa".
 
         Raises:
-            NotFoundError: there is no such block.
+            NotFoundError: the block does not exist.
 
         >>> vex2.open("run.vex").block("RAWa")
         <vex2.Block RAWa: 45 frames, 96 wells>
@@ -64,12 +65,12 @@ class Run(Document):
     def readings(self) -> NDArray[np.uint16]:
         """The raw readings as stored: uint16 array (frames, wells, 32), read-only.
 
-        The array is the memory that the file was read into; nothing is copied. It is kept until the
-        run is closed.
+        The array is the memory into which the file was read; nothing is copied. It is kept until
+        the run is closed.
 
         Raises:
             UsageError: the run is closed.
-            DocumentError: the file was replaced, or the readings are cut short.
+            DocumentError: the file was replaced, or the readings are cut off.
             FileError: the file cannot be read.
 
         >>> readings = vex2.open("run.vex").readings
@@ -82,8 +83,8 @@ class Run(Document):
     def fluorescence(self) -> NDArray[np.float64]:
         """The raw readings in real units: float64 array (frames, wells, channels).
 
-        NaN where a reading is missing; no channels where the meaning of the readings is not known,
-        which is so where another program recorded them.
+        A missing reading is NaN. If another program recorded the readings, their meaning is not
+        known, and the array has no channels.
 
         >>> vex2.open("run.vex").fluorescence.shape
         (45, 96, 1)
@@ -92,7 +93,7 @@ class Run(Document):
 
     @property
     def axis(self) -> Axis:
-        """Where each frame stands in the run.
+        """Stage, cycle, time and temperature of each frame.
 
         >>> vex2.open("run.vex").axis.temperature_c[:2].tolist()
         [60.0, 60.0]
@@ -101,7 +102,7 @@ class Run(Document):
 
     @property
     def frames(self) -> Frames:
-        """The frames of the raw readings, each read from the file when it is asked for.
+        """The frames of the raw readings. Each frame is read from the file when it is accessed.
 
         >>> len(vex2.open("run.vex").frames)
         45
@@ -110,7 +111,7 @@ class Run(Document):
 
     @property
     def amplification(self) -> Curves:
-        """The curves of the amplification, by cycle.
+        """The amplification curves, by cycle.
 
         >>> vex2.open("run.vex").amplification
         <vex2.Curves amplification: 40 frames, 96 wells, 1 channels>
@@ -119,7 +120,7 @@ class Run(Document):
 
     @property
     def melting(self) -> Curves:
-        """The curves of the melting, by temperature.
+        """The melting curves, by temperature.
 
         >>> vex2.open("run.vex").melting.temperature_c.tolist()
         [60.0, 65.0, 70.0, 75.0, 80.0]
@@ -130,9 +131,9 @@ class Run(Document):
         """The readings as a long table: a row for each well, frame and channel, wells outermost.
 
         The columns are well, stage ("amplification" or "melt"), cycle, time_s, temperature_c,
-        fluorescence, sample and target; behind the well the frame, from 0, where readings are of
-        another program and their meaning is not known, and the channel where they have names. Of
-        a study the plate stands in front.
+        fluorescence, sample and target. If the meaning of the readings is not known, because
+        another program recorded them, frame (from 0) follows well. If the channels have names,
+        channel follows. For a study, plate is the first column.
 
         >>> table = vex2.open("run.vex").tidy()
         >>> table.columns.tolist()
@@ -156,18 +157,20 @@ class Run(Document):
 
         The columns are well, number, sample, target, task, quantity, cq (NaN where there is none),
         reason (why there is none), note, threshold, baseline_start, baseline_end, amplitude, noise,
-        and the quantity from the standard curve: estimate, estimate_low and estimate_high, the
-        ends of the 95 % confidence interval. Of a study the plate stands in front.
+        and the quantity from the standard curve: estimate, estimate_low and estimate_high, the ends
+        of the 95 % confidence interval. For a study, plate is the first column.
 
         Args:
             method: "threshold", or "sdm" for the maximum of the second derivative.
-            threshold: for all targets, in the unit of the readings; else each target's.
-            baseline: (first, last) cycle, for all wells; else as the document or the curve says.
-            detector: analyse this one alone.
+            threshold: for all targets, in the unit of the readings; without it, the threshold of
+                each target.
+            baseline: (first, last) cycle, for all wells; without it, the baseline in the document
+                or one that is fitted to the curve.
+            detector: analyse only this detector.
 
         Raises:
-            DocumentError: there are no amplification readings whose meaning is known.
-            UsageError: there is no such detector or method, or a number makes no sense.
+            DocumentError: the document has no amplification readings whose meaning is known.
+            UsageError: the detector or method does not exist, or a number is not valid.
 
         >>> table = vex2.open("run.vex").cq()
         >>> table.loc[0, "well"], table.loc[0, "target"], round(float(table.loc[0, "cq"]), 1)
@@ -185,12 +188,12 @@ class Run(Document):
         baseline: Optional[Tuple[float, float]] = None,
         detector: Optional[str] = None,
     ) -> pd.DataFrame:
-        """The standard curve of each target that has enough standards: a row for each.
+        """The standard curves, one row for each target that has enough standards.
 
-        The columns are target, wells (in the line), slope (cycles for ten times the quantity),
-        intercept, efficiency (1 where each cycle doubles), efficiency_low, efficiency_high,
-        r_squared, r_squared_of_means, residual_deviation and limit_of_detection. The arguments and
-        errors are those of `cq`.
+        The columns are target, wells (the number of wells in the line), slope (change in cycles
+        when the quantity is ten times larger), intercept, efficiency (1 if each cycle doubles the
+        quantity), efficiency_low, efficiency_high, r_squared, r_squared_of_means,
+        residual_deviation and limit_of_detection. The arguments and errors are those of `cq`.
 
         >>> vex2.open("run.vex").standard_curves()["wells"].tolist()
         [24]
@@ -200,14 +203,14 @@ class Run(Document):
         return standard_curves_of(self, CqOptions(method, threshold, baseline, detector))
 
     def melting_peaks(self, *, detector: Optional[str] = None) -> pd.DataFrame:
-        """The melting peaks of each well and target, as `vex melt` finds them: a row for each.
+        """The melting peaks as `vex melt` finds them, one row for each peak of a well and target.
 
         The columns are well, number, sample, target, task, quantity, temperature_c, height (the
         fluorescence lost per degree), width (degrees) and prominence.
 
         Raises:
-            DocumentError: there is no melting of at least five temperatures.
-            UsageError: there is no such detector.
+            DocumentError: the document has no melting of at least five temperatures.
+            UsageError: the detector does not exist.
 
         >>> vex2.open("run.vex").melting_peaks().columns.tolist()[-4:]
         ['temperature_c', 'height', 'width', 'prominence']
@@ -220,7 +223,7 @@ class Run(Document):
 
     @property
     def is_study(self) -> bool:
-        """Whether the document holds plates to be compared.
+        """Whether the document is a study, which holds several plates.
 
         >>> vex2.open("run.vex").is_study
         False
@@ -230,7 +233,7 @@ class Run(Document):
 
     @property
     def plates(self) -> Plates:
-        """The plates of a study, by name; none of another document.
+        """The plates of a study, by name; empty for other documents.
 
         >>> len(vex2.open("run.vex").plates)
         0
@@ -276,7 +279,7 @@ def _again(source: Source, plate: Optional[Tuple[int, str]], is_open: bool) -> R
 
 
 class Plates(Mapping[str, Run]):
-    """The plates of a study by name, in its order.
+    """The plates of a study by name, in the order of the study.
 
     >>> list(vex2.open("study.vex").plates)
     ['plate1', 'plate2']
@@ -310,13 +313,13 @@ class Plates(Mapping[str, Run]):
 def open(document: Union[str, os.PathLike[str], bytes, bytearray, memoryview, BinaryIO]) -> Run:
     """Opens a plate document: a path, a file opened with "rb", or the bytes of a document.
 
-    Reads all but the frames, so that it costs the same however long the run was. A damaged document
-    is read as far as possible: ask `Run.is_whole`.
+    Reads everything except the frames, so the time does not depend on the length of the run. A
+    damaged document is read as far as possible: see `Run.is_whole`.
 
     Raises:
         MissingFileError: there is no such file.
         DocumentError: the file is not a plate document.
-        FileError: the file cannot be read, or another program holds it for more than two seconds.
+        FileError: the file cannot be read, or another program locks it for more than two seconds.
 
     >>> with vex2.open("run.vex") as run:
     ...     run.readings.max() > 0
@@ -331,7 +334,7 @@ def read_frame(
     """Reads one frame, from 0, without the others; a negative index counts from the end.
 
     Raises:
-        NotFoundError: there is no such frame (also an IndexError).
+        NotFoundError: the frame does not exist (also an IndexError).
 
     >>> vex2.read_frame("run.vex", 3).cycle
     4

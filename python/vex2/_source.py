@@ -1,4 +1,4 @@
-"""Where a document is read from: a path, an open file, or bytes."""
+"""The source of a document: a path, an open file, or bytes."""
 
 from __future__ import annotations
 
@@ -10,8 +10,8 @@ from ._errors import Error, called, system_errors, usage
 
 
 class Source:
-    """A document to be read. One that has no path of its own is reached through its descriptor,
-    which lives as long as this object."""
+    """A document to be read. If it has no path, it is read through a file descriptor, which stays
+    open as long as this object exists."""
 
     def __init__(self, name: str, path: bytes, descriptor: Optional[int] = None) -> None:
         self.name = name
@@ -28,11 +28,11 @@ class Source:
             return file.read()
 
     def named(self, error: Error) -> Error:
-        """The error under the name that the caller knows."""
+        """Returns the error with the name that the caller gave."""
         return error if self.has_path else error.of_file(os.fsdecode(self.path), self.name)
 
     def call(self, work: Callable[..., Any], *arguments: Any) -> Any:
-        """What `work` returns; its errors name this source."""
+        """Returns the result of `work`. Its errors name this source."""
         try:
             return called(work, *arguments, file=self.name)
         except Error as error:
@@ -57,7 +57,7 @@ def _of_descriptor(name: str, descriptor: int) -> Source:
 
 
 def path_of(path: Any) -> bytes:
-    """A path as the system has it."""
+    """The path in the encoding of the system."""
     given = os.fsencode(path)
     if b"\0" in given:
         raise usage(f"a path cannot hold a zero byte, as {path!r} does")
@@ -95,7 +95,7 @@ def _of_file(file: Any) -> Source:
 
 
 def source_of(given: Any) -> Source:
-    """The source for what `vex2.open` takes."""
+    """The source for the argument of `vex2.open`."""
     if isinstance(given, Source):
         return given
     if isinstance(given, (bytes, bytearray, memoryview)):

@@ -28,8 +28,8 @@ COLUMNS = (
 
 
 def target_of(well: Optional[Well], channel: str) -> Optional[str]:
-    """What a channel of a well measures: the only target, or of several the one whose reporter or
-    detector has the channel's name."""
+    """The target that a channel of a well measures: the only target or, if there are several, the
+    one whose reporter or detector has the name of the channel."""
     targets = well.targets if well is not None else ()
     if len(targets) == 1:
         return targets[0].detector
@@ -40,7 +40,8 @@ def target_of(well: Optional[Well], channel: str) -> Optional[str]:
 
 
 def _cells(run: Run, block: Block) -> Any:
-    """(stages, cycles, times, temperatures), each (frames, wells): wells are read in turn."""
+    """Returns (stages, cycles, times, temperatures), each (frames, wells), because the wells of a
+    frame are read one after the other."""
     log = run._head()[1]
     return run._source.call(_vex2.cells, run._reader, block.info.tag, log)
 

@@ -1,4 +1,5 @@
-"""What a document says, as plain values: named tuples, which compare, copy and pickle."""
+"""The content of a document as plain values: named tuples, which can be compared, copied and
+pickled."""
 
 from __future__ import annotations
 
@@ -11,7 +12,7 @@ if TYPE_CHECKING:
 
 
 class Target(NamedTuple):
-    """What a well holds for one detector.
+    """One detector in a well.
 
     >>> vex2.Target("FAM", "STND", 1000.0)
     Target(detector='FAM', task='STND', quantity=1000.0, reporter='')
@@ -24,7 +25,7 @@ class Target(NamedTuple):
 
 
 class Well(NamedTuple):
-    """A well of the plate setup. `number` counts from 1, by rows of the plate.
+    """A well of the plate setup. `number` counts from 1, row by row.
 
     >>> vex2.open("run.vex").plate["A1"].sample
     'control'
@@ -37,7 +38,7 @@ class Well(NamedTuple):
 
 
 class Plate(NamedTuple):
-    """The plate and what its wells hold; `wells` ascend by number.
+    """The plate and its wells, in ascending order of their numbers.
 
     >>> plate = vex2.open("run.vex").plate
     >>> plate.rows, plate.columns, plate["B2"].number
@@ -50,7 +51,8 @@ class Plate(NamedTuple):
     type: str = ""
 
     def __getitem__(self, key: Any) -> Any:
-        """The well of this name, or of this number from 1; `NotFoundError` without one."""
+        """Returns the well with this name or number (from 1). Raises `NotFoundError` if there is
+        none."""
         from ._wells import well_number
 
         if not isinstance(key, (str, int)):
@@ -64,7 +66,7 @@ class Plate(NamedTuple):
         raise usage(f"the plate setup has no well {key!r}", code="no-such-well")
 
     def to_frame(self) -> pd.DataFrame:
-        """A pandas DataFrame of the wells, a row for each target: see `Run.wells`.
+        """Returns a pandas DataFrame of the wells, with one row for each target; see `Run.wells`.
 
         >>> vex2.open("run.vex").plate.to_frame().shape
         (96, 9)
@@ -80,7 +82,7 @@ class Plate(NamedTuple):
 
 
 class Detector(NamedTuple):
-    """A named pair of dyes, with the settings that an analysis starts from.
+    """A named pair of dyes, with the initial settings of an analysis.
 
     >>> vex2.open("run.vex").detectors[0].reporter_dye
     'FAM'
@@ -105,7 +107,8 @@ class Detector(NamedTuple):
 
 
 class Program(NamedTuple):
-    """The thermal cycling program: bytes of the instrument, and the text where they are one.
+    """The thermal cycling program: the bytes that the instrument defines, and their text if they
+    are a text.
 
     >>> program = vex2.open("run.vex").program
     >>> program.text == program.data.decode("latin-1")
@@ -119,7 +122,8 @@ class Program(NamedTuple):
 class Spectrum(NamedTuple):
     """One spectrum of a calibration. `values` is a float32 array, one number for each filter.
 
-    `bytes` and `params` belong to pure dyes, `limit` to the background; the other part's are 0.
+    Only pure dyes use `bytes` and `params`; only the background uses `limit`. Fields that are not
+    used are 0.
 
     >>> import numpy as np
     >>> vex2.Spectrum("FAM", values=np.ones(12, "float32")).values.shape
@@ -136,7 +140,7 @@ class Spectrum(NamedTuple):
     values: Union[NDArray[np.float32], Tuple[float, ...]] = ()
 
     def __eq__(self, other: object) -> bool:
-        """Whether all fields are equal; the values by their bytes, so that NaN equals itself."""
+        """Whether all fields are equal. Values are compared by their bytes, so NaN equals NaN."""
         if not isinstance(other, Spectrum):
             return NotImplemented
         mine, theirs = (tuple.__getitem__(each, slice(7)) for each in (self, other))
@@ -156,7 +160,7 @@ def _bits(values: Any) -> Any:
 
 
 class CalibrationPart(NamedTuple):
-    """The pure dyes or the background; the numbers of the head are the instrument's.
+    """The pure dyes or the background. The instrument defines the meaning of the other fields.
 
     >>> vex2.CalibrationPart().setting
     10
@@ -172,7 +176,7 @@ class CalibrationPart(NamedTuple):
 
 
 class Calibration(NamedTuple):
-    """A document's calibration; a part that it lacks is None.
+    """The calibration of a document; a missing part is None.
 
     >>> vex2.open("run.vex").calibration.background is None
     True
@@ -183,7 +187,7 @@ class Calibration(NamedTuple):
 
 
 class BlockInfo(NamedTuple):
-    """A data block without its frames. `start` and `end` are ISO 8601, where they are known.
+    """A data block without its frames. `start` and `end` are in ISO 8601 if they are known.
 
     >>> block = vex2.open("run.vex").blocks[0]
     >>> block.tag, block.frame_count, len(block.wells), block.is_recorded
@@ -203,9 +207,10 @@ class BlockInfo(NamedTuple):
 
 
 class Header(NamedTuple):
-    """The document's header, its codes as they are stored, with the blanks behind them.
+    """The header of a document. Codes are as stored, with trailing spaces.
 
-    `usage` has a mask for each row of the plate: bit j is set where column j, from 0, is in use.
+    `usage` has a mask for each row of the plate: bit j is set if the well in column j (from 0) is
+    in use.
 
     >>> vex2.open("run.vex").header.assay_code
     'AbsQ'
@@ -229,10 +234,10 @@ class Header(NamedTuple):
 
 
 class Record(NamedTuple):
-    """A record of the file: a tag, a length and a body, with the records within it.
+    """A record of the file: its tag, length and value, and the records in it.
 
-    `value` is what it holds besides records: a number, a text, bytes, the three bytes of a colour,
-    or None. `fields` are those of a well's record and of a data block.
+    `value` is the content that is not records: a number, a text, bytes, the three bytes of a
+    colour, or None. `fields` holds the fields of a well or of a data block.
 
     >>> tree = vex2.open("run.vex").records()
     >>> tree[0].tag, [record.tag for record in tree[0].children][:2]
@@ -248,7 +253,7 @@ class Record(NamedTuple):
     children: Tuple["Record", ...] = ()
 
     def walk(self) -> Iterator["Record"]:
-        """This record and all records within it, in the order of the file.
+        """Yields this record and all records in it, in the order of the file.
 
         >>> tree = vex2.open("run.vex").records()
         >>> sum(1 for record in tree[0].walk()) > 1
@@ -260,7 +265,7 @@ class Record(NamedTuple):
 
 
 class Fault(NamedTuple):
-    """What is wrong at a place in the file.
+    """A defect at an offset in the file.
 
     >>> vex2.open("run.vex").faults
     ()
@@ -271,7 +276,7 @@ class Fault(NamedTuple):
 
 
 class Finding(NamedTuple):
-    """Something about a document that its owner should know; `severity` is error, warning or note.
+    """A problem or a note about a document; `severity` is error, warning or note.
 
     >>> [finding.severity for finding in vex2.check(b"no document").list]
     ['error']
@@ -286,7 +291,7 @@ class Finding(NamedTuple):
 
 
 class Findings(NamedTuple):
-    """What `check` found: the first 1000 findings, the gravest first, and how many there were.
+    """What `check` found: the first 1000 findings, errors first, and the number of each severity.
 
     >>> findings = vex2.check(b"nothing")
     >>> findings.errors, findings.warnings, findings.notes
@@ -300,7 +305,7 @@ class Findings(NamedTuple):
 
 
 class Patch(NamedTuple):
-    """A 32-bit word that a repair overwrites.
+    """A 32-bit number that a repair overwrites.
 
     >>> vex2.Patch(1028, 70, 72, "length of GLBL").offset
     1028
@@ -313,7 +318,7 @@ class Patch(NamedTuple):
 
 
 class RepairReport(NamedTuple):
-    """What a repair found and did; `backup` is the path of the copy that was made before.
+    """What a repair found and changed; `backup` is the path of the backup that was made before.
 
     >>> vex2.repair("run.vex").is_repaired
     False
@@ -328,7 +333,7 @@ class RepairReport(NamedTuple):
 
 
 class RecoverNote(NamedTuple):
-    """A place in the damaged file: `bytes` are those that were lost there.
+    """A loss or correction at an offset in the damaged file; `bytes` is the number of lost bytes.
 
     >>> vex2.RecoverNote(1024, 8, "the record is cut short").bytes
     8
@@ -340,7 +345,7 @@ class RecoverNote(NamedTuple):
 
 
 class RecoverReport(NamedTuple):
-    """What a recovery found of a damaged file, and what it did not.
+    """What a recovery found in a damaged file, and what was lost.
 
     >>> report = vex2.recover("run.vex", "recovered.vex")
     >>> report.is_whole, report.frames
@@ -362,7 +367,7 @@ class RecoverReport(NamedTuple):
 
     @property
     def is_whole(self) -> bool:
-        """Whether nothing was lost and no head was made anew.
+        """Whether nothing was lost and no head of a record was reconstructed.
 
         >>> vex2.recover("run.vex", "recovered.vex", replace=True).is_whole
         True

@@ -1,4 +1,4 @@
-"""Wells by name and number, and plate setups as tables."""
+"""Converts well names and numbers, and plate setups and tables."""
 
 from __future__ import annotations
 
@@ -25,7 +25,7 @@ def row_name(row: int) -> str:
 
 
 def well_name(number: int, columns: int) -> str:
-    """The name of the well of this number, from 1, counted by rows."""
+    """The name of the well with this number, which counts from 1, row by row."""
     if columns <= 0:
         return str(number)
     row, column = divmod(number - 1, columns)
@@ -36,7 +36,7 @@ _LONGEST_NAME = 16
 
 
 def whole(value: Any, what: str) -> int:
-    """A whole number of any type; also of floating point, as tables with gaps have them."""
+    """A whole number of any type, including floats, because tables with gaps hold floats."""
     if not isinstance(value, (bool, str)):
         try:
             return operator.index(value)
@@ -48,7 +48,7 @@ def whole(value: Any, what: str) -> int:
 
 
 def listed(given: Any, what: str) -> List[Any]:
-    """The items of a list; a text, whose items are its letters, is refused."""
+    """The items of a list. A text is refused, because its items would be its letters."""
     if isinstance(given, (str, bytes)):
         raise invalid(f"{what} is {given!r}, not a list; use [{given!r}]")
     try:
@@ -67,7 +67,7 @@ def names_in(given: Any, what: str) -> List[str]:
 
 
 def well_number(well: Union[str, int], rows: int, columns: int) -> int:
-    """The number, from 1, of a well that is given by its name or number."""
+    """The number, from 1, of a well that is given by name or number."""
     if not isinstance(well, str):
         number = whole(well, "a well number")
         if 1 <= number <= rows * columns:
@@ -121,10 +121,11 @@ def _columns_of(table: Any) -> Dict[str, List[Any]]:
 
 
 def wells_of(table: Any, rows: int, columns: int) -> Tuple[Well, ...]:
-    """Wells from a DataFrame or a mapping with the columns of `Run.wells`, or from `Well`s.
+    """Makes wells from a DataFrame or a mapping with the columns of `Run.wells`, or from a sequence
+    of `Well`.
 
-    Only the column `well` (or `number`) is needed. The rows of a well may follow each other or not;
-    they must name the same sample.
+    Only the column `well` (or `number`) is required. The rows of a well can be in any order, but
+    must name the same sample.
     """
     if isinstance(table, Plate):
         if (table.rows, table.columns) != (rows, columns):
@@ -137,7 +138,7 @@ def wells_of(table: Any, rows: int, columns: int) -> Tuple[Well, ...]:
 
 
 def wells_in(table: Any, rows: int, columns: int) -> Tuple[Well, ...]:
-    """Wells from a DataFrame or a mapping."""
+    """Makes wells from a DataFrame or a mapping."""
     data = _columns_of(table)
     size = len(data.get("well") or data.get("number") or ())
     blank: List[Any] = [None] * size
@@ -163,7 +164,7 @@ def wells_in(table: Any, rows: int, columns: int) -> Tuple[Well, ...]:
 
 def _target(name: Any, task: Any, quantity: Any, reporter: Any) -> Union[Target, None]:
     detector = _text(name)
-    # A document can have a target without a name; its task tells it from an empty cell.
+    # A document can have a target without a name. Its task distinguishes it from an empty cell.
     if not detector and (name is None or name != name or not _text(task)):
         return None
     known = quantity is not None and quantity == quantity and quantity != ""
@@ -190,8 +191,9 @@ def _checked(wells: Iterable[Any], rows: int, columns: int) -> Tuple[Well, ...]:
 
 
 def changed_wells(table: Any, before: Plate) -> Tuple[Well, ...]:
-    """Wells from what `wells_of` takes. A table cannot say all that a document can, such as an
-    empty task, so what is in it as the table of `before` has it stays as it is."""
+    """Makes wells from an argument of `wells_of`. A table cannot express everything that a document
+    can hold, such as an empty task. Therefore wells whose rows are the same as in the table of
+    `before` are taken from `before`."""
     after = wells_of(table, before.rows, before.columns)
     if isinstance(table, Plate) or not hasattr(table, "keys"):
         return after
@@ -201,7 +203,8 @@ def changed_wells(table: Any, before: Plate) -> Tuple[Well, ...]:
 
 
 def _kept(well: Well, shown: Well, before: Well) -> Well:
-    """The well, with what is the same in it as in `shown`, the table's way to say `before`."""
+    """Returns the well, in which values that are equal to those of `shown`, the table form of
+    `before`, are taken from `before`."""
     if well == shown:
         return before
     same = dict(zip(shown.targets, before.targets))

@@ -1,17 +1,19 @@
-"""The raw interface: `Vex2FileManager` with the operations of the C++ class, under their own names.
+"""The raw interface: `Vex2FileManager` with the operations of the C++ class, under their C++ names.
 
-It is for those who port host code, and for tests against it; `vex2.open`, `vex2.record` and
-`vex2.edit` are easier and safer. An operation does what the C++ reference says. In Python:
+It is for code that is ported from a host, and for tests of such code. `vex2.open`, `vex2.record`
+and `vex2.edit` are easier and safer. The operations do what the C++ reference describes, with these
+differences:
 
-- Statuses are returned as they are: 0, or below 0. `require` makes an exception of one.
-- What C++ sets through a parameter is returned behind the status: `GetCalibrator()` is
-  `(status, name)`, `GetUsageArray()` is `(done, usage)`.
-- Values go in and out as copies: the classes of this module, bytes for a program and for times, and
-  uint16 arrays for records (44,) and frames (wells, 44). Components and plates of a study are
-  copies as well, so that nothing ends with the document's next change.
-- Texts are str, each character one byte. None is C++'s null pointer.
-- Where C++ has an operation both for a `CString` and for a `const char*` plate name, a str chooses
-  the first, bytes the second.
+- Statuses are returned unchanged: 0 or a negative number. `require` raises an exception for a
+  negative status.
+- Values that C++ returns through a parameter follow the status in a tuple: `GetCalibrator()`
+  returns `(status, name)`, `GetUsageArray()` returns `(done, usage)`.
+- Arguments and results are copies: the classes of this module, bytes for a program and for times,
+  and uint16 arrays for well records (44,) and frames (wells, 44). Components and plates of a study
+  are copies as well, so they stay valid when the document changes.
+- Texts are str, in which each character is one byte. None means a null pointer.
+- If C++ has two overloads, for a plate name of type `CString` and of type `const char*`, a str
+  calls the first and bytes the second.
 - `ReadHeaderData(header, file)` is `ReadHeaderDataInto(file)`, and the static `SetUsageArray`
   is `SetUsageArrayIn`.
 
@@ -31,7 +33,7 @@ from typing import Dict, List, Optional, Tuple
 from ._errors import DocumentError, Error, FileError
 from ._vex2 import Vex2FileManager, raw_numbers
 
-# The numbers of the enumerations are those of C++.
+# The enumerations have the same numbers as in C++.
 _TYPES, _OPERATIONS, _REASONS = raw_numbers()
 
 
@@ -82,7 +84,8 @@ class FileErrorReason(IntEnum):
 
 @dataclass
 class ReadFault:
-    """The first thing that kept a document from being read whole; the reason "" is none."""
+    """The first fault that prevented a document from being read completely; an empty reason means
+    no fault."""
 
     offset: int
     reason: str
@@ -105,7 +108,7 @@ class FileErrorRecord:
 
 @dataclass
 class Vex2HeaderData:
-    """The record at the start of every document. Texts are padded with blanks when stored."""
+    """The header of a document. Texts are padded with spaces when they are stored."""
 
     magic: str = "Vex2"
     formatA: int = 2
@@ -152,7 +155,7 @@ class Vex2WellDetector:
 
 @dataclass
 class Vex2WellSetup:
-    """The setup of one well. A document gives no description back."""
+    """The setup of one well. The description is stored, but not returned."""
 
     coord1: int = 0
     coord2: int = 0
@@ -195,7 +198,7 @@ class _Spectrum:
 
 @dataclass
 class Vex2DyeSpectrum(_Spectrum):
-    """The spectrum of one pure dye; values are numbers of 32 bits, stored unchanged."""
+    """The spectrum of one pure dye. The values are 32-bit numbers, which are stored unchanged."""
 
     byte1: int = 0
     byte2: int = 0
@@ -206,7 +209,7 @@ class Vex2DyeSpectrum(_Spectrum):
 
 @dataclass
 class Vex2BackgroundSpectrum(_Spectrum):
-    """One spectrum of the background; values are numbers of 32 bits, stored unchanged."""
+    """One spectrum of the background. The values are 32-bit numbers, which are stored unchanged."""
 
     limit: int = 189
 
@@ -223,7 +226,7 @@ class _CalibrationHead:
 
 @dataclass
 class Vex2PureDye(_CalibrationHead):
-    """The spectra of the pure dyes that an instrument was calibrated with."""
+    """The spectra of the pure dyes with which an instrument was calibrated."""
 
     entries: List[Vex2DyeSpectrum] = field(default_factory=list)
 
@@ -246,7 +249,7 @@ class Vex2DyeInfo:
 
 @dataclass
 class KestorSpectrum:
-    """The readings of one well in one frame; `LoadSpectrum` fills as many values as there are."""
+    """The readings of one well in one frame. `LoadSpectrum` fills all values that exist."""
 
     values: List[int] = field(default_factory=lambda: [0] * 32)
     frameIndex: int = 0
@@ -296,7 +299,7 @@ class TAGPROBE:
 
 @dataclass
 class Component:
-    """A component as it was when it was asked for; `size` is its length and 8."""
+    """A copy of a component, made when it was requested. `size` is its length plus 8."""
 
     tag: str
     length: int
@@ -324,8 +327,8 @@ _WHY = {
 
 
 def require(manager: Vex2FileManager, status: int) -> None:
-    """Nothing for a status from 0; else an exception with the status, and with file, offset and
-    system error where the manager knows them.
+    """Does nothing if the status is not negative. Otherwise raises an exception with the status
+    and, if the manager knows them, the file, the offset and the system error.
 
     >>> manager = vex2.raw.Vex2FileManager()
     >>> try:

@@ -1,4 +1,4 @@
-// Results and settings of analyses, which exist only in memory.
+// Binds results and settings of analyses, which exist only in memory.
 #include "python/src/raw/RawManager.h"
 #include "vex2/study/CNamedObject.h"
 
@@ -6,7 +6,7 @@ namespace vex2::python {
 
 namespace {
 
-/// A result of an analysis: any Python object, which the document keeps and gives back.
+/// A result of an analysis: any Python object, which the document stores and returns.
 template <typename Result>
 class Held final : public Result {
  public:
@@ -32,19 +32,20 @@ Result* heldOf(const py::object& content) {
   return content.is_none() ? nullptr : new Held<Result>(content);
 }
 
-// Where C++ has an operation for a CString and for a pointer, a str chooses the first, bytes and
-// None the second, which answers false whatever it does.
+// If C++ has an overload for a CString and one for a pointer, a str calls the first, and bytes and
+// None call the second, which always returns false.
 template <typename ForText, typename ForPointer>
 auto byName(const TextArgument& plate, const ForText& forText, const ForPointer& forPointer) {
   if (plate.text && !plate.isBytes) return forText(CString(*plate.text));
   return forPointer(plate.Get());
 }
 
-/// A kind of results: how they are asked for and stored, for a name and for the document itself.
+/// The operations that get and set one kind of results, with a plate name or for the document
+/// itself.
 template <typename Result, typename Get, typename Set>
 struct Results {
-  Get get;  ///< (Result*&, name or nothing): whether there is one
-  Set set;  ///< (Result*, name or nothing): whether it is stored
+  Get get;  ///< (Result*&, optional name): returns whether there is a result
+  Set set;  ///< (Result*, optional name): returns whether the result was stored
 
   template <typename... Name>
   py::tuple Ask(const Name&... name) const {
@@ -53,7 +54,7 @@ struct Results {
     return py::make_tuple(done, contentOf(result));
   }
 
-  // The result stored before is the caller's again, and nobody else's.
+  // The document no longer owns the result that was stored before, so it is released here.
   template <typename... Name>
   bool Store(const py::object& content, const Name&... name) const {
     Result* before = nullptr;
@@ -192,7 +193,7 @@ void bindStorage(ManagerClass& manager) {
       .def("RemoveMeltingDataAt", &Manager::RemoveMeltingDataAt, py::arg("well"));
 }
 
-// Copies, by the names of their detectors; None without a map.
+// Copies of the settings, by the names of their detectors; None if there is no map.
 py::object fromMap(const CAnalysisSettingsMap* map) {
   if (map == nullptr) return py::none();
   py::dict copies;
@@ -212,7 +213,7 @@ void destroySettings(CAnalysisSettingsMap& map) {
 
 std::unique_ptr<CAnalysisSettingsMap> toMap(const py::object& given) {
   if (given.is_none()) return nullptr;
-  // First all of them: what is refused must leave nothing behind.
+  // Convert all settings first, so that a value that is refused changes nothing.
   std::vector<std::pair<CString, std::unique_ptr<CAnalysisSettings>>> settings;
   for (const auto& [name, value] : py::dict(given)) {
     settings.emplace_back(ToText(name), ToSettings(value));
@@ -302,7 +303,7 @@ HostMap::~HostMap() {
 void Manager::AddSettings(const char* plate, std::unique_ptr<CAnalysisSettingsMap> added) {
   const CAnalysisSettingsDetectorMap* holder = GetAnalysisSettingsDetectorMap(plate);
   const bool isHosts = holder != nullptr && !holder->OwnsMap();
-  // A map that a host added before is the host's again, with its settings.
+  // The document does not destroy a map that a host added before, so it is destroyed here.
   CAnalysisSettingsMap* const replaced = isHosts ? holder->GetAnalysisSettingsMap() : nullptr;
   AddAnalysisSettingsMap(plate, added.get());
   if (replaced != nullptr) destroySettings(*replaced);

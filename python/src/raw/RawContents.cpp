@@ -1,4 +1,5 @@
-// What a document holds besides readings: settings, program, plate, detectors, calibration, dyes.
+// Binds the content of a document except readings: settings, program, plate, detectors,
+// calibration, dyes.
 #include <span>
 
 #include "python/src/raw/RawManager.h"
@@ -281,7 +282,7 @@ void bindCalibration(ManagerClass& manager) {
           py::arg("path"));
 }
 
-// The elements of a list of dyes are the caller's.
+// The caller owns the elements of a list of dyes.
 py::tuple dyesOf(bool done, const CObList& list) {
   py::list dyes;
   for (POSITION at = list.GetHeadPosition(); at != nullptr;) {

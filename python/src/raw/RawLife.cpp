@@ -1,4 +1,4 @@
-// The life of a document: reading, saving, what it is made of, and its header.
+// Binds reading and saving a document, its components and its header.
 #include "python/src/Bindings.h"
 #include "python/src/raw/RawManager.h"
 #include "vex2/framework/CFileException.h"
@@ -11,7 +11,7 @@ py::arg_v noneBy(const char* name) {
   return py::arg(name) = py::none();
 }
 
-// A manager's own file for None.
+// None means the manager's own file, which is null in C++.
 CFile* fileOf(Manager* manager) {
   return manager;
 }
@@ -43,7 +43,7 @@ py::tuple readHeaderInto(Manager& manager, Manager* file) {
   return py::make_tuple(status, status == 0 ? FromHeader(header) : py::object(py::none()));
 }
 
-// What a refused operation on the open file throws in C++ is an OSError.
+// An operation on the open file throws CFileException in C++, which becomes an OSError.
 template <typename Work>
 auto orSystemError(const Work& work) {
   try {

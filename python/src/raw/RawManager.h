@@ -7,24 +7,25 @@
 
 namespace vex2::python {
 
-/// The map of analysis settings that a host added for the document itself, which stays the host's.
+/// The map of analysis settings that a host added for the document itself. The host owns it.
 struct HostMap {
   HostMap() = default;
   HostMap(const HostMap& /*other*/) {}
   HostMap& operator=(const HostMap& /*other*/) { return *this; }
-  /// Destroys the settings that the document left in the map.
+  /// Destroys the settings that are still in the map.
   ~HostMap();
 
   std::unique_ptr<CAnalysisSettingsMap> map;
 };
 
-/// The document of the raw interface as Python holds it. Its map of settings outlives it.
+/// The document of the raw interface, as Python holds it. Its map of settings exists longer than
+/// the document.
 class Manager final : private HostMap, public Vex2FileManager {
  public:
   Manager() = default;
   explicit Manager(const Vex2FileManager& other) : Vex2FileManager(other) {}
 
-  /// Uses copies of the settings as those of a plate; destroys what this replaces.
+  /// Sets the settings of a plate to `added`, and destroys the settings that this replaces.
   void AddSettings(const char* plate, std::unique_ptr<CAnalysisSettingsMap> added);
 };
 
@@ -32,7 +33,7 @@ using ManagerClass = py::class_<Manager>;
 
 void BindNumbers(py::module_& module);
 
-// The parts of the class, each in a source of its own.
+// The parts of the class, each bound in a separate source.
 void BindLife(ManagerClass& manager);
 void BindHeader(ManagerClass& manager);
 void BindContents(ManagerClass& manager);

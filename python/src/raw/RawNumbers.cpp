@@ -16,7 +16,7 @@ py::dict numbersOf(std::initializer_list<std::pair<const char*, Enumeration>> na
   return numbers;
 }
 
-// Of the data types, the operations and the reasons, by name.
+// The numbers of the data types, the operations and the reasons, by name.
 py::tuple rawNumbers() {
   return py::make_tuple(
       numbersOf<Vex2DataType>({{"DataRAWa", DataRAWa},

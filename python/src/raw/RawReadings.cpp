@@ -1,11 +1,11 @@
-// Data blocks and their frames.
+// Binds data blocks and their frames.
 #include "python/src/raw/RawManager.h"
 
 namespace vex2::python {
 
 namespace {
 
-// A type is any number in the interface; unknown ones are answered by statuses.
+// The interface accepts any number as a type; for unknown types the operations return a status.
 Vex2DataType typeOf(int type) {
   return static_cast<Vex2DataType>(type);
 }

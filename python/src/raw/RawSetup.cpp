@@ -2,7 +2,7 @@
 
 #include "python/src/raw/RawValues.h"
 
-// The values of plate setups, detectors and calibrations.
+// Converts the values of plate setups, detectors and calibrations.
 namespace vex2::python {
 
 namespace {

@@ -1,11 +1,11 @@
-// Plates of a study.
+// Binds the plates of a study.
 #include "python/src/raw/RawManager.h"
 
 namespace vex2::python {
 
 namespace {
 
-// A copy: what a study owns ends with the study's next change.
+// Returns a copy, because the plate that the study owns is destroyed when the study changes.
 py::object plateOf(const Manager& manager, const CString& name) {
   const Vex2FileManagerComponent* plate = manager.GetSinglePlatePtrByName(name);
   if (plate == nullptr) return py::none();

@@ -47,7 +47,7 @@ void toNumber(const py::handle& owner, const char* name, Number& number) {
   number = py::cast<Number>(owner.attr(name));
 }
 
-// Whole numbers of 16 bits alone; NumPy would cut others off.
+// Accepts only 16-bit whole numbers, because NumPy would cut off larger ones without an error.
 Words wordsOf(const py::handle& array) {
   const py::module_ numpy = py::module_::import("numpy");
   const py::object given = numpy.attr("asarray")(array);

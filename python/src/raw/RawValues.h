@@ -11,25 +11,25 @@
 
 #include "vex2/manager/Vex2FileManager.h"
 
-/// The values of the raw interface as Python knows them: the classes of vex2/raw.py, bytes, and
-/// arrays. Texts are str, each character one byte.
+/// Converts between the values of the raw interface and the classes of vex2/raw.py, bytes and
+/// arrays. Texts are str, in which each character is one byte.
 namespace vex2::python {
 
 namespace py = pybind11;
 
-/// A path, or none: a null pointer in C++.
+/// A path, or None for a null pointer in C++.
 struct PathArgument {
   std::optional<std::string> text;
   const char* Get() const { return text ? text->c_str() : nullptr; }
 };
-/// A text, or none: a null pointer in C++.
+/// A text, or None for a null pointer in C++.
 struct TextArgument {
   std::optional<std::string> text;
   bool isBytes = false;  ///< given as bytes
   const char* Get() const { return text ? text->c_str() : nullptr; }
 };
 
-/// A call of the class `name` in vex2/raw.py.
+/// Calls the class `name` in vex2/raw.py.
 template <typename... Arguments>
 py::object MakeRaw(const char* name, Arguments&&... arguments) {
   return py::module_::import("vex2.raw").attr(name)(std::forward<Arguments>(arguments)...);
@@ -43,9 +43,9 @@ py::object FromHeader(const Vex2HeaderData& header);
 void ToHeader(const py::handle& from, Vex2HeaderData& header);
 
 TimeStamp ToTime(const py::bytes& bytes);
-/// (wells, 44) uint16.
+/// Returns a uint16 array (wells, 44).
 py::array_t<std::uint16_t> FromFrame(const Vex2FrameData& frame);
-/// From (wells, up to 44) whole numbers of 16 bits.
+/// Converts an array (wells, up to 44) of 16-bit whole numbers.
 Vex2FrameData ToFrame(const py::handle& array);
 py::array_t<std::uint16_t> FromRecord(const Vex2WellRecord& record);
 Vex2WellRecord ToRecord(const py::handle& array);
@@ -59,7 +59,7 @@ py::object FromDetector(const Vex2Detector& detector);
 Vex2Detector ToRawDetector(const py::handle& detector);
 py::object FromPureDye(const Vex2PureDye& dye);
 py::object FromBackground(const Vex2BGC& background);
-/// Null for None.
+/// Returns null for None.
 std::unique_ptr<Vex2PureDye> ToPureDye(const py::handle& record);
 std::unique_ptr<Vex2BGC> ToBackground(const py::handle& record);
 
@@ -67,7 +67,7 @@ py::object FromSettings(const CAnalysisSettings& settings);
 std::unique_ptr<CAnalysisSettings> ToSettings(const py::handle& settings);
 TAGPROBE ToProbe(const py::handle& probe);
 
-/// What a component is; None for null. A copy, which outlives the document.
+/// Returns a copy of the component, which stays valid without the document; None for null.
 py::object FromComponent(CComponent* component);
 py::list FromTexts(const CStringList& list);
 
