@@ -6,8 +6,8 @@
 namespace vex2::tool {
 
 void AnalysisOptions::AddTo(Options& options) {
-  options.Add("--detector", detector, "This detector alone; all if none").Show("NAME");
-  options.Add("--plate", plate, "Of a study: this plate alone; all if none").Show("NAME");
+  options.Add("--detector", detector, "Analyse only this detector; all by default").Show("NAME");
+  options.Add("--plate", plate, "Only this plate of a study; all by default").Show("NAME");
   options.Add("--format", format, "table (the default), csv or json")
       .AllowOnly({"table", "csv", "json"})
       .Show("NAME");

@@ -38,7 +38,7 @@ class CalibrationCommand final : public Command {
         options.Add("--export", target_, "Write a table; '-' or 'csv' to print it")
             .Show("OUT.csv")
             .Exclude(json);
-    options.Add("--import", source_, "Replace the parts that are in the table")
+    options.Add("--import", source_, "Replace the spectra that are in the table")
         .Show("FILE.csv")
         .Exclude(json)
         .Exclude(target);
@@ -47,7 +47,8 @@ class CalibrationCommand final : public Command {
     options.AddFlag("--force", force_, "Overwrite OUT.csv if it exists");
     plate_.AddTo(options);
     changing_.AddOptions(options);
-    options.PutFirst("A part that is replaced keeps its head, which the table does not contain.");
+    options.PutFirst(
+        "--import keeps the fields before the spectra, which the table does not contain.");
   }
 
   ExitCode Run() override {

@@ -16,14 +16,14 @@ namespace {
 
 constexpr const char* kMeaning =
     "Severities:\n"
-    "  error    content is not read, or the next write would do harm\n"
-    "  warning  unusual, but all of the content is read\n"
-    "  note     as expected, and good to know; never changes the exit code\n\n"
-    "  Errors are printed first, then warnings, then notes, each in the order of the\n"
-    "  file. JSON has the same order.\n\n"
+    "  error    some content is not read, or the next write would do damage\n"
+    "  warning  unusual, but all content is read\n"
+    "  note     correct, but worth knowing; never changes the exit code\n\n"
+    "  Errors are printed first, then warnings, then notes, each in the order of\n"
+    "  their offsets. JSON has the same order.\n\n"
     "  The exit code is 1 if there are errors, with --strict also if there are\n"
-    "  warnings, and 0 otherwise. 'vex repair' corrects in place what is safe;\n"
-    "  'vex recover' saves what is whole as a new document.";
+    "  warnings, and 0 otherwise. 'vex repair' corrects in place what is safe to\n"
+    "  change; 'vex recover' writes the undamaged content to a new document.";
 
 class CheckCommand final : public Command {
  public:

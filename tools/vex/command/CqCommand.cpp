@@ -31,8 +31,9 @@ class CqCommand final : public Command {
     options.Add("--method", method_, "threshold (the default) or sdm, second derivative")
         .AllowOnly({"threshold", "sdm"})
         .Show("NAME");
-    options.Add("--threshold", options_.threshold, "For all detectors, as the readings");
-    options.Add("--baseline", baseline_, "For all curves, the cycles from A to B").Show("A-B");
+    options.Add("--threshold", options_.threshold,
+                "For all detectors, in the unit of the readings");
+    options.Add("--baseline", baseline_, "Baseline of all curves: cycles A to B").Show("A-B");
     shared_.AddTo(options);
   }
 

@@ -28,14 +28,14 @@ void tellUnused(const std::string& file, const std::vector<std::string>& columns
 }  // namespace
 
 void CsvInput::AddOptions(Options& options) {
-  options.Add("--columns", names_, "Names of columns in the file, as well=Pos,task=Type")
+  options.Add("--columns", names_, "Names of columns in the file: well=Pos,task=Type")
       .Show(kColumnsShown);
   options.Add("--encoding", encoding_, "Encoding of CSV without byte order mark; default UTF-8")
       .Show("NAME");
-  options.Add("--delimiter", delimiter_, "Field delimiter in CSV; else that of the first row")
+  options.Add("--delimiter", delimiter_, "Delimiter in CSV; default: that of the first row")
       .AllowOnly({"comma", "semicolon", "tab"})
       .Show("comma|semicolon|tab");
-  options.Add("--decimal", decimal_, "Decimal mark in CSV; else found from the numbers")
+  options.Add("--decimal", decimal_, "Decimal mark in CSV; default: found from the numbers")
       .AllowOnly({"point", "comma"})
       .Show("point|comma");
 }

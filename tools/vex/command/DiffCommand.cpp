@@ -27,8 +27,8 @@ class DiffCommand final : public Command {
         .AllowRange(0.0, 1e12);
     options.AddFlag("--setup", setup_, "Only settings, program, wells, detectors, calibration");
     options.AddFlag("--readings", readings_, "Only the readings");
-    options.AddFlag("--records", records_, "Only records of other kinds, and unknown bytes");
-    options.AddFlag("--json", json_, "For programs: all differences as an object");
+    options.AddFlag("--records", records_, "Only other records, and unknown bytes");
+    options.AddFlag("--json", json_, "Print JSON: all differences as one object");
     options.PutLast(kMeaning);
   }
 

@@ -25,7 +25,7 @@ class DyesCommand final : public ListingCommand {
  protected:
   void addChanges(Options& options) override {
     options.Add("--add", added_, "Add a dye at the end").Show("NAME...").TakeSeveral();
-    options.Add("--remove", removed_, "Remove a dye; upper and lower case differ")
+    options.Add("--remove", removed_, "Remove a dye; the name is case-sensitive")
         .Show("NAME...")
         .TakeSeveral();
   }

@@ -23,15 +23,15 @@ namespace {
 
 constexpr const char* kMeaning =
     "Formats:\n"
-    "  csv   a row for each well and frame, with --wide a row for each frame\n"
+    "  csv   a row for each well and frame; with --wide a row for each frame\n"
     "  json  all values of the document as one object\n"
-    "  ndjson  the same with a line for each frame\n"
-    "  rdes  a table of one plate: a row for each well and target; a melting goes to\n"
-    "        OUT-melt.tsv beside OUT.tsv\n"
+    "  ndjson  all values of the document, with a line for each frame\n"
+    "  rdes  a table of one plate: a row for each well and target; the melting is\n"
+    "        written to a second file, OUT-melt.tsv\n"
     "  rdml  RDML 1.3: samples, targets, program and readings, for other programs;\n"
-    "        the document is in the file, too, so that 'vex import' gives back its\n"
-    "        bytes\n\n"
-    "  What the format cannot hold is listed on standard error, and counted.";
+    "        the file also contains the document, so that 'vex import' can restore\n"
+    "        its bytes\n\n"
+    "  Values that the format cannot hold are counted and listed on standard error.";
 
 class ExportCommand final : public Command {
  public:
@@ -49,13 +49,13 @@ class ExportCommand final : public Command {
     AddBlockOption(options, block_);
     plate_.AddTo(options);
     const Option raw =
-        options.AddFlag("--raw", raw_, "csv: the values as they are stored, whoever wrote them");
+        options.AddFlag("--raw", raw_, "csv: the stored values, whichever program wrote them");
     options.AddFlag("--wide", isWide_, "csv: a column for each well").Exclude(raw);
     options.Add("--cq", cq_, "rdml, rdes: find Cq by threshold or sdm, and write it")
         .AllowOnly({"threshold", "sdm"})
         .Show("METHOD");
     options.AddFlag("--no-embed", hasNoDocument_, "rdml: leave the document out of the file");
-    options.Add("--stage", stage_, "rdes: amplification or melt; both with -o if none")
+    options.Add("--stage", stage_, "rdes: amplification or melt; default with -o: both")
         .AllowOnly({"amplification", "melt"})
         .Show("STAGE");
     options.Add("-o,--output", target_, "File to write; standard output by default").Show("OUT");

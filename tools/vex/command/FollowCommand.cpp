@@ -29,19 +29,19 @@ class FollowCommand final : public Command {
   void AddOptions(Options& options) override {
     options.Add("FILE", file_, "The document; it need not exist yet").Require().Show("");
     const Option ndjson =
-        options.AddFlag("--ndjson", ndjson_, "For programs: an object a line for each frame");
+        options.AddFlag("--ndjson", ndjson_, "Print JSON: one object per frame, one per line");
     Option from = options.Add("--from", first_, "Begin with this frame; the default is 0");
     from.Show("N").AllowRange(0U, std::numeric_limits<std::uint32_t>::max());
-    options.Add("--serve", port_, "Show the report page, live, at a free port if none")
+    options.Add("--serve", port_, "Show the report page live; default: a free port")
         .Show("[PORT]")
         .MayBeAlone()
         .Exclude(ndjson)
         .Exclude(from);
     options.PutLast(
         "Prints each committed frame once, in order, and ends when the run is complete.\n"
-        "It only reads: the recorder never waits for it. A run that is interrupted and\n"
-        "resumed is followed on. With --serve any browser on this machine, and no other,\n"
-        "shows the run at the address that is printed, until Ctrl-C.");
+        "The command only reads, and the recorder never waits for it. If the run is\n"
+        "interrupted and resumed, the command continues. With --serve, browsers on this\n"
+        "machine can open the printed address to see the run, until Ctrl-C.");
   }
 
   ExitCode Run() override {

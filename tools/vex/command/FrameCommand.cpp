@@ -19,11 +19,11 @@ namespace vex2::tool {
 namespace {
 
 constexpr const char* kMeaning =
-    "The columns:\n"
+    "Columns:\n"
     "  A frame that vex recorded has the columns of 'vex export'. Any other frame\n"
-    "  has its stored values: set (not 0 if the well was read), l1 to l3, first (the\n"
-    "  first reading), l5 to l7, and the data values d0, d1 and so on up to the last\n"
-    "  that is not 0.";
+    "  is printed with its stored values: set (not 0 if the well was read), l1 to l3,\n"
+    "  first (the first reading), l5 to l7, and the data values d0, d1 and so on, up\n"
+    "  to the last value that is not 0.";
 
 class FrameCommand final : public Command {
  public:

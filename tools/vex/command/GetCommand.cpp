@@ -29,9 +29,10 @@ constexpr const char* kMeaning =
     "                    detectors[MYC].threshold, plates[liver].status\n"
     "  tree[TAG]         a record that 'vex tree --json' shows:\n"
     "                    tree[GLBL].children[SVOL].value\n\n"
-    "  Capitals, '-' and '_' make no difference: settings.sample_volume. A value\n"
-    "  that contains others is printed as JSON, and one that is not set as an empty\n"
-    "  line. If there is no value at a path, the error lists the paths that exist.";
+    "  Upper and lower case, '-' and '_' make no difference: settings.sample_volume.\n"
+    "  A value that contains other values is printed as JSON. A value that is not set\n"
+    "  is printed as an empty line. If a path does not exist, the error lists the\n"
+    "  paths that exist.";
 
 class GetCommand final : public Command {
  public:
@@ -42,7 +43,7 @@ class GetCommand final : public Command {
 
   void AddOptions(Options& options) override {
     options.Add("FILE", file_, "The document").Require().Show("");
-    options.Add("PATH", path_, "The value's path").Require().Show("");
+    options.Add("PATH", path_, "The path of the value").Require().Show("");
     plate_.AddTo(options);
     options.AddFlag("--json", json_, "Print JSON");
     options.PutLast(kMeaning);

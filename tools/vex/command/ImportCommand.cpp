@@ -21,11 +21,12 @@ namespace {
 constexpr const char* kMeaning =
     "What it does:\n"
     "  A file with several runs becomes OUT-1.vex, OUT-2.vex and so on, or with\n"
-    "  --study one study. An RDML file that 'vex export' made gives back the very\n"
-    "  document.\n\n"
-    "  What the documents do not hold as the file does is listed on standard error\n"
-    "  and counted. Readings are stored in 16 bits, with the scale that loses least.\n\n"
-    "  A reading without a temperature or a time has 0 in its place.";
+    "  --study one study. From an RDML file of 'vex export', the original document is\n"
+    "  restored.\n\n"
+    "  Values that the documents cannot hold unchanged are counted and listed on\n"
+    "  standard error. Readings are stored in 16 bits, with the scale that loses\n"
+    "  least.\n\n"
+    "  If a reading has no temperature or no time, 0 is stored.";
 
 // A temporary folder for a document that is then copied to standard output.
 class PassingFolder {
@@ -61,14 +62,14 @@ class ImportCommand final : public Command {
     options.Add("-o,--output", target_, "The document to write; - is standard output")
         .Require()
         .Show("OUT");
-    options.Add("--from", format_, "rdml, rdes, json or csv; as the file tells if none")
+    options.Add("--from", format_, "rdml, rdes, json or csv; default: from the content")
         .AllowOnly({"rdml", "rdes", "json", "csv"})
         .Show("FORMAT");
     options.AddFlag("--study", import_.study, "Make one study of all runs");
-    options.AddFlag("--separate", import_.separate, "Keep runs apart that are parts of one plate");
-    const Option embedded = options.AddFlag("--embedded", isEmbedded_,
-                                            "Take the document in an RDML file, changed or not");
-    options.AddFlag("--no-embedded", isNotEmbedded_, "Read the RDML, not the document in the file")
+    options.AddFlag("--separate", import_.separate, "Do not join runs that are parts of one plate");
+    const Option embedded =
+        options.AddFlag("--embedded", isEmbedded_, "Use the document in the RDML file in any case");
+    options.AddFlag("--no-embedded", isNotEmbedded_, "Ignore the document in the RDML file")
         .Exclude(embedded);
     losses_.AddOptions(options);
     options.AddFlag("--force", import_.replace, "Overwrite OUT if it exists");

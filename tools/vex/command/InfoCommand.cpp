@@ -25,7 +25,7 @@ class InfoCommand final : public Command {
     files_.AddTo(options);
     plate_.AddTo(options);
     const Option screens =
-        options.AddFlag("--long", screens_, "Show a full screen for each of several documents");
+        options.AddFlag("--long", screens_, "Show a full screen for each document");
     options.AddFlag("--json", json_, "Print JSON: one object per document, one per line")
         .Exclude(screens);
   }

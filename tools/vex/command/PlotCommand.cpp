@@ -58,12 +58,13 @@ class PlotCommand final : public Command {
     options.Add("--kind", kind_, "What to draw; amplification by default")
         .AllowOnly(wordsOf(kinds()))
         .Show("KIND");
-    options.Add("--wells", plot_.wells, "Only these wells, as A1:C6,D4").Show("WELLS");
+    options.Add("--wells", plot_.wells, "Only these wells, such as A1:C6,D4").Show("WELLS");
     options.AddFlag("--log", plot_.isLog, "A logarithmic axis of readings");
-    options.Add("--colour-by,--color-by", colour_, "What colours mean; detector by default")
+    options.Add("--colour-by,--color-by", colour_, "What the colours show; detector by default")
         .AllowOnly(wordsOf(colourings()))
         .Show("WHAT");
-    options.Add("-o,--output", target_, "A .svg, .png or .pdf; the terminal if none").Show("OUT");
+    options.Add("-o,--output", target_, "A .svg, .png or .pdf file; default: the terminal")
+        .Show("OUT");
     options.AddFlag("--force", force_, "Overwrite OUT if it exists");
   }
 

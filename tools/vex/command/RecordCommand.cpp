@@ -56,13 +56,12 @@ class RecordCommand final : public RecordingCommand {
     options.Add("--wells", files_.wells, "well,sample,target,task,quantity,reporter; - is stdin")
         .Show("FILE.csv")
         .Require();
-    options.Add("--scale", scale_, "Factor for readings, such as 1000 or 2/3; else chosen")
-        .Show("N");
+    options.Add("--scale", scale_, "Factor for readings: 1000 or 2/3; default: chosen").Show("N");
     options.Add("--offset", offset_, "Subtract this from readings first; needed below 0").Show("X");
-    options.Add("--frames", frames_, "Stop after N frames of --readings -; else at its end")
+    options.Add("--frames", frames_, "Frames to record from --readings -; default: all")
         .Show("N")
         .AllowRange(1U, kMostFrames);
-    options.Add("--channels", channels_, "Names of all channels; else in order of appearance")
+    options.Add("--channels", channels_, "Names of all channels; default: as they appear")
         .Show("NAME,NAME...");
     options.AddFlag("--exact", files_.isExact,
                     "Refuse readings and quantities that would be rounded");

@@ -26,7 +26,8 @@ void RecordingCommand::addDocument(Options& options) {
 }
 
 void RecordingCommand::addRunOptions(Options& options) {
-  options.Add("--started", started_, "Start of the run, see TIME below; else unknown").Show("TIME");
+  options.Add("--started", started_, "Start of the run, see TIME below; default: unknown")
+      .Show("TIME");
   options.Add("--assay", assay_, "Kind of run, a code listed below; default AbsQ").Show("CODE");
   options.PutFirst(PlateAssayTable());
   options.PutFirst(

@@ -22,9 +22,9 @@ namespace {
 
 constexpr const char* kMeaning =
     "What it does:\n"
-    "  Records are found by their tags, frames by the structure of their block. FILE\n"
-    "  itself is never written. A text or a reading with damaged bytes looks like any\n"
-    "  other and is kept as it is.\n\n"
+    "  Records are found by their tags, frames by the structure of their data block.\n"
+    "  FILE itself is never changed. Damaged bytes within a text or a reading cannot\n"
+    "  be noticed, so they are kept.\n\n"
     "  The exit code is 0 if the document was whole, 1 if something was lost and the\n"
     "  rest is in OUT, and 2 if there is nothing to recover.";
 

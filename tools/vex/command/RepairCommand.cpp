@@ -15,12 +15,12 @@ namespace {
 
 constexpr const char* kMeaning =
     "What it does:\n"
-    "  It corrects lengths and positions, cuts off uncommitted bytes, and changes\n"
-    "  nothing else. A backup is made first: FILE.backup, or FILE.backup-2 and so on\n"
-    "  if that exists. The document is the old or the new one at every moment. Do\n"
-    "  not repair a run that another program is recording.\n\n"
-    "  If something cannot be repaired, it is printed, and the exit code is 1;\n"
-    "  'vex recover' saves what is whole as a new document.";
+    "  The command makes a backup, FILE.backup, or FILE.backup-2 and so on if that\n"
+    "  exists. Then it corrects lengths and offsets, cuts off uncommitted bytes, and\n"
+    "  changes nothing else. If it is interrupted, the old or the repaired document\n"
+    "  remains. Do not repair a run that another program is recording.\n\n"
+    "  Errors that cannot be repaired are printed, and the exit code is then 1;\n"
+    "  'vex recover' writes the undamaged content to a new document.";
 
 class RepairCommand final : public Command {
  public:

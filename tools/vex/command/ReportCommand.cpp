@@ -20,7 +20,7 @@ class ReportCommand final : public Command {
 
   void AddOptions(Options& options) override {
     files_.AddTo(options);
-    options.Add("-o,--output", target_, "The page to write; standard output for -")
+    options.Add("-o,--output", target_, "The page to write; - is standard output")
         .Require()
         .Show("FILE.html");
     options.AddFlag("--force", force_, "Overwrite the page if it exists");

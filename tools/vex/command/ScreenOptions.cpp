@@ -9,7 +9,7 @@ constexpr const char* kGroup = "Screen options";
 }  // namespace
 
 void ScreenOptions::AddTo(Options& options) {
-  options.Add("--width", width_, "Width in columns; else COLUMNS, else the terminal's")
+  options.Add("--width", width_, "Width; default: COLUMNS or that of the terminal")
       .Show("N")
       .Group(kGroup)
       .AllowRange(static_cast<std::uint32_t>(Terminal::kLeastWidth),

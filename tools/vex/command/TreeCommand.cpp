@@ -30,7 +30,7 @@ class TreeCommand final : public Command {
         .Show("N")
         .AllowRange(1U, kDeepest);
     options.Add("--only", tag_, "Show only records with this tag, with their content").Show("TAG");
-    options.AddFlag("--json", json_, "Print JSON: an object with the records");
+    options.AddFlag("--json", json_, "Print JSON: one object with the records");
   }
 
   ExitCode Run() override {

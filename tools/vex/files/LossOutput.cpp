@@ -8,7 +8,7 @@ namespace vex2::tool {
 void LossOutput::AddOptions(Options& options) {
   options.Add("--report", report_, "Write what is lost or changed to this file, as JSON")
       .Show("FILE.json");
-  options.AddFlag("--strict", isStrict_, "Exit with 1 when anything is lost or changed");
+  options.AddFlag("--strict", isStrict_, "Exit with code 1 if anything is lost or changed");
 }
 
 void LossOutput::Claim(OutputFiles& files) const {

@@ -151,7 +151,7 @@ void ManyFiles::AddTo(Options& options) {
   options.Add("FILE", arguments_, "The documents; @LIST or - for a list of paths")
       .Require()
       .Show("");
-  options.Add("-j,--jobs", jobs_, "Work on so many at once; 1 by default")
+  options.Add("-j,--jobs", jobs_, "Work on N documents at once; 1 by default")
       .AllowRange(1U, kMostJobs)
       .Show("N");
 }
