@@ -18,9 +18,10 @@ foreach(part framework document)
                          -O0 -g1 --coverage -fprofile-update=atomic)
 endforeach()
 
-# Of an inline function that several objects have, the linker takes the first: those that count stand
-# before those of the tests. The tests of the framework register modules of their own and must not
-# find that of the documents, which comes with the objects that need it.
+# If several objects contain the same inline function, the linker uses the first, so the objects
+# that count are linked before those of the tests. The tests of the framework register their own
+# modules and must not find the module of the documents, which is linked with the objects that need
+# it.
 set(programs "")
 foreach(folder ${counted_folders})
   set(objects $<TARGET_OBJECTS:counted_framework_objects>)
@@ -46,7 +47,8 @@ foreach(part format/ storage/ container/ run/ setup/ study/ framework/CFile fram
   list(APPEND branches --filter ${vex2}/${part})
 endforeach()
 
-# Code that counts and is not optimised takes other times than the code that these tests measure.
+# Tests that measure times are left out, because counting code without optimisation takes other
+# times.
 set(timed *.TakesTimeInProportionToItsSize*:LongRun.TakesTheSameTimeForEachFrame)
 set(objects ${CMAKE_CURRENT_BINARY_DIR}/CMakeFiles)
 set(counted ${PROJECT_BINARY_DIR}/coverage.json)

@@ -1,4 +1,4 @@
-# Tests of documents: the format description, the README, the examples.
+# Tests of the project's documents: the format description, the README, the examples.
 
 find_package(nlohmann_json REQUIRED)
 foreach(program test_format test_lab)
@@ -17,15 +17,15 @@ add_test(NAME documents.pages
          COMMAND Python3::Interpreter ${CMAKE_CURRENT_SOURCE_DIR}/documents/check_documents.py
                  ${command})
 
-# Each declaration in an installed header has a comment of its own, and no comment names what does
-# not exist.
+# Each declaration in an installed header must have a comment, and no comment may name something
+# that does not exist.
 find_program(VEX2_DOXYGEN doxygen)
 if(VEX2_DOXYGEN AND TARGET vex2lab)
   set(reference ${CMAKE_CURRENT_BINARY_DIR}/reference)
   file(MAKE_DIRECTORY ${reference})
   vex2_configure_reference(${reference}/Doxyfile HTML OFF FOLDER ${reference})
   add_test(NAME documents.reference COMMAND ${VEX2_DOXYGEN} ${reference}/Doxyfile)
-  # A header in which one declaration has no comment must fail.
+  # A header in which one declaration has no comment must be reported.
   add_test(NAME documents.reference.self
            COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/documents/check_reference
                    ${VEX2_DOXYGEN} ${reference}/Doxyfile ${reference}/self)
@@ -33,7 +33,8 @@ else()
   message(STATUS "documents.reference is left out: doxygen is missing; scripts/setup installs it")
 endif()
 
-# The site builds without a warning, and no link in it leads nowhere. No page is wider than a phone.
+# The site must build without a warning, all its links must work, and no page may be wider than a
+# phone.
 find_program(VEX2_SPHINX sphinx-build)
 if(VEX2_DOXYGEN AND VEX2_SPHINX AND TARGET site AND TARGET vex2lab
    AND NOT VEX2_SANITIZE AND NOT VEX2_COVERAGE)
@@ -45,7 +46,8 @@ if(VEX2_DOXYGEN AND VEX2_SPHINX AND TARGET site AND TARGET vex2lab
            COMMAND Python3::Interpreter ${PROJECT_SOURCE_DIR}/docs/site/check_width.py ${site}/html)
   set_tests_properties(documents.site PROPERTIES FIXTURES_SETUP site)
   set_tests_properties(documents.site.width PROPERTIES FIXTURES_REQUIRED site SKIP_RETURN_CODE 77)
-  # Links to a missing file and a missing place, and a script of the network, must be found.
+  # A link to a missing file, a link to a missing heading and a script from the network must be
+  # reported.
   add_test(NAME documents.site.self
            COMMAND Python3::Interpreter ${PROJECT_SOURCE_DIR}/docs/site/check_links.py
                    ${CMAKE_CURRENT_SOURCE_DIR}/self/site)
@@ -53,7 +55,7 @@ if(VEX2_DOXYGEN AND VEX2_SPHINX AND TARGET site AND TARGET vex2lab
     "#nowhere leads to no place.*elsewhere.js is loaded.*missing.html leads to no file")
 endif()
 
-# The list of mutations must not rot: a text that has left its source would mutate nothing.
+# Each mutation must match the sources: a text that is no longer in its source would mutate nothing.
 add_test(NAME documents.mutations
          COMMAND Python3::Interpreter ${CMAKE_CURRENT_SOURCE_DIR}/reliability/mutate.py --check)
 

@@ -1,12 +1,13 @@
 #!/usr/bin/env python3
-"""Finds quantification cycles a second time, and compares: cq_reference.py VEX [FOLDER]
+"""Computes quantification cycles independently and compares them: cq_reference.py VEX [FOLDER]
 
-Written from the definitions in lab/analysis/Cq.h and not from the sources. Records runs, reads their
-readings with `vex export`, and compares each value of `vex cq` with its own: the cycles, the
-thresholds and the baselines of both methods. FOLDER holds readings of real runs, and is
-../shared/data/real beside the tree where it is not given; without it only simulated runs are
-compared. What a real calibration is known to show must come out, too: see `judge`. With --self-test
-in front, changes one value of each run, which must be found.
+This program was written from the definitions in lab/analysis/Cq.h, not from the sources. It records
+runs, reads their readings with `vex export`, and compares each value of `vex cq` with its own: the
+cycles, the thresholds and the baselines of both methods. FOLDER holds readings of real runs; the
+default is ../shared/data/real next to the source tree. If the folder is missing, only simulated
+runs are compared. The results of a real calibration must also have the known properties: see
+`judge`. With --self-test as the first argument, it changes one value of each run, and must notice
+each change.
 """
 
 import csv
@@ -31,13 +32,13 @@ def line(xs, ys):
 
 
 def reading_noise(values):
-    """The deviation of a reading, by the median size of the second differences."""
+    """The standard deviation of a reading, from the median size of the second differences."""
     bends = [abs(a - 2 * b + c) for a, b, c in zip(values, values[1:], values[2:])]
     return 1.4826 / math.sqrt(6) * statistics.median(bends) if bends else 0.0
 
 
 def without_outliers(known):
-    """The readings but those far outside of three of their four neighbours."""
+    """The readings without those that lie far outside of three of their four neighbours."""
     values = [value for _, value in known]
     if len(values) < FEWEST:
         return known
@@ -55,7 +56,7 @@ def without_outliers(known):
 
 
 def without_gaps(known):
-    """Readings at consecutive cycles, those missing between others on straight lines."""
+    """Readings at consecutive cycles; missing ones between others are interpolated linearly."""
     filled = []
     for cycle in range(int(known[0][0]), int(known[-1][0]) + 1) if known else ():
         before = [point for point in known if point[0] <= cycle]
@@ -122,7 +123,7 @@ class Curve:
         self.fit(third, max(eight_before, third + 2))
 
     def is_early(self, least):
-        """Whether cycles 3 to 10 hold half of the rise, which is at least `least`."""
+        """Whether half of the rise is in cycles 3 to 10, and the rise is at least `least`."""
         rise = statistics.median(self.y[-3:]) - self.y[2]
         return (rise > 0 and rise >= max(least, 10 * self.reading_noise)
                 and self.y[9] - self.y[2] >= rise / 2)
@@ -149,7 +150,7 @@ class Curve:
 
 
 def analyse(curves):
-    """The values of each curve by method: cq, threshold, begin and end of the baseline."""
+    """The values of each curve for each method: cq, threshold, begin and end of the baseline."""
     usable = [curve for curve in curves if curve.usable]
     highest = max(statistics.median(curve.corrected[-3:]) for curve in usable)
     rising = [curve for curve in usable if curve.lasting > 0
@@ -236,12 +237,13 @@ def r_squared(xs, ys):
 
 
 def judge(vex, path):
-    """What is wrong with the results of a real calibration, a dilution series for each detector.
+    """Describes what is wrong with the results of a real calibration, a dilution series for each
+    detector.
 
-    The mean cycle of each quantity is a line of its logarithm in 12 of 16 detectors. The means are
-    taken because the series are of two cultures, which differ by up to a cycle. Wells without
-    template have no cycle or a later one than every sample of the detector, and in 95 % of the wells
-    the methods agree within 0.7 cycles.
+    For 12 of 16 detectors, the mean cycles of the quantities must be on a line over the logarithm
+    of the quantity. Means are used because the series come from two cultures, which differ by up to
+    a cycle. Wells without template must have no cycle, or a later one than every sample of the
+    detector. In 95 % of the wells, the two methods must agree within 0.7 cycles.
     """
     by_method = [list(csv.DictReader(io.StringIO(
         run(vex, "cq", path, "--method", method, "--format", "csv")))) for method in
@@ -276,7 +278,7 @@ def judge(vex, path):
 
 
 def with_gaps(path):
-    """A copy of a table of readings in which some are missing."""
+    """Copies a table of readings and leaves some readings out."""
     lines = path.read_text(encoding="utf-8").splitlines()
     for i in range(1, len(lines), 17):
         lines[i] = lines[i].rsplit(",", 1)[0] + ",NA"
@@ -286,7 +288,7 @@ def with_gaps(path):
 
 
 def with_faults(path):
-    """A copy of a table of readings without two of the cycles, and with outliers."""
+    """Copies a table of readings, leaves two cycles out and adds outliers."""
     rows = list(csv.reader(path.open(encoding="utf-8")))
     cycle, light = rows[0].index("cycle"), rows[0].index("fluorescence")
     amplification = [row for row in rows[1:] if row[rows[0].index("stage")] == "amplification"]

@@ -1,10 +1,11 @@
 #!/usr/bin/env python3
-"""Holds the sources to one home of the format: format_literals.py SOURCE_ROOT
+"""Checks that tags and codes of the format are written only in vex2/format: format_literals.py
+SOURCE_ROOT
 
-The tags of records and the codes of the header have names in vex2/format, so that a kind of record
-or a code is changed there alone. This looks for string literals that are such a tag or code, and
-for rows of the table of tags that are given as numbers, in all other sources of the library, of
-lab and of the command. Tests are left alone: what they expect stands in them on purpose.
+The tags of records and the codes of the header have names in vex2/format, so that a tag or a code
+is changed only there. This program looks in all other sources of the library, of lab and of the
+command for string literals that are such a tag or code, and for rows of the tag table that are
+given as numbers. Tests are not checked: they contain the expected values on purpose.
 
 format_literals.py --self-test SOURCE_ROOT checks that each kind of breach is found.
 """
@@ -13,7 +14,7 @@ import pathlib
 import re
 import sys
 
-# Literals that look like a tag and are none: file, literal, why.
+# Literals that look like a tag but are not one: file, literal, reason.
 ALLOWED = {
     ("lab/check/MeaningCheck.cpp", "ENDO"): "the task of a detector in a well",
     ("lab/model/Run.h", "RAWa"): "a public header, which sees nothing of vex2/format",
@@ -37,7 +38,7 @@ def names_of(root):
     header = (root / HOME / "HeaderLayout.h").read_text(encoding="utf-8")
     codes = set(re.findall(r'std::string_view k\w+ = "(.{4})"', header))
     codes |= set(re.findall(r'AssayCode k\w+ = \{"(.{4})"', header))
-    # A table that is laid out differently would make the check find nothing.
+    # If the table had another layout, the check would find nothing.
     if len(tags) < 70 or len(codes) < 10:
         sys.exit(f"only {len(tags)} tags and {len(codes)} codes found in {HOME}")
     return tags | codes

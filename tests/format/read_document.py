@@ -35,7 +35,7 @@ class Unreadable(Exception):
 
 
 class Source:
-    """Bytes with a position."""
+    """Bytes with a file position."""
 
     def __init__(self, data):
         self.data = data
@@ -49,7 +49,7 @@ class Source:
         return taken
 
     def peek_tag(self):
-        """The next four bytes; fewer at the end."""
+        """Returns the next four bytes; fewer at the end."""
         return self.data[self.at:self.at + 4]
 
     def u8(self):
@@ -82,7 +82,7 @@ def number(data):
 
 
 def read_header(source):
-    """Reads the header; missing fields are blank or 0. Leaves the source behind it."""
+    """Reads the header; missing fields are blank or 0. The source is then just after the header."""
     start = source.at
     padded = Source(source.data[start:].ljust(72, b"\0"))
     header = {"magic": padded.text(4), "formatA": padded.u16(), "formatB": padded.u16(),
@@ -98,7 +98,8 @@ def read_header(source):
 
 
 def read_record(source, depth=1):
-    """One record of a known or unknown kind; `length` is the length with which it counts."""
+    """Reads one record of a known or unknown kind; `length` is the length that is counted for
+    it."""
     offset = source.at
     tag, declared = source.text(4), source.u32()
     if depth > MAX_DEPTH:
@@ -289,8 +290,8 @@ BODIES["program"] = BODIES["opaque"] = (
 
 
 def read(data):
-    """The document in `data`: size, header, components and any dropped records. `whole` is false if a
-    record cannot be read; the records behind it are then missing."""
+    """The document in `data`: size, header, components and any dropped records. `whole` is false if
+    a record cannot be read; the records after it are then missing."""
     if data[:4] != b"Vex2":
         raise ValueError("not a plate document")
     source = Source(data)

@@ -1,4 +1,4 @@
-"""Checks docs/format.md: the reader written from the page must read all documents."""
+"""Checks docs/format.md: the reader that was written from the page must read all documents."""
 
 import json
 import os

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Records a run with one example, edits it with another, damages it, and lets a third one repair and
-recover it.
+"""Records a run with one example, edits it with another, damages it, and repairs and recovers it
+with a third one.
 
 usage: edit_example.py RECORD_WITH_LAB EDIT_LAB RECOVER_LAB
 """
@@ -14,7 +14,7 @@ FRAMES = 40
 
 
 def run(*command):
-    """What the example prints, and its exit code."""
+    """Runs the example. Returns its output and its exit code."""
     done = subprocess.run(command, stdout=subprocess.PIPE, text=True, check=False)
     return done.stdout, done.returncode
 
@@ -43,7 +43,7 @@ def main(record, edit, recover):
         isright &= check("told", f"byte {size}:" in text and "repaired; backup:" in text, True)
         isright &= check("nothing to recover", os.path.exists(recovered), False)
 
-        with open(document, "r+b") as file:  # the first record, behind the header
+        with open(document, "r+b") as file:  # the first record, after the header
             file.seek(1024)
             file.write(bytes(8))
         text, code = run(recover, document, recovered)

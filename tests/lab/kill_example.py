@@ -13,11 +13,12 @@ import sys
 import tempfile
 
 FRAMES = 40
-KILLS = (0, 1, 2, 7, 20, 39)  # once so many frames are in the document
+KILLS = (0, 1, 2, 7, 20, 39)  # the number of frames at which the example is killed
 
 
 def record(program, document, kill_at):
-    """Runs the example; kills it once it has printed `kill_at`. What it printed, and how it ended."""
+    """Runs the example and kills it once it has printed `kill_at`. Returns what it printed and how
+    it ended."""
     printed = []
     with subprocess.Popen([program, document], stdout=subprocess.PIPE, text=True) as process:
         if kill_at == 0:
@@ -35,7 +36,7 @@ def main(program):
         document = os.path.join(folder, "run.vex")
         for kill_at in (*KILLS, None):
             printed, code = record(program, document, kill_at)
-            # Frames that were appended between the last line that was read and the kill count too.
+            # Frames that were appended after the last line that was read also count.
             if printed and (printed != list(range(printed[0], printed[-1] + 1))
                             or printed[0] <= recorded):
                 sys.exit(f"{recorded} frames were recorded, then it went on with {printed}")

@@ -1,4 +1,4 @@
-// A browser without a window, driven through its debugging pipe. It needs no library.
+// A browser without a window, controlled through its debugging pipe. Needs no library.
 import {spawn} from 'node:child_process';
 import {existsSync, mkdtempSync, rmSync} from 'node:fs';
 import {tmpdir} from 'node:os';
@@ -6,7 +6,7 @@ import {join} from 'node:path';
 
 const kBrowsers = ['/usr/bin/chromium', '/usr/bin/chromium-browser', '/usr/bin/google-chrome'];
 
-// The browser of this machine; nothing where there is none.
+// The path of the browser on this machine; undefined if there is none.
 export const browserPath = () => [process.env.CHROMIUM, ...kBrowsers].find(path => path && existsSync(path));
 
 export class Browser {
@@ -106,7 +106,7 @@ class Page {
     this.loadTime = performance.now() - begin;
   }
 
-  // The value of an expression, which may be a promise.
+  // Evaluates an expression in the page. The value may be a promise.
   async run(expression) {
     const {result, exceptionDetails} = await this.send('Runtime.evaluate',
       {expression, awaitPromise: true, returnByValue: true, userGesture: true});
@@ -114,7 +114,7 @@ class Page {
     return result.value;
   }
 
-  // The middle of the element, in the window.
+  // The coordinates of the centre of the element in the window.
   async middle(selector) {
     const place = await this.run(`(() => {
       const element = document.querySelector(${JSON.stringify(selector)});
@@ -152,7 +152,7 @@ class Page {
     await this.send('Input.dispatchKeyEvent', {type: 'keyUp', key, code, modifiers});
     await this.settle();
   }
-  // Until what was done is drawn.
+  // Waits until the changes are drawn.
   settle() { return this.run('new Promise(done => requestAnimationFrame(() => requestAnimationFrame(() => done(1))))'); }
 
   async screenshot(full = false) {

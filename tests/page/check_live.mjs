@@ -1,6 +1,7 @@
-// Looks at a run that is recorded, in a browser: check_live.mjs VEX [PICTURE.png]
+// Checks the live page of a run that is being recorded in a browser: check_live.mjs VEX
+// [PICTURE.png]
 //
-// Exits with 77 where the browser, or the module that serves pages, is missing.
+// Exits with 77 if the browser, or the module that serves pages, is missing.
 import assert from 'node:assert/strict';
 import {spawn} from 'node:child_process';
 import {existsSync, mkdtempSync, rmSync, writeFileSync} from 'node:fs';

@@ -1,8 +1,8 @@
-// Uses the report page as a reader does: check_page.mjs VEX
+// Uses the report page as a user does: check_page.mjs VEX
 //
-// Makes pages with the command, opens them in a browser without a network, and picks wells, switches
-// to logarithms, drags the threshold, sorts, copies and prints. axe-core looks for what keeps people
-// from using the page. Exits with 77 where the browser or axe-core is missing.
+// Makes pages with the command, opens them in a browser without a network, and selects wells,
+// switches to the logarithmic scale, drags the threshold, sorts, copies and prints. axe-core checks
+// the accessibility of the page. Exits with 77 if the browser or axe-core is missing.
 import assert from 'node:assert/strict';
 import {execFileSync, spawnSync} from 'node:child_process';
 import {existsSync, mkdirSync, mkdtempSync, readFileSync, rmSync, statSync, writeFileSync} from 'node:fs';
@@ -26,7 +26,7 @@ const urlOf = name => pathToFileURL(join(folder, name)).href;
 let browser = null;
 
 const kWells = 'well,sample,target,task,quantity,reporter\n';
-// A text that would run, or end the page, where it is not kept a text.
+// A text that would run as a script, or end the page, if it were not escaped.
 const kHostile = '</script><img src=x onerror=alert(1)>"\'&<b>{{data}}';
 
 function makeDocuments() {
@@ -83,7 +83,7 @@ const tests = {
     assert.deepEqual(await page.run('[...Vex.state.picked]'), ['0:3', '0:5']);
     assert.equal(await page.run('document.querySelectorAll("tr.picked").length'), 2);
     assert.equal(await page.run('document.querySelectorAll(".well[aria-selected=true]").length'), 2);
-    // A click on a curve picks its well; one far from all curves picks none.
+    // A click on a curve selects its well; a click far from all curves selects none.
     const place = await placeOnCurve(page, '0:20', 0.97);
     await page.clickAt(place);
     const picked = await page.run('[...Vex.state.picked]');
@@ -144,7 +144,7 @@ const tests = {
     assert.deepEqual(await cqs(), before);
   },
 
-  // The rule of the page and that of the library are two programs.
+  // The page and the library implement the same rule separately.
   async 'CqOfThePageIsThatOfTheLibrary'(page) {
     const differences = await page.run(`Vex.model.traces.filter(trace => trace.result).map(trace => {
       const {cq, reason} = Vex.cqAt(trace, Vex.thresholdOf(trace.assay));
@@ -179,7 +179,7 @@ const tests = {
     await page.settle();
     await page.run('Vex.pick(["0:1", "0:2"])');
     const copied = (await page.run('Vex.tableText().text')).split('\n');
-    assert.equal(copied.length, 4);  // head, two wells, and the end of the last line
+    assert.equal(copied.length, 4);  // the head, two wells, and the empty text after the last line end
     assert.equal(copied[0].split('\t')[0], 'Well');
     assert.equal(copied[1].split('\t').length, copied[0].split('\t').length);
     await page.click('[data-sort=well]');
@@ -257,7 +257,7 @@ const tests = {
     await page.close();
   },
 
-  // Each document was analysed alone, and detectors of two documents may have the same name.
+  // Each document was analysed separately, and detectors of two documents may have the same name.
   async 'DocumentsKeepThresholdsAndStandardsApart'() {
     const page = await browser.open(urlOf('both.html'));
     const differences = await page.run(`Vex.model.documents.flatMap((of, i) => of.data.detectorResults.map(each => {
@@ -316,7 +316,7 @@ const tests = {
     assert.deepEqual(await page.run('[1e6, 2.5e7, 1e-5, 1e5].map(value => Vex.number(value))'), ['1e6', '2.5e7', '1e-5', '100000']);
   },
 
-  // A name of 60 letters, without a space to break it at.
+  // A name of 60 letters without a space at which it could be broken.
   async 'LongNamesKeepThePageWithinItsWindow'() {
     for (const view of [{}, {width: 390, height: 844, mobile: true}]) {
       const page = await browser.open(urlOf('long.html'), view);
@@ -336,7 +336,7 @@ const tests = {
       const page = await browser.open(urlOf(`${name}.html`));
       await page.send('Emulation.setEmulatedMedia', {media: 'print'});
       await page.run('dispatchEvent(new Event("beforeprint"))');
-      // A4 less its margins is 186 mm wide.
+      // A4 without its margins is 186 mm wide.
       await page.send('Emulation.setDeviceMetricsOverride', {width: 703, height: 1000, deviceScaleFactor: 1, mobile: false});
       await page.settle();
       const content = await page.run('document.documentElement.scrollWidth');
@@ -398,14 +398,14 @@ const tests = {
   },
 };
 
-// The browser of a phone makes its window as wide as the page.
+// On a phone, the browser makes its window as wide as the page.
 async function fits(page, {width = 1280}) {
   const content = await page.run('document.documentElement.scrollWidth');
   assert.ok(content <= width, `the page is ${content} wide in a window of ${width}`);
   return width;
 }
 
-// Where the curve of a well is, in the window.
+// The coordinates of the curve of a well in the window.
 function placeOnCurve(page, key, share) {
   return page.run(`(() => {
     const chart = Vex.amplification;

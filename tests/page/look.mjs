@@ -1,4 +1,4 @@
-// Takes pictures of a page to look at: node look.mjs PAGE.html FOLDER
+// Takes screenshots of a page for a person to look at: node look.mjs PAGE.html FOLDER
 import {writeFileSync, mkdirSync} from 'node:fs';
 import {resolve} from 'node:path';
 import {pathToFileURL} from 'node:url';

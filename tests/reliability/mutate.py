@@ -30,12 +30,13 @@ END = "<!-- end of mutations -->"
 # A file that marks a folder as a scratch copy, which may be overwritten.
 MARK = ".scratch-copy-for-mutations"
 HEAD = "| | What was taken out | The tests that notice |\n|---|---|---|"
-# The fastest first. Tests of speed and of module loading are left out: they do not depend on a single change.
+# The fastest programs first. Tests of speed and of module loading are left out, because no mutation
+# affects them.
 PROGRAMS = ("storage", "run", "study", "setup", "format", "container", "framework",
             "manager", "memory", "model", "reliability")
-# Of what stands on the library.
+# Tests of the code that uses the library.
 LAB_PROGRAMS = ("lab", "tools")
-# Stop at the first failure of these.
+# Programs that stop at the first failure.
 SLOW = ("memory", "model", "reliability", "tools")
 LEFT_OUT = "*LargeInput*:LargeDocument*"
 MOST_NAMES = 3
@@ -126,13 +127,14 @@ def failed_tests(output, code):
 
 
 def plain_name(name):
-    """The name of a test without instantiation and parameter."""
+    """The name of a test without its instantiation and parameter."""
     parts = name.split("/")
     return next(part for part in parts if "." in part)
 
 
 def attempts(mutation, quick):
-    """Programs and patterns of tests: those that the mutation names, then, unless quick, all."""
+    """Programs and patterns of tests: first those that the mutation names, then all others, unless
+    `quick` is set."""
     hints = [hint.partition(":") for hint in mutation.tests.split()]
     first = [(program, pattern or "*") for program, _, pattern in hints]
     programs = PROGRAMS if mutation.file.startswith("vex2/") else LAB_PROGRAMS

@@ -1,5 +1,6 @@
-"""Follows a run whose recorder is killed and resumed, from before its begin, from its middle and
-after its end: follow.py VEX. Each follower prints each committed frame once, in order."""
+"""Follows a run whose recorder is killed and resumed: follow.py VEX. One follower starts before the
+run, one in its middle and one after its end. Each follower prints each committed frame once, in
+order."""
 
 import json
 import os
@@ -10,7 +11,7 @@ import time
 import unittest
 
 VEX = os.path.abspath(sys.argv[1]) if len(sys.argv) > 1 else ""
-PATIENCE = 60  # seconds, on a machine that is busy
+PATIENCE = 60  # seconds; enough for a busy machine
 FRAMES = 40
 
 
@@ -45,7 +46,7 @@ class FollowTest(unittest.TestCase):
             self.follow(1)
             recorder.kill()
             recorder.communicate()
-            if not os.path.exists(self.document):  # it was killed before it began
+            if not os.path.exists(self.document):  # the recorder was killed before it began
                 self.skipTest("the machine is too busy")
         last = self.recorder("--resume", "--pace", "0.01")
         self.follow(1)

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Commands that show no readings do not read them: how much memory they take does not depend on the
+"""Checks that commands that show no readings do not read them: their memory must not depend on the
 length of the run.
 
 usage: heads_only.py VEX
@@ -18,7 +18,7 @@ MOST_MORE_KILOBYTES = 32 * 1024
 
 
 def lengthened(source, target):
-    """A copy of the document with more frames, all zero, behind those that its last record has."""
+    """Copies the document and adds frames of zeros at the end of its last record."""
     with open(source, "rb") as file:
         data = bytearray(file.read())
     block = data.rindex(b"RAWa")
@@ -30,7 +30,7 @@ def lengthened(source, target):
 
 
 def memory(vex, command, document):
-    """The kilobytes that the command takes at most."""
+    """The peak memory of the command in kilobytes."""
     with subprocess.Popen([vex, command[0], document, *command[1:]],
                           stdout=subprocess.DEVNULL) as process:
         _, status, usage = os.wait4(process.pid, 0)

@@ -76,7 +76,7 @@ def matches(key, path, repeats):
 def differences(section, keys, seen):
     """Keys that only one of the two sets contains."""
     repeats = SAME_AS_ABOVE in keys
-    # A list may be empty, and a null value has no keys within it.
+    # A list can be empty, and a null value has no keys.
     for path in sorted(seen):
         inner = [key for key in keys if matches(key, path, repeats)]
         empty = any(key.startswith(path + ".") or key.startswith(path + "[]") for key in keys)
@@ -90,7 +90,8 @@ def differences(section, keys, seen):
 
 
 def make_documents(run):
-    """A run, a study, a background document, a damaged one, and one that vex did not record."""
+    """Makes a run, a study, a background document, a damaged document, and one that vex did not
+    record."""
     run("simulate run.vex --cycles 2 --seed 1")
     data = pathlib.Path("run.vex").read_bytes()
     pathlib.Path("plate1.vex").write_bytes(data)
@@ -105,7 +106,8 @@ def make_documents(run):
 
 
 def make_study_to_analyse(run):
-    """A study of two plates with melting stages, an unknown quantity and something to find."""
+    """Makes a study of two plates with melting stages, an unknown quantity and a well that gives a
+    finding."""
     run("simulate plate3.vex --melt 40 --wells-out wells.csv")
     text = pathlib.Path("wells.csv").read_text(encoding="utf-8")
     # A control that rises gives a finding.

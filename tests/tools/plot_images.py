@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Draws plots as files and looks at their first bytes: plot_images.py VEX
+"""Draws plots to files and checks their first bytes: plot_images.py VEX
 
-Exits with 77 where the module that draws PNG and PDF was not built.
+Exits with 77 if the module that draws PNG and PDF was not built.
 """
 
 import os
@@ -12,7 +12,7 @@ import sys
 import tempfile
 import xml.dom.minidom
 
-# The library that finds fonts keeps what it found until the end.
+# The font library keeps its results until the process ends, which is not a leak.
 ENVIRONMENT = {**os.environ, "ASAN_OPTIONS": "detect_leaks=0"}
 
 

@@ -1,5 +1,5 @@
-"""Looks at 'vex follow --serve' as browsers do: serve.py VEX. Exits with 77 where the module that
-serves was not built."""
+"""Tests 'vex follow --serve' with requests like those of browsers: serve.py VEX. Exits with 77 if
+the module that serves pages was not built."""
 
 import contextlib
 import http.client
@@ -16,11 +16,11 @@ import time
 import unittest
 
 VEX = os.path.abspath(sys.argv[1]) if len(sys.argv) > 1 else ""
-PATIENCE = 30  # seconds, on a machine that is busy
+PATIENCE = 30  # seconds; enough for a busy machine
 
 
 class Server:
-    """A 'vex follow --serve' of its own."""
+    """A process of 'vex follow --serve'."""
 
     def __init__(self, document, *port):
         self.process = subprocess.Popen([VEX, "follow", document, "--serve", *port], text=True,
@@ -52,7 +52,7 @@ class Server:
         return json.loads(text), page
 
     def end(self, number=signal.SIGINT):
-        """Asks it to end. How long that took."""
+        """Asks the server to end. Returns how long that took."""
         begun = time.monotonic()
         self.process.send_signal(number)
         self.rest = self.process.communicate(timeout=PATIENCE)
@@ -60,7 +60,7 @@ class Server:
 
 
 class Viewer(threading.Thread):
-    """Listens to the events and keeps the number of frames of each."""
+    """Listens to the events and keeps the number of frames in each."""
 
     def __init__(self, port, path="/events"):
         super().__init__(daemon=True)
@@ -120,7 +120,7 @@ class ServeTest(unittest.TestCase):
             viewer = Viewer(server.port, events)
             self.assertEqual(viewer.answer.headers["Content-Type"], "text/event-stream")
             viewer.join(1)
-            self.assertIn(viewer.frames, ([], [6]))  # nothing that the page has not
+            self.assertIn(viewer.frames, ([], [6]))  # no event: the page has the latest data
 
     def test_viewers_see_a_run_that_is_killed_resumed_and_saved(self):
         with Server(self.document) as server:
@@ -220,8 +220,8 @@ class ServeTest(unittest.TestCase):
             idle.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, 1)
             idle.connect(("127.0.0.1", server.port))
             idle.sendall(f"GET /events HTTP/1.1\r\nHost: 127.0.0.1:{server.port}\r\n\r\n".encode())
-            silent = socket.create_connection(("127.0.0.1", server.port))  # asks for nothing
-            Viewer(server.port).connection.close()                         # goes away at once
+            silent = socket.create_connection(("127.0.0.1", server.port))  # sends no request
+            Viewer(server.port).connection.close()                         # disconnects at once
             viewers = [Viewer(server.port) for _ in range(40)]
             for viewer in viewers:
                 viewer.wait_for(40)
@@ -261,7 +261,7 @@ class ServeTest(unittest.TestCase):
             newest = viewer.ids[-1]
             connection = http.client.HTTPConnection("127.0.0.1", server.port, timeout=PATIENCE)
             connection.request("GET", "/events?seen=1", headers={"Last-Event-ID": newest})
-            self.assertEqual(connection.getresponse().readline(), b":\n")  # a sign of life alone
+            self.assertEqual(connection.getresponse().readline(), b":\n")  # only a heartbeat
             connection.close()
 
 

@@ -1,4 +1,5 @@
-"""The order in which bytes reach the disk, and what keeps committed bytes."""
+"""Mutations of the order in which bytes reach the disk, and of the code that keeps committed
+bytes."""
 
 from .mutation import barrier
 from .sources import (BACKUP, BACKUPS, BLOCKS, DOCUMENT, DOCUMENT_FILE, FILE, FILES, FRAME_LOG, INTERRUPTED,

@@ -1,4 +1,4 @@
-"""Checks of a length, a count or an index."""
+"""Mutations of checks of a length, a count or an index."""
 
 from .mutation import check
 from .sources import (ASSAY, BLOCKS, BLOCK_HEAD, BYTES, CALIBRATION, COMPONENT, CONSOLE, DATA, DOCUMENT, FACTORY,

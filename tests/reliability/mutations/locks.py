@@ -1,4 +1,4 @@
-"""Locks, and the waiting for them."""
+"""Mutations of locks and of the waiting for them."""
 
 from .mutation import lock
 from .sources import (DOCUMENT_CHANGE, DOCUMENT_EDITOR, DOCUMENT_LOCK, FILE, FRAME_READER, OUTPUTS, RECORDING, REPAIR,

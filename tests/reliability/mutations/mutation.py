@@ -1,4 +1,4 @@
-"""What a mutation is."""
+"""The type of a mutation."""
 
 import dataclasses
 

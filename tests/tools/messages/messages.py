@@ -1,15 +1,14 @@
 #!/usr/bin/env python3
-"""Checks that a test meets every sentence that the command may print, and lists the sentences.
+"""Checks that a test expects every sentence that the command can print, and lists the sentences.
 
 usage: messages.py [--list | --self-test] ROOT
 
-A sentence is a string literal of three words or more in lab/ or tools/vex/, other than help: what
-errors, notes, findings and reports say. Adjacent literals are one, and {} stands for what is filled
-in. At least half of each must be expected by a test: by a table of slips, by a string in a C++ test
-or in tests/tools/serve.py. UNMET.txt beside this program names those that no test can bring about,
-each with the reason; a line of it
-that is not needed any more is an error, too. --list prints all sentences with their places, to be
-proofread.
+A sentence is a string literal of three words or more in lab/ or tools/vex/ that is not help: the
+texts of errors, notes, findings and reports. Adjacent literals are one sentence, and {} is a gap
+for a value. A test must expect at least half of each sentence: in a table of slips, in a string of
+a C++ test or in tests/tools/serve.py. UNMET.txt in this folder lists the sentences that no test can
+cause, each with the reason; a line in it that is no longer needed is an error, too. --list prints
+all sentences with their files and lines, for proofreading.
 """
 
 import argparse
@@ -18,13 +17,13 @@ import re
 import sys
 
 HERE = pathlib.Path(__file__).resolve().parent
-LEAST = 12  # letters of a part of a sentence that are enough to know it by
-# Calls whose texts are help.
+LEAST = 12  # the fewest letters by which a part of a sentence can be identified
+# Calls whose arguments are help texts.
 HELP = {"Add", "AddFlag", "PutFirst", "PutLast", "Command", "RecordingCommand", "ListingCommand",
         "StudyChange", "Description", "set_version_flag", "set_help_flag", "exampleText",
         "ErrorKind", "static_assert", "fieldList"}
-# What is no message: layouts, help, names of codes and fields, and the library's own words for what
-# the command says in its own.
+# Texts that are not messages: layouts, help, names of codes and fields, and remedies of the library
+# that the command replaces by its own.
 NOT_SENTENCES = ("lab/text/", "lab/picture/", "lab/analysis/", "lab/Error.cpp", "lab/model/Codes.cpp",
                  "lab/model/DetectorFields.cpp", "lab/model/Settings.cpp",
                  "lab/model/AssayTypes.cpp", "tools/vex/help/", "tools/vex/command/HelpCommand.cpp")
@@ -38,7 +37,7 @@ def unescaped(text):
 
 
 def literals(text):
-    """The literals of C++ source: text, line, and the names of the calls that they stand in."""
+    """The literals of C++ source: text, line, and the names of the calls around them."""
     calls, name, found, is_joined = [], "", [], False
     for token in TOKEN.finditer(text):
         raw, literal, word, mark = token.groups()
@@ -80,7 +79,7 @@ def sentences(root):
 
 
 def parts(sentence):
-    """What stands between the gaps, long enough to know the sentence by."""
+    """The parts between the gaps that are long enough to identify the sentence."""
     fixed = [part.strip(" ,;:.'\"()\n") for part in re.split(r"\{[^}]*\}", sentence)]
     long = [part for part in fixed if len(part) >= LEAST]
     return long or [max(fixed, key=len)]
@@ -100,7 +99,7 @@ def expectations(root):
 
 
 def is_met(sentence, expected):
-    """Whether expected texts have at least half of what stands between the gaps."""
+    """Whether expected texts contain at least half of the text between the gaps."""
     fixed = [" ".join(part.split()) for part in parts(sentence)]
     met = 0
     for part in fixed:
@@ -161,7 +160,7 @@ def main():
         for text, place in sorted(found.items(), key=lambda item: item[1]):
             print(f"{place}: {' '.join(text.split())}")
         return 0
-    if len(found) < 200:  # the sources are not where they were
+    if len(found) < 200:  # the sources were not found
         print(f"only {len(found)} sentences were found")
         return 1
     unmet = read_unmet((HERE / "UNMET.txt").read_text())

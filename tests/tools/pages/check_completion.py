@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Completes command lines in a shell: check_completion.py SHELL FOLDER_OF_COMPLETIONS
+"""Checks the completion in a shell: check_completion.py SHELL FOLDER_OF_COMPLETIONS
 
 SHELL is bash, zsh or fish. It reads the completion file and completes lines as if a user had typed
 them and pressed the tabulator key.
@@ -41,8 +41,8 @@ _vex
 printf '%s\n' "${COMPREPLY[@]}"
 """
 
-# A completion needs a line editor, so zsh runs in a terminal of its own. The function compadd, which
-# every completion calls in the end, prints what it is given.
+# A completion needs a line editor, so zsh runs in a separate terminal. The function compadd, which
+# every completion calls at the end, is replaced by one that prints its arguments.
 ZSH = r"""
 zmodload zsh/zpty
 zpty shell zsh -f -i

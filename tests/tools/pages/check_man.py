@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """Checks the man pages: check_man.py VEX FOLDER [--self-test]
 
-Each command has a page that renders without warnings at 80 columns, and each option that its --help
-lists is in the page with its text. --self-test takes an option out of each page, and every page must
-then be found faulty.
+Each command must have a page that renders without warnings at 80 columns, and the page must contain
+each option that --help lists, with its text. --self-test removes an option from each page, and
+every page must then be reported.
 """
 
 import os
@@ -15,7 +15,7 @@ import sys
 
 MISSING = 77  # what ctest takes for a skipped test
 SPECIAL = {r"\-": "-", r"\e": "\\", r"\(aq": "'", r"\(ga": "`", r"\(ha": "^", r"\(ti": "~", r"\(dq": '"', r"\&": ""}
-# What --help adds to an option besides its names, value and text.
+# Text that --help adds to the names, value and text of an option.
 NOISE = re.compile(r" REQUIRED| (?:Excludes|Needs):(?: --[\w-]+)+|:(?:{[^}]*}|\w+ in \[[^]]*\])|:(?:UINT|INT)\b")
 
 
@@ -45,7 +45,7 @@ def options(help_text):
     for line in parts.get("Options", []) + parts.get("Screen options", []) + parts.get("Positionals", []):
         if match := re.match(r"  (-[^ ]+|[A-Z][^ ]*)(.*)", line):
             rest = NOISE.sub("", match[2])
-            # The text begins behind the column, or behind the value where one space separates them.
+            # The text begins after the column, or after the value if only one space separates them.
             text = re.split(r"  +| (?=[A-Z][a-z'])", rest, maxsplit=1)
             found.append([match[1].split(","), text[1].strip() if len(text) > 1 else ""])
         elif line.startswith("      ") and found:

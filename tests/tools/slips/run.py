@@ -33,9 +33,9 @@ A .slips file is a list of blocks, separated by empty lines and lines that begin
     removes FILE...     files that must have disappeared
     then> LINE    sh runs it afterwards, and it must succeed, as `cmp a.vex b.vex`
 
-`sh -e` runs the lines of `setup>` and `then>`. Standard input is empty, the language is English in UTF-8,
-standard output and standard error are files, and the time zone is UTC. Permissions bind all commands,
-also those of root.
+`sh -e` runs the lines of `setup>` and `then>`. Standard input is empty, the language is English in
+UTF-8, standard output and standard error are files, and the time zone is UTC. File permissions
+apply even if root runs the tests.
 """
 
 import argparse
@@ -122,7 +122,7 @@ def surroundings(vex, folder):
 
 
 def obey_permissions():
-    """Takes from root, in the next program, the right to pass over permissions."""
+    """Makes file permissions apply to the next program even if root runs it."""
     drop, override, read_search = 24, 1, 2  # PR_CAPBSET_DROP, CAP_DAC_OVERRIDE, CAP_DAC_READ_SEARCH
     for right in (override, read_search):
         ctypes.CDLL(None).prctl(drop, right, 0, 0, 0)
@@ -271,7 +271,7 @@ def main():
             sys.exit(f"the fixtures could not be made: {code}\n{out}{err}")
         for slip in slips:
             folder = pathlib.Path(place) / "slip"
-            # Copied with its times, so that documents do not look changed.
+            # Copy files with their times, so that documents do not look changed.
             shutil.copytree(fixtures, folder, symlinks=True)
             found = problems(slip, folder, vex)
             if found:
