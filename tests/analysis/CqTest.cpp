@@ -112,7 +112,7 @@ TEST(NoCq, OfACurveBelowTheThresholdIsLate) {
   EXPECT_THAT(rising.note, HasSubstr("still accelerating"));
 }
 
-TEST(NoCq, OfACurveAboveTheThresholdFromTheBeginIsEarly) {
+TEST(NoCq, OfACurveAboveTheThresholdFromTheStartIsEarly) {
   // The given baseline is after the product, and below the begin of the curve.
   std::vector<double> readings(20, 10);
   for (double light = 60; light > 5; light -= 5) readings.push_back(light);
@@ -137,7 +137,7 @@ TEST(NoCq, WithoutReadingsNamesTheDye) {
   EXPECT_EQ(ResultOf(curve).note, "no readings of the dye FAM");
 }
 
-TEST(Baseline, OfTheDetectorIsUsedWhereSomebodySetIt) {
+TEST(Baseline, OfTheDetectorIsUsedIfItIsSet) {
   Detector detector = named("MYC");
   EXPECT_NE(ResultOf(doubling(), {}, {detector}).baseline, (CycleRange{6, 15}));
   detector.baselineStart = 4;
@@ -179,7 +179,7 @@ TEST(Baseline, OfFewerThanEightCyclesIsLevel) {
   EXPECT_NE(ResultOf(curve, {.baseline = CycleRange{3, 10}}).baselineSlope, 0);
 }
 
-TEST(Threshold, IsThatOfTheDetectorWhereSomebodySetIt) {
+TEST(Threshold, IsThatOfTheDetectorIfItIsSet) {
   Detector detector = named("MYC");
   EXPECT_TRUE(AnalyseCurves({doubling()}, {detector}).detectors[0].isThresholdAutomatic);
   detector.threshold = 3;

@@ -40,7 +40,7 @@ int slotOf(Member member) {
   return (parts[0] & 1) != 0 ? static_cast<int>(parts[0] / static_cast<int>(sizeof(void*))) : -1;
 }
 
-TEST_F(Component, VirtualOperationsStandInTheirSlots) {
+TEST_F(Component, VirtualOperationsHaveTheirSlots) {
   using ReadCounting = int (CComponent::*)(CFile*, std::uint32_t&);
   using ReadOnly = int (CComponent::*)(CFile*);
   EXPECT_EQ(slotOf(&CObject::GetRuntimeClass), 0);
@@ -91,7 +91,7 @@ TEST_F(Component, AHeaderThatIsCutShortIsNotFound) {
   }
 }
 
-TEST_F(Component, AFailedBodyCountsAllTheSame) {
+TEST_F(Component, AFailedBodyIsCounted) {
   CContainerComp list("SPEC");
   std::uint32_t counter = 1;
   EXPECT_EQ(list.Read(&Holding(RecordDeclaring("SPEC", 100, "\x01")), counter), -100);
@@ -148,7 +148,7 @@ TEST_F(Component, TheReaderDoesNotChangeTheTag) {
   EXPECT_EQ(component.GetTag(), "VERS");
 }
 
-TEST_F(Component, OnlyTheProgramSaysThatItIsOne) {
+TEST_F(Component, OnlyTheProgramReportsThatItIsOne) {
   CComponent component("TPro");
   EXPECT_FALSE(component.IsThermocycleComp());
   EXPECT_FALSE(component.IsPlateSetupComp());

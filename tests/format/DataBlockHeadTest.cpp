@@ -72,7 +72,7 @@ TEST_F(DataBlockHeads, FileThatEndsWithinTheHeadIsRefusedAtEveryLength) {
   }
 }
 
-TEST_F(DataBlockHeads, WellNumbersAreNotAllocatedOnTheWordOfACount) {
+TEST_F(DataBlockHeads, WellNumbersAreNotAllocatedForAFalseCount) {
   const Bytes record = ByteString().Text("RAWa").Long(18).Short(1);
   CFile& file = open(record);
   std::vector<std::uint16_t> wells = {1};

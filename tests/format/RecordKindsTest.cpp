@@ -30,7 +30,7 @@ TEST(RecordKinds, EveryRowIsInTheFormatDocument) {
   for (const auto& [row, tag] : tags) EXPECT_EQ(TagAt(row), tag) << row;
 }
 
-TEST(RecordKinds, LookupFindsTheLaterRowOfATagThatStandsTwice) {
+TEST(RecordKinds, LookupFindsTheLaterRowOfARepeatedTag) {
   EXPECT_EQ(FindTagIndex(TagOf(Kind::kCellDescription)), static_cast<int>(Kind::kDescription));
   for (const RecordKind& kind : kRecordKinds) {
     if (kind.kind == Kind::kCellDescription) continue;

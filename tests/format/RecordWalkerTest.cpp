@@ -86,7 +86,7 @@ TEST_F(RecordWalker, GoesIntoListsAndCells) {
             "(GLBL(VERS)(PRER))(CELS(CELL(NAME)))");
 }
 
-TEST_F(RecordWalker, GoesByWhatARecordHoldsNotByItsLength) {
+TEST_F(RecordWalker, UsesTheContentOfRecordsNotTheirLength) {
   EXPECT_EQ(walked(RecordDeclaring("PCRV", 99, zeros(2)) + RecordDeclaring("COLR", 1, zeros(3)) +
                    RecordDeclaring("QANT", 7, zeros(4)) + RecordDeclaring("DUSE", 5, zeros(1)) +
                    Record("TPro", "program") + Record("Xyz1", "unknown") + Record("COMM", "")),
@@ -104,7 +104,7 @@ TEST_F(RecordWalker, StepsOverDataBlocksOfBothVersionsAndSpectra) {
   EXPECT_EQ(walked(block("REPt", 0, 0)), "(REPt)");
 }
 
-TEST_F(RecordWalker, GoesOnInAPlateUntilOneOfItsThreeEnds) {
+TEST_F(RecordWalker, WalksAPlateUntilOneOfItsThreeEnds) {
   const std::string end = Record("EOPl", zeros(4));
   EXPECT_EQ(walked(ListRecord("MPLC", 1, plate(Record("Path", "p") + "????" + end))),
             "(MPLC(RQPl(Path)-(EOPl)))");
@@ -127,7 +127,7 @@ TEST_F(RecordWalker, FindsNothingInAFileThatEndsBeforeTheNumberOfRows) {
   EXPECT_EQ(WalkRecordsOf(file_, notes).offset, 4U);
 }
 
-TEST_F(RecordWalker, TellsWhyARecordCannotBeWalkedOver) {
+TEST_F(RecordWalker, ReportsWhyARecordCannotBeWalked) {
   expectFault(Reason::kNoLength, "COMM" + zeros(2));
   expectFault(Reason::kTooDeep, NestedLists("SPEC", 65));
   expectFault(Reason::kBytesMissing, RecordDeclaring("COMM", 10, "abc"), 3, 10);
@@ -142,7 +142,7 @@ TEST_F(RecordWalker, TellsWhyARecordCannotBeWalkedOver) {
   expectFault(Reason::kFramesMissing, cut.substr(0, cut.size() - 1), 1, 2);
 }
 
-TEST_F(RecordWalker, TellsWhyAPlateCannotBeWalkedOver) {
+TEST_F(RecordWalker, ReportsWhyAPlateCannotBeWalked) {
   expectFault(Reason::kBytesMissing, RecordDeclaring("RQPl", 2, zeros(1)), 1, 2);
   expectFault(Reason::kBytesMissing, RecordDeclaring("RQPl", 2, zeros(2) + "Vex2"), 4, 1024);
   expectFault(Reason::kNoPlateEnd, plate("????"));
@@ -155,7 +155,7 @@ TEST_F(RecordWalker, SpectraThatTheFileCutsOffMissBytes) {
   EXPECT_EQ(faultOf(whole).reason, Reason::kBytesMissing);
 }
 
-TEST_F(RecordWalker, EndOfARecordIsWhereTheReaderGoesOn) {
+TEST_F(RecordWalker, EndOfARecordIsWhereTheReaderContinues) {
   put(HeaderBytes() + RecordDeclaring("PCRV", 99, zeros(2)) + RecordDeclaring("COMM", 9, "x"));
   EXPECT_EQ(EndOfRecordAt(file_, kFirstRecord), kFirstRecord + 10);
   EXPECT_EQ(EndOfRecordAt(file_, kFirstRecord + 10), std::nullopt);

@@ -91,7 +91,7 @@ TEST_F(FileLock, ThatIsGivenUpInTimeIsTaken) {
   EXPECT_EQ(files_.pauses, 100);
 }
 
-TEST_F(FileLock, ThatAWriterWaitsForIsNotGivenToReadersWhoComeLater) {
+TEST_F(FileLock, LaterReadersDoNotOvertakeAWaitingWriter) {
   ASSERT_TRUE(first_.Open(path_.c_str(), CFile::modeRead));
   const int later = files_.Open(path_.c_str(), O_RDONLY, 0);
   int refused = 0;
@@ -105,7 +105,7 @@ TEST_F(FileLock, ThatAWriterWaitsForIsNotGivenToReadersWhoComeLater) {
   files_.Close(later);
 }
 
-TEST_F(FileLock, ThatAReaderWaitsForIsNotGivenToWritersWhoComeLater) {
+TEST_F(FileLock, LaterWritersDoNotOvertakeAWaitingReader) {
   ASSERT_TRUE(first_.Open(path_.c_str(), CFile::modeWrite));
   const int later = files_.Open(path_.c_str(), O_RDWR, 0);
   int refused = 0;
@@ -122,7 +122,7 @@ TEST_F(FileLock, ThatAReaderWaitsForIsNotGivenToWritersWhoComeLater) {
   files_.Close(later);
 }
 
-TEST_F(FileLock, IsWaitedForAlsoByWhoHasToWaitForOthersWhoWait) {
+TEST_F(FileLock, IsAwaitedEvenAfterWaitingForOtherWaiters) {
   const int waiting = files_.Open(path_.c_str(), O_RDWR, 0);
   ASSERT_EQ(files_.EnterGate(waiting, true), 0);
   EXPECT_FALSE(opens(CFile::modeRead));
@@ -132,7 +132,7 @@ TEST_F(FileLock, IsWaitedForAlsoByWhoHasToWaitForOthersWhoWait) {
   files_.Close(waiting);
 }
 
-TEST_F(FileLock, AFileIsEmptiedOnlyUnderIt) {
+TEST_F(FileLock, AFileIsEmptiedOnlyWhileItIsLocked) {
   ASSERT_TRUE(first_.Open(path_.c_str(), CFile::modeRead));
   EXPECT_FALSE(opens(kCreate));
   EXPECT_EQ(ReadBytes(path_), ToBytes("content"));
@@ -152,7 +152,7 @@ TEST_F(FileLock, OnAFileThatWasReplacedIsTakenOnTheNewOne) {
   EXPECT_EQ(std::string(text, 11), "new content");
 }
 
-TEST_F(FileLock, OnAFileThatIsReplacedAgainAndAgainIsGivenUpInTime) {
+TEST_F(FileLock, WaitEndsIfTheFileIsReplacedAgainAndAgain) {
   // Replaces the file at the path each time after it was opened.
   struct Replacing : QuickFiles {
     int StatPath(const char* path, struct stat& info) override {
@@ -195,7 +195,7 @@ TEST_F(FileLock, IsGivenUpByEveryWayOfClosing) {
   EXPECT_EQ(files_.pauses, 0);
 }
 
-TEST_F(FileLock, IsDoneWithoutWhereTheFileSystemHasNone) {
+TEST_F(FileLock, IsNotNeededIfTheFileSystemHasNone) {
   for (const int error : {ENOLCK, EOPNOTSUPP, ENOSYS, EINVAL}) {
     files_.FailKind(FileCall::lock, error);
     EXPECT_TRUE(opens(CFile::modeWrite));
@@ -240,7 +240,7 @@ TEST(FileLockOfAnotherProcess, Counts) {
   for (const int end : {go[0], go[1], ready[0], ready[1]}) close(end);
 }
 
-TEST(FileLockOfManyThreads, LetsNobodySeeHalfOfAWrite) {
+TEST(FileLockOfManyThreads, HidesIncompleteWrites) {
   const vex2::test::TempFolder folder;
   const std::string path = folder / "file";
   constexpr std::size_t kSize = 1000;

@@ -66,7 +66,7 @@ class Replacement : public vex2::test::TempFolderTest {
   Saver file_;
 };
 
-TEST_F(Replacement, TakesThePlaceOnlyWhenItIsComplete) {
+TEST_F(Replacement, ReplacesTheFileOnlyWhenItIsComplete) {
   ASSERT_TRUE(file_.OpenReplacement(path_.c_str()));
   EXPECT_EQ(file_.GetFilePath(), path_.c_str());
   EXPECT_EQ(file_.GetLength(), 0U);
@@ -79,7 +79,7 @@ TEST_F(Replacement, TakesThePlaceOnlyWhenItIsComplete) {
   EXPECT_EQ(filesInFolder(), 1);
 }
 
-TEST_F(Replacement, IsOnTheDiskBeforeAndAfterItTakesThePlace) {
+TEST_F(Replacement, IsSyncedBeforeAndAfterTheRename) {
   ASSERT_EQ(save(path_), 0);
   EXPECT_EQ(files_.Changes(), "LWSRS");
 }
@@ -107,20 +107,20 @@ TEST_F(Replacement, ThatFailsAnywhereLeavesTheOldContent) {
   EXPECT_EQ(save(path_), 0) << "usable afterwards";
 }
 
-TEST_F(Replacement, ThatMayNotSurviveAPowerCutIsAFailureToo) {
+TEST_F(Replacement, ThatMayNotSurviveAPowerCutIsAFailure) {
   files_.FailKind(FileCall::syncAll, EIO, 1);
   EXPECT_EQ(save(path_), EIO);
   EXPECT_EQ(contentOf(path_), "new");
   EXPECT_EQ(filesInFolder(), 1);
 }
 
-TEST_F(Replacement, WhereFoldersCannotBeSyncedIsDoneAllTheSame) {
+TEST_F(Replacement, SucceedsWhereFoldersCannotBeSynced) {
   files_.FailKind(FileCall::syncAll, EINVAL, 1);
   EXPECT_EQ(save(path_), 0);
   EXPECT_EQ(contentOf(path_), "new");
 }
 
-TEST_F(Replacement, TakesAnotherNameWhereOneIsTakenAndTriesAgainWhereItIsInterrupted) {
+TEST_F(Replacement, TriesAnotherTemporaryNameAndRetriesInterruptedCalls) {
   struct Taken : FaultyFileSystem {
     int Open(const char* path, int flags, mode_t mode) override {
       if ((flags & O_EXCL) == 0) return FaultyFileSystem::Open(path, flags, mode);

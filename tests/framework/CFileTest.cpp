@@ -289,7 +289,7 @@ TEST_F(File, ADiskThatTakesNothingIsAFailureAndNoEndlessLoop) {
   file_.Abort();
 }
 
-TEST_F(File, PositionsPastFourGiBWork) {
+TEST_F(File, OffsetsPastFourGiBWork) {
   ASSERT_TRUE(file_.Open(path_.c_str(), CFile::modeReadWrite | CFile::modeCreate));
   file_.Seek(kFourGiB + 5, CFile::begin);
   file_.Write("far", 3);
@@ -303,7 +303,7 @@ TEST_F(File, PositionsPastFourGiBWork) {
   EXPECT_EQ(status.size, kFourGiB + 8);
 }
 
-TEST_F(File, RefusalsOfTheSystemAreThrownWithPathAndPlace) {
+TEST_F(File, SystemErrorsAreThrownWithPathAndOffset) {
   FaultyFileSystem files;
   holds("0123456789");
   ASSERT_TRUE(file_.Open(path_.c_str(), CFile::modeReadWrite));
@@ -326,7 +326,7 @@ TEST_F(File, RefusalsOfTheSystemAreThrownWithPathAndPlace) {
   EXPECT_THROW(file_.SyncData(), CFileException);
 }
 
-TEST_F(File, ACloseThatCannotWriteThrowsAndClosesAllTheSame) {
+TEST_F(File, CloseThatCannotWriteThrowsAndClosesTheFile) {
   FaultyFileSystem files;
   ASSERT_TRUE(file_.Open(path_.c_str(), kWriteNew));
   file_.Write("x", 1);

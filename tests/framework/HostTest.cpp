@@ -55,7 +55,7 @@ TEST_F(TempFolderTest, ConsoleHostReadsTheUsersSettings) {
   unsetenv("XDG_CONFIG_HOME");
 }
 
-TEST(SetHost, ReturnsTheOneBeforeAndNullBringsTheConsoleBack) {
+TEST(SetHost, ReturnsThePreviousHostAndNullInstallsTheConsole) {
   Host* const console = GetHost();
   Host mine;
   Host other;

@@ -87,7 +87,7 @@ TEST(List, RemovesAtBothEndsAndInside) {
   EXPECT_EQ(backwards(list), "e");
 }
 
-TEST(List, EntryBehindTheWalkCanBeRemoved) {
+TEST(List, EntryPassedByTheWalkCanBeRemoved) {
   CStringList list;
   for (const char* text : {"a", "b", "c"}) list.AddTail(text);
   for (POSITION at = list.GetHeadPosition(); at != nullptr;) {

@@ -76,7 +76,7 @@ TEST_F(Map, IsWalkedInTheOrderOfItsKeys) {
   EXPECT_EQ(keys(), "a1b2c-");
 }
 
-TEST_F(Map, EntryBehindTheWalkCanBeRemoved) {
+TEST_F(Map, EntryPassedByTheWalkCanBeRemoved) {
   for (const char* key : {"a", "b", "c", "d"}) map_.SetAt(key, &one_);
   CString key;
   Settings* value = nullptr;

@@ -48,7 +48,7 @@ TEST_F(SettingsTest, NumbersAreDecimalOrHexadecimal) {
   EXPECT_EQ(findLine("Name = 4294967295"), number(4294967295));
 }
 
-TEST_F(SettingsTest, AllElseIsText) {
+TEST_F(SettingsTest, OtherValuesAreText) {
   EXPECT_EQ(findLine("Name = \"123\""), text("123"));
   EXPECT_EQ(findLine("Name = \" a b \" "), text(" a b "));
   EXPECT_EQ(findLine("Name = C:\\data"), text("C:\\data"));
@@ -77,7 +77,7 @@ TEST_F(SettingsTest, SectionWithoutTheNameIsAKeyWithoutTheValue) {
   EXPECT_EQ(find("[software\\orbanet scientific\\vex2]"), noValue());
 }
 
-TEST_F(SettingsTest, CommentsAndStrayLinesArePassedOver) {
+TEST_F(SettingsTest, CommentsAndOtherLinesAreSkipped) {
   EXPECT_EQ(findLine("; Name = 1\n# Name = 2\nName\n= 3\n\nName = 4\n"), number(4));
   EXPECT_EQ(find("\xEF\xBB\xBF[Software\\Orbanet Scientific\\Vex2]\nName = 5\n"), number(5));
 }
@@ -106,7 +106,7 @@ TEST_F(SettingsTest, WhatIsNoRegularFileHasNoSettings) {
   EXPECT_EQ(FindSetting(files, kKey, "Name"), Setting());
 }
 
-TEST_F(SettingsTest, HugeLinesDoNotHideOthersAndNothingBehindTheLimitCounts) {
+TEST_F(SettingsTest, HugeLinesDoNotHideOthersAndBytesPastTheLimitDoNotCount) {
   EXPECT_EQ(findLine(std::string(500000, 'x') + "\nName = 1\n"), number(1));
   EXPECT_EQ(findLine("Name = 1\n" + std::string(3 * kSettingsFileLimit, '[')), number(1));
   EXPECT_EQ(findLine(std::string(kSettingsFileLimit, '\n') + "Name = 1\n"), noValue());

@@ -193,7 +193,7 @@ TEST_F(DocumentEditorTest, SettingsAndStatusAreSet) {
   EXPECT_EQ(ErrorOf([&] { editor.SetStatus("done"); }).Class(), lab::ErrorClass::kUsage);
 }
 
-TEST_F(DocumentEditorTest, SetRunStatusEndsARunWhoseRecorderIsGone) {
+TEST_F(DocumentEditorTest, SetRunStatusEndsARunWhoseRecorderHasCrashed) {
   const std::string path = folder_ / "lost.vex";
   lab::RecordingPlan plan;
   plan.plate.wells = {{.number = 1, .name = {}, .sample = "A", .targets = {}}};

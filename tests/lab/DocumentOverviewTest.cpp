@@ -35,7 +35,7 @@ class OverviewTest : public TempFolderTest {
   const std::string path_ = folder_ / "run.vex";
 };
 
-TEST_F(OverviewTest, TellsWhatTheDocumentHolds) {
+TEST_F(OverviewTest, ReturnsWhatTheDocumentHolds) {
   const Document document(Saved());
   const lab::DocumentOverview overview = OverviewOf(document, document.Itself());
   EXPECT_EQ(overview.path, path_);

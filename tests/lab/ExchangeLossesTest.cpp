@@ -87,7 +87,7 @@ TEST_F(ExchangeLosses, ControlCharactersInNamesOfPlatesAreListed) {
   EXPECT_THAT(exported(), HasSubstr("changed: 1 control characters in names of plates"));
 }
 
-TEST_F(ExchangeLosses, OneChannelForSeveralTargetsIsTold) {
+TEST_F(ExchangeLosses, OneChannelForSeveralTargetsIsReported) {
   RecordingPlan plan;
   plan.scale = ReadingScale(1000);
   plan.plate.wells = {{.number = 1,

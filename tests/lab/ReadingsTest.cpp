@@ -70,7 +70,7 @@ TEST_F(ReadingsTest, HaveOneChannelWithoutAName) {
             readings.Meaning()->scale.Measured(readings.At(1, 95, 0)));
 }
 
-TEST_F(ReadingsTest, OfOthersHaveNoMeaning) {
+TEST_F(ReadingsTest, OfOtherProgramsHaveNoMeaning) {
   ForeignRun foreign(path_, 2);
   foreign.Begin();
   foreign.Append();

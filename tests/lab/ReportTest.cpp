@@ -137,7 +137,7 @@ TEST_F(ReportTest, DataOfEntriesAreThoseOfTheDocuments) {
   EXPECT_TRUE(json::parse(ReportDataOf({}, settings))["documents"].empty());
 }
 
-TEST_F(ReportTest, TellsWhyADocumentCannotBeRead) {
+TEST_F(ReportTest, ReportsWhyADocumentCannotBeRead) {
   const json document = dataOf({folder_ / "none.vex"})["documents"][0];
   EXPECT_THAT(document["error"].get<std::string>(), HasSubstr("No such file"));
   ASSERT_EQ(errors_.size(), 1U);

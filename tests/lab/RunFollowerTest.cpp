@@ -87,7 +87,7 @@ TEST_F(RunFollowerTest, WaitsForADocumentThatIsNotThereYet) {
   EXPECT_EQ(follower.State(), FollowState::kRunning);
 }
 
-TEST_F(RunFollowerTest, GivesEachFrameOnceWhileTheRunGoesOn) {
+TEST_F(RunFollowerTest, ReturnsEachFrameOnceDuringTheRun) {
   RunFollower follower(path());
   auto recording = recorder();
   EXPECT_EQ(take(follower), std::vector<std::uint64_t>{});
@@ -118,7 +118,7 @@ TEST_F(RunFollowerTest, BeginsWithTheFrameThatWasAskedFor) {
   EXPECT_EQ(follower.CommittedFrames(), 3U);
 }
 
-TEST_F(RunFollowerTest, GoesOnWhenTheRunIsResumed) {
+TEST_F(RunFollowerTest, ContinuesWhenTheRunIsResumed) {
   RunFollower follower(path());
   record(2);
   EXPECT_EQ(take(follower), (std::vector<std::uint64_t>{0, 1}));
@@ -127,7 +127,7 @@ TEST_F(RunFollowerTest, GoesOnWhenTheRunIsResumed) {
   EXPECT_EQ(take(follower), (std::vector<std::uint64_t>{2}));
 }
 
-TEST_F(RunFollowerTest, LeavesOutWhatAKilledCommitLeftBehind) {
+TEST_F(RunFollowerTest, LeavesOutUncommittedBytesOfAKilledCommit) {
   RunFollower follower(path());
   record(2);
   EXPECT_EQ(take(follower).size(), 2U);
@@ -138,7 +138,7 @@ TEST_F(RunFollowerTest, LeavesOutWhatAKilledCommitLeftBehind) {
   EXPECT_EQ(take(follower), (std::vector<std::uint64_t>{2}));
 }
 
-TEST_F(RunFollowerTest, GoesOnAfterASaveOfTheWholeDocument) {
+TEST_F(RunFollowerTest, ContinuesAfterASaveOfTheWholeDocument) {
   RunFollower follower(path());
   record(3);
   EXPECT_EQ(take(follower).size(), 3U);
@@ -150,7 +150,7 @@ TEST_F(RunFollowerTest, GoesOnAfterASaveOfTheWholeDocument) {
   EXPECT_EQ(take(follower), std::vector<std::uint64_t>{});
 }
 
-TEST_F(RunFollowerTest, GoesOnWhereASaveInPlaceMovedTheFrames) {
+TEST_F(RunFollowerTest, ContinuesAfterASaveInPlaceMovedTheFrames) {
   RunFollower follower(path());
   record(2);
   EXPECT_EQ(take(follower).size(), 2U);
@@ -165,7 +165,7 @@ TEST_F(RunFollowerTest, GoesOnWhereASaveInPlaceMovedTheFrames) {
   EXPECT_EQ(take(follower), (std::vector<std::uint64_t>{2}));
 }
 
-TEST_F(RunFollowerTest, RefusesAnotherRunInThePlaceOfTheFollowedOne) {
+TEST_F(RunFollowerTest, RefusesAnotherRunThatReplacedTheFollowedOne) {
   RunFollower follower(path());
   record(3);
   EXPECT_EQ(take(follower).size(), 3U);

@@ -36,7 +36,7 @@ TEST(RunLog, NeedsAUsableScaleAndCountOnce) {
   }
 }
 
-TEST(RunLog, StatesWhatIsNeededBesides) {
+TEST(RunLog, StatesFurtherLinesIfNeeded) {
   const auto log = RunLog::Find(
       "source=readings\nframes=unknown\nstarted=2026-11-22T08:00:00Z\nchannels=FAM,VIC\n"
       "scale=1000/3\noffset=-12.5\n");

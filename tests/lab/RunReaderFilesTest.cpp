@@ -213,7 +213,7 @@ TEST_F(DamagedRunTest, ABlockThatShrankSinceIsAnError) {
 
 class RefusedRunTest : public DamagedRunTest {};
 
-TEST_F(RefusedRunTest, NothingButAnErrorLeavesTheReader) {
+TEST_F(RefusedRunTest, OnlyErrorsLeaveTheReader) {
   Record(SmallRun(1, 0), path_);
   int refused = 0;
   for (int call = 0;; ++call) {
@@ -232,7 +232,7 @@ TEST_F(RefusedRunTest, NothingButAnErrorLeavesTheReader) {
   EXPECT_GT(refused, 5);
 }
 
-TEST_F(RefusedRunTest, AReadThatFailsTellsItsOffset) {
+TEST_F(RefusedRunTest, FailedReadReportsItsOffset) {
   Record(SmallRun(1, 0), path_);
   const RunReader run(path_);
   FaultyFileSystem files;

@@ -33,7 +33,7 @@ class RunReaderTest : public TempFolderTest {
   std::string path_ = folder_ / "run.vex";
 };
 
-TEST_F(RunReaderTest, TellsWhatTheRecorderWrote) {
+TEST_F(RunReaderTest, ReturnsWhatTheRecorderWrote) {
   const RunPlan plan = SmallRun();
   Record(plan, path_);
   const RunReader run(path_);
@@ -108,7 +108,7 @@ TEST_F(RunReaderTest, KnowsThePositionOfEachRecordedFrame) {
   }
 }
 
-TEST_F(RunReaderTest, KnowsNoPositionsOfForeignReadings) {
+TEST_F(RunReaderTest, ReturnsNoPositionsOfForeignReadings) {
   ForeignRun foreign(path_, 4);
   foreign.Begin();
   foreign.Append();
@@ -208,7 +208,7 @@ TEST_F(RunReaderTest, RefusesAFrameBeyondTheCount) {
   EXPECT_EQ(run.Readings("REPr").FrameCount(), 0U);
 }
 
-TEST_F(RunReaderTest, TellsWhyADocumentCannotBeOpened) {
+TEST_F(RunReaderTest, ReportsWhyADocumentCannotBeOpened) {
   EXPECT_EQ(errorOf(folder_ / "none.vex").Code(), ErrorCode::kNoSuchFile);
   EXPECT_EQ(errorOf(folder_ / "none.vex").SystemErrorNumber(), ENOENT);
   EXPECT_EQ(errorOf("").Code(), ErrorCode::kUsage);
@@ -313,7 +313,7 @@ class StudyReaderTest : public RunReaderTest {
   }
 };
 
-TEST_F(StudyReaderTest, PlatesAnswerTheSameQuestions) {
+TEST_F(StudyReaderTest, PlatesHaveTheSameOperations) {
   const RunReader study(path_);
   EXPECT_TRUE(study.IsStudy());
   EXPECT_EQ(study.FrameCount(), 0U);

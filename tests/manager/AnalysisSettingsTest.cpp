@@ -191,7 +191,7 @@ TEST_F(AnalysisSettings, MapThatIsPutInAgainStays) {
   EXPECT_TRUE(manager_->IsAnalysisAvailableFor(nullptr, "FAM"));
 }
 
-TEST_F(AnalysisSettings, ResetOfThePlatesDestroysMapsThatWereHandedIn) {
+TEST_F(AnalysisSettings, ResetOfThePlatesDestroysTheirMaps) {
   manager_->AddAnalysisSettingsMap("P1", mapOf({"FAM"}));
   manager_->AddAnalysisSettingsMap("P2", mapOf({"FAM", "VIC"}));
   EXPECT_EQ(CountedSettings::living, 3);
@@ -201,7 +201,7 @@ TEST_F(AnalysisSettings, ResetOfThePlatesDestroysMapsThatWereHandedIn) {
   EXPECT_EQ(globalCount(), 2) << "the document's own stay";
 }
 
-TEST_F(AnalysisSettings, ResetOfTheDocumentsOwnKeepsTheMapWhoeverOwnsIt) {
+TEST_F(AnalysisSettings, ResetOfTheDocumentsSettingsKeepsTheMap) {
   CAnalysisSettingsMap* map = mapOf({"FAM"});
   manager_->AddAnalysisSettingsMap(nullptr, map);
   manager_->ResetGlobalAnalysisSettingsMap();

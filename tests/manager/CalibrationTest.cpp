@@ -87,7 +87,7 @@ TEST_F(CalibrationOfADocument, IsReplacedPartByPart) {
   EXPECT_EQ(parts(), "");
 }
 
-TEST_F(CalibrationOfADocument, GoesIntoRecordsThatAreThere) {
+TEST_F(CalibrationOfADocument, IsStoredInExistingRecords) {
   EXPECT_EQ(document_.ReplaceCalibComponent(&dyes_, &background_), kSuccess);
   Vex2PureDye dyes;
   dyes.SetEntryCount(9);
@@ -117,7 +117,7 @@ TEST_F(CalibrationOfADocument, LosesThePartsThatAreRemoved) {
   EXPECT_EQ(TagsOf(document_), "");
 }
 
-TEST_F(CalibrationOfADocument, PartsThatStandAloneAreAppendedToAFile) {
+TEST_F(CalibrationOfADocument, TopLevelPartsAreAppendedToAFile) {
   EXPECT_EQ(document_.AppendPureDye(nullptr, &dyes_), kWriteFailed);
   EXPECT_EQ(document_.AppendBackground((folder_ / "missing/x.vex").c_str(), &background_),
             kWriteFailed);
@@ -130,7 +130,7 @@ TEST_F(CalibrationOfADocument, PartsThatStandAloneAreAppendedToAFile) {
   EXPECT_EQ(parts(), "status -300") << "they are no part of the calibration";
 }
 
-TEST_F(CalibrationOfADocument, AppendedPartsAreThoseGivenAlsoAmongOthersOfTheirKind) {
+TEST_F(CalibrationOfADocument, GivenPartsAreAppendedEvenIfOthersHaveTheirKind) {
   Vex2FileManager writer;
   ASSERT_EQ(writer.SaveToFile(path_.c_str()), kSuccess);
   for (const char name : {'A', 'B', 'C'}) {
@@ -253,7 +253,7 @@ TEST_F(BackgroundInAFile, WithoutOneReceivesTheWholeCalibration) {
   EXPECT_EQ(parts(reader), "dyes 2 background 1");
 }
 
-TEST_F(BackgroundInAFile, OfTheCalibrationIsNotThatWhichStandsAlone) {
+TEST_F(BackgroundInAFile, OfTheCalibrationIsNotTheTopLevelOne) {
   EXPECT_EQ(document_.ReplaceBackground(&background_), kSuccess);
   savedDocument();
   EXPECT_EQ(document_.ReplaceBackground(path_.c_str(), &background_), kSuccess);
@@ -284,7 +284,7 @@ TEST_F(BackgroundInAFile, NeedsNoHeader) {
   }
 }
 
-TEST_F(BackgroundInAFile, OfAnotherSizeIsToldBeforeARefusedWrite) {
+TEST_F(BackgroundInAFile, OfAnotherSizeIsReportedBeforeARefusedWrite) {
   const Bytes before = fileWithBackground();
   FaultyFileSystem files;
   files.RefuseWriters(EACCES);
@@ -295,7 +295,7 @@ TEST_F(BackgroundInAFile, OfAnotherSizeIsToldBeforeARefusedWrite) {
   EXPECT_EQ(ReadBytes(path_), before);
 }
 
-TEST_F(BackgroundInAFile, OfAStudyIsAppendedBehindItsPlates) {
+TEST_F(BackgroundInAFile, OfAStudyIsAppendedAfterItsPlates) {
   Vex2FileManager study;
   document_.SetFilePath("plate.vex");
   ASSERT_TRUE(study.AddRQPlate(&document_, ""));
@@ -307,7 +307,7 @@ TEST_F(BackgroundInAFile, OfAStudyIsAppendedBehindItsPlates) {
   EXPECT_EQ(Slice(after, size, 4), ToBytes("CALI"));
 }
 
-TEST_F(BackgroundInAFile, OfATornFileIsLeftAlone) {
+TEST_F(BackgroundInAFile, IsNotAppendedToACutOffFile) {
   Bytes bytes = fileWithBackground();
   for (const std::size_t cut : {1028U, 1030U, 1033U}) {
     Bytes torn(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(cut));

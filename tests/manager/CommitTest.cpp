@@ -70,7 +70,7 @@ TEST_F(CommitAcqDataFrame, AppendingWithoutABlockMakesOneFromTheFrame) {
   EXPECT_EQ(FirstDifference(file(), Join({StoredHeader(1024), StoredBlock("RAWa", 2, 1)})), "");
 }
 
-TEST_F(CommitAcqDataFrame, FirstOneLeavesRecordsWholeThatHoldMoreThanTheySay) {
+TEST_F(CommitAcqDataFrame, FirstOneKeepsRecordsThatHoldMoreThanTheyDeclare) {
   // The count of a list takes two bytes, although its length field says 1.
   const Bytes list = ByteString().Text("SPEC").Long(1).Short(0);
   WriteBytes(path_, Join({StoredHeader(), list}));
@@ -159,7 +159,7 @@ TEST_F(CommitAcqDataFrame, ReadOnlyFileIsAFailedWrite) {
   EXPECT_EQ(file(), before);
 }
 
-TEST_F(CommitAcqDataFrame, FailedReadIsToldBeforeARefusedWrite) {
+TEST_F(CommitAcqDataFrame, FailedReadIsReportedBeforeARefusedWrite) {
   newRun(2);
   WriteBytes(path_, Slice(StoredHeader(), 0, 70));
   FaultyFileSystem files;
@@ -168,7 +168,7 @@ TEST_F(CommitAcqDataFrame, FailedReadIsToldBeforeARefusedWrite) {
   EXPECT_FALSE(manager_.IsOpen());
 }
 
-TEST_F(CommitAcqDataFrame, FrameThatIsNotThereIsRefusedAndLeavesTheFile) {
+TEST_F(CommitAcqDataFrame, MissingFrameIsRefusedAndLeavesTheFile) {
   run(2, 2);
   const Bytes before = file();
   for (const int index : {-1, 2, INT_MAX, INT_MIN}) {
@@ -178,7 +178,7 @@ TEST_F(CommitAcqDataFrame, FrameThatIsNotThereIsRefusedAndLeavesTheFile) {
   EXPECT_FALSE(manager_.IsOpen());
 }
 
-TEST_F(CommitAcqDataFrame, BlockPositionPast32BitsIsRefusedAndLeavesTheLength) {
+TEST_F(CommitAcqDataFrame, BlockOffsetPast32BitsIsRefusedAndLeavesTheLength) {
   newRun(2);
   const std::uint64_t length = std::uint64_t{1} << 32U;
   std::filesystem::resize_file(path_, length);
@@ -195,14 +195,14 @@ TEST_F(CommitAcqDataFrame, CarriesOnInAFileThatWasReplacedByACopy) {
   EXPECT_EQ(FirstDifference(file(), Join({StoredHeader(1024), StoredBlock("RAWa", 2, 2)})), "");
 }
 
-TEST_F(CommitAcqDataFrame, InANewFileInThePlaceOfTheOldWritesTheWholeBlock) {
+TEST_F(CommitAcqDataFrame, ToAFileThatReplacedTheOldWritesTheWholeBlock) {
   run(2, 1);
   WriteBytes(path_, StoredHeader());
   EXPECT_EQ(append(MakeFrame(2, 1)), kSuccess);
   EXPECT_EQ(FirstDifference(file(), Join({StoredHeader(1024), StoredBlock("RAWa", 2, 2)})), "");
 }
 
-TEST_F(CommitAcqDataFrame, WellCounts0And65535AreNoTrouble) {
+TEST_F(CommitAcqDataFrame, WellCounts0And65535AreAccepted) {
   newRun(0);
   EXPECT_EQ(append(Vex2FrameData()), kSuccess);
   EXPECT_EQ(FirstDifference(file(), Join({StoredHeader(1024), StoredBlock("RAWa", 0, 0)})), "");
@@ -347,7 +347,7 @@ TEST_F(ReadFromAFile, TimeBlockSizeLeadsToTheWellCountButNotToTheFrames) {
   EXPECT_EQ(frame.records[0].leading[1], MakeRecord(0, 0).leading[0]);
 }
 
-TEST_F(ReadFromAFile, TornFrameIsAFailedRead) {
+TEST_F(ReadFromAFile, CutOffFrameIsAFailedRead) {
   run(2, 2);
   Bytes bytes = file();
   bytes.pop_back();

@@ -39,7 +39,7 @@ class DataBlocks : public TempFolderTest {
   const Bytes other_ = ByteString().Text("XXXX").Long(3).Text("abc");
 };
 
-TEST_F(DataBlocks, AppendingWritesTheBlockAtTheEndAndItsTagsPositionInTheHeader) {
+TEST_F(DataBlocks, AppendingWritesTheBlockAtTheEndAndItsOffsetInTheHeader) {
   document({other_});
   Data data(3, 2);
   EXPECT_EQ(manager_.AppendAcquisitionDataBlock(path_.c_str(), &data), kSuccess);
@@ -71,7 +71,7 @@ TEST_F(DataBlocks, AppendingNothingWritesAnEmptyBlock) {
   EXPECT_EQ(FirstDifference(file(), Join({StoredHeader(1024), StoredBlock("RAWa", 0, 0)})), "");
 }
 
-TEST_F(DataBlocks, BlockThatIsWrittenIsTheOneGivenAlsoAmongOthersOfItsTag) {
+TEST_F(DataBlocks, GivenBlockIsWrittenEvenIfOthersHaveItsTag) {
   const auto twoOfEach = {StoredBlock("RAWa", 1, 1), StoredBlock("REPr", 1, 1),
                           StoredBlock("RAWa", 1, 2), StoredBlock("REPr", 1, 2)};
   Data data(3, 1);
@@ -104,7 +104,7 @@ TEST_F(DataBlocks, AppendingNeedsNoPermissionToRead) {
             "");
 }
 
-TEST_F(DataBlocks, FullSaveRecordsThePositionPastTheBlock) {
+TEST_F(DataBlocks, FullSaveStoresTheOffsetPastTheBlock) {
   document({});
   Data data(3, 2);
   EXPECT_EQ(manager_.AppendAcquisitionDataBlock(path_.c_str(), &data), kSuccess);
@@ -114,7 +114,7 @@ TEST_F(DataBlocks, FullSaveRecordsThePositionPastTheBlock) {
   EXPECT_EQ(file().size(), LongAt(file(), 68));
 }
 
-TEST_F(DataBlocks, RemovingIsInMemoryAlone) {
+TEST_F(DataBlocks, RemovingChangesOnlyMemory) {
   document({StoredBlock("REPr", 1, 1)});
   const Bytes before = file();
   EXPECT_EQ(manager_.ReadFromFile(path_.c_str()), kSuccess);
@@ -135,7 +135,7 @@ TEST_F(DataBlocks, ReplacingRawDataWithOffset0AppendsThemAndFillsInTheOffset) {
   EXPECT_FALSE(manager_.IsOpen());
 }
 
-TEST_F(DataBlocks, ReplacingRawDataInPlaceCutsTheFileRightBehindThem) {
+TEST_F(DataBlocks, ReplacingRawDataInPlaceCutsTheFileRightAfterThem) {
   document({other_, StoredBlock("RAWa", 3, 5), other_}, 1035);
   Data data(2, 1);
   EXPECT_EQ(replace(&data, DataRAWa), kSuccess);
@@ -170,7 +170,7 @@ TEST_F(DataBlocks, ReplacingInWhatIsNoDocumentIsAFailedRead) {
   EXPECT_EQ(file(), Bytes(2000, 'x'));
 }
 
-TEST_F(DataBlocks, ReplacingATypeThatIsNoneChangesNothing) {
+TEST_F(DataBlocks, ReplacingAnInvalidTypeChangesNothing) {
   document({});
   Data data(1, 1);
   for (const int row : {-1, 1000}) {
@@ -201,13 +201,13 @@ TEST_F(DataBlocks, ReplacingInAReadOnlyFileIsAFailedWrite) {
   EXPECT_EQ(replace(&data, DataRAWa), kReadFailed) << "this is said first";
 }
 
-TEST_F(DataBlocks, ReportingBlocksEndBeforeBytesTooFewForATag) {
+TEST_F(DataBlocks, ReportingBlocksEndBeforeTooFewBytesForATag) {
   Data data(1, 1);
   document({StoredBlock("REPr", 1, 2), ToBytes("XXX")});
   EXPECT_EQ(replace(&data, DataREPr), kSuccess);
 }
 
-TEST_F(DataBlocks, FailedReadIsToldBeforeARefusedWrite) {
+TEST_F(DataBlocks, FailedReadIsReportedBeforeARefusedWrite) {
   FaultyFileSystem files;
   Data data(1, 1);
   WriteBytes(path_, Slice(StoredHeader(), 0, 70));
@@ -221,7 +221,7 @@ TEST_F(DataBlocks, FailedReadIsToldBeforeARefusedWrite) {
   EXPECT_EQ(replace(&data, DataREPr), kNotFound);
 }
 
-TEST_F(DataBlocks, ReplacingAReportingBlockKeepsTheOthersBehindIt) {
+TEST_F(DataBlocks, ReplacingAReportingBlockKeepsTheOthersAfterIt) {
   document(
       {other_, StoredBlock("RAWa", 1, 2), StoredBlock("REPr", 1, 1), StoredBlock("REPd", 1, 3)},
       1035, 1024);
@@ -243,7 +243,7 @@ TEST_F(DataBlocks, FirstReportingBlockGoesToTheEndOfTheFile) {
             "");
 }
 
-TEST_F(DataBlocks, WhatStoodBehindTheFirstReportingBlockIsCutAndItsOffsetsCleared) {
+TEST_F(DataBlocks, BytesAfterReportingBlocksAreCutOffAndOffsetsCleared) {
   const Bytes reporting = StoredBlock("REPr", 1, 1);
   const auto programAt = static_cast<std::uint32_t>(1024 + reporting.size());
   document({reporting, ByteString().Text("TPro").Long(3).Text("abc"), StoredBlock("RAWa", 1, 1)},
@@ -301,7 +301,7 @@ TEST_F(DataBlocks, WaitForAReplacementEndsBeforeItsTimeIsTraced) {
   EXPECT_EQ(host.calls, "begin now end trace ");
 }
 
-TEST_F(DataBlocks, PositionOfABlockIsThatOfItsTag) {
+TEST_F(DataBlocks, OffsetOfABlockIsThatOfItsTag) {
   document({other_, StoredBlock("REPr", 1, 1), StoredBlock("REPd", 1, 1)});
   ASSERT_EQ(manager_.SafeOpen(path_.c_str(), 0, 0), 1);
   EXPECT_EQ(manager_.findReporterCompOffset(DataREPr), 1035);
@@ -311,7 +311,7 @@ TEST_F(DataBlocks, PositionOfABlockIsThatOfItsTag) {
   EXPECT_EQ(manager_.findReporterCompOffset(DataRAWa), 0);
 }
 
-TEST_F(DataBlocks, PositionInAFileNotLongerThanTheHeaderIs0) {
+TEST_F(DataBlocks, OffsetInAFileNotLongerThanTheHeaderIs0) {
   document({});
   ASSERT_EQ(manager_.SafeOpen(path_.c_str(), 0, 0), 1);
   EXPECT_EQ(manager_.findReporterCompOffset(DataREPr), 0);

@@ -103,7 +103,7 @@ TEST_F(PlateLists, DetectorStaysWhereItsReplacementIsRefused) {
   EXPECT_EQ(detectors(), "a ");
 }
 
-TEST_F(Detectors, ThatAreAppendedStandInTheirOrder) {
+TEST_F(Detectors, AppendedOnesKeepTheirOrder) {
   for (const char* name : {"a", "b", "A"}) {
     const Vex2Detector added = detector(name);
     EXPECT_EQ(document_.AppendDetectorInfo(&added), kSuccess);

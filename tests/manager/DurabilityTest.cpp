@@ -86,7 +86,7 @@ std::string changesIn(const std::vector<FileOperation>& log, const std::string& 
   return changes;
 }
 
-TEST_F(Durability, WhatADiskThatStaysFullTookIsCutOff) {
+TEST_F(Durability, PartialWriteToAFullDiskIsCutOff) {
   OpenedManager manager;
   record(manager, 1);
   const auto expectCutOff = [&](const auto& operation) {
@@ -103,7 +103,7 @@ TEST_F(Durability, WhatADiskThatStaysFullTookIsCutOff) {
   expectCutOff([&] { return manager.AppendBackground(path_.c_str(), &background); });
 }
 
-TEST_F(Durability, CommitPutsTheFrameOnTheDiskBeforeTheLengthThatCountsIt) {
+TEST_F(Durability, CommitSyncsTheFrameBeforeTheLength) {
   OpenedManager manager;
   record(manager, 1);
   FaultyFileSystem files;
@@ -113,7 +113,7 @@ TEST_F(Durability, CommitPutsTheFrameOnTheDiskBeforeTheLengthThatCountsIt) {
             "write@" + end + "+" + std::to_string(80 * kWells) + " barrier write@1028+4 barrier ");
 }
 
-TEST_F(Durability, CommitPutsTheBlockOnTheDiskBeforeItsTagAndThePositionThatLeadsToIt) {
+TEST_F(Durability, CommitSyncsTheBlockBeforeItsTagAndOffset) {
   OpenedManager manager;
   record(manager, 0);
   FaultyFileSystem files;
@@ -123,7 +123,7 @@ TEST_F(Durability, CommitPutsTheBlockOnTheDiskBeforeItsTagAndThePositionThatLead
             "write@1024+" + size + " barrier write@1024+4 barrier write@68+4 barrier ");
 }
 
-TEST_F(Durability, BlockThatIsReplacedInPlaceIsOnTheDiskWhenThatReturns) {
+TEST_F(Durability, BlockReplacedInPlaceIsOnTheDiskOnReturn) {
   OpenedManager manager;
   record(manager, 1);
   // A document with a second hard link is not replaced by a new file.

@@ -56,7 +56,7 @@ TEST_F(EmbeddedPlate, IsPaddedWithOnesAndEndsWithAnEndRecord) {
   EXPECT_EQ(written(), kPaddedHeader + kEnd);
 }
 
-TEST_F(EmbeddedPlate, IsReadAndWrittenWhereTheFileStands) {
+TEST_F(EmbeddedPlate, IsReadAndWrittenAtTheFilePosition) {
   holding("front" + kPaddedHeader + kName + kProgram + kEnd + "behind");
   file_.Seek(5, CFile::begin);
   EXPECT_EQ(plate_.ReadComponentFile(&file_), 0);
@@ -88,7 +88,7 @@ TEST_F(EmbeddedPlate, TheEndRecordsStatusIsTheResult) {
   EXPECT_EQ(read(kName + "EOPl\0\0\0\4x"s), -100);
 }
 
-TEST_F(EmbeddedPlate, AFailedRecordIsLeftOutAndReadingGoesOn) {
+TEST_F(EmbeddedPlate, AFailedRecordIsLeftOutAndReadingContinues) {
   // If the list of plates contains another record, the list ends there, and the record is read as
   // one of the document.
   const std::string other = Record("CALR", "sample");

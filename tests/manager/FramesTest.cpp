@@ -53,7 +53,7 @@ TEST_F(Frames, InitialisingWithTheSameCountKeepsTheFrames) {
   EXPECT_EQ(record, MakeRecord(0, 1));
 }
 
-TEST_F(Frames, InitialisingWithAnotherCountDropsTheFramesAndLeavesTheBodyLength) {
+TEST_F(Frames, InitialisingWithAnotherCountDropsFramesKeepsLength) {
   append(MakeFrame(2, 0));
   const auto before = length(DataREPr);
   initialise(1, DataREPr);
@@ -83,7 +83,7 @@ TEST_F(Frames, AppendedFramesAreNumberedFrom0) {
   }
 }
 
-TEST_F(Frames, SettingAWellWithoutABlockTellsTheUser) {
+TEST_F(Frames, SettingAWellWithoutABlockShowsAMessage) {
   const Vex2WellRecord record = MakeRecord(0, 0);
   EXPECT_FALSE(manager_.SetAcqDataWellRecord(&record, 0, 1, DataRAWa));
   EXPECT_EQ(host_.messages,
@@ -221,7 +221,7 @@ TEST_F(Frames, CountsWithoutABlockAre0) {
   EXPECT_EQ(manager_.GetWellCount(DataRAWa), 0);
 }
 
-TEST_F(Frames, FrameCountByNameIsThatOfTheDocumentForNoNameAnd0ForNoSuchPlate) {
+TEST_F(Frames, FrameCountByNameIs0ForUnknownPlates) {
   append(MakeFrame(2, 0));
   EXPECT_EQ(manager_.GetDataFrameCountByName(nullptr, DataREPr), 1);
   EXPECT_EQ(manager_.GetDataFrameCountByName("plate", DataREPr), 0);

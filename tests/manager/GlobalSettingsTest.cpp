@@ -63,7 +63,7 @@ class GlobalSettings : public TempFolderTest {
   std::string path_ = folder_ / "run.vex";
 };
 
-TEST_F(GlobalSettings, DocumentWithoutThemAnswersTheDefaults) {
+TEST_F(GlobalSettings, DocumentWithoutThemReturnsTheDefaults) {
   CString reference("old");
   int pre = 9;
   int post = 9;
@@ -84,7 +84,7 @@ TEST_F(GlobalSettings, FirstSetterMakesThemWithTheDefaults) {
   EXPECT_EQ(FirstDifference(saved(), defaultSettings(25)), "");
 }
 
-TEST_F(GlobalSettings, ChildrenStandInTheirOrderAndEmptyTextsHaveNone) {
+TEST_F(GlobalSettings, RecordsHaveTheirOrderAndEmptyTextsAreLeftOut) {
   Vex2GlobalComplex info;
   info.SetComment("c", 1);
   info.SetPassiveReference("r", 1);

@@ -200,7 +200,7 @@ TEST_F(Header, ManagersReportRowsAndColumns) {
   EXPECT_EQ(manager_.GetHeaderBytes(), 1024);
 }
 
-TEST_F(Header, EveryFieldIsReadFromItsPlace) {
+TEST_F(Header, EveryFieldIsReadFromItsOffset) {
   const std::string bytes =
       "Vex2\x01\x02\x03\x04"
       "asayrun1plat" +
@@ -316,7 +316,7 @@ TEST_F(Header, WithMoreRowsThanItHoldsIsCutTo1024Bytes) {
   EXPECT_EQ(manager_.GetHeaderRows(), 65535);
 }
 
-TEST_F(Header, AFullSaveRecordsThePositionsPastTheRecords) {
+TEST_F(Header, FullSaveStoresTheOffsetsPastTheRecords) {
   const std::string program = Record("TPro", "steps");
   const std::string block =
       Record("RAWa", "\0\2\0\x0c"s + std::string(12, '\1') + "\0\1\0\x09"s + std::string(80, 'r'));
@@ -335,7 +335,7 @@ TEST_F(Header, AFullSaveRecordsThePositionsPastTheRecords) {
   EXPECT_EQ(manager_.GetHeaderData().acquisitionDataOffset, saved.size());
 }
 
-TEST_F(Header, OtherRecordsLeaveThePositionsAlone) {
+TEST_F(Header, OtherRecordsDoNotChangeTheOffsets) {
   ASSERT_EQ(manager_.SafeOpen(path_.c_str(), 1, 0), 1);
   ASSERT_EQ(manager_.WriteHeaderData(nullptr), 0);
   manager_.SeekToEnd();

@@ -27,7 +27,7 @@ TEST_F(Chooser, CancelledEmptiesThePathAndLeavesTheFolder) {
   EXPECT_EQ(folder_, "before");
 }
 
-TEST_F(Chooser, HandsOnWhatItIsGiven) {
+TEST_F(Chooser, PassesItsArgumentsToTheHost) {
   choose("run.txt", "/home");
   ASSERT_EQ(host_.chooserRequests.size(), 1U);
   const auto& request = host_.chooserRequests[0];
@@ -51,7 +51,7 @@ TEST_F(Chooser, GivesTheFolderWithItsSeparator) {
   EXPECT_EQ(folder_, "C:\\data\\");
 }
 
-TEST_F(Chooser, GivesNoFolderWhereTheTitleIsNotBehindOne) {
+TEST_F(Chooser, ReturnsNoFolderForATitleWithoutOne) {
   for (const auto* title : {"", "run1.vex", "other"}) {
     host_.choice = vex2::ChooserResult{"run1.vex", title};
     EXPECT_TRUE(choose());

@@ -117,7 +117,7 @@ TEST_F(HostileStudy, PlateOf65535RowsIsReadWithinTheFile) {
   EXPECT_EQ(again.GetRQPlateCount(), 1);
 }
 
-TEST_F(HostileStudy, PlateOfLengthZeroHasNoDocumentAndDoesNoHarm) {
+TEST_F(HostileStudy, PlateOfLengthZeroHasNoDocument) {
   EXPECT_EQ(read(RecordDeclaring("MPLC", 12, BigEndian(1, 2) + RecordDeclaring("RQPl", 0, "")) +
                  Record("CALR", "x")),
             0);
@@ -146,7 +146,7 @@ TEST_F(HostileStudy, PlateIsAnEmptyListWhateverItsLengthAndCountSay) {
   EXPECT_EQ(LongAt(bytes, kPlates + 18) >> 16U, 0U);
 }
 
-TEST_F(HostileStudy, LengthNearItsLimitKeepsThePlatesAndWhatStandsBehindThem) {
+TEST_F(HostileStudy, LengthNearItsLimitKeepsPlatesAndLaterRecords) {
   const std::string behind = Record("CALR", "x");
   EXPECT_EQ(read(RecordDeclaring("MPLC", 0xFFFFFFF6U, BigEndian(1, 2) + plate("")) + behind), 0);
   EXPECT_EQ(read_.GetRQPlateCount(), 1);

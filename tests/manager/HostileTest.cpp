@@ -181,7 +181,7 @@ TEST_F(Hostile, EveryRefusedReadIsAStatus) {
   }
 }
 
-TEST_F(Hostile, EveryRefusedStepOfASaveIsAStatusAndTheOldDocumentStands) {
+TEST_F(Hostile, EveryFailedStepOfASaveKeepsTheOldDocument) {
   ASSERT_EQ(read(DocumentOf(kNameRecord + Record("COMM", std::string(600'000, 'c')))), 0);
   const std::string target = folder_ / "target.vex";
   const Bytes old = DocumentOf(Record("NAME", "old"));
@@ -240,7 +240,7 @@ TEST_F(Hostile, TestsOfTheKindAnswerWhenTheDiskDoesNot) {
   manager_.Close();
 }
 
-TEST_F(Hostile, PipesAndFoldersInADocumentsPlaceDoNotHang) {
+TEST_F(Hostile, PipesAndFoldersInsteadOfDocumentsDoNotHang) {
   ASSERT_EQ(mkfifo(path_.c_str(), 0600), 0);
   EXPECT_EQ(readAgain(), -100);
   EXPECT_EQ(manager_.ReadFromFile(path_.c_str()), 0) << "it opened";
@@ -257,7 +257,7 @@ TEST_F(Hostile, AFullDeviceIsAFailedWrite) {
   EXPECT_EQ(manager_.SaveToFile("/dev/null"), 0);
 }
 
-TEST_F(Hostile, PositionsPast32BitsFailTheWrite) {
+TEST_F(Hostile, OffsetsPast32BitsFailTheWrite) {
   // A placeholder is written as a hole, which takes no disk space, but it increases the offset of
   // the next record.
   vex2::test::OpenedManager document;

@@ -57,27 +57,27 @@ TEST_F(LastFileError, IsNoneInTheBeginningAndAfterSuccess) {
   expectNone();
 }
 
-TEST_F(LastFileError, TellsAMissingFile) {
+TEST_F(LastFileError, ReportsAMissingFile) {
   const std::string missing = folder_ / "none.vex";
   EXPECT_EQ(manager_.ReadFromFile(missing.c_str()), kReadFailed);
   expect(Reason::kSystem, Doing::kOpen, ENOENT, missing);
 }
 
-TEST_F(LastFileError, TellsARefusedLockWithoutASystemError) {
+TEST_F(LastFileError, ReportsARefusedLockWithoutASystemError) {
   CFile other;
   ASSERT_TRUE(other.Open(path_.c_str(), CFile::modeReadWrite));
   EXPECT_EQ(manager_.ReadFromFile(path_.c_str()), kReadFailed);
   expect(Reason::kLocked, Doing::kLock, 0, path_);
 }
 
-TEST_F(LastFileError, TellsALockThatTheSystemCannotGrant) {
+TEST_F(LastFileError, ReportsALockThatTheSystemCannotGrant) {
   FaultyFileSystem files;
   files.FailKind(FileCall::lock, EIO);
   EXPECT_EQ(manager_.ReadFromFile(path_.c_str()), kReadFailed);
   expect(Reason::kSystem, Doing::kLock, EIO, path_);
 }
 
-TEST_F(LastFileError, TellsAFileThatIsNoDocument) {
+TEST_F(LastFileError, ReportsAFileThatIsNoDocument) {
   EXPECT_EQ(append(), kSuccess);
   WriteBytes(path_, Bytes(2000, 'x'));
   const std::function<int()> operations[] = {
@@ -94,7 +94,7 @@ TEST_F(LastFileError, TellsAFileThatIsNoDocument) {
   expect(Reason::kNotADocument, Doing::kRead, 0, path_);
 }
 
-TEST_F(LastFileError, TellsARefusedRead) {
+TEST_F(LastFileError, ReportsARefusedRead) {
   EXPECT_EQ(append(), kSuccess);
   FaultyFileSystem files;
   files.FailKind(FileCall::read, EIO);
@@ -105,7 +105,7 @@ TEST_F(LastFileError, TellsARefusedRead) {
   expect(Reason::kSystem, Doing::kRead, EIO, path_);
 }
 
-TEST_F(LastFileError, TellsAFullDiskAndWhere) {
+TEST_F(LastFileError, ReportsAFullDiskAndWhere) {
   EXPECT_EQ(append(), kSuccess);
   const std::uint64_t end = ReadBytes(path_).size();
   FaultyFileSystem files;
@@ -125,7 +125,7 @@ TEST_F(LastFileError, IsTheFirstOfAnOperation) {
   expect(Reason::kSystem, Doing::kWrite, ENOSPC, path_);
 }
 
-TEST_F(LastFileError, TellsAFailedSyncAndThatNothingIsWrittenAfterIt) {
+TEST_F(LastFileError, ReportsAFailedSyncAndRefusesFurtherWrites) {
   EXPECT_EQ(append(), kSuccess);
   FaultyFileSystem files;
   files.FailKind(FileCall::syncData, EIO);
@@ -136,14 +136,14 @@ TEST_F(LastFileError, TellsAFailedSyncAndThatNothingIsWrittenAfterIt) {
   expect(Reason::kFailedSyncBefore, Doing::kSync, 0, path_);
 }
 
-TEST_F(LastFileError, TellsARefusedRename) {
+TEST_F(LastFileError, ReportsARefusedRename) {
   FaultyFileSystem files;
   files.FailKind(FileCall::rename, EIO);
   EXPECT_EQ(manager_.SaveToFile(path_.c_str()), kWriteFailed);
   expect(Reason::kSystem, Doing::kRename, EIO, path_);
 }
 
-TEST_F(LastFileError, TellsARefusedBackup) {
+TEST_F(LastFileError, ReportsARefusedBackup) {
   WriteBytes(path_, Join({StoredHeader(), Bytes(6, 'x')}));
   EXPECT_EQ(manager_.ReadFromFile(path_.c_str()), kSuccess);
   ASSERT_FALSE(manager_.IsWhole());
@@ -153,7 +153,7 @@ TEST_F(LastFileError, TellsARefusedBackup) {
   expect(Reason::kSystem, Doing::kCreate, ENOSPC, path_ + ".backup");
 }
 
-TEST_F(LastFileError, TellsAFileThatMayOnlyBeRead) {
+TEST_F(LastFileError, ReportsAReadOnlyFile) {
   EXPECT_EQ(append(), kSuccess);
   FaultyFileSystem files;
   files.RefuseWriters(EROFS);
@@ -161,14 +161,14 @@ TEST_F(LastFileError, TellsAFileThatMayOnlyBeRead) {
   expect(Reason::kSystem, Doing::kOpen, EROFS, path_);
 }
 
-TEST_F(LastFileError, TellsMemoryThatRunsOut) {
+TEST_F(LastFileError, ReportsThatMemoryRanOut) {
   FaultyFileSystem files;
   files.FailKind(FileCall::read, FaultyFileSystem::kNoMemory);
   EXPECT_EQ(append(), kReadFailed);
   expect(Reason::kNoMemory, Doing::kNone, 0, "");
 }
 
-TEST_F(LastFileError, TellsAMissingPathAndAFileThatIsNotOpen) {
+TEST_F(LastFileError, ReportsAMissingPathAndAFileThatIsNotOpen) {
   EXPECT_EQ(manager_.SafeOpen(nullptr, 0, 0), 0);
   expect(Reason::kNoPath, Doing::kOpen, 0, "");
   EXPECT_EQ(manager_.SaveHeader(nullptr, manager_.GetHeaderData()), kWriteFailed);
@@ -199,7 +199,7 @@ TEST_F(LastFileError, IsNotCopied) {
   EXPECT_EQ(copy.GetFilePath(), CString(missing));
 }
 
-TEST_F(LastFileError, OfAStudyTellsAReadThatWasRefusedInAPlate) {
+TEST_F(LastFileError, OfAStudyReportsARefusedReadInAPlate) {
   Vex2FileManager study;
   SetAssay(study, "RQSt");
   Vex2FileManager plate = PlateAt("/runs/one.vex");

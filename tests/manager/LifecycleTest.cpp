@@ -78,7 +78,7 @@ TEST_F(Lifecycle, AFileNoLongerThanTheHeaderHoldsNoComponents) {
   }
 }
 
-TEST_F(Lifecycle, AFileThatIsNoDocumentReadsAsEmptyAndReadFromFileSaysSuccess) {
+TEST_F(Lifecycle, AFileThatIsNoDocumentReadsAsEmptyWithSuccess) {
   holds(kName);
   ASSERT_EQ(manager_.ReadFromFile(path_.c_str()), 0);
   ASSERT_EQ(manager_.GetAllComponentCount(), 1);
@@ -107,7 +107,7 @@ TEST_F(Lifecycle, AFailedBodyEndsTheReadingAndWhatWasBeforeStays) {
   EXPECT_FALSE(manager_.IsOpen());
 }
 
-TEST_F(Lifecycle, StrayBytesBehindTheLastRecordEndTheReadingWithoutAStatus) {
+TEST_F(Lifecycle, BytesAfterTheLastRecordEndTheReadingWithSuccess) {
   for (const auto* stray : {"N", "NA", "NAM"}) {
     holds(kVersion + stray);
     EXPECT_EQ(readStatus(), 0) << stray;
@@ -139,7 +139,7 @@ TEST_F(Lifecycle, RecordsThatDeclareMoreThanTheyHoldEndTheReadingEarly) {
   EXPECT_EQ(tagsOf(manager_), "SPEC|");
 }
 
-TEST_F(Lifecycle, TheLastUnknownRecordMayEndBehindTheFile) {
+TEST_F(Lifecycle, LastUnknownRecordMayEndPastTheFile) {
   holds(kVersion + RecordDeclaring("Zzzz", 0xFFFFFFFF, "x"));
   EXPECT_EQ(readStatus(), 0);
   EXPECT_EQ(tagsOf(manager_), "VERS|");
@@ -265,7 +265,7 @@ TEST_F(Lifecycle, SafeOpenForWritingCreatesAndEmpties) {
   EXPECT_EQ(manager_.GetLength(), 0U);
 }
 
-TEST_F(Lifecycle, SafeOpenForAppendingCreatesAndStandsAtTheEnd) {
+TEST_F(Lifecycle, SafeOpenForAppendingCreatesAndSeeksToTheEnd) {
   EXPECT_EQ(manager_.SafeOpen(path_.c_str(), 1, 1), 1);
   EXPECT_EQ(manager_.GetPosition(), 0U);
   WriteBytes(path_, ToBytes("old"));
@@ -337,7 +337,7 @@ TEST_F(Lifecycle, ReadingShowsTheWaitCursorAndTracesItsTime) {
   EXPECT_EQ(host_.waitsEnded, 2);
 }
 
-TEST_F(Lifecycle, AcquisitionDataAreAvailableWhenTheStatusAndThePositionSaySo) {
+TEST_F(Lifecycle, AcquisitionDataIsAvailableByStatusAndOffset) {
   EXPECT_FALSE(manager_.IsAcquisitionDataAvailable());
   Vex2HeaderData header;
   header.acquisitionDataOffset = 1024;

@@ -73,7 +73,7 @@ TEST_F(PartlyRead, NewManagerAndWholeDocumentAreWhole) {
   EXPECT_EQ(filesInFolder(), 1U);
 }
 
-TEST_F(PartlyRead, FaultTellsWhereAndWhy) {
+TEST_F(PartlyRead, FaultHasOffsetAndReason) {
   const std::uint64_t second = 1024 + kCalibrator.size();
   expectFault(kCalibrator + RecordDeclaring("ENDO", 5000, "cut"), second,
               "the record cannot be read");
@@ -210,7 +210,7 @@ TEST_F(PartlyRead, CopyOfTheManagerKeepsTheFault) {
   EXPECT_EQ(ReadBytes(backup_), before);
 }
 
-TEST_F(PartlyRead, BackupNeverTakesThePlaceOfAnother) {
+TEST_F(PartlyRead, BackupNeverReplacesAnother) {
   const Bytes before = writeDamaged();
   for (const char* taken : {"", "-2"}) WriteBytes(backup_ + taken, ToBytes("kept"));
   Vex2FileManager document;
@@ -261,7 +261,7 @@ TEST_F(PartlyRead, FileThatTheManagerHoldsOpenIsBackedUp) {
   EXPECT_EQ(ReadBytes(backup_), ToBytes("half"));
 }
 
-TEST_F(PartlyRead, FailedReadIsToldBeforeAFailedBackup) {
+TEST_F(PartlyRead, FailedReadIsReportedBeforeAFailedBackup) {
   writeDamaged();
   Vex2FileManager document;
   ASSERT_EQ(document.ReadFromFile(path_.c_str()), kSuccess);

@@ -81,7 +81,7 @@ TEST_F(SpectrumTest, OfANegativeCountTakesNoReadings) {
   EXPECT_EQ(spectrum.values[0], 0U);
 }
 
-TEST_F(SpectrumTest, ThatIsNotThereIsMarkedAndKeepsItsValues) {
+TEST_F(SpectrumTest, ThatIsMissingIsMarkedAndKeepsItsValues) {
   setRecord({1, 2, 3});
   KestorSpectrum spectrum(36);
   spectrum.values[0] = 5;
@@ -96,7 +96,7 @@ TEST_F(SpectrumTest, ThatIsNotThereIsMarkedAndKeepsItsValues) {
   EXPECT_FALSE(document_.LoadSpectrum(nullptr, nullptr));
 }
 
-TEST_F(SpectrumTest, OfAPlateThatIsNotThereIsTheDocumentsOwn) {
+TEST_F(SpectrumTest, OfAMissingPlateIsThatOfTheDocument) {
   setRecord({7});
   document_.SetFilePath("C:\\runs\\plate.vex");
   Vex2FileManager study;

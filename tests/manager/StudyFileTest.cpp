@@ -56,7 +56,7 @@ TEST_F(StudyFileTest, LengthGrowsByTenForEachPlateAtEveryRead) {
   }
 }
 
-TEST_F(StudyFileTest, StudyReadsBackWithWhatStandsBehindItsPlates) {
+TEST_F(StudyFileTest, StudyReadsBackWithTheRecordsAfterItsPlates) {
   add("C:\\runs\\a.vex", "date of a");
   add("C:\\runs\\b.vex", "date of b");
   EXPECT_EQ(study_.SetCalibrator("behind"), kSuccess);

@@ -93,7 +93,7 @@ TEST_F(ThermocycleDocument, TrailingZeroByteSurvivesReadSaveAndReadAgain) {
   EXPECT_EQ(programOf(third), bytes.substr(0, 6));
 }
 
-TEST_F(ThermocycleDocument, FullSaveRecordsThePositionPastTheProgram) {
+TEST_F(ThermocycleDocument, FullSaveStoresTheOffsetPastTheProgram) {
   setProgram("program");
   EXPECT_EQ(manager_.SaveToFile(path_.c_str()), kSuccess);
   EXPECT_EQ(LongAt(ReadBytes(path_), 24), 1024U + 15);

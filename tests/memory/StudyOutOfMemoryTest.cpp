@@ -165,7 +165,7 @@ TEST_F(StudyOutOfMemory, WhileSettingsAreAskedOrChangedIsAsIfThereWereNone) {
   });
 }
 
-TEST_F(StudyOutOfMemory, WhileResettingDestroysAllTheSame) {
+TEST_F(StudyOutOfMemory, WhileResettingStillDestroysEverything) {
   const AllocationSweep sweep{prepareStudy(), [](OpenedManager& study) { return study.Reset(); },
                               [](OpenedManager& study, int status) {
                                 EXPECT_EQ(status, 0);

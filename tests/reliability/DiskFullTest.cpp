@@ -64,7 +64,7 @@ class FileSizeLimit {
   void (*before_)(int);
 };
 
-TEST_F(DiskFull, ALimitOnTheSizeOfFilesLeavesTheFramesAndTheRunGoesOnAboveIt) {
+TEST_F(DiskFull, LimitOnTheSizeOfFilesKeepsFramesAndRunCanContinue) {
   SweepResult result = resultOf("a limit on the size of files, in the midst of each call");
   const std::size_t frame = 80UL * wells_;
   const std::size_t head = documentOf(1).size() - frame;
@@ -130,7 +130,7 @@ TEST_F(DiskFull, TransfersThatAreCutShortAndInterruptedAreCarriedThrough) {
   ReportSweep(result);
 }
 
-TEST_F(DiskFull, AfterAnyPartOfAnyWriteLeavesTheFramesAndTheRunGoesOnLater) {
+TEST_F(DiskFull, AfterAnyPartOfAnyWriteKeepsFramesAndRunCanContinue) {
   SweepResult result = resultOf("ENOSPC after each part of each write");
   FaultyFileSystem files;
   const auto start = [&](OpenedManager& manager, std::size_t most) {
@@ -196,7 +196,7 @@ class SmallDisk : public DiskFull {
   }
 };
 
-TEST_F(SmallDisk, ThatIsFullLeavesTheFramesAndTheRunGoesOnWhenThereIsRoom) {
+TEST_F(SmallDisk, ThatIsFullKeepsFramesAndRunContinuesWhenThereIsRoom) {
   const int status = EndOfProcess([this] { return fillAndGoOn(); });
   ASSERT_TRUE(WIFEXITED(status)) << status;
   if (WEXITSTATUS(status) == kNoFileSystem) {

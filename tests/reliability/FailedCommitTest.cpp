@@ -143,7 +143,7 @@ TEST_F(CommitBehindLeftovers, ThatFailsLeavesTheLength) {
   }
 }
 
-TEST_F(CommitBehindLeftovers, LeavesWhatIsMoreThanAFrameOrARecordOfItsOwn) {
+TEST_F(CommitBehindLeftovers, KeepsMoreThanAFrameAndWholeRecords) {
   const Bytes name = ByteString().Text("NAME").Long(4).Text("name");
   const Bytes frame = StoredFrame(MakeFrame(wells_, 2));
   Bytes block = StoredBlock("RAWa", wells_, 2);
@@ -157,7 +157,7 @@ TEST_F(CommitBehindLeftovers, LeavesWhatIsMoreThanAFrameOrARecordOfItsOwn) {
   }
 }
 
-TEST_F(CommitBehindLeftovers, WritesOverWhatThereIsOfAFirstBlock) {
+TEST_F(CommitBehindLeftovers, OverwritesAnIncompleteFirstBlock) {
   const Bytes block = StoredBlock("RAWa", wells_, 1);
   const Bytes other = ByteString().Text("NAME").Long(4).Text("name");
   const auto write = [&](const Bytes& there) {
@@ -179,7 +179,7 @@ TEST_F(CommitBehindLeftovers, WritesOverWhatThereIsOfAFirstBlock) {
   }
 }
 
-TEST_F(CommitBehindLeftovers, FindsWhatThereIsOfAFirstBlockBehindUnknownRecords) {
+TEST_F(CommitBehindLeftovers, FindsAnIncompleteFirstBlockAfterUnknownRecords) {
   const Bytes other = ByteString().Text("OTHR").Long(4).Text("mine");
   Bytes untagged = StoredBlock("RAWa", wells_, 1);
   std::fill_n(untagged.begin(), 4, std::uint8_t{0});
@@ -190,7 +190,7 @@ TEST_F(CommitBehindLeftovers, FindsWhatThereIsOfAFirstBlockBehindUnknownRecords)
             "");
 }
 
-TEST_F(CommitBehindLeftovers, LeavesWhatItsManagerHasCommittedThoughTheLengthDoesNotCountIt) {
+TEST_F(CommitBehindLeftovers, KeepsFramesItCommittedThatNoLengthCounts) {
   OpenedManager manager;
   begin(manager);
   for (int i = 0; i < 3; ++i) {
@@ -210,7 +210,7 @@ TEST_F(CommitBehindLeftovers, LeavesWhatItsManagerHasCommittedThoughTheLengthDoe
       "");
 }
 
-TEST_F(CommitBehindLeftovers, AppendedBlocksWriteOverWhatThereIsOfAFirstOneToo) {
+TEST_F(CommitBehindLeftovers, AppendedBlocksOverwriteAnIncompleteFirstBlock) {
   Vex2FrameData frames[] = {MakeFrame(wells_, 0)};
   const Vex2AcquisitionData data{frames, 1};
   const Bytes block = StoredBlock("RAWa", wells_, 1);

@@ -36,7 +36,7 @@ class FailedSync : public RunOnDisk {
   FaultyFileSystem files_;
 };
 
-TEST_F(FailedSync, AnywhereEndsTheCommitsToThatFileAndLeavesTheDocumentInMemory) {
+TEST_F(FailedSync, AnywhereEndsCommitsToTheFileAndKeepsTheDocument) {
   const std::string copy = folder_ / "copy.vex";
   SweepResult result{.promise = "a sync fails",
                      .sweep = "EIO at each sync of a run, once and from then on"};
@@ -86,7 +86,7 @@ class FilesOfOneNumber : public FaultyFileSystem {
   }
 };
 
-TEST_F(FailedSync, SaysNothingOfANewFileThatGotTheNumberOfTheOldOne) {
+TEST_F(FailedSync, DoesNotAffectANewFileWithTheNumberOfTheOldOne) {
   FilesOfOneNumber files;
   OpenedManager manager;
   record(manager, 1);
@@ -111,7 +111,7 @@ TEST_F(FailedSync, RefusesEveryChangeOfTheFile) {
   EXPECT_FALSE(manager.IsOpen());
 }
 
-TEST_F(FailedSync, IsToldToTheUserOnceAndTracedAfterwards) {
+TEST_F(FailedSync, IsShownToTheUserOnceAndTracedAfterwards) {
   OpenedManager manager;
   failOneCommit(manager);
   EXPECT_EQ(commit(manager, 1), kWriteFailed);
@@ -153,7 +153,7 @@ TEST_F(FailedSync, ConcernsNoOtherFileAndNoOtherManager) {
   EXPECT_EQ(commit(copy, 1), kSuccess) << "nor does a copy of this one";
 }
 
-TEST_F(FailedSync, IsOverWhenAWholeDocumentIsSavedInItsPlace) {
+TEST_F(FailedSync, IsOverWhenAWholeDocumentReplacesTheFile) {
   OpenedManager manager;
   failOneCommit(manager);
   files_.FailKind(FileCall::syncAll, EIO, 0, true);

@@ -11,7 +11,7 @@ constexpr std::size_t kSmall = std::size_t{16} * 1024;
 
 using FlippedBits = DamagedDocument;
 
-TEST_P(FlippedBits, HaveAStatusAndHurtNothing) {
+TEST_P(FlippedBits, HaveAStatusAndBreakNothing) {
   std::vector<std::size_t> places = StructureOf(whole_).bytes;
   if (whole_.size() <= kSmall) {
     places.resize(whole_.size());

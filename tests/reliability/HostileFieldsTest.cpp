@@ -33,7 +33,7 @@ class HostileFields : public DamagedDocument {
   }
 };
 
-TEST_P(HostileFields, AreOnlyBelievedAsFarAsThereAreBytes) {
+TEST_P(HostileFields, AreTrustedOnlyUpToTheBytesThatExist) {
   const auto step = static_cast<std::size_t>(InFullSweeps(1, 23));
   std::size_t turn = 0;
   const std::vector<Field> fields = StructureOf(whole_).fields;

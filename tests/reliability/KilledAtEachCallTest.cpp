@@ -74,7 +74,7 @@ class KilledAtEachCall : public RunOnDisk, public testing::WithParamInterface<st
   Bytes whole_;
 };
 
-TEST_P(KilledAtEachCall, LeavesEveryCommittedFrameAndCanBeGoneOnWith) {
+TEST_P(KilledAtEachCall, KeepsEveryCommittedFrameAndCanBeResumed) {
   const auto calls = callsOfARun();
   ASSERT_GE(calls.size(), 4U * kFrames);
   struct Point {

@@ -192,7 +192,7 @@ class HeldBackRename : public FileSystem {
   std::atomic<bool> isAsked_{false};
 };
 
-TEST_F(TwoPrograms, AWriterWhoWaitedForASaveWritesToTheNewFile) {
+TEST_F(TwoPrograms, WriterThatWaitedForASaveWritesToTheNewFile) {
   const int rounds = InFullSweeps(100, 5);
   int bad = 0;
   for (int round = 1; round <= rounds; ++round) {

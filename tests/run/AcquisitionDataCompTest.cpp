@@ -199,7 +199,7 @@ TEST(AcquisitionDataComp, SameWellCountKeepsTheFrames) {
   EXPECT_EQ(block.GetFrame(0)[1], MakeRecord(0, 1));
 }
 
-TEST(AcquisitionDataComp, MissingFramesBehindALengthThatOutlivedThemAreZero) {
+TEST(AcquisitionDataComp, MissingFramesThatTheLengthStillCountsAreZero) {
   const auto many = WellNumbers(384);
   const std::uint16_t one = 1;
   AcquisitionDataComp block("RAWa", many.data(), 384);

@@ -45,7 +45,7 @@ TEST(Vex2GlobalComplex, SettersCopyTheBytesAndTheLength) {
   EXPECT_EQ(text(info.logData, info.logLength), "log");
 }
 
-TEST(Vex2GlobalComplex, CommentAndPassiveReferenceHaveASpareByteThatIsNoTerminatorOfTheirLength) {
+TEST(Vex2GlobalComplex, CommentAndPassiveReferenceHaveASpareByte) {
   Vex2GlobalComplex info;
   info.SetComment("abc", 3);
   info.SetPassiveReference("de", 2);

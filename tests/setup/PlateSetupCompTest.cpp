@@ -46,7 +46,7 @@ TEST_F(PlateSetup, OfNoWellsIsTwoZeroBytesAndReadsBackAsNoArray) {
   EXPECT_EQ(back.cells, nullptr);
 }
 
-TEST_F(PlateSetup, AloneAnswersToBeingOne) {
+TEST_F(PlateSetup, IsTheOnlyComponentThatReportsToBeOne) {
   EXPECT_TRUE(CPlateSetupComp().IsPlateSetupComp());
   EXPECT_FALSE(CCellComp().IsPlateSetupComp());
 }
@@ -194,7 +194,7 @@ TEST_F(PlateSetup, OfMoreDetectorsThanAWellCanCountIsRefused) {
   EXPECT_THROW(CCellComp{well}, std::length_error);
 }
 
-TEST_F(PlateSetup, TrustsNoTagForTheClassBehindIt) {
+TEST_F(PlateSetup, DoesNotTrustTagsForTheClass) {
   Vex2PlateSetup setup;
   setup.Resize(1);
   CPlateSetupComp component(setup);
@@ -225,7 +225,7 @@ TEST_F(PlateSetup, WithACellMissingIsUnreadable) {
   EXPECT_EQ(setup.Read(&Holding(Record("CELS", "\0"s))), -100);
 }
 
-TEST_F(PlateSetup, WithATornCellIsUnreadable) {
+TEST_F(PlateSetup, WithACutOffCellIsUnreadable) {
   for (std::size_t kept = 0; kept < 7; ++kept) {
     CPlateSetupComp setup;
     const std::string body = cellBody(0, 0, 0, 1, "").substr(0, kept);

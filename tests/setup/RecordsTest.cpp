@@ -55,7 +55,7 @@ TEST(WellText, ThatIsShorterTakesTheOldBuffer) {
   EXPECT_EQ(detector.taskLength, 4);
 }
 
-TEST(WellText, ThatIsEmptyNeedsNoBufferAndKeepsOneThatIsThere) {
+TEST(WellText, ThatIsEmptyNeedsNoBufferAndKeepsAnExistingOne) {
   Vex2WellSetup well;
   well.SetName("", 0);
   EXPECT_EQ(well.name, nullptr);
@@ -85,7 +85,7 @@ TEST(WellText, OfANegativeLengthIsHeldAndLeavesTheCharacters) {
   EXPECT_EQ(other.name, nullptr);
 }
 
-TEST(WellText, MayBePartOfTheOneBefore) {
+TEST(WellText, MayBePartOfTheOldText) {
   Vex2WellSetup well;
   well.SetName("sample 7", 8);
   well.SetName(well.name + 7, 1);

@@ -94,7 +94,7 @@ TEST_F(Calibration, PureDyesHaveAReservedWordBeforeTheExtraWords) {
   EXPECT_EQ(Written(component), Record("PDYE", dyeHead(2) + kDyeEntry + std::string(16, '\0')));
 }
 
-TEST_F(Calibration, BackgroundHasAllReservedWordsBehindTheExtraWords) {
+TEST_F(Calibration, BackgroundHasAllReservedWordsAfterTheExtraWords) {
   Vex2BGC background;
   fill(background);
   CBackgroundComp component(background);
@@ -130,7 +130,7 @@ TEST_F(Calibration, GivesBackWhatItWasMadeFrom) {
   EXPECT_EQ(entry.values[1], std::bit_cast<std::uint32_t>(2.0F));
 }
 
-TEST_F(Calibration, KeepsReservedWordsThatWereReadAlsoInACopy) {
+TEST_F(Calibration, KeepsReservedWordsThatWereReadEvenInACopy) {
   const std::string dyes = Record("PDYE", dyeHead(1, 'r') + kDyeEntry);
   CPureDyeComp pureDye;
   ASSERT_EQ(pureDye.Read(&Holding(dyes)), 0);
@@ -187,14 +187,14 @@ TEST_F(Calibration, CutShortAnywhereIsAShortRead) {
   }
 }
 
-TEST_F(Calibration, EntriesThatAreNotThereTakeNoMemory) {
+TEST_F(Calibration, MissingEntriesTakeNoMemory) {
   CPureDyeComp component;
   EXPECT_EQ(component.Read(&Holding(Record("PDYE", dyeHead(65535)))), -100);
   EXPECT_EQ(component.GetRecord().entries, nullptr);
   EXPECT_EQ(statusOf<CBackgroundComp>(Record("BKGD", backgroundHead(65535))), -100);
 }
 
-TEST_F(Calibration, NameAndValuesThatAreNotThereAreAShortRead) {
+TEST_F(Calibration, MissingNameAndValuesAreAShortRead) {
   const std::string fixed = "\0\x01\0\x02\0\x03\0\xBD"s;
   EXPECT_EQ(statusOf<CBackgroundComp>(Record("BKGD", backgroundHead(1) + fixed + "\xFF name")),
             -100);

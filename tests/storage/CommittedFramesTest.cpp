@@ -53,7 +53,7 @@ TEST(CommittedFrames, AreFollowedByAtMostAFrameOfOneCommit) {
   EXPECT_EQ(find(end, end + kSize + 1).behind, Uncommitted::kMore);
 }
 
-TEST(CommittedFrames, CountNoWholeFrameBehindTheLength) {
+TEST(CommittedFrames, CountNoWholeFrameAfterTheLength) {
   const std::uint64_t end = kFirst + kSize;
   EXPECT_EQ(find(end, end + kSize), (CommittedFrames{1, 2, end, Uncommitted::kCommit}));
 }

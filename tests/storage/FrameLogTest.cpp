@@ -96,7 +96,7 @@ TEST_F(FrameLog, CommitKeepsMoreThanOneFrame) {
   EXPECT_TRUE(staysBehind(empty_, Bytes(kFrame + 1, 0xA5)));
 }
 
-TEST_F(FrameLog, CommitLooksAgainWhereTheFileHasChanged) {
+TEST_F(FrameLog, CommitReadsAFileAgainThatHasChanged) {
   put(StoredHeader());
   ASSERT_EQ(commit(), kSuccess);
   const std::size_t committed = file().size();
@@ -105,14 +105,14 @@ TEST_F(FrameLog, CommitLooksAgainWhereTheFileHasChanged) {
   EXPECT_EQ(file().size(), committed + kFrame) << "the uncommitted bytes were overwritten";
 }
 
-TEST_F(FrameLog, CommitKeepsRecordsBehindTheFrames) {
+TEST_F(FrameLog, CommitKeepsRecordsAfterTheFrames) {
   EXPECT_TRUE(staysBehind(empty_, ByteString().Text("COMM").Long(3).Text("abc")));
   EXPECT_TRUE(staysBehind(empty_, ByteString().Text("Xyz0").Long(3).Text("abc")));
   EXPECT_FALSE(staysBehind(empty_, ByteString().Text("Xyz0").Long(99).Text("abc")));
   EXPECT_FALSE(staysBehind(empty_, ByteString().Text("Xyz\x7f").Long(3).Text("abc")));
 }
 
-TEST_F(FrameLog, CommitKeepsBytesBehindABlockItCannotHaveWritten) {
+TEST_F(FrameLog, CommitKeepsBytesAfterABlockItCannotHaveWritten) {
   EXPECT_TRUE(staysBehind(changed(empty_, 0, 'X'), torn_)) << "another tag";
   EXPECT_TRUE(staysBehind(changed(empty_, 9, 1), torn_)) << "another version";
   EXPECT_TRUE(staysBehind(changed(empty_, 11, 11), torn_)) << "other times";
@@ -168,7 +168,7 @@ TEST_F(FrameLog, FirstCommitKeepsBlocksOfAnotherRun) {
   }
 }
 
-TEST_F(FrameLog, FirstCommitKeepsBytesBehindDamagedRecords) {
+TEST_F(FrameLog, FirstCommitKeepsBytesAfterDamagedRecords) {
   const Bytes binary = ByteString().Text("\1\2\3\4").Long(3).Text("abc");
   const Bytes high = ByteString().Text("abc\xE4").Long(3).Text("abc");
   const Bytes tornRecord = ByteString().Text("COMM").Long(1000);
@@ -185,7 +185,7 @@ TEST_F(FrameLog, FirstCommitIsABlockOfOneFrameOrItsBeginning) {
   EXPECT_TRUE(isFirstCommit(changed(noTag_, 25, 0))) << "the head is not on the disk";
 }
 
-TEST_F(FrameLog, FirstCommitIsNothingElse) {
+TEST_F(FrameLog, OtherBytesAreNotAFirstCommit) {
   EXPECT_FALSE(isFirstCommit({})) << "nothing";
   EXPECT_FALSE(isFirstCommit(StoredBlock("RAWa", 2, 2))) << "two frames";
   EXPECT_FALSE(isFirstCommit(StoredBlock("RAWa", 3, 1))) << "more wells than the plate";

@@ -160,7 +160,7 @@ TEST(CAnalysisSettingsDetectorMap, PuttingInAMapDestroysOneOfItsOwnAndNoOther) {
   delete second.GetAt("FAM");
 }
 
-TEST(CAnalysisSettingsDetectorMap, MapThatWasPutInCanBeDestroyedAllTheSame) {
+TEST(CAnalysisSettingsDetectorMap, MapThatWasPutInCanStillBeDestroyed) {
   CAnalysisSettingsDetectorMap detectors;
   auto* map = new CAnalysisSettingsMap;
   map->SetAt("FAM", new Settings);

@@ -24,7 +24,7 @@ class PlateList : public StreamTest {
   CMultiPlateComp plates_;
 };
 
-TEST_F(PlateList, TakesNoPlateThatIsNoneAndNoMoreThanItCanCount) {
+TEST_F(PlateList, TakesNoInvalidPlateAndNoMoreThanItCanCount) {
   EXPECT_FALSE(plates_.AddPlate(nullptr));
   for (int index = 0; index < 65535; ++index) {
     ASSERT_TRUE(plates_.AddPlate(std::make_unique<CRQPlateComp>()));
@@ -67,7 +67,7 @@ TEST_F(PlateList, PlateWithoutADocumentIsWrittenWithANewOne) {
   EXPECT_EQ(read.GetPlate()->GetHeaderRows(), 8);
 }
 
-TEST_F(PlateList, PlateIsReadOverTheOneBefore) {
+TEST_F(PlateList, ReadingReplacesThePreviousPlate) {
   auto first = plateNamed("first");
   const std::string bytes = Written(*plateNamed("second"));
   ASSERT_EQ(first->Read(&Holding(bytes)), 0);

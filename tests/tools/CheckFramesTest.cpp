@@ -18,7 +18,7 @@ TEST_F(CheckFrames, ARunIsSound) {
   ExpectSound();
 }
 
-TEST_F(CheckFrames, PartOfAFrameBehindARunInProgressIsWhatAnInterruptedCommitLeaves) {
+TEST_F(CheckFrames, PartOfAFrameAfterARunInProgressIsAWarning) {
   MakeRun("PROG");
   AppendFrameBytes(100);
   ExpectWarning(
@@ -27,7 +27,7 @@ TEST_F(CheckFrames, PartOfAFrameBehindARunInProgressIsWhatAnInterruptedCommitLea
       "interrupted");
 }
 
-TEST_F(CheckFrames, PartOfAFrameBehindAFinishedRunIsAnError) {
+TEST_F(CheckFrames, PartOfAFrameAfterAFinishedRunIsAnError) {
   MakeRun("DONE");
   AppendFrameBytes(100);
   ExpectError(
@@ -35,7 +35,7 @@ TEST_F(CheckFrames, PartOfAFrameBehindAFinishedRunIsAnError) {
       "declares");
 }
 
-TEST_F(CheckFrames, OneWholeFrameBehindARunInProgressIsWhatAnInterruptedCommitLeaves) {
+TEST_F(CheckFrames, OneWholeFrameAfterARunInProgressIsAWarning) {
   MakeRun("PROG");
   AppendFrameBytes(kFrame);
   ExpectWarning(
@@ -43,7 +43,7 @@ TEST_F(CheckFrames, OneWholeFrameBehindARunInProgressIsWhatAnInterruptedCommitLe
       "interrupted");
 }
 
-TEST_F(CheckFrames, MoreThanOneWholeFrameBehindTheBlockIsAnError) {
+TEST_F(CheckFrames, MoreThanOneWholeFrameAfterTheBlockIsAnError) {
   MakeRun("PROG");
   AppendFrameBytes(2 * kFrame);
   ExpectError("RAWa at 1872: 2 whole frames follow the end that the block's length declares");
@@ -122,7 +122,7 @@ TEST_F(CheckFrames, ATimeBlockOfAnotherSizeIsAnError) {
   ExpectError("RAWa at 1120: its time block is of 14 bytes, not 12");
 }
 
-TEST_F(CheckFrames, WellsThatStandTwiceOrOnNoPlateAreAWarning) {
+TEST_F(CheckFrames, RepeatedWellsAndWellsOffThePlateAreAWarning) {
   MakeRun();
   Change([](Bytes& bytes) { bytes[kBlock + 27] = 97; });
   ExpectWarning("RAWa at 1120: 1 of its wells is not on a plate of 96 wells");
@@ -175,7 +175,7 @@ TEST_F(CheckPosition, NoneForABlockIsWhatAFirstCommitLeavesThatWasInterrupted) {
   ExpectSound();
 }
 
-TEST_F(CheckPosition, WithoutABlockIsWorseWhileTheRunGoesOn) {
+TEST_F(CheckPosition, WithoutABlockIsWorseWhileTheRunIsInProgress) {
   MakeRun("DONE");
   Change([](Bytes& bytes) { bytes.resize(kBlock); });
   ExpectWarning("header at 68: the header's position of RAWa is 1120, but there is no such record");
@@ -201,7 +201,7 @@ TEST_F(CheckPosition, OfTheProgramElsewhereThanItsRecordIsAnError) {
   ExpectWarning("header at 24: the header's position of TPro is 1035, but there is no such record");
 }
 
-TEST_F(CheckPosition, RecordsBehindTheBlockOfARunInProgressAreAWarning) {
+TEST_F(CheckPosition, RecordsAfterTheBlockOfARunInProgressAreAWarning) {
   MakeRun("PROG");
   Bytes more;
   AppendRecord(more, "COMM", ToBytes("text"));

@@ -94,7 +94,7 @@ TEST_F(CheckMeaning, TemperaturesThatNoPlateHasAreAWarning) {
   EXPECT_EQ(RunVex({"check", "--strict", path_}).exitCode, 1);
 }
 
-TEST_F(CheckMeaning, StatusThatIsNoneIsAWarning) {
+TEST_F(CheckMeaning, UnknownStatusIsAWarning) {
   MakeRun();
   SetStatus("Done");
   ExpectWarning("header at 64: the acquisition status 'Done' is none of ZERO, PROG, DONE");
@@ -141,7 +141,7 @@ TEST_F(CheckMeaning, ErrorsComeBeforeWarningsAndNotes) {
   EXPECT_GT(findings[0].offset, findings[1].offset);
 }
 
-TEST(Findings, ErrorIsKeptBehindMoreWarningsThanAreKept) {
+TEST(Findings, ErrorIsKeptAfterMoreWarningsThanAreKept) {
   lab::Findings findings;
   for (std::size_t i = 0; i < lab::Findings::kMost; ++i) {
     findings.Add({lab::Severity::kWarning, "", i, "odd", "", ""});

@@ -138,7 +138,7 @@ TEST_F(CheckRecords, BytesBetweenRecordsThatAreNoneAreAnError) {
   EXPECT_THAT(Errors(), HasSubstr("at 1024: these bytes are no record, and known ones follow\n"));
 }
 
-TEST_F(CheckRecords, BytesWithinAListThatAreNoRecordsAreOneErrorAndNoLengthIsToBeRepaired) {
+TEST_F(CheckRecords, BytesThatAreNoRecordsInAListAreOneError) {
   MakeDocument(
       ByteString().Text("GLBL").Long(38).Short(3).Zeros(24).Text("VERS").Long(4).Long(512));
   const auto errors = Found(lab::Severity::kError);
@@ -149,7 +149,7 @@ TEST_F(CheckRecords, BytesWithinAListThatAreNoRecordsAreOneErrorAndNoLengthIsToB
   EXPECT_EQ(Warnings(), "");
 }
 
-TEST_F(CheckRecords, BytesBehindTheLastAreAnErrorWhenARecordMayHideInThem) {
+TEST_F(CheckRecords, BytesAfterTheLastRecordAreAnErrorIfTheyMayHoldOne) {
   Bytes records;
   AppendRecord(records, "COMM", ToBytes("text"));
   records.insert(records.end(), 7, 0xFF);

@@ -16,7 +16,7 @@ TEST_F(CheckCommandLine, ASoundDocumentIsOneLineAndExitCode0) {
   EXPECT_EQ(Output({"check", path_}), path_ + ": sound\n");
 }
 
-TEST_F(CheckCommandLine, AnErrorIsToldWithPlaceConsequenceAndRemedyAndIsExitCode1) {
+TEST_F(CheckCommandLine, ErrorIsPrintedWithOffsetEffectAndFixAndExitCode1) {
   MakeRun("PROG");
   AppendFrameBytes(2 * kFrame);
   const CommandResult result = RunVex({"check", path_});
@@ -62,7 +62,7 @@ TEST_F(CheckCommandLine, ForProgramsItIsAnObjectADocument) {
   for (const char* key : {"problem", "consequence", "remedy"}) EXPECT_NE(finding[key], "") << key;
 }
 
-TEST_F(CheckCommandLine, AFileThatCannotBeReadIsExitCode2AndTheOthersAreCheckedAllTheSame) {
+TEST_F(CheckCommandLine, UnreadableFileGivesExitCode2AndOthersAreChecked) {
   MakeRun();
   const std::string missing = folder_ / "missing.vex";
   const CommandResult result = RunVex({"check", missing, path_});

@@ -51,7 +51,7 @@ TEST(CommandLine, VersionIsPrinted) {
               testing::MatchesRegex("vex [0-9]+\\.[0-9]+\\.[0-9]+"));
 }
 
-TEST(CommandLine, CallsThatMakeNoSenseAreAnsweredInOneLine) {
+TEST(CommandLine, InvalidCallsGiveOneLine) {
   expectMisuse({}, "see 'vex --help'");
   expectMisuse({"nonsense"}, "unknown command 'nonsense'; see 'vex --help'");
   expectMisuse({"study", "lst"}, "unknown command 'lst'; did you mean 'list'?");

@@ -124,7 +124,7 @@ TEST_F(CsvFormatTest, OtherDecimalMarkThanBeforeIsRefused) {
               EndsWith("is not a number"));
 }
 
-TEST_F(CsvFormatTest, DecimalCommaBetweenCommasNeedsQuotesAndTheWord) {
+TEST_F(CsvFormatTest, DecimalCommaBetweenCommasNeedsQuotesAndDecimalComma) {
   EXPECT_THAT(
       Refusal("name,value\nx,59,82\n"),
       EndsWith("row 2: has 3 fields where the first row has 2; put numbers with a decimal comma in "

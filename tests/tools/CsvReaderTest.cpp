@@ -59,7 +59,7 @@ TEST_F(ReadCsvTest, PassesOverAByteOrderMark) {
   EXPECT_THAT(Refusal("\xEF\xBB"), HasSubstr("at byte 0: row 1: these bytes are not UTF-8"));
 }
 
-TEST_F(ReadCsvTest, FindsColumnsByNameAndPassesOverOthers) {
+TEST_F(ReadCsvTest, FindsColumnsByNameAndSkipsOthers) {
   EXPECT_EQ(Read("x,b,y,a\n0,2,0,1\n"), (Rows{{"1", "2"}}));
   EXPECT_THAT(Refusal("a,c\n1,2\n"), HasSubstr("some.csv: row 1: has no column 'b'"));
   EXPECT_THAT(Refusal("a,b,a\n1,2,3\n"),

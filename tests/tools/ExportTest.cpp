@@ -45,19 +45,19 @@ TEST_F(Export, InventsNothingForReadingsOfAnotherProgram) {
   }
 }
 
-TEST_F(Export, KnowsRecordedReadingsBehindOtherLinesOfTheLog) {
+TEST_F(Export, KnowsRecordedReadingsAfterOtherLinesOfTheLog) {
   MakeRun("DONE", std::string("operator=me\nscale=7\nfree text\n") + kRunLog);
   EXPECT_EQ(Output({"export", path_}), kTable);
 }
 
-TEST_F(Export, FramesThatOthersAppendedToARunAreLeftEmpty) {
+TEST_F(Export, FramesOfOtherProgramsAreLeftEmpty) {
   MakeRun("DONE", "source=readings\nframes=2\nscale=100\n");
   const CommandResult result = RunVex({"export", path_});
   EXPECT_THAT(result.output, HasSubstr("A1,1,amplification,2,65.653,59.82,1.01\nA1,2,,,,,\n"));
   EXPECT_THAT(result.errors, HasSubstr("leaves 3 of 9 readings empty"));
 }
 
-TEST_F(Export, ReadingsThatOthersChangedAreLeftEmpty) {
+TEST_F(Export, ReadingsChangedByOtherProgramsAreLeftEmpty) {
   for (const std::size_t fromEnd :
        {79U, 73U, 71U, 65U, 61U, 1U}) {  // before the end of the last record
     MakeRecordedRun();
@@ -118,7 +118,7 @@ TEST_F(Export, AFrameThatWasNotCommittedIsLeftOut) {
                                "committed so far\n");
 }
 
-TEST_F(Export, ABlockThatIsNotThereIsTheDocumentsFault) {
+TEST_F(Export, AMissingBlockIsAProblemInTheDocument) {
   MakeRecordedRun();
   ExpectRefused({"export", path_, "--block", "REPd"}, 1, "it has no data block \"REPd\"");
 }

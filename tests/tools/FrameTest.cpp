@@ -62,7 +62,7 @@ TEST_F(Frame, GridShowsEachChannel) {
   EXPECT_THAT(text, HasSubstr("\nA 0 0 0 - "));
 }
 
-TEST_F(Frame, TellsProgramsWhatTheReadingsAre) {
+TEST_F(Frame, JsonHasTheMeaningOfTheReadings) {
   MakeRecordedRun();
   const json frame = JsonOutput({"frame", path_, "2", "--json"});
   EXPECT_EQ(frame["version"], 1);
@@ -89,7 +89,7 @@ TEST_F(Frame, IsAnObjectForPrograms) {
   EXPECT_EQ(frame["wells"][2]["data"][0], 302);
 }
 
-TEST_F(Frame, IsFoundAfterASaveMovedTheHeadersPositionPastTheBlock) {
+TEST_F(Frame, IsFoundAfterASaveMovedTheOffsetPastTheBlock) {
   MakeRun();
   const std::string before = Output({"frame", path_, "2"});
   Output({"set", path_, "comment=saved"});
@@ -99,7 +99,7 @@ TEST_F(Frame, IsFoundAfterASaveMovedTheHeadersPositionPastTheBlock) {
   EXPECT_EQ(Output({"frame", path_, "2"}), before);
 }
 
-TEST_F(Frame, AnIndexThatIsNotThereIsAnError) {
+TEST_F(Frame, AMissingIndexIsAnError) {
   MakeRun();
   ExpectRefused({"frame", path_, "3"}, 2,
                 "there is no frame 3; the data block \"RAWa\" has 3 frames");
@@ -109,12 +109,12 @@ TEST_F(Frame, AnIndexThatIsNotThereIsAnError) {
   EXPECT_EQ(RunVex({"frame", path_, "-1"}).exitCode, 2);
 }
 
-TEST_F(Frame, ABlockThatIsNotThereIsTheDocumentsFault) {
+TEST_F(Frame, AMissingBlockIsAProblemInTheDocument) {
   MakeRun();
   ExpectRefused({"frame", path_, "0", "--block", "REPt"}, 1, "it has no data block \"REPt\"");
 }
 
-TEST_F(Frame, AFrameThatIsCutShortIsNamedWithItsPlace) {
+TEST_F(Frame, CutOffFrameIsReportedWithItsOffset) {
   MakeRun();
   Bytes bytes = ReadBytes(path_);
   bytes.resize(bytes.size() - 1);
@@ -128,7 +128,7 @@ TEST_F(Frame, BlocksOfTheOldVersionAreReadToo) {
   EXPECT_EQ(JsonOutput({"frame", old, "0", "--block", "REPn", "--json"})["wells"].size(), 8U);
 }
 
-TEST_F(Frame, WellsAndHeaderThatDisagreeDoNoHarm) {
+TEST_F(Frame, WellsAndHeaderMayDisagree) {
   MakeRun();
   Bytes bytes = ReadBytes(path_);
   bytes[22] = bytes[23] = 0;  // no columns: wells have numbers only

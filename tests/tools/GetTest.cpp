@@ -42,7 +42,7 @@ TEST_F(Get, ReachesWellsDetectorsDyesAndRecords) {
   EXPECT_EQ(Output({"get", path_, "tree[RAWa].frames"}), "3\n");
 }
 
-TEST_F(Get, NamesThePathsThatThereAre) {
+TEST_F(Get, NamesTheExistingPaths) {
   MakeRun();
   ExpectRefused({"get", path_, "statsu"}, 2, "it has no value 'statsu'; did you mean 'status'?");
   ExpectRefused({"get", path_, "plate.row"}, 2, "did you mean 'plate.rows'?");

@@ -31,7 +31,7 @@ class Hostile : public DocumentTest {
   }
 };
 
-TEST_F(Hostile, DocumentsCutAtEveryPlace) {
+TEST_F(Hostile, DocumentsCutAtEveryOffset) {
   MakeRun();
   const Bytes whole = ReadBytes(path_);
   for (std::size_t size = 0; size < whole.size(); size += size < 1020 || size > 1140 ? 97 : 5) {

@@ -6,7 +6,7 @@ namespace vex2::test {
 
 class Info : public DocumentTest {};
 
-TEST_F(Info, SaysWhatAPersonWantsToKnow) {
+TEST_F(Info, PrintsAnOverview) {
   MakeRecordedRun();
   const std::string text = Output({"info", path_});
   for (const char* part : {"Kest: a document of the second instrument kind",
@@ -37,7 +37,7 @@ TEST_F(Info, IsAnObjectForPrograms) {
   EXPECT_EQ(info["faults"].size(), 0U);
 }
 
-TEST_F(Info, GoesOnAfterADocumentThatIsNone) {
+TEST_F(Info, ContinuesAfterAFileThatIsNoDocument) {
   MakeRun();
   const std::string other = folder_ / "other.vex";
   WriteBytes(other, ToBytes("no document"));

@@ -45,7 +45,7 @@ TEST_F(JsonError, HoldsCodeFileOffsetMessageAndExitCode) {
   EXPECT_EQ(none["exit_code"], 1);
 }
 
-TEST_F(JsonError, EveryCommandWithJsonTellsMisuseAsJson) {
+TEST_F(JsonError, EveryCommandWithJsonReportsMisuseAsJson) {
   const std::vector<std::string> commands = {"info",      "tree",  "get",         "wells",
                                              "detectors", "dyes",  "calibration", "frame",
                                              "spectrum",  "check", "recover"};
@@ -59,7 +59,7 @@ TEST_F(JsonError, EveryCommandWithJsonTellsMisuseAsJson) {
   EXPECT_EQ(CodeOf({"tree", "--json", "a", "--depth", "x"}), "invalid-value");
 }
 
-TEST_F(JsonError, TellsWhatIsNotThere) {
+TEST_F(JsonError, ReportsWhatIsMissing) {
   MakeRun();
   EXPECT_EQ(CodeOf({"frame", path_, "99", "--json"}), "no-such-frame");
   EXPECT_EQ(CodeOf({"spectrum", path_, "--well", "Z9", "--frame", "0", "--json"}), "no-such-well");

@@ -124,7 +124,7 @@ TEST_F(Outputs, RecorderWaitsForAClaimedFile) {
   EXPECT_TRUE(recorder.IsRunning());
 }
 
-TEST_F(Outputs, RefusalLeavesNoLockBehind) {
+TEST_F(Outputs, RefusalLeavesNoLock) {
   OutputFiles files(false);
   files.Write(folder_ / "new.csv", OutputFiles::Kind::kTable);
   files.Write(table_, OutputFiles::Kind::kTable);

@@ -104,7 +104,7 @@ TEST_F(RecordLiveTest, FinishedDocumentIsThatOfAPlayback) {
   EXPECT_EQ(RunVex({"check", Run()}).exitCode, 0);
 }
 
-TEST_F(RecordLiveTest, IncompleteLastFrameIsToldAndNotRecorded) {
+TEST_F(RecordLiveTest, IncompleteLastFrameIsReportedAndNotRecorded) {
   const CommandResult result = RecordLive(Frames(1, 2) + Row("A1", 3, "1"));
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_EQ(result.errors,
@@ -115,7 +115,7 @@ TEST_F(RecordLiveTest, IncompleteLastFrameIsToldAndNotRecorded) {
   EXPECT_EQ(RecordedStatus(Run()), "PROG");
 }
 
-TEST_F(RecordLiveTest, KilledRunGoesOnWithFramesSentAgain) {
+TEST_F(RecordLiveTest, KilledRunContinuesWithFramesSentAgain) {
   Start();
   Send(kColumns + Frames(1, 3));
   ASSERT_TRUE(WaitForFrames(2));
@@ -128,7 +128,7 @@ TEST_F(RecordLiveTest, KilledRunGoesOnWithFramesSentAgain) {
   EXPECT_EQ(RecordedStatus(Run()), "DONE");
 }
 
-TEST_F(RecordLiveTest, KilledRunGoesOnWithTheNextFrame) {
+TEST_F(RecordLiveTest, KilledRunContinuesWithTheNextFrame) {
   Start();
   Send(kColumns + Frames(1, 3));
   ASSERT_TRUE(WaitForFrames(2));
@@ -171,7 +171,7 @@ TEST_F(RecordLiveTest, RunOfAGivenLengthDoesNotEndBefore) {
   EXPECT_EQ(RecordedFrames(Run()), 4);
 }
 
-TEST_F(RecordLiveTest, FrameBehindTheLastOneIsRefused) {
+TEST_F(RecordLiveTest, FrameAfterTheLastOneIsRefused) {
   const CommandResult result = RecordLive(Frames(1, 3), {"--frames", "2"});
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_THAT(result.errors,
@@ -193,7 +193,7 @@ TEST_F(RecordLiveTest, SecondReadingOfARecordedFrameIsRefused) {
   EXPECT_THAT(result.errors, HasSubstr("row 6: amplification cycle 1 is complete already"));
 }
 
-TEST_F(RecordLiveTest, RoundingIsToldAtOnceAndInAll) {
+TEST_F(RecordLiveTest, RoundingIsReportedAtOnceAndInTotal) {
   const CommandResult result =
       RecordLive(Frame(1) + Row("A1", 2, "0.5004") + Row("A2", 2, "0.1234"));
   EXPECT_EQ(result.exitCode, 0);
@@ -226,7 +226,7 @@ TEST_F(RecordLiveTest, ReadingThatOutgrowsTheScaleIsRefusedNotCut) {
   EXPECT_EQ(RecordedFrames(Run()), 1);
 }
 
-TEST_F(RecordLiveTest, DocumentThatIsThereIsRefusedBeforeAnythingIsRead) {
+TEST_F(RecordLiveTest, ExistingDocumentIsRefusedBeforeAnythingIsRead) {
   WriteBytes(Run(), ToBytes("somebody's"));
   Start();
   EXPECT_EQ(recorder_->Wait().exitCode, 2);  // nothing was sent
@@ -269,7 +269,7 @@ TEST_F(RecordLiveTest, StartIsTheClocksOnlyWhenAskedFor) {
   EXPECT_THAT(playback.errors, HasSubstr("--started now is for --readings - alone"));
 }
 
-TEST_F(RecordLiveTest, NothingIsMadeOfNoReadings) {
+TEST_F(RecordLiveTest, WithoutReadingsNoDocumentIsMade) {
   const CommandResult result = RecordLive("");
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_THAT(result.errors, HasSubstr("standard input: holds no readings"));

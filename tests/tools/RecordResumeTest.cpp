@@ -82,7 +82,7 @@ class RecordResumeTest : public RecordTest {
   }
 };
 
-TEST_F(RecordResumeTest, KilledRecordingIsGoneOnWith) {
+TEST_F(RecordResumeTest, KilledRecordingIsResumed) {
   RecordAndKill();
   ExpectResumedWhole();
 }
@@ -112,7 +112,7 @@ TEST_F(RecordResumeTest, KilledAgainAndAgainItStillEnds) {
   ExpectResumedWhole();
 }
 
-TEST_F(RecordResumeTest, DocumentThatIsNotThereYetIsBegun) {
+TEST_F(RecordResumeTest, MissingDocumentIsCreated) {
   ExpectResumedWhole();
 }
 
@@ -129,7 +129,7 @@ TEST_F(RecordResumeTest, ResumedAndUninterruptedRunsAreTheSameButForTheirTimes) 
   EXPECT_EQ(FirstDifference(resumed, whole), "");
 }
 
-TEST_F(RecordResumeTest, TornFrameIsCutOff) {
+TEST_F(RecordResumeTest, UncommittedFrameIsCutOff) {
   RecordAndKill();
   const Bytes whole = ReadBytes(Run());
   for (const std::size_t torn : {std::size_t{1}, std::size_t{79}, kFrameBytes - 1, kFrameBytes}) {
@@ -144,13 +144,13 @@ TEST_F(RecordResumeTest, TornFrameIsCutOff) {
   }
 }
 
-TEST_F(RecordResumeTest, TornFrameOfZerosIsCutOff) {
+TEST_F(RecordResumeTest, UncommittedFrameOfZerosIsCutOff) {
   RecordAndKill();
   Change([](Bytes& bytes) { bytes.resize(bytes.size() + 100); });
   ExpectResumedWhole();
 }
 
-TEST_F(RecordResumeTest, TornFirstCommitIsCutOff) {
+TEST_F(RecordResumeTest, UncommittedFirstBlockIsCutOff) {
   RecordAndKill();
   const Bytes whole = ReadBytes(Run());
   const std::size_t head = 8 + 18 + 2 * kWells;
@@ -163,26 +163,26 @@ TEST_F(RecordResumeTest, TornFirstCommitIsCutOff) {
   }
 }
 
-TEST_F(RecordResumeTest, DocumentWithoutItsStatusYetIsGoneOnWith) {
+TEST_F(RecordResumeTest, DocumentWithoutItsStatusIsResumed) {
   RecordAndKill();
   CutToFirstCommit(0);
   Change([](Bytes& bytes) { std::copy_n("ZERO", 4, bytes.begin() + 64); });
   ExpectResumedWhole();
 }
 
-TEST_F(RecordResumeTest, HeadersPositionIsSetRight) {
+TEST_F(RecordResumeTest, OffsetInTheHeaderIsCorrected) {
   RecordAndKill();
   Change([](Bytes& bytes) { bytes[kPositionAt + 3] ^= 1U; });
   ExpectResumedWhole();
 }
 
-TEST_F(RecordResumeTest, LengthThatCountsMoreThanThereIsIsSetRight) {
+TEST_F(RecordResumeTest, LengthThatCountsTooMuchIsCorrected) {
   RecordAndKill();
   Change([](Bytes& bytes) { bytes.resize(bytes.size() - 10); });
   ExpectResumedWhole();
 }
 
-TEST_F(RecordResumeTest, FinishedRunSaysSo) {
+TEST_F(RecordResumeTest, FinishedRunIsReported) {
   RunVex(Record());
   const Bytes before = ReadBytes(Run());
   const CommandResult result = RunVex(Record({"--resume"}));
@@ -306,7 +306,7 @@ TEST_F(RecordResumeTest, StatusOfNoRunInProgressIsRefused) {
   ExpectRefused(Record({"--resume"}), "has the status 'prog', so its run is not in progress");
 }
 
-TEST_F(RecordResumeTest, RecordBehindTheDataBlockIsNotCutOff) {
+TEST_F(RecordResumeTest, RecordAfterTheDataBlockIsNotCutOff) {
   RecordAndKill();
   Change([](Bytes& bytes) {
     const Bytes record = {'C', 'A', 'L', 'R', 0, 0, 0, 2, 'a', 0};
@@ -317,7 +317,7 @@ TEST_F(RecordResumeTest, RecordBehindTheDataBlockIsNotCutOff) {
 
 // An interrupted first commit begins with its tag or with zeros. Other bytes that are cut off may
 // be a record.
-TEST_F(RecordResumeTest, RecordThatIsCutShortBehindTheOthersIsNotCutOff) {
+TEST_F(RecordResumeTest, IncompleteLastRecordIsNotCutOff) {
   RecordAndKill();
   CutToFirstCommit(0);
   Change([](Bytes& bytes) {
@@ -383,7 +383,7 @@ TEST_F(RecordResumeTest, DanglingLinkIsFollowedToTheNewDocument) {
   EXPECT_TRUE(fs::is_regular_file(folder_ / "sub/real.vex"));
 }
 
-TEST_F(RecordResumeTest, AskedToEndItFinishesTheFrameAndSaysHowToGoOn) {
+TEST_F(RecordResumeTest, InterruptFinishesTheFrameAndNamesResume) {
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
     SCOPED_TRACE(signal);
     fs::remove(Run());
@@ -409,7 +409,7 @@ TEST_F(RecordResumeTest, LongPaceIsCutShort) {
   EXPECT_EQ(RecordedFrames(Run()), 1);
 }
 
-TEST_F(RecordResumeTest, FileThatCannotGrowIsTheSystemsFaultAndCanBeGoneOnWith) {
+TEST_F(RecordResumeTest, FileThatCannotGrowIsASystemErrorAndCanBeResumed) {
   for (const unsigned long size : {700UL, 1100UL, 1500UL, 5000UL, 20'000UL, 30'000UL}) {
     SCOPED_TRACE(size);
     fs::remove(Run());

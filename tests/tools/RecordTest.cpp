@@ -34,7 +34,7 @@ TEST_F(RecordTest, LeavesNoFileButTheDocument) {
   EXPECT_THAT(names, testing::ElementsAre("run.vex"));
 }
 
-TEST_F(RecordTest, HeaderTellsThePlateAndTheWellsInUse) {
+TEST_F(RecordTest, HeaderHasThePlateAndTheWellsInUse) {
   RunVex(Record());
   Vex2FileManager document;
   EXPECT_EQ(document.ReadFromFile(Run().c_str()), kSuccess);
@@ -70,7 +70,7 @@ TEST_F(RecordTest, WellsAreNumberedByRowsFromOne) {
   }
 }
 
-TEST_F(RecordTest, MarkerStandsInTheFirstMeltingFrameAlone) {
+TEST_F(RecordTest, OnlyTheFirstMeltingFrameHasTheMarker) {
   RunVex(Record());
   Vex2FileManager document;
   EXPECT_EQ(document.ReadFromFile(Run().c_str()), kSuccess);
@@ -216,14 +216,14 @@ TEST_F(RecordTest, TimesAndTemperaturesThatDoNotFitNameTheirRow) {
   }
 }
 
-TEST_F(RecordTest, StandardInputServesForReadings) {
+TEST_F(RecordTest, StandardInputCanHoldReadings) {
   const CommandResult result = RunVex(RecordFrom("-"), {.input = TextOf(Readings())});
   EXPECT_EQ(result.exitCode, 0) << result.errors;
   ExpectWhole();
   EXPECT_EQ(RunVex({"record", Run(), "--readings", "-", "--wells", "-", "--force"}).exitCode, 2);
 }
 
-TEST_F(RecordTest, FileThatIsThereStaysUnlessForced) {
+TEST_F(RecordTest, ExistingFileStaysUnlessForced) {
   const std::string before = "somebody's";
   WriteBytes(Run(), ToBytes(before));
   const CommandResult refused = RunVex(Record());
@@ -234,7 +234,7 @@ TEST_F(RecordTest, FileThatIsThereStaysUnlessForced) {
   ExpectWhole();
 }
 
-TEST_F(RecordTest, FolderThatIsNotThereIsTheCallsFault) {
+TEST_F(RecordTest, MissingFolderIsAUsageError) {
   CommandResult result =
       RunVex({"record", folder_ / "none/run.vex", "--readings", Readings(), "--wells", Wells()});
   EXPECT_EQ(result.exitCode, 2);

@@ -61,7 +61,7 @@ class RecordValuesTest : public RecordTest {
   }
 };
 
-TEST_F(RecordValuesTest, RoundedReadingsAreTold) {
+TEST_F(RecordValuesTest, RoundedReadingsAreReported) {
   const CommandResult result =
       RecordRows(Rows({"0.313", "0.3135", "1", "2.0004"}), {"--scale", "1000"});
   EXPECT_EQ(result.exitCode, 0);
@@ -69,7 +69,7 @@ TEST_F(RecordValuesTest, RoundedReadingsAreTold) {
                                ": 2 readings rounded to 0.001, largest change 0.0005\n");
 }
 
-TEST_F(RecordValuesTest, RoundedTimesAndTemperaturesAreTold) {
+TEST_F(RecordValuesTest, RoundedTimesAndTemperaturesAreReported) {
   const CommandResult result =
       RecordRows("A1,amplification,1,20.0004,60.123,1\nA2,amplification,1,20,60.004,1\n");
   EXPECT_EQ(result.exitCode, 0);
@@ -115,7 +115,7 @@ TEST_F(RecordValuesTest, LargeReadingsComeBackAsTheyWere) {
   ExpectKept({"655350000000", "0", "500000000000", "70000000"});
 }
 
-TEST_F(RecordValuesTest, LargeReadingsThatNoScaleKeepsLoseLittleAndSayHowMuch) {
+TEST_F(RecordValuesTest, LossOfLargeReadingsIsSmallAndReported) {
   const CommandResult result = RecordRows(Rows({"65537", "70001", "123456", "8001"}));
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_THAT(result.errors, HasSubstr("3 readings rounded to 1.76176, largest change 0.44\n"));

@@ -315,7 +315,7 @@ TEST_F(RecoverSweep, WhatDamageDidNotTouchOfARealRunIsRecovered) {
 // Damages for which recovery used to lose content: the only frame of a block whose number of wells
 // or tag was damaged, small runs that end with part of a frame, and the records after a plate whose
 // end record is half lost.
-TEST_F(RecoverSweep, DamagesThatWereNotSurvivedOnceAre) {
+TEST_F(RecoverSweep, DamagesThatOnceLostContent) {
   const std::pair<const char*, const char*> damages[] = {
       {"torn-frame", "recover/torn-frame.block-head-overwritten"},
       {"torn-frame", "recover/torn-frame.program-to-block-tag-overwritten"},
@@ -335,7 +335,7 @@ TEST_F(RecoverSweep, DamagesThatWereNotSurvivedOnceAre) {
 }
 
 // Tests the sweep itself: it must notice parts that are missing, changed or in another list.
-TEST_F(RecoverSweep, TheSweepNoticesWhatIsNotThere) {
+TEST_F(RecoverSweep, TheSweepNoticesMissingParts) {
   const auto path = SourcePath("tests/data/setup.vex");
   const DocumentIndex whole = indexOf(path);
   const Damage none{"nothing", 0, 0};

@@ -54,7 +54,7 @@ TEST_F(Recover, AWholeDocumentComesOutAsItWas) {
   EXPECT_EQ(FirstDifference(ReadBytes(recovered_), ReadBytes(path_)), "");
 }
 
-TEST_F(Recover, OfATornRunAllWholeFramesAreKeptAndTheLossIsTold) {
+TEST_F(Recover, CutOffRunKeepsAllWholeFramesAndReportsTheLoss) {
   MakeRun("DONE");
   Change([](Bytes& bytes) { bytes.resize(kEnd - 1); });
   const Bytes torn = ReadBytes(path_);
@@ -109,7 +109,7 @@ TEST_F(Recover, NeverWritesToItsInputWhateverItIsCalled) {
   }
 }
 
-TEST_F(Recover, WhatStandsInTheOutputsPlaceIsKeptUnlessForced) {
+TEST_F(Recover, ExistingOutputIsKeptUnlessForced) {
   MakeRun("DONE");
   WriteBytes(recovered_, ToBytes("kept"));
   ExpectNothingDone({"recover", path_, "-o", recovered_}, 2,
@@ -125,7 +125,7 @@ TEST_F(Recover, ARunThatIsGoingOnIsNotReplaced) {
   ExpectNothingDone({"recover", path_, "--force", "-o", recovered_}, 1, recovered_);
 }
 
-TEST_F(Recover, WhereThereIsNothingNothingIsMade) {
+TEST_F(Recover, WithoutContentNoDocumentIsMade) {
   WriteBytes(recovered_, ToBytes("kept"));
   for (const Bytes& bytes :
        {Bytes(), ToBytes("well,stage,cycle\nA1,amp,1\n"), Bytes(5000, 0), Bytes(5000, 0xFF)}) {
@@ -134,7 +134,7 @@ TEST_F(Recover, WhereThereIsNothingNothingIsMade) {
   }
 }
 
-TEST_F(Recover, PathsThatLeadNowhereAreToldByName) {
+TEST_F(Recover, MissingPathsAreNamed) {
   MakeRun("DONE");
   const std::string missing = folder_ / "missing.vex";
   ExpectNothingDone({"recover", missing, "-o", recovered_}, 2,
@@ -175,7 +175,7 @@ TEST_F(RecoverRecords, AListWhoseTagIsDamagedIsGivenItAgain) {
   }
 }
 
-TEST_F(RecoverRecords, ALengthThatReachesOverOthersDoesNotTakeThemAlong) {
+TEST_F(RecoverRecords, LengthThatIncludesOtherRecordsDoesNotLoseThem) {
   const Bytes settings = ByteString().Text("GLBL").Long(14).Short(1).Text("VERS").Long(4).Long(512);
   for (const char* tag : {"COMM", "Wxyz"}) {
     MakeDocument(settings);

@@ -11,7 +11,7 @@ namespace {
 
 class RepairResume : public RecordTest {};
 
-TEST_F(RepairResume, ARunGoesOnThatWasTornAndWhosePositionWasLost) {
+TEST_F(RepairResume, RunCutOffWithAWrongOffsetResumesAfterARepair) {
   {
     VexProcess recorder(Record({"--pace", "0.01"}));
     ASSERT_TRUE(WaitForFrames(10));
@@ -44,7 +44,7 @@ TEST_F(RepairResume, ARunGoesOnThatWasTornAndWhosePositionWasLost) {
 
 // A first commit writes the tag after the rest of the block, so a commit that was interrupted
 // before that leaves zeros in place of the tag.
-TEST_F(RepairResume, ARunWhoseFirstCommitWasCutOffBeforeTheTagGoesOnWithAndWithoutARepair) {
+TEST_F(RepairResume, RunCutOffInItsFirstCommitResumesWithAndWithoutRepair) {
   {
     VexProcess recorder(Record({"--pace", "0.01"}));
     ASSERT_TRUE(WaitForFrames(1));

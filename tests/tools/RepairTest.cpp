@@ -40,7 +40,7 @@ class Repair : public DamageTest {
   }
 };
 
-TEST_F(Repair, LeavesASoundDocumentAlone) {
+TEST_F(Repair, DoesNotChangeASoundDocument) {
   MakeRun("DONE");
   ExpectLeftAlone(0, path_ + ": there is nothing to repair\n", "");
   SetLong(kPositionAt, kEnd);
@@ -66,7 +66,7 @@ TEST_F(Repair, CutsOffAFrameOfZeros) {
   ExpectRepaired(whole);
 }
 
-TEST_F(Repair, CountsWholeFramesBehindTheBlock) {
+TEST_F(Repair, CountsWholeFramesAfterTheBlock) {
   MakeRun("PROG");
   for (const unsigned frames : {1U, 2U}) {
     AppendFrameBytes(frames * kFrame);
@@ -78,7 +78,7 @@ TEST_F(Repair, CountsWholeFramesBehindTheBlock) {
   }
 }
 
-TEST_F(Repair, SetsALengthThatCountsTooManyFramesToThoseThatAreThere) {
+TEST_F(Repair, SetsALengthThatCountsTooManyFramesToTheExistingOnes) {
   MakeRun("DONE");
   Bytes repaired = ReadBytes(path_);
   repaired.resize(kEnd - kFrame);
@@ -89,7 +89,7 @@ TEST_F(Repair, SetsALengthThatCountsTooManyFramesToThoseThatAreThere) {
   ExpectRepaired(repaired);
 }
 
-TEST_F(Repair, LeavesNothingThatAnotherRepairWouldRepair) {
+TEST_F(Repair, SecondRepairFindsNothing) {
   const std::vector<std::size_t> sizes = {kEnd - kFrame - 1, kEnd - kFrame, kEnd - 1, kEnd,
                                           kEnd + 1,          kEnd + kFrame};
   for (const char* status : {"PROG", "DONE"}) {
@@ -117,7 +117,7 @@ TEST_F(Repair, SetsALengthThatCountsHalfAFrame) {
   ExpectRepaired(whole);
 }
 
-TEST_F(Repair, MakesThePositionLeadToTheBlock) {
+TEST_F(Repair, SetsTheOffsetOfTheBlock) {
   MakeRun("PROG");
   const Bytes whole = ReadBytes(path_);
   for (const unsigned long position : {0UL, kBlock + 1UL, 1UL * kEnd, 0xFFFFFFFFUL}) {
@@ -126,7 +126,7 @@ TEST_F(Repair, MakesThePositionLeadToTheBlock) {
   }
 }
 
-TEST_F(Repair, MakesThePositionOfTheProgramLeadToIt) {
+TEST_F(Repair, SetsTheOffsetOfTheProgram) {
   Bytes records;
   AppendRecord(records, "TPro", {1, 2, 3});
   MakeDocument(records);
@@ -177,7 +177,7 @@ TEST_F(Repair, RefusesWhatItCannotRepair) {
                   "vex: " + path_ + ": 'vex recover' takes what is whole into a new document\n");
 }
 
-TEST_F(Repair, DryRunTellsAndChangesNothing) {
+TEST_F(Repair, DryRunReportsAndChangesNothing) {
   MakeRun("PROG");
   AppendFrameBytes(10);
   SetLong(kPositionAt, 0);
@@ -211,7 +211,7 @@ TEST_F(Repair, RefusesADocumentThatIsBeingRecorded) {
   ExpectRefused({"repair", path_}, 3, "is being recorded already");
 }
 
-TEST_F(Repair, WithoutRoomForTheBackupTheDocumentIsAsItWasAndThereIsNone) {
+TEST_F(Repair, WithoutRoomForTheBackupTheDocumentStays) {
   MakeRun("PROG");
   AppendFrameBytes(10);
   const Bytes before = ReadBytes(path_);

@@ -119,7 +119,7 @@ TEST_F(ScreenTest, AFileGetsTextInOneLineButNoEndlessPlate) {
   EXPECT_LE(widest(plate), 200U);
 }
 
-TEST_F(ScreenTest, PlainLocaleGetsNothingButAscii) {
+TEST_F(ScreenTest, PlainLocaleGetsOnlyAscii) {
   for (const auto& call : calls()) {
     const CommandResult result = RunVexOn({.environment = {{"LC_ALL", "C"}}}, call);
     EXPECT_EQ(result.exitCode, 0) << call.front();
@@ -164,7 +164,7 @@ TEST_F(ScreenTest, DumbTerminalGetsNoControlSequences) {
   }
 }
 
-TEST_F(ScreenTest, DumbTerminalIsToldHowARecordingEnded) {
+TEST_F(ScreenTest, DumbTerminalShowsHowARecordingEnded) {
   const CommandResult result = RunVexOn({.environment = {{"TERM", "dumb"}}, .columns = 80},
                                         {"simulate", folder_ / "dumb.vex", "--cycles", "2"});
   EXPECT_THAT(LinesOf(result.output).back(), HasSubstr("2/2 frames"));
@@ -187,7 +187,7 @@ TEST_F(ScreenTest, ColorOptionPrecedesTheEnvironment) {
   EXPECT_TRUE(hasColors({}, "--color=always"));
 }
 
-TEST(Table, WideColumnsStandBelowOthersBehindTheFirst) {
+TEST(Table, WideColumnsMoveBelowOthersAfterTheFirst) {
   const std::vector<std::string> names = {"name", "one", "two"};
   const std::vector<std::vector<std::string>> rows = {
       {"a", std::string(20, 'x'), std::string(20, 'y')}, {"b", "c", "d"}};

@@ -34,7 +34,7 @@ TEST_F(Set, TheRawDataStayTheLastRecord) {
   EXPECT_EQ(tree[2]["tag"], "RAWa");
 }
 
-TEST_F(Set, TextsThatAreSetToNothingAreRemoved) {
+TEST_F(Set, TextsThatAreSetToEmptyAreRemoved) {
   MakeRun();
   Output({"set", path_, "calibrator=a", "comment=b", "passive-reference=ROX"});
   EXPECT_EQ(Output({"set", path_, "calibrator=", "comment=", "passive-reference="}),
@@ -50,7 +50,7 @@ TEST_F(Set, DryRunChangesNothing) {
   EXPECT_EQ(FirstDifference(ReadBytes(path_), before), "");
 }
 
-TEST_F(Set, ANewLogKeepsWhatTheRecorderStatesThere) {
+TEST_F(Set, ANewLogKeepsTheLinesOfTheRecorder) {
   MakeRecordedRun();
   const std::string exported = Output({"export", path_});
   Output({"set", path_, "log=operator=me"});

@@ -119,7 +119,7 @@ TEST_F(SimulateTest, RecordsWhatItWritesAsReadings) {
   EXPECT_EQ(RecordedReadings(folder_ / "again.vex"), readings);
 }
 
-TEST_F(SimulateTest, ResumedGoesOnWithItsOwnParameters) {
+TEST_F(SimulateTest, ResumedRunKeepsItsParameters) {
   VexProcess simulation({"simulate", Run(), "--wells", "384", "--cycles", "60", "--melt", "4",
                          "--seed", "77", "--pace", "0.01"});
   ASSERT_TRUE(WaitForFrames(5));
@@ -146,7 +146,7 @@ TEST_F(SimulateTest, FileThatCannotBeWrittenIsNamed) {
   EXPECT_THAT(result.errors, HasSubstr("none/readings.csv: No such file or directory"));
 }
 
-TEST_F(SimulateTest, RefusesPlatesAndCyclesThatThereAreNot) {
+TEST_F(SimulateTest, RefusesInvalidPlatesAndCycles) {
   EXPECT_EQ(RunVex({"simulate", Run(), "--wells", "48"}).exitCode, 2);
   EXPECT_EQ(RunVex({"simulate", Run(), "--cycles", "0"}).exitCode, 2);
   EXPECT_EQ(RunVex({"simulate", Run(), "--pace", "-1"}).exitCode, 2);

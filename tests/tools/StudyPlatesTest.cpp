@@ -97,13 +97,13 @@ TEST_F(StudyPlates, StatusIsThatOfEachOrOfOne) {
   EXPECT_EQ(Output({"status", study_, "--plate", "plate2"}), "DONE\n");
 }
 
-TEST_F(StudyPlates, ACopyOfOneIsADocumentOfItsOwn) {
+TEST_F(StudyPlates, CopyOfAPlateIsASeparateDocument) {
   Output({"copy", study_, path_, "--plate", "plate2"});
   EXPECT_EQ(content(TreeOutput({path_})), content(TreeOutput({plate2_})));
   expectStudyRefuses({"copy", study_, study_, "--plate", "plate2"}, study_, 2, "is also an input");
 }
 
-TEST_F(StudyPlates, DetectorsOfTheStudyItselfStandBeforeThoseOfItsPlates) {
+TEST_F(StudyPlates, DetectorsOfTheStudyComeBeforeThoseOfItsPlates) {
   Vex2Detector own;
   own.name = "of the study";
   Vex2FileManager study;
@@ -203,7 +203,7 @@ TEST_F(SpectrumCommand, OfABackgroundDocumentHasTheRatesOfItsConversion) {
               HasSubstr("\nbackground rates: " + std::to_string(expected.values[24]) + " "));
 }
 
-TEST_F(SpectrumCommand, WhatIsNotThereIsRefused) {
+TEST_F(SpectrumCommand, MissingWellsAndFramesAreRefused) {
   const auto refused = [&](const char* well, const char* frame, const std::string& text) {
     expectStudyRefuses({"spectrum", plate1_, "--well", well, "--frame", frame}, plate1_, 2, text);
   };

@@ -78,7 +78,7 @@ TEST_F(Study, OneRefusedPlateLeavesTheStudyAsItWas) {
   EXPECT_EQ(plates().size(), 3U);
 }
 
-TEST_F(Study, ARefusedPlateSaysWhyAndMakesNoStudy) {
+TEST_F(Study, RefusedPlateIsReportedAndMakesNoStudy) {
   const std::string odd = folder_ / "odd.vex";
   const auto refused = [&](const std::string& text) {
     expectStudyRefuses({"study", "new", study_, plate1_, odd}, odd, 1, text);
@@ -116,7 +116,7 @@ TEST_F(Study, RelativePathsNamePlates) {
   EXPECT_EQ(plates()[1]["name"], "plate2");
 }
 
-TEST_F(Study, WhatIsThereIsReplacedOnlyWhenAsked) {
+TEST_F(Study, ExistingFilesAreReplacedOnlyWithForce) {
   makeStudy();
   expectStudyRefuses({"study", "new", study_, plate1_}, study_, 2, "already exists");
   EXPECT_EQ(RunVex({"study", "new", "--force", study_, plate1_}).errors,

@@ -35,7 +35,7 @@ TEST_F(TreeSelected, OnlyShowsRecordsOfATagWithWhatIsInThem) {
   EXPECT_FALSE(TreeOutput({path_, "--only", "GLBL", "--depth", "1"})[0].contains("children"));
 }
 
-TEST_F(TreeSelected, OnlyOfATagThatIsNotThereIsRefused) {
+TEST_F(TreeSelected, OnlyWithAMissingTagIsRefused) {
   MakeRun();
   ExpectRefused({"tree", path_, "--only", "glbl"}, 2,
                 "it has no record \"glbl\"; did you mean 'GLBL'?");

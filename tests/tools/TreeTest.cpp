@@ -31,7 +31,7 @@ TEST_F(Tree, IsAnObjectWithRecordsForPrograms) {
   EXPECT_EQ(tree[1]["wellNumbers"], json({1, 2, 3}));
 }
 
-TEST_F(Tree, UnknownRecordsAndStrayBytesAreShownAsThat) {
+TEST_F(Tree, UnknownRecordsAndOtherBytesAreShownAsSuch) {
   Bytes records;
   AppendRecord(records, "Zzzz", {1, 2, 3});
   AppendRecord(records, "COMM", ToBytes("text"));
