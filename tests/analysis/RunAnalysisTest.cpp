@@ -158,7 +158,7 @@ TEST_F(RunAnalysisTest, TakesNoNumbersThatAreNone) {
   EXPECT_TRUE(analysis.detectors[0].isThresholdAutomatic);
 }
 
-// No real plate has so many wells, but a malicious document can.
+// No real plate has so many wells, but a malicious document can declare them.
 TEST_F(RunAnalysisTest, Of65535WellsIsAnalysed) {
   constexpr std::uint16_t kWells = 65535;
   Vex2FileManager document;

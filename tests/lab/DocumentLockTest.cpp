@@ -63,7 +63,7 @@ TEST_F(DocumentLockTest, CommandIsWaitedFor) {
   std::optional<DocumentLock> first(std::in_place, path_, Holder::kCommand);
   auto second =
       std::async(std::launch::async, [&] { const DocumentLock lock(path_, Holder::kCommand); });
-  // Longer than a lock waits if the holder is not a command.
+  // Longer than the time for which a lock waits if its holder is not a command.
   EXPECT_EQ(second.wait_for(std::chrono::milliseconds(400)), std::future_status::timeout);
   first.reset();
   EXPECT_NO_THROW(second.get());
