@@ -109,8 +109,8 @@ TEST_F(RecordLiveTest, IncompleteLastFrameIsReportedAndNotRecorded) {
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_EQ(result.errors,
             "vex: standard input: ended after 2 frames and a part of another, which is not "
-            "recorded: well A2 has no reading in amplification cycle 3; the same command with "
-            "--resume goes on\n");
+            "recorded: well A2 has no reading in amplification cycle 3; use the same command "
+            "with --resume to continue\n");
   EXPECT_EQ(RecordedFrames(Run()), 2);
   EXPECT_EQ(RecordedStatus(Run()), "PROG");
 }
@@ -240,8 +240,9 @@ TEST_F(RecordLiveTest, AskedToEndItDoesNotWaitForReadings) {
   recorder_->Signal(SIGINT);
   const CommandResult result = recorder_->Wait();
   EXPECT_EQ(result.exitCode, 130);
-  EXPECT_THAT(result.errors,
-              HasSubstr("interrupted after 2 frames; the same command with --resume goes on\n"));
+  EXPECT_THAT(
+      result.errors,
+      HasSubstr("interrupted after 2 frames; use the same command with --resume to continue\n"));
 }
 
 TEST_F(RecordLiveTest, ChannelsMustBeNamed) {

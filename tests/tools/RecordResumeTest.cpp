@@ -394,8 +394,9 @@ TEST_F(RecordResumeTest, InterruptFinishesTheFrameAndNamesResume) {
     const CommandResult result = recorder.Wait();
     EXPECT_EQ(result.exitCode, 130);
     const int frames = RecordedFrames(Run());
-    EXPECT_THAT(result.errors, HasSubstr("interrupted after " + std::to_string(frames) +
-                                         " of 48 frames; the same command with --resume goes on"));
+    EXPECT_THAT(result.errors,
+                HasSubstr("interrupted after " + std::to_string(frames) +
+                          " of 48 frames; use the same command with --resume to continue"));
     EXPECT_FALSE(fs::exists(folder_ / ".run.vex.recording"));
     ExpectResumedWhole();
   }
@@ -419,8 +420,8 @@ TEST_F(RecordResumeTest, FileThatCannotGrowIsASystemErrorAndCanBeResumed) {
     EXPECT_EQ(result.errors, "vex: " + Run() + ": File too large" +
                                  (frames == 0 ? "\n"
                                               : "; " + std::to_string(frames) +
-                                                    " of 48 frames are safe, and the same command "
-                                                    "with --resume goes on\n"));
+                                                    " of 48 frames are safe; use the same command "
+                                                    "with --resume to continue\n"));
     ExpectResumedWhole();
   }
 }

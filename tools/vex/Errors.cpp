@@ -48,11 +48,11 @@ std::string_view textOf(ErrorRemedy remedy) {
     case ErrorRemedy::kGiveDecimalMark:
       return "say which mark decimals have, with --decimal point or --decimal comma";
     case ErrorRemedy::kTakeDecimalPoint:
-      return "write it so, without a mark between thousands, or use --decimal point if all numbers "
-             "are written like this one";
+      return "write it with a comma, without a mark between thousands, or use --decimal point if "
+             "all numbers are written like this one";
     case ErrorRemedy::kTakeDecimalComma:
-      return "write it so, without a mark between thousands, or use --decimal comma if all numbers "
-             "are written like this one";
+      return "write it with a point, without a mark between thousands, or use --decimal comma if "
+             "all numbers are written like this one";
     case ErrorRemedy::kGiveLatin1:
       return "if the file is Latin-1, use --encoding latin1 (of Windows: --encoding "
              "windows-1252)";
@@ -69,7 +69,7 @@ std::string_view textOf(ErrorRemedy remedy) {
     case ErrorRemedy::kNewRunWithScale:
       return "record such a run to a new document with a --scale that its highest reading fits";
     case ErrorRemedy::kResume:
-      return "the same command with --resume goes on";
+      return "use the same command with --resume to continue";
     case ErrorRemedy::kResumeOrReplace:
       return "use --resume to continue it or --force to overwrite it";
   }

@@ -88,10 +88,11 @@ ExitCode RecordingCommand::tellOutcome(Recorder::Outcome outcome, std::size_t do
     std::cout << Printable(options_.path) << ": the run is complete, nothing is left to record\n";
   }
   if (outcome != Recorder::Outcome::kInterrupted) return ExitCode::kDone;
-  PrintLine(fmt::format(
-      "{}: interrupted after {} frames; {}", Printable(options_.path),
-      total ? fmt::format("{} of {}", done, *total) : std::to_string(done),
-      HoldsFrames(options_.path, done) ? "the same command with --resume goes on" : kFramesGone));
+  PrintLine(fmt::format("{}: interrupted after {} frames; {}", Printable(options_.path),
+                        total ? fmt::format("{} of {}", done, *total) : std::to_string(done),
+                        HoldsFrames(options_.path, done)
+                            ? "use the same command with --resume to continue"
+                            : kFramesGone));
   return ExitCode::kInterrupted;
 }
 
@@ -112,7 +113,7 @@ Recorder::Outcome RecordingCommand::tellingWhatIsSafe(
 // The document may have been removed or emptied during the run; then the run cannot be resumed.
 std::string RecordingCommand::safeFrames(std::size_t done, std::optional<std::size_t> all) const {
   if (!HoldsFrames(options_.path, done)) return kFramesGone;
-  return fmt::format("{} safe, and the same command with --resume goes on",
+  return fmt::format("{} safe; use the same command with --resume to continue",
                      all ? fmt::format("{} of {} are", done, Counted(*all, "frame"))
                          : Counted(done, "frame is", "frames are"));
 }
