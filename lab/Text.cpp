@@ -56,6 +56,14 @@ bool IsPlain(std::string_view text) {
   return std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
 }
 
+bool IsSameIgnoringCase(std::string_view one, std::string_view other) {
+  const auto lower = [](char letter) {
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+  };
+  return std::equal(one.begin(), one.end(), other.begin(), other.end(),
+                    [&](char a, char b) { return lower(a) == lower(b); });
+}
+
 std::string ToHex(std::string_view bytes) {
   constexpr std::string_view kDigits = "0123456789abcdef";
   std::string text;
@@ -65,6 +73,10 @@ std::string ToHex(std::string_view bytes) {
     text += kDigits[byteOf(character) & 0xFU];
   }
   return text;
+}
+
+std::string ToHex(std::span<const std::uint8_t> bytes) {
+  return ToHex({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
 }
 
 }  // namespace vex2::lab

@@ -2,7 +2,9 @@
 
 #include <charconv>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -34,7 +36,11 @@ std::optional<Number> NumberIn(std::string_view text, How... how) {
 /// Whether each character is printable ASCII, as in the tags and codes that programs write.
 bool IsPlain(std::string_view text);
 
+/// Whether the texts differ in nothing but the case of ASCII letters.
+bool IsSameIgnoringCase(std::string_view one, std::string_view other);
+
 /// The bytes in hexadecimal, two digits each.
 std::string ToHex(std::string_view bytes);
+std::string ToHex(std::span<const std::uint8_t> bytes);
 
 }  // namespace vex2::lab

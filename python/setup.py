@@ -48,6 +48,7 @@ class CMakeBuild(build_ext):
             "CMAKE_BUILD_TYPE": "Release",
             "VEX2_PYTHON": "ON",
             "VEX2_BUILD_TESTS": "OFF",
+            "VEX2_BATCHES": "ON",
             "VEX2_BUILD_TOOLS": "OFF",
             "VEX2_BUILD_EXAMPLES": "OFF",
         }

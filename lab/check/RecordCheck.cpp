@@ -15,9 +15,7 @@ namespace vex2::lab {
 
 namespace {
 
-constexpr std::uint16_t kFirstVersionThatReadsBack = 2;
-
-std::string shown(std::string_view tag) {
+std::string escaped(std::string_view tag) {
   return Escaped(ToUtf8(tag));
 }
 
@@ -96,7 +94,7 @@ std::string RecordCheck::NameAt(std::uint64_t offset) const {
   // The reader may have stopped at a record that the walk passed, so look among the records of the
   // document too.
   for (const Document::Record& record : document_.Records()) {
-    if (record.offset == offset) return shown(record.tag);
+    if (record.offset == offset) return escaped(record.tag);
   }
   return "";
 }
@@ -105,7 +103,7 @@ std::string RecordCheck::path(std::size_t levels) const {
   std::string text;
   for (std::size_t i = 0; i < levels; ++i) {
     if (i > 0) text += "/";
-    text += shown(levels_[i].record.Tag());
+    text += escaped(levels_[i].record.Tag());
     if (i > 0 && levels_[i].record.kind->layout == BodyLayout::kPlate) {
       text += "[" + std::to_string(levels_[i - 1].plates) + "]";
     }
@@ -219,7 +217,7 @@ void RecordCheck::checkCells(const FileRecord& record, CFile& file) {
 void RecordCheck::checkBlock(const FileRecord& record, CFile& file) {
   const auto head = ReadStoredBlock(file, record);
   if (!head) return;  // the walk stops at this record too, and CheckEnd reports that
-  if (head->version < kFirstVersionThatReadsBack) {
+  if (head->version < kFirstVersionWithTimes) {
     add(Severity::kWarning, fmt::format("a data block of version {}", head->version),
         "it is read, but would not read back once it was saved",
         "{upgrade} makes a document of it that is safe to save");

@@ -12,7 +12,7 @@ namespace vex2::lab {
 
 namespace {
 
-constexpr std::string_view kBlock = TagOf(Kind::kRawData);
+constexpr std::string_view kReadings = TagOf(Kind::kRawData);
 constexpr const char* kNotCommitted =
     "no committed frame is lost, but an instrument that appends here without a check would damage "
     "its frames";
@@ -23,7 +23,7 @@ void checkCutBlock(CFile& file, const Document& document, const HeaderFields& he
                    const FileFault& fault, Findings& findings) {
   const auto block = FindLastBlock(file, document);
   if (header.AwaitsFirstCommit() && IsFirstCommit(file, fault.offset, header.Wells())) {
-    findings.Add({Severity::kWarning, std::string(kBlock), fault.offset,
+    findings.Add({Severity::kWarning, std::string(kReadings), fault.offset,
                   "a block that the header does not lead to, cut short: its first commit was "
                   "interrupted",
                   "nothing that was committed is lost; an instrument that goes on would write a "
@@ -33,7 +33,7 @@ void checkCutBlock(CFile& file, const Document& document, const HeaderFields& he
   }
   const bool canRepair = block && block->head.version >= 2;
   findings.Add(
-      {Severity::kError, std::string(kBlock), fault.offset, fault.what,
+      {Severity::kError, std::string(kReadings), fault.offset, fault.what,
        "no frame of the block is read, not even the whole ones",
        canRepair ? "{repair} sets the length to the whole frames that are there" : kRecoverWhole});
 }
@@ -43,7 +43,7 @@ void checkFault(CFile& file, const Document& document, const HeaderFields& heade
   const FileFault& fault = *document.Fault();
   const auto& own = document.Records();
   const bool isBlock =
-      !own.empty() && own.back().tag == kBlock && own.back().offset == fault.offset;
+      !own.empty() && own.back().tag == kReadings && own.back().offset == fault.offset;
   if (isBlock) return checkCutBlock(file, document, header, fault, findings);
   const std::uint64_t lost = document.Size() - std::min(document.Size(), fault.offset);
   const std::string name = own.empty() ? "header" : records.NameAt(fault.offset);
@@ -68,7 +68,7 @@ void checkBehindBlock(const LastBlock& block, const Document& document, const He
       UncommittedBehind(block.Range(document.Size()), from) == Uncommitted::kCommit;
   if (header.IsUnfinished() && isOfACommit) {
     findings.Add(
-        {Severity::kWarning, std::string(kBlock), from,
+        {Severity::kWarning, std::string(kReadings), from,
          whole == 1
              ? "a whole frame follows the end that the block's length declares: a commit was "
                "interrupted"
@@ -82,12 +82,12 @@ void checkBehindBlock(const LastBlock& block, const Document& document, const He
     return;
   }
   if (whole == 0) {
-    findings.Add({Severity::kError, std::string(kBlock), from,
+    findings.Add({Severity::kError, std::string(kReadings), from,
                   fmt::format("{} follow the end that the block's length declares", partText),
                   "they are not read, and a save drops them", "{repair} cuts them off"});
     return;
   }
-  findings.Add({Severity::kError, std::string(kBlock), from,
+  findings.Add({Severity::kError, std::string(kReadings), from,
                 rest > 0
                     ? fmt::format("{} and {} follow the end that the block's length declares",
                                   Counted(whole, "whole frame"), partText)
@@ -129,14 +129,14 @@ void checkBehindRecords(CFile& file, const Document& document, const HeaderField
 bool EndsInFirstCommit(CFile& file, const Document& document, const HeaderFields& header) {
   const auto& records = document.Records();
   const bool hasBlock = std::any_of(records.begin(), records.end(),
-                                    [](const auto& record) { return record.tag == kBlock; });
+                                    [](const auto& record) { return record.tag == kReadings; });
   return !hasBlock && header.AwaitsFirstCommit() &&
          IsFirstCommit(file, document.RecordsEnd(), header.Wells());
 }
 
 std::optional<LastBlock> FindLastBlock(CFile& file, const Document& document) {
   const auto& records = document.Records();
-  if (records.empty() || records.back().tag != kBlock || records.back().length == 0) {
+  if (records.empty() || records.back().tag != kReadings || records.back().length == 0) {
     return std::nullopt;
   }
   LastBlock block;

@@ -15,23 +15,25 @@ namespace vex2::lab {
 
 namespace {
 
-enum Column : std::size_t {
-  kPart,
-  kName,
-  kDyeIndex,
-  kKey1,
-  kKey2,
-  kByte1,
-  kByte2,
-  kParam1,
-  kParam2,
-  kParam3,
-  kLimit,
-  kValues
+struct CalibrationColumn {
+  enum : std::size_t {
+    kPart,
+    kName,
+    kDyeIndex,
+    kKey1,
+    kKey2,
+    kByte1,
+    kByte2,
+    kParam1,
+    kParam2,
+    kParam3,
+    kLimit,
+    kValues
+  };
 };
-const std::vector<std::string_view> kColumns = {"part",   "name",   "dye_index", "key1",
-                                                "key2",   "byte1",  "byte2",     "param1",
-                                                "param2", "param3", "limit",     "values"};
+const std::vector<std::string_view> kCalibrationColumns = {
+    "part",  "name",   "dye_index", "key1",   "key2",  "byte1",
+    "byte2", "param1", "param2",    "param3", "limit", "values"};
 constexpr std::string_view kPureDye = "pure-dye";
 constexpr std::string_view kBackground = "background";
 constexpr unsigned kMostShort = 65535;
@@ -80,37 +82,39 @@ void writePart(const CalibrationPart& part, std::string_view name, CsvWriter& cs
 
 std::vector<std::uint32_t> valuesOf(const CsvRow& row, FloatReader& reader) {
   std::vector<std::uint32_t> values;
-  std::string_view rest = row.Text(kValues);
+  std::string_view rest = row.Text(CalibrationColumn::kValues);
   while (!rest.empty()) {
     const std::string_view text = rest.substr(0, rest.find(' '));
     rest.remove_prefix(std::min(rest.size(), text.size() + 1));
     if (text.empty()) continue;
-    values.push_back(readValue(row, row.PointText(kValues, text), reader));
+    values.push_back(readValue(row, row.PointText(CalibrationColumn::kValues, text), reader));
   }
   if (values.size() > kMostByte) row.Refuse("a spectrum has 255 values at most");
   return values;
 }
 
-std::uint16_t shortOf(const CsvRow& row, Column column) {
+std::uint16_t shortOf(const CsvRow& row, std::size_t column) {
   return static_cast<std::uint16_t>(row.Whole(column, 0, kMostShort));
 }
 
 CalibrationEntry entryOf(const CsvRow& row, bool isDye, FloatReader& values) {
   CalibrationEntry entry;
-  const auto name = ToLatin1(row.Text(kName));
+  const auto name = ToLatin1(row.Text(CalibrationColumn::kName));
   if (!name || name->size() > kMostByte) {
-    row.RefuseField(kName, "is not a text of 255 Latin-1 characters at most");
+    row.RefuseField(CalibrationColumn::kName, "is not a text of 255 Latin-1 characters at most");
   }
-  entry.name = row.Text(kName);
-  entry.dyeIndex = shortOf(row, kDyeIndex);
-  entry.key1 = shortOf(row, kKey1);
-  entry.key2 = shortOf(row, kKey2);
+  entry.name = row.Text(CalibrationColumn::kName);
+  entry.dyeIndex = shortOf(row, CalibrationColumn::kDyeIndex);
+  entry.key1 = shortOf(row, CalibrationColumn::kKey1);
+  entry.key2 = shortOf(row, CalibrationColumn::kKey2);
   if (isDye) {
-    entry.bytes = {static_cast<std::uint8_t>(row.Whole(kByte1, 0, kMostByte)),
-                   static_cast<std::uint8_t>(row.Whole(kByte2, 0, kMostByte))};
-    entry.params = {shortOf(row, kParam1), shortOf(row, kParam2), shortOf(row, kParam3)};
+    entry.bytes = {static_cast<std::uint8_t>(row.Whole(CalibrationColumn::kByte1, 0, kMostByte)),
+                   static_cast<std::uint8_t>(row.Whole(CalibrationColumn::kByte2, 0, kMostByte))};
+    entry.params = {shortOf(row, CalibrationColumn::kParam1),
+                    shortOf(row, CalibrationColumn::kParam2),
+                    shortOf(row, CalibrationColumn::kParam3)};
   } else {
-    entry.limit = shortOf(row, kLimit);
+    entry.limit = shortOf(row, CalibrationColumn::kLimit);
   }
   entry.values = valuesOf(row, values);
   return entry;
@@ -119,11 +123,11 @@ CalibrationEntry entryOf(const CsvRow& row, bool isDye, FloatReader& values) {
 }  // namespace
 
 const std::vector<std::string_view>& CalibrationColumns() {
-  return kColumns;
+  return kCalibrationColumns;
 }
 
 void WriteCalibrationColumns(CsvWriter& csv) {
-  csv.Row("plate", {kColumns.begin(), kColumns.end()});
+  csv.Row("plate", {kCalibrationColumns.begin(), kCalibrationColumns.end()});
 }
 
 void WriteCalibration(const Calibration& calibration, CsvWriter& csv, const std::string& plate) {
@@ -133,11 +137,11 @@ void WriteCalibration(const Calibration& calibration, CsvWriter& csv, const std:
 
 Calibration LoadCalibration(const std::string& path, FloatReader& values, const CsvFormat& format) {
   Calibration calibration;
-  ReadCsv(path, kColumns,
+  ReadCsv(path, kCalibrationColumns,
           [&](const CsvRow& row) {
-            const bool isDye = row.Text(kPart) == kPureDye;
-            if (!isDye && row.Text(kPart) != kBackground) {
-              row.RefuseField(kPart, "is neither 'pure-dye' nor 'background'");
+            const bool isDye = row.Text(CalibrationColumn::kPart) == kPureDye;
+            if (!isDye && row.Text(CalibrationColumn::kPart) != kBackground) {
+              row.RefuseField(CalibrationColumn::kPart, "is neither 'pure-dye' nor 'background'");
             }
             auto& part = isDye ? calibration.pureDyes : calibration.background;
             if (!part) part.emplace();

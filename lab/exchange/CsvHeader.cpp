@@ -6,20 +6,13 @@
 #include <array>
 #include <tuple>
 
+#include "lab/Text.h"
+
 namespace vex2::lab {
 
 namespace {
 
 constexpr std::array<char, 3> kDelimiters = {',', ';', '\t'};
-
-char lower(char letter) {
-  return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-}
-
-bool isSameName(std::string_view one, std::string_view other) {
-  return std::equal(one.begin(), one.end(), other.begin(), other.end(),
-                    [](char a, char b) { return lower(a) == lower(b); });
-}
 
 CsvSplitter::Row namesIn(std::string_view line, char delimiter) {
   CsvSplitter splitter(delimiter);
@@ -42,7 +35,7 @@ std::vector<std::size_t> CsvHeader::placesOf(std::string_view column,
   std::vector<std::size_t> alike;
   for (std::size_t i = 0; i < names.size(); ++i) {
     if (names[i] == name) exact.push_back(i);
-    if (isSameName(names[i], name)) alike.push_back(i);
+    if (IsSameIgnoringCase(names[i], name)) alike.push_back(i);
   }
   return isGiven && !exact.empty() ? exact : alike;
 }

@@ -1,21 +1,14 @@
 #include <fmt/core.h>
 
 #include <algorithm>
-#include <cctype>
 
 #include "lab/Error.h"
+#include "lab/Text.h"
 #include "lab/exchange/CsvReader.h"
 
 namespace vex2::lab {
 
 namespace {
-
-bool isSameName(std::string_view one, std::string_view other) {
-  return std::equal(one.begin(), one.end(), other.begin(), other.end(), [](char a, char b) {
-    return std::tolower(static_cast<unsigned char>(a)) ==
-           std::tolower(static_cast<unsigned char>(b));
-  });
-}
 
 // No two columns may have the same name in the file, or one would be read in place of the other.
 void requireDistinct(const std::vector<std::string_view>& columns, const CsvNames& names,
@@ -29,7 +22,7 @@ void requireDistinct(const std::vector<std::string_view>& columns, const CsvName
       if (other->second == given->second) refuse(given->second, other->first, given->first);
     }
     for (const std::string_view column : columns) {
-      if (names.contains(column) || !isSameName(column, given->second)) continue;
+      if (names.contains(column) || !IsSameIgnoringCase(column, given->second)) continue;
       refuse(given->second, column, given->first);
     }
   }

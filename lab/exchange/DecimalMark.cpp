@@ -14,7 +14,7 @@ std::size_t countOf(std::string_view text, char character) {
   return static_cast<std::size_t>(std::count(text.begin(), text.end(), character));
 }
 
-bool isNumber(std::string_view text) {
+bool looksLikeNumber(std::string_view text) {
   return !text.empty() && text.find_first_not_of("0123456789.,+-eE") == std::string_view::npos &&
          text.find_first_of(kDigits) != std::string_view::npos;
 }
@@ -35,7 +35,7 @@ bool mayPartThousands(std::string_view text, std::size_t markAt) {
 
 // The decimal mark, if this number shows which one it is; otherwise 0.
 char toldBy(std::string_view text) {
-  if (!isNumber(text) || countOf(text, '.') + countOf(text, ',') != 1) return 0;
+  if (!looksLikeNumber(text) || countOf(text, '.') + countOf(text, ',') != 1) return 0;
   const std::size_t at = text.find_first_of(".,");
   return mayPartThousands(text, at) ? '\0' : text[at];
 }
@@ -59,7 +59,7 @@ std::string nameOf(char mark) {
 DecimalMark::Plain DecimalMark::Read(std::string_view text,
                                      std::span<const std::string_view> beside) {
   const std::size_t marks = countOf(text, '.') + countOf(text, ',');
-  if (marks == 0 || !isNumber(text)) return {std::string(text), ""};
+  if (marks == 0 || !looksLikeNumber(text)) return {std::string(text), ""};
   if (countOf(text, '.') > 0 && countOf(text, ',') > 0) {
     return {"", "has a point and a comma; write numbers without a mark between thousands"};
   }

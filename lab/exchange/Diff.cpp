@@ -19,16 +19,15 @@ namespace vex2::lab {
 
 namespace {
 
-constexpr std::size_t kMostExamples = 3;
 constexpr std::size_t kLongestValue = 60;
 
-using Value = std::optional<std::string>;
+using Shown = std::optional<std::string>;
 
 /// Joins equal differences of one plate, in the order in which they are found.
 class Groups {
  public:
-  void Add(const std::string& section, const std::string& what, const Value& one,
-           const Value& other, const std::string& place) {
+  void Add(const std::string& section, const std::string& what, const Shown& one,
+           const Shown& other, const std::string& place) {
     sections_.insert(section);
     const auto [entry, isNew] =
         places_.emplace(std::tuple(section, what, one, other), list_.size());
@@ -41,21 +40,22 @@ class Groups {
     }
     Difference& group = list_[entry->second];
     ++group.count;
-    if (!place.empty() && group.places.size() < kMostExamples) group.places.push_back(place);
+    if (!place.empty() && group.places.size() < Difference::kMostPlaces)
+      group.places.push_back(place);
   }
 
   bool Has(const std::string& section) const { return sections_.contains(section); }
   std::vector<Difference>& List() { return list_; }
 
  private:
-  std::map<std::tuple<std::string, std::string, Value, Value>, std::size_t> places_;
+  std::map<std::tuple<std::string, std::string, Shown, Shown>, std::size_t> places_;
   std::vector<Difference> list_;
   std::set<std::string> sections_;
 };
 
-Value fieldOf(const FactFields& fields, const std::string& name) {
+Shown fieldOf(const FactFields& fields, const std::string& name) {
   const auto found = fields.find(name);
-  return found != fields.end() ? Value(found->second) : std::nullopt;
+  return found != fields.end() ? Shown(found->second) : std::nullopt;
 }
 
 void compareFields(const FactPlace& place, const FactFields& one, const FactFields& other,
@@ -64,8 +64,8 @@ void compareFields(const FactPlace& place, const FactFields& one, const FactFiel
   for (const auto& [name, value] : one) names.insert(name);
   for (const auto& [name, value] : other) names.insert(name);
   for (const std::string& name : names) {
-    const Value left = fieldOf(one, name);
-    const Value right = fieldOf(other, name);
+    const Shown left = fieldOf(one, name);
+    const Shown right = fieldOf(other, name);
     if (left != right) groups.Add(place.section, name, left, right, place.place);
   }
 }
@@ -180,8 +180,8 @@ class DocumentDiff {
     return found != plates.end() ? &*found : nullptr;
   }
 
-  void addWhole(const char* section, const std::string& what, const Value& one,
-                const Value& other) {
+  void addWhole(const char* section, const std::string& what, const Shown& one,
+                const Shown& other) {
     Difference& difference = found_.emplace_back();
     difference.section = section;
     difference.what = what;
@@ -191,7 +191,7 @@ class DocumentDiff {
   }
 
   void addLone(const std::string& name, bool isFirst) {
-    const Value there = "there";
+    const Shown there = "there";
     addWhole("plates", ToUtf8(name), isFirst ? there : std::nullopt,
              isFirst ? std::nullopt : there);
   }
@@ -217,7 +217,7 @@ class DocumentDiff {
   std::vector<Difference> found_;
 };
 
-std::string shownValue(const Value& value) {
+std::string shownValue(const Shown& value) {
   if (!value) return "none";
   if (value->size() <= kLongestValue) return "'" + *value + "'";
   return "'" + value->substr(0, kLongestValue) + "...'";

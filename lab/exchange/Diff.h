@@ -22,6 +22,8 @@ struct DiffOptions {
 
 /// Equal differences between two documents, in one or more places, such as wells. Texts are UTF-8.
 struct Difference {
+  static constexpr std::size_t kMostPlaces = 3;  ///< how many of the places are listed
+
   std::string plate;    ///< name of the plate in a study; empty otherwise
   std::string section;  ///< "header", "wells", "readings" and so on
   std::string what;     ///< the field, as "sample"; empty if one document lacks the whole entry

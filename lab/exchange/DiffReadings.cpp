@@ -14,14 +14,13 @@ namespace vex2::lab {
 
 namespace {
 
-constexpr std::size_t kMostExamples = 3;
 constexpr const char* kSection = "readings";
 
-using Blocks = std::map<std::string, const AcquisitionDataComp*>;
+using BlocksByName = std::map<std::string, const AcquisitionDataComp*>;
 
 // The data blocks of a plate. The key is the tag, and the number among blocks with that tag.
-Blocks blocksOf(const Document::Plate& plate) {
-  Blocks blocks;
+BlocksByName blocksOf(const Document::Plate& plate) {
+  BlocksByName blocks;
   for (int i = 0; i < plate.content->GetAllComponentCount(); ++i) {
     const auto* block = dynamic_cast<const AcquisitionDataComp*>(plate.content->GetComponent(i));
     if (block == nullptr) continue;
@@ -151,7 +150,7 @@ class BlockDiff {
       to.one = text(one);
       to.other = text(other);
     }
-    if (to.places.size() < kMostExamples) {
+    if (to.places.size() < Difference::kMostPlaces) {
       to.places.push_back(place + ": " + text(one) + " -> " + text(other));
     }
     if (!std::isnan(one - other)) to.largest = std::max(to.largest, std::abs(one - other));
@@ -171,8 +170,8 @@ class BlockDiff {
 
 void DiffReadings(const Document::Plate& one, const Document::Plate& other, double tolerance,
                   std::vector<Difference>& differences) {
-  const Blocks blocks = blocksOf(one);
-  const Blocks otherBlocks = blocksOf(other);
+  const BlocksByName blocks = blocksOf(one);
+  const BlocksByName otherBlocks = blocksOf(other);
   const auto lone = [&](const std::string& name, bool isFirst) {
     Difference& difference = differences.emplace_back();
     difference.section = kSection;

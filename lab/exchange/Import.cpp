@@ -32,7 +32,7 @@ namespace {
 
 constexpr std::uint64_t kMostPiped = 1ULL << 32U;  // bytes of standard input, kept on the disk
 constexpr std::uint64_t kMostText = 256U << 20U;   // bytes of a table, kept in memory
-constexpr std::size_t kPart = 1U << 16U;
+constexpr std::size_t kReadSize = 1U << 16U;
 
 constexpr std::array<std::pair<std::string_view, ImportFormat>, 4> kFormats = {
     {{"rdml", ImportFormat::kRdml},
@@ -45,7 +45,7 @@ class PipedFile {
  public:
   PipedFile() : file_(std::tmpfile(), std::fclose) {
     if (!file_) throw SystemError("a temporary file", errno);
-    std::array<char, kPart> part{};
+    std::array<char, kReadSize> part{};
     std::uint64_t size = 0;
     while (true) {
       const auto count = ::read(STDIN_FILENO, part.data(), part.size());

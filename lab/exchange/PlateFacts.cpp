@@ -30,11 +30,6 @@ class Turns {
 };
 
 template <std::size_t size>
-std::string hexOf(const std::array<std::uint8_t, size>& bytes) {
-  return ToHex({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
-}
-
-template <std::size_t size>
 std::string codeOf(const char (&code)[size]) {
   std::string text = ToUtf8({code, size});
   text.erase(text.find_last_not_of(' ') + 1);
@@ -115,17 +110,17 @@ void addPart(const std::optional<CalibrationPart>& part, const std::string& name
              PlateFacts& facts) {
   if (!part) return;
   FactFields& head = facts[{"calibration", name}];
-  head["code"] = hexOf(part->head.code);
+  head["code"] = ToHex(part->head.code);
   head["setting"] = std::to_string(part->head.setting);
   head["option"] = std::to_string(part->head.option);
   head["value"] = std::to_string(part->head.value);
-  head["extra"] = hexOf(part->head.extra1) + " " + hexOf(part->head.extra2);
+  head["extra"] = ToHex(part->head.extra1) + " " + ToHex(part->head.extra2);
   Turns turns;
   for (const CalibrationEntry& entry : part->entries) {
     FactFields& fields = facts[{"calibration", name + " " + turns.Name(entry.name)}];
     fields["keys"] = std::to_string(entry.key1) + " " + std::to_string(entry.key2);
     fields["dye"] = std::to_string(entry.dyeIndex);
-    fields["bytes"] = hexOf(entry.bytes);
+    fields["bytes"] = ToHex(entry.bytes);
     fields["limit"] = std::to_string(entry.limit);
     for (const std::uint16_t one : entry.params) fields["params"] += std::to_string(one) + " ";
     for (const std::uint32_t one : entry.values) {

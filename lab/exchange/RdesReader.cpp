@@ -15,9 +15,11 @@ namespace vex2::lab {
 
 namespace {
 
-enum Column : std::size_t { kWell, kSample, kType, kTarget, kTargetType, kDye, kResult, kFirst };
-constexpr std::array<std::string_view, kResult> kNames = {"Well",   "Sample",      "Sample Type",
-                                                          "Target", "Target Type", "Dye"};
+struct RdesColumn {
+  enum : std::size_t { kWell, kSample, kType, kTarget, kTargetType, kDye, kResult, kFirst };
+};
+constexpr std::array<std::string_view, RdesColumn::kResult> kRdesColumns = {
+    "Well", "Sample", "Sample Type", "Target", "Target Type", "Dye"};
 constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 
 std::string_view takeLine(std::string_view& text) {
@@ -85,13 +87,15 @@ class RdesReader {
   void readHead() {
     row_ = 1;
     const auto cells = cellsOf(takeLine(text_));
-    for (std::size_t i = 0; i < kNames.size(); ++i) {
-      if (i >= cells.size() || cells[i] != kNames[i]) refuse(1, kNames[i], "it is not there");
+    for (std::size_t i = 0; i < kRdesColumns.size(); ++i) {
+      if (i >= cells.size() || cells[i] != kRdesColumns[i])
+        refuse(1, kRdesColumns[i], "it is not there");
     }
-    const std::string_view result = cells.size() > kResult ? cells[kResult] : std::string_view();
+    const std::string_view result =
+        cells.size() > RdesColumn::kResult ? cells[RdesColumn::kResult] : std::string_view();
     if (result != "Cq" && result != "Tm") refuse(1, "Cq", "there is neither Cq nor Tm");
     melting_ = result == "Tm";
-    for (std::size_t i = kFirst; i < cells.size(); ++i) takeColumn(cells[i], i);
+    for (std::size_t i = RdesColumn::kFirst; i < cells.size(); ++i) takeColumn(cells[i], i);
   }
 
   void takeColumn(std::string_view cell, std::size_t index) {
@@ -126,8 +130,8 @@ class RdesReader {
     std::uint32_t rows = 1;
     std::uint32_t columns = 1;
     for (const Row& row : rows_) {
-      const auto [line, column] = placeOf(row.Cell(kWell));
-      if (line == 0) refuse(row.number, "Well", "'" + row.Cell(kWell) + "' is no well");
+      const auto [line, column] = placeOf(row.Cell(RdesColumn::kWell));
+      if (line == 0) refuse(row.number, "Well", "'" + row.Cell(RdesColumn::kWell) + "' is no well");
       rows = std::max(rows, line);
       columns = std::max(columns, column);
     }
@@ -143,7 +147,7 @@ class RdesReader {
   }
 
   std::uint16_t wellOf(const Row& row) const {
-    const auto [line, column] = placeOf(row.Cell(kWell));
+    const auto [line, column] = placeOf(row.Cell(RdesColumn::kWell));
     return plate_->WellOf((line - 1) * columnsOfFile_ + column).value_or(1);
   }
 
@@ -153,7 +157,8 @@ class RdesReader {
     bool isSeveral = false;
     for (const Row& row : rows_) {
       auto& dyes = turns[wellOf(row)];
-      std::string name = row.Cell(kDye).empty() ? "unnamed" : dyes_.Take(row.Cell(kDye));
+      std::string name =
+          row.Cell(RdesColumn::kDye).empty() ? "unnamed" : dyes_.Take(row.Cell(RdesColumn::kDye));
       std::replace(name.begin(), name.end(), ',', ' ');
       isSeveral = isSeveral || !dyes.empty();
       const int turn = ++dyes[name];
@@ -175,21 +180,22 @@ class RdesReader {
   void take(const Row& row) {
     Well& well = wellWith(row);
     Target& target = well.targets.emplace_back();
-    const std::string type = row.Cell(kType);
+    const std::string type = row.Cell(RdesColumn::kType);
     const auto task = rdml::TaskOf(type.empty() ? "unkn" : type);
     if (!task) refuse(row.number, "Sample Type", "'" + type + "' is no type of a sample");
     target.task = *task;
-    const std::string name = row.Cell(kTarget);
+    const std::string name = row.Cell(RdesColumn::kTarget);
     if (!name.empty()) target.detector = targets_.Take(name);
-    if (!row.Cell(kDye).empty()) target.reporter = dyes_.Take(row.Cell(kDye));
-    const std::string kind = row.Cell(kTargetType);
+    if (!row.Cell(RdesColumn::kDye).empty())
+      target.reporter = dyes_.Take(row.Cell(RdesColumn::kDye));
+    const std::string kind = row.Cell(RdesColumn::kTargetType);
     if (kind == "ref") references_[target.detector] = true;
     if (!kind.empty() && kind != "ref" && kind != "toi") {
       refuse(row.number, "Target Type", "'" + kind + "' is neither toi nor ref");
     }
-    if (const std::string result = row.Cell(kResult); !result.empty()) {
+    if (const std::string result = row.Cell(RdesColumn::kResult); !result.empty()) {
       losses_.Add(melting_ ? "melting temperatures (Tm)" : "quantification cycles (Cq)",
-                  row.Cell(kWell) + ": " + result);
+                  row.Cell(RdesColumn::kWell) + ": " + result);
     }
     if (name.empty()) well.targets.pop_back();
     takeReadings(row, well.number);
@@ -200,7 +206,7 @@ class RdesReader {
     auto& wells = run_.plan.plate.wells;
     const auto found = std::find_if(wells.begin(), wells.end(),
                                     [&](const Well& well) { return well.number == number; });
-    const std::string given = row.Cell(kSample);
+    const std::string given = row.Cell(RdesColumn::kSample);
     const std::string sample = given.empty() ? given : samples_.Take(given);
     if (found != wells.end()) {
       if (found->sample != sample) {
@@ -223,11 +229,12 @@ class RdesReader {
     const auto& channels = run_.plan.channels;
     const auto channel = std::find(channels.begin(), channels.end(), channels_[place]);
     curve.channel = channels.empty() ? 0 : static_cast<std::size_t>(channel - channels.begin());
-    if (row.cells.size() > kFirst + columns_.size()) {
-      refuse(row.number, std::to_string(kFirst + columns_.size() + 1), "row 1 has no such column");
+    if (row.cells.size() > RdesColumn::kFirst + columns_.size()) {
+      refuse(row.number, std::to_string(RdesColumn::kFirst + columns_.size() + 1),
+             "row 1 has no such column");
     }
     for (std::size_t i = 0; i < columns_.size(); ++i) {
-      const std::string cell = row.Cell(kFirst + i);
+      const std::string cell = row.Cell(RdesColumn::kFirst + i);
       curve.readings.push_back(cell.empty() || cell == "NA" ? kNone : readingIn(cell, row, i));
       if (melting_) {
         curve.temperatures.push_back(static_cast<float>(columns_[i]));
@@ -242,7 +249,7 @@ class RdesReader {
   double readingIn(const std::string& cell, const Row& row, std::size_t index) const {
     const auto value = NumberIn<double>(cell);
     if (value && std::abs(*value) <= ReadingScale::kLargestReading) return *value;
-    refuse(row.number, std::to_string(kFirst + index + 1),
+    refuse(row.number, std::to_string(RdesColumn::kFirst + index + 1),
            "'" + cell + "' is no reading from -1e12 to 1e12");
   }
 

@@ -15,7 +15,7 @@ namespace vex2::lab {
 
 namespace {
 
-constexpr std::size_t kPart = 1U << 16U;
+constexpr std::size_t kPieceSize = 1U << 16U;
 
 // The comment on the embedded document in an archive, from which an import finds out whether
 // another program has changed the XML since.
@@ -34,8 +34,8 @@ ZipWriter::NextPiece contentOf(const std::string& path) {
   auto file = std::make_shared<CFile>();
   OpenToRead(*file, path);
   return [file](std::string& piece) {
-    piece.resize(kPart);
-    piece.resize(file->Read(piece.data(), static_cast<unsigned>(kPart)));
+    piece.resize(kPieceSize);
+    piece.resize(file->Read(piece.data(), static_cast<unsigned>(kPieceSize)));
     return !piece.empty();
   };
 }
@@ -130,7 +130,7 @@ void RdmlSource::readXml(const std::function<bool(std::string_view)>& take) cons
   if (zip_) return zip_->Read(xml_, take);
   if (path_.empty()) {
     for (std::string_view rest = bytes_; !rest.empty();) {
-      const std::string_view piece = rest.substr(0, kPart);
+      const std::string_view piece = rest.substr(0, kPieceSize);
       if (!take(piece)) return;
       rest.remove_prefix(piece.size());
     }
@@ -138,8 +138,8 @@ void RdmlSource::readXml(const std::function<bool(std::string_view)>& take) cons
   }
   CFile file;
   OpenToRead(file, path_);
-  std::string piece(kPart, '\0');
-  while (const auto size = file.Read(piece.data(), static_cast<unsigned>(kPart))) {
+  std::string piece(kPieceSize, '\0');
+  while (const auto size = file.Read(piece.data(), static_cast<unsigned>(kPieceSize))) {
     if (!take(std::string_view(piece).substr(0, size))) return;
   }
 }

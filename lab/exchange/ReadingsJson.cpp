@@ -14,16 +14,11 @@ namespace {
 
 using nlohmann::ordered_json;
 
-template <std::size_t size>
-std::string hexOf(const std::array<std::uint8_t, size>& bytes) {
-  return ToHex({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
-}
-
 ordered_json describePart(const std::optional<CalibrationPart>& part, bool isDye) {
   if (!part) return nullptr;
-  ordered_json info = {{"code", hexOf(part->head.code)},     {"setting", part->head.setting},
+  ordered_json info = {{"code", ToHex(part->head.code)},     {"setting", part->head.setting},
                        {"option", part->head.option},        {"value", part->head.value},
-                       {"extra1", hexOf(part->head.extra1)}, {"extra2", hexOf(part->head.extra2)},
+                       {"extra1", ToHex(part->head.extra1)}, {"extra2", ToHex(part->head.extra2)},
                        {"spectra", ordered_json::array()}};
   for (const CalibrationEntry& entry : part->entries) {
     ordered_json spectrum = {{"name", entry.name},

@@ -16,9 +16,11 @@ namespace vex2::lab {
 
 namespace {
 
-enum Column : std::size_t { kWell, kSample, kTarget, kTask, kQuantity, kReporter };
-const std::vector<std::string_view> kColumns = {"well", "sample",   "target",
-                                                "task", "quantity", "reporter"};
+struct WellColumn {
+  enum : std::size_t { kWell, kSample, kTarget, kTask, kQuantity, kReporter };
+};
+const std::vector<std::string_view> kWellColumns = {"well", "sample",   "target",
+                                                    "task", "quantity", "reporter"};
 
 // Refuses rows that contradict earlier rows about the same well or detector.
 class Agreement {
@@ -32,20 +34,22 @@ class Agreement {
   void Check(const CsvRow& row, const WellRow& added) {
     const auto [sample, firstOfWell] = samples_.emplace(added.well, added.sample);
     if (!firstOfWell && sample->second != added.sample) {
-      row.RefuseField(kSample, "is not the sample that the well has in an earlier row");
+      row.RefuseField(WellColumn::kSample, "is not the sample that the well has in an earlier row");
     }
     const Detector detector{kPlate384.NameOf(added.well), added.target};
     const auto allowed = allowed_.find(detector);
     if (++counts_[detector] > (allowed != allowed_.end() ? allowed->second : 1)) {
-      row.RefuseField(kWell, "is given twice with the same target");
+      row.RefuseField(WellColumn::kWell, "is given twice with the same target");
     }
     if (added.target.empty()) {
-      if (!added.reporter.empty()) row.RefuseField(kReporter, "is a reporter without a target");
+      if (!added.reporter.empty())
+        row.RefuseField(WellColumn::kReporter, "is a reporter without a target");
       return;
     }
     const auto [reporter, firstOfTarget] = reporters_.emplace(added.target, added.reporter);
     if (!firstOfTarget && reporter->second != added.reporter) {
-      row.RefuseField(kReporter, "is not the reporter that the target has in an earlier row");
+      row.RefuseField(WellColumn::kReporter,
+                      "is not the reporter that the target has in an earlier row");
     }
   }
 
@@ -58,7 +62,7 @@ class Agreement {
   std::map<std::string, std::string> reporters_;
 };
 
-std::string latin1(const CsvRow& row, Column column) {
+std::string latin1(const CsvRow& row, std::size_t column) {
   const auto text = ToLatin1(row.Text(column));
   if (!text) row.RefuseField(column, "has a character that documents cannot hold (Latin-1 only)");
   if (text->find('\0') != std::string::npos) row.RefuseField(column, "has a zero byte");
@@ -69,16 +73,16 @@ std::string latin1(const CsvRow& row, Column column) {
 // still follow.
 WellRow rowOf(const CsvRow& row, FloatReader& quantities) {
   WellRow result;
-  const auto well = kPlate384.FindAsWritten(row.Text(kWell));
-  if (!well) row.RefuseField(kWell, "is not a well of a plate, A1 to P24");
+  const auto well = kPlate384.FindAsWritten(row.Text(WellColumn::kWell));
+  if (!well) row.RefuseField(WellColumn::kWell, "is not a well of a plate, A1 to P24");
   result.well = *well;
-  result.sample = latin1(row, kSample);
-  result.target = latin1(row, kTarget);
-  result.task = latin1(row, kTask);
-  result.reporter = latin1(row, kReporter);
-  if (!row.Text(kQuantity).empty()) {
-    const double number = row.Decimal(kQuantity, std::numeric_limits<float>::max());
-    const std::string text = row.PointText(kQuantity, row.Text(kQuantity));
+  result.sample = latin1(row, WellColumn::kSample);
+  result.target = latin1(row, WellColumn::kTarget);
+  result.task = latin1(row, WellColumn::kTask);
+  result.reporter = latin1(row, WellColumn::kReporter);
+  if (!row.Text(WellColumn::kQuantity).empty()) {
+    const double number = row.Decimal(WellColumn::kQuantity, std::numeric_limits<float>::max());
+    const std::string text = row.PointText(WellColumn::kQuantity, row.Text(WellColumn::kQuantity));
     result.quantity = quantities.Keep(row, "quantity", text, number);
   }
   return result;
@@ -87,14 +91,14 @@ WellRow rowOf(const CsvRow& row, FloatReader& quantities) {
 }  // namespace
 
 const std::vector<std::string_view>& WellsFileColumns() {
-  return kColumns;
+  return kWellColumns;
 }
 
 PlateContents LoadWells(const std::string& path, FloatReader& quantities, const CsvFormat& format,
                         const PlateContents& before) {
   PlateContents contents;
   Agreement agreement(before);
-  ReadCsv(path, kColumns,
+  ReadCsv(path, kWellColumns,
           [&](const CsvRow& row) {
             agreement.Check(row, contents.rows.emplace_back(rowOf(row, quantities)));
           },
@@ -118,7 +122,7 @@ void WriteWells(const PlateContents& contents, std::ostream& out) {
 }
 
 void WriteWellColumns(CsvWriter& csv) {
-  csv.Row("plate", {kColumns.begin(), kColumns.end()});
+  csv.Row("plate", {kWellColumns.begin(), kWellColumns.end()});
 }
 
 void WriteWells(const PlateContents& contents, CsvWriter& csv, const std::string& plate) {

@@ -241,9 +241,10 @@ ordered_json parsed(std::string_view text, const std::string& file, std::size_t 
 }
 
 /// Reads a document plate by plate.
-class Reader {
+class DocumentFiller {
  public:
-  Reader(const std::string& file, DocumentFile& document) : file_(file), document_(document) {}
+  DocumentFiller(const std::string& file, DocumentFile& document)
+      : file_(file), document_(document) {}
 
   void Read(std::string_view text) {
     const std::size_t end = text.find('\n');
@@ -321,7 +322,7 @@ bool IsWholeJson(std::string_view text) {
 }
 
 void ReadWholeJson(std::string_view text, const std::string& file, DocumentFile& document) {
-  Reader(file, document).Read(text);
+  DocumentFiller(file, document).Read(text);
 }
 
 }  // namespace vex2::lab

@@ -54,16 +54,16 @@ PlateValues comparable(PlateValues values) {
   return values;
 }
 
-[[noreturn]] void refuse(const std::string& why) {
+[[noreturn]] void refuseEdit(const std::string& why) {
   throw Error(ErrorCode::kInvalidValue, why);
 }
 
 CString storedName(const std::string& name, const std::string& what) {
-  if (name.empty()) refuse(fmt::format("a {} needs a name", what));
+  if (name.empty()) refuseEdit(fmt::format("a {} needs a name", what));
   return CString(std::string_view(StoredText(name, what)));
 }
 
-void require(bool isStored, const std::string& what) {
+void requireStored(bool isStored, const std::string& what) {
   if (!isStored)
     throw Error(ErrorCode::kSystem, fmt::format("the document cannot hold more {}", what));
 }
@@ -74,7 +74,7 @@ void storeDetectors(Vex2FileManager& document, const std::vector<Detector>& befo
   for (const Detector& detector : after) {
     storedName(detector.name, "detector");
     if (!kept.insert(detector.name).second) {
-      refuse(fmt::format("the detector '{}' is given twice", detector.name));
+      refuseEdit(fmt::format("the detector '{}' is given twice", detector.name));
     }
   }
   for (const Detector& detector : before) {
@@ -87,7 +87,7 @@ void storeDetectors(Vex2FileManager& document, const std::vector<Detector>& befo
     });
     if (isThere) continue;
     const Vex2Detector stored = StoredDetector(detector);
-    require(document.AppendDetectorInfo(&stored) == kSuccess, "detectors");
+    requireStored(document.AppendDetectorInfo(&stored) == kSuccess, "detectors");
   }
 }
 
@@ -97,7 +97,7 @@ void storeDyes(Vex2FileManager& document, const std::vector<std::string>& before
   std::set<std::string_view> kept;
   for (const std::string& dye : after) {
     storedName(dye, "dye");
-    if (!kept.insert(dye).second) refuse(fmt::format("the dye '{}' is given twice", dye));
+    if (!kept.insert(dye).second) refuseEdit(fmt::format("the dye '{}' is given twice", dye));
   }
   for (const std::string& dye : before) {
     if (!kept.contains(dye)) {
@@ -113,7 +113,7 @@ void storeCalibration(Vex2FileManager& document, const Calibration& before,
   Calibration changed;
   const auto compare = [](const auto& old, const auto& now, auto& change) {
     if (now == old) return;
-    if (!now) refuse("a part of the calibration can be replaced, but not taken away");
+    if (!now) refuseEdit("a part of the calibration can be replaced, but not taken away");
     change = now;
   };
   compare(before.pureDyes, after.pureDyes, changed.pureDyes);
@@ -149,7 +149,7 @@ class PlateEditor::Impl {
 
   void RequireSettable(const lab::Setting& setting) const {
     if (!content_.IsRQS() || setting.isOfStudies) return;
-    refuse(fmt::format("a study keeps no {} of its own; set it in a plate", setting.key));
+    refuseEdit(fmt::format("a study keeps no {} of its own; set it in a plate", setting.key));
   }
 
   // Store the wells first: this adds detectors and dyes, which the lists of detectors and dyes may
@@ -158,7 +158,7 @@ class PlateEditor::Impl {
     const PlateValues before = comparable(before_);
     const PlateValues values = comparable(values_);
     if (values == before) return;
-    if (content_.IsRQS()) refuse("it is a study: what it holds is changed in its plates");
+    if (content_.IsRQS()) refuseEdit("it is a study: what it holds is changed in its plates");
     if (values.plate.wells != before.plate.wells) {
       StoreContents(content_, StoredContents(values_.plate, values_.detectors));
     }

@@ -96,7 +96,7 @@ void addDetector(Vex2WellSetup& cell, const WellRow& row) {
   static_cast<void>(detector.release());
 }
 
-void require(int status) {
+void requireRoom(int status) {
   if (status != kSuccess) {
     throw Error(ErrorCode::kSystem, "the document cannot hold so much of its plate");
   }
@@ -162,7 +162,7 @@ void storeSetup(Vex2FileManager& document, const PlateContents& contents) {
     if (row.HasDetector()) addDetector(cell, row);
   }
   keepUnshown(document, contents, setup);
-  require(document.ReplacePlateSetup(&setup));
+  requireRoom(document.ReplacePlateSetup(&setup));
 }
 
 // `named` are the targets that the wells had before.
@@ -183,7 +183,7 @@ void storeDetectors(Vex2FileManager& document, const PlateContents& contents,
     if (!isNew && textOf(detector.reporterDye) == row.reporter) continue;
     detector.name = CString(row.target);
     detector.reporterDye = CString(row.reporter);
-    require(document.AppendDetectorInfo(&detector));
+    requireRoom(document.AppendDetectorInfo(&detector));
   }
 }
 
@@ -276,7 +276,7 @@ std::vector<Vex2Detector> DetectorsOf(const Vex2FileManager& document) {
   int count = 0;
   Vex2Detector* list = nullptr;
   if (document.GetNumberOfDetectors(count) != kSuccess || count == 0) return {};
-  require(document.GetDetectorListInfo(list));
+  requireRoom(document.GetDetectorListInfo(list));
   const std::unique_ptr<Vex2Detector[]> owner(list);
   return {list, list + count};
 }
@@ -285,7 +285,7 @@ std::vector<std::string> RequiredDyesOf(const Vex2FileManager& document) {
   int count = 0;
   CString* list = nullptr;
   if (document.GetNumberOfRequiredDyes(count) != kSuccess || count == 0) return {};
-  require(document.GetRequiredDyeListInfo(list));
+  requireRoom(document.GetRequiredDyeListInfo(list));
   const std::unique_ptr<CString[]> owner(list);
   std::vector<std::string> dyes;
   std::transform(list, list + count, std::back_inserter(dyes),

@@ -21,7 +21,7 @@ namespace vex2::lab {
 namespace {
 
 // What was not read of the document, sorted by offset.
-std::vector<FileFault> faultsOf(const Document& document) {
+std::vector<FileFault> unreadPartsOf(const Document& document) {
   std::vector<FileFault> faults;
   if (const auto& fault = document.Fault()) faults.push_back(*fault);
   for (const Document::Loss& loss : document.Losses()) {
@@ -103,7 +103,7 @@ RunReader::RunReader(std::shared_ptr<const Content> content) : content_(std::mov
 RunReader::RunReader(const std::filesystem::path& path) {
   content_ = Guarded(path.string(), [&] {
     const Document document(path.string(), Document::Purpose::kReadHeads);
-    const std::vector<FileFault> faults = faultsOf(document);
+    const std::vector<FileFault> faults = unreadPartsOf(document);
     auto content = std::make_shared<Content>(document, document.Itself(), faults);
     for (const Document::Plate& plate : document.Plates()) {
       content->plates.push_back(

@@ -33,7 +33,7 @@ Detector valueOf(const Vex2Detector& stored) {
   return detector;
 }
 
-bool isText(std::string_view bytes) {
+bool isPrintable(std::string_view bytes) {
   return std::all_of(bytes.begin(), bytes.end(),
                      [](char c) { return (c >= ' ' && c <= '~') || c == '\n' || c == '\t'; });
 }
@@ -83,7 +83,7 @@ std::optional<Program> ProgramOf(const Vex2FileManager& document) {
   Program program;
   if (stored.data != nullptr) program.bytes.assign(stored.data, stored.data + stored.length);
   std::string text(program.bytes.begin(), program.bytes.end());
-  if (isText(text)) program.text = std::move(text);
+  if (isPrintable(text)) program.text = std::move(text);
   return program;
 }
 

@@ -13,7 +13,6 @@ namespace vex2::lab {
 
 namespace {
 
-constexpr std::uint16_t kFirstVersionThatReadsBack = 2;
 constexpr std::size_t kMostLossLines = 8;
 
 void upgradeBlocks(const Document& document, const Document::Plate& plate, const SaveRules& rules) {
@@ -21,7 +20,7 @@ void upgradeBlocks(const Document& document, const Document::Plate& plate, const
   for (const Document::Record& record : plate.records) {
     if (!record.known) continue;
     auto* block = dynamic_cast<AcquisitionDataComp*>(plate.content->GetComponent(index++));
-    if (block == nullptr || block->GetVersion() >= kFirstVersionThatReadsBack) continue;
+    if (block == nullptr || block->GetVersion() >= kFirstVersionWithTimes) continue;
     if (!rules.upgradeBlocks) {
       throw Error(ErrorCode::kDocument, document.Path(),
                   fmt::format("the data block \"{}\" is of version 1 and would not read back once "

@@ -19,7 +19,7 @@ constexpr unsigned kMostCycles = 65535;
 constexpr double kMostSeconds = 4294967;     // 32 bits of milliseconds, 49 days
 constexpr double kMostTemperature = 655.35;  // 16 bits of hundredths of a degree
 
-bool isMelting(const CsvRow& row) {
+bool isMeltingRow(const CsvRow& row) {
   const std::string_view stage = row.Text(kStage);
   if (stage != "amplification" && stage != "melt") {
     row.RefuseField(kStage, "is neither 'amplification' nor 'melt'");
@@ -102,7 +102,7 @@ bool ReadReadingRows(const ReadingsSource& source, RunPlan& plan,
                    reading.fluorescence = fluorescenceOf(row);
                    reading.seconds = row.Decimal(kTime, kMostSeconds);
                    reading.temperature = row.Decimal(kTemperature, kMostTemperature);
-                   reading.melting = isMelting(row);
+                   reading.melting = isMeltingRow(row);
                    reading.cycle = static_cast<std::uint16_t>(row.Whole(kCycle, 1, kMostCycles));
                    take(reading);
                  },

@@ -10,8 +10,8 @@ namespace {
 using Style = TextForm::Style;
 
 constexpr std::size_t kMostLines = 20;
-constexpr std::size_t kNumberWidth = 10;
-constexpr std::size_t kTextAt = 2 * kNumberWidth + 2;
+constexpr std::size_t kColumnWidth = 10;
+constexpr std::size_t kTextAt = 2 * kColumnWidth + 2;
 
 std::string counts(std::uint64_t records, std::uint64_t frames, std::uint64_t plates) {
   std::string text = Counted(records, "record") + " and " + Counted(frames, "frame");
@@ -24,13 +24,13 @@ std::string notesText(const std::vector<RecoverNote>& notes, std::uint64_t place
   if (places == 0) return {};
   std::string text =
       '\n' +
-      form.Styled(PadLeft("position", kNumberWidth) + PadLeft("bytes", kNumberWidth) + "  " + title,
+      form.Styled(PadLeft("position", kColumnWidth) + PadLeft("bytes", kColumnWidth) + "  " + title,
                   Style::kDim) +
       '\n';
   for (std::size_t i = 0; i < notes.size() && i < kMostLines; ++i) {
     const RecoverNote& note = notes[i];
-    text += PadLeft(std::to_string(note.offset), kNumberWidth) +
-            PadLeft(note.bytes > 0 ? std::to_string(note.bytes) : "", kNumberWidth) + "  " +
+    text += PadLeft(std::to_string(note.offset), kColumnWidth) +
+            PadLeft(note.bytes > 0 ? std::to_string(note.bytes) : "", kColumnWidth) + "  " +
             form.Wrapped(form.Printable(note.what), kTextAt) + '\n';
   }
   if (places <= kMostLines) return text;

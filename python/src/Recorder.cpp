@@ -63,8 +63,8 @@ lab::RecordingPlan planOf(const py::dict& given) {
   return plan;
 }
 
-std::unique_ptr<RunRecorder> open(const std::string& path, const py::dict& given, bool resume,
-                                  bool replace) {
+std::unique_ptr<RunRecorder> openRecorder(const std::string& path, const py::dict& given,
+                                          bool resume, bool replace) {
   const lab::RecordingPlan plan = planOf(given);
   const py::gil_scoped_release unlocked;
   return std::make_unique<RunRecorder>(path, plan,
@@ -116,7 +116,8 @@ py::tuple chooseScale(const std::vector<double>& readings) {
 void BindRecorder(py::module_& module) {
   module.def("choose_scale", &chooseScale, py::arg("readings"));
   py::class_<RunRecorder>(module, "Recorder", "Records a run to a document.")
-      .def(py::init(&open), py::arg("path"), py::arg("plan"), py::arg("resume"), py::arg("replace"))
+      .def(py::init(&openRecorder), py::arg("path"), py::arg("plan"), py::arg("resume"),
+           py::arg("replace"))
       .def("recorded_frames", &RunRecorder::RecordedFrames)
       .def("frame_count", &RunRecorder::FrameCount)
       .def("is_finished", &RunRecorder::IsFinished)

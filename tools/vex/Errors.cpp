@@ -20,7 +20,7 @@ void writeLine(const std::string& line) {
   std::cerr << (line + "\n") << std::flush;
 }
 
-std::string oneLine(const nlohmann::ordered_json& object) {
+std::string lineOf(const nlohmann::ordered_json& object) {
   return object.dump(-1, ' ', Terminal::Out().IsAscii(),
                      nlohmann::ordered_json::error_handler_t::replace);
 }
@@ -126,7 +126,7 @@ void PrintError(const Error& given) {
   object["offset"] = error.Offset() ? nlohmann::ordered_json(*error.Offset()) : nullptr;
   object["message"] = error.Message();
   object["exit_code"] = static_cast<int>(ExitCodeOf(error));
-  writeLine(oneLine({{"error", std::move(object)}}));
+  writeLine(lineOf({{"error", std::move(object)}}));
 }
 
 void PrintIfAny(std::string_view text) {
@@ -135,7 +135,7 @@ void PrintIfAny(std::string_view text) {
 
 void PrintLine(std::string_view text) {
   if (messageForm() == MessageForm::kText) return writeLine("vex: " + Printable(text));
-  writeLine(oneLine({{"note", {{"message", text}}}}));
+  writeLine(lineOf({{"note", {{"message", text}}}}));
 }
 
 }  // namespace vex2::tool

@@ -16,7 +16,7 @@ using vex2::TagOf;
 
 namespace {
 
-constexpr std::string_view kTag = TagOf(Kind::kCalibration);
+constexpr std::string_view kCalibrationTag = TagOf(Kind::kCalibration);
 
 // Copies a part into the caller's record and says whether there was one.
 template <typename Component, typename Record>
@@ -37,7 +37,7 @@ int replacePart(vex2::ComponentList& components, const Record* record,
   const auto replace = [&] {
     std::unique_ptr<CComponent> part;
     if (record != nullptr) part = std::make_unique<Component>(*record);
-    calibration = components.Find<CCalibrationComp>(kTag);
+    calibration = components.Find<CCalibrationComp>(kCalibrationTag);
     if (calibration == nullptr) {
       calibration = components.Replace(std::make_unique<CCalibrationComp>());
     }
@@ -147,7 +147,7 @@ int Vex2FileManager::ReplaceBackground(const char* path, const Vex2BGC* record) 
 
 int Vex2FileManager::RemoveCalibComponents(bool pureDye, bool background) {
   if (!pureDye && !background) return kSuccess;
-  auto* calibration = find<CCalibrationComp>(kTag);
+  auto* calibration = find<CCalibrationComp>(kCalibrationTag);
   if (calibration == nullptr) return kNotFound;
   if (pureDye && background) {
     RemoveComponent(calibration);
@@ -161,7 +161,7 @@ int Vex2FileManager::GetCalibrationInfo(Vex2PureDye*& pureDye, int* hasPureDye,
                                         Vex2BGC*& background, int* hasBackground) const {
   if (hasPureDye != nullptr) *hasPureDye = 0;
   if (hasBackground != nullptr) *hasBackground = 0;
-  const auto* calibration = find<CCalibrationComp>(kTag);
+  const auto* calibration = find<CCalibrationComp>(kCalibrationTag);
   if (calibration == nullptr) return kNotFound;
   return guarded(vex2::kReadFailed, [&] {
     copyPart<CBackgroundComp>(*calibration, background, hasBackground);
@@ -171,14 +171,14 @@ int Vex2FileManager::GetCalibrationInfo(Vex2PureDye*& pureDye, int* hasPureDye,
 }
 
 int Vex2FileManager::GetPureDyeCount() const {
-  const auto* calibration = find<CCalibrationComp>(kTag);
+  const auto* calibration = find<CCalibrationComp>(kCalibrationTag);
   const auto* pureDye = calibration != nullptr ? calibration->Find<CPureDyeComp>() : nullptr;
   return pureDye != nullptr ? pureDye->GetRecord().entryCount : 0;
 }
 
 int Vex2FileManager::SaveCalibrationInfo(const char* path) {
   const vex2::Operation operation(state_->store);
-  auto* calibration = find<CCalibrationComp>(kTag);
+  auto* calibration = find<CCalibrationComp>(kCalibrationTag);
   if (calibration == nullptr) return kNotFound;
   return saveWhole(path, [&] {
     if (const int status = WriteHeaderData(nullptr); status != kSuccess) return status;

@@ -11,7 +11,7 @@ using vex2::TagOf;
 
 namespace {
 
-constexpr std::string_view kTag = TagOf(Kind::kDetectorList);
+constexpr std::string_view kDetectorsTag = TagOf(Kind::kDetectorList);
 
 }  // namespace
 
@@ -29,7 +29,7 @@ int Vex2FileManager::UpdateDetectorList(const Vex2Detector* list, int count) {
 int Vex2FileManager::AppendDetectorInfo(const Vex2Detector* detector) {
   if (detector == nullptr) return kSuccess;
   return guarded(vex2::kWriteFailed, [&] {
-    if (auto* detectors = find<CDetectorListComp>(kTag)) {
+    if (auto* detectors = find<CDetectorListComp>(kDetectorsTag)) {
       detectors->Add(*detector, true);
       return kSuccess;
     }
@@ -41,7 +41,7 @@ int Vex2FileManager::AppendDetectorInfo(const Vex2Detector* detector) {
 }
 
 bool Vex2FileManager::RemoveDetectorInfo(const CString& name) {
-  auto* detectors = find<CDetectorListComp>(kTag);
+  auto* detectors = find<CDetectorListComp>(kDetectorsTag);
   if (detectors == nullptr) return false;
   const bool removed = detectors->RemoveChild(detectors->Find(name));
   // Unlike an update, which keeps the empty list that it was given.
@@ -51,19 +51,19 @@ bool Vex2FileManager::RemoveDetectorInfo(const CString& name) {
 
 int Vex2FileManager::AppendDetectorListToFile(const char* path) {
   const vex2::Operation operation(state_->store);
-  auto* detectors = find<CDetectorListComp>(kTag);
+  auto* detectors = find<CDetectorListComp>(kDetectorsTag);
   if (detectors == nullptr) return kNotFound;
   return appendRecord(path, *detectors);
 }
 
 int Vex2FileManager::GetNumberOfDetectors(int& count) const {
-  const auto* detectors = find<CDetectorListComp>(kTag);
+  const auto* detectors = find<CDetectorListComp>(kDetectorsTag);
   count = detectors != nullptr ? detectors->GetChildCount() : 0;
   return detectors != nullptr ? kSuccess : kNotFound;
 }
 
 int Vex2FileManager::GetDetectorListInfo(Vex2Detector*& list) const {
-  const auto* detectors = find<CDetectorListComp>(kTag);
+  const auto* detectors = find<CDetectorListComp>(kDetectorsTag);
   if (detectors == nullptr) return kNotFound;
   const int count = detectors->GetChildCount();
   if (count == 0) return kSuccess;

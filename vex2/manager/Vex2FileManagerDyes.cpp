@@ -11,14 +11,14 @@ using vex2::TagOf;
 
 namespace {
 
-constexpr std::string_view kTag = TagOf(Kind::kRequiredDyes);
+constexpr std::string_view kDyesTag = TagOf(Kind::kRequiredDyes);
 
 }  // namespace
 
 // The name lacks a letter. Hosts know it so.
 bool Vex2FileManager::AppendRequiredDyenfo(const CString& dye) {
   const int status = guarded(vex2::kWriteFailed, [&] {
-    auto* dyes = find<CRequiredDyesComp>(kTag);
+    auto* dyes = find<CRequiredDyesComp>(kDyesTag);
     if (dyes == nullptr) return UpdateRequiredDyeList(&dye, 1);
     if (dyes->Find(dye) >= 0) return static_cast<int>(kNotFound);
     dyes->Add(dye);
@@ -35,7 +35,7 @@ int Vex2FileManager::UpdateRequiredDyeList(const CString* dyes, int count) {
 }
 
 bool Vex2FileManager::RemoveRequiredDyeInfo(const CString& dye) {
-  auto* dyes = find<CRequiredDyesComp>(kTag);
+  auto* dyes = find<CRequiredDyesComp>(kDyesTag);
   if (dyes == nullptr) return false;
   const bool removed = dyes->RemoveChild(dyes->Find(dye));
   if (dyes->GetChildCount() == 0) RemoveComponent(dyes);
@@ -44,19 +44,19 @@ bool Vex2FileManager::RemoveRequiredDyeInfo(const CString& dye) {
 
 int Vex2FileManager::AppendRequiredDyeListToFile(const char* path) {
   const vex2::Operation operation(state_->store);
-  auto* dyes = find<CRequiredDyesComp>(kTag);
+  auto* dyes = find<CRequiredDyesComp>(kDyesTag);
   if (dyes == nullptr) return kNotFound;
   return appendRecord(path, *dyes);
 }
 
 int Vex2FileManager::GetNumberOfRequiredDyes(int& count) const {
-  const auto* dyes = find<CRequiredDyesComp>(kTag);
+  const auto* dyes = find<CRequiredDyesComp>(kDyesTag);
   count = dyes != nullptr ? dyes->GetChildCount() : 0;
   return dyes != nullptr ? kSuccess : kNotFound;
 }
 
 int Vex2FileManager::GetRequiredDyeListInfo(CString*& dyes) const {
-  const auto* list = find<CRequiredDyesComp>(kTag);
+  const auto* list = find<CRequiredDyesComp>(kDyesTag);
   if (list == nullptr) return kNotFound;
   const int count = list->GetChildCount();
   if (count == 0) return kSuccess;

@@ -10,7 +10,7 @@ using vex2::kSuccess;
 
 namespace {
 
-constexpr char kFilter[] = "RQ Plate(s)\0*.vex\0All Files\0*.*\0";
+constexpr char kPlatesFilter[] = "RQ Plate(s)\0*.vex\0All Files\0*.*\0";
 constexpr const char* kDateFormat = "%b %d, %Y %I:%M %p";
 
 }  // namespace
@@ -28,8 +28,8 @@ int Vex2FileManager::ReadRQPFromFile(CWnd* parent, const char* path, bool choose
   CString chosen;
   if (path == nullptr || choose) {
     CString folder;
-    if (!RQSOpenFile(parent, chosen, folder, kFilter, nullptr, "vex", nullptr, "Select RQ Plate(s)",
-                     1)) {
+    if (!RQSOpenFile(parent, chosen, folder, kPlatesFilter, nullptr, "vex", nullptr,
+                     "Select RQ Plate(s)", 1)) {
       return vex2::kCancelled;
     }
     path = chosen.GetString();

@@ -16,7 +16,7 @@ void setProgram(ThermocycleProgram& program, const std::string& bytes) {
   if (!bytes.empty()) std::copy(bytes.begin(), bytes.end(), program.data);
 }
 
-void bindSettings(ManagerClass& manager) {
+void bindPlateSettings(ManagerClass& manager) {
   manager
       .def("GetGlobalComplexInfo",
            [](const Manager& self) {
@@ -345,7 +345,7 @@ void bindDyes(ManagerClass& manager) {
 }  // namespace
 
 void BindContents(ManagerClass& manager) {
-  bindSettings(manager);
+  bindPlateSettings(manager);
   bindProgram(manager);
   bindPlate(manager);
   bindDetectors(manager);

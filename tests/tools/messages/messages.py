@@ -70,7 +70,7 @@ def sentences(root):
         name = str(path.relative_to(root))
         if name.startswith(NOT_SENTENCES):
             continue
-        source = re.sub(r"constexpr const char\* k(Meaning|Footer|Summary).*?;\n\n", "",
+        source = re.sub(r"constexpr const char\* k\w*(Meaning|Footer|Summary).*?;\n\n", "",
                         path.read_text(), flags=re.S)
         for text, line, calls in literals(source):
             if is_sentence(text) and not HELP & set(calls):

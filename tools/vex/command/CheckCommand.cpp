@@ -14,7 +14,7 @@ namespace vex2::tool {
 
 namespace {
 
-constexpr const char* kMeaning =
+constexpr const char* kCheckMeaning =
     "Severities:\n"
     "  error    some content is not read, or the next write would do damage\n"
     "  warning  unusual, but all content is read\n"
@@ -37,7 +37,7 @@ class CheckCommand final : public Command {
     options.AddFlag("--strict", strict_, "Exit with code 1 for warnings, too");
     options.AddFlag("--notes", notes_, "Show notes, too");
     options.AddFlag("--json", json_, "Print JSON: one object per document, one per line");
-    options.PutLast(kMeaning);
+    options.PutLast(kCheckMeaning);
   }
 
   ExitCode Run() override {

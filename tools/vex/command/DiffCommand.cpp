@@ -8,7 +8,7 @@ namespace vex2::tool {
 
 namespace {
 
-constexpr const char* kMeaning =
+constexpr const char* kDiffMeaning =
     "Exit codes: 0 the documents are equal, 1 they differ, 2 one cannot be compared.";
 
 class DiffCommand final : public Command {
@@ -29,7 +29,7 @@ class DiffCommand final : public Command {
     options.AddFlag("--readings", readings_, "Only the readings");
     options.AddFlag("--records", records_, "Only other records, and unknown bytes");
     options.AddFlag("--json", json_, "Print JSON: all differences as one object");
-    options.PutLast(kMeaning);
+    options.PutLast(kDiffMeaning);
   }
 
   ExitCode Run() override {

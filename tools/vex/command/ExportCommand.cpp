@@ -21,7 +21,7 @@ namespace vex2::tool {
 
 namespace {
 
-constexpr const char* kMeaning =
+constexpr const char* kExportMeaning =
     "Formats:\n"
     "  csv   a row for each well and frame; with --wide a row for each frame\n"
     "  json  all values of the document as one object\n"
@@ -61,7 +61,7 @@ class ExportCommand final : public Command {
     options.Add("-o,--output", target_, "File to write; standard output by default").Show("OUT");
     losses_.AddOptions(options);
     options.AddFlag("--force", force_, "Overwrite OUT if it exists");
-    options.PutLast(kMeaning);
+    options.PutLast(kExportMeaning);
   }
 
   ExitCode Run() override {

@@ -18,7 +18,7 @@ namespace vex2::tool {
 
 namespace {
 
-constexpr const char* kMeaning =
+constexpr const char* kFrameMeaning =
     "Columns:\n"
     "  A frame that vex recorded has the columns of 'vex export'. Any other frame\n"
     "  is printed with its stored values: set (not 0 if the well was read), l1 to l3,\n"
@@ -45,7 +45,7 @@ class FrameCommand final : public Command {
     options.AddFlag("--json", json_, "Print JSON: one object per plate, one per line")
         .Exclude(grid)
         .Exclude(raw);
-    options.PutLast(kMeaning);
+    options.PutLast(kFrameMeaning);
   }
 
   ExitCode Run() override {

@@ -20,7 +20,7 @@ namespace {
 
 using nlohmann::ordered_json;
 
-constexpr const char* kMeaning =
+constexpr const char* kGetMeaning =
     "Paths:\n"
     "  NAME              a value that 'vex info --json' shows: status, frames\n"
     "  NAME.NAME         a value within another: settings.comment, plate.rows\n"
@@ -46,7 +46,7 @@ class GetCommand final : public Command {
     options.Add("PATH", path_, "The path of the value").Require().Show("");
     plate_.AddTo(options);
     options.AddFlag("--json", json_, "Print JSON");
-    options.PutLast(kMeaning);
+    options.PutLast(kGetMeaning);
   }
 
   ExitCode Run() override {

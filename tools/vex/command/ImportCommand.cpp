@@ -18,7 +18,7 @@ namespace vex2::tool {
 
 namespace {
 
-constexpr const char* kMeaning =
+constexpr const char* kImportMeaning =
     "What it does:\n"
     "  A file with several runs becomes OUT-1.vex, OUT-2.vex and so on, or with\n"
     "  --study one study. From an RDML file of 'vex export', the original document is\n"
@@ -73,7 +73,7 @@ class ImportCommand final : public Command {
         .Exclude(embedded);
     losses_.AddOptions(options);
     options.AddFlag("--force", import_.replace, "Overwrite OUT if it exists");
-    options.PutLast(kMeaning);
+    options.PutLast(kImportMeaning);
   }
 
   ExitCode Run() override {

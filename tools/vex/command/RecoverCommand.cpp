@@ -20,7 +20,7 @@ namespace vex2::tool {
 
 namespace {
 
-constexpr const char* kMeaning =
+constexpr const char* kRecoverMeaning =
     "What it does:\n"
     "  Records are found by their tags, frames by the structure of their data block.\n"
     "  FILE itself is never changed. Damaged bytes within a text or a reading cannot\n"
@@ -40,7 +40,7 @@ class RecoverCommand final : public Command {
     options.Add("-o,--output", target_, "The document to write").Require().Show("OUT");
     options.AddFlag("--force", force_, "Overwrite OUT if it exists");
     options.AddFlag("--json", json_, "Print JSON: the report as one object");
-    options.PutLast(kMeaning);
+    options.PutLast(kRecoverMeaning);
   }
 
   ExitCode Run() override {

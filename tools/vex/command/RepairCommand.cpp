@@ -13,7 +13,7 @@ namespace vex2::tool {
 
 namespace {
 
-constexpr const char* kMeaning =
+constexpr const char* kRepairMeaning =
     "What it does:\n"
     "  The command makes a backup, FILE.backup, or FILE.backup-2 and so on if that\n"
     "  exists. Then it corrects lengths and offsets, cuts off uncommitted bytes, and\n"
@@ -31,7 +31,7 @@ class RepairCommand final : public Command {
   void AddOptions(Options& options) override {
     options.Add("FILE", file_, "The document").Require().Show("");
     options.AddFlag("--dry-run", dryRun_, "Print what would be repaired, and change nothing");
-    options.PutLast(kMeaning);
+    options.PutLast(kRepairMeaning);
   }
 
   ExitCode Run() override {

@@ -35,7 +35,7 @@ bool isScreen() {
   return Terminal::Error().IsTerminal() && Terminal::Out().IsTerminal();
 }
 
-constexpr auto kLeastPause = std::chrono::milliseconds(200);  // between two drawings
+constexpr auto kBetweenPictures = std::chrono::milliseconds(200);  // between two pictures
 constexpr const char* kEraseToEnd = "\x1b[K";
 constexpr const char* kEraseAll = "\x1b[H\x1b[2J";
 
@@ -45,7 +45,7 @@ void FollowScreen::Show(const Frame& frame, const RunFollower& follower) {
   if (isScreen()) {
     curves_.Add(frame);
     isStale_ = true;
-    if (Clock::now() - drawn_ >= kLeastPause) draw(follower);
+    if (Clock::now() - drawn_ >= kBetweenPictures) draw(follower);
     progress_->Show(
         {.framesDone = frame.index + 1, .framesTotal = follower.PlannedFrames(), .lastCommit = {}});
     return;

@@ -12,7 +12,7 @@ namespace vex2::tool {
 
 namespace {
 
-constexpr auto kLeastPause = std::chrono::milliseconds(50);  // between two drawings
+constexpr auto kBetweenDrawings = std::chrono::milliseconds(50);  // between two drawings
 constexpr std::size_t kLongestBar = 40;
 constexpr std::size_t kShortestBar = 5;
 
@@ -47,7 +47,7 @@ void RecordProgress::Show(const RecordState& state) {
   if (!hasBegun_) {
     begun_ = now;
     framesAtStart_ = state.framesDone;
-  } else if (now - lastDrawn_ < kLeastPause && state.framesDone != state.framesTotal) {
+  } else if (now - lastDrawn_ < kBetweenDrawings && state.framesDone != state.framesTotal) {
     return;
   }
   hasBegun_ = true;
