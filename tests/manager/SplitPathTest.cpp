@@ -65,5 +65,16 @@ TEST(SplitPath, FolderOfOneCharacterIsNoFolderButNames) {
   EXPECT_EQ(split("runs\\").title, "");
 }
 
+TEST(SplitPath, PathMayBeOneOfTheTextsThatAreSet) {
+  Parts parts{};
+  for (CString* path : {&parts.folder, &parts.title, &parts.extension}) {
+    *path = "C:\\runs\\plate7.vex";
+    EXPECT_TRUE(SplitPath(*path, parts.folder, parts.title, parts.extension));
+    EXPECT_EQ(parts.folder, "C:\\runs");
+    EXPECT_EQ(parts.title, "plate7");
+    EXPECT_EQ(parts.extension, "vex");
+  }
+}
+
 }  // namespace
 }  // namespace vex2::test

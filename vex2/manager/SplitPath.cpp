@@ -3,11 +3,11 @@
 #include "vex2/framework/PathNames.h"
 
 bool SplitPath(const CString& path, CString& folder, CString& title, CString& extension) {
+  // `path` may be one of the three texts, so copy it before they are emptied.
+  const CString kept = path;
   folder.Empty();
   title.Empty();
   extension.Empty();
-  // Copied, because the path may be one of the texts that are filled.
-  const CString kept = path;
   const std::string_view name = vex2::FileNameOf(kept.View());
   const std::size_t before = kept.View().size() - name.size();
   if (before < 2) return false;
