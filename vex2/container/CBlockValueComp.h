@@ -6,9 +6,8 @@
 #include "vex2/container/CComponent.h"
 #include "vex2/container/SmallBytes.h"
 
-/// A component that holds bytes, most often the characters of a text. Other programs end a text
-/// with a zero byte. When a body is read, its last byte is dropped if it is zero; one byte and no
-/// more.
+/// A component that holds bytes, usually the characters of a text. Other programs end a text with a
+/// zero byte, so reading a body drops its last byte if that byte is zero, and never more than one.
 class VEX2_API CBlockValueComp : public CComponent {
  public:
   /// Holds no bytes.
@@ -26,11 +25,13 @@ class VEX2_API CBlockValueComp : public CComponent {
   std::uint8_t* GetData() { return data_.Get(); }
 
   CComponent& Assign(const CComponent& source) override;
-  /// Replaces the bytes by `GetLength()` zero bytes; by none if the length is 0.
+  /// Replaces the bytes by `GetLength()` zero bytes. If the length is 0, the component then holds
+  /// no bytes.
   void AllocateBody() override;
   /// Releases the bytes; the length stays unchanged.
   void FreeBody() override;
-  /// The characters. First removes a trailing zero byte from the component for good.
+  /// Returns the characters. If the last byte is zero, first removes it from the component for
+  /// good.
   CString GetValueString() override;
   int WriteBody(CFile* file) override;
   int ReadBody(CFile* file) override;

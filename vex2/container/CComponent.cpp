@@ -28,7 +28,8 @@ const CRuntimeClass* CComponent::GetRuntimeClass() const {
 }
 
 void CComponent::setTag(std::string_view tag) {
-  // Nearly every tag has its four characters, and one is set for each record that is read.
+  // A fast path: nearly every tag has four characters, and a tag is set for each record that is
+  // read.
   if (tag.size() == sizeof tag_) {
     std::memcpy(tag_, tag.data(), sizeof tag_);
     return;
@@ -65,7 +66,7 @@ int CComponent::Write(CFile* file) {
   if (file == nullptr) return vex2::kWriteFailed;
   file->Write(tag_, sizeof tag_);
   vex2::WriteField(*file, length_);
-  // The body's status is ignored: a refused write throws the file's exception.
+  // Ignores the status of the body: a write that the system refuses throws an exception.
   if (length_ != 0) static_cast<void>(WriteBody(file));
   return vex2::kSuccess;
 }

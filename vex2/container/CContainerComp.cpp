@@ -52,7 +52,7 @@ CComponent* CContainerComp::FindChild(std::string_view tag) const {
   return nullptr;
 }
 
-// The number of bytes that the children take in the file, whatever the list declares.
+// The number of bytes that the children need in the file. The declared length may differ from it.
 std::uint64_t CContainerComp::lengthOfChildren() const {
   const auto all = children_.All();
   return std::accumulate(
@@ -60,12 +60,12 @@ std::uint64_t CContainerComp::lengthOfChildren() const {
       [](std::uint64_t sum, const auto& child) { return sum + child->GetSize(); });
 }
 
-// Subtracts the size of removed children from the length and adds that of new ones. Returns false
-// and keeps the length if the result does not fit in 32 bits.
+// Subtracts the size of removed children from the length and adds the size of new ones. Returns
+// false and keeps the length if the result does not fit in 32 bits.
 bool CContainerComp::changeLength(std::uint64_t removed, std::uint64_t added) {
   std::uint64_t length = std::uint64_t{GetLength()} + added;
-  // A list may declare less than it holds. Below 0 the length would wrap around, and at 0 the body
-  // would not be written; in both cases it becomes the true length.
+  // A list may declare fewer bytes than it holds. The subtraction could then go below 0 and wrap
+  // around, or give 0, and a body of length 0 is not written. So compute the true length instead.
   length = length >= removed + fixedLength_ ? length - removed
                                             : fixedLength_ + lengthOfChildren() - removed + added;
   if (length > std::numeric_limits<std::uint32_t>::max()) return false;

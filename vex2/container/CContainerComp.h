@@ -9,8 +9,8 @@
 #include "vex2/container/CComponent.h"
 #include "vex2/container/ComponentArray.h"
 
-/// A list: a component that holds components, its children, which it owns. In the file: a 16-bit
-/// count, then that many records.
+/// A list: a component that owns other components, its children. In the file: a 16-bit count,
+/// followed by that many records.
 class VEX2_API CContainerComp : public CComponent {
  public:
   /// An empty list.
@@ -33,9 +33,9 @@ class VEX2_API CContainerComp : public CComponent {
   /// Deletes the child at `index`, from 0, and decreases count and length. Returns false for an
   /// index out of range.
   bool RemoveChild(int index);
-  /// Deletes the child at `index`, from 0, and appends `child`; with an index out of range only
-  /// appends. Returns false and changes nothing if `child` is null, or if the result would not fit
-  /// in the 16-bit count or the 32-bit length.
+  /// Deletes the child at `index`, from 0, and appends `child`. If the index is out of range,
+  /// deletes nothing and only appends. Returns false and changes nothing if `child` is null, or if
+  /// the result would not fit in the 16-bit count or the 32-bit length.
   bool ReplaceChild(int index, std::unique_ptr<CComponent> child);
 
   CComponent& Assign(const CComponent& source) override;
@@ -47,11 +47,11 @@ class VEX2_API CContainerComp : public CComponent {
   /// Writes the children in order. Stops at the first status that is not 0 and returns it.
   virtual int WriteChildren(CFile* file);
   /// Reads as many records as the count says, and keeps those that could be read. Stops at the
-  /// first status that is not 0 and returns it. Returns 0 if the file ends before a tag.
+  /// first status that is not 0 and returns it. If the file ends before a tag, stops and returns 0.
   virtual int ReadChildren(CFile* file);
 
  protected:
-  /// An empty list whose body begins with `fixedLength` bytes, the count included.
+  /// An empty list whose body begins with `fixedLength` bytes, including the count.
   CContainerComp(std::string_view tag, std::uint16_t fixedLength);
 
   /// Adds a child that was read, without changing count and length.

@@ -32,7 +32,7 @@ int CSkippedComp::ReadBody(CFile* file) {
   try {
     file->Seek(GetLength(), CFile::current);
   } catch (const CFileException&) {
-    // If the body cannot be skipped, the reader finds no tag and stops.
+    // If the body cannot be skipped, the reader finds no tag after it and stops.
   }
   return vex2::kSuccess;
 }

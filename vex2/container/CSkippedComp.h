@@ -15,10 +15,12 @@ class VEX2_API CSkippedComp final : public CComponent {
   /// `counter`. Returns -100 for a null file, -300 if tag and length cannot be read or the record
   /// is nested too deep.
   int Read(CFile* file, std::uint32_t& counter) override;
-  /// Extends the file by `GetLength()` zero bytes, so that the next record keeps its place.
+  /// Appends `GetLength()` zero bytes to the file, so that the next record keeps its offset.
+  /// Returns 0, or -200 for a null file.
   int WriteBody(CFile* file) override;
-  /// Skips the body, also past the end of the file. Returns 0, or -100 for a null file.
+  /// Moves the file position past the body, even past the end of the file. Returns 0, or -100 for a
+  /// null file.
   int ReadBody(CFile* file) override;
-  /// Reduces the length by `bytes`, at most to 0.
+  /// Reduces the length by `bytes`, but not below 0.
   void Shorten(std::uint64_t bytes);
 };

@@ -22,8 +22,8 @@ class VEX2_API ScalarComponent : public CComponent {
   CComponent& Assign(const CComponent& source) override;
   /// Writes the value at the file position. Returns 0, or -200 for a null file.
   int WriteBody(CFile* file) override;
-  /// Reads the value at the file position. Returns 0, or -100 for a null file or if the file
-  /// ends within it.
+  /// Reads the value at the file position. Returns 0, or -100 for a null file or if the file ends
+  /// within the value.
   int ReadBody(CFile* file) override;
 
  private:

@@ -7,8 +7,8 @@
 
 namespace vex2 {
 
-/// The bytes that a component owns. Most are short texts, which stand within the object, so that
-/// they take no allocation of their own.
+/// The bytes that a component owns. Most are short texts. These are stored within the object, so
+/// that they need no allocation.
 class SmallBytes {
  public:
   SmallBytes() = default;
@@ -16,13 +16,13 @@ class SmallBytes {
   SmallBytes(const SmallBytes&) = delete;
   SmallBytes& operator=(const SmallBytes&) = delete;
 
-  /// The first byte; null without bytes.
+  /// The first byte; null if there are no bytes.
   std::uint8_t* Get() { return bytes_; }
-  /// The first byte; null without bytes.
+  /// The first byte; null if there are no bytes.
   const std::uint8_t* Get() const { return bytes_; }
 
-  /// Replaces the bytes by `count` bytes of any value; by none if `count` is 0. Throws
-  /// `std::bad_alloc`; then there are none.
+  /// Replaces the bytes by `count` uninitialised bytes; if `count` is 0, by none. If this throws
+  /// `std::bad_alloc`, there are no bytes afterwards.
   void Allocate(std::size_t count) {
     Clear();
     if (count != 0) bytes_ = count <= sizeof within_ ? within_ : new std::uint8_t[count];

@@ -11,10 +11,10 @@ enum Status : int {
   kPlateNotADocument = -1,  ///< a chosen study plate is not a "Vex2" document
   kPlateOfOtherKind = -2,   ///< a chosen study plate's kind marker is not "Kest"
   kCancelled = -50,         ///< the file chooser was cancelled
-  kReadFailed = -100,       ///< not openable for reading, not a "Vex2" document, or a short read
-  kWriteFailed = -200,      ///< not openable for writing, not open, or too short for a patch
+  kReadFailed = -100,       ///< a file that cannot be read, is no "Vex2" document or ends too early
+  kWriteFailed = -200,      ///< a file that cannot be written, is not open or is too short to patch
   kSizeDiffers = -250,      ///< the record to overwrite in place has another size
-  kNoSuchFrame = -260,      ///< a frame index not below the frame count
+  kNoSuchFrame = -260,      ///< the frame index is not below the frame count
   kInvalidStatus = -261,    ///< an acquisition status that is not four characters long
   kNotFound = -300,         ///< no such component, or a record header could not be read
 };

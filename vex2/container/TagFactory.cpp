@@ -29,19 +29,20 @@ namespace {
 
 using Creator = std::unique_ptr<CComponent> (*)(std::string_view tag);
 
-// Creates a component of a family, with the tag from the table.
+// Creates a component of a class that several tags share.
 template <typename Component>
 std::unique_ptr<CComponent> tagged(std::string_view tag) {
   return std::make_unique<Component>(tag);
 }
 
-// Creates a component of a class for one tag, which knows its tag.
+// Creates a component of a class that serves a single tag.
 template <typename Component>
 std::unique_ptr<CComponent> own(std::string_view /*tag*/) {
   return std::make_unique<Component>();
 }
 
-// The creator of the family for the layout of a body; null if the tag has its own class or none.
+// The creator for a body layout whose tags share a class; null for the other layouts, whose tags
+// have classes of their own or none.
 constexpr Creator creatorFor(vex2::BodyLayout layout) {
   switch (layout) {
     case vex2::BodyLayout::kByte:
@@ -68,7 +69,6 @@ struct OwnClass {
   Creator creator;
 };
 
-// The kinds that have their own class.
 constexpr auto kOwnClasses = std::to_array<OwnClass>({
     {Kind::kGlobal, own<CGlobalComp>},
     {Kind::kPureDye, own<CPureDyeComp>},

@@ -8,8 +8,8 @@
 
 #include "vex2/framework/CFile.h"
 
-/// The primitive encodings of documents. Integers are big-endian; floats alone are little-endian,
-/// and stay so, or existing documents would not read back.
+/// How documents store numbers. Integers are big-endian. Floats are little-endian; this must not
+/// change, or existing documents could not be read.
 namespace vex2 {
 
 template <std::unsigned_integral Value>
@@ -29,12 +29,14 @@ constexpr void StoreBig(Value value, std::uint8_t* bytes) noexcept {
   }
 }
 
-/// Reads exactly `count` bytes. False when the file has fewer, and then all of them are consumed.
+/// Reads exactly `count` bytes. Returns false if fewer are left in the file; these are then
+/// consumed.
 [[nodiscard]] inline bool ReadExactly(CFile& file, void* bytes, std::size_t count) {
   return file.ReadBuffered(bytes, count) || file.Read(bytes, count) == count;
 }
 
-/// Reads one big-endian value. False when the file ends before, and then `value` is unchanged.
+/// Reads one big-endian value. Returns false if the file ends within the value, which is then
+/// unchanged.
 template <std::unsigned_integral Value>
 [[nodiscard]] bool ReadField(CFile& file, Value& value) {
   std::array<std::uint8_t, sizeof(Value)> bytes{};
@@ -50,7 +52,8 @@ void WriteField(CFile& file, Value value) {
   file.Write(bytes.data(), bytes.size());
 }
 
-/// Reads a float as it is stored. False when the file ends before, and then `value` is unchanged.
+/// Reads one little-endian float. Returns false if the file ends within the value, which is then
+/// unchanged.
 [[nodiscard]] inline bool ReadField(CFile& file, float& value) {
   std::array<std::uint8_t, sizeof(float)> bytes{};
   if (!ReadExactly(file, bytes.data(), bytes.size())) return false;
@@ -68,8 +71,8 @@ inline void WriteField(CFile& file, float value) {
   file.Write(bytes.data(), bytes.size());
 }
 
-/// Reads bytes that are not a number. False when the file ends before, and then `value` is
-/// unchanged.
+/// Reads bytes that do not form a number. Returns false if the file ends within them; `value` is
+/// then unchanged.
 template <std::size_t Count>
 [[nodiscard]] bool ReadField(CFile& file, std::array<std::uint8_t, Count>& value) {
   std::array<std::uint8_t, Count> bytes{};
@@ -83,7 +86,7 @@ void WriteField(CFile& file, const std::array<std::uint8_t, Count>& value) {
   file.Write(value.data(), value.size());
 }
 
-/// Ends a read that needs more bytes than the file has left: consumes them and returns false.
+/// Ends a read that needs more bytes than the file has left: consumes the rest and returns false.
 [[nodiscard]] inline bool ShortRead(CFile& file) {
   file.SeekToEnd();
   return false;

@@ -34,7 +34,7 @@ struct HeaderLayout {
   static constexpr std::uint64_t kUsageAt = 72;
   static constexpr std::uint64_t kMaskSize = sizeof(std::uint32_t);
   static constexpr std::uint64_t kSize = 1024;
-  /// Rows whose masks end within the header.
+  /// The largest number of rows for which the usage table ends within the header.
   static constexpr std::uint16_t kMaxRows = (kSize - kUsageAt) / kMaskSize;
 
   /// The end of the usage table.
@@ -63,7 +63,7 @@ struct RunStatus {
   static constexpr std::string_view kDone = "DONE";
 };
 
-/// A code for the kind of run and the number by which hosts ask for it.
+/// A code for the kind of run, and the number that hosts use for it.
 struct AssayCode {
   std::string_view code;
   int number;
@@ -90,7 +90,7 @@ struct PlateType {
 inline constexpr std::array<PlateType, 6> kPlateTypes = {
     {{"c9C ", 96}, {"p9b ", 96}, {"p9C ", 96}, {"c3C ", 384}, {"p3b ", 384}, {"p3C ", 384}}};
 
-/// The wells of a plate of this type; 0 for a type that is not in the table.
+/// The number of wells of a plate of this type; 0 for a type that is not in the table.
 constexpr std::uint16_t WellsOfPlateType(std::string_view code) {
   for (const PlateType& type : kPlateTypes) {
     if (type.code == code) return type.wells;
@@ -98,12 +98,12 @@ constexpr std::uint16_t WellsOfPlateType(std::string_view code) {
   return 0;
 }
 
-/// The fields before the usage table, in memory. `Text` and `Number` move one field between these
-/// bytes and a record.
+/// The bytes of all fields before the usage table. `HeaderFieldReader` and `HeaderFieldWriter` copy
+/// single fields from and to these bytes.
 using HeaderBytes = std::array<std::uint8_t, HeaderLayout::kUsageAt>;
 
-/// Takes fields from the first `count` bytes of a header. A text that they end in is taken as far
-/// as it goes; a number that is not whole keeps its value.
+/// Copies fields from the first `count` bytes of a header. If these end within a text, copies the
+/// characters before the end; if they end within a number, leaves the number unchanged.
 class HeaderFieldReader {
  public:
   HeaderFieldReader(const HeaderBytes& bytes, std::size_t count) : bytes_(bytes.data(), count) {}
@@ -140,7 +140,9 @@ class HeaderFieldWriter {
   HeaderBytes& bytes_;
 };
 
-/// Moves all fields before the usage table between `fields` and `header`, a `Vex2HeaderData`.
+/// Copies all fields before the usage table, in the direction of `fields`, which is a
+/// `HeaderFieldReader` or a `HeaderFieldWriter`. `rows` is the number of rows; `header`, a
+/// `Vex2HeaderData`, has all other fields.
 template <typename Fields, typename Header, typename Rows>
 void ExchangeHeaderFields(Fields& fields, Header& header, Rows& rows) {
   fields.Text(HeaderLayout::kMagicAt, header.magic);

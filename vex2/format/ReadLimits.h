@@ -4,21 +4,21 @@
 
 #include "vex2/framework/CFile.h"
 
-/// The limits for content that may be malicious. Each names the attack that it stops.
+/// Limits that protect against malicious documents. Each names the attack that it stops.
 namespace vex2 {
 
-/// Records nest this deep and no deeper; a top-level record is at depth 1. Stops a file of lists
-/// within lists, eight bytes a level, from using up the stack.
+/// The greatest nesting depth of records; a top-level record is at depth 1. Stops a file of nested
+/// lists, ten bytes for each level, from using up the stack.
 constexpr int kMaxNesting = 64;
 
-/// Whether `count` bytes are left to be read. Stops a length or count field from making us allocate
-/// what the file cannot fill.
+/// Whether `count` bytes are left to read. Stops a length or count field from making us allocate
+/// memory for more bytes than the file has.
 inline bool HasBytesLeft(const CFile& file, std::uint64_t count) {
   return count <= file.GetRemaining();
 }
 
-/// Counts how deep the record being read stands, for as long as the object lives. Per thread,
-/// because managers on different threads are independent.
+/// Counts a level of nesting for as long as the object lives. The count is per thread, because
+/// managers on different threads are independent.
 class NestingGuard {
  public:
   NestingGuard() noexcept : depth_(depthOfThread()) { ++depth_; }
@@ -34,7 +34,7 @@ class NestingGuard {
     return value;
   }
 
-  int& depth_;  // to look it up takes as long as to read a short record
+  int& depth_;  // kept because looking it up takes as long as reading a short record
 };
 
 }  // namespace vex2

@@ -8,7 +8,7 @@ struct Entry {
   int row;
 };
 
-// Of four characters.
+// The four characters of `tag` as one number.
 constexpr std::uint32_t keyOf(std::string_view tag) {
   std::uint32_t key = 0;
   for (std::size_t i = 0; i < kTagLength; ++i) {
@@ -17,7 +17,7 @@ constexpr std::uint32_t keyOf(std::string_view tag) {
   return key;
 }
 
-// A tag's slot is its hash or the next free slot; with this many slots few tags collide.
+// A tag is in the slot of its hash or in the next free one; with this many slots few tags collide.
 constexpr std::size_t kSlots = 256;
 
 constexpr std::size_t slotOf(std::uint32_t key) {
@@ -28,7 +28,7 @@ constexpr auto makeLookup() {
   std::array<Entry, kSlots> lookup{};
   lookup.fill({0, -1});
   for (int row = 0; row < kTagRowCount; ++row) {
-    // A lookup of the tag that stands twice finds the later row.
+    // One tag is in two rows; a lookup of it finds the later row.
     if (row == static_cast<int>(Kind::kCellDescription)) continue;
     std::size_t slot = slotOf(keyOf(TagAt(row)));
     while (lookup[slot].row >= 0) slot = (slot + 1) % kSlots;

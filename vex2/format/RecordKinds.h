@@ -7,16 +7,16 @@
 
 #include "vex2/framework/Export.h"
 
-/// The kinds of records: the one place that knows a tag, its row, the layout of its body and where
-/// writers put it.
+/// The kinds of records. Only this file defines a tag, its row, the layout of its body, and the
+/// lists in which writers put it.
 namespace vex2 {
 
 constexpr std::size_t kTagLength = 4;
-/// Tag and length.
+/// The size of tag and length, in bytes.
 constexpr std::uint64_t kRecordHeadSize = kTagLength + sizeof(std::uint32_t);
 
-/// A kind of record. The value is the kind's row in `kRecordKinds`, on which the data types of
-/// hosts rely: rows are never moved.
+/// A kind of record. The value is the kind's row in `kRecordKinds`. Hosts use rows as data types,
+/// so rows never move.
 enum class Kind : std::uint8_t {
   kGlobal = 0,
   kVersion,
@@ -105,20 +105,20 @@ enum class BodyLayout : std::uint8_t {
   kLong,
   kFloat,
   kText,        ///< characters; a reader drops one zero byte at the end
-  kBytes,       ///< the instrument's own: as many bytes as the record declares
-  kPureDyes,    ///< a head and entries that state their own length
-  kBackground,  ///< the same with smaller entries
+  kBytes,       ///< defined by the instrument: as many bytes as the record declares
+  kPureDyes,    ///< fields, then entries that state their own length
+  kBackground,  ///< as `kPureDyes`, but with smaller entries
   kColor,       ///< three bytes
-  kList,        ///< a 16-bit count and as many records
-  kCell,        ///< a list with five bytes of its own after the count
-  kPlate,       ///< a document within the document, after a count that is 0
+  kList,        ///< a 16-bit count and that many records
+  kCell,        ///< a list with five more bytes after the count
+  kPlate,       ///< a count that is 0, then a whole document
   kData,        ///< a data block
 };
 
-/// Where records of a kind belong: bits, one for each list. Readers accept every kind everywhere; a
-/// record elsewhere is suspicious when a document is damaged.
+/// Where writers put records of a kind: one bit for each list. Readers accept every kind in every
+/// list; in a damaged document, a record in another list is suspicious.
 enum RecordHome : std::uint16_t {
-  kNowhere = 0,  ///< known, but not written by this system
+  kNowhere = 0,  ///< a known kind that this system does not write
   kTop = 1,      ///< in the document itself
   kInGlobal = 2,
   kInPlateSetup = 4,
@@ -138,7 +138,7 @@ struct RecordKind {
   std::string_view tag;
   BodyLayout layout;
   std::uint16_t homes;       ///< bits of `RecordHome`
-  std::string_view meaning;  ///< a few words for people; empty where it is not known
+  std::string_view meaning;  ///< a short description; empty if the meaning is not known
 };
 
 namespace detail {
@@ -229,23 +229,23 @@ inline constexpr std::array<RecordKind, 77> kRows = {{
 
 }  // namespace detail
 
-/// One row for each kind. Rows 27 and 51 hold the same tag, see `FindTagIndex`.
+/// One row for each kind. Rows 27 and 51 have the same tag, see `FindTagIndex`.
 inline constexpr const auto& kRecordKinds = detail::kRows;
 
 constexpr int kTagRowCount = static_cast<int>(kRecordKinds.size());
 
-/// The tags alone, in the order of the rows.
+/// The tags, in the order of the rows.
 inline constexpr auto kTagTable = [] {
   std::array<std::string_view, kRecordKinds.size()> tags;
   for (std::size_t row = 0; row < tags.size(); ++row) tags[row] = kRecordKinds[row].tag;
   return tags;
 }();
 
-/// Stands in place of a new data block's tag until all of the block is on the disk.
+/// Written in place of a new data block's tag until the whole block is on the disk.
 inline constexpr std::string_view kUncommittedTag("\0\0\0\0", kTagLength);
 
-/// The row of `tag`, or -1 for a tag that is not in the table. Exactly four characters count, case
-/// included. A tag that is in the table twice has the later row: "DESC" is 51. Safe from any
+/// The row of `tag`, or -1 if the tag is not in the table. `tag` must have exactly four characters,
+/// and case matters. Of the two rows of "DESC", the result is the later one, 51. Safe from any
 /// thread.
 VEX2_API int FindTagIndex(std::string_view tag) noexcept;
 
@@ -259,7 +259,7 @@ constexpr std::string_view TagOf(Kind kind) noexcept {
   return kRecordKinds[static_cast<std::size_t>(kind)].tag;
 }
 
-/// The kind with this tag; one of unknown layout for a tag that readers do not know.
+/// The kind with this tag; for a tag that readers do not know, a kind of unknown layout.
 inline const RecordKind& KindOf(std::string_view tag) noexcept {
   static constexpr RecordKind kNoKind = {Kind{}, "", BodyLayout::kUnknown, kNowhere, "unknown"};
   const int row = FindTagIndex(tag);
@@ -268,12 +268,12 @@ inline const RecordKind& KindOf(std::string_view tag) noexcept {
   return kind.layout != BodyLayout::kUnknown ? kind : kNoKind;
 }
 
-/// Whether readers make a component of a record with this tag. They skip others.
+/// Whether readers create a component for a record with this tag. They skip other records.
 inline bool IsKnownTag(std::string_view tag) noexcept {
   return KindOf(tag).layout != BodyLayout::kUnknown;
 }
 
-/// The bytes of a body that is one value; 0 for the other layouts.
+/// The size in bytes of a body that is one value; 0 for all other layouts.
 constexpr std::uint64_t FixedSize(BodyLayout layout) noexcept {
   switch (layout) {
     case BodyLayout::kByte:
@@ -290,7 +290,8 @@ constexpr std::uint64_t FixedSize(BodyLayout layout) noexcept {
   }
 }
 
-/// Whether the body holds no records and may be of any length: it should be the one declared.
+/// Whether a body of this layout holds no records and may have any length. Such a body should have
+/// exactly the length that its record declares.
 constexpr bool IsOfAnyLength(BodyLayout layout) noexcept {
   return layout == BodyLayout::kText || layout == BodyLayout::kBytes ||
          layout == BodyLayout::kPureDyes || layout == BodyLayout::kBackground;

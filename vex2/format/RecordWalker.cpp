@@ -11,7 +11,7 @@ namespace vex2 {
 
 namespace {
 
-constexpr std::uint64_t kCellFields = 5;  // two coordinates and a flag, behind the count
+constexpr std::uint64_t kCellFields = 5;  // two coordinates and a flag, after the count
 
 using Reason = WalkFault::Reason;
 
@@ -51,7 +51,7 @@ class Walker {
     return false;
   }
 
-  // Too few bytes for a record, and not the start of a known one either.
+  // Whether the bytes that are left are too few for a record and do not begin a known one.
   bool isUncommitted() {
     if (file_.GetRemaining() >= kRecordHeadSize) return false;
     const std::uint64_t offset = file_.GetPosition();
@@ -101,7 +101,7 @@ class Walker {
     return true;
   }
 
-  // The plate's own reader goes on from four bytes to the next until it meets a tag it knows.
+  // If four bytes are not a known tag, the plate's reader tries the next four.
   bool plate(const FileRecord& record) {
     if (!step(record, sizeof(std::uint16_t))) return false;
     const std::uint64_t header = file_.GetPosition();
@@ -142,7 +142,7 @@ class Walker {
     return true;
   }
 
-  // The entries tell how long they are, and the body ends with the last.
+  // The entries state their own lengths, and the body ends after the last entry.
   bool spectra(const FileRecord& record) {
     const std::uint64_t end = SpectraEnd(file_, record.kind->layout, record.BodyOffset());
     seek(record.BodyOffset());

@@ -8,15 +8,15 @@
 #include "vex2/format/RecordKinds.h"
 #include "vex2/framework/CFile.h"
 
-/// The one loop over the records of a document in a file.
+/// The only code that walks over the records of a document in a file.
 namespace vex2 {
 
 /// A record in a file.
 struct FileRecord {
   std::array<char, kTagLength> tagBytes{};
   std::uint64_t offset = 0;  ///< of the tag, from the start of the file
-  std::uint32_t length = 0;  ///< as the record declares it
-  std::uint64_t end = 0;     ///< where the reader goes on; known once the record ends
+  std::uint32_t length = 0;  ///< of the body, as the record declares it
+  std::uint64_t end = 0;     ///< where the reader continues; set when `End` is called
   int depth = 1;             ///< 1 for a record of the document itself
   const RecordKind* kind = nullptr;
 
@@ -25,38 +25,39 @@ struct FileRecord {
   std::uint64_t DeclaredEnd() const { return BodyOffset() + length; }
 };
 
-/// Reads tag and length at the file's position. False when the file ends before, and then `record`
-/// has its offset and as much of the tag as there is.
+/// Reads tag and length at the file's position. Returns false if the file ends before the end of
+/// the length; `record` then has its offset and the characters of the tag that were read.
 [[nodiscard]] bool ReadRecordHead(CFile& file, FileRecord& record);
 
-/// Whether these characters could be a tag, known or not: four printable ones.
+/// Whether `tag` has four printable characters, so that it could be a known or unknown tag.
 bool IsPrintableTag(std::string_view tag);
 
-/// Called for each record of a file, even of a damaged one. What a record declares (`length`) and
-/// where the reader continues after it (`end`) may differ. A record that begins and does not end is
-/// where the walk gave up. No operation need keep the file's position.
+/// Receives each record of a file, even of a damaged one. `end`, where the reader continues after a
+/// record, may differ from the end that `length` declares. If `Begin` is called for a record but
+/// `End` is not, the walk stopped in that record. The operations may move the file's position.
 class RecordVisitor {
  public:
   virtual ~RecordVisitor() = default;
   /// The record begins; the file's position is at its body.
   virtual void Begin(const FileRecord& record, CFile& file) = 0;
-  /// It ends, after the records in it. Not called for a record that ends the walk.
+  /// The record ends; called after the records inside it ended. Not called for a record in which
+  /// the walk stops.
   virtual void End(const FileRecord& record) { static_cast<void>(record); }
-  /// Four bytes of a plate in a study are passed over: they begin no record that its reader knows.
+  /// The walk skips four bytes at `offset` in a plate of a study, because they are not a known tag.
   virtual void Pass(std::uint64_t offset) { static_cast<void>(offset); }
 };
 
-/// Why a record could not be walked over.
+/// Why the walk stopped at a record.
 struct WalkFault {
   enum class Reason : std::uint8_t {
-    kNoLength,        ///< the file ends before its length
+    kNoLength,        ///< the file ends within the record's tag or length
     kTooDeep,         ///< records are nested too deep
-    kBytesMissing,    ///< `available` of `expected` bytes
+    kBytesMissing,    ///< only `available` of the `expected` bytes are in the file
     kNoCount,         ///< the file ends before the count of a list
-    kRecordsMissing,  ///< `available` of `expected` records of a list
+    kRecordsMissing,  ///< only `available` of a list's `expected` records are in the file
     kNoPlateEnd,
     kNoFrames,       ///< the file ends before the frames of a data block
-    kFramesMissing,  ///< `available` of `expected` frames
+    kFramesMissing,  ///< only `available` of the `expected` frames are in the file
   };
 
   Reason reason = Reason::kNoLength;
@@ -68,34 +69,37 @@ struct WalkFault {
 
 /// How a walk ended.
 struct RecordWalk {
-  std::uint64_t offset = 0;  ///< where; the file's length when all of it was records
+  std::uint64_t offset = 0;  ///< where it ended; the file's length if all of the file was walked
   std::optional<WalkFault> fault;
 };
 
-/// Walks over the records of the document in the open `file`, from the end of its header on, and
-/// over those in them, to the same offsets as the document's reader: past the bytes that a body's
-/// layout has, whatever length the record declares. Neither allocates nor recurses on the word of a
-/// file.
+/// Walks over the records of the document in the open `file`, beginning after its header, and over
+/// the records inside them. Continues at the same offsets as the document's reader: after the bytes
+/// that the layout of a body takes, whatever length the record declares. Allocates no memory, and
+/// recurses at most `kMaxNesting` levels, whatever the file declares.
 RecordWalk WalkRecordsOf(CFile& file, RecordVisitor& visitor);
 
-/// Where the record at `offset` ends, by what it holds; nothing for one that cannot be walked over.
+/// The offset at which the document's reader continues after the record at `offset`; `std::nullopt`
+/// if the walk would stop in that record.
 std::optional<std::uint64_t> EndOfRecordAt(CFile& file, std::uint64_t offset);
 
-/// Where the body at `body` of pure dyes or a background ends, by what its entries state: readers
-/// go by that. After the file's end when the file ends before.
+/// The end of the body at `body` of pure dyes or a background, as readers compute it from the
+/// lengths in its entries. If the file ends earlier, an offset after the end of the file.
 std::uint64_t SpectraEnd(CFile& file, BodyLayout layout, std::uint64_t body);
 
-/// Steps over records by the lengths that they declare, as an instrument looks for a record.
+/// Steps from record to record by the lengths that they declare, as an instrument does to find a
+/// record.
 class DeclaredRecords {
  public:
   /// Starts with the record at `offset`.
   DeclaredRecords(CFile& file, std::uint64_t offset) : file_(file), next_(offset) {}
 
-  /// Reads the head of the next record. False at the file's end and where it ends within a head.
+  /// Reads the head of the next record. Returns false at the end of the file, or if the file ends
+  /// within the head.
   bool Next();
   /// The record that was read last; the file's position is at its body until it is moved.
   const FileRecord& Record() const { return record_; }
-  /// Whether the file ends within the head of a record.
+  /// Whether the last `Next` returned false because the file ends within the head of a record.
   bool EndsInHead() const { return endsInHead_; }
 
  private:

@@ -9,14 +9,15 @@
 #include "vex2/format/Encoding.h"
 #include "vex2/framework/CFile.h"
 
-/// Well records as they are in a file, read in bulk.
+/// Reads well records from a file in bulk.
 namespace vex2 {
 
-// The host's byte order is little-endian wherever the library runs.
+// `LoadStoredRecord` swaps the bytes of each value, which is right only on a little-endian
+// computer.
 static_assert(std::endian::native == std::endian::little);
 
-/// Exchanges the bytes of `Count` values. A plain loop of fixed length, which the compiler turns
-/// into a few vector instructions.
+/// Swaps the two bytes of each of `Count` values. The loop has a fixed length, so that the compiler
+/// can turn it into a few vector instructions.
 template <std::size_t Count>
 inline void SwapValues(const std::uint16_t* in, std::uint16_t* out) {
   for (std::size_t i = 0; i < Count; ++i) {
@@ -33,8 +34,9 @@ inline void LoadStoredRecord(const std::uint8_t* bytes, std::uint16_t* leading,
   SwapValues<kStoredDataValues>(stored + kStoredLeadingValues, data);
 }
 
-/// Reads `count` stored records at the file's position, straight from its buffer, and calls `take`
-/// with the bytes of each. False when the file ends before, and then all of it is consumed.
+/// Reads `count` stored records at the file's position, directly from the file's buffer, and calls
+/// `take` with the bytes of each. Returns false if the file ends before the last of them; the rest
+/// of the file is then consumed.
 template <typename Take>
 [[nodiscard]] bool ReadStoredRecords(CFile& file, std::size_t count, Take take) {
   while (count > 0) {

@@ -12,7 +12,7 @@
 namespace vex2 {
 namespace {
 
-// Creates an empty file under the first free name.
+// Creates an empty file under the first free backup name, and returns its path.
 std::string makeBackup(const std::string& path, mode_t permissions) {
   auto& files = CurrentFileSystem();
   std::string backup = path + ".backup";

@@ -21,8 +21,9 @@ namespace {
 constexpr std::int64_t kLockWaitMilliseconds = 2000;
 constexpr int kLockPauseMilliseconds = 1;
 
-// The first read after a seek fetches little, and each sequential read fetches more: one frame of a
-// large document costs that frame, and a whole document costs a few calls.
+// The first read after a seek fetches few bytes, and each sequential read fetches more. Reading one
+// frame of a large document thus reads little more than that frame, and reading a whole document
+// takes few calls.
 constexpr std::size_t kFirstRead = std::size_t{16} * 1024;
 constexpr std::size_t kReadGrowth = 4;
 
@@ -51,7 +52,7 @@ CFile::~CFile() {
   try {
     CFile::Close();
   } catch (...) {
-    // A caller that must know of a failed write calls Close.
+    // A caller that must know whether the write failed calls Close.
   }
 }
 
@@ -92,7 +93,7 @@ bool CFile::openLocked(const char* path, int flags, bool exclusive, CFileExcepti
   auto& files = CurrentFileSystem();
   const std::int64_t deadline = files.Milliseconds() + kLockWaitMilliseconds;
   for (;;) {
-    // Without O_NONBLOCK, opening a pipe in the place of a document would block.
+    // Without O_NONBLOCK, opening a pipe at the path of a document would block.
     handle_ = files.Open(path, flags | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0666);
     if (handle_ == -EINTR) continue;
     if (handle_ < 0) return refuse(-std::exchange(handle_, -1));
@@ -118,8 +119,8 @@ bool CFile::openLocked(const char* path, int flags, bool exclusive, CFileExcepti
 
 int CFile::lockHandle(bool exclusive, std::int64_t deadline) {
   auto& files = CurrentFileSystem();
-  // A waiter holds the gate so that later arrivals cannot overtake it. If the gate fails for any
-  // other reason than a holder, the lock is taken without it.
+  // A waiter holds the gate so that later arrivals cannot overtake it. If the gate cannot be used,
+  // take the lock without it.
   bool isNext = false;
   for (;;) {
     int status = isNext ? 0 : files.EnterGate(handle_, exclusive);
@@ -149,7 +150,7 @@ bool CFile::isStillAt(const char* path) const {
 void CFile::Close() {
   if (handle_ < 0) return;
   if (replacement_ != nullptr) {
-    // A replacement that was never put in place leaves the old file unchanged.
+    // The replacement was not put in place: leave the old file unchanged.
     Abort();
     return;
   }
@@ -206,7 +207,6 @@ std::span<const std::uint8_t> CFile::Peek(std::size_t atLeast) {
   return {buffer_.get() + skip, bufferUsed_ - skip};
 }
 
-// Fills the buffer with bytes from the file position on.
 void CFile::fill(std::size_t atLeast) {
   useBuffer(FileOperation::kRead);
   const bool readingOn =

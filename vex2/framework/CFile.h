@@ -19,16 +19,16 @@ namespace vex2 {
 class DocumentStore;
 }  // namespace vex2
 
-/// A buffered binary file with a file position, the offset at which it reads or writes next.
+/// A buffered binary file. Its file position is the offset at which it reads or writes next.
 ///
-/// Readers hold a shared advisory lock for as long as the file is open, writers an exclusive one;
-/// an open that does not get its lock within two seconds fails like any failed open. On a file
-/// system without locks the file is used unlocked. Offsets and lengths have 64 bits. Writes are
+/// While the file is open, a reader holds a shared advisory lock and a writer an exclusive one. An
+/// open that does not get its lock within two seconds fails like any failed open. On a file system
+/// without locks the file is used without a lock. Offsets and lengths have 64 bits. Writes are
 /// gathered in a buffer: they have reached the system after `Flush` or `Close`, and the disk after
 /// `SyncData`. Not thread-safe; different objects are independent.
 class VEX2_API CFile : public CObject {
  public:
-  /// How `Open` opens a file; values are combined with "or".
+  /// How `Open` opens a file. Combine values with "or".
   enum OpenFlags : unsigned {
     modeRead = 0x0000,
     modeWrite = 0x0001,
@@ -38,7 +38,7 @@ class VEX2_API CFile : public CObject {
     modeNoTruncate = 0x2000,  ///< with modeCreate: keeps the content of the file
     typeBinary = 0x8000,      ///< the only type
   };
-  /// What the offset given to `Seek` counts from.
+  /// The offset from which `Seek` counts.
   enum SeekPosition { begin, current, end };
 
   CFile();
@@ -50,8 +50,8 @@ class VEX2_API CFile : public CObject {
   /// The record of this class.
   static const CRuntimeClass* ClassRecord();
 
-  /// Opens `path` after closing the file that was open. Returns false on failure: then `error`, if
-  /// given, says why, and no file is open.
+  /// Closes the file that is open, if any, and opens `path`. If that fails, returns false and sets
+  /// `error`, if given, to the reason; no file is open then.
   [[nodiscard]] virtual bool Open(const char* path, unsigned flags,
                                   CFileException* error = nullptr);
 
@@ -71,9 +71,9 @@ class VEX2_API CFile : public CObject {
   /// `CFileException`.
   virtual void Write(const void* buffer, std::size_t count);
 
-  /// Moves the file position, also past the end of the file, and returns the new position. Throws
-  /// `CFileException` and changes nothing if the position would be below 0 or would not fit in 63
-  /// bits.
+  /// Moves the file position, which may be past the end of the file, and returns the new position.
+  /// Throws `CFileException` and changes nothing if the position would be below 0 or would not fit
+  /// in 63 bits.
   virtual std::uint64_t Seek(std::int64_t offset, SeekPosition from);
   /// Moves the file position to offset 0.
   void SeekToBegin() { Seek(0, begin); }
@@ -87,12 +87,12 @@ class VEX2_API CFile : public CObject {
   /// Truncates the file to `length` bytes, or extends it with zeros, and keeps the file position.
   /// Does nothing if the file is not a regular file.
   virtual void SetLength(std::uint64_t length);
-  /// Hands the buffered bytes to the system. Throws `CFileException`.
+  /// Passes the buffered bytes to the system. Throws `CFileException`.
   virtual void Flush();
 
-  /// The file name with which the file was opened, without its folder.
+  /// The name of the file, without its folder, from the path with which it was opened.
   virtual CString GetFileName() const;
-  /// The file name with which the file was opened, without its extension.
+  /// The name of the file, without folder and extension, from the path with which it was opened.
   virtual CString GetFileTitle() const;
   /// The whole path with which the file was opened.
   virtual CString GetFilePath() const;
@@ -102,63 +102,63 @@ class VEX2_API CFile : public CObject {
   /// Whether a file is open.
   bool IsOpen() const { return handle_ >= 0; }
 
-  /// A data barrier: returns when everything written before is on the disk. Throws
-  /// `CFileException`.
+  /// Returns when all bytes written before are on the disk. Throws `CFileException`.
   void SyncData();
 
-  /// Returns buffered bytes at the file position without moving it: at least `atLeast` bytes, fewer
-  /// only at the end of the file. `atLeast` is at most `kBufferSize`. The file owns the bytes; they
-  /// are valid until its next operation. Throws `CFileException`.
+  /// Returns the buffered bytes at the file position, without moving it: at least `atLeast` bytes,
+  /// or fewer at the end of the file. `atLeast` is at most `kBufferSize`. The file owns the bytes;
+  /// they are valid until its next operation. Throws `CFileException`.
   std::span<const std::uint8_t> Peek(std::size_t atLeast);
 
-  /// Reads `count` bytes as `Read` does if all of them are in the buffer; otherwise returns false
-  /// and does nothing. For the fields of a few bytes of which documents consist.
+  /// If the buffer holds the next `count` bytes, reads them as `Read` does; otherwise returns false
+  /// and does nothing. A fast path for the short fields that make up most of a document.
   [[nodiscard]] bool ReadBuffered(void* bytes, std::size_t count) noexcept {
-    const std::uint64_t skip = position_ - bufferStart_;  // wraps round before the buffer
+    const std::uint64_t skip = position_ - bufferStart_;  // huge if position_ is before the buffer
     if (dirty_ || skip > bufferUsed_ || count > bufferUsed_ - skip) return false;
     if (count != 0) std::memcpy(bytes, buffer_.get() + skip, count);
     position_ += count;
     return true;
   }
 
-  /// Drops the buffer, including bytes that were not yet written to the system.
+  /// Drops the buffer, including bytes that were not yet passed to the system.
   void DiscardBuffer() noexcept { forgetBuffer(); }
 
-  /// Bytes from the file position to the end of the file; 0 past the end.
+  /// The number of bytes from the file position to the end of the file; 0 if the position is past
+  /// it.
   std::uint64_t GetRemaining() const;
 
   /// The size of the buffer, in bytes.
   static constexpr std::size_t kBufferSize = std::size_t{256} * 1024;
 
  protected:
-  /// Opens a new, empty file for writing that replaces the file at `path` when `CloseReplacement`
-  /// is called. Without that call, the file at `path` stays unchanged. Where a rename does not work
-  /// (several hard links, not a regular file, a folder in which no file can be created), `path`
-  /// itself is opened and truncated. Permissions and symbolic links are kept. Returns false on
-  /// failure, even if `path` could not have been opened for writing.
+  /// Opens a new, empty file for writing. `CloseReplacement` puts it in place of the file at
+  /// `path`; without that call, the file at `path` stays unchanged. If the file cannot be replaced
+  /// by a rename (it has several hard links, it is not a regular file, or no file can be created in
+  /// its folder), opens and truncates `path` itself. Keeps permissions and symbolic links. Returns
+  /// false on failure, and always if an existing file at `path` cannot be opened for writing.
   [[nodiscard]] bool OpenReplacement(const char* path, CFileException* error = nullptr);
 
-  /// Starts a replacement of the file that is open for reading and writing: this object becomes the
-  /// new, empty file, and the file at the path stays unchanged until `CloseReplacement`. Returns
-  /// false where a rename does not work; the file is then open as before. Throws `CFileException`
-  /// on failure.
+  /// Starts to replace the file that is open for reading and writing: this object becomes the new,
+  /// empty file, and the file at the path stays unchanged until `CloseReplacement`. Returns false,
+  /// with the file open as before, if it cannot be replaced by a rename. Throws `CFileException` on
+  /// failure.
   [[nodiscard]] bool ReplaceOpenFile();
 
-  /// Writes the first `count` bytes of the file that is being replaced at the file position; fewer
-  /// if that file is shorter. Throws `CFileException`.
+  /// Writes the first `count` bytes of the file that is being replaced at the file position, or all
+  /// of them if that file is shorter. Throws `CFileException`.
   void CopyReplaced(std::uint64_t count);
 
-  /// Device and number of a file.
+  /// The device and the number of a file.
   using Identity = std::pair<std::uint64_t, std::uint64_t>;
 
-  /// Makes the new content durable, puts it in the place of the old file, and closes it. Returns
-  /// the identity of the file that is now at the path. If it throws `CFileException`, the file is
-  /// closed and the old content is still in place, unless only the sync of the folder failed: then
-  /// the new file is in place, but may be lost with the power.
+  /// Syncs the new file to the disk, renames it over the old one, and closes it. Returns the
+  /// identity of the file that is now at the path. If it throws `CFileException`, the file is
+  /// closed and the old content is still in place. There is one exception: if only the sync of the
+  /// folder failed, the new file is in place, but a power failure may bring back the old one.
   Identity CloseReplacement();
 
-  /// The identity of the file that was opened last; in a replacement, of the file that is being
-  /// replaced. Both numbers are 0 if no file was opened.
+  /// The identity of the file that was opened last; during a replacement, of the file that is being
+  /// replaced. Both numbers are 0 if no file was ever opened.
   const Identity& GetIdentity() const { return identity_; }
 
  private:
@@ -189,10 +189,10 @@ class VEX2_API CFile : public CObject {
   std::string path_;
   Identity identity_;
   std::uint64_t position_ = 0;
-  std::uint64_t length_ = 0;  // in the system; bytes still in the buffer may lie after it
+  std::uint64_t length_ = 0;  // of the file as the system sees it; buffered bytes may follow
 
-  // One buffer for reading and writing. It holds the bytes from the offset bufferStart_ on: read
-  // from the file or, if dirty_, not yet written to it.
+  // One buffer for reading and writing. It holds the bytes that begin at the offset bufferStart_:
+  // read from the file or, if dirty_, not yet written to it.
   std::unique_ptr<std::uint8_t[]> buffer_;
   std::uint64_t bufferStart_ = 0;
   std::size_t bufferUsed_ = 0;

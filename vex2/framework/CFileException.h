@@ -7,7 +7,7 @@
 #include "vex2/framework/Export.h"
 #include "vex2/framework/FileError.h"
 
-/// The exception of file operations that the system refuses. It never leaves the manager.
+/// Thrown by a file operation that the system refuses. The manager catches all of these exceptions.
 class VEX2_API CFileException : public std::exception {
  public:
   CFileException() = default;

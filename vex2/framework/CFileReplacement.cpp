@@ -22,7 +22,8 @@ bool isDanglingLink(const char* path) {
   return ::lstat(path, &link) == 0 && S_ISLNK(link.st_mode) && ::stat(path, &target) != 0;
 }
 
-// No file can be created in the folder, or the target cannot be replaced by another file.
+// Whether a rename cannot work, but writing to the target may: no file can be created in the
+// folder, or no file can be renamed over the target.
 bool renameCannotServe(int error) {
   return error == EACCES || error == EPERM || error == EROFS || error == EBUSY || error == EXDEV;
 }
@@ -72,7 +73,7 @@ bool CFile::ReplaceOpenFile() {
   throw why;
 }
 
-// On failure, the file that was open is open again.
+// On failure, the file that was open before is open again.
 bool CFile::beginReplacement(const std::string& target, bool exists, CFileException& error) {
   const std::uint64_t length = length_;
   replacement_ = std::make_unique<Replacement>();
@@ -108,7 +109,7 @@ bool CFile::openTemporary(CFileException& error) {
   static std::atomic<unsigned> count{0};
   auto& files = CurrentFileSystem();
   for (;;) {
-    // The name does not contain the target's name, which may already have the greatest length.
+    // The name does not contain the target's name, which may already have the maximum length.
     std::string path = vex2::FolderOf(replacement_->target) + ".vex2-save-" +
                        std::to_string(::getpid()) + "-" + std::to_string(count++);
     handle_ = files.Open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
@@ -153,7 +154,7 @@ CFile::Identity CFile::CloseReplacement() {
   return inPlace;
 }
 
-// Returns false if the content was copied into the target instead of renaming the new file.
+// Returns false if it copied the content into the target because the rename failed.
 bool CFile::putInPlace() {
   auto& files = CurrentFileSystem();
   auto& replacement = *replacement_;
@@ -171,7 +172,6 @@ bool CFile::putInPlace() {
   return true;
 }
 
-// The last resort if the rename fails: copy the new content into the target.
 void CFile::copyInto(int target) {
   position_ = 0;
   forgetBuffer();

@@ -4,7 +4,8 @@
 
 #include "vex2/framework/CFile.h"
 
-/// The state of an open replacement: what is needed to put it in place or to remove it. Internal.
+/// The state of a replacement that is not finished: what is needed to put the new file in place or
+/// to remove it. Internal.
 struct CFile::Replacement {
   Replacement() = default;
   Replacement(const Replacement&) = delete;

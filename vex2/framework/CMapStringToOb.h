@@ -4,7 +4,7 @@
 #include "vex2/framework/Export.h"
 #include "vex2/framework/MapOf.h"
 
-/// A map from texts to pointers to objects, see `vex2::MapOf`.
+/// A map from texts to pointers to objects; see `vex2::MapOf`.
 class VEX2_API CMapStringToOb : public CObject, public vex2::MapOf<CObject*> {
  public:
   using MapOf::MapOf;

@@ -4,7 +4,7 @@
 #include "vex2/framework/Export.h"
 #include "vex2/framework/ListOf.h"
 
-/// A list of pointers to objects, see `vex2::ListOf`.
+/// A list of pointers to objects; see `vex2::ListOf`.
 class VEX2_API CObList : public CObject, public vex2::ListOf<CObject*> {
  public:
   using ListOf::ListOf;

@@ -6,18 +6,18 @@
 /// The base of every class that a host may hold in the framework's lists and maps.
 ///
 /// The order of the five virtual operations is part of the binary interface: run-time class,
-/// destructor, serialise, check, dump. Derived classes add theirs after these.
+/// destructor, serialise, check, dump. Derived classes add their own after these.
 class VEX2_API CObject {
  public:
   /// The record of the object's class. Owned by the module that defines the class.
   virtual const CRuntimeClass* GetRuntimeClass() const;
   virtual ~CObject();
 
-  /// A hook for storing objects, which the library leaves empty: documents have their own format.
+  /// A hook for storing objects, which does nothing: documents have their own format.
   virtual void Serialize();
-  /// A hook for checks, which the library leaves empty.
+  /// A hook for checks, which does nothing.
   virtual void AssertValid() const;
-  /// A hook for dumps, which the library leaves empty.
+  /// A hook for dumps, which does nothing.
   virtual void Dump() const;
 
   /// Whether the object's class is `base` or derives from it.
@@ -28,8 +28,8 @@ class VEX2_API CObject {
 
  protected:
   CObject() = default;
-  /// An object has no content of its own to copy.
+  /// Copies nothing: the base class has no content.
   CObject(const CObject&) = default;
-  /// An object has no content of its own to assign.
+  /// Assigns nothing: the base class has no content.
   CObject& operator=(const CObject&) = default;
 };

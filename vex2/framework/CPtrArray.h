@@ -8,9 +8,9 @@
 #include "vex2/framework/Export.h"
 #include "vex2/framework/Slot.h"
 
-/// A growable array of pointers that it does not own, with indexes from 0. Reading out of range
-/// returns null; writing out of range does nothing. Arrays are moved, never copied. Not
-/// thread-safe.
+/// A growable array of pointers, with indexes from 0. The array does not own the objects. Reading
+/// out of range returns null; writing out of range does nothing. Arrays are moved, never copied.
+/// Not thread-safe.
 class VEX2_API CPtrArray : public CObject {
  public:
   /// An empty array.
@@ -29,9 +29,9 @@ class VEX2_API CPtrArray : public CObject {
   /// The number of entries that fit before the array allocates again.
   int GetCapacity() const { return static_cast<int>(capacity_); }
 
-  /// Truncates the array to `size` entries, or extends it with null entries; a negative `size` does
-  /// nothing. `growBy` sets the smallest step by which the capacity grows from then on: 0 means an
-  /// eighth of the size, between 4 and 1024; a negative value keeps the step.
+  /// Truncates the array to `size` entries, or extends it with null entries; does nothing for a
+  /// negative `size`. `growBy` sets the smallest step by which the capacity grows from then on: 0
+  /// means an eighth of the size, between 4 and 1024; a negative value keeps the step.
   void SetSize(int size, int growBy = -1);
 
   /// The entry at `index`, from 0; null for an index out of range.
@@ -40,12 +40,12 @@ class VEX2_API CPtrArray : public CObject {
   void SetAt(int index, void* entry);
   /// The entry at `index`, from 0; null for an index out of range.
   void* operator[](int index) const { return GetAt(index); }
-  /// The place at `index`, from 0, to read or assign; see `vex2::Slot`.
+  /// A slot for the entry at `index`, from 0, which can be read or assigned; see `vex2::Slot`.
   vex2::Slot<CPtrArray, int, void*> operator[](int index) { return {*this, index}; }
 
   /// Adds an entry at the end and returns its index.
   int Add(void* entry);
-  /// Removes all entries; the capacity stays.
+  /// Removes all entries, but keeps the capacity.
   void RemoveAll() { size_ = 0; }
 
  private:

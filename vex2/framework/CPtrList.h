@@ -4,7 +4,7 @@
 #include "vex2/framework/Export.h"
 #include "vex2/framework/ListOf.h"
 
-/// A list of pointers to anything, see `vex2::ListOf`.
+/// A list of untyped pointers; see `vex2::ListOf`.
 class VEX2_API CPtrList : public CObject, public vex2::ListOf<void*> {
  public:
   using ListOf::ListOf;

@@ -6,11 +6,11 @@
 
 #include "vex2/framework/Export.h"
 
-/// A text of single-byte characters that may hold zero bytes. A value: copies are independent.
+/// A text of single-byte characters, which may contain zero bytes. Copies are independent.
 class VEX2_API CString {
  public:
   CString() = default;
-  /// A null pointer gives the empty text.
+  /// A copy of the text up to its terminating zero; empty for a null pointer.
   CString(const char* text);  // NOLINT: hosts pass literals
   /// The first `length` characters of `text`, zero bytes included.
   CString(const char* text, int length);
@@ -24,11 +24,11 @@ class VEX2_API CString {
   /// Removes all characters.
   void Empty() { text_.clear(); }
 
-  /// The characters with a terminating zero; valid until the text changes or ends.
+  /// The characters with a terminating zero; valid until the text changes or is destroyed.
   const char* GetString() const { return text_.c_str(); }
-  /// The characters with a terminating zero; valid until the text changes or ends.
-  operator const char*() const { return text_.c_str(); }  // NOLINT: hosts pass it on as it is
-  /// The characters, zero bytes included; valid until the text changes or ends.
+  /// The characters with a terminating zero; valid until the text changes or is destroyed.
+  operator const char*() const { return text_.c_str(); }  // NOLINT: hosts pass a text on as it is
+  /// The characters, zero bytes included; valid until the text changes or is destroyed.
   std::string_view View() const { return text_; }
 
   /// The character at `index`, from 0; 0 at the end and for an index out of range.
@@ -40,15 +40,16 @@ class VEX2_API CString {
   CString& operator+=(char tail);
   /// Returns `left` followed by `right`.
   friend VEX2_API CString operator+(const CString& left, const CString& right);
-  /// Needed because `path + '/'` would otherwise add to the pointer that a text converts to.
+  /// Returns `left` followed by `right`. Without this operator, `path + '/'` would add to the
+  /// pointer that a text converts to.
   friend VEX2_API CString operator+(const CString& left, char right);
 
   /// Compares all characters, including zero bytes; case-sensitive.
   friend bool operator==(const CString& left, const CString& right) {
     return left.text_ == right.text_;
   }
-  /// Compares with the characters of `right` up to its terminator; case-sensitive. Null equals the
-  /// empty text.
+  /// Compares with the characters of `right` up to its terminating zero; case-sensitive. A null
+  /// pointer equals the empty text.
   friend bool operator==(const CString& left, const char* right) {
     return left.text_ == (right != nullptr ? right : "");
   }
@@ -72,7 +73,7 @@ class VEX2_API CString {
   CString Right(int count) const;
   /// The characters from the index `first`, from 0, to the end.
   CString Mid(int first) const;
-  /// At most `count` characters from the index `first`, from 0.
+  /// At most `count` characters, beginning at the index `first`, from 0.
   CString Mid(int first, int count) const;
   /// Converts ASCII letters to upper case, independent of the locale.
   void MakeUpper();

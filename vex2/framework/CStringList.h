@@ -5,7 +5,7 @@
 #include "vex2/framework/Export.h"
 #include "vex2/framework/ListOf.h"
 
-/// A list of texts, see `vex2::ListOf`.
+/// A list of texts; see `vex2::ListOf`.
 class VEX2_API CStringList : public CObject, public vex2::ListOf<CString> {
  public:
   using ListOf::ListOf;

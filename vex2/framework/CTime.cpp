@@ -10,7 +10,7 @@
 
 namespace {
 
-// strftime takes the names of months from the locale; documents contain English names.
+// strftime takes the names of months from the locale, but documents contain English names.
 locale_t plainLocale() {
   static const locale_t locale = newlocale(LC_ALL_MASK, "C", nullptr);
   return locale;
@@ -29,8 +29,9 @@ CString CTime::Format(const char* pattern) const {
   tzset();
   if (localtime_r(&seconds, &parts) == nullptr) return {};
 
-  // An empty result and a buffer too small both give 0, so a sentinel character makes every result
-  // non-empty. No conversion yields more than a few dozen characters, but widths are unbounded.
+  // strftime returns 0 both for an empty result and for a buffer that is too small, so a sentinel
+  // character makes every result non-empty. No conversion yields more than a few dozen characters,
+  // but a pattern can ask for any width.
   const std::string guarded = std::string(pattern) + ".";
   constexpr std::size_t kLongest = std::size_t{64} * 1024;
   for (std::string text(guarded.size() + 256, '\0'); text.size() <= kLongest;

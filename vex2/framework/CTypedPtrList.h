@@ -36,7 +36,7 @@ class CTypedPtrList : public Base {
   Pointer GetAt(POSITION position) const { return static_cast<Pointer>(Base::GetAt(position)); }
   /// Sets the pointer at `position`; does nothing for a null position.
   void SetAt(POSITION position, Pointer value) { Base::SetAt(position, value); }
-  /// The position of the first entry with this pointer; if `after` is not null, of the first after
-  /// it. Null if there is none.
+  /// The position of the first entry with this pointer; if `after` is not null, of the first such
+  /// entry after the position `after`. Null if there is none.
   POSITION Find(Pointer value, POSITION after = nullptr) const { return Base::Find(value, after); }
 };

@@ -6,13 +6,13 @@ namespace vex2 {
 class Host;
 }
 
-/// Tells the host that a long operation runs, from the construction to the destruction of the
-/// object.
+/// Informs the host that a long operation is running, from the construction of the object to its
+/// destruction.
 class VEX2_API CWaitCursor {
  public:
-  /// Tells the host that the operation begins.
+  /// Informs the host that the operation begins.
   CWaitCursor();
-  /// Tells the host that the operation has ended.
+  /// Informs the host that the operation has ended.
   ~CWaitCursor();
   CWaitCursor(const CWaitCursor&) = delete;
   CWaitCursor& operator=(const CWaitCursor&) = delete;

@@ -48,7 +48,7 @@ Setting toSetting(std::string_view value) {
   return std::string(value);
 }
 
-// Walks the lines of one file and keeps track of the current section.
+// Finds a setting in the lines of one file.
 Setting findInText(std::string_view text, const std::string& key, const std::string& name) {
   if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
   Setting found;
@@ -72,7 +72,7 @@ Setting findInText(std::string_view text, const std::string& key, const std::str
   return found;
 }
 
-// Only regular files: reading a pipe or a terminal could block.
+// Reads only regular files: reading a pipe or a terminal could block.
 std::string readText(const std::string& path) {
   std::error_code ignored;
   if (!std::filesystem::is_regular_file(path, ignored)) return {};

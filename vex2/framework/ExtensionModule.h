@@ -8,11 +8,11 @@
 #include "vex2/framework/Export.h"
 
 /// @file
-/// The list of extension modules: libraries that add run-time classes to an application, which
-/// finds them here by name. A module registers itself when it is loaded and unregisters itself when
-/// it is unloaded, see `LoadedModule.h`. The document library registers itself as soon as it is in
-/// memory: before `main` in an application that is linked with it. All operations may be called
-/// from any thread.
+/// The list of extension modules. These are libraries that add run-time classes to an application;
+/// the application finds the classes here by name. A module registers itself when it is loaded and
+/// unregisters itself when it is unloaded, see `LoadedModule.h`. The document library registers
+/// itself as soon as it is in memory; in an application that is linked with it, this is before
+/// `main`. All operations may be called from any thread.
 namespace vex2 {
 
 /// The name of a module and the records of its classes. The module owns both.
@@ -26,14 +26,14 @@ struct ExtensionModule {
 /// name, or a module or class with one of its names is already registered.
 [[nodiscard]] VEX2_API bool RegisterModule(const ExtensionModule& module);
 
-/// Unregisters this object; a different object with the same name stays registered.
+/// Unregisters this object. A different object with the same name stays registered.
 VEX2_API void UnregisterModule(const ExtensionModule& module);
 
 /// The registered class with this name, or null. Valid for as long as its module is registered.
 VEX2_API const CRuntimeClass* FindRuntimeClass(std::string_view name);
 
-/// The registered modules, oldest first. Their names and records are valid as long as the module is
-/// registered.
+/// The registered modules, in the order of their registration. Their names and records are valid as
+/// long as the module is registered.
 VEX2_API std::vector<ExtensionModule> RegisteredModules();
 
 }  // namespace vex2

@@ -10,20 +10,20 @@ namespace vex2 {
 /// An operation on a file.
 enum class FileOperation : std::uint8_t {
   kNone,    ///< none, or unknown
-  kOpen,    ///< finding and opening it
-  kLock,    ///< waiting for its lock
-  kCreate,  ///< creating the file that replaces it, or its backup
+  kOpen,    ///< finding and opening the file
+  kLock,    ///< waiting for the file's lock
+  kCreate,  ///< creating a backup of the file, or the file that replaces it
   kRead,
   kSeek,
   kWrite,
   kResize,
   kSync,    ///< waiting until written bytes are on the disk
-  kRename,  ///< putting the new file in its place
+  kRename,  ///< renaming the new file over the old one
 };
 
 /// Why an operation on a file failed.
 enum class FileErrorReason : std::uint8_t {
-  kNone,              ///< it did not fail, or the file was not the reason
+  kNone,              ///< the operation did not fail, or failed for another reason than the file
   kSystem,            ///< the system refused; `FileError::systemError` says why
   kLocked,            ///< another program or manager holds the file's lock
   kNotADocument,      ///< the file does not begin with "Vex2"

@@ -29,8 +29,8 @@ Result orError(Result result) {
   return result < 0 ? static_cast<Result>(-errno) : result;
 }
 
-// The gate is one byte at an offset that no document reaches. Its locks belong to the open file,
-// like the main lock, and are released with it.
+// The gate is one byte at an offset that no document reaches. Like the main lock, its locks belong
+// to the open file and are released when that file is closed.
 constexpr off_t kGateAt = std::numeric_limits<off_t>::max() - 1;
 
 int setGate(int file, short type) {
@@ -113,8 +113,9 @@ int FileSystem::Remove(const char* path) {
 int FileSystem::CopyAttributes(int model, int file) {
   struct stat info {};
   if (const int status = Stat(model, info); status < 0) return status;
-  // Another user's file must stay writable for the same users even if its owner changes. Group and
-  // permissions are tried in turn; a refusal to set the owner alone is not a failure.
+  // Users who could write the old file must be able to write the new one, even if its owner
+  // changes. So set owner and group, or else the group alone; failing to set the owner is not an
+  // error.
   if (::fchown(file, info.st_uid, info.st_gid) != 0) {
     [[maybe_unused]] const int ignored = ::fchown(file, static_cast<uid_t>(-1), info.st_gid);
   }

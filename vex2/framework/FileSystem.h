@@ -28,10 +28,10 @@ class FileSystem {
   virtual int SyncAll(int file);
   /// Takes an advisory lock without waiting; returns -EWOULDBLOCK if another open file holds it.
   virtual int Lock(int file, bool exclusive);
-  /// Enters the gate before the lock without waiting. The gate admits one writer or any number of
-  /// readers; returns -EWOULDBLOCK if it is occupied. An opener waits for the lock while it holds
-  /// the gate, so that later readers cannot keep a writer waiting for ever, nor later writers a
-  /// reader.
+  /// Enters the gate in front of the lock, without waiting. The gate admits one writer or any
+  /// number of readers; returns -EWOULDBLOCK if it cannot admit this one now. An opener waits for
+  /// the lock while it holds the gate: otherwise later readers could keep a writer waiting for
+  /// ever, and later writers a reader.
   virtual int EnterGate(int file, bool exclusive);
   virtual int LeaveGate(int file);
   virtual int Stat(int file, struct stat& info);
@@ -40,24 +40,25 @@ class FileSystem {
   virtual int Remove(const char* path);
   /// Gives `file` the permissions, owner and access list of `model`, as far as the system permits.
   virtual int CopyAttributes(int model, int file);
-  /// A monotonic clock in milliseconds, and a pause. Both are needed to wait for a lock.
+  /// The time of a monotonic clock in milliseconds. This and `Pause` are needed to wait for a lock.
   virtual std::int64_t Milliseconds();
   virtual void Pause(int milliseconds);
 };
 
-/// The file system in use: the operating system's, unless another was installed.
+/// The file system in use: the operating system's, unless another one was installed.
 FileSystem& CurrentFileSystem();
 
 /// Installs `system` for the whole process; null installs the operating system's. The caller keeps
 /// ownership. Returns the file system that was installed before.
 FileSystem* SetFileSystem(FileSystem* system);
 
-/// `path` with symbolic links resolved; `path` itself if nothing exists there.
+/// Returns `path` with symbolic links resolved, or `path` itself if nothing exists there.
 std::string ResolvedPath(const char* path);
-/// The folder that `path` is in, with its trailing separator.
+/// Returns the folder of `path`, with its trailing separator.
 std::string FolderOf(const std::string& path);
-/// Syncs the folder of `path`: the names in it are on the disk when this returns 0. It also returns
-/// 0 for a folder that cannot be opened, or of a kind that cannot be synced.
+/// Syncs the folder of `path`, so that the names in the folder are on the disk. Returns 0 or a
+/// negated system error number; also 0 if the folder cannot be opened or is of a kind that cannot
+/// be synced.
 int SyncFolderOf(const std::string& path);
 
 }  // namespace vex2

@@ -23,7 +23,7 @@ class FunctionRef<Result(Arguments...)> {
           return (*static_cast<const Callable*>(object))(std::forward<Arguments>(arguments)...);
         }) {}
 
-  /// Calls what it refers to.
+  /// Calls the callable.
   Result operator()(Arguments... arguments) const {
     return call_(callable_, std::forward<Arguments>(arguments)...);
   }

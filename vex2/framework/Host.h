@@ -36,7 +36,7 @@ struct NoValue {
 };
 
 /// A result of the host's settings store: nothing (`std::monostate`) if the key cannot be opened,
-/// `NoValue` if the key exists without the value, otherwise the value, a number or a text.
+/// `NoValue` if the key exists but the value does not, otherwise the value, a number or a text.
 using Setting = std::variant<std::monostate, std::uint32_t, std::string, NoValue>;
 
 /// The only interface between the library and the desktop. A host application derives from it and
@@ -48,28 +48,29 @@ class VEX2_API Host {
 
   /// Shows `text` to the user with an OK button. The console host writes it to standard error.
   virtual void ShowMessage(const std::string& text);
-  /// Lets the user choose a file. Returns false if the user cancelled or the chooser failed; the
-  /// console host always cancels.
+  /// Lets the user choose a file and fills `result`. Returns false if the user cancelled or the
+  /// chooser failed. The console host always returns false.
   virtual bool ChooseFile(const ChooserRequest& request, ChooserResult& result);
-  /// The value `name` under `key` (parts separated by single backslashes), of the machine or of the
-  /// current user. A key that cannot be opened and a missing value are different results, because
-  /// the library uses a default only for a missing value. The console host reads an INI file, see
-  /// `ConsoleHost.h`.
+  /// Returns the value `name` under `key`, whose parts are separated by single backslashes, from
+  /// the settings of the machine or of the current user. The result distinguishes a key that cannot
+  /// be opened from a missing value, because the library uses a default only for a missing value.
+  /// The console host reads an INI file, see `ConsoleHost.h`.
   virtual Setting QuerySetting(bool localMachine, const std::string& key, const std::string& name);
-  /// Marks the begin of a long operation; calls may be nested. The console host shows nothing.
+  /// Marks the beginning of a long operation; calls may be nested. The console host shows nothing.
   virtual void BeginWait();
   /// Marks the end of the long operation that began last. The console host shows nothing.
   virtual void EndWait();
-  /// Writes a line, which includes its line end, to the diagnostic trace. The console host drops
-  /// it.
+  /// Writes `text`, one line including its line end, to the diagnostic trace. The console host
+  /// drops it.
   virtual void Trace(const std::string& text);
   /// The current time, in seconds.
   virtual CTime Now();
 };
 
 /// Installs `host` for the whole process; null installs the console host. Returns the host that was
-/// installed before, null if that was the console host. The caller keeps ownership, and the host
-/// must outlive its installation. Do not call this while another thread uses the library.
+/// installed before, or null if that was the console host. The caller keeps ownership of `host`,
+/// which must live as long as it is installed. Do not call this while another thread uses the
+/// library.
 VEX2_API Host* SetHost(Host* host);
 
 /// The installed host; never null.

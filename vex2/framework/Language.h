@@ -1,6 +1,6 @@
 #pragma once
 
-/// Stops a compiler with an older language standard with one message instead of hundreds. Every
+/// Makes a compiler with an older language standard print one message instead of hundreds. Every
 /// public header that includes no other header of the library includes this one.
 #if __cplusplus < 202002L
 #error "vex2 needs C++20 or later: compile with -std=c++20"

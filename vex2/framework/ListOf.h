@@ -10,13 +10,13 @@ namespace vex2 {
 /// The base of the framework's lists: a doubly linked list of `Value`s, walked by positions:
 ///
 ///     for (POSITION at = list.GetHeadPosition(); at != nullptr;) use(list.GetNext(at));
-/// A list of pointers does not own the objects. An operation without a result returns a null
+/// A list of pointers does not own the objects. An operation that finds nothing returns a null
 /// position or the empty value (null, the empty text); an operation on a null position does
 /// nothing. Lists are moved, never copied; positions stay valid after a move. Not thread-safe.
 template <class Value>
 class ListOf {
  public:
-  /// The block size was the number of entries to allocate at a time; it is no longer used.
+  /// An empty list. The block size, once the number of entries to allocate at a time, is ignored.
   explicit ListOf(int /*blockSize*/ = 10) {}
   /// Takes the entries of `other`, which is empty afterwards.
   ListOf(ListOf&& other) noexcept { *this = std::move(other); }
@@ -88,8 +88,8 @@ class ListOf {
     if (position != nullptr) toNode(position)->value = value;
   }
 
-  /// The position of the first entry with this value; if `after` is not null, of the first after
-  /// it.
+  /// The position of the first entry with this value; if `after` is not null, of the first such
+  /// entry after the position `after`. Null if there is none.
   POSITION Find(const Value& value, POSITION after = nullptr) const {
     Node* node = after != nullptr ? toNode(after)->next : first_;
     while (node != nullptr && !(node->value == value)) node = node->next;

@@ -39,7 +39,7 @@ LoadedModule& LoadedModule::operator=(LoadedModule&& other) noexcept {
 
 bool LoadedModule::Load(const std::string& path, std::string& error) {
   Unload();
-  if (path.empty()) {  // the linker would open the program itself
+  if (path.empty()) {  // an empty path would open the program itself
     error = "no module is named";
     return false;
   }

@@ -11,8 +11,8 @@
 
 namespace vex2 {
 
-/// The base of the framework's maps: from texts, compared exactly, to pointers that the map does
-/// not own. It is walked in the order of its keys:
+/// The base of the framework's maps. The keys are texts, compared exactly; the values are pointers
+/// to objects that the map does not own. A map is walked in the order of its keys:
 ///
 ///     for (POSITION at = map.GetStartPosition(); at != nullptr;) {
 ///       map.GetNextAssoc(at, key, value);
@@ -25,7 +25,7 @@ class MapOf {
   /// The type of the pointers.
   using Stored = Pointer;
 
-  /// The block size was the number of entries to allocate at a time; it is no longer used.
+  /// An empty map. The block size, once the number of entries to allocate at a time, is ignored.
   explicit MapOf(int /*blockSize*/ = 10) {}
   /// Takes the entries of `other`, which is empty afterwards.
   MapOf(MapOf&& other) noexcept { *this = std::move(other); }
@@ -45,15 +45,15 @@ class MapOf {
   /// Whether the map has no entries.
   bool IsEmpty() const { return count_ == 0; }
 
-  /// Sets `value` to the pointer for `key`. Returns false and leaves `value` unchanged without an
-  /// entry.
+  /// Sets `value` to the pointer for `key`. If there is no entry for `key`, returns false and
+  /// leaves `value` unchanged.
   bool Lookup(const CString& key, Pointer& value) const {
     const std::size_t place = placeOf(key);
     if (!holds(place, key)) return false;
     value = entries_[place]->value;
     return true;
   }
-  /// The pointer for `key`; null without an entry.
+  /// The pointer for `key`; null if there is no entry.
   Pointer GetAt(const CString& key) const {
     Pointer value = nullptr;
     Lookup(key, value);
@@ -69,9 +69,9 @@ class MapOf {
     }
   }
 
-  /// The pointer for `key`; null without an entry.
+  /// The pointer for `key`; null if there is no entry.
   Pointer operator[](const CString& key) const { return GetAt(key); }
-  /// The place for `key`, to read or assign; see `vex2::Slot`.
+  /// A slot for the entry of `key`, which can be read or assigned; see `vex2::Slot`.
   Slot<MapOf, CString, Pointer> operator[](const CString& key) { return {*this, key}; }
 
   /// Removes the entry for `key`. Returns false if there was none.
@@ -90,8 +90,8 @@ class MapOf {
 
   /// The position of the entry with the first key; null if the map is empty.
   POSITION GetStartPosition() const { return toPosition(0); }
-  /// Sets `key` and `value` to the entry at `position`, and moves `position` to the next entry. A
-  /// null position changes nothing.
+  /// Sets `key` and `value` to the entry at `position`, and moves `position` to the next entry.
+  /// Does nothing for a null position.
   void GetNextAssoc(POSITION& position, CString& key, Pointer& value) const {
     if (position == nullptr) return;
     const auto* const entry = reinterpret_cast<const Entry*>(position);
@@ -99,8 +99,8 @@ class MapOf {
     value = entry->value;
     position = toPosition(placeOf(entry->key) + 1);
   }
-  /// Returns the pointer at `position`, and moves `position` to the next entry; null for a null
-  /// position. Unlike `GetNextAssoc`, which copies the key, it never allocates.
+  /// Returns the pointer at `position`, and moves `position` to the next entry. Returns null for a
+  /// null position. Unlike `GetNextAssoc`, which copies the key, it never allocates.
   Pointer GetNextValue(POSITION& position) const {
     if (position == nullptr) return nullptr;
     const auto* const entry = reinterpret_cast<const Entry*>(position);

@@ -2,8 +2,8 @@
 
 #include <string_view>
 
-/// The parts of a path. A backslash always separates them, because documents are exchanged between
-/// systems; so does "/", the separator of this system. Internal.
+/// The parts of a path. The separators are "/", as on this system, and the backslash, because
+/// documents are exchanged between systems. Internal.
 namespace vex2 {
 
 inline std::string_view FileNameOf(std::string_view path) {
@@ -11,7 +11,8 @@ inline std::string_view FileNameOf(std::string_view path) {
   return separator == std::string_view::npos ? path : path.substr(separator + 1);
 }
 
-/// The name without its extension. A name whose only dot is its first character has no extension.
+/// The file name without its extension. A name whose only dot is its first character has no
+/// extension.
 inline std::string_view FileTitleOf(std::string_view path) {
   const auto name = FileNameOf(path);
   const auto dot = name.rfind('.');

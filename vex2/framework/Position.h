@@ -6,5 +6,6 @@ namespace vex2 {
 struct Place;  // never defined: only the container that returned a position can use it
 }
 
-/// Refers to an entry of a list or a map; null refers to none. Valid until the entry is removed.
+/// Refers to an entry of a list or a map, or to none if it is null. Valid until the entry is
+/// removed.
 using POSITION = vex2::Place*;

@@ -10,7 +10,7 @@ class VEX2_API CXErr {
  public:
   /// The value 0.
   CXErr() = default;
-  /// Holds the whole value.
+  /// Holds `id` as the whole value.
   CXErr(std::int32_t id) : id_(id) {}  // NOLINT: hosts assign plain numbers
 
   /// The whole value.

@@ -5,7 +5,7 @@
 
 namespace vex2 {
 
-/// A data block of the document as the frame log sees it. Internal.
+/// Gives the frame log access to a data block of the document. Internal.
 class HeldRawData final : public HeldBlock {
  public:
   explicit HeldRawData(AcquisitionDataComp& block) : block_(block) {}

@@ -1,5 +1,5 @@
-// The library as an extension module: its entry in the list of modules, and what vex2::LoadedModule
-// calls when it loads and unloads us.
+// The library as an extension module: its entry in the list of modules, and the entry points that
+// vex2::LoadedModule calls.
 #include "vex2/manager/Module.h"
 
 #include <array>
@@ -20,15 +20,15 @@ const vex2::ExtensionModule& thisModule() {
   return module;
 }
 
-// The entry is made when the library comes into memory: for a host that is linked with it, that is
-// the only time it hears of us. LoadedModule comes later, or never, and holds us at most once.
+// The library is registered when it comes into memory, because a host that is linked with it makes
+// no other call. `isHeld` is true while a LoadedModule holds the library; only one can.
 struct Entry {
   std::mutex mutex;
   bool isMade = false;
   bool isHeld = false;
 };
 
-// Needs no code to be made or destroyed, so that the entry points can be called at any time.
+// Needs no code to initialise or destroy it, so that the entry points can be called at any time.
 constinit Entry entry;
 
 }  // namespace
@@ -40,7 +40,7 @@ ModuleEntry::ModuleEntry() noexcept {
     const std::lock_guard lock(entry.mutex);
     entry.isMade = RegisterModule(thisModule());
   } catch (const std::bad_alloc&) {
-    // Loading as a module tries again, and tells.
+    // vex2ModuleLoad tries again and reports a failure.
   }
 }
 
@@ -59,7 +59,9 @@ extern "C" VEX2_API bool vex2ModuleLoad() {
 }
 
 extern "C" VEX2_API void vex2ModuleUnload() {
-  // The entry goes with the library, which a host that is linked with it keeps in memory.
+  // The library stays registered as long as it is in memory. A host that is linked with it keeps it
+  // there.
+  // does not end.
   const std::lock_guard lock(entry.mutex);
   entry.isHeld = false;
 }

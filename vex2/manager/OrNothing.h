@@ -5,8 +5,8 @@
 /// Internal.
 namespace vex2 {
 
-/// Returns what `ask` returns; null, 0 or false if memory runs out on the way. For operations that
-/// have no status to report that with.
+/// Returns what `ask` returns, or null, 0 or false if memory runs out. For operations that have no
+/// status to report this.
 template <class Ask>
 auto OrNothing(Ask ask) -> decltype(ask()) {
   try {

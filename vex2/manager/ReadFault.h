@@ -6,10 +6,10 @@
 
 namespace vex2 {
 
-/// The first thing that kept a document from being read whole.
+/// The first reason why a document could not be read whole.
 struct ReadFault {
-  std::uint64_t offset = 0;  ///< in the file: of the record concerned, or of where reading ended
-  const char* reason = "";   ///< a constant text, e.g. "the record cannot be read"; empty for none
+  std::uint64_t offset = 0;  ///< of the record concerned, or where the reading ended
+  const char* reason = "";   ///< a constant, e.g. "the record cannot be read"; empty if none
 };
 
 }  // namespace vex2

@@ -4,9 +4,9 @@
 
 #include "vex2/framework/Export.h"
 
-/// Whether a number in the host's settings store is set: the value `name` of the product's key,
-/// or of `subKey` below it when that is not null, for the machine or for the current user. False
-/// when the key cannot be opened, and where memory runs out; `defaultValue` counts when the key has
-/// no such value, or one that is no number.
+/// Whether a number in the host's settings store is not 0: the value `name` under the product's key
+/// or, if `subKey` is not null, under the key `subKey` below the product's key, for the machine or
+/// for the current user. Returns false if the key cannot be opened or memory runs out. If the key
+/// has no such value, or one that is not a number, uses `defaultValue` instead.
 VEX2_API bool ReadRegistryFlag(bool localMachine, const char* name, std::uint32_t defaultValue,
                                const char* subKey);

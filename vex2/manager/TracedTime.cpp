@@ -17,7 +17,7 @@ TracedTime::~TracedTime() {
                                " is: days: %D, hours: %H, mins: %M, secs: %S\n";
     GetHost()->Trace(elapsed.Format(format.c_str()).GetString());
   } catch (const std::bad_alloc&) {
-    // The operation is worth more than the message about it.
+    // The operation must not fail because the message about it cannot be made.
   }
 }
 

@@ -2,14 +2,14 @@
 
 #include "vex2/framework/CTime.h"
 
-/// Times a long operation and writes to the diagnostic trace when it ends. Internal.
+/// Measures how long an operation takes and writes this to the diagnostic trace. Internal.
 namespace vex2 {
 
 class TracedTime {
  public:
-  /// `what` completes "Total time needed for ...".
+  /// Starts the measurement. `what` completes "Total time needed for ...".
   explicit TracedTime(const char* what);
-  /// Writes nothing if memory runs out.
+  /// Writes the time to the trace; writes nothing if memory runs out.
   ~TracedTime();
   TracedTime(const TracedTime&) = delete;
   TracedTime& operator=(const TracedTime&) = delete;

@@ -91,7 +91,7 @@ void Vex2FileManager::copyOrStayEmpty(const Vex2FileManager& source) {
   try {
     deepCopy(source);
   } catch (const std::bad_alloc&) {
-    // A part of the source would pass for all of it.
+    // An incomplete copy would look like the whole document.
     Reset();
   }
 }
@@ -171,7 +171,7 @@ void ComponentList::Append(std::vector<std::unique_ptr<CComponent>> components) 
 }
 
 void ComponentList::replace(std::unique_ptr<CComponent> component) {
-  // Removed last, so that nothing is lost where there is no memory for the new one's place.
+  // Remove the old component last, so that it is not lost if memory for the new one runs out.
   const CComponent* before = Find(component->GetTag());
   Append(std::move(component));
   Remove(before);

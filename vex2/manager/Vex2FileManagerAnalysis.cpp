@@ -1,8 +1,8 @@
-// What analysis applications keep beside a document: results per plate and well, in memory only.
+// The analysis results of a document, for each plate and each well, in memory only.
 //
-// Each family of operations names a table and chooses whose: the document's own, or that of the
-// plate of a name. The overloads for `const char*` do their work and answer false, but for the one
-// that sets reporters: hosts read the result itself.
+// Each operation works on one table, either the document's own or that of a plate. The overloads
+// for `const char*` return false even on success, except the one that sets reporters. Hosts look at
+// the result itself.
 
 #include <set>
 
@@ -22,7 +22,7 @@ Table<IDAClippedMatrix> reporterTable(bool second) {
   return second ? &VexAnalysis::secondReporters : &VexAnalysis::reporters;
 }
 
-// Of a well numbered from 1; -1, which no table has, where there is no such well.
+// The index for the well number `well`; -1, which is not in any table, if there is no such well.
 int indexOf(int well) {
   return well >= 1 ? well - 1 : -1;
 }

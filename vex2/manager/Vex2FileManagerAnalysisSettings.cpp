@@ -1,4 +1,4 @@
-// With what detectors are analysed, and their threshold cycles: of the document itself and of each
+// The analysis settings and the threshold cycles of detectors, of the document itself and of each
 // plate of a study, in memory only.
 
 #include <cstring>
@@ -11,14 +11,14 @@ using vex2::OrNothing;
 
 namespace {
 
-// The map has no part in owning: settings are its document's as soon as they stand in it.
+// The map does not own the settings: the document owns them as soon as they are in the map.
 void addSettings(CAnalysisSettingsMap& map, const CString& detector,
                  std::unique_ptr<CAnalysisSettings> settings) {
   map.SetAt(detector, settings.get());
   static_cast<void>(settings.release());
 }
 
-// Adds copies of the settings of all detectors that `global` lacks.
+// Adds to `global` copies of those settings in `plate` whose detectors `global` lacks.
 void addWhatIsMissing(CAnalysisSettingsMap& global, const CAnalysisSettingsMap& plate) {
   CString detector;
   CAnalysisSettings* settings = nullptr;
@@ -160,7 +160,7 @@ void DetectorSettings::AddMissingToOwn() {
 }
 
 void DetectorSettings::ResetPlates() {
-  // A map that was handed in goes as well: its host gave it up.
+  // This also destroys the maps that hosts added: a host gives its map up when it adds it.
   for (const auto& [name, detectors] : ofPlates_) detectors->DestroyMap();
   ofPlates_.clear();
 }

@@ -22,7 +22,7 @@ CString upperNameOf(const Vex2DyeSpectrum& dye) {
   return upper;
 }
 
-// Appends an element for the dye, unless its name says that it is none.
+// Appends an element for the dye, unless its name means that there is no dye.
 void appendDye(CObList& list, const Vex2DyeSpectrum& dye) {
   const CString name = upperNameOf(dye);
   if (name.IsEmpty() || name == "<NONE>" || name == "(NONE)") return;

@@ -1,4 +1,4 @@
-// What the last reading left out, and what becomes of the file when it is replaced.
+// Whether the last reading left anything out, and the backup of the file before it is replaced.
 
 #include <string>
 #include <string_view>

@@ -29,7 +29,7 @@ std::unique_ptr<AcquisitionDataComp> makeBlock(Vex2DataType type, const Vex2Acqu
                          : std::make_unique<AcquisitionDataComp>(tag);
 }
 
-// Puts a block of the data in the document, in place of one of its type.
+// Adds a block with a copy of `data` to the document, in place of the block of the same type.
 int setBlock(vex2::DocumentStore& store, vex2::ComponentList& components, Vex2DataType type,
              const Vex2AcquisitionData* data, AcquisitionDataComp*& block) {
   if (vex2::TagAt(type).empty()) return vex2::kNotFound;
@@ -44,7 +44,7 @@ int readRawDataOffset(CFile& file, std::uint32_t& offset) {
   return vex2::ReadField(file, offset) ? kSuccess : vex2::kReadFailed;
 }
 
-// Writes the block as the last record of a file without raw data, to which `offset` leads then.
+// Writes the block as the last record of a file without raw data, and sets `offset` to its offset.
 int appendRawData(vex2::DocumentStore& store, AcquisitionDataComp& block, std::uint32_t& offset) {
   const vex2::HeldRawData held(block);
   vex2::FrameLog log(store, held);
@@ -52,7 +52,7 @@ int appendRawData(vex2::DocumentStore& store, AcquisitionDataComp& block, std::u
   return store.WriteAtEnd([&] { return log.WriteBlock(place, offset); });
 }
 
-// Writes the block in place of what the header's offset of raw data leads to, as the last record.
+// Writes the block as the last record, in place of the raw data at the header's offset.
 int overwriteRawData(vex2::DocumentStore& store, AcquisitionDataComp& block, std::uint32_t offset) {
   return store.Rewrite(offset, [&] {
     CFile& file = store.File();
@@ -63,7 +63,7 @@ int overwriteRawData(vex2::DocumentStore& store, AcquisitionDataComp& block, std
   });
 }
 
-// The reporting blocks of a file, and where the first of them stands; 0 when there is none.
+// The reporting blocks of a file, and the offset of the first one; 0 if there is none.
 struct ReportingBlocks {
   std::vector<std::unique_ptr<AcquisitionDataComp>> blocks;
   std::uint64_t start = 0;
@@ -86,7 +86,7 @@ int readReportingBlocks(CFile& file, ReportingBlocks& found) {
   }
 }
 
-// Writes the block in place of the one of its type, and those that stand with it again.
+// Writes the block in place of the one with the same type, and then the other reporting blocks.
 int overwriteReportingData(vex2::DocumentStore& store, AcquisitionDataComp& block,
                            ReportingBlocks& kept, const Vex2HeaderData& header) {
   CFile& file = store.File();
@@ -104,7 +104,7 @@ int overwriteReportingData(vex2::DocumentStore& store, AcquisitionDataComp& bloc
       newLength += other->GetSize();
     }
     file.SetLength(newLength);
-    // What stood behind the first reporting block is cut off, so no offset may lead there.
+    // The records after the first reporting block are cut off, so the header must not lead to them.
     if (header.thermocycleOffset > kept.start) {
       static_cast<void>(store.PatchHeader(HeaderLayout::kProgramOffsetAt, 0));
     }
@@ -158,7 +158,8 @@ int Vex2FileManager::AppendAcquisitionDataBlock(const char* path, const Vex2Acqu
       status != kSuccess) {
     return status;
   }
-  // For reading, too, where that is allowed: a block looks for what an interrupted commit left.
+  // Open the file for reading, too, if that is allowed: End() looks for bytes that an interrupted
+  // commit left.
   constexpr unsigned kFlags =
       modeReadWrite | modeCreate | modeNoTruncate | typeBinary | shareExclusive;
   const bool isReadable = store.Open(path, kFlags);
@@ -179,14 +180,15 @@ int Vex2FileManager::RemoveAcquisitionDataBlock(Vex2DataType type) {
 
 int Vex2FileManager::ReplaceAcquisitionDataBlock(const char* path, const Vex2AcquisitionData* data,
                                                  Vex2DataType type) {
-  // The wait ends before the trace is sent.
+  // The wait must end before the time is written to the trace.
   std::optional<CWaitCursor> wait(std::in_place);
   const vex2::TracedTime time("replacing Acquisition/Reporting Data");
   const vex2::Operation operation(state_->store);
   AcquisitionDataComp* block = nullptr;
   int status = setBlock(state_->store, state_->components, type, data, block);
   if (status == kSuccess && state_->BackUpPartlyRead(path) != kSuccess) {
-    // A failed read is told before a refused write, here that of the backup.
+    // If the file cannot be read either, return that status. Otherwise the failed backup counts as
+    // a failed write.
     status = SafeOpen(path, 0, 0) == 0 ? vex2::kReadFailed : vex2::kWriteFailed;
     Abort();
   }

@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::string_view kCalibrationTag = TagOf(Kind::kCalibration);
 
-// Copies a part into the caller's record and says whether there was one.
+// Copies a part into the caller's record, and sets `has` to whether there is one.
 template <typename Component, typename Record>
 void copyPart(const CCalibrationComp& calibration, Record*& record, int* has) {
   const auto* part = calibration.Find<Component>();
@@ -30,7 +30,7 @@ void copyPart(const CCalibrationComp& calibration, Record*& record, int* has) {
   if (has != nullptr) *has = part != nullptr ? 1 : 0;
 }
 
-// `calibration` becomes the one that was changed.
+// Replaces a part of the calibration, and sets `calibration` to the component that was changed.
 template <typename Component, typename Record>
 int replacePart(vex2::ComponentList& components, const Record* record,
                 CCalibrationComp*& calibration, vex2::LastFileError* error = nullptr) {
@@ -51,7 +51,8 @@ int replacePart(vex2::ComponentList& components, const Record* record,
   return vex2::Guarded(vex2::kWriteFailed, replace, error);
 }
 
-// Puts a part that stands alone in the document; null where memory runs out.
+// Puts a part into the document outside its calibration, in place of the first such part. Returns
+// null if memory runs out.
 template <typename Component, typename Record>
 Component* replaceAlone(vex2::DocumentStore& store, vex2::ComponentList& components,
                         const Record* record) {
@@ -64,7 +65,7 @@ Component* replaceAlone(vex2::DocumentStore& store, vex2::ComponentList& compone
   return added;
 }
 
-// Overwrites the background at this offset, or appends the whole calibration where that is 0.
+// Overwrites the background at `offset` or, if that is 0, appends the whole calibration.
 int patchBackground(vex2::DocumentStore& store, CCalibrationComp& calibration,
                     std::uint64_t offset) {
   CFile& file = store.File();
@@ -77,7 +78,7 @@ int patchBackground(vex2::DocumentStore& store, CCalibrationComp& calibration,
   });
 }
 
-// Finds the first background that stands alone in the open file; `offset` stays 0 when there is
+// Finds the first background outside a calibration in the open file; `offset` stays 0 if there is
 // none.
 int findBackground(Vex2FileManager& file, std::uint32_t length, std::uint64_t& offset) {
   const bool isDocument = file.IsVex2Format();

@@ -30,7 +30,7 @@ Vex2FileManagerComponent& Vex2FileManagerComponent::operator=(
 }
 
 Vex2FileManagerComponent& Vex2FileManagerComponent::operator=(const Vex2FileManager& other) {
-  // The order is deliberate: a plate that is assigned to itself is empty afterwards.
+  // Reset comes first on purpose: a plate that is assigned to itself is empty afterwards.
   Reset();
   ownAnalysis_.reset();
   if (this != &other) copyOrStayEmpty(other);
@@ -64,7 +64,7 @@ int Vex2FileManagerComponent::WriteHeaderData(CFile* file) {
 int Vex2FileManagerComponent::writeHeader(CFile& file) {
   std::uint32_t written = 0;
   const int status = WriteHeaderDataHelper(written, &file);
-  // A table that passes the header's size on its own gets no padding.
+  // A usage table that is longer than the rest of the header needs no padding.
   if (written < vex2::HeaderLayout::kSize) {
     const std::vector<std::uint8_t> padding(vex2::HeaderLayout::kSize - written, 0xFF);
     file.Write(padding.data(), padding.size());
@@ -109,7 +109,7 @@ int Vex2FileManagerComponent::readPlate(CFile& file) {
     const std::string_view tag(bytes.data(), bytes.size());
     if (tag == TagOf(Kind::kEndOfFile) || tag == vex2::kMagic) return status;
     std::unique_ptr<CComponent> component;
-    // What is not known is stepped over tag by tag, until something is.
+    // Skip four bytes at a time until they are a known tag.
     if (CreateComponent(tag, component) == 0) {
       noteFault(start, "the record is of an unknown kind");
       continue;

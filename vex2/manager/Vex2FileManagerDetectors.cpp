@@ -44,7 +44,7 @@ bool Vex2FileManager::RemoveDetectorInfo(const CString& name) {
   auto* detectors = find<CDetectorListComp>(kDetectorsTag);
   if (detectors == nullptr) return false;
   const bool removed = detectors->RemoveChild(detectors->Find(name));
-  // Unlike an update, which keeps the empty list that it was given.
+  // Unlike UpdateDetectorList, this does not keep an empty list.
   if (detectors->GetChildCount() == 0) RemoveComponent(detectors);
   return removed;
 }

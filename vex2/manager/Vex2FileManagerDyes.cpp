@@ -15,7 +15,7 @@ constexpr std::string_view kDyesTag = TagOf(Kind::kRequiredDyes);
 
 }  // namespace
 
-// The name lacks a letter. Hosts know it so.
+// Sic: the name lacks a letter, but it is part of the interface.
 bool Vex2FileManager::AppendRequiredDyenfo(const CString& dye) {
   const int status = guarded(vex2::kWriteFailed, [&] {
     auto* dyes = find<CRequiredDyesComp>(kDyesTag);

@@ -23,13 +23,14 @@ namespace {
 constexpr char kFilter[] = "Vex Files\0*.vex\0All Files\0*.*\0";
 constexpr const char* kExtension = "vex";
 
-// A study keeps its own settings and its plates; all else would be a plate's.
+// A study saves its own settings and its plates. Other components would belong to a plate.
 constexpr std::array<std::string_view, 8> kStudyTags = {
     TagOf(Kind::kDetectorList), TagOf(Kind::kGlobal),       TagOf(Kind::kCalibrator),
     TagOf(Kind::kEndoControl),  TagOf(Kind::kAnalysisType), TagOf(Kind::kConfidence),
     TagOf(Kind::kPlates),       TagOf(Kind::kProgram)};
 
-// Asks for a path where none is given. False when the user cancelled.
+// Asks the user for a path if `path` is null or `dialog` is true. Returns false if the user
+// cancelled.
 bool choosePath(const char*& path, bool dialog, const char* title, CString& chosen) {
   if (path != nullptr && !dialog) return true;
   CString folder;
@@ -77,7 +78,7 @@ int Vex2FileManager::SafeOpen(const char* path, int write, int append) {
 int Vex2FileManager::changeFile(const char* path, vex2::FunctionRef<int()> look,
                                 vex2::FunctionRef<int()> change) {
   const Operation operation(state_->store);
-  // One open for looking and writing: between two of them another program could replace the file.
+  // Open the file once for looking and writing: between two opens another program could replace it.
   const bool isWritable = state_->store.Open(path, modeReadWrite | typeBinary | shareExclusive);
   if (!isWritable && SafeOpen(path, 0, 0) == 0) return vex2::kReadFailed;
   return guardedFile(vex2::kWriteFailed, [&] {
@@ -136,7 +137,7 @@ int Vex2FileManager::ReadFromFile(const char* path, bool dialog) {
       return static_cast<int>(vex2::kReadFailed);
     });
   }
-  // A document that could be read in part is a success: hosts show what there is.
+  // This is a success even if only a part could be read: hosts show that part.
   static_cast<void>(ReadComponentFile(nullptr));
   Abort();
   return kSuccess;
@@ -186,7 +187,8 @@ int Vex2FileManager::State::ReadRecords(CFile& file) {
   while (remaining > 0) {
     recordStart = file.GetPosition();
     std::array<char, vex2::kTagLength> tag{};
-    // Declared lengths need not add up to the file's, so the file's end is what ends the loop.
+    // Declared lengths may add up to more than the file has, so the end of the file also ends the
+    // loop.
     if (const std::size_t got = file.Read(tag.data(), tag.size()); got < tag.size()) {
       if (got > 0) partlyRead.Note(recordStart, "it ends within a record");
       break;
@@ -197,7 +199,7 @@ int Vex2FileManager::State::ReadRecords(CFile& file) {
     const std::uint64_t start = own.GetPosition();
     std::uint32_t size = 0;
     const int read = component->Read(&file, size);
-    // The length of a study's plates grows with every save and in the end is more than they have.
+    // The length of a study's plates grows with every save, and in time exceeds their true size.
     if (component->GetTag() == TagOf(Kind::kPlates)) {
       size = static_cast<std::uint32_t>(std::min<std::uint64_t>(size, own.GetPosition() - start));
     }
@@ -208,7 +210,7 @@ int Vex2FileManager::State::ReadRecords(CFile& file) {
     } else {
       partlyRead.Note(start, "the record is of an unknown kind");
     }
-    // A list may end with the file, whatever its length says, and be a success.
+    // A list can be read with success although it declares more bytes than the file has.
     if (size > remaining) partlyRead.Note(start, "it ends within a record");
     remaining -= std::min<std::uint64_t>(remaining, size);
   }

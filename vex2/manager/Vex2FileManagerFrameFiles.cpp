@@ -1,4 +1,4 @@
-// Frames read straight from a file, without loading the document.
+// Reading frames directly from a file, without loading the document.
 
 #include "vex2/format/DataBlockHead.h"
 #include "vex2/format/Encoding.h"
@@ -12,11 +12,11 @@ using vex2::kSuccess;
 
 namespace {
 
-// Where a block's frames stand in a file.
+// Where the frames of a block are in a file.
 struct BlockGeometry {
   std::uint64_t frameCount = 0;
   std::uint16_t wellCount = 0;
-  std::uint64_t firstFrame = 0;  // counted from the block's tag; 0 when there are no wells
+  std::uint64_t firstFrame = 0;  // offset from the block's tag; 0 if there are no wells
 };
 
 int readGeometry(CFile& file, long blockOffset, BlockGeometry& geometry) {
@@ -30,8 +30,8 @@ int readGeometry(CFile& file, long blockOffset, BlockGeometry& geometry) {
     return vex2::kReadFailed;
   }
   if (head.wells == 0) return kSuccess;
-  // The reader above steps over a time block of any size, but frames are expected behind one of
-  // twelve bytes: all documents have that, and hosts rely on the offset.
+  // ReadDataBlockHead skips a time block of any size, but this offset is the one after a time block
+  // of twelve bytes: all documents have that, and hosts rely on the offset.
   geometry.wellCount = head.wells;
   geometry.firstFrame = vex2::kRecordHeadSize + vex2::FramesOffset(head.wells);
   geometry.frameCount = vex2::WholeFrames(length, head.wells);
@@ -51,7 +51,8 @@ int Vex2FileManager::readAFrame(int frameIndex, Vex2FrameData* frame, long block
   Seek(static_cast<std::int64_t>(block + geometry.firstFrame + frameSize * index), begin);
   Vex2FrameData unwanted;
   Vex2FrameData& target = frame != nullptr ? *frame : unwanted;
-  // Also for a frame that the file's end cuts off: at most 5.8 MB, since a count has 16 bits.
+  // Done even if the file ends within the frame. This takes at most 5.8 MB, because a well count
+  // has 16 bits.
   target.Resize(geometry.wellCount);
   return vex2::ReadWellRecords(*this, target.records, geometry.wellCount);
 }
@@ -72,7 +73,7 @@ int Vex2FileManager::GetDataFrameCount(const char* path, int& count, Vex2DataTyp
       offset = findReporterCompOffset(type);
     }
     BlockGeometry geometry;
-    // A block that cannot be read has no frames; only the header's status is handed on.
+    // A block that cannot be read has no frames. Only the status of the header is returned.
     if (readGeometry(*this, offset, geometry) == kSuccess)
       count = static_cast<int>(geometry.frameCount);
     return status;

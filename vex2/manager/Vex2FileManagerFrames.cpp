@@ -1,4 +1,4 @@
-// Frames of data blocks: added and committed while a run goes on, read back from memory.
+// Frames of data blocks: adding and committing them during a run, and reading them from memory.
 
 #include "vex2/format/RecordKinds.h"
 #include "vex2/framework/Host.h"

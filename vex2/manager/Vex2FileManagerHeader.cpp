@@ -1,4 +1,4 @@
-// The header record in the file, and the tests of a document's kind.
+// The header in the file, and tests for the kind of a document.
 
 #include <array>
 
@@ -16,7 +16,7 @@ using vex2::TagOf;
 
 namespace {
 
-// Whether the open file has these characters there.
+// Whether the open file has the characters `marker` at `offset`.
 bool hasMarker(vex2::DocumentStore& store, std::uint64_t offset, std::string_view marker) {
   const Operation operation(store);
   CFile& file = store.File();
@@ -99,7 +99,8 @@ int Vex2FileManager::WriteHeaderData(CFile* /*file*/) {
     SeekToBegin();
     std::uint32_t written = 0;
     const int status = WriteHeaderDataHelper(written, this);
-    // What a longer file held behind the table would show through the padding.
+    // Truncate before extending, so that the padding is zeros and not the old bytes after the
+    // table.
     if (GetLength() > GetPosition()) SetLength(GetPosition());
     SetLength(vex2::HeaderLayout::kSize);
     return status;

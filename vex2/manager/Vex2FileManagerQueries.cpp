@@ -1,4 +1,4 @@
-// What analysis applications ask of the raw data: of a document, or of the plates of a study.
+// What analysis applications query about the raw data of a document or of the plates of a study.
 
 #include <algorithm>
 #include <map>
@@ -33,7 +33,7 @@ int findMeltingStart(const Vex2FileManager& plate) {
   return -1;
 }
 
-// The plates that stand for a study, in order, or the document itself.
+// The plates of a study, in order; for any other document, the document itself.
 std::vector<const Vex2FileManager*> platesToAsk(const Vex2FileManager& document,
                                                 const vex2::ComponentList& components) {
   return OrNothing([&] {
@@ -42,8 +42,7 @@ std::vector<const Vex2FileManager*> platesToAsk(const Vex2FileManager& document,
     const auto* list = document.IsRQS()
                            ? components.Find<CMultiPlateComp>(vex2::TagOf(vex2::Kind::kPlates))
                            : nullptr;
-    // Plates are found by name: if an earlier plate has the same name, the earlier one is used in
-    // place of this one.
+    // Plates are found by name: of several plates with the same name, always the first one.
     std::map<CString, const Vex2FileManager*> byName;
     for (int index = 0; list != nullptr && index < list->GetChildCount(); ++index) {
       const CRQPlateComp* plate = list->GetPlateAt(index);

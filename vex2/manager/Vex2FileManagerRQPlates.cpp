@@ -1,4 +1,4 @@
-// The file of a plate that is to join a study.
+// Reading the file of a plate that is to be added to a study.
 
 #include <array>
 #include <utility>
@@ -42,7 +42,7 @@ int Vex2FileManager::ReadRQPFromFile(CWnd* parent, const char* path, bool choose
   if (copied != kSuccess || SafeOpen(path, 0, 0) == 0) return vex2::kReadFailed;
   const int status =
       guardedFile(vex2::kReadFailed, [&] { return state_->ReadStudyPlate(*this, lastModified); });
-  // A file that is refused leaves the document as it was, its path included.
+  // A refused file leaves the document unchanged, including its path.
   if (status == vex2::kPlateNotADocument || status == vex2::kPlateOfOtherKind) {
     state_->store.SetPath(std::move(before));
   }
@@ -50,7 +50,7 @@ int Vex2FileManager::ReadRQPFromFile(CWnd* parent, const char* path, bool choose
 }
 
 int Vex2FileManager::State::ReadStudyPlate(Vex2FileManager& manager, CString& lastModified) {
-  // A file that cannot be read throws here, before it passes for one of another format.
+  // If the file cannot be read, throw here, before it is taken for a file of another format.
   std::array<char, vex2::kTagLength> magic{};
   static_cast<void>(manager.Read(magic.data(), magic.size()));
   if (!IsDocument(manager)) return vex2::kPlateNotADocument;

@@ -1,4 +1,5 @@
-// The run-wide settings: those that travel together in "GLBL", and the five that stand alone.
+// The run-wide settings: those that are stored together in "GLBL", and five that have a record
+// each.
 
 #include <string>
 
@@ -42,7 +43,7 @@ int setText(vex2::ComponentList& components, std::string_view tag, const CString
 void changeSettings(Vex2FileManager& manager, vex2::FunctionRef<void(Vex2GlobalComplex&)> change) {
   static_cast<void>(vex2::Guarded(vex2::kWriteFailed, [&] {
     Vex2GlobalComplex info;
-    // Settings that cannot be copied for want of memory must not be replaced by half of them.
+    // If memory runs out while the settings are copied, do not replace them by an incomplete copy.
     if (const int status = manager.GetGlobalComplexInfo(&info); status == vex2::kReadFailed)
       return status;
     change(info);

@@ -1,4 +1,4 @@
-// What stands in the wells, the plate's size, and which wells are used.
+// The plate setup, the plate's size, and which wells are in use.
 
 #include <algorithm>
 #include <limits>

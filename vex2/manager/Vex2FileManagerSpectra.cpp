@@ -15,7 +15,7 @@ namespace {
 constexpr double kScale = 16;
 constexpr double kArrayScale = 1024;
 
-// Cuts off what stands behind the point. What 32 bits cannot hold becomes the most that they can.
+// Drops the fraction. A number that does not fit in 32 bits becomes the largest one that does.
 std::uint32_t truncated(float value) {
   constexpr float kTooLarge = 4294967296.0F;
   if (value >= kTooLarge) return std::numeric_limits<std::uint32_t>::max();
@@ -26,7 +26,7 @@ void convertBackground(std::span<std::uint32_t> values) {
   if (values.size() < vex2::kBackgroundValues) return;
   const bool hasArray = vex2::OrNothing(
       [] { return ReadRegistryFlag(true, "Blue LED Array Illumination", 0, nullptr); });
-  // All other values are readings of 16 bits, which are the same as numbers of either kind.
+  // All values except the rates are readings of 16 bits, which a float holds exactly.
   std::array<float, vex2::kBackgroundValues> numbers{};
   std::transform(values.begin(), values.begin() + numbers.size(), numbers.begin(),
                  [](std::uint32_t value) { return static_cast<float>(value); });
@@ -56,7 +56,7 @@ bool Vex2FileManager::LoadSpectrum(KestorSpectrum* spectrum, const char* plateNa
   const std::span values(spectrum->values, static_cast<std::size_t>(spectrum->valueCount));
   std::fill(values.begin(), values.end(), 0);
   std::copy_n(record.data, std::min(values.size(), std::size(record.data)), values.begin());
-  // The study's kind decides, also for a plate of it.
+  // The kind of the study decides whether to convert, even for one of its plates.
   if (IsBackground()) convertBackground(values);
   return true;
 }

@@ -1,4 +1,4 @@
-// How far the acquisition has got.
+// The acquisition status: how far the run is.
 
 #include <cstring>
 #include <string>

@@ -1,4 +1,4 @@
-// The plates of a study, and what a plate knows of its place in one.
+// The plates of a study, and the name and date that a plate has in its study.
 
 #include <cstring>
 
@@ -28,7 +28,7 @@ CMultiPlateComp* findPlates(const vex2::ComponentList& components) {
 
 bool addPlate(vex2::ComponentList& components, vex2::PlateResults& results, int wells,
               const CString& name, const Vex2FileManager& plate, const CString& lastModified) {
-  // All that takes memory comes first: a plate that does not fit leaves the study as it was.
+  // Allocate all memory before changing the study, so that a failure leaves it unchanged.
   auto added = std::make_unique<CRQPlateComp>();
   added->SetPlate(name, plate, lastModified);
   return results.Add(name, wells, [&] {
@@ -70,7 +70,7 @@ bool Vex2FileManager::AddRQPlate(const Vex2FileManager* plate, const CString& la
     CString name;
     CString extension;
     SplitPath(plate->state_->store.Path(), folder, name, extension);
-    // The analysis map alone decides whether a name is taken.
+    // A name is taken if there is analysis storage under it, and only then.
     return !state_->plateResults.Has(name) && addPlate(state_->components, state_->plateResults,
                                                        GetPlateSize(), name, *plate, lastModified);
   });
@@ -78,7 +78,7 @@ bool Vex2FileManager::AddRQPlate(const Vex2FileManager* plate, const CString& la
 
 bool Vex2FileManager::RemoveRQPlate(const CString& name) {
   return OrNothing([&] {
-    // The name may be one that goes with the plate.
+    // `name` may be the name inside the plate that is removed, so copy it.
     const CString kept = name;
     const bool hadAnalysis = state_->plateResults.Remove(kept);
     CMultiPlateComp* plates = findPlates(state_->components);

@@ -13,8 +13,9 @@ namespace {
 constexpr std::string_view kRealTimeRun = "RtRn";
 constexpr std::string_view kNewPlateType = "p9C ";
 
-// The record has no room for its table's length, and hosts set `rows` as they like. So each table
-// that is made here ends with a mark that no file can hold: the address where the mark stands.
+// The record has no field for the length of its table, and hosts may set `rows` to any number. So
+// each table that is made here ends with a mark that no file can contain: it is computed from the
+// mark's own address.
 using Mark = std::array<std::uint32_t, 2>;
 
 Mark markAt(const std::uint32_t* place) {
@@ -108,7 +109,7 @@ void Vex2HeaderData::Reset() {
 }
 
 void Vex2HeaderData::SetRows(std::uint16_t count) {
-  // Where there is no memory for the new table, the old one stays.
+  // If memory for the new table runs out, the old one stays.
   std::unique_ptr<std::uint32_t[]> table;
   if (count != 0) {
     table.reset(new std::uint32_t[count + Mark().size()]);

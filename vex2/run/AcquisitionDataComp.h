@@ -12,8 +12,8 @@
 #include "vex2/run/Vex2FrameData.h"
 #include "vex2/run/Vex2WellRecord.h"
 
-/// A data block, "RAWa" or a reporting block: frames (indexes from 0) with a well record for each
-/// well. The number of frames is not stored; it follows from the length of the body.
+/// A data block, "RAWa" or a reporting block: frames, with indexes from 0, each with a well record
+/// for every well. The number of frames is not stored; it follows from the length of the body.
 class VEX2_API AcquisitionDataComp final : public CComponent {
  public:
   /// An empty block of version 2.
@@ -22,9 +22,9 @@ class VEX2_API AcquisitionDataComp final : public CComponent {
   AcquisitionDataComp(std::string_view tag, const std::uint16_t* wellNumbers, std::uint16_t count);
   /// A block whose first frame is a copy of `frame`, with wells 1, 2, 3, ...
   AcquisitionDataComp(std::string_view tag, const Vex2FrameData& frame);
-  /// A block of copies of all frames of `data`, with as many wells as the first frame has. If
-  /// `frameCount` is 0, the frame at `frames` only sets the wells. A null `frames` makes an empty
-  /// block.
+  /// A block with copies of all frames of `data`. It has as many wells as the first frame. If
+  /// `frameCount` is 0, the frame at `frames` only sets the number of wells. A null `frames` makes
+  /// an empty block.
   AcquisitionDataComp(std::string_view tag, const Vex2AcquisitionData& data);
 
   ~AcquisitionDataComp() override;
@@ -52,31 +52,33 @@ class VEX2_API AcquisitionDataComp final : public CComponent {
   /// Sets the end time of the run.
   void SetEndTime(const TimeStamp& time) { endTime_ = time; }
 
-  /// Sets the well numbers. A different number of wells drops all frames, but keeps the length of
-  /// the body, as hosts expect.
+  /// Sets the well numbers. If their number changes, drops all frames but keeps the length of the
+  /// body, as hosts expect.
   void SetWellNumbers(const std::uint16_t* wellNumbers, std::uint16_t count);
-  /// The index, from 0, of a well number among the wells of the block; -1 if it is not there.
+  /// The index, from 0, of `wellNumber` among the wells of the block; -1 if the block does not have
+  /// this well.
   int FindWell(int wellNumber) const;
 
-  /// Makes frame `index`, from 0, a copy of `frame` and extends the body by one frame. Only for new
-  /// frames. Well records that `frame` lacks become zero. Returns false and changes nothing if the
-  /// index or the length of the body exceeds what a document can hold.
+  /// Makes frame `index`, from 0, a copy of `frame` and extends the body by one frame, so call it
+  /// only for new frames. Well records that `frame` lacks become zero. Returns false and changes
+  /// nothing if the index or the length of the body would exceed what a document can hold.
   bool SetFrame(int index, const Vex2FrameData& frame);
-  /// Copies `record` into frame `index`, as the well record at index `position`; both count from 0.
-  /// The first filled record of a frame extends the body by one frame. Returns false and changes
-  /// nothing if the index or the length of the body exceeds what a document can hold.
+  /// Copies `record` into frame `index`, as the well record at index `position`; both indexes count
+  /// from 0. The first filled record of a frame extends the body by one frame. Returns false and
+  /// changes nothing if `position` is out of range, or if the index or the length of the body would
+  /// exceed what a document can hold.
   bool SetWellRecord(int index, int position, const Vex2WellRecord& record);
-  /// The well records of frame `index`; null if none was ever filled, which means that all are
-  /// zero.
+  /// The well records of frame `index`; null if no record of the frame was ever filled, which means
+  /// that all are zero.
   const Vex2WellRecord* GetFrame(int index) const;
   /// Copies frame `index`, which must be below the frame count, into `frame`.
   void CopyFrame(int index, Vex2FrameData& frame) const;
-  /// Writes the well records of frame `index` at the file position. Returns -260 if the frame does
-  /// not exist.
+  /// Writes the well records of frame `index` at the file position. Returns 0, or -260 if the frame
+  /// does not exist.
   [[nodiscard]] int WriteFrame(CFile& file, int index) const;
 
-  /// Whether the well records at the file position equal those of frame `index`. Values that are
-  /// not stored in files are not compared. Moves the file position after the records.
+  /// Whether the well records at the file position equal those of frame `index`. Does not compare
+  /// the values that files do not store. Moves the file position to the end of the records.
   bool IsStoredFrame(CFile& file, int index) const;
 
   /// Converts a block of version 1, which has no times, to version 2 with the true length. Does

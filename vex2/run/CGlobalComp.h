@@ -6,9 +6,10 @@
 /// The run-wide settings in a document, "GLBL": a list with one component for each setting.
 class VEX2_API CGlobalComp final : public CContainerComp {
  public:
-  /// Without children.
+  /// Makes an empty list.
   CGlobalComp();
-  /// With a child for each setting of `info`, in the order of the format; empty texts have none.
+  /// Makes a list with a child for each setting of `info`, in the order of the format; empty texts
+  /// have no child.
   explicit CGlobalComp(const Vex2GlobalComplex& info);
 
   /// Copies every setting that has a child into `info` and leaves the others unchanged. The four

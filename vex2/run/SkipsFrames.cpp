@@ -2,7 +2,8 @@
 
 namespace vex2 {
 
-// Here, so that the class is one and the same in every library that asks a file for it.
+// Defined in a source file, so that all libraries share one definition of the class, and a
+// `dynamic_cast` in one library recognises objects of another.
 SkipsFrames::~SkipsFrames() = default;
 
 }  // namespace vex2

@@ -4,11 +4,11 @@
 
 namespace vex2 {
 
-/// A file from which readers take everything but frames, so that what they cost does not depend on
-/// how long the run was. A data block that is read from such a file has its head, its length and so
-/// its number of frames, and steps over the frames themselves: they look as if they had never been
-/// filled. A document with such a block must not be saved. Internal: for a class that is a `CFile`,
-/// too.
+/// A file whose readers skip the frames of data blocks, so that reading a document takes the same
+/// time however long the run was. A data block that is read from such a file has its head and its
+/// length, and so its number of frames, but its frames look as if they had never been filled. Do
+/// not save a document with such a block. To be used as a second base class of a class that derives
+/// from `CFile`. Internal.
 class VEX2_API SkipsFrames {
  public:
   virtual ~SkipsFrames();

@@ -7,7 +7,7 @@
 /// The thermal cycling program as callers pass it: bytes whose meaning the instrument defines. Owns
 /// the bytes.
 struct VEX2_API ThermocycleProgram {
-  std::uint32_t length = 0;      ///< bytes
+  std::uint32_t length = 0;      ///< of `data`, in bytes
   std::uint8_t* data = nullptr;  ///< made with new[], or null
 
   ThermocycleProgram() = default;

@@ -28,15 +28,15 @@ struct VEX2_API Vex2GlobalComplex {
   ~Vex2GlobalComplex();
 
   /// Copies `length` bytes of the comment into a buffer that the record owns, with a spare byte at
-  /// the end. The buffer is allocated again if the length changes. If `data` is null, only the
-  /// length is set, and a new buffer holds zeros.
+  /// the end. Allocates a new buffer if the length changes. If `data` is null, sets only the
+  /// length; a new buffer then holds zeros.
   void SetComment(const void* data, std::uint32_t length);
   /// Copies `length` bytes of the dye's name into a buffer that the record owns, with a spare byte
-  /// at the end. If `data` is null, only the length is set.
+  /// at the end. If `data` is null, sets only the length; a new buffer then holds zeros.
   void SetPassiveReference(const void* data, std::uint32_t length);
   /// Copies the name of the dye into a buffer that the record owns, with a spare byte at the end.
   void SetPassiveReference(const CString& name);
-  /// Copies `length` bytes into a buffer that the record owns, deliberately without a spare byte.
-  /// If `data` is null, only the length is set.
+  /// Copies `length` bytes of the log into a buffer that the record owns, deliberately without a
+  /// spare byte. If `data` is null, sets only the length; a new buffer then holds zeros.
   void SetLog(const void* data, std::uint32_t length);
 };

@@ -16,7 +16,8 @@ struct VEX2_API Vex2WellRecord {
 
   /// Whether all 44 values are equal.
   friend bool operator==(const Vex2WellRecord& one, const Vex2WellRecord& other) {
-    // No bytes lie between the values, and tables are compared record by record.
+    // Comparing bytes is correct, because there is no padding, and fast: tables are compared record
+    // by record.
     return std::memcmp(&one, &other, sizeof one) == 0;
   }
 };

@@ -7,11 +7,11 @@
 /// The calibration in a document, "CALI": a list of at most one "PDYE" and at most one "BKGD".
 class VEX2_API CCalibrationComp final : public CContainerComp {
  public:
-  /// With a child for each record that is not null.
+  /// Makes a list with a child for each record that is not null.
   explicit CCalibrationComp(const Vex2PureDye* pureDye = nullptr,
                             const Vex2BGC* background = nullptr);
 
-  /// The first child of the kind, owned by the list; null if there is none.
+  /// The first child of the class `Component`, owned by the list; null if there is none.
   template <typename Component>
   Component* Find() const {
     return dynamic_cast<Component*>(FindChild(Component::kTag));

@@ -9,14 +9,14 @@
 /// flag between its count and its children.
 class VEX2_API CCellComp final : public CContainerComp {
  public:
-  /// Without children.
+  /// Makes a cell without children.
   CCellComp();
-  /// With a child for each text that is not empty and one for each detector.
+  /// Makes a cell with a child for each text of `well` that is not empty and one for each detector.
   explicit CCellComp(const Vex2WellSetup& well);
 
-  /// Copies the well into `well`, which must be new or reset. Sic: the description is not copied,
-  /// because it is searched for under a row of the tag table that no lookup returns. Hosts rely on
-  /// not getting one.
+  /// Copies the cell into `well`, which must be new or reset. Sic: does not copy the description,
+  /// because the code searches for it under a row of the tag table that no lookup returns. Hosts
+  /// rely on this.
   void CopyTo(Vex2WellSetup& well) const;
 
   /// The first coordinate of the well, stored unchanged.

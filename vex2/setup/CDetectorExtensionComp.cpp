@@ -19,7 +19,7 @@ namespace {
 
 using Color = std::array<std::uint8_t, 3>;
 
-// Adds a child for each field.
+// Adds a child to a list for each field of a detector.
 class FieldWriter {
  public:
   explicit FieldWriter(CContainerComp& list) : list_(list) {}
@@ -46,7 +46,7 @@ class FieldWriter {
   CContainerComp& list_;
 };
 
-// Sets the field that one child holds.
+// Sets the field of a detector that one child holds.
 class FieldReader {
  public:
   explicit FieldReader(const CComponent& child) : child_(child) {}
@@ -85,7 +85,7 @@ class FieldReader {
   const CComponent& child_;
 };
 
-// The fields in the order of the format.
+// Calls `fields` for each field, in the order of the format.
 template <typename Fields, typename Detector>
 void exchange(Fields& fields, Detector& detector) {
   fields.Text(TagOf(Kind::kDetectorName), detector.name);

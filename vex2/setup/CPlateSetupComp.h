@@ -7,9 +7,9 @@
 /// The plate setup in a document, "CELS": a list with one "CELL" component for each well.
 class VEX2_API CPlateSetupComp final : public CContainerComp {
  public:
-  /// Without cells.
+  /// Makes a list without cells.
   CPlateSetupComp();
-  /// With a cell for each well of `setup`.
+  /// Makes a list with a cell for each well of `setup`.
   explicit CPlateSetupComp(const Vex2PlateSetup& setup);
 
   /// Replaces the content of `setup` by copies of all cells.
@@ -17,8 +17,9 @@ class VEX2_API CPlateSetupComp final : public CContainerComp {
 
   /// True.
   bool IsPlateSetupComp() const override { return true; }
-  /// Replaces the cells by new ones, as many as the count says.
+  /// Replaces the cells by as many new ones as the count says.
   void AllocateBody() override;
-  /// Reads cells, whatever their tags are. Unlike in other lists, a missing cell is a failure.
+  /// Reads as many cells as the count says, whatever their tags are. Unlike in other lists, a
+  /// missing cell is a failure.
   int ReadChildren(CFile* file) override;
 };

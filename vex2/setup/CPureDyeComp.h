@@ -9,7 +9,7 @@ class VEX2_API CPureDyeComp final : public vex2::SpectrumSetComp<Vex2PureDye> {
   /// The tag, "PDYE".
   static const std::string_view kTag;
 
-  /// No pure dyes.
+  /// A component without pure dyes.
   CPureDyeComp() : SpectrumSetComp(kTag) {}
   /// Holds a copy of `record`, with reserved bytes of zero.
   explicit CPureDyeComp(const Vex2PureDye& record) : SpectrumSetComp(kTag, record) {}

@@ -7,9 +7,9 @@
 /// The dyes that a run requires, "RqDy": a list of their names.
 class VEX2_API CRequiredDyesComp final : public CContainerComp {
  public:
-  /// Without names.
+  /// Makes an empty list.
   CRequiredDyesComp();
-  /// With the `count` names in `dyes`, which may be null; empty names are left out.
+  /// Makes a list of the `count` names in `dyes`, which may be null. Leaves out empty names.
   CRequiredDyesComp(const CString* dyes, int count);
 
   /// Adds a name at the end; an empty name is not added.

@@ -10,7 +10,7 @@
 #include "vex2/container/CContainerComp.h"
 #include "vex2/framework/CString.h"
 
-/// Helpers for components that are made from a caller's record and copied back into one. Internal.
+/// Helpers that convert a caller's record to components and components to a record. Internal.
 namespace vex2 {
 
 /// Adds a component constructed from `arguments`. Throws `std::length_error` if the list is full: a
@@ -22,17 +22,17 @@ void AddPart(CContainerComp& list, Arguments&&... arguments) {
   }
 }
 
-/// The component as an object of exactly this class; null if it is of another. The tag does not
-/// determine the class, because a placeholder may have any tag. Cheaper than `dynamic_cast`, which
-/// also accepts derived classes.
+/// Returns `component` as a `Component` if that is exactly its class, otherwise null. The tag does
+/// not determine the class, because a placeholder may have any tag. Faster than `dynamic_cast`,
+/// which also accepts derived classes.
 template <typename Component>
 const Component* PartAs(const CComponent& component) {
   return typeid(component) == typeid(Component) ? static_cast<const Component*>(&component)
                                                 : nullptr;
 }
 
-/// The characters of a text without a trailing zero byte; valid as long as the component. Unlike
-/// `GetValueString`, it leaves the component and the lengths of the lists around it unchanged.
+/// The characters of a text, without a trailing zero byte; valid as long as the component. Unlike
+/// `GetValueString`, it does not change the component or the lengths of the lists around it.
 inline std::string_view PartText(const CBlockValueComp& block) {
   const auto* data = reinterpret_cast<const char*>(block.GetData());
   std::string_view text(data, data != nullptr ? block.GetLength() : 0);

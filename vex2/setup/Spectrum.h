@@ -9,10 +9,10 @@ namespace vex2 {
 /// The base of the spectra of pure dyes and of the background. Owns its name and its values; copies
 /// are independent.
 struct VEX2_API Spectrum {
-  std::uint16_t key1 = 0;       ///< both keys are stored unchanged
+  std::uint16_t key1 = 0;       ///< stored unchanged
   std::uint16_t key2 = 0;       ///< stored unchanged
   std::uint16_t dyeIndex = 0;   ///< stored unchanged
-  std::uint8_t nameLength = 0;  ///< characters
+  std::uint8_t nameLength = 0;  ///< the number of characters
   std::uint8_t valueCount = 0;  ///< the number of values
   char* name = nullptr;         ///< without a terminator, made with new[], or null
   /// One value for each filter, four bytes that are stored unchanged; made with new[], or null.

@@ -7,8 +7,9 @@
 
 namespace vex2 {
 
-/// Pure dyes or a background as callers pass them: a head, which is stored unchanged, and spectra.
-/// Owns the spectra. `CopyFrom` copies; there is no copy constructor, because copies are large.
+/// Pure dyes or a background as callers pass them: fields that are stored unchanged, and spectra.
+/// Owns the spectra. Use `CopyFrom` to copy; there is no copy constructor, because copies are
+/// large.
 template <typename Spectrum>
 struct SpectrumSet {
   std::uint8_t code[4] = {};     ///< stored unchanged
@@ -18,7 +19,7 @@ struct SpectrumSet {
   std::uint32_t value = 0;       ///< stored unchanged
   std::uint8_t extra1[4] = {};   ///< stored unchanged
   std::uint8_t extra2[4] = {};   ///< stored unchanged
-  Spectrum* entries = nullptr;   ///< `entryCount` of them, made with new[], or null
+  Spectrum* entries = nullptr;   ///< `entryCount` entries, made with new[], or null
 
   SpectrumSet() = default;
   SpectrumSet(const SpectrumSet&) = delete;

@@ -16,8 +16,8 @@ namespace {
 
 constexpr std::uint32_t kFixedLength = 72;
 
-// The two layouts differ only in the place of the first reserved word: pure dyes have it before the
-// extra words, the background behind them. Sic: the format is fixed.
+// The two layouts differ only in where the first reserved word is: before the extra words in pure
+// dyes, after them in the background. Sic: the format cannot change.
 template <typename Record>
 constexpr std::size_t kReservedBeforeExtras = std::is_same_v<Record, Vex2PureDye> ? 4 : 0;
 
@@ -60,8 +60,8 @@ class BodyReader {
   void EntryCount(Record& record) {
     std::uint16_t count = 0;
     Number(count);
-    // The rest of the head is between the count and the entries, so this check admits slightly too
-    // many entries; reading the entries' fields then fails.
+    // The check ignores the rest of the head between the count and the entries, so it accepts
+    // slightly too many entries. Reading the fields of the entries then fails.
     if (has(std::uint64_t{count} * fixedSizeOf(record.entries))) record.SetEntryCount(count);
   }
 
@@ -101,7 +101,7 @@ class BodyWriter {
   CFile& file_;
 };
 
-// The fields in the order of the format.
+// Calls `fields` for each field before the entries, in the order of the format.
 template <typename Fields, typename Record, typename Reserved>
 void exchangeHead(Fields& fields, Record& record, Reserved& reserved) {
   constexpr std::size_t kBefore = kReservedBeforeExtras<std::remove_const_t<Record>>;

@@ -14,7 +14,7 @@ namespace vex2 {
 template <typename Record>
 class VEX2_API SpectrumSetComp : public CComponent {
  public:
-  /// Holds a new record.
+  /// Holds a record without entries.
   explicit SpectrumSetComp(std::string_view tag);
   /// Holds a copy of `record`, with reserved bytes of zero.
   SpectrumSetComp(std::string_view tag, const Record& record);
@@ -25,16 +25,16 @@ class VEX2_API SpectrumSetComp : public CComponent {
   const Record& GetRecord() const { return record_; }
   /// The reserved bytes in the order of the format; valid until the component changes.
   std::span<const std::uint8_t, 48> GetReserved() const { return reserved_; }
-  /// Gives the component these reserved words, as for one that replaces another in a document.
+  /// Sets the reserved bytes, for example to those of the component that this one replaces in a
+  /// document.
   void SetReserved(std::span<const std::uint8_t, 48> reserved);
 
   /// Copies the content of `source` if it has the same tag and class; otherwise does nothing.
   CComponent& Assign(const CComponent& source) override;
   /// Writes the record at the file position. Returns 0, or -200 for a null file.
   int WriteBody(CFile* file) override;
-  /// Reads the record at the file position. Returns 0, or -100 for a null file or if the file
-  /// ends within it; the record is then
-  /// partly filled.
+  /// Reads the record at the file position. Returns 0, or -100 for a null file or if the file ends
+  /// within the record, which is then partly filled.
   int ReadBody(CFile* file) override;
 
  private:

@@ -8,7 +8,7 @@
 /// The setup of the wells of a plate, as callers pass it. Owns the records of the wells.
 struct VEX2_API Vex2PlateSetup {
   Vex2WellSetup* cells = nullptr;  ///< made with new[], or null
-  std::uint16_t count = 0;         ///< number of cells
+  std::uint16_t count = 0;         ///< the number of cells
 
   Vex2PlateSetup() = default;
   Vex2PlateSetup(const Vex2PlateSetup&) = delete;

@@ -4,5 +4,5 @@
 #include "vex2/setup/SpectrumSet.h"
 #include "vex2/setup/Vex2DyeSpectrum.h"
 
-/// The spectra of the pure dyes that an instrument was calibrated with.
+/// The spectra of the pure dyes with which an instrument was calibrated.
 struct VEX2_API Vex2PureDye : vex2::SpectrumSet<Vex2DyeSpectrum> {};

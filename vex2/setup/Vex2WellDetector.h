@@ -18,10 +18,10 @@ struct VEX2_API Vex2WellDetector {
   Vex2WellDetector& operator=(const Vex2WellDetector&) = delete;
   ~Vex2WellDetector();
 
-  /// Copies `length` characters into a buffer that the record owns, which is allocated again only
-  /// if the text grows. If `text` is null, only the length is set.
+  /// Copies `length` characters into a buffer that the record owns. Allocates a new buffer only if
+  /// the text becomes longer. If `text` is null, sets only the length.
   void SetDetectorName(const char* text, std::int32_t length);
-  /// Copies `length` characters into a buffer that the record owns, which is allocated again only
-  /// if the text grows. If `text` is null, only the length is set.
+  /// Copies `length` characters into a buffer that the record owns. Allocates a new buffer only if
+  /// the text becomes longer. If `text` is null, sets only the length.
   void SetTask(const char* text, std::int32_t length);
 };

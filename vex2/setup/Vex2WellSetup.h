@@ -14,7 +14,7 @@ struct VEX2_API Vex2WellSetup {
   bool flag = true;                    ///< stored as one byte
   char* name = nullptr;                ///< with a terminating zero, made with new[], or null
   std::int32_t nameLength = 0;         ///< characters
-  char* description = nullptr;         ///< a text like `name`; stored, never read back
+  char* description = nullptr;         ///< like `name`; stored, but never read back
   std::int32_t descriptionLength = 0;  ///< characters
   /// The record owns the entries, which are made with new.
   CTypedPtrList<CPtrList, Vex2WellDetector*> detectors;
@@ -27,11 +27,11 @@ struct VEX2_API Vex2WellSetup {
   /// Releases the content and sets all fields to the values of a new record.
   void Reset();
 
-  /// Copies `length` characters into a buffer that the record owns, which is allocated again only
-  /// if the text grows. If `text` is null, only the length is set.
+  /// Copies `length` characters into a buffer that the record owns. Allocates a new buffer only if
+  /// the text becomes longer. If `text` is null, sets only the length.
   void SetName(const char* text, std::int32_t length);
-  /// Copies `length` characters into a buffer that the record owns, which is allocated again only
-  /// if the text grows. If `text` is null, only the length is set. Documents that are read give no
-  /// description back.
+  /// Copies `length` characters into a buffer that the record owns. Allocates a new buffer only if
+  /// the text becomes longer. If `text` is null, sets only the length. A setup that is read from a
+  /// document has no descriptions.
   void SetDescription(const char* text, std::int32_t length);
 };

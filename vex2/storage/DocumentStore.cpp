@@ -35,7 +35,7 @@ bool DocumentStore::Open(const char* path, unsigned flags) {
     return false;
   }
   const int opened = Attempt(0, [&] {
-    // The path may be the one that is held.
+    // `path` may point to the characters of `path_`, so copy it first.
     const CString kept(path);
     path_ = kept;
     CFileException refusal;
@@ -43,7 +43,7 @@ bool DocumentStore::Open(const char* path, unsigned flags) {
     lastError_.Note(refusal);
     return 0;
   });
-  // Memory that ran out half-way must not leave a file that is open and locked.
+  // If memory ran out half-way, the file must not stay open and locked.
   if (opened == 0) file_.Abort();
   return opened == 1;
 }
@@ -62,7 +62,8 @@ int DocumentStore::WriteAtEnd(FunctionRef<int()> write) {
 
 void DocumentStore::RestoreLength(std::uint64_t length) {
   file_.DiscardBuffer();
-  // Where even that is refused, what was half written stays behind the last whole record.
+  // If the system refuses even this, the bytes of an incomplete record stay after the last whole
+  // one.
   static_cast<void>(Attempt(kWriteFailed, [&] {
     file_.SetLength(length);
     return kSuccess;
@@ -107,7 +108,7 @@ int DocumentStore::PatchHeader(std::uint64_t at, std::uint64_t offset) {
 void DocumentStore::Barrier() {
   // Reserve first, so that recording a failed sync cannot itself run out of memory.
   failedSyncs_.Reserve();
-  file_.Flush();  // a refused write is not a failed sync: the caller is told and can try again
+  file_.Flush();  // a refused write is no failed sync: the caller gets the error and can retry
   try {
     file_.SyncData();
   } catch (const CFileException&) {
@@ -125,7 +126,7 @@ bool DocumentStore::RefusesChanges() {
     const std::string text = "The disk failed to store a change to " + std::string(path_.View()) +
                              ". Nothing more is written into that file. Please save the document "
                              "under another name.";
-    // Shown once: a run that goes on would show it with every frame.
+    // Show the message once: a run that continues would show it with every frame.
     if (failedSyncs_.ExchangeTold(open)) {
       GetHost()->Trace(text + "\n");
     } else {

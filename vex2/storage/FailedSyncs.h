@@ -6,21 +6,21 @@
 
 namespace vex2 {
 
-/// The files of which the disk failed to store a change. The system may have dropped what it could
-/// not store, and a later sync would not report it, so nothing more is written into such a file
-/// until it is replaced as a whole.
+/// The files to which the disk failed to store a change. The system may have dropped the bytes that
+/// it could not store, and a later sync would not report this. So nothing more is written to such a
+/// file until it is replaced as a whole.
 class FailedSyncs {
  public:
-  /// Device and number of a file.
+  /// The device and the number of a file.
   using File = std::pair<std::uint64_t, std::uint64_t>;
 
   /// Makes room for one more file, so that `Add` cannot run out of memory. Throws `std::bad_alloc`.
   void Reserve() { files_.reserve(files_.size() + 1); }
-  /// Does nothing for a file that is in the list.
+  /// Adds a file. Does nothing if the file is in the list.
   void Add(const File& file);
   void Remove(const File& file) noexcept;
   bool Contains(const File& file) const;
-  /// Whether the user was told about the file before; from now on this returns true.
+  /// Notes that the user was informed about the file. Returns whether that had been noted before.
   bool ExchangeTold(const File& file);
 
  private:

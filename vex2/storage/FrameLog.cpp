@@ -22,7 +22,8 @@ void moveTo(CFile& file, std::uint64_t offset) {
 // --- A commit, from top to bottom ---
 
 int FrameLog::Commit(int frame, std::uint32_t& blockOffset) {
-  // What makes the frame count: the block's length, or for a new block the header's offset of it.
+  // The word that commits the frame: the block's length or, for a new block, its offset in the
+  // header.
   const std::uint64_t patchedAt =
       blockOffset != 0 ? std::uint64_t{blockOffset} + kTagLength : HeaderLayout::kRawDataOffsetAt;
   const std::uint64_t lengthBefore = file_.GetLength();
@@ -35,8 +36,9 @@ int FrameLog::Commit(int frame, std::uint32_t& blockOffset) {
     if (WordAt(file_, patchedAt) != wordBefore) patch(patchedAt, wordBefore);
     return kSuccess;
   });
-  // A length that counts a frame which was cut off would cost the whole block. Where it cannot be
-  // taken back the frame stays, and where that does not count, the next commit writes over it.
+  // If the file were truncated while the length still counted the frame, readers would reject the
+  // whole block. So if the word cannot be restored, the frame stays. If nothing counts it, the next
+  // commit overwrites it.
   if (takenBack == kSuccess) store_.RestoreLength(lengthBefore);
   return status;
 }
@@ -49,7 +51,7 @@ int FrameLog::appendFrame(int frame, std::uint32_t blockOffset) {
   moveTo(file_, End(blockOffset));
   if (const int status = held_.WriteFrame(file_, frame); status != kSuccess) return status;
   cutBehindPosition();
-  // The frame is on the disk before the length counts it.
+  // The frame must be on the disk before the length counts it.
   store_.Barrier();
   patch(std::uint64_t{blockOffset} + kTagLength, held_.Length());
   return kSuccess;
@@ -58,8 +60,8 @@ int FrameLog::appendFrame(int frame, std::uint32_t blockOffset) {
 int FrameLog::WriteBlock(std::uint64_t place, std::uint32_t& blockOffset) {
   const std::uint32_t offset = DocumentOffset(file_, place);
   moveTo(file_, offset);
-  // Until all of it is on the disk, the block goes without its tag and readers step over it: its
-  // length may get there before its frames. The header leads to it last.
+  // Until the whole block is on the disk, it has no valid tag, so that readers skip it: its length
+  // may reach the disk before its frames. The header's offset is written last.
   file_.Write(kUncommittedTag.data(), kUncommittedTag.size());
   WriteField(file_, held_.Length());
   static_cast<void>(held_.WriteBody(file_));
@@ -84,7 +86,7 @@ void FrameLog::patch(std::uint64_t offset, std::uint32_t word) {
 }
 
 std::uint64_t FrameLog::End(std::uint32_t blockOffset) {
-  // A host may commit more than the length counts; what this store committed counts too.
+  // A host may commit frames that the block's length does not count yet; keep those too.
   if (store_.IsAsCommitted()) return file_.GetLength();
   return CommittedEnd(file_, blockOffset, held_);
 }
@@ -93,7 +95,7 @@ std::uint64_t FrameLog::End(std::uint32_t blockOffset) {
 
 namespace {
 
-// As much of a tag as the file has there.
+// The characters of the tag at `offset`; fewer than four if the file ends there.
 std::string tagAt(CFile& file, std::uint64_t offset) {
   moveTo(file, offset);
   std::string tag(kTagLength, '\0');
@@ -101,8 +103,8 @@ std::string tagAt(CFile& file, std::uint64_t offset) {
   return tag;
 }
 
-// Whether a record of a known kind begins there, or records of any kind follow up to the file's
-// end.
+// Whether a record of a known kind begins at `offset`, or whole records fill the file from there to
+// its end.
 bool recordsFollow(CFile& file, std::uint64_t offset) {
   if (FindTagIndex(tagAt(file, offset)) >= 0) return true;
   DeclaredRecords records(file, offset);
@@ -113,12 +115,14 @@ bool recordsFollow(CFile& file, std::uint64_t offset) {
   return !records.EndsInHead();
 }
 
-// Behind the records that stand before the block with that tag.
+// The offset of the first record with this tag. If there is none, the offset of the first bytes
+// that are not a whole record, or the end of the file.
 std::uint64_t blockOffset(CFile& file, std::string_view blockTag) {
   std::uint64_t start = HeaderLayout::kSize;
   while (start < file.GetLength()) {
     const std::string tag = tagAt(file, start);
-    // Bytes that are not a record lead to no other one, and may go on for gigabytes.
+    // Bytes that are not a record do not lead to the next record, and there may be gigabytes of
+    // them.
     if (tag == blockTag || !IsPrintableTag(tag)) break;
     const auto end = EndOfRecordAt(file, start);
     if (!end) break;
@@ -127,11 +131,12 @@ std::uint64_t blockOffset(CFile& file, std::string_view blockTag) {
   return start;
 }
 
-// For a block that the header leads to: behind the frames that its length counts.
+// The end of the committed data if the header leads to the block: the end of the frames that the
+// block's length counts.
 std::uint64_t endOfFrames(CFile& file, std::uint32_t offset, const HeldBlock& held) {
   const std::uint64_t fileEnd = file.GetLength();
   const CommittedBlock block = ReadCommittedBlock(file, offset);
-  // Leave blocks alone that this system cannot have written.
+  // This system cannot have written such a block: leave it alone.
   if (!block.isWhole || block.record.Tag() != held.Tag() ||
       block.head.version < kFirstVersionWithTimes || block.head.wells == 0 ||
       block.head.wells != held.Wells()) {
@@ -142,14 +147,14 @@ std::uint64_t endOfFrames(CFile& file, std::uint32_t offset, const HeldBlock& he
   return isCounted && frames.behind == Uncommitted::kCommit ? frames.end : fileEnd;
 }
 
-// Whether the bytes are a block's tag as far as it was written, and zeros behind that.
+// Whether `bytes` are a prefix of `tag`, which may be empty, followed by zeros.
 bool beginsAsBlock(std::string_view bytes, std::string_view tag) {
   const auto unwritten = std::mismatch(bytes.begin(), bytes.end(), tag.begin()).first;
   return kUncommittedTag.starts_with({unwritten, bytes.end()});
 }
 
-// Whether the bytes from `start` to the file's end are a first commit that was interrupted: a block
-// that has no tag yet, or one without a frame that `held` does not have.
+// Whether the bytes from `start` to the end of the file are an interrupted first commit: a block
+// whose tag is not complete, or a block whose frames are all in `held`.
 bool isFirstCommitOf(CFile& file, std::uint64_t start, const HeldBlock& held) {
   if (!beginsAsBlock(tagAt(file, start), held.Tag())) return false;
   const CommittedBlock block = ReadCommittedBlock(file, start);
@@ -166,7 +171,8 @@ bool isFirstCommitOf(CFile& file, std::uint64_t start, const HeldBlock& held) {
   return true;
 }
 
-// Before the first commit: behind the last record, which readers find by what records hold.
+// The end of the committed data before the first commit: the end of the last record, which readers
+// find from the content of the records.
 std::uint64_t endOfRecords(CFile& file, const HeldBlock& held) {
   const std::uint64_t fileEnd = file.GetLength();
   const std::uint64_t start = blockOffset(file, held.Tag());
@@ -190,7 +196,7 @@ CommittedFrames FindCommittedFrames(const FrameRange& range) {
 
 CommittedFrames FindCommittedFrames(CFile& file, const FrameRange& range) {
   CommittedFrames frames = FindCommittedFrames(range);
-  // What others put behind the data are records.
+  // Bytes that other programs appended after the data are records.
   if (frames.behind == Uncommitted::kCommit && recordsFollow(file, frames.end)) {
     frames.behind = Uncommitted::kMore;
   }
@@ -205,7 +211,7 @@ Uncommitted UncommittedBehind(const FrameRange& range, std::uint64_t end) {
 bool IsFirstCommit(CFile& file, std::uint64_t start, std::uint64_t wells) {
   const std::uint64_t fileEnd = file.GetLength();
   if (start >= fileEnd || !beginsAsBlock(tagAt(file, start), TagOf(Kind::kRawData))) return false;
-  // The head may not be on the disk although bytes behind it are.
+  // The bytes after the head may be on the disk although the head is not.
   const CommittedBlock block = ReadCommittedBlock(file, start);
   const bool hasWells = block.isWhole && block.head.wells > 0;
   const std::uint64_t most = hasWells ? std::min<std::uint64_t>(block.head.wells, wells) : wells;

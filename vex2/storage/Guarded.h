@@ -9,8 +9,9 @@
 
 namespace vex2 {
 
-/// Runs `operation`. Refusals of the system and memory that runs out become `failure`, and are kept
-/// in `last`, which may be null for operations that touch no file.
+/// Runs `operation` and returns its status. If the system refuses something or memory runs out,
+/// returns `failure` and keeps the reason in `last`, which may be null for operations that touch no
+/// file.
 inline int Guarded(int failure, FunctionRef<int()> operation, LastFileError* last = nullptr) {
   try {
     return operation();

@@ -13,7 +13,8 @@ void LastFileError::Note(const CFileException& failure) noexcept {
   FileError error;
   error.operation = failure.GetOperation();
   error.offset = failure.GetOffset();
-  // Waiting for a lock ends with this number, which says nothing to people.
+  // When the wait for a lock times out, the error number is this one, whose text would not help a
+  // user.
   const bool isLocked =
       error.operation == FileOperation::kLock && failure.GetError() == EWOULDBLOCK;
   error.reason = isLocked ? FileErrorReason::kLocked : FileErrorReason::kSystem;
@@ -41,7 +42,7 @@ void LastFileError::keep(const FileError& error, std::string_view path) noexcept
   try {
     error_.path = CString(path);
   } catch (const std::bad_alloc&) {
-    // The path is what can be done without.
+    // Report the error without the path.
   }
 }
 

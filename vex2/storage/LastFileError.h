@@ -7,11 +7,12 @@
 
 namespace vex2 {
 
-/// The first failure of the last operation that touched a file.
+/// The first failure in the last operation that touched a file.
 class LastFileError {
  public:
-  /// An operation, for as long as the object lives. It forgets the failure of the one before,
-  /// unless it is itself a part of one that goes on.
+  /// An object of this class marks an operation, from its construction to its destruction. It
+  /// clears the failure of the previous operation, unless it is part of another one that still
+  /// runs.
   class Operation {
    public:
     explicit Operation(LastFileError& last);
@@ -25,7 +26,7 @@ class LastFileError {
 
   const FileError& Get() const { return error_; }
 
-  // Keep a failure unless there is one. None throws.
+  // These keep a failure, unless an earlier one of the same operation is kept. They never throw.
   void Note(const CFileException& failure) noexcept;
   void NoteNoMemory() noexcept;
   void Note(FileErrorReason reason, FileOperation operation, const CString& path) noexcept;

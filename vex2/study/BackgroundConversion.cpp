@@ -11,9 +11,10 @@ constexpr std::size_t kGroupSize = 3;
 constexpr std::size_t kFactorsAt = kGroups * kGroupSize;
 constexpr std::size_t kRatesAt = 2 * kFactorsAt;
 
-// Fits a straight line through the points (reading, scaled reading) of a group, and returns the
-// share of the first reading above the intercept of the line. Do not reorder the operations: the
-// result must match other programs exactly.
+// Fits a straight line through the points (reading, scaled reading) of a group, and returns `scale`
+// times the difference between the first scaled reading and the line's intercept, divided by the
+// first reading. Do not reorder the operations: the result must equal that of other programs
+// exactly.
 double rateOf(std::span<const float> readings, std::span<const float> factors, double scale) {
   std::array<double, kGroupSize> x{};
   std::array<double, kGroupSize> y{};

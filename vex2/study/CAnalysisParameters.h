@@ -4,8 +4,8 @@
 
 #include "vex2/framework/Export.h"
 
-/// The parameters of the analysis of a detector. Analysis applications define their meaning; the
-/// six are always copied together.
+/// The parameters of the analysis of a detector. Analysis applications define their meaning. The
+/// six parameters are always copied together.
 struct VEX2_API CAnalysisParameters {
   std::int32_t parameter1 = 6;   ///< stored unchanged
   std::int32_t parameter2 = 15;  ///< stored unchanged

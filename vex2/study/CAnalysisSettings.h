@@ -13,7 +13,7 @@
 /// only in memory. Owns its entries; copies are independent.
 class VEX2_API CAnalysisSettings : public CObject {
  public:
-  /// Settings with default parameters and no threshold cycles.
+  /// Makes settings with default parameters and no threshold cycles.
   CAnalysisSettings() = default;
   /// Copies all fields and all entries.
   CAnalysisSettings(const CAnalysisSettings& other);
@@ -25,13 +25,14 @@ class VEX2_API CAnalysisSettings : public CObject {
   /// The record of this class.
   static const CRuntimeClass* ClassRecord();
 
-  /// Sets the threshold cycle of the first entry of `well`, a well number; without an entry, adds
-  /// one at the end.
+  /// Sets the threshold cycle of the first entry of `well`, a well number. If there is no such
+  /// entry, adds one at the end.
   void SetCt(std::int32_t well, float ct);
-  /// The first threshold cycle of the well that is not `CCtEntry::kNoCt`; `kNoCt` if there is none.
+  /// The first threshold cycle of `well`, a well number, that is not `CCtEntry::kNoCt`; `kNoCt` if
+  /// there is none.
   float GetCt(std::int32_t well) const;
 
-  std::int32_t settingsWord = 0;             ///< kept for applications
+  std::int32_t settingsWord = 0;             ///< for applications; the library does not use it
   CAnalysisParameters parameters;            ///< of the detector's analysis
   CTypedPtrList<CObList, CCtEntry*> ctList;  ///< the threshold cycles, owned by this object
   std::uint8_t queryFlag = 0;                ///< 1 while a query selects the detector

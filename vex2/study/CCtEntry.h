@@ -15,6 +15,6 @@ class VEX2_API CCtEntry : public CObject {
   std::int32_t well = 0;  ///< from 1
   float ct = 0;           ///< in cycles; `kNoCt` if there is none
 
-  /// The value of `ct` that means no threshold cycle.
+  /// The value of `ct` for a well without a threshold cycle.
   static constexpr float kNoCt = -999.1F;
 };

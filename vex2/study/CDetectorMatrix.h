@@ -7,14 +7,14 @@
 #include "vex2/framework/Export.h"
 #include "vex2/study/CMatrix.h"
 
-/// A matrix with a row for each detector. A value: copies are independent.
+/// A matrix with a row for each detector. Copies are independent.
 class VEX2_API CDetectorMatrix : public CMatrix {
  public:
   CDetectorMatrix() = default;
-  /// A row of `columns` zeros for each name.
+  /// Makes a row of `columns` zeros for each name.
   CDetectorMatrix(std::vector<CString> names, int columns);
 
-  /// The detectors' names in the order of the rows; valid until the matrix changes or ends.
+  /// The detectors' names in the order of the rows; valid until the matrix changes or is destroyed.
   const std::vector<CString>& GetDetectorNameArray() const;
 
  private:

@@ -9,11 +9,11 @@
 #include "vex2/framework/Export.h"
 #include "vex2/study/CVector.h"
 
-/// Rows of numbers. A value: copies are independent. Indexes count from 0.
+/// Rows of numbers. Copies are independent. Indexes count from 0.
 class VEX2_API CMatrix {
  public:
   CMatrix() = default;
-  /// Rows of `columns` zeros.
+  /// Makes `rows` rows of `columns` zeros.
   CMatrix(int rows, int columns) : CMatrix(static_cast<std::size_t>(rows)) {
     const CVector row(std::vector<double>(static_cast<std::size_t>(columns)));
     std::fill_n(rows_.get(), rowCount_, row);
@@ -35,9 +35,9 @@ class VEX2_API CMatrix {
 
   /// The number of rows.
   int GetRowCount() const { return static_cast<int>(rowCount_); }
-  /// The number of columns of the first row; 0 without rows.
+  /// The number of columns of the first row; 0 if there are no rows.
   int GetColumnCount() const { return rowCount_ == 0 ? 0 : rows_[0].GetSize(); }
-  /// `row` must be below the row count.
+  /// The row at `row`, from 0, which must be below the row count.
   CVector& operator[](int row) { return rows_[static_cast<std::size_t>(row)]; }
   /// The row at `row`, from 0, which must be below the row count.
   const CVector& operator[](int row) const { return rows_[static_cast<std::size_t>(row)]; }

@@ -19,8 +19,8 @@ bool CMultiPlateComp::AddPlate(std::unique_ptr<CRQPlateComp> plate) {
   if (plate == nullptr || GetChildCount() >= std::numeric_limits<std::uint16_t>::max()) {
     return false;
   }
-  // A length from a file may have any value. It must not wrap around to 0, which would mean no
-  // body.
+  // The length from a file may have any value. The sum must not wrap around to 0, because a length
+  // of 0 means that there is no body.
   constexpr std::uint64_t kMaxLength = std::numeric_limits<std::uint32_t>::max();
   const std::uint64_t length = std::min(GetLength() + plate->GetSize(), kMaxLength);
   keepChild(std::move(plate));

@@ -9,11 +9,11 @@
 
 class CRQPlateComp;
 
-/// The plates of a study, "MPLC", in the order in which they were added. Owns them. The length
-/// increases by 10, the size of a plate's own record, for every plate that is added. For every
-/// plate that is read, it increases on top of the length in the file. It says nothing about the
-/// bytes that follow, and grows each time that a study is read and saved. Other programs write the
-/// same length.
+/// The plates of a study, "MPLC", in the order in which they were added. Owns the plates. Every
+/// plate that is added increases the length by 10, the size of a plate's own record. Reading a
+/// study also adds 10 for every plate, to the length that the file declares. So the length grows
+/// each time that a study is read and saved, and it does not equal the number of bytes in the body.
+/// Other programs write the same length.
 class VEX2_API CMultiPlateComp final : public CContainerComp {
  public:
   CMultiPlateComp();
@@ -32,7 +32,7 @@ class VEX2_API CMultiPlateComp final : public CContainerComp {
   /// The plate at `index`, from 0, owned by this list; null for an index out of range.
   CRQPlateComp* GetPlateAt(int index) const;
 
-  /// Reads as many plates as the count says. A record that is not a plate ends the reading with
-  /// -300, because nothing says where that record ends.
+  /// Reads as many plates as the count says. Stops with -300 at a record that is not a plate,
+  /// because the end of that record cannot be found.
   int ReadChildren(CFile* file) override;
 };

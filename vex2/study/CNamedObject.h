@@ -8,7 +8,7 @@
 class VEX2_API CNamedObject : public CObject {
  public:
   CNamedObject() = default;
-  /// Has this name.
+  /// Makes an entry with this name.
   explicit CNamedObject(CString theName) : name(std::move(theName)) {}
 
   CString name;  ///< of the detector

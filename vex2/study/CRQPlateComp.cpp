@@ -46,7 +46,7 @@ CComponent& CRQPlateComp::Assign(const CComponent& source) {
 
 int CRQPlateComp::WriteChildren(CFile* file) {
   if (file == nullptr) return vex2::kWriteFailed;
-  // The record needs a plate; without one the whole study would not read back.
+  // Without a plate, the record and the study around it could not be read, so write an empty one.
   if (plate_ == nullptr) plate_ = std::make_unique<Vex2FileManagerComponent>();
   return plate_->writePlate(*file);
 }

@@ -18,12 +18,12 @@ class VEX2_API CRQPlateComp final : public CContainerComp {
   ~CRQPlateComp() override;
 
   /// Makes the embedded plate: a copy of `plate` with `name` and `date` added as its last records.
-  /// Throws if memory runs out, and leaves the component unchanged.
+  /// If memory runs out, throws `std::bad_alloc` and leaves the component unchanged.
   void SetPlate(const CString& name, const Vex2FileManager& plate, const CString& date);
 
   /// The name with which the plate was added or read.
   const CString& GetPlateName() const { return name_; }
-  /// When the plate's file was last changed, as text in the form in which it was added.
+  /// When the plate's file was last changed, in the text form in which it was added.
   const CString& GetLastModifiedDate() const { return date_; }
   /// The embedded plate, owned by this component; null if none was set or read.
   Vex2FileManagerComponent* GetPlate() const { return plate_.get(); }

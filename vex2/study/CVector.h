@@ -8,11 +8,11 @@
 
 #include "vex2/framework/Export.h"
 
-/// A row of numbers. A value: copies are independent. Indexes count from 0.
+/// A row of numbers. Copies are independent. Indexes count from 0.
 class VEX2_API CVector {
  public:
   CVector() = default;
-  /// A copy of the values.
+  /// Copies the values.
   explicit CVector(const std::vector<double>& values) : CVector(values.data(), values.size()) {}
   /// Copies all values.
   CVector(const CVector& other) : CVector(other.values_.get(), other.size_) {}
@@ -31,7 +31,7 @@ class VEX2_API CVector {
   std::unique_ptr<CVector> Clone() const { return std::make_unique<CVector>(*this); }
   /// The number of values.
   int GetSize() const { return static_cast<int>(size_); }
-  /// `index` must be below the size.
+  /// The value at `index`, from 0, which must be below the size.
   double& operator[](int index) { return values_[static_cast<std::size_t>(index)]; }
   /// The value at `index`, from 0, which must be below the size.
   double operator[](int index) const { return values_[static_cast<std::size_t>(index)]; }

@@ -9,7 +9,7 @@ namespace vex2 {
 template <class Result>
 class ResultTable {
  public:
-  /// Places for `wellCount` results, all empty.
+  /// Makes a table with an empty entry for each of `wellCount` wells.
   explicit ResultTable(int wellCount) { entries_.SetSize(wellCount); }
   ~ResultTable() {
     for (int index = 0; index < entries_.GetSize(); ++index) delete GetAt(index);
@@ -19,8 +19,8 @@ class ResultTable {
 
   /// The result at `index`; null if there is none, and for an index out of range.
   Result* GetAt(int index) const { return static_cast<Result*>(entries_.GetAt(index)); }
-  /// Stores `result`, which may be null. Does not destroy the old result: a caller that replaces a
-  /// result owns the old one again. An index out of range stores nothing.
+  /// Stores `result`, which may be null, at `index`; does nothing for an index out of range. Does
+  /// not destroy the old result: a caller that replaces a result owns the old one again.
   void SetAt(int index, Result* result) { entries_.SetAt(index, result); }
   /// Destroys the result at `index`. Returns false if there was none.
   bool RemoveAt(int index) {

@@ -11,7 +11,7 @@
 /// memory. Owns the results and destroys those that it still holds.
 class VEX2_API VexAnalysis : public CObject {
  public:
-  /// With tables for `wellCount` wells, without results.
+  /// Makes tables for `wellCount` wells, without results.
   explicit VexAnalysis(int wellCount);
   ~VexAnalysis() override;
   VexAnalysis(const VexAnalysis&) = delete;

@@ -135,7 +135,7 @@ BARRIERS = (
     barrier("commit-unwritten", FRAME_LOG, "that buffered bytes of a failed commit are dropped",
             "  file_.DiscardBuffer();\n  const int takenBack", "  const int takenBack", "manager:Durability*"),
     barrier("append-unwritten", STORE, "that buffered bytes of a failed append are dropped",
-            "  file_.DiscardBuffer();\n  // Where even", "  // Where even", "manager:Durability*"),
+            "  file_.DiscardBuffer();\n  // If the system", "  // If the system", "manager:Durability*"),
     barrier("rewritten-copy", STORE, "that a block is replaced in a copy of the file",
             "const bool replaces = file_.ReplaceOpenFile();", "const bool replaces = false;",
             "manager:Durability* reliability:*InterruptedSave*"),
