@@ -1,5 +1,6 @@
-// Each benchmark runs the library and its peer in turn, round by round, and takes the medians: what
-// slows the machine down for a while slows both. The program fails when a ratio is above its limit.
+// Each benchmark compares the library with a peer, which does comparable work. It runs them in
+// turn, round by round, and takes the medians, so that a temporary slowdown of the machine affects
+// both. The program fails if a ratio is above its limit.
 
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
@@ -26,7 +27,7 @@
 namespace {
 
 using Seconds = std::chrono::duration<double>;
-using Operation = std::function<double()>;  // returns the seconds of what is to be measured
+using Operation = std::function<double()>;  // returns the seconds that the measured part took
 
 constexpr std::uint16_t kWells = 384;
 constexpr int kFrames = 400;
@@ -34,7 +35,7 @@ constexpr std::size_t kStored = 80;
 constexpr std::size_t kFrameBytes = kStored * kWells;
 constexpr int kAttempts = 3;
 constexpr double kNoLimit = 1e9;
-// A study like those of a laboratory, and one for a quick look.
+// The number of plates in a laboratory's study, and in a small one for a run of few rounds.
 constexpr int kPlates = 20;
 constexpr int kFewPlates = 4;
 constexpr int kStudyFrames = 216;
@@ -70,7 +71,7 @@ Comparison compare(const Operation& ours, const Operation& peer) {
   std::vector<double> oursTimes;
   std::vector<double> peerTimes;
   for (int round = 0; round < rounds; ++round) {
-    // Whoever comes second may find the caches warm: they take turns.
+    // The second one may find the caches warm, so they take turns at being second.
     if (round % 2 == 0) oursTimes.push_back(ours());
     peerTimes.push_back(peer());
     if (round % 2 != 0) oursTimes.push_back(ours());
@@ -82,7 +83,7 @@ void measure(benchmark::State& state, double limit, const Operation& ours, const
   Comparison result;
   for (auto iteration : state) {
     static_cast<void>(iteration);
-    // Noise only ever adds: a limit is passed when it is passed every time.
+    // Noise only makes times longer, so the limit is exceeded only if every attempt exceeds it.
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
       const Comparison next = compare(ours, peer);
       if (attempt == 0 || next.Ratio() < result.Ratio()) result = next;
@@ -131,7 +132,7 @@ void rawWrite(const std::string& path, const std::vector<char>& bytes) {
   require(::rename(beside.c_str(), path.c_str()) == 0, "rename");
 }
 
-// Reads the bytes by way of a stage and gives every record the place that it has in memory.
+// Reads the file through a buffer, and copies every record to where it is in a frame in memory.
 void stagedRead(const std::string& path, std::vector<std::unique_ptr<char[]>>& frames) {
   const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
   require(file >= 0, "open");
@@ -171,7 +172,7 @@ void WholeDocument(benchmark::State& state) {
   measure(state, 1.5, ours, peer);
 }
 
-// A study is read with as many copies of the same records, whatever lies between its plates.
+// The peer copies as many records, without looking for the plates in the file.
 void StudyRead(benchmark::State& state) {
   const std::string path = studyFile();
   const auto ours = [&] {
@@ -204,7 +205,7 @@ void StudyWritten(benchmark::State& state) {
   measure(state, 1.5, ours, peer);
 }
 
-// The peer brings the bytes alone into memory: what the records cost on top of that.
+// The peer only reads the bytes into memory: the ratio shows what the records cost in addition.
 void PlateSetupRead(benchmark::State& state) {
   const std::string path = folder + "/setup.vex";
   vex2::bench::MakeSetups(path, 1);
@@ -235,7 +236,7 @@ double readLastFrame(const std::string& path, int frames) {
   return time;
 }
 
-// The peer is the same operation on a short document.
+// The peer is the same operation on a document with few frames.
 void OneFrameOfMany(benchmark::State& state) {
   constexpr int kMany = 4000;
   constexpr int kFew = 10;
@@ -273,7 +274,7 @@ void CommitFrame(benchmark::State& state) {
   require(manager.ReadDataFrame(0, &frame, DataRAWa) == 0, "frame");
   int next = 1;
   const auto ours = [&] {
-    // The instrument sets the records while it measures: that is not the commit's time.
+    // The instrument sets the records while it measures, so this is not part of the commit's time.
     for (int well = 1; well <= kWells; ++well) {
       require(manager.SetAcqDataWellRecord(&frame.records[well - 1], next, well, DataRAWa), "set");
     }

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""commands.py VEX PEERS: measures whole commands beside what they cannot do without.
+"""commands.py VEX PEERS: compares whole commands with the least work that they have to do.
 
-VEX is the command, PEERS the program vex2_peers of the same build. Each row is measured in turns,
-round by round; a ratio is the median of the ratios within a round.
+VEX is the command, PEERS the program vex2_peers of the same build. The two sides of a row run in
+turn, round by round; a ratio is the median of the ratios of all rounds.
 """
 
 import argparse
@@ -19,7 +19,7 @@ EMPTY = "int main() {}"
 
 
 def seconds_of(command: list, read: bool = False) -> float:
-    """The time of a command; with read, of one whose output another program takes from a pipe."""
+    """Returns the seconds that a command takes; with read, its output is read from a pipe."""
     start = time.perf_counter()
     if read:
         with subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL) as run:
@@ -33,7 +33,7 @@ def seconds_of(command: list, read: bool = False) -> float:
 
 
 def row(name: str, ours, peer, limit: str, rounds: int) -> None:
-    """Prints what ours took, what the peer took and the ratio."""
+    """Prints the time of ours, the time of the peer and the ratio."""
     pairs = []
     for index in range(rounds):
         if index % 2:
@@ -48,7 +48,7 @@ def row(name: str, ours, peer, limit: str, rounds: int) -> None:
 
 
 def make_documents(vex: str, peers: str, folder: pathlib.Path) -> dict:
-    """Simulated runs of 0.4, 12 and 31 MB and a document of readings alone of 61 MB."""
+    """Simulates runs of 0.4, 12 and 31 MB, and makes a document of 61 MB with readings only."""
     documents = {}
     for name, cycles in (("0.4 MB", 13), ("12 MB", 400), ("31 MB", 1000)):
         documents[name] = folder / f"{cycles}.vex"
@@ -60,7 +60,7 @@ def make_documents(vex: str, peers: str, folder: pathlib.Path) -> dict:
 
 
 def make_table(vex: str, run: pathlib.Path, folder: pathlib.Path) -> tuple:
-    """The rows of a run as CSV and as a table of SQLite."""
+    """Writes the rows of a run as CSV and as a table of SQLite."""
     text = folder / "rows.csv"
     text.write_bytes(subprocess.run([vex, "export", run], stdout=subprocess.PIPE, check=True).stdout)
     base = folder / "rows.sqlite"

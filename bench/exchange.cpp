@@ -1,5 +1,6 @@
-// exchange: exports and imports RDML, or does with the libraries alone what that cannot do without,
-// so that both can be compared from outside. Prints the bytes that it takes from the heap at most.
+// exchange: exports and imports RDML, or does only the part of the work that the compression and
+// XML libraries do, so that both can be compared from outside. Prints the peak of the heap in
+// bytes.
 
 #include <expat.h>
 #include <malloc.h>
@@ -19,8 +20,8 @@
 #include "lab/exchange/RdmlExport.h"
 #include "lab/model/RunReader.h"
 
-// All memory, also that of the libraries in C, comes through here: the peak is exact and the same
-// on every run.
+// All memory, including that of the C libraries, is allocated here, so the peak is exact and the
+// same on every run.
 extern "C" {
 void* __libc_malloc(std::size_t size);                        // NOLINT: the system's name
 void* __libc_calloc(std::size_t count, std::size_t size);     // NOLINT: the system's name
@@ -83,7 +84,7 @@ std::string contentOf(const char* path) {
   return {std::istreambuf_iterator<char>(in), {}};
 }
 
-// Packs the file as archives do.
+// Compresses the file as archives do.
 int pack(const char* path, const char* target) {
   std::string bytes = contentOf(path);
   std::string packed(compressBound(bytes.size()), '\0');
@@ -103,7 +104,7 @@ int pack(const char* path, const char* target) {
   return status == Z_STREAM_END ? 0 : 1;
 }
 
-// Unpacks what `pack` made, and lets the parser find its elements and texts.
+// Decompresses the output of `pack` and parses it into elements and texts.
 int parse(const char* path) {
   std::string packed = contentOf(path);
   XML_Parser parser = XML_ParserCreateNS(nullptr, '\n');

@@ -1,6 +1,6 @@
-// growth [FILE.csv]: how the time of a question grows with what it is asked of, over six sizes
-// each. The exponent is the slope of log time over log size. Fails if one is not what it must be: 1
-// where all must be looked at, 0 where the answer stands in one place.
+// growth [FILE.csv]: measures how the time of each operation grows with the size of its input, over
+// six sizes. The exponent is the slope of log time over log size. Fails if an exponent is not as
+// expected: 1 if all of the input must be read, 0 if the result is found in one place.
 
 #include <fmt/core.h>
 #include <malloc.h>
@@ -33,8 +33,8 @@ using Sizes = std::array<int, 6>;
 
 struct Question {
   std::string name;
-  std::string unit;  ///< of the sizes
-  double exponent;   ///< that it must have
+  std::string unit;  ///< what the sizes count
+  double exponent;   ///< the expected one
   Sizes sizes;
   std::function<std::string(int size)> make;  ///< returns the path
   std::function<void(const std::string& path, int size)> ask;
@@ -74,7 +74,8 @@ Answer measured(const Question& question) {
   for (std::size_t i = 0; i < paths.size(); ++i) paths[i] = question.make(question.sizes[i]);
   for (int round = 0; round < kRounds; ++round) {
     for (std::size_t i = 0; i < paths.size(); ++i) {
-      // Every read gets its memory from the system, as in a program that has just begun.
+      // Return the free memory, so that every read gets its memory from the system, as in a new
+      // program.
       ::malloc_trim(0);
       const auto start = std::chrono::steady_clock::now();
       question.ask(paths[i], question.sizes[i]);
@@ -83,7 +84,7 @@ Answer measured(const Question& question) {
     }
   }
   Answer answer{.question = question};
-  // Noise only ever adds to a time.
+  // Noise only makes times longer.
   std::transform(times.begin(), times.end(), answer.seconds.begin(), leastOf);
   answer.exponent = slope(question.sizes, answer.seconds);
   return answer;

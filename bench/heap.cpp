@@ -1,4 +1,4 @@
-// heap: prints the bytes that reading a document takes from the heap at most.
+// heap: prints the peak of the heap, in bytes, while a document is read.
 
 #include <malloc.h>
 
@@ -16,7 +16,7 @@ std::size_t heapPeak = 0;
 
 }  // namespace
 
-// All of the library's memory comes through here, so the peak is exact and the same on every run.
+// All of the library's memory is allocated here, so the peak is exact and the same on every run.
 void* operator new(std::size_t size) {
   void* memory = std::malloc(size);
   if (memory == nullptr) throw std::bad_alloc();

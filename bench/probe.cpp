@@ -1,4 +1,4 @@
-// probe: does one thing to a document, so that what it takes can be counted from outside.
+// probe: does one operation on a document, so that its cost can be counted from outside.
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,5 +1,5 @@
 # cmake -DOUT=FILE.cpp -DPAGE=FOLDER -DCHARTS=FOLDER -DSCRIPTS=a.js,b.js -P EmbedPage.cmake
-# writes the parts of the report page as texts of C++.
+# writes the parts of the report page to FILE.cpp, as C++ strings.
 
 function(part name)  # FILE...
   set(text "")

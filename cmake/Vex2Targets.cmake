@@ -63,10 +63,10 @@ function(vex2_add_objects name)
 endfunction()
 
 # vex2_add_library(NAME EXPORT_NAME SOURCES... [OBJECTS TARGET...] [DEPENDS BASE] [EXPORTS MAP])
-# compiles SOURCES once and makes two libraries of them and of the objects TARGET of
-# vex2_add_objects: NAME (shared, vex2::EXPORT_NAME) and NAME_static (vex2::EXPORT_NAME_static).
-# DEPENDS is the NAME of the library of the layer below. MAP is the version script of the shared
-# library, cmake/exports.map when it is not given.
+# compiles SOURCES once, and makes two libraries from them and from the objects of the targets in
+# OBJECTS, which are made with vex2_add_objects: NAME (shared, vex2::EXPORT_NAME) and NAME_static
+# (vex2::EXPORT_NAME_static). DEPENDS is the NAME of the library of the layer below. MAP is the
+# version script of the shared library; the default is cmake/exports.map.
 function(vex2_add_library name export_name)
   cmake_parse_arguments(arg "" "DEPENDS;EXPORTS" "SOURCES;OBJECTS" ${ARGN})
   if(NOT arg_SOURCES)  # a layer that has only headers so far
@@ -128,8 +128,8 @@ function(vex2_install_headers folder)
   endforeach()
 endfunction()
 
-# vex2_install_public_headers(HEADER...) installs the headers, named from the current folder, under
-# the path that they have in the repository, and notes them as vex2_install_headers does.
+# vex2_install_public_headers(HEADER...) installs headers, named relative to the current folder,
+# under their path in the repository. It adds them to the global property vex2_public_headers.
 function(vex2_install_public_headers)
   cmake_path(RELATIVE_PATH CMAKE_CURRENT_SOURCE_DIR BASE_DIRECTORY ${PROJECT_SOURCE_DIR}
              OUTPUT_VARIABLE here)
@@ -142,7 +142,7 @@ function(vex2_install_public_headers)
 endfunction()
 
 # vex2_check_headers(NAME HEADERS... LINK LIBRARY...) compiles each header by itself. HEADERS are
-# paths from the root of the repository.
+# paths relative to the root of the repository.
 function(vex2_check_headers name)
   cmake_parse_arguments(arg "" "" "HEADERS;LINK" ${ARGN})
   set(sources "")

@@ -1,4 +1,5 @@
-// Prints the quantification cycles of a run, its standard curves, and what to look at.
+// Prints the quantification cycles of a run, its standard curves, and the findings about its
+// quality.
 //
 //     analyse_with_lab RUN.vex
 

@@ -13,7 +13,7 @@ namespace lab = vex2::lab;
 
 int main(int count, char** arguments) try {
   if (count != 2) return std::fputs("usage: edit_lab RUN.vex\n", stderr), 2;
-  lab::DocumentEditor editor(arguments[1]);  // refuses while the run is recorded
+  lab::DocumentEditor editor(arguments[1]);  // fails while the run is being recorded
 
   lab::Detector detector;
   detector.name = "MYC";
@@ -24,7 +24,7 @@ int main(int count, char** arguments) try {
   well.sample = "patient 8";
   well.targets = {{.detector = "MYC", .task = "UNKN", .quantity = {}, .reporter = {}}};
   editor.Set("comment", std::string("repeated"));
-  editor.Save();  // refuses when another program has changed the file meanwhile
+  editor.Save();  // fails if another program has changed the file since
 
   const lab::RunReader run(arguments[1]);
   std::printf("A1: %s, %s\n", run.Plate().Find("A1")->sample.c_str(),

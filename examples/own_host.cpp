@@ -62,7 +62,7 @@ int main(int count, char** arguments) {
     if (status == 0) {
       std::printf("%d records, status %s\n", document.GetAllComponentCount(),
                   document.GetAcquisitionStatus().GetString());
-      // Not four characters: the library shows a message through the host.
+      // The text does not have four characters, so the library shows a message through the host.
       if (document.SetAcquisitionStatus("finished") != 0) std::puts("the status stays");
     }
   }

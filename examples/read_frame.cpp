@@ -1,5 +1,5 @@
-// Reads one frame directly from a file. The cost depends on the frame, not on the size of the
-// document, and it works while the run is still being recorded.
+// Reads one frame directly from a file. The time does not depend on the size of the document. This
+// also works while the run is still being recorded.
 //
 //     read_frame RUN.vex FRAME
 

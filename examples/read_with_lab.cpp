@@ -1,4 +1,4 @@
-// Prints what a document says of its run, and the readings of one well.
+// Prints what a document contains about its run, and the readings of one well.
 //
 //     read_with_lab RUN.vex WELL
 

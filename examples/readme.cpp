@@ -7,7 +7,7 @@
 int main(int count, char** arguments) {
   Vex2FileManager document;
   if (count < 2 || document.ReadFromFile(arguments[1]) != 0) return 1;
-  if (!document.IsWhole()) {  // what could be read is there, and a save keeps a backup of the file
+  if (!document.IsWhole()) {  // `document` has what could be read; a save backs the file up
     std::fprintf(stderr, "%s: read in part: offset %ju: %s\n", arguments[1],
                  std::uintmax_t{document.GetReadFault().offset}, document.GetReadFault().reason);
   }

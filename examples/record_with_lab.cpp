@@ -1,5 +1,5 @@
-// Records a run with the library for laboratories. Killed at any moment and started again, it goes
-// on with the first frame that is not in the document.
+// Records a run with the library for laboratories. If this program is killed at any moment and
+// started again, it continues with the first frame that is not in the document.
 //
 //     record_with_lab RUN.vex
 
@@ -10,7 +10,7 @@
 
 namespace lab = vex2::lab;
 
-// Stands for the instrument: the frame of a cycle, from 0.
+// Stands in for the instrument: returns the frame of a cycle, from 0.
 static lab::MeasuredFrame measure(std::size_t cycle, std::span<const std::uint16_t> wells) {
   const auto number = static_cast<double>(cycle);
   lab::MeasuredFrame frame{.cycle = static_cast<std::uint16_t>(cycle + 1), .wells = {}};

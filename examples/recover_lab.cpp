@@ -1,4 +1,4 @@
-// Checks a document, repairs what is safe, and recovers what is whole where that is not enough.
+// Checks a document and repairs what is safe to repair. If errors remain, recovers what is whole.
 //
 //     recover_lab RUN.vex RECOVERED.vex
 
@@ -12,7 +12,7 @@
 
 namespace lab = vex2::lab;
 
-// Prints the errors of the document; whether there are none.
+// Prints the errors of the document, and returns whether there are none.
 static bool isSound(const char* path) {
   const lab::Findings findings = lab::Check(path);
   for (const lab::Finding& finding : findings.list) {

@@ -1,5 +1,5 @@
-// Joins plates into a study, keeps results, settings and threshold cycles beside each plate, and
-// reads them back. Only the plates can be saved; the rest exists in memory as long as the manager.
+// Adds plates to a study, stores results, settings and threshold cycles for each plate, and reads
+// them back. Only the plates can be saved; all else exists in memory as long as the manager.
 //
 //     walk_study STUDY.vex PLATE.vex...
 
@@ -15,7 +15,7 @@ namespace {
 constexpr int kWell = 1;
 constexpr const char* kDetector = "FAM";
 
-// Stands in for what an analysis computes for a well. The study destroys it.
+// Stands in for a result that an analysis computes for a well. The study destroys it.
 class Curve : public IDAClippedMatrix {
  public:
   explicit Curve(double theTop) : top(theTop) {}
@@ -25,8 +25,8 @@ class Curve : public IDAClippedMatrix {
 bool join(Vex2FileManager& study, const char* path) {
   Vex2FileManager plate;
   if (plate.ReadFromFile(path) != 0 || !plate.IsWhole()) return false;
-  // In a study, the name of a plate is the title of its file, which only a path with a folder
-  // gives. A name that the study already has is refused.
+  // In a study, the name of a plate is the title of its file, which the library finds only in a
+  // path with a folder. A name that the study already has is refused.
   plate.SetFilePath(std::filesystem::absolute(path).c_str());
   return study.AddRQPlate(&plate, "today");
 }

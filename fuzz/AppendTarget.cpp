@@ -1,4 +1,4 @@
-// Input: a script for a run, with its length in front, and a document. Records a run that begins
+// Input: the length of a script for a run, the script, and a document. Records a run that begins
 // with the content of the document or, if the script says so, in the file of the document itself;
 // cuts the file off at any byte, and resumes. Invariant: every committed frame, and everything
 // else, is still there.
@@ -27,7 +27,7 @@ Vex2FrameData frameOf(std::uint16_t wells, Script& script) {
   return frame;
 }
 
-// Requires that the file holds all frames whose commit returned, and everything else.
+// Requires that the file has all frames whose commit returned, and all other content.
 void requireRun(const Content& setup, const Frames& frames) {
   Vex2FileManager document;
   int count = 0;
@@ -53,8 +53,8 @@ void requireRun(const Content& setup, const Frames& frames) {
 class Run {
  public:
   Run(Vex2FileManager& document, std::uint16_t wells) : wells_(wells) {
-    // A file can hold several data blocks; one that stays would take the frames, or drop them if it
-    // has no wells.
+    // A document can have several data blocks. If one of them stayed, the frames would go into it,
+    // or be dropped if it has no wells.
     for (int before = -1; before != document.GetAllComponentCount();) {
       before = document.GetAllComponentCount();
       document.RemoveAcquisitionDataBlock(DataRAWa);
@@ -78,8 +78,8 @@ class Run {
     Require(lengthNow() == before + bytesOf(frames_.size() - 1), "a commit adds what it must");
   }
 
-  /// Cuts the file off within the last frame, or leaves uncommitted bytes, and resumes like a
-  /// recorder: behind the committed frames.
+  /// Adds uncommitted bytes or cuts the file off within the last frame, and resumes like a
+  /// recorder: after the committed frames.
   void Tear(Vex2FileManager& document, Script& script) {
     if (frames_.empty()) return;
     test::Bytes bytes = files().Content(kSaved);

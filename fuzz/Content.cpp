@@ -32,7 +32,7 @@ constexpr int kHeaderSize = 1024;
 // The largest number of rows whose usage table ends within the header.
 constexpr int kMostRows = (kHeaderSize - 72) / 4;
 
-// Well records, of 80 bytes each, in all files of an execution.
+// The largest number of well records, of 80 bytes each, in all files of one execution.
 constexpr std::uint64_t kMostRecords = 20'000;
 
 class Describer {
@@ -41,7 +41,7 @@ class Describer {
 
   void Component(const CComponent& component) {
     text(component.GetTag());
-    // Derived classes before their base classes.
+    // Derived classes come before their base classes.
     static constexpr std::array kKinds = {
         &Describer::as<CSkippedComp, &Describer::skipped>,
         &Describer::as<CByteValueComp, &Describer::value<CByteValueComp>>,
@@ -137,8 +137,8 @@ class Describer {
     number(wells.size());
     raw(wells.data(), wells.size_bytes());
     number(component.GetFrameCount());
-    // A block that was read without wells and then given some has as many empty frames as its
-    // length declares. They exceed the limit of file sizes here.
+    // If a block is read without wells and then given some, it has as many empty frames as its
+    // length declares. These can exceed the size limit for files here.
     const std::uint64_t recordCount =
         std::uint64_t{wells.size()} * static_cast<std::uint64_t>(component.GetFrameCount());
     if (recordCount > kMostRecords) {
@@ -257,8 +257,8 @@ std::uint64_t bytesOf(CComponent& component) {
   return file.GetLength();
 }
 
-// The bytes that a reader counted when it read `written` and got `read`. Plates count with the
-// bytes that were read for them; since then, some of their texts have lost a trailing zero byte.
+// The bytes that a reader counted when it read the file of `written` into `read`. For plates, takes
+// their size from `written`, because reading may have dropped trailing zero bytes of their texts.
 std::uint64_t countedBytes(const Vex2FileManager& written, const Vex2FileManager& read) {
   std::uint64_t counted = 0;
   int at = 0;
@@ -274,7 +274,7 @@ std::uint64_t countedBytes(const Vex2FileManager& written, const Vex2FileManager
   return counted;
 }
 
-// The bytes behind the header of the last saved document.
+// The number of bytes after the header of the last saved document.
 std::uint64_t savedBytes() {
   const auto& files = static_cast<test::MemoryFiles&>(CurrentFileSystem());
   return files.Content(kSaved).size() - kHeaderSize;
@@ -313,7 +313,7 @@ bool RequireKept(Vex2FileManager& document) {
   Require(std::equal(found.components.begin(), found.components.end(), expected.components.begin()),
           "the components are what they were");
   if (found.components.size() == expected.components.size()) return true;
-  // Reading stops once as many bytes were counted as the file has behind the header, and declared
+  // A reader stops when it has counted as many bytes as the file has after the header, and declared
   // lengths may count more bytes than exist.
   Require(countedBytes(document, again) >= savedBytes(), "nothing is lost");
   return true;

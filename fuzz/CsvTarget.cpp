@@ -1,6 +1,6 @@
-// Input: a byte that chooses one of the command's CSV files, and the content of that file; for a
-// measured run, wells and readings with a form feed between them. Invariant: content that could be
-// read is the same after it is written and read again.
+// Input: a byte that chooses one of the command's CSV formats, and the content of such a file; for
+// a measured run, the wells and the readings, separated by a form feed. Invariant: content that
+// could be read is the same after it is written and read again.
 
 #include <sys/mman.h>
 #include <unistd.h>
@@ -20,7 +20,7 @@ namespace {
 
 using namespace lab;
 
-// A file in memory with a path, because the readers open files by path.
+// A file in memory that has a path, because the readers open files by path.
 class NamedMemory {
  public:
   NamedMemory() : file_(::memfd_create("fuzz", MFD_CLOEXEC)) {

@@ -146,8 +146,9 @@ void fillFrames(Vex2FileManager& document, Script& script) {
   record.leading[0] = 1;
   record.data[0] = script.Short();
   const int frame = document.GetDataFrameCount(type);
-  // A data block without wells can declare any length, and counts frames by it once it gets wells.
-  // Filling the last frame needs a table of all frames, and so does each copy in a study.
+  // A data block without wells can declare any length, from which its number of frames follows once
+  // it gets wells. Filling the last frame then needs a table of all frames, and so does each copy
+  // in a study.
   constexpr int kMostFrames = 10'000;
   if (frame > kMostFrames) return;
   if (document.SetAcqDataWellRecord(&record, frame, 1, type)) {
@@ -194,8 +195,8 @@ constexpr std::array<Edit, 15> kEdits = {
     takeWells,       appendDetector,    takeDetectors, changeDyes,     replaceCalibration,
     fillFrames,      dropBlock,         changeHeader,  addPlate,       dropPlate};
 
-// Changes the file in place. Whatever it holds, each operation returns a status, and the file can
-// still be opened.
+// Changes the file in place. Whatever the file contains, each operation returns a status, and the
+// file can still be opened.
 void editInPlace(Vex2FileManager& document, Script& script) {
   Vex2BGC background;
   Vex2AcquisitionData data;

@@ -1,6 +1,6 @@
 // Input: a byte that chooses a format, and a file of that format: an RDML archive, RDML as XML
-// alone, an RDES table, JSON, or a CSV file of readings. Invariant: whatever can be read becomes a
-// document that reads back whole, with as many frames as were stored.
+// alone, an RDES table, JSON, or a CSV file of readings. Invariant: input that can be read becomes
+// a document that can be read whole and has as many frames as were stored.
 
 #include <unistd.h>
 
@@ -23,7 +23,7 @@ namespace {
 
 using namespace lab;
 
-constexpr std::size_t kMostCells = 200'000;  // of a document, so that one input takes no minute
+constexpr std::size_t kMostCells = 200'000;  // readings of a document: limits the time of an input
 
 const std::string& documentPath() {
   static const std::string path =
@@ -66,7 +66,7 @@ void readCsv(std::string_view content, Losses& losses) {
 void readJson(std::string_view content) {
   DocumentFile document;
   ReadWholeJson(content, "input", document);
-  // A run of many frames of a large plate is stored on the word of a few bytes.
+  // A few bytes can declare a run of many frames of a large plate.
   if (document.GetDataFrameCount(DataRAWa) > 100) return;
   if (document.SaveToFile(documentPath().c_str()) != kSuccess) return;
   Require(Document(documentPath()).Size() > 0, "a document was saved");

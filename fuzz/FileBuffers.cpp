@@ -1,5 +1,5 @@
 // Reuses a few file buffers of a quarter of a megabyte, because allocating one at each open would
-// take most of the time of an execution. The address sanitizer still finds writes beside a buffer,
+// take most of the time of an execution. The address sanitizer still finds writes outside a buffer
 // or to a released one.
 
 #include <sanitizer/asan_interface.h>

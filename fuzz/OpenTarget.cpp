@@ -65,8 +65,8 @@ void askForFrames(Vex2FileManager& document) {
       Require((document.ReadDataFrame(index, &frame, type) == 0) == there, "each frame is there");
     }
   }
-  // The frame count read from the file may differ, because lengths may be false. All reporting
-  // blocks are searched in the same way, so one is enough.
+  // The frame count that is read from the file may differ from the one in memory, because lengths
+  // may be false. All reporting blocks are searched in the same way, so one of them is enough.
   for (const auto type : {DataRAWa, DataREPt}) {
     Vex2FrameData frame;
     int stored = 0;

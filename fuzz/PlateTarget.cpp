@@ -57,7 +57,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (!RequireKept(built)) return 0;
   Vex2FileManager again;
   Read(again, kSaved);
-  // If a plate was read with several names, the first counts instead of the new one.
+  // If a plate was read with several names, the first of them is used, not the new one.
   Require(oldNames > 1 || again.GetSinglePlatePtrByName(CString("one")) != nullptr,
           "a plate keeps its name");
   return 0;

@@ -21,7 +21,7 @@ int main(int count, char** arguments) {
     }
   }
   for (const fs::path& input : inputs) {
-    // Printed first, because a finding ends the program.
+    // Print the path first, because a finding ends the program.
     std::fprintf(stderr, "%s\n", input.c_str());
     std::ifstream file(input, std::ios::binary);
     const std::string bytes{std::istreambuf_iterator<char>(file), {}};

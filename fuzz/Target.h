@@ -19,7 +19,7 @@ test::MemoryFiles& NewFiles();
 inline constexpr const char* kDocument = "/fuzz/document.vex";
 inline constexpr const char* kSaved = "/fuzz/saved.vex";
 
-/// Decisions that a target reads from the front of its input; zeros when the input is used up.
+/// Decisions that a target reads from the beginning of its input; zeros after the end of the input.
 class Script {
  public:
   Script(const std::uint8_t* data, std::size_t size) : at_(data), end_(data + size) {}
@@ -30,7 +30,7 @@ class Script {
     const unsigned high = Byte();
     return static_cast<std::uint16_t>(high << 8U | Byte());
   }
-  /// The next `length` bytes, fewer at the end.
+  /// The next `length` bytes, or all that are left if these are fewer.
   std::string Text(std::size_t length) {
     const std::size_t count = std::min(length, static_cast<std::size_t>(end_ - at_));
     const std::string text(at_, at_ + count);
@@ -51,16 +51,16 @@ class Script {
   const std::uint8_t* end_;
 };
 
-/// The input as a document: unchanged if it begins like a document, otherwise as records behind the
-/// header of a study (if the input begins with "RQSt") or of a new document. Headers are mostly
-/// zeros, so mutating them would waste time.
+/// The input as a document. Input that begins like a document is unchanged; other input becomes the
+/// records after a header, that of a study if the input begins with "RQSt", otherwise that of a new
+/// document. Headers are mostly zeros, so mutating them would waste time.
 test::Bytes DocumentOf(const test::Bytes& input);
 
 /// Opens and reads a document, and requires that the status is one that readers return.
 int Read(Vex2FileManager& document, const char* path);
 
-/// Whether the document has a usage table so large that it takes the time of a hundred inputs, and
-/// nothing else to test.
+/// Whether the document's usage table is so large that reading it takes as long as a hundred other
+/// inputs, without testing anything else.
 inline bool IsTooLarge(const Vex2FileManager& document) {
   return document.GetHeaderRows() > 1000;
 }

@@ -18,7 +18,7 @@ $column["stage"] == "amplification" {
   started = 1
 }
 
-# The cycle at which a well passes a fifth of the way to the top; beyond the last if it never does.
+# The first cycle in which a well is above a fifth of the range; the last cycle + 1 if there is none.
 function rise(well,    cycle) {
   for (cycle = 1; cycle <= last; ++cycle)
     if (reading[well, cycle] > low + (top - low) / 5) return cycle

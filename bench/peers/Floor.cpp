@@ -17,7 +17,7 @@ void Require(bool isFine, const char* what) {
 namespace {
 
 constexpr std::size_t kFrameBytes = kFrameValues * sizeof(std::uint16_t);
-constexpr std::size_t kRecordValues = 44;  ///< of a well in memory
+constexpr std::size_t kRecordValues = 44;  ///< of one well in memory
 constexpr off_t kFirstFrame = 1024 + 26 + 2 * kPeerWells;
 
 class Handle {
@@ -44,7 +44,7 @@ void writeAt(int file, const void* bytes, std::size_t count, off_t offset) {
   }
 }
 
-// Gives the values of one frame the order of this machine and the places that they have in memory.
+// Swaps the bytes of each value of a frame, and copies each record to where it is in memory.
 void unpack(const std::uint16_t* from, std::uint16_t* to) {
   for (int well = 0; well < kPeerWells; ++well) {
     for (int value = 0; value < kPeerValues; ++value) {
@@ -118,7 +118,7 @@ class Floor final : public Store {
     length_ = 0;
   }
 
-  // The file is opened for each frame, as a host does that holds no document open between them.
+  // Opens the file for each frame, like a host that keeps no document open between frames.
   void Commit(const FrameValues& frame) override {
     const Handle file(path_, O_RDWR | O_CLOEXEC);
     unsigned char word[4];

@@ -19,7 +19,7 @@ void done(herr_t status) {
   Require(status >= 0, "HDF5");
 }
 
-// The newest file format, as it is the fastest.
+// The newest file format, because it is the fastest.
 hid_t newestFormat() {
   static const hid_t access = [] {
     const hid_t list = good(H5Pcreate(H5P_FILE_ACCESS));

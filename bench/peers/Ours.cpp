@@ -87,7 +87,7 @@ class Lab final : public Store {
     Require(!reader.Frame(static_cast<std::uint64_t>(index)).wells.empty(), "frame");
   }
 
-  // An editor saves what it has changed, which is other work.
+  // An editor saves only what it has changed, which cannot be compared with this.
   bool Hold(const FrameValues& /*frames*/, const std::string& /*path*/) override { return false; }
   void Save(const std::string& /*path*/) override {}
 

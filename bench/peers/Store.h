@@ -6,24 +6,24 @@
 #include <vector>
 
 /// The same work done by this library, by system calls alone and by other stores of numbers, each
-/// with its best known settings, so that `scripts/bench --peers` can compare them.
+/// with the best settings that we know for it, so that `scripts/bench --peers` can compare them.
 namespace vex2::bench {
 
 constexpr int kPeerWells = 384;
-constexpr int kPeerValues = 40;  ///< of a well in a frame, 16 bits each
+constexpr int kPeerValues = 40;  ///< 16-bit values of one well in one frame
 constexpr int kFrameValues = kPeerWells * kPeerValues;
 
 /// Frames of 384 wells with 40 values each, one after the other.
 using FrameValues = std::vector<std::uint16_t>;
 
-/// One way to keep a run in a file. Every operation throws `std::runtime_error` when it fails.
+/// One way to store a run in a file. Every operation throws `std::runtime_error` on failure.
 class Store {
  public:
   virtual ~Store() = default;
 
-  /// As the table heads its column, with the version.
+  /// The heading of its column in the table, with the version.
   virtual std::string Name() const = 0;
-  /// How it is set up, for the line below the table.
+  /// Its settings, for the line below the table.
   virtual std::string Settings() const = 0;
 
   /// Opens the file, brings all frames into memory and closes it.
@@ -34,13 +34,13 @@ class Store {
   /// Keeps the frames in memory for `Save`; may use the file at `path` for that. Returns false if
   /// the store has no such operation.
   virtual bool Hold(const FrameValues& frames, const std::string& path) = 0;
-  /// Writes the frames of `Hold` as a whole file in place of the one that is there; they are on
-  /// the disk when it returns.
+  /// Writes the frames of `Hold` to a new file that replaces the file at `path`. The frames are on
+  /// the disk when this returns.
   virtual void Save(const std::string& path) = 0;
 
   /// Begins a run at `path`, which has no frames yet.
   virtual void BeginRun(const std::string& path) = 0;
-  /// Makes ready the next frame, which is not part of the commit's time.
+  /// Prepares the next frame. This is not part of the commit's time.
   virtual void Prepare(const FrameValues& /*frame*/) {}
   /// Appends a frame to the run; it is on the disk when this returns.
   virtual void Commit(const FrameValues& frame) = 0;
@@ -48,7 +48,7 @@ class Store {
   virtual void EndRun() {}
 };
 
-/// The system calls that the work cannot do without.
+/// Only the system calls that the work needs.
 std::unique_ptr<Store> MakeFloor();
 /// `Vex2FileManager`.
 std::unique_ptr<Store> MakeManager();
@@ -57,7 +57,7 @@ std::unique_ptr<Store> MakeLab();
 std::unique_ptr<Store> MakeHdf5();
 std::unique_ptr<Store> MakeSqlite();
 
-/// Throws `std::runtime_error` with this text unless `isFine`.
+/// Throws `std::runtime_error` with the text `what` unless `isFine`.
 void Require(bool isFine, const char* what);
 
 }  // namespace vex2::bench

@@ -1,7 +1,8 @@
-// Compares this library with system calls, HDF5 and SQLite at the same work. Every round does the
-// work once with each, in turn; a row gives the median of the first's times and of the ratios to
-// it within a round, so that what slows the machine down for a while slows all of them. Other
-// options do the work that whole commands are compared with.
+// Compares this library with system calls, HDF5 and SQLite at the same work. In every round, each
+// store does the work once, in turn. A row shows the median time of the first store and, for each
+// other store, the median over all rounds of the ratio of its time to the first store's time. So a
+// temporary slowdown of the machine affects all stores. Other options do work for the comparison of
+// whole commands.
 
 #include <fmt/core.h>
 #include <sys/stat.h>
@@ -45,7 +46,7 @@ double secondsOf(const std::function<void()>& work) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-// Work returns the seconds that a store took, below 0 if it cannot do it.
+// Returns the seconds that a store took for the work; below 0 if it cannot do the work.
 using Work = std::function<double(std::size_t store)>;
 
 void row(const std::string& name, int count, const Work& work) {
@@ -79,7 +80,7 @@ FrameValues valuesOf(int frames) {
   return values;
 }
 
-// The first three stores are those that read documents.
+// The first three stores read documents; the others read files of their own.
 std::string fileOf(std::size_t store, int frames) {
   constexpr std::size_t kReadDocuments = 3;
   const std::string path = fmt::format(
