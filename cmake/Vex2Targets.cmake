@@ -63,8 +63,8 @@ function(vex2_add_objects name)
 endfunction()
 
 # vex2_add_library(NAME EXPORT_NAME SOURCES... [OBJECTS TARGET...] [DEPENDS BASE] [EXPORTS MAP])
-# compiles SOURCES once, and makes two libraries from them and from the objects of the targets in
-# OBJECTS, which are made with vex2_add_objects: NAME (shared, vex2::EXPORT_NAME) and NAME_static
+# compiles SOURCES once, and makes two libraries from these objects and from those of each TARGET,
+# which was made with vex2_add_objects: NAME (shared, vex2::EXPORT_NAME) and NAME_static
 # (vex2::EXPORT_NAME_static). DEPENDS is the NAME of the library of the layer below. MAP is the
 # version script of the shared library; the default is cmake/exports.map.
 function(vex2_add_library name export_name)

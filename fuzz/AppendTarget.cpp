@@ -1,7 +1,7 @@
 // Input: the length of a script for a run, the script, and a document. Records a run that begins
-// with the content of the document or, if the script says so, in the file of the document itself;
-// cuts the file off at any byte, and resumes. Invariant: every committed frame, and everything
-// else, is still there.
+// with the content of the document. If the script says so, records it in the file of the document
+// itself. Cuts the file off at any byte, and resumes. Invariant: every committed frame, and
+// everything else, is still there.
 
 #include <tuple>
 #include <vector>

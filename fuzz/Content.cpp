@@ -58,7 +58,7 @@ class Describer {
         &Describer::as<CCellComp, &Describer::cell>,
         &Describer::as<CRQPlateComp, &Describer::plate>,
         &Describer::as<CContainerComp, &Describer::list>};
-    // Casting to each class in turn is slow, and each tag has one class, so remember it.
+    // Trying every class is slow, so remember the class of each tag, which never changes.
     static std::array<std::size_t, kTagRowCount + 1> kindOf{};
     const int row = FindTagIndex(component.GetTag());
     std::size_t& kind = kindOf.at(static_cast<std::size_t>(row >= 0 ? row : kTagRowCount));

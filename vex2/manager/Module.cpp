@@ -61,7 +61,6 @@ extern "C" VEX2_API bool vex2ModuleLoad() {
 extern "C" VEX2_API void vex2ModuleUnload() {
   // The library stays registered as long as it is in memory. A host that is linked with it keeps it
   // there.
-  // does not end.
   const std::lock_guard lock(entry.mutex);
   entry.isHeld = false;
 }

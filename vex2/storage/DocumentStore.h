@@ -66,8 +66,8 @@ class DocumentStore {
   /// Returns when all bytes written before are on the disk. If the sync fails, remembers the file
   /// and throws `CFileException`.
   void Barrier();
-  /// Whether a sync of the open file has failed. If so, closes the file and shows the user a
-  /// message.
+  /// Whether a sync of the open file has failed. If so, closes the file, sets the last error and,
+  /// the first time, shows the user a message.
   bool RefusesChanges();
 
   /// Whether the open file is the one of the last `NoteCommit` and still has the same length.

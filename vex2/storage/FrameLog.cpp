@@ -19,7 +19,7 @@ void moveTo(CFile& file, std::uint64_t offset) {
 
 }  // namespace
 
-// --- A commit, from top to bottom ---
+// --- Commits ---
 
 int FrameLog::Commit(int frame, std::uint32_t& blockOffset) {
   // The word that commits the frame: the block's length or, for a new block, its offset in the
@@ -147,7 +147,7 @@ std::uint64_t endOfFrames(CFile& file, std::uint32_t offset, const HeldBlock& he
   return isCounted && frames.behind == Uncommitted::kCommit ? frames.end : fileEnd;
 }
 
-// Whether `bytes` are a prefix of `tag`, which may be empty, followed by zeros.
+// Whether `bytes` are some of the first characters of `tag`, or none, and then only zeros.
 bool beginsAsBlock(std::string_view bytes, std::string_view tag) {
   const auto unwritten = std::mismatch(bytes.begin(), bytes.end(), tag.begin()).first;
   return kUncommittedTag.starts_with({unwritten, bytes.end()});

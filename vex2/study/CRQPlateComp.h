@@ -23,7 +23,8 @@ class VEX2_API CRQPlateComp final : public CContainerComp {
 
   /// The name with which the plate was added or read.
   const CString& GetPlateName() const { return name_; }
-  /// When the plate's file was last changed, in the text form in which it was added.
+  /// The time at which the plate's file was last changed, as the text with which the plate was
+  /// added.
   const CString& GetLastModifiedDate() const { return date_; }
   /// The embedded plate, owned by this component; null if none was set or read.
   Vex2FileManagerComponent* GetPlate() const { return plate_.get(); }
