@@ -1,5 +1,5 @@
 """Writes an index of the C++ reference, so that the search of the site finds its classes and
-operations. Each entry leads to its place in the pages of Doxygen."""
+operations. Each entry is a link to the pages of Doxygen."""
 
 import re
 import xml.etree.ElementTree as ElementTree
@@ -66,6 +66,6 @@ def write_pages(xml, target):
         names.append(group)
     start = ["# C++ reference", "",
              "Every class and operation of the installed headers, by family. The names lead to the",
-             f"{anchor('index', 'complete reference')}, which has a search of its own.", "",
+             f"{anchor('index', 'complete reference')}, which has its own search.", "",
              "```{toctree}", *names, "```", ""]
     (target / "index.md").write_text("\n".join(start))
