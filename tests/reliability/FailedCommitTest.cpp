@@ -118,13 +118,13 @@ INSTANTIATE_TEST_SUITE_P(Frames, FailedCommit,
                                   "Behind" + std::to_string(staged.param.committed);
                          });
 
-class CommitBehindLeftovers : public RunOnDisk {
+class CommitOverUncommittedBytes : public RunOnDisk {
  protected:
   void SetUp() override { files_.SkipSyncs(); }
   FaultyFileSystem files_;
 };
 
-TEST_F(CommitBehindLeftovers, WritesOverPartOfAFrame) {
+TEST_F(CommitOverUncommittedBytes, WritesOverPartOfAFrame) {
   for (const std::size_t left : {1U, 3U, 4U, 79U, 80U, 239U, 240U}) {
     WriteBytes(path_, Join({documentOf(2), Bytes(left, 'x')}));
     EXPECT_EQ(readableFrames(), 2) << left;
@@ -133,7 +133,7 @@ TEST_F(CommitBehindLeftovers, WritesOverPartOfAFrame) {
   }
 }
 
-TEST_F(CommitBehindLeftovers, ThatFailsLeavesTheLength) {
+TEST_F(CommitOverUncommittedBytes, ThatFailsLeavesTheLength) {
   WriteBytes(path_, Join({documentOf(2), Bytes(17, 'x')}));
   for (const FileCall call : {FileCall::write, FileCall::syncData}) {
     files_.FailKind(call, EIO, 0, true);
@@ -143,7 +143,7 @@ TEST_F(CommitBehindLeftovers, ThatFailsLeavesTheLength) {
   }
 }
 
-TEST_F(CommitBehindLeftovers, KeepsMoreThanAFrameAndWholeRecords) {
+TEST_F(CommitOverUncommittedBytes, KeepsMoreThanAFrameAndWholeRecords) {
   const Bytes name = ByteString().Text("NAME").Long(4).Text("name");
   const Bytes frame = StoredFrame(MakeFrame(wells_, 2));
   Bytes block = StoredBlock("RAWa", wells_, 2);
@@ -157,7 +157,7 @@ TEST_F(CommitBehindLeftovers, KeepsMoreThanAFrameAndWholeRecords) {
   }
 }
 
-TEST_F(CommitBehindLeftovers, OverwritesAnIncompleteFirstBlock) {
+TEST_F(CommitOverUncommittedBytes, OverwritesAnIncompleteFirstBlock) {
   const Bytes block = StoredBlock("RAWa", wells_, 1);
   const Bytes other = ByteString().Text("NAME").Long(4).Text("name");
   const auto write = [&](const Bytes& there) {
@@ -179,7 +179,7 @@ TEST_F(CommitBehindLeftovers, OverwritesAnIncompleteFirstBlock) {
   }
 }
 
-TEST_F(CommitBehindLeftovers, FindsAnIncompleteFirstBlockAfterUnknownRecords) {
+TEST_F(CommitOverUncommittedBytes, FindsAnIncompleteFirstBlockAfterUnknownRecords) {
   const Bytes other = ByteString().Text("OTHR").Long(4).Text("mine");
   Bytes untagged = StoredBlock("RAWa", wells_, 1);
   std::fill_n(untagged.begin(), 4, std::uint8_t{0});
@@ -190,7 +190,7 @@ TEST_F(CommitBehindLeftovers, FindsAnIncompleteFirstBlockAfterUnknownRecords) {
             "");
 }
 
-TEST_F(CommitBehindLeftovers, KeepsFramesItCommittedThatNoLengthCounts) {
+TEST_F(CommitOverUncommittedBytes, KeepsFramesItCommittedThatNoLengthCounts) {
   OpenedManager manager;
   begin(manager);
   for (int i = 0; i < 3; ++i) {
@@ -210,7 +210,7 @@ TEST_F(CommitBehindLeftovers, KeepsFramesItCommittedThatNoLengthCounts) {
       "");
 }
 
-TEST_F(CommitBehindLeftovers, AppendedBlocksOverwriteAnIncompleteFirstBlock) {
+TEST_F(CommitOverUncommittedBytes, AppendedBlocksOverwriteAnIncompleteFirstBlock) {
   Vex2FrameData frames[] = {MakeFrame(wells_, 0)};
   const Vex2AcquisitionData data{frames, 1};
   const Bytes block = StoredBlock("RAWa", wells_, 1);
@@ -224,7 +224,7 @@ TEST_F(CommitBehindLeftovers, AppendedBlocksOverwriteAnIncompleteFirstBlock) {
   }
 }
 
-TEST_F(CommitBehindLeftovers, KeepsABlockWithFramesThatItDoesNotHold) {
+TEST_F(CommitOverUncommittedBytes, KeepsABlockWithFramesThatItDoesNotHold) {
   const Bytes block = StoredBlock("RAWa", wells_, 2);
   for (const Bytes& there : {block, Slice(block, 0, block.size() - 1)}) {
     WriteBytes(path_, Join({StoredHeader(), there}));
