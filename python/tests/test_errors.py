@@ -125,7 +125,7 @@ def test_nothing_is_printed(folder, capfd):
     assert capfd.readouterr() == ("", "")
 
 
-def test_file_that_is_gone_is_an_error_of_the_family(folder):
+def test_missing_file_is_a_vex2_error(folder):
     run = vex2.open("run.vex")
     os.remove("run.vex")
     for ask in (run.to_bytes, lambda: run.header, lambda: run.readings):

@@ -46,7 +46,7 @@ def test_docstring_has_example_that_runs(name, folder):
     assert result.failed == 0, "".join(said)
 
 
-def test_docstrings_tell_an_example_that_fails():
+def test_failing_examples_in_docstrings_are_noticed():
     text = ">>> 1 + 1\n3\n"
     test = doctest.DocTest(PARSER.get_examples(text), {}, "wrong", None, None, text)
     result = doctest.DocTestRunner(verbose=False).run(test, out=lambda said: None)

@@ -27,7 +27,7 @@ def public_operations():
     return {name for pair in names for name in pair if name} - {"Vex2FileManager"}
 
 
-def test_every_operation_has_its_own_name():
+def test_every_operation_has_its_cpp_name():
     operations = public_operations()
     assert len(operations) > 150 and "SetAcqDataWellRecord" in operations
     assert {name for name in operations if not hasattr(Vex2FileManager, name)} == set()
@@ -167,7 +167,7 @@ def test_settings_setup_program_and_dyes_come_back(folder):
     assert again.GetComponent(99) is None
 
 
-def test_calibration_comes_back_and_is_replaced(folder):
+def test_calibration_is_read_back_and_replaced(folder):
     dye = raw.Vex2PureDye(entries=[raw.Vex2DyeSpectrum(1, 2, 3, "FAM", [1, 2, 2**32 - 1], 4, 5)])
     background = raw.Vex2BGC(entries=[raw.Vex2BackgroundSpectrum(name="", values=[9] * 12)])
     manager = Vex2FileManager()

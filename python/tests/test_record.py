@@ -219,7 +219,7 @@ def test_frames_are_in_the_order_of_the_wells_given(folder):
     assert frame.readings[:, 0].tolist() == frame.leading[:, 0].tolist() == [1, 13]
 
 
-def test_labelled_frame_is_told_by_its_wells(folder):
+def test_labelled_frame_is_matched_by_its_wells(folder):
     with vex2.record("new.vex", 96, wells=["A1", "B1"], scale=10, channels=["FAM", "VIC"]) as rec:
         table = pandas.DataFrame({"VIC": [2, 4], "FAM": [1, 3]}, index=["B1", "A1"])
         rec.append(table, **at())
@@ -233,7 +233,7 @@ def test_labelled_frame_is_told_by_its_wells(folder):
     assert found.tolist() == [[[3, 4], [1, 2]], [[2, 1], [4, 3]]]
 
 
-def test_frame_of_another_run_is_told_by_its_wells(folder):
+def test_frame_of_another_run_is_matched_by_its_wells(folder):
     frame = vex2.open("run.vex").frames[0]
     with vex2.record("new.vex", 96, wells=["B1", "A1"], scale=1000) as rec:
         with pytest.raises(vex2.UsageError, match="has well A2, which is not recorded"):
@@ -287,7 +287,7 @@ def test_plan_that_is_none_is_refused(folder, plan, what):
     assert not os.path.exists("new.vex")
 
 
-def test_table_tells_the_size_of_its_plate(folder):
+def test_table_determines_the_size_of_its_plate(folder):
     def size(table, **options):
         with vex2.record("new.vex", table, replace=True, **options) as rec:
             rec.close()

@@ -185,7 +185,7 @@ def test_run_works_after_fork_and_spawn(run):
                 assert list(workers.map(readings_of, [of, of])) == [expected, expected]
 
 
-def test_study_answers_by_plate(folder):
+def test_study_returns_results_by_plate(folder):
     study = vex2.open("study.vex")
     assert study.is_study and list(study.plates) == ["plate1", "plate2"]
     assert study.plates["plate1"].readings.shape == (1, 96, 32)
@@ -248,7 +248,7 @@ def test_follow_of_no_file_raises(folder):
         next(vex2.follow("missing.vex"))
 
 
-def test_follow_goes_on_when_the_run_is_saved_anew(folder):
+def test_follow_continues_after_a_save(folder):
     record_sample(pathlib.Path("live.vex"), 3)
     vex2.set_run_status("live.vex", "PROG")
     frames = vex2.follow("live.vex", timeout=0)

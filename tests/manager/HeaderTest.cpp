@@ -24,7 +24,7 @@ using vex2::test::ToBytes;
 using vex2::test::WriteBytes;
 using namespace std::string_literals;
 
-// Hosts are compiled with these sizes.
+// Hosts are compiled with these layouts, so the sizes must not change.
 static_assert(sizeof(Vex2HeaderData) == 80);
 static_assert(offsetof(Vex2HeaderData, rows) == 20);
 static_assert(offsetof(Vex2HeaderData, kindMarker) == 60);

@@ -24,7 +24,7 @@ Text detectors(Draw& draw) {
                                 record("COLR", draw.Bytes(3)), record("DASB", draw.Bytes(2))}));
   }
   Text bytes = list("DETL", all);
-  // Real documents contain lists that declare too little.
+  // One in four lists declares too little, because such documents exist.
   if (draw.OneIn(4)) bytes.replace(4, 4, Big(2, 4));
   return bytes;
 }

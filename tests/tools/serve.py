@@ -213,7 +213,7 @@ class ServeTest(unittest.TestCase):
         with Server(self.document, str(port)) as again:
             self.assertEqual(again.port, port)
 
-    def test_viewer_that_does_not_read_holds_up_nobody(self):
+    def test_viewer_that_does_not_read_delays_nothing(self):
         self.record("--wells", "384", "--cycles", "40")
         with Server(self.document) as server:
             idle = socket.socket()

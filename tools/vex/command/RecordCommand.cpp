@@ -93,7 +93,7 @@ class RecordCommand final : public RecordingCommand {
 
  private:
   void takeValues() {
-    // Readings that were measured before did not start now.
+    // Readings in a file were measured earlier, so their run cannot start now.
     if (startsNow() && files_.readings != "-") {
       throw Error(ErrorCode::kUsage,
                   "--started now is for --readings - alone; give the run's own "
