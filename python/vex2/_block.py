@@ -346,7 +346,7 @@ class Block:
         return Frames(self)
 
     def find(self, well: Union[str, int]) -> int:
-        """The index in each frame of the well with this name or number.
+        """The index of the well with this name or number; it is the same in each frame.
 
         Raises:
             NotFoundError: the block has no readings of the well.

@@ -49,8 +49,8 @@ struct AllocationSweep {
         EXPECT_TRUE(failed || status == kSuccess) << status;
         check(manager, status);
       }
-      // The message of a failed expectation stays allocated, so look for leaks only if there was
-      // none.
+      // The message of a failed expectation stays allocated, so look for leaks only if no
+      // expectation failed.
       bool isBad = failures.Any();
       if (!isBad) {
         EXPECT_EQ(BlocksInUse(), before);

@@ -14,7 +14,7 @@ constexpr const char* kDiffMeaning =
 class DiffCommand final : public Command {
  public:
   DiffCommand()
-      : Command({"diff", "Show how two documents differ, each difference once.",
+      : Command({"diff", "Show the differences between two documents.",
                  "vex diff before.vex after.vex\n"
                  "vex diff run.vex copy.vex --readings --tolerance 0.01\n"
                  "vex diff run.vex copy.vex --json | jq '.differences | length'"}) {}

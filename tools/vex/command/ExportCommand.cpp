@@ -36,7 +36,7 @@ constexpr const char* kExportMeaning =
 class ExportCommand final : public Command {
  public:
   ExportCommand()
-      : Command({"export", "Write a document in a format of other programs.",
+      : Command({"export", "Write a document in a format for other programs.",
                  "vex export run.vex --format csv\nvex export run.vex -o run.csv\n"
                  "vex export run.vex --format rdml -o run.rdml\n"
                  "vex export study.vex --plate plate1\nvex export run.vex --raw"}) {}

@@ -28,7 +28,7 @@ constexpr const char* kFrameMeaning =
 class FrameCommand final : public Command {
  public:
   FrameCommand()
-      : Command({"frame", "Show one frame of a data block, read straight from the file.",
+      : Command({"frame", "Show one frame of a data block, read directly from the file.",
                  "vex frame run.vex 0\nvex frame run.vex 0 --grid\n"
                  "vex frame run.vex 39 --block REPr --json"}) {}
 

@@ -52,7 +52,7 @@ class PassingFolder {
 class ImportCommand final : public Command {
  public:
   ImportCommand()
-      : Command({"import", "Make documents of the runs in a file of another program.",
+      : Command({"import", "Make documents from the runs in a file of another program.",
                  "vex import run.rdml -o run.vex\n"
                  "vex import plates.rdml -o study.vex --study\n"
                  "curl https://example.org/run.rdml | vex import - -o run.vex --strict"}) {}

@@ -18,7 +18,7 @@ namespace {
 class InfoCommand final : public Command {
  public:
   InfoCommand()
-      : Command({"info", "Show what a document holds, or a line for each of several.",
+      : Command({"info", "Show an overview of a document, or one line for each of several.",
                  "vex info run.vex\nvex info *.vex\nvex info --json *.vex | jq '.frames'"}) {}
 
   void AddOptions(Options& options) override {

@@ -31,7 +31,7 @@ constexpr const char* kRecoverMeaning =
 class RecoverCommand final : public Command {
  public:
   RecoverCommand()
-      : Command({"recover", "Save what is whole of a damaged document as a new one.",
+      : Command({"recover", "Write the undamaged content of a damaged document to a new one.",
                  "vex recover damaged.vex -o recovered.vex\n"
                  "vex recover --json damaged.vex -o recovered.vex | jq .lost"}) {}
 

@@ -25,7 +25,7 @@ constexpr const char* kRepairMeaning =
 class RepairCommand final : public Command {
  public:
   RepairCommand()
-      : Command({"repair", "Repair lengths, positions and uncommitted bytes in place.",
+      : Command({"repair", "Repair lengths, offsets and uncommitted bytes in place.",
                  "vex repair --dry-run run.vex\nvex repair run.vex && vex check run.vex"}) {}
 
   void AddOptions(Options& options) override {

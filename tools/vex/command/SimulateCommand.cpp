@@ -19,7 +19,7 @@ class SimulateCommand final : public RecordingCommand {
  public:
   SimulateCommand()
       : RecordingCommand({"simulate",
-                          "Record a simulated dilution series, the same for the same seed.",
+                          "Record a simulated dilution series; equal seeds give equal runs.",
                           "vex simulate run.vex\n"
                           "vex simulate run.vex --wells 384 --cycles 45 --melt 70 --seed 7"}) {}
 

@@ -68,7 +68,7 @@ class StudyChange : public Command {
 class NewAction final : public StudyChange {
  public:
   NewAction()
-      : StudyChange({"new", "Make a study of plates, each a document of its own.",
+      : StudyChange({"new", "Make a study from the documents of its plates.",
                      "vex study new study.vex plate1.vex plate2.vex"}) {}
 
   ExitCode Run() override {
@@ -95,7 +95,7 @@ class NewAction final : public StudyChange {
 class AddAction final : public StudyChange {
  public:
   AddAction()
-      : StudyChange({"add", "Add plates to a study: all of them, or none when one is refused.",
+      : StudyChange({"add", "Add plates to a study: all of them, or none if one is refused.",
                      "vex study add study.vex plate3.vex"}) {}
 
   ExitCode Run() override {
@@ -177,7 +177,7 @@ class ListAction final : public Command {
 class ExtractAction final : public Command {
  public:
   ExtractAction()
-      : Command({"extract", "Save a plate of a study as a document of its own.",
+      : Command({"extract", "Save a plate of a study as a separate document.",
                  "vex study extract study.vex plate1 plate1.vex"}) {}
 
   void AddOptions(Options& options) override {
@@ -221,7 +221,7 @@ std::unique_ptr<Command> MakeStudyCommand() {
   actions.push_back(std::make_unique<ExtractAction>());
   actions.push_back(MakeStudySetCommand());
   return std::make_unique<CommandGroup>(
-      Command::Description{"study", "Join plates into a study, and take them out again.",
+      Command::Description{"study", "Join plates into a study, and list, remove or extract them.",
                            "vex study new study.vex plate1.vex plate2.vex\n"
                            "vex study list study.vex"},
       std::move(actions));
