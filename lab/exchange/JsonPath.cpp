@@ -9,6 +9,7 @@
 #include "lab/Nearest.h"
 #include "lab/Text.h"
 #include "lab/exchange/Json.h"
+#include "lab/model/PlateLayout.h"
 
 namespace vex2::lab {
 
@@ -87,7 +88,9 @@ const ordered_json* entryOf(const ordered_json& value, const std::string& name) 
   const ordered_json* alike = nullptr;
   for (const auto& entry : value) {
     const auto own = entryName(entry);
-    if (!own || normalized(*own) != normalized(name)) continue;
+    if (!own) continue;
+    const bool isWell = entry.contains("well") && PlainWellName(name) == *own;
+    if (!isWell && normalized(*own) != normalized(name)) continue;
     if (alike != nullptr) return nullptr;
     alike = &entry;
   }

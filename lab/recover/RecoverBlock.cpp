@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bitset>
+#include <functional>
 #include <utility>
 
 #include "lab/model/DataBlock.h"
@@ -227,6 +228,26 @@ std::optional<RecoverBlock> backwards(RecoverSource& source, const BlockSearch& 
   return std::nullopt;
 }
 
+std::optional<RecoverBlock> byFramesAlone(RecoverSource& source, const BlockSearch& search) {
+  if (search.beginsAtFrom) {
+    if (auto block = byPlace(source, search)) return block;
+    if (auto block = byFrames(source, search)) return block;
+  }
+  return backwards(source, search);
+}
+
+// Whether the last well record of the block is text, or one byte repeated. Such bytes look like
+// frames, because they have the same value wherever a marker is expected, but no readings are so.
+bool isFiller(RecoverSource& source, const RecoverBlock& block) {
+  const auto bytes = source.View(block.End() - kStoredRecordSize, kStoredRecordSize);
+  const auto end = bytes.begin() + std::min(bytes.size(), kStoredRecordSize);
+  const auto isPrinted = [](std::uint8_t byte) {
+    return (byte >= ' ' && byte <= '~') || (byte >= '\t' && byte <= '\r');
+  };
+  return std::all_of(bytes.begin(), end, isPrinted) ||
+         std::adjacent_find(bytes.begin(), end, std::not_equal_to<>()) == end;
+}
+
 }  // namespace
 
 std::optional<RecoverBlock> BlockAt(RecoverSource& source, std::uint64_t offset) {
@@ -270,11 +291,9 @@ std::optional<RecoverBlock> FindLostBlock(RecoverSource& source, const BlockSear
   if (search.to < search.from + kStoredRecordSize) return std::nullopt;
   if (auto block = byVersion(source, search)) return block;
   if (auto block = byNumbers(source, search)) return block;
-  if (search.beginsAtFrom) {
-    if (auto block = byPlace(source, search)) return block;
-    if (auto block = byFrames(source, search)) return block;
-  }
-  return backwards(source, search);
+  auto block = byFramesAlone(source, search);
+  if (block && block->numbers.empty() && isFiller(source, *block)) return std::nullopt;
+  return block;
 }
 
 std::optional<std::uint16_t> MarkerOf(RecoverSource& source, std::uint64_t frame,

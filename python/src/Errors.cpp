@@ -18,16 +18,13 @@ class SilentHost final : public Host {
   void ShowMessage(const std::string& /*text*/) override {}
 };
 
-// The remedy, in terms of the Python module.
+// The remedy, in terms of the Python module; empty where the library's own words name no operation
+// or option.
 std::string_view textOf(lab::ErrorRemedy remedy) {
   using lab::ErrorRemedy;
   switch (remedy) {
-    case ErrorRemedy::kNone:
-      break;
     case ErrorRemedy::kExtractPlate:
       return "use one of its plates: vex2.open(...).plates";
-    case ErrorRemedy::kMakeStudy:
-      return "make a study of it first";
     case ErrorRemedy::kEndRun:
       return "let the recorder finish, or call vex2.set_run_status if it never will";
     case ErrorRemedy::kImport:
@@ -46,25 +43,20 @@ std::string_view textOf(lab::ErrorRemedy remedy) {
       return "round the numbers before";
     case ErrorRemedy::kNameChannels:
       return "name all with channels=[...]";
-    case ErrorRemedy::kLowerOffset:
-      return "no reading can be below the offset";
-    case ErrorRemedy::kNewRunWithOffset:
-      return "record such a run to a new document with an offset below its lowest reading";
-    case ErrorRemedy::kNewRunWithScale:
-      return "record such a run to a new document with a scale that its highest reading fits";
     case ErrorRemedy::kResume:
       return "use resume=True to go on";
     case ErrorRemedy::kResumeOrReplace:
       return "use resume=True to continue it or replace=True to overwrite it";
+    default:
+      return {};
   }
-  return {};
 }
 
 // The library names its own functions in a remedy; this names those of the Python module instead.
 lab::Error inTermsOfPython(const lab::Error& error) {
-  if (error.Remedy() == lab::ErrorRemedy::kNone) return error;
-  const std::string message =
-      std::string(error.Problem()).append("; ").append(textOf(error.Remedy()));
+  const std::string_view remedy = textOf(error.Remedy());
+  if (remedy.empty()) return error;
+  const std::string message = std::string(error.Problem()).append("; ").append(remedy);
   if (error.File().empty()) return {error.Code(), message};
   return {error.Code(),
           error.File(),

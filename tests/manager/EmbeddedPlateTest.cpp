@@ -7,14 +7,7 @@
 
 namespace {
 
-using vex2::test::BigEndian;
-using vex2::test::HeaderBytes;
-using vex2::test::ListRecord;
-using vex2::test::ReadBytes;
-using vex2::test::Record;
-using vex2::test::RecordDeclaring;
-using vex2::test::ToBytes;
-using vex2::test::WriteBytes;
+using namespace vex2::test;
 using namespace std::string_literals;
 
 const std::string kEnd = Record("EOPl", "\0\0\0\0"s);

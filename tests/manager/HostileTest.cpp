@@ -21,20 +21,7 @@
 namespace {
 
 namespace fs = std::filesystem;
-using vex2::test::BigEndian;
-using vex2::test::Bytes;
-using vex2::test::DocumentOf;
-using vex2::test::FaultyFileSystem;
-using vex2::test::FileCall;
-using vex2::test::FirstDifference;
-using vex2::test::HeaderBytes;
-using vex2::test::ListRecord;
-using vex2::test::NestedLists;
-using vex2::test::ReadBytes;
-using vex2::test::Record;
-using vex2::test::RecordDeclaring;
-using vex2::test::ToBytes;
-using vex2::test::WriteBytes;
+using namespace vex2::test;
 using namespace std::string_literals;
 
 const std::string kNameRecord = Record("NAME", "abc");

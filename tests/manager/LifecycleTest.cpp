@@ -11,15 +11,7 @@
 
 namespace {
 
-using vex2::test::Bytes;
-using vex2::test::DocumentOf;
-using vex2::test::FirstDifference;
-using vex2::test::HeaderBytes;
-using vex2::test::ReadBytes;
-using vex2::test::Record;
-using vex2::test::RecordDeclaring;
-using vex2::test::ToBytes;
-using vex2::test::WriteBytes;
+using namespace vex2::test;
 using namespace std::string_literals;
 
 std::string tagsOf(const Vex2FileManager& manager) {

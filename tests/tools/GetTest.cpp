@@ -36,6 +36,7 @@ TEST_F(Get, ReachesWellsDetectorsDyesAndRecords) {
                             "A1,liver,MYC,UNKN,,FAM\nB2,kidney,MYC,STND,1000,FAM\n"));
   Output({"wells", path_, "--from", wells});
   EXPECT_EQ(Output({"get", path_, "wells[A1].sample"}), "liver\n");
+  EXPECT_EQ(Output({"get", path_, "wells[A01].sample"}), "liver\n");
   EXPECT_EQ(Output({"get", path_, "wells[b2].detectors[MYC].quantity"}), "1000\n");
   EXPECT_EQ(Output({"get", path_, "detectors[MYC].reporter"}), "FAM\n");
   EXPECT_EQ(Output({"get", path_, "dyes[0]"}), "FAM\n");

@@ -53,6 +53,16 @@ class RecordLiveTest : public RecordTest {
     pipe_ = -1;
   }
 
+  /// Starts a recorder, sends it three frames, and kills it after at least two of them.
+  void StartAndKill() {
+    Start();
+    Send(kColumns + Frames(1, 3));
+    ASSERT_TRUE(WaitForFrames(2));
+    recorder_->Signal(SIGKILL);
+    recorder_->Wait();
+    End();
+  }
+
   static std::string Row(const std::string& well, int cycle, const std::string& reading) {
     return well + ",amplification," + std::to_string(cycle) + "," + std::to_string(cycle * 40) +
            ",60," + reading + "\n";
@@ -116,12 +126,7 @@ TEST_F(RecordLiveTest, IncompleteLastFrameIsReportedAndNotRecorded) {
 }
 
 TEST_F(RecordLiveTest, KilledRunContinuesWithFramesSentAgain) {
-  Start();
-  Send(kColumns + Frames(1, 3));
-  ASSERT_TRUE(WaitForFrames(2));
-  recorder_->Signal(SIGKILL);
-  recorder_->Wait();
-  End();
+  ASSERT_NO_FATAL_FAILURE(StartAndKill());
   const CommandResult result = RecordLive(Frames(1, 5), {"--resume"});
   EXPECT_EQ(result.exitCode, 0) << result.errors;
   EXPECT_EQ(RecordedFrames(Run()), 5);
@@ -129,12 +134,7 @@ TEST_F(RecordLiveTest, KilledRunContinuesWithFramesSentAgain) {
 }
 
 TEST_F(RecordLiveTest, KilledRunContinuesWithTheNextFrame) {
-  Start();
-  Send(kColumns + Frames(1, 3));
-  ASSERT_TRUE(WaitForFrames(2));
-  recorder_->Signal(SIGKILL);
-  recorder_->Wait();
-  End();
+  ASSERT_NO_FATAL_FAILURE(StartAndKill());
   const CommandResult result = RecordLive(Frames(4, 5), {"--resume"});
   EXPECT_EQ(result.exitCode, 0) << result.errors;
   EXPECT_EQ(RecordedFrames(Run()), 5);

@@ -54,6 +54,15 @@ TEST_F(Recover, AWholeDocumentComesOutAsItWas) {
   EXPECT_EQ(FirstDifference(ReadBytes(recovered_), ReadBytes(path_)), "");
 }
 
+TEST_F(Recover, FindsNothingInTextOrInOneByteRepeated) {
+  for (const std::string& filler :
+       {std::string(2000, 'x'), std::string(2000, '\x55'), "Vex2" + std::string(2000, 'x'),
+        std::string(1024, '\0') + std::string(2000, '\x02')}) {
+    WriteBytes(path_, ToBytes(filler));
+    ExpectNothingDone({"recover", path_, "-o", recovered_}, 2, "nothing");
+  }
+}
+
 TEST_F(Recover, CutOffRunKeepsAllWholeFramesAndReportsTheLoss) {
   MakeRun("DONE");
   Change([](Bytes& bytes) { bytes.resize(kEnd - 1); });
