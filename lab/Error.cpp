@@ -105,7 +105,7 @@ std::string_view textOf(ErrorRemedy remedy) {
     case ErrorRemedy::kNewRunWithScale:
       return "record such a run to a new document with a scale that its highest reading fits";
     case ErrorRemedy::kResume:
-      return "resume the run to go on";
+      return "resume the run to continue";
     case ErrorRemedy::kResumeOrReplace:
       return "set resume to continue it or replace to overwrite it";
   }

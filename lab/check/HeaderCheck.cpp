@@ -27,7 +27,8 @@ void checkSize(const HeaderFields& header, const std::string& name, std::uint64_
   if (header.rows > HeaderLayout::kMaxRows) {
     findings.Add({Severity::kError, name, rowsAt,
                   fmt::format("a plate of {} rows, more than a header has room for", header.rows),
-                  "records are looked for behind the masks of all rows, and no save reads back",
+                  "the reader looks for records after the masks of all rows, and a saved copy "
+                  "could not be read back",
                   "{recover} takes what it finds into a document of a possible plate"});
     return;
   }
@@ -54,14 +55,14 @@ void checkUsage(const HeaderFields& header, const std::string& name, std::uint64
   }
   if (outside == 0) return;
   findings.Add({Severity::kWarning, name, offset + HeaderLayout::kUsageAt,
-                fmt::format("the masks of wells in use have {} in columns that a plate of {} has "
-                            "not",
+                fmt::format("the masks of wells in use have {} in columns that a plate of {} does "
+                            "not have",
                             Counted(outside, "well"), dimensions(header)),
                 "they are counted as wells in use", ""});
 }
 
 std::string leadsTo(std::uint32_t position, std::string_view tag) {
-  return fmt::format("the header's position of {} is {}", tag, position);
+  return fmt::format("the header's offset of {} is {}", tag, position);
 }
 
 /// The records to which an offset in the header leads.
@@ -154,7 +155,7 @@ void checkRawData(const HeaderFields& header, const Aim& aim, const Document& do
                   "header", HeaderLayout::kRawDataOffsetAt,
                   fmt::format("{}, but there is no such record", what),
                   isStudy  ? "none: a study has no block of its own"
-                  : isHarm ? "frames that an instrument commits would stand behind no block"
+                  : isHarm ? "frames that an instrument commits would belong to no block"
                            : "programs that read single frames from the file find something else",
                   isStudy                  ? ""
                   : mayHideBlock(document) ? "{recover} looks for the block"
@@ -187,9 +188,9 @@ void checkLast(const HeaderFields& header, const Document& document, Findings& f
   if (block == records.end() || block + 1 == records.end()) return;
   findings.Add(
       {Severity::kWarning, std::string(TagOf(Kind::kRawData)), block->offset,
-       fmt::format("the run is in progress, and {} behind its block",
-                   Counted(records.end() - block - 1, "record stands", "records stand")),
-       "a frame that is committed would stand behind them, and the block's length be wrong",
+       fmt::format("the run is in progress, and {} its block",
+                   Counted(records.end() - block - 1, "record follows", "records follow")),
+       "a committed frame would follow these records, and the block's length would be wrong",
        "when the run is over, {setStatus} sets its status"});
 }
 

@@ -139,17 +139,17 @@ void RecordCheck::checkNoRecord(const FileRecord& record) {
   const bool goesOn = garbageEnd_ == record.offset;
   garbageEnd_ = record.DeclaredEnd();
   if (record.depth == 1) {
-    return add(Severity::kError, "these bytes are no record, and known ones follow",
-               fmt::format("the reader steps over {} and may miss what stood there; the next save "
-                           "drops them",
-                           Counted(record.length, "byte")),
-               "{recover} looks for records among them");
+    return add(
+        Severity::kError, "these bytes are not a record, and known records follow",
+        fmt::format("the reader skips {} and may miss records there; the next save drops them",
+                    Counted(record.length, "byte")),
+        "{recover} looks for records among them");
   }
   if (goesOn) return;
   findings_.Add({Severity::kError, path(levels_.size() - 1), record.offset,
                  "from here on there are bytes that are no records",
-                 "the reader takes them for records of the list, and loses those behind them",
-                 "{recover} looks for records among and behind them"});
+                 "the reader takes them for records of the list, and loses those after them",
+                 "{recover} looks for records among and after them"});
 }
 
 void RecordCheck::Finish(const WalkEnd& end) {
@@ -197,11 +197,11 @@ void RecordCheck::checkLength(const Level& level) {
   if (isUsual) {
     return tell(Severity::kWarning, "as in lists whose texts lost a zero byte",
                 "this library reads it by its content; programs that go by lengths lose the "
-                "records behind it");
+                "records after it");
   }
   tell(Severity::kError, "so it overlaps what follows",
-       "this library reads it by its content, but less at the end of the file; programs that go "
-       "by lengths lose the records behind it");
+       "this library reads it by its content, but may read less if that length goes past the end "
+       "of the file; programs that go by lengths lose the records after it");
 }
 
 void RecordCheck::checkCells(const FileRecord& record, CFile& file) {
@@ -219,7 +219,7 @@ void RecordCheck::checkBlock(const FileRecord& record, CFile& file) {
   if (!head) return;  // the walk stops at this record too, and CheckEnd reports that
   if (head->version < kFirstVersionWithTimes) {
     add(Severity::kWarning, fmt::format("a data block of version {}", head->version),
-        "it is read, but would not read back once it was saved",
+        "it is read, but a saved copy could not be read back",
         "{upgrade} makes a document of it that is safe to save");
   } else if (head->timeBlockSize != kTimeBlockSize) {
     add(Severity::kError,
@@ -243,7 +243,7 @@ void RecordCheck::checkBlock(const FileRecord& record, CFile& file) {
   // another number of frames.
   add(Severity::kError,
       isShort ? "its length ends before its first frame"
-              : fmt::format("its length counts {} and {} of the {} bytes of another",
+              : fmt::format("its length covers {} and {} of the {} bytes of another frame",
                             Counted(counted / head->frameSize, "frame"), part, head->frameSize),
       "the half frame is not read, and the next record is looked for in it",
       "{repair} sets the length to whole frames where the block is the last record");
@@ -259,7 +259,7 @@ void RecordCheck::checkWells(const StoredBlock& head) {
   }
   if (doubles > 0) {
     add(Severity::kWarning,
-        fmt::format("{} of its wells {} in it twice", doubles, doubles == 1 ? "stands" : "stand"),
+        fmt::format("{} of its wells {} in it twice", doubles, doubles == 1 ? "is" : "are"),
         "only the first reading of such a well is found by its number");
   }
   if (outside > 0) {

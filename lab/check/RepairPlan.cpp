@@ -92,8 +92,8 @@ class Planner {
           end - block.record.offset - kRecordHeadSize,
           fmt::format("the length of RAWa, for {}", Counted(frames, "whole frame")));
     const bool wasCounted = head.firstFrame + (frames + 1) * head.frameSize <= range.countedEnd;
-    cutAt(end, wasCounted ? "of a frame of which the rest is gone"
-                          : "of a frame that was not committed");
+    cutAt(end,
+          wasCounted ? "of a frame whose rest is missing" : "of a frame that was not committed");
   }
 
   bool isFilled(const StoredBlock& head, std::uint64_t frame) {
@@ -108,7 +108,7 @@ class Planner {
   void repairLengths(const std::vector<WrongLength>& lengths) {
     for (const WrongLength& wrong : lengths) {
       patch(wrong.offset + kLengthAt, wrong.declared, wrong.held,
-            fmt::format("the length of {}, for what it holds", wrong.name));
+            fmt::format("the length of {}, to match what it holds", wrong.name));
     }
   }
 
@@ -122,7 +122,7 @@ class Planner {
     }
     if (first == nullptr || position == 0) return;
     patch(HeaderLayout::kProgramOffsetAt, position, first->offset,
-          "the header's position of TPro, for its tag");
+          "the header's offset of TPro, to lead to its tag");
   }
 
   // The end of a record after its length is repaired. An offset in the header that led to the old
@@ -145,7 +145,7 @@ class Planner {
       // The bytes after the last record may be the block, with a damaged head.
       if (document_.RecordsEnd() + kRecordHeadSize <= plan_.newSize.value_or(plan_.size)) return;
       return patch(HeaderLayout::kRawDataOffsetAt, position, 0,
-                   "the header's position of RAWa, for there is none");
+                   "the header's offset of RAWa, since there is no such record");
     }
     const auto leads = [&](const auto& record) {
       return record.offset == position || endOf(record) == position;
@@ -163,7 +163,7 @@ class Planner {
     });
     if (isAtTag) return;
     patch(HeaderLayout::kRawDataOffsetAt, position, block->offset,
-          "the header's position of RAWa, for its tag");
+          "the header's offset of RAWa, to lead to its tag");
   }
 
   const Document document_;

@@ -26,8 +26,8 @@ void checkCutBlock(CFile& file, const Document& document, const HeaderFields& he
     findings.Add({Severity::kWarning, std::string(kReadings), fault.offset,
                   "a block that the header does not lead to, cut short: its first commit was "
                   "interrupted",
-                  "nothing that was committed is lost; an instrument that goes on would write a "
-                  "second block behind it",
+                  "nothing that was committed is lost; an instrument that continues would write a "
+                  "second block after it",
                   kResume});
     return;
   }
@@ -117,7 +117,7 @@ void checkBehindRecords(CFile& file, const Document& document, const HeaderField
   }
   const bool canHide = bytes >= kRecordHeadSize;
   findings.Add({canHide ? Severity::kError : Severity::kWarning, "", from,
-                fmt::format("{} the last record, and begin none that is known",
+                fmt::format("{} the last record, and are not a known record",
                             Counted(bytes, "byte follows", "bytes follow")),
                 canHide ? "they are not read, a save drops them, and there may be records in them"
                         : "too few for a record; they are not read, and a save drops them",

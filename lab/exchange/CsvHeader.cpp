@@ -49,10 +49,10 @@ std::string CsvHeader::whyMissing(std::string_view column, const CsvSplitter::Ro
     had += (i == 0 ? "" : ", ") + Quoted(names[i]);
   }
   if (names.size() > kMostShown) had += ", ...";
-  const std::string other =
-      format_.namesOption.empty()
-          ? std::string()
-          : fmt::format(", and '{} {}=NAME' tells another name", format_.namesOption, column);
+  const std::string other = format_.namesOption.empty()
+                                ? std::string()
+                                : fmt::format("; use '{} {}=NAME' if the file calls it otherwise",
+                                              format_.namesOption, column);
   return fmt::format("has no column {} (it has {}); the first row must name the columns{}",
                      Quoted(isGiven ? given->second : column), had, other);
 }

@@ -40,7 +40,7 @@ void listRecords(const Document::Plate& plate, Losses& losses) {
     const bool isBlock =
         std::find(kDataBlockTags.begin(), kDataBlockTags.end(), record.tag) != kDataBlockTags.end();
     if ((isTabled && isFirst) || isBlock) continue;
-    losses.Add(isTabled ? "records of a kind that stands twice" : "records of other kinds",
+    losses.Add(isTabled ? "further records of a kind" : "records of other kinds",
                quoted(record.tag) + " at byte " + std::to_string(record.offset));
   }
 }

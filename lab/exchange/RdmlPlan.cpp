@@ -332,9 +332,10 @@ class Planner {
                 exampleOf(timed) + ": " + ShortestQuotient(timed.first.time, kTimeSteps) + " s",
                 timed.count);
     const auto all = static_cast<std::uint64_t>(source_->raw->GetFrameCount()) * wells.size();
-    losses_.Add("records of readings whose meaning is not known",
-                source_->Log() == nullptr ? "vex did not record them" : "a record of another maker",
-                all - known);
+    losses_.Add(
+        "records of readings whose meaning is not known",
+        source_->Log() == nullptr ? "vex did not record them" : "another program wrote the record",
+        all - known);
   }
 
   bool isEmpty(const RunReading& reading) const {

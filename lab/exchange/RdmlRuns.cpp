@@ -281,7 +281,7 @@ class Converter {
     const auto found = std::find_if(wells.begin(), wells.end(),
                                     [&](const Well& well) { return well.number == *number; });
     if (found != wells.end()) {
-      losses_.Add("wells that stand twice in a run", "react " + std::to_string(react.number));
+      losses_.Add("wells that are in a run twice", "react " + std::to_string(react.number));
       return nullptr;
     }
     Well& well = wells.emplace_back();

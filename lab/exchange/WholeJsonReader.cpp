@@ -192,7 +192,7 @@ class Blocks {
     const std::string tag = one["tag"].Text();
     if (std::find(kDataBlockTags.begin(), kDataBlockTags.end(), tag) == kDataBlockTags.end() ||
         std::find(tags_.begin(), tags_.end(), tag) != tags_.end()) {
-      one["tag"].Refuse("is no tag of a data block, or stands twice");
+      one["tag"].Refuse("is not the tag of a data block, or is there twice");
     }
     std::vector<std::uint16_t> wells(one["wells"].Json().is_array() ? one["wells"].Json().size()
                                                                     : 0);

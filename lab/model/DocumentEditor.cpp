@@ -113,7 +113,7 @@ void storeCalibration(Vex2FileManager& document, const Calibration& before,
   Calibration changed;
   const auto compare = [](const auto& old, const auto& now, auto& change) {
     if (now == old) return;
-    if (!now) refuseEdit("a part of the calibration can be replaced, but not taken away");
+    if (!now) refuseEdit("a part of the calibration can be replaced, but not removed");
     change = now;
   };
   compare(before.pureDyes, after.pureDyes, changed.pureDyes);
@@ -158,7 +158,7 @@ class PlateEditor::Impl {
     const PlateValues before = comparable(before_);
     const PlateValues values = comparable(values_);
     if (values == before) return;
-    if (content_.IsRQS()) refuseEdit("it is a study: what it holds is changed in its plates");
+    if (content_.IsRQS()) refuseEdit("it is a study: change its plates instead");
     if (values.plate.wells != before.plate.wells) {
       StoreContents(content_, StoredContents(values_.plate, values_.detectors));
     }

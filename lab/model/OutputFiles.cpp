@@ -100,7 +100,7 @@ void OutputFiles::checkDistinct() const {
     for (auto other = outputs_.begin(); other != output; ++other) {
       if (!isSameFile(*output, *other)) continue;
       throw Error(ErrorCode::kUsage, output->path,
-                  "is an output twice; give each a name of its own");
+                  "is given for two outputs; give each a different name");
     }
   }
 }

@@ -98,7 +98,7 @@ void addDetector(Vex2WellSetup& cell, const WellRow& row) {
 
 void requireRoom(int status) {
   if (status != kSuccess) {
-    throw Error(ErrorCode::kSystem, "the document cannot hold so much of its plate");
+    throw Error(ErrorCode::kSystem, "the plate setup is too large for a document");
   }
 }
 

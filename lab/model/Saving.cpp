@@ -22,11 +22,12 @@ void upgradeBlocks(const Document& document, const Document::Plate& plate, const
     auto* block = dynamic_cast<AcquisitionDataComp*>(plate.content->GetComponent(index++));
     if (block == nullptr || block->GetVersion() >= kFirstVersionWithTimes) continue;
     if (!rules.upgradeBlocks) {
-      throw Error(ErrorCode::kDocument, document.Path(),
-                  fmt::format("the data block \"{}\" is of version 1 and would not read back once "
-                              "saved; {}",
-                              record.tag, rules.upgradeHint),
-                  record.offset);
+      throw Error(
+          ErrorCode::kDocument, document.Path(),
+          fmt::format(
+              "the data block \"{}\" is of version 1, and a saved copy could not be read back; {}",
+              record.tag, rules.upgradeHint),
+          record.offset);
     }
     block->Upgrade();
   }

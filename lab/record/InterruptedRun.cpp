@@ -149,7 +149,7 @@ void InterruptedRun::Check(const RunPlan& plan) const {
   checkContents(plan);
   if (plan.isLive) return;  // the frames of a live run are compared as they arrive
   if (IsDone() && frames_.count < plan.frames.size()) {
-    refuse(fmt::format("is complete with {}, but the run that is given has {}",
+    refuse(fmt::format("is complete with {}, but the run to record has {}",
                        Counted(frames_.count, "frame"), plan.frames.size()));
   }
   if (!HasBlock()) return;
@@ -181,7 +181,7 @@ void InterruptedRun::checkContents(const RunPlan& plan) const {
   const auto difference = FindDifference(document, plan);
   if (!difference) return;
   const auto shown = [](const std::string& text) { return text.empty() ? "none" : Quoted(text); };
-  refuse(fmt::format("cannot resume: the {} is {} in the document, but {} in what is given",
+  refuse(fmt::format("cannot resume: the {} is {} in the document, but {} in the run to record",
                      difference->what, shown(difference->recorded), shown(difference->given)));
 }
 

@@ -145,7 +145,7 @@ void LiveRun::record(const CollectedFrame& frame) {
   if (isRecorded(frame.Key())) return compare(frame.Key(), readings);
   if (recorder_.WasDone()) {
     throw Error(ErrorCode::kDocument, document_,
-                fmt::format("is complete with {}, but {} is none of them",
+                fmt::format("is complete with {}, but {} is not one of them",
                             Counted(plan_.frames.size(), "frame"),
                             FrameName(frame.Key().first, frame.Key().second)));
   }

@@ -20,10 +20,9 @@ void RecordingDocument::Claim(const RunPlan& plan) {
   const bool exists = ::stat(document_.c_str(), &info) == 0;
   // Under another of its names the file has another lock, so two recorders could write to it.
   if (exists && info.st_nlink > 1) {
-    throw Error(
-        ErrorCode::kUsage, options_.path,
-        "has other names as well (hard links), under which others could change it; record to "
-        "a name of its own");
+    throw Error(ErrorCode::kUsage, options_.path,
+                "has other names as well (hard links), under which others could change it; record "
+                "to another file");
   }
   if (exists && !options_.resume && !options_.replace) {
     throw Error(ErrorCode::kExists, options_.path, "already exists", std::nullopt,
@@ -120,7 +119,7 @@ void RecordingDocument::requireOwnFile() const {
   if (isSame) return;
   throw Error(ErrorCode::kDocument, options_.path,
               "cannot record further: another program has changed or replaced the file since the "
-              "last frame; look at it, and record or resume anew");
+              "last frame; check the file, then record or resume again");
 }
 
 // After a failed commit, reads the document again, because the manager still holds the frame of

@@ -222,7 +222,7 @@ std::optional<RecoverBlock> backwards(RecoverSource& source, const BlockSearch& 
     if (block.frames == 0) continue;
     const std::uint64_t head = kRecordHeadSize + kBlockFixedSize + 2U * wells;
     block.offset = std::max(search.from, block.firstFrame - std::min(block.firstFrame, head));
-    block.guesses.emplace_back("the place of the first frame");
+    block.guesses.emplace_back("the offset of the first frame");
     return block;
   }
   return std::nullopt;

@@ -51,12 +51,12 @@ std::uint64_t Recovery::passGap(std::uint64_t offset) {
   constexpr std::uint64_t kPlateEnd = 12;
   if (next >= offset + kPlateEnd &&
       (isPlateEnd(next - kPlateEnd) || isRestOfPlateEnd(next - kPlateEnd))) {
-    lose(offset, next - kPlateEnd, "bytes that make no whole record");
+    lose(offset, next - kPlateEnd, "bytes that are not a whole record");
     return keepPlateEnd(next - kPlateEnd);
   }
   const bool isRecord = next - offset >= kRecordHeadSize;
   if (isRecord && tree_.IsAtTop()) ++report_.lostRecords;
-  lose(offset, next, isRecord ? "bytes that make no whole record" : "too few bytes for a record");
+  lose(offset, next, isRecord ? "bytes that are not a whole record" : "too few bytes for a record");
   if (next < source_.Size()) {
     const auto bytes = source_.View(next, kTagLength);
     const std::string tag(bytes.begin(), bytes.begin() + kTagLength);
@@ -86,11 +86,11 @@ void Recovery::fillCells(std::uint64_t offset, bool isCell) {
 std::uint64_t Recovery::keepFound(RecoverBlock block, std::uint64_t from, std::uint64_t to) {
   if (block.tag.empty()) {
     block.tag = likelyTag(block, from);
-    block.guesses.emplace_back(fmt::format("that it is {}", InQuotes(block.tag)));
+    block.guesses.emplace_back(fmt::format("the tag {}", InQuotes(block.tag)));
   }
   if (block.numbers.empty() && !block.lengthAgrees) {
     block.numbers = likelyNumbers(block.wells);
-    block.guesses.emplace_back("the wells' numbers");
+    block.guesses.emplace_back("the well numbers");
   } else if (block.numbers.empty()) {
     block.numbers = ReadWellNumbers(source_, block.firstFrame - 2U * block.wells, block.wells);
   }
@@ -99,7 +99,7 @@ std::uint64_t Recovery::keepFound(RecoverBlock block, std::uint64_t from, std::u
   makeRoom(block.offset, block.tag);
   if (block.offset > from) {
     ++report_.lostRecords;
-    lose(from, std::min(block.offset, block.firstFrame), "bytes that make no whole record");
+    lose(from, std::min(block.offset, block.firstFrame), "bytes that are not a whole record");
   }
   const std::uint64_t written = tree_.Position();
   tree_.Append(madeHead(block));
@@ -139,7 +139,7 @@ std::uint64_t Recovery::keepBlock(RecoverBlock block) {
   }
   if (behind > 0) {
     report_.Correct(block.End(),
-                    fmt::format("{} behind the declared length of the data block {} counted in",
+                    fmt::format("{} after the declared length of the data block {} added to it",
                                 Counted(behind, "whole frame"), InQuotes(block.tag)));
   }
   ++report_.records;

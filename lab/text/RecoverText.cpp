@@ -24,7 +24,7 @@ std::string notesText(const std::vector<RecoverNote>& notes, std::uint64_t place
   if (places == 0) return {};
   std::string text =
       '\n' +
-      form.Styled(PadLeft("position", kColumnWidth) + PadLeft("bytes", kColumnWidth) + "  " + title,
+      form.Styled(PadLeft("offset", kColumnWidth) + PadLeft("bytes", kColumnWidth) + "  " + title,
                   Style::kDim) +
       '\n';
   for (std::size_t i = 0; i < notes.size() && i < kMostLines; ++i) {

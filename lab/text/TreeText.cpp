@@ -44,7 +44,7 @@ void TreeText::writeHead() {
   if (hasHead_) return;
   hasHead_ = true;
   out_ << form_.Styled(
-              PadLeft("position", kNumberWidth) + PadLeft("length", kNumberWidth) + "  record",
+              PadLeft("offset", kNumberWidth) + PadLeft("length", kNumberWidth) + "  record",
               Style::kDim)
        << '\n';
 }

@@ -353,7 +353,7 @@ TEST_F(StudyEditorTest, StudyItselfHoldsNoWells) {
   EXPECT_THAT(error.what(), HasSubstr("a study keeps no comment of its own; set it in a plate"));
   editor.RequiredDyes() = {"VIC"};
   EXPECT_THAT(ErrorOf([&] { editor.Save(); }).what(),
-              HasSubstr("it is a study: what it holds is changed in its plates"));
+              HasSubstr("it is a study: change its plates instead"));
 }
 
 }  // namespace

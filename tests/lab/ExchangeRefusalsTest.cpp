@@ -75,7 +75,7 @@ TEST_F(ExchangeRefusals, OfJsonNameTheKey) {
        {"\"code\":\"00000000\"", "\"code\":\"000000\"",
         "calibration.pureDyes.code: does not have 4 bytes"},
        {"\"tag\":\"RAWa\"", "\"tag\":\"RAWb\"",
-        "blocks[0].tag: is no tag of a data block, or stands twice"},
+        "blocks[0].tag: is not the tag of a data block, or is there twice"},
        {"\"wells\":[1,2,", "\"wells\":[1,1,", "blocks[0].wells: has a well twice"},
        {"\"frames\":[[[", "\"frames\":[[0,[", "blocks[0].frames[0]: is no array of 96 wells"},
        {"\"frames\":[[[1,", "\"frames\":[[[",

@@ -80,7 +80,7 @@ TEST_F(LabMessages, EditorSaysWhatOfTheCalibrationCannotBe) {
             "the name of a spectrum is not a text of 255 Latin-1 characters at most");
   editor.Calibration().pureDyes.reset();
   EXPECT_EQ(ErrorOf([&] { editor.Save(); }).Message(),
-            "a part of the calibration can be replaced, but not taken away");
+            "a part of the calibration can be replaced, but not removed");
 }
 
 TEST_F(LabMessages, RecorderSaysWhatTheFrameLacks) {

@@ -61,7 +61,7 @@ const std::map<std::string, std::vector<std::string>>& explanations() {
       {"readings/REPr", {"records of further data blocks", "data blocks without frames"}},
       {"readings/REPd", {"records of further data blocks", "data blocks without frames"}},
       {"readings/REPt", {"records of further data blocks", "data blocks without frames"}},
-      {"records", {"records of other kinds", "records of a kind that stands twice"}},
+      {"records", {"records of other kinds", "further records of a kind"}},
       {"plates/*", {"plates in a document that is not a study"}},
       {"dyes", {"dyes that the list of required dyes lacks, added to it"}},
       {"records/uncommitted bytes", {"uncommitted bytes"}},

@@ -456,7 +456,7 @@ TEST_F(RunRecorderTest, NeverWritesToAnotherFileInItsPlace) {
     EXPECT_THAT(
         messageOf([&] { made.Append(rawFrame(1)); }),
         testing::HasSubstr("another program has changed or replaced the file since the last "
-                           "frame; look at it, and record or resume anew"));
+                           "frame; check the file, then record or resume again"));
     EXPECT_EQ(FirstDifference(ReadBytes(path()), bytes), "");
   }
 }

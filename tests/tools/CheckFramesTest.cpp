@@ -70,8 +70,10 @@ TEST_F(CheckFrames, ALengthThatCountsMoreFramesThanThereAreIsAnError) {
 TEST_F(CheckFrames, ALengthThatCountsHalfAFrameIsAnError) {
   MakeRun("DONE");
   SetLong(kBlock + 4, kBlockLength - kFrame + 50);
-  EXPECT_THAT(Errors(), HasSubstr("RAWa at 1120: its length counts 2 frames and 50 of the 240 "
-                                  "bytes of another\n"));
+  EXPECT_THAT(
+      Errors(),
+      HasSubstr(
+          "RAWa at 1120: its length covers 2 frames and 50 of the 240 bytes of another frame\n"));
 }
 
 TEST_F(CheckFrames, ALengthThatEndsBeforeTheFirstFrameIsAnError) {
@@ -113,7 +115,7 @@ TEST_F(CheckFrames, ABlockWithoutItsTagIsAFirstCommitOnlyAtTheBeginOfARun) {
       " at 1120: 272 bytes of a block without its tag follow the last record: a first commit was "
       "interrupted");
   SetStatus("DONE");
-  ExpectError(" at 1120: 272 bytes follow the last record, and begin none that is known");
+  ExpectError(" at 1120: 272 bytes follow the last record, and are not a known record");
 }
 
 TEST_F(CheckFrames, ATimeBlockOfAnotherSizeIsAnError) {
@@ -129,7 +131,7 @@ TEST_F(CheckFrames, RepeatedWellsAndWellsOffThePlateAreAWarning) {
   Change([](Bytes& bytes) { bytes[kBlock + 27] = 96; });
   ExpectSound();
   Change([](Bytes& bytes) { bytes[kBlock + 27] = 3; });
-  ExpectWarning("RAWa at 1120: 1 of its wells stands in it twice");
+  ExpectWarning("RAWa at 1120: 1 of its wells is in it twice");
 }
 
 TEST_F(CheckFrames, ABlockOfTheOldVersionIsAWarning) {
@@ -143,11 +145,11 @@ TEST_F(CheckPosition, OfRawDataElsewhereThanItsTagIsAnError) {
   MakeRun("PROG");
   SetLong(kPositionAt, kBlock + 1);
   ExpectError(
-      "header at 68: the header's position of RAWa is 1121, but the block is at byte 1120, and the "
+      "header at 68: the header's offset of RAWa is 1121, but the block is at byte 1120, and the "
       "run is in progress");
   SetStatus("DONE");
   ExpectError(
-      "header at 68: the header's position of RAWa is 1121, which is not where the block is, at "
+      "header at 68: the header's offset of RAWa is 1121, which is not where the block is, at "
       "byte 1120");
 }
 
@@ -155,13 +157,12 @@ TEST_F(CheckPosition, JustPastTheBlockIsWhatAWholeSaveLeaves) {
   MakeRun("DONE");
   SetLong(kPositionAt, kEnd);
   ExpectSound();
-  EXPECT_EQ(
-      Notes(),
-      "header at 68: the header's position of RAWa is 1872, just past the block, as a save of "
-      "the whole document leaves it\n");
+  EXPECT_EQ(Notes(),
+            "header at 68: the header's offset of RAWa is 1872, just past the block, as a save of "
+            "the whole document leaves it\n");
   SetStatus("PROG");
   ExpectWarning(
-      "header at 68: the header's position of RAWa is 1872, just past the block at byte 1120, and "
+      "header at 68: the header's offset of RAWa is 1872, just past the block at byte 1120, and "
       "the run is in progress");
 }
 
@@ -169,7 +170,7 @@ TEST_F(CheckPosition, NoneForABlockIsWhatAFirstCommitLeavesThatWasInterrupted) {
   MakeRun("PROG");
   SetLong(kPositionAt, 0);
   ExpectWarning(
-      "header at 68: the header's position of RAWa is 0, but the block is at byte 1120, and the "
+      "header at 68: the header's offset of RAWa is 0, but the block is at byte 1120, and the "
       "run is in progress");
   SetStatus("DONE");
   ExpectSound();
@@ -178,9 +179,9 @@ TEST_F(CheckPosition, NoneForABlockIsWhatAFirstCommitLeavesThatWasInterrupted) {
 TEST_F(CheckPosition, WithoutABlockIsWorseWhileTheRunIsInProgress) {
   MakeRun("DONE");
   Change([](Bytes& bytes) { bytes.resize(kBlock); });
-  ExpectWarning("header at 68: the header's position of RAWa is 1120, but there is no such record");
+  ExpectWarning("header at 68: the header's offset of RAWa is 1120, but there is no such record");
   SetStatus("PROG");
-  ExpectError("header at 68: the header's position of RAWa is 1120, but there is no such record");
+  ExpectError("header at 68: the header's offset of RAWa is 1120, but there is no such record");
   SetLong(kPositionAt, 0);
   ExpectSound();
 }
@@ -191,14 +192,14 @@ TEST_F(CheckPosition, OfTheProgramElsewhereThanItsRecordIsAnError) {
   MakeDocument(records);
   SetLong(kProgramAt, 1025);
   ExpectError(
-      "header at 24: the header's position of TPro is 1025, which is not where its record is, at "
+      "header at 24: the header's offset of TPro is 1025, which is not where its record is, at "
       "byte 1024");
   for (const unsigned long right : {0UL, 1024UL, 1035UL}) {
     SetLong(kProgramAt, right);
     ExpectSound();
   }
   Change([](Bytes& bytes) { bytes.resize(1024); });
-  ExpectWarning("header at 24: the header's position of TPro is 1035, but there is no such record");
+  ExpectWarning("header at 24: the header's offset of TPro is 1035, but there is no such record");
 }
 
 TEST_F(CheckPosition, RecordsAfterTheBlockOfARunInProgressAreAWarning) {
@@ -206,7 +207,7 @@ TEST_F(CheckPosition, RecordsAfterTheBlockOfARunInProgressAreAWarning) {
   Bytes more;
   AppendRecord(more, "COMM", ToBytes("text"));
   Append(more);
-  ExpectWarning("RAWa at 1120: the run is in progress, and 1 record stands behind its block");
+  ExpectWarning("RAWa at 1120: the run is in progress, and 1 record follows its block");
   SetStatus("DONE");
   ExpectSound();
 }

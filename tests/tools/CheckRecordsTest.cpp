@@ -36,8 +36,8 @@ TEST_F(CheckHeaders, WhatIsNoDocumentIsAnError) {
 TEST_F(CheckHeaders, WellsInUseThatThePlateHasNotAreAWarning) {
   SetLong(72, 0x3FFF);
   ExpectWarning(
-      "header at 72: the masks of wells in use have 2 wells in columns that a plate of 8 x 12 has "
-      "not");
+      "header at 72: the masks of wells in use have 2 wells in columns that a plate of 8 x 12 does "
+      "not have");
 }
 
 TEST_F(CheckHeaders, APlateThatItsTypeHasNotIsAWarning) {
@@ -135,7 +135,8 @@ TEST_F(CheckRecords, BytesBetweenRecordsThatAreNoneAreAnError) {
   Bytes records = ByteString().Long(1).Long(5).Zeros(5);
   AppendRecord(records, "COMM", ToBytes("text"));
   MakeDocument(records);
-  EXPECT_THAT(Errors(), HasSubstr("at 1024: these bytes are no record, and known ones follow\n"));
+  EXPECT_THAT(Errors(),
+              HasSubstr("at 1024: these bytes are not a record, and known records follow\n"));
 }
 
 TEST_F(CheckRecords, BytesThatAreNoRecordsInAListAreOneError) {
@@ -154,9 +155,9 @@ TEST_F(CheckRecords, BytesAfterTheLastRecordAreAnErrorIfTheyMayHoldOne) {
   AppendRecord(records, "COMM", ToBytes("text"));
   records.insert(records.end(), 7, 0xFF);
   MakeDocument(records);
-  ExpectWarning(" at 1036: 7 bytes follow the last record, and begin none that is known");
+  ExpectWarning(" at 1036: 7 bytes follow the last record, and are not a known record");
   Append({0xFF});
-  ExpectError(" at 1036: 8 bytes follow the last record, and begin none that is known");
+  ExpectError(" at 1036: 8 bytes follow the last record, and are not a known record");
 }
 
 TEST_F(CheckRecords, ASecondOneOfAKindOfWhichTheFirstIsUsedIsAWarning) {

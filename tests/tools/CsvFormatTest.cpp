@@ -152,7 +152,7 @@ TEST_F(CsvFormatTest, ColumnsMayBeCalledOtherwise) {
   EXPECT_THAT(
       Refusal("Pos;Wert\nx;1\n"),
       EndsWith("row 1: has no column 'name' (it has 'Pos', 'Wert'); the first row must name "
-               "the columns, and 'names name=NAME' tells another name"));
+               "the columns; use 'names name=NAME' if the file calls it otherwise"));
   // If a name is given for a column, the usual name is not accepted.
   EXPECT_THAT(
       Refusal("name,value\nx,1\n", With(&lab::CsvFormat::names, lab::CsvNames{{"value", "RFU"}})),

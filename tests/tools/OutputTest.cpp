@@ -103,7 +103,7 @@ TEST_F(Outputs, TwoOutputsAreNeverOneFile) {
     OutputFiles files(true);
     files.Write(folder_ / "new.csv", OutputFiles::Kind::kTable);
     files.Write(folder_ / name, OutputFiles::Kind::kTable);
-    EXPECT_THAT(refusal(files), testing::HasSubstr("is an output twice")) << name;
+    EXPECT_THAT(refusal(files), testing::HasSubstr("is given for two outputs")) << name;
   }
 }
 

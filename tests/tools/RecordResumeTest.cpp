@@ -242,8 +242,8 @@ TEST_F(RecordResumeTest, OtherContentsOfWellsAreRefused) {
   const std::string cannot = "cannot resume: the ";
   ExpectRefused(with("A1,dilution 1,", "A1,dilution 9,"),
                 cannot +
-                    "sample of well A1 is 'dilution 1' in the document, but 'dilution 9' in "
-                    "what is given");
+                    "sample of well A1 is 'dilution 1' in the document, but 'dilution 9' in the "
+                    "run to record");
   ExpectRefused(with("target A,STND,1000000,", "target A,UNKN,1000000,"),
                 cannot + "task of well A1 is 'STND' in the document, but 'UNKN' in");
   ExpectRefused(with("STND,1000000,", "STND,1000001,"),
@@ -275,7 +275,7 @@ TEST_F(RecordResumeTest, OtherSettingsAreRefused) {
   edit(std::string("DASB\0\0\0\2\0\6", 10), std::string("DASB\0\0\0\2\0\7", 10));
   ExpectRefused(Record({"--resume"}),
                 "cannot resume: the baseline-start of detector target A is '7' in the document, "
-                "but '6' in what is given");
+                "but '6' in the run to record");
   WriteBytes(Run(), before);
   edit("amplification: 40", "amplification: 41");
   ExpectRefused(Record({"--resume"}), "cannot resume: the program is 'amplification: 41 cycles");

@@ -85,7 +85,7 @@ TEST_F(Repair, SetsALengthThatCountsTooManyFramesToTheExistingOnes) {
   SetLongAt(repaired, kBlock + 4, kBlockLength - kFrame);
   Change([](Bytes& bytes) { bytes.resize(kEnd - 1); });
   EXPECT_THAT(Output({"repair", "--dry-run", path_}),
-              HasSubstr("cut off 239 bytes of a frame of which the rest is gone"));
+              HasSubstr("cut off 239 bytes of a frame whose rest is missing"));
   ExpectRepaired(repaired);
 }
 
@@ -185,7 +185,7 @@ TEST_F(Repair, DryRunReportsAndChangesNothing) {
   EXPECT_EQ(Output({"repair", "--dry-run", path_}),
             path_ +
                 ": this would be repaired\n"
-                "  byte 68: 0 -> 1120, the header's position of RAWa, for its tag\n"
+                "  byte 68: 0 -> 1120, the header's offset of RAWa, to lead to its tag\n"
                 "  byte 1872: cut off 10 bytes of a frame that was not committed\n");
   EXPECT_EQ(ReadBytes(path_), before);
   EXPECT_FALSE(fs::exists(path_ + ".backup"));
