@@ -64,7 +64,7 @@ constexpr bool areInOrder() {
 }
 static_assert(areInOrder());
 
-// The advice in the terms of this library: its operations and options.
+// The text of the advice. It uses the names of this library's operations and options.
 std::string_view textOf(ErrorRemedy remedy) {
   switch (remedy) {
     case ErrorRemedy::kNone:

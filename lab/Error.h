@@ -63,9 +63,9 @@ VEX2_API std::span<const ErrorKind> ErrorKinds();
 /// The kind with this code.
 VEX2_API const ErrorKind& ErrorKindOf(ErrorCode code);
 
-/// What the caller can do so that the operation succeeds. The error's message describes the advice
-/// in the terms of this library. A host that offers the advice under other names, as options or
-/// buttons, can append its own words to `Error::Problem` instead.
+/// What the caller can do so that the operation succeeds. The message of an error gives the advice
+/// with the names of this library's operations and options. A host that uses other names can append
+/// its own words to `Error::Problem` instead.
 enum class ErrorRemedy {
   kNone,          ///< no advice is needed, or `Problem` already contains it
   kExtractPlate,  ///< take the plate out of its study
@@ -85,7 +85,7 @@ enum class ErrorRemedy {
   kNameChannels,      ///< name all channels before the recording
   kLowerOffset,       ///< give an offset below the readings
   kNewRunWithOffset,  ///< record to a new document, with an offset below the readings
-  kNewRunWithScale,   ///< record to a new document, with a scale with which the readings fit
+  kNewRunWithScale,   ///< record to a new document, with a scale that has room for the readings
   kResume,            ///< resume the run
   kResumeOrReplace,   ///< resume the run of an existing document, or replace the document
 };

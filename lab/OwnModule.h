@@ -6,10 +6,10 @@ namespace vex2::lab {
 
 /// A module that is loaded only when it is needed, because its libraries take longer to load than
 /// most commands run. It is in the folder of the program or library that contains this code, or in
-/// the folder where the libraries are installed, and stays loaded.
+/// the folder where the libraries are installed. Once loaded, it stays loaded.
 class OwnModule {
  public:
-  /// Loads the module with this file name; `file` has no folder.
+  /// Loads the module with this file name, which has no folder.
   explicit OwnModule(const char* file);
 
   bool IsLoaded() const { return handle_ != nullptr; }

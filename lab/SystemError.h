@@ -9,9 +9,9 @@
 
 namespace vex2::lab {
 
-/// The error for `error`, a number of `errno` with which the system refused an operation on `file`.
-/// Its class is `kUsage` if the path does not exist or may not be accessed, otherwise `kSystem`.
-/// `offset` is the offset in bytes at which a transfer failed, if it is known.
+/// Makes the error for an operation on `file` that the system refused. `error` is the number of
+/// `errno`. The class of the error is `kUsage` if the path does not exist or may not be accessed,
+/// otherwise `kSystem`. `offset` is the offset in bytes at which a transfer failed, if it is known.
 Error SystemError(std::string_view file, int error,
                   std::optional<std::uint64_t> offset = std::nullopt);
 

@@ -13,7 +13,7 @@ namespace vex2::lab {
 std::vector<ReplicateGroup> ReplicatesOf(const std::vector<CqResult>& wells,
                                          const std::vector<DetectorResult>& detectors);
 
-/// The names of the sample and the detector to which relative quantities refer.
+/// The names of the calibrator and the endogenous control of relative quantities.
 struct Reference {
   std::string calibrator;         ///< name of a sample
   std::string endogenousControl;  ///< name of a detector

@@ -168,7 +168,7 @@ CqAnalysis AnalyseCurves(std::vector<AmplificationCurve> curves,
   requireBaseline(options, curves);
   const DetectorsByName known = byName(detectors);
   std::vector<CurveCase> cases = casesOf(std::move(curves), known, options);
-  // Keep the other detectors until here, since a rise is judged by the highest curve of its
+  // Remove the other detectors only now, since a rise is judged by the highest curve of its
   // channel.
   KeepDetector(cases, options.detector,
                [](const CurveCase& each) -> const AnalysedWell& { return each.curve.well; });

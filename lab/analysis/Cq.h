@@ -154,7 +154,7 @@ VEX2_API CqAnalysis AnalyseCurves(std::vector<AmplificationCurve> curves,
                                   const std::vector<Detector>& detectors,
                                   const CqOptions& options = {});
 
-/// The smallest number of cycles of a baseline to which a sloping line is fitted.
+/// A baseline with at least this many cycles is a sloping line; a shorter one is level.
 inline constexpr std::size_t kFewestForLine = 8;
 
 /// The name of a method: "threshold" or "sdm".

@@ -51,9 +51,9 @@ double noiseOf(std::span<const double> y) {
   return bends.empty() ? 0 : 1.4826 / std::sqrt(6.0) * Median(std::move(bends));
 }
 
-// Whether the reading is above or below at least three of its four neighbours by more than `limit`,
-// and by more than these three differ. If readings only rise or only fall, none of them is an
-// outlier.
+// Whether the reading is an outlier: above or below at least three of its four neighbours, by more
+// than `limit` and by more than these three differ. If readings only rise or only fall, none of
+// them is an outlier.
 bool isOutlier(std::span<const double> y, std::size_t i, double limit) {
   constexpr std::size_t kWindow = 5;
   const std::size_t first = std::min(i - std::min<std::size_t>(i, 2), y.size() - kWindow);
@@ -65,8 +65,8 @@ bool isOutlier(std::span<const double> y, std::size_t i, double limit) {
   const bool isInMiddle = first + 2 == i;
   const double above = y[i] - beside[2];
   const double below = beside[1] - y[i];
-  // Near an end, the beginning or end of a rise may look like a reading that is too high, but not
-  // like one that is too low.
+  // Near an end of the curve, a rise may look like a reading that is too high, but not like one
+  // that is too low.
   return (isInMiddle && above > limit && above > beside[2] - beside[0]) ||
          (below > limit && below > beside[3] - beside[1]);
 }

@@ -40,12 +40,12 @@ struct CurveShape {
 };
 
 /// Analyses a curve. Returns nothing if it has too few cycles, or if most of its cycles are
-/// missing. `baseline` is the one that is set for the detector; it is used only if it has at least
-/// three cycles of the curve.
+/// missing. `baseline` is the range that is set for the detector; it is used only if the curve has
+/// at least three cycles in it.
 std::optional<CurveShape> ShapeOf(const AmplificationCurve& curve,
                                   const std::optional<CycleRange>& baseline);
-/// Sets the baseline of a curve that does not rise: from the third cycle to the last. Does not
-/// change noise, amplitude and lasting level, which show that the curve does not rise.
+/// Sets the baseline of a curve that does not rise: from the third cycle to the last. Leaves
+/// noise, amplitude and lasting level as they are, since they show that the curve does not rise.
 void UseWholeBaseline(CurveShape& shape);
 
 /// The cycle at which the corrected curve crosses `threshold` upwards for the last time before its

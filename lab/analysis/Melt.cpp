@@ -75,7 +75,7 @@ std::vector<MeltCurve> analyse(const std::string& path, std::vector<MeltCase> ca
     findPeaks(melt);
     largest[melt.curve.channel] = std::max(largest[melt.curve.channel], melt.largest);
   }
-  // Keep the other detectors until here, since a peak is judged by the largest peak of its channel.
+  // Remove the other detectors only now, since a peak is judged by the largest peak of its channel.
   KeepDetector(cases, detector,
                [](const MeltCase& melt) -> const AnalysedWell& { return melt.curve.well; });
   std::vector<MeltCurve> curves;

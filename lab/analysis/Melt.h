@@ -16,9 +16,9 @@ namespace vex2::lab {
 struct MeltPeak {
   double temperature = 0;  ///< temperature of the maximum of -dF/dT, degrees Celsius
   double height = 0;       ///< -dF/dT at the maximum, fluorescence per degree
-  /// The full width at half the prominence, in degrees. The prominence is the height above a base.
-  /// On each side of the peak, take the lowest value before the next higher peak; the base is the
-  /// higher one of these two.
+  /// The full width at half the prominence, in degrees. The prominence is the height of the peak
+  /// above its base. To find the base, take on each side the lowest value before the next higher
+  /// peak; the base is the higher of the two values.
   double width = 0;
   double prominence = 0;  ///< fluorescence per degree
 
@@ -36,7 +36,8 @@ struct MeltCurve {
   std::vector<MeltPeak> peaks;       ///< ascending by temperature; empty if nothing melts
 };
 
-/// The smoothing uses the readings up to this distance on both sides of a temperature, in degrees.
+/// The derivative at a temperature is found from the readings up to this distance on both sides, in
+/// degrees.
 inline constexpr double kMeltWindow = 1.0;
 
 /// The melting curves of `run` and their peaks, in the order of `AmplificationCurvesOf`; in a study

@@ -8,7 +8,7 @@ namespace vex2::lab {
 std::string NumberText(double number);
 
 /// The number for output that programs read, without trailing zeros and without exponent. It has
-/// six decimals, and small numbers have more, so that they keep six digits and do not become 0.
+/// six decimals; small numbers have more, so that six digits remain.
 std::string MeasuredText(double number);
 
 /// The number with at most `decimals` decimals, without trailing zeros and without exponent.

@@ -66,8 +66,8 @@ double medianWithout(const std::vector<double>& sorted, std::size_t index) {
   return count % 2 == 1 ? at(count / 2) : (at(count / 2 - 1) + at(count / 2)) / 2;
 }
 
-// Adds a finding about the well that is farthest from the median of the others. If two are equally
-// far, about the later one.
+// Adds a finding about the well that is farthest from the median of the others. If two wells are
+// equally far, the finding is about the later one.
 void findDifference(const ReplicateGroup& group, const std::vector<CqResult>& wells,
                     std::vector<QualityFinding>& findings) {
   std::vector<double> sorted;

@@ -10,7 +10,8 @@ namespace vex2::lab {
 /// The problems in the results of an analysis, sorted by kind.
 std::vector<QualityFinding> FindProblems(const CqAnalysis& analysis);
 
-/// Findings about what was not measured of a plate; `name` is its name in a study.
+/// Findings about the parts of a plate that were not measured; `name` is the plate's name in a
+/// study.
 std::vector<QualityFinding> FindMissingParts(const RunReader& run, const std::string& name);
 
 }  // namespace vex2::lab

@@ -35,10 +35,11 @@ struct ReplicateGroup {
 struct RelativeQuantity {
   std::string sample;    ///< the sample that is compared with the calibrator
   std::string detector;  ///< detector of the target
-  double meanCq = 0;     ///< mean of the target in the sample
-  double controlCq = 0;  ///< mean of the endogenous control in the sample
+  double meanCq = 0;     ///< mean quantification cycle of the target in the sample
+  double controlCq = 0;  ///< mean quantification cycle of the endogenous control in the sample
   double deltaCq = 0;    ///< `meanCq` minus `controlCq`
-  /// Standard deviation of `deltaCq`, from those of the cycles of the target and the control.
+  /// Standard deviation of `deltaCq`. It is calculated from the deviations of the target's cycles
+  /// and of the control's cycles.
   std::optional<double> deviation;
   std::optional<double> deltaDeltaCq;  ///< `deltaCq` minus the one of the calibrator
   std::optional<double> ratio;         ///< 2^(-ΔΔCq)

@@ -24,8 +24,8 @@ double axisValue(const FramePosition& position) {
   return position.cycle.value_or(0);
 }
 
-// Replaces the cycles by counting frames if they are not ascending: a program that repeats its
-// amplification stage begins its cycles again.
+// If a program repeats its amplification stage, the cycles begin again. In that case, this replaces
+// them by the numbers 1, 2, 3 and so on.
 void countCycles(std::vector<double>& cycles) {
   if (std::is_sorted(cycles.begin(), cycles.end(), std::less_equal<>())) return;
   std::iota(cycles.begin(), cycles.end(), 1.0);
@@ -57,7 +57,7 @@ AnalysedSource sourceOf(const Well& well, const Target& target) {
   return source;
 }
 
-// One source for every well with readings and every channel.
+// One source for each channel of each well with readings.
 std::vector<AnalysedSource> sourcesWithoutSetup(const RunReader& run, const Readings& readings,
                                                 const std::vector<std::string>& channels) {
   std::vector<AnalysedSource> sources;

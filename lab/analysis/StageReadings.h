@@ -13,7 +13,7 @@ struct StageReadings {
   /// Indexes of the frames of the stage, from 0, in the order of the run.
   std::vector<std::size_t> frames;
   std::vector<double> axis;  ///< for each frame its cycle, or its temperature in a melting stage
-  /// Names of the channels. If there is a single channel without a name, one empty name.
+  /// Names of the channels; a single channel may have an empty name.
   std::vector<std::string> channels;
   std::vector<std::vector<double>> fluorescence;  ///< for each channel, by frame and then by well
 };

@@ -44,8 +44,8 @@ struct StandardCurve {
   /// replicates do not affect it.
   double rSquaredOfMeans = 0;
   double residualDeviation = 0;  ///< standard deviation of the wells from the line, in cycles
-  /// The smallest quantity for which, as for all larger ones, at least 95 % of the standards have a
-  /// quantification cycle. Nothing if there is none.
+  /// The limit of detection: at this quantity and all larger ones, at least 95 % of the standards
+  /// have a quantification cycle. Nothing if that is not so even for the largest quantity.
   std::optional<double> limitOfDetection;
   std::vector<StandardPoint> points;  ///< all standards, in the order of the wells
 

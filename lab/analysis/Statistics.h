@@ -28,14 +28,14 @@ struct LineFit {
 /// values.
 std::optional<LineFit> FitLine(std::span<const double> x, std::span<const double> y);
 
-/// The mean of at least one value.
+/// The mean. There must be at least one value.
 double Mean(std::span<const double> values);
 /// The standard deviation, with count - 1 degrees of freedom; nothing for fewer than two values.
 std::optional<double> Deviation(std::span<const double> values);
 /// The middle value, or the mean of the two middle values. There must be at least one value.
 double Median(std::vector<double> values);
 
-/// The limit for which |t| of Student's distribution is below it with this probability.
+/// The limit of Student's t: with this probability, |t| is below it.
 double StudentLimit(double probability, std::size_t degreesOfFreedom);
 
 }  // namespace vex2::lab

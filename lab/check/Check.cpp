@@ -113,7 +113,8 @@ std::string named(std::string text, const OperationNames& names) {
 }
 
 // Each check advises a repair of the damage that it sees. If PlanRepair finds nothing that can be
-// changed safely because of other damage, replaces this advice by recovering.
+// repaired safely, because there is also other damage, this replaces the advice by the
+// advice to recover the document.
 void requireRepairs(const std::string& path, Findings& findings) {
   const auto asksToRepair = [](const Finding& finding) {
     return finding.remedy.find("{repair}") != std::string::npos &&

@@ -15,7 +15,7 @@ struct OperationNames {
   std::string resume = "RunRecorder";  ///< resumes an interrupted run
   std::string upgrade = "DocumentEditor with upgradeBlocks";  ///< saves blocks as version 2
   std::string read = "RunReader";                             ///< reads the readings
-  std::string setWells = "DocumentEditor";                    ///< sets up the wells
+  std::string setWells = "DocumentEditor";                    ///< sets the contents of the wells
   std::string setStatus = "SetRunStatus";                     ///< sets the acquisition status
 };
 

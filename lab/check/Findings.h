@@ -35,7 +35,7 @@ struct Finding {
 };
 
 /// The findings in one document. Keeps only as many as a person can go through: all findings about
-/// a file that is damaged throughout would take more memory than the file.
+/// a file that is damaged throughout could take more memory than the file.
 struct Findings {
   /// The largest number of findings that are kept.
   static constexpr std::size_t kMost = 1000;

@@ -65,7 +65,8 @@ std::string leadsTo(std::uint32_t position, std::string_view tag) {
   return fmt::format("the header's offset of {} is {}", tag, position);
 }
 
-/// The records to which an offset in the header leads.
+/// What is at an offset that the header stores: the tag or the end of a record of the expected
+/// kind, or something else.
 struct Aim {
   bool isTag = false;
   bool isEnd = false;
@@ -85,7 +86,7 @@ Aim aimOf(std::uint32_t position, std::string_view tag,
   return aim;
 }
 
-// The damage that an instrument would do if it continued the run at this offset, which is not that
+// What an instrument would damage if it continued the run at this offset, which is not the offset
 // of the block's tag.
 std::string harmToRun(std::uint32_t position) {
   return position == 0
@@ -120,8 +121,8 @@ void checkRunningPosition(const HeaderFields& header, const Aim& aim, Findings& 
   const std::uint32_t position = header.rawDataPosition;
   const std::string what = leadsTo(position, TagOf(Kind::kRawData));
   const std::string block = std::to_string(aim.first->offset);
-  // Both offsets are usual: an interrupted first commit leaves 0, and a save of the whole document
-  // stores the end of the block.
+  // Two offsets are usual: 0, which an interrupted first commit leaves, and the end of the block,
+  // which a save of the whole document stores.
   const bool isUsual = position == 0 || aim.isEnd;
   findings.Add(
       {isUsual ? Severity::kWarning : Severity::kError, "header", HeaderLayout::kRawDataOffsetAt,

@@ -16,8 +16,8 @@ void CheckHeader(const HeaderFields& header, const std::string& name, std::uint6
                  Findings& findings);
 
 /// Adds what is wrong with the offsets in the document's header. `records` are the records to which
-/// they can lead. Do not call it for the header of a plate in a study, whose offsets have no
-/// meaning.
+/// these offsets can lead. Do not call it for the header of a plate in a study, whose offsets have
+/// no meaning.
 void CheckPositions(const HeaderFields& header, const std::vector<PositionedRecord>& records,
                     const Document& document, Findings& findings);
 

@@ -27,7 +27,7 @@ constexpr std::array<std::string_view, 7> kTasks = {"UNKN", "STND", "NTC", "IPC"
                                                     "IPC+", "ENDO", "TRGT"};
 constexpr std::string_view kBlock = TagOf(Kind::kRawData);
 constexpr std::string_view kSetup = TagOf(Kind::kPlateSetup);
-// Hundredths of a degree Celsius; water boils off below this.
+// In hundredths of a degree Celsius. At this temperature water has boiled off.
 constexpr std::uint16_t kHottest = 12000;
 constexpr const char* kSetWells = "{setWells} replaces the setup of the wells";
 

@@ -19,7 +19,7 @@ std::string escaped(std::string_view tag) {
   return Escaped(ToUtf8(tag));
 }
 
-// Records of these kinds may declare a length that differs from what they hold.
+// Whether records with this layout may declare a length that differs from what they hold.
 bool isFreeInLength(BodyLayout layout) {
   return layout == BodyLayout::kPlate || layout == BodyLayout::kData;
 }
@@ -216,7 +216,7 @@ void RecordCheck::checkCells(const FileRecord& record, CFile& file) {
 
 void RecordCheck::checkBlock(const FileRecord& record, CFile& file) {
   const auto head = ReadStoredBlock(file, record);
-  if (!head) return;  // the walk stops at this record too, and CheckEnd reports that
+  if (!head) return;  // the walk stops at this record too, so CheckEnd reports it
   if (head->version < kFirstVersionWithTimes) {
     add(Severity::kWarning, fmt::format("a data block of version {}", head->version),
         "it is read, but a saved copy could not be read back",

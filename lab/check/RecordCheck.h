@@ -42,8 +42,8 @@ class RecordCheck final : public RecordVisitor {
   /// The records `TPro` and `RAWa` in the document itself.
   const std::vector<PositionedRecord>& Positioned() const { return positioned_; }
   const std::vector<WrongLength>& WrongLengths() const { return wrongLengths_; }
-  /// Whether there are bytes among the document's records that are not records. The walk may then
-  /// also have taken bytes for records that are not records.
+  /// Whether the document has bytes among its records that are not records. The walk may then also
+  /// have taken other such bytes for records.
   bool HasGaps() const { return hasGaps_; }
   /// Whether a repair can correct the wrong lengths. False if there are none. Valid after `Finish`.
   bool CanRepairLengths() const { return isWalked_ && !hasGaps_ && !wrongLengths_.empty(); }

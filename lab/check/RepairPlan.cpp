@@ -125,8 +125,8 @@ class Planner {
           "the header's offset of TPro, to lead to its tag");
   }
 
-  // The end of a record after its length is repaired. An offset in the header that led to the old
-  // end then leads elsewhere.
+  // The end of a record after its length is repaired. If the header's offset led to the old end, it
+  // does not lead to this one.
   std::uint64_t endOf(const Document::Record& record) const {
     std::uint64_t length = record.length;
     for (const RepairPlan::Patch& patch : plan_.patches) {
@@ -150,8 +150,8 @@ class Planner {
     const auto leads = [&](const auto& record) {
       return record.offset == position || endOf(record) == position;
     };
-    // An offset of 0, or that of the end of the block after a save of the whole document, is in
-    // order unless the run is in progress.
+    // If the run is not in progress, the offset is in order if it is 0, or if it is the end of the
+    // block, where a save of the whole document left it.
     const bool isFine =
         !header_.IsRunning() &&
         (position == 0 || std::any_of(records.begin(), records.end(), [&](const auto& record) {

@@ -11,8 +11,8 @@ namespace vex2::lab {
 RepairPlan PlanRepair(const std::string& path);
 
 /// Copies the document at `path` durably to a new file beside it: "PATH.backup", or that name with
-/// a number if it exists already. Returns the path of the copy. If it throws an error, there is no
-/// such file.
+/// a number if it exists already. Returns the path of the copy. If it throws an error, it leaves no
+/// copy.
 std::string BackUp(const std::string& path);
 
 /// Replaces the document at `path` by a copy of `backup` to which the changes in `plan` are

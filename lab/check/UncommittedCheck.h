@@ -29,8 +29,8 @@ struct LastBlock {
 /// one, or if the block has no wells or ends before its first frame.
 std::optional<LastBlock> FindLastBlock(CFile& file, const Document& document);
 
-/// Whether the bytes after the last record are those of an interrupted first commit: the document
-/// has no data block yet, and the header leads to none.
+/// Whether the bytes after the last record are those of an interrupted first commit. This is
+/// possible only if the document has no data block yet, and the header leads to none.
 bool EndsInFirstCommit(CFile& file, const Document& document, const HeaderFields& header);
 
 /// Adds what is wrong with the end of a document: a record at which the reader stops, and bytes

@@ -18,8 +18,8 @@ std::vector<std::string> CqFields(const CqResult& result, CqMethod method);
 
 /// The names of the fields that `MeltFields` returns.
 std::vector<std::string> MeltColumns();
-/// The rows of one well: one for each peak. Peaks are numbered from 1. A well without peaks has one
-/// row, in which the fields of the peak are empty.
+/// The rows of one well: one for each peak. Peaks are numbered from 1. If a well has no peaks, it
+/// has one row without values for a peak.
 std::vector<std::vector<std::string>> MeltFields(const MeltCurve& curve);
 
 }  // namespace vex2::lab

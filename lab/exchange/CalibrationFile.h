@@ -12,15 +12,15 @@ namespace vex2::lab {
 /// The columns of the table of spectra.
 const std::vector<std::string_view>& CalibrationColumns();
 
-/// These write a table of spectra: the row of column names, and one row for each spectrum, with
-/// `plate` in front if the table is of several plates. The heads of the two parts are not in the
-/// table.
+/// These functions write a table of spectra: the first writes the row of column names, the second
+/// one row for each spectrum. Rows begin with `plate` if the table is of several plates. The heads
+/// of the two parts are not in the table.
 void WriteCalibrationColumns(CsvWriter& csv);
 void WriteCalibration(const Calibration& calibration, CsvWriter& csv, const std::string& plate);
 
-/// Reads a table of spectra from the file at `path`, or from standard input for "-". If there are
-/// no rows for a part, the result does not have that part. `values` counts the numbers that are
-/// rounded. Throws an error that names the row.
+/// Reads a table of spectra from the file at `path`, or from standard input for "-". The result has
+/// only those parts for which the table has rows. `values` counts the numbers that are rounded.
+/// Throws an error that names the row if the table cannot be used.
 Calibration LoadCalibration(const std::string& path, FloatReader& values,
                             const CsvFormat& format = {});
 

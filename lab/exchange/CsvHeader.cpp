@@ -24,8 +24,7 @@ CsvSplitter::Row namesIn(std::string_view line, char delimiter) {
 }  // namespace
 
 // The indexes of the columns with the name `column`, or with the name that the caller gave for it.
-// A given name is first compared with case. If that finds no column, or if no name was given, case
-// is ignored.
+// Case is ignored, unless the caller gave a name and a column has exactly that name.
 std::vector<std::size_t> CsvHeader::placesOf(std::string_view column,
                                              const CsvSplitter::Row& names) const {
   const auto given = given_.find(column);

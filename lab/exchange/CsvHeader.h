@@ -21,7 +21,7 @@ class CsvHeader {
 
   const std::vector<std::string_view>& Columns() const { return columns_; }
 
-  /// Finds the columns. Returns why they cannot be found; nothing if they were found.
+  /// Finds the columns. If that is not possible, returns the reason; otherwise nothing.
   std::optional<std::string> Find(const CsvSplitter::Row& names);
   /// The names of columns that were not requested, in the order of the file, except empty names.
   std::vector<std::string> Unused(const CsvSplitter::Row& names) const;
@@ -31,8 +31,8 @@ class CsvHeader {
   /// field has no data.
   std::vector<std::string_view> FieldsOf(const CsvSplitter::Row& row) const;
 
-  /// The delimiter of a file with this first line: the one with which most of the columns are
-  /// found. Returns nothing if several delimiters find equally many.
+  /// The delimiter of a file with this first line: the one with which most of the requested columns
+  /// are found. Returns nothing if several delimiters find equally many.
   std::optional<char> DelimiterOf(std::string_view line) const;
 
  private:

@@ -96,7 +96,7 @@ class Reader {
         header_(allOf(columns, wishes.optionalColumns), columns.size(), wishes.format),
         mark_(wishes.format.decimalMark) {}
 
-  /// Takes the next part of the text. `isEnd`: it is the last part.
+  /// Takes the next part of the text. `isEnd` says whether it is the last part.
   void Add(std::string_view text, bool isEnd) {
     head_ += text;
     if (!splitter_ && !begin(isEnd)) return;

@@ -24,7 +24,7 @@ struct CsvFormat {
   std::string encoding;  ///< encoding of a file without a byte order mark; if empty, UTF-8
   /// If it is 0, a comma, semicolon or tab, whichever separates the names of the columns.
   char delimiter = 0;
-  /// If it is 0, a point if commas separate the fields; otherwise the mark is found from the
+  /// If it is 0, the mark is a point if commas separate the fields; otherwise it is found from the
   /// numbers.
   char decimalMark = 0;
   CsvNames names;                     ///< names of columns that differ from the usual ones

@@ -23,7 +23,7 @@ constexpr std::size_t kLongestValue = 60;
 
 using Shown = std::optional<std::string>;
 
-/// Joins equal differences of one plate, in the order in which they are found.
+/// Joins equal differences of one plate. Keeps the order in which they are found.
 class Groups {
  public:
   void Add(const std::string& section, const std::string& what, const Shown& one,
@@ -89,7 +89,7 @@ bool isBlock(const std::string& tag) {
 }
 
 // The bodies of a plate's top-level records by tag; further records with the same tag are numbered.
-// Without data blocks and plates, which are compared separately.
+// Leaves out data blocks and plates, which are compared separately.
 std::map<std::string, std::string> bodiesOf(const Document& document,
                                             const Document::Plate& plate) {
   std::map<std::string, std::string> bodies;
@@ -119,8 +119,8 @@ std::string bytesText(const std::string& body) {
   return Counted(body.size(), "byte");
 }
 
-// Compares the bodies of records. Skips records of sections in which a difference was already
-// found.
+// Compares the bodies of records. Skips the records of a section if the section already has a
+// difference.
 void compareBodies(const std::map<std::string, std::string>& one,
                    const std::map<std::string, std::string>& other, Groups& groups) {
   for (const auto& [name, body] : one) {

@@ -50,9 +50,9 @@ nlohmann::ordered_json DescribeFollowed(const Frame& frame, const RunFollower& f
 nlohmann::ordered_json DescribeSpectrum(const WellSpectrum& spectrum, const std::string& path,
                                         const std::string& well, std::int64_t frame);
 
-/// Describes plates by calling `describe` for each. For a single plate, returns the object of that
-/// call. If they are `all` plates of a study, returns an object with the list "plates", which has
-/// such an object with the plate's name for each.
+/// Calls `describe` for each of the plates. For a single plate, returns the result. If the plates
+/// are `all` plates of a study, returns an object whose list "plates" has the result and the name
+/// of each plate.
 nlohmann::ordered_json DescribePlates(
     const std::vector<Document::Plate>& plates, bool all,
     const std::function<nlohmann::ordered_json(const Vex2FileManager&)>& describe);

@@ -71,7 +71,7 @@ struct ImportReport {
 /// All documents are made before the first is written, and each is written completely or not at
 /// all. Throws `Error` if the file has none of the formats, is damaged or is refused, or if a
 /// document exists and `replace` is not set. The error names the file, and the line and the element
-/// if there are any. Nothing was written then.
+/// if there are any. In all these cases nothing has been written.
 VEX2_API ImportReport Import(const std::filesystem::path& source,
                              const std::filesystem::path& target,
                              const ImportOptions& options = {});

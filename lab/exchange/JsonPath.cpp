@@ -83,8 +83,8 @@ const ordered_json* entryOf(const ordered_json& value, const std::string& name) 
   if (const auto index = NumberIn<std::size_t>(name)) {
     return *index < value.size() ? &value[*index] : nullptr;
   }
-  // Names are data. If several entries match only when case and signs are ignored, take none of
-  // them.
+  // Names come from the document and may be alike. If several entries match only when case and
+  // signs are ignored, take none of them.
   const ordered_json* alike = nullptr;
   for (const auto& entry : value) {
     const auto own = entryName(entry);

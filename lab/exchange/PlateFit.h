@@ -13,9 +13,9 @@ namespace vex2::lab {
 /// rows and columns. Otherwise they keep their number, like those of a ring of 72 tubes.
 class PlateFit {
  public:
-  /// Finds the plate for a file with these rows and columns. If the file does not give them, both
-  /// are 0, and `mostNumber`, the largest well number in the file, decides. Returns nothing if no
-  /// document has room.
+  /// Finds the plate for a file whose plate has these rows and columns. If the file does not give
+  /// them, both are 0, and `mostNumber`, the largest well number in the file, decides. Returns
+  /// nothing if no document has room.
   static std::optional<PlateFit> Find(std::uint32_t rows, std::uint32_t columns,
                                       std::uint32_t mostNumber);
 

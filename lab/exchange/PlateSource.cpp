@@ -124,8 +124,8 @@ void listHeader(const Vex2FileManager& document, Losses& losses) {
   if (!hasUsualNumbers) losses.Add("fields of headers", "format or flag");
 }
 
-// Lists the wells that the header marks as used but an import would not, and the reverse. An import
-// marks the wells with readings; if there are none, the wells in the setup; if there are none
+// Lists the wells that either the header or an import marks as used, but not both. An import marks
+// the wells with readings. If there are none, it marks those in the setup, and if there are none
 // either, all wells.
 void listWellsInUse(const Vex2FileManager& document, const PlateSource& source, Losses& losses) {
   const Vex2HeaderData& header = document.GetHeaderData();

@@ -33,7 +33,7 @@ struct PlateSource {
   const RunLog* Log() const;
   /// The index, from 0, of the first record of this well in each frame; nothing if there is none.
   std::optional<std::size_t> FindPosition(std::uint16_t well) const;
-  /// The names of the channels; one empty name if there is a single channel without a name.
+  /// The names of the channels. A single channel may have an empty name.
   std::vector<std::string> Channels() const;
 };
 

@@ -17,7 +17,7 @@ namespace vex2::lab {
 void WriteRdes(std::ostream& out, const PlateSource& source, bool melting, bool listsRest,
                Losses& losses, const CqAnalysis* analysis = nullptr);
 
-/// Whether the plate has readings with a known meaning in this stage.
+/// Whether the plate has readings in this stage whose meaning is known.
 bool HasStage(const PlateSource& source, bool melting);
 
 /// Whether the text begins like an RDES table.

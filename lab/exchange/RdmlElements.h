@@ -17,8 +17,8 @@ struct RdmlElement {
   Work end = nullptr;
 };
 
-/// The functions for the element at this path, as "rdml/sample/type"; null if documents store
-/// nothing of such elements.
+/// The functions for the element at this path, as "rdml/sample/type"; null if documents do not
+/// store such elements.
 const RdmlElement* FindElement(const std::string& path);
 
 }  // namespace vex2::lab::rdml

@@ -17,8 +17,8 @@ namespace {
 
 constexpr std::size_t kPieceSize = 1U << 16U;
 
-// The comment on the embedded document in an archive, from which an import finds out whether
-// another program has changed the XML since.
+// The comment of the embedded document in the archive. It contains the checksum of the XML, so that
+// an import finds out whether another program has changed the XML since.
 std::string checksumComment(std::uint32_t checksum) {
   return std::string(rdml::kMember) + " " + std::to_string(checksum);
 }

@@ -26,8 +26,8 @@ class RdmlSource {
   /// The state of the document in an archive.
   enum class Embedded {
     kNone,
-    kCurrent,   ///< the XML was made from it
-    kOutdated,  ///< another program has changed the XML since
+    kCurrent,   ///< the XML was made from the document
+    kOutdated,  ///< another program has changed the XML since it was made
   };
 
   /// Reads the list of the archive in the file at `path`. Errors call the file `name`.

@@ -274,7 +274,7 @@ class Planner {
     }
   }
 
-  // The first sample with this name whose uses agree for all targets that they have in common.
+  // The first sample with this name that agrees with `uses` for all targets that both have.
   std::size_t sampleOf(const Well& well, const std::map<std::size_t, SampleUse>& uses) {
     const std::string key = well.sample.empty() ? "\n" + well.name : well.sample;
     for (const std::size_t index : samples_[key]) {

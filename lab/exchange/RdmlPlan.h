@@ -22,7 +22,7 @@ struct Dye {
 struct TargetEntry {
   std::string id;
   std::string detector;    ///< name of the detector if it differs from the identifier
-  bool isDetector = true;  ///< if false, it stands for readings without a target
+  bool isDetector = true;  ///< if false, it is made for readings without a target
   std::string description;
   std::string dye;  ///< identifier of the dye
   bool isReference = false;

@@ -24,8 +24,7 @@ std::string_view trimmed(std::string_view text) {
   return text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin);
 }
 
-// Whether the element at this path holds a text of the exported document, in which every blank
-// counts.
+// Whether the element at this path holds an exported text in which every blank counts.
 bool isVerbatim(const std::string& path) {
   return path == "rdml/documentation/text" || path == "rdml/experiment/run/description" ||
          path == "rdml/sample/annotation/value" || path == "rdml/target/xRef/id";

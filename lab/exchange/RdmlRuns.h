@@ -10,9 +10,9 @@
 
 namespace vex2::lab::rdml {
 
-/// Joins runs that are parts of one plate: runs of one experiment with the same samples in the same
-/// wells that have different dyes or different stages. Calls `onMerged` with the names of two runs
-/// that were joined.
+/// Joins runs that are parts of one plate. These are runs of one experiment with the same samples
+/// in the same wells, but with different dyes or different stages. Calls `onMerged` with the names
+/// of two runs that were joined.
 void MergeParts(Content& content,
                 const std::function<void(const std::string&, const std::string&)>& onMerged);
 

@@ -7,7 +7,7 @@
 
 #include "lab/analysis/Cq.h"
 
-/// The terms of RDML and of documents for the same things, and the names under which an export
+/// The terms of RDML and of documents for the same things. Also the names under which an export
 /// keeps values for which RDML has no element.
 namespace vex2::lab::rdml {
 
@@ -22,7 +22,7 @@ inline constexpr std::string_view kProgram = "vex thermal cycling program";
 
 /// Properties in annotations of samples.
 inline constexpr std::string_view kSampleName = "vex sample name";
-/// The beginning of such a property; the identifier of the target follows.
+/// A property with the task for a target: this text is followed by the identifier of the target.
 inline constexpr std::string_view kTask = "vex task of ";
 
 /// Names of references in targets: the first for the detector's name, the second for a target that

@@ -35,7 +35,7 @@ void forEachRecord(const ExportedBlock& block, const Take& take) {
 }
 
 // Calls `take` for each record of the wells with the indexes from `first` to below `last`, in the
-// order in which the records are in memory.
+// order of the records in memory.
 template <typename Take>
 void forEachInMemory(const ExportedBlock& block, std::size_t first, std::size_t last,
                      const Take& take) {

@@ -14,9 +14,9 @@
 
 namespace vex2::lab {
 
-/// Writes readings as rows with the columns that `vex record` reads. Adds further columns if
-/// `Columns` asks for them: the name of the plate before the well; the index of the frame, from 0,
-/// and the channel after it.
+/// Writes readings as rows with the columns that `vex record` reads. `Columns` can add further
+/// columns: the name of the plate before the well, and after it the index of the frame, from 0, and
+/// the channel.
 class ReadingsWriter {
  public:
   struct Columns {

@@ -22,7 +22,7 @@ namespace {
 
 constexpr double kMostTemperature = 655.35;
 
-// The shortest decimal number that becomes this 32-bit number.
+// The shortest decimal number that is stored as this 32-bit number.
 double decimalOf(float number) {
   return NumberIn<double>(ValueText(Value(number))).value_or(number);
 }
@@ -171,7 +171,8 @@ class FrameMaker {
   std::vector<std::size_t> used_;    ///< number of points of each curve that are in frames already
 };
 
-// The scale of the exported run if it still keeps all readings exactly; otherwise a new one.
+// The scale of the exported run if it still keeps all readings exactly; otherwise a newly chosen
+// scale.
 ReadingScale scaleFor(const ExchangedRun& run) {
   std::vector<double> readings;
   for (const Curve& curve : run.curves) {
@@ -190,7 +191,7 @@ ReadingScale scaleFor(const ExchangedRun& run) {
   return ChooseScale(std::move(readings), std::nullopt);
 }
 
-// The wells with readings. If there are none, the wells in the setup; if that is empty too, all
+// The wells with readings. If there are none, those in the setup, and if there are none either, all
 // wells of the plate.
 std::vector<std::uint16_t> wellsOf(const ExchangedRun& run) {
   std::set<std::uint16_t> wells;

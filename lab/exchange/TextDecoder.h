@@ -23,8 +23,8 @@ class TextDecoder {
   TextDecoder(const TextDecoder&) = delete;
   TextDecoder& operator=(const TextDecoder&) = delete;
 
-  /// Converts further bytes, as far as they are complete characters. Stops before the first byte
-  /// that is not part of a valid character, and then returns only empty texts.
+  /// Converts further bytes, except an incomplete character at their end. If a byte is not part of
+  /// a valid character, stops before it; further calls then return empty texts.
   std::string Decode(std::string_view bytes);
   /// Converts the rest at the end of the file, where an incomplete character is an error.
   std::string Finish();

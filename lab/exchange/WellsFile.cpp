@@ -134,7 +134,7 @@ void WriteWells(const PlateContents& contents, CsvWriter& csv, const std::string
 }
 
 std::string DecimalText(float number) {
-  // The longest texts are those of the smallest numbers, with 45 decimals.
+  // The smallest numbers have the longest texts, with 45 decimals.
   std::array<char, 128> text{};
   const auto result =
       std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed);

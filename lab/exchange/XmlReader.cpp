@@ -33,8 +33,8 @@ struct XmlReader::Parser {
     if (expat != nullptr) XML_ParserFree(expat);
   }
 
-  // The parser is a C library, and no exception may pass through it. So this keeps the exception
-  // until the parser has returned.
+  // Keeps an exception until the parser has returned: the parser is a C library, and no exception
+  // may pass through it.
   template <typename Work>
   void guarded(const Work& work) {
     if (failure) return;

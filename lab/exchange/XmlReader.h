@@ -24,7 +24,7 @@ class XmlHandler {
   virtual ~XmlHandler() = default;
   virtual void Begin(const std::string& path, const std::vector<XmlAttribute>& attributes) = 0;
   /// Called at the end of an element. `text` is the text of the element itself, after the last
-  /// other element in it. `isLeaf`: the element contains no other element.
+  /// other element in it. `isLeaf` says whether the element contains no other element.
   virtual void End(const std::string& path, std::string_view text, bool isLeaf) = 0;
 };
 
@@ -40,8 +40,8 @@ class XmlReader {
   static constexpr std::size_t kMostDepth = 64;           ///< RDML nests ten levels deep
   static constexpr std::uint64_t kMostToken = 8U << 20U;  ///< bytes that are held in memory at once
 
-  /// Errors call the document `name`. `handler` must outlive the reader. `Feed` passes on what it
-  /// throws.
+  /// Errors call the document `name`. `handler` must outlive the reader. If `handler` throws an
+  /// exception, `Feed` passes it on.
   XmlReader(XmlHandler& handler, std::string name, std::string_view ownNamespace);
   ~XmlReader();
   XmlReader(const XmlReader&) = delete;

@@ -59,11 +59,11 @@ class ZipReader {
   /// Enough for one table of partitions per well.
   static constexpr std::size_t kMostMembers = 10'000;
 
-  /// Reads the list of the archive in the file at `path`. Throws an error that names `name` if it
-  /// is not an archive.
+  /// Reads the list of members from the archive in the file at `path`. Throws an error that names
+  /// `name` if the file is not an archive.
   ZipReader(const std::string& path, const std::string& name);
-  /// Reads the list of the archive in `bytes`, which must outlive the reader. Throws an error that
-  /// names `name` if they are not an archive.
+  /// Reads the list of members from the archive in `bytes`, which must outlive the reader. Throws
+  /// an error that names `name` if `bytes` are not an archive.
   ZipReader(std::string_view bytes, const std::string& name);
   ~ZipReader();
   ZipReader(const ZipReader&) = delete;

@@ -10,7 +10,7 @@ namespace vex2::lab {
 
 namespace {
 
-// Without the code of studies: a plate with that code would be read as a study.
+// The code of studies is not in this list: a plate with that code would be read as a study.
 constexpr std::array<std::string_view, 6> kPlateCodes = {
     Assay::kAbsolute.code,  Assay::kRelativePlate.code, Assay::kAllelic.code,
     Assay::kPlusMinus.code, Assay::kBackground.code,    Assay::kPureSpectra.code};

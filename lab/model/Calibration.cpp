@@ -8,7 +8,7 @@ namespace {
 
 constexpr int kFilters = 12;
 
-// A peak around `centre`. Not computed by an exponential function, whose results differ between
+// A peak around `centre`. It does not use the exponential function, whose results differ between
 // machines.
 std::vector<std::uint32_t> peak(double height, double centre, double width, double floor) {
   std::vector<std::uint32_t> values;

@@ -153,8 +153,8 @@ bool Document::beginsUncommittedBytes(std::uint64_t offset) const {
 
 std::optional<FileFault> Document::recordFault(int status, const WalkEnd& end) const {
   if (end.fault && !beginsUncommittedBytes(end.fault->offset)) return end.fault;
-  // The reader keeps the known records in order. So it stopped at the first known record that it
-  // does not have.
+  // The reader keeps the known records in their order. So it stopped at the first known record in
+  // `records_` that the reader does not have.
   int kept = content_->GetAllComponentCount();
   for (const Record& record : records_) {
     if (!record.known || kept-- > 0) continue;
@@ -185,8 +185,8 @@ void Document::findRecordsEnd(std::uint64_t walkEnd) {
                                                  : " at the end that are no record")});
 }
 
-// Joins the plates that the walk found with those that the reader kept. The reader has fewer only
-// if it stopped within a plate.
+// Joins the plates that the walk found with the plates that the reader kept. The reader has fewer
+// only if it stopped within a plate.
 void Document::linkPlates() {
   const CMultiPlateComp* kept = nullptr;
   for (int i = 0; i < content_->GetAllComponentCount() && kept == nullptr; ++i) {

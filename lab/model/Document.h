@@ -109,8 +109,8 @@ void RequireNoRunAt(const std::string& path);
 
 /// A note for the user: `what` was made from the document at `path` while its run was in progress.
 std::string RunInProgressText(const std::string& path, std::string_view what);
-/// The note `RunInProgressText(path, what)` if the file at `path` is a document whose run is in
-/// progress; otherwise empty.
+/// The note `RunInProgressText(path, what)`; empty unless the file at `path` is a document whose
+/// run is in progress.
 std::string NoteOnRunAt(const std::string& path, std::string_view what);
 
 }  // namespace vex2::lab

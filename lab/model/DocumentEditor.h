@@ -76,8 +76,8 @@ class VEX2_API PlateEditor {
 class VEX2_API DocumentEditor final : public PlateEditor {
  public:
   /// Reads the document at `path`. Throws if it cannot be read, is not a document, is being
-  /// recorded or changed, could not be read completely, or holds content that a save would lose,
-  /// unless `rules` allow that.
+  /// recorded or changed, or could not be read completely. Also throws if it holds content that a
+  /// save would lose, unless `rules` allow that.
   explicit DocumentEditor(const std::filesystem::path& path, const SaveRules& rules = {});
   ~DocumentEditor();  ///< Discards changes that were not saved, and allows others to change the
                       ///< document.
@@ -92,9 +92,11 @@ class VEX2_API DocumentEditor final : public PlateEditor {
   PlateEditor& Plate(std::string_view name);
 
   /// Saves the changes; they are on the disk when this returns. Can be called again after further
-  /// changes. Throws, leaves the file unchanged and keeps the changes in the editor if a value
-  /// cannot be stored (`kInvalidValue`), if another program has changed the file since it was read
-  /// (`kDocument`), or if the system refuses.
+  /// changes.
+  ///
+  /// Throws if a value cannot be stored (`kInvalidValue`), if another program has changed the file
+  /// since it was read (`kDocument`), or if the system refuses. The file is then unchanged, and the
+  /// editor keeps the changes.
   void Save();
 
  private:

@@ -55,8 +55,8 @@ void DocumentFile::RequireUnchanged() const {
 }
 
 int DocumentFile::WriteComponentFile(CFile* file) {
-  // SaveDocument has compared the file before. If the system cannot rename a file over the
-  // document, the library has emptied it since, and there is nothing to compare.
+  // SaveDocument has compared the file before this call. If the file is empty now, the library
+  // itself has emptied it, because the system cannot rename another file over it.
   struct stat now {};
   const bool isEmptied =
       !expectedPath_.empty() && ::stat(expectedPath_.c_str(), &now) == 0 && now.st_size == 0;

@@ -33,8 +33,8 @@ constexpr std::string_view kRecorderNote = "recorder";
 constexpr auto kPause = std::chrono::milliseconds(5);
 // How long to wait. A command holds the lock while it reads and saves one document.
 constexpr auto kPatience = std::chrono::seconds(10);
-// How long to wait without the note of a command: until a new holder has written its note, the file
-// may still have that of a killed recorder.
+// How long to wait without the note of a command. In this time a new holder writes its note;
+// before, the file may still have the note of a killed recorder.
 constexpr auto kNotePatience = std::chrono::milliseconds(200);
 
 fs::path lockBeside(const fs::path& document) {
@@ -85,7 +85,7 @@ DocumentLock::DocumentLock(const std::string& path, Holder holder)
 
 DocumentLock::~DocumentLock() {
   if (handle_ < 0) return;
-  // Remove it while it is locked: later it might belong to the next holder.
+  // Remove the file while it is locked: later it might belong to the next holder.
   ::unlink(path_.c_str());
   ::close(handle_);
 }
@@ -113,7 +113,7 @@ bool DocumentLock::open(Holder holder) {
   if (handle_ < 0) refuseFolder(errno);
   while (::flock(handle_, LOCK_EX | LOCK_NB) != 0) {
     if (errno == EINTR) continue;
-    if (errno != EWOULDBLOCK) break;  // the file system has no locks; work without
+    if (errno != EWOULDBLOCK) break;  // no locks in this file system: work without one
     ::close(handle_);
     handle_ = -1;
     return false;

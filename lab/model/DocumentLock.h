@@ -9,7 +9,7 @@ namespace vex2::lab {
 /// need not exist. Throws an error if its folder does not exist.
 std::filesystem::path ResolveDocument(const std::string& path);
 
-/// Locks a document against recorders and commands that change it, for the lifetime of this object.
+/// Locks a document for the lifetime of this object, against recorders and commands that change it.
 /// The document's own lock is free between two frames, so this lock is on a file beside it,
 /// `.NAME.recording`. The holder removes that file at the end. A killed holder leaves the file but
 /// loses the lock.
@@ -20,8 +20,8 @@ class DocumentLock {
   /// Locks the document at `path`, which need not exist yet. If a recorder holds the lock, throws
   /// an error. If a command holds it, waits, and throws an error if that takes too long.
   ///
-  /// A recorder that cannot create the lock file gets an error. In a folder where it may not create
-  /// files, a command works without the lock, since no recorder can hold a lock there either.
+  /// If the lock file cannot be created, a recorder gets an error. A command works without the lock
+  /// if it may not create files in the folder: no recorder can hold a lock there either.
   DocumentLock(const std::string& path, Holder holder);
   ~DocumentLock();
   DocumentLock(const DocumentLock&) = delete;

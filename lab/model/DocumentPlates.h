@@ -14,7 +14,7 @@ bool IsPlateCalled(std::string_view stored, std::string_view name);
 /// The first plate of a document with this name, in UTF-8; null if there is none.
 const Document::Plate* FindPlate(const Document& document, std::string_view name);
 
-/// Throws an error that says that there is no plate `name`, and lists the plates of the document.
+/// Throws an error: the document has no plate `name`. The message lists the plates that it has.
 [[noreturn]] void RefusePlateName(const Document& document, std::string_view name);
 
 /// The first data block of a plate with this tag; null if there is none.

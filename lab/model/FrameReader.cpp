@@ -96,8 +96,8 @@ void FrameReader::readRecords(std::size_t count, Take take) {
   throw Error(ErrorCode::kDocument, path_, "the readings are cut short", start);
 }
 
-// The position in the first record of the frame that is as the recorder wrote it. Other records may
-// be changed by another program, or have no reading.
+// The position of the frame in the run, from the first of its records that is as the recorder wrote
+// it. Other records may be changed by another program, or have no reading.
 FramePosition FrameReader::readPosition(std::uint64_t index) {
   seekFrame(index);
   for (std::size_t well = 0; well < block_.wells.size(); ++well) {

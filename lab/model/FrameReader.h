@@ -20,9 +20,9 @@ using FileIdentity = std::pair<std::uint64_t, std::uint64_t>;
 /// the reader. For a block without frames it opens no file. Throws `Error` or `CFileException`.
 class FrameReader {
  public:
-  /// Opens the file. `block` is from an earlier reading of the file with this identity. Throws an
-  /// error if the file was replaced or the block was changed since; frames that were appended are
-  /// not a change. `log` is the log of the block's document.
+  /// Opens the file. `block` was read earlier from the file with this identity. Throws an error if
+  /// the file was replaced or the block was changed since; frames may have been appended. `log` is
+  /// the log of the block's document.
   FrameReader(std::string path, const FileIdentity& identity, const BlockInfo& block,
               std::string_view log);
 
@@ -54,7 +54,7 @@ class FrameReader {
   std::uint64_t frameSize_ = 0;
 };
 
-/// The meaning of readings in a run with this log; nothing if this library did not record them.
+/// The meaning of the readings of a run with this log; nothing if this library did not record them.
 std::optional<ReadingMeaning> MeaningOf(const std::optional<RunLog>& log);
 
 }  // namespace vex2::lab

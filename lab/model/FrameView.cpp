@@ -171,7 +171,7 @@ void FrameQuery::refuseBlock() const {
 
 void FrameQuery::readRecords(DocumentFile& file, const FileRecord& record, const StoredBlock& head,
                              FrameView& view) const {
-  // Other layouts can be read only with the whole document.
+  // A frame of another layout can be read only after the whole document has been read.
   const int index = static_cast<int>(index_);
   const bool isUsual = head.version >= 2 && head.timeBlockSize == kTimeBlockSize;
   int status = kSuccess;

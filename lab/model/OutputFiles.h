@@ -19,10 +19,10 @@ namespace vex2::lab {
 /// - An existing file is replaced only if the caller allows it.
 /// - A file that the operation reads is never an output, and no two outputs are the same file,
 ///   whatever their names are.
-/// - A plate document is never replaced by anything but a document, nor while it is being recorded.
-/// - A plate document never replaces a file that holds something else: a table would be lost if its
-///   name was given in place of the document's. Empty files may be replaced, since scripts create
-///   them with mktemp, and so may files named .vex, which may be damaged documents.
+/// - A plate document is replaced only by another document, and never while it is being recorded.
+/// - A plate document never replaces a file that holds something else, so that a table is not lost
+///   if its name is given by mistake. Empty files may be replaced, since scripts create them with
+///   mktemp, and so may files named .vex, which may be damaged documents.
 /// - A file with several names (hard links) is never replaced, because that cannot be done in one
 ///   step.
 ///

@@ -8,8 +8,7 @@
 namespace vex2::lab {
 
 /// Moves `contents` to a plate of another size: each row goes to the well with the same name. If
-/// the plate has no such well, throws an error about the file `source`, from which the contents
-/// are.
+/// the plate has no such well, throws an error about the file `source`, which has the contents.
 PlateContents PlacedOn(PlateLayout plate, PlateContents contents, const std::string& source);
 
 /// The numbers of the wells whose rows differ between the two, ascending.

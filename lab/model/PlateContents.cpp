@@ -120,8 +120,8 @@ void keepUses(const Vex2WellSetup& from, Vex2WellSetup& to) {
   }
 }
 
-// Keeps what a table of wells does not show and therefore must not remove: the descriptions of
-// wells, and the flags of wells and detectors that stay.
+// Keeps what a table of wells does not show, and what storing the table must therefore not remove:
+// the descriptions of wells, and the flags of wells and detectors that stay.
 void keepUnshown(const Vex2FileManager& document, const PlateContents& contents,
                  Vex2PlateSetup& setup) {
   const CPlateSetupComp* component = document.GetPlateSetupComp();

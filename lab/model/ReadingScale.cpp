@@ -184,8 +184,8 @@ std::string ReadingScale::OffsetText() const {
 }
 
 std::string PlainText(double number) {
-  // A reading has at most 13 digits before the point, and the shortest text of a double of that
-  // size has at most 60 digits after it. That is less than 400.
+  // A reading has at most 13 digits before the point. The shortest text of a double of that size
+  // has at most 60 digits after it. So 400 are enough.
   std::array<char, 400> text{};
   const auto end =
       std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed).ptr;

@@ -80,8 +80,8 @@ class VEX2_API ReadingScale {
   std::uint64_t numerator_;
   std::uint64_t denominator_;
   DecimalNumber offset_;
-  // Step and offset as whole multiples of 10 to the power of -`decimals_`: `step_` and `base_`.
-  // Only if `isDecimal_`, that is if this is exact.
+  // Step and offset as whole multiples of 10 to the power of -`decimals_`, in `step_` and `base_`.
+  // They are set only if this form is exact, that is if `isDecimal_`.
   bool isDecimal_ = false;
   int decimals_ = 0;
   std::int64_t step_ = 0;

@@ -22,10 +22,10 @@ inline constexpr std::size_t kReadingValues = 32;
 struct ReadingMeaning {
   ReadingScale scale;  ///< how readings became stored values
   /// The names of the channels: value c of a well is the reading of channel c. Empty if there is
-  /// only one channel, without a name.
+  /// only one channel and it has no name.
   std::vector<std::string> channels;
 
-  /// The number of channels; 1 if there is only one, without a name.
+  /// The number of channels; 1 if `channels` is empty.
   std::size_t ChannelCount() const { return channels.empty() ? 1 : channels.size(); }
 };
 

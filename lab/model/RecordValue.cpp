@@ -24,7 +24,7 @@ std::optional<std::uint8_t> readByte(CFile& file) {
   return file.Read(&byte, 1) == 1 ? std::optional(byte) : std::nullopt;
 }
 
-// Only floats are little-endian in documents.
+// Floating-point numbers are little-endian in documents, unlike all other numbers.
 RecordValue readFloat(CFile& file) {
   const auto bits = ReadLong(file);
   if (!bits) return {};

@@ -21,12 +21,12 @@ struct WalkEnd {
 };
 
 /// Walks over the records of the document in the open `file`, beginning after its header, and over
-/// the records in lists. Finds each record at the same offset as the document's reader: after the
-/// bytes that the layout of the previous body has, whatever length that record declares. A number
-/// in the file can neither make it allocate memory nor recurse.
+/// the records in lists. Finds each record at the same offset as the document's reader. That is the
+/// end of the previous body by its layout, whatever length that record declares. A malicious number
+/// in the file can make this neither allocate memory nor recurse without limit.
 WalkEnd WalkRecords(CFile& file, RecordVisitor& visitor);
 
-/// Reads the next 16 or 32 bits, big-endian. Returns nothing if the file ends before them.
+/// Reads the next 16 or 32 bits, big-endian. Returns nothing if the file has fewer bits left.
 std::optional<std::uint16_t> ReadShort(CFile& file);
 std::optional<std::uint32_t> ReadLong(CFile& file);
 

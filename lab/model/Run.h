@@ -57,7 +57,8 @@ struct Plate {
   friend bool operator==(const Plate&, const Plate&) = default;
 };
 
-/// How a target is detected: dyes, and the settings with which an analysis starts.
+/// A detector: the dyes with which a target is detected, and the settings with which an analysis
+/// starts.
 struct Detector {
   std::string name;                     ///< the key in the list of detectors, case-sensitive
   std::string reporterDye;              ///< the name of the dye
@@ -118,8 +119,8 @@ struct BlockInfo {
   std::uint16_t version = 0;         ///< version 1 has no times
   std::vector<std::uint16_t> wells;  ///< well numbers, from 1, in the order of each frame
   std::uint64_t frameCount = 0;      ///< number of committed frames
-  /// Whether this library recorded the readings, according to the log of the run. Only then the
-  /// meaning of their times, temperatures and scale is known.
+  /// Whether the log of the run says that this library recorded the readings. Only then the meaning
+  /// of their times, temperatures and scale is known.
   bool isRecorded = false;
   /// When the first frame was read, as "2026-11-22T08:00:00", followed by "Z" or an offset such as
   /// "+01:00" if the zone is known. Nothing if the block is not `isRecorded`, or has no time.

@@ -134,7 +134,7 @@ std::optional<RunReading> RecordedReadings::Read(const Vex2WellRecord& record,
   const RunReading reading = DecodeReading(record);
   const std::size_t channels = std::max<std::size_t>(log_->channels.size(), 1);
   if (reading.missing >> channels != 0) return std::nullopt;
-  unsigned unused = 0;  // values that must be 0 because nothing was read there
+  unsigned unused = 0;  // the values of channels without a reading, which must all be 0
   for (std::size_t channel = channels; channel < kMostChannels; ++channel) {
     unused |= reading.values[channel];
   }

@@ -18,10 +18,10 @@ inline constexpr std::string_view kMeasuredSource = "source=readings";
 inline constexpr std::string_view kSimulatedSource = "source=simulation";
 
 /// What the recorder states in the log of a document that it recorded. The statement is the end of
-/// the log: lines KEY=VALUE, from the last line that names the source on. Among them are "frames"
-/// and "scale" once each ("frames=unknown" as long as the number is not known), and "offset",
-/// "channels" and "started" where they are needed. A log that does not end like this is another
-/// program's.
+/// the log: lines KEY=VALUE, from the last line that names the source on. Two lines are always
+/// there: "frames" and "scale"; as long as the number of frames is not known, the line is
+/// "frames=unknown". There may also be lines with "offset", "channels" and "started". If a log does
+/// not end with such lines, another program wrote it.
 struct RunLog {
   /// The number of frames of the whole run; nothing during a live run whose number of frames was
   /// not given.
@@ -41,8 +41,8 @@ struct RunLog {
 /// statement in `log`. If `text` has a statement itself, or `log` has none, returns `text`.
 std::string LogKeepingRun(std::string_view text, std::string_view log);
 
-/// Distinguishes the readings of a data block that the recorder wrote from all others, whose
-/// meaning is not known.
+/// Decodes the readings of a data block that the recorder wrote. The meaning of all other readings
+/// is not known.
 class RecordedReadings {
  public:
   /// For the block of `plate` with this tag. The recorder writes only raw readings ("RAWa").
@@ -56,8 +56,8 @@ class RecordedReadings {
   /// the recorder would have written, or if the frame comes after the last one of the run, so that
   /// another program added it.
   std::optional<RunReading> Read(const Vex2WellRecord& record, std::uint64_t frame) const;
-  /// Decodes a record that `Read` accepted before, or an empty one, for which it returns nothing.
-  /// It is faster than `Read`.
+  /// Decodes a record that `Read` accepted before; faster than `Read`. Returns nothing for an empty
+  /// record.
   static std::optional<RunReading> ReadKnown(const Vex2WellRecord& record);
 
  private:

@@ -14,8 +14,8 @@ namespace vex2::lab {
 /// the record, and one bit that says whether its reading is missing.
 constexpr std::size_t kMostChannels = 16;
 
-/// The unit in which times are stored, in parts of a second, and that of temperatures, in parts of
-/// a degree Celsius.
+/// Times are stored in this fraction of a second, temperatures in this fraction of a degree
+/// Celsius.
 constexpr std::uint32_t kTimeSteps = 1000;
 constexpr std::uint32_t kTemperatureSteps = 100;
 
@@ -23,7 +23,7 @@ constexpr std::uint32_t kTemperatureSteps = 100;
 struct RunReading {
   std::uint16_t cycle = 0;        ///< within its stage, from 1
   std::uint16_t temperature = 0;  ///< hundredths of a degree Celsius
-  /// Whether the reading is of the melting stage; otherwise of the amplification.
+  /// Whether the reading belongs to the melting stage; otherwise it belongs to the amplification.
   bool melting = false;
   std::uint32_t time = 0;  ///< milliseconds since the run began
   /// The stored fluorescence of each channel; a run without named channels has one.

@@ -22,8 +22,8 @@ std::optional<Program> ProgramOf(const Vex2FileManager& document);
 RunState RunStateOf(std::string_view status);
 /// The data blocks in their order, with their offsets in the file.
 std::vector<BlockInfo> BlocksOf(const Document::Plate& plate);
-/// The time as a text for users, with the zone that the log states. Returns nothing without a log:
-/// then the meaning of the bytes is not known.
+/// The time as a text for users, with the zone that the log states. Returns nothing without a log,
+/// since only the log says what the bytes mean.
 std::optional<std::string> TimeText(const TimeStamp& time, const std::optional<RunLog>& log);
 FramePosition PositionOf(const RunReading& reading);
 

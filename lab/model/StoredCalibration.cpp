@@ -14,7 +14,8 @@ namespace vex2::lab {
 
 namespace {
 
-// Copies of the fields: first those of both kinds of spectrum, then those of one kind.
+// These functions copy the fields of a spectrum. The first ones copy the fields that both kinds of
+// spectrum have; the others copy the fields of one kind.
 
 void copyOwn(const Vex2DyeSpectrum& from, CalibrationEntry& to) {
   to.bytes = {from.byte1, from.byte2};
@@ -103,8 +104,8 @@ Component* findPart(const Vex2FileManager& document) {
   return nullptr;
 }
 
-// Calls `replace`, which replaces a part by the record of a caller. Then restores the reserved
-// words of the part, which such a record does not have.
+// Calls `replace`, which replaces a part of the calibration. Then restores the reserved words of
+// the old part, since the new one does not have them.
 template <typename Component, typename Replace>
 void replacePart(const Vex2FileManager& document, const Replace& replace) {
   std::optional<std::array<std::uint8_t, 48>> reserved;

@@ -46,8 +46,8 @@ class CellCanvas {
 /// The number of groups with a separate letter.
 inline constexpr std::size_t kMostLetters = 52;
 
-/// The letter of a group, a to z and A to Z, or the digit of a value on a scale. "*" for further
-/// groups, and for a look without a value.
+/// The letter of a group, a to z and A to Z, or the digit of a value on a scale. It is "*" for
+/// further groups, and for a look without a value.
 char LetterOf(const Look& look);
 
 }  // namespace vex2::lab

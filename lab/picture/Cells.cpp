@@ -182,8 +182,8 @@ class Picture {
     return {padded(std::string(1, LetterOf(well->look)), width), well->look, false};
   }
 
-  // The lines of the legend. They have as many groups as there is room for, and the number of the
-  // other groups.
+  // The lines of the legend. They show as many groups as there is room for, and how many others
+  // there are.
   std::vector<std::vector<CellRun>> groupLines() const {
     const std::vector<std::string>& groups = scene_.legend.groups;
     const std::size_t mostLines = std::max<std::size_t>(size_.height / 3, 1);

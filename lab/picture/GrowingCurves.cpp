@@ -12,7 +12,8 @@ namespace vex2::lab {
 
 namespace {
 
-// More curves than those of a large plate could not be distinguished.
+// The curves of at most this many wells are drawn, as many as a large plate has. More curves could
+// not be distinguished.
 constexpr std::size_t kMostWells = 1536;
 // The axis grows by this many cycles at a time, so that the curves do not shrink with each frame.
 constexpr double kStep = 10;

@@ -10,8 +10,8 @@
 
 namespace vex2::lab {
 
-/// The curves of a run while it is recorded. They are drawn from its frames only: the readings by
-/// cycle, or by temperature of the melting.
+/// The curves of a run while it is recorded. They are drawn only from its frames: the readings of
+/// each cycle, or of each temperature in the melting stage.
 class GrowingCurves {
  public:
   /// Adds the next frame.

@@ -8,8 +8,7 @@ namespace vex2::lab::page {
 
 extern const std::string_view kHtml;  ///< contains {{names}} in place of the other parts
 extern const std::string_view kStyle;
-extern const std::string_view
-    kScripts;                         ///< all scripts, in the order in which they need each other
-extern const std::string_view kIcon;  ///< SVG icon of the browser tab
+extern const std::string_view kScripts;  ///< all scripts, each after the scripts that it needs
+extern const std::string_view kIcon;     ///< SVG icon of the browser tab
 
 }  // namespace vex2::lab::page

@@ -5,9 +5,9 @@
 
 namespace vex2::lab {
 
-/// The colours of all pictures. Adjacent colours in a list can be distinguished even by people who
-/// cannot distinguish red from green, or blue from yellow: seen as they see them, any two colours
-/// of one list are more than 11 apart in CIELAB.
+/// The colours of all pictures. People who cannot distinguish red from green, or blue from yellow,
+/// can still distinguish the colours of one list: as they see them, any two are more than 11 apart
+/// in CIELAB.
 struct Palette {
   /// For groups, in this order, on a light background.
   static constexpr std::array<std::string_view, 8> kLight = {

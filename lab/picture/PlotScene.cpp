@@ -164,8 +164,8 @@ class Builder {
     return most > 0 ? most * kLogDepth : std::numeric_limits<double>::min();
   }
 
-  // Adds those parts of a curve that are readings and not below `least`. On a logarithmic axis, a
-  // single reading between two lower ones is noise and is left out.
+  // Adds the parts of a curve that are not below `least`. On a logarithmic axis, a single reading
+  // between two lower ones is noise and is left out.
   void addCurve(const Look& look, const std::vector<double>& x, const std::vector<double>& y,
                 double least) {
     const auto isDrawn = [&](std::size_t i) {

@@ -59,7 +59,8 @@ class DocumentEntry {
   }
 
  private:
-  // Calls `work`. If it fails, adds its error to the entry, which is then built further.
+  // Calls `work`. If it fails, adds the error to the entry, so that the rest of the entry can still
+  // be made.
   template <typename Work>
   void attempt(const Work& work) {
     try {

@@ -39,8 +39,8 @@ VEX2_API std::string ReportData(std::span<const std::filesystem::path> paths,
 /// the same time. Throws `Error` only if memory runs out.
 VEX2_API std::string ReportEntry(const std::filesystem::path& path, const ReportSettings& settings);
 
-/// The data of a report on the documents with these entries, in their order, in the form of
-/// `ReportData`.
+/// Joins entries to the data of a report on these documents, in their order. The result has the
+/// form of `ReportData`.
 VEX2_API std::string ReportDataOf(std::span<const std::string> entries,
                                   const ReportSettings& settings);
 

@@ -22,7 +22,8 @@ struct stat statusOf(const std::string& path, int handle) {
 
 }  // namespace
 
-// O_NONBLOCK: opening must not block if there is a pipe at the path instead of a document.
+// O_NONBLOCK is for the case that a pipe is at the path instead of a document: opening it must not
+// block.
 FollowedFile::FollowedFile(const std::string& path)
     : path_(path), handle_(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
   if (handle_ < 0) throw SystemError(path, errno);

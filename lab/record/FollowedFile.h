@@ -8,8 +8,8 @@
 
 namespace vex2::lab {
 
-/// A file to which another program appends, read without a lock, so that the other program never
-/// waits. Read only bytes that the other program does not overwrite, or read them twice and
+/// A file to which another program appends. It is read without a lock, so that the other program
+/// never waits. Read only bytes that the other program does not overwrite, or read them twice and
 /// compare.
 class FollowedFile {
  public:
@@ -25,7 +25,7 @@ class FollowedFile {
   FileIdentity Identity() const;
   /// The current length of the file.
   std::uint64_t Length() const;
-  /// Reads all of `bytes` from `offset` on. Returns false if the file ends before them.
+  /// Reads all of `bytes` from `offset` on. Returns false if the file has fewer bytes left.
   [[nodiscard]] bool Read(std::uint64_t offset, std::span<std::uint8_t> bytes) const;
 
  private:

@@ -41,9 +41,9 @@ class InterruptedRun {
   /// the document holds the beginning of the planned run, or all of it if the run is complete. The
   /// frames of a live plan are not compared, since they are still to come.
   void Check(const RunPlan& plan) const;
-  /// Cuts off the uncommitted bytes of an interrupted commit, and corrects the length of the block
-  /// and the header's offset of it, so that the run can be resumed. If this is interrupted itself,
-  /// it can be called again.
+  /// Cuts off the uncommitted bytes of an interrupted commit. Also corrects the length of the block
+  /// and its offset in the header, so that the run can be resumed. If the repair is interrupted, it
+  /// can be repeated.
   void Repair() const;
 
  private:
@@ -59,7 +59,7 @@ class InterruptedRun {
   std::uint16_t rows_ = 0;
   std::uint16_t columns_ = 0;
   std::uint32_t headerPosition_ = 0;  ///< the header's offset of the block
-  /// Offset of the block's tag, or of the end of the records if there is no block.
+  /// Offset of the block's tag; if there is no block, the end of the records.
   std::uint64_t blockStart_ = 0;
   CommittedBlock block_;  ///< the block, if the header leads to one
   std::vector<unsigned short> wells_;

@@ -94,9 +94,9 @@ void LiveRun::take(const ReadingRow& row) {
   if (isFull() && isLast(key) && pending_.empty()) finish();
 }
 
-// Throws an error unless the frame is the first one that is not yet recorded: frames must become
-// complete in the order in which they began. Otherwise a complete frame would have to wait in
-// memory for one that may never become complete.
+// Throws an error unless the frame is the next one: frames must become complete in the order in
+// which they began. Otherwise a complete frame would have to wait in memory for one that may never
+// become complete.
 void LiveRun::requireInOrder(const CollectedFrame& frame) const {
   if (pending_.front() == frame.Key()) return;
   const CollectedFrame& first = collector_.Frames().at(pending_.front());

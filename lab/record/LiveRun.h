@@ -24,7 +24,7 @@ struct LiveOptions {
 /// Records readings as they arrive, each frame as soon as its last reading has arrived. Frames must
 /// become complete in the order in which they began, which must also be the order of their times.
 /// The rows of one frame may arrive in any order. After a resume, the input may repeat frames that
-/// are in the document; these are then compared. It may also leave them out.
+/// are in the document, or leave them out. Frames that it repeats are compared.
 class LiveRun {
  public:
   LiveRun(const MeasuredRunFiles& files, LiveOptions live, RecordOptions options,

@@ -16,7 +16,7 @@ struct MeasuredRunFiles {
   std::string wells;     ///< CSV: well,sample,target,task,quantity,reporter
   /// The scale, without offset. If it is not given, the scale that loses least is chosen.
   std::optional<ReadingScale> scale;
-  /// If not given, 0, or the one that is chosen with the scale.
+  /// If it is not given, the offset is 0, or it is chosen with the scale.
   std::optional<DecimalNumber> offset;
   std::vector<std::string> channels;  ///< Latin-1; if empty, those that the readings name
   std::optional<RunStart> started;    ///< when the run began

@@ -42,7 +42,7 @@ void setSettings(Vex2FileManager& document, const RunPlan& plan) {
 void setProgram(Vex2FileManager& document, const RunPlan& plan) {
   const std::string text = ProgramText(plan);
   const std::vector<std::uint8_t> described(text.begin(), text.end());
-  // Without frames there is nothing from which to describe a program.
+  // Without frames the program cannot be described.
   if (plan.program.empty() && described.empty()) return;
   StoreProgram(document, plan.program.empty() ? described : plan.program);
 }

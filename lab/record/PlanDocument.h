@@ -10,7 +10,7 @@ namespace vex2::lab {
 void StorePlan(Vex2FileManager& document, const RunPlan& plan);
 
 /// Stores in the document what is known of a live run only at its end: the program, and the number
-/// of frames, which the log states.
+/// of frames, which is part of the log.
 void StoreWhatIsKnownLast(Vex2FileManager& document, const RunPlan& plan);
 
 /// Stores a whole run in the document, which must be empty. The result equals that of a finished

@@ -42,7 +42,7 @@ std::optional<double> fluorescenceOf(const CsvRow& row) {
   if (std::abs(value) > ReadingScale::kLargestReading) {
     row.RefuseField(kFluorescence, "does not fit: readings go from -1e12 to 1e12");
   }
-  return value == 0 ? 0 : value;  // change minus zero to zero
+  return value == 0 ? 0 : value;  // minus zero becomes zero
 }
 
 std::string channelName(const CsvRow& row) {

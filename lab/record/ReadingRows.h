@@ -42,8 +42,8 @@ struct ReadingsSource {
 const std::vector<std::string_view>& ReadingsFileColumns();
 
 /// Reads the file and calls `take` with each row. Every well must be in the plan. An empty reading
-/// or "NA" is a missing reading. Throws an error that names the row. Returns false if
-/// `keepsWaiting` ended the reading before the end of the file.
+/// or "NA" is a missing reading. Throws an error that names the row if the file cannot be used.
+/// Returns false if `keepsWaiting` ended the reading before the end of the file.
 bool ReadReadingRows(const ReadingsSource& source, RunPlan& plan,
                      const std::function<void(const ReadingRow&)>& take);
 

@@ -45,7 +45,7 @@ class Recorder {
            std::function<void(const RecordState&)> report);
 
   /// Locks the document and checks that the run can be recorded to it. If not, throws an error and
-  /// changes nothing. `Run` and `Begin` call this themselves if it was not called before.
+  /// changes nothing. If it was not called before, `Run` and `Begin` call it.
   void Claim() { document_.Claim(plan_); }
   /// Records the plan's frames until the run is complete or `wait` ends the work. If it throws an
   /// error, the document holds every frame that was reported, and the run can be resumed.

@@ -18,7 +18,8 @@ void RecordingDocument::Claim(const RunPlan& plan) {
   auto lock = std::make_unique<DocumentLock>(options_.path, DocumentLock::Holder::kRecorder);
   struct stat info {};
   const bool exists = ::stat(document_.c_str(), &info) == 0;
-  // Under another of its names the file has another lock, so two recorders could write to it.
+  // Each name of a file has its own lock, so under another name a second recorder could write to
+  // the file.
   if (exists && info.st_nlink > 1) {
     throw Error(ErrorCode::kUsage, options_.path,
                 "has other names as well (hard links), under which others could change it; record "
@@ -78,7 +79,7 @@ void RecordingDocument::Commit(const RunPlan& plan, std::span<const Vex2WellReco
   readAnew(plan);
   const auto index = static_cast<int>(frameCount_);
   if (manager_.GetDataFrameCount(DataRAWa) > index) {
-    // The failed commit could not undo what it wrote, so its frame is in the document and counts.
+    // The failed commit could not undo what it wrote, so its frame is a frame of the document.
     if (!holdsFrame(index, plan, records)) refuseOtherFrames();
     ++frameCount_;
     return;
@@ -91,7 +92,7 @@ void RecordingDocument::Commit(const RunPlan& plan, std::span<const Vex2WellReco
   }
   const int status = manager_.CommitAcqDataFrame(document_.c_str(), index, DataRAWa);
   const FileError& failure = manager_.GetLastFileError();
-  // The system may have dropped the bytes that it could not store, and a later sync may succeed
+  // The system may have dropped the bytes that it could not store. A later sync could then succeed
   // although they are lost.
   hasFailedSync_ =
       hasFailedSync_ || (status != kSuccess && failure.operation == FileOperation::kSync);

@@ -19,9 +19,9 @@
 namespace vex2::lab {
 
 /// A document to which a run is recorded. It is made or resumed, grows frame by frame, and is
-/// finished. Only this class knows the order of the manager's operations in which no committed
-/// frame can be lost: the whole document is saved before it has a data block and after its last
-/// frame; in between, only frames are committed.
+/// finished. Only this class knows in which order to call the manager so that no committed frame
+/// can be lost: it saves the whole document before there is a data block and after the last frame,
+/// and in between it only commits frames.
 ///
 /// Every operation throws an error that names the document. After a failed commit the document
 /// holds the earlier frames, and the same frame can be committed again. If another program has
@@ -41,8 +41,8 @@ class RecordingDocument {
   void Claim(const RunPlan& plan);
   bool IsClaimed() const { return lock_ != nullptr; }
 
-  /// Makes the document, or repairs and reads the one to resume. After this, the next frame can be
-  /// committed. Returns false if the run is already complete.
+  /// Makes a new document, or repairs and reads the document to resume. After this, the next frame
+  /// can be committed. Returns false if the run is already complete.
   bool Begin(const RunPlan& plan);
   /// Appends a frame: a record for each of the plan's wells. The frame is on the disk when this
   /// returns.

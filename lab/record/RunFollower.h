@@ -30,8 +30,8 @@ enum class FollowState {
 ///
 /// The document need not exist yet. The follower continues when the recorder stops and resumes, and
 /// when a save replaces the document. It only reads, and does not delay the recorder: it checks the
-/// file ten times a second, without a lock. Only to read the other records it takes a lock for a
-/// short time: when it first finds the document, and when the document was replaced.
+/// file ten times a second, without a lock. It locks the file only for a short time, to read the
+/// other records when it first finds the document and when the document was replaced.
 ///
 /// All operations throw `Error` and nothing else. Use a follower from one thread at a time; any
 /// number of followers can follow the same run.

@@ -35,11 +35,10 @@ struct RunPlan {
   /// Lines of key=value that name the source of the readings. They become part of the document's
   /// log.
   std::string origin;
-  /// Whether the frames hold readings that this library encoded, so that the log states their
-  /// meaning.
+  /// Whether this library encoded the readings in the frames. The log then states their meaning.
   bool statesReadings = true;
 
-  /// Detectors with details, in addition to those that `contents` names.
+  /// Detectors with details. Those that only `contents` names are added without details.
   std::vector<Vex2Detector> detectors;
   std::vector<std::string> requiredDyes;  ///< in addition to the reporters in `contents`; Latin-1
   std::vector<SettingValue> settings;

@@ -133,8 +133,8 @@ class Choice {
     return whole;
   }
 
-  // The scale with the smallest step of six digits for which the highest reading is stored below
-  // 65535. At 65535 the reading would look as if it had been cut off.
+  // The scale with the smallest step of six digits that stores the highest reading as less than
+  // 65535. A reading that is stored as 65535 looks as if it had been cut off.
   std::optional<ReadingScale> finestStep(DecimalNumber offset) const {
     const double range = readings_.back() - offset.Value();
     if (!(range > 0)) return std::nullopt;

@@ -13,16 +13,16 @@ namespace vex2::lab {
 ///   smallest above it;
 /// - the largest common step of the readings, counted from 0 or from the lowest reading, if it
 ///   keeps them exactly;
-/// - the power of ten, or the finest step that fits, for which the largest change of a reading is
-///   smallest.
+/// - the powers of ten and the finest step that fits; of these, the one that changes the readings
+///   least, judged by the largest change.
 ///
 /// If no `offset` is given, one is chosen only if a reading is negative, if the readings fit or are
 /// kept exactly only with an offset, or if it at least halves the largest change.
 ReadingScale ChooseScale(std::vector<double> readings, std::optional<DecimalNumber> offset);
 
-/// Chooses a scale when only the readings of the first frame are known: the largest power of ten up
-/// to 1000 with which sixteen times the largest of them still fits. If one of them is negative and
-/// no `offset` is given, chooses an offset so that this also holds for negative readings.
+/// Chooses a scale when only the readings of the first frame are known. It is the largest power of
+/// ten, up to 1000, that has room for sixteen times the largest reading. If a reading is negative
+/// and no `offset` is given, it also chooses an offset that leaves as much room below 0.
 ReadingScale ChooseScaleAhead(const std::vector<double>& firstFrame,
                               std::optional<DecimalNumber> offset);
 

@@ -25,10 +25,11 @@ struct RecoverOptions {
 /// writes to `damaged`. The report lists what was lost and what was corrected. Takes time in
 /// proportion to the size of the file, and little memory.
 ///
-/// Throws `Error`, and leaves `target` unchanged, in these cases: `target` exists and may not be
-/// replaced, holds something other than a document, is the damaged file itself, has further hard
-/// links, or is being recorded or changed; `damaged` contains nothing of a document; the system
-/// refuses.
+/// Throws `Error`, and leaves `target` unchanged, if
+/// - `target` exists and may not be replaced, holds something other than a document, is the damaged
+///   file itself, has further hard links, or is being recorded or changed,
+/// - `damaged` contains nothing of a document, or
+/// - the system refuses.
 VEX2_API RecoverReport Recover(const std::filesystem::path& damaged,
                                const std::filesystem::path& target,
                                const RecoverOptions& options = {});

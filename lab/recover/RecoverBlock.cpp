@@ -72,9 +72,9 @@ std::optional<RecoverBlock> byNumbers(RecoverSource& source, const BlockSearch& 
   return std::nullopt;
 }
 
-// The number of wells in a frame, found from the times: the number of records just before `to` that
-// have the same time, if the record before them has another time. 0 if the times do not show the
-// number of wells.
+// Finds the number of wells in a frame from the times: all records of a frame have the same time.
+// Counts the records just before `to` up to one with another time. Returns 0 if that does not show
+// the number of wells.
 std::uint16_t wellsByTimes(RecoverSource& source, std::uint64_t from, std::uint64_t to) {
   constexpr std::uint64_t kTimeAt = 10;
   std::optional<std::uint32_t> time;
@@ -114,8 +114,9 @@ int fitness(RecoverSource& source, const BlockSearch& search, const RecoverBlock
   return points;
 }
 
-// Finds a block that begins where the search begins. Tries the numbers of wells of other blocks,
-// and those with which whole frames end at the end of the search or at the declared end.
+// Finds a block that begins where the search begins. Tries the numbers of wells that other blocks
+// have. Also tries each number of wells for which the last whole frame ends exactly at the end of
+// the search, or at the declared end.
 std::optional<RecoverBlock> byGrid(RecoverSource& source, const BlockSearch& search) {
   constexpr int kConvincing = 5;
   std::vector<std::uint16_t> counts = search.wellCounts;
@@ -160,7 +161,7 @@ std::optional<RecoverBlock> byPlace(RecoverSource& source, const BlockSearch& se
 }
 
 // Finds a block that begins where the search begins. Tries every number of wells, and takes the
-// first for which valid well numbers are followed by frames as recorders write them.
+// first one for which the bytes are valid well numbers followed by frames as recorders write them.
 std::optional<RecoverBlock> byFrames(RecoverSource& source, const BlockSearch& search) {
   constexpr std::uint16_t kFilled = 1;
   const std::uint64_t body = search.from + kRecordHeadSize;

@@ -45,25 +45,25 @@ std::vector<std::uint16_t> ReadWellNumbers(RecoverSource& source, std::uint64_t 
 struct BlockSearch {
   std::uint64_t from = 0;
   std::uint64_t to = 0;                   ///< end of its last frame, or of the file
-  bool beginsAtFrom = false;              ///< its tag is, or was, at `from`
+  bool beginsAtFrom = false;              ///< the block's tag is at `from`, even if damaged
   std::vector<std::uint16_t> wellCounts;  ///< likely numbers of wells, the likeliest first: those
                                           ///< of other blocks and of the plate
 };
 
 /// Finds the frames of a block by what is left of its head: its version and size of times, its well
-/// numbers, or its length. If nothing is left, finds a number of wells for which whole frames, with
-/// 80 bytes for each well, fill the bytes up to `to`. The block's tag is empty if it cannot be
+/// numbers, or its length. If nothing is left, looks for a number of wells for which frames, of 80
+/// bytes for each well, exactly fill the bytes up to `to`. The block's tag is empty if it cannot be
 /// read. Returns nothing if there is not even one whole frame.
 std::optional<RecoverBlock> FindLostBlock(RecoverSource& source, const BlockSearch& search);
 
-/// The first value of the well records in the frame that have a reading. Returns nothing if these
-/// records differ in that value, or if no record has a reading.
+/// The value at the start of the well records in the frame, apart from records without a reading.
+/// Returns nothing if the records differ in that value, or if no record has a reading.
 std::optional<std::uint16_t> MarkerOf(RecoverSource& source, std::uint64_t frame,
                                       std::uint16_t wells);
 
-/// Counts how many frames from `offset` on look like frames; stops at `most`. In such a frame, at
-/// least half of the well records begin with `marker`, or, if there is no `marker`, with any value
-/// but 0.
+/// Counts how many frames from `offset` on look like frames; stops at `most`. A frame looks like
+/// one if at least half of its well records begin with `marker`; if there is no `marker`, if they
+/// begin with any value but 0.
 std::uint64_t CountPlausibleFrames(RecoverSource& source, std::uint64_t offset, std::uint16_t wells,
                                    std::uint64_t most, std::optional<std::uint16_t> marker);
 

@@ -7,8 +7,8 @@
 
 namespace vex2::lab {
 
-/// The facts about a plate from which a damaged header can be made again. They are found from the
-/// plate's records.
+/// Facts about a plate that are found from its records. A damaged header can be made again from
+/// them.
 struct PlateFacts {
   bool isStudy = false;
   bool hasFrames = false;

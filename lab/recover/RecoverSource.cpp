@@ -14,7 +14,7 @@ namespace vex2::lab {
 namespace {
 
 constexpr std::size_t kWindow = 16 * 1024;
-// The number of heads in a row after which they cannot be an accident.
+// So many heads in a row cannot be an accident.
 constexpr int kEnoughHeads = 48;
 constexpr int kFewHeads = 2;
 
@@ -165,8 +165,7 @@ bool IsBelieved(RecoverSource& source, std::uint64_t offset, std::uint64_t mustC
       if (cut && cut->kind->layout != BodyLayout::kUnknown) ++exact;
       return i > 0 && exact >= kFewHeads && offset > mustCross;
     }
-    // The numbers in the head of a data block are stronger evidence than those of a few small
-    // records.
+    // The numbers in the head of a data block prove more than the numbers of a few small records.
     const bool isBlock = head->kind->layout == BodyLayout::kData && head->length > 0;
     exact += isBlock ? kFewHeads : head->exact ? 1 : 0;
     offset = head->next;

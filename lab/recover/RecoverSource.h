@@ -25,7 +25,7 @@ class RecoverSource {
   /// At least `count` bytes from `offset` on; fewer only at the end of the file. Valid until the
   /// next call.
   std::span<const std::uint8_t> View(std::uint64_t offset, std::size_t count);
-  /// The big-endian number at `offset`; nothing if the file ends before its end.
+  /// The big-endian number at `offset`; nothing if the file ends within the number.
   std::optional<std::uint16_t> Short(std::uint64_t offset);
   std::optional<std::uint32_t> Long(std::uint64_t offset);
 
@@ -65,16 +65,16 @@ std::optional<RecoverHead> HeadAt(RecoverSource& source, std::uint64_t offset);
 std::optional<RecoverHead> UnknownHeadAt(RecoverSource& source, std::uint64_t offset,
                                          std::uint64_t listEnd = 0);
 
-/// The number of characters in which the bytes at `offset` agree with `tag`.
+/// The number of characters that are the same in `tag` and in the bytes at `offset`.
 int Likeness(RecoverSource& source, std::uint64_t offset, std::string_view tag);
 
 /// Whether a record may end at `offset`: another head begins there, or the file ends there or a few
 /// bytes later.
 bool IsBoundary(RecoverSource& source, std::uint64_t offset);
 
-/// Whether the head at `offset` can be trusted although the bytes before it are damaged. It can if
-/// further heads follow, each at the end of the record before, up to the end of the file, past
-/// `mustCross`, or so many that readings are unlikely to look like them.
+/// Whether the head at `offset` can be trusted although the bytes before it are damaged. Further
+/// heads must follow, each at the end of the record before. They must lead to the end of the file
+/// or past `mustCross`, or be so many that readings are unlikely to look like them.
 bool IsBelieved(RecoverSource& source, std::uint64_t offset, std::uint64_t mustCross = 0);
 
 /// Looks for a head that can be trusted, at the offsets from `from` to below `before`. Returns the

@@ -29,9 +29,10 @@ class RecoverTree {
   void Patch(std::uint64_t at, std::span<const std::uint8_t> bytes);
 
   /// Closes the lists that end before `offset` of the damaged file. `tag` is the tag of the record
-  /// that begins there, or empty if no record does. `afterLoss`: bytes before `offset` were lost.
+  /// that begins there, or empty if no record does. `afterLoss` says whether bytes before `offset`
+  /// were lost.
   void Settle(std::uint64_t offset, std::string_view tag, bool afterLoss);
-  /// Opens lists for a record with this tag, in place of the lists around it that were lost.
+  /// Opens new lists for a record with this tag, to replace lost lists around it.
   void Wrap(std::uint64_t offset, std::string_view tag);
   /// Opens the list with this head under `tag`. The first `bytes` bytes of the list are already
   /// written.

@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::uint64_t kListFields = 2;
 constexpr std::uint64_t kCellFields = 7;
-// The depth limit of readers: they do not read a record that is nested deeper.
+// Readers do not read records that are nested deeper than this.
 constexpr std::size_t kDeepest = 63;
 
 bool isPlateHeader(RecoverSource& source, const RecoverHead& plate) {
@@ -56,7 +56,7 @@ RecoverReport Recovery::Run() {
   return report_;
 }
 
-// The offset of the first record: that of the end of the header, unless the bytes of the header are
+// The offset of the first record. It is the end of the header, unless the bytes of the header are
 // missing from the file.
 std::uint64_t Recovery::firstRecord() {
   if (source_.Size() == HeaderLayout::kSize || HeadAt(source_, HeaderLayout::kSize))
@@ -86,9 +86,9 @@ std::uint64_t Recovery::step(std::uint64_t offset) {
 }
 
 // Whether to keep the record with this head. If its own numbers agree, the record is kept even if
-// no record follows: then the bytes after it are damaged. If its length can be any number, the
-// length is wrong only if whole records begin in the body and lead across its end, or if it leads
-// past the end of an open list.
+// no other record follows it: then the bytes after it are damaged. For some kinds any length is
+// possible. Then the length is wrong only if whole records begin in the body and lead across its
+// end, or if it leads past the end of an open list.
 bool Recovery::isCredible(const RecoverHead& head) {
   if (tree_.Depth() > kDeepest) return false;
   if (head.HoldsRecords()) return isCredibleList(head);
@@ -105,8 +105,8 @@ bool Recovery::isCredibleList(const RecoverHead& head) {
   return (head.exact && head.DeclaredEnd() <= source_.Size()) || IsBoundary(source_, head.next);
 }
 
-// Finds a list of which only the tag is damaged: its numbers lead to a record that belongs into a
-// list. Sets `tag` to the tag that the list most likely had.
+// Finds a list of which only the tag is damaged: by its numbers, it begins with a record that
+// belongs into a list. Sets `tag` to the tag that the list most likely had.
 std::optional<RecoverHead> Recovery::listWithoutTag(std::uint64_t offset, std::string& tag) {
   const auto length = source_.Long(offset + 4);
   if (!length || *length < kListFields) return std::nullopt;
@@ -136,9 +136,9 @@ std::optional<RecoverHead> Recovery::listWithoutTag(std::uint64_t offset, std::s
   return std::nullopt;
 }
 
-// The tag of a list into which its first record belongs. If there are several such tags, returns
-// the one that is most like the damaged tag. Returns nothing if there is no first record, or if the
-// list may be another program's.
+// The tag of the list that begins at `offset`, found from the first record in it. If such a record
+// can be in several lists, returns the tag that is most like the damaged tag. Returns nothing if
+// there is no first record, or if the list may be another program's.
 std::string_view Recovery::listAround(std::uint64_t offset, std::uint64_t fields) {
   const auto first = HeadAt(source_, offset + kRecordHeadSize + fields);
   if (!first || !first->exact) return {};
@@ -164,8 +164,8 @@ bool Recovery::isPlateEnd(std::uint64_t offset) {
          Likeness(source_, offset, TagOf(Kind::kEndOfPlate)) > 0;
 }
 
-// Whether only the second half of the length and the value are left of a plate's end record at
-// `offset`, and the next record belongs into the document or begins a plate.
+// Whether a plate's end record is at `offset`, of which only the second half of the length and the
+// value are left. The next record must belong into the document or begin a plate.
 bool Recovery::isRestOfPlateEnd(std::uint64_t offset) {
   constexpr std::uint32_t kEndLength = 4;
   const std::uint64_t value = offset + kRecordHeadSize;
@@ -208,8 +208,8 @@ bool Recovery::endsInPlate(std::uint64_t offset) {
   return false;
 }
 
-// Opens lists for a record with this tag, in place of those that were lost around it: also a plate
-// whose beginning was lost.
+// Opens new lists for a record with this tag, to replace lost lists around it; also a new plate if
+// the beginning of its plate was lost.
 void Recovery::wrap(std::uint64_t offset, std::string_view tag) {
   const bool isOutside = tree_.Depth() == 0;
   const bool isPlates = HomeOf(tag) == TagOf(Kind::kPlate);

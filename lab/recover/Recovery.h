@@ -27,9 +27,10 @@ class Recovery {
 
   /// Writes all that can be read to the new document. Copies records byte for byte as long as each
   /// leads to the next. After damage, finds records by their tags, and frames by the structure of
-  /// their block. Gives lists the counts and lengths of what is left in them, and puts the rest of
-  /// a lost list, plate or header into a new one. Takes time in proportion to the size of the file,
-  /// and little memory. Passes on what `in`, `out` and `progress` throw.
+  /// their block. Gives each list the count and length of what is left in it. If the head of a
+  /// list, a plate or the document is lost, makes a new one for its records. Takes time in
+  /// proportion to the size of the file, and little memory. Passes on what `in`, `out` and
+  /// `progress` throw.
   RecoverReport Run();
 
  private:
@@ -88,7 +89,7 @@ class Recovery {
   std::vector<std::uint8_t> header_;       // header of the document in the damaged file
   std::vector<std::uint8_t> plateHeader_;  // header of the open plate in the new document
   std::map<std::string, Position, std::less<>> positions_;
-  // Well numbers of a block, by their count.
+  // well numbers of blocks; the key is the number of wells
   std::map<std::uint16_t, std::vector<std::uint16_t>> numbers_;
   bool afterLoss_ = false;
 };

@@ -219,8 +219,8 @@ std::vector<std::uint16_t> Recovery::likelyNumbers(std::uint16_t wells) const {
   return used;
 }
 
-// The likely tag of a block whose tag is lost: that of the raw readings, unless there is such a
-// block already. Otherwise the tag of a reporting block that is most like the damaged bytes.
+// The likely tag of a block whose tag is lost. If the plate has no raw readings yet, it is their
+// tag. Otherwise it is the tag of the reporting block that is most like the damaged bytes.
 std::string Recovery::likelyTag(const RecoverBlock& block, std::uint64_t from) {
   std::string best(kDataBlockTags.front());
   int most = -1;

@@ -35,8 +35,8 @@ void Recovery::finishHeader() {
   tree_.Patch(0, header);
 }
 
-// The offset that the header should store for the record with this tag: that of the tag while a run
-// is recorded, and that of the end of the record after a save.
+// The offset of a record that the header should store. While a run is recorded, it is the offset of
+// the tag; after a save of the whole document, it is the end of the record.
 std::uint32_t Recovery::rightPosition(std::uint32_t stored, std::string_view tag) {
   const auto found = positions_.find(tag);
   if (found == positions_.end()) return 0;

@@ -64,8 +64,8 @@ class Screen {
              '\n';
   }
 
-  // Shortens a value only if it would fill the screen by itself. Then it also says how to print the
-  // whole value.
+  // Shortens a value only if it would fill the screen by itself. Says after a shortened value how
+  // to print the whole value.
   std::string shortened(const std::string& value) const {
     constexpr std::size_t kMostColumns = 2000;
     if (!form_.HasWidth() || Columns(value) <= kMostColumns) return value;

@@ -107,8 +107,8 @@ unsigned columnsPerGroup(unsigned columns, std::size_t room, std::size_t cell) {
 
 Cells cellsOf(const PlateLayout& plate, const Values& values, std::size_t nameWidth,
               const TextForm& form) {
-  // If the output has no fixed width, letters replace the texts only if fewer than this many
-  // columns fit side by side.
+  // If the output has no fixed width, texts are shown as long as this many columns fit side by
+  // side; otherwise letters.
   constexpr unsigned kLeastColumns = 4;
   Cells cells;
   const std::size_t width = form.PlateWidth();

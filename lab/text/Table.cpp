@@ -69,7 +69,7 @@ class Table {
     std::size_t used = 0;
     for (const std::size_t column : group) {
       const std::string& field = row[column];
-      // Only a column that is alone with the first one in its group can be too wide.
+      // A column can be too wide only if its group has just this column and the first one.
       if (used + widths_[column] > width && column != group.front()) {
         text += Folded(field, used, width);
       } else {

@@ -163,7 +163,7 @@ TEST_F(RecordLiveTest, RunOfAGivenLengthDoesNotEndBefore) {
   CommandResult result = RecordLive(Frames(1, 2), {"--frames", "4"});
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_EQ(result.errors,
-            "vex: standard input: ended after 2 of 4 frames; repeat the command with --resume to "
+            "vex: standard input: ended after 2 of 4 frames; use the same command with --resume to "
             "continue\n");
   EXPECT_EQ(RecordedStatus(Run()), "PROG");
   result = RecordLive(Frames(3, 4), {"--resume"});
