@@ -79,4 +79,10 @@ std::string ToHex(std::span<const std::uint8_t> bytes) {
   return ToHex({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
 }
 
+std::string Quoted(std::string_view text) {
+  constexpr std::size_t kMost = 40;
+  const std::string shown(text.substr(0, kMost));
+  return text.size() > kMost ? "'" + shown + "...'" : "'" + shown + "'";
+}
+
 }  // namespace vex2::lab

@@ -43,4 +43,7 @@ bool IsSameIgnoringCase(std::string_view one, std::string_view other);
 std::string ToHex(std::string_view bytes);
 std::string ToHex(std::span<const std::uint8_t> bytes);
 
+/// `text` in quotes for an error message, shortened if it is long.
+std::string Quoted(std::string_view text);
+
 }  // namespace vex2::lab

@@ -8,12 +8,6 @@
 
 namespace vex2::lab {
 
-std::string Quoted(std::string_view text) {
-  constexpr std::size_t kMost = 40;
-  const std::string shown(text.substr(0, kMost));
-  return text.size() > kMost ? "'" + shown + "...'" : "'" + shown + "'";
-}
-
 void CsvRow::Refuse(const std::string& why, ErrorRemedy remedy) const {
   throw Error(ErrorCode::kDocument, file_, fmt::format("row {}: {}", number_, why), std::nullopt,
               remedy);

@@ -54,7 +54,4 @@ class CsvRow {
   DecimalMark& mark_;
 };
 
-/// `text` in quotes for an error message, shortened if it is long.
-std::string Quoted(std::string_view text);
-
 }  // namespace vex2::lab

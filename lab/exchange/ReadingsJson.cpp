@@ -5,8 +5,8 @@
 #include "lab/exchange/DocumentJson.h"
 #include "lab/exchange/Json.h"
 #include "lab/exchange/ReadingFields.h"
-#include "lab/exchange/StoredValues.h"
 #include "lab/model/StoredCalibration.h"
+#include "vex2/format/DataBlockHead.h"
 
 namespace vex2::lab {
 
@@ -74,11 +74,12 @@ ordered_json DescribeFrame(const FrameView& view, const std::string& path,
   ordered_json wells = ordered_json::array();
   for (std::size_t i = 0; i < view.wells.size(); ++i) {
     const Vex2WellRecord& record = view.frame.records[i];
-    wells.push_back({{"well", view.NameOf(i)},
-                     {"number", view.wells[i]},
-                     {"leading", record.leading},
-                     {"data", std::vector<std::uint16_t>(record.data, record.data + kStoredData)},
-                     {"reading", readingInfo(view, i)}});
+    wells.push_back(
+        {{"well", view.NameOf(i)},
+         {"number", view.wells[i]},
+         {"leading", record.leading},
+         {"data", std::vector<std::uint16_t>(record.data, record.data + kStoredDataValues)},
+         {"reading", readingInfo(view, i)}});
   }
   ordered_json frame = {{"file", path}};
   if (view.isEmbedded) frame["plate"] = view.plate;

@@ -8,9 +8,6 @@
 
 namespace vex2::lab {
 
-/// The number of data values of a well record that documents store; a record in memory has more.
-inline constexpr std::size_t kStoredData = 32;
-
 /// Writes the column names of a table of stored well records: well, its number, frame, leading_0 to
 /// leading_7, data_0 to data_31.
 void WriteStoredColumns(CsvWriter& csv);

@@ -8,11 +8,11 @@
 #include "lab/exchange/Json.h"
 #include "lab/exchange/JsonOutput.h"
 #include "lab/exchange/PlateFacts.h"
-#include "lab/exchange/StoredValues.h"
 #include "lab/exchange/WellDetails.h"
 #include "lab/model/DataBlock.h"
 #include "lab/model/RunValues.h"
 #include "lab/model/StoredCalibration.h"
+#include "vex2/format/DataBlockHead.h"
 #include "vex2/format/RecordKinds.h"
 #include "vex2/run/AcquisitionDataComp.h"
 
@@ -102,7 +102,7 @@ void writeFrame(std::ostream& out, const AcquisitionDataComp& block, int frame) 
     const Vex2WellRecord& record = records != nullptr ? records[i] : empty;
     text += i == 0 ? "[" : ",[";
     for (const std::uint16_t value : record.leading) text += std::to_string(value) + ",";
-    for (std::size_t value = 0; value < kStoredData; ++value) {
+    for (std::size_t value = 0; value < kStoredDataValues; ++value) {
       text += std::to_string(record.data[value]) + ",";
     }
     text.back() = ']';

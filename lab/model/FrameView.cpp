@@ -8,12 +8,12 @@
 
 #include "lab/Error.h"
 #include "lab/Text.h"
-#include "lab/exchange/StoredValues.h"
 #include "lab/model/DataBlock.h"
 #include "lab/model/DocumentPlates.h"
 #include "lab/model/FileLayout.h"
 #include "lab/model/PlateLayout.h"
 #include "lab/model/RecordValue.h"
+#include "vex2/format/DataBlockHead.h"
 #include "vex2/run/AcquisitionDataComp.h"
 
 namespace vex2::lab {
@@ -91,7 +91,7 @@ bool FrameView::IsKnown() const {
 std::size_t FrameView::DataColumns() const {
   std::size_t count = 1;
   for (std::size_t well = 0; well < wells.size(); ++well) {
-    for (std::size_t i = count; i < kStoredData; ++i) {
+    for (std::size_t i = count; i < kStoredDataValues; ++i) {
       if (frame.records[well].data[i] != 0) count = i + 1;
     }
   }

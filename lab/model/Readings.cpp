@@ -8,8 +8,12 @@
 
 #include "lab/Error.h"
 #include "lab/model/ReadingMatrix.h"
+#include "vex2/format/DataBlockHead.h"
 
 namespace vex2::lab {
+
+// Headers of programs see no header of the format.
+static_assert(kReadingValues == kStoredDataValues);
 
 namespace {
 

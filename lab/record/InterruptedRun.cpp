@@ -7,7 +7,6 @@
 
 #include "lab/SystemError.h"
 #include "lab/Text.h"
-#include "lab/exchange/CsvReader.h"
 #include "lab/model/FileLayout.h"
 #include "lab/model/HeaderFields.h"
 #include "lab/model/RawFile.h"
