@@ -15,10 +15,10 @@
 #include <string_view>
 
 #include "lab/Error.h"
-#include "lab/exchange/Diff.h"
-#include "lab/exchange/Import.h"
-#include "lab/exchange/RdmlExport.h"
+#include "lab/compare/Diff.h"
+#include "lab/import/Import.h"
 #include "lab/model/RunReader.h"
+#include "lab/rdml/RdmlExport.h"
 
 // All memory, including that of the C libraries, is allocated here, so the peak is exact and the
 // same on every run.

@@ -8,9 +8,9 @@
 #include <sstream>
 
 #include "fuzz/Require.h"
-#include "lab/exchange/CalibrationFile.h"
-#include "lab/exchange/CsvReader.h"
-#include "lab/exchange/WellsFile.h"
+#include "lab/csv/CalibrationFile.h"
+#include "lab/csv/CsvReader.h"
+#include "lab/csv/WellsFile.h"
 #include "lab/model/RunLog.h"
 #include "lab/record/MeasuredRun.h"
 #include "tools/vex/Errors.h"

@@ -10,13 +10,13 @@
 
 #include "fuzz/Require.h"
 #include "lab/Error.h"
-#include "lab/exchange/CsvRun.h"
-#include "lab/exchange/Import.h"
-#include "lab/exchange/Rdes.h"
-#include "lab/exchange/RdmlFile.h"
-#include "lab/exchange/StoredRun.h"
-#include "lab/exchange/WholeJson.h"
+#include "lab/import/CsvRun.h"
+#include "lab/import/Import.h"
+#include "lab/import/StoredRun.h"
+#include "lab/json/WholeJson.h"
 #include "lab/model/Document.h"
+#include "lab/rdml/Rdes.h"
+#include "lab/rdml/RdmlSource.h"
 
 namespace vex2::fuzz {
 namespace {

@@ -4,7 +4,6 @@
 #include <set>
 
 #include "lab/Text.h"
-#include "lab/exchange/WellDetails.h"
 #include "lab/model/DataBlock.h"
 #include "lab/model/DetectorFields.h"
 #include "lab/model/DocumentPlates.h"
@@ -12,6 +11,7 @@
 #include "lab/model/RunValues.h"
 #include "lab/model/Settings.h"
 #include "lab/model/StoredCalibration.h"
+#include "lab/model/WellDetails.h"
 #include "lab/record/ReadingRows.h"
 #include "vex2/format/HeaderLayout.h"
 

@@ -1,8 +1,8 @@
 #include "lab/exchange/WideReadings.h"
 
 #include "lab/Text.h"
-#include "lab/exchange/CsvWriter.h"
-#include "lab/exchange/ReadingFields.h"
+#include "lab/csv/CsvWriter.h"
+#include "lab/csv/ReadingFields.h"
 #include "lab/model/PlateLayout.h"
 
 namespace vex2::lab {

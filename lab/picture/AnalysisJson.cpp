@@ -3,7 +3,7 @@
 
 #include "lab/analysis/Cq.h"
 #include "lab/analysis/Melt.h"
-#include "lab/exchange/Json.h"
+#include "lab/json/Json.h"
 #include "lab/picture/Base64.h"
 #include "lab/picture/ReportParts.h"
 

@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "lab/exchange/Json.h"
+#include "lab/json/Json.h"
 #include "lab/picture/Base64.h"
 #include "lab/picture/ReportParts.h"
 

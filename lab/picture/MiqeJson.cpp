@@ -4,7 +4,7 @@
 #include <string>
 
 #include "lab/Text.h"
-#include "lab/exchange/Json.h"
+#include "lab/json/Json.h"
 #include "lab/picture/ReportParts.h"
 
 namespace vex2::lab {

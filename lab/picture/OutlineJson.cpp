@@ -2,7 +2,7 @@
 #include <vector>
 
 #include "lab/Text.h"
-#include "lab/exchange/Json.h"
+#include "lab/json/Json.h"
 #include "lab/model/Document.h"
 #include "lab/model/RecordValue.h"
 #include "lab/picture/ReportParts.h"

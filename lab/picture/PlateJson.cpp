@@ -2,7 +2,7 @@
 #include <cmath>
 #include <cstdio>
 
-#include "lab/exchange/Json.h"
+#include "lab/json/Json.h"
 #include "lab/picture/ReportParts.h"
 
 namespace vex2::lab {

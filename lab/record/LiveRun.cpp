@@ -7,7 +7,7 @@
 
 #include "lab/Error.h"
 #include "lab/Text.h"
-#include "lab/exchange/CsvReader.h"
+#include "lab/csv/CsvReader.h"
 #include "lab/record/ScaleChoice.h"
 
 namespace vex2::lab {

@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "lab/Error.h"
-#include "lab/exchange/CsvReader.h"
-#include "lab/exchange/WellsFile.h"
+#include "lab/csv/CsvReader.h"
+#include "lab/csv/WellsFile.h"
 #include "lab/model/RunLog.h"
 #include "lab/record/ScaleChoice.h"
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "lab/exchange/CsvReader.h"
+#include "lab/csv/CsvReader.h"
 #include "lab/record/FrameEncoder.h"
 #include "lab/record/RunPlan.h"
 

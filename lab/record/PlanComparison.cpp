@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "lab/Text.h"
-#include "lab/exchange/WellsFile.h"
+#include "lab/csv/WellsFile.h"
 #include "lab/model/DetectorFields.h"
 #include "lab/model/Settings.h"
 #include "lab/model/StoredCalibration.h"

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "lab/exchange/CsvReader.h"
+#include "lab/csv/CsvReader.h"
 #include "lab/record/RunPlan.h"
 
 namespace vex2::lab {

@@ -9,7 +9,7 @@
 #include <ostream>
 
 #include "lab/Text.h"
-#include "lab/exchange/ReadingsWriter.h"
+#include "lab/csv/ReadingsWriter.h"
 #include "lab/model/RunLog.h"
 
 namespace vex2::lab {

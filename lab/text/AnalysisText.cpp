@@ -4,7 +4,7 @@
 
 #include "lab/Text.h"
 #include "lab/analysis/NumberText.h"
-#include "lab/exchange/AnalysisCsv.h"
+#include "lab/csv/AnalysisCsv.h"
 #include "lab/text/Table.h"
 
 namespace vex2::lab {

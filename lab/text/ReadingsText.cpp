@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "lab/exchange/ReadingFields.h"
+#include "lab/csv/ReadingFields.h"
 #include "lab/model/PlateLayout.h"
 #include "lab/text/Table.h"
 

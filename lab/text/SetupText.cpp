@@ -7,7 +7,7 @@
 #include <set>
 
 #include "lab/Text.h"
-#include "lab/exchange/WellsFile.h"
+#include "lab/csv/WellsFile.h"
 #include "lab/model/DetectorFields.h"
 #include "lab/model/StoredCalibration.h"
 #include "lab/text/Chart.h"

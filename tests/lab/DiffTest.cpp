@@ -4,7 +4,7 @@
 #include <random>
 #include <set>
 
-#include "lab/exchange/Diff.h"
+#include "lab/compare/Diff.h"
 #include "lab/model/DocumentEditor.h"
 #include "tests/lab/ErrorOf.h"
 #include "tests/lab/RunDocuments.h"

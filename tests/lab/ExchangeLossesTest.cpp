@@ -3,11 +3,11 @@
 
 #include <sstream>
 
-#include "lab/exchange/Diff.h"
-#include "lab/exchange/Rdes.h"
+#include "lab/compare/Diff.h"
 #include "lab/exchange/WideReadings.h"
 #include "lab/model/DocumentEditor.h"
 #include "lab/model/Study.h"
+#include "lab/rdml/Rdes.h"
 #include "lab/record/RunRecorder.h"
 #include "tests/lab/RdmlFiles.h"
 

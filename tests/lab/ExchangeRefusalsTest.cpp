@@ -3,8 +3,8 @@
 
 #include <sstream>
 
-#include "lab/exchange/WholeJson.h"
-#include "lab/exchange/XmlReader.h"
+#include "lab/json/WholeJson.h"
+#include "lab/rdml/XmlReader.h"
 #include "tests/lab/RdmlFiles.h"
 
 namespace {

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "lab/Error.h"
-#include "lab/exchange/WellsFile.h"
+#include "lab/csv/WellsFile.h"
 #include "lab/model/PlateContents.h"
 
 namespace vex2::lab {

@@ -3,8 +3,8 @@
 
 #include <sstream>
 
-#include "lab/exchange/Import.h"
-#include "lab/exchange/Rdes.h"
+#include "lab/import/Import.h"
+#include "lab/rdml/Rdes.h"
 #include "tests/lab/ErrorOf.h"
 #include "tests/lab/RunDocuments.h"
 #include "tests/support/Files.h"

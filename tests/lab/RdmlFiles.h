@@ -9,11 +9,11 @@
 #include <utility>
 #include <vector>
 
-#include "lab/exchange/Import.h"
-#include "lab/exchange/RdmlExport.h"
-#include "lab/exchange/ZipArchive.h"
+#include "lab/import/Import.h"
 #include "lab/model/Document.h"
 #include "lab/model/RunReader.h"
+#include "lab/rdml/RdmlExport.h"
+#include "lab/rdml/ZipArchive.h"
 #include "lab/record/MeasuredRun.h"
 #include "lab/record/PlanDocument.h"
 #include "tests/lab/ErrorOf.h"

@@ -3,7 +3,7 @@
 
 #include <functional>
 
-#include "lab/exchange/XmlReader.h"
+#include "lab/rdml/XmlReader.h"
 #include "tests/lab/RdmlFiles.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <map>
 #include <set>
 
-#include "lab/exchange/Diff.h"
+#include "lab/compare/Diff.h"
 #include "tests/lab/RdmlFiles.h"
 
 namespace {

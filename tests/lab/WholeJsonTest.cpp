@@ -3,10 +3,10 @@
 
 #include <sstream>
 
-#include "lab/exchange/Diff.h"
+#include "lab/compare/Diff.h"
 #include "lab/exchange/PlateSource.h"
-#include "lab/exchange/WholeJson.h"
 #include "lab/exchange/WideReadings.h"
+#include "lab/json/WholeJson.h"
 #include "tests/lab/ErrorOf.h"
 #include "tests/lab/RunDocuments.h"
 #include "tests/support/SampleData.h"

@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "lab/exchange/CsvReader.h"
+#include "lab/csv/CsvReader.h"
 #include "tests/support/Files.h"
 #include "tests/support/TempFolder.h"
 #include "tools/vex/Errors.h"

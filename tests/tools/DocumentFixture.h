@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "lab/exchange/Json.h"
+#include "lab/json/Json.h"
 #include "lab/model/RunReading.h"
 #include "tests/support/Files.h"
 #include "tests/support/SampleData.h"

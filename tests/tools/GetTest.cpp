@@ -1,4 +1,4 @@
-#include "lab/exchange/JsonPath.h"
+#include "lab/json/JsonPath.h"
 #include "tests/tools/DocumentFixture.h"
 
 using testing::AllOf;

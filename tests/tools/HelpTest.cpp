@@ -4,7 +4,7 @@
 #include <fstream>
 
 #include "lab/Nearest.h"
-#include "lab/exchange/Json.h"
+#include "lab/json/Json.h"
 #include "tests/support/TempFolder.h"
 #include "tests/tools/Screen.h"
 #include "tests/tools/VexProcess.h"

@@ -5,7 +5,7 @@
 
 #include <array>
 
-#include "lab/exchange/Json.h"
+#include "lab/json/Json.h"
 #include "tests/tools/RecordFixture.h"
 
 namespace vex2::test {

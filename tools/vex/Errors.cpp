@@ -2,7 +2,7 @@
 
 #include <iostream>
 
-#include "lab/exchange/Json.h"
+#include "lab/json/Json.h"
 #include "tools/vex/text/Terminal.h"
 
 namespace vex2::tool {

@@ -1,9 +1,9 @@
 #include <iostream>
 
 #include "lab/check/Check.h"
-#include "lab/exchange/Json.h"
-#include "lab/exchange/JsonOutput.h"
-#include "lab/exchange/ReportJson.h"
+#include "lab/json/FindingsJson.h"
+#include "lab/json/Json.h"
+#include "lab/json/JsonOutput.h"
 #include "lab/text/FindingsText.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "lab/exchange/CsvReader.h"
+#include "lab/csv/CsvReader.h"
 #include "tools/vex/Lab.h"
 
 namespace vex2::tool {

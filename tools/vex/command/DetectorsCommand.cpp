@@ -4,10 +4,10 @@
 #include <iostream>
 
 #include "lab/Text.h"
-#include "lab/exchange/CsvWriter.h"
-#include "lab/exchange/DetectorsFile.h"
-#include "lab/exchange/DocumentJson.h"
-#include "lab/exchange/Json.h"
+#include "lab/csv/CsvWriter.h"
+#include "lab/csv/DetectorsFile.h"
+#include "lab/json/DocumentJson.h"
+#include "lab/json/Json.h"
 #include "lab/model/DetectorFields.h"
 #include "lab/model/PlateContents.h"
 #include "lab/text/SetupText.h"

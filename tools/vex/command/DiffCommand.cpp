@@ -1,6 +1,6 @@
 #include <iostream>
 
-#include "lab/exchange/Diff.h"
+#include "lab/compare/Diff.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 

@@ -3,9 +3,9 @@
 #include <iostream>
 
 #include "lab/Text.h"
-#include "lab/exchange/CsvWriter.h"
-#include "lab/exchange/DocumentJson.h"
-#include "lab/exchange/Json.h"
+#include "lab/csv/CsvWriter.h"
+#include "lab/json/DocumentJson.h"
+#include "lab/json/Json.h"
 #include "lab/model/PlateContents.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/ListingCommand.h"

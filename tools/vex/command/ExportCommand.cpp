@@ -3,13 +3,13 @@
 #include <filesystem>
 
 #include "lab/Text.h"
+#include "lab/csv/ReadingsExport.h"
 #include "lab/exchange/PlateSource.h"
-#include "lab/exchange/Rdes.h"
-#include "lab/exchange/RdmlFile.h"
-#include "lab/exchange/ReadingsExport.h"
-#include "lab/exchange/WholeJson.h"
 #include "lab/exchange/WideReadings.h"
+#include "lab/json/WholeJson.h"
 #include "lab/model/DocumentPlates.h"
+#include "lab/rdml/Rdes.h"
+#include "lab/rdml/RdmlWriterArchive.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/PlateOption.h"

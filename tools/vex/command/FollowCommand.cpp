@@ -5,8 +5,8 @@
 #include <optional>
 
 #include "lab/Text.h"
-#include "lab/exchange/DocumentJson.h"
-#include "lab/exchange/JsonOutput.h"
+#include "lab/json/DocumentJson.h"
+#include "lab/json/JsonOutput.h"
 #include "lab/record/RunFollower.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"

@@ -3,10 +3,10 @@
 #include <iostream>
 
 #include "lab/Text.h"
-#include "lab/exchange/DocumentJson.h"
-#include "lab/exchange/Json.h"
-#include "lab/exchange/JsonOutput.h"
-#include "lab/exchange/ReadingFields.h"
+#include "lab/csv/ReadingFields.h"
+#include "lab/json/DocumentJson.h"
+#include "lab/json/Json.h"
+#include "lab/json/JsonOutput.h"
 #include "lab/model/FrameView.h"
 #include "lab/text/ReadingsText.h"
 #include "tools/vex/Lab.h"

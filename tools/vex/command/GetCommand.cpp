@@ -2,10 +2,10 @@
 #include <vector>
 
 #include "lab/Nearest.h"
-#include "lab/exchange/DocumentJson.h"
-#include "lab/exchange/Json.h"
-#include "lab/exchange/JsonPath.h"
-#include "lab/exchange/RecordTree.h"
+#include "lab/json/DocumentJson.h"
+#include "lab/json/Json.h"
+#include "lab/json/JsonPath.h"
+#include "lab/json/RecordsJson.h"
 #include "lab/model/DocumentFile.h"
 #include "lab/model/PlateContents.h"
 #include "lab/model/Settings.h"

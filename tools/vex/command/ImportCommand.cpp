@@ -7,7 +7,7 @@
 #include <sstream>
 
 #include "lab/Text.h"
-#include "lab/exchange/Import.h"
+#include "lab/import/Import.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/files/LossOutput.h"

@@ -2,9 +2,9 @@
 
 #include <iostream>
 
-#include "lab/exchange/DocumentJson.h"
-#include "lab/exchange/Json.h"
-#include "lab/exchange/JsonOutput.h"
+#include "lab/json/DocumentJson.h"
+#include "lab/json/Json.h"
+#include "lab/json/JsonOutput.h"
 
 namespace vex2::tool {
 

@@ -1,11 +1,11 @@
 #include <iostream>
 
 #include "lab/analysis/Melt.h"
-#include "lab/exchange/AnalysisCsv.h"
-#include "lab/exchange/AnalysisJson.h"
-#include "lab/exchange/CsvWriter.h"
-#include "lab/exchange/Json.h"
-#include "lab/exchange/JsonOutput.h"
+#include "lab/csv/AnalysisCsv.h"
+#include "lab/csv/CsvWriter.h"
+#include "lab/json/CqJson.h"
+#include "lab/json/Json.h"
+#include "lab/json/JsonOutput.h"
 #include "lab/text/AnalysisText.h"
 #include "tools/vex/command/AnalysisOptions.h"
 #include "tools/vex/command/Command.h"

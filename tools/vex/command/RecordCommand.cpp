@@ -7,8 +7,8 @@
 #include <sstream>
 
 #include "lab/Text.h"
-#include "lab/exchange/CsvReader.h"
-#include "lab/exchange/WellsFile.h"
+#include "lab/csv/CsvReader.h"
+#include "lab/csv/WellsFile.h"
 #include "lab/model/RunLog.h"
 #include "lab/record/InterruptedRun.h"
 #include "lab/record/LiveRun.h"

@@ -3,7 +3,7 @@
 #include <sstream>
 #include <string>
 
-#include "lab/exchange/WellsFile.h"
+#include "lab/csv/WellsFile.h"
 #include "lab/model/RunLog.h"
 #include "lab/record/InterruptedRun.h"
 #include "lab/record/SimulatedRun.h"

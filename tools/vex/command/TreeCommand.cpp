@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "lab/Nearest.h"
-#include "lab/exchange/RecordTree.h"
+#include "lab/json/RecordsJson.h"
 #include "lab/text/TreeText.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"

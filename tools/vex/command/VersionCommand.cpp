@@ -4,7 +4,7 @@
 #include <CLI/Version.hpp>
 #include <iostream>
 
-#include "lab/exchange/Json.h"
+#include "lab/json/Json.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/VersionText.h"
 #include "vex2/manager/Vex2HeaderData.h"

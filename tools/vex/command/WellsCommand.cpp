@@ -5,10 +5,10 @@
 #include <limits>
 
 #include "lab/Text.h"
-#include "lab/exchange/CsvWriter.h"
-#include "lab/exchange/DocumentJson.h"
-#include "lab/exchange/Json.h"
-#include "lab/exchange/WellsFile.h"
+#include "lab/csv/CsvWriter.h"
+#include "lab/csv/WellsFile.h"
+#include "lab/json/DocumentJson.h"
+#include "lab/json/Json.h"
 #include "lab/model/PlateChange.h"
 #include "lab/text/SetupText.h"
 #include "tools/vex/Lab.h"
