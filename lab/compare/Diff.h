@@ -50,9 +50,4 @@ VEX2_API std::vector<Difference> Diff(const std::filesystem::path& one,
 /// ...".
 VEX2_API std::string TextOf(const Difference& difference);
 
-/// The differences as a JSON object with the key "version". `one` and `other` are the paths of the
-/// documents.
-VEX2_API std::string DiffJson(const std::vector<Difference>& differences, const std::string& one,
-                              const std::string& other);
-
 }  // namespace vex2::lab

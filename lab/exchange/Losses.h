@@ -44,9 +44,4 @@ struct VEX2_API Losses {
 /// 1".
 VEX2_API std::string TextOf(const Loss& loss);
 
-/// The report of all losses as a JSON object on several lines, with the key "version". `source` and
-/// `target` are the paths of the files.
-VEX2_API std::string LossReportJson(const Losses& losses, const std::string& source,
-                                    const std::string& target);
-
 }  // namespace vex2::lab

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "lab/analysis/NumberText.h"
+#include "lab/json/AnalysedWellJson.h"
 #include "lab/json/Json.h"
 
 namespace vex2::lab {
@@ -11,12 +11,8 @@ namespace {
 
 using nlohmann::ordered_json;
 
-ordered_json number(double value) {
-  return std::isfinite(value) ? NumberJson(MeasuredText(value)) : ordered_json(nullptr);
-}
-
 ordered_json number(const std::optional<double>& value) {
-  return value ? number(*value) : ordered_json(nullptr);
+  return value ? MeasuredJson(*value) : ordered_json(nullptr);
 }
 
 // Quantities can be of any size, so they are not rounded to a fixed number of decimals.
@@ -31,17 +27,8 @@ ordered_json estimate(const std::optional<QuantityEstimate>& value) {
           {"high", quantity(value->high)}};
 }
 
-ordered_json place(const AnalysedWell& well) {
-  ordered_json object = ordered_json::object();
-  if (!well.plate.empty()) object["plate"] = well.plate;
-  object["well"] = well.name;
-  object["sample"] = well.sample;
-  object["detector"] = well.detector;
-  return object;
-}
-
 ordered_json describe(const CqResult& result) {
-  ordered_json object = place(result.curve.well);
+  ordered_json object = PlaceJson(result.curve.well);
   object["task"] = result.curve.well.task;
   object["quantity"] = quantity(result.curve.well.quantity);
   object["cq"] = number(result.cq);
@@ -136,22 +123,6 @@ ordered_json DescribeCq(const CqAnalysis& analysis, const std::string& path) {
           {"replicates", std::move(replicates)},
           {"relative", listOf(analysis.relative)},
           {"findings", listOf(analysis.findings)}};
-}
-
-ordered_json DescribeMelt(const std::vector<MeltCurve>& curves, const std::string& path) {
-  ordered_json wells = ordered_json::array();
-  for (const MeltCurve& curve : curves) {
-    ordered_json object = place(curve.well);
-    ordered_json peaks = ordered_json::array();
-    for (const MeltPeak& peak : curve.peaks) {
-      peaks.push_back({{"temperature_c", number(peak.temperature)},
-                       {"height", number(peak.height)},
-                       {"width", number(peak.width)}});
-    }
-    object["peaks"] = std::move(peaks);
-    wells.push_back(std::move(object));
-  }
-  return {{"file", path}, {"wells", std::move(wells)}};
 }
 
 }  // namespace vex2::lab

@@ -1,6 +1,7 @@
+#include "lab/json/DiffJson.h"
+
 #include <sstream>
 
-#include "lab/compare/Diff.h"
 #include "lab/json/Json.h"
 #include "lab/json/JsonOutput.h"
 

@@ -1,6 +1,7 @@
+#include "lab/json/LossReport.h"
+
 #include <sstream>
 
-#include "lab/exchange/Losses.h"
 #include "lab/json/Json.h"
 #include "lab/json/JsonOutput.h"
 

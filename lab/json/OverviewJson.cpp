@@ -1,4 +1,5 @@
-#include "lab/json/DocumentJson.h"
+#include "lab/json/OverviewJson.h"
+
 #include "lab/json/Json.h"
 
 namespace vex2::lab {

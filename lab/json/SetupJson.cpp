@@ -1,8 +1,9 @@
+#include "lab/json/SetupJson.h"
+
 #include <cmath>
 
 #include "lab/Text.h"
 #include "lab/csv/WellsFile.h"
-#include "lab/json/DocumentJson.h"
 #include "lab/json/Json.h"
 #include "lab/model/DetectorFields.h"
 #include "lab/model/PlateContents.h"
@@ -54,25 +55,6 @@ ordered_json DescribeDyes(const Vex2FileManager& plate) {
   ordered_json list = ordered_json::array();
   for (const std::string& dye : RequiredDyesOf(plate)) list.push_back(ToUtf8(dye));
   return list;
-}
-
-ordered_json DescribePlates(const std::vector<Document::Plate>& plates, bool all,
-                            const std::function<ordered_json(const Vex2FileManager&)>& describe) {
-  if (!all) return describe(*plates.front().content);
-  ordered_json result = ordered_json::object();
-  ordered_json list = ordered_json::array();
-  for (const Document::Plate& plate : plates) {
-    ordered_json entry;
-    if (plate.isEmbedded) entry["plate"] = ToUtf8(plate.name);
-    entry.update(describe(*plate.content));
-    if (plate.isEmbedded) {
-      list.push_back(std::move(entry));
-    } else {
-      result.update(entry);
-    }
-  }
-  result["plates"] = std::move(list);
-  return result;
 }
 
 }  // namespace vex2::lab

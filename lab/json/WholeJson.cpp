@@ -5,9 +5,10 @@
 
 #include "lab/Text.h"
 #include "lab/compare/PlateFacts.h"
-#include "lab/json/DocumentJson.h"
+#include "lab/json/CalibrationJson.h"
 #include "lab/json/Json.h"
 #include "lab/json/JsonOutput.h"
+#include "lab/json/SetupJson.h"
 #include "lab/model/DataBlock.h"
 #include "lab/model/RunValues.h"
 #include "lab/model/StoredCalibration.h"

@@ -4,9 +4,10 @@
 
 #include "lab/Text.h"
 #include "lab/csv/CalibrationFile.h"
-#include "lab/json/DocumentJson.h"
+#include "lab/json/CalibrationJson.h"
 #include "lab/json/Json.h"
 #include "lab/json/JsonOutput.h"
+#include "lab/json/StudyJson.h"
 #include "lab/model/StoredCalibration.h"
 #include "lab/text/SetupText.h"
 #include "tools/vex/Lab.h"

@@ -1,6 +1,7 @@
 #include <iostream>
 
 #include "lab/compare/Diff.h"
+#include "lab/json/DiffJson.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 

@@ -4,8 +4,8 @@
 
 #include "lab/Text.h"
 #include "lab/csv/CsvWriter.h"
-#include "lab/json/DocumentJson.h"
 #include "lab/json/Json.h"
+#include "lab/json/SetupJson.h"
 #include "lab/model/PlateContents.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/ListingCommand.h"

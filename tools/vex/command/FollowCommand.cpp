@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "lab/Text.h"
-#include "lab/json/DocumentJson.h"
+#include "lab/json/FrameJson.h"
 #include "lab/json/JsonOutput.h"
 #include "lab/record/RunFollower.h"
 #include "tools/vex/Lab.h"

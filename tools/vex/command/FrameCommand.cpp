@@ -4,7 +4,7 @@
 
 #include "lab/Text.h"
 #include "lab/csv/ReadingFields.h"
-#include "lab/json/DocumentJson.h"
+#include "lab/json/FrameJson.h"
 #include "lab/json/Json.h"
 #include "lab/json/JsonOutput.h"
 #include "lab/model/FrameView.h"

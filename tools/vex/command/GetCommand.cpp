@@ -2,10 +2,11 @@
 #include <vector>
 
 #include "lab/Nearest.h"
-#include "lab/json/DocumentJson.h"
 #include "lab/json/Json.h"
 #include "lab/json/JsonPath.h"
+#include "lab/json/OverviewJson.h"
 #include "lab/json/RecordsJson.h"
+#include "lab/json/SetupJson.h"
 #include "lab/model/DocumentFile.h"
 #include "lab/model/PlateContents.h"
 #include "lab/model/Settings.h"

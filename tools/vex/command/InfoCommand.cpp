@@ -1,9 +1,9 @@
 #include <iostream>
 #include <memory>
 
-#include "lab/json/DocumentJson.h"
 #include "lab/json/Json.h"
 #include "lab/json/JsonOutput.h"
+#include "lab/json/OverviewJson.h"
 #include "lab/text/OverviewText.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"

@@ -2,9 +2,9 @@
 
 #include <iostream>
 
-#include "lab/json/DocumentJson.h"
 #include "lab/json/Json.h"
 #include "lab/json/JsonOutput.h"
+#include "lab/json/StudyJson.h"
 
 namespace vex2::tool {
 

@@ -3,9 +3,9 @@
 #include <chrono>
 #include <iostream>
 
-#include "lab/json/FindingsJson.h"
 #include "lab/json/Json.h"
 #include "lab/json/JsonOutput.h"
+#include "lab/json/RecoverJson.h"
 #include "lab/model/Document.h"
 #include "lab/recover/Recover.h"
 #include "lab/text/RecoverText.h"

@@ -1,9 +1,9 @@
 #include <iostream>
 
 #include "lab/csv/ReadingsExport.h"
-#include "lab/json/DocumentJson.h"
 #include "lab/json/Json.h"
 #include "lab/json/JsonOutput.h"
+#include "lab/json/SpectrumJson.h"
 #include "lab/model/WellSpectrum.h"
 #include "lab/text/SpectrumText.h"
 #include "tools/vex/Lab.h"

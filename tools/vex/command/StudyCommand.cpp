@@ -4,9 +4,9 @@
 #include <iostream>
 
 #include "lab/Text.h"
-#include "lab/json/DocumentJson.h"
 #include "lab/json/Json.h"
 #include "lab/json/JsonOutput.h"
+#include "lab/json/StudyJson.h"
 #include "lab/model/DocumentPlates.h"
 #include "lab/model/Study.h"
 #include "lab/text/SetupText.h"

@@ -1,5 +1,6 @@
 #include "tools/vex/files/LossOutput.h"
 
+#include "lab/json/LossReport.h"
 #include "tools/vex/Options.h"
 #include "tools/vex/files/Output.h"
 
