@@ -11,7 +11,7 @@
 #include "lab/check/HeaderCheck.h"
 #include "lab/check/MeaningCheck.h"
 #include "lab/check/RecordCheck.h"
-#include "lab/check/RepairSteps.h"
+#include "lab/check/RepairPlan.h"
 #include "lab/check/UncommittedCheck.h"
 #include "lab/model/Document.h"
 #include "lab/model/RawFile.h"

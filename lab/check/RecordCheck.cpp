@@ -8,7 +8,8 @@
 #include "lab/SystemError.h"
 #include "lab/Text.h"
 #include "lab/check/HeaderCheck.h"
-#include "lab/model/FileLayout.h"
+#include "lab/model/BigEndian.h"
+#include "vex2/format/DataBlockHead.h"
 #include "vex2/format/RecordKinds.h"
 
 namespace vex2::lab {

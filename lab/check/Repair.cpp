@@ -1,7 +1,8 @@
 #include "lab/check/Repair.h"
 
 #include "lab/Guarded.h"
-#include "lab/check/RepairSteps.h"
+#include "lab/check/RepairFile.h"
+#include "lab/check/RepairPlan.h"
 #include "lab/model/DocumentLock.h"
 
 namespace vex2::lab {

@@ -1,12 +1,11 @@
-// Carries out a repair.
+#include "lab/check/RepairFile.h"
 
 #include <algorithm>
 #include <vector>
 
 #include "lab/SystemError.h"
-#include "lab/check/RepairSteps.h"
+#include "lab/model/BigEndian.h"
 #include "lab/model/FileContent.h"
-#include "lab/model/FileLayout.h"
 #include "lab/model/RawFile.h"
 #include "vex2/framework/Backup.h"
 #include "vex2/framework/CFile.h"

@@ -1,3 +1,5 @@
+#include "lab/check/RepairPlan.h"
+
 #include <fmt/core.h>
 
 #include <algorithm>
@@ -6,10 +8,9 @@
 
 #include "lab/Text.h"
 #include "lab/check/RecordCheck.h"
-#include "lab/check/RepairSteps.h"
 #include "lab/check/UncommittedCheck.h"
+#include "lab/model/BigEndian.h"
 #include "lab/model/Document.h"
-#include "lab/model/FileLayout.h"
 #include "lab/model/HeaderFields.h"
 #include "vex2/format/RecordKinds.h"
 

@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "lab/Text.h"
-#include "lab/model/FileLayout.h"
+#include "lab/model/BigEndian.h"
 #include "vex2/format/RecordKinds.h"
 
 namespace vex2::lab {

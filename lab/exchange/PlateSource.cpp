@@ -13,6 +13,7 @@
 #include "lab/model/StoredCalibration.h"
 #include "lab/model/WellDetails.h"
 #include "lab/record/ReadingRows.h"
+#include "vex2/format/DataBlockHead.h"
 #include "vex2/format/HeaderLayout.h"
 
 namespace vex2::lab {

@@ -4,7 +4,8 @@
 #include <array>
 #include <cstdio>
 
-#include "lab/model/FileLayout.h"
+#include "lab/model/BigEndian.h"
+#include "vex2/format/DataBlockHead.h"
 #include "vex2/format/RecordKinds.h"
 
 namespace vex2::lab {

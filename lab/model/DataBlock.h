@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "lab/model/RecordWalk.h"
+#include "lab/model/DocumentWalk.h"
 #include "vex2/format/RecordKinds.h"
 #include "vex2/run/TimeStamp.h"
 #include "vex2/run/Vex2DataType.h"

@@ -7,8 +7,9 @@
 
 #include "lab/SystemError.h"
 #include "lab/Text.h"
-#include "lab/model/FileLayout.h"
+#include "lab/model/BigEndian.h"
 #include "lab/model/RawFile.h"
+#include "vex2/format/HeaderLayout.h"
 #include "vex2/format/RecordKinds.h"
 #include "vex2/framework/CFileStatus.h"
 #include "vex2/manager/Vex2FileManagerComponent.h"

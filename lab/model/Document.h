@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "lab/model/DocumentFile.h"
-#include "lab/model/RecordWalk.h"
+#include "lab/model/DocumentWalk.h"
 #include "vex2/framework/CTime.h"
 
 namespace vex2::lab {

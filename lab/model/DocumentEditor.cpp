@@ -11,13 +11,13 @@
 
 #include "lab/Guarded.h"
 #include "lab/Text.h"
+#include "lab/model/AcquisitionStatus.h"
 #include "lab/model/DocumentChange.h"
 #include "lab/model/DocumentFile.h"
 #include "lab/model/DocumentPlates.h"
 #include "lab/model/DocumentValues.h"
 #include "lab/model/RunValues.h"
 #include "lab/model/Settings.h"
-#include "lab/model/Status.h"
 #include "lab/model/StoredCalibration.h"
 
 namespace vex2::lab {

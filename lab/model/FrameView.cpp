@@ -8,9 +8,9 @@
 
 #include "lab/Error.h"
 #include "lab/Text.h"
+#include "lab/model/BigEndian.h"
 #include "lab/model/DataBlock.h"
 #include "lab/model/DocumentPlates.h"
-#include "lab/model/FileLayout.h"
 #include "lab/model/PlateLayout.h"
 #include "lab/model/RecordValue.h"
 #include "vex2/format/DataBlockHead.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "lab/model/RecordWalk.h"
+#include "lab/model/DocumentWalk.h"
 
 namespace vex2::lab {
 

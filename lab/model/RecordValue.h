@@ -7,7 +7,7 @@
 #include <variant>
 
 #include "lab/model/DataBlock.h"
-#include "lab/model/RecordWalk.h"
+#include "lab/model/DocumentWalk.h"
 
 namespace vex2::lab {
 

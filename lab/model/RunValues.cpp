@@ -7,6 +7,7 @@
 #include "lab/model/DataBlock.h"
 #include "lab/model/PlateContents.h"
 #include "lab/model/Settings.h"
+#include "vex2/format/HeaderLayout.h"
 #include "vex2/run/AcquisitionDataComp.h"
 
 namespace vex2::lab {

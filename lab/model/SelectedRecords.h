@@ -6,7 +6,7 @@
 #include <string>
 
 #include "lab/model/Document.h"
-#include "lab/model/RecordWalk.h"
+#include "lab/model/DocumentWalk.h"
 
 namespace vex2::lab {
 

@@ -7,7 +7,7 @@
 
 #include "lab/SystemError.h"
 #include "lab/Text.h"
-#include "lab/model/FileLayout.h"
+#include "lab/model/BigEndian.h"
 #include "lab/model/HeaderFields.h"
 #include "lab/model/RawFile.h"
 #include "lab/record/PlanComparison.h"

@@ -5,7 +5,7 @@
 #include "lab/Guarded.h"
 #include "lab/model/OutputFiles.h"
 #include "lab/model/RawFile.h"
-#include "lab/recover/Recovery.h"
+#include "lab/recover/RecoverPass.h"
 
 namespace vex2::lab {
 
@@ -23,7 +23,7 @@ RecoverReport recover(const std::string& damaged, const std::string& target,
     if (!options.progress || options.progress(done, size)) return;
     throw Error(ErrorCode::kInterrupted, damaged, "interrupted; nothing was saved");
   };
-  RecoverReport report = Recovery(in, out, progress).Run();
+  RecoverReport report = RecoverPass(in, out, progress).Run();
   if (!report.IsAnything()) {
     throw Error(
         ErrorCode::kUsage, damaged,

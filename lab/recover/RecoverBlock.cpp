@@ -5,8 +5,8 @@
 #include <functional>
 #include <utility>
 
+#include "lab/model/BigEndian.h"
 #include "lab/model/DataBlock.h"
-#include "lab/model/FileLayout.h"
 #include "vex2/format/RecordKinds.h"
 
 namespace vex2::lab {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "lab/model/FileLayout.h"
+#include "lab/model/BigEndian.h"
 #include "lab/recover/RecoverSource.h"
 #include "vex2/storage/FrameLog.h"
 

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "lab/Text.h"
-#include "lab/model/FileLayout.h"
+#include "lab/model/BigEndian.h"
 #include "lab/model/HeaderFields.h"
 #include "lab/recover/RecoverTree.h"
 #include "vex2/format/HeaderLayout.h"
@@ -67,7 +67,7 @@ bool IsHeaderWhole(std::span<const std::uint8_t> header) {
                      [&](const Code& code) { return isText(header, code.at, 4); });
 }
 
-std::vector<std::uint8_t> MadeHeader(const PlateFacts& facts, bool isEmbedded) {
+std::vector<std::uint8_t> MadeHeader(const HeaderFacts& facts, bool isEmbedded) {
   const bool isSmall = facts.wells <= kSmallPlate;
   std::vector<std::uint8_t> header(HeaderLayout::kSize, isEmbedded ? 0xFF : 0);
   std::fill_n(header.begin(), HeaderLayout::kUsageAt, 0);
@@ -85,7 +85,7 @@ std::vector<std::uint8_t> MadeHeader(const PlateFacts& facts, bool isEmbedded) {
 }
 
 std::vector<std::uint8_t> CorrectedHeader(std::span<const std::uint8_t> header,
-                                          const PlateFacts& facts, bool isEmbedded,
+                                          const HeaderFacts& facts, bool isEmbedded,
                                           std::vector<std::string>& guesses) {
   const std::vector<std::uint8_t> made = MadeHeader(facts, isEmbedded);
   if (header.size() < HeaderLayout::kSize) {

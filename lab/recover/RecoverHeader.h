@@ -9,7 +9,7 @@ namespace vex2::lab {
 
 /// Facts about a plate that are found from its records. A damaged header can be made again from
 /// them.
-struct PlateFacts {
+struct HeaderFacts {
   bool isStudy = false;
   bool hasFrames = false;
   std::uint16_t wells = 0;  ///< the largest number of wells of a data block; 0 if there is none
@@ -23,14 +23,14 @@ bool IsHeaderWhole(std::span<const std::uint8_t> header);
 /// `header` with new values in place of invalid ones. Appends to `guesses` what was replaced, as
 /// texts for the user.
 std::vector<std::uint8_t> CorrectedHeader(std::span<const std::uint8_t> header,
-                                          const PlateFacts& facts, bool isEmbedded,
+                                          const HeaderFacts& facts, bool isEmbedded,
                                           std::vector<std::string>& guesses);
 
 /// The guesses as the end of a message, "; guessed: this, that"; empty if there are no guesses.
 std::string GuessText(const std::vector<std::string>& guesses);
 
 /// A new header, made only from the facts.
-std::vector<std::uint8_t> MadeHeader(const PlateFacts& facts, bool isEmbedded);
+std::vector<std::uint8_t> MadeHeader(const HeaderFacts& facts, bool isEmbedded);
 
 /// The numbers of the wells that the header marks as used, from 1; empty if that part of the header
 /// is damaged.

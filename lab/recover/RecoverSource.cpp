@@ -4,9 +4,10 @@
 #include <bitset>
 
 #include "lab/Text.h"
-#include "lab/model/FileLayout.h"
-#include "lab/model/RecordWalk.h"
+#include "lab/model/BigEndian.h"
+#include "lab/model/DocumentWalk.h"
 #include "lab/recover/RecoverBlock.h"
+#include "vex2/format/HeaderLayout.h"
 #include "vex2/format/RecordKinds.h"
 
 namespace vex2::lab {

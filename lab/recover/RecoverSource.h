@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "lab/model/FileLayout.h"
+#include "lab/model/BigEndian.h"
 #include "vex2/format/RecordKinds.h"
 #include "vex2/framework/CFile.h"
 

@@ -6,7 +6,7 @@
 
 #include "lab/Text.h"
 #include "lab/check/RecordPlaces.h"
-#include "lab/model/FileLayout.h"
+#include "lab/model/BigEndian.h"
 #include "lab/recover/RecoverHeader.h"
 #include "vex2/format/RecordKinds.h"
 

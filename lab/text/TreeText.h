@@ -4,7 +4,7 @@
 #include <ostream>
 #include <string>
 
-#include "lab/model/RecordWalk.h"
+#include "lab/model/DocumentWalk.h"
 #include "lab/text/TextForm.h"
 
 namespace vex2::lab {

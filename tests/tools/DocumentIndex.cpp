@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "lab/model/DataBlock.h"
-#include "lab/model/RecordWalk.h"
+#include "lab/model/DocumentWalk.h"
 
 namespace vex2::test {
 

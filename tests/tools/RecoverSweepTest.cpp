@@ -5,7 +5,7 @@
 #include <unordered_map>
 
 #include "lab/check/RecordPlaces.h"
-#include "lab/recover/Recovery.h"
+#include "lab/recover/RecoverPass.h"
 #include "tests/support/Files.h"
 #include "tests/support/SampleData.h"
 #include "tests/support/Sweep.h"
@@ -224,7 +224,7 @@ class RecoverSweep : public TempFolderTest {
     CFile out;
     EXPECT_TRUE(in.Open(damaged_.c_str(), CFile::modeRead));
     EXPECT_TRUE(out.Open(recovered_.c_str(), CFile::modeReadWrite | CFile::modeCreate));
-    return lab::Recovery(in, out, {}).Run();
+    return lab::RecoverPass(in, out, {}).Run();
   }
 
   struct Verdict {

@@ -6,7 +6,8 @@
 #include <csignal>
 #include <filesystem>
 
-#include "lab/check/RepairSteps.h"
+#include "lab/check/RepairFile.h"
+#include "lab/check/RepairPlan.h"
 #include "lab/model/DocumentLock.h"
 #include "tests/tools/CheckFixture.h"
 

@@ -48,7 +48,7 @@ int replacePart(vex2::ComponentList& components, const Record* record,
     }
     return calibration->ReplaceChild(old, std::move(part)) ? kSuccess : vex2::kWriteFailed;
   };
-  return vex2::Guarded(vex2::kWriteFailed, replace, error);
+  return vex2::StatusOf(vex2::kWriteFailed, replace, error);
 }
 
 // Puts a part into the document outside its calibration, in place of the first such part. Returns

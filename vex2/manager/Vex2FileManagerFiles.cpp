@@ -45,7 +45,7 @@ bool choosePath(const char*& path, bool dialog, const char* title, CString& chos
 }  // namespace
 
 int Vex2FileManager::guarded(int failure, vex2::FunctionRef<int()> operation) {
-  return vex2::Guarded(failure, operation);
+  return vex2::StatusOf(failure, operation);
 }
 
 int Vex2FileManager::attempt(int failure, vex2::FunctionRef<int()> operation) {

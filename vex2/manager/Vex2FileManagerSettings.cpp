@@ -23,7 +23,7 @@ int getText(const vex2::ComponentList& components, std::string_view tag, CString
   text.Empty();
   CComponent* component = components.Find(tag);
   if (component == nullptr) return kNotFound;
-  return vex2::Guarded(vex2::kReadFailed, [&] {
+  return vex2::StatusOf(vex2::kReadFailed, [&] {
     text = component->GetValueString();
     return kSuccess;
   });
@@ -34,14 +34,14 @@ int setText(vex2::ComponentList& components, std::string_view tag, const CString
     components.Remove(components.Find(tag));
     return kSuccess;
   }
-  return vex2::Guarded(vex2::kWriteFailed, [&] {
+  return vex2::StatusOf(vex2::kWriteFailed, [&] {
     components.Replace(std::make_unique<CBlockValueComp>(tag, text));
     return kSuccess;
   });
 }
 
 void changeSettings(Vex2FileManager& manager, vex2::FunctionRef<void(Vex2GlobalComplex&)> change) {
-  static_cast<void>(vex2::Guarded(vex2::kWriteFailed, [&] {
+  static_cast<void>(vex2::StatusOf(vex2::kWriteFailed, [&] {
     Vex2GlobalComplex info;
     // If memory runs out while the settings are copied, do not replace them by an incomplete copy.
     if (const int status = manager.GetGlobalComplexInfo(&info); status == vex2::kReadFailed)

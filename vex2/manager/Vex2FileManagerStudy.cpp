@@ -39,7 +39,7 @@ bool addPlate(vex2::ComponentList& components, vex2::PlateResults& results, int 
 }
 
 int setPlateText(vex2::ComponentList& components, std::string_view tag, const CString& text) {
-  return vex2::Guarded(vex2::kWriteFailed, [&] {
+  return vex2::StatusOf(vex2::kWriteFailed, [&] {
     components.Replace(std::make_unique<CBlockValueComp>(tag, text.Left(kMaxPlateText)));
     return kSuccess;
   });
@@ -48,7 +48,7 @@ int setPlateText(vex2::ComponentList& components, std::string_view tag, const CS
 int getPlateText(const vex2::ComponentList& components, std::string_view tag, CString& text) {
   CComponent* component = components.Find(tag);
   if (component == nullptr) return kSuccess;
-  return vex2::Guarded(vex2::kReadFailed, [&] {
+  return vex2::StatusOf(vex2::kReadFailed, [&] {
     text = component->GetValueString();
     return kSuccess;
   });

@@ -1,6 +1,6 @@
 #include "vex2/setup/Vex2WellDetector.h"
 
-#include "vex2/setup/RecordText.h"
+#include "vex2/setup/OwnedText.h"
 
 Vex2WellDetector::~Vex2WellDetector() {
   delete[] detectorName;

@@ -1,6 +1,6 @@
 #include "vex2/setup/Vex2WellSetup.h"
 
-#include "vex2/setup/RecordText.h"
+#include "vex2/setup/OwnedText.h"
 
 namespace {
 

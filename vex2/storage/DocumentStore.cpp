@@ -16,7 +16,7 @@ void DocumentStore::Refuse(FileErrorReason reason, FileOperation operation) noex
 }
 
 int DocumentStore::Attempt(int failure, FunctionRef<int()> operation) {
-  return Guarded(failure, operation, &lastError_);
+  return StatusOf(failure, operation, &lastError_);
 }
 
 int DocumentStore::AttemptAndClose(int failure, FunctionRef<int()> operation) {

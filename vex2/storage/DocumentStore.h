@@ -6,8 +6,8 @@
 #include "vex2/framework/CFile.h"
 #include "vex2/framework/FunctionRef.h"
 #include "vex2/storage/FailedSyncs.h"
-#include "vex2/storage/Guarded.h"
 #include "vex2/storage/LastFileError.h"
+#include "vex2/storage/StatusOf.h"
 
 namespace vex2 {
 

@@ -4,9 +4,9 @@
 #include <optional>
 
 #include "lab/Text.h"
+#include "lab/model/AcquisitionStatus.h"
 #include "lab/model/DocumentFile.h"
 #include "lab/model/DocumentLock.h"
-#include "lab/model/Status.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
 #include "tools/vex/command/PlateOption.h"

@@ -1,4 +1,4 @@
-#include "lab/model/Status.h"
+#include "lab/model/AcquisitionStatus.h"
 
 #include <fmt/core.h>
 

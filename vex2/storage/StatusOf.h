@@ -12,7 +12,7 @@ namespace vex2 {
 /// Runs `operation` and returns its status. If the system refuses something or memory runs out,
 /// returns `failure` and keeps the reason in `last`, which may be null for operations that touch no
 /// file.
-inline int Guarded(int failure, FunctionRef<int()> operation, LastFileError* last = nullptr) {
+inline int StatusOf(int failure, FunctionRef<int()> operation, LastFileError* last = nullptr) {
   try {
     return operation();
   } catch (const CFileException& refusal) {

@@ -6,10 +6,6 @@
 
 namespace vex2::lab {
 
-/// Plans the repair of the document at `path`. Throws an error if it cannot be read or is not a
-/// document.
-RepairPlan PlanRepair(const std::string& path);
-
 /// Copies the document at `path` durably to a new file beside it: "PATH.backup", or that name with
 /// a number if it exists already. Returns the path of the copy. If it throws an error, it leaves no
 /// copy.

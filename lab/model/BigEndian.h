@@ -5,10 +5,7 @@
 #include <cstdint>
 #include <span>
 
-#include "vex2/format/DataBlockHead.h"
 #include "vex2/format/Encoding.h"
-#include "vex2/format/HeaderLayout.h"
-#include "vex2/format/RecordKinds.h"
 
 namespace vex2::lab {
 

@@ -4,9 +4,9 @@
 #include <array>
 
 #include "lab/Text.h"
+#include "lab/model/BigEndian.h"
 #include "lab/model/DataBlock.h"
-#include "lab/model/FileLayout.h"
-#include "lab/recover/Recovery.h"
+#include "lab/recover/RecoverPass.h"
 #include "vex2/format/RecordKinds.h"
 
 namespace vex2::lab {
@@ -30,13 +30,13 @@ std::vector<std::uint8_t> madeHead(const RecoverBlock& block) {
 
 }  // namespace
 
-void Recovery::lose(std::uint64_t from, std::uint64_t to, const std::string& what) {
+void RecoverPass::lose(std::uint64_t from, std::uint64_t to, const std::string& what) {
   if (from < to) report_.Lose(from, to - from, what);
 }
 
 // Handles the bytes from `offset`, where no record begins, to the next record. Returns the offset
 // of that record.
-std::uint64_t Recovery::passGap(std::uint64_t offset) {
+std::uint64_t RecoverPass::passGap(std::uint64_t offset) {
   tree_.Settle(offset, "", false);
   const std::uint64_t next = FindHead(source_, offset + 1, source_.Size()).value_or(source_.Size());
   // If the end of the open lists is known, a data block can begin only after that end.
@@ -68,7 +68,7 @@ std::uint64_t Recovery::passGap(std::uint64_t offset) {
 
 // Adds empty cells for lost ones. Cells belong to wells by their order, so the cells after the lost
 // ones would otherwise belong to other wells.
-void Recovery::fillCells(std::uint64_t offset, bool isCell) {
+void RecoverPass::fillCells(std::uint64_t offset, bool isCell) {
   const std::uint64_t missing = tree_.Missing();
   if (tree_.OpenTag() != TagOf(Kind::kPlateSetup) || missing == 0) return;
   constexpr std::uint64_t kMostHeads = 100000;
@@ -83,7 +83,7 @@ void Recovery::fillCells(std::uint64_t offset, bool isCell) {
   if (left < missing) tree_.AddEmptyCells(offset, missing - left);
 }
 
-std::uint64_t Recovery::keepFound(RecoverBlock block, std::uint64_t from, std::uint64_t to) {
+std::uint64_t RecoverPass::keepFound(RecoverBlock block, std::uint64_t from, std::uint64_t to) {
   if (block.tag.empty()) {
     block.tag = likelyTag(block, from);
     block.guesses.emplace_back(fmt::format("the tag {}", InQuotes(block.tag)));
@@ -125,7 +125,7 @@ std::uint64_t Recovery::keepFound(RecoverBlock block, std::uint64_t from, std::u
 
 // Copies a block whose numbers agree: all of its frames in the file, and whole frames after its
 // declared end that a recorder wrote.
-std::uint64_t Recovery::keepBlock(RecoverBlock block) {
+std::uint64_t RecoverPass::keepBlock(RecoverBlock block) {
   makeRoom(block.offset, block.tag);
   const CommittedFrames committed = FindCommittedFrames(block.Range(source_.Size()));
   const std::uint64_t there = committed.count;
@@ -161,7 +161,8 @@ std::uint64_t Recovery::keepBlock(RecoverBlock block) {
   return source_.Size();
 }
 
-std::uint64_t Recovery::framesBehind(const RecoverBlock& block, const CommittedFrames& committed) {
+std::uint64_t RecoverPass::framesBehind(const RecoverBlock& block,
+                                        const CommittedFrames& committed) {
   const std::uint64_t end = committed.end;
   if (committed.inFile <= committed.count || IsBoundary(source_, end) ||
       FindHead(source_, end + 1, source_.Size())) {
@@ -174,7 +175,7 @@ std::uint64_t Recovery::framesBehind(const RecoverBlock& block, const CommittedF
                               marker);
 }
 
-void Recovery::note(const RecoverBlock& block) {
+void RecoverPass::note(const RecoverBlock& block) {
   constexpr std::size_t kMostKinds = 64;
   if (block.numbers.empty() || numbers_.size() >= kMostKinds) return;
   numbers_[block.wells] = block.numbers;
@@ -182,7 +183,7 @@ void Recovery::note(const RecoverBlock& block) {
 
 // Likely numbers of wells for a lost block: those of the blocks before and after it, and of the
 // plate.
-std::vector<std::uint16_t> Recovery::likelyWellCounts(std::uint64_t from) {
+std::vector<std::uint16_t> RecoverPass::likelyWellCounts(std::uint64_t from) {
   constexpr int kLookedAt = 48;
   std::vector<std::uint16_t> counts;
   const auto add = [&](std::uint16_t count) {
@@ -207,7 +208,7 @@ std::vector<std::uint16_t> Recovery::likelyWellCounts(std::uint64_t from) {
   return counts;
 }
 
-std::vector<std::uint16_t> Recovery::likelyNumbers(std::uint16_t wells) const {
+std::vector<std::uint16_t> RecoverPass::likelyNumbers(std::uint16_t wells) const {
   const auto known = numbers_.find(wells);
   if (known != numbers_.end()) return known->second;
   auto used = UsedWells(tree_.IsInPlate() ? plateHeader_ : header_);
@@ -221,7 +222,7 @@ std::vector<std::uint16_t> Recovery::likelyNumbers(std::uint16_t wells) const {
 
 // The likely tag of a block whose tag is lost. If the plate has no raw readings yet, it is their
 // tag. Otherwise it is the tag of the reporting block that is most like the damaged bytes.
-std::string Recovery::likelyTag(const RecoverBlock& block, std::uint64_t from) {
+std::string RecoverPass::likelyTag(const RecoverBlock& block, std::uint64_t from) {
   std::string best(kDataBlockTags.front());
   int most = -1;
   for (const std::string_view tag : kDataBlockTags) {

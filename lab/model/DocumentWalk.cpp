@@ -1,4 +1,4 @@
-#include "lab/model/RecordWalk.h"
+#include "lab/model/DocumentWalk.h"
 
 #include <fmt/core.h>
 

@@ -1,4 +1,4 @@
-#include "lab/recover/Recovery.h"
+#include "lab/recover/RecoverPass.h"
 
 #include <fmt/core.h>
 
@@ -7,7 +7,7 @@
 #include "lab/SystemError.h"
 #include "lab/Text.h"
 #include "lab/check/RecordPlaces.h"
-#include "lab/model/FileLayout.h"
+#include "lab/model/BigEndian.h"
 #include "lab/model/HeaderFields.h"
 #include "vex2/format/HeaderLayout.h"
 #include "vex2/format/RecordKinds.h"
@@ -34,7 +34,7 @@ bool isPrintableAt(RecoverSource& source, std::uint64_t offset) {
 
 }  // namespace
 
-RecoverReport Recovery::Run() {
+RecoverReport RecoverPass::Run() {
   report_.size = source_.Size();
   const auto header = source_.View(0, HeaderLayout::kSize);
   header_.assign(header.begin(), header.begin() + static_cast<std::ptrdiff_t>(std::min<std::size_t>(
@@ -58,7 +58,7 @@ RecoverReport Recovery::Run() {
 
 // The offset of the first record. It is the end of the header, unless the bytes of the header are
 // missing from the file.
-std::uint64_t Recovery::firstRecord() {
+std::uint64_t RecoverPass::firstRecord() {
   if (source_.Size() == HeaderLayout::kSize || HeadAt(source_, HeaderLayout::kSize))
     return HeaderLayout::kSize;
   const auto early = FindHead(source_, 0, HeaderLayout::kSize);
@@ -67,7 +67,7 @@ std::uint64_t Recovery::firstRecord() {
   return *early;
 }
 
-std::uint64_t Recovery::step(std::uint64_t offset) {
+std::uint64_t RecoverPass::step(std::uint64_t offset) {
   if (const auto head = HeadAt(source_, offset); head && isCredible(*head)) return keep(*head);
   if (isPlateEnd(offset)) return keepPlateEnd(offset);
   std::string tag;
@@ -89,14 +89,14 @@ std::uint64_t Recovery::step(std::uint64_t offset) {
 // no other record follows it: then the bytes after it are damaged. For some kinds any length is
 // possible. Then the length is wrong only if whole records begin in the body and lead across its
 // end, or if it leads past the end of an open list.
-bool Recovery::isCredible(const RecoverHead& head) {
+bool RecoverPass::isCredible(const RecoverHead& head) {
   if (tree_.Depth() > kDeepest) return false;
   if (head.HoldsRecords()) return isCredibleList(head);
   if (!IsOfAnyLength(head.kind->layout) && head.exact) return true;
   return !FindHead(source_, head.offset + 1, head.next, tree_.IsPastEnd(head.next) ? 0 : head.next);
 }
 
-bool Recovery::isCredibleList(const RecoverHead& head) {
+bool RecoverPass::isCredibleList(const RecoverHead& head) {
   const auto first = HeadAt(source_, head.next);
   if (first && StandsIn(head.Tag(), first->Tag())) return true;
   if (head.kind->layout == BodyLayout::kPlate) {
@@ -107,7 +107,7 @@ bool Recovery::isCredibleList(const RecoverHead& head) {
 
 // Finds a list of which only the tag is damaged: by its numbers, it begins with a record that
 // belongs into a list. Sets `tag` to the tag that the list most likely had.
-std::optional<RecoverHead> Recovery::listWithoutTag(std::uint64_t offset, std::string& tag) {
+std::optional<RecoverHead> RecoverPass::listWithoutTag(std::uint64_t offset, std::string& tag) {
   const auto length = source_.Long(offset + 4);
   if (!length || *length < kListFields) return std::nullopt;
   for (const std::uint64_t fields : {kListFields, kCellFields, kListFields + HeaderLayout::kSize}) {
@@ -139,7 +139,7 @@ std::optional<RecoverHead> Recovery::listWithoutTag(std::uint64_t offset, std::s
 // The tag of the list that begins at `offset`, found from the first record in it. If such a record
 // can be in several lists, returns the tag that is most like the damaged tag. Returns nothing if
 // there is no first record, or if the list may be another program's.
-std::string_view Recovery::listAround(std::uint64_t offset, std::uint64_t fields) {
+std::string_view RecoverPass::listAround(std::uint64_t offset, std::uint64_t fields) {
   const auto first = HeadAt(source_, offset + kRecordHeadSize + fields);
   if (!first || !first->exact) return {};
   const auto layout = fields == kCellFields ? BodyLayout::kCell : BodyLayout::kList;
@@ -156,7 +156,7 @@ std::string_view Recovery::listAround(std::uint64_t offset, std::uint64_t fields
 }
 
 // Whether the end record of the open plate is at `offset`, with a damaged tag.
-bool Recovery::isPlateEnd(std::uint64_t offset) {
+bool RecoverPass::isPlateEnd(std::uint64_t offset) {
   constexpr std::uint32_t kEndLength = 4;
   return tree_.OpenTag() == TagOf(Kind::kPlate) &&
          source_.Long(offset + kTagLength) == kEndLength &&
@@ -166,7 +166,7 @@ bool Recovery::isPlateEnd(std::uint64_t offset) {
 
 // Whether a plate's end record is at `offset`, of which only the second half of the length and the
 // value are left. The next record must belong into the document or begin a plate.
-bool Recovery::isRestOfPlateEnd(std::uint64_t offset) {
+bool RecoverPass::isRestOfPlateEnd(std::uint64_t offset) {
   constexpr std::uint32_t kEndLength = 4;
   const std::uint64_t value = offset + kRecordHeadSize;
   if (tree_.OpenTag() != TagOf(Kind::kPlate) || source_.Short(value - 2) != kEndLength ||
@@ -177,7 +177,7 @@ bool Recovery::isRestOfPlateEnd(std::uint64_t offset) {
   return next && (StandsIn("", next->Tag()) || next->Tag() == TagOf(Kind::kPlate));
 }
 
-std::uint64_t Recovery::keepPlateEnd(std::uint64_t offset) {
+std::uint64_t RecoverPass::keepPlateEnd(std::uint64_t offset) {
   constexpr std::uint64_t kValueSize = 4;
   makeRoom(offset, TagOf(Kind::kEndOfPlate));
   ++report_.records;
@@ -189,14 +189,14 @@ std::uint64_t Recovery::keepPlateEnd(std::uint64_t offset) {
 }
 
 // Whether the header is whole and says that the document is no study.
-bool Recovery::isNoStudy() const {
+bool RecoverPass::isNoStudy() const {
   constexpr std::string_view kStudy = Assay::kRelativeStudy.code;
   return IsHeaderWhole(header_) &&
          !std::equal(kStudy.begin(), kStudy.end(), header_.begin() + HeaderLayout::kAssayCodeAt);
 }
 
 // Whether an end record of a plate follows `offset` before another plate begins.
-bool Recovery::endsInPlate(std::uint64_t offset) {
+bool RecoverPass::endsInPlate(std::uint64_t offset) {
   constexpr int kMostHeads = 4096;
   for (int i = 0; i < kMostHeads; ++i) {
     const auto head = HeadAt(source_, offset);
@@ -210,7 +210,7 @@ bool Recovery::endsInPlate(std::uint64_t offset) {
 
 // Opens new lists for a record with this tag, to replace lost lists around it; also a new plate if
 // the beginning of its plate was lost.
-void Recovery::wrap(std::uint64_t offset, std::string_view tag) {
+void RecoverPass::wrap(std::uint64_t offset, std::string_view tag) {
   const bool isOutside = tree_.Depth() == 0;
   const bool isPlates = HomeOf(tag) == TagOf(Kind::kPlate);
   // If the document should have no plates, records that belong into plates may be directly in it.
@@ -223,14 +223,14 @@ void Recovery::wrap(std::uint64_t offset, std::string_view tag) {
 }
 
 // Closes and opens lists so that a record with this tag can be written.
-void Recovery::makeRoom(std::uint64_t offset, std::string_view tag) {
+void RecoverPass::makeRoom(std::uint64_t offset, std::string_view tag) {
   tree_.Settle(offset, tag, afterLoss_);
   if (afterLoss_) wrap(offset, tag);
   afterLoss_ = false;
   tree_.Count(tag);
 }
 
-std::uint64_t Recovery::keep(const RecoverHead& head) {
+std::uint64_t RecoverPass::keep(const RecoverHead& head) {
   if (head.HoldsRecords()) return keepList(head, head.Tag());
   if (head.kind->layout == BodyLayout::kData && head.length > 0) {
     return keepBlock(*BlockAt(source_, head.offset));
@@ -238,7 +238,7 @@ std::uint64_t Recovery::keep(const RecoverHead& head) {
   return keepValue(head);
 }
 
-std::uint64_t Recovery::keepValue(const RecoverHead& head) {
+std::uint64_t RecoverPass::keepValue(const RecoverHead& head) {
   makeRoom(head.offset, head.Tag());
   ++report_.records;
   const std::uint64_t written = tree_.Position();
@@ -260,7 +260,7 @@ std::uint64_t Recovery::keepValue(const RecoverHead& head) {
 
 // Keeps a record with an unknown tag: a reader skips it and finds the next record. In a plate,
 // readers skip it four bytes at a time, so keep it only if they find the next record that way.
-std::uint64_t Recovery::keepUnknown(const RecoverHead& head) {
+std::uint64_t RecoverPass::keepUnknown(const RecoverHead& head) {
   if (head.next > source_.Size() || hidesRecords(head)) return passGap(head.offset);
   tree_.Settle(head.offset, "", false);
   bool isHarmless = true;
@@ -283,7 +283,7 @@ std::uint64_t Recovery::keepUnknown(const RecoverHead& head) {
 
 // Whether whole records begin in the body that do not fill it exactly. If they fill it exactly, the
 // record may be a list that another program wrote.
-bool Recovery::hidesRecords(const RecoverHead& head) {
+bool RecoverPass::hidesRecords(const RecoverHead& head) {
   const std::uint64_t body = head.offset + kRecordHeadSize;
   if (!FindHead(source_, head.offset + 1, head.next, head.next)) return false;
   for (const std::uint64_t fields : {kListFields, kCellFields}) {
@@ -298,7 +298,7 @@ bool Recovery::hidesRecords(const RecoverHead& head) {
   return true;
 }
 
-std::uint64_t Recovery::keepList(const RecoverHead& head, std::string_view tag) {
+std::uint64_t RecoverPass::keepList(const RecoverHead& head, std::string_view tag) {
   makeRoom(head.offset, tag);
   ++report_.records;
   if (head.kind->layout == BodyLayout::kPlate) return keepPlate(head);
@@ -311,7 +311,7 @@ std::uint64_t Recovery::keepList(const RecoverHead& head, std::string_view tag) 
   return head.next;
 }
 
-std::uint64_t Recovery::keepPlate(const RecoverHead& head) {
+std::uint64_t RecoverPass::keepPlate(const RecoverHead& head) {
   const std::uint64_t begin = head.offset + kRecordHeadSize + kListFields;
   const auto bytes = source_.View(begin, HeaderLayout::kSize);
   const auto header = bytes.first(std::min<std::size_t>(bytes.size(), HeaderLayout::kSize));

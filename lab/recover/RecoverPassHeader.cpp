@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "lab/model/FileLayout.h"
+#include "lab/model/BigEndian.h"
 #include "lab/model/HeaderFields.h"
-#include "lab/recover/Recovery.h"
+#include "lab/recover/RecoverPass.h"
 #include "vex2/format/HeaderLayout.h"
 #include "vex2/format/RecordKinds.h"
 
@@ -12,11 +12,11 @@ namespace vex2::lab {
 
 // Completes the header. Called last, because it needs all records, and the offsets at which they
 // were written.
-void Recovery::finishHeader() {
+void RecoverPass::finishHeader() {
   const bool isWhole = IsHeaderWhole(header_);
   report_.hasHeader = isWhole;
   if (isWhole && report_.lostPlaces == 0 && report_.correctedPlaces == 0) return;
-  PlateFacts facts;
+  HeaderFacts facts;
   facts.isStudy = tree_.TagsAtTop().count(std::string(TagOf(Kind::kPlates))) > 0;
   facts.hasFrames = report_.frames > 0;
   if (!numbers_.empty()) facts.wells = numbers_.rbegin()->first;
@@ -37,7 +37,7 @@ void Recovery::finishHeader() {
 
 // The offset of a record that the header should store. While a run is recorded, it is the offset of
 // the tag; after a save of the whole document, it is the end of the record.
-std::uint32_t Recovery::rightPosition(std::uint32_t stored, std::string_view tag) {
+std::uint32_t RecoverPass::rightPosition(std::uint32_t stored, std::string_view tag) {
   const auto found = positions_.find(tag);
   if (found == positions_.end()) return 0;
   const Position& position = found->second;
@@ -47,7 +47,7 @@ std::uint32_t Recovery::rightPosition(std::uint32_t stored, std::string_view tag
   return right > 0xFFFFFFFFU ? 0 : static_cast<std::uint32_t>(right);
 }
 
-bool Recovery::isRunning() const {
+bool RecoverPass::isRunning() const {
   constexpr std::string_view kRunning = RunStatus::kInProgress;
   return header_.size() >= HeaderLayout::kRawDataOffsetAt &&
          std::equal(kRunning.begin(), kRunning.end(),

@@ -1,4 +1,4 @@
-#include "vex2/setup/RecordText.h"
+#include "vex2/setup/OwnedText.h"
 
 #include <cstddef>
 #include <cstring>

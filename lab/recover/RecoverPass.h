@@ -18,11 +18,11 @@ using RecoverProgress = std::function<void(std::uint64_t done)>;
 
 /// One recovery. Goes through the damaged file once from front to back, and looks ahead where
 /// needed.
-class Recovery {
+class RecoverPass {
  public:
   /// `in` is the damaged document, open for reading. `out` must be empty and open for writing.
   /// `in`, `out` and `progress` must outlive the recovery.
-  Recovery(CFile& in, CFile& out, const RecoverProgress& progress)
+  RecoverPass(CFile& in, CFile& out, const RecoverProgress& progress)
       : source_(in), tree_(source_, out, report_), progress_(progress) {}
 
   /// Writes all that can be read to the new document. Copies records byte for byte as long as each
@@ -46,7 +46,7 @@ class Recovery {
   std::uint64_t firstRecord();
   std::uint64_t step(std::uint64_t offset);
 
-  // Records (Recovery.cpp)
+  // Records (RecoverPass.cpp)
   bool isCredible(const RecoverHead& head);
   bool isCredibleList(const RecoverHead& head);
   bool isNoStudy() const;
@@ -65,7 +65,7 @@ class Recovery {
   bool isRestOfPlateEnd(std::uint64_t offset);
   std::uint64_t keepPlateEnd(std::uint64_t offset);
 
-  // Data blocks, and bytes that are not records (RecoveryGaps.cpp)
+  // Data blocks, and bytes that are not records (RecoverPassGaps.cpp)
   std::uint64_t passGap(std::uint64_t offset);
   std::uint64_t keepFound(RecoverBlock block, std::uint64_t from, std::uint64_t to);
   std::uint64_t keepBlock(RecoverBlock block);
@@ -77,7 +77,7 @@ class Recovery {
   void note(const RecoverBlock& block);
   void lose(std::uint64_t from, std::uint64_t to, const std::string& what);
 
-  // The header (RecoveryHeader.cpp)
+  // The header (RecoverPassHeader.cpp)
   void finishHeader();
   std::uint32_t rightPosition(std::uint32_t stored, std::string_view tag);
   bool isRunning() const;

@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "lab/model/BigEndian.h"
 #include "lab/model/FileFault.h"
-#include "lab/model/FileLayout.h"
 #include "vex2/format/RecordWalker.h"
 #include "vex2/framework/CFile.h"
 
@@ -20,10 +20,7 @@ struct WalkEnd {
   std::optional<FileFault> fault;  ///< why the walk could not pass the record at which it ended
 };
 
-/// Walks over the records of the document in the open `file`, beginning after its header, and over
-/// the records in lists. Finds each record at the same offset as the document's reader. That is the
-/// end of the previous body by its layout, whatever length that record declares. A malicious number
-/// in the file can make this neither allocate memory nor recurse without limit.
+/// Walks over the document in the open `file` with `WalkRecordsOf`, and says in words why it ended.
 WalkEnd WalkRecords(CFile& file, RecordVisitor& visitor);
 
 /// Reads the next 16 or 32 bits, big-endian. Returns nothing if the file has fewer bits left.
