@@ -18,10 +18,10 @@ import sys
 ALLOWED = {
     ("lab/check/MeaningCheck.cpp", "ENDO"): "the task of a detector in a well",
     ("lab/model/Run.h", "RAWa"): "a public header, which sees nothing of vex2/format",
-    ("tools/vex/command/AnalysisOptions.cpp", "NAME"): "stands for a value in the help",
+    ("tools/vex/options/AnalysisOptions.cpp", "NAME"): "stands for a value in the help",
     ("tools/vex/command/CqCommand.cpp", "NAME"): "stands for a value in the help",
-    ("tools/vex/command/CsvInput.cpp", "NAME"): "stands for a value in the help",
-    ("tools/vex/command/PlateOption.cpp", "NAME"): "stands for a value in the help",
+    ("tools/vex/options/CsvOptions.cpp", "NAME"): "stands for a value in the help",
+    ("tools/vex/options/PlateOption.cpp", "NAME"): "stands for a value in the help",
     ("tools/vex/command/StudyCommand.cpp", "NAME"): "an argument's name in the help",
 }
 

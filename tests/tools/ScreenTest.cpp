@@ -4,7 +4,7 @@
 #include "lab/text/Table.h"
 #include "tests/tools/DocumentFixture.h"
 #include "tests/tools/Screen.h"
-#include "tools/vex/text/Terminal.h"
+#include "tools/vex/Terminal.h"
 
 using testing::AllOf;
 using testing::Each;

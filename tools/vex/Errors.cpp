@@ -3,7 +3,7 @@
 #include <iostream>
 
 #include "lab/json/Json.h"
-#include "tools/vex/text/Terminal.h"
+#include "tools/vex/Terminal.h"
 
 namespace vex2::tool {
 

@@ -11,14 +11,14 @@
 #include "lab/model/StoredCalibration.h"
 #include "lab/text/SetupText.h"
 #include "tools/vex/Lab.h"
+#include "tools/vex/Terminal.h"
 #include "tools/vex/command/Command.h"
-#include "tools/vex/command/CsvInput.h"
-#include "tools/vex/command/Exactness.h"
-#include "tools/vex/command/PlateOption.h"
-#include "tools/vex/files/Changing.h"
 #include "tools/vex/files/Output.h"
 #include "tools/vex/files/OutputFiles.h"
-#include "tools/vex/text/Terminal.h"
+#include "tools/vex/options/ChangeOptions.h"
+#include "tools/vex/options/CsvOptions.h"
+#include "tools/vex/options/ExactOption.h"
+#include "tools/vex/options/PlateOption.h"
 
 namespace vex2::tool {
 
@@ -57,7 +57,7 @@ class CalibrationCommand final : public Command {
       FloatReader values(exactness_.IsExact());
       const Calibration loaded =
           LoadCalibration(source_, values, input_.Format(CalibrationColumns()));
-      Exactness::Tell(CsvName(source_), values.Rounded(), "value", "values");
+      ExactOption::Tell(CsvName(source_), values.Rounded(), "value", "values");
       std::cout << changing_.ApplyToPlate(
           file_, plate_, [&](Vex2FileManager& plate) { return replace(plate, loaded); });
       return ExitCode::kDone;
@@ -116,11 +116,11 @@ class CalibrationCommand final : public Command {
   bool json_ = false;
   std::string target_;
   std::string source_;
-  CsvInput input_;
-  Exactness exactness_;
+  CsvOptions input_;
+  ExactOption exactness_;
   bool force_ = false;
   PlateOption plate_;
-  Changing changing_;
+  ChangeOptions changing_;
 };
 
 }  // namespace

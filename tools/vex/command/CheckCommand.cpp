@@ -6,9 +6,9 @@
 #include "lab/json/JsonOutput.h"
 #include "lab/text/FindingsText.h"
 #include "tools/vex/Lab.h"
+#include "tools/vex/Terminal.h"
 #include "tools/vex/command/Command.h"
-#include "tools/vex/files/ManyFiles.h"
-#include "tools/vex/text/Terminal.h"
+#include "tools/vex/options/FileArguments.h"
 
 namespace vex2::tool {
 
@@ -41,7 +41,7 @@ class CheckCommand final : public Command {
   }
 
   ExitCode Run() override {
-    return files_.ForEach(files_.List(), [&](const std::string& file) -> ManyFiles::Shown {
+    return files_.ForEach(files_.List(), [&](const std::string& file) -> FileArguments::Shown {
       return
           [this, file, findings = Check(file, NamesOfCommands())] { return show(file, findings); };
     });
@@ -59,7 +59,7 @@ class CheckCommand final : public Command {
     return isSound ? ExitCode::kDone : ExitCode::kDocument;
   }
 
-  ManyFiles files_;
+  FileArguments files_;
   bool strict_ = false;
   bool notes_ = false;
   bool json_ = false;

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "tools/vex/Errors.h"
-#include "tools/vex/Options.h"
+#include "tools/vex/options/Options.h"
 
 namespace vex2::tool {
 

@@ -12,12 +12,12 @@
 #include <vector>
 
 #include "tools/vex/command/Command.h"
-#include "tools/vex/command/HelpText.h"
 #include "tools/vex/command/Misuse.h"
 #include "tools/vex/command/PlotCommand.h"
-#include "tools/vex/command/ScreenOptions.h"
 #include "tools/vex/command/VersionText.h"
 #include "tools/vex/files/Output.h"
+#include "tools/vex/help/HelpText.h"
+#include "tools/vex/options/ScreenOptions.h"
 #include "vex2/framework/CFileException.h"
 
 namespace vex2::tool {

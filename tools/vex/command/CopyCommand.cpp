@@ -1,10 +1,10 @@
 #include "lab/model/Study.h"
+#include "tools/vex/Interrupts.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
-#include "tools/vex/command/PlateOption.h"
-#include "tools/vex/files/Interrupts.h"
 #include "tools/vex/files/OutputFiles.h"
-#include "tools/vex/files/Rewriting.h"
+#include "tools/vex/options/PlateOption.h"
+#include "tools/vex/options/SaveOptions.h"
 
 namespace vex2::tool {
 
@@ -46,7 +46,7 @@ class CopyCommand final : public Command {
   std::string target_;
   bool force_ = false;
   PlateOption plate_;
-  Rewriting rewriting_;
+  SaveOptions rewriting_;
 };
 
 }  // namespace

@@ -8,10 +8,10 @@
 #include "lab/json/Json.h"
 #include "lab/json/JsonOutput.h"
 #include "lab/text/AnalysisText.h"
-#include "tools/vex/command/AnalysisOptions.h"
+#include "tools/vex/Terminal.h"
 #include "tools/vex/command/Command.h"
-#include "tools/vex/files/ManyFiles.h"
-#include "tools/vex/text/Terminal.h"
+#include "tools/vex/options/AnalysisOptions.h"
+#include "tools/vex/options/FileArguments.h"
 
 namespace vex2::tool {
 
@@ -43,7 +43,7 @@ class CqCommand final : public Command {
     options_.detector = shared_.detector;
     const std::vector<std::string> files = files_.List();
     hasSeveral_ = files.size() > 1;
-    return files_.ForEach(files, [&](const std::string& file) -> ManyFiles::Shown {
+    return files_.ForEach(files, [&](const std::string& file) -> FileArguments::Shown {
       const RunReader run = shared_.Open(file);
       const CqAnalysis analysis = OrDamage(run, [&] { return AnalyseCq(run, options_); });
       return [this, file, run, analysis] {
@@ -95,7 +95,7 @@ class CqCommand final : public Command {
     }
   }
 
-  ManyFiles files_;
+  FileArguments files_;
   AnalysisOptions shared_;
   CqOptions options_;
   std::string method_ = "threshold";

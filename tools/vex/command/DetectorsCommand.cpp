@@ -12,10 +12,10 @@
 #include "lab/model/PlateContents.h"
 #include "lab/text/SetupText.h"
 #include "tools/vex/Lab.h"
+#include "tools/vex/Terminal.h"
 #include "tools/vex/command/Assignment.h"
-#include "tools/vex/command/Exactness.h"
 #include "tools/vex/command/ListingCommand.h"
-#include "tools/vex/text/Terminal.h"
+#include "tools/vex/options/ExactOption.h"
 
 namespace vex2::tool {
 
@@ -142,13 +142,13 @@ class DetectorsCommand final : public ListingCommand {
       }
       RoundedNumbers rounded;
       rounded.Add(change);
-      Exactness::Tell(file_, rounded, field->key, field->key);
+      ExactOption::Tell(file_, rounded, field->key, field->key);
     }
   }
 
   std::vector<std::string> words_;
   std::vector<std::string> removed_;
-  Exactness exactness_;
+  ExactOption exactness_;
 };
 
 }  // namespace

@@ -12,10 +12,10 @@
 #include "lab/rdml/RdmlWriterArchive.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
-#include "tools/vex/command/PlateOption.h"
-#include "tools/vex/files/LossOutput.h"
 #include "tools/vex/files/Output.h"
 #include "tools/vex/files/OutputFiles.h"
+#include "tools/vex/options/LossOptions.h"
+#include "tools/vex/options/PlateOption.h"
 
 namespace vex2::tool {
 
@@ -214,7 +214,7 @@ class ExportCommand final : public Command {
   std::string cq_;
   std::optional<CqAnalysis> analysis_;
   bool isWide_ = false;
-  LossOutput losses_;
+  LossOptions losses_;
 };
 
 }  // namespace

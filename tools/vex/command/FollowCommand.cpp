@@ -7,13 +7,14 @@
 #include "lab/Text.h"
 #include "lab/json/FrameJson.h"
 #include "lab/json/JsonOutput.h"
+#include "lab/live/LivePage.h"
 #include "lab/record/RunFollower.h"
+#include "tools/vex/Interrupts.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
-#include "tools/vex/files/Interrupts.h"
+#include "tools/vex/command/VersionText.h"
 #include "tools/vex/files/Output.h"
-#include "tools/vex/serve/LivePage.h"
-#include "tools/vex/show/FollowScreen.h"
+#include "tools/vex/screen/FollowScreen.h"
 
 namespace vex2::tool {
 
@@ -89,7 +90,7 @@ class FollowCommand final : public Command {
 
   // Serves the page even after the run is complete, because a viewer may still need it.
   ExitCode serve(RunFollower& follower, Interrupts& interrupts) const {
-    LivePage page(file_, portNumber());
+    LivePage page(file_, portNumber(), ProgramText());
     say("shown at " + page.Address() + " until Ctrl-C");
     bool saidThatItIsDone = false;
     while (!interrupts.Pending()) {

@@ -10,9 +10,9 @@
 #include "lab/model/FrameView.h"
 #include "lab/text/ReadingsText.h"
 #include "tools/vex/Lab.h"
+#include "tools/vex/Terminal.h"
 #include "tools/vex/command/Command.h"
-#include "tools/vex/command/PlateOption.h"
-#include "tools/vex/text/Terminal.h"
+#include "tools/vex/options/PlateOption.h"
 
 namespace vex2::tool {
 

@@ -3,12 +3,12 @@
 #include <optional>
 
 #include "lab/text/Table.h"
+#include "tools/vex/Terminal.h"
 #include "tools/vex/command/Command.h"
-#include "tools/vex/command/HelpText.h"
 #include "tools/vex/command/Misuse.h"
+#include "tools/vex/help/HelpText.h"
 #include "tools/vex/help/ManPage.h"
 #include "tools/vex/help/Pages.h"
-#include "tools/vex/text/Terminal.h"
 
 namespace vex2::tool {
 

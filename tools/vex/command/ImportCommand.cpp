@@ -10,9 +10,9 @@
 #include "lab/import/Import.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
-#include "tools/vex/files/LossOutput.h"
 #include "tools/vex/files/Output.h"
 #include "tools/vex/files/OutputFiles.h"
+#include "tools/vex/options/LossOptions.h"
 
 namespace vex2::tool {
 
@@ -127,7 +127,7 @@ class ImportCommand final : public Command {
   bool isEmbedded_ = false;
   bool isNotEmbedded_ = false;
   ImportOptions import_;
-  LossOutput losses_;
+  LossOptions losses_;
 };
 
 }  // namespace

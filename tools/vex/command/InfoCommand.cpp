@@ -6,10 +6,10 @@
 #include "lab/json/OverviewJson.h"
 #include "lab/text/OverviewText.h"
 #include "tools/vex/Lab.h"
+#include "tools/vex/Terminal.h"
 #include "tools/vex/command/Command.h"
-#include "tools/vex/command/PlateOption.h"
-#include "tools/vex/files/ManyFiles.h"
-#include "tools/vex/text/Terminal.h"
+#include "tools/vex/options/FileArguments.h"
+#include "tools/vex/options/PlateOption.h"
 
 namespace vex2::tool {
 
@@ -33,15 +33,18 @@ class InfoCommand final : public Command {
   ExitCode Run() override {
     const std::vector<std::string> files = files_.List();
     hasSeveral_ = files.size() > 1;
-    const ExitCode worst = files_.ForEach(files, [&](const std::string& file) -> ManyFiles::Shown {
-      const auto document = std::make_shared<const Document>(file, Document::Purpose::kReadHeads);
-      // The overview of a study includes its plates.
-      return [this, document, overview = OverviewOf(*document, plate_.Choose(*document).front())] {
-        show(overview);
-        document->RequireWhole("");
-        return ExitCode::kDone;
-      };
-    });
+    const ExitCode worst =
+        files_.ForEach(files, [&](const std::string& file) -> FileArguments::Shown {
+          const auto document =
+              std::make_shared<const Document>(file, Document::Purpose::kReadHeads);
+          // The overview of a study includes its plates.
+          return
+              [this, document, overview = OverviewOf(*document, plate_.Choose(*document).front())] {
+                show(overview);
+                document->RequireWhole("");
+                return ExitCode::kDone;
+              };
+        });
     std::cout << listing_.Text();
     return worst;
   }
@@ -58,7 +61,7 @@ class InfoCommand final : public Command {
     }
   }
 
-  ManyFiles files_;
+  FileArguments files_;
   PlateOption plate_;
   bool json_ = false;
   bool screens_ = false;

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "tools/vex/command/Command.h"
-#include "tools/vex/files/Changing.h"
+#include "tools/vex/options/ChangeOptions.h"
 
 namespace vex2::tool {
 
@@ -38,7 +38,7 @@ class ListingCommand : public Command {
   bool csv_ = false;
   bool json_ = false;
   PlateOption plate_;
-  Changing changing_;
+  ChangeOptions changing_;
 };
 
 }  // namespace vex2::tool

@@ -7,9 +7,9 @@
 #include "lab/json/JsonOutput.h"
 #include "lab/json/MeltJson.h"
 #include "lab/text/AnalysisText.h"
-#include "tools/vex/command/AnalysisOptions.h"
+#include "tools/vex/Terminal.h"
 #include "tools/vex/command/Command.h"
-#include "tools/vex/text/Terminal.h"
+#include "tools/vex/options/AnalysisOptions.h"
 
 namespace vex2::tool {
 

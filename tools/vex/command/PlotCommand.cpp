@@ -5,9 +5,9 @@
 
 #include "lab/picture/PlotScene.h"
 #include "tools/vex/Lab.h"
-#include "tools/vex/command/AnalysisOptions.h"
 #include "tools/vex/files/OutputFiles.h"
-#include "tools/vex/show/SceneLines.h"
+#include "tools/vex/options/AnalysisOptions.h"
+#include "tools/vex/screen/SceneLines.h"
 
 namespace vex2::tool {
 

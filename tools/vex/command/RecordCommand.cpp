@@ -13,12 +13,12 @@
 #include "lab/record/InterruptedRun.h"
 #include "lab/record/LiveRun.h"
 #include "lab/record/MeasuredRun.h"
-#include "tools/vex/command/CsvInput.h"
-#include "tools/vex/command/Exactness.h"
+#include "tools/vex/Interrupts.h"
 #include "tools/vex/command/RecordingCommand.h"
-#include "tools/vex/files/Interrupts.h"
 #include "tools/vex/files/OutputFiles.h"
-#include "tools/vex/show/RecordProgress.h"
+#include "tools/vex/options/CsvOptions.h"
+#include "tools/vex/options/ExactOption.h"
+#include "tools/vex/screen/RecordingProgress.h"
 
 namespace vex2::tool {
 
@@ -67,7 +67,7 @@ class RecordCommand final : public RecordingCommand {
                     "Refuse readings and quantities that would be rounded");
     input_.AddOptions(options);
     options.Add("--wells-columns", wellsNames_, "Names of columns in the file of --wells")
-        .Show(CsvInput::kColumnsShown);
+        .Show(CsvOptions::kColumnsShown);
     addRunOptions(options);
     addRecordOptions(options);
   }
@@ -129,7 +129,7 @@ class RecordCommand final : public RecordingCommand {
   }
 
   void tellQuantities(const RoundedNumbers& rounded) const {
-    Exactness::Tell(CsvName(files_.wells), rounded, "quantity", "quantities");
+    ExactOption::Tell(CsvName(files_.wells), rounded, "quantity", "quantities");
   }
 
   ExitCode recordLive() {
@@ -145,7 +145,7 @@ class RecordCommand final : public RecordingCommand {
           scale.ScaleText()));
     };
     std::size_t done = 0;
-    RecordProgress progress(options_.path);
+    RecordingProgress progress(options_.path);
     Interrupts interrupts;
     options_.wait = [&](double seconds) { return interrupts.Wait(seconds); };
     LiveRun run(files_, live, options_, [&](const RecordState& state) {
@@ -184,7 +184,7 @@ class RecordCommand final : public RecordingCommand {
   std::optional<std::string> channels_;
   std::optional<std::uint32_t> frames_;
   MeasuredRunFiles files_;
-  CsvInput input_;
+  CsvOptions input_;
   std::string wellsNames_;
 };
 

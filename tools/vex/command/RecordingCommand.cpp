@@ -8,9 +8,9 @@
 #include "lab/Text.h"
 #include "lab/model/AssayTypes.h"
 #include "lab/record/InterruptedRun.h"
-#include "tools/vex/files/Interrupts.h"
+#include "tools/vex/Interrupts.h"
 #include "tools/vex/files/OutputFiles.h"
-#include "tools/vex/show/RecordProgress.h"
+#include "tools/vex/screen/RecordingProgress.h"
 
 namespace vex2::tool {
 
@@ -66,7 +66,7 @@ std::string RecordingCommand::assay() const {
 ExitCode RecordingCommand::record(const RunPlan& plan, const std::function<void()>& beforehand) {
   std::size_t done = 0;
   const auto outcome = [&] {
-    RecordProgress progress(options_.path);
+    RecordingProgress progress(options_.path);
     std::optional<Interrupts> interrupts;
     options_.wait = [&](double seconds) { return interrupts->Wait(seconds); };
     Recorder recorder(plan, options_, [&](const RecordState& state) {

@@ -9,12 +9,12 @@
 #include "lab/model/Document.h"
 #include "lab/recover/Recover.h"
 #include "lab/text/RecoverText.h"
+#include "tools/vex/Interrupts.h"
 #include "tools/vex/Lab.h"
+#include "tools/vex/Terminal.h"
 #include "tools/vex/command/Command.h"
-#include "tools/vex/files/Interrupts.h"
 #include "tools/vex/files/OutputFiles.h"
-#include "tools/vex/text/ProgressLine.h"
-#include "tools/vex/text/Terminal.h"
+#include "tools/vex/screen/ProgressLine.h"
 
 namespace vex2::tool {
 

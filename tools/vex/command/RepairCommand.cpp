@@ -5,9 +5,9 @@
 
 #include "lab/check/Check.h"
 #include "lab/check/Repair.h"
+#include "tools/vex/Interrupts.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
-#include "tools/vex/files/Interrupts.h"
 
 namespace vex2::tool {
 

@@ -1,11 +1,12 @@
 #include <algorithm>
 
 #include "lab/picture/Report.h"
+#include "lab/picture/ReportHead.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
-#include "tools/vex/files/ManyFiles.h"
+#include "tools/vex/command/VersionText.h"
 #include "tools/vex/files/OutputFiles.h"
-#include "tools/vex/serve/ReportHead.h"
+#include "tools/vex/options/FileArguments.h"
 
 namespace vex2::tool {
 
@@ -33,33 +34,34 @@ class ReportCommand final : public Command {
     outputs.Write(target_, OutputFiles::Kind::kTable).Claim();
     std::vector<std::string> entries;
     std::size_t failed = 0;
-    const ExitCode worst = files_.ForEach(files, [&](const std::string& file) -> ManyFiles::Shown {
-      std::vector<Error> errors;
-      ReportSettings settings;
-      settings.onError = [&](const Error& error) { errors.push_back(error); };
-      std::string entry = ReportEntry(file, settings);
-      return [&, entry = std::move(entry), errors = std::move(errors)] {
-        entries.push_back(entry);
-        ExitCode code = ExitCode::kDone;
-        for (const Error& error : errors) {
-          PrintError(error);
-          code = std::max(code, ExitCodeOf(error));
-          // A damaged document gets an entry in the report. Other errors, such as a missing file,
-          // leave nothing to report on.
-          if (error.Class() != ErrorClass::kDocument) ++failed;
-        }
-        return code;
-      };
-    });
+    const ExitCode worst =
+        files_.ForEach(files, [&](const std::string& file) -> FileArguments::Shown {
+          std::vector<Error> errors;
+          ReportSettings settings;
+          settings.onError = [&](const Error& error) { errors.push_back(error); };
+          std::string entry = ReportEntry(file, settings);
+          return [&, entry = std::move(entry), errors = std::move(errors)] {
+            entries.push_back(entry);
+            ExitCode code = ExitCode::kDone;
+            for (const Error& error : errors) {
+              PrintError(error);
+              code = std::max(code, ExitCodeOf(error));
+              // A damaged document gets an entry in the report. Other errors, such as a missing
+              // file, leave nothing to report on.
+              if (error.Class() != ErrorClass::kDocument) ++failed;
+            }
+            return code;
+          };
+        });
     if (failed >= files.size()) return worst;
     Output output(target_);
-    output.Stream() << ReportPage(ReportDataOf(entries, ReportHead()));
+    output.Stream() << ReportPage(ReportDataOf(entries, ReportHead(ProgramText())));
     output.Finish();
     return worst;
   }
 
  private:
-  ManyFiles files_;
+  FileArguments files_;
   std::string target_;
   bool force_ = false;
 };

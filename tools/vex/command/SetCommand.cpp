@@ -9,8 +9,8 @@
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Assignment.h"
 #include "tools/vex/command/Command.h"
-#include "tools/vex/command/PlateOption.h"
-#include "tools/vex/files/Changing.h"
+#include "tools/vex/options/ChangeOptions.h"
+#include "tools/vex/options/PlateOption.h"
 
 namespace vex2::tool {
 
@@ -103,7 +103,7 @@ class SetCommand final : public Command {
   std::string file_;
   std::vector<std::string> words_;
   PlateOption plate_;
-  Changing changing_;
+  ChangeOptions changing_;
 };
 
 }  // namespace

@@ -9,8 +9,8 @@
 #include "lab/model/DocumentLock.h"
 #include "tools/vex/Lab.h"
 #include "tools/vex/command/Command.h"
-#include "tools/vex/command/PlateOption.h"
-#include "tools/vex/files/Changing.h"
+#include "tools/vex/options/ChangeOptions.h"
+#include "tools/vex/options/PlateOption.h"
 
 namespace vex2::tool {
 
@@ -51,7 +51,7 @@ class StatusCommand final : public Command {
       return ExitCode::kDone;
     }
     if (!changing_.IsDryRun()) WriteStatus(file_, *code_);
-    std::cout << change(before) << (changing_.IsDryRun() ? Changing::kDryRun : "");
+    std::cout << change(before) << (changing_.IsDryRun() ? ChangeOptions::kDryRun : "");
     return ExitCode::kDone;
   }
 
@@ -82,7 +82,7 @@ class StatusCommand final : public Command {
   std::string file_;
   std::optional<std::string> code_;
   PlateOption plate_;
-  Changing changing_;
+  ChangeOptions changing_;
 };
 
 }  // namespace

@@ -10,13 +10,13 @@
 #include "lab/model/DocumentPlates.h"
 #include "lab/model/Study.h"
 #include "lab/text/SetupText.h"
+#include "tools/vex/Interrupts.h"
 #include "tools/vex/Lab.h"
+#include "tools/vex/Terminal.h"
 #include "tools/vex/command/Command.h"
-#include "tools/vex/files/Changing.h"
-#include "tools/vex/files/Interrupts.h"
 #include "tools/vex/files/OutputFiles.h"
-#include "tools/vex/text/ProgressLine.h"
-#include "tools/vex/text/Terminal.h"
+#include "tools/vex/options/ChangeOptions.h"
+#include "tools/vex/screen/ProgressLine.h"
 
 namespace vex2::tool {
 
@@ -62,7 +62,7 @@ class StudyChange : public Command {
 
   std::string study_;
   std::vector<std::string> plates_;
-  Changing changing_;
+  ChangeOptions changing_;
 };
 
 class NewAction final : public StudyChange {
@@ -207,7 +207,7 @@ class ExtractAction final : public Command {
   std::string name_;
   std::string target_;
   bool force_ = false;
-  Rewriting rewriting_;
+  SaveOptions rewriting_;
 };
 
 }  // namespace

@@ -8,9 +8,9 @@
 #include "lab/json/RecordsJson.h"
 #include "lab/text/TreeText.h"
 #include "tools/vex/Lab.h"
+#include "tools/vex/Terminal.h"
 #include "tools/vex/command/Command.h"
-#include "tools/vex/command/PlateOption.h"
-#include "tools/vex/text/Terminal.h"
+#include "tools/vex/options/PlateOption.h"
 
 namespace vex2::tool {
 

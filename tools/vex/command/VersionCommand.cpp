@@ -72,9 +72,13 @@ class VersionCommand final : public Command {
 
 }  // namespace
 
+std::string ProgramText() {
+  return "vex " VEX2_VERSION;
+}
+
 std::string VersionText() {
   const Version version;
-  std::string result = "vex " VEX2_VERSION "\nbuild      " VEX2_BUILD_TYPE ", " + version.compiler +
+  std::string result = ProgramText() + "\nbuild      " VEX2_BUILD_TYPE ", " + version.compiler +
                        ", " VEX2_SYSTEM "\nformat     " + version.format + "\nlibraries  ";
   std::string separator;
   for (const auto& [name, number] : version.libraries) {

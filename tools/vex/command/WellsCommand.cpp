@@ -12,10 +12,10 @@
 #include "lab/model/PlateChange.h"
 #include "lab/text/SetupText.h"
 #include "tools/vex/Lab.h"
-#include "tools/vex/command/CsvInput.h"
-#include "tools/vex/command/Exactness.h"
+#include "tools/vex/Terminal.h"
 #include "tools/vex/command/ListingCommand.h"
-#include "tools/vex/text/Terminal.h"
+#include "tools/vex/options/CsvOptions.h"
+#include "tools/vex/options/ExactOption.h"
 
 namespace vex2::tool {
 
@@ -56,7 +56,7 @@ class WellsCommand final : public ListingCommand {
     FloatReader quantities(exactness_.IsExact());
     const PlateContents contents =
         LoadWells(source_, quantities, input_.Format(WellsFileColumns()), ContentsOf(plate));
-    Exactness::Tell(CsvName(source_), quantities.Rounded(), "quantity", "quantities");
+    ExactOption::Tell(CsvName(source_), quantities.Rounded(), "quantity", "quantities");
     return replace(plate, contents);
   }
 
@@ -120,8 +120,8 @@ class WellsCommand final : public ListingCommand {
 
   std::string what_ = "sample";
   std::string source_;
-  CsvInput input_;
-  Exactness exactness_;
+  CsvOptions input_;
+  ExactOption exactness_;
 };
 
 }  // namespace

@@ -8,7 +8,7 @@
 
 #include "lab/model/RawFile.h"
 #include "tools/vex/Errors.h"
-#include "tools/vex/files/Interrupts.h"
+#include "tools/vex/Interrupts.h"
 
 namespace vex2::tool {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "tools/vex/Errors.h"
-#include "tools/vex/help/Prose.h"
+#include "tools/vex/help/ManText.h"
 
 namespace vex2::tool {
 
@@ -173,7 +173,7 @@ std::string section(const std::string& heading) {
 std::string innerCommand(const CommandText& command) {
   const auto heading = [](const std::string& name) { return ".PP\n" + bold(name + ":") + '\n'; };
   return ".SS " + escaped(command.call) + '\n' + synopsisOf(command) + ".PP\n" +
-         escaped(command.summary) + '\n' + paragraphs(ProseOf(command.call)) +
+         escaped(command.summary) + '\n' + paragraphs(ManTextOf(command.call)) +
          optionLists(command, heading) + notes(command, heading) + examples(command, heading);
 }
 
@@ -209,7 +209,7 @@ std::string ManPageName(const CommandText& command) {
 
 std::string MainManPage(const CommandText& vex) {
   std::string page = header("vex", vex.summary) + synopsisOf(vex) + section("Description") +
-                     paragraphs(ProseOf(vex.call)) + section("Commands");
+                     paragraphs(ManTextOf(vex.call)) + section("Commands");
   for (const CommandText& command : vex.commands) {
     page += entry("\\fB" + escaped(ManPageName(command)) + "\\fR(1)", command.summary);
   }
@@ -227,7 +227,7 @@ std::string MainManPage(const CommandText& vex) {
 std::string ManPageOf(const CommandText& command) {
   std::string page = header(ManPageName(command), command.summary) + synopsisOf(command);
   page += section("Description") + escaped(command.summary) + '\n' +
-          paragraphs(ProseOf(command.call)) + optionLists(command, section) +
+          paragraphs(ManTextOf(command.call)) + optionLists(command, section) +
           notes(command, section);
   if (!command.commands.empty()) page += section("Commands");
   for (const CommandText& inner : command.commands) page += innerCommand(inner);

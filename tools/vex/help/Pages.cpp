@@ -7,9 +7,9 @@
 #include <filesystem>
 #include <fstream>
 
+#include "tools/vex/Terminal.h"
 #include "tools/vex/help/Completion.h"
 #include "tools/vex/help/ManPage.h"
-#include "tools/vex/text/Terminal.h"
 
 namespace vex2::tool {
 

@@ -1,0 +1,32 @@
+#include "tools/vex/options/LossOptions.h"
+
+#include "lab/json/LossReport.h"
+#include "tools/vex/files/Output.h"
+#include "tools/vex/options/Options.h"
+
+namespace vex2::tool {
+
+void LossOptions::AddOptions(Options& options) {
+  options.Add("--report", report_, "Write what is lost or changed to this file, as JSON")
+      .Show("FILE.json");
+  options.AddFlag("--strict", isStrict_, "Exit with code 1 if anything is lost or changed");
+}
+
+void LossOptions::Claim(OutputFiles& files) const {
+  if (!report_.empty()) files.Write(report_, OutputFiles::Kind::kTable);
+}
+
+ExitCode LossOptions::Tell(const Losses& losses, const std::string& about,
+                           const std::string& source, const std::string& target) const {
+  for (const Loss& loss : losses.List()) {
+    PrintLine(Printable(about) + ": " + Printable(TextOf(loss)));
+  }
+  if (!report_.empty()) {
+    Output output(report_);
+    output.Stream() << LossReportJson(losses, source, target);
+    output.Finish();
+  }
+  return isStrict_ && !losses.IsEmpty() ? ExitCode::kDocument : ExitCode::kDone;
+}
+
+}  // namespace vex2::tool
