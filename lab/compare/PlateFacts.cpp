@@ -7,9 +7,9 @@
 #include "lab/model/DataBlock.h"
 #include "lab/model/DetectorFields.h"
 #include "lab/model/PlateContents.h"
-#include "lab/model/RunValues.h"
 #include "lab/model/Settings.h"
 #include "lab/model/StoredCalibration.h"
+#include "lab/model/ValuesFromDocument.h"
 #include "lab/model/WellDetails.h"
 #include "vex2/format/RecordKinds.h"
 

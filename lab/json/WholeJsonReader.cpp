@@ -11,10 +11,10 @@
 #include "lab/json/WholeJson.h"
 #include "lab/model/DataBlock.h"
 #include "lab/model/DetectorFields.h"
-#include "lab/model/DocumentValues.h"
 #include "lab/model/Settings.h"
 #include "lab/model/StoredCalibration.h"
 #include "lab/model/Study.h"
+#include "lab/model/ValuesToDocument.h"
 #include "vex2/run/AcquisitionDataComp.h"
 
 namespace vex2::lab {

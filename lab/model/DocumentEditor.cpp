@@ -15,10 +15,10 @@
 #include "lab/model/DocumentChange.h"
 #include "lab/model/DocumentFile.h"
 #include "lab/model/DocumentPlates.h"
-#include "lab/model/DocumentValues.h"
-#include "lab/model/RunValues.h"
 #include "lab/model/Settings.h"
 #include "lab/model/StoredCalibration.h"
+#include "lab/model/ValuesFromDocument.h"
+#include "lab/model/ValuesToDocument.h"
 
 namespace vex2::lab {
 

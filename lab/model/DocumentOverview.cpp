@@ -5,8 +5,8 @@
 #include "lab/Text.h"
 #include "lab/model/Codes.h"
 #include "lab/model/PlateContents.h"
-#include "lab/model/RunValues.h"
 #include "lab/model/Study.h"
+#include "lab/model/ValuesFromDocument.h"
 #include "vex2/run/ThermocycleProgramComp.h"
 
 namespace vex2::lab {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <limits>
 
-#include "lab/model/RunValues.h"
+#include "lab/model/ValuesFromDocument.h"
 #include "vex2/format/StoredRecords.h"
 
 namespace vex2::lab {

@@ -10,7 +10,7 @@
 #include "lab/model/FrameFiller.h"
 #include "lab/model/RawFile.h"
 #include "lab/model/ReadingMatrix.h"
-#include "lab/model/RunValues.h"
+#include "lab/model/ValuesFromDocument.h"
 #include "vex2/format/StoredRecords.h"
 
 namespace vex2::lab {

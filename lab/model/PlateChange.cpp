@@ -18,6 +18,20 @@ RowsByWell rowsByWell(const PlateContents& contents) {
   return rows;
 }
 
+std::string differences(const PlateContents& before, const PlateContents& after) {
+  constexpr std::size_t kMostNamed = 8;
+  const std::vector<unsigned short> wells = ChangedWells(before, after);
+  std::string names = wells.empty() ? "" : ":";
+  for (const unsigned short well : wells) {
+    if (names.size() > kMostNamed * 4 + 1) {
+      names += " and more";
+      break;
+    }
+    names += ' ' + after.plate.NameOf(well);
+  }
+  return fmt::format("wells changed: {}{}\n", wells.size(), names);
+}
+
 }  // namespace
 
 PlateContents PlacedOn(PlateLayout plate, PlateContents contents, const std::string& source) {
@@ -45,6 +59,15 @@ std::vector<unsigned short> ChangedWells(const PlateContents& before, const Plat
     if (old[well] != rows) wells.push_back(well);
   }
   return wells;
+}
+
+std::string ReplaceWells(Vex2FileManager& document, const PlateContents& contents,
+                         const std::string& source) {
+  const PlateContents before = ContentsOf(document);
+  const PlateContents after = PlacedOn(LayoutOf(document), contents, source);
+  StoreContents(document, after);
+  return fmt::format("wells set up: {} -> {}\n{}", before.Wells().size(), after.Wells().size(),
+                     differences(before, after));
 }
 
 }  // namespace vex2::lab

@@ -14,4 +14,9 @@ PlateContents PlacedOn(PlateLayout plate, PlateContents contents, const std::str
 /// The numbers of the wells whose rows differ between the two, ascending.
 std::vector<unsigned short> ChangedWells(const PlateContents& before, const PlateContents& after);
 
+/// Makes `contents`, which are from the file `source`, those of the document's wells. Returns for
+/// people how many wells were and are set up, and which have changed. Throws as `PlacedOn` does.
+std::string ReplaceWells(Vex2FileManager& document, const PlateContents& contents,
+                         const std::string& source);
+
 }  // namespace vex2::lab

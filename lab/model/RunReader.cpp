@@ -12,9 +12,9 @@
 #include "lab/model/FrameFiller.h"
 #include "lab/model/FrameReader.h"
 #include "lab/model/PlateContents.h"
-#include "lab/model/RunValues.h"
 #include "lab/model/Settings.h"
 #include "lab/model/StoredCalibration.h"
+#include "lab/model/ValuesFromDocument.h"
 
 namespace vex2::lab {
 

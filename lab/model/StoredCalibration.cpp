@@ -1,5 +1,7 @@
 #include "lab/model/StoredCalibration.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <array>
 #include <limits>
@@ -151,6 +153,22 @@ std::vector<double> NumbersOf(const CalibrationEntry& entry) {
   std::vector<double> numbers;
   for (const std::uint32_t value : entry.values) numbers.push_back(double{NumberOf(value)});
   return numbers;
+}
+
+std::string ReplaceCalibration(Vex2FileManager& document, Calibration calibration) {
+  const Calibration before = CalibrationOf(document);
+  std::string report;
+  const auto keepHead = [&](std::optional<CalibrationPart>& part,
+                            const std::optional<CalibrationPart>& old, const char* name) {
+    if (!part) return;
+    if (old) part->head = old->head;
+    report += fmt::format("{}: {} -> {}\n", name, old ? old->entries.size() : 0,
+                          Counted(part->entries.size(), "spectrum", "spectra"));
+  };
+  keepHead(calibration.pureDyes, before.pureDyes, "pure dyes");
+  keepHead(calibration.background, before.background, "background");
+  StoreCalibration(document, calibration);
+  return report;
 }
 
 }  // namespace vex2::lab

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "lab/model/Calibration.h"
 #include "vex2/manager/Vex2FileManager.h"
 
@@ -15,5 +18,9 @@ void StoreCalibration(Vex2FileManager& document, const Calibration& calibration)
 
 /// The values of a spectrum as floating-point numbers, one for each filter.
 std::vector<double> NumbersOf(const CalibrationEntry& entry);
+
+/// Stores the parts that `calibration` has, each under the head of the part that it replaces, and
+/// returns a line about each for people.
+std::string ReplaceCalibration(Vex2FileManager& document, Calibration calibration);
 
 }  // namespace vex2::lab

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "lab/Error.h"
-#include "lab/model/DocumentValues.h"
 #include "lab/model/StoredCalibration.h"
+#include "lab/model/ValuesToDocument.h"
 #include "vex2/format/HeaderLayout.h"
 
 namespace vex2::lab {

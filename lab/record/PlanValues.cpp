@@ -9,9 +9,9 @@
 #include "lab/Error.h"
 #include "lab/Text.h"
 #include "lab/model/AssayTypes.h"
-#include "lab/model/DocumentValues.h"
 #include "lab/model/RunLog.h"
 #include "lab/model/RunReading.h"
+#include "lab/model/ValuesToDocument.h"
 
 namespace vex2::lab {
 

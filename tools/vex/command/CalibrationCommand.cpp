@@ -59,7 +59,7 @@ class CalibrationCommand final : public Command {
           LoadCalibration(source_, values, input_.Format(CalibrationColumns()));
       ExactOption::Tell(CsvName(source_), values.Rounded(), "value", "values");
       std::cout << changing_.ApplyToPlate(
-          file_, plate_, [&](Vex2FileManager& plate) { return replace(plate, loaded); });
+          file_, plate_, [&](Vex2FileManager& plate) { return ReplaceCalibration(plate, loaded); });
       return ExitCode::kDone;
     }
     const Document document(file_, Document::Purpose::kReadHeads);
@@ -94,22 +94,6 @@ class CalibrationCommand final : public Command {
       WriteCalibration(CalibrationOf(*plate.content), csv, ToUtf8(plate.name));
     }
     output.Finish();
-  }
-
-  static std::string replace(Vex2FileManager& plate, Calibration calibration) {
-    const Calibration before = CalibrationOf(plate);
-    std::string report;
-    const auto keepHead = [&](std::optional<CalibrationPart>& part,
-                              const std::optional<CalibrationPart>& old, const char* name) {
-      if (!part) return;
-      if (old) part->head = old->head;
-      report += fmt::format("{}: {} -> {}\n", name, old ? old->entries.size() : 0,
-                            Counted(part->entries.size(), "spectrum", "spectra"));
-    };
-    keepHead(calibration.pureDyes, before.pureDyes, "pure dyes");
-    keepHead(calibration.background, before.background, "background");
-    StoreCalibration(plate, calibration);
-    return report;
   }
 
   std::string file_;

@@ -57,7 +57,7 @@ class WellsCommand final : public ListingCommand {
     const PlateContents contents =
         LoadWells(source_, quantities, input_.Format(WellsFileColumns()), ContentsOf(plate));
     ExactOption::Tell(CsvName(source_), quantities.Rounded(), "quantity", "quantities");
-    return replace(plate, contents);
+    return ReplaceWells(plate, contents, source_);
   }
 
   ordered_json describe(const Vex2FileManager& plate) const override {
@@ -94,28 +94,6 @@ class WellsCommand final : public ListingCommand {
     if (plate.GetPlateSetupComp() != nullptr) return;
     throw Error(ErrorCode::kDocument, file_,
                 "it has no plate setup; 'vex wells FILE --from wells.csv' gives it one");
-  }
-
-  std::string replace(Vex2FileManager& document, const PlateContents& loaded) const {
-    const PlateContents before = ContentsOf(document);
-    const PlateContents contents = PlacedOn(LayoutOf(document), loaded, source_);
-    StoreContents(document, contents);
-    return fmt::format("wells set up: {} -> {}\n{}", before.Wells().size(), contents.Wells().size(),
-                       differences(before, contents));
-  }
-
-  static std::string differences(const PlateContents& before, const PlateContents& after) {
-    constexpr std::size_t kMostNamed = 8;
-    const std::vector<unsigned short> wells = ChangedWells(before, after);
-    std::string names = wells.empty() ? "" : ":";
-    for (const unsigned short well : wells) {
-      if (names.size() > kMostNamed * 4 + 1) {
-        names += " and more";
-        break;
-      }
-      names += ' ' + after.plate.NameOf(well);
-    }
-    return fmt::format("wells changed: {}{}\n", wells.size(), names);
   }
 
   std::string what_ = "sample";

@@ -1,4 +1,4 @@
-#include "lab/model/DocumentValues.h"
+#include "lab/model/ValuesToDocument.h"
 
 #include <fmt/core.h>
 

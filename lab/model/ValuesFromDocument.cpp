@@ -1,4 +1,4 @@
-#include "lab/model/RunValues.h"
+#include "lab/model/ValuesFromDocument.h"
 
 #include <algorithm>
 #include <map>
