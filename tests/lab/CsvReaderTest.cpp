@@ -2,10 +2,10 @@
 
 #include <gmock/gmock.h>
 
+#include "lab/Error.h"
 #include "lab/csv/CsvReader.h"
 #include "tests/support/Files.h"
 #include "tests/support/TempFolder.h"
-#include "tools/vex/Errors.h"
 
 namespace vex2::test {
 namespace {
