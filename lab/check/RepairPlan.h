@@ -6,8 +6,8 @@
 
 namespace vex2::lab {
 
-/// What there is to repair of the document at `path`. Throws an error when it cannot be read or is
-/// none.
+/// Plans the repair of the document at `path`. Throws an error if it cannot be read or is not a
+/// document.
 RepairPlan PlanRepair(const std::string& path);
 
 }  // namespace vex2::lab
