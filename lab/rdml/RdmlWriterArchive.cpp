@@ -22,12 +22,12 @@ std::uint32_t checksumOf(const rdml::Plan& plan) {
 }
 
 ZipWriter::NextPiece contentOf(const std::string& path) {
-  constexpr std::size_t kPart = 1U << 16U;
+  constexpr std::size_t kPieceSize = 1U << 16U;
   auto file = std::make_shared<CFile>();
   OpenToRead(*file, path);
   return [file](std::string& piece) {
-    piece.resize(kPart);
-    piece.resize(file->Read(piece.data(), static_cast<unsigned>(kPart)));
+    piece.resize(kPieceSize);
+    piece.resize(file->Read(piece.data(), static_cast<unsigned>(kPieceSize)));
     return !piece.empty();
   };
 }

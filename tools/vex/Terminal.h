@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <string_view>
 
 #include "lab/text/TextForm.h"
 #include "tools/vex/Lab.h"
@@ -23,6 +24,8 @@ class Terminal : public TextForm {
 
   static constexpr std::size_t kLeastWidth = 40;
   static constexpr std::size_t kMostWidth = 10000;
+  /// Erases from the cursor to the end of the line.
+  static constexpr std::string_view kEraseToEnd = "\x1b[K";
 
   /// Applies the options of the command line and, where they are absent, the environment: COLUMNS,
   /// NO_COLOR, TERM and the locale. Call this before anything is printed. Until then outputs are

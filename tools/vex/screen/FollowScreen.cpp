@@ -36,7 +36,6 @@ bool isScreen() {
 }
 
 constexpr auto kBetweenPictures = std::chrono::milliseconds(200);  // between two pictures
-constexpr const char* kEraseToEnd = "\x1b[K";
 constexpr const char* kEraseAll = "\x1b[H\x1b[2J";
 
 }  // namespace
@@ -73,8 +72,8 @@ void FollowScreen::draw(const RunFollower& follower) {
   }
   std::cout << '\r';
   if (lines_ > 0) std::cout << "\x1b[" << lines_ << 'A';
-  for (const std::string& line : picture) std::cout << line << kEraseToEnd << '\n';
-  for (std::size_t i = picture.size(); i < lines_; ++i) std::cout << kEraseToEnd << '\n';
+  for (const std::string& line : picture) std::cout << line << Terminal::kEraseToEnd << '\n';
+  for (std::size_t i = picture.size(); i < lines_; ++i) std::cout << Terminal::kEraseToEnd << '\n';
   std::cout << std::flush;
   lines_ = std::max(lines_, picture.size());
   width_ = size.width;

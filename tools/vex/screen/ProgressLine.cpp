@@ -8,7 +8,6 @@ namespace vex2::tool {
 
 namespace {
 
-constexpr std::string_view kEraseToEnd = "\x1b[K";
 constexpr std::chrono::seconds kPauseOfLines{10};
 
 }  // namespace
@@ -28,7 +27,7 @@ ProgressLine::~ProgressLine() {
   if (atEnd_ == AtEnd::kKeep) {
     std::cerr << std::endl;
   } else {
-    std::cerr << '\r' << kEraseToEnd << std::flush;
+    std::cerr << '\r' << Terminal::kEraseToEnd << std::flush;
   }
 }
 
@@ -40,8 +39,8 @@ void ProgressLine::Show(std::string_view text) {
   if (!IsShown()) return;
   drawn_ = true;
   if (!canRewrite_) return showLine(text);
-  std::cerr << '\r' << Terminal::Error().CutTo(text, Terminal::Error().Width() - 1) << kEraseToEnd
-            << std::flush;
+  std::cerr << '\r' << Terminal::Error().CutTo(text, Terminal::Error().Width() - 1)
+            << Terminal::kEraseToEnd << std::flush;
 }
 
 void ProgressLine::showLine(std::string_view text) {
