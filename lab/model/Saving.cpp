@@ -7,6 +7,7 @@
 #include "lab/SystemError.h"
 #include "lab/Text.h"
 #include "lab/model/RawFile.h"
+#include "vex2/format/DataBlockHead.h"
 #include "vex2/run/AcquisitionDataComp.h"
 
 namespace vex2::lab {
