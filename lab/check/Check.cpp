@@ -13,6 +13,7 @@
 #include "lab/check/RecordCheck.h"
 #include "lab/check/RepairPlan.h"
 #include "lab/check/UncommittedCheck.h"
+#include "lab/import/Import.h"
 #include "lab/model/Document.h"
 #include "lab/model/RawFile.h"
 #include "vex2/format/RecordKinds.h"
@@ -95,9 +96,10 @@ void checkStudy(const Document& document, Findings& findings) {
 // Replaces the placeholders by names. Use it only for consequences and remedies: they contain no
 // text of the document, which could look like a placeholder.
 std::string named(std::string text, const OperationNames& names) {
-  const std::array<std::pair<std::string_view, const std::string&>, 7> words = {{
+  const std::array<std::pair<std::string_view, const std::string&>, 8> words = {{
       {"{repair}", names.repair},
       {"{recover}", names.recover},
+      {"{import}", names.import},
       {"{resume}", names.resume},
       {"{upgrade}", names.upgrade},
       {"{read}", names.read},
@@ -130,9 +132,11 @@ void requireRepairs(const std::string& path, Findings& findings) {
 Findings checkDocument(const std::string& path) {
   Findings findings;
   if (const auto why = whyNoDocument(path)) {
+    const bool isForeign = FindImportFormat(path).has_value();
     findings.Add({Severity::kError, "header", 0, why->text,
                   "it is not a plate document, and nothing of it is read",
-                  "when it was one, {recover} looks for what is left of it"});
+                  isForeign ? "{import} makes a document of it"
+                            : "when it was one, {recover} looks for what is left of it"});
     return findings;
   }
   const Document document(path);

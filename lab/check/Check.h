@@ -13,6 +13,7 @@ struct OperationNames {
   std::string repair = "Repair";       ///< corrects a document in place
   std::string recover = "Recover";     ///< takes what is whole into a new document
   std::string resume = "RunRecorder";  ///< resumes an interrupted run
+  std::string import = "Import";       ///< makes a document of a file in another format
   std::string upgrade = "DocumentEditor with upgradeBlocks";  ///< saves blocks as version 2
   std::string read = "RunReader";                             ///< reads the readings
   std::string setWells = "DocumentEditor";                    ///< sets the contents of the wells

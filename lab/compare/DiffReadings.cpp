@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <map>
 
 #include "lab/Text.h"
@@ -64,9 +65,7 @@ class BlockDiff {
     }
     const int frames = std::min(one.GetFrameCount(), other.GetFrameCount());
     for (int frame = 0; frame < frames; ++frame) compareFrame(one, other, frame);
-    for (Difference* found : {&values_, &places_}) {
-      if (found->count > 0) differences_.push_back(std::move(*found));
-    }
+    std::move(found_.begin(), found_.end(), std::back_inserter(differences_));
   }
 
  private:
@@ -110,7 +109,7 @@ class BlockDiff {
     if (left && right) return compareKnown(*left, *right, place);
     for (std::size_t i = 0; i < std::size(one.leading); ++i) {
       if (one.leading[i] != other.leading[i]) {
-        add(places_, "stored leading values", one.leading[i], other.leading[i], place);
+        add("stored leading values", one.leading[i], other.leading[i], place);
       }
     }
     for (std::size_t i = 0; i < std::size(one.data); ++i) {
@@ -119,10 +118,17 @@ class BlockDiff {
   }
 
   void compareKnown(const RunReading& one, const RunReading& other, const std::string& place) {
-    if (one.time != other.time || one.temperature != other.temperature ||
-        one.cycle != other.cycle || one.melting != other.melting) {
-      add(places_, "times, temperatures and cycles", one.time / 1000.0, other.time / 1000.0, place);
+    if (one == other) return addPlace(kindOf("marks of the first melting frame"), place);
+    if (one.melting != other.melting) {
+      addPlace(kindOf("stages"),
+               place + (one.melting ? ": melting -> amplification" : ": amplification -> melting"));
     }
+    const auto compare = [&](const char* what, double left, double right, double steps) {
+      if (left != right) add(what, left / steps, right / steps, place);
+    };
+    compare("times", one.time, other.time, kTimeSteps);
+    compare("temperatures", one.temperature, other.temperature, kTemperatureSteps);
+    compare("cycles", one.cycle, other.cycle, 1);
     const std::size_t channels =
         std::max({log_.Log()->channels.size(), otherLog_.Log()->channels.size(), std::size_t{1}});
     for (std::size_t channel = 0; channel < channels; ++channel) {
@@ -137,22 +143,36 @@ class BlockDiff {
   void compareValue(const char* what, double one, double other, const std::string& place) {
     if (one == other || (std::isnan(one) && std::isnan(other))) return;
     if (std::abs(one - other) <= tolerance_) return;
-    add(values_, what, one, other, place);
+    add(what, one, other, place);
   }
 
-  void add(Difference& to, const char* what, double one, double other, const std::string& place) {
+  // The difference of this kind, to which all its places are added.
+  Difference& kindOf(const char* what) {
+    const std::string wanted = name_ + " " + what;
+    const auto found = std::find_if(found_.begin(), found_.end(),
+                                    [&](const Difference& one) { return one.what == wanted; });
+    if (found != found_.end()) return *found;
+    Difference& added = found_.emplace_back();
+    added.section = kSection;
+    added.what = wanted;
+    return added;
+  }
+
+  static void addPlace(Difference& to, const std::string& place) {
+    ++to.count;
+    if (to.places.size() < Difference::kMostPlaces) to.places.push_back(place);
+  }
+
+  void add(const char* what, double one, double other, const std::string& place) {
     const auto text = [](double value) {
       return std::isnan(value) ? std::string("none") : PlainText(value);
     };
-    if (to.count++ == 0) {
-      to.section = kSection;
-      to.what = name_ + " " + what;
+    Difference& to = kindOf(what);
+    if (to.count == 0) {
       to.one = text(one);
       to.other = text(other);
     }
-    if (to.places.size() < Difference::kMostPlaces) {
-      to.places.push_back(place + ": " + text(one) + " -> " + text(other));
-    }
+    addPlace(to, place + ": " + text(one) + " -> " + text(other));
     if (!std::isnan(one - other)) to.largest = std::max(to.largest, std::abs(one - other));
   }
 
@@ -162,8 +182,7 @@ class BlockDiff {
   RecordedReadings log_;
   RecordedReadings otherLog_;
   std::uint32_t columns_;
-  Difference values_;
-  Difference places_;
+  std::vector<Difference> found_;  // by kind, in the order in which the kinds were found
 };
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "lab/exchange/Losses.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 
 #include "lab/Text.h"
@@ -41,9 +43,12 @@ void Losses::AddChanged(std::string_view what, const std::string& example, std::
   note(losses, what, example, count, true);
 }
 
-std::string TextOf(const Loss& loss) {
-  return (loss.isChanged ? "changed: " : "left out: ") + std::to_string(loss.count) + " " +
-         loss.what + (loss.example.empty() ? "" : ", as " + loss.example);
+// The count follows the kind in parentheses, so that the plural reads well for a single value too.
+std::string TextOf(const Loss& loss, bool hasDocument) {
+  const std::string values = fmt::format("{} ({})", loss.what, loss.count) +
+                             (loss.example.empty() ? "" : ", as " + loss.example);
+  if (!hasDocument) return (loss.isChanged ? "changed: " : "lost: ") + values;
+  return (loss.isChanged ? "other programs see changed: " : "other programs do not see: ") + values;
 }
 
 }  // namespace vex2::lab

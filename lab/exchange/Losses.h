@@ -38,10 +38,15 @@ struct VEX2_API Losses {
   const std::vector<Loss>& List() const { return losses; }
   /// Whether everything was kept unchanged.
   bool IsEmpty() const { return losses.empty(); }
+
+  /// Whether the new file also contains the document itself, as an RDML archive can. `Import` then
+  /// restores all values from it, and only other programs miss those in the list.
+  bool hasDocument = false;
 };
 
-/// The loss as a line of text for users: "left out: 12 times of readings, as A1 amplification cycle
-/// 1".
-VEX2_API std::string TextOf(const Loss& loss);
+/// The loss as a line of text for users: "lost: times of readings (12), as A1 amplification cycle
+/// 1". With `hasDocument`, see `Losses::hasDocument`, the line is about other programs: "other
+/// programs do not see: times of readings (12), as ...".
+VEX2_API std::string TextOf(const Loss& loss, bool hasDocument = false);
 
 }  // namespace vex2::lab

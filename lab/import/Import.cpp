@@ -14,6 +14,7 @@
 #include "lab/csv/TextDecoder.h"
 #include "lab/exchange/StorableTexts.h"
 #include "lab/import/CsvRun.h"
+#include "lab/import/ImportFormats.h"
 #include "lab/import/StoredRun.h"
 #include "lab/json/WholeJson.h"
 #include "lab/model/DocumentPlates.h"
@@ -33,18 +34,13 @@ namespace {
 constexpr std::uint64_t kMostPiped = 1ULL << 32U;  // bytes of standard input, kept on the disk
 constexpr std::uint64_t kMostText = 256U << 20U;   // bytes of a table, kept in memory
 constexpr std::size_t kReadSize = 1U << 16U;
-
-constexpr std::array<std::pair<std::string_view, ImportFormat>, 4> kFormats = {
-    {{"rdml", ImportFormat::kRdml},
-     {"rdes", ImportFormat::kRdes},
-     {"json", ImportFormat::kJson},
-     {"csv", ImportFormat::kCsv}}};
+constexpr const char* kPipedName = "a temporary file in " P_tmpdir " for standard input";
 
 /// Standard input, copied to a file that is removed when it is closed.
 class PipedFile {
  public:
   PipedFile() : file_(std::tmpfile(), std::fclose) {
-    if (!file_) throw SystemError("a temporary file", errno);
+    if (!file_) throw SystemError(kPipedName, errno);
     std::array<char, kReadSize> part{};
     std::uint64_t size = 0;
     while (true) {
@@ -59,7 +55,7 @@ class PipedFile {
       }
       write({part.data(), static_cast<std::size_t>(count)});
     }
-    if (std::fflush(file_.get()) != 0) throw SystemError("a temporary file", errno);
+    if (std::fflush(file_.get()) != 0) throw SystemError(kPipedName, errno);
   }
 
   std::string Path() const { return "/dev/fd/" + std::to_string(::fileno(file_.get())); }
@@ -67,7 +63,7 @@ class PipedFile {
  private:
   void write(std::string_view bytes) {
     if (std::fwrite(bytes.data(), 1, bytes.size(), file_.get()) == bytes.size()) return;
-    throw SystemError("a temporary file", errno != 0 ? errno : EIO);
+    throw SystemError(kPipedName, errno != 0 ? errno : EIO);
   }
 
   std::unique_ptr<std::FILE, int (*)(std::FILE*)> file_;
@@ -91,6 +87,33 @@ std::string textOf(const std::string& path, const std::string& name) {
   return text;
 }
 
+/// The new documents of one import. If not all can be saved, because the disk is full, those that
+/// were saved are removed again, so that a failed import leaves nothing. Documents that replaced
+/// others stay.
+class NewDocuments {
+ public:
+  NewDocuments() = default;
+  ~NewDocuments() {
+    std::error_code ignored;
+    for (const std::string& path : paths_) std::filesystem::remove(path, ignored);
+  }
+  NewDocuments(const NewDocuments&) = delete;
+  NewDocuments& operator=(const NewDocuments&) = delete;
+
+  /// Call this before the document at `path` is saved.
+  void Expect(const std::string& path) {
+    std::error_code ignored;
+    if (!std::filesystem::exists(std::filesystem::symlink_status(path, ignored))) {
+      paths_.push_back(path);
+    }
+  }
+  /// Call this when all documents are saved.
+  void Keep() { paths_.clear(); }
+
+ private:
+  std::vector<std::string> paths_;
+};
+
 /// One import, from its options to its report.
 class Importer {
  public:
@@ -108,6 +131,10 @@ class Importer {
       name_ = source_;
     }
     report_.format = options_.format ? *options_.format : findFormat();
+    if (options_.embedded == ImportOptions::Embedded::kAlways &&
+        report_.format != ImportFormat::kRdml) {
+      refuseWithoutDocument();
+    }
     switch (report_.format) {
       case ImportFormat::kRdml:
         importRdml();
@@ -127,23 +154,16 @@ class Importer {
 
  private:
   ImportFormat findFormat() const {
-    CFile file;
-    OpenToRead(file, path_);
-    std::string text(4096, '\0');
-    text.resize(file.Read(text.data(), text.size()));
-    if (IsZip(text)) return ImportFormat::kRdml;
-    std::erase(text, '\0');  // zero bytes of UTF-16
-    if (text.find("<?xml") != std::string::npos || text.find("<rdml") != std::string::npos ||
-        text.find(":rdml") != std::string::npos) {
-      return ImportFormat::kRdml;
-    }
-    if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
-    if (IsRdes(text)) return ImportFormat::kRdes;
-    if (IsWholeJson(text)) return ImportFormat::kJson;
-    const std::string head = text.substr(0, text.find('\n'));
-    if (head.find("fluorescence") != std::string::npos) return ImportFormat::kCsv;
+    const std::string head = HeadOf(path_);
+    if (head.empty()) throw Error(ErrorCode::kDocument, name_, "is empty");
+    if (const auto format = FormatOfHead(head)) return *format;
     throw Error(ErrorCode::kDocument, name_,
                 "is in none of the formats that can be imported: rdml, rdes, json, csv");
+  }
+
+  [[noreturn]] void refuseWithoutDocument() const {
+    throw Error(ErrorCode::kDocument, name_,
+                "holds no document; import its runs without --embedded");
   }
 
   void importRdml() {
@@ -151,8 +171,7 @@ class Importer {
     const auto embedded = source.HasDocument();
     using Wanted = ImportOptions::Embedded;
     if (options_.embedded == Wanted::kAlways && embedded == RdmlSource::Embedded::kNone) {
-      throw Error(ErrorCode::kDocument, name_,
-                  "holds no document; import its runs without --embedded");
+      refuseWithoutDocument();
     }
     const bool isCurrent = embedded == RdmlSource::Embedded::kCurrent;
     if (options_.embedded == Wanted::kAlways ||
@@ -269,7 +288,12 @@ class Importer {
       files.Write(pathOf(i, count), OutputFiles::Kind::kDocument);
     }
     files.Claim();
-    for (std::size_t i = 0; i < count; ++i) SaveDocument(*documents[i], pathOf(i, count));
+    NewDocuments made;
+    for (std::size_t i = 0; i < count; ++i) {
+      made.Expect(pathOf(i, count));
+      SaveDocument(*documents[i], pathOf(i, count));
+    }
+    made.Keep();
   }
 
   std::string source_;
@@ -282,20 +306,6 @@ class Importer {
 };
 
 }  // namespace
-
-std::optional<ImportFormat> ImportFormatOf(std::string_view name) {
-  for (const auto& [known, format] : kFormats) {
-    if (known == name) return format;
-  }
-  return std::nullopt;
-}
-
-std::string_view NameOf(ImportFormat format) {
-  for (const auto& [name, known] : kFormats) {
-    if (known == format) return name;
-  }
-  return {};
-}
 
 ImportReport Import(const std::filesystem::path& source, const std::filesystem::path& target,
                     const ImportOptions& options) {

@@ -25,6 +25,10 @@ VEX2_API std::optional<ImportFormat> ImportFormatOf(std::string_view name);
 /// The name of the format, in lower case.
 VEX2_API std::string_view NameOf(ImportFormat format);
 
+/// The format of the file at `path`, found from its content; nothing if it has none of the formats
+/// or cannot be read.
+VEX2_API std::optional<ImportFormat> FindImportFormat(const std::filesystem::path& path);
+
 /// How a file is imported.
 struct ImportOptions {
   std::optional<ImportFormat> format = {};  ///< nothing: found from the content of the file
@@ -71,7 +75,8 @@ struct ImportReport {
 /// All documents are made before the first is written, and each is written completely or not at
 /// all. Throws `Error` if the file has none of the formats, is damaged or is refused, or if a
 /// document exists and `replace` is not set. The error names the file, and the line and the element
-/// if there are any. In all these cases nothing has been written.
+/// if there are any. In all these cases nothing has been written. If a document cannot be written,
+/// new documents of this import are removed again; those that replaced others stay.
 VEX2_API ImportReport Import(const std::filesystem::path& source,
                              const std::filesystem::path& target,
                              const ImportOptions& options = {});

@@ -17,7 +17,12 @@ std::string LossReportJson(const Losses& losses, const std::string& source,
                     {"example", loss.example}});
   }
   std::ostringstream text;
-  PrintJson(text, {{"source", source}, {"target", target}, {"losses", std::move(list)}}, 2);
+  PrintJson(text,
+            {{"source", source},
+             {"target", target},
+             {"hasDocument", losses.hasDocument},
+             {"losses", std::move(list)}},
+            2);
   return text.str();
 }
 

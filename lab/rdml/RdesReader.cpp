@@ -63,7 +63,7 @@ class RdesReader {
     if (references_.size() == 1) {
       run_.plan.settings.push_back({"endogenous-control", references_.begin()->first});
     } else if (!references_.empty()) {
-      losses_.Add("reference targets (a document can hold only one)", references_.begin()->first,
+      losses_.Add("reference targets, of which a document holds one", references_.begin()->first,
                   references_.size());
     }
     return std::move(run_);

@@ -28,7 +28,7 @@ struct RdmlOptions {
 /// with types and quantities, targets, dyes, thermal cycling conditions if the program's text has
 /// steps, the run with its plate, and the readings of each well whose meaning is known. The same
 /// document always gives the same bytes. Returns what RDML cannot hold, even if the document is
-/// embedded.
+/// embedded; `Losses::hasDocument` tells that.
 ///
 /// Throws `Error` if the document cannot be read, `kNoSuchPlate` for a plate that it does not have,
 /// and the errors of `AnalyseCq`. The bytes in `out` are not usable then.

@@ -137,7 +137,7 @@ class Converter {
         result_.plan.settings.push_back({std::string(kReferenceSetting), references[0]});
       }
     } else if (!references.empty() && !kept_) {
-      losses_.Add("reference targets (a document can hold only one)", references[0],
+      losses_.Add("reference targets, of which a document holds one", references[0],
                   references.size());
     }
   }
@@ -231,7 +231,7 @@ class Converter {
     log_.reset();
     if (most < 2) return;
     for (std::size_t i = kMostChannels; i < needed.size(); ++i) {
-      losses_.Add("channels (a document can hold only 16)", needed[i]);
+      losses_.Add("channels, of which a document holds 16", needed[i]);
     }
     if (needed.size() > kMostChannels) needed.resize(kMostChannels);
     result_.plan.channels = std::move(needed);
@@ -346,7 +346,7 @@ class Converter {
   void takeCalibrator() {
     if (kept_ || calibrators_.empty()) return;
     if (calibrators_.size() > 1) {
-      losses_.Add("calibrator samples (a document can hold only one)", *calibrators_.begin(),
+      losses_.Add("calibrator samples, of which a document holds one", *calibrators_.begin(),
                   calibrators_.size());
       return;
     }

@@ -1,9 +1,12 @@
 #include "lab/rdml/RdmlSource.h"
 
+#include <fmt/core.h>
+
 #include <algorithm>
 #include <fstream>
 
 #include "lab/Error.h"
+#include "lab/Text.h"
 #include "lab/model/RawFile.h"
 #include "lab/rdml/RdmlReader.h"
 #include "lab/rdml/RdmlReaderRuns.h"
@@ -42,9 +45,9 @@ std::size_t RdmlSource::findXml() const {
     if (members[i].name != rdml::kEmbedded && beginsAsRdml(i)) return i;
   }
   throw Error(ErrorCode::kDocument, name_,
-              "is a ZIP archive without RDML: it has no member " + std::string(rdml::kMember) +
-                  ", and none of its " + std::to_string(members.size()) +
-                  " members begins as RDML");
+              fmt::format("is a ZIP archive without RDML: it has no member {}, and none of its {} "
+                          "begins as RDML",
+                          rdml::kMember, Counted(members.size(), "member")));
 }
 
 bool RdmlSource::beginsAsRdml(std::size_t member) const {

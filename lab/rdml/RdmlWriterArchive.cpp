@@ -50,6 +50,7 @@ Losses WriteRdml(std::ostream& out, const Document& document,
   ZipWriter zip;
   rdml::RdmlWriter text(plan);
   zip.Add(std::string(rdml::kMember), [&](std::string& piece) { return text.Next(piece); });
+  losses.hasDocument = embeds;
   if (embeds) {
     zip.Add(std::string(rdml::kEmbedded), contentOf(document.Path()),
             rdml::ChecksumComment(checksumOf(plan)));

@@ -19,7 +19,10 @@ constexpr std::uint16_t kFirstDay = (0U << 9U) | (1U << 5U) | 1U;  // 1980-01-01
 constexpr zip_uint32_t kPackingLevel = 6;                          // the usual level
 
 std::string reasonOf(zip_error_t* error) {
-  const std::string reason = zip_error_strerror(error);
+  const bool hasNoList = zip_error_code_zip(error) == ZIP_ER_NOZIP;
+  const std::string reason =
+      hasNoList ? "the list of its members is missing; the end of the file may be cut off"
+                : zip_error_strerror(error);
   zip_error_fini(error);
   return reason;
 }

@@ -29,7 +29,8 @@ bool isMeltingRow(const CsvRow& row) {
 
 unsigned short wellOf(const CsvRow& row, const RunPlan& plan) {
   const auto well = plan.plate.FindAsWritten(row.Text(kWell));
-  if (!well || !std::binary_search(plan.wells.begin(), plan.wells.end(), *well)) {
+  if (!well) row.RefuseField(kWell, "is no well of the plate");
+  if (!std::binary_search(plan.wells.begin(), plan.wells.end(), *well)) {
     row.RefuseField(kWell, "is not in the wells file");
   }
   return *well;

@@ -5,6 +5,7 @@
 
 #include "lab/compare/Diff.h"
 #include "lab/exchange/WideReadings.h"
+#include "lab/json/LossReport.h"
 #include "lab/model/DocumentEditor.h"
 #include "lab/model/Study.h"
 #include "lab/rdml/Rdes.h"
@@ -69,10 +70,9 @@ TEST_F(ExchangeLosses, ControlCharactersAreListedByTheirPlace) {
   record(run_, plan, {{.cycle = 1, .wells = {{.well = 1, .values = {1.5}}}}});
   const std::string losses = exported();
   for (const char* what :
-       {"1 control characters in names of samples", "1 control characters in names of detectors",
-        "1 control characters in descriptions of detectors",
-        "1 control characters in names of channels", "2 control characters in names of dyes"}) {
-    EXPECT_THAT(losses, HasSubstr("changed: " + std::string(what))) << what;
+       {"names of samples (1)", "names of detectors (1)", "descriptions of detectors (1)",
+        "names of channels (1)", "names of dyes (2)"}) {
+    EXPECT_THAT(losses, HasSubstr("changed: control characters in " + std::string(what))) << what;
   }
   EXPECT_THAT(table(false), HasSubstr("readings without a target, called after their channel"));
 }
@@ -84,7 +84,7 @@ TEST_F(ExchangeLosses, ControlCharactersInNamesOfPlatesAreListed) {
   DocumentFile study;
   AddMadePlate(study, plate, "p\x01", "");
   ASSERT_EQ(study.SaveToFile(run_.c_str()), 0);
-  EXPECT_THAT(exported(), HasSubstr("changed: 1 control characters in names of plates"));
+  EXPECT_THAT(exported(), HasSubstr("changed: control characters in names of plates (1)"));
 }
 
 TEST_F(ExchangeLosses, OneChannelForSeveralTargetsIsReported) {
@@ -96,8 +96,8 @@ TEST_F(ExchangeLosses, OneChannelForSeveralTargetsIsReported) {
                        .targets = {target("d", "green"), target("e", "red")}}};
   record(run_, plan, {{.cycle = 1, .wells = {{.well = 1, .values = {1.5}}}}});
   EXPECT_THAT(exported(),
-              HasSubstr("changed: 1 wells of several targets and one channel, written to the "
-                        "first, as A1"));
+              HasSubstr("changed: wells of several targets and one channel, written to the "
+                        "first (1), as A1"));
 }
 
 TEST_F(ExchangeLosses, TablesListTypesAndTabs) {
@@ -110,8 +110,8 @@ TEST_F(ExchangeLosses, TablesListTypesAndTabs) {
                        .targets = {target("d", "green"), target("e", "red", "NTC")}}};
   record(run_, plan, {{.cycle = 1, .wells = {{.well = 1, .values = {1.5, 2.5}}}}});
   const std::string losses = table(false);
-  EXPECT_THAT(losses, HasSubstr("sample types that differ by targets, as a\tb: ntc is unkn"));
-  EXPECT_THAT(losses, HasSubstr("tabs and line ends in names, as 'a b'"));
+  EXPECT_THAT(losses, HasSubstr("sample types that differ by targets (2), as a\tb: ntc is unkn"));
+  EXPECT_THAT(losses, HasSubstr("tabs and line ends in names (2), as 'a b'"));
 }
 
 TEST_F(ExchangeLosses, SpectraAreListed) {
@@ -134,9 +134,10 @@ TEST_F(ExchangeLosses, WideRowsListTimesThatDiffer) {
   std::ostringstream out;
   Losses losses;
   WriteWideReadings(out, source, losses);
-  EXPECT_EQ(TextOf(losses),
-            "changed: 1 times and temperatures that differ from those of a frame's first well, as "
-            "A2 amplification cycle 1\n");
+  EXPECT_EQ(
+      TextOf(losses),
+      "changed: times and temperatures that differ from those of a frame's first well (1), as "
+      "A2 amplification cycle 1\n");
 }
 
 TEST_F(ExchangeLosses, TextsBeyondLatin1AreListed) {
@@ -155,9 +156,9 @@ TEST_F(ExchangeLosses, TextsBeyondLatin1AreListed) {
   for (const char* what :
        {"names of dyes", "descriptions of targets", "descriptions of runs",
         "characters in thermal cycling programs", "starts of runs with parts of a second"}) {
-    EXPECT_THAT(losses, HasSubstr("changed: 1 " + std::string(what))) << what;
+    EXPECT_THAT(losses, HasSubstr("changed: " + std::string(what) + " (1)")) << what;
   }
-  EXPECT_THAT(losses, HasSubstr("plate formats, as none is given; it is taken as 8 and 12"));
+  EXPECT_THAT(losses, HasSubstr("plate formats (1), as none is given; it is taken as 8 and 12"));
 }
 
 TEST_F(ExchangeLosses, ReadingsWithoutAPlaceAreListed) {
@@ -170,10 +171,11 @@ TEST_F(ExchangeLosses, ReadingsWithoutAPlaceAreListed) {
                                        "<adp><cyc>3</cyc><fluor>0.333333</fluor></adp>"
                                        "<mdp><fluor>1</fluor></mdp></data>"));
   const std::string losses = TextOf(imported(rdml.Text()).losses);
-  EXPECT_THAT(losses, HasSubstr("left out: 1 readings of cycles that are not from 1 to 65535"));
-  EXPECT_THAT(losses, HasSubstr("left out: 1 readings of a melting without a temperature"));
-  EXPECT_THAT(losses, testing::ContainsRegex("readings, rounded to 16 bits, as by up to 0\\.[0-9]+,"
-                                             " in steps of 0\\.[0-9]+"));
+  EXPECT_THAT(losses, HasSubstr("lost: readings of cycles that are not from 1 to 65535 (1)"));
+  EXPECT_THAT(losses, HasSubstr("lost: readings of a melting without a temperature (1)"));
+  EXPECT_THAT(losses, testing::ContainsRegex(
+                          "readings, rounded to 16 bits .[0-9]+., as by up to 0\\.[0-9]+,"
+                          " in steps of 0\\.[0-9]+"));
 }
 
 TEST_F(ExchangeLosses, CyclesInAnotherOrderAreListed) {
@@ -192,8 +194,8 @@ TEST_F(ExchangeLosses, CyclesInAnotherOrderAreListed) {
   ASSERT_TRUE(document.SetAcqDataWellRecord(&second, 0, 1, DataRAWa));
   ASSERT_TRUE(document.SetAcqDataWellRecord(&first, 1, 1, DataRAWa));
   ASSERT_EQ(document.SaveToFile(run_.c_str()), 0);
-  EXPECT_THAT(exported(), HasSubstr("changed: 1 readings in another order than that of their "
-                                    "cycles, as A1 amplification cycle 1"));
+  EXPECT_THAT(exported(), HasSubstr("changed: readings in another order than that of their "
+                                    "cycles (1), as A1 amplification cycle 1"));
 }
 
 TEST_F(ExchangeLosses, SettingsThatNoDocumentHasAreListed) {
@@ -205,9 +207,30 @@ TEST_F(ExchangeLosses, SettingsThatNoDocumentHasAreListed) {
   rdml.format = "<documentation id=\"vex settings\"/>" + rdml.format;
   const ImportReport report = imported(rdml.Text());
   EXPECT_THAT(TextOf(report.losses),
-              HasSubstr("left out: 1 settings that no document has, as 'colour'"));
+              HasSubstr("lost: settings that no document has (1), as 'colour'"));
   EXPECT_THAT(RunReader(run_).Settings(),
               testing::Contains(SettingValue{"sample-volume", std::int64_t{25}}));
+}
+
+TEST_F(ExchangeLosses, EmbeddedDocumentLosesNothingButForOtherPrograms) {
+  Record(SmallRun(1, 0), run_);
+  Losses whole;
+  Losses bare;
+  ExportTo(run_, folder_ / "whole.rdml", {}, &whole);
+  ExportTo(run_, folder_ / "bare.rdml", {.plate = {}, .embedsDocument = false}, &bare);
+  EXPECT_TRUE(whole.hasDocument);
+  EXPECT_FALSE(bare.hasDocument);
+  EXPECT_FALSE(whole.IsEmpty());
+  EXPECT_EQ(whole.List(), bare.List());
+  EXPECT_THAT(LossReportJson(whole, "a", "b"), HasSubstr("\"hasDocument\": true"));
+  EXPECT_THAT(LossReportJson(bare, "a", "b"), HasSubstr("\"hasDocument\": false"));
+  const Loss lost{"comments", 1, "'x'", false};
+  const Loss changed{"names", 2, "'x' is 'y'", true};
+  using vex2::lab::TextOf;
+  EXPECT_EQ(TextOf(lost, false), "lost: comments (1), as 'x'");
+  EXPECT_EQ(TextOf(lost, true), "other programs do not see: comments (1), as 'x'");
+  EXPECT_EQ(TextOf(changed, false), "changed: names (2), as 'x' is 'y'");
+  EXPECT_EQ(TextOf(changed, true), "other programs see changed: names (2), as 'x' is 'y'");
 }
 
 TEST_F(ExchangeLosses, NotesSayWhichRunsBecameOne) {

@@ -1,10 +1,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cerrno>
+#include <filesystem>
 #include <functional>
+#include <vector>
 
 #include "lab/rdml/XmlReader.h"
 #include "tests/lab/RdmlFiles.h"
+#include "tests/support/FaultyFileSystem.h"
 
 namespace {
 
@@ -21,6 +25,14 @@ std::string Utf16(const std::string& ascii) {
     bytes += '\0';
   }
   return bytes;
+}
+
+std::vector<std::string> FileNames(const std::filesystem::path& folder) {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    names.push_back(entry.path().filename().string());
+  }
+  return names;
 }
 
 class RdmlImport : public TempFolderTest {
@@ -197,6 +209,33 @@ TEST_F(RdmlImport, PlatesOfTheSameTargetStayApart) {
   EXPECT_FALSE(std::filesystem::exists(target_));
   const Error error = ErrorOf([&] { import(rdml.Text(), {}); });
   EXPECT_EQ(error.Code(), ErrorCode::kExists);
+}
+
+TEST_F(RdmlImport, FullDiskLeavesNoneOfSeveralDocuments) {
+  ForeignRdml rdml;
+  rdml.runs = rdml.Run("r1", rdml.React(1, "S1", rdml.Data("MYC", 10))) +
+              rdml.Run("r2", rdml.React(2, "S2", rdml.Data("MYC", 20)));
+  WriteText(source_, rdml.Text());
+  int refused = 0;
+  for (int after = 0;; ++after) {
+    FaultyFileSystem disk;
+    disk.FailKind(FileCall::write, ENOSPC, after);
+    try {
+      ASSERT_EQ(Import(source_, target_).documents.size(), 2U);
+      EXPECT_FALSE(disk.WasRefused(FileCall::write));
+      break;
+    } catch (const Error& error) {
+      EXPECT_EQ(error.Code(), ErrorCode::kDiskFull);
+      EXPECT_THAT(error.what(), testing::ContainsRegex("out-[12].vex: No space left on device"));
+      EXPECT_EQ(FileNames(std::filesystem::path(source_).parent_path()),
+                std::vector<std::string>{"in.rdml"})
+          << after;
+      ++refused;
+    }
+  }
+  EXPECT_GE(refused, 2);  // in the first document, and in the second
+  EXPECT_TRUE(RunReader(folder_ / "out-1.vex").IsWhole());
+  EXPECT_TRUE(RunReader(folder_ / "out-2.vex").IsWhole());
 }
 
 TEST_F(RdmlImport, SeveralRunsCanBecomeAStudy) {

@@ -56,7 +56,7 @@ const std::map<std::string, std::vector<std::string>>& explanations() {
       {"readings/RAWa end",
        {"starts and ends of data blocks without a time zone", "times of readings"}},
       {"readings/RAWa version", {"versions of data blocks"}},
-      {"readings/RAWa times, temperatures and cycles", {"times of readings"}},
+      {"readings/RAWa times", {"times of readings"}},
       {"readings/REPn", {"records of further data blocks", "data blocks without frames"}},
       {"readings/REPr", {"records of further data blocks", "data blocks without frames"}},
       {"readings/REPd", {"records of further data blocks", "data blocks without frames"}},

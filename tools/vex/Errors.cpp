@@ -1,7 +1,12 @@
 #include "tools/vex/Errors.h"
 
-#include <iostream>
+#include <fmt/core.h>
 
+#include <filesystem>
+#include <iostream>
+#include <optional>
+
+#include "lab/import/Import.h"
 #include "lab/json/Json.h"
 #include "tools/vex/Terminal.h"
 
@@ -76,8 +81,52 @@ std::string_view textOf(ErrorRemedy remedy) {
   return {};
 }
 
+std::string_view meaningOf(ImportFormat format) {
+  switch (format) {
+    case ImportFormat::kRdml:
+      return "RDML";
+    case ImportFormat::kRdes:
+      return "an RDES table";
+    case ImportFormat::kJson:
+      return "a document as JSON";
+    case ImportFormat::kCsv:
+      return "readings as CSV";
+  }
+  return {};
+}
+
+// The text as one word for a shell.
+std::string shellWord(const std::string& text) {
+  constexpr std::string_view kPlain =
+      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_./+:,%@=-";
+  if (!text.starts_with('-') && text.find_first_not_of(kPlain) == std::string::npos) return text;
+  std::string word = text.starts_with('-') ? "./" + text : text;
+  for (std::size_t i = 0; (i = word.find('\'', i)) != std::string::npos; i += 4) {
+    word.replace(i, 1, "'\\''");
+  }
+  return "'" + word + "'";
+}
+
+// A file in another format, given in place of a document: the error has the command that makes a
+// document of it. Returns nothing for any other file.
+std::optional<Error> importAdvice(const Error& error) {
+  if (error.Code() != ErrorCode::kNoDocument) return std::nullopt;
+  const auto format = FindImportFormat(error.File());
+  if (!format) return std::nullopt;
+  const std::filesystem::path source(error.File());
+  std::filesystem::path target = source;
+  target.replace_extension(".vex");
+  if (target == source) target.replace_filename(source.stem().string() + "-imported.vex");
+  return Error(ErrorCode::kNoDocument, error.File(),
+               fmt::format("this is not a plate document but {}; make a document of it with: "
+                           "vex import {} -o {}",
+                           meaningOf(*format), shellWord(source), shellWord(target)),
+               error.Offset());
+}
+
 // The library names its own functions in a remedy; this names the options of the command instead.
 Error inTermsOfTheCommand(const Error& error) {
+  if (const auto advice = importAdvice(error)) return *advice;
   if (error.Remedy() == ErrorRemedy::kNone) return error;
   const std::string message =
       std::string(error.Problem()).append("; ").append(textOf(error.Remedy()));
@@ -108,6 +157,7 @@ OperationNames NamesOfCommands() {
   return {.repair = "'vex repair'",
           .recover = "'vex recover'",
           .resume = "'vex record --resume'",
+          .import = "'vex import'",
           .upgrade = "'vex copy --upgrade'",
           .read = "'vex export'",
           .setWells = "'vex wells FILE --from wells.csv'",

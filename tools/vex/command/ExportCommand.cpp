@@ -65,6 +65,10 @@ class ExportCommand final : public Command {
   }
 
   ExitCode Run() override {
+    requireFormat(raw_, "--raw", "csv");
+    requireFormat(isWide_, "--wide", "csv");
+    requireFormat(hasNoDocument_, "--no-embed", "rdml");
+    requireFormat(!stage_.empty(), "--stage", "rdes");
     const Document document(file_);
     const auto blocks = format_ == "csv" ? findBlocks(document) : std::vector<ExportedBlock>();
     OutputFiles files(force_);
@@ -83,6 +87,12 @@ class ExportCommand final : public Command {
   }
 
  private:
+  void requireFormat(bool isGiven, std::string_view option, std::string_view format) const {
+    if (!isGiven || format_ == format) return;
+    throw Error(ErrorCode::kUsage, fmt::format("{} has no effect on {}; it is for --format {}",
+                                               option, format_, format));
+  }
+
   void findCq() {
     if (cq_.empty()) return;
     if (format_ != "rdml" && format_ != "rdes") {
@@ -100,13 +110,14 @@ class ExportCommand final : public Command {
     if (isWide_) return writeWide(document);
     const bool ofPlates = plate_.IsAll(document);
     Output output(target_);
+    Losses losses;
     if (raw_) {
       WriteStored(output.Stream(), blocks, ofPlates);
     } else {
-      tellUnknown(WriteReadings(output.Stream(), blocks, ofPlates));
+      tellUnknown(WriteReadings(output.Stream(), blocks, ofPlates), losses);
     }
     output.Finish();
-    return ExitCode::kDone;
+    return losses_.Report(losses, file_, target_);
   }
 
   ExitCode writeWide(const Document& document) const {
@@ -194,8 +205,9 @@ class ExportCommand final : public Command {
     throw Error(ErrorCode::kDocument, file_, fmt::format("it has no data block \"{}\"", block_));
   }
 
-  void tellUnknown(const ExportCounts& counts) const {
+  void tellUnknown(const ExportCounts& counts, Losses& losses) const {
     if (counts.unknown == 0) return;
+    losses.Add("readings whose meaning is not known", "vex did not record them", counts.unknown);
     PrintLine(
         fmt::format("{}: leaves {} of {} empty: vex did not record them and does not know "
                     "their meaning; use --raw for the stored values",

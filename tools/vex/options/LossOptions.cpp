@@ -1,5 +1,7 @@
 #include "tools/vex/options/LossOptions.h"
 
+#include <fmt/core.h>
+
 #include "lab/json/LossReport.h"
 #include "tools/vex/files/Output.h"
 #include "tools/vex/options/Options.h"
@@ -19,8 +21,17 @@ void LossOptions::Claim(OutputFiles& files) const {
 ExitCode LossOptions::Tell(const Losses& losses, const std::string& about,
                            const std::string& source, const std::string& target) const {
   for (const Loss& loss : losses.List()) {
-    PrintLine(Printable(about) + ": " + Printable(TextOf(loss)));
+    PrintLine(fmt::format("{}: {}", about, TextOf(loss, losses.hasDocument)));
   }
+  if (losses.hasDocument && !losses.IsEmpty()) {
+    PrintLine(fmt::format("{}: nothing is lost for 'vex import', which restores the document in it",
+                          IsStandardStream(target) ? "standard output" : target));
+  }
+  return Report(losses, source, target);
+}
+
+ExitCode LossOptions::Report(const Losses& losses, const std::string& source,
+                             const std::string& target) const {
   if (!report_.empty()) {
     Output output(report_);
     output.Stream() << LossReportJson(losses, source, target);

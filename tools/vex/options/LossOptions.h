@@ -22,6 +22,8 @@ class LossOptions {
   /// paths of the files; messages begin with `about`.
   ExitCode Tell(const Losses& losses, const std::string& about, const std::string& source,
                 const std::string& target) const;
+  /// Does the same, but prints nothing.
+  ExitCode Report(const Losses& losses, const std::string& source, const std::string& target) const;
 
  private:
   std::string report_;
