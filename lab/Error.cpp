@@ -91,7 +91,8 @@ std::string_view textOf(ErrorRemedy remedy) {
     case ErrorRemedy::kTakeDecimalComma:
       return "set decimalMark to ',' if all numbers are written like this one";
     case ErrorRemedy::kGiveLatin1:
-      return "if the file is Latin-1, set encoding to latin1 (of Windows: windows-1252)";
+      return "if the file is Latin-1, set encoding to latin1; if it comes from Windows, to "
+             "windows-1252";
     case ErrorRemedy::kGiveEncoding:
       return "set encoding to that of the file";
     case ErrorRemedy::kAllowRounding:

@@ -52,9 +52,9 @@ enum class ErrorCode {
 
 /// An error code with its stable name, its class and its meaning.
 struct ErrorKind {
-  ErrorCode code;            ///< the code of the kind
-  std::string_view name;     ///< the stable name of the code, as "no-such-file"; it never changes
-  ErrorClass errorClass;     ///< what errors of this kind are about
+  ErrorCode code;         ///< the code of the kind
+  std::string_view name;  ///< the stable name of the code, such as "no-such-file"; it never changes
+  ErrorClass errorClass;  ///< what errors of this kind are about
   std::string_view meaning;  ///< what the code means, as a short text for users
 };
 

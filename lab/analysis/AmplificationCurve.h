@@ -15,12 +15,12 @@ namespace vex2::lab {
 struct AnalysedWell {
   std::string plate;         ///< name of the plate in a study; empty for other documents
   std::uint16_t number = 0;  ///< well number from 1, counted along the rows of the plate
-  std::string name;          ///< name of the well, as "A1"
+  std::string name;          ///< name of the well, such as "A1"
   std::string sample;        ///< empty if none was given
   /// The name of the detector. In a document whose wells name no detector, it is the name of the
   /// channel, which is empty if the channel has none.
   std::string detector;
-  std::string task;                ///< a code, as "UNKN", "STND" or "NTC"; empty if none is given
+  std::string task;  ///< a code, such as "UNKN", "STND" or "NTC"; empty if none is given
   std::optional<double> quantity;  ///< quantity in the document; nothing if it has none
 
   /// Whether all fields are equal.

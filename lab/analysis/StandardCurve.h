@@ -14,7 +14,8 @@ namespace vex2::lab {
 /// The confidence level of all intervals in an analysis.
 inline constexpr double kConfidence = 0.95;
 
-/// A well with a known quantity, and the distance of its quantification cycle from the line.
+/// A well with a known quantity, and the distance of its quantification cycle from the standard
+/// curve.
 struct StandardPoint {
   AnalysedWell well;         ///< a well with the task STND
   double quantity = 0;       ///< above 0

@@ -26,7 +26,7 @@ VEX2_API std::string_view NameOf(Severity severity);
 /// A fact about a document that its owner should know. Texts are UTF-8.
 struct Finding {
   Severity severity = Severity::kError;  ///< how much it matters
-  /// Tags from the outermost list inwards, as "GLBL/VERS"; "header"; "" for no record.
+  /// Tags from the outermost list inwards, such as "GLBL/VERS"; "header"; "" for no record.
   std::string record;
   std::uint64_t offset = 0;  ///< bytes from the start of the file
   std::string problem;       ///< what is wrong

@@ -206,7 +206,7 @@ void CheckHeader(const HeaderFields& header, const std::string& name, std::uint6
 void CheckPositions(const HeaderFields& header, const std::vector<PositionedRecord>& records,
                     const Document& document, Findings& findings) {
   checkProgram(header, aimOf(header.programPosition, TagOf(Kind::kProgram), records), findings);
-  // If the reader could not read a block to its end, the offset may lead to that block.
+  // If the reader could not read a block to its end, the offset may point to that block.
   if (!document.Fault()) {
     checkRawData(header, aimOf(header.rawDataPosition, TagOf(Kind::kRawData), records), document,
                  findings);

@@ -191,14 +191,15 @@ class PlateCheck {
                      hot_.first),
          "no plate is as hot: temperatures, and what is computed from them, are wrong");
     warn(early_,
-         fmt::format("{} with a time before that of the frame before, the first is frame {}",
+         fmt::format("{} with an earlier time than the previous frame, the first is frame {}",
                      Counted(early_.count, "frame"), early_.first),
          "programs that sort by time see the frames in another order");
-    warn(disordered_,
-         fmt::format("{} with a cycle that does not follow that of the frame before, the first is "
-                     "frame {}",
-                     Counted(disordered_.count, "frame"), disordered_.first),
-         "programs that sort by cycle see the frames in another order");
+    warn(
+        disordered_,
+        fmt::format("{} with a cycle that does not follow that of the previous frame of its stage, "
+                    "the first is frame {}",
+                    Counted(disordered_.count, "frame"), disordered_.first),
+        "programs that sort by cycle see the frames in another order");
   }
 
   Document::Plate plate_;

@@ -47,8 +47,8 @@ class RecordCheck final : public RecordVisitor {
   bool HasGaps() const { return hasGaps_; }
   /// Whether a repair can correct the wrong lengths. False if there are none. Valid after `Finish`.
   bool CanRepairLengths() const { return isWalked_ && !hasGaps_ && !wrongLengths_.empty(); }
-  /// The tags from the outermost list to the record at `offset`, as "GLBL/VERS". `offset` is where
-  /// the walk or the reader stopped.
+  /// The tags from the outermost list to the record at `offset`, such as "GLBL/VERS". `offset` is
+  /// where the walk or the reader stopped.
   std::string NameAt(std::uint64_t offset) const;
 
  private:

@@ -126,8 +126,8 @@ class Planner {
           "the header's offset of TPro, to lead to its tag");
   }
 
-  // The end of a record after its length is repaired. If the header's offset led to the old end, it
-  // does not lead to this one.
+  // The end of a record after its length is repaired. If the header's offset pointed to the old
+  // end, it does not point to this one.
   std::uint64_t endOf(const Document::Record& record) const {
     std::uint64_t length = record.length;
     for (const RepairPlan::Patch& patch : plan_.patches) {

@@ -14,8 +14,8 @@ namespace {
 
 constexpr std::string_view kReadings = TagOf(Kind::kRawData);
 constexpr const char* kNotCommitted =
-    "no committed frame is lost, but an instrument that appends here without a check would damage "
-    "its frames";
+    "no committed frame is lost, but an instrument that appends frames here without first checking "
+    "the end of the file would damage the frames that it appends";
 constexpr const char* kResume = "{resume} and {repair} cut it off";
 
 // Adds the finding about a block that the end of the file cuts off.
@@ -24,8 +24,8 @@ void checkCutBlock(CFile& file, const Document& document, const HeaderFields& he
   const auto block = FindLastBlock(file, document);
   if (header.AwaitsFirstCommit() && IsFirstCommit(file, fault.offset, header.Wells())) {
     findings.Add({Severity::kWarning, std::string(kReadings), fault.offset,
-                  "a block that the header does not lead to, cut short: its first commit was "
-                  "interrupted",
+                  "a block that the end of the file cuts off, and whose offset is not in the "
+                  "header: its first commit was interrupted",
                   "nothing that was committed is lost; an instrument that continues would write a "
                   "second block after it",
                   kResume});

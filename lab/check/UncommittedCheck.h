@@ -30,7 +30,7 @@ struct LastBlock {
 std::optional<LastBlock> FindLastBlock(CFile& file, const Document& document);
 
 /// Whether the bytes after the last record are those of an interrupted first commit. This is
-/// possible only if the document has no data block yet, and the header leads to none.
+/// possible only if the document has no data block yet, and the header has no offset of one.
 bool EndsInFirstCommit(CFile& file, const Document& document, const HeaderFields& header);
 
 /// Adds what is wrong with the end of a document: a record at which the reader stops, and bytes

@@ -249,7 +249,7 @@ std::string TextOf(const Difference& difference) {
     text += ": " + std::to_string(difference.count) + " differ";
     if (isOfReadings) text += ", by up to " + PlainText(difference.largest);
   }
-  // The examples of differing readings contain their values already.
+  // For readings, each of the places already contains its two values.
   if (difference.places.empty() || difference.section != "readings") {
     text += ": " + shownValue(difference.one) + " -> " + shownValue(difference.other);
   }

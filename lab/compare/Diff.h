@@ -20,17 +20,19 @@ struct DiffOptions {
   bool records = true;   ///< records of other kinds, and bytes that are not part of a known value
 };
 
-/// Equal differences between two documents, in one or more places, such as wells. Texts are UTF-8.
+/// One difference between two documents, and the places, such as wells, that have it: the same
+/// field with the same two values. All readings of a data block that differ are one difference,
+/// whatever their values are, and so are all its times, temperatures and cycles. Texts are UTF-8.
 struct Difference {
   static constexpr std::size_t kMostPlaces = 3;  ///< how many of the places are listed
 
   std::string plate;    ///< name of the plate in a study; empty otherwise
   std::string section;  ///< "header", "wells", "readings" and so on
-  std::string what;     ///< the field, as "sample"; empty if one document lacks the whole entry
+  std::string what;  ///< the field, such as "sample"; empty if one document lacks the whole entry
   std::optional<std::string> one;    ///< value in the first document; nothing if it has none
   std::optional<std::string> other;  ///< value in the second document; nothing if it has none
   std::uint64_t count = 0;           ///< number of places with this difference
-  /// The first places with this difference, as "A1"; empty if the section has only one place.
+  /// The first places with this difference, such as "A1"; empty if the section has only one place.
   std::vector<std::string> places;
   double largest = 0;  ///< only for readings: the largest difference
 

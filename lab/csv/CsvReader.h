@@ -24,8 +24,8 @@ struct CsvFormat {
   std::string encoding;  ///< encoding of a file without a byte order mark; if empty, UTF-8
   /// If it is 0, a comma, semicolon or tab, whichever separates the names of the columns.
   char delimiter = 0;
-  /// If it is 0, the mark is a point if commas separate the fields; otherwise it is found from the
-  /// numbers.
+  /// The decimal mark, '.' or ','. With 0, it is a point if commas separate the fields, and is
+  /// found from the numbers if they do not.
   char decimalMark = 0;
   CsvNames names;                     ///< names of columns that differ from the usual ones
   std::string namesOption = "names";  ///< the option that sets `names`, for error messages

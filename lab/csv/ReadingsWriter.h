@@ -41,8 +41,8 @@ class ReadingsWriter {
   void WriteRows(std::string_view rows);
 
  private:
-  /// The stage, cycle, time and temperature as a text. All wells of a frame usually have the same,
-  /// so the text is made only once.
+  /// The stage, cycle, time and temperature as a text. They are usually the same for all
+  /// wells of a frame, so the text is kept, and made again only if they differ.
   struct Moment {
     bool isMade = false;
     bool melting = false;

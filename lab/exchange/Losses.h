@@ -11,7 +11,7 @@ namespace vex2::lab {
 
 /// Values of one kind that an export or an import left out or changed.
 struct Loss {
-  std::string what;         ///< the kind of value, as "times of readings"
+  std::string what;         ///< the kind of value, such as "times of readings"
   std::uint64_t count = 0;  ///< number of values
   std::string example;      ///< the first of them, with its place
   /// Whether the values were kept in another form: rounded, renamed or moved. Otherwise they were

@@ -17,8 +17,8 @@ std::string StorableText(std::string_view text);
 /// in the document.
 class StorableNames {
  public:
-  /// `what` is the kind of names in the report, as "names of samples". `losses` must outlive the
-  /// object.
+  /// `what` is the kind of names in the report, such as "names of samples". `losses` must outlive
+  /// the object.
   StorableNames(std::string what, Losses& losses) : what_(std::move(what)), losses_(losses) {}
 
   /// The name to store in the document.

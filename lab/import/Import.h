@@ -20,7 +20,7 @@ enum class ImportFormat {
   kCsv,   ///< readings as `vex export` and `vex record` use them, one row for each
 };
 
-/// The format with this name, in lower case, as "rdml"; nothing for any other text.
+/// The format with this name, in lower case, such as "rdml"; nothing for any other text.
 VEX2_API std::optional<ImportFormat> ImportFormatOf(std::string_view name);
 /// The name of the format, in lower case.
 VEX2_API std::string_view NameOf(ImportFormat format);

@@ -8,8 +8,8 @@
 
 namespace vex2::lab {
 
-/// The differences as a JSON object with the key "version". `one` and `other` are the paths of the
-/// documents.
+/// The differences as a JSON object with the keys "version", "one", "other" and "differences".
+/// `one` and `other` are the paths of the documents.
 VEX2_API std::string DiffJson(const std::vector<Difference>& differences, const std::string& one,
                               const std::string& other);
 

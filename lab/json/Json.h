@@ -24,7 +24,7 @@ nlohmann::ordered_json OrNull(const std::optional<Content>& content) {
   return content ? nlohmann::ordered_json(*content) : nlohmann::ordered_json(nullptr);
 }
 
-/// The number that a decimal text represents; null for a text that is not a number, as "NA".
+/// The number that a decimal text represents; null for a text that is not a number, such as "NA".
 nlohmann::ordered_json NumberJson(std::string_view text);
 
 /// The text of a JSON value: a string itself, an empty text for null, a number in its shortest

@@ -10,9 +10,9 @@
 
 namespace vex2::lab {
 
-/// A JSON value to be read, and its path for errors, as "blocks[0].tag". If the value is not of the
-/// requested kind, throws an error that names the file and the path. The value and the name of the
-/// file must outlive the node.
+/// A JSON value to be read, and its path for errors, such as "blocks[0].tag". If the value is not
+/// of the requested kind, throws an error that names the file and the path. The value and the name
+/// of the file must outlive the node.
 class JsonNode {
  public:
   JsonNode(const nlohmann::ordered_json& value, std::string path, const std::string& file)

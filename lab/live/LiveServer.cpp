@@ -26,8 +26,8 @@ MakeLiveServer* loadModule() {
                             module.Problem()));
   }
   throw Error(ErrorCode::kSystem,
-              fmt::format("cannot serve pages: the module {} is missing; it is built when the "
-                          "package libcpp-httplib-dev is installed",
+              fmt::format("cannot serve pages: the module {} is missing; to have it, build vex "
+                          "with the package libcpp-httplib-dev installed",
                           kFile));
 }
 

@@ -10,7 +10,7 @@ namespace vex2::lab {
 /// Returns nothing for any other text, including the code of studies.
 std::optional<std::string> PlateAssayCode(std::string_view text);
 
-/// The codes that a plate can have, as "AbsQ (absolute quantification), ...", for errors.
+/// The codes that a plate can have, in the form "AbsQ (absolute quantification), ...", for errors.
 std::string PlateAssayList();
 /// The codes that a plate can have with their meanings, one per line, for help.
 std::string PlateAssayTable();

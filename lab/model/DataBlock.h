@@ -37,9 +37,9 @@ std::optional<StoredBlock> ReadStoredBlock(CFile& file, const FileRecord& record
 /// The library's type for `tag`, which must be the tag of a data block.
 Vex2DataType BlockType(std::string_view tag);
 
-/// The text of a time stamp as the recorder writes it, as "2026-11-22T08:00:00": year 0 to 99
-/// (after 2000), month, day, hour, minute, second. If the fields are not such a time, the text is
-/// the six numbers; if all are 0, returns nothing.
+/// The text of a time stamp as the recorder writes it, in the form "2026-11-22T08:00:00": year 0 to
+/// 99 (after 2000), month, day, hour, minute, second. If the fields are not such a time, the text
+/// is the six numbers; if all are 0, returns nothing.
 std::optional<std::string> TimeText(const TimeStamp& time);
 
 }  // namespace vex2::lab

@@ -97,7 +97,7 @@ void FrameReader::readRecords(std::size_t count, Take take) {
 }
 
 // The position of the frame in the run, from the first of its records that is as the recorder wrote
-// it. Other records may be changed by another program, or have no reading.
+// it. Records that another program has changed, and records without a reading, are skipped.
 FramePosition FrameReader::readPosition(std::uint64_t index) {
   seekFrame(index);
   for (std::size_t well = 0; well < block_.wells.size(); ++well) {

@@ -51,7 +51,7 @@ struct Finder final : RecordVisitor {
   std::optional<FileRecord> found;
 };
 
-// Uses the header's offset of the raw readings if it leads to them. After a save of the whole
+// Uses the header's offset of the raw readings if it points to them. After a save of the whole
 // document it does not.
 std::optional<FileRecord> recordAt(CFile& file, std::uint64_t offset, std::string_view tag) {
   if (offset == 0) return std::nullopt;

@@ -24,8 +24,8 @@ struct HeaderFields {
   std::uint32_t Wells() const { return std::uint32_t{rows} * columns; }
   /// Whether further frames may come: the run is in progress or has not started.
   bool IsUnfinished() const { return IsRunning() || status == RunStatus::kNotStarted; }
-  /// Whether the header leads to no data block yet, so that the bytes after the records may be an
-  /// interrupted first commit.
+  /// Whether the header has no offset of a data block yet, so that the bytes after the records may
+  /// be an interrupted first commit.
   bool AwaitsFirstCommit() const { return IsUnfinished() && rawDataPosition == 0; }
   bool IsRunning() const { return status == RunStatus::kInProgress; }
 };

@@ -49,7 +49,7 @@ struct Plate {
   /// The well with this number, from 1; null if the setup does not have it. Valid until `wells`
   /// changes.
   VEX2_API const Well* Find(std::uint16_t number) const;
-  /// The well with this name, as "A1"; null if the setup does not have it. Valid until `wells`
+  /// The well with this name, such as "A1"; null if the setup does not have it. Valid until `wells`
   /// changes.
   VEX2_API const Well* Find(std::string_view name) const;
 
@@ -122,8 +122,9 @@ struct BlockInfo {
   /// Whether the log of the run says that this library recorded the readings. Only then the meaning
   /// of their times, temperatures and scale is known.
   bool isRecorded = false;
-  /// When the first frame was read, as "2026-11-22T08:00:00", followed by "Z" or an offset such as
-  /// "+01:00" if the zone is known. Nothing if the block is not `isRecorded`, or has no time.
+  /// When the first frame was read, in the form "2026-11-22T08:00:00", followed by "Z" or an offset
+  /// such as "+01:00" if the zone is known. Nothing if the block is not `isRecorded`, or has no
+  /// time.
   std::optional<std::string> start;
   /// When the last frame was read, in the same form as `start`; nothing if the block is not
   /// `isRecorded`, or has no time.

@@ -22,7 +22,7 @@ void PreparePlateToSave(const Document& document, const Document::Plate& plate,
 /// changed and another program has changed it since. The file at `target` is then unchanged.
 void SaveDocument(DocumentFile& document, const std::string& target);
 
-/// Whether both paths lead to the same existing file.
+/// Whether both paths name the same existing file.
 bool IsSameFile(const std::string& one, const std::string& other);
 
 }  // namespace vex2::lab

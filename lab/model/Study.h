@@ -29,7 +29,7 @@ void AddMadePlate(Vex2FileManager& study, DocumentFile& plate, const std::string
 void ExtractPlate(const Document& study, const Document::Plate& plate, const std::string& target,
                   const SaveRules& rules);
 
-/// Converts the date that a study stores for a plate, as "Mar 05, 2003 02:07 PM", to
+/// Converts the date that a study stores for a plate, in the form "Mar 05, 2003 02:07 PM", to
 /// "2003-03-05T14:07". The date is the local time at which the plate's own file was last changed.
 /// Any other text is returned unchanged.
 std::string PlateDateText(const std::string& stored);

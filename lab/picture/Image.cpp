@@ -15,12 +15,13 @@ DrawImage* loadModule() {
   const OwnModule module(kFile);
   if (module.IsLoaded()) return module.Find<DrawImage>(kDrawImage);
   if (!module.Problem().empty()) {
-    throw Error(ErrorCode::kSystem, "cannot draw PNG and PDF: " + module.Problem() +
+    throw Error(ErrorCode::kSystem, "cannot draw PNG or PDF: " + module.Problem() +
                                         "; install the package librsvg2-2, or write SVG");
   }
-  throw Error(ErrorCode::kSystem,
-              std::string("cannot draw PNG and PDF: the module ") + kFile +
-                  " is missing; it is built when the package librsvg2-dev is installed; write SVG");
+  throw Error(
+      ErrorCode::kSystem,
+      std::string("cannot draw PNG or PDF: the module ") + kFile +
+          " is missing; write SVG, or build the library with the package librsvg2-dev installed");
 }
 
 }  // namespace

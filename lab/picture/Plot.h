@@ -31,7 +31,7 @@ enum class ColourBy {
 /// What a picture shows of a run.
 struct PlotOptions {
   PlotKind kind = PlotKind::kAmplification;  ///< the kind of picture
-  /// Wells and rectangles of wells, as "A1:C6,D4"; if empty, all wells.
+  /// Wells and rectangles of wells, such as "A1:C6,D4"; if empty, all wells.
   std::string wells;
   bool isLog = false;                       ///< whether the axis of readings is logarithmic
   ColourBy colourBy = ColourBy::kDetector;  ///< the value that determines the colours

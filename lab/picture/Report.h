@@ -14,9 +14,9 @@ namespace vex2::lab {
 
 /// What a report contains besides the content of the documents.
 struct ReportSettings {
-  /// The program that makes the report, and its version, as "vex 1.2.0"; UTF-8.
+  /// The program that makes the report, and its version, such as "vex 1.2.0"; UTF-8.
   std::string program;
-  std::string made;  ///< when the report was made, as "2026-11-22T08:00:00Z"; may be empty
+  std::string made;  ///< when the report was made, such as "2026-11-22T08:00:00Z"; may be empty
   std::string note;  ///< a sentence that the page shows at the top; UTF-8, may be empty
   /// Whether the report has the records of the file, the findings of its check and its SHA-256. For
   /// these the whole file is read.

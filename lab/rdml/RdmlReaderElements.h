@@ -17,7 +17,7 @@ struct RdmlElement {
   Work end = nullptr;
 };
 
-/// The functions for the element at this path, as "rdml/sample/type"; null if documents do not
+/// The functions for the element at this path, such as "rdml/sample/type"; null if documents do not
 /// store such elements.
 const RdmlElement* FindElement(const std::string& path);
 

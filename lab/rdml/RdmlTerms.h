@@ -17,8 +17,8 @@ inline constexpr std::string_view kMember = "rdml_data.xml";
 inline constexpr std::string_view kEmbedded = "vex/document.vex";
 inline constexpr std::string_view kNamespace = "http://www.rdml.org";
 
-/// The comment on the embedded document in an archive, from which an import finds out whether
-/// another program has changed the XML since. `checksum` is that of the XML.
+/// The comment of the ZIP member that holds the embedded document. From it, an import finds out
+/// whether another program has changed the XML since. `checksum` is that of the XML.
 inline std::string ChecksumComment(std::uint32_t checksum) {
   return std::string(kMember) + " " + std::to_string(checksum);
 }

@@ -274,7 +274,8 @@ class Planner {
     }
   }
 
-  // The first sample with this name that agrees with `uses` for all targets that both have.
+  // The index of the first sample with the name of the well's sample whose uses do not contradict
+  // `uses`: a target in both must have the same use. Adds a sample if there is none.
   std::size_t sampleOf(const Well& well, const std::map<std::size_t, SampleUse>& uses) {
     const std::string key = well.sample.empty() ? "\n" + well.name : well.sample;
     for (const std::size_t index : samples_[key]) {

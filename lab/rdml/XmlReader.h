@@ -18,7 +18,7 @@ struct XmlAttribute {
 };
 
 /// Gets the elements of a document from an `XmlReader`. Paths are the names of the elements from
-/// the root on, as "rdml/sample/type"; all texts are UTF-8.
+/// the root on, such as "rdml/sample/type"; all texts are UTF-8.
 class XmlHandler {
  public:
   virtual ~XmlHandler() = default;

@@ -23,7 +23,7 @@ class XmlWriter {
   /// Writes an element without content.
   void Empty(std::string_view name, std::string_view attributes = {});
 
-  /// The attribute with escaped value, as " name=\"value\"".
+  /// The attribute with escaped value, such as " name=\"value\"".
   static std::string Attribute(std::string_view name, std::string_view value);
 
  private:

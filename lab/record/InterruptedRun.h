@@ -61,7 +61,7 @@ class InterruptedRun {
   std::uint32_t headerPosition_ = 0;  ///< the header's offset of the block
   /// Offset of the block's tag; if there is no block, the end of the records.
   std::uint64_t blockStart_ = 0;
-  CommittedBlock block_;  ///< the block, if the header leads to one
+  CommittedBlock block_;  ///< the block, if the offset in the header points to one
   std::vector<unsigned short> wells_;
   CommittedFrames frames_;
 };

@@ -41,9 +41,9 @@ constexpr std::array<Parameter, 4> kParameters = {
      {"melt=", &SimulationParameters::meltSteps, kMostSteps},
      {"seed=", &SimulationParameters::seed, std::numeric_limits<std::uint32_t>::max()}}};
 
-// Random numbers that are the same on every machine. They use integer arithmetic, and only
-// floating-point operations with exactly one correct result. The distributions and logarithms of
-// the standard library do not have that property.
+// Random numbers that are the same on every machine. They are made with integer arithmetic, and
+// with no floating-point operations except those with exactly one correct result. The
+// distributions and logarithms of the standard library do not have that property.
 class Random {
  public:
   Random(std::uint32_t seed, std::uint32_t stream) : state_(std::uint64_t{seed} << 32U | stream) {

@@ -86,9 +86,10 @@ std::uint64_t RecoverPass::step(std::uint64_t offset) {
 }
 
 // Whether to keep the record with this head. If its own numbers agree, the record is kept even if
-// no other record follows it: then the bytes after it are damaged. For some kinds any length is
-// possible. Then the length is wrong only if whole records begin in the body and lead across its
-// end, or if it leads past the end of an open list.
+// no other record follows it: then the bytes after it are damaged. Any other record is kept
+// unless a head that can be trusted (see `FindHead`) begins inside it: then its length is wrong.
+// The records from that head on must continue past the end of this record, except if this record
+// itself ends after a list that contains it.
 bool RecoverPass::isCredible(const RecoverHead& head) {
   if (tree_.Depth() > kDeepest) return false;
   if (head.HoldsRecords()) return isCredibleList(head);

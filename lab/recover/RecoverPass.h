@@ -26,10 +26,10 @@ class RecoverPass {
       : source_(in), tree_(source_, out, report_), progress_(progress) {}
 
   /// Writes all that can be read to the new document. Copies records byte for byte as long as each
-  /// leads to the next. After damage, finds records by their tags, and frames by the structure of
-  /// their block. Gives each list the count and length of what is left in it. If the head of a
-  /// list, a plate or the document is lost, makes a new one for its records. Takes time in
-  /// proportion to the size of the file, and little memory. Passes on what `in`, `out` and
+  /// ends where the next begins. After damage, finds records by their tags, and frames by the
+  /// structure of their block. Gives each list the count and length of what is left in it. If the
+  /// head of a list, a plate or the document is lost, makes a new one for its records. Takes time
+  /// in proportion to the size of the file, and little memory. Passes on what `in`, `out` and
   /// `progress` throw.
   RecoverReport Run();
 

@@ -60,8 +60,8 @@ struct RecoverHead {
 /// it: readers ignore that length.
 std::optional<RecoverHead> HeadAt(RecoverSource& source, std::uint64_t offset);
 /// The head at `offset` of a record whose tag the library does not know. The tag must be printable,
-/// and the declared length must lead to another head, to the end of the file, or to `listEnd`, the
-/// end of the list around the record.
+/// and by its declared length the record must end at another head, at the end of the file, or at
+/// `listEnd`, the end of the list around the record.
 std::optional<RecoverHead> UnknownHeadAt(RecoverSource& source, std::uint64_t offset,
                                          std::uint64_t listEnd = 0);
 
@@ -73,8 +73,8 @@ int Likeness(RecoverSource& source, std::uint64_t offset, std::string_view tag);
 bool IsBoundary(RecoverSource& source, std::uint64_t offset);
 
 /// Whether the head at `offset` can be trusted although the bytes before it are damaged. Further
-/// heads must follow, each at the end of the record before. They must lead to the end of the file
-/// or past `mustCross`, or be so many that readings are unlikely to look like them.
+/// heads must follow, each at the end of the previous record. They must continue to the end of the
+/// file or past `mustCross`, or be so many that readings are unlikely to look like them.
 bool IsBelieved(RecoverSource& source, std::uint64_t offset, std::uint64_t mustCross = 0);
 
 /// Looks for a head that can be trusted, at the offsets from `from` to below `before`. Returns the

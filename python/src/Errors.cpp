@@ -18,8 +18,8 @@ class SilentHost final : public Host {
   void ShowMessage(const std::string& /*text*/) override {}
 };
 
-// The remedy, in terms of the Python module; empty where the library's own words name no operation
-// or option.
+// The remedy in terms of the Python module. Empty if the library's own text is kept, because it
+// names no operation or option of C++.
 std::string_view textOf(lab::ErrorRemedy remedy) {
   using lab::ErrorRemedy;
   switch (remedy) {

@@ -183,9 +183,10 @@ TEST_F(CsvFormatTest, Latin1IsReadWhereItIsNamed) {
 }
 
 TEST_F(CsvFormatTest, BytesThatAreNotUtf8AreNamedWithOffsetRowAndRemedy) {
-  EXPECT_THAT(Refusal("name,value\nx,1\n\xE4,1\n"),
-              EndsWith("some.csv: at byte 15: row 3: these bytes are not UTF-8; if the file is "
-                       "Latin-1, set encoding to latin1 (of Windows: windows-1252)"));
+  EXPECT_THAT(
+      Refusal("name,value\nx,1\n\xE4,1\n"),
+      EndsWith("some.csv: at byte 15: row 3: these bytes are not UTF-8; if the file is "
+               "Latin-1, set encoding to latin1; if it comes from Windows, to windows-1252"));
   EXPECT_THAT(Refusal("name,value\nx\xC3"), HasSubstr("at byte 12: row 2: these bytes are not"));
 }
 

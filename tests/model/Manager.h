@@ -106,7 +106,7 @@ class Manager {
   Text readFrame(const char* at, std::int64_t index, const Text& tag);
   Text frameCount(const char* at, const Text& tag);
   std::uint32_t findInFile(const Text& bytes, const Text& tag) const;
-  /// Whether the header's offset of RAWa is 0 or leads to that tag; true for other blocks, and for
+  /// Whether the header's offset of RAWa is 0 or points to that tag; true for other blocks, and for
   /// a file that is missing or shorter than 72 bytes. The rules for reading single frames assume
   /// this.
   bool leadsToBlock(const char* at, const Text& tag) const;

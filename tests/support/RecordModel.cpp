@@ -55,7 +55,8 @@ int readRecords(Stream& stream, std::uint32_t count, Part& list) {
   for (std::uint32_t i = 0; i < count; ++i) {
     const std::size_t start = stream.at;
     Text tag;
-    // A cell reads its own head, whatever its tag is.
+    // In CELS, each record is read as a cell, whatever its tag is, and a missing cell is a failure.
+    // In other lists a missing tag is skipped.
     if (!stream.Take(4, tag) && list.tag != "CELS") continue;
     stream.at = start;
     Part child;

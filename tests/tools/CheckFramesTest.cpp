@@ -87,8 +87,8 @@ TEST_F(CheckFrames, AFirstCommitThatWasInterruptedIsAWarning) {
   SetLong(kPositionAt, 0);
   Change([](Bytes& bytes) { bytes.resize(kFirstFrame + 10); });
   ExpectWarning(
-      "RAWa at 1120: a block that the header does not lead to, cut short: its first commit was "
-      "interrupted");
+      "RAWa at 1120: a block that the end of the file cuts off, and whose offset is not in the "
+      "header: its first commit was interrupted");
   Change([](Bytes& bytes) { bytes.resize(kBlock + 3); });
   ExpectWarning(
       " at 1120: 3 bytes of a block without its tag follow the last record: a first commit was "

@@ -73,16 +73,17 @@ TEST_F(CheckMeaning, OtherProgramsReadingsMeanWhatTheyMean) {
 TEST_F(CheckMeaning, CyclesOutOfOrderAreAWarning) {
   Simulate();
   ChangeReadings([](std::uint8_t* readings) { SetLeading(readings, kCycle, 9); });
-  EXPECT_THAT(Warnings(), HasSubstr("1 frame with a cycle that does not follow that of the frame "
-                                    "before, the first is frame 1"));
+  EXPECT_THAT(Warnings(),
+              HasSubstr("1 frame with a cycle that does not follow that of the previous "
+                        "frame of its stage, the first is frame 1"));
 }
 
 TEST_F(CheckMeaning, TimesOutOfOrderAreAWarning) {
   Simulate();
   ChangeReadings([](std::uint8_t* readings) { SetLeading(readings, kTimeHigh, 99); });
-  EXPECT_THAT(Warnings(),
-              HasSubstr("1 frame with a time before that of the frame before, the first "
-                        "is frame 1"));
+  EXPECT_THAT(
+      Warnings(),
+      HasSubstr("1 frame with an earlier time than the previous frame, the first is frame 1"));
 }
 
 TEST_F(CheckMeaning, TemperaturesThatNoPlateHasAreAWarning) {

@@ -197,8 +197,8 @@ class ServeTest(unittest.TestCase):
             follow = [alone, "follow", self.document, "--serve"]
             result = subprocess.run(follow, text=True, capture_output=True, timeout=PATIENCE)
             self.assertEqual(result.returncode, 3)
-            self.assertIn("cannot serve pages: the module vex2serve.so is missing; it is built when "
-                          "the package libcpp-httplib-dev is installed", result.stderr)
+            self.assertIn("cannot serve pages: the module vex2serve.so is missing; to have it, build "
+                          "vex with the package libcpp-httplib-dev installed", result.stderr)
             with open(os.path.join(folder, "vex2serve.so"), "w", encoding="ascii") as file:
                 file.write("no module")
             result = subprocess.run(follow, text=True, capture_output=True, timeout=PATIENCE)

@@ -59,8 +59,8 @@ std::string_view textOf(ErrorRemedy remedy) {
       return "write it with a point, without a mark between thousands, or use --decimal comma if "
              "all numbers are written like this one";
     case ErrorRemedy::kGiveLatin1:
-      return "if the file is Latin-1, use --encoding latin1 (of Windows: --encoding "
-             "windows-1252)";
+      return "if the file is Latin-1, use --encoding latin1; if it comes from Windows, use "
+             "--encoding windows-1252";
     case ErrorRemedy::kGiveEncoding:
       return "say which encoding the file has with --encoding";
     case ErrorRemedy::kAllowRounding:

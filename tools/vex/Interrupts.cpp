@@ -38,8 +38,8 @@ Interrupts::Interrupts() {
 }
 
 Interrupts::~Interrupts() {
-  // A second request must not cut off the answer to the first: printing that answer is all that is
-  // left to do.
+  // After the first signal, the command only reports its result. A second signal must not end the
+  // process before that.
   if (asked_) return;
   const timespec now{};
   while (::sigtimedwait(&awaited_, nullptr, &now) > 0) continue;

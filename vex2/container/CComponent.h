@@ -21,7 +21,7 @@ class VEX2_API CComponent : public CObject {
   CComponent& operator=(const CComponent&) = delete;
 
   const CRuntimeClass* GetRuntimeClass() const override;
-  /// The record of this class.
+  /// The run-time description of this class.
   static const CRuntimeClass* ClassRecord();
 
   /// Copies the content of `source` if it has the same tag; otherwise does nothing.

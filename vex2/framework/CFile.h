@@ -47,7 +47,7 @@ class VEX2_API CFile : public CObject {
   CFile& operator=(const CFile&) = delete;
 
   const CRuntimeClass* GetRuntimeClass() const override;
-  /// The record of this class.
+  /// The run-time description of this class.
   static const CRuntimeClass* ClassRecord();
 
   /// Closes the file that is open, if any, and opens `path`. If that fails, returns false and sets

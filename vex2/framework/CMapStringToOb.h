@@ -10,6 +10,6 @@ class VEX2_API CMapStringToOb : public CObject, public vex2::MapOf<CObject*> {
   using MapOf::MapOf;
 
   const CRuntimeClass* GetRuntimeClass() const override;
-  /// The record of this class.
+  /// The run-time description of this class.
   static const CRuntimeClass* ClassRecord();
 };

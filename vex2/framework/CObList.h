@@ -10,6 +10,6 @@ class VEX2_API CObList : public CObject, public vex2::ListOf<CObject*> {
   using ListOf::ListOf;
 
   const CRuntimeClass* GetRuntimeClass() const override;
-  /// The record of this class.
+  /// The run-time description of this class.
   static const CRuntimeClass* ClassRecord();
 };

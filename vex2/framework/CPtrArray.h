@@ -21,7 +21,7 @@ class VEX2_API CPtrArray : public CObject {
   CPtrArray& operator=(CPtrArray&& other) noexcept;
 
   const CRuntimeClass* GetRuntimeClass() const override;
-  /// The record of this class.
+  /// The run-time description of this class.
   static const CRuntimeClass* ClassRecord();
 
   /// The number of entries.

@@ -10,6 +10,6 @@ class VEX2_API CPtrList : public CObject, public vex2::ListOf<void*> {
   using ListOf::ListOf;
 
   const CRuntimeClass* GetRuntimeClass() const override;
-  /// The record of this class.
+  /// The run-time description of this class.
   static const CRuntimeClass* ClassRecord();
 };

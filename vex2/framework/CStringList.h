@@ -11,6 +11,6 @@ class VEX2_API CStringList : public CObject, public vex2::ListOf<CString> {
   using ListOf::ListOf;
 
   const CRuntimeClass* GetRuntimeClass() const override;
-  /// The record of this class.
+  /// The run-time description of this class.
   static const CRuntimeClass* ClassRecord();
 };

@@ -13,6 +13,6 @@ class VEX2_API CWnd : public CObject {
   CWnd& operator=(const CWnd&) = delete;
 
   const CRuntimeClass* GetRuntimeClass() const override;
-  /// The record of this class.
+  /// The run-time description of this class.
   static const CRuntimeClass* ClassRecord();
 };

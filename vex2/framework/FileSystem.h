@@ -29,9 +29,9 @@ class FileSystem {
   /// Takes an advisory lock without waiting; returns -EWOULDBLOCK if another open file holds it.
   virtual int Lock(int file, bool exclusive);
   /// Enters the gate in front of the lock, without waiting. The gate admits one writer or any
-  /// number of readers; returns -EWOULDBLOCK if it cannot admit this one now. An opener waits for
-  /// the lock while it holds the gate: otherwise later readers could keep a writer waiting for
-  /// ever, and later writers a reader.
+  /// number of readers; returns -EWOULDBLOCK if it cannot admit this one now. A caller that
+  /// waits for the lock does not leave the gate until it has the lock. Otherwise later readers
+  /// could keep a writer waiting for ever, and later writers could do the same to a reader.
   virtual int EnterGate(int file, bool exclusive);
   virtual int LeaveGate(int file);
   virtual int Stat(int file, struct stat& info);

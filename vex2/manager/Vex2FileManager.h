@@ -76,7 +76,7 @@ class VEX2_API Vex2FileManager : public CFile {
   ~Vex2FileManager() override;
 
   const CRuntimeClass* GetRuntimeClass() const override;
-  /// The record of this class.
+  /// The run-time description of this class.
   static const CRuntimeClass* ClassRecord();
 
   /// The file name in `GetFilePath`, with its extension.
@@ -532,10 +532,11 @@ class VEX2_API Vex2FileManager : public CFile {
   [[nodiscard]] int CommitAcqDataFrame(const char* path, int frameIndex, Vex2DataType type);
   /// Copies `record` into frame `frameIndex`, from 0, of the document in memory, as the record of
   /// the well number `wellNumber`, from 1. Fill frames in order: `frameIndex` should be at most the
-  /// frame count, which begins the next frame, and the first value of `record` should not be 0. The
-  /// first such record in any frame increases the frame count by one. So if a block has 2 frames
-  /// and a record is set in frame 3, then frame 2 counts, although it is empty, and frame 3 is not
-  /// saved.
+  /// frame count; a value equal to the count begins the next frame. The first value of `record`
+  /// should not be 0. If exactly one record of the frame then has a first value other than 0, the
+  /// frame count increases by one, whichever frame it is. So set each well of a frame once. If a
+  /// block has 2 frames and a record is set in frame 3, then frame 2 counts, although it is empty,
+  /// and frame 3 is not saved.
   /// @return False, and nothing is changed, if `record` is null, the block does not have the well,
   /// the block cannot hold the frame, or memory runs out. False also if there is no block; the host
   /// then shows a message. Call `InitAcqDataWellNumberArray` first.
@@ -828,7 +829,7 @@ class VEX2_API Vex2FileManager : public CFile {
   /// @{
 
   /// Reads the plate at `path`, to be added to a study with `AddRQPlate`. Sets `lastModified` to
-  /// the time at which its file was last changed, in local time, as "Mar 05, 2003 02:07 PM".
+  /// the time at which its file was last changed, in local time, such as "Mar 05, 2003 02:07 PM".
   /// @return 0; -50 if `path` is null or `choose` is true, because `RQSOpenFile` returns false;
   /// -100 if the file cannot be opened; -1 if it is not a document; -2 if its kind marker is not
   /// "Kest". In all of these cases of failure, header and components stay unchanged. Otherwise the

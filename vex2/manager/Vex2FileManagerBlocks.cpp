@@ -104,7 +104,8 @@ int overwriteReportingData(vex2::DocumentStore& store, AcquisitionDataComp& bloc
       newLength += other->GetSize();
     }
     file.SetLength(newLength);
-    // The records after the first reporting block are cut off, so the header must not lead to them.
+    // The records after the first reporting block are cut off, so the header must not point to
+    // them.
     if (header.thermocycleOffset > kept.start) {
       static_cast<void>(store.PatchHeader(HeaderLayout::kProgramOffsetAt, 0));
     }

@@ -90,8 +90,8 @@ int findBackground(Vex2FileManager& file, std::uint32_t length, std::uint64_t& o
       return record.length == length ? kSuccess : vex2::kSizeDiffers;
     }
     // Bytes appended after an incomplete record would be read as part of it. This does not apply to
-    // a file without a header, whose bytes here are not records, nor to unknown tags: the lengths
-    // of a study's plates lead to bytes that are not a known record.
+    // a file without a header, whose bytes here are not records, nor to unknown tags: the bytes
+    // at the end that a study's plate declares are not a known record.
     if (isDocument && vex2::IsKnownTag(record.Tag()) && !vex2::HasBytesLeft(file, record.length)) {
       return kNotFound;
     }

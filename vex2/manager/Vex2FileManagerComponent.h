@@ -23,7 +23,7 @@ class VEX2_API Vex2FileManagerComponent final : public Vex2FileManager {
   ~Vex2FileManagerComponent() override;
 
   const CRuntimeClass* GetRuntimeClass() const override;
-  /// The record of this class.
+  /// The run-time description of this class.
   static const CRuntimeClass* ClassRecord();
 
   // In the next operations, a null file means the plate's own file.

@@ -13,6 +13,6 @@ class VEX2_API Vex2DyeInfo : public CObject {
   std::int32_t index = -1;       ///< the spectrum's `dyeIndex`
 
   const CRuntimeClass* GetRuntimeClass() const override;
-  /// The record of this class.
+  /// The run-time description of this class.
   static const CRuntimeClass* ClassRecord();
 };

@@ -121,8 +121,8 @@ std::uint64_t blockOffset(CFile& file, std::string_view blockTag) {
   std::uint64_t start = HeaderLayout::kSize;
   while (start < file.GetLength()) {
     const std::string tag = tagAt(file, start);
-    // Bytes that are not a record do not lead to the next record, and there may be gigabytes of
-    // them.
+    // Bytes that are not a record have no length that gives the next record's offset, and there may
+    // be gigabytes of them.
     if (tag == blockTag || !IsPrintableTag(tag)) break;
     const auto end = EndOfRecordAt(file, start);
     if (!end) break;
@@ -131,8 +131,8 @@ std::uint64_t blockOffset(CFile& file, std::string_view blockTag) {
   return start;
 }
 
-// The end of the committed data if the header leads to the block: the end of the frames that the
-// block's length counts.
+// The end of the committed data if the offset in the header points to the block: the end of the
+// frames that the block's length counts.
 std::uint64_t endOfFrames(CFile& file, std::uint32_t offset, const HeldBlock& held) {
   const std::uint64_t fileEnd = file.GetLength();
   const CommittedBlock block = ReadCommittedBlock(file, offset);

@@ -57,7 +57,7 @@ constexpr std::uint64_t FirstCommitSize(std::uint64_t wells) {
 /// Whether the bytes from `start` to the end of the open `file` are what an interrupted first
 /// commit leaves: a block of one frame with at most `wells` wells, or the beginning of such a
 /// block. Its tag may be complete, incomplete or missing. Such a block is committed only if the
-/// header leads to it. Moves the file position.
+/// offset in the header points to it. Moves the file position.
 bool IsFirstCommit(CFile& file, std::uint64_t start, std::uint64_t wells);
 
 /// A data block as commits write it. If the file ends early, it has the fields that could be read.

@@ -22,7 +22,7 @@ class VEX2_API CAnalysisSettings : public CObject {
   ~CAnalysisSettings() override;
 
   const CRuntimeClass* GetRuntimeClass() const override;
-  /// The record of this class.
+  /// The run-time description of this class.
   static const CRuntimeClass* ClassRecord();
 
   /// Sets the threshold cycle of the first entry of `well`, a well number. If there is no such

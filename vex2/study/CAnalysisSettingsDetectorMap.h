@@ -22,7 +22,7 @@ class VEX2_API CAnalysisSettingsDetectorMap : public CObject {
   CAnalysisSettingsDetectorMap& operator=(const CAnalysisSettingsDetectorMap&) = delete;
 
   const CRuntimeClass* GetRuntimeClass() const override;
-  /// The record of this class.
+  /// The run-time description of this class.
   static const CRuntimeClass* ClassRecord();
 
   /// The map in use; null if a host added null. Ownership does not change.

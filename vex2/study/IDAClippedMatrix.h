@@ -3,7 +3,7 @@
 #include "vex2/framework/Export.h"
 
 /// Clipped reporter readings of one well. An analysis library computes and defines them. A manager
-/// stores and destroys them for their owner, and never uses their content.
+/// owns and destroys those that are stored in it, and never uses their content.
 class VEX2_API IDAClippedMatrix {
  public:
   virtual ~IDAClippedMatrix() = default;

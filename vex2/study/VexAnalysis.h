@@ -18,7 +18,7 @@ class VEX2_API VexAnalysis : public CObject {
   VexAnalysis& operator=(const VexAnalysis&) = delete;
 
   const CRuntimeClass* GetRuntimeClass() const override;
-  /// The record of this class.
+  /// The run-time description of this class.
   static const CRuntimeClass* ClassRecord();
 
   vex2::ResultTable<IDAMCMatrix> mcData;                ///< multicomponent results

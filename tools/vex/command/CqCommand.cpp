@@ -32,7 +32,7 @@ class CqCommand final : public Command {
         .AllowOnly({"threshold", "sdm"})
         .Show("NAME");
     options.Add("--threshold", options_.threshold,
-                "For all detectors, in the unit of the readings");
+                "Threshold of all detectors, in the unit of the readings");
     options.Add("--baseline", baseline_, "Baseline of all curves: cycles A to B").Show("A-B");
     shared_.AddTo(options);
   }
@@ -81,7 +81,8 @@ class CqCommand final : public Command {
     isFirst_ = false;
   }
 
-  // With several documents, each row begins with the path; with a study, with the plate.
+  // If there are several documents, each row begins with the path and the plate. If there is one
+  // and it is a study, each row begins with the plate.
   void printCsv(const std::string& file, bool isStudy, const CqAnalysis& analysis) {
     CsvWriter csv(std::cout, hasSeveral_);
     const auto row = [&](const std::string& front, const std::string& plate,

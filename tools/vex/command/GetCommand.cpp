@@ -64,7 +64,8 @@ class GetCommand final : public Command {
   }
 
  private:
-  // Builds the JSON in which the path is looked up. Its keys are those of --json.
+  // Builds the JSON in which the path is looked up. Its keys are those of 'vex info
+  // --json', and "wells", "detectors", "dyes" and, if the path begins with it, "tree".
   ordered_json describe(const Document& document, const Document::Plate& plate) const {
     ordered_json root = ToJson(OverviewOf(document, plate));
     const Vex2FileManager& content = *plate.content;

@@ -4,7 +4,7 @@
 
 namespace vex2::tool {
 
-/// The name and the version of the command, as "vex 1.0.0".
+/// The name and the version of the command, such as "vex 1.0.0".
 std::string ProgramText();
 
 /// Lines with the version of the command, its build, the format of the documents that it writes,

@@ -190,7 +190,7 @@ std::string errorCodes() {
       section("Error codes") +
       "Each error is one line on standard error that names the file, and the "
       "offset where there is one. With\n.B \\-\\-json\nit is an object with one of "
-      "these codes, shown with the exit status:\n";
+      "the following codes (the exit status is in parentheses):\n";
   for (const ErrorKind& kind : ErrorKinds()) {
     result += entry(bold(std::string(kind.name)) + " (" +
                         std::to_string(static_cast<int>(ExitCodeOf(kind.errorClass))) + ")",
