@@ -39,8 +39,8 @@ class VEX2_API PlateEditor {
   /// The calibration. A part can be replaced, but not removed.
   lab::Calibration& Calibration();
 
-  /// The value of the setting with this name, one of those that `vex set --help` lists. Returns no
-  /// value if the document does not have the setting. Throws `kUnknownSetting`.
+  /// The value of the setting `name`; `vex set --help` lists the names. Returns no value if the
+  /// document does not have the setting. Throws `kUnknownSetting`.
   Value Setting(std::string_view name) const;
   /// Changes the setting in memory at once. Setting a text to no value removes it. Throws
   /// `kUnknownSetting`, and `kInvalidValue` for a value that the setting does not take.

@@ -28,8 +28,8 @@ bool isSameTime(const timespec& one, const timespec& other) {
   return one.tv_sec == other.tv_sec && one.tv_nsec == other.tv_nsec;
 }
 
-// Whether every later change of the file will get a later time. That is uncertain if the time is in
-// whole seconds, since the file system may not have finer times.
+// Whether every later change of the file will get a later time than that in `info`. That is
+// uncertain if the time is in whole seconds, since the file system may not have finer times.
 bool isSettled(const struct stat& info) {
   if (info.st_ctim.tv_nsec == 0) return false;
   const auto changed =

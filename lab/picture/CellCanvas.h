@@ -43,7 +43,7 @@ class CellCanvas {
   std::vector<Cell> cells_;
 };
 
-/// The number of groups with a separate letter.
+/// The largest number of groups that can have a letter each; further groups share "*".
 inline constexpr std::size_t kMostLetters = 52;
 
 /// The letter of a group, a to z and A to Z, or the digit of a value on a scale. It is "*" for

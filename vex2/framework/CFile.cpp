@@ -107,7 +107,7 @@ bool CFile::openLocked(const char* path, int flags, bool exclusive, CFileExcepti
     length_ = regular_ ? static_cast<std::uint64_t>(info.st_size) : 0;
     identity_ = {info.st_dev, info.st_ino};
     if (isStillAt(path)) break;
-    // While this open waited for the lock, a save replaced the file.
+    // While this call waited for the lock, a save replaced the file, so open the new one.
     releaseHandle();
     if (files.Milliseconds() > deadline) return refuse(EWOULDBLOCK, FileOperation::kLock);
   }

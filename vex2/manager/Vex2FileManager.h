@@ -418,13 +418,13 @@ class VEX2_API Vex2FileManager : public CFile {
   /// `record`, or by empty pure dyes if `record` is null, and appends the new component to the file
   /// at `path`.
   /// @return 0, or -200 if the file cannot be written: it then keeps its length, but the document
-  /// keeps the new component.
+  /// in memory keeps the new component.
   [[nodiscard]] int AppendPureDye(const char* path, const Vex2PureDye* record);
   /// Replaces the first background component outside the document's calibration by a copy of
   /// `record`, or by an empty background if `record` is null, and appends the new component to the
   /// file at `path`.
   /// @return 0, or -200 if the file cannot be written: it then keeps its length, but the document
-  /// keeps the new component.
+  /// in memory keeps the new component.
   [[nodiscard]] int AppendBackground(const char* path, const Vex2BGC* record);
   /// Removes the chosen parts. If both flags are true, removes the calibration itself.
   /// @return 0, even if no part is chosen; -300 if there is no calibration, or if it lacks the
@@ -919,7 +919,7 @@ class VEX2_API Vex2FileManager : public CFile {
   /// @return Its status, or `failure` if the operation or closing the file fails.
   [[nodiscard]] int guardedFile(int failure, vex2::FunctionRef<int()> operation);
   /// Replaces the file at `path` by what `write` writes to the open manager.
-  /// @return 0, the status of `write`, or -200. Unless it is 0, the old file stays unchanged.
+  /// @return 0; otherwise the status of `write`, or -200, and the old file stays unchanged.
   [[nodiscard]] int saveWhole(const char* path, vex2::FunctionRef<int()> write);
   /// Appends the component to the file at `path`, which need not be readable.
   /// @return 0, or -200 if the file cannot be written; it then keeps its length.

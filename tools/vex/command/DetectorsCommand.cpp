@@ -128,7 +128,7 @@ class DetectorsCommand final : public ListingCommand {
     return fmt::format("{} {}\n", before != known.end() ? "changed" : "added", Printable(name));
   }
 
-  // Reports the numbers that the detector stores rounded; refuses them with --exact.
+  // Reports the numbers that are rounded when the detector stores them; refuses them with --exact.
   void tellRounding(const Vex2Detector& detector, const Fields& fields) const {
     for (const auto& [field, value] : fields) {
       const Value stored = field->get(detector);
