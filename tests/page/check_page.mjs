@@ -203,6 +203,10 @@ const tests = {
     await page.run('vexReport.update(JSON.parse(document.querySelector("#data").textContent))');
     await page.settle();
     assert.deepEqual(await page.run('[[...Vex.state.picked], Vex.state.scale, scrollY]'), [['0:7'], 'log', scroll]);
+    // The reader scrolls before the charts of the new data are drawn.
+    await page.run('vexReport.update(JSON.parse(document.querySelector("#data").textContent)); scrollTo({top: 150, behavior: "instant"})');
+    await page.settle();
+    assert.equal(await page.run('scrollY'), 150, 'new data do not undo scrolling');
     assert.equal(await page.run('document.querySelectorAll(".well").length'), 384);
     await page.run('Vex.set({picked: new Set(), scale: "linear"})');
   },

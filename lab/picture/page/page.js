@@ -115,10 +115,10 @@
   // The charts are drawn in the next frame. Until then the page is shorter, and a browser scrolls up.
   function keepPlace(work) {
     if (!Vex.model) return work();
-    const top = scrollY;
     document.body.style.minHeight = `${document.body.scrollHeight}px`;
     work();
     requestAnimationFrame(() => requestAnimationFrame(() => {
+      const top = scrollY;  // not earlier: the reader may scroll meanwhile
       document.body.style.minHeight = '';
       scrollTo({top, behavior: 'instant'});
     }));
