@@ -1,3 +1,7 @@
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
 #include "tests/tools/DocumentFixture.h"
 
 using testing::EndsWith;
@@ -19,12 +23,77 @@ class Export : public DocumentTest {
       "A3,amplification,1,0.117,59.82,3\n"
       "A3,amplification,2,65.653,59.82,3.01\n"
       "A3,melt,1,131.189,59.82,3.02\n";
+
+  static std::string textOf(const std::filesystem::path& path) {
+    std::ostringstream text;
+    text << std::ifstream(path).rdbuf();
+    return text.str();
+  }
 };
 
 TEST_F(Export, HasARowForEachWellAndFrame) {
   MakeRecordedRun();
   EXPECT_EQ(Output({"export", path_, "--format", "csv"}), kTable);
   EXPECT_EQ(Output({"export", path_}), kTable);
+}
+
+TEST_F(Export, OfSeveralDocumentsWritesAFileOfEach) {
+  MakeRecordedRun();
+  const std::string other = folder_ / "other.vex";
+  std::filesystem::copy_file(path_, other);
+  const std::string name = std::filesystem::path(path_).stem();
+  const std::filesystem::path tables = folder_ / "new" / "tables";
+  EXPECT_EQ(Output({"export", "-j", "2", path_, other, "-o", tables}), "");
+  for (const std::string& each : {name, std::string("other")}) {
+    EXPECT_EQ(textOf(tables / (each + ".csv")), kTable);
+  }
+  const std::string list = folder_ / "list.txt";
+  std::ofstream(list) << path_ << '\n' << other << '\n';
+  EXPECT_EQ(RunVex({"export", "@" + list, "--format", "rdes", "-o", tables}).exitCode, 0);
+  for (const char* file : {"other.tsv", "other-melt.tsv"}) {
+    EXPECT_TRUE(std::filesystem::exists(tables / file)) << file;
+  }
+}
+
+TEST_F(Export, OfSeveralDocumentsRefusesBeforeItWritesAny) {
+  MakeRecordedRun();
+  const std::string other = folder_ / "other.vex";
+  std::filesystem::copy_file(path_, other);
+  const auto refusalOf = [&](const VexProcess::Arguments& arguments) {
+    const CommandResult result = RunVex(arguments);
+    EXPECT_EQ(result.exitCode, 2) << result.errors;
+    EXPECT_EQ(result.output, "");
+    return result.errors;
+  };
+  EXPECT_EQ(refusalOf({"export", path_, other}),
+            "vex: of several documents each gets a file of its own; name a folder with -o\n");
+  const std::string tables = folder_ / "tables";
+  EXPECT_EQ(refusalOf({"export", path_, other, "-o", tables, "--report", folder_ / "losses.json"}),
+            "vex: --report is for one document; export them one by one\n");
+  std::filesystem::create_directories(tables);
+  const std::string inTheWay = tables + "/other.csv";
+  std::ofstream(inTheWay) << "mine";
+  EXPECT_EQ(refusalOf({"export", path_, other, "-o", tables}),
+            "vex: " + inTheWay + ": already exists; use --force to overwrite it\n");
+  std::filesystem::create_directories(folder_ / "again");
+  std::filesystem::copy_file(path_, folder_ / "again" / "other.vex");
+  EXPECT_THAT(
+      refusalOf({"export", other, folder_ / "again" / "other.vex", "-o", tables, "--force"}),
+      HasSubstr("is given for two outputs"));
+  EXPECT_EQ(textOf(inTheWay), "mine");
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(tables), {}), 1);
+}
+
+TEST_F(Export, OfSeveralDocumentsGoesOnAfterAnError) {
+  MakeRecordedRun();
+  const std::string damaged = folder_ / "damaged.vex";
+  std::ofstream(damaged) << "no document";
+  const std::string tables = folder_ / "tables";
+  const CommandResult result = RunVex({"export", "-j", "2", damaged, path_, "-o", tables});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_THAT(result.errors, StartsWith("vex: " + damaged + ": "));
+  const std::string name = std::filesystem::path(path_).stem();
+  EXPECT_EQ(textOf(tables + "/" + name + ".csv"), kTable);
 }
 
 TEST_F(Export, InventsNothingForReadingsOfAnotherProgram) {

@@ -20,12 +20,22 @@ void LossOptions::Claim(OutputFiles& files) const {
 
 ExitCode LossOptions::Tell(const Losses& losses, const std::string& about,
                            const std::string& source, const std::string& target) const {
+  std::vector<std::string> lines;
+  const ExitCode code = Write(losses, about, source, target, lines);
+  for (const std::string& line : lines) PrintLine(line);
+  return code;
+}
+
+ExitCode LossOptions::Write(const Losses& losses, const std::string& about,
+                            const std::string& source, const std::string& target,
+                            std::vector<std::string>& lines) const {
   for (const Loss& loss : losses.List()) {
-    PrintLine(fmt::format("{}: {}", about, TextOf(loss, losses.hasDocument)));
+    lines.push_back(fmt::format("{}: {}", about, TextOf(loss, losses.hasDocument)));
   }
   if (losses.hasDocument && !losses.IsEmpty()) {
-    PrintLine(fmt::format("{}: nothing is lost for 'vex import', which restores the document in it",
-                          IsStandardStream(target) ? "standard output" : target));
+    lines.push_back(
+        fmt::format("{}: nothing is lost for 'vex import', which restores the document in it",
+                    IsStandardStream(target) ? "standard output" : target));
   }
   return Report(losses, source, target);
 }
