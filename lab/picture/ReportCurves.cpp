@@ -14,6 +14,8 @@ using nlohmann::ordered_json;
 // The largest number of packed readings of a plate, as a browser cannot handle a larger page. These
 // 16 million readings are 40 plates of 384 wells with 1,000 frames each.
 constexpr std::size_t kMostReadings = std::size_t{1} << 24U;
+// Nor is a page of more curves, however short: each takes 50 bytes beside its readings.
+constexpr std::size_t kMostCurves = std::size_t{1} << 16U;
 
 // The number of values of a well that are in use: that of the channels. If the meaning of the
 // values is not known: all up to the last one that is not 0 in any well.
@@ -81,7 +83,8 @@ ordered_json PackedReadingsJson(const RunReader& plate) {
   const Readings readings = plate.Readings();
   const std::size_t values = valuesInUse(readings);
   const std::size_t perWell = std::max<std::size_t>(readings.FrameCount() * values, 1);
-  const std::size_t wells = std::min(readings.WellCount(), kMostReadings / perWell);
+  const std::size_t wells =
+      std::min({readings.WellCount(), kMostReadings / perWell, kMostCurves / values});
   ordered_json object = {{"known", readings.Meaning().has_value()},
                          {"frames", readings.FrameCount()},
                          {"channels", channelsOf(readings, values)},

@@ -17,7 +17,8 @@ constexpr double kLegendWidth = 210;
 constexpr double kTop = 48;
 constexpr double kLetters = 13;  // font size, which is also in the head of the SVG
 constexpr double kTitle = 17;
-constexpr double kBold = 1.1;  // width of bold letters relative to normal ones
+constexpr double kCapital = 0.72;  // height of a capital letter or digit, of the size
+constexpr double kBold = 1.1;      // width of bold letters relative to normal ones
 constexpr std::string_view kInk = "#1a2027";
 constexpr std::string_view kSoft = "#55606c";
 constexpr std::string_view kGrid = "#e3e7eb";
@@ -241,13 +242,16 @@ class Drawing {
                                   (box.bottom - box.top) / (plate.rows + 1.2));
     const double left = box.left + pitch * 1.2;
     const double top = box.top + pitch * 1.2;
-    const std::string size = "font-size=\"" + number(std::clamp(pitch * 0.5, 4.0, 13.0)) + "\"";
+    const double letters = std::clamp(pitch * 0.5, 4.0, 13.0);
+    const double middle = letters * kCapital / 2;  // from the middle of a row to its base line
+    const std::string size = "font-size=\"" + number(letters) + "\"";
     for (unsigned column = 0; column < plate.columns; ++column) {
       text(left + pitch * (column + 0.5), top - pitch * 0.25, std::to_string(column + 1), kSoft,
            "middle", size);
     }
     for (unsigned row = 0; row < plate.rows; ++row) {
-      text(left - pitch * 0.6, top + pitch * (row + 0.68), RowName(row), kSoft, "middle", size);
+      text(left - pitch * 0.6, top + pitch * (row + 0.5) + middle, RowName(row), kSoft, "middle",
+           size);
     }
     drawEmptyWells(plate, left, top, pitch);
     for (const SceneWell& well : plate.wells) {
@@ -257,7 +261,7 @@ class Drawing {
       mark(x, y, pitch * 0.42, well.look);
       if (well.text.empty() || pitch < 14) continue;
       const bool isLight = well.look.share.value_or(0) > 0.6;
-      text(x, y + pitch * 0.15, well.text, isLight ? kInk : "#ffffff", "middle", size);
+      text(x, y + middle, well.text, isLight ? kInk : "#ffffff", "middle", size);
     }
   }
 

@@ -188,6 +188,28 @@ TEST(Svg, CutsNamesToTheRoomThatTheyHave) {
   EXPECT_THAT(svg, HasSubstr("iiiiiiiiiiii…iiiiiiiiiii2<"));
 }
 
+// The number of an attribute in the element of `svg` that ends with `end`.
+double attributeOf(const std::string& svg, const std::string& end, const std::string& name) {
+  const std::size_t at = svg.find(end);
+  const std::size_t begin = svg.rfind('<', at - 1);
+  return std::stod(svg.substr(svg.find(" " + name + "=\"", begin) + name.size() + 3));
+}
+
+// A capital letter is 0.72 of its size high, and stands on its base line.
+TEST(Svg, RowLettersAndWellTextsAreInTheMiddleOfTheirRows) {
+  for (const unsigned columns : {12U, 24U, 48U}) {
+    Scene scene;
+    ScenePlate plate{.name = {}, .rows = columns / 3 * 2, .columns = columns, .wells = {}};
+    plate.wells.push_back({.row = 2, .column = 0, .look = {.group = 0, .share = {}}, .text = "31"});
+    scene.plates.push_back(plate);
+    const std::string svg = SvgOf(scene);
+    const double size = attributeOf(svg, ">C</text>", "font-size");
+    const double middle = std::stod(svg.substr(svg.find(" cy=\"", svg.rfind("<circle")) + 5));
+    EXPECT_NEAR(attributeOf(svg, ">C</text>", "y") - 0.36 * size, middle, 0.02) << columns;
+    EXPECT_NEAR(attributeOf(svg, ">31</text>", "y") - 0.36 * size, middle, 0.02) << columns;
+  }
+}
+
 class PlotTest : public TempFolderTest {
  protected:
   PlotTest() { Record(SmallRun(40, 60), path_); }

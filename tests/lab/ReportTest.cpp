@@ -176,6 +176,16 @@ TEST_F(ReportTest, ShowsStoredValuesOfOtherRecorders) {
   EXPECT_EQ(readings["curves"].size(), 2 * readings["channels"].size());
 }
 
+TEST_F(ReportTest, LeavesOutWellsOfTooManyCurvesAndCountsThem) {
+  ForeignRun foreign(path_, 2100);
+  foreign.Begin();
+  foreign.Append();
+  const json readings = plateOf(path_)["readings"];
+  ASSERT_EQ(readings["channels"].size(), 32U);
+  EXPECT_EQ(readings["curves"].size(), 65536U);
+  EXPECT_EQ(readings["wellsLeftOut"], 2100 - 2048);
+}
+
 TEST_F(ReportTest, WritesNumbersThatAreNoneAsTexts) {
   Record(SmallRun(), path_);
   DocumentEditor editor(path_);

@@ -78,7 +78,7 @@
       words.push(`${chart.shown.length.toLocaleString('en')} of ${Vex.counted(chart.all, 'curve')} are drawn; pick wells to see theirs.`);
     }
     const outside = Vex.model.plates.reduce((sum, plate) => sum + plate.readings.wellsLeftOut, 0);
-    if (outside) words.push(`The readings of ${Vex.counted(outside, 'well')} are too many for a page.`);
+    if (outside) words.push(`The readings of ${Vex.counted(outside, 'well')} are left out: a page has 65,536 curves and 16,777,216 readings of a plate.`);
     if (chart.shown.length) words.push('Drag to zoom, double-click to see all, click a curve to pick its well.');
     Vex.byId('amplification-hint').textContent = words.join(' ');
   }
