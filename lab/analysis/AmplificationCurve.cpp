@@ -19,9 +19,8 @@ std::size_t countAtLimit(const AnalysedSource& source, const StageReadings& stag
       }));
 }
 
-void addCurves(const RunReader& run, const Readings& readings, const std::string& plate,
-               std::vector<AmplificationCurve>& curves) {
-  const StageReadings stage = StageReadingsOf(run.Path().string(), readings, Stage::kAmplification);
+void addCurves(const RunReader& run, const Readings& readings, const StageReadings& stage,
+               const std::string& plate, std::vector<AmplificationCurve>& curves) {
   for (AnalysedSource& source : SourcesOf(run, readings, stage.channels)) {
     AmplificationCurve& curve = curves.emplace_back();
     curve.readings = ReadingsOf(source, stage, readings.WellCount());
@@ -33,26 +32,33 @@ void addCurves(const RunReader& run, const Readings& readings, const std::string
     curve.reporter = std::move(source.reporter);
     curve.well = std::move(source.well);
     curve.well.plate = plate;
+    curve.isPlateMeasured = !stage.frames.empty();
   }
 }
 
 }  // namespace
 
-std::vector<AmplificationCurve> AmplificationCurvesOf(const RunReader& run) {
+PlateCurves PlateCurvesOf(const RunReader& run) {
   return Guarded(run.Path().string(), [&] {
-    std::vector<AmplificationCurve> curves;
-    ForEachPlate(run, [&](const RunReader& plate, const std::string& name) {
-      addCurves(plate, plate.Readings(), name, curves);
-    });
-    return curves;
+    PlateCurves result;
+    result.skipped = ForEachStage(
+        run, Stage::kAmplification,
+        [&](const RunReader& plate, const Readings& readings, const StageReadings& stage,
+            const std::string& name) { addCurves(plate, readings, stage, name, result.curves); });
+    return result;
   });
+}
+
+std::vector<AmplificationCurve> AmplificationCurvesOf(const RunReader& run) {
+  return PlateCurvesOf(run).curves;
 }
 
 std::vector<AmplificationCurve> AmplificationCurvesOf(const RunReader& run,
                                                       const Readings& readings) {
   return Guarded(run.Path().string(), [&] {
     std::vector<AmplificationCurve> curves;
-    addCurves(run, readings, {}, curves);
+    const std::string path = run.Path().string();
+    addCurves(run, readings, StageReadingsOf(path, readings, Stage::kAmplification), {}, curves);
     return curves;
   });
 }

@@ -37,19 +37,22 @@ struct AmplificationCurve {
   /// The number of readings that are stored as 65535, the largest number in a document. The true
   /// readings may have been larger.
   std::size_t atStoredLimit = 0;
+  /// Whether the plate was measured at all. In a study there may be plates without readings.
+  bool isPlateMeasured = true;
 };
 
 /// The curves of `run`: one for each well and each of its detectors, sorted by well, and within a
-/// well in the order of its detectors. For a study, the curves of its plates, plate by plate.
+/// well in the order of its detectors. For a study, the curves of its plates, plate by plate; those
+/// of a plate that has no amplification readings with a known meaning have no readings.
 ///
 /// The readings of a detector are those of the channel with the name of its reporter. If there is
 /// only one channel, it belongs to all detectors. A detector without a channel has a curve without
 /// readings. In a document whose wells name no detector, every well with readings has a curve for
 /// each channel.
 ///
-/// Throws `Error` of class `kDocument` if there are no amplification readings with a known meaning:
-/// the document has no frames, or this library did not record the run. Also throws the errors of
-/// `RunReader::Readings`.
+/// Throws `Error` of class `kDocument` if there are no amplification readings with a known meaning,
+/// in a study on no plate: the document has no frames, or this library did not record the run. Also
+/// throws the errors of `RunReader::Readings`.
 VEX2_API std::vector<AmplificationCurve> AmplificationCurvesOf(const RunReader& run);
 /// The curves of one plate from `readings`, the readings of `run`, which the caller has read
 /// already. Rules and errors are those of `AmplificationCurvesOf(run)`.

@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <map>
 #include <utility>
 
 #include "lab/Guarded.h"
 #include "lab/analysis/Comparison.h"
 #include "lab/analysis/CurveRules.h"
+#include "lab/analysis/DetectorSettings.h"
 #include "lab/analysis/NumberText.h"
 #include "lab/analysis/QualityRules.h"
 #include "lab/analysis/StageReadings.h"
@@ -16,8 +18,6 @@
 namespace vex2::lab {
 
 namespace {
-
-using DetectorsByName = std::map<std::string, const Detector*>;
 
 void requireThreshold(const CqOptions& options) {
   if (!options.threshold || (std::isfinite(*options.threshold) && *options.threshold > 0)) return;
@@ -38,22 +38,15 @@ void requireBaseline(const CqOptions& options, const std::vector<AmplificationCu
                                             " has fewer than three cycles of the run");
 }
 
-DetectorsByName byName(const std::vector<Detector>& detectors) {
-  DetectorsByName result;
-  for (const Detector& detector : detectors) result.try_emplace(detector.name, &detector);
-  return result;
-}
-
 std::vector<CurveCase> casesOf(std::vector<AmplificationCurve> curves,
-                               const DetectorsByName& detectors, const CqOptions& options) {
+                               const DetectorSettings& settings, const CqOptions& options) {
   std::vector<CurveCase> cases;
   cases.reserve(curves.size());
   for (AmplificationCurve& curve : curves) {
-    std::optional<CycleRange> baseline = options.baseline;
-    const auto detector = detectors.find(curve.well.detector);
-    if (!baseline && detector != detectors.end()) baseline = SetBaselineOf(*detector->second);
+    const auto baseline = options.baseline ? options.baseline : settings.BaselineOf(curve.well);
     CurveCase& each = cases.emplace_back();
     each.shape = ShapeOf(curve, baseline);
+    if (baseline && each.shape && !each.shape->isBaselineSet) each.unusedBaseline = baseline;
     each.curve = std::move(curve);
   }
   JudgeRises(cases);
@@ -61,7 +54,7 @@ std::vector<CurveCase> casesOf(std::vector<AmplificationCurve> curves,
 }
 
 std::vector<DetectorResult> thresholdsOf(const std::vector<CurveCase>& cases,
-                                         const DetectorsByName& detectors,
+                                         const DetectorSettings& settings,
                                          const CqOptions& options) {
   const auto automatic = AutomaticThresholds(cases);
   std::map<std::string, std::size_t> known;
@@ -71,11 +64,7 @@ std::vector<DetectorResult> thresholdsOf(const std::vector<CurveCase>& cases,
     if (!known.try_emplace(name, results.size()).second) continue;
     DetectorResult& result = results.emplace_back();
     result.name = name;
-    result.threshold = options.threshold;
-    const auto detector = detectors.find(name);
-    if (!result.threshold && detector != detectors.end()) {
-      result.threshold = SetThresholdOf(*detector->second);
-    }
+    result.threshold = options.threshold ? options.threshold : settings.ThresholdOf(name);
     if (result.threshold) continue;
     result.isThresholdAutomatic = true;
     const auto level = automatic.find(name);
@@ -121,6 +110,10 @@ void fitStandards(CqAnalysis& analysis) {
   }
 }
 
+void addFindings(std::vector<QualityFinding> findings, CqAnalysis& analysis) {
+  std::move(findings.begin(), findings.end(), std::back_inserter(analysis.findings));
+}
+
 std::string settingOf(const RunReader& run, std::string_view name) {
   for (const SettingValue& setting : run.Settings()) {
     if (setting.name == name) return ValueText(setting.value);
@@ -128,27 +121,52 @@ std::string settingOf(const RunReader& run, std::string_view name) {
   return {};
 }
 
-std::vector<Detector> detectorsOf(const RunReader& run) {
-  std::vector<Detector> detectors = run.Detectors();
-  if (!run.IsStudy()) return detectors;
-  for (const std::string& name : run.PlateNames()) {
-    const auto more = run.Plate(name).Detectors();
-    detectors.insert(detectors.end(), more.begin(), more.end());
-  }
-  return detectors;
+DetectorSettings settingsOf(const RunReader& run) {
+  DetectorSettings settings;
+  settings.Add("", run.Detectors());
+  if (!run.IsStudy()) return settings;
+  for (const std::string& name : run.PlateNames()) settings.Add(name, run.Plate(name).Detectors());
+  return settings;
 }
 
-CqAnalysis analyse(const RunReader& run, std::vector<AmplificationCurve> curves,
-                   const CqOptions& options) {
+CqAnalysis analyseCurves(std::vector<AmplificationCurve> curves, const DetectorSettings& settings,
+                         const CqOptions& options) {
+  requireThreshold(options);
+  requireBaseline(options, curves);
+  std::vector<CurveCase> cases = casesOf(std::move(curves), settings, options);
+  // Remove the other detectors only now, since a rise is judged by the highest curve of its
+  // channel.
+  KeepDetector(cases, options.detector,
+               [](const CurveCase& each) -> const AnalysedWell& { return each.curve.well; });
+  CqAnalysis analysis;
+  analysis.method = options.method;
+  analysis.detectors = thresholdsOf(cases, settings, options);
+  findCqs(std::move(cases), analysis);
+  fitStandards(analysis);
+  analysis.replicates = ReplicatesOf(analysis.wells, analysis.detectors);
+  analysis.findings = FindProblems(analysis);
+  if (options.threshold) return analysis;
+  for (const DetectorResult& detector : analysis.detectors) {
+    addFindings(settings.FindUnusedThresholds(detector.name), analysis);
+  }
+  return analysis;
+}
+
+CqAnalysis analyse(const RunReader& run, PlateCurves measured, const CqOptions& options) {
   return Guarded(run.Path().string(), [&] {
-    CqAnalysis analysis = AnalyseCurves(std::move(curves), detectorsOf(run), options);
-    analysis.relative =
-        RelativeQuantitiesOf(analysis.wells, analysis.detectors,
-                             {.calibrator = settingOf(run, "calibrator"),
-                              .endogenousControl = settingOf(run, "endogenous-control")});
+    CqAnalysis analysis = analyseCurves(std::move(measured.curves), settingsOf(run), options);
+    const Reference reference{.calibrator = settingOf(run, "calibrator"),
+                              .endogenousControl = settingOf(run, "endogenous-control")};
+    analysis.relative = RelativeQuantitiesOf(analysis.wells, analysis.detectors, reference);
+    // Of one detector alone there is nothing to compare.
+    if (!options.detector) addFindings(FindReferenceProblems(analysis, reference), analysis);
     ForEachPlate(run, [&](const RunReader& plate, const std::string& name) {
-      const auto missing = FindMissingParts(plate, name);
-      analysis.findings.insert(analysis.findings.end(), missing.begin(), missing.end());
+      const auto skipped =
+          std::find_if(measured.skipped.begin(), measured.skipped.end(),
+                       [&](const SkippedPlate& each) { return each.name == name; });
+      addFindings(
+          skipped != measured.skipped.end() ? FindSkipped(*skipped) : FindMissingParts(plate, name),
+          analysis);
     });
     return analysis;
   });
@@ -164,30 +182,17 @@ const DetectorResult* CqAnalysis::Find(std::string_view detector) const {
 
 CqAnalysis AnalyseCurves(std::vector<AmplificationCurve> curves,
                          const std::vector<Detector>& detectors, const CqOptions& options) {
-  requireThreshold(options);
-  requireBaseline(options, curves);
-  const DetectorsByName known = byName(detectors);
-  std::vector<CurveCase> cases = casesOf(std::move(curves), known, options);
-  // Remove the other detectors only now, since a rise is judged by the highest curve of its
-  // channel.
-  KeepDetector(cases, options.detector,
-               [](const CurveCase& each) -> const AnalysedWell& { return each.curve.well; });
-  CqAnalysis analysis;
-  analysis.method = options.method;
-  analysis.detectors = thresholdsOf(cases, known, options);
-  findCqs(std::move(cases), analysis);
-  fitStandards(analysis);
-  analysis.replicates = ReplicatesOf(analysis.wells, analysis.detectors);
-  analysis.findings = FindProblems(analysis);
-  return analysis;
+  DetectorSettings settings;
+  settings.Add("", detectors);
+  return analyseCurves(std::move(curves), settings, options);
 }
 
 CqAnalysis AnalyseCq(const RunReader& run, const CqOptions& options) {
-  return analyse(run, AmplificationCurvesOf(run), options);
+  return analyse(run, PlateCurvesOf(run), options);
 }
 
 CqAnalysis AnalyseCq(const RunReader& run, const Readings& readings, const CqOptions& options) {
-  return analyse(run, AmplificationCurvesOf(run, readings), options);
+  return analyse(run, {.curves = AmplificationCurvesOf(run, readings), .skipped = {}}, options);
 }
 
 std::string_view NameOf(CqMethod method) {

@@ -31,7 +31,9 @@ enum class CqMethod {
 
 /// Why a curve has no quantification cycle.
 enum class NoCq {
-  kNoReadings,    ///< the well was not measured, or no channel has the name of the reporter
+  /// The well was not measured, no channel has the name of the reporter, or all readings are
+  /// missing.
+  kNoReadings,
   kTooFewCycles,  ///< fewer than `kFewestCycles`
   kNoRise,        ///< it does not rise, or rises by less than 5 % of the highest curve
   kNoisy,         ///< it rises by less than 10 times the noise of its baseline
@@ -69,8 +71,11 @@ struct CqResult {
   /// Threshold of the detector; nothing if none of its curves rises.
   std::optional<double> threshold;
   std::optional<CycleRange> baseline;  ///< the cycles of the baseline
-  double baselineIntercept = 0;        ///< the baseline at cycle 0
-  double baselineSlope = 0;            ///< rise of the baseline per cycle
+  /// The baseline that is set for the detector, if it is not used because it has fewer than three
+  /// cycles with readings.
+  std::optional<CycleRange> unusedBaseline;
+  double baselineIntercept = 0;  ///< the baseline at cycle 0
+  double baselineSlope = 0;      ///< rise of the baseline per cycle
   /// Standard deviation of the readings from the baseline. If the baseline has fewer than
   /// `kFewestForLine` cycles, it is at least the noise of a reading in the whole curve.
   double noise = 0;
@@ -108,7 +113,9 @@ struct CqAnalysis {
 
 /// Finds the quantification cycle of every curve of `run`, and evaluates standards, replicates,
 /// relative quantities and quality. The plates of a study are analysed together: a detector has one
-/// threshold for all of them.
+/// threshold for all of them, the first one that the study or a plate sets. A baseline that a plate
+/// sets is used for its wells, one that the study sets for the wells of the other plates. A plate
+/// without readings has curves without readings and a finding.
 ///
 /// Baseline: If a baseline is set for the detector and it is not automatic, a straight line is
 /// fitted to its cycles by least squares. Otherwise the cycles are found for each curve: from the
@@ -135,10 +142,14 @@ struct CqAnalysis {
 /// other curve rises.
 ///
 /// Rise: A curve rises if two consecutive corrected readings, from its take-off on, reach 10 times
-/// the noise of its baseline and 5 % of the height of the highest curve of the channel. The height
-/// of a curve is the median of its last three cycles. A curve is early if half of its rise from the
-/// third cycle on is over by the tenth, and therefore a rise or the maximum of the second
-/// derivative cannot be found.
+/// the noise of its baseline, 7 times their own standard errors, and 5 % of the height of the
+/// highest curve of the channel. The height of a curve is the median of its last three cycles. The
+/// standard error at a cycle is that of a single value that the baseline predicts: for a line
+/// fitted to n cycles with the mean m it is the noise times the root of 1 + 1/n + (cycle - m)^2 /
+/// (sum of (cycles - m)^2), and for a level baseline the noise times the root of 1 + 1/n. The noise
+/// is that of the baseline or of a reading, whichever is larger. A curve is early if half of its
+/// rise from the third cycle on is over by the tenth, and therefore a rise or the maximum of the
+/// second derivative cannot be found.
 ///
 /// Throws the errors of `AmplificationCurvesOf`. Also throws `Error` of class `kUsage` for a
 /// detector that the run does not have, a threshold that is not above 0, and a baseline with fewer

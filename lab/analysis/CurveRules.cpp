@@ -14,6 +14,7 @@ namespace {
 
 constexpr double kLeastRise = 0.05;  // fraction of the highest curve of the channel
 constexpr double kLeastRiseInNoise = 10;
+constexpr double kLeastRiseInErrors = 7;
 constexpr std::size_t kFirstSettled = 2;  // index of the third cycle
 
 // The level at the end of the curve. It is a median, so that a single reading does not decide.
@@ -38,6 +39,10 @@ double riseOf(const CurveShape& shape) {
   return Median({shape.readings.end() - 3, shape.readings.end()}) - shape.readings[kFirstSettled];
 }
 
+bool isWithinNoise(const CurveShape& shape) {
+  return shape.lasting < kLeastRiseInNoise * shape.noise;
+}
+
 bool isRise(const CurveShape& shape, double rise, double leastRise) {
   return rise > 0 && rise >= leastRise && rise >= kLeastRiseInNoise * shape.readingNoise;
 }
@@ -57,10 +62,19 @@ std::optional<double> takeOffCycle(const CurveShape& shape) {
 }
 
 std::string noReadingsNote(const AmplificationCurve& curve) {
+  if (!curve.isPlateMeasured) return "no readings of this plate";
+  if (!curve.readings.empty()) {
+    return "no readings: all " + std::to_string(curve.readings.size()) + " are missing";
+  }
   if (curve.channel.empty() && !curve.reporter.empty()) {
     return "no readings of the dye " + curve.reporter;
   }
   return "no readings";
+}
+
+bool hasReadings(const AmplificationCurve& curve) {
+  return std::any_of(curve.readings.begin(), curve.readings.end(),
+                     [](double reading) { return std::isfinite(reading); });
 }
 
 std::string tooFewNote(const AmplificationCurve& curve) {
@@ -71,9 +85,12 @@ std::string tooFewNote(const AmplificationCurve& curve) {
   return "too few cycles: at least " + std::to_string(kFewestCycles) + " are needed";
 }
 
+std::string baselineText(const CycleRange& range) {
+  return NumberText(range.first) + "-" + NumberText(range.last);
+}
+
 std::string baselineInRiseText(const CurveShape& shape) {
-  return "the set baseline " + NumberText(shape.baselineCycles.first) + "-" +
-         NumberText(shape.baselineCycles.last) + " reaches into the rise";
+  return "the set baseline " + baselineText(shape.baselineCycles) + " reaches into the rise";
 }
 
 // A curve that does not rise can have its take-off in any cycle, so its baseline gets no note.
@@ -81,6 +98,17 @@ std::string setBaselineNote(const CurveCase& found) {
   const CurveShape& shape = *found.shape;
   const bool isAtFault = isBaselineInRise(shape) && isRise(shape, riseOf(shape), found.leastRise);
   return isAtFault ? "; " + baselineInRiseText(shape) : "";
+}
+
+std::string noisyNote(const CurveCase& found) {
+  const CurveShape& shape = *found.shape;
+  const std::string rise = "noisy: rises by " + NumberText(shape.lasting) + ", less than ";
+  if (isWithinNoise(shape)) {
+    return rise + "10 times the noise of the baseline, " + NumberText(shape.noise) +
+           setBaselineNote(found);
+  }
+  return rise + "7 times what the line through cycles " + baselineText(shape.baselineCycles) +
+         " is uncertain there, " + NumberText(shape.lasting / shape.lastingInErrors);
 }
 
 // The note about a curve that has no quantification cycle because it does not rise or is too short.
@@ -93,9 +121,7 @@ std::string noRiseNote(const CurveCase& found) {
     case NoCq::kEarly:
       return "early: most of the rise is before a baseline can be found";
     case NoCq::kNoisy:
-      return "noisy: rises by " + NumberText(found.shape->lasting) +
-             ", less than 10 times the noise of the baseline, " + NumberText(found.shape->noise) +
-             setBaselineNote(found);
+      return noisyNote(found);
     default:
       return "no rise: by " + NumberText(std::max(found.shape->lasting, 0.0)) + " only; " +
              NumberText(found.leastRise) + " is needed" + setBaselineNote(found);
@@ -154,7 +180,7 @@ std::optional<NoCq> whyNoRise(const CurveShape& shape, double leastRise) {
   std::optional<NoCq> reason;
   if (!(shape.lasting > 0) || shape.lasting < leastRise) {
     reason = NoCq::kNoRise;
-  } else if (shape.lasting < kLeastRiseInNoise * shape.noise) {
+  } else if (isWithinNoise(shape) || shape.lastingInErrors < kLeastRiseInErrors) {
     reason = NoCq::kNoisy;
   }
   const bool isDoubtful = reason || shape.isRisingFirst;
@@ -181,24 +207,6 @@ void describeShape(const CurveShape& shape, CqResult& result) {
 
 }  // namespace
 
-std::optional<CycleRange> SetBaselineOf(const Detector& detector) {
-  static const Detector fresh;
-  const bool isFresh =
-      detector.baselineStart == fresh.baselineStart && detector.baselineEnd == fresh.baselineEnd;
-  if (detector.autoBaseline || isFresh) return std::nullopt;
-  return CycleRange{.first = static_cast<double>(detector.baselineStart),
-                    .last = static_cast<double>(detector.baselineEnd)};
-}
-
-std::optional<double> SetThresholdOf(const Detector& detector) {
-  static const Detector fresh;
-  const bool isUsable = std::isfinite(detector.threshold) && detector.threshold > 0;
-  if (detector.autoThreshold || !isUsable || detector.threshold == fresh.threshold) {
-    return std::nullopt;
-  }
-  return detector.threshold;
-}
-
 void JudgeRises(std::vector<CurveCase>& cases) {
   std::map<std::string, double> highest;  // by channel
   for (const CurveCase& each : cases) {
@@ -208,7 +216,7 @@ void JudgeRises(std::vector<CurveCase>& cases) {
   }
   for (CurveCase& each : cases) {
     if (!each.shape) {
-      each.reason = each.curve.cycles.empty() ? NoCq::kNoReadings : NoCq::kTooFewCycles;
+      each.reason = hasReadings(each.curve) ? NoCq::kTooFewCycles : NoCq::kNoReadings;
       continue;
     }
     each.leastRise = kLeastRise * highest[each.curve.channel];
@@ -235,6 +243,7 @@ std::map<std::string, double> AutomaticThresholds(const std::vector<CurveCase>& 
 CqResult ResultOf(CurveCase&& found, CqMethod method, const std::optional<double>& threshold) {
   CqResult result;
   result.threshold = threshold;
+  result.unusedBaseline = found.unusedBaseline;
   if (found.reason) setNone(result, *found.reason, noRiseNote(found));
   const bool isLevel = found.reason && *found.reason != NoCq::kEarly;
   if (found.shape && isLevel && !found.shape->isBaselineSet) UseWholeBaseline(*found.shape);
@@ -251,6 +260,10 @@ CqResult ResultOf(CurveCase&& found, CqMethod method, const std::optional<double
     setNone(result, NoCq::kLate, "late: no curve of the detector takes off within the run");
   }
   if (result.cq) addWarnings(*found.shape, method, result);
+  if (result.unusedBaseline && method == CqMethod::kThreshold) {
+    addNote(result, "the set baseline " + baselineText(*result.unusedBaseline) +
+                        " has fewer than three cycles with readings");
+  }
   return result;
 }
 

@@ -40,17 +40,6 @@ std::vector<std::size_t> measuredIn(const AmplificationCurve& curve) {
   return measured;
 }
 
-// The noise of a reading, estimated from the second differences of the readings. A slope, a bend or
-// a few outliers hardly change these. The variance of a second difference is six times that of a
-// reading, and 1.4826 times the median size is the standard deviation.
-double noiseOf(std::span<const double> y) {
-  std::vector<double> bends;
-  for (std::size_t i = 2; i < y.size(); ++i) {
-    bends.push_back(std::fabs(y[i - 2] - 2 * y[i - 1] + y[i]));
-  }
-  return bends.empty() ? 0 : 1.4826 / std::sqrt(6.0) * Median(std::move(bends));
-}
-
 // Whether the reading is an outlier: above or below at least three of its four neighbours, by more
 // than `limit` and by more than these three differ. If readings only rise or only fall, none of
 // them is an outlier.
@@ -76,7 +65,7 @@ void dropOutliers(const AmplificationCurve& curve, std::vector<std::size_t>& mea
                   CurveShape& shape) {
   std::vector<double> y;
   for (const std::size_t index : measured) y.push_back(curve.readings[index]);
-  shape.readingNoise = noiseOf(y);
+  shape.readingNoise = ReadingNoise(y);
   if (y.size() < kFewestCycles) return;
   const auto [low, high] = std::minmax_element(y.begin(), y.end());
   const double limit = std::max(kOutlierInNoise * shape.readingNoise, kOutlier * (*high - *low));
@@ -142,6 +131,41 @@ void findTakeOff(CurveShape& shape) {
   if (bend < 0) shape.takeOff += std::clamp((before - after) / (2 * bend), -0.5, 0.5);
 }
 
+// What a reading less the baseline is uncertain by, at any cycle. A line is the more uncertain, the
+// farther away its cycles are: in thirty cycles a line through eight of them can climb far above
+// its noise.
+class CorrectedError {
+ public:
+  CorrectedError(double noise, const std::optional<LineFit>& fit, std::size_t cycles)
+      : noise_(noise), fit_(fit), level_(1 + 1 / static_cast<double>(cycles)) {}
+
+  double At(double cycle) const {
+    if (!fit_) return noise_ * std::sqrt(level_);
+    const double distance = cycle - fit_->meanX;
+    return noise_ * std::sqrt(level_ + distance * distance / fit_->sumOfSquares);
+  }
+
+ private:
+  double noise_;
+  const std::optional<LineFit>& fit_;
+  double level_;
+};
+
+// Finds how high the curve stays for two cycles from its take-off on.
+void findLasting(CurveShape& shape, const CorrectedError& error) {
+  constexpr double kNone = -std::numeric_limits<double>::infinity();
+  shape.lasting = shape.lastingInErrors = kNone;
+  const auto inErrors = [&](std::size_t i) {
+    const double uncertain = error.At(shape.cycles[i]);
+    if (uncertain > 0) return shape.corrected[i] / uncertain;
+    return shape.corrected[i] > 0 ? std::numeric_limits<double>::infinity() : kNone;
+  };
+  for (auto i = static_cast<std::size_t>(shape.takeOff); i + 1 < shape.corrected.size(); ++i) {
+    shape.lasting = std::max(shape.lasting, std::min(shape.corrected[i], shape.corrected[i + 1]));
+    shape.lastingInErrors = std::max(shape.lastingInErrors, std::min(inErrors(i), inErrors(i + 1)));
+  }
+}
+
 // Fits the baseline to the readings with the indexes from `first` to below `end`.
 void fitBaseline(CurveShape& shape, std::size_t first, std::size_t end) {
   const auto x = std::span(shape.cycles).subspan(first, end - first);
@@ -160,10 +184,7 @@ void fitBaseline(CurveShape& shape, std::size_t first, std::size_t end) {
   const auto top = std::max_element(from, shape.corrected.end());
   shape.top = static_cast<std::size_t>(top - shape.corrected.begin());
   shape.amplitude = *top;
-  shape.lasting = -std::numeric_limits<double>::infinity();
-  for (auto each = from; each + 1 != shape.corrected.end(); ++each) {
-    shape.lasting = std::max(shape.lasting, std::min(*each, *(each + 1)));
-  }
+  findLasting(shape, {std::max(shape.noise, shape.readingNoise), fit, x.size()});
 }
 
 bool isFilledAround(const std::vector<bool>& isFilled, double takeOff) {
@@ -197,6 +218,14 @@ double between(const std::vector<double>& values, double index) {
 }
 
 }  // namespace
+
+double ReadingNoise(std::span<const double> readings) {
+  std::vector<double> bends;
+  for (std::size_t i = 2; i < readings.size(); ++i) {
+    bends.push_back(std::fabs(readings[i - 2] - 2 * readings[i - 1] + readings[i]));
+  }
+  return bends.empty() ? 0 : 1.4826 / std::sqrt(6.0) * Median(std::move(bends));
+}
 
 double CurveShape::CycleAt(double index) const {
   return between(cycles, index);
@@ -244,8 +273,10 @@ void UseWholeBaseline(CurveShape& shape) {
   const double noise = shape.noise;
   const double amplitude = shape.amplitude;
   const double lasting = shape.lasting;
+  const double lastingInErrors = shape.lastingInErrors;
   fitBaseline(shape, kBaselineBegin, shape.cycles.size());
   shape.lasting = lasting;
+  shape.lastingInErrors = lastingInErrors;
   shape.noise = noise;
   shape.amplitude = amplitude;
 }

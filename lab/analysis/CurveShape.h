@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "lab/analysis/AmplificationCurve.h"
@@ -32,6 +33,8 @@ struct CurveShape {
   double amplitude = 0;        ///< the largest corrected reading from the take-off on
   /// The highest level that two consecutive readings reach from the take-off on.
   double lasting = 0;
+  /// The same as a multiple of the standard error of a corrected reading at its cycle.
+  double lastingInErrors = 0;
 
   /// The cycle at `index`, which may be between two whole indexes.
   double CycleAt(double index) const;
@@ -52,6 +55,11 @@ void UseWholeBaseline(CurveShape& shape);
 /// top. Returns nothing if there is no crossing: the top is below the threshold, or all readings up
 /// to the top are above it.
 std::optional<double> CrossingOf(const CurveShape& shape, double threshold);
+
+/// The noise of a reading, estimated from the second differences of the readings. A slope, a bend
+/// or a few outliers hardly change these. The variance of a second difference is six times that of
+/// a reading, and 1.4826 times the median size is the standard deviation.
+double ReadingNoise(std::span<const double> readings);
 
 /// The number of cycles without a frame. Such cycles are between two cycles that are farther apart
 /// than most.

@@ -16,12 +16,11 @@ namespace {
 constexpr std::size_t kFewestTemperatures = 5;
 constexpr double kLeastOfWell = 0.1;      // fraction of the largest prominence in the well
 constexpr double kLeastOfChannel = 0.05;  // fraction of the largest prominence in the channel
-constexpr double kLeastInNoise = 5;
+constexpr double kLeastInErrors = 8;
 
 /// A curve, and the values by which its peaks are judged.
 struct MeltCase {
   MeltCurve curve;
-  double noise = 0;
   double largest = 0;  ///< largest prominence
 };
 
@@ -31,7 +30,8 @@ void addReadings(const std::vector<double>& temperatures, const std::vector<doub
                  MeltCurve& curve) {
   std::map<double, std::vector<double>> sorted;
   for (std::size_t i = 0; i < readings.size(); ++i) {
-    if (std::isfinite(readings[i])) sorted[temperatures[i]].push_back(readings[i]);
+    if (std::isfinite(readings[i]) && std::isfinite(temperatures[i]))
+      sorted[temperatures[i]].push_back(readings[i]);
   }
   for (const auto& [temperature, values] : sorted) {
     curve.temperatures.push_back(temperature);
@@ -43,18 +43,26 @@ void findPeaks(MeltCase& melt) {
   MeltCurve& curve = melt.curve;
   if (curve.temperatures.size() < kFewestTemperatures) return;
   MeltDerivative derivative = DerivativeOf(curve.temperatures, curve.readings);
+  const double step = SmallestStep(curve.readings);
+  if (step == 0) {  // so that no rounding of the fit counts as a peak
+    return curve.derivative.assign(curve.readings.size(), 0);
+  }
+  // Readings that were rounded to steps differ from the true ones by up to half a step.
+  const double noise = std::max(derivative.noise, step / std::sqrt(12.0));
   curve.derivative = std::move(derivative.values);
-  curve.peaks = AllPeaks(curve.temperatures, curve.derivative);
-  melt.noise = derivative.noise;
-  for (const MeltPeak& peak : curve.peaks) melt.largest = std::max(melt.largest, peak.prominence);
+  curve.peaks = AllPeaks(curve.temperatures, curve.derivative, derivative.errors);
+  for (MeltPeak& peak : curve.peaks) {
+    peak.prominenceError *= noise;
+    melt.largest = std::max(melt.largest, peak.prominence);
+  }
 }
 
-void addPlate(const RunReader& run, const Readings& readings, const std::string& plate,
-              std::vector<MeltCase>& cases) {
-  const StageReadings stage = StageReadingsOf(run.Path().string(), readings, Stage::kMelting);
+void addPlate(const RunReader& run, const Readings& readings, const StageReadings& stage,
+              const std::string& plate, std::vector<MeltCase>& cases) {
   for (AnalysedSource& source : SourcesOf(run, readings, stage.channels)) {
     MeltCase& melt = cases.emplace_back();
-    addReadings(stage.axis, ReadingsOf(source, stage, readings.WellCount()), melt.curve);
+    addReadings(TemperaturesOf(source, stage, readings),
+                ReadingsOf(source, stage, readings.WellCount()), melt.curve);
     if (source.channel) melt.curve.channel = stage.channels[*source.channel];
     melt.curve.well = std::move(source.well);
     melt.curve.well.plate = plate;
@@ -81,10 +89,10 @@ std::vector<MeltCurve> analyse(const std::string& path, std::vector<MeltCase> ca
   std::vector<MeltCurve> curves;
   for (MeltCase& melt : cases) {
     const double limit =
-        std::max({kLeastOfWell * melt.largest, kLeastOfChannel * largest[melt.curve.channel],
-                  kLeastInNoise * melt.noise});
+        std::max(kLeastOfWell * melt.largest, kLeastOfChannel * largest[melt.curve.channel]);
     std::erase_if(melt.curve.peaks, [&](const MeltPeak& peak) {
-      return !(peak.prominence >= limit) || !(peak.prominence > 0);
+      return !(peak.prominence >= limit) ||
+             !(peak.prominence > kLeastInErrors * peak.prominenceError);
     });
     curves.push_back(std::move(melt.curve));
   }
@@ -98,9 +106,9 @@ std::vector<MeltCurve> AnalyseMelt(const RunReader& run,
   const std::string path = run.Path().string();
   return Guarded(path, [&] {
     std::vector<MeltCase> cases;
-    ForEachPlate(run, [&](const RunReader& plate, const std::string& name) {
-      addPlate(plate, plate.Readings(), name, cases);
-    });
+    ForEachStage(run, Stage::kMelting,
+                 [&](const RunReader& plate, const Readings& readings, const StageReadings& stage,
+                     const std::string& name) { addPlate(plate, readings, stage, name, cases); });
     return analyse(path, std::move(cases), detector);
   });
 }
@@ -110,7 +118,7 @@ std::vector<MeltCurve> AnalyseMelt(const RunReader& run, const Readings& reading
   const std::string path = run.Path().string();
   return Guarded(path, [&] {
     std::vector<MeltCase> cases;
-    addPlate(run, readings, {}, cases);
+    addPlate(run, readings, StageReadingsOf(path, readings, Stage::kMelting), {}, cases);
     return analyse(path, std::move(cases), detector);
   });
 }

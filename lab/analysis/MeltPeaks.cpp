@@ -45,7 +45,8 @@ struct Parabola {
   double level = 0;
   double slope = 0;
   double bend = 0;
-  double slopeError = 0;  ///< standard error of the slope
+  double slopeError = 0;  ///< standard error of the slope, where that of a reading is 1
+  double scatter = 0;     ///< standard deviation of the readings about it
 };
 
 // Solves the normal equations of level, slope and bend by Cramer's rule. `sums[k]` is the sum of
@@ -61,7 +62,9 @@ Parabola solve(const std::array<double, 5>& sums, const std::array<double, 3>& p
   return {.level = determinant(p[0], s[1], s[2], p[1], s[2], s[3], p[2], s[3], s[4]) / whole,
           .slope = determinant(s[0], p[0], s[2], s[1], p[1], s[3], s[2], p[2], s[4]) / whole,
           .bend = determinant(s[0], s[1], p[0], s[1], s[2], p[1], s[2], s[3], p[2]) / whole,
-          .slopeError = 0};
+          // The element of the inverted matrix, by its cofactor.
+          .slopeError = std::sqrt((s[0] * s[4] - s[2] * s[2]) / whole),
+          .scatter = 0};
 }
 
 Parabola fitParabola(std::span<const double> temperatures, std::span<const double> readings,
@@ -83,23 +86,39 @@ Parabola fitParabola(std::span<const double> temperatures, std::span<const doubl
     const double fitted = parabola.level + x * (parabola.slope + x * parabola.bend);
     squares += (readings[i] - fitted) * (readings[i] - fitted);
   }
-  const auto count = static_cast<double>(readings.size());
-  const double spread = sums[2] - sums[1] * sums[1] / count;
-  parabola.slopeError = std::sqrt(squares / (count - 3) / spread);
+  // The median of a deviation lies below its mean, the more the fewer degrees of freedom there are
+  // (Wilson and Hilferty 1931): so much is made good.
+  const auto degrees = static_cast<double>(readings.size() - 3);
+  parabola.scatter = std::sqrt(squares / degrees / std::pow(1 - 2 / (9 * degrees), 3));
   return parabola;
 }
 
-// The lowest value of the derivative on one side of the peak, up to where it is higher than the
-// peak again. `step` is 1 or -1.
-double lowestBeside(std::span<const double> values, std::size_t peak, int step) {
-  double lowest = values[peak];
+// The index of the lowest value of the derivative on one side of the peak, up to where it is higher
+// than the peak again. `step` is 1 or -1.
+std::size_t lowestBeside(std::span<const double> values, std::size_t peak, int step) {
+  std::size_t lowest = peak;
   for (auto i = static_cast<std::ptrdiff_t>(peak) + step;
        i >= 0 && i < static_cast<std::ptrdiff_t>(values.size()); i += step) {
-    const double value = values[static_cast<std::size_t>(i)];
-    if (value > values[peak]) break;
-    lowest = std::min(lowest, value);
+    const auto index = static_cast<std::size_t>(i);
+    if (values[index] > values[peak]) break;
+    if (values[index] < values[lowest]) lowest = index;
   }
   return lowest;
+}
+
+// The fall of the derivative on one side of the peak, as the highest multiple of the standard error
+// of such a fall. The lowest value is not used, because it is often one of the uncertain ones at an
+// end of the curve.
+double fallInErrors(std::span<const double> values, std::span<const double> errors,
+                    std::size_t peak, int step) {
+  double most = 0;
+  for (auto i = static_cast<std::ptrdiff_t>(peak) + step;
+       i >= 0 && i < static_cast<std::ptrdiff_t>(values.size()); i += step) {
+    const auto index = static_cast<std::size_t>(i);
+    if (values[index] > values[peak]) break;
+    most = std::max(most, (values[peak] - values[index]) / std::hypot(errors[peak], errors[index]));
+  }
+  return most;
 }
 
 // The temperature on one side of the peak at which the derivative has fallen to `level`.
@@ -138,29 +157,35 @@ void placeTop(std::span<const double> temperatures, std::span<const double> valu
 MeltDerivative DerivativeOf(std::span<const double> temperatures,
                             std::span<const double> readings) {
   MeltDerivative result;
-  std::vector<double> errors;
+  std::vector<double> scatters;
   for (std::size_t i = 0; i < readings.size(); ++i) {
     const Window window = windowAround(temperatures, i);
     const Parabola parabola =
         fitParabola(temperatures.subspan(window.first, window.Size()),
                     readings.subspan(window.first, window.Size()), temperatures[i]);
     result.values.push_back(-parabola.slope);
-    errors.push_back(parabola.slopeError);
+    result.errors.push_back(parabola.slopeError);
+    scatters.push_back(parabola.scatter);
   }
-  result.noise = Median(std::move(errors));
+  result.noise = Median(std::move(scatters));
   return result;
 }
 
 std::vector<MeltPeak> AllPeaks(std::span<const double> temperatures,
-                               std::span<const double> derivative) {
+                               std::span<const double> derivative, std::span<const double> errors) {
   std::vector<MeltPeak> peaks;
   for (std::size_t i = 1; i + 1 < derivative.size(); ++i) {
     if (derivative[i] <= derivative[i - 1] || derivative[i] < derivative[i + 1]) continue;
-    const double base = std::max(lowestBeside(derivative, i, -1), lowestBeside(derivative, i, 1));
+    const std::size_t left = lowestBeside(derivative, i, -1);
+    const std::size_t right = lowestBeside(derivative, i, 1);
+    const std::size_t base = derivative[left] > derivative[right] ? left : right;
     MeltPeak& peak = peaks.emplace_back();
     peak.temperature = temperatures[i];
     peak.height = derivative[i];
-    peak.prominence = derivative[i] - base;
+    peak.prominence = derivative[i] - derivative[base];
+    const double certainty =
+        std::min(fallInErrors(derivative, errors, i, -1), fallInErrors(derivative, errors, i, 1));
+    peak.prominenceError = peak.prominence / certainty;
     const double half = derivative[i] - peak.prominence / 2;
     peak.width = fallTo(temperatures, derivative, i, half, 1) -
                  fallTo(temperatures, derivative, i, half, -1);

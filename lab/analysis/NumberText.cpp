@@ -7,6 +7,12 @@
 
 namespace vex2::lab {
 
+namespace {
+
+constexpr int kMostDecimals = 330;  // of the smallest number above 0
+
+}  // namespace
+
 std::string DecimalsText(double number, int decimals) {
   std::array<char, 400> text{};  // a double has at most 309 digits before the point
   const auto end = std::to_chars(text.data(), text.data() + text.size(), number,
@@ -21,7 +27,6 @@ std::string DecimalsText(double number, int decimals) {
 
 std::string MeasuredText(double number) {
   constexpr int kDigits = 6;
-  constexpr int kMostDecimals = 330;  // enough for the smallest number above 0
   if (number == 0 || !std::isfinite(number)) return DecimalsText(number, 0);
   const int magnitude = static_cast<int>(std::floor(std::log10(std::fabs(number))));
   return DecimalsText(number, std::clamp(kDigits - 1 - magnitude, kDigits, kMostDecimals));
@@ -29,7 +34,6 @@ std::string MeasuredText(double number) {
 
 std::string NumberText(double number) {
   constexpr int kDigits = 3;
-  constexpr int kMostDecimals = 12;
   if (number == 0 || !std::isfinite(number)) return DecimalsText(number, 0);
   const int magnitude = static_cast<int>(std::floor(std::log10(std::fabs(number))));
   return DecimalsText(number, std::clamp(kDigits - 1 - magnitude, 0, kMostDecimals));

@@ -25,24 +25,12 @@ std::string cqText(double cycles) {
   return DecimalsText(cycles, 2);
 }
 
-std::string placeOf(const AnalysedWell& well) {
-  return (well.plate.empty() ? "" : well.plate + " ") + well.name;
-}
-
 QualityFinding findingAt(QualityProblem problem, const AnalysedWell& well, std::string text) {
   return {.problem = problem,
           .plate = well.plate,
           .wells = {well.name},
           .detector = well.detector,
-          .text = placeOf(well) + ": " + std::move(text)};
-}
-
-// The first of `count` names as a list: "A1", "A1, A2 and 7 more".
-std::string listOf(const std::vector<std::string>& names, std::size_t count) {
-  std::string list;
-  const std::size_t shown = std::min(names.size(), kMostListed);
-  for (std::size_t i = 0; i < shown; ++i) list += (i > 0 ? ", " : "") + names[i];
-  return count > shown ? list + " and " + std::to_string(count - shown) + " more" : list;
+          .text = PlaceOf(well) + ": " + std::move(text)};
 }
 
 // --- Replicates ---
@@ -53,10 +41,10 @@ std::string othersOf(const ReplicateGroup& group, const std::vector<CqResult>& w
   std::vector<std::string> names;
   for (const std::size_t index : group.wells) {
     if (names.size() == kMostListed) break;
-    if (index != except && wells[index].cq) names.push_back(placeOf(wells[index].curve.well));
+    if (index != except && wells[index].cq) names.push_back(PlaceOf(wells[index].curve.well));
   }
   const std::size_t count = group.withCq - (wells[except].cq ? 1 : 0);
-  return (count == 1 ? "its replicate " : "its replicates ") + listOf(names, count);
+  return (count == 1 ? "its replicate " : "its replicates ") + ListOf(names, count);
 }
 
 // The median of `sorted` without the value at `index`. `sorted` must have at least two values.
@@ -150,8 +138,17 @@ void findRisingControls(const std::vector<CqResult>& wells, std::vector<QualityF
 // --- Readings ---
 
 // Whether some consecutive readings of the curve are all equal to `limit`, the largest reading of
-// the channel.
-bool isLevelAt(const AmplificationCurve& curve, double limit) {
+// the channel, although those of the baseline differ by more than the steps in which they are
+// stored.
+bool isLevelAt(const CqResult& result, double limit) {
+  const AmplificationCurve& curve = result.curve;
+  std::vector<double> ofBaseline;
+  for (std::size_t i = 0; i < curve.readings.size(); ++i) {
+    const bool isIn = result.baseline && curve.cycles[i] >= result.baseline->first &&
+                      curve.cycles[i] <= result.baseline->last;
+    if (isIn && std::isfinite(curve.readings[i])) ofBaseline.push_back(curve.readings[i]);
+  }
+  if (!(ReadingNoise(ofBaseline) >= SmallestStep(curve.readings))) return false;
   std::size_t level = 0;
   for (const double reading : curve.readings) {
     level = reading == limit ? level + 1 : 0;
@@ -179,7 +176,7 @@ void findSaturation(const std::vector<CqResult>& wells, std::vector<QualityFindi
           QualityProblem::kSaturated, each.curve.well,
           Counted(each.curve.atStoredLimit, "reading is", "readings are") +
               " at the largest number that the document can store: record with a smaller scale"));
-    } else if (each.cq && isLevelAt(each.curve, largest.at(each.curve.channel))) {
+    } else if (each.cq && isLevelAt(each, largest.at(each.curve.channel))) {
       findings.push_back(findingAt(QualityProblem::kSaturated, each.curve.well,
                                    "stays at the largest reading of the run, " +
                                        NumberText(largest.at(each.curve.channel)) +
@@ -219,11 +216,12 @@ void findGaps(const std::vector<CqResult>& wells, std::vector<QualityFinding>& f
 void findOutliers(const std::vector<CqResult>& wells, std::vector<QualityFinding>& findings) {
   for (const CqResult& each : wells) {
     if (each.outliers == 0) continue;
-    findings.push_back(
-        findingAt(QualityProblem::kOutlier, each.curve.well,
-                  Counted(each.outliers, "reading lies", "readings lie") +
-                      " far beside the cycles before and after, and was left out: look at the "
-                      "curve for bubbles or dust"));
+    findings.push_back(findingAt(QualityProblem::kOutlier, each.curve.well,
+                                 Counted(each.outliers, "reading lies", "readings lie") +
+                                     " far beside the cycles before and after, and " +
+                                     (each.outliers == 1 ? "was" : "were") +
+                                     " left out: look at the "
+                                     "curve for bubbles or dust"));
   }
 }
 
@@ -234,6 +232,17 @@ std::string statusText(const RunReader& run) {
 
 }  // namespace
 
+std::string PlaceOf(const AnalysedWell& well) {
+  return (well.plate.empty() ? "" : well.plate + " ") + well.name;
+}
+
+std::string ListOf(const std::vector<std::string>& names, std::size_t count) {
+  std::string list;
+  const std::size_t shown = std::min(names.size(), kMostListed);
+  for (std::size_t i = 0; i < shown; ++i) list += (i > 0 ? ", " : "") + names[i];
+  return count > shown ? list + " and " + std::to_string(count - shown) + " more" : list;
+}
+
 std::vector<QualityFinding> FindProblems(const CqAnalysis& analysis) {
   std::vector<QualityFinding> findings;
   findRisingControls(analysis.wells, findings);
@@ -242,7 +251,17 @@ std::vector<QualityFinding> FindProblems(const CqAnalysis& analysis) {
   findDrift(analysis.wells, findings);
   findGaps(analysis.wells, findings);
   findOutliers(analysis.wells, findings);
+  const auto settings = FindSettingProblems(analysis);
+  findings.insert(findings.end(), settings.begin(), settings.end());
   return findings;
+}
+
+std::vector<QualityFinding> FindSkipped(const SkippedPlate& plate) {
+  return {{.problem = QualityProblem::kIncompletePlate,
+           .plate = plate.name,
+           .wells = {},
+           .detector = {},
+           .text = plate.name + ": is not analysed: " + plate.why}};
 }
 
 std::vector<QualityFinding> FindMissingParts(const RunReader& run, const std::string& name) {
@@ -263,7 +282,7 @@ std::vector<QualityFinding> FindMissingParts(const RunReader& run, const std::st
     if (!well.targets.empty() && !measured.contains(well.number)) missing.push_back(well.name);
   }
   if (!missing.empty()) {
-    const std::string list = listOf(missing, missing.size());
+    const std::string list = ListOf(missing, missing.size());
     const std::string count =
         Counted(missing.size(), "well of the setup was", "wells of the setup were");
     add(std::move(missing), count + " not measured: " + list);
@@ -285,6 +304,10 @@ std::string_view NameOf(QualityProblem problem) {
       return "missing readings";
     case QualityProblem::kOutlier:
       return "outlier reading";
+    case QualityProblem::kSettingNotUsed:
+      return "setting not used";
+    case QualityProblem::kNoStandardCurve:
+      return "no standard curve";
     case QualityProblem::kIncompletePlate:
       break;
   }

@@ -17,6 +17,8 @@ enum class QualityProblem {
   kMissingReadings,   ///< readings of a well are missing
   kIncompletePlate,   ///< wells of the setup were not measured, or the run is not complete
   kOutlier,           ///< readings that differ much from their neighbours were left out
+  kSettingNotUsed,    ///< a setting of the document for the analysis was not used
+  kNoStandardCurve,   ///< there is no standard curve, or standards are not part of it
 };
 
 /// A problem, and the wells with it.
@@ -29,7 +31,8 @@ struct QualityFinding {
 };
 
 /// The name of a problem: "replicate differs", "control rises", "saturated", "drifting baseline",
-/// "missing readings", "incomplete plate" or "outlier reading".
+/// "missing readings", "incomplete plate", "outlier reading", "setting not used" or "no standard
+/// curve".
 VEX2_API std::string_view NameOf(QualityProblem problem);
 
 }  // namespace vex2::lab

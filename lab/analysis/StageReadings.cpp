@@ -6,6 +6,7 @@
 #include <numeric>
 
 #include "lab/model/PlateLayout.h"
+#include "lab/model/WellTemperature.h"
 
 namespace vex2::lab {
 
@@ -22,6 +23,10 @@ double axisValue(const FramePosition& position) {
     return position.temperature.value_or(std::numeric_limits<double>::quiet_NaN());
   }
   return position.cycle.value_or(0);
+}
+
+bool isOf(const FramePosition& position, Stage stage) {
+  return position.stage == stage && std::isfinite(axisValue(position));
 }
 
 // If a program repeats its amplification stage, the cycles begin again. In that case, this replaces
@@ -86,21 +91,35 @@ std::vector<std::optional<std::size_t>> indexesOf(const Readings& readings) {
 
 }  // namespace
 
-StageReadings StageReadingsOf(const std::string& path, const Readings& readings, Stage stage) {
-  if (readings.FrameCount() == 0) refuse(path, stage, "it has no frames of readings");
+std::optional<std::string> WhyNotAnalysed(const Readings& readings, Stage stage) {
+  if (readings.FrameCount() == 0) return "it has no frames of readings";
   if (!readings.Meaning()) {
-    refuse(path, stage, "vex did not record its readings, so their meaning is not known");
+    return "vex did not record its readings, so their meaning is not known";
   }
+  if (std::any_of(readings.Axis().begin(), readings.Axis().end(),
+                  [&](const FramePosition& position) { return isOf(position, stage); })) {
+    return std::nullopt;
+  }
+  return stage == Stage::kMelting ? "the run has no melting stage" : "it has no amplification";
+}
+
+void RequireSomePlate(const RunReader& run, Stage stage, const std::vector<SkippedPlate>& skipped) {
+  const std::size_t plates = run.PlateNames().size();
+  if (skipped.size() < plates) return;
+  refuse(run.Path().string(), stage,
+         plates == 0 ? "the study has no plates"
+                     : "no plate of the study has such readings; " + skipped.front().name + ": " +
+                           skipped.front().why);
+}
+
+StageReadings StageReadingsOf(const std::string& path, const Readings& readings, Stage stage) {
+  if (const auto why = WhyNotAnalysed(readings, stage)) refuse(path, stage, *why);
   StageReadings result;
   for (std::size_t frame = 0; frame < readings.FrameCount(); ++frame) {
     const FramePosition& position = readings.Axis()[frame];
-    if (position.stage != stage || !std::isfinite(axisValue(position))) continue;
+    if (!isOf(position, stage)) continue;
     result.frames.push_back(frame);
     result.axis.push_back(axisValue(position));
-  }
-  if (result.frames.empty()) {
-    refuse(path, stage,
-           stage == Stage::kMelting ? "the run has no melting stage" : "it has no amplification");
   }
   if (stage == Stage::kAmplification) countCycles(result.axis);
   result.channels = channelsOf(*readings.Meaning());
@@ -133,6 +152,18 @@ std::vector<double> ReadingsOf(const AnalysedSource& source, const StageReadings
   for (const std::size_t frame : stage.frames)
     values.push_back(all[frame * wellCount + *source.index]);
   return values;
+}
+
+std::vector<double> TemperaturesOf(const AnalysedSource& source, const StageReadings& stage,
+                                   const Readings& readings) {
+  std::vector<double> temperatures;
+  if (!source.index || !source.channel) return temperatures;
+  temperatures.reserve(stage.frames.size());
+  for (const std::size_t frame : stage.frames) {
+    temperatures.push_back(WellTemperature(readings, frame, *source.index)
+                               .value_or(std::numeric_limits<double>::quiet_NaN()));
+  }
+  return temperatures;
 }
 
 }  // namespace vex2::lab

@@ -83,6 +83,17 @@ double Median(std::vector<double> values) {
   return (*std::max_element(values.begin(), middle) + *middle) / 2;
 }
 
+double SmallestStep(std::vector<double> values) {
+  std::erase_if(values, [](double each) { return !std::isfinite(each); });
+  std::sort(values.begin(), values.end());
+  double smallest = 0;
+  for (std::size_t i = 1; i < values.size(); ++i) {
+    const double step = values[i] - values[i - 1];
+    if (step > 0 && (smallest == 0 || step < smallest)) smallest = step;
+  }
+  return smallest;
+}
+
 double StudentLimit(double probability, std::size_t degreesOfFreedom) {
   // With more degrees of freedom the limit hardly changes.
   const std::size_t degrees = std::clamp<std::size_t>(degreesOfFreedom, 1, 10'000);

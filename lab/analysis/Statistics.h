@@ -35,6 +35,10 @@ std::optional<double> Deviation(std::span<const double> values);
 /// The middle value, or the mean of the two middle values. There must be at least one value.
 double Median(std::vector<double> values);
 
+/// The smallest distance between two different values; 0 where all are equal. Values that are no
+/// numbers are left out.
+double SmallestStep(std::vector<double> values);
+
 /// The limit of Student's t: with this probability, |t| is below it.
 double StudentLimit(double probability, std::size_t degreesOfFreedom);
 

@@ -17,6 +17,7 @@ ordered_json DescribeMelt(const std::vector<MeltCurve>& curves, const std::strin
                        {"height", MeasuredJson(peak.height)},
                        {"width", MeasuredJson(peak.width)}});
     }
+    object["temperatures"] = curve.temperatures.size();
     object["peaks"] = std::move(peaks);
     wells.push_back(std::move(object));
   }

@@ -11,13 +11,12 @@
 #include "lab/model/RawFile.h"
 #include "lab/model/ReadingMatrix.h"
 #include "lab/model/ValuesFromDocument.h"
+#include "lab/model/WellTemperature.h"
 #include "vex2/format/StoredRecords.h"
 
 namespace vex2::lab {
 
 namespace {
-
-constexpr std::uint16_t kAllMissing = 0xFFFF;
 
 bool isUnknown(const FramePosition& position) {
   return position == FramePosition{};
@@ -35,6 +34,7 @@ class ReadingsFiller {
     if (recorded.Log()) matrix_->missing = std::make_shared_for_overwrite<std::uint16_t[]>(cells);
     matrix_->wells = block.wells;
     matrix_->axis.resize(block.frameCount);
+    common_.resize(block.frameCount);
     matrix_->meaning = MeaningOf(recorded.Log());
   }
 
@@ -48,20 +48,50 @@ class ReadingsFiller {
 
   Readings Done() { return Readings(std::move(matrix_)); }
 
+  static const Readings::Matrix& MatrixOf(const Readings& readings) { return *readings.matrix_; }
+
  private:
   void interpret(const Vex2WellRecord& record) {
     const std::size_t frame = cell_ / wells_;
     const auto reading = recorded_.Read(record, frame);
     matrix_->missing[static_cast<std::ptrdiff_t>(cell_)] = reading ? reading->missing : kAllMissing;
     FramePosition& position = matrix_->axis[frame];
-    if (reading && isUnknown(position)) position = PositionOf(*reading);
+    if (!reading) return;
+    if (isUnknown(position)) {
+      position = PositionOf(*reading);
+      common_[frame] = reading->temperature;
+    }
+    takeTemperature(reading->temperature, frame);
+  }
+
+  // Most recorders give all wells of a frame one temperature, which the axis has.
+  void takeTemperature(std::uint16_t temperature, std::size_t frame) {
+    std::vector<std::uint16_t>& own = matrix_->temperatures;
+    if (own.empty()) {
+      if (temperature == common_[frame]) return;
+      own.reserve(common_.size() * wells_);
+      for (const std::uint16_t common : common_) own.insert(own.end(), wells_, common);
+    }
+    own[cell_] = temperature;
   }
 
   std::size_t wells_;
   const RecordedReadings& recorded_;
   std::size_t cell_ = 0;
+  std::vector<std::uint16_t> common_;  // temperature of the first well read in each frame
   std::shared_ptr<Readings::Matrix> matrix_ = std::make_shared<Readings::Matrix>();
 };
+
+std::optional<double> WellTemperature(const Readings& readings, std::size_t frame,
+                                      std::size_t well) {
+  static_cast<void>(readings.Values(frame, well));  // throws for an index that is too large
+  const auto& matrix = ReadingsFiller::MatrixOf(readings);
+  const std::optional<double>& common = matrix.axis[frame].temperature;
+  if (!common || matrix.temperatures.empty()) return common;
+  const std::size_t cell = frame * matrix.wells.size() + well;
+  if (matrix.missing[static_cast<std::ptrdiff_t>(cell)] == kAllMissing) return common;
+  return static_cast<double>(matrix.temperatures[cell]) / kTemperatureSteps;
+}
 
 FrameReader::FrameReader(std::string path, const FileIdentity& identity, const BlockInfo& block,
                          std::string_view log)

@@ -120,7 +120,7 @@ std::string MeltText(const std::vector<MeltCurve>& curves, const TextForm& form)
     for (std::size_t i = 0; i < std::max<std::size_t>(curve.peaks.size(), 1); ++i) {
       auto& row = rows.emplace_back(i == 0 ? place : std::vector<std::string>(place.size()));
       if (curve.peaks.empty()) {
-        row.insert(row.end(), {"none", "", ""});
+        row.insert(row.end(), {curve.readings.empty() ? "no readings" : "none", "", ""});
         continue;
       }
       const MeltPeak& peak = curve.peaks[i];

@@ -127,7 +127,15 @@ TEST(NoCq, OfFewerThanTenCyclesIsTooFewCycles) {
   EXPECT_EQ(ResultOf(CurveOf({1})).reason, NoCq::kTooFewCycles);
   EXPECT_EQ(ResultOf(CurveOf(std::vector<double>(9, 1))).reason, NoCq::kTooFewCycles);
   EXPECT_EQ(ResultOf(CurveOf(std::vector<double>(10, 1))).reason, NoCq::kNoRise);
-  EXPECT_EQ(ResultOf(CurveOf(std::vector<double>(40, kNaN))).reason, NoCq::kTooFewCycles);
+}
+
+TEST(NoCq, OfACurveWithoutAReadingIsNoReadings) {
+  const CqResult missing = ResultOf(CurveOf(std::vector<double>(40, kNaN)));
+  EXPECT_EQ(missing.reason, NoCq::kNoReadings);
+  EXPECT_EQ(missing.note, "no readings: all 40 are missing");
+  AmplificationCurve few = CurveOf(std::vector<double>(40, kNaN));
+  few.readings[7] = 1;
+  EXPECT_EQ(ResultOf(few).reason, NoCq::kTooFewCycles);
 }
 
 TEST(NoCq, WithoutReadingsNamesTheDye) {
@@ -340,6 +348,31 @@ TEST(Noise, OfAShortBaselineIsAtLeastThatOfTheReadings) {
       risen += result.cq && isShort;
     }
     EXPECT_EQ(risen, 0U) << lab::NameOf(method);
+  }
+}
+
+// A line through eight cycles of noise can climb far above the noise in thirty more.
+TEST(Noise, OfALineThroughFewCyclesMakesNoRise) {
+  for (const std::size_t cycles : {30U, 50U}) {
+    std::vector<AmplificationCurve> controls;
+    for (std::uint16_t number = 1; number <= 3000; ++number) {
+      controls.push_back(Measured({.copies = 0, .drift = 0}, number, cycles));
+    }
+    bool isTold = false;
+    for (const CqResult& result : AnalyseCurves(controls, {}).wells) {
+      EXPECT_EQ(result.cq, std::nullopt) << result.curve.well.name;
+      isTold =
+          isTold || result.note.find("7 times what the line through cycles") != std::string::npos;
+    }
+    EXPECT_TRUE(isTold) << cycles;
+  }
+}
+
+TEST(Noise, OfALineThroughFewCyclesLosesNoFaintProduct) {
+  for (std::uint16_t number = 1; number <= 200; ++number) {
+    const CqResult result =
+        ResultOf(Measured({.copies = 2e6, .brightness = 0.5, .drift = 0}, number));
+    EXPECT_TRUE(result.cq) << number << " " << result.note;
   }
 }
 

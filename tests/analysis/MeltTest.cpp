@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <random>
 
 #include "lab/analysis/MeltPeaks.h"
 
@@ -39,7 +40,8 @@ Melt meltOf(const std::vector<Product>& products, double step = 0.2) {
 }
 
 std::vector<MeltPeak> peaksOf(const Melt& melt) {
-  return AllPeaks(melt.temperatures, DerivativeOf(melt.temperatures, melt.readings).values);
+  const auto derivative = DerivativeOf(melt.temperatures, melt.readings);
+  return AllPeaks(melt.temperatures, derivative.values, derivative.errors);
 }
 
 // The peak in the derivative of a logistic curve has the height brightness / (4 steepness), and at
@@ -63,10 +65,14 @@ TEST(MeltPeaks, OfTwoProductsAreTwo) {
 
 TEST(MeltPeaks, OnAShoulderHaveTheProminenceAboveTheValley) {
   const std::vector<double> temperatures = {70, 71, 72, 73, 74, 75, 76};
-  const auto peaks = AllPeaks(temperatures, std::vector<double>{0, 4, 10, 6, 8, 3, 1});
+  const auto peaks = AllPeaks(temperatures, std::vector<double>{0, 4, 10, 6, 8, 3, 1},
+                              std::vector<double>{4, 3, 3, 4, 3, 2, 4});
   ASSERT_EQ(peaks.size(), 2U);
   EXPECT_EQ(peaks[0].prominence, 9);  // above 1, the higher of both ends
   EXPECT_EQ(peaks[1].prominence, 2);  // above the valley of 6
+  // The clearest falls are from 10 to 3 with the errors 3 and 2, and from 8 to 6 with 3 and 4.
+  EXPECT_NEAR(peaks[0].prominenceError, 9 / (7 / std::sqrt(13)), 1e-9);
+  EXPECT_NEAR(peaks[1].prominenceError, 5, 1e-9);
   // At half of the prominence, 7, the peak reaches from 73.5 to 74.2.
   EXPECT_NEAR(peaks[1].width, 0.7, 1e-9);
 }
@@ -87,6 +93,29 @@ TEST(MeltDerivative, OfALineIsItsSlope) {
   const auto derivative = DerivativeOf(melt.temperatures, melt.readings);
   EXPECT_THAT(derivative.values, testing::Each(testing::DoubleNear(0.25, 1e-6)));
   EXPECT_NEAR(derivative.noise, 0, 1e-6);
+}
+
+// By the inverse of the normal equations: in the middle of five readings the slope has the error of
+// a line's, 1 / root 10; at an end that of a parabola's, whose bend is as uncertain.
+TEST(MeltDerivative, HasTheErrorsOfAParabola) {
+  const std::vector<double> temperatures = {60, 61, 62, 63, 64, 65, 66};
+  const auto derivative = DerivativeOf(temperatures, std::vector<double>(7, 1));
+  EXPECT_NEAR(derivative.errors[3], 1 / std::sqrt(10), 1e-9);
+  EXPECT_NEAR(derivative.errors[0], std::sqrt(0.1 + 16.0 / 14), 1e-9);
+  EXPECT_NEAR(derivative.errors[6], derivative.errors[0], 1e-9);
+}
+
+TEST(MeltDerivative, HasTheNoiseOfTheReadings) {
+  std::mt19937 random(3);
+  std::normal_distribution<double> noise(0, 0.02);
+  Melt melt = meltOf({}, 0.5);
+  double sum = 0;
+  constexpr int kCurves = 200;
+  for (int i = 0; i < kCurves; ++i) {
+    for (double& reading : melt.readings) reading = 1 + noise(random);
+    sum += DerivativeOf(melt.temperatures, melt.readings).noise;
+  }
+  EXPECT_NEAR(sum / kCurves, 0.02, 0.001);
 }
 
 TEST(MeltDerivative, OfUnevenTemperaturesIsExactForAParabola) {

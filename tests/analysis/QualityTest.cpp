@@ -81,6 +81,9 @@ TEST(Quality, NamesOutlierReadings) {
   curve.readings[8] += 3;
   EXPECT_THAT(findingsOf({curve}, QualityProblem::kOutlier),
               ElementsAre(HasSubstr("A1: 1 reading lies far beside")));
+  curve.readings[30] -= 3;
+  EXPECT_THAT(findingsOf({curve}, QualityProblem::kOutlier),
+              ElementsAre(testing::ContainsRegex("A1: 2 readings lie .*, and were left out")));
 }
 
 TEST(Quality, CountsCyclesWithoutAFrameAsMissing) {
@@ -111,6 +114,52 @@ TEST(Quality, NamesReadingsAtTheLimit) {
   EXPECT_THAT(findingsOf({curve}, QualityProblem::kSaturated),
               ElementsAre("A1: stays at the largest reading of the run, 5: the detector may be "
                           "saturated"));
+}
+
+// Simulated readings, or those of a coarse scale, are equal without a limit.
+TEST(Quality, OfAPlateauWithoutNoiseIsNotSaturated) {
+  for (const double step : {0.001, 0.01}) {
+    AmplificationCurve curve = Measured({});
+    for (std::size_t i = 0; i < curve.readings.size(); ++i) {
+      curve.readings[i] = 0.5 + LightOf({}, 40)[i + 1];
+      curve.readings[i] = step * std::round(curve.readings[i] / step);
+    }
+    std::fill(curve.readings.end() - 5, curve.readings.end(), curve.readings.back());
+    EXPECT_THAT(findingsOf({curve}, QualityProblem::kSaturated), testing::IsEmpty()) << step;
+  }
+}
+
+AmplificationCurve standard(double quantity, std::uint16_t number, double copies = 1000) {
+  AmplificationCurve curve = Measured({.copies = copies}, number);
+  curve.well.task = "STND";
+  curve.well.quantity = quantity;
+  return curve;
+}
+
+TEST(Quality, SaysWhyStandardsMakeNoCurve) {
+  const auto whyOf = [](const std::vector<AmplificationCurve>& curves) {
+    return findingsOf(curves, QualityProblem::kNoStandardCurve);
+  };
+  EXPECT_THAT(whyOf({standard(1e3, 1), standard(1e4, 2, 1e4)}),
+              ElementsAre("MYC: has no standard curve: only 2 standards have a Cq, and three are "
+                          "needed"));
+  EXPECT_THAT(whyOf({standard(8, 1), standard(8, 2), standard(8, 3)}),
+              ElementsAre("MYC: has no standard curve: all standards with a Cq have the quantity "
+                          "8, and two quantities are needed"));
+  EXPECT_THAT(whyOf({standard(8, 1), standard(80, 2, 0)}),
+              ElementsAre("MYC: has no standard curve: the only standard with a Cq has the "
+                          "quantity 8, and two quantities are needed"));
+  EXPECT_THAT(whyOf({standard(8, 1, 0), standard(80, 2, 0)}),
+              ElementsAre("MYC: has no standard curve: no standard has a Cq"));
+  EXPECT_THAT(whyOf({standard(0, 1), standard(0, 2)}),
+              ElementsAre("MYC: has no standard curve: no standard has a quantity above 0"));
+  EXPECT_THAT(whyOf({standard(1e3, 1, 1e5), standard(1e4, 2, 1e4), standard(1e5, 3, 1e3)}),
+              ElementsAre("MYC: no quantity is read off the standard curve, because it does not "
+                          "fall"));
+  EXPECT_THAT(
+      whyOf({standard(1e3, 1, 1e3), standard(1e4, 2, 1e4), standard(1e5, 3, 1e5), standard(0, 4)}),
+      ElementsAre("MYC: 1 standard has no quantity above 0: A4"));
+  EXPECT_THAT(whyOf({sampleCurve({}, 1)}), testing::IsEmpty());
 }
 
 TEST(Quality, NamesADriftingBaseline) {

@@ -5,13 +5,15 @@
 
 #include <limits>
 #include <numeric>
+#include <random>
 
 #include "lab/analysis/Cq.h"
 #include "lab/analysis/CqStorage.h"
 #include "lab/analysis/Melt.h"
 #include "lab/model/RunLog.h"
+#include "lab/model/WellTemperature.h"
 #include "lab/record/RunRecorder.h"
-#include "tests/analysis/Curves.h"
+#include "tests/analysis/AnalysedRun.h"
 #include "tests/lab/ErrorOf.h"
 #include "tests/lab/RunDocuments.h"
 #include "vex2/manager/Vex2FileManager.h"
@@ -27,41 +29,10 @@ using lab::RecordingPlan;
 using lab::RunReader;
 using testing::HasSubstr;
 
-class RunAnalysisTest : public TempFolderTest {
+class RunAnalysisTest : public AnalysedRunTest {
  protected:
-  /// A plan of two wells, each with a detector of this reporter.
-  static RecordingPlan planOf(const std::string& reporter) {
-    RecordingPlan plan;
-    for (std::uint16_t number = 1; number <= 2; ++number) {
-      plan.plate.wells.push_back({.number = number,
-                                  .name = {},
-                                  .sample = "liver",
-                                  .targets = {{"MYC", "UNKN", {}, reporter}}});
-    }
-    plan.scale = lab::ReadingScale(1000);
-    return plan;
-  }
-
-  /// Records a simulated curve in each well. The curve in channel c (from 0) starts with 10^(c + 2)
-  /// copies.
-  void record(const RecordingPlan& plan, std::size_t cycles) {
-    lab::RunRecorder recorder(path_, plan);
-    const std::size_t channels = std::max<std::size_t>(plan.channels.size(), 1);
-    for (std::size_t cycle = 1; cycle <= cycles; ++cycle) {
-      lab::MeasuredFrame frame{.stage = lab::Stage::kAmplification,
-                               .cycle = static_cast<std::uint16_t>(cycle),
-                               .wells = {}};
-      for (const std::uint16_t well : recorder.Wells()) {
-        auto& measured = frame.wells.emplace_back();
-        measured.well = well;
-        for (std::size_t channel = 0; channel < channels; ++channel) {
-          const auto copies = std::pow(10, static_cast<double>(channel) + 2);
-          measured.values.push_back(Measured({.copies = copies}, well, cycles).readings[cycle - 1]);
-        }
-      }
-      recorder.Append(frame);
-    }
-    recorder.Finish();
+  void record(const RecordingPlan& plan, std::size_t cycles) const {
+    AnalysedRunTest::record(plan, cycles, path_);
   }
 
   std::string messageOf(const std::function<void(const RunReader&)>& analyse) const {
@@ -77,8 +48,6 @@ class RunAnalysisTest : public TempFolderTest {
   std::string meltMessage() const {
     return messageOf([](const RunReader& run) { static_cast<void>(AnalyseMelt(run)); });
   }
-
-  std::string path_ = folder_ / "run.vex";
 };
 
 TEST_F(RunAnalysisTest, ReadsADetectorThroughTheChannelOfItsReporter) {
@@ -203,6 +172,72 @@ TEST_F(RunAnalysisTest, OfARunInProgressAndWellsNotMeasuredFindsThemMissing) {
   EXPECT_THAT(texts, testing::Contains("1 well of the setup was not measured: B2"));
 }
 
+std::vector<std::string> textsOf(const CqAnalysis& analysis, lab::QualityProblem problem) {
+  std::vector<std::string> texts;
+  for (const auto& finding : analysis.findings) {
+    if (finding.problem == problem) texts.push_back(finding.text);
+  }
+  return texts;
+}
+
+TEST_F(RunAnalysisTest, SaysWhichReferenceNoWellHas) {
+  struct Case {
+    std::string calibrator;
+    std::string control;
+    std::string text;
+  };
+  const std::vector<Case> cases = {
+      {"Liver", "myc",
+       "samples are not compared, because no well has the endogenous control 'myc'; did you mean "
+       "'MYC'?"},
+      {"Liver", "ACT",
+       "there are no ratios, because no well has the calibrator 'Liver'; did you mean 'liver'?"},
+      {"liver", "",
+       "samples are not compared with the calibrator 'liver', because no endogenous control is "
+       "set"},
+      {"kidney", "ACT",
+       "1 sample has no Cq of the endogenous control 'ACT', and is not compared: kidney"},
+      {"kidney", "ACT",
+       "there are no ratios of MYC, because the calibrator 'kidney' has no Cq to compare with"}};
+  for (const Case& each : cases) {
+    const std::string path = folder_ / (each.calibrator + each.control + ".vex");
+    RecordingPlan plan = planOf("FAM", 3);
+    plan.plate.wells[1].targets[0].detector = "ACT";
+    plan.plate.wells[2].sample = "kidney";
+    for (const auto& [name, value] : {std::pair("calibrator", each.calibrator),
+                                      std::pair("endogenous-control", each.control)}) {
+      if (!value.empty()) plan.settings.push_back({name, value});
+    }
+    if (!std::filesystem::exists(path)) AnalysedRunTest::record(plan, 40, path);
+    EXPECT_THAT(textsOf(AnalyseCq(RunReader(path)), lab::QualityProblem::kSettingNotUsed),
+                testing::Contains(each.text));
+    EXPECT_THAT(textsOf(AnalyseCq(RunReader(path), {.detector = "MYC"}),
+                        lab::QualityProblem::kSettingNotUsed),
+                testing::IsEmpty());
+  }
+}
+
+TEST_F(RunAnalysisTest, SaysWhichSettingsOfADetectorAreNotUsed) {
+  RecordingPlan plan = planOf("FAM");
+  lab::Detector& detector = plan.detectors.emplace_back();
+  detector.name = "MYC";
+  detector.reporterDye = "FAM";
+  detector.baselineStart = 50;
+  detector.baselineEnd = 60;
+  detector.threshold = -1;
+  record(plan, 40);
+  const CqAnalysis analysis = AnalyseCq(RunReader(path_));
+  EXPECT_THAT(
+      textsOf(analysis, lab::QualityProblem::kSettingNotUsed),
+      testing::UnorderedElementsAre(
+          "MYC: the baseline 50-60 is not used, because it has fewer than three cycles with "
+          "readings",
+          "MYC: the threshold -1 is not used, because it is no number above 0"));
+  EXPECT_EQ(analysis.wells[0].note,
+            "the set baseline 50-60 has fewer than three cycles with readings");
+  EXPECT_EQ(analysis.wells[0].unusedBaseline, (lab::CycleRange{50, 60}));
+}
+
 TEST_F(RunAnalysisTest, StoresItsCyclesWhereApplicationsLookForThem) {
   record(planOf("FAM"), 40);
   const CqAnalysis analysis = AnalyseCq(RunReader(path_));
@@ -238,6 +273,75 @@ TEST_F(RunAnalysisTest, FindsTheMeltingPeaksOfASimulatedRun) {
   EXPECT_EQ(AnalyseMelt(RunReader(path_), "target B").size(), 12U);
   EXPECT_EQ(ErrorOf([&] { AnalyseMelt(RunReader(path_), "none"); }).Class(),
             lab::ErrorClass::kUsage);
+}
+
+TEST_F(RunAnalysisTest, OfNoiseAloneHasNoMeltingPeaks) {
+  std::mt19937 random(7);
+  std::normal_distribution<double> noise(0, 0.003);
+  for (const double step : {0.5, 0.3, 0.15}) {
+    for (const double fall : {0.0, 0.01}) {
+      const std::string path = folder_ / ("noise" + std::to_string(step + fall) + ".vex");
+      RecordingPlan plan = planOf("FAM", 96);
+      plan.scale = lab::ReadingScale(20000);
+      recordMelting(plan, static_cast<std::size_t>(35 / step), path,
+                    [&](std::uint16_t, std::size_t at) {
+                      const double warmer = step * static_cast<double>(at);
+                      return MeltReading{60 + warmer, 1 - fall * warmer + noise(random)};
+                    });
+      for (const lab::MeltCurve& curve : AnalyseMelt(RunReader(path))) {
+        EXPECT_TRUE(curve.peaks.empty()) << step << " " << fall << " " << curve.well.name;
+      }
+    }
+  }
+}
+
+// A product of a tenth of the light is far above the noise.
+TEST_F(RunAnalysisTest, FindsAFaintProductInNoise) {
+  std::mt19937 random(8);
+  std::normal_distribution<double> noise(0, 0.003);
+  RecordingPlan plan = planOf("FAM", 48);
+  plan.scale = lab::ReadingScale(20000);
+  recordMelting(plan, 117, path_, [&](std::uint16_t, std::size_t at) {
+    const double temperature = 60 + 0.3 * static_cast<double>(at);
+    return MeltReading{temperature,
+                       1 + noise(random) + 0.1 / (1 + std::exp((temperature - 82) / 0.8))};
+  });
+  for (const lab::MeltCurve& curve : AnalyseMelt(RunReader(path_))) {
+    ASSERT_EQ(curve.peaks.size(), 1U) << curve.well.name;
+    EXPECT_NEAR(curve.peaks[0].temperature, 82, 1);
+    EXPECT_GT(curve.peaks[0].prominence, 8 * curve.peaks[0].prominenceError);
+  }
+}
+
+TEST_F(RunAnalysisTest, OfLevelOrSteppedReadingsHasNoMeltingPeaks) {
+  for (const double fall : {0.0, 0.00004}) {  // of 0.001, which is stored, in 25 steps
+    const std::string path = folder_ / (fall == 0 ? "level.vex" : "steps.vex");
+    recordMelting(planOf("FAM"), 175, path, [&](std::uint16_t, std::size_t at) {
+      return MeltReading{60 + 0.2 * static_cast<double>(at), 0.7 - fall * static_cast<double>(at)};
+    });
+    for (const lab::MeltCurve& curve : AnalyseMelt(RunReader(path))) {
+      EXPECT_TRUE(curve.peaks.empty()) << fall << " " << curve.peaks[0].temperature;
+    }
+  }
+}
+
+// Of a gradient of the block.
+TEST_F(RunAnalysisTest, TakesTheMeltingTemperaturesOfEachWell) {
+  recordMelting(planOf("FAM", 3), 117, path_, [](std::uint16_t well, std::size_t at) {
+    const double temperature = 60 + 0.3 * static_cast<double>(at) + 0.5 * (well - 1);
+    return MeltReading{temperature, 1 + 4 / (1 + std::exp((temperature - 82) / 0.8))};
+  });
+  const auto curves = AnalyseMelt(RunReader(path_));
+  ASSERT_EQ(curves.size(), 3U);
+  for (const lab::MeltCurve& curve : curves) {
+    EXPECT_EQ(curve.temperatures.front(), 60 + 0.5 * (curve.well.number - 1));
+    ASSERT_EQ(curve.peaks.size(), 1U);
+    EXPECT_NEAR(curve.peaks[0].temperature, 82, 0.05) << curve.well.name;
+  }
+  const lab::Readings readings = RunReader(path_).Readings();
+  EXPECT_EQ(readings.Axis()[1].temperature, 60.3);
+  EXPECT_EQ(lab::WellTemperature(readings, 1, 0), 60.3);
+  EXPECT_EQ(lab::WellTemperature(readings, 1, 2), 61.3);
 }
 
 TEST_F(RunAnalysisTest, OfThreeTemperaturesHasTooFew) {

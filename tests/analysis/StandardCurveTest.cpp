@@ -114,6 +114,17 @@ TEST(MeasuredText, KeepsSmallNumbers) {
   EXPECT_EQ(lab::MeasuredText(0), "0");
 }
 
+TEST(NumberText, KeepsSmallNumbers) {
+  EXPECT_EQ(lab::NumberText(1.234e-15), "0.00000000000000123");
+  EXPECT_EQ(lab::NumberText(0.01234), "0.0123");
+}
+
+TEST(SmallestStep, IsThatOfDifferentValues) {
+  EXPECT_EQ(lab::SmallestStep({3, 1, 1, 1.5, NAN, 3}), 0.5);
+  EXPECT_EQ(lab::SmallestStep({2, 2}), 0);
+  EXPECT_EQ(lab::SmallestStep({}), 0);
+}
+
 TEST(LineFit, ThroughEqualValuesHasNoScatter) {
   const std::vector<double> x = {1, 2, 3};
   const std::vector<double> y(3, 0.1 + 0.2);

@@ -107,15 +107,24 @@ class Curve:
         self.baseline = xs[0], xs[-1]
         intercept, slope = line(xs, ys) if len(xs) >= 8 else (statistics.fmean(ys), 0.0)
         rest = sum((y - intercept - slope * x) ** 2 for x, y in zip(xs, ys))
-        self.noise = math.sqrt(rest / (len(xs) - (2 if len(xs) >= 8 else 1)))
-        if len(xs) < 8:
+        is_line = len(xs) >= 8
+        self.noise = math.sqrt(rest / (len(xs) - (2 if is_line else 1)))
+        if not is_line:
             self.noise = max(self.noise, self.reading_noise)
+        mean = statistics.fmean(xs)
+        spread = sum((x - mean) ** 2 for x in xs) if is_line else math.inf
+        scatter = max(self.noise, self.reading_noise)
+        self.errors = [scatter * math.sqrt(1 + 1 / len(xs) + (x - mean) ** 2 / spread)
+                       for x in self.cycles]
         self.corrected = [y - intercept - slope * x for x, y in zip(self.cycles, self.y)]
         top = max(range(int(self.take_off), len(self.y)), key=lambda i: (self.corrected[i], -i))
         self.top, self.amplitude = top, self.corrected[top]
         begin = int(self.take_off)
         self.lasting = max(min(pair) for pair in zip(self.corrected[begin:],
                                                      self.corrected[begin + 1:]))
+        is_sure = [value > 0 and value >= 7 * error
+                   for value, error in zip(self.corrected, self.errors)][begin:]
+        self.is_sure = any(map(all, zip(is_sure, is_sure[1:])))
 
     def find_baseline(self):
         third = 2
@@ -153,7 +162,7 @@ def analyse(curves):
     """The values of each curve for each method: cq, threshold, begin and end of the baseline."""
     usable = [curve for curve in curves if curve.usable]
     highest = max(statistics.median(curve.corrected[-3:]) for curve in usable)
-    rising = [curve for curve in usable if curve.lasting > 0
+    rising = [curve for curve in usable if curve.lasting > 0 and curve.is_sure
               and curve.lasting >= 10 * curve.noise and curve.lasting >= 0.05 * highest
               and not (curve.begins_rising and curve.is_early(0.05 * highest))]
     levels = {}
