@@ -13,7 +13,7 @@
 #include "lab/check/RecordCheck.h"
 #include "lab/check/RepairPlan.h"
 #include "lab/check/UncommittedCheck.h"
-#include "lab/import/Import.h"
+#include "lab/formats/ImportFormat.h"
 #include "lab/model/Document.h"
 #include "lab/model/RawFile.h"
 #include "vex2/format/RecordKinds.h"

@@ -16,9 +16,6 @@ namespace vex2::lab {
 /// a time. Lists what the object does not hold: records of kinds that have no values.
 Losses WriteWholeJson(std::ostream& out, const Document& document, bool asLines);
 
-/// Whether the text begins like a text that `WriteWholeJson` wrote.
-bool IsWholeJson(std::string_view text);
-
 /// Reads a text of either form into `document`, which must be empty. Errors name `file` and the
 /// path in the JSON.
 void ReadWholeJson(std::string_view text, const std::string& file, DocumentFile& document);

@@ -317,10 +317,6 @@ class DocumentFiller {
 
 }  // namespace
 
-bool IsWholeJson(std::string_view text) {
-  return text.starts_with("{\"version\":") && text.find("\"document\":\"vex\"") < 40;
-}
-
 void ReadWholeJson(std::string_view text, const std::string& file, DocumentFile& document) {
   DocumentFiller(file, document).Read(text);
 }

@@ -6,7 +6,7 @@
 #include <iostream>
 #include <optional>
 
-#include "lab/import/Import.h"
+#include "lab/formats/ImportFormat.h"
 #include "lab/json/Json.h"
 #include "tools/vex/Terminal.h"
 

@@ -1,10 +1,9 @@
-#include "lab/import/ImportFormats.h"
+#include "lab/formats/ImportFormats.h"
 
 #include <array>
 #include <utility>
 
 #include "lab/Error.h"
-#include "lab/json/WholeJson.h"
 #include "lab/model/RawFile.h"
 #include "lab/rdml/Rdes.h"
 #include "lab/rdml/RdmlSource.h"
@@ -24,6 +23,11 @@ constexpr std::array<std::pair<std::string_view, ImportFormat>, 4> kFormats = {
 bool hasRdml(std::string_view text) {
   return text.find("<rdml") != std::string_view::npos ||
          text.find(":rdml") != std::string_view::npos;
+}
+
+// Whether the text begins as `WriteWholeJson` writes it.
+bool isWholeJson(std::string_view text) {
+  return text.starts_with("{\"version\":") && text.find("\"document\":\"vex\"") < 40;
 }
 
 }  // namespace
@@ -57,7 +61,7 @@ std::optional<ImportFormat> FormatOfHead(std::string head) {
   if (head.starts_with("\xEF\xBB\xBF")) head.erase(0, 3);
   head.erase(0, head.find_first_not_of("\r\n"));
   if (IsRdes(head)) return ImportFormat::kRdes;
-  if (IsWholeJson(head)) return ImportFormat::kJson;
+  if (isWholeJson(head)) return ImportFormat::kJson;
   const std::string names = head.substr(0, head.find('\n'));
   if (names.find("fluorescence") != std::string::npos) return ImportFormat::kCsv;
   return std::nullopt;

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "lab/import/Import.h"
+#include "lab/formats/ImportFormat.h"
 
 namespace vex2::lab {
 
