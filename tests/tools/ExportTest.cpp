@@ -42,7 +42,7 @@ TEST_F(Export, OfSeveralDocumentsWritesAFileOfEach) {
   const std::string other = folder_ / "other.vex";
   std::filesystem::copy_file(path_, other);
   const std::string name = std::filesystem::path(path_).stem();
-  const std::filesystem::path tables = folder_ / "new" / "tables";
+  const std::filesystem::path tables = folder_ / "new/tables";
   EXPECT_EQ(Output({"export", "-j", "2", path_, other, "-o", tables}), "");
   for (const std::string& each : {name, std::string("other")}) {
     EXPECT_EQ(textOf(tables / (each + ".csv")), kTable);
@@ -76,10 +76,9 @@ TEST_F(Export, OfSeveralDocumentsRefusesBeforeItWritesAny) {
   EXPECT_EQ(refusalOf({"export", path_, other, "-o", tables}),
             "vex: " + inTheWay + ": already exists; use --force to overwrite it\n");
   std::filesystem::create_directories(folder_ / "again");
-  std::filesystem::copy_file(path_, folder_ / "again" / "other.vex");
-  EXPECT_THAT(
-      refusalOf({"export", other, folder_ / "again" / "other.vex", "-o", tables, "--force"}),
-      HasSubstr("is given for two outputs"));
+  std::filesystem::copy_file(path_, folder_ / "again/other.vex");
+  EXPECT_THAT(refusalOf({"export", other, folder_ / "again/other.vex", "-o", tables, "--force"}),
+              HasSubstr("is given for two outputs"));
   EXPECT_EQ(textOf(inTheWay), "mine");
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(tables), {}), 1);
 }
