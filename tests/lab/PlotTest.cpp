@@ -200,13 +200,13 @@ TEST(Svg, RowLettersAndWellTextsAreInTheMiddleOfTheirRows) {
   for (const unsigned columns : {12U, 24U, 48U}) {
     Scene scene;
     ScenePlate plate{.name = {}, .rows = columns / 3 * 2, .columns = columns, .wells = {}};
-    plate.wells.push_back({.row = 2, .column = 0, .look = {.group = 0, .share = {}}, .text = "31"});
+    plate.wells.push_back({.row = 2, .column = 0, .look = {.group = 0, .share = {}}, .text = "3x"});
     scene.plates.push_back(plate);
     const std::string svg = SvgOf(scene);
     const double size = attributeOf(svg, ">C</text>", "font-size");
     const double middle = std::stod(svg.substr(svg.find(" cy=\"", svg.rfind("<circle")) + 5));
     EXPECT_NEAR(attributeOf(svg, ">C</text>", "y") - 0.36 * size, middle, 0.02) << columns;
-    EXPECT_NEAR(attributeOf(svg, ">31</text>", "y") - 0.36 * size, middle, 0.02) << columns;
+    EXPECT_NEAR(attributeOf(svg, ">3x</text>", "y") - 0.36 * size, middle, 0.02) << columns;
   }
 }
 
