@@ -32,7 +32,7 @@ class CqCommand final : public Command {
         .AllowOnly({"threshold", "sdm"})
         .Show("NAME");
     options.Add("--threshold", options_.threshold,
-                "Threshold of all detectors, in the unit of the readings");
+                "Threshold of all detectors, in units of the readings");
     options.Add("--baseline", baseline_, "Baseline of all curves: cycles A to B").Show("A-B");
     shared_.AddTo(options);
   }

@@ -51,7 +51,7 @@ class ExportCommand final : public Command {
     options.Add("--stage", form_.stage, "rdes: amplification or melt; default with -o: both")
         .AllowOnly({"amplification", "melt"})
         .Show("STAGE");
-    options.Add("-o,--output", target_, "File, or folder for several; standard output by default")
+    options.Add("-o,--output", target_, "File, or folder for several; default: standard output")
         .Show("OUT");
     form_.losses.AddOptions(options);
     options.AddFlag("--force", form_.isForced, "Overwrite OUT if it exists");
