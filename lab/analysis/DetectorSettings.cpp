@@ -87,7 +87,7 @@ std::vector<QualityFinding> DetectorSettings::FindUnusedThresholds(
       if (isThresholdSet(entry.detector) && set != 0) {
         add(entry.plate, "the threshold " + NumberText(set) +
                              (entry.plate.empty() ? "" : " of " + entry.plate) +
-                             " is not used, because it is no number above 0");
+                             " is not used, because it is not a number above 0");
       }
     } else if (used == nullptr) {
       used = &entry;

@@ -104,7 +104,7 @@ class Document {
 };
 
 /// Throws an error if the file at `path` is a document whose run is in progress. Does nothing if
-/// there is no document at `path`.
+/// `path` does not exist or is not a document.
 void RequireNoRunAt(const std::string& path);
 
 /// A note for the user: `what` was made from the document at `path` while its run was in progress.

@@ -24,8 +24,8 @@ std::optional<FileContent> ContentOf(const std::string& path);
 /// coarse, it also includes the content.
 class FileState {
  public:
-  /// Notes the state of the file at `path`, or that there is no file. If the file changed just now,
-  /// waits a moment, because a second change could get the same time.
+  /// Keeps the state of the file at `path`, or the fact that the file does not exist. If the file
+  /// changed just now, waits a moment, because a second change could get the same time.
   static FileState Note(const std::string& path);
 
   /// Whether the file at `path` has not changed since `Note`.

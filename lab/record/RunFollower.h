@@ -68,7 +68,8 @@ class VEX2_API RunFollower {
   /// The names of the channels. Empty if each well has one channel without a name, or if the
   /// meaning of the readings is not known.
   std::vector<std::string> Channels() const;
-  /// The other content of the document, as it was last read; nothing if there is no document yet.
+  /// The content of the document other than its frames, as it was last read. Has no value while the
+  /// document does not exist.
   /// Valid until `Next` is called.
   const std::optional<RunReader>& Run() const;
 

@@ -189,7 +189,7 @@ std::uint64_t RecoverPass::keepPlateEnd(std::uint64_t offset) {
   return offset + kRecordHeadSize + kValueSize;
 }
 
-// Whether the header is whole and says that the document is no study.
+// Whether the header shows that the document is not a study. False if the header is damaged.
 bool RecoverPass::isNoStudy() const {
   constexpr std::string_view kStudy = Assay::kRelativeStudy.code;
   return IsHeaderWhole(header_) &&

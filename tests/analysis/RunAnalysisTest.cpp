@@ -232,7 +232,7 @@ TEST_F(RunAnalysisTest, SaysWhichSettingsOfADetectorAreNotUsed) {
       testing::UnorderedElementsAre(
           "MYC: the baseline 50-60 is not used, because it has fewer than three cycles with "
           "readings",
-          "MYC: the threshold -1 is not used, because it is no number above 0"));
+          "MYC: the threshold -1 is not used, because it is not a number above 0"));
   EXPECT_EQ(analysis.wells[0].note,
             "the set baseline 50-60 has fewer than three cycles with readings");
   EXPECT_EQ(analysis.wells[0].unusedBaseline, (lab::CycleRange{50, 60}));
